@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+//
+// The number type: sign-magnitude binary floating point with 352 mantissa bits (about 106 decimal digits)
+// and magnitudes from about 10^-9864 to 10^9864.
+//
+// A qfloat is 14 words of 32 bits, most significant first:
+//
+//   word 0      sign      0 positive, 0xFFFFFFFF negative (any non-zero word counts as negative)
+//   word 1      exponent  biased by 0x8000; value = 0.m * 2^(exponent - 0x8000); exponent 0 is the number
+//                         zero whatever the other words hold
+//   word 2      high      always 0 in a stored number
+//   words 3-13  mantissa  352 bits, word 3 first; normalised: the top bit of word 3 is set
+//
+// 1.0 is { 0, 0x8001, 0, 0x80000000, 0, ... }.  The overflow value has exponent 0x10000 and a mantissa of
+// all ones.  The largest finite exponent is 0xFFFF, the smallest 1.
+//
+// Conventions of every routine here:
+//   - the caller owns every array; an output may be the same array as an input;
+//   - subtract, divide and remainder take the subtrahend or divisor FIRST;
+//   - nothing throws or allocates; failures are reported in `merror`, which no routine ever clears;
+//   - nothing is re-entrant (shared scratch state, one thread).
+#ifndef TALLYQUILL_QFLOAT_H
+#define TALLYQUILL_QFLOAT_H
+
+#include <cstdint>
+
+typedef uint32_t qfloat[14];
+
+// The code of the last failure.  Callers clear it before a calculation and read it afterwards.
+//   0 unknown, 1 result is imaginary (domain), 2 singularity, 3 overflow, 4 underflow,
+//   5 total loss of precision, 6 partial loss of precision
+extern int merror;
+
+// The texts of the codes, index = code (7 entries).
+extern const char* const mathErrorTexts[7];
+
+// Sets merror = code.  The routine's name is accepted for the caller's record only.
+void mtherr(const char* name, int code);
+
+// ---------------------------------------------------------------------------------------------------------
+// Constants, all exact to 352 bits unless said otherwise.  Stored in 16 words, the last two zero.
+
+typedef const uint32_t qconstant[16];
+
+extern qconstant qzero, qhalf, qone, qtwo, qthree, qnine, qten, q32;
+extern qconstant q32bitmax;        // 2^32
+extern qconstant q31bitmax;        // 2^31
+extern qconstant qlog2;            // ln 2
+extern qconstant qsqrt2;           // square root of 2
+extern qconstant oneopi;           // 2 / square root of pi (in spite of the name)
+extern qconstant qpi;              // pi
+extern qconstant qeul;             // Euler's constant, gamma
+extern qconstant C1;               // the first 32 mantissa bits of ln 2
+extern qconstant C2;               // ln 2 - C1
+extern qconstant qsq0, qsq1, qsq2; // 0.313567057, 0.890194099, -0.204405847 as doubles
+extern qconstant qrad2deg;         // 180 / pi
+extern qconstant qsmall;           // 10^-80
+extern qconstant qtp8;             // tan(pi/8) = square root of 2, less 1
+extern qconstant qt3p8;            // tan(3 pi/8) = square root of 2, plus 1
+extern qconstant qtens[14];        // entry i = 10^(2^(13-i)): 10^8192 ... 10^1
+extern qconstant qmtens[14];       // their reciprocals, correctly rounded
+extern qconstant rndbit;           // zero but for a 1 in word 13: one unit of the last place
+extern const uint32_t bmask[32];   // entry k clears the k lowest bits of a word
+
+// ---------------------------------------------------------------------------------------------------------
+// Copy, sign, compare.  None of these reports an error.
+
+void qmov(const qfloat a, qfloat b); // b = a (14 words)
+
+// b = a with a zero guard word: b is a working register of 15 words.
+void qmovz(const qfloat a, uint32_t* b);
+
+void qclear(qfloat a);       // a = 0, all 14 words
+void qneg(qfloat a);         // a = -a: complements the sign word
+void qabs(qfloat a);         // a = |a|: clears the sign word
+int qisneg(const qfloat a);  // 1 when the sign word is non-zero, else 0
+void qinfin(qfloat a);       // a = the overflow value; the sign word stays as it is
+void qnrmlz(qfloat a);       // normalises a in place; an all-zero mantissa gives 0
+
+// Returns -1, 0, +1 as a < b, a = b, a > b.  When both exponents are at most 352 the difference decides, so
+// that a difference which qsub flushes to zero (see there) compares as equal.
+int qcmp(const qfloat a, const qfloat b);
+
+// ---------------------------------------------------------------------------------------------------------
+// Arithmetic.
+//
+// Overflow gives the overflow value and merror = 3; underflow gives 0 without a code.
+
+// c = b + a.  Exact sum, then: a sum of magnitudes is rounded half up on the 32-bit guard word, a difference
+// of magnitudes is cut (not rounded).  Operands whose exponents differ by more than 353 give the larger one.
+// A difference whose mantissa before normalising is below 4095 units of the last mantissa word is taken as
+// exact cancellation and gives 0.  On overflow c's sign word keeps what it held (except for a + a, which
+// has the sign of a).
+void qadd(const qfloat a, const qfloat b, qfloat c);
+
+// c = b - a (subtrahend first).  As qadd.
+void qsub(const qfloat a, const qfloat b, qfloat c);
+
+// c = a * b.  Within 0.5000001 units of the last place (the partial products below the guard word are left
+// out; rounding is half up on the guard word); correctly rounded when an operand has a one-word mantissa.
+void qmul(const qfloat a, const qfloat b, qfloat c);
+
+// c = a * b where only the first mantissa word of a counts.  Correctly rounded (half up).
+void qmuli(const qfloat a, const qfloat b, qfloat c);
+
+// c = b / a (divisor first).  Within 0.5000001 units of the last place; correctly rounded (half up) when the
+// divisor has a one-word mantissa.  0 / a = 0 for any a, zero included; b / 0 sets merror = 2 and gives the
+// overflow value, c's sign word keeping what it held.
+void qdiv(const qfloat a, const qfloat b, qfloat c);
+
+// ---------------------------------------------------------------------------------------------------------
+// Text.
+
+// q = the number in text: decimal, or radix 16, 8, 2 after "0x", "0o", "0b" (then "e" is followed by a power
+// of two; in radix 16 it is a digit).  Blanks are ignored; one sign may stand anywhere among the mantissa's
+// characters.  Of the digits that follow the leading zeros the first 104 count; the others are dropped
+// without any change to the scale.  Reading stops at a line end.
+// Returns 0, or -1 on a syntax error (q = 0, and "asctoq conversion error" goes to standard output).
+// merror: 3 overflow (q = the overflow value, signed), 4 underflow (q = 0), 4 also for a zero mantissa with
+// an exponent ("0e5").
+// Decimal values are within 0.5000001 units of the last place, over the whole range; radix values are cut.
+int asctoq(const char* text, qfloat q);
+
+// Writes q as a sign (blank or '-'), one digit, a point, min(digits, 104) fraction digits, 'E' and the
+// decimal exponent: " 1.2345E3", "-5.E-7".  Correctly rounded, exact ties to even.
+// The buffer holds at least 3 + min(digits, 104) + 8 bytes.
+void qtoasc(const qfloat q, char* buffer, int digits);
+
+// q = q * 10^n, within 0.5000001 units of the last place.  Overflow: the overflow value with q's sign and
+// merror = 3.  Underflow: 0, no code.
+void qdecexp(qfloat q, int64_t n);
+
+// ---------------------------------------------------------------------------------------------------------
+// Machine numbers and integers.
+
+// q = *n modulo 2^32 on the magnitude, with n's sign: exact for |n| < 2^32 (a quirk that callers know).
+void ltoq(const int64_t* n, qfloat q);
+
+// q = the double, exactly.  The exponent field 2047 is not special: infinities and NaNs become large finite
+// numbers near 2^1024.  The second form takes the four 16-bit words, least significant first.
+void etoq(const double* d, qfloat q);
+void etoq(const uint16_t e[4], qfloat q);
+
+// *d = the double nearest to q.  An exact tie is cut, never rounded up; a value above a tie whose excess lies
+// below mantissa word 4 (bit 64 and below) is rounded up only after an odd last bit.  Overflow: the
+// largest finite double with q's sign, merror = 3.  Below the subnormal range: a signed zero.
+void qtoe(const qfloat q, double* d);
+void qtoe(const qfloat q, uint16_t e[4]);
+
+// *i = the integer part of x, towards zero; f = the fraction.
+//   |x| < 1: i = 0 and f = x, with its sign.
+//   1 <= |x| < 2^32: exact, |i| up to 4294967295; f is non-negative also for negative x (-2.75: -2 and 0.75).
+//   |x| >= 2^32: |i| = 2147483647; f is still exact.
+void qifrac(const qfloat x, int64_t* i, qfloat f);
+
+void qfloor(const qfloat x, qfloat y); // y = the largest integer <= x, exact
+void qround(const qfloat x, qfloat y); // y = the nearest integer, halves go up (2.5: 3, -2.5: -2)
+
+// Replaces x by the nearest integer when that is not 0 and lies within 10^-80 of it.
+void qfixintegers(qfloat x);
+
+// y = x * 2^n by exponent arithmetic.  Overflow: the overflow value with x's sign, no code; underflow: 0, no
+// code.  A zero is not special: its exponent word is raised too (a quirk that callers guard against).
+void qldexp(const qfloat x, int64_t n, qfloat y);
+
+// y = x scaled into [0.5, 1), *e = the power of two removed; 0 gives y = 0, *e = 0.
+void qfrexp(const qfloat x, int64_t* e, qfloat y);
+
+// Sets the shift count that the mantissa primitive `shift` consumes (qregister.h).
+void setshiftcount(int32_t n);
+
+#endif
