@@ -70,12 +70,12 @@ void qmov(const qfloat a, qfloat b); // b = a (14 words)
 // b = a with a zero guard word: b is a working register of 15 words.
 void qmovz(const qfloat a, uint32_t* b);
 
-void qclear(qfloat a);       // a = 0, all 14 words
-void qneg(qfloat a);         // a = -a: complements the sign word
-void qabs(qfloat a);         // a = |a|: clears the sign word
-int qisneg(const qfloat a);  // 1 when the sign word is non-zero, else 0
-void qinfin(qfloat a);       // a = the overflow value; the sign word stays as it is
-void qnrmlz(qfloat a);       // normalises a in place; an all-zero mantissa gives 0
+void qclear(qfloat a);      // a = 0, all 14 words
+void qneg(qfloat a);        // a = -a: complements the sign word
+void qabs(qfloat a);        // a = |a|: clears the sign word
+int qisneg(const qfloat a); // 1 when the sign word is non-zero, else 0
+void qinfin(qfloat a);      // a = the overflow value; the sign word stays as it is
+void qnrmlz(qfloat a);      // normalises a in place; an all-zero mantissa gives 0
 
 // Returns -1, 0, +1 as a < b, a = b, a > b.  When both exponents are at most 352 the difference decides, so
 // that a difference which qsub flushes to zero (see there) compares as equal.
@@ -149,8 +149,8 @@ void qtoe(const qfloat q, uint16_t e[4]);
 
 // *i = the integer part of x, towards zero; f = the fraction.
 //   |x| < 1: i = 0 and f = x, with its sign.
-//   1 <= |x| < 2^32: exact, |i| up to 4294967295; f is non-negative also for negative x (-2.75: -2 and 0.75).
-//   |x| >= 2^32: |i| = 2147483647; f is still exact.
+//   1 <= |x| < 2^31: exact; f is non-negative also for negative x (-2.75 gives -2 and 0.75).
+//   |x| >= 2^31: i is saturated to 2147483647 with x's sign; f is still exact.
 void qifrac(const qfloat x, int64_t* i, qfloat f);
 
 void qfloor(const qfloat x, qfloat y); // y = the largest integer <= x, exact

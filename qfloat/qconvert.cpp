@@ -1,0 +1,214 @@
+// SPDX-License-Identifier: MIT
+//
+// Machine doubles and integers, integer and fraction, rounding, scaling by two, error codes.
+#include "qfloat.h"
+#include "qlimb.h"
+#include "qregister.h"
+
+#include <cstring>
+
+using limb::count;
+
+int merror;
+
+const char* const mathErrorTexts[7] = {"unknown",
+                                       "result is imaginary",
+                                       "singularity",
+                                       "overflow",
+                                       "underflow",
+                                       "total loss of precision",
+                                       "partial loss of precision"};
+
+void mtherr(const char* /*name*/, int code) {
+    merror = code;
+}
+
+void ltoq(const int64_t* n, qfloat q) {
+    const uint64_t magnitude = *n < 0 ? -static_cast<uint64_t>(*n) : static_cast<uint64_t>(*n);
+    const auto low = static_cast<uint32_t>(magnitude);
+    const uint32_t sign = *n < 0 ? negativeSign : 0;
+    qclear(q);
+    if (low == 0) return;
+    const int zeros = limb::leadingZeros(uint64_t{low}) - 32;
+    q[0] = sign;
+    q[1] = exponentBias + 32 - static_cast<uint32_t>(zeros);
+    q[3] = low << zeros;
+}
+
+// ---------------------------------------------------------------------------------------------------------
+// Doubles.  A double's significand lies in [1, 2), a mantissa in [0.5, 1): the exponent fields differ by
+// 0x8000 - 1023 + 1.
+
+namespace {
+
+constexpr int64_t doubleBias = 31746;
+
+void fromDoubleBits(uint64_t bits, qfloat q) {
+    const uint64_t fraction = bits & ((uint64_t{1} << 52) - 1);
+    const auto field = static_cast<uint32_t>(bits >> 52 & 0x7FF);
+    const uint64_t mantissa = (fraction | (uint64_t{field != 0} << 52)) << 11;
+    qclear(q);
+    if (mantissa == 0) return;
+    const int shift = field != 0 ? 0 : limb::leadingZeros(mantissa);
+    const int64_t exponent = doubleBias + (field != 0 ? field : 1) - shift;
+    q[0] = bits >> 63 != 0 ? negativeSign : 0;
+    q[1] = static_cast<uint32_t>(exponent);
+    q[3] = static_cast<uint32_t>(mantissa << shift >> 32);
+    q[4] = static_cast<uint32_t>(mantissa << shift);
+}
+
+// Whether the mantissa x is rounded up to its top 53 bits.  A tie stands; what exceeds a tie only below
+// mantissa word 4 counts only after an odd last bit.
+bool roundsUpToDouble(const uint64_t* x) {
+    const uint64_t cut = x[5] & 0x7FF;
+    if (cut != 0x400) return cut > 0x400;
+    const bool odd = (x[5] & 0x800) != 0;
+    return odd && (x[4] | x[3] | x[2] | x[1] | x[0]) != 0;
+}
+
+uint64_t toDoubleBits(const qfloat q) {
+    const uint64_t sign = uint64_t{q[0] != 0} << 63;
+    uint64_t x[count];
+    limb::load(q, x);
+    int64_t field = int64_t{q[1]} - doubleBias;
+    const int zeros = limb::leadingZeros(x);
+    if (q[1] == 0 || zeros == 64 * count) return sign;
+    limb::shiftUp(x, zeros);
+    field -= zeros;
+    if (field < -52) return sign;
+    if (field < 1) {
+        limb::shiftDown(x, static_cast<int>(1 - field));
+        field = 0;
+    }
+    uint64_t significand = x[5] >> 11;
+    if (roundsUpToDouble(x)) ++significand;
+    if (significand >> 53 != 0) {
+        significand >>= 1;
+        ++field;
+    }
+    if (field == 0 && significand >> 52 != 0) field = 1; // a subnormal that rounded up to a normal number
+    if (field >= 2047) {
+        merror = 3;
+        return sign | 0x7FEFFFFFFFFFFFFF;
+    }
+    return sign | static_cast<uint64_t>(field) << 52 | (significand & ((uint64_t{1} << 52) - 1));
+}
+
+} // namespace
+
+void etoq(const double* d, qfloat q) {
+    uint64_t bits;
+    std::memcpy(&bits, d, sizeof bits);
+    fromDoubleBits(bits, q);
+}
+
+void etoq(const uint16_t e[4], qfloat q) {
+    uint64_t bits = 0;
+    for (int i = 3; i >= 0; --i) bits = bits << 16 | e[i];
+    fromDoubleBits(bits, q);
+}
+
+void qtoe(const qfloat q, double* d) {
+    const uint64_t bits = toDoubleBits(q);
+    std::memcpy(d, &bits, sizeof bits);
+}
+
+void qtoe(const qfloat q, uint16_t e[4]) {
+    uint64_t bits = toDoubleBits(q);
+    for (int i = 0; i < 4; ++i, bits >>= 16) e[i] = static_cast<uint16_t>(bits);
+}
+
+// ---------------------------------------------------------------------------------------------------------
+// Integer, fraction, rounding
+
+void qifrac(const qfloat x, int64_t* i, qfloat f) {
+    const int64_t bits = int64_t{x[1]} - exponentBias; // of the integer part
+    if (bits < 1) {
+        *i = 0;
+        qmov(x, f);
+        return;
+    }
+    uint64_t m[count];
+    limb::load(x, m);
+    const int64_t magnitude = bits < 32 ? static_cast<int64_t>(m[5] >> (64 - bits)) : 2147483647;
+    *i = x[0] != 0 ? -magnitude : magnitude;
+    limb::shiftUp(m, bits > 64 * count ? 64 * count : static_cast<int>(bits));
+    qclear(f);
+    const int zeros = limb::leadingZeros(m);
+    if (zeros == 64 * count) return;
+    limb::shiftUp(m, zeros);
+    f[1] = exponentBias - static_cast<uint32_t>(zeros);
+    limb::store(m, f);
+}
+
+void qfloor(const qfloat x, qfloat y) {
+    if (x[1] == 0) {
+        qclear(y);
+        return;
+    }
+    const int64_t bits = int64_t{x[1]} - exponentBias;
+    const bool negative = x[0] != 0;
+    if (bits <= 0) {
+        qmov(negative ? qone : qzero, y);
+        if (negative) qneg(y);
+        return;
+    }
+    qmov(x, y);
+    uint32_t cut = 0;
+    int word = 13;
+    int64_t k = mantissaBits - bits;
+    for (; k >= 32; k -= 32, --word) {
+        cut |= y[word];
+        y[word] = 0;
+    }
+    if (k > 0) {
+        cut |= y[word] & ~bmask[k];
+        y[word] &= bmask[k];
+    }
+    if (negative && cut != 0) qsub(qone, y, y);
+}
+
+void qround(const qfloat x, qfloat y) {
+    qfloat f, d = {};
+    qfloor(x, f);
+    qsub(f, x, d);
+    if (qcmp(d, qhalf) >= 0) qadd(qone, f, f);
+    qmov(f, y);
+}
+
+void qfixintegers(qfloat x) {
+    qfloat r, t = {};
+    qround(x, r);
+    if (r[1] == 0) return;
+    qsub(x, r, t);
+    qabs(t);
+    if (qcmp(t, qsmall) < 0) qmov(r, x);
+}
+
+void qldexp(const qfloat x, int64_t n, qfloat y) {
+    constexpr int64_t limit = 0x20000;
+    if (n < -limit) {
+        qclear(y);
+        return;
+    }
+    const int64_t exponent = n > limit ? int64_t{overflowExponent} + 1 : int64_t{x[1]} + n;
+    qmov(x, y);
+    if (exponent > overflowExponent) {
+        qinfin(y);
+    } else if (exponent < 1) {
+        qclear(y);
+    } else {
+        y[1] = static_cast<uint32_t>(exponent); // a zero's too
+    }
+}
+
+void qfrexp(const qfloat x, int64_t* e, qfloat y) {
+    if (x[1] == 0) {
+        *e = 0;
+        qclear(y);
+        return;
+    }
+    *e = int64_t{x[1]} - exponentBias;
+    qmov(x, y);
+    y[1] = exponentBias;
+}

@@ -1,0 +1,268 @@
+// SPDX-License-Identifier: MIT
+#include "qlimb.h"
+
+namespace limb {
+#if !TALLYQUILL_INT128
+inline namespace portable {
+#endif
+
+namespace {
+
+// A column sum of three limbs.
+struct Column {
+    uint64_t low = 0, middle = 0, high = 0;
+
+    void add(uint64_t x, uint64_t y) {
+#if TALLYQUILL_INT128
+        const uint128 p = uint128{x} * y;
+        const uint128 s = uint128{low} + static_cast<uint64_t>(p);
+        low = static_cast<uint64_t>(s);
+        const uint128 t = uint128{middle} + static_cast<uint64_t>(p >> 64) + static_cast<uint64_t>(s >> 64);
+        middle = static_cast<uint64_t>(t);
+        high += static_cast<uint64_t>(t >> 64);
+#else
+        uint64_t above;
+        uint64_t carry = 0;
+        low = addCarry(low, multiply(x, y, above), carry);
+        middle = addCarry(middle, above, carry);
+        high += carry;
+#endif
+    }
+
+    // Takes the finished lowest limb off.
+    uint64_t next() {
+        const uint64_t done = low;
+        low = middle;
+        middle = high;
+        high = 0;
+        return done;
+    }
+
+    void twice() {
+        high = (high << 1) | (middle >> 63);
+        middle = (middle << 1) | (low >> 63);
+        low <<= 1;
+    }
+
+    void add(const Column& other) {
+        uint64_t carry = 0;
+        low = addCarry(low, other.low, carry);
+        middle = addCarry(middle, other.middle, carry);
+        high += other.high + carry;
+    }
+};
+
+} // namespace
+
+void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z) {
+    const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
+    const uint64_t y0 = y[0], y1 = y[1], y2 = y[2], y3 = y[3], y4 = y[4], y5 = y[5];
+    Column c;
+    c.add(x0, y5), c.add(x1, y4), c.add(x2, y3), c.add(x3, y2), c.add(x4, y1), c.add(x5, y0);
+    c.next();
+    c.add(x1, y5), c.add(x2, y4), c.add(x3, y3), c.add(x4, y2), c.add(x5, y1);
+    z[0] = c.next();
+    c.add(x2, y5), c.add(x3, y4), c.add(x4, y3), c.add(x5, y2);
+    z[1] = c.next();
+    c.add(x3, y5), c.add(x4, y4), c.add(x5, y3);
+    z[2] = c.next();
+    c.add(x4, y5), c.add(x5, y4);
+    z[3] = c.next();
+    c.add(x5, y5);
+    z[4] = c.next();
+    z[5] = c.next();
+}
+
+void square(const uint64_t* x, uint64_t* z) {
+    const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
+    Column sum;
+    const auto finish = [&sum](Column cross) {
+        cross.twice();
+        sum.add(cross);
+        return sum.next();
+    };
+    Column c5, c6, c7, c8, c9;
+    c5.add(x0, x5), c5.add(x1, x4), c5.add(x2, x3);
+    finish(c5);
+    c6.add(x1, x5), c6.add(x2, x4);
+    sum.add(x3, x3);
+    z[0] = finish(c6);
+    c7.add(x2, x5), c7.add(x3, x4);
+    z[1] = finish(c7);
+    c8.add(x3, x5);
+    sum.add(x4, x4);
+    z[2] = finish(c8);
+    c9.add(x4, x5);
+    z[3] = finish(c9);
+    sum.add(x5, x5);
+    z[4] = sum.next();
+    z[5] = sum.next();
+}
+
+namespace {
+
+// One quotient digit of (r2, r1, r0, ...) / (d1, d0, ...): the quotient of the top three limbs by the top
+// two, 2^64 - 1 where it would not fit, never below the true digit and at most one above it.
+// v is the reciprocal of the two-limb divisor (Moeller and Granlund, algorithm 5).
+uint64_t quotientDigit(uint64_t r2, uint64_t r1, uint64_t r0, uint64_t d1, uint64_t d0, uint64_t v) {
+    if (r2 > d1 || (r2 == d1 && r1 >= d0)) return ~uint64_t{0};
+    uint64_t q1;
+    uint64_t q0 = multiply(v, r2, q1);
+    uint64_t carry = 0;
+    q0 = addCarry(q0, r1, carry);
+    q1 = addCarry(q1, r2, carry);
+    uint64_t high = r1 - q1 * d1;
+    uint64_t t1;
+    const uint64_t t0 = multiply(d0, q1, t1);
+    uint64_t borrow = 0;
+    uint64_t low = subtractBorrow(r0, t0, borrow);
+    high = high - t1 - borrow;
+    borrow = 0;
+    low = subtractBorrow(low, d0, borrow);
+    high = high - d1 - borrow;
+    ++q1;
+    if (high >= q0) {
+        --q1;
+        carry = 0;
+        low = addCarry(low, d0, carry);
+        high = high + d1 + carry;
+    }
+    if (high > d1 || (high == d1 && low >= d0)) ++q1;
+    return q1;
+}
+
+// The reciprocal of a two-limb divisor for quotientDigit (algorithm 6 of the same paper).
+uint64_t reciprocal(uint64_t d1, uint64_t d0) {
+    uint64_t v = limb::reciprocal(d1);
+    uint64_t p = d1 * v + d0;
+    if (p < d0) {
+        --v;
+        if (p >= d1) {
+            --v;
+            p -= d1;
+        }
+        p -= d1;
+    }
+    uint64_t t1;
+    const uint64_t t0 = multiply(v, d0, t1);
+    p += t1;
+    if (p < t1) {
+        --v;
+        if (p > d1 || (p == d1 && t0 >= d0)) --v;
+    }
+    return v;
+}
+
+// r (n + 1 limbs from r[0]) -= q * d (n limbs); gives d back once where q was one too large.  Returns q.
+template <int n> inline uint64_t reduce(uint64_t* r, const uint64_t* d, uint64_t q) {
+    uint64_t high = 0;
+    for (int i = 0; i < n; ++i) {
+        uint64_t above;
+        uint64_t carry = 0;
+        const uint64_t low = addCarry(multiply(d[i], q, above), high, carry);
+        high = above + carry;
+        uint64_t borrow = 0;
+        r[i] = subtractBorrow(r[i], low, borrow);
+        high += borrow;
+    }
+    uint64_t borrow = 0;
+    r[n] = subtractBorrow(r[n], high, borrow);
+    while (borrow != 0) {
+        --q;
+        uint64_t carry = 0;
+        for (int i = 0; i < n; ++i) r[i] = addCarry(r[i], d[i], carry);
+        r[n] += carry;
+        if (carry != 0 && r[n] == 0) borrow = 0;
+    }
+    return q;
+}
+
+} // namespace
+
+void divide(const uint64_t* x, const uint64_t* y, uint64_t* z) {
+    if ((y[0] | y[1] | y[2] | y[3] | y[4]) == 0) {
+        divideLimb(x, y[5], z);
+        return;
+    }
+    const uint64_t d[count] = {y[0], y[1], y[2], y[3], y[4], y[5]};
+    uint64_t r[count + 1] = {0, x[0], x[1], x[2], x[3], x[4], x[5]};
+    const uint64_t v = reciprocal(d[5], d[4]);
+    std::memset(z, 0xFF, count * sizeof *z);
+    z[5] = reduce<6>(r, d, quotientDigit(r[6], r[5], r[4], d[5], d[4], v));
+    z[4] = reduce<5>(r, d + 1, quotientDigit(r[5], r[4], r[3], d[5], d[4], v));
+    // A cut divisor of almost all ones may leave a remainder above it: the digits that follow are all ones.
+    if (r[5] != 0) return;
+    z[3] = reduce<4>(r, d + 2, quotientDigit(r[4], r[3], r[2], d[5], d[4], v));
+    if (r[4] != 0) return;
+    z[2] = reduce<3>(r, d + 3, quotientDigit(r[3], r[2], r[1], d[5], d[4], v));
+    if (r[3] != 0) return;
+    z[1] = reduce<2>(r, d + 4, quotientDigit(r[2], r[1], r[0], d[5], d[4], v));
+    if (r[2] != 0 || r[1] >= d[5]) return;
+    uint64_t rest;
+    z[0] = divideWide(r[1], r[0], d[5], rest);
+}
+
+void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z) {
+    const uint64_t v = limb::reciprocal(y);
+    uint64_t rest = x[5];
+    for (int i = count - 1; i > 0; --i) z[i] = divideBy(rest, x[i - 1], y, v, rest);
+    z[0] = divideBy(rest, 0, y, v, rest);
+}
+
+void multiply(const Extended& x, const Extended& y, Extended& z) {
+    const int64_t exponent = x.exponent + y.exponent;
+    multiply(x.limb, y.limb, z.limb);
+    z.exponent = exponent;
+    if (!(z.limb[count - 1] & topBit)) {
+        shiftUp(z.limb, 1);
+        --z.exponent;
+    }
+}
+
+void divide(const Extended& x, const Extended& y, Extended& z) {
+    uint64_t n[count];
+    copy(x.limb, n);
+    z.exponent = x.exponent - y.exponent;
+    if (compare(n, y.limb) >= 0) {
+        shiftDown(n, 1);
+        ++z.exponent;
+    }
+    divide(n, y.limb, z.limb);
+    if (!(z.limb[count - 1] & topBit)) { // the cut bit of n made the quotient fall just below one half
+        shiftUp(z.limb, 1);
+        --z.exponent;
+    }
+}
+
+void powerOfTen(int n, Extended& p) {
+    p = Extended{{0, 0, 0, 0, 0, topBit}, 1};
+    bool first = true;
+    for (int k = 0; k < 14; ++k) {
+        if (!(n >> k & 1)) continue;
+        if (first) {
+            p = tens[k];
+        } else {
+            multiply(p, tens[k], p);
+        }
+        first = false;
+    }
+}
+
+void scaleTen(Extended& x, int n) {
+    for (int left = n < 0 ? -n : n; left > 0;) {
+        const int step = left < 16384 ? left : 16383;
+        Extended p;
+        powerOfTen(step, p);
+        if (n < 0) {
+            divide(x, p, x);
+        } else {
+            multiply(x, p, x);
+        }
+        left -= step;
+    }
+}
+
+#if !TALLYQUILL_INT128
+} // namespace portable
+#endif
+} // namespace limb

@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: MIT
+//
+// Private to qfloat/: arithmetic on 384-bit mantissas held in six 64-bit limbs, least significant first.
+//
+// The eleven mantissa words and the guard word of a working register are exactly six limbs, so a stored
+// number is loaded pairwise (the lower half of limb 0, the guard, is zero).  Internal steps that need more
+// than 352 bits (powers of ten, the elementary functions) keep all 384 and round once at the end.
+#ifndef TALLYQUILL_QLIMB_H
+#define TALLYQUILL_QLIMB_H
+
+#include <cstdint>
+#include <cstring>
+
+// TALLYQUILL_NO_INT128 selects the portable 32x32 arithmetic where the compiler has 128-bit integers too,
+// so that a test can compare the two.
+#if defined(__SIZEOF_INT128__) && !defined(TALLYQUILL_NO_INT128)
+#define TALLYQUILL_INT128 1
+#endif
+
+namespace limb {
+#if !TALLYQUILL_INT128
+inline namespace portable {
+#endif
+
+constexpr int count = 6;
+constexpr uint64_t topBit = uint64_t{1} << 63;
+
+// A value 0.m * 2^exponent with the mantissa m of 384 bits, normalised (top bit of limb[5] set).
+struct Extended {
+    uint64_t limb[count];
+    int64_t exponent;
+};
+
+// 10^(2^k), k = 0 .. 13, to the nearest 384-bit mantissa.
+extern const Extended tens[14];
+
+// ---------------------------------------------------------------------------------------------------------
+// Single limbs
+
+#if TALLYQUILL_INT128
+__extension__ typedef unsigned __int128 uint128;
+
+// Returns the low limb of x * y and puts the high one into `high`.
+inline uint64_t multiply(uint64_t x, uint64_t y, uint64_t& high) {
+    const uint128 p = uint128{x} * y;
+    high = static_cast<uint64_t>(p >> 64);
+    return static_cast<uint64_t>(p);
+}
+
+// Returns x + y + carry (carry 0 or 1) and leaves the carry out.
+inline uint64_t addCarry(uint64_t x, uint64_t y, uint64_t& carry) {
+    const uint128 s = uint128{x} + y + carry;
+    carry = static_cast<uint64_t>(s >> 64);
+    return static_cast<uint64_t>(s);
+}
+
+// Returns x - y - borrow (borrow 0 or 1) and leaves the borrow out.
+inline uint64_t subtractBorrow(uint64_t x, uint64_t y, uint64_t& borrow) {
+    const uint128 d = uint128{x} - y - borrow;
+    borrow = static_cast<uint64_t>(d >> 64) & 1;
+    return static_cast<uint64_t>(d);
+}
+#else
+inline uint64_t multiply(uint64_t x, uint64_t y, uint64_t& high) {
+    const uint64_t mask = 0xFFFFFFFF;
+    const uint64_t ll = (x & mask) * (y & mask);
+    const uint64_t lh = (x & mask) * (y >> 32);
+    const uint64_t hl = (x >> 32) * (y & mask);
+    const uint64_t middle = (ll >> 32) + (lh & mask) + (hl & mask);
+    high = (x >> 32) * (y >> 32) + (lh >> 32) + (hl >> 32) + (middle >> 32);
+    return (middle << 32) | (ll & mask);
+}
+
+inline uint64_t addCarry(uint64_t x, uint64_t y, uint64_t& carry) {
+    const uint64_t s = x + y;
+    const uint64_t t = s + carry;
+    carry = static_cast<uint64_t>(s < x) | static_cast<uint64_t>(t < s);
+    return t;
+}
+
+inline uint64_t subtractBorrow(uint64_t x, uint64_t y, uint64_t& borrow) {
+    const uint64_t d = x - y;
+    const uint64_t t = d - borrow;
+    borrow = static_cast<uint64_t>(x < y) | static_cast<uint64_t>(d < borrow);
+    return t;
+}
+#endif
+
+// Number of zero bits above the highest one; x is not 0.
+inline int leadingZeros(uint64_t x) {
+#if defined(__GNUC__)
+    return __builtin_clzll(x);
+#else
+    int n = 0;
+    for (; !(x & topBit); x <<= 1) ++n;
+    return n;
+#endif
+}
+
+// floor((high * 2^64 + low) / d) with the remainder; high < d, so the quotient fits.
+inline uint64_t divideWide(uint64_t high, uint64_t low, uint64_t d, uint64_t& remainder) {
+#if TALLYQUILL_INT128 && defined(__x86_64__)
+    uint64_t q;
+    __asm__("divq %4" : "=a"(q), "=d"(remainder) : "0"(low), "1"(high), "r"(d) : "cc");
+    return q;
+#elif TALLYQUILL_INT128
+    const uint128 n = (uint128{high} << 64) | low;
+    const uint64_t q = static_cast<uint64_t>(n / d);
+    remainder = low - q * d;
+    return q;
+#else
+    // Two steps of 32 quotient bits; the divisor is shifted so that its top bit is set.
+    const int s = leadingZeros(d);
+    if (s > 0) {
+        d <<= s;
+        high = (high << s) | (low >> (64 - s));
+        low <<= s;
+    }
+    uint64_t q = 0;
+    for (int half = 0; half < 2; ++half) {
+        const uint64_t next = half == 0 ? low >> 32 : low & 0xFFFFFFFF;
+        uint64_t digit = high / (d >> 32);
+        uint64_t rest = high % (d >> 32);
+        while (digit > 0xFFFFFFFF ||
+               (rest <= 0xFFFFFFFF && digit * (d & 0xFFFFFFFF) > ((rest << 32) | next))) {
+            --digit;
+            rest += d >> 32;
+        }
+        high = ((high << 32) | next) - digit * d;
+        q = (q << 32) | digit;
+    }
+    remainder = high >> s;
+    return q;
+#endif
+}
+
+// The reciprocal floor((2^128 - 1) / d) - 2^64 of a limb with its top bit set.
+inline uint64_t reciprocal(uint64_t d) {
+    uint64_t rest;
+    return divideWide(~d, ~uint64_t{0}, d, rest);
+}
+
+// As divideWide for a d with its top bit set, by its reciprocal v (Moeller and Granlund, "Improved division
+// by invariant integers", algorithm 4): one full product instead of a division.
+inline uint64_t divideBy(uint64_t high, uint64_t low, uint64_t d, uint64_t v, uint64_t& remainder) {
+    uint64_t q1;
+    uint64_t q0 = multiply(v, high, q1);
+    uint64_t carry = 0;
+    q0 = addCarry(q0, low, carry);
+    q1 = q1 + high + carry + 1;
+    uint64_t r = low - q1 * d;
+    if (r > q0) {
+        --q1;
+        r += d;
+    }
+    if (r >= d) {
+        ++q1;
+        r -= d;
+    }
+    remainder = r;
+    return q1;
+}
+
+// ---------------------------------------------------------------------------------------------------------
+// Six limbs
+
+// Words 3..13 of a stored number as limbs, guard zero.
+inline void load(const uint32_t* q, uint64_t* x) {
+    const auto pair = [q](int i) { return (uint64_t{q[i]} << 32) | q[i + 1]; };
+    x[5] = pair(3);
+    x[4] = pair(5);
+    x[3] = pair(7);
+    x[2] = pair(9);
+    x[1] = pair(11);
+    x[0] = uint64_t{q[13]} << 32;
+}
+
+// Limbs into words 3..13 of a stored number; the guard is dropped.
+inline void store(const uint64_t* x, uint32_t* q) {
+    const auto put = [q](int i, uint64_t v) {
+        q[i] = static_cast<uint32_t>(v >> 32);
+        q[i + 1] = static_cast<uint32_t>(v);
+    };
+    put(3, x[5]);
+    put(5, x[4]);
+    put(7, x[3]);
+    put(9, x[2]);
+    put(11, x[1]);
+    q[13] = static_cast<uint32_t>(x[0] >> 32);
+}
+
+inline void copy(const uint64_t* x, uint64_t* y) {
+    std::memcpy(y, x, count * sizeof *x);
+}
+
+inline bool isZero(const uint64_t* x) {
+    return (x[0] | x[1] | x[2] | x[3] | x[4] | x[5]) == 0;
+}
+
+// y += x; returns the carry.
+inline uint64_t add(const uint64_t* x, uint64_t* y) {
+    uint64_t carry = 0;
+    for (int i = 0; i < count; ++i) y[i] = addCarry(y[i], x[i], carry);
+    return carry;
+}
+
+// y -= x; returns the borrow.
+inline uint64_t subtract(const uint64_t* x, uint64_t* y) {
+    uint64_t borrow = 0;
+    for (int i = 0; i < count; ++i) y[i] = subtractBorrow(y[i], x[i], borrow);
+    return borrow;
+}
+
+// -1, 0, 1 as x < y, x = y, x > y.
+inline int compare(const uint64_t* x, const uint64_t* y) {
+    for (int i = count - 1; i >= 0; --i) {
+        if (x[i] != y[i]) return x[i] < y[i] ? -1 : 1;
+    }
+    return 0;
+}
+
+// x >>= n, 0 <= n; bits shifted out below are lost.
+inline void shiftDown(uint64_t* x, int n) {
+    if (n >= 64 * count) {
+        std::memset(x, 0, count * sizeof *x);
+        return;
+    }
+    uint64_t wide[2 * count] = {x[0], x[1], x[2], x[3], x[4], x[5]};
+    const uint64_t* from = wide + (n >> 6);
+    const int bits = n & 63;
+    for (int i = 0; i < count; ++i) x[i] = (from[i] >> bits) | ((from[i + 1] << 1) << (63 - bits));
+}
+
+// x <<= n, 0 <= n; bits shifted out above are lost.
+inline void shiftUp(uint64_t* x, int n) {
+    if (n >= 64 * count) {
+        std::memset(x, 0, count * sizeof *x);
+        return;
+    }
+    uint64_t wide[2 * count] = {0, 0, 0, 0, 0, 0, x[0], x[1], x[2], x[3], x[4], x[5]};
+    const uint64_t* from = wide + count - (n >> 6);
+    const int bits = n & 63;
+    for (int i = 0; i < count; ++i) x[i] = (from[i] << bits) | ((from[i - 1] >> 1) >> (63 - bits));
+}
+
+// The count of zero bits above the highest one; 384 when x is zero.
+inline int leadingZeros(const uint64_t* x) {
+    for (int i = count - 1; i >= 0; --i) {
+        if (x[i] != 0) return 64 * (count - 1 - i) + leadingZeros(x[i]);
+    }
+    return 64 * count;
+}
+
+// Rounds to 352 bits, half up on the top bit of the guard, and clears the guard.  Returns 1 when the
+// mantissa became 1.0; it is then stored as 0.5 and the exponent must be raised by one.
+inline int roundHalfUp(uint64_t* x) {
+    uint64_t carry = 0;
+    x[0] = addCarry(x[0], uint64_t{1} << 31, carry) & ~uint64_t{0xFFFFFFFF};
+    if (carry == 0) return 0;
+    for (int i = 1; i < count; ++i) {
+        if (++x[i] != 0) return 0;
+    }
+    x[count - 1] = topBit;
+    return 1;
+}
+
+// The upper six limbs of the twelve-limb product, z = floor(x * y / 2^384) less at most 6 units: the products
+// of limbs i, j with i + j < 5 (15 of 36) are not formed.  z may be x or y.
+void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z);
+
+// The same for y = x: squares each cross product once.
+void square(const uint64_t* x, uint64_t* z);
+
+// z = floor(x * y / 2^64) for one limb y; exact but for the limb cut below.
+inline void multiplyLimb(const uint64_t* x, uint64_t y, uint64_t* z) {
+    uint64_t high;
+    multiply(x[0], y, high);
+    for (int i = 1; i < count; ++i) {
+        uint64_t next;
+        uint64_t carry = 0;
+        z[i - 1] = addCarry(multiply(x[i], y, next), high, carry);
+        high = next + carry;
+    }
+    z[count - 1] = high;
+}
+
+// x = x * y + addend for integers; returns the limb carried out above.
+inline uint64_t multiplyAdd(uint64_t* x, uint64_t y, uint64_t addend) {
+    for (int i = 0; i < count; ++i) {
+        uint64_t high;
+        uint64_t carry = 0;
+        x[i] = addCarry(multiply(x[i], y, high), addend, carry);
+        addend = high + carry;
+    }
+    return addend;
+}
+
+// z = floor(x * 2^384 / y), at most 8 units off, for x < y and y normalised; exact for a y of one limb.
+// z may be x or y.
+// Schoolbook division, one 64-bit quotient digit a step, with the divisor cut by a limb from the second
+// step on (what is cut stays below the quotient's last limb).
+void divide(const uint64_t* x, const uint64_t* y, uint64_t* z);
+
+// z = floor(x * 2^64 * 2^320 / y) = x * 2^384 / (y * 2^320) exactly, for x[5] < y and y with its top bit set:
+// division by a one-limb mantissa.
+void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z);
+
+// ---------------------------------------------------------------------------------------------------------
+// Extended values
+
+// z = x * y and z = x / y, within 16 units of the 384-bit mantissa; the exponents are unbounded.
+void multiply(const Extended& x, const Extended& y, Extended& z);
+void divide(const Extended& x, const Extended& y, Extended& z);
+
+// p = 10^n for 0 <= n < 16384, within 2^-376 relative; exact for n <= 160.
+void powerOfTen(int n, Extended& p);
+
+// x = x * 10^n, |n| < 32768, within 2^-374 relative.
+void scaleTen(Extended& x, int n);
+
+#if !TALLYQUILL_INT128
+} // namespace portable
+#endif
+} // namespace limb
+
+#endif

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+//
+// Number to decimal text.
+#include "qfloat.h"
+#include "qlimb.h"
+#include "qregister.h"
+
+#include <cmath>
+#include <cstring>
+
+using limb::count;
+using limb::Extended;
+
+namespace {
+
+constexpr int maxDigits = 104;
+constexpr int chunkDigits = 19;
+
+constexpr uint64_t chunkScale[chunkDigits + 1] = {1,
+                                                  10,
+                                                  100,
+                                                  1000,
+                                                  10000,
+                                                  100000,
+                                                  1000000,
+                                                  10000000,
+                                                  100000000,
+                                                  1000000000,
+                                                  10000000000,
+                                                  100000000000,
+                                                  1000000000000,
+                                                  10000000000000,
+                                                  100000000000000,
+                                                  1000000000000000,
+                                                  10000000000000000,
+                                                  100000000000000000,
+                                                  1000000000000000000,
+                                                  10000000000000000000U};
+
+// floor(log10 |q|), at most one off, from the top 64 bits.
+int estimateExponent(const qfloat q) {
+    const double top = std::ldexp(static_cast<double>(uint64_t{q[3]} << 32 | q[4]), -64);
+    const double bits = static_cast<double>(q[1]) - exponentBias;
+    return static_cast<int>(std::floor(bits * 0.30102999566398119521 + std::log10(top)));
+}
+
+// y = |q| * 10^-k.  Returns whether y is exact: nothing was scaled, or the result came out so near to a
+// 352-bit number (64 units of 2^-384, the bound of scaleTen) that it is one, and was set to it.
+bool scaleDown(const qfloat q, int k, Extended& y) {
+    limb::load(q, y.limb);
+    y.exponent = int64_t{q[1]} - exponentBias;
+    if (k == 0) return true;
+    limb::scaleTen(y, -k);
+    const auto guard = static_cast<uint32_t>(y.limb[0]);
+    const uint32_t slack = 64;
+    if (guard > slack && guard < 0xFFFFFFFF - slack) return false;
+    y.exponent += limb::roundHalfUp(y.limb);
+    return true;
+}
+
+// y in [1, 10) as 4 integer bits above 380 fraction bits.
+void toFixed(Extended& y) {
+    limb::shiftDown(y.limb, static_cast<int>(4 - y.exponent));
+}
+
+// Finds the decimal exponent k and the mantissa y = |q| / 10^k in [1, 10).  Returns whether y is exact.
+bool findMantissa(const qfloat q, int& k, Extended& y) {
+    k = estimateExponent(q);
+    for (;;) {
+        const bool exact = scaleDown(q, k, y);
+        if (y.exponent < 1) {
+            --k;
+        } else if (y.exponent > 4) {
+            ++k;
+        } else {
+            toFixed(y);
+            if (y.limb[count - 1] >> 60 < 10) return exact;
+            ++k;
+        }
+    }
+}
+
+void putChunk(uint64_t value, int n, char* out) {
+    for (int i = n - 1; i >= 0; --i, value /= 10) out[i] = static_cast<char>('0' + value % 10);
+}
+
+// Writes the first `digits` digits of the fraction; it is left as what remains.
+void putFraction(uint64_t* fraction, int digits, char* out) {
+    while (digits > 0) {
+        const int n = digits < chunkDigits ? digits : chunkDigits;
+        putChunk(limb::multiplyAdd(fraction, chunkScale[n], 0), n, out);
+        out += n;
+        digits -= n;
+    }
+}
+
+char* putExponent(int k, char* out) {
+    *out++ = 'E';
+    if (k < 0) {
+        *out++ = '-';
+        k = -k;
+    }
+    int n = 1;
+    while (k >= static_cast<int>(chunkScale[n])) ++n;
+    putChunk(static_cast<uint64_t>(k), n, out);
+    out[n] = '\0';
+    return out + n;
+}
+
+// -1, 0, 1 as the rest of the fraction is below, at or above one half.
+int compareHalf(const uint64_t* rest) {
+    const uint64_t half[count] = {0, 0, 0, 0, 0, limb::topBit};
+    return limb::compare(rest, half);
+}
+
+// Whether the rest of an inexact mantissa is so near to one half that its error could decide: the error,
+// below 2^-368, has been multiplied by 10^digits.
+bool nearHalf(const uint64_t* rest, int digits) {
+    const int boundary = 366 - (10 * digits + 2) / 3; // the top bits that must differ from a half
+    const uint64_t top = rest[count - 1];
+    const uint64_t distance = top >= limb::topBit ? top - limb::topBit : limb::topBit - top;
+    return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
+}
+
+// Compares |q| with the midpoint "digits written so far, then 5".
+int compareMidpoint(const qfloat q, const char* text, int digits, int k) {
+    char midpoint[3 + maxDigits + 16];
+    std::memcpy(midpoint, text, static_cast<size_t>(3 + digits));
+    midpoint[0] = ' ';
+    midpoint[3 + digits] = '5';
+    putExponent(k, midpoint + 4 + digits);
+    qfloat m, magnitude;
+    const int saved = merror;
+    asctoq(midpoint, m);
+    merror = saved;
+    qmov(q, magnitude);
+    qabs(magnitude);
+    return qcmp(magnitude, m);
+}
+
+// Adds one unit to the last digit written; returns 1 when 9.99 became 10.00 (written 1.00).
+int roundUp(char* text, int digits) {
+    for (char* p = text + 2 + digits; p > text + 2; --p) {
+        if (*p != '9') {
+            ++*p;
+            return 0;
+        }
+        *p = '0';
+    }
+    if (text[1] != '9') {
+        ++text[1];
+        return 0;
+    }
+    text[1] = '1';
+    return 1;
+}
+
+} // namespace
+
+void qtoasc(const qfloat q, char* buffer, int digits) {
+    if (digits > maxDigits) digits = maxDigits;
+    if (digits < 0) digits = 0;
+    int k = 0;
+    Extended y = {};
+    const bool zero = q[1] == 0 || (q[3] & 0x80000000) == 0;
+    const bool exact = zero || findMantissa(q, k, y);
+    buffer[0] = q[0] != 0 ? '-' : ' ';
+    buffer[1] = static_cast<char>('0' + (y.limb[count - 1] >> 60));
+    buffer[2] = '.';
+    limb::shiftUp(y.limb, 4);
+    putFraction(y.limb, digits, buffer + 3);
+
+    int order = compareHalf(y.limb);
+    if (!exact && digits + 2 <= maxDigits && nearHalf(y.limb, digits)) {
+        order = compareMidpoint(q, buffer, digits, k);
+    }
+    // A tie goes to the even digit; with no digit written, the point counts as even.
+    const bool lastIsOdd = (buffer[2 + digits] & 1) != 0;
+    if (order > 0 || (order == 0 && lastIsOdd)) k += roundUp(buffer, digits);
+    putExponent(k, buffer + 3 + digits);
+}

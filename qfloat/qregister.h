@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+//
+// Private to qfloat/: the working registers and the mantissa primitives.
+//
+// A working register is a qfloat of 14 words followed by a guard word (word 14), which takes the bits shifted
+// out below the mantissa and decides rounding.  Word 2 receives the carries out of the mantissa.  The shifts
+// and sums work on words 2..14.
+#ifndef TALLYQUILL_QREGISTER_H
+#define TALLYQUILL_QREGISTER_H
+
+#include <cstdint>
+
+constexpr int registerWords = 15;
+constexpr int mantissaBits = 352;
+constexpr uint32_t exponentBias = 0x8000;
+constexpr uint32_t overflowExponent = 0x10000;
+constexpr uint32_t negativeSign = 0xFFFFFFFF;
+
+extern uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
+extern int32_t SC;  // shift count: left by normlz for its callers, consumed by shift
+extern char subflg; // 1 after a difference of magnitudes, 0 after a sum; qlogic's rounding reads it
+
+void shdn1(uint32_t* r); // shift right by 1, 8, 16 bits
+void shdn8(uint32_t* r);
+void shdn16(uint32_t* r);
+void shup1(uint32_t* r); // shift left by 1, 8, 16 bits
+void shup8(uint32_t* r);
+void shup16(uint32_t* r);
+
+// Shifts r by SC bits, negative to the right; SC is 0 afterwards.
+void shift(uint32_t* r);
+
+void addm(const uint32_t* x, uint32_t* y); // y = y + x over words 14..2
+void subm(const uint32_t* x, uint32_t* y); // y = y - x over words 14..2
+void andm(const uint32_t* x, uint32_t* y); // y = y & x, and so on, over words 14..2
+void orm(const uint32_t* x, uint32_t* y);
+void xorm(const uint32_t* x, uint32_t* y);
+
+// Compares words 2..13: 1 when x > y, 0 when equal, -1 when x < y.
+int cmpm(const uint32_t* x, const uint32_t* y);
+
+// y's mantissa = x's * y's, cut below the guard word, then mdnorm(y).
+void mulm(const uint32_t* x, uint32_t* y);
+
+// y's mantissa = word 3 of x * y's mantissa, then mdnorm(y).
+void mulin(const uint32_t* x, uint32_t* y);
+
+// y's mantissa = y's / x's, on the scale where equal mantissas give 1/4, then mdnorm(y), which lowers y's
+// exponent by the normalising shift.  x is normalised.
+void divm(const uint32_t* x, uint32_t* y);
+
+// Normalises and rounds after a multiplication or division: up to three shifts by one bit either way,
+// adjusting the exponent, then half up on the guard word's top bit; the guard is cleared.
+// merror = 3 when the exponent would pass 0xFFFF (it becomes 0x10000), 4 when it is 0 and would fall.
+void mdnorm(uint32_t* r);
+
+// Normalises the mantissa and leaves in SC what the caller subtracts from the exponent.  Returns 1 when the
+// mantissa is all zero.
+int normlz(uint32_t* r);
+
+#endif
