@@ -1,0 +1,67 @@
+# SPDX-License-Identifier: MIT
+#
+# A thin front on CMake: see CMakePresets.json for the builds and scripts/deps.sh for what they need.
+
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+PREFIX ?= /usr/local
+
+# The build people run needs no test library; the options are given each time, since CMake remembers them.
+configure_plain = cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=OFF
+configure_tests = cmake --preset $(1) -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=OFF
+compile = cmake --build --preset $(1) -j $(JOBS)
+
+define build_and_test
+	$(call configure_tests,$(1)) </dev/null
+	$(call compile,$(1)) </dev/null
+	ctest --preset $(1) -j $(JOBS) </dev/null
+endef
+
+.NOTPARALLEL:
+.PHONY: help deps build run test release gcc sanitize lint format bench install clean
+
+help: ## list the targets
+	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' Makefile
+
+deps: ## install what building and testing need (does nothing when all is there)
+	@scripts/deps.sh test
+
+build: ## build every program into build/release/bin
+	@scripts/deps.sh run
+	$(configure_plain) </dev/null
+	$(call compile,release) </dev/null
+
+run: ## build and open the calculator
+	@scripts/deps.sh run
+	@mkdir -p build
+	@[ -x build/release/bin/tallyquill ] || echo "building the calculator, progress in build/run.log ..." >&2
+	@{ $(configure_plain) && $(call compile,release); } </dev/null >build/run.log 2>&1 || { cat build/run.log >&2; exit 1; }
+	@build/release/bin/tallyquill || [ $$? -eq 1 ] # 1: an entry was refused, which is no failure of the build
+
+test: deps lint release gcc sanitize ## lint, then build and test: release, g++, sanitizers
+
+release: deps ## build with optimization and test
+	$(call build_and_test,release)
+
+gcc: deps ## build with g++ and test
+	$(call build_and_test,gcc)
+
+sanitize: deps ## build with the address and undefined-behaviour sanitizers and test
+	$(call build_and_test,sanitize)
+
+lint: deps ## check format and licence lines, run cppcheck and clang-tidy
+	$(call configure_tests,release) </dev/null
+	scripts/lint.sh build/release $(JOBS)
+
+format: deps ## rewrite the sources in the project's format
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+bench: deps ## build and run the benchmarks
+	cmake --preset release -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=ON </dev/null
+	$(call compile,release) </dev/null
+	scripts/bench.sh build/release/bin
+
+install: build ## install below PREFIX (/usr/local)
+	cmake --install build/release --prefix $(PREFIX)
+
+clean: ## remove everything that was built
+	rm -rf build

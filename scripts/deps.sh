@@ -1,0 +1,93 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+#
+# Installs what this project needs and the machine lacks. The only place that names packages.
+#
+#   scripts/deps.sh run    what building and running the calculator takes
+#   scripts/deps.sh test   that, and what the tests, the linters and the benchmarks take
+#
+# When everything is there it says nothing, asks for nothing and calls no package manager.
+set -eu
+
+# Debian 12 packages.
+debian_run="clang cmake ninja-build"
+debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev
+    clang-format clang-tidy cppcheck valgrind git"
+
+# Homebrew formulae; the compiler comes with Apple's command line tools. Nobody has verified this list on a
+# Mac yet.
+brew_run="cmake ninja"
+brew_test="$brew_run googletest gmp mpfr google-benchmark llvm cppcheck git"
+
+# Elsewhere only the presence of these programs is checked.
+programs_run="clang++ cmake ninja"
+programs_test="$programs_run g++ clang-format clang-tidy cppcheck valgrind git"
+
+fail() {
+    printf 'deps: %s\n' "$1" >&2
+    exit 1
+}
+
+# Prints the Debian packages of its arguments that are not installed.
+missing_debian() {
+    for package in "$@"; do
+        state=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)
+        [ "$state" = installed ] || printf '%s ' "$package"
+    done
+}
+
+install_debian() {
+    missing=$(missing_debian "$@")
+    [ -n "$missing" ] || return 0
+    if [ "$(id -u)" -eq 0 ]; then
+        as_root=
+    elif command -v sudo >/dev/null 2>&1; then
+        as_root=sudo
+    else
+        fail "missing packages: $missing- run this as root, or install sudo"
+    fi
+    printf 'deps: installing %s\n' "$missing"
+    # The standard input belongs to the program that is run afterwards, so the package manager gets none.
+    # One unreachable source need not matter; whether the packages can be had shows below.
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq </dev/null ||
+        printf 'deps: the package lists could not all be brought up to date\n' >&2
+    # shellcheck disable=SC2086 # the list is meant to be split
+    $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing </dev/null ||
+        fail "could not install: $missing"
+}
+
+install_brew() {
+    missing=
+    for formula in "$@"; do
+        brew list --versions "$formula" >/dev/null 2>&1 || missing="$missing $formula"
+    done
+    [ -n "$missing" ] || return 0
+    printf 'deps: installing%s\n' "$missing"
+    # shellcheck disable=SC2086 # the list is meant to be split
+    brew install $missing </dev/null
+}
+
+check_programs() {
+    missing=
+    for program in "$@"; do
+        command -v "$program" >/dev/null 2>&1 || missing="$missing $program"
+    done
+    [ -z "$missing" ] || fail "no package manager known here; please install:$missing"
+}
+
+group=${1:-test}
+case $group in
+run) debian=$debian_run brew=$brew_run programs=$programs_run ;;
+test) debian=$debian_test brew=$brew_test programs=$programs_test ;;
+*) fail "unknown group '$group' (run or test)" ;;
+esac
+
+# shellcheck disable=SC2086 # the lists are meant to be split
+if command -v apt-get >/dev/null 2>&1 && command -v dpkg-query >/dev/null 2>&1; then
+    install_debian $debian
+elif [ "$(uname -s)" = Darwin ]; then
+    command -v brew >/dev/null 2>&1 || fail "Homebrew is needed: https://brew.sh"
+    install_brew $brew
+else
+    check_programs $programs
+fi
