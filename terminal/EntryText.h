@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+//
+// What may reach the engine as one entry.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// The longest entry, in bytes without its line end.
+constexpr std::size_t kMaxEntryLength = 9999;
+
+enum class EntryFault { None, TooLong, NotText };
+
+// Says whether `entry` (without its line end) can be evaluated. NotText: it is no valid UTF-8, or it holds a
+// control character other than a tab. The engine would drop some control characters silently, so that two
+// numbers became one, and it uses others as marks of its own.
+EntryFault checkEntry(std::string_view entry);
+
+// The message for a fault, one line with its line feed; empty for None.
+std::string_view faultMessage(EntryFault fault);

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+//
+// tallyquill: the calculator's console for terminals, pipes and scripts.
+#include "Descriptor.h"
+#include "LineReader.h"
+#include "Options.h"
+#include "Session.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+enum ExitStatus { kAllAnswered = 0, kSomeRefused = 1, kBadUsage = 2 };
+
+constexpr std::string_view kHelp =
+    "Usage: tallyquill [OPTION]... [--] [ENTRY]...\n"
+    "Evaluate each ENTRY and print its answer. Without ENTRY, evaluate the lines of\n"
+    "standard input; when that is a terminal, prompt for them.\n"
+    "\n"
+    "      --no-files  read and write no file of yours: no settings, no definitions,\n"
+    "                  no history\n"
+    "      --trace     show the trace of the evaluation on standard error\n"
+    "      --help      show this help and exit\n"
+    "      --version   show the version and exit\n"
+    "\n"
+    "An ENTRY that begins with a minus sign goes behind --, as in:\n"
+    "  tallyquill -- -2^2\n"
+    "\n"
+    "Answers go to standard output, errors to standard error.\n"
+    "Exit status: 0 all entries were answered, 1 some entry failed, 2 bad usage.\n";
+
+constexpr std::string_view kVersion = "tallyquill " TALLYQUILL_VERSION "\n";
+
+constexpr std::string_view kPrompt = "> ";
+
+void complain(const std::string& text) {
+    writeAll(STDERR_FILENO, "tallyquill: " + text + "\n");
+}
+
+// Ends a run whose answers cannot be delivered. A reader that has gone away, as head does, needs no message.
+int outputLost(int error) {
+    if (error != EPIPE) complain(std::string("standard output: ") + std::strerror(error));
+    return kSomeRefused;
+}
+
+int showText(std::string_view text) {
+    return writeAll(STDOUT_FILENO, text) ? kAllAnswered : outputLost(errno);
+}
+
+int refuseUsage(std::string_view argument) {
+    complain("unknown option '" + std::string(argument) + "'");
+    writeAll(STDERR_FILENO, "An entry that begins with '-' goes behind '--': tallyquill -- '" +
+                                std::string(argument) + "'\nTry 'tallyquill --help'.\n");
+    return kBadUsage;
+}
+
+// The status at the regular end of a run.
+int endStatus(const Session& session, int answers) {
+    if (close(answers) != 0) return outputLost(errno);
+    return session.anyRefused() ? kSomeRefused : kAllAnswered;
+}
+
+int evaluateArguments(Session& session, int answers, const Options& options) {
+    for (const std::string_view entry : options.entries) {
+        const Session::Outcome outcome = session.run(entry);
+        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
+        if (outcome == Session::Outcome::Ended) break;
+    }
+    return endStatus(session, answers);
+}
+
+// Where prompts go: nowhere (-1) unless a person types, and not into a file that collects the answers.
+int promptDescriptor(int answers) {
+    if (isatty(STDIN_FILENO) == 0) return -1;
+    if (isatty(answers) == 1) return answers;
+    return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
+}
+
+int evaluateLines(Session& session, int answers) {
+    // One byte more than an entry may have tells an overlong line apart, one more is for a CR.
+    static LineReader reader(STDIN_FILENO, kMaxEntryLength + 2);
+    const int prompts = promptDescriptor(answers);
+    std::string line;
+    for (;;) {
+        if (prompts >= 0) writeAll(prompts, kPrompt);
+        const LineReader::Status status = reader.next(line);
+        if (status == LineReader::Status::Failed) {
+            complain(std::string("standard input: ") + std::strerror(errno));
+            return kSomeRefused;
+        }
+        if (status == LineReader::Status::End) break;
+        const Session::Outcome outcome = session.run(line);
+        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
+        if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
+    }
+    if (prompts >= 0) writeAll(prompts, "\n"); // the shell's prompt begins on a line of its own
+    return endStatus(session, answers);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Writing to a pipe that nobody reads is reported like any other failed write.
+    std::signal(SIGPIPE, SIG_IGN);
+    const Options options = parseOptions(argc, argv);
+    switch (options.action) {
+    case Options::Action::ShowHelp: return showText(kHelp);
+    case Options::Action::ShowVersion: return showText(kVersion);
+    case Options::Action::RefuseUsage: return refuseUsage(options.refused);
+    case Options::Action::Evaluate: break;
+    }
+    const int answers = setAnswersAside(options.trace);
+    if (answers < 0) return outputLost(errno);
+    static Session session(answers, STDERR_FILENO);
+    return options.entries.empty() ? evaluateLines(session, answers)
+                                   : evaluateArguments(session, answers, options);
+}

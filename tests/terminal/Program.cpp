@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "Program.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sstream>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <termios.h>
+#include <unistd.h>
+#ifdef __APPLE__
+#include <util.h>
+#else
+#include <pty.h>
+#include <utmp.h>
+#endif
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kNoDescriptor = -1;
+
+struct Pipe {
+    int readEnd = kNoDescriptor;
+    int writeEnd = kNoDescriptor;
+
+    Pipe() {
+        int ends[2];
+        if (pipe(ends) != 0) std::abort();
+        readEnd = ends[0];
+        writeEnd = ends[1];
+        fcntl(readEnd, F_SETFD, FD_CLOEXEC);
+        fcntl(writeEnd, F_SETFD, FD_CLOEXEC);
+    }
+    ~Pipe() {
+        shut(readEnd);
+        shut(writeEnd);
+    }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+
+    static void shut(int& descriptor) {
+        if (descriptor != kNoDescriptor) close(descriptor);
+        descriptor = kNoDescriptor;
+    }
+};
+
+void setNonBlocking(int descriptor) {
+    fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
+}
+
+// In the child: becomes the program. Does not return.
+void becomeProgram(const std::vector<std::string>& arguments) {
+    std::vector<char*> argv;
+    std::string name = "tallyquill";
+    argv.push_back(name.data());
+    std::vector<std::string> copies = arguments;
+    for (std::string& copy : copies) argv.push_back(copy.data());
+    argv.push_back(nullptr);
+    execv(TALLYQUILL_PROGRAM, argv.data());
+    _exit(127);
+}
+
+int openForWriting(const std::string& path) {
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+}
+
+// In the child: puts the pipes' ends where the program expects them.
+void arrangeDescriptors(const Invocation& invocation, const Pipe& in, const Pipe& out, const Pipe& err) {
+    dup2(in.readEnd, STDIN_FILENO);
+    dup2(invocation.outputFile.empty() ? out.writeEnd : openForWriting(invocation.outputFile), STDOUT_FILENO);
+    dup2(err.writeEnd, STDERR_FILENO);
+    if (invocation.closeInput) close(STDIN_FILENO);
+    if (invocation.closeOutput) close(STDOUT_FILENO);
+    if (invocation.closeErrors) close(STDERR_FILENO);
+}
+
+// Feeds the program's input from the parent's side.
+class Feeder {
+public:
+    Feeder(const Invocation& invocation, int& descriptor)
+        : chunk_(invocation.input), times_(invocation.input.empty() ? 0 : invocation.inputTimes),
+          descriptor_(descriptor) {
+        setNonBlocking(descriptor_);
+        if (times_ == 0) Pipe::shut(descriptor_);
+    }
+
+    void feed() {
+        const ssize_t count = write(descriptor_, chunk_.data() + offset_, chunk_.size() - offset_);
+        if (count < 0) {
+            if (errno != EAGAIN && errno != EINTR) Pipe::shut(descriptor_); // the program has ended
+            return;
+        }
+        offset_ += static_cast<std::size_t>(count);
+        if (offset_ < chunk_.size()) return;
+        offset_ = 0;
+        if (--times_ == 0) Pipe::shut(descriptor_);
+    }
+
+private:
+    const std::string& chunk_;
+    std::size_t times_;
+    int& descriptor_;
+    std::size_t offset_ = 0;
+};
+
+// Takes what is there; closes the descriptor at its end.
+void collect(int& descriptor, std::string& to) {
+    char block[65536];
+    const ssize_t count = read(descriptor, block, sizeof block);
+    if (count > 0) {
+        to.append(block, static_cast<std::size_t>(count));
+    } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
+        Pipe::shut(descriptor);
+    }
+}
+
+// Feeds and collects until the program has closed its outputs or a minute has passed.
+bool converse(const Invocation& invocation, Pipe& in, Pipe& out, Pipe& err, Result& result) {
+    Feeder feeder(invocation, in.writeEnd);
+    const auto deadline = Clock::now() + std::chrono::minutes(1);
+    while (out.readEnd != kNoDescriptor || err.readEnd != kNoDescriptor) {
+        if (Clock::now() > deadline) return false;
+        pollfd waiting[3] = {{in.writeEnd, POLLOUT, 0}, {out.readEnd, POLLIN, 0}, {err.readEnd, POLLIN, 0}};
+        poll(waiting, 3, 1000); // negative descriptors are passed over
+        if (waiting[0].revents != 0) feeder.feed();
+        if (waiting[1].revents != 0) collect(out.readEnd, result.out);
+        if (waiting[2].revents != 0) collect(err.readEnd, result.err);
+    }
+    return true;
+}
+
+int exitStatus(int waited) {
+    return WIFEXITED(waited) ? WEXITSTATUS(waited) : -1;
+}
+
+} // namespace
+
+Result runProgram(const Invocation& invocation) {
+    std::signal(SIGPIPE, SIG_IGN);
+    Pipe in;
+    Pipe out;
+    Pipe err;
+    if (invocation.nonBlockingPipes) {
+        setNonBlocking(in.readEnd);
+        setNonBlocking(out.writeEnd);
+    }
+    if (invocation.abandonOutput) Pipe::shut(out.readEnd);
+    const pid_t child = fork();
+    if (child == 0) {
+        std::signal(SIGPIPE, SIG_DFL);
+        arrangeDescriptors(invocation, in, out, err);
+        becomeProgram(invocation.arguments);
+    }
+    Pipe::shut(in.readEnd);
+    Pipe::shut(out.writeEnd);
+    Pipe::shut(err.writeEnd);
+    Result result;
+    if (!converse(invocation, in, out, err, result)) kill(child, SIGKILL);
+    int waited = 0;
+    rusage usage = {};
+    wait4(child, &waited, 0, &usage);
+    result.status = exitStatus(waited);
+    result.peakMemory = usage.ru_maxrss;
+    return result;
+}
+
+Result evaluate(const std::vector<std::string>& arguments) {
+    Invocation invocation;
+    invocation.arguments = arguments;
+    return runProgram(invocation);
+}
+
+Result pipeThrough(const std::string& input) {
+    Invocation invocation;
+    invocation.input = input;
+    return runProgram(invocation);
+}
+
+Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& outputFile) {
+    int slave = kNoDescriptor;
+    if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
+    fcntl(master_, F_SETFD, FD_CLOEXEC);
+    termios modes = {};
+    tcgetattr(slave, &modes);
+    modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    modes.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+    tcsetattr(slave, TCSANOW, &modes);
+    child_ = fork();
+    if (child_ == 0) {
+        login_tty(slave);
+        if (!outputFile.empty()) dup2(openForWriting(outputFile), STDOUT_FILENO);
+        becomeProgram(arguments);
+    }
+    close(slave);
+}
+
+Terminal::~Terminal() {
+    if (child_ > 0) {
+        kill(child_, SIGKILL);
+        waitpid(child_, nullptr, 0);
+    }
+    close(master_);
+}
+
+void Terminal::type(const std::string& keys) {
+    EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+}
+
+std::string Terminal::readUntil(const std::string& end) {
+    std::string shown;
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    const auto complete = [&] {
+        return shown.size() >= end.size() && shown.compare(shown.size() - end.size(), end.size(), end) == 0;
+    };
+    while (!complete() && Clock::now() < deadline) {
+        pollfd waiting = {master_, POLLIN, 0};
+        if (poll(&waiting, 1, 100) <= 0) continue;
+        char block[4096];
+        const ssize_t count = read(master_, block, sizeof block);
+        if (count <= 0) break; // the program has left the terminal
+        shown.append(block, static_cast<std::size_t>(count));
+    }
+    return shown;
+}
+
+int Terminal::wait() {
+    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    int waited = 0;
+    while (waitpid(child_, &waited, WNOHANG) == 0) {
+        if (Clock::now() > deadline) return -1; // the destructor ends it
+        usleep(5000);
+    }
+    child_ = -1;
+    return exitStatus(waited);
+}
+
+TemporaryFile::TemporaryFile() {
+    const char* const folder = std::getenv("TMPDIR");
+    path_ = std::string(folder == nullptr ? "/tmp" : folder) + "/tallyquill-test-XXXXXX";
+    const int descriptor = mkstemp(path_.data());
+    if (descriptor < 0) std::abort();
+    close(descriptor);
+}
+
+TemporaryFile::~TemporaryFile() {
+    std::remove(path_.c_str());
+}
+
+std::string TemporaryFile::content() const {
+    std::ifstream file(path_);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+//
+// Runs the built program through pipes or a pseudo-terminal.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+// How one run through pipes is set up.
+struct Invocation {
+    std::vector<std::string> arguments;
+    std::string input;             // fed to standard input ...
+    std::size_t inputTimes = 1;    // ... this many times
+    std::string outputFile;        // standard output goes there instead of a pipe
+    bool closeInput = false;       // the program starts with descriptor 0 closed
+    bool closeOutput = false;      // the program starts with descriptor 1 closed
+    bool closeErrors = false;      // the program starts with descriptor 2 closed
+    bool abandonOutput = false;    // standard output is a pipe that nobody reads
+    bool nonBlockingPipes = false; // the program's ends of the pipes are set not to block
+};
+
+// What came of it. `status` is the exit status, -1 when the program was ended by a signal (a run that takes
+// more than a minute is).
+struct Result {
+    int status = -1;
+    std::string out;
+    std::string err;
+    long peakMemory = 0; // the largest resident set, in KiB (bytes on macOS)
+};
+
+Result runProgram(const Invocation& invocation);
+
+// The program with `arguments` and nothing on standard input.
+Result evaluate(const std::vector<std::string>& arguments);
+
+// The program with `input` on standard input.
+Result pipeThrough(const std::string& input);
+
+// A pseudo-terminal with the program behind it. The terminal neither echoes nor translates line ends, so that
+// what is read is what the program wrote.
+class Terminal {
+public:
+    // Standard output goes to `outputFile` instead of the terminal unless that is empty.
+    explicit Terminal(const std::vector<std::string>& arguments, const std::string& outputFile = "");
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    void type(const std::string& keys);
+
+    // Everything shown since the last call, read until it ends with `end` or ten seconds have passed.
+    std::string readUntil(const std::string& end);
+
+    // Waits for the program's end; the exit status, -1 after a signal.
+    int wait();
+
+private:
+    int master_ = -1;
+    pid_t child_ = -1;
+};
+
+// A new name for a file in the temporary folder; the file is removed when the object goes.
+class TemporaryFile {
+public:
+    TemporaryFile();
+    ~TemporaryFile();
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const std::string& path() const { return path_; }
+    std::string content() const;
+
+private:
+    std::string path_;
+};
