@@ -216,6 +216,11 @@ inline bool hasOneWord(const uint64_t* x) {
 
 // Normalises and rounds the product or quotient x, whose exponent is biased.  Returns false when x is zero.
 inline bool finish(uint64_t* x, int64_t& exponent) {
+    // Normalised operands need a shift by one bit at most; without a branch, as it is a toss-up.
+    const int one = static_cast<int>(~x[count - 1] >> 63);
+    for (int i = count - 1; i > 0; --i) x[i] = limb::joinUp(x[i], x[i - 1], one);
+    x[0] <<= one;
+    exponent -= one;
     if (!(x[count - 1] & limb::topBit)) {
         const int n = limb::leadingZeros(x);
         if (n == 64 * count) return false;

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "qlimb.h"
 
+#include "qfloat.h"
+#include "qregister.h"
+
 namespace limb {
 #if !TALLYQUILL_INT128
 inline namespace portable {
@@ -13,20 +16,11 @@ struct Column {
     uint64_t low = 0, middle = 0, high = 0;
 
     void add(uint64_t x, uint64_t y) {
-#if TALLYQUILL_INT128
-        const uint128 p = uint128{x} * y;
-        const uint128 s = uint128{low} + static_cast<uint64_t>(p);
-        low = static_cast<uint64_t>(s);
-        const uint128 t = uint128{middle} + static_cast<uint64_t>(p >> 64) + static_cast<uint64_t>(s >> 64);
-        middle = static_cast<uint64_t>(t);
-        high += static_cast<uint64_t>(t >> 64);
-#else
         uint64_t above;
         uint64_t carry = 0;
         low = addCarry(low, multiply(x, y, above), carry);
         middle = addCarry(middle, above, carry);
         high += carry;
-#endif
     }
 
     // Takes the finished lowest limb off.
@@ -231,6 +225,71 @@ void divide(const Extended& x, const Extended& y, Extended& z) {
     if (!(z.limb[count - 1] & topBit)) { // the cut bit of n made the quotient fall just below one half
         shiftUp(z.limb, 1);
         --z.exponent;
+    }
+}
+
+namespace {
+
+// x >>= n for any n >= 0.
+void alignDown(uint64_t* x, int64_t n) {
+    shiftDown(x, n < 64 * count ? static_cast<int>(n) : 64 * count);
+}
+
+void normalise(Extended& x) {
+    const int zeros = leadingZeros(x.limb);
+    shiftUp(x.limb, zeros);
+    x.exponent -= zeros;
+}
+
+} // namespace
+
+void add(const Extended& x, const Extended& y, Extended& z) {
+    Extended big = x.exponent >= y.exponent ? x : y;
+    Extended small = x.exponent >= y.exponent ? y : x;
+    alignDown(small.limb, big.exponent - small.exponent);
+    if (add(small.limb, big.limb) != 0) {
+        shiftDown(big.limb, 1);
+        big.limb[count - 1] |= topBit;
+        ++big.exponent;
+    }
+    z = big;
+}
+
+void subtract(const Extended& x, const Extended& y, Extended& z) {
+    Extended difference = x;
+    Extended small = y;
+    alignDown(small.limb, x.exponent - y.exponent);
+    subtract(small.limb, difference.limb);
+    normalise(difference);
+    z = difference;
+}
+
+int compare(const Extended& x, const Extended& y) {
+    if (x.exponent != y.exponent) return x.exponent < y.exponent ? -1 : 1;
+    return compare(x.limb, y.limb);
+}
+
+void load(const uint32_t* q, Extended& x) {
+    load(q, x.limb);
+    x.exponent = int64_t{q[1]} - exponentBias;
+    normalise(x);
+}
+
+void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {
+    uint64_t mantissa[count];
+    copy(x.limb, mantissa);
+    const int64_t exponent = x.exponent + roundHalfUp(mantissa) + exponentBias;
+    qclear(q);
+    if (exponent > 0xFFFF) {
+        q[0] = sign;
+        qinfin(q);
+        merror = 3;
+    } else if (exponent < 1) {
+        if (underflowCode != 0) merror = underflowCode;
+    } else {
+        q[0] = sign;
+        q[1] = static_cast<uint32_t>(exponent);
+        store(mantissa, q);
     }
 }
 

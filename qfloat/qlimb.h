@@ -10,6 +10,9 @@
 
 #include <cstdint>
 #include <cstring>
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 // TALLYQUILL_NO_INT128 selects the portable 32x32 arithmetic where the compiler has 128-bit integers too,
 // so that a test can compare the two.
@@ -49,16 +52,28 @@ inline uint64_t multiply(uint64_t x, uint64_t y, uint64_t& high) {
 
 // Returns x + y + carry (carry 0 or 1) and leaves the carry out.
 inline uint64_t addCarry(uint64_t x, uint64_t y, uint64_t& carry) {
+#if defined(__x86_64__) // compilers make add-with-carry chains of this form only
+    unsigned long long s;
+    carry = _addcarry_u64(static_cast<unsigned char>(carry), x, y, &s);
+    return s;
+#else
     const uint128 s = uint128{x} + y + carry;
     carry = static_cast<uint64_t>(s >> 64);
     return static_cast<uint64_t>(s);
+#endif
 }
 
 // Returns x - y - borrow (borrow 0 or 1) and leaves the borrow out.
 inline uint64_t subtractBorrow(uint64_t x, uint64_t y, uint64_t& borrow) {
+#if defined(__x86_64__)
+    unsigned long long d;
+    borrow = _subborrow_u64(static_cast<unsigned char>(borrow), x, y, &d);
+    return d;
+#else
     const uint128 d = uint128{x} - y - borrow;
     borrow = static_cast<uint64_t>(d >> 64) & 1;
     return static_cast<uint64_t>(d);
+#endif
 }
 #else
 inline uint64_t multiply(uint64_t x, uint64_t y, uint64_t& high) {
@@ -219,28 +234,43 @@ inline int compare(const uint64_t* x, const uint64_t* y) {
     return 0;
 }
 
+// The low limb of (high * 2^64 + low) >> n and the high limb of it << n, 0 <= n < 64.
+#if TALLYQUILL_INT128
+inline uint64_t joinDown(uint64_t high, uint64_t low, int n) {
+    return static_cast<uint64_t>(((uint128{high} << 64) | low) >> n);
+}
+inline uint64_t joinUp(uint64_t high, uint64_t low, int n) {
+    return static_cast<uint64_t>((((uint128{high} << 64) | low) << n) >> 64);
+}
+#else
+inline uint64_t joinDown(uint64_t high, uint64_t low, int n) {
+    return (low >> n) | ((high << 1) << (63 - n));
+}
+inline uint64_t joinUp(uint64_t high, uint64_t low, int n) {
+    return (high << n) | ((low >> 1) >> (63 - n));
+}
+#endif
+
 // x >>= n, 0 <= n; bits shifted out below are lost.
 inline void shiftDown(uint64_t* x, int n) {
-    if (n >= 64 * count) {
-        std::memset(x, 0, count * sizeof *x);
-        return;
+    if (n >= 64) {
+        const int limbs = n >> 6 < count ? n >> 6 : count;
+        for (int i = 0; i < count; ++i) x[i] = i + limbs < count ? x[i + limbs] : 0;
+        n &= 63;
     }
-    uint64_t wide[2 * count] = {x[0], x[1], x[2], x[3], x[4], x[5]};
-    const uint64_t* from = wide + (n >> 6);
-    const int bits = n & 63;
-    for (int i = 0; i < count; ++i) x[i] = (from[i] >> bits) | ((from[i + 1] << 1) << (63 - bits));
+    for (int i = 0; i < count - 1; ++i) x[i] = joinDown(x[i + 1], x[i], n);
+    x[count - 1] >>= n;
 }
 
 // x <<= n, 0 <= n; bits shifted out above are lost.
 inline void shiftUp(uint64_t* x, int n) {
-    if (n >= 64 * count) {
-        std::memset(x, 0, count * sizeof *x);
-        return;
+    if (n >= 64) {
+        const int limbs = n >> 6 < count ? n >> 6 : count;
+        for (int i = count - 1; i >= 0; --i) x[i] = i - limbs >= 0 ? x[i - limbs] : 0;
+        n &= 63;
     }
-    uint64_t wide[2 * count] = {0, 0, 0, 0, 0, 0, x[0], x[1], x[2], x[3], x[4], x[5]};
-    const uint64_t* from = wide + count - (n >> 6);
-    const int bits = n & 63;
-    for (int i = 0; i < count; ++i) x[i] = (from[i] << bits) | ((from[i - 1] >> 1) >> (63 - bits));
+    for (int i = count - 1; i > 0; --i) x[i] = joinUp(x[i], x[i - 1], n);
+    x[0] <<= n;
 }
 
 // The count of zero bits above the highest one; 384 when x is zero.
@@ -254,9 +284,9 @@ inline int leadingZeros(const uint64_t* x) {
 // Rounds to 352 bits, half up on the top bit of the guard, and clears the guard.  Returns 1 when the
 // mantissa became 1.0; it is then stored as 0.5 and the exponent must be raised by one.
 inline int roundHalfUp(uint64_t* x) {
-    uint64_t carry = 0;
-    x[0] = addCarry(x[0], uint64_t{1} << 31, carry) & ~uint64_t{0xFFFFFFFF};
-    if (carry == 0) return 0;
+    const bool wasHigh = x[0] >> 63 != 0;
+    x[0] = (x[0] + (uint64_t{1} << 31)) & ~uint64_t{0xFFFFFFFF};
+    if (x[0] != 0 || !wasHigh) return 0;
     for (int i = 1; i < count; ++i) {
         if (++x[i] != 0) return 0;
     }
@@ -311,6 +341,21 @@ void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z);
 // z = x * y and z = x / y, within 16 units of the 384-bit mantissa; the exponents are unbounded.
 void multiply(const Extended& x, const Extended& y, Extended& z);
 void divide(const Extended& x, const Extended& y, Extended& z);
+
+// z = x + y, and z = x - y for x >= y, within 2 units of the 384-bit mantissa of z (of x for the difference);
+// nothing is rounded, what falls below is cut.  A difference of zero has an all-zero mantissa.
+void add(const Extended& x, const Extended& y, Extended& z);
+void subtract(const Extended& x, const Extended& y, Extended& z);
+
+// -1, 0, 1 as x < y, x = y, x > y.
+int compare(const Extended& x, const Extended& y);
+
+// |q| for a q that is not zero, exactly, whatever its normalisation.  An all-zero mantissa stays all zero.
+void load(const uint32_t* q, Extended& x);
+
+// q = x with the given sign word, rounded half up to 352 bits.  Above the range: the overflow value and
+// merror = 3.  Below it: 0, and merror = underflowCode unless that is 0.
+void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q);
 
 // p = 10^n for 0 <= n < 16384, within 2^-376 relative; exact for n <= 160.
 void powerOfTen(int n, Extended& p);

@@ -15,24 +15,6 @@ namespace {
 
 constexpr int maxDigits = 104; // 10^104 < 2^346: the digits are an exact integer of six limbs
 
-// Stores x, rounded to 352 bits, with a sign.  Out of range: the overflow value and code 3, or 0 with
-// the code for underflow (0: none).
-void storeRounded(Extended& x, uint32_t sign, int underflowCode, qfloat q) {
-    const int64_t exponent = x.exponent + limb::roundHalfUp(x.limb) + exponentBias;
-    qclear(q);
-    if (exponent > 0xFFFF) {
-        q[0] = sign;
-        qinfin(q);
-        merror = 3;
-    } else if (exponent < 1) {
-        if (underflowCode != 0) merror = underflowCode;
-    } else {
-        q[0] = sign;
-        q[1] = static_cast<uint32_t>(exponent);
-        limb::store(x.limb, q);
-    }
-}
-
 // What is known of a number after its mantissa has been read.
 struct Mantissa {
     uint64_t integer[count] = {}; // all digits as one integer
@@ -56,6 +38,7 @@ private:
     int digit(char c) const;
     bool mark(char c, Mantissa& m);
     void take(int value, Mantissa& m);
+    void takeDecimalRun(Mantissa& m);
     void flush(Mantissa& m);
 
     const char* p;
@@ -124,8 +107,31 @@ bool MantissaReader::mark(char c, Mantissa& m) {
     }
 }
 
+// The digits of a decimal number up to the next other character, once a significant digit has been seen.
+void MantissaReader::takeDecimalRun(Mantissa& m) {
+    const char* const start = p;
+    const char* const end = p + (maxDigits - taken);
+    uint64_t value = pending, scale = pendingScale;
+    for (; p < end; ++p) {
+        const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
+        if (d > 9) break;
+        value = value * 10 + d;
+        scale *= 10;
+        if (scale == UINT64_C(10000000000000000000)) {
+            limb::multiplyAdd(m.integer, scale, value);
+            value = 0;
+            scale = 1;
+        }
+    }
+    pending = value;
+    pendingScale = scale;
+    taken += static_cast<int>(p - start);
+    if (point) m.fractionDigits += static_cast<int>(p - start);
+}
+
 bool MantissaReader::read(Mantissa& m) {
     for (;; ++p) {
+        if (significant && bitsPerDigit == 0) takeDecimalRun(m);
         const char c = *p;
         const int value = digit(c);
         if (value >= 0) {
@@ -193,7 +199,7 @@ void finishDecimal(Mantissa& m, int exponent, qfloat q) {
     limb::copy(m.integer, x.limb);
     x.exponent = 64 * count - zeros;
     limb::scaleTen(x, n);
-    storeRounded(x, m.sign, 4, q);
+    limb::store(x, m.sign, 4, q);
 }
 
 // Bits per digit of the radix prefix "0x", "0o" or "0b"; 0 for none.
@@ -252,15 +258,11 @@ void qdecexp(qfloat q, int64_t n) {
     const int64_t limit = 32767;
     const int64_t bounded = n > limit ? limit : n < -limit ? -limit : n;
     Extended x;
-    limb::load(q, x.limb);
-    x.exponent = int64_t{q[1]} - exponentBias;
-    const int zeros = limb::leadingZeros(x.limb);
-    limb::shiftUp(x.limb, zeros);
-    x.exponent -= zeros;
+    limb::load(q, x);
     if (limb::isZero(x.limb)) {
         qclear(q);
         return;
     }
     limb::scaleTen(x, static_cast<int>(bounded));
-    storeRounded(x, q[0], 0, q);
+    limb::store(x, q[0], 0, q);
 }
