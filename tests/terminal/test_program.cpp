@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The built program, driven through pipes.
-#include "Program.h"
+#include "program.h"
 
 #include <gtest/gtest.h>
 #include <string>

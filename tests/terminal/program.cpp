@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Program.h"
+#include "program.h"
 
 #include <cerrno>
 #include <chrono>

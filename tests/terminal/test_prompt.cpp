@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The built program behind a pseudo-terminal.
-#include "Program.h"
+#include "program.h"
 
 #include <gtest/gtest.h>
 
