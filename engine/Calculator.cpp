@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: MIT
+//
+// One entry, statement by statement.
+#include "Calculator.h"
+
+#include "Helpers_String.h"
+#include "Unavailable.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+static void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
+    const size_t length = std::min(text.size(), TEXT_SIZE - 1);
+    memcpy(out, text.data(), length);
+    out[length] = '\0';
+}
+
+// The line an empty entry repeats: only one that assigned, or used the last answer.
+static bool isRepeatable(const char* line) {
+    return line && (strstr(line, "ans") || strchr(line, '='));
+}
+
+static void removeLineEnd(std::string& line) {
+    if (!line.empty() && line.back() == '\n') line.pop_back();
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+}
+
+int ZqCalculator::ProcessEntry(const char* line, bool quick) {
+    fullEntry = !quick;
+    interrupted = false;
+    std::string entry = line ? line : "";
+    removeLineEnd(entry);
+    if (fullEntry) {
+        message[0] = resultLine[0] = echoText[0] = '\0';
+        if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) {
+            std::string copy = entry;
+            history.FilteredInsertNew(copy.data(), true);
+        }
+        if (entry.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
+            const char* newest = history.GetHistoryStr(1);
+            if (isRepeatable(newest)) entry = newest;
+        }
+        entryCount += 1;
+        history.HistLocReset();
+    }
+    for (const std::string& statement : SplitStatements(entry)) {
+        status = Calculate(statement.c_str());
+        resultLine[0] = '\0';
+        if (status == STATUS_RESULT) ShowResult();
+        if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
+    }
+    if (fullEntry) lastValue = nullptr;
+    return status;
+}
+
+// The statements between the semicolons, without their comments. What stands behind the last semicolon is no
+// statement when it is blank.
+std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) const {
+    std::vector<std::string> statements;
+    size_t start = 0;
+    while (statements.size() < MAX_STATEMENTS) {
+        const size_t end = line.find(';', start);
+        const bool isLast = end == std::string::npos;
+        std::string statement = line.substr(start, isLast ? end : end - start);
+        statement.resize(std::min(statement.size(), statement.find('#')));
+        const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string::npos;
+        if (!(isLast && isBlank && start > 0)) statements.push_back(std::move(statement));
+        if (isLast) break;
+        start = end + 1;
+    }
+    return statements;
+}
+
+void ZqCalculator::ShowResult() {
+    char text[FORMAT_SIZE] = "";
+    if (!unavailable::isBaseAvailable(displayBase)) {
+        status = Fail("** ERROR: display base %i is not available **\n", {std::to_string(displayBase)});
+        return;
+    }
+    FormatResult(displayBase, text, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0');
+    // Thousands of grouped digits can outgrow the line. A cut number would be a wrong one, so it is shown
+    // with an exponent instead.
+    if (strlen(target->text) + strlen(" = \n") + strlen(text) >= sizeof resultLine) {
+        FormatResult(displayBase, text, sigFigs, SCI_ALWAYS, twosComp, '\0');
+    }
+    ProcessStringEuropean(text);
+    copyText(resultLine, std::string(target->text) + " = " + text + "\n");
+    lastValue = target->value;
+    lastName = target->text;
+    if (fullEntry) copyText(lastAnswer, text);
+}
+
+int ZqCalculator::Calculate(const char* statement) {
+    work = WorkCounters();
+    int state = ProcessStr(statement);
+    if (state == 0) state = VerifyTermsSyntax();
+    if (state == 0) {
+        state = EvaluateTerms();
+        if (state != 0) ReportPrintedInfinity();
+    }
+    if (state == 0)
+        StoreResult();
+    else
+        DiscardNewTarget();
+    return state;
+}
+
+int ZqCalculator::EvaluateTerms() {
+    // Reading a number such as 0e5 leaves a code that says nothing about the evaluation.
+    merror = 0;
+    opOrder = new node*[static_cast<size_t>(opCount) + 1];
+    OrderOperatorStack();
+    const int state = ProcTermsLoop();
+    delete[] opOrder;
+    opOrder = nullptr;
+    return state;
+}
+
+void ZqCalculator::StoreResult() {
+    qfixintegers(result);
+    if (!fullEntry) return;
+    if (!target->value) vars.Push(target);
+    target->SetValue(result);
+}
+
+void ZqCalculator::DiscardNewTarget() {
+    if (!target || target->value) return;
+    delete target;
+    target = nullptr;
+}
+
+// Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
+void ZqCalculator::ReportPrintedInfinity() {
+    const char* equals = strchr(message, '=');
+    if (!equals || equals == message) return;
+    char* end = nullptr;
+    long number = strtol(equals + 1, &end, 0);
+    if (end == equals + 1 || strncmp(end, ".#INF", 5) != 0) return;
+    if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
+    Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
+}
+
+void ZqCalculator::ProcessStringEuropean(char* text) const {
+    if (european) StrSwapChars(text, '.', ',');
+}
+
+int ZqCalculator::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {
+    const size_t room = (sizeof message - 1 - format.size()) / (texts.size() + 1);
+    std::string text;
+    auto next = texts.begin();
+    for (size_t i = 0; i < format.size(); i++) {
+        if (format[i] == '%' && i + 1 < format.size() && next != texts.end()) {
+            text += StrShown(*next++).substr(0, room);
+            i++;
+        } else {
+            text += format[i];
+        }
+    }
+    copyText(message, text);
+    return STATUS_ERROR;
+}

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: MIT
+//
+// The calculation engine: one typed line in, text and a status out.
+//
+//   ZqCalculator calc;
+//   calc.InitializeFunctionsAndVars();
+//   if (calc.ProcessEntry("2+3*4", false) == STATUS_RESULT) fputs(calc.resultLine, stdout); // ans = 14
+//
+// One thread, one engine at a time: the functions and the number library's error code are process-wide.
+#ifndef TALLYQUILL_CALCULATOR_H
+#define TALLYQUILL_CALCULATOR_H
+
+#include "Functions.h"
+#include "History.h"
+#include "deq.h"
+#include "qfloat.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Size of the engine's text buffers. A statement has fewer characters than this.
+constexpr size_t TEXT_SIZE = 10000;
+
+// What qtoascii and FormatResult may write, terminator included: 9,865 digits, their 3,288 grouping
+// characters, a point, 100 decimals and a sign.
+constexpr size_t FORMAT_SIZE = 13312;
+
+constexpr int MAX_STATEMENTS = 999;
+constexpr int MAX_NAME = 50; // names have fewer characters
+
+enum Status : int32_t {
+    STATUS_ERROR = -1,  // `message` holds the error
+    STATUS_RESULT = 0,  // `resultLine` holds the answer
+    STATUS_MESSAGE = 1, // `message` holds a text to show, empty after an empty statement
+    STATUS_COMMAND = 2  // `message` holds a command for the front end
+};
+
+enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
+
+// How much work the last statement took. Tests hold these against the number of terms.
+struct WorkCounters {
+    uint64_t checked = 0; // terms visited by VerifyTermsSyntax
+    uint64_t ordered = 0; // terms visited by OrderOperatorStack
+    uint64_t reduced = 0; // operators applied by ProcTermsLoop
+};
+
+class ZqCalculator {
+public:
+    // Settings of the front end, which it copies in before each entry, and the engine's state.
+    bool fullEntry = true;      // false: a quick preview, which stores, defines and runs nothing
+    node* target = nullptr;     // the variable that receives the statement's result
+    bool degreeMode = false;    // angles in degrees
+    int32_t sciMode = SCI_AUTO; // a SciMode
+    int32_t sigFigs = 10;       // significant figures, 1 to 100; in fixed mode the number of decimals
+    bool european = false;      // decimal comma: ',' and '.' trade places on input and output
+    bool histStack = true;      // entries are recorded in the history
+    bool tenKey = false;        // adding-machine entry: the sign follows its number
+    int32_t displayBase = 10;   // 10, 16 or 2
+    Deq unitDefs;               // one text "unit %s=%s" per user unit: name and definition
+    bool twosComp = false;      // two's complement display in hexadecimal and binary
+    bool useSeparator = false;  // group the integer digits in decimal display
+    char separatorChar = ',';   // the grouping character
+
+    int32_t status = STATUS_RESULT;  // of the last statement, a Status
+    char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
+    char echoText[TEXT_SIZE] = "";   // what the echo commands of one entry collected
+    qfloat result = {};              // value of the last evaluation
+    char resultLine[TEXT_SIZE] = ""; // "name = value\n" of the last statement
+    qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
+    char* lastName = nullptr;        // its name, owned by the variable
+    char lastAnswer[TEXT_SIZE] = ""; // formatted value of the last full entry's result
+    CHistory history;
+    Deq vars;                 // the variables: "ans" first, then "pi"
+    Deq terms;                // the terms of the statement being evaluated
+    int32_t opCount = 0;      // number of operator terms in `terms`
+    int32_t reorder = 0;      // set by a function call that rewrote `terms`
+    node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
+    double entryCount = 0;    // full entries so far
+
+    bool initialized = false; // InitializeFunctionsAndVars has run
+    bool interrupted = false; // the last entry was stopped by interruptCheck
+
+    // Asked every few hundred reductions of a full entry; true stops it with "** ERROR: interrupted **\n".
+    bool (*interruptCheck)() = nullptr;
+
+    WorkCounters work;
+
+    ZqCalculator() = default;
+    ~ZqCalculator() = default;
+    ZqCalculator(const ZqCalculator&) = delete;
+    ZqCalculator& operator=(const ZqCalculator&) = delete;
+
+    // Sets up the variables and registers the predefined functions. Call it once, before the first entry.
+    void InitializeFunctionsAndVars();
+
+    // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
+    // statement that ran, also left in `status`.
+    int ProcessEntry(const char* line, bool quick);
+
+    // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
+    int Calculate(const char* statement);
+
+    // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
+    // `separator` 0 means no grouping. Returns 0.
+    int FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator);
+
+    // Exchanges '.' and ',' throughout the text when `european` is set.
+    void ProcessStringEuropean(char* text) const;
+
+    // --- From text to terms (Scanner.cpp) ---
+
+    // Reads one statement into `terms` and `target`. Returns 0 when the terms are to be evaluated, else the
+    // statement's status.
+    int ProcessStr(const char* statement);
+
+    // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a
+    // value).
+    int Str2Num(const char* text, qfloat value);
+
+    // --- Evaluation (Syntax.cpp, Evaluator.cpp) ---
+
+    // Checks the terms, sets their levels and opCount. Returns 0, or -1 with a message.
+    int VerifyTermsSyntax();
+
+    // Fills opOrder, which holds opCount + 1 entries: highest level first, then by precedence, then from left
+    // to right. Visits each term once.
+    void OrderOperatorStack();
+
+    // Applies the operators of opOrder. Returns 0 and `result`; 1 when there are no terms; or -1 with a
+    // message.
+    int ProcTermsLoop();
+
+    // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term.
+    // Returns the number of pairs removed, or -1 with a message.
+    int ProcParenth(node* open);
+
+    // Applies one operator. Returns the term that holds the result, or null with a message.
+    node* ProcPair(node* op, int32_t code);
+
+    // The value of a variable or number term. Returns 0, or -1 with a message.
+    int Node2Num(const node* term, qfloat value);
+
+    // --- Names and functions (Functions.cpp, Builtins.cpp) ---
+
+    // Evaluates the call of a function. Returns the term to go on from, or null with a message.
+    node* ProcFunction(node* functionTerm);
+
+    // Defines a function from "name(args)=expression". Returns 1, or -1 with a message.
+    int DefineFunction(const char* text);
+
+    // Whether the text is a letter followed by letters, digits and '_'.
+    bool IsValidVariable(const char* text) const;
+
+    // The variable with exactly this name, or null.
+    node* VariableExists(const char* name) const;
+
+    // Empties the variables down to "ans" = 0 and "pi".
+    void InitializeVarsList();
+
+    // Writes an error into `message`: each conversion in `format` ("%s", "%i", ...) takes the next text.
+    // Internal characters are shown as "->"; texts too long for the message are cut, its frame never.
+    // Returns -1.
+    int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
+
+private:
+    std::vector<std::string> SplitStatements(const std::string& line) const;
+    void ShowResult();
+    int EvaluateTerms();
+    void StoreResult();
+    void DiscardNewTarget();
+    void ReportPrintedInfinity();
+
+    int ScanStatement(std::string text);
+    int ScanAssignment(std::string& text);
+    int ScanTerms(const std::string& text);
+    void AppendOperand(std::string_view text, bool beforeParenthesis);
+
+    int CheckVariableNames();
+    int CheckDepths();
+    int CheckOperands();
+    void RaiseUnaryMinus();
+
+    node* ProcConversion(node* arrow);
+    node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
+    int ApplyFactorial(const qfloat left, qfloat value);
+    int ApplyBinary(int32_t code, const qfloat left, const qfloat right, qfloat value);
+    bool Interrupt();
+};
+
+// Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
+// `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
+void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);
+
+// Scans digits, one '.', and one exponent behind a digit or point. Returns 1 when that is the whole text (an
+// empty text included), 0 when the first character is none of these, and 2 with the unread text in `rest`.
+int findDecString(std::string_view text, std::string_view& rest);
+
+// Reports the pending error of the number library: 0 when there is none; else clears it, returns its code and
+// writes "** ERROR: 'name' text **\n" into `out` (TEXT_SIZE bytes, may be null), without the name when null.
+int checkMathError(const char* name, char* out);
+
+#endif

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "Helpers_String.h"
+
+#include <cstring>
+
+static char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool strIsEqual(const char* a, const char* b) {
+    return strcmp(a, b) == 0;
+}
+
+bool strIsEqualI(const char* a, const char* b) {
+    while (*a && lower(*a) == lower(*b)) a++, b++;
+    return lower(*a) == lower(*b);
+}
+
+bool strIsEqualNI(const char* a, const char* b, size_t n) {
+    for (size_t i = 0; i < n; i++) {
+        if (lower(a[i]) != lower(b[i])) return false;
+        if (a[i] == '\0') return true;
+    }
+    return true;
+}
+
+void StrSwapChars(char* text, char a, char b) {
+    for (; *text; text++) {
+        if (*text == a)
+            *text = b;
+        else if (*text == b)
+            *text = a;
+    }
+}
+
+void StrRemoveChar(char* text, char c) {
+    char* out = text;
+    for (; *text; text++) {
+        if (*text != c) *out++ = *text;
+    }
+    *out = '\0';
+}
+
+void StrRemoveNewlineChars(char* text) {
+    StrRemoveChar(text, '\n');
+    StrRemoveChar(text, '\r');
+}
+
+const char* FindStrAfterLastChar(const char* text, char c) {
+    const char* found = c ? strrchr(text, c) : nullptr;
+    return found ? found + 1 : text;
+}
+
+char* StrDuplicate(std::string_view text) {
+    char* copy = new char[text.size() + 1];
+    if (!text.empty()) memcpy(copy, text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+std::string StrShown(std::string_view text) {
+    std::string shown;
+    shown.reserve(text.size());
+    for (char c : text) {
+        if (c == '\x10' || c == '\x11')
+            shown += "->";
+        else
+            shown += c;
+    }
+    return shown;
+}
+
+bool IsLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+//
+// Small text helpers. Case is folded for the letters A to Z only, whatever the locale.
+#ifndef TALLYQUILL_HELPERS_STRING_H
+#define TALLYQUILL_HELPERS_STRING_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+bool strIsEqual(const char* a, const char* b);             // exactly equal
+bool strIsEqualI(const char* a, const char* b);            // equal but for case
+bool strIsEqualNI(const char* a, const char* b, size_t n); // the first n characters are equal but for case
+
+void StrSwapChars(char* text, char a, char b); // exchanges a and b throughout the text
+void StrRemoveChar(char* text, char c);        // removes every c
+void StrRemoveNewlineChars(char* text);        // removes every carriage return and line feed
+
+// The text behind the last c; the whole text when there is none.
+const char* FindStrAfterLastChar(const char* text, char c);
+
+// A copy from new char[].
+char* StrDuplicate(std::string_view text);
+
+// The text as people read it: the internal characters of a unit conversion (0x10, 0x11) become "->".
+std::string StrShown(std::string_view text);
+
+// ASCII character classes; any char value is allowed.
+bool IsLetter(char c);
+bool IsDigit(char c);
+
+#endif

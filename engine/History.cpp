@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "History.h"
+
+#include "Helpers_String.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+CHistory::~CHistory() {
+    Clear();
+}
+
+void CHistory::InsertNewEntry(const char* text) {
+    if (!text) return;
+    char* copy = StrDuplicate(text); // before the slot is freed: the text may be a stored line
+    if (count >= maxEntries)
+        delete[] entries[next];
+    else
+        count++;
+    entries[next] = copy;
+    next = (next + 1) % maxEntries;
+}
+
+static void removeTrailing(char* text, char c) {
+    const size_t length = strlen(text);
+    if (length > 0 && text[length - 1] == c) text[length - 1] = '\0';
+}
+
+void CHistory::FilteredInsertNew(char* text, bool split) {
+    if (!text || !*text) return;
+    removeTrailing(text, '\n');
+    removeTrailing(text, '\r');
+    if (!*text || strIsEqual(text, "exit")) return;
+    if (count > 0 && strIsEqual(GetHistoryStr(1), text)) return;
+    if (!split) {
+        InsertNewEntry(text);
+        return;
+    }
+    char* piece = text;
+    while (char* cut = strstr(piece, ";;")) {
+        *cut = '\0';
+        InsertNewEntry(piece);
+        *cut = ';';
+        piece = cut + 2;
+    }
+    InsertNewEntry(piece);
+}
+
+const char* CHistory::GetHistoryStr(int k) const {
+    if (k < 0) k = location;
+    if (k < 1 || k > count) return nullptr;
+    return entries[SlotOf(k)];
+}
+
+bool CHistory::HistLocUp() {
+    if (location >= count) return false;
+    location++;
+    return true;
+}
+
+bool CHistory::HistLocDown() {
+    if (location < 1) return false;
+    location--;
+    return location > 0;
+}
+
+static bool beginsWith(const char* line, const char* prefix) {
+    return line && strncmp(line, prefix, strlen(prefix)) == 0;
+}
+
+bool CHistory::HistLocUpWithMatch(const char* prefix) {
+    matching = true;
+    for (int32_t k = location + 1; k <= count; k++) {
+        if (!beginsWith(GetHistoryStr(k), prefix)) continue;
+        location = k;
+        return true;
+    }
+    return false;
+}
+
+bool CHistory::HistLocDownWithMatch(const char* prefix) {
+    matching = true;
+    for (int32_t k = location - 1; k >= 1; k--) {
+        if (!beginsWith(GetHistoryStr(k), prefix)) continue;
+        location = k;
+        return true;
+    }
+    return false;
+}
+
+void CHistory::HistLocReset() {
+    location = 0;
+}
+
+void CHistory::HistLocLast() {
+    location = count;
+    matching = false;
+}
+
+void CHistory::SetMaxEntries(int n) {
+    n = n < 1 ? HISTORY_DEFAULT_ENTRIES : std::min(n, HISTORY_SLOTS);
+    char* lines[HISTORY_SLOTS];
+    const int32_t kept = std::min(count, n);
+    for (int32_t k = count; k > kept; k--) delete[] entries[SlotOf(k)];
+    for (int32_t k = kept; k >= 1; k--) lines[kept - k] = entries[SlotOf(k)];
+    std::fill(std::begin(entries), std::end(entries), nullptr);
+    std::copy(lines, lines + kept, entries);
+    count = kept;
+    next = kept % n; // a full ring goes on at its oldest line, slot 0
+    location = std::min(location, n);
+    maxEntries = n;
+}
+
+void CHistory::Clear() {
+    for (int32_t k = 1; k <= count; k++) {
+        char*& line = entries[SlotOf(k)];
+        delete[] line;
+        line = nullptr;
+    }
+    count = 0;
+    next = 0;
+    matching = false;
+}

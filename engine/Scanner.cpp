@@ -1,0 +1,269 @@
+// SPDX-License-Identifier: MIT
+//
+// From the text of a statement to its terms.
+#include "Calculator.h"
+
+#include "Helpers_String.h"
+
+#include <algorithm>
+#include <cstring>
+
+static const char* const BLANKS = " \t\r\n";
+
+// Without leading white space, what follows the first ';', and trailing blanks and line ends.
+static std::string trimStatement(const char* statement) {
+    std::string text = statement;
+    text.erase(0, text.find_first_not_of(" \t\r\n\v\f"));
+    text.resize(std::min(text.size(), text.find(';')));
+    text.resize(text.find_last_not_of(BLANKS) + 1);
+    return text;
+}
+
+int ZqCalculator::ProcessStr(const char* statement) {
+    terms.Clear();
+    if (!vars.first) InitializeVarsList();
+    // A new variable of an earlier statement is either stored or gone; the target is looked up again.
+    target = vars.first;
+    if (strlen(statement) >= TEXT_SIZE) {
+        return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
+    }
+    return ScanStatement(trimStatement(statement));
+}
+
+static bool isSpaceOrTab(char c) {
+    return c == ' ' || c == '\t';
+}
+
+// Whether the digits that end at `end` (exclusive) are the exponent of a unit, as in m^2.
+static bool endsUnitExponent(const std::string& text, size_t end) {
+    while (end > 0 && IsDigit(text[end - 1])) end--;
+    return end > 0 && text[end - 1] == '^';
+}
+
+// The start of the unit name in front of an arrow at `arrow`.
+static size_t findUnitName(const std::string& text, size_t arrow) {
+    size_t start = arrow;
+    while (start > 0 && isSpaceOrTab(text[start - 1])) start--;
+    bool inExponent = false;
+    while (start > 0) {
+        const char c = text[start - 1];
+        if (isSpaceOrTab(c) || c == '(' || c == ')' || c == '=') break;
+        if (!IsDigit(c))
+            inExponent = false;
+        else if (!inExponent && !(inExponent = endsUnitExponent(text, start)))
+            break;
+        start--;
+    }
+    // A sign in front of the name stays an operator: 5-km->mi must not drop its minus.
+    while (start < arrow && (text[start] == '+' || text[start] == '-')) start++;
+    return start;
+}
+
+// Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi. The length stays the same.
+static void markConversion(std::string& text) {
+    if (text.size() < 5) return;
+    const size_t arrow = text.find("->");
+    if (arrow == std::string::npos) return;
+    const size_t start = findUnitName(text, arrow);
+    text[arrow + 1] = CVstr[0];
+    text.erase(arrow, 1);
+    text.insert(start, 1, CVSstr[0]);
+}
+
+// name(...)=... : the '=' behind the first parentheses is neither part of a comparison nor doubled.
+static bool isDefinition(const std::string& text) {
+    const size_t open = text.find('(');
+    if (open == std::string::npos) return false;
+    const size_t close = text.find(')', open);
+    if (close == std::string::npos) return false;
+    const size_t equals = text.find('=', close);
+    if (equals == std::string::npos) return false;
+    const char before = text[equals - 1];
+    const char after = equals + 1 < text.size() ? text[equals + 1] : '\0';
+    return before != '<' && before != '>' && before != '!' && after != '=';
+}
+
+static void normalizeBrackets(std::string& text) {
+    for (char& c : text) {
+        if (c == '{' || c == '[') c = '(';
+        if (c == '}' || c == ']') c = ')';
+    }
+}
+
+// Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20.
+static std::string moveSignsForward(const std::string& text) {
+    std::string moved;
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t sign = text.find_first_of("+-", start);
+        const bool isLast = sign == std::string::npos;
+        moved += isLast ? '+' : text[sign];
+        moved.append(text, start, isLast ? sign : sign - start);
+        start = isLast ? text.size() : sign + 1;
+    }
+    return moved;
+}
+
+int ZqCalculator::ScanStatement(std::string text) {
+    markConversion(text);
+    if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
+    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return strchr(BLANKS, c) != nullptr; }),
+               text.end());
+    normalizeBrackets(text);
+    ProcessStringEuropean(text.data());
+    if (ScanAssignment(text) != 0) return STATUS_ERROR;
+    if (tenKey) text = moveSignsForward(text);
+    return ScanTerms(text);
+}
+
+// name=... : sets the target and removes the name and the '=' from the text.
+int ZqCalculator::ScanAssignment(std::string& text) {
+    const size_t equals = text.find_first_of("<>!=");
+    if (equals == std::string::npos || equals == 0 || text[equals] != '=') return 0;
+    if (equals + 1 < text.size() && text[equals + 1] == '=') return 0;
+    const std::string name = text.substr(0, equals);
+    if (name.size() >= MAX_NAME) {
+        return Fail("** ERROR: %i max characters for variables **\n", {std::to_string(MAX_NAME)});
+    }
+    if (!IsValidVariable(name.c_str())) return Fail("** ERROR: invalid variable name: %s **\n", {name});
+    if (fullEntry) {
+        target = VariableExists(name.c_str());
+        if (!target) {
+            target = new node; // joins the variables when the evaluation works out
+            target->type = TERM_NAME;
+            target->text = StrDuplicate(name);
+        }
+    }
+    text.erase(0, equals + 1);
+    return 0;
+}
+
+static bool isRadixText(std::string_view text) {
+    return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'b' || text[1] == 'o');
+}
+
+// A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
+static bool isExponentSign(std::string_view operand) {
+    const size_t n = operand.size();
+    if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
+    if (!IsDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
+    return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
+}
+
+int ZqCalculator::ScanTerms(const std::string& text) {
+    const std::string_view view = text;
+    std::vector<bool> isCall; // for every open '(': whether it opens the arguments of a function
+    bool inUnit = false;      // from the mark to the next ')': km/h and m^2 are one term
+    size_t start = 0;
+    size_t pos = 0;
+    while (pos < view.size()) {
+        const int code = isOp(text.c_str() + pos);
+        const std::string_view operand = view.substr(start, pos - start);
+        bool isPart = code == 0;
+        if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
+        if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand)) isPart = true;
+        if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
+        if (isPart) {
+            pos++;
+            continue;
+        }
+        AppendOperand(operand, code == OP_OPEN);
+        if (code == OP_OPEN) isCall.push_back(terms.last && terms.last->type == TERM_FUNC);
+        if (code == OP_CLOSE && !isCall.empty()) isCall.pop_back();
+        if (code == OP_UNIT_MARK) inUnit = true;
+        if (code == OP_CLOSE) inUnit = false;
+        terms.Push(new node)->type = code;
+        pos += strlen(getOp(code).text);
+        start = pos;
+    }
+    AppendOperand(view.substr(start), false);
+    return 0;
+}
+
+void ZqCalculator::AppendOperand(std::string_view text, bool beforeParenthesis) {
+    if (text.empty()) return;
+    node* term = terms.Push(StrDuplicate(text));
+    term->type = TERM_NAME;
+    if (VariableExists(term->text)) return;
+    qfloat value;
+    if (Str2Num(term->text, value) == 0) {
+        term->type = TERM_NUMBER;
+        term->SetValue(value);
+        if (strncmp(term->text, "0x", 2) != 0) term->DropText();
+    } else if (beforeParenthesis && funcs.FunctionExists(term->text, -1)) {
+        term->type = TERM_FUNC;
+    }
+}
+
+int findDecString(std::string_view text, std::string_view& rest) {
+    bool hasPoint = false;
+    bool hasExponent = false;
+    size_t i = 0;
+    for (; i < text.size(); i++) {
+        const char c = text[i];
+        if (IsDigit(c)) continue;
+        if (c == '.' && !hasPoint && !hasExponent) {
+            hasPoint = true;
+        } else if ((c == 'e' || c == 'E') && !hasExponent && i > 0) {
+            hasExponent = true;
+            if (i + 1 < text.size() && (text[i + 1] == '+' || text[i + 1] == '-')) i++;
+        } else {
+            break;
+        }
+    }
+    if (i == text.size()) return 1;
+    if (i == 0) return 0;
+    rest = text.substr(i);
+    return 2;
+}
+
+// The number without its thousands separators, or an empty text when the grouping is wrong: groups of a comma
+// and three digits follow the leading digits, up to the end or a point.
+static std::string joinThousands(std::string_view text) {
+    std::string joined;
+    size_t i = 0;
+    while (i < text.size() && IsDigit(text[i])) i++;
+    joined.append(text.substr(0, i));
+    while (i < text.size() && text[i] == ',') {
+        const std::string_view group = text.substr(i + 1, 3);
+        if (group.size() < 3 || !std::all_of(group.begin(), group.end(), IsDigit)) return "";
+        joined.append(group);
+        i += 4;
+    }
+    if (i < text.size() && text[i] != '.') return "";
+    joined.append(text.substr(i));
+    std::string_view rest;
+    return findDecString(joined, rest) == 1 ? joined : "";
+}
+
+static int suffixExponent(char suffix) {
+    static const struct {
+        char letter;
+        int exponent;
+    } suffixes[] = {{'a', -18}, {'f', -15}, {'p', -12}, {'n', -9}, {'u', -6}, {'m', -3},
+                    {'c', -2},  {'k', 3},   {'M', 6},   {'G', 9},  {'T', 12}, {'P', 15}};
+    for (const auto& entry : suffixes) {
+        if (entry.letter == suffix) return entry.exponent;
+    }
+    return 0;
+}
+
+int ZqCalculator::Str2Num(const char* text, qfloat value) {
+    if (!text) return Fail("** crazy error **");
+    const std::string_view view = text;
+    if (isRadixText(view)) return asctoq(text, value) == 0 ? 0 : -1;
+    std::string_view rest;
+    const int kind = findDecString(view, rest);
+    if (kind == 1) return asctoq(text, value) == 0 ? 0 : -1;
+    if (kind == 0) return !funcs.FunctionExists(text, -1) && VariableExists(text) ? 0 : -1;
+    if (rest[0] == ',') {
+        const std::string joined = joinThousands(view);
+        return !joined.empty() && asctoq(joined.c_str(), value) == 0 ? 0 : -1;
+    }
+    const int exponent = rest.size() == 1 ? suffixExponent(rest[0]) : 0;
+    if (exponent == 0) return -1;
+    const std::string number(view.substr(0, view.size() - 1));
+    if (asctoq(number.c_str(), value) != 0) return -1;
+    qdecexp(value, exponent);
+    return 0;
+}

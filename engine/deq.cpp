@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "deq.h"
+
+#include "Helpers_String.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+const char* const CVstr = "\x11";
+const char* const CVSstr = "\x10";
+
+// Two-character operators come before the one-character operators that begin them.
+const OpEntry ops[] = {
+    {"&&", OP_LOGICAL_AND, 13, 1, 1},  {"||", OP_LOGICAL_OR, 14, 1, 1},
+    {">>", OP_SHIFT_RIGHT, 7, 1, 1},   {"<<", OP_SHIFT_LEFT, 7, 1, 1},
+    {">=", OP_GREATER_EQUAL, 8, 1, 1}, {"<=", OP_LESS_EQUAL, 8, 1, 1},
+    {"==", OP_EQUAL, 9, 1, 1},         {"!=", OP_NOT_EQUAL, 9, 1, 1},
+    {"!", OP_FACTORIAL, 3, 1, 0},      {"^", OP_POWER, 4, 1, 1},
+    {"*", OP_MULTIPLY, 5, 1, 1},       {"/", OP_DIVIDE, 5, 1, 1},
+    {"%", OP_REMAINDER, 5, 1, 1},      {"+", OP_ADD, 6, 0, 1},
+    {"-", OP_SUBTRACT, 6, 0, 1},       {">", OP_GREATER, 8, 1, 1},
+    {"<", OP_LESS, 8, 1, 1},           {"&", OP_AND, 10, 1, 1},
+    {"@", OP_XOR, 11, 1, 1},           {"|", OP_OR, 12, 1, 1},
+    {"(", OP_OPEN, 15, 0, 0},          {")", OP_CLOSE, 15, 0, 0},
+    {CVstr, OP_CONVERT, 7, 1, 1},      {CVSstr, OP_UNIT_MARK, 0, 0, 0},
+    {",", OP_COMMA, 0, 0, 0},          {"", 0, 0, 0, 0},
+};
+
+constexpr size_t OPERATOR_COUNT = sizeof ops / sizeof ops[0] - 1;
+
+namespace {
+
+// Position in the table by code, so that looking up a term's operator does not search.
+std::array<uint8_t, OP_LOGICAL_OR + 1> makeIndex() {
+    std::array<uint8_t, OP_LOGICAL_OR + 1> index{};
+    index.fill(OPERATOR_COUNT);
+    for (size_t i = 0; i < OPERATOR_COUNT; i++)
+        index[static_cast<size_t>(ops[i].code)] = static_cast<uint8_t>(i);
+    return index;
+}
+
+} // namespace
+
+const OpEntry& getOp(int32_t code) {
+    static const std::array<uint8_t, OP_LOGICAL_OR + 1> index = makeIndex();
+    if (code < 0 || code > OP_LOGICAL_OR) return ops[OPERATOR_COUNT];
+    return ops[index[static_cast<size_t>(code)]];
+}
+
+int isOp(const char* text) {
+    for (const OpEntry* entry = ops; entry->code != 0; entry++) {
+        if (entry->text[0] != text[0]) continue;
+        if (entry->text[1] == '\0' || entry->text[1] == text[1]) return entry->code;
+    }
+    return 0;
+}
+
+bool isOp(int32_t type) {
+    return type == TERM_DONE || getOp(type).code != 0;
+}
+
+node::~node() {
+    delete[] text;
+    delete[] value;
+}
+
+void node::SetValue(const qfloat number) {
+    if (!value) value = new qfloat[1];
+    qmov(number, *value);
+}
+
+void node::DropText() {
+    delete[] text;
+    text = nullptr;
+}
+
+static node* newNode(char* text) {
+    node* term = new node;
+    term->text = text;
+    return term;
+}
+
+node* Deq::Push(node* term) {
+    return Insert(term, static_cast<node*>(nullptr));
+}
+
+node* Deq::Push(char* text) {
+    return Push(newNode(text));
+}
+
+node* Deq::Insert(node* term, int i) {
+    return Insert(term, i < 0 || i >= count ? last : Get(i));
+}
+
+node* Deq::Insert(char* text, int i) {
+    return Insert(newNode(text), i);
+}
+
+node* Deq::Insert(char* text, node* before) {
+    return Insert(newNode(text), before);
+}
+
+node* Deq::Insert(node* term, node* before) {
+    node* after = before ? before->prev : last;
+    term->prev = after;
+    term->next = before;
+    (after ? after->next : first) = term;
+    (before ? before->prev : last) = term;
+    count++;
+    return term;
+}
+
+node* Deq::Get(int i) const {
+    if (!first) {
+        puts("no parent!!!");
+        return nullptr;
+    }
+    node* term = first;
+    for (int k = 0; k < i && term; k++) term = term->next;
+    return term;
+}
+
+node* Deq::Del(node* term) {
+    node* before = term->prev;
+    (before ? before->next : first) = term->next;
+    (term->next ? term->next->prev : last) = before;
+    delete term;
+    count--;
+    return before;
+}
+
+node* Deq::Del(int i) {
+    node* term = Get(i);
+    return term ? Del(term) : nullptr;
+}
+
+void Deq::Clear() {
+    while (first) Del(first);
+}
+
+void Deq::CopyTo(Deq* target) const {
+    // The count is taken first, so that a list can be appended to itself.
+    const int32_t number = count;
+    const node* term = first;
+    for (int32_t i = 0; i < number; i++, term = term->next) {
+        node* copy = target->Push(term->text ? StrDuplicate(term->text) : nullptr);
+        copy->type = term->type;
+        copy->level = term->level;
+        if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
+    }
+}
+
+void Deq::SPrint(char* out) const {
+    size_t used = 0;
+    const size_t limit = 9999;
+    for (const node* term = first; term && used < limit; term = term->next) {
+        if (!term->text) continue;
+        const size_t length = strnlen(term->text, limit - used);
+        memcpy(out + used, term->text, length);
+        used += length;
+    }
+    out[used] = '\0';
+}
+
+int32_t Deq::CountNumberOfOperators() const {
+    int32_t number = 0;
+    for (const node* term = first; term; term = term->next) {
+        if (term->type != TERM_NAME && term->type != TERM_FUNC && term->type != TERM_NUMBER) number++;
+    }
+    return number;
+}

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+//
+// Terms of an expression, the doubly linked list that holds them, and the operator table.
+// The same list holds variables, function parameters and bodies, and unit definitions.
+#ifndef TALLYQUILL_DEQ_H
+#define TALLYQUILL_DEQ_H
+
+#include "qfloat.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// Operator codes: the types of operator terms.
+enum OperatorCode : int32_t {
+    OP_COMMA = 2,
+    OP_ADD = 3,
+    OP_SUBTRACT = 4,
+    OP_MULTIPLY = 5,
+    OP_DIVIDE = 6,
+    OP_REMAINDER = 7,
+    OP_OR = 8,
+    OP_XOR = 9,
+    OP_AND = 11,
+    OP_POWER = 12,
+    OP_SHIFT_RIGHT = 13,
+    OP_SHIFT_LEFT = 14,
+    OP_FACTORIAL = 15,
+    OP_UNIT_MARK = 16,
+    OP_CONVERT = 17,
+    OP_OPEN = 18,
+    OP_CLOSE = 19,
+    OP_GREATER = 20,
+    OP_LESS = 21,
+    OP_GREATER_EQUAL = 22,
+    OP_LESS_EQUAL = 23,
+    OP_EQUAL = 24,
+    OP_NOT_EQUAL = 25,
+    OP_LOGICAL_AND = 26,
+    OP_LOGICAL_OR = 27
+};
+
+// Term types that are not operator codes.
+enum TermType : int32_t {
+    TERM_NAME = 128,  // a variable, a unit or an unknown name
+    TERM_FUNC = 129,  // the name of a defined function, followed by '('
+    TERM_DONE = 130,  // never made by the scanner; counts as an operator everywhere
+    TERM_NUMBER = 131 // a number with a value
+};
+
+// The internal characters of a unit conversion: the arrow "->" and the mark at the start of the source unit.
+extern const char* const CVstr;  // "\x11"
+extern const char* const CVSstr; // "\x10"
+
+// One operator.
+struct OpEntry {
+    const char* text;
+    int16_t code;
+    int16_t precedence; // smaller binds tighter; 0: never ordered
+    int16_t needsLeft;  // 1: an operand must stand before it
+    int16_t needsRight; // 1: an operand must stand behind it
+};
+
+constexpr int MAX_PRECEDENCE = 15;
+
+// All operators; a text is matched in this order. The entry behind the last one has code 0.
+extern const OpEntry ops[];
+
+// The entry of a code; the terminating entry when no operator has it.
+const OpEntry& getOp(int32_t code);
+
+// The code of the first entry whose text is a prefix of `text`, or 0.
+int isOp(const char* text);
+
+// Whether a term type is an operator: every code of the table, and TERM_DONE.
+bool isOp(int32_t type);
+
+// One term.
+struct node {
+    node* prev = nullptr;
+    node* next = nullptr;
+    int32_t type = 0;        // an OperatorCode or a TermType
+    char* text = nullptr;    // owned, from new char[]; operators have none
+    int32_t level = 0;       // parenthesis depth
+    qfloat* value = nullptr; // owned, from new qfloat[1]; numbers and variables have one
+
+    node() = default;
+    ~node(); // frees text and value; does not unlink
+    node(const node&) = delete;
+    node& operator=(const node&) = delete;
+
+    void SetValue(const qfloat number); // copies the number into the term's value, made when there is none
+    void DropText();                    // frees the text
+};
+
+// A list of terms. It owns its nodes.
+class Deq {
+public:
+    node* first = nullptr;
+    node* last = nullptr;
+    int32_t count = 0;
+
+    Deq() = default;
+    ~Deq() { Clear(); }
+    Deq(const Deq&) = delete;
+    Deq& operator=(const Deq&) = delete;
+
+    // Appends a node, which the list then owns. Returns it.
+    node* Push(node* term);
+
+    // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
+    // caller sets its type. Returns it.
+    node* Push(char* text);
+
+    // Inserts before position i, counted from 0. An index below 0 or past the end means before the last node.
+    node* Insert(node* term, int i);
+    node* Insert(char* text, int i);
+
+    // Inserts a new node before a node of this list; a null `before` appends.
+    node* Insert(char* text, node* before);
+    node* Insert(node* term, node* before);
+
+    // The node at position i from 0: the first node when i is below 1, null past the end. An empty list
+    // writes "no parent!!!" to standard output and gives null.
+    node* Get(int i) const;
+
+    // Unlinks and frees a node of this list. Returns the node before it, null when it was the first.
+    // The second form does nothing past the end.
+    node* Del(node* term);
+    node* Del(int i);
+
+    // Deletes all nodes.
+    void Clear();
+
+    // Appends deep copies of all nodes to `target`. Text, type and level are copied, values for numbers only.
+    void CopyTo(Deq* target) const;
+
+    // Prints the terms' texts one after the other, cut at 9,999 characters: the buffer holds 10,000 bytes.
+    void SPrint(char* out) const;
+
+    // How many terms are operators: neither names, function names nor numbers.
+    int32_t CountNumberOfOperators() const;
+};
+
+#endif
