@@ -27,8 +27,7 @@ struct Mantissa {
 // Reads the mantissa's characters: the state of one call of asctoq.
 class MantissaReader {
 public:
-    MantissaReader(const char* text, int radix, int bitsPerDigit)
-        : p(text), radix(radix), bitsPerDigit(bitsPerDigit) {}
+    MantissaReader(const char* text, int base, int bits) : p(text), radix(base), bitsPerDigit(bits) {}
 
     // Returns false on a syntax error.  Afterwards `position` is behind the mantissa (and its 'e').
     bool read(Mantissa& m);
