@@ -2,10 +2,12 @@
 #include "Session.h"
 
 #include "Descriptor.h"
+#include "EntryText.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <unistd.h>
 
 namespace {
@@ -17,10 +19,11 @@ void setDefaults(ZqCalculator& calc) {
     calc.european = false;
     calc.tenKey = false;
     calc.sigFigs = 10;
-    calc.sciMode = 0;
+    calc.sciMode = SCI_AUTO;
     calc.separatorChar = ',';
     calc.useSeparator = false;
     calc.twosComp = false;
+    calc.history.SetMaxEntries(30);
 }
 
 // `text` as a line: some messages come without their line feed.
@@ -47,17 +50,15 @@ Session::Outcome Session::run(std::string_view entry) {
     const EntryFault fault = checkEntry(entry);
     if (fault != EntryFault::None) return refuse(faultMessage(fault));
 
-    std::memcpy(entry_, entry.data(), entry.size());
-    entry_[entry.size()] = '\0';
-    calc_.ProcessEntry(entry_, false);
+    calc_.ProcessEntry(std::string(entry).c_str(), false);
     std::fflush(stdout); // the trace of this entry comes before its answer
 
     // Collected echoes come first, also those of an entry that failed further on.
     if (!show(calc_.echoText)) return Outcome::OutputLost;
     switch (calc_.status) {
-    case 0: return show(calc_.resultLine) ? Outcome::Answered : Outcome::OutputLost;
-    case 1: return show(calc_.message) ? Outcome::Answered : Outcome::OutputLost;
-    case 2: return carryOut(calc_.message);
+    case STATUS_RESULT: return show(calc_.resultLine) ? Outcome::Answered : Outcome::OutputLost;
+    case STATUS_MESSAGE: return show(calc_.message) ? Outcome::Answered : Outcome::OutputLost;
+    case STATUS_COMMAND: return carryOut(calc_.message);
     default: return refuse(calc_.message);
     }
 }
@@ -69,7 +70,6 @@ Session::Outcome Session::refuse(std::string_view message) {
     return Outcome::Refused;
 }
 
-// Commands that the engine hands to its console.
 Session::Outcome Session::carryOut(std::string_view command) {
     if (command == "exit") return Outcome::Ended;
     if (command == "clear") {

@@ -4,9 +4,7 @@
 #pragma once
 
 #include "Calculator.h"
-#include "EntryText.h"
 
-#include <string>
 #include <string_view>
 
 class Session {
@@ -28,14 +26,16 @@ public:
     // Whether any entry so far was refused.
     bool anyRefused() const { return anyRefused_; }
 
+    // Carries out a command that the engine hands to its front end: exit; clear, which does nothing unless
+    // answers go to a terminal that understands escape sequences. Any other command is refused.
+    Outcome carryOut(std::string_view command);
+
 private:
     Outcome refuse(std::string_view message);
-    Outcome carryOut(std::string_view command);
     bool show(std::string_view text);
 
     int answers_;
     int errors_;
     bool anyRefused_ = false;
-    char entry_[kMaxEntryLength + 1] = {};
     ZqCalculator calc_;
 };

@@ -2,6 +2,7 @@
 //
 // tallyquill: the calculator's console for terminals, pipes and scripts.
 #include "Descriptor.h"
+#include "EntryText.h"
 #include "LineReader.h"
 #include "Options.h"
 #include "Session.h"

@@ -59,7 +59,7 @@ TEST(Arguments, AnEntryThatIsTooLongOrNoTextIsRefused) {
               kTooLong + kNotText + kNotText);
 }
 
-TEST(Options, HelpGoesToStandardOutput) {
+TEST(Usage, HelpGoesToStandardOutput) {
     const Result run = evaluate({"--help"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
@@ -69,11 +69,11 @@ TEST(Options, HelpGoesToStandardOutput) {
     }
 }
 
-TEST(Options, VersionGoesToStandardOutput) {
+TEST(Usage, VersionGoesToStandardOutput) {
     expectRun(evaluate({"--version"}), 0, "tallyquill " TALLYQUILL_VERSION "\n", "");
 }
 
-TEST(Options, AnUnknownOptionIsBadUsageWithAHint) {
+TEST(Usage, AnUnknownOptionIsBadUsageWithAHint) {
     const Result run = evaluate({"-5+3"});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
@@ -81,22 +81,22 @@ TEST(Options, AnUnknownOptionIsBadUsageWithAHint) {
     EXPECT_NE(run.err.find("tallyquill -- '-5+3'"), std::string::npos) << run.err;
 }
 
-TEST(Options, BadUsageEvaluatesNothing) {
+TEST(Usage, BadUsageEvaluatesNothing) {
     const Result run = evaluate({"1+1", "--wrong"});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
 }
 
-TEST(Options, NoFilesIsAccepted) {
+TEST(Usage, NoFilesIsAccepted) {
     expectRun(evaluate({"--no-files", "1+1"}), 0, "ans = 2\n", "");
 }
 
-TEST(Options, TheTraceNeverMixesWithTheAnswers) {
+TEST(Usage, TheTraceNeverMixesWithTheAnswers) {
     expectRun(evaluate({"(1+2)*3"}), 0, "ans = 9\n", "");
     expectRun(pipeThrough("(1+2)*3\n"), 0, "ans = 9\n", "");
 }
 
-TEST(Options, TraceGoesToStandardErrorWhenAskedFor) {
+TEST(Usage, TraceGoesToStandardErrorWhenAskedFor) {
     const Result run = evaluate({"--trace", "(1+2)*3", "((1)"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "ans = 9\n");
