@@ -58,7 +58,7 @@ format: deps ## rewrite the sources in the project's format
 bench: deps ## build and run the benchmarks
 	cmake --preset release -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=ON </dev/null
 	$(call compile,release) </dev/null
-	scripts/bench.sh build/release/bin
+	@set -e; for program in build/release/bin/*bench*; do $$program; done
 
 install: build ## install below PREFIX (/usr/local)
 	cmake --install build/release --prefix $(PREFIX)

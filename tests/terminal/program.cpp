@@ -77,7 +77,7 @@ int openForWriting(const std::string& path) {
 void arrangeDescriptors(const Invocation& invocation, const Pipe& in, const Pipe& out, const Pipe& err) {
     dup2(in.readEnd, STDIN_FILENO);
     dup2(invocation.outputFile.empty() ? out.writeEnd : openForWriting(invocation.outputFile), STDOUT_FILENO);
-    dup2(err.writeEnd, STDERR_FILENO);
+    dup2(invocation.joinErrors ? STDOUT_FILENO : err.writeEnd, STDERR_FILENO);
     if (invocation.closeInput) close(STDIN_FILENO);
     if (invocation.closeOutput) close(STDOUT_FILENO);
     if (invocation.closeErrors) close(STDERR_FILENO);

@@ -17,6 +17,7 @@ struct Invocation {
     bool closeInput = false;       // the program starts with descriptor 0 closed
     bool closeOutput = false;      // the program starts with descriptor 1 closed
     bool closeErrors = false;      // the program starts with descriptor 2 closed
+    bool joinErrors = false;       // descriptor 2 goes where descriptor 1 goes
     bool abandonOutput = false;    // standard output is a pipe that nobody reads
     bool nonBlockingPipes = false; // the program's ends of the pipes are set not to block
 };
