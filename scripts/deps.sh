@@ -11,17 +11,17 @@ set -eu
 
 # Debian 12 packages.
 debian_run="clang cmake ninja-build"
-debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev
+debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git"
 
 # Homebrew formulae; the compiler comes with Apple's command line tools. Nobody has verified this list on a
 # Mac yet.
 brew_run="cmake ninja"
-brew_test="$brew_run googletest gmp mpfr google-benchmark llvm cppcheck git"
+brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck git"
 
 # Elsewhere only the presence of these programs is checked.
 programs_run="clang++ cmake ninja"
-programs_test="$programs_run g++ clang-format clang-tidy cppcheck valgrind git"
+programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind git"
 
 fail() {
     printf 'deps: %s\n' "$1" >&2
