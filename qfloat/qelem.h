@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+//
+// Private to qfloat/: square root, exponential and logarithm of Extended values, for the routines that round
+// once at the end.  The arguments are magnitudes; signs are passed and returned beside them.  An Extended with
+// an all-zero mantissa is zero, whatever its exponent.  Outputs may be inputs.  Nothing sets merror.
+#ifndef TALLYQUILL_QELEM_H
+#define TALLYQUILL_QELEM_H
+
+#include "qlimb.h"
+
+namespace elem {
+
+using limb::Extended;
+
+// y = e^x, or e^-x when `negative`, for 0 <= x < 2^20.  Relative error below 2^-377 plus x's own error.
+void exp(const Extended& x, bool negative, Extended& y);
+
+// y = |ln x| for x > 0; returns true when ln x is negative.  Relative error below 2^-373, also next to 1.
+// ln 1 is an all-zero mantissa.
+bool log(const Extended& x, Extended& y);
+
+// y = the square root of x.  Relative error below 2^-380.
+void sqrt(const Extended& x, Extended& y);
+
+// s = e^r - 1 for 0 <= r < ln 2, both binary fractions of six limbs (value = limbs / 2^384).
+// Error below 64 units of the last limb.
+void expFraction(const uint64_t* r, uint64_t* s);
+
+// Whether x is zero.
+inline bool isZero(const Extended& x) { return limb::isZero(x.limb); }
+
+// q = x with the given sign word, rounded half up to 352 bits, where an exponent word of 0x10000 may still be
+// stored with its mantissa, as products and quotients may.  Above: the overflow value and merror = 3; below 1:
+// 0 without a code.
+void store(const Extended& x, uint32_t sign, uint32_t* q);
+
+} // namespace elem
+
+#endif
