@@ -81,11 +81,11 @@ int ZqCalculator::Node2Num(const node* term, qfloat value) {
 
 node* ZqCalculator::ProcPair(node* op, int32_t code) {
     if (code == OP_UNIT_MARK) return op;
+    if (code == OP_CONVERT) return ProcConversion(op);
     if (!isOperatorAvailable(code)) {
         Fail("** ERROR: operator '%s' is not available **\n", {getOp(code).text});
         return nullptr;
     }
-    if (code == OP_CONVERT) return ProcConversion(op);
     node* left = op->prev && !isOp(op->prev->type) ? op->prev : nullptr;
     node* right = code == OP_FACTORIAL ? nullptr : op->next;
     qfloat leftValue = {};
@@ -175,6 +175,10 @@ node* ZqCalculator::ProcConversion(node* arrow) {
     node* destination = arrow->next;
     if (!source || !source->text || !destination || !destination->text) {
         Fail("** ERROR 12: missing conversion unit **");
+        return nullptr;
+    }
+    if (!isOperatorAvailable(OP_CONVERT)) {
+        Fail("** ERROR: operator '%s' is not available **\n", {CVstr});
         return nullptr;
     }
     units_clear_exception();

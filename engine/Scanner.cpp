@@ -90,12 +90,32 @@ static void normalizeBrackets(std::string& text) {
     }
 }
 
-// Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20.
+// A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
+static bool isExponentSign(std::string_view operand) {
+    const size_t n = operand.size();
+    if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
+    if (!IsDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
+    return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
+}
+
+// The operand that ends where the text ends.
+static std::string_view lastOperand(std::string_view text) {
+    size_t start = text.size();
+    while (start > 0 && isOp(std::string(1, text[start - 1]).c_str()) == 0) start--;
+    return text.substr(start);
+}
+
+// Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20. The sign of an
+// exponent belongs to its number.
 static std::string moveSignsForward(const std::string& text) {
+    const std::string_view view = text;
     std::string moved;
     size_t start = 0;
     while (start < text.size()) {
-        const size_t sign = text.find_first_of("+-", start);
+        size_t sign = text.find_first_of("+-", start);
+        while (sign != std::string::npos && isExponentSign(lastOperand(view.substr(start, sign - start)))) {
+            sign = text.find_first_of("+-", sign + 1);
+        }
         const bool isLast = sign == std::string::npos;
         moved += isLast ? '+' : text[sign];
         moved.append(text, start, isLast ? sign : sign - start);
@@ -136,18 +156,6 @@ int ZqCalculator::ScanAssignment(std::string& text) {
     }
     text.erase(0, equals + 1);
     return 0;
-}
-
-static bool isRadixText(std::string_view text) {
-    return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'b' || text[1] == 'o');
-}
-
-// A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
-static bool isExponentSign(std::string_view operand) {
-    const size_t n = operand.size();
-    if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
-    if (!IsDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
-    return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
 }
 
 int ZqCalculator::ScanTerms(const std::string& text) {
@@ -215,6 +223,10 @@ int findDecString(std::string_view text, std::string_view& rest) {
     if (i == 0) return 0;
     rest = text.substr(i);
     return 2;
+}
+
+static bool isRadixText(std::string_view text) {
+    return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'b' || text[1] == 'o');
 }
 
 // The number without its thousands separators, or an empty text when the grouping is wrong: groups of a comma
