@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+//
+// Hyperbolic sine, cosine, tangent.
+//
+// Below 1/16 sinh and cosh are summed by their series; from there on E = e^|x| and 1/E are combined, where
+// sinh and tanh lose at most four of the 32 bits that the work carries beyond a stored mantissa.
+#include "qelem.h"
+#include "qtrig.h"
+#include "qtrigcore.h"
+
+namespace trig {
+
+using namespace limb;
+
+namespace {
+
+// 1/16 <= x has at least this exponent.
+constexpr int64_t exponentialFrom = -3;
+
+// e^x for x of this exponent, 2^15 or more, is far above the range.
+constexpr int64_t hopeless = 16;
+
+void overflow(uint32_t sign, uint32_t* y) {
+    qclear(y);
+    y[0] = sign;
+    qinfin(y);
+    merror = 3;
+}
+
+// The exponential and its reciprocal.
+void exponentials(const Extended& x, Extended& grown, Extended& shrunk) {
+    elem::exp(x, false, grown);
+    divide(one, grown, shrunk);
+}
+
+} // namespace
+} // namespace trig
+
+using namespace trig;
+
+void qsinh(const qfloat x, qfloat y) {
+    const uint32_t sign = signWord(qisneg(x) != 0);
+    Extended a;
+    if (x[1] < 2 || !loadMagnitude(x, a)) {
+        qclear(y);
+    } else if (a.exponent >= hopeless) {
+        overflow(sign, y);
+    } else {
+        Extended s, c;
+        if (a.exponent < exponentialFrom) {
+            sinhCoshSeries(a, s, c);
+        } else {
+            Extended grown, shrunk;
+            exponentials(a, grown, shrunk);
+            limb::subtract(grown, shrunk, s);
+            --s.exponent;
+        }
+        limb::store(s, sign, 0, y);
+    }
+}
+
+void qcosh(const qfloat x, qfloat y) {
+    Extended a;
+    if (!loadMagnitude(x, a)) {
+        qmov(qone, y);
+    } else if (a.exponent >= hopeless) {
+        overflow(0, y);
+    } else {
+        Extended s, c;
+        if (a.exponent < exponentialFrom) {
+            sinhCoshSeries(a, s, c);
+        } else {
+            Extended grown, shrunk;
+            exponentials(a, grown, shrunk);
+            limb::add(grown, shrunk, c);
+            --c.exponent;
+        }
+        limb::store(c, 0, 0, y);
+    }
+}
+
+void qtanh(const qfloat x, qfloat y) {
+    const uint32_t sign = signWord(qisneg(x) != 0);
+    Extended a;
+    if (!loadMagnitude(x, a)) {
+        storeZero(sign, y);
+        return;
+    }
+    Extended s, c;
+    if (a.exponent < exponentialFrom) {
+        sinhCoshSeries(a, s, c);
+        limb::divide(s, c, a);
+    } else if (a.exponent > 8) { // from 256 on 1 - tanh x lies below 2^-700
+        a = limb::one;
+    } else {
+        // (e^2x - 1) / (e^2x + 1)
+        ++a.exponent;
+        elem::exp(a, false, a);
+        limb::subtract(a, limb::one, s);
+        limb::add(a, limb::one, c);
+        limb::divide(s, c, a);
+    }
+    limb::store(a, sign, 0, y);
+}

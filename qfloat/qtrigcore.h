@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+//
+// Private to qfloat/: what the circular, inverse and hyperbolic functions share.
+//
+// "Fixed" values are six limbs in units of 2^-384, hence below 1.  One unit of the last place of a stored
+// number is at least 2^31 units of an Extended mantissa, so errors of a few hundred of those shift the
+// rounding boundary by less than 2^-20 units of the last place.
+#ifndef TALLYQUILL_QTRIGCORE_H
+#define TALLYQUILL_QTRIGCORE_H
+
+#include "qlimb.h"
+#include "qregister.h"
+
+namespace limb {
+
+// Tables (qtrigconst.cpp, written by scripts/make_trig_constants.py).
+constexpr int inverseFactorialCount = 80;
+constexpr int inverseOddCount = 7;
+constexpr int twoOverPiLimbs = 528;
+extern const Extended wholePi, halfPi, quarterPi;                     // nearest 384-bit mantissas
+extern const uint64_t inverseFactorial[inverseFactorialCount][count]; // fixed 1/n!, n >= 2
+extern const uint64_t inverseOdd[inverseOddCount][count];             // fixed 1/(2k + 1), k >= 1
+extern const uint64_t twoOverPi[twoOverPiLimbs];                      // fraction of 2/pi, top limb first
+
+constexpr Extended one = {{0, 0, 0, 0, 0, topBit}, 1};
+
+} // namespace limb
+
+namespace trig {
+
+using limb::Extended;
+
+inline uint32_t signWord(bool negative) {
+    return negative ? negativeSign : 0;
+}
+
+// |q| into x; false for a zero, whose mantissa or exponent word is zero.
+bool loadMagnitude(const uint32_t* q, Extended& x);
+
+// y = 0 with the given sign word, or pi * 2^-halvings with it.
+void storeZero(uint32_t sign, uint32_t* y);
+void storePi(int halvings, uint32_t sign, uint32_t* y);
+
+// An angle x = (quadrant + 4n) * pi/2 + r, |r| <= pi/4: r as sign and magnitude.
+struct Reduced {
+    Extended magnitude;
+    bool negative;
+    unsigned quadrant; // 0 .. 3
+};
+
+// Reduces x > 0, x.exponent <= 2^15.  The magnitude is within 2^-379 of the true one, relative to itself,
+// however close x comes to a multiple of pi/2.
+Reduced reduceAngle(const Extended& x);
+
+// s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.  Either may be null.
+void sinCos(const Extended& r, Extended* s, Extended* c);
+
+// The same for r = n * 2^-32 with 0 < n < 0.79 * 2^32: r squared is a single limb, which takes a third of
+// the time.
+void sinCosShort(uint64_t n, Extended& s, Extended& c);
+
+// s = sinh x and c = cosh x for 0 < x < 0.79, within 2^-379 relative.
+void sinhCoshSeries(const Extended& x, Extended& s, Extended& c);
+
+// y = arctan(n / d) for n, d > 0, within 2^-376 relative.
+void arctangent(const Extended& n, const Extended& d, Extended& y);
+
+} // namespace trig
+
+#endif

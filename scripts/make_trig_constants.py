@@ -1,0 +1,85 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Writes qfloat/qtrigconst.cpp: the tables of the trigonometric and hyperbolic functions.
+
+Everything is exact integer arithmetic (pi by Machin's formula on BITS binary places), cut or rounded once at
+the end.  The test suite recomputes every limb with MPFR.
+
+usage: scripts/make_trig_constants.py > qfloat/qtrigconst.cpp
+"""
+
+TWO_OVER_PI_LIMBS = 528   # the largest exponent, 2^15, plus the operand, the result and what cancels
+FACTORIALS = 80           # 1/n! for n = 0 .. 79
+ODD = 7                   # 1/(2k + 1) for k = 0 .. 6
+
+BITS = 64 * TWO_OVER_PI_LIMBS + 128
+ONE = 1 << BITS
+
+
+def atan_inverse(n):
+    """arctan(1/n) in units of 2^-BITS, within one unit a term."""
+    term = ONE // n
+    total, k = term, 1
+    while term:
+        term //= n * n
+        k += 2
+        total += -(term // k) if k % 4 == 3 else term // k
+    return total
+
+
+def limbs(value, count):
+    """The `count` limbs of an integer, least significant first."""
+    return [(value >> (64 * i)) & 0xFFFFFFFFFFFFFFFF for i in range(count)]
+
+
+def number(values):
+    """Six limbs as a brace list, three a line, without the outer indent."""
+    text = ["0x%016XU" % v for v in values]
+    return "{%s,\n     %s}" % (", ".join(text[:3]), ", ".join(text[3:]))
+
+
+def nearest(numerator, denominator):
+    return (2 * numerator + denominator) // (2 * denominator)
+
+
+def fractions(name, size, denominators):
+    """A table of 1/d in units of 2^-384 (d = 1, which does not fit, becomes 0)."""
+    print("\nconst uint64_t %s[%s][count] = {" % (name, size))
+    for d in denominators:
+        print("    %s," % number(limbs(nearest(1 << 384, d) if d > 1 else 0, 6)))
+    print("};")
+
+
+def extended(name, mantissa, exponent):
+    print("\nconst Extended %s = {\n    %s,\n    %d};" % (name, number(limbs(mantissa, 6)), exponent))
+
+
+pi = 16 * atan_inverse(5) - 4 * atan_inverse(239)
+two_over_pi = 2 * ONE * ONE // pi
+assert two_over_pi < ONE
+
+print("// SPDX-License-Identifier: MIT")
+print("//")
+print("// Tables of the trigonometric functions.  Written by scripts/make_trig_constants.py; change that, not this"
+      " file.")
+print("// clang-format off")
+print('#include "qtrigcore.h"')
+print("\nnamespace limb {")
+# pi/2 and pi/4 have the mantissa of pi.
+mantissa = nearest(pi, 1 << (BITS + 2 - 384))
+extended("halfPi", mantissa, 1)
+extended("quarterPi", mantissa, 0)
+extended("wholePi", mantissa, 2)
+fractions("inverseOdd", "inverseOddCount", [2 * k + 1 for k in range(ODD)])
+factorial, factorials = 1, []
+for n in range(FACTORIALS):
+    factorial *= max(n, 1)
+    factorials.append(factorial)
+fractions("inverseFactorial", "inverseFactorialCount", factorials)
+print("\n// The fraction of 2/pi, most significant limb first.")
+print("const uint64_t twoOverPi[twoOverPiLimbs] = {")
+table = limbs(two_over_pi >> 128, TWO_OVER_PI_LIMBS)
+for i in range(TWO_OVER_PI_LIMBS, 0, -4):
+    print("    " + ", ".join("0x%016XU" % v for v in table[i - 4:i][::-1]) + ",")
+print("};")
+print("\n} // namespace limb")
