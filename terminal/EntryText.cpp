@@ -63,3 +63,9 @@ std::string_view faultMessage(EntryFault fault) {
     }
     return "";
 }
+
+std::string asLine(std::string_view text) {
+    std::string line(text);
+    if (!line.empty() && line.back() != '\n') line += '\n';
+    return line;
+}

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// What may reach the engine as one entry.
+// What may reach the engine as one entry, and how its answers become lines.
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 // The longest entry, in bytes without its line end.
@@ -18,3 +19,6 @@ EntryFault checkEntry(std::string_view entry);
 
 // The message for a fault, one line with its line feed; empty for None.
 std::string_view faultMessage(EntryFault fault);
+
+// `text` with a line feed at its end, which some of the engine's messages lack; an empty text stays empty.
+std::string asLine(std::string_view text);

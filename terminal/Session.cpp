@@ -26,13 +26,6 @@ void setDefaults(ZqCalculator& calc) {
     calc.history.SetMaxEntries(30);
 }
 
-// `text` as a line: some messages come without their line feed.
-std::string asLine(std::string_view text) {
-    std::string line(text);
-    if (!line.empty() && line.back() != '\n') line += '\n';
-    return line;
-}
-
 // Whether `descriptor` is a terminal that understands escape sequences.
 bool canClear(int descriptor) {
     const char* const kind = std::getenv("TERM");

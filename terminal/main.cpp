@@ -83,8 +83,8 @@ int promptDescriptor(int answers) {
 }
 
 int evaluateLines(Session& session, int answers) {
-    // One byte more than an entry may have tells an overlong line apart, one more is for a CR.
-    static LineReader reader(STDIN_FILENO, kMaxEntryLength + 2);
+    // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
+    static LineReader reader(STDIN_FILENO, kMaxEntryLength + 1);
     const int prompts = promptDescriptor(answers);
     std::string line;
     for (;;) {

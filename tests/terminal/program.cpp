@@ -149,10 +149,6 @@ Result runProgram(const Invocation& invocation) {
     Pipe in;
     Pipe out;
     Pipe err;
-    if (invocation.nonBlockingPipes) {
-        setNonBlocking(in.readEnd);
-        setNonBlocking(out.writeEnd);
-    }
     if (invocation.abandonOutput) Pipe::shut(out.readEnd);
     const pid_t child = fork();
     if (child == 0) {
@@ -185,7 +181,8 @@ Result pipeThrough(const std::string& input) {
     return runProgram(invocation);
 }
 
-Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& outputFile) {
+Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& outputFile,
+                   const std::string& inputFile) {
     int slave = kNoDescriptor;
     if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
     fcntl(master_, F_SETFD, FD_CLOEXEC);
@@ -198,6 +195,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const std::string&
     if (child_ == 0) {
         login_tty(slave);
         if (!outputFile.empty()) dup2(openForWriting(outputFile), STDOUT_FILENO);
+        if (!inputFile.empty()) dup2(open(inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         becomeProgram(arguments);
     }
     close(slave);

@@ -11,15 +11,14 @@
 // How one run through pipes is set up.
 struct Invocation {
     std::vector<std::string> arguments;
-    std::string input;             // fed to standard input ...
-    std::size_t inputTimes = 1;    // ... this many times
-    std::string outputFile;        // standard output goes there instead of a pipe
-    bool closeInput = false;       // the program starts with descriptor 0 closed
-    bool closeOutput = false;      // the program starts with descriptor 1 closed
-    bool closeErrors = false;      // the program starts with descriptor 2 closed
-    bool joinErrors = false;       // descriptor 2 goes where descriptor 1 goes
-    bool abandonOutput = false;    // standard output is a pipe that nobody reads
-    bool nonBlockingPipes = false; // the program's ends of the pipes are set not to block
+    std::string input;          // fed to standard input ...
+    std::size_t inputTimes = 1; // ... this many times
+    std::string outputFile;     // standard output goes there instead of a pipe
+    bool closeInput = false;    // the program starts with descriptor 0 closed
+    bool closeOutput = false;   // the program starts with descriptor 1 closed
+    bool closeErrors = false;   // the program starts with descriptor 2 closed
+    bool joinErrors = false;    // descriptor 2 goes where descriptor 1 goes
+    bool abandonOutput = false; // standard output is a pipe that nobody reads
 };
 
 // What came of it. `status` is the exit status, -1 when the program was ended by a signal (a run that takes
@@ -43,8 +42,10 @@ Result pipeThrough(const std::string& input);
 // what is read is what the program wrote.
 class Terminal {
 public:
-    // Standard output goes to `outputFile` instead of the terminal unless that is empty.
-    explicit Terminal(const std::vector<std::string>& arguments, const std::string& outputFile = "");
+    // Standard output goes to `outputFile`, and standard input comes from `inputFile`, instead of the
+    // terminal unless the name is empty.
+    explicit Terminal(const std::vector<std::string>& arguments, const std::string& outputFile = "",
+                      const std::string& inputFile = "");
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;

@@ -50,6 +50,11 @@ TEST(EntryText, MalformedUtf8IsRefused) {
     for (const std::string& text : wrong) EXPECT_EQ(checkEntry(text), EntryFault::NotText) << text;
 }
 
+TEST(EntryText, ASequenceThatGoesOnBehindTheEntryIsRefused) {
+    EXPECT_EQ(checkEntry(std::string_view("\xC3\xB6", 1)), EntryFault::NotText);
+    EXPECT_EQ(checkEntry(std::string_view("\xE2\x82\xAC", 2)), EntryFault::NotText);
+}
+
 TEST(EntryText, ControlCharactersOtherThanTabAreRefused) {
     for (int code = 0; code < 0x20; ++code) {
         const std::string text = "1"s + static_cast<char>(code) + "2";
@@ -57,6 +62,13 @@ TEST(EntryText, ControlCharactersOtherThanTabAreRefused) {
     }
     EXPECT_EQ(checkEntry("1\x7F"), EntryFault::NotText);
     EXPECT_EQ(checkEntry("1+1\0+1"s), EntryFault::NotText);
+}
+
+TEST(EntryText, EveryLineShownEndsWithOneLineFeed) {
+    EXPECT_EQ(asLine("ans = 1\n"), "ans = 1\n");
+    EXPECT_EQ(asLine("** ERROR 12: missing conversion unit **"), "** ERROR 12: missing conversion unit **\n");
+    EXPECT_EQ(asLine("a\nb"), "a\nb\n");
+    EXPECT_EQ(asLine(""), "");
 }
 
 TEST(EntryText, EveryFaultHasItsMessage) {

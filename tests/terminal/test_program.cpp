@@ -203,17 +203,6 @@ TEST(StandardInput, ManyLinesAreAnsweredInOrder) {
     expectRun(pipeThrough(input), 0, expected, "");
 }
 
-TEST(StandardInput, PipesThatDoNotBlockAreWaitedFor) {
-    Invocation invocation;
-    invocation.input = "1+1\n";
-    invocation.inputTimes = 20000;
-    invocation.nonBlockingPipes = true;
-    const Result run = runProgram(invocation);
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out.size(), 20000U * 8); // "ans = 2\n"
-    EXPECT_EQ(run.err, "");
-}
-
 TEST(StandardInput, WhenItIsClosedTheRunFails) {
     Invocation invocation;
     invocation.closeInput = true;

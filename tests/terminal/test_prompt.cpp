@@ -3,6 +3,7 @@
 // The built program behind a pseudo-terminal.
 #include "program.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
 
 namespace {
@@ -55,6 +56,15 @@ TEST(Prompt, StaysOutOfAFileThatCollectsTheAnswers) {
     terminal.readUntil("\n");
     EXPECT_EQ(terminal.wait(), 0);
     EXPECT_EQ(file.content(), "ans = 42\n");
+}
+
+TEST(Prompt, IsNotShownForLinesOfAFile) {
+    const TemporaryFile file;
+    std::ofstream(file.path()) << "1+1\n2+2\n";
+    Terminal terminal({}, "", file.path());
+    EXPECT_EQ(terminal.readUntil("ans = 4\n"), "ans = 2\nans = 4\n");
+    EXPECT_EQ(terminal.wait(), 0);
+    EXPECT_EQ(terminal.readUntil("nothing more"), "");
 }
 
 TEST(Prompt, IsNotShownForEntriesGivenAsArguments) {

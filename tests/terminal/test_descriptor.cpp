@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "Descriptor.h"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <string>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+class DescriptorTest : public testing::Test {
+protected:
+    DescriptorTest() { EXPECT_EQ(pipe(ends_), 0); }
+    ~DescriptorTest() override {
+        closeEnd(0);
+        closeEnd(1);
+    }
+
+    void closeEnd(int i) {
+        if (ends_[i] >= 0) close(ends_[i]);
+        ends_[i] = -1;
+    }
+    void setNonBlocking(int i) const { fcntl(ends_[i], F_SETFL, O_NONBLOCK); }
+
+    // Everything up to the end, a little at a time and late, so that the pipe fills up.
+    std::string drainSlowly() const {
+        std::string all;
+        char block[40000];
+        for (;;) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            const ssize_t count = read(ends_[0], block, sizeof block);
+            if (count <= 0) return all;
+            all.append(block, static_cast<std::size_t>(count));
+        }
+    }
+
+    int ends_[2] = {-1, -1};
+};
+
+void ignoreSignal(int) {}
+
+std::string manyDigits() {
+    std::string digits;
+    for (int i = 0; i < 200000; ++i) digits += std::to_string(i);
+    return digits;
+}
+
+TEST_F(DescriptorTest, WritesEverythingIntoAPipeThatFillsUp) {
+    setNonBlocking(1);
+    const std::string text = manyDigits(); // a megabyte; a pipe takes 64 KiB
+    std::string read;
+    std::thread reader([&] { read = drainSlowly(); });
+    EXPECT_TRUE(writeAll(ends_[1], text));
+    closeEnd(1);
+    reader.join();
+    EXPECT_TRUE(read == text);
+}
+
+TEST_F(DescriptorTest, WaitsForInputThatIsNotThereYet) {
+    setNonBlocking(0);
+    std::thread writer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(write(ends_[1], "x", 1), 1);
+    });
+    char byte = 0;
+    EXPECT_EQ(readSome(ends_[0], &byte, 1), 1);
+    EXPECT_EQ(byte, 'x');
+    writer.join();
+}
+
+TEST_F(DescriptorTest, AnInterruptedReadGoesOn) {
+    struct sigaction action = {};
+    action.sa_handler = ignoreSignal; // without SA_RESTART: the read comes back with EINTR
+    sigaction(SIGUSR1, &action, nullptr);
+    const pthread_t reader = pthread_self();
+    std::thread writer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        pthread_kill(reader, SIGUSR1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(write(ends_[1], "x", 1), 1);
+    });
+    char byte = 0;
+    EXPECT_EQ(readSome(ends_[0], &byte, 1), 1);
+    writer.join();
+}
+
+TEST_F(DescriptorTest, TheEndOfInputReadsAsZeroBytes) {
+    closeEnd(1);
+    char byte = 0;
+    EXPECT_EQ(readSome(ends_[0], &byte, 1), 0);
+}
+
+TEST_F(DescriptorTest, FailuresAreReportedWithTheirReason) {
+    char byte = 0;
+    EXPECT_EQ(readSome(-1, &byte, 1), -1);
+    EXPECT_EQ(errno, EBADF);
+    EXPECT_FALSE(writeAll(-1, "x"));
+    EXPECT_EQ(errno, EBADF);
+}
+
+TEST_F(DescriptorTest, WritingNothingAlwaysWorks) {
+    EXPECT_TRUE(writeAll(-1, ""));
+}
+
+} // namespace
