@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "Helpers_String.h"
+#include "deq.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+node* named(const char* text, int32_t type = TERM_NAME) {
+    node* term = new node;
+    term->text = StrDuplicate(text);
+    term->type = type;
+    return term;
+}
+
+// The texts from first to last; checks the links in both directions and the count.
+std::string texts(const Deq& list) {
+    std::string out;
+    const node* before = nullptr;
+    int32_t count = 0;
+    for (const node* term = list.first; term; term = term->next) {
+        EXPECT_EQ(before, term->prev);
+        out += term->text ? term->text : "?";
+        before = term;
+        count++;
+    }
+    EXPECT_EQ(before, list.last);
+    EXPECT_EQ(count, list.count);
+    return out;
+}
+
+void fill(Deq& list, const char* letters) {
+    for (; *letters; letters++) list.Push(named(std::string(1, *letters).c_str()));
+}
+
+TEST(Deq, isEmptyAtFirst) {
+    Deq list;
+    EXPECT_EQ("", texts(list));
+    EXPECT_EQ(nullptr, list.first);
+}
+
+TEST(Deq, pushAppendsAndReturnsTheNode) {
+    Deq list;
+    node* a = named("a");
+    EXPECT_EQ(a, list.Push(a));
+    node* b = list.Push(StrDuplicate("b"));
+    EXPECT_EQ(b, list.last);
+    EXPECT_EQ(0, b->level);
+    EXPECT_EQ(nullptr, b->value);
+    EXPECT_EQ("ab", texts(list));
+}
+
+TEST(Deq, insertGoesBeforeThePosition) {
+    Deq list;
+    fill(list, "abc");
+    list.Insert(named("x"), 0);
+    EXPECT_EQ("xabc", texts(list));
+    list.Insert(StrDuplicate("y"), 2);
+    EXPECT_EQ("xaybc", texts(list));
+}
+
+TEST(Deq, insertOutsideTheListGoesBeforeTheLastNode) {
+    Deq list;
+    fill(list, "abc");
+    list.Insert(named("x"), -1);
+    EXPECT_EQ("abxc", texts(list));
+    list.Insert(named("y"), 4);
+    EXPECT_EQ("abxyc", texts(list));
+    list.Insert(named("z"), 99);
+    EXPECT_EQ("abxyzc", texts(list));
+}
+
+TEST(Deq, insertIntoAnEmptyList) {
+    for (int i : {-1, 0, 1}) {
+        Deq list;
+        list.Insert(named("a"), i);
+        EXPECT_EQ("a", texts(list));
+    }
+}
+
+TEST(Deq, insertBeforeANode) {
+    Deq list;
+    fill(list, "abc");
+    list.Insert(StrDuplicate("x"), list.first);
+    list.Insert(StrDuplicate("y"), list.last);
+    EXPECT_EQ("xabyc", texts(list));
+}
+
+TEST(Deq, getCountsFromZeroAndTakesLowIndexesAsTheFirst) {
+    Deq list;
+    fill(list, "abc");
+    EXPECT_STREQ("a", list.Get(0)->text);
+    EXPECT_STREQ("c", list.Get(2)->text);
+    EXPECT_STREQ("a", list.Get(-7)->text);
+    EXPECT_EQ(nullptr, list.Get(3));
+}
+
+TEST(Deq, getOnAnEmptyListComplainsOnStandardOutput) {
+    Deq list;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(nullptr, list.Get(0));
+    EXPECT_EQ("no parent!!!\n", testing::internal::GetCapturedStdout());
+}
+
+TEST(Deq, delReturnsTheNodeBefore) {
+    Deq list;
+    fill(list, "abcd");
+    EXPECT_EQ(list.first, list.Del(list.first->next));
+    EXPECT_EQ("acd", texts(list));
+    EXPECT_EQ(nullptr, list.Del(0));
+    EXPECT_EQ("cd", texts(list));
+    EXPECT_EQ(list.first, list.Del(1));
+    EXPECT_EQ(nullptr, list.Del(5));
+    EXPECT_EQ("c", texts(list));
+    EXPECT_EQ(nullptr, list.Del(list.last));
+    EXPECT_EQ("", texts(list));
+}
+
+TEST(Deq, clearDeletesEverything) {
+    Deq list;
+    fill(list, "abc");
+    list.Clear();
+    EXPECT_EQ("", texts(list));
+    list.Clear();
+    fill(list, "d");
+    EXPECT_EQ("d", texts(list));
+}
+
+TEST(Deq, copyToCopiesDeeplyButValuesOfNumbersOnly) {
+    Deq list, copy;
+    fill(copy, "z");
+    node* number = list.Push(named("0x2", TERM_NUMBER));
+    number->SetValue(qtwo);
+    number->level = 3;
+    list.Push(named("x"))->SetValue(qone);
+    list.Push(new node)->type = OP_ADD;
+    list.CopyTo(&copy);
+    list.Clear();
+    EXPECT_EQ("z0x2x?", texts(copy));
+    node* copied = copy.Get(1);
+    EXPECT_EQ(TERM_NUMBER, copied->type);
+    EXPECT_EQ(3, copied->level);
+    ASSERT_NE(nullptr, copied->value);
+    EXPECT_EQ(0, qcmp(qtwo, *copied->value));
+    EXPECT_EQ(nullptr, copy.Get(2)->value);
+    EXPECT_EQ(OP_ADD, copy.last->type);
+}
+
+TEST(Deq, copyToItselfDoublesTheList) {
+    Deq list;
+    fill(list, "ab");
+    list.CopyTo(&list);
+    EXPECT_EQ("abab", texts(list));
+}
+
+TEST(Deq, printsTextsAndIsBounded) {
+    Deq list;
+    fill(list, "ab");
+    list.Push(new node)->type = OP_ADD;
+    char out[10001];
+    memset(out, '!', sizeof out);
+    list.SPrint(out);
+    EXPECT_STREQ("ab", out);
+    list.Push(StrDuplicate(std::string(20000, 'c')));
+    list.SPrint(out);
+    EXPECT_EQ("ab" + std::string(9997, 'c'), std::string(out));
+    EXPECT_EQ('!', out[10000]);
+}
+
+TEST(Deq, countsOperators) {
+    Deq list;
+    for (int32_t type :
+         {+TERM_NAME, +TERM_FUNC, +TERM_DONE, +TERM_NUMBER, +OP_ADD, +OP_OPEN, +OP_CLOSE, +OP_COMMA}) {
+        list.Push(new node)->type = type;
+    }
+    EXPECT_EQ(5, list.CountNumberOfOperators());
+}
+
+TEST(Deq, behavesAsAPlainListUnderRandomOperations) {
+    const unsigned seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    Deq list;
+    std::vector<std::string> model;
+    for (int step = 0; step < 20000; step++) {
+        const int size = static_cast<int>(model.size());
+        const std::string text(1, static_cast<char>('a' + random() % 26));
+        const int i = static_cast<int>(random() % static_cast<unsigned>(size + 4)) - 2;
+        switch (random() % 4) {
+        case 0:
+            list.Push(named(text.c_str()));
+            model.push_back(text);
+            break;
+        case 1: {
+            list.Insert(named(text.c_str()), i);
+            const int at = size == 0 ? 0 : (i < 0 || i >= size ? size - 1 : i);
+            model.insert(model.begin() + at, text);
+            break;
+        }
+        default:
+            if (size == 0) break;
+            list.Del(i);
+            if (i < size) model.erase(model.begin() + std::max(i, 0));
+        }
+        std::string expected;
+        for (const std::string& item : model) expected += item;
+        ASSERT_EQ(expected, texts(list)) << "step " << step;
+    }
+}
+
+// The table, written out once more: text, code, precedence, needs left, needs right.
+const OpEntry expectedOps[] = {
+    {"&&", 26, 13, 1, 1}, {"||", 27, 14, 1, 1}, {">>", 13, 7, 1, 1},   {"<<", 14, 7, 1, 1},
+    {">=", 22, 8, 1, 1},  {"<=", 23, 8, 1, 1},  {"==", 24, 9, 1, 1},   {"!=", 25, 9, 1, 1},
+    {"!", 15, 3, 1, 0},   {"^", 12, 4, 1, 1},   {"*", 5, 5, 1, 1},     {"/", 6, 5, 1, 1},
+    {"%", 7, 5, 1, 1},    {"+", 3, 6, 0, 1},    {"-", 4, 6, 0, 1},     {">", 20, 8, 1, 1},
+    {"<", 21, 8, 1, 1},   {"&", 11, 10, 1, 1},  {"@", 9, 11, 1, 1},    {"|", 8, 12, 1, 1},
+    {"(", 18, 15, 0, 0},  {")", 19, 15, 0, 0},  {"\x11", 17, 7, 1, 1}, {"\x10", 16, 0, 0, 0},
+    {",", 2, 0, 0, 0},
+};
+
+TEST(Operators, tableHoldsEveryOperatorInOrder) {
+    size_t i = 0;
+    for (const OpEntry& expected : expectedOps) {
+        SCOPED_TRACE(expected.text);
+        EXPECT_STREQ(expected.text, ops[i].text);
+        EXPECT_EQ(expected.code, ops[i].code);
+        EXPECT_EQ(expected.precedence, ops[i].precedence);
+        EXPECT_EQ(expected.needsLeft, ops[i].needsLeft);
+        EXPECT_EQ(expected.needsRight, ops[i].needsRight);
+        i++;
+    }
+    EXPECT_EQ(0, ops[i].code);
+}
+
+TEST(Operators, getOpFindsTheEntryOfACode) {
+    for (const OpEntry& expected : expectedOps) EXPECT_STREQ(expected.text, getOp(expected.code).text);
+    for (int32_t code : {-1, 0, 1, 10, 28, 128, 129, 130, 131, 1 << 30})
+        EXPECT_EQ(0, getOp(code).code) << code;
+}
+
+TEST(Operators, isOpTakesTheFirstEntryThatBeginsTheText) {
+    EXPECT_EQ(OP_LOGICAL_AND, isOp("&&3"));
+    EXPECT_EQ(OP_AND, isOp("&3"));
+    EXPECT_EQ(OP_NOT_EQUAL, isOp("!=3"));
+    EXPECT_EQ(OP_FACTORIAL, isOp("!"));
+    EXPECT_EQ(OP_SHIFT_RIGHT, isOp(">>="));
+    EXPECT_EQ(OP_GREATER_EQUAL, isOp(">="));
+    EXPECT_EQ(OP_CONVERT, isOp("\x11mi"));
+    EXPECT_EQ(OP_UNIT_MARK, isOp("\x10"));
+    for (const char* text : {"", "=", "3+", "a", " +", "\xff"}) EXPECT_EQ(0, isOp(text)) << text;
+    for (const OpEntry& expected : expectedOps) EXPECT_EQ(expected.code, isOp(expected.text));
+}
+
+TEST(Operators, isOpOfATermType) {
+    for (const OpEntry& expected : expectedOps) EXPECT_TRUE(isOp(int32_t{expected.code}));
+    EXPECT_TRUE(isOp(TERM_DONE));
+    for (int32_t type : {+TERM_NAME, +TERM_FUNC, +TERM_NUMBER, 0, 1, 10, 28, -1})
+        EXPECT_FALSE(isOp(type)) << type;
+}
+
+} // namespace
