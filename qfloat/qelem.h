@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Private to qfloat/: square root, exponential and logarithm of Extended values, for the routines that round
-// once at the end.  The arguments are magnitudes; signs are passed and returned beside them.  An Extended with
-// an all-zero mantissa is zero, whatever its exponent.  Outputs may be inputs.  Nothing sets merror.
+// once at the end.  The arguments are magnitudes; signs are passed and returned beside them.  An Extended
+// with an all-zero mantissa is zero, whatever its exponent.  Outputs may be inputs.  Nothing sets merror.
 #ifndef TALLYQUILL_QELEM_H
 #define TALLYQUILL_QELEM_H
 
@@ -27,11 +27,13 @@ void sqrt(const Extended& x, Extended& y);
 void expFraction(const uint64_t* r, uint64_t* s);
 
 // Whether x is zero.
-inline bool isZero(const Extended& x) { return limb::isZero(x.limb); }
+inline bool isZero(const Extended& x) {
+    return limb::isZero(x.limb);
+}
 
 // q = x with the given sign word, rounded half up to 352 bits, where an exponent word of 0x10000 may still be
-// stored with its mantissa, as products and quotients may.  Above: the overflow value and merror = 3; below 1:
-// 0 without a code.
+// stored with its mantissa, as products and quotients may.  Above: the overflow value and merror = 3; below
+// 1: 0 without a code.
 void store(const Extended& x, uint32_t sign, uint32_t* q);
 
 } // namespace elem

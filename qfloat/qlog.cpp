@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+//
+// The natural logarithm.
+//
+// x = 2^e m with sqrt(1/2) <= m < sqrt(2), so that nothing cancels between e ln 2 and ln m.
+// Next to 1, ln m = 2 artanh((m - 1) / (m + 1)) directly, where every step keeps its relative accuracy.
+// Elsewhere a machine logarithm t is corrected: ln m = t + 2 artanh((m - e^t) / (m + e^t)), whose argument
+// is so small that the series has three or four terms.
+#include "qelem.h"
+#include "qfixed.h"
+#include "qfloat.h"
+#include "qregister.h"
+
+#include <cmath>
+
+using limb::count;
+
+namespace elem {
+
+namespace {
+
+const Extended one = {{0, 0, 0, 0, 0, limb::topBit}, 1};
+
+// The direct series is used for arguments of artanh below 2^directExponent: then 32 terms reach 2^-384.
+constexpr int directExponent = -6;
+constexpr int terms = 32;
+
+// 1 / (2n + 1) as fractions, cut, n = 1 .. terms.
+struct OddReciprocals {
+    uint64_t entry[terms + 1][count];
+
+    OddReciprocals() : entry{} {
+        for (int n = 1; n <= terms; ++n) {
+            uint64_t rest = 1;
+            for (int i = count - 1; i >= 0; --i) {
+                entry[n][i] = limb::divideWide(rest, 0, 2 * static_cast<uint64_t>(n) + 1, rest);
+            }
+        }
+    }
+};
+
+// y = 2 artanh(z) = 2 z (1 + w/3 + w^2/5 + ...) with w = z^2, for z < 2^directExponent.  Relative error
+// below 2^-378: that of the bracket's fixed-point sum, and three roundings.
+void doubleArtanh(const Extended& z, Extended& y) {
+    static const OddReciprocals reciprocal;
+    if (isZero(z)) {
+        y = z;
+        return;
+    }
+    Extended square;
+    limb::multiply(z, z, square);
+    const Fixed w = toFixed(square);
+    const int zeros = limb::leadingZeros(w.limb); // w < 2^-zeros
+    const int needed = 64 * count / zeros;
+    int n = needed < terms ? needed : terms;
+    uint64_t sum[count] = {};
+    for (; n >= 1; --n) {
+        limb::add(reciprocal.entry[n], sum);
+        limb::multiply(w.limb, sum, sum);
+    }
+    Fixed bracket;
+    limb::copy(sum, bracket.limb);
+    bracket.limb[count] = 1;
+    limb::multiply(z, toExtended(bracket), y);
+    ++y.exponent;
+}
+
+// z = |a - b| / (a + b); returns whether a < b.
+bool ratio(const Extended& a, const Extended& b, Extended& z) {
+    const bool less = limb::compare(a, b) < 0;
+    Extended difference, sum;
+    limb::subtract(less ? b : a, less ? a : b, difference);
+    if (isZero(difference)) {
+        z = difference;
+        return false;
+    }
+    limb::add(a, b, sum);
+    limb::divide(difference, sum, z);
+    return less;
+}
+
+// y = |ln m| for a positive double t near |ln m|.  The error is that of e^t, 2^-378, and |ln m| > 2^-5.
+void correctedLog(const Extended& m, bool below, double t, Extended& y) {
+    // Above 1 compare m with e^t; below 1 compare 1 with m e^t.
+    Fixed start = {};
+    start.limb[count - 1] = static_cast<uint64_t>(t * 9007199254740992.0) << 11; // t 2^53
+    Extended power;
+    exp(toExtended(start), false, power);
+    Extended correction;
+    bool less;
+    if (below) {
+        limb::multiply(m, power, power);
+        less = ratio(one, power, correction);
+    } else {
+        less = ratio(m, power, correction);
+    }
+    doubleArtanh(correction, correction);
+    Fixed f = toFixed(correction);
+    if (less) {
+        subtract(f, start);
+    } else {
+        add(f, start);
+    }
+    y = toExtended(start);
+}
+
+// y = |ln m| for sqrt(1/2) <= m < sqrt(2); returns whether m < 1.
+bool logOfMantissa(const Extended& m, Extended& y) {
+    Extended z;
+    const bool below = ratio(m, one, z);
+    if (z.exponent <= directExponent || isZero(z)) { // z < 2^directExponent
+        doubleArtanh(z, y);
+    } else {
+        const double approximate =
+            std::ldexp(static_cast<double>(m.limb[count - 1]), static_cast<int>(m.exponent) - 64);
+        correctedLog(m, below, std::fabs(std::log(approximate)), y);
+    }
+    return below;
+}
+
+} // namespace
+
+bool log(const Extended& x, Extended& y) {
+    constexpr uint64_t sqrtHalf = 0xB504F333F9DE6484; // the top limb of sqrt(1/2)
+    Extended m = x;
+    m.exponent = x.limb[count - 1] < sqrtHalf ? 1 : 0;
+    const int64_t e = x.exponent - m.exponent;
+    const bool below = logOfMantissa(m, m);
+    if (e == 0) {
+        y = m;
+        return below;
+    }
+    Fixed sum = timesLn2(static_cast<uint64_t>(e < 0 ? -e : e));
+    if (below == (e < 0)) {
+        add(toFixed(m), sum);
+    } else {
+        subtract(toFixed(m), sum);
+    }
+    y = toExtended(sum);
+    return e < 0;
+}
+
+} // namespace elem
+
+void qlog(const qfloat x, qfloat y) {
+    if (x[0] != 0) {
+        qclear(y);
+        merror = 1;
+        return;
+    }
+    elem::Extended value;
+    limb::load(x, value);
+    if (x[1] == 0 || elem::isZero(value)) {
+        qinfin(y);
+        y[0] = negativeSign;
+        merror = 2;
+        return;
+    }
+    const bool negative = elem::log(value, value);
+    if (elem::isZero(value)) {
+        qclear(y);
+    } else {
+        elem::store(value, negative ? negativeSign : 0, y);
+    }
+}
