@@ -4,7 +4,6 @@
 #include "Calculator.h"
 
 #include "Helpers_String.h"
-#include "Unavailable.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -74,10 +73,6 @@ std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) 
 
 void ZqCalculator::ShowResult() {
     char text[FORMAT_SIZE] = "";
-    if (!unavailable::isBaseAvailable(displayBase)) {
-        status = Fail("** ERROR: display base %i is not available **\n", {std::to_string(displayBase)});
-        return;
-    }
     FormatResult(displayBase, text, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0');
     // Thousands of grouped digits can outgrow the line. A cut number would be a wrong one, so it is shown
     // with an exponent instead.
@@ -120,14 +115,13 @@ int ZqCalculator::EvaluateTerms() {
 void ZqCalculator::StoreResult() {
     qfixintegers(result);
     if (!fullEntry) return;
-    if (!target->value) vars.Push(target);
+    if (newVariable) vars.Push(newVariable.release());
     target->SetValue(result);
 }
 
 void ZqCalculator::DiscardNewTarget() {
-    if (!target || target->value) return;
-    delete target;
-    target = nullptr;
+    if (newVariable) target = nullptr;
+    newVariable.reset();
 }
 
 // Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.

@@ -18,6 +18,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -167,6 +168,8 @@ public:
     int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
 
 private:
+    std::unique_ptr<node> newVariable; // the target while it is no variable yet
+
     std::vector<std::string> SplitStatements(const std::string& line) const;
     void ShowResult();
     int EvaluateTerms();

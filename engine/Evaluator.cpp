@@ -82,10 +82,6 @@ int ZqCalculator::Node2Num(const node* term, qfloat value) {
 node* ZqCalculator::ProcPair(node* op, int32_t code) {
     if (code == OP_UNIT_MARK) return op;
     if (code == OP_CONVERT) return ProcConversion(op);
-    if (!isOperatorAvailable(code)) {
-        Fail("** ERROR: operator '%s' is not available **\n", {getOp(code).text});
-        return nullptr;
-    }
     node* left = op->prev && !isOp(op->prev->type) ? op->prev : nullptr;
     node* right = code == OP_FACTORIAL ? nullptr : op->next;
     qfloat leftValue = {};
@@ -93,7 +89,7 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
     qfloat value = {};
     if (left && Node2Num(left, leftValue) != 0) return nullptr;
     if (code == OP_FACTORIAL) {
-        qfac(static_cast<const uint32_t*>(leftValue), value);
+        qfac(leftValue, value);
     } else {
         if (!right) {
             Fail("** ERROR 3: operator '%s' missing argument **\n", {getOp(code).text});
@@ -177,7 +173,7 @@ node* ZqCalculator::ProcConversion(node* arrow) {
         Fail("** ERROR 12: missing conversion unit **");
         return nullptr;
     }
-    if (!isOperatorAvailable(OP_CONVERT)) {
+    if (!areUnitsAvailable) {
         Fail("** ERROR: operator '%s' is not available **\n", {CVstr});
         return nullptr;
     }

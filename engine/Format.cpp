@@ -4,7 +4,6 @@
 #include "Calculator.h"
 
 #include "Helpers_String.h"
-#include "Unavailable.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -155,11 +154,10 @@ void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char sepa
 }
 
 int ZqCalculator::FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator) {
-    const uint32_t* const value = result;
     switch (base) {
-    case 16: qtohex(value, out, twoscomp); break;
-    case 10: qtoascii(value, out, sigfigs, scimode, separator); break;
-    case 2: qtobin(value, out, twoscomp); break;
+    case 16: qtohex(result, out, twoscomp); break;
+    case 10: qtoascii(result, out, sigfigs, scimode, separator); break;
+    case 2: qtobin(result, out, twoscomp); break;
     default: break;
     }
     return 0;

@@ -22,7 +22,7 @@ static std::string trimStatement(const char* statement) {
 int ZqCalculator::ProcessStr(const char* statement) {
     terms.Clear();
     if (!vars.first) InitializeVarsList();
-    // A new variable of an earlier statement is either stored or gone; the target is looked up again.
+    DiscardNewTarget();
     target = vars.first;
     if (strlen(statement) >= TEXT_SIZE) {
         return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
@@ -149,9 +149,10 @@ int ZqCalculator::ScanAssignment(std::string& text) {
     if (fullEntry) {
         target = VariableExists(name.c_str());
         if (!target) {
-            target = new node; // joins the variables when the evaluation works out
-            target->type = TERM_NAME;
-            target->text = StrDuplicate(name);
+            newVariable = std::make_unique<node>(); // joins the variables when the evaluation works out
+            newVariable->type = TERM_NAME;
+            newVariable->text = StrDuplicate(name);
+            target = newVariable.get();
         }
     }
     text.erase(0, equals + 1);
