@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+//
+// What the number type is tested against: exact values in MPFR and GMP, and random operands.
+#ifndef TALLYQUILL_TESTS_QFLOAT_ORACLE_H
+#define TALLYQUILL_TESTS_QFLOAT_ORACLE_H
+
+#include <array>
+#include <cstdint>
+#include <random>
+#include <string>
+
+#include <gmpxx.h>
+#include <gtest/gtest.h>
+
+// Functions instead of macros, so that Real converts.
+#define MPFR_USE_NO_MACRO
+#include <mpfr.h>
+
+namespace oracle {
+
+using Number = std::array<uint32_t, 14>;   // a stored number
+using Register = std::array<uint32_t, 15>; // a working register
+
+constexpr int64_t bias = 0x8000;
+constexpr int64_t overflowExponent = 0x10000;
+constexpr int mantissaBits = 352;
+constexpr uint32_t negativeSign = 0xFFFFFFFF;
+
+// How far a rounded result may be from the true value, in units of the last place: what is cut below the
+// guard word shifts the rounding boundary by much less than this excess over one half.
+constexpr double almostHalf = 0.5000001;
+
+// The seed of all random tests: the environment variable TALLYQUILL_TEST_SEED, else a fixed number.  It is
+// printed when the program starts and with every failure of a Seeded test.
+uint64_t seed();
+
+class Random {
+public:
+    explicit Random(uint64_t salt) : engine(seed() + salt) {}
+    uint64_t next() { return engine(); }
+    uint32_t word() { return static_cast<uint32_t>(engine() >> 32); }
+    int64_t between(int64_t low, int64_t high) {
+        return low + static_cast<int64_t>(engine() % (static_cast<uint64_t>(high - low) + 1));
+    }
+    bool chance(int percent) { return between(1, 100) <= percent; }
+
+private:
+    std::mt19937_64 engine;
+};
+
+// A test that draws random operands.  The salt is the test's name, so that each test draws its own numbers
+// in any order of execution.
+class Seeded : public ::testing::Test {
+protected:
+    Seeded();
+    Random random;
+
+private:
+    ::testing::ScopedTrace trace;
+};
+
+// An MPFR number.
+class Real {
+public:
+    explicit Real(mpfr_prec_t precision = 1000) { mpfr_init2(value, precision); }
+    explicit Real(const Number& q); // exactly the value of q; exponent 0 is zero
+    Real(const Real&) = delete;
+    Real& operator=(const Real&) = delete;
+    ~Real() { mpfr_clear(value); }
+    operator mpfr_ptr() { return value; }
+    operator mpfr_srcptr() const { return value; }
+
+private:
+    mpfr_t value;
+};
+
+// The integer of words first..last, most significant first, and back.
+mpz_class wordsToInteger(const uint32_t* words, int first, int last);
+void integerToWords(const mpz_class& z, uint32_t* words, int first, int last);
+
+// 2^n
+mpz_class power2(unsigned long n);
+
+// A value rounded to 352 bits, with an unbounded exponent (biased as stored).
+struct Rounded {
+    bool negative;
+    int64_t exponent;
+    mpz_class mantissa;
+};
+
+// Rounds half up on the magnitude; the value is not zero.
+Rounded roundHalfUp(const Real& value);
+// Rounds to the nearest, ties to even; the value is not zero.
+Rounded roundToEven(const Real& value);
+
+Number store(const Rounded& value);
+Number overflowValue(uint32_t sign);
+
+// The number that equals the value exactly (the test fails when there is none in range).
+Number exactly(const Real& value);
+
+// What multiply, divide and their like give for a rounded value: the overflow value and code 3 for an
+// exponent above 0x10000, zero without a code for one below 1.  `code` is left alone otherwise.
+Number withinRange(const Rounded& value, int& code);
+
+// |got - exact| in units of the last place of a 352-bit number of exact's size.
+double errorInUlps(const Number& got, const Real& exact);
+
+// Number from a text of the form [-]<hexadecimal integer>, scaled by 2^exponent; for hand-written cases.
+Number scaled(const std::string& hexInteger, int64_t exponent);
+// The number nearest to a decimal text (half up), by MPFR.
+Number decimal(const std::string& text);
+// The words as text, for failure messages.
+std::string show(const Number& q);
+std::string show(const Register& r);
+
+// Random operands: dense, sparse, one-word, short, long runs of equal bits, all ones; exponents around one,
+// anywhere, at the ends of the range; zeros; the overflow value; both signs.
+Number randomMantissa(Random& random);
+int64_t randomExponent(Random& random);
+Number randomOperand(Random& random);
+// A second operand: independent of a, of similar size, equal to a or its negative, or so close to it that
+// their difference is a few thousand units of the last place.
+Number randomPartner(Random& random, const Number& a);
+
+} // namespace oracle
+
+#endif
