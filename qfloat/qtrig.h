@@ -17,8 +17,8 @@
 // y = sin x.  |x| >= 2^333: y = 0 and merror = 3.
 void qsin(const qfloat x, qfloat y);
 
-// y = cos x.  y = 0 and merror = 3 where pi/2 - x, rounded, is 2^333 or more in magnitude: from 2^333 - 1 on
-// for negative x, from the next number above 2^333 on for positive x.
+// y = cos x.  y = 0 and merror = 3 where pi/2 - x, rounded, is 2^333 or more in magnitude: from about
+// 2^333 + pi/2 on for positive x, from -(2^333 - pi/2) down for negative x.
 void qcos(const qfloat x, qfloat y);
 
 // y = tan x, for any x: no limit and no code.  A pole gives a huge value (tan of qpi/2 is about 10^106).
@@ -33,7 +33,7 @@ void qasin(const qfloat x, qfloat y);
 // y = arccos x, 0 .. pi.  |x| > 1: y = 0 and merror = 1.
 void qacos(const qfloat x, qfloat y);
 
-// y = sinh x.  Overflow (|x| above about 22713.05): the overflow value with x's sign and merror = 3.
+// y = sinh x.  Overflow (|x| above about 22713.0468): the overflow value with x's sign and merror = 3.
 // An x with the smallest exponent, 1, counts as zero.
 void qsinh(const qfloat x, qfloat y);
 

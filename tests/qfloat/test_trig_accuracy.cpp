@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+//
+// The circular, inverse and hyperbolic functions against MPFR at 700 bits.
+#include "trig_arguments.h"
+
+using namespace oracle;
+using namespace trigtest;
+
+namespace {
+
+// Work is done with 32 bits beyond the mantissa: what it loses shifts the rounding boundary by less than a
+// millionth of a unit of the last place.
+constexpr double roundedOnce = 0.500001;
+constexpr int randomArguments = 50000;
+
+void exactValue(const Function& f, const Number& x, Real& y) {
+    f.exact(y, Real(x), MPFR_RNDN);
+}
+
+void expectAccurate(const Function& f, const Number& x) {
+    Real exact(700);
+    exactValue(f, x, exact);
+    const Number y = valueOf(f, x);
+    const bool right = merror == 0 && y[2] == 0 && errorInUlps(y, exact) <= roundedOnce &&
+                       (y[0] != 0) == (mpfr_sgn(mpfr_srcptr(exact)) < 0);
+    EXPECT_TRUE(right) << f.name << " of " << show(x) << "\n is " << show(y) << ", off by "
+                       << errorInUlps(y, exact) << " ulp, code " << merror;
+}
+
+void expectAllAccurate(const Function& f, const std::vector<Number>& list) {
+    for (const Number& x : list) expectAccurate(f, x);
+}
+
+class TrigAccuracy : public Seeded, public ::testing::WithParamInterface<Function> {};
+
+} // namespace
+
+TEST_P(TrigAccuracy, IsRoundedOnceForRandomArguments) {
+    for (int i = 0; i < randomArguments; ++i) expectAccurate(GetParam(), randomArgument(random, GetParam()));
+}
+
+TEST_P(TrigAccuracy, IsRoundedOnceWhereMethodsChangeAndAtTheEndsOfTheRange) {
+    const auto list = branchArguments(GetParam());
+    ASSERT_GT(list.size(), 1000U);
+    expectAllAccurate(GetParam(), list);
+}
+
+// A larger argument never has a result on the wrong side of its neighbour's.
+TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbours) {
+    const Function& f = GetParam();
+    for (int i = 0; i < 5000; ++i) {
+        const Number x = randomArgument(random, f);
+        Real next(x);
+        mpfr_nextabove(next);
+        mpfr_prec_round(next, mantissaBits, MPFR_RNDU);
+        const Number above = store(roundHalfUp(next));
+        if (above[1] != x[1]) continue;
+        Real low(1200), high(1200);
+        exactValue(f, x, low);
+        exactValue(f, above, high);
+        const int order = mpfr_cmp(low, high);
+        const int got = mpfr_cmp(Real(valueOf(f, x)), Real(valueOf(f, above)));
+        EXPECT_TRUE(got == 0 || got == order) << f.name << " of " << show(x) << " and its neighbour above";
+    }
+}
+
+TEST_P(TrigAccuracy, MayWriteOverItsArgument) {
+    const Function& f = GetParam();
+    for (int i = 0; i < 5000; ++i) {
+        const Number x = randomArgument(random, f);
+        Number inPlace = x;
+        f.ours(inPlace.data(), inPlace.data());
+        EXPECT_EQ(inPlace, valueOf(f, x)) << f.name << " of " << show(x);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Functions, TrigAccuracy, ::testing::ValuesIn(functions),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+class TrigSymmetry : public Seeded {};
+
+TEST_F(TrigSymmetry, OddAndEvenFunctionsAreSoToTheLastBit) {
+    for (const Function& f : functions) {
+        for (int i = 0; i < 5000 && f.symmetry != Symmetry::none; ++i) {
+            const Number x = randomArgument(random, f);
+            Number opposite = x;
+            opposite[0] = ~x[0];
+            Number expected = valueOf(f, x);
+            if (f.symmetry == Symmetry::odd) expected[0] = ~expected[0];
+            EXPECT_EQ(valueOf(f, opposite), expected) << f.name << " of " << show(x);
+        }
+    }
+}
+
+class TrigReduction : public Seeded {};
+
+TEST_F(TrigReduction, KeepsAllDigitsNearMultiplesOfHalfPi) {
+    for (const char* name : {"sin", "cos", "tan"}) {
+        const auto list = nearMultiples(random, find(name), 1000, 332);
+        ASSERT_GT(list.size(), 10000U);
+        expectAllAccurate(find(name), list);
+    }
+}
+
+TEST_F(TrigReduction, KeepsAllDigitsOfHugeTangents) {
+    expectAllAccurate(find("tan"), nearMultiples(random, find("tan"), 100, 32767));
+}
+
+// Up to 352 bits cancel here.
+TEST_F(TrigReduction, KeepsAllDigitsOfTheNumbersClosestToMultiplesOfHalfPi) {
+    for (const char* name : {"sin", "cos", "tan"}) {
+        const auto list = closestToMultiples(find(name), -352, 332 - mantissaBits, 1);
+        ASSERT_GT(list.size(), 300U);
+        expectAllAccurate(find(name), list);
+    }
+    const auto huge = closestToMultiples(find("tan"), 0, 32767 - mantissaBits, 331);
+    ASSERT_GT(huge.size(), 90U);
+    expectAllAccurate(find("tan"), huge);
+}

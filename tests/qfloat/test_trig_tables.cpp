@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// The tables of the trigonometric functions, each limb recomputed with MPFR and GMP.
+#include "oracle.h"
+#include "qtrigcore.h"
+
+using namespace oracle;
+
+namespace {
+
+std::string fromLimbs(const uint64_t* limbs) {
+    mpz_class z;
+    mpz_import(z.get_mpz_t(), limb::count, -1, sizeof *limbs, 0, 0, limbs);
+    return z.get_str(16);
+}
+
+// The nearest integer to 2^384 / d.
+std::string inverse(const mpz_class& d) {
+    return mpz_class((power2(385) / d + 1) / 2).get_str(16);
+}
+
+void expectPi(const limb::Extended& x, int64_t exponent) {
+    Real pi(384);
+    mpfr_const_pi(pi, MPFR_RNDN);
+    mpz_class mantissa;
+    mpfr_get_z_2exp(mantissa.get_mpz_t(), pi);
+    EXPECT_EQ(fromLimbs(x.limb), mantissa.get_str(16));
+    EXPECT_EQ(x.exponent, exponent);
+}
+
+} // namespace
+
+TEST(TrigTables, PiAndItsHalves) {
+    expectPi(limb::wholePi, 2);
+    expectPi(limb::halfPi, 1);
+    expectPi(limb::quarterPi, 0);
+}
+
+TEST(TrigTables, InverseFactorials) {
+    mpz_class factorial = 1;
+    for (unsigned n = 2; n < limb::inverseFactorialCount; ++n) {
+        factorial *= n;
+        EXPECT_EQ(fromLimbs(limb::inverseFactorial[n]), inverse(factorial)) << n;
+    }
+}
+
+TEST(TrigTables, InverseOddNumbers) {
+    for (unsigned k = 1; k < limb::inverseOddCount; ++k) {
+        EXPECT_EQ(fromLimbs(limb::inverseOdd[k]), inverse(2 * k + 1)) << k;
+    }
+}
+
+TEST(TrigTables, TwoOverPi) {
+    Real value(64 * limb::twoOverPiLimbs + 200);
+    mpfr_const_pi(value, MPFR_RNDN);
+    mpfr_ui_div(value, 2, value, MPFR_RNDN);
+    for (int i = 0; i < limb::twoOverPiLimbs; ++i) {
+        mpfr_mul_2ui(value, value, 64, MPFR_RNDN);
+        const unsigned long whole = mpfr_get_ui(value, MPFR_RNDD);
+        mpfr_sub_ui(value, value, whole, MPFR_RNDN);
+        ASSERT_EQ(limb::twoOverPi[i], whole) << i;
+    }
+}
