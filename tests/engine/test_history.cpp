@@ -235,7 +235,7 @@ TEST(History, behavesAsAPlainListUnderRandomOperations) {
     for (int step = 0; step < 100000; step++) {
         const int count = static_cast<int>(model.size());
         std::string text;
-        for (unsigned i = random() % 4; i > 0; i--) text += "ab;"[random() % 3];
+        for (auto i = random() % 4; i > 0; i--) text += "ab;"[random() % 3];
         const std::string prefix = prefixes[random() % 6];
         bool expected = false;
         switch (random() % 16) {
