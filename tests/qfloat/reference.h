@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+//
+// The elementary functions a second time, by the plain textbook algorithms over the public arithmetic:
+// Newton's square root, tanh's continued fraction for e^x, the artanh series for ln, squaring with a rounding
+// at every step.  They have the special values, codes and branch points that the library must have; their
+// accuracy is what the library must at least reach.
+#ifndef TALLYQUILL_TESTS_QFLOAT_REFERENCE_H
+#define TALLYQUILL_TESTS_QFLOAT_REFERENCE_H
+
+#include "oracle.h"
+
+#include "qfloat.h"
+
+namespace reference {
+
+void squareRoot(const qfloat x, qfloat y);
+void exponential(const qfloat x, qfloat y);
+void logarithm(const qfloat x, qfloat y);
+void power(const qfloat x, const qfloat y, qfloat z);
+void integerPower(const qfloat x, const qfloat y, qfloat z);
+void factorial(const qfloat x, qfloat y);
+
+} // namespace reference
+
+// What a routine leaves behind.
+struct Outcome {
+    oracle::Number value;
+    int code; // merror, cleared before the call
+};
+
+bool operator==(const Outcome& a, const Outcome& b);
+std::ostream& operator<<(std::ostream& out, const Outcome& o);
+
+using Unary = void (*)(const qfloat, qfloat);
+using Binary = void (*)(const qfloat, const qfloat, qfloat);
+
+// Calls the routine with a separate output, then with the output in the place of each input; the test fails
+// unless all agree.  The output arrays are full of other values; their sign word is 0.
+Outcome run(Unary routine, const oracle::Number& x);
+Outcome run(Binary routine, const oracle::Number& a, const oracle::Number& b);
+
+// The number q of a double, a decimal text's nearest number, and q moved by `units` of the last place.
+oracle::Number number(double d);
+oracle::Number neighbour(const oracle::Number& q, int units);
+oracle::Number negated(oracle::Number q);
+
+// A dense or patterned mantissa, value 0.m * 2^e with e in low .. high.
+oracle::Number randomWithin(oracle::Random& random, int64_t low, int64_t high, bool positive);
+
+#endif

@@ -1,0 +1,344 @@
+// SPDX-License-Identifier: MIT
+//
+// qsqrt, qexp and qlog: special values and codes, accuracy against MPFR, the plain algorithms beside them.
+#include "reference.h"
+
+using namespace oracle;
+
+namespace {
+
+constexpr int cases = 8000;
+constexpr int referenceCases = 1500;
+
+const Number zero{};
+const Number negativeZero = negated(zero);
+const Number one = number(1);
+const Number overflow = overflowValue(0);
+const Number minusOverflow = overflowValue(negativeSign);
+
+using Truth = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
+
+// A function with what it is measured against.
+struct Function {
+    Unary routine, plain;
+    Truth truth;
+};
+
+const Function squareRoot{qsqrt, reference::squareRoot, mpfr_sqrt};
+const Function exponential{qexp, reference::exponential, mpfr_exp};
+const Function logarithm{qlog, reference::logarithm, mpfr_log};
+
+void checkError(const Function& f, const Number& x) {
+    Real exact;
+    f.truth(exact, Real(x), MPFR_RNDN);
+    const Outcome got = run(f.routine, x);
+    EXPECT_EQ(got.code, 0) << show(x);
+    EXPECT_LE(errorInUlps(got.value, exact), almostHalf) << show(x);
+}
+
+// The plain algorithm's special results and codes; inside the range no larger error than the plain one.
+void checkAgainstPlain(const Function& f, const Number& x) {
+    const Outcome got = run(f.routine, x);
+    const Outcome plain = run(f.plain, x);
+    EXPECT_EQ(got.code, plain.code) << show(x);
+    if (got.value == plain.value) return;
+    ASSERT_TRUE(got.code == 0 && got.value[1] != 0 && plain.value[1] != 0)
+        << show(x) << "\n got   " << got << "\n plain " << plain;
+    Real exact;
+    f.truth(exact, Real(x), MPFR_RNDN);
+    EXPECT_LE(errorInUlps(got.value, exact), std::max(almostHalf, errorInUlps(plain.value, exact)))
+        << show(x);
+}
+
+Number call(Unary routine, const Number& x) {
+    return run(routine, x).value;
+}
+
+int compare(const Number& a, const Number& b) {
+    return qcmp(a.data(), b.data());
+}
+
+Number difference(const Number& a, const Number& b) {
+    Number d{};
+    qsub(b.data(), a.data(), d.data());
+    return d;
+}
+
+class SquareRoot : public Seeded {};
+class Exponential : public Seeded {};
+class Logarithm : public Seeded {};
+
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(SquareRoot, OfFourIsTwoAndOfTwoTheConstant) {
+    EXPECT_EQ(run(qsqrt, number(4)), (Outcome{number(2), 0}));
+    Number root;
+    qmov(qsqrt2, root.data());
+    EXPECT_EQ(run(qsqrt, number(2)), (Outcome{root, 0}));
+}
+
+TEST_F(SquareRoot, OfZeroIsZeroAndOfNegativeZeroNegativeZero) {
+    EXPECT_EQ(run(qsqrt, zero), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qsqrt, negativeZero), (Outcome{negativeZero, 0}));
+}
+
+TEST_F(SquareRoot, OfANegativeNumberIsZeroWithCodeOne) {
+    EXPECT_EQ(run(qsqrt, number(-4)), (Outcome{zero, 1}));
+    EXPECT_EQ(run(qsqrt, minusOverflow), (Outcome{zero, 1}));
+    EXPECT_EQ(run(qsqrt, negated(scaled("1", -32768))), (Outcome{zero, 1}));
+}
+
+TEST_F(SquareRoot, AtTheEndsOfTheRange) {
+    EXPECT_EQ(run(qsqrt, scaled("1", -32768)), (Outcome{scaled("1", -16384), 0}));
+    EXPECT_EQ(run(qsqrt, scaled("1", 32766)), (Outcome{scaled("1", 16383), 0}));
+    checkError(squareRoot, overflow);
+    checkError(squareRoot, neighbour(one, -1));
+    checkError(squareRoot, neighbour(number(0.25), -1));
+    checkError(squareRoot, neighbour(one, 1));
+}
+
+TEST_F(SquareRoot, OfAnExactSquareIsExact) {
+    for (int i = 0; i < cases; ++i) {
+        Number x = randomWithin(random, -16000, 16000, true);
+        std::fill(x.begin() + 8, x.end(), 0); // 160 bits
+        Number square{};
+        qmul(x.data(), x.data(), square.data());
+        ASSERT_EQ(run(qsqrt, square), (Outcome{x, 0}));
+    }
+}
+
+TEST_F(SquareRoot, IsRoundedToHalfAUnit) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        checkError(squareRoot, randomWithin(random, -32767, 32767, true));
+        checkError(squareRoot, randomWithin(random, -1, 2, true));
+    }
+}
+
+TEST_F(SquareRoot, AgreesWithThePlainAlgorithm) {
+    for (const Number& x :
+         {zero, negativeZero, one, number(-1), overflow, minusOverflow, number(4), number(2)}) {
+        checkAgainstPlain(squareRoot, x);
+    }
+    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
+        checkAgainstPlain(squareRoot, randomWithin(random, -32767, 32767, false));
+    }
+}
+
+TEST_F(SquareRoot, SquaresBackToItsArgument) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -30000, 30000, true);
+        const Number root = call(qsqrt, x);
+        Number square{};
+        qmul(root.data(), root.data(), square.data());
+        EXPECT_LE(errorInUlps(square, Real(x)), 2.6) << show(x);
+        if (x[1] > 0x8000 + 16000 || x[1] < 0x8000 - 16000) continue;
+        qmul(x.data(), x.data(), square.data());
+        EXPECT_LE(errorInUlps(call(qsqrt, square), Real(x)), 1.0) << show(x);
+    }
+}
+
+TEST_F(SquareRoot, NeverFallsFromOneNumberToTheNext) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -300, 300, true);
+        EXPECT_LE(compare(call(qsqrt, x), call(qsqrt, neighbour(x, 1))), 0) << show(x);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(Exponential, OfZeroIsExactlyOne) {
+    EXPECT_EQ(run(qexp, zero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qexp, negativeZero), (Outcome{one, 0}));
+}
+
+TEST_F(Exponential, OfATinyNumberIsOneOrItsNeighbour) {
+    EXPECT_EQ(run(qexp, scaled("1", -32768)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -32768)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qexp, scaled("1", -351)), (Outcome{neighbour(one, 1), 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbour(one, -1), 0}));
+}
+
+TEST_F(Exponential, From32768UpwardOverflowsWithCodeThree) {
+    for (const Number& x : {number(32768), number(40000), number(1e300), overflow}) {
+        EXPECT_EQ(run(qexp, x), (Outcome{overflow, 3})) << show(x);
+    }
+}
+
+TEST_F(Exponential, From32768UpwardKeepsTheSignWordOfTheOutput) {
+    Number y = number(-7);
+    qexp(number(32768).data(), y.data());
+    EXPECT_EQ(y, minusOverflow);
+    merror = 0;
+}
+
+TEST_F(Exponential, FromMinus32768DownwardIsZeroWithoutACode) {
+    for (const Number& x : {number(-32768), number(-40000), number(-1e300), minusOverflow}) {
+        EXPECT_EQ(run(qexp, x), (Outcome{zero, 0})) << show(x);
+    }
+}
+
+// e^22713 is below 2^32768 = e^22713.04..., e^22714 above; e^-22713.8 is above 2^-32769 = e^-22713.7....
+TEST_F(Exponential, BelowThatLimitTheResultsRangeDecides) {
+    EXPECT_EQ(run(qexp, number(22714)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qexp, number(32767)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qexp, number(-22714)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qexp, number(-32767)), (Outcome{zero, 0}));
+    checkError(exponential, number(22713));
+    checkError(exponential, number(-22713));
+    Number y = number(-7);
+    qexp(number(22714).data(), y.data());
+    EXPECT_EQ(y, overflow) << "here the sign is written";
+    merror = 0;
+}
+
+// An exponent word of 0x10000 is stored with its mantissa, as products store it.
+TEST_F(Exponential, StoresTheExponentWordAboveTheLargestFiniteOne) {
+    const Outcome got = run(qexp, decimal("22712.8"));
+    EXPECT_EQ(got.code, 0);
+    EXPECT_EQ(got.value[1], 0x10000U);
+    checkError(exponential, decimal("22712.8"));
+}
+
+TEST_F(Exponential, IsRoundedToHalfAUnit) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        checkError(exponential, randomWithin(random, -359, 0, false));
+        checkError(exponential, randomWithin(random, 1, 14, false));
+    }
+}
+
+// Where the reduced argument is next to 0 or to ln 2.
+TEST_F(Exponential, IsRoundedToHalfAUnitNextToMultiplesOfLn2) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number n = number(static_cast<double>(random.between(-65000, 65000)) / 2);
+        if (n[1] == 0) continue;
+        Number x{};
+        qmul(n.data(), qlog2, x.data());
+        if (x[1] > 0x8000 + 14) continue;
+        checkError(exponential, neighbour(x, static_cast<int>(random.between(-2, 2))));
+    }
+}
+
+TEST_F(Exponential, AgreesWithThePlainAlgorithm) {
+    for (const double d : {0.0, -0.0, 1.0, -1.0, 32767.0, 32768.0, -32767.0, -32768.0, 22712.0, 22713.0,
+                           22714.0, 1e9, -1e9, 1e-300, -1e-300, -22713.0, -22714.0}) {
+        checkAgainstPlain(exponential, number(d));
+    }
+    checkAgainstPlain(exponential, overflow);
+    checkAgainstPlain(exponential, minusOverflow);
+    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
+        checkAgainstPlain(exponential, randomWithin(random, -10, 16, false));
+        checkAgainstPlain(exponential, randomWithin(random, -400, 20, false));
+    }
+}
+
+TEST_F(Exponential, IsUndoneByTheLogarithm) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, 1, 14, false); // |x| >= 1
+        EXPECT_LE(errorInUlps(call(qlog, call(qexp, x)), Real(x)), 1.6) << show(x);
+    }
+}
+
+TEST_F(Exponential, NeverFallsFromOneNumberToTheNext) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -20, 14, true);
+        EXPECT_LE(compare(call(qexp, x), call(qexp, neighbour(x, 1))), 0) << show(x);
+        const Number below = negated(x);
+        EXPECT_GE(compare(call(qexp, below), call(qexp, neighbour(below, 1))), 0) << show(below);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(Logarithm, OfOneIsExactlyZero) {
+    EXPECT_EQ(run(qlog, one), (Outcome{zero, 0}));
+}
+
+TEST_F(Logarithm, OfTwoIsTheConstant) {
+    Number ln2;
+    qmov(qlog2, ln2.data());
+    EXPECT_EQ(run(qlog, number(2)), (Outcome{ln2, 0}));
+    EXPECT_EQ(run(qlog, number(0.5)), (Outcome{negated(ln2), 0}));
+}
+
+TEST_F(Logarithm, OfZeroIsMinusTheOverflowValueWithCodeTwo) {
+    EXPECT_EQ(run(qlog, zero), (Outcome{minusOverflow, 2}));
+}
+
+TEST_F(Logarithm, OfANegativeNumberIsZeroWithCodeOne) {
+    for (const Number& x : {number(-1), number(-0.5), minusOverflow, negativeZero}) {
+        EXPECT_EQ(run(qlog, x), (Outcome{zero, 1})) << show(x);
+    }
+}
+
+TEST_F(Logarithm, AtTheEndsOfTheRangeAndOfTheReduction) {
+    Number root;
+    qmov(qsqrt2, root.data());
+    for (int units = -2; units <= 2; ++units) {
+        checkError(logarithm, neighbour(root, units));
+        Number half = neighbour(root, units);
+        --half[1];
+        checkError(logarithm, half);
+    }
+    checkError(logarithm, overflow);
+    checkError(logarithm, scaled("1", -32768));
+    checkError(logarithm, neighbour(one, 1));
+    checkError(logarithm, neighbour(one, -1));
+}
+
+TEST_F(Logarithm, IsRoundedToHalfAUnit) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        checkError(logarithm, randomWithin(random, -32767, 32767, true));
+        const Number x = randomWithin(random, -1, 2, true);
+        if (x != one) checkError(logarithm, x);
+    }
+}
+
+TEST_F(Logarithm, IsRoundedToHalfAUnitNextToOne) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number d = randomWithin(random, random.chance(50) ? -352 : -8, -2, false);
+        Number x{};
+        qadd(d.data(), qone, x.data());
+        if (x != one) checkError(logarithm, x);
+    }
+}
+
+TEST_F(Logarithm, AgreesWithThePlainAlgorithm) {
+    for (const Number& x :
+         {zero, negativeZero, one, number(-1), number(2), number(0.5), overflow, minusOverflow}) {
+        checkAgainstPlain(logarithm, x);
+    }
+    for (int i = 0; i < referenceCases / 2 && !HasFailure(); ++i) {
+        checkAgainstPlain(logarithm, randomWithin(random, -32767, 32767, false));
+        const Number x = randomWithin(random, -1, 2, true);
+        // The plain algorithm takes the first 4095 numbers beside 1 for 1, by qsub's cancellation rule.
+        if (x == one || difference(x, one)[1] != 0) checkAgainstPlain(logarithm, x);
+    }
+}
+
+TEST_F(Logarithm, IsUndoneByTheExponential) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -1, 1, true); // |ln x| < 1: no error is magnified
+        EXPECT_LE(errorInUlps(call(qexp, call(qlog, x)), Real(x)), 1.6) << show(x);
+    }
+}
+
+TEST_F(Logarithm, NeverFallsFromOneNumberToTheNext) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -3, 3, true);
+        EXPECT_LE(compare(call(qlog, x), call(qlog, neighbour(x, 1))), 0) << show(x);
+    }
+}
+
+TEST_F(Logarithm, OfAProductIsTheSum) {
+    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, 2, 8000, true), y = randomWithin(random, 2, 8000, true);
+        Number product{};
+        qmul(x.data(), y.data(), product.data());
+        const Number rest = difference(difference(call(qlog, product), call(qlog, x)), call(qlog, y));
+        // Three roundings of numbers below 2^14, and the product's own.
+        EXPECT_TRUE(rest[1] == 0 || static_cast<int64_t>(rest[1]) - bias < 14 - mantissaBits + 3)
+            << show(rest);
+    }
+}
+
+} // namespace
