@@ -75,7 +75,7 @@ TEST_P(TrigAccuracy, MayWriteOverItsArgument) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Functions, TrigAccuracy, ::testing::ValuesIn(functions),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 class TrigSymmetry : public Seeded {};
 

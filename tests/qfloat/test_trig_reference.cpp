@@ -74,7 +74,7 @@ TEST_P(TrigReference, IsNeverFurtherFromTheTruth) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Functions, TrigReference, ::testing::ValuesIn(functions),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& test) { return std::string(test.param.name); });
 
 TEST(TrigReferenceSpecial, ZerosAreTheSame) {
     const Number plus{};
