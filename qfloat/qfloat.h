@@ -159,11 +159,12 @@ void qpow(const qfloat x, const qfloat y, qfloat z);
 //   |y| >= 2147483647: e^(y ln x), as in qpow.
 //   x = 0: 1 for n = 0, 0 for n > 0, the overflow value without a code for n < 0.
 // Otherwise x^|n| is formed first.  Above the range it is the overflow value and merror = 3, below it 0 (with
-// the sign of an odd power).  For n < 0 the result is the reciprocal of that: 2^-32768 (merror = 3) or
-// the overflow value (merror = 3).
+// the sign of an odd power).  For n < 0 the result is the reciprocal of that: just above 2^-32768
+// (merror = 3) or the overflow value (merror = 3).
 void qpowi(const qfloat x, const qfloat y, qfloat z);
 
-// y = n!, n the integer part of the double nearest to x.  Within 0.5000001 (measured 0.4997557, each n); exact up to 86!.
+// y = n!, n the integer part of the double nearest to x.  Within 0.5000001 (measured 0.4997557, each n);
+// exact up to 86!.
 // x negative (a negative zero too): the overflow value, merror = 1.  x above 1754: the overflow value,
 // merror = 3.
 void qfac(const qfloat x, qfloat y);

@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: MIT
+//
+// qpow and qpowi: special values and codes, accuracy against MPFR, the plain algorithms beside them.
+#include "reference.h"
+
+using namespace oracle;
+
+namespace {
+
+constexpr int cases = 5000;
+constexpr int referenceCases = 1000;
+constexpr double bound = 0.52; // as qfloat.h states
+
+const Number zero{};
+const Number negativeZero = negated(zero);
+const Number one = number(1);
+const Number two = number(2);
+const Number half = number(0.5);
+const Number overflow = overflowValue(0);
+const Number minusOverflow = overflowValue(negativeSign);
+
+Number third() {
+    Number q{};
+    qdiv(qthree, qone, q.data());
+    return q;
+}
+
+// ---------------------------------------------------------------------------------------------------------
+
+// 2 has its own way: exponent arithmetic for any n.
+TEST(IntegerPowerOfTwo, IsExact) {
+    EXPECT_EQ(run(qpowi, two, number(10)), (Outcome{number(1024), 0}));
+    EXPECT_EQ(run(qpowi, two, zero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpowi, two, number(-3)), (Outcome{number(0.125), 0}));
+    for (int n = -32768; n < 32767; n += 97) {
+        EXPECT_EQ(run(qpowi, two, number(n)), (Outcome{scaled("1", n), 0})) << n;
+    }
+}
+
+TEST(IntegerPowerOfTwo, AtTheEndsOfTheExponentWord) {
+    Number largest = one;
+    largest[1] = 0x10000; // stored with its mantissa, as products store it
+    EXPECT_EQ(run(qpowi, two, number(32767)), (Outcome{largest, 0}));
+    EXPECT_EQ(run(qpowi, two, number(32768)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, two, number(-32768)), (Outcome{scaled("1", -32768), 0}));
+    EXPECT_EQ(run(qpowi, two, number(-32769)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, two, number(1e30)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, two, number(-1e30)), (Outcome{zero, 0}));
+}
+
+TEST(IntegerPower, UsesTheIntegerPartOfTheExponent) {
+    EXPECT_EQ(run(qpowi, number(3), number(2.9)), (Outcome{number(9), 0}));
+    EXPECT_EQ(run(qpowi, number(4), number(-2.9)), (Outcome{number(0.0625), 0}));
+    EXPECT_EQ(run(qpowi, number(3), number(0.9)), (Outcome{one, 0}));
+}
+
+TEST(IntegerPower, OfZero) {
+    EXPECT_EQ(run(qpowi, zero, zero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpowi, zero, number(5)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, zero, number(-1)), (Outcome{overflow, 0})) << "without a code";
+    EXPECT_EQ(run(qpowi, negativeZero, number(3)), (Outcome{zero, 0}));
+}
+
+TEST(IntegerPower, WithExponentZeroIsOne) {
+    for (const Number& x : {one, number(-7.5), overflow, minusOverflow, scaled("1", -32768)}) {
+        EXPECT_EQ(run(qpowi, x, zero), (Outcome{one, 0})) << show(x);
+    }
+}
+
+TEST(IntegerPower, OfANegativeBaseHasTheSignOfOddExponents) {
+    EXPECT_EQ(run(qpowi, number(-2), number(3)), (Outcome{number(-8), 0}));
+    EXPECT_EQ(run(qpowi, number(-2), number(4)), (Outcome{number(16), 0}));
+    EXPECT_EQ(run(qpowi, number(-2), number(-3)), (Outcome{number(-0.125), 0}));
+    EXPECT_EQ(run(qpowi, number(-1), number(2147483645)), (Outcome{number(-1), 0}));
+    EXPECT_EQ(run(qpowi, number(-1), number(2147483646)), (Outcome{one, 0}));
+}
+
+TEST(IntegerPower, OverflowHasCodeThree) {
+    EXPECT_EQ(run(qpowi, number(10), number(9865)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, number(-10), number(9865)), (Outcome{minusOverflow, 3}));
+    EXPECT_EQ(run(qpowi, number(-10), number(9866)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, number(10), number(2000000000)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, overflow, two), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, overflow, one), (Outcome{overflow, 0})) << "nothing is multiplied";
+}
+
+TEST(IntegerPower, UnderflowIsZeroWithTheSignOfAnOddPowerAndNoCode) {
+    EXPECT_EQ(run(qpowi, number(0.1), number(9866)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(99999)), (Outcome{negativeZero, 0}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(99998)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, half, number(2000000000)), (Outcome{zero, 0}));
+}
+
+// x^|n| comes first: what underflows there has no reciprocal.
+TEST(IntegerPower, OfANegativeExponentWhosePowerUnderflowsOverflows) {
+    EXPECT_EQ(run(qpowi, half, number(-40000)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(-40001)), (Outcome{minusOverflow, 3}));
+    EXPECT_EQ(run(qpowi, half, number(-32769)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, half, number(-32768)), (Outcome{overflow, 3}))
+        << "0.5^32768 is stored, 2^32768 is not";
+}
+
+// What overflows there sets code 3.  The overflow value is 2^32768 (1 - 2^-352), its reciprocal 2^-32768 and
+// a little more than half a unit of the last place.
+TEST(IntegerPower, OfANegativeExponentWhosePowerOverflowsIsAlmostTheSmallestNumberWithCodeThree) {
+    const Number tiny = neighbour(scaled("1", -32768), 1);
+    EXPECT_EQ(run(qpowi, number(10), number(-10000)), (Outcome{tiny, 3}));
+    EXPECT_EQ(run(qpowi, number(-10), number(-10001)), (Outcome{negated(tiny), 3}));
+}
+
+TEST(IntegerPower, OfExactPowersIsExact) {
+    const Number three = number(3);
+    for (int n = 1; n <= 222; ++n) { // 3^222 has 352 bits
+        mpz_class z;
+        mpz_ui_pow_ui(z.get_mpz_t(), 3, static_cast<unsigned long>(n));
+        Real exact(400);
+        mpfr_set_z(exact, z.get_mpz_t(), MPFR_RNDN);
+        EXPECT_EQ(run(qpowi, three, number(n)), (Outcome{exactly(exact), 0})) << n;
+    }
+    EXPECT_EQ(run(qpowi, number(10), number(100)), (Outcome{decimal("1e100"), 0}));
+    EXPECT_EQ(run(qpowi, number(4), number(-16000)), (Outcome{scaled("1", -32000), 0}));
+}
+
+// From |n| = 2147483647 upward the integer part says nothing: e^(y ln x) takes over.
+TEST(IntegerPower, WithASaturatedExponentGoesThroughTheLogarithm) {
+    EXPECT_EQ(run(qpowi, number(-1), number(2147483647)), (Outcome{one, 1})) << "the logarithm fails as 0";
+    EXPECT_EQ(run(qpowi, one, number(1e30)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpowi, number(3), number(1e30)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, number(3), number(-1e30)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, zero, number(1e30)), (Outcome{zero, 3})) << "y ln 0 overflows behind code 2";
+    EXPECT_EQ(run(qpowi, zero, number(-1e30)), (Outcome{overflow, 3}));
+}
+
+// ---------------------------------------------------------------------------------------------------------
+
+TEST(Power, OfANegativeBaseAndAFractionFailsWithCodeOne) {
+    EXPECT_EQ(run(qpow, number(-8), third()).code, 1);
+    EXPECT_EQ(run(qpow, number(-8), third()).value, one) << "e^(y * 0)";
+    EXPECT_EQ(run(qpow, number(-2), half).code, 1);
+    EXPECT_EQ(run(qpow, minusOverflow, half).code, 1);
+}
+
+TEST(Power, OfAWholeExponentTakesTheIntegerPath) {
+    EXPECT_EQ(run(qpow, number(-2), number(3)), (Outcome{number(-8), 0}));
+    EXPECT_EQ(run(qpow, number(-1), number(415031)), (Outcome{number(-1), 0}));
+    EXPECT_EQ(run(qpow, zero, zero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpow, zero, number(-1)), (Outcome{overflow, 0}));
+    EXPECT_EQ(run(qpow, number(-7), negativeZero), (Outcome{one, 0}));
+}
+
+TEST(Power, OfAWholeExponentFrom415032TakesTheLogarithm) {
+    EXPECT_EQ(run(qpow, number(-1), number(415032)).code, 1);
+    EXPECT_EQ(run(qpow, number(-1), number(-415032)).code, 1);
+    EXPECT_EQ(run(qpow, number(-1), number(-415031)), (Outcome{number(-1), 0}));
+}
+
+TEST(Power, OfZeroAndAFractionGoesThroughTheLogarithmOfZero) {
+    EXPECT_EQ(run(qpow, zero, half), (Outcome{zero, 2}));
+    EXPECT_EQ(run(qpow, zero, number(1000000)), (Outcome{zero, 3})) << "the product overflows";
+    EXPECT_EQ(run(qpow, zero, number(-0.5)), (Outcome{overflow, 3}));
+    // A tiny exponent brings the overflow value back into range: ln 0 counts as -2^32768.
+    const Outcome tiny = run(qpow, zero, scaled("1", -32760));
+    EXPECT_EQ(tiny.code, 2);
+    Real exact;
+    mpfr_set_si(exact, -256, MPFR_RNDN);
+    mpfr_exp(exact, exact, MPFR_RNDN);
+    EXPECT_LE(errorInUlps(tiny.value, exact), 256.0); // e^-256 (1 + 256 * 2^-352)
+}
+
+TEST(Power, OverflowIsPositiveWithCodeThreeAndUnderflowZeroWithoutACode) {
+    EXPECT_EQ(run(qpow, number(10), number(9864.5)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpow, number(10), number(-9864.5)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpow, number(10), number(1e9)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpow, number(0.1), number(1e9)), (Outcome{zero, 0}));
+    Number z = number(-7);
+    qpow(number(10).data(), number(9864.5).data(), z.data());
+    EXPECT_EQ(z, overflow);
+    merror = 0;
+}
+
+// The product y ln x sets its own code, though e^-(huge) would not.
+TEST(Power, WithAnOverflowingProductHasCodeThreeAlsoWhereTheResultIsZero) {
+    EXPECT_EQ(run(qpow, number(10), overflow), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpow, number(10), minusOverflow), (Outcome{zero, 3}));
+    EXPECT_EQ(run(qpow, number(0.1), overflow), (Outcome{zero, 3}));
+    EXPECT_EQ(run(qpow, half, minusOverflow), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpow, number(0.75), overflow), (Outcome{zero, 0})) << "|ln 0.75| < 1/2: no overflow";
+}
+
+TEST(Power, OfOneIsOne) {
+    for (const Number& y : {half, number(-0.3), number(1e9), overflow, minusOverflow}) {
+        EXPECT_EQ(run(qpow, one, y), (Outcome{one, 0})) << show(y);
+    }
+}
+
+TEST(Power, OfExactRootsIsExact) {
+    EXPECT_EQ(run(qpow, number(4), half), (Outcome{two, 0}));
+    EXPECT_EQ(run(qpow, number(625), number(0.25)), (Outcome{number(5), 0}));
+    EXPECT_EQ(run(qpow, number(0.0625), number(-1.5)), (Outcome{number(64), 0}));
+    EXPECT_EQ(run(qpow, two, number(0.5)), (Outcome{run(qsqrt, two).value, 0}));
+}
+
+// ---------------------------------------------------------------------------------------------------------
+
+class RandomPower : public Seeded {
+protected:
+    // Within the range the error is bounded, and no larger than the plain algorithm's where that is asked
+    // for.
+    static void check(Binary routine, Binary plain, const Number& x, const Number& y) {
+        Real exact, exponent(y);
+        if (routine == qpowi && y[1] < 0x8000 + 31) mpfr_trunc(exponent, exponent);
+        mpfr_pow(exact, Real(x), exponent, MPFR_RNDN);
+        const Outcome got = run(routine, x, y);
+        if (plain != nullptr) {
+            const Outcome other = run(plain, x, y);
+            EXPECT_EQ(got.code, other.code) << show(x) << show(y);
+            if (got.value == other.value) return;
+        }
+        ASSERT_TRUE(got.code == 0 && mpfr_number_p(exact) != 0) << show(x) << show(y) << got;
+        const int64_t size = mpfr_get_exp(exact);
+        ASSERT_TRUE(size > -bias && size <= bias && got.value[1] != 0) << show(x) << show(y) << got;
+        EXPECT_LE(errorInUlps(got.value, exact), bound) << show(x) << show(y);
+    }
+
+    // y, and x such that x^y is about 2^bits.
+    void drawNear(double bits, const Number& y, Number& x) {
+        x = number(bits);
+        qmul(x.data(), qlog2, x.data());
+        qdiv(y.data(), x.data(), x.data());
+        qexp(x.data(), x.data());
+    }
+};
+
+TEST_F(RandomPower, FractionsAreWithinTheStatedError) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        check(qpow, nullptr, randomWithin(random, -20, 20, true), randomWithin(random, -20, 10, false));
+    }
+}
+
+TEST_F(RandomPower, UpToTheLimitsIsWithinTheStatedError) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Number y = randomWithin(random, -15, 280, false);
+        Number x;
+        drawNear(static_cast<double>(random.between(-32700, 32700)), y, x);
+        if (x[1] == 0 || x[1] > 0xFFFF) continue;
+        Real exact;
+        mpfr_pow(exact, Real(x), Real(y), MPFR_RNDN);
+        if (mpfr_get_exp(exact) < 1 - bias || mpfr_get_exp(exact) > bias) continue;
+        check(qpow, nullptr, x, y);
+    }
+}
+
+TEST_F(RandomPower, WholeExponentsAreWithinTheStatedError) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        check(qpowi, nullptr, randomWithin(random, -20, 20, false),
+              number(static_cast<double>(random.between(-1000, 1000))));
+        const int64_t n = random.between(1, 2147483646);
+        const Number y = number(static_cast<double>(random.chance(50) ? n : -(n >> 11) - 1));
+        Number x;
+        drawNear(static_cast<double>(random.between(-32000, 32000)), y, x);
+        check(qpowi, nullptr, x, y);
+    }
+}
+
+TEST_F(RandomPower, AgreesWithThePlainAlgorithms) {
+    const Number specials[] = {zero,
+                               one,
+                               two,
+                               half,
+                               third(),
+                               number(-1),
+                               number(-2),
+                               number(-0.5),
+                               number(3),
+                               number(10),
+                               number(1e9),
+                               number(-1e9),
+                               number(415032),
+                               number(-415031),
+                               number(-9.5),
+                               overflow,
+                               minusOverflow,
+                               scaled("1", -32768),
+                               number(40001),
+                               number(-40001),
+                               number(2147483647),
+                               number(-2147483648.0),
+                               number(1e30),
+                               negativeZero};
+    for (const Number& x : specials) {
+        for (const Number& y : specials) {
+            check(qpow, reference::power, x, y);
+            check(qpowi, reference::integerPower, x, y);
+        }
+    }
+    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
+        check(qpow, reference::power, randomWithin(random, -20, 20, false),
+              randomWithin(random, -20, 10, false));
+        check(qpow, reference::power, randomWithin(random, -2000, 2000, false),
+              randomWithin(random, -20, 40, false));
+        check(qpowi, reference::integerPower, randomWithin(random, -300, 300, false),
+              randomWithin(random, 0, 20, false));
+    }
+}
+
+TEST_F(RandomPower, IsUndoneByTheReciprocalExponent) {
+    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+        const Number x = randomWithin(random, -300, 300, true);
+        const Number n = number(static_cast<double>(random.between(2, 60)));
+        Number inverse{};
+        qdiv(n.data(), qone, inverse.data());
+        const Number root = run(qpow, x, inverse).value;
+        // Half a unit of 1/n in |ln x| <= 208, and half a unit of the root n times.
+        EXPECT_LE(errorInUlps(run(qpowi, root, n).value, Real(x)), 300.0) << show(x);
+    }
+}
+
+} // namespace
