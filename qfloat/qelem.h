@@ -19,7 +19,7 @@ void exp(const Extended& x, bool negative, Extended& y);
 // ln 1 is an all-zero mantissa.
 bool log(const Extended& x, Extended& y);
 
-// y = the square root of x.  Relative error below 2^-380.
+// y = the square root of x.  Relative error below 2^-379.
 void sqrt(const Extended& x, Extended& y);
 
 // s = e^r - 1 for 0 <= r < ln 2, both binary fractions of six limbs (value = limbs / 2^384).

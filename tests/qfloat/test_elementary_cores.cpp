@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+//
+// The extended-precision cores keep the errors that their header states: powers and the hyperbolic functions
+// rest on them.
+#include "qelem.h"
+#include "reference.h"
+
+#include <cmath>
+
+using namespace oracle;
+using limb::Extended;
+
+namespace {
+
+constexpr int cases = 4000;
+
+Extended randomExtended(Random& random, int64_t low, int64_t high) {
+    Extended x;
+    for (auto& limb : x.limb) limb = random.next();
+    x.limb[limb::count - 1] |= limb::topBit;
+    x.exponent = random.between(low, high);
+    return x;
+}
+
+void toReal(const Extended& x, Real& r) {
+    mpz_class z;
+    mpz_import(z.get_mpz_t(), limb::count, -1, sizeof(uint64_t), 0, 0, x.limb);
+    mpfr_set_z_2exp(r, z.get_mpz_t(), x.exponent - 64 * limb::count, MPFR_RNDN);
+}
+
+// The binary logarithm of |got / exact - 1|.
+double relativeError(const Extended& got, const Real& exact) {
+    Real value, difference;
+    toReal(got, value);
+    mpfr_sub(difference, value, exact, MPFR_RNDN);
+    if (mpfr_zero_p(difference)) return -1000;
+    mpfr_div(difference, difference, exact, MPFR_RNDN);
+    mpfr_abs(difference, difference, MPFR_RNDN);
+    mpfr_log2(difference, difference, MPFR_RNDN);
+    return mpfr_get_d(difference, MPFR_RNDN);
+}
+
+class ElementaryCores : public Seeded {};
+
+TEST_F(ElementaryCores, ExponentialIsWithin2ToMinus377) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Extended x = randomExtended(random, random.chance(50) ? -380 : -3, random.chance(50) ? 0 : 20);
+        for (const bool negative : {false, true}) {
+            Extended y;
+            elem::exp(x, negative, y);
+            Real exact;
+            toReal(x, exact);
+            if (negative) mpfr_neg(exact, exact, MPFR_RNDN);
+            mpfr_exp(exact, exact, MPFR_RNDN);
+            EXPECT_LE(relativeError(y, exact), -377) << x.exponent;
+        }
+    }
+}
+
+TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        const Extended x =
+            randomExtended(random, random.chance(50) ? -32768 : -1, random.chance(50) ? 1 : 32768);
+        Extended y;
+        const bool negative = elem::log(x, y);
+        Real exact;
+        toReal(x, exact);
+        mpfr_log(exact, exact, MPFR_RNDN);
+        EXPECT_EQ(negative, mpfr_sgn(exact) < 0);
+        mpfr_abs(exact, exact, MPFR_RNDN);
+        EXPECT_LE(relativeError(y, exact), -373) << x.exponent;
+    }
+}
+
+TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373NextToOne) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        Number d = randomWithin(random, random.chance(50) ? -340 : -8, -2, false), q{};
+        qadd(d.data(), qone, q.data());
+        if (q == number(1)) continue;
+        Extended x, y;
+        limb::load(q.data(), x);
+        const bool negative = elem::log(x, y);
+        Real exact;
+        mpfr_log(exact, Real(q), MPFR_RNDN);
+        EXPECT_EQ(negative, mpfr_sgn(exact) < 0);
+        mpfr_abs(exact, exact, MPFR_RNDN);
+        EXPECT_LE(relativeError(y, exact), -373) << show(q);
+    }
+}
+
+TEST_F(ElementaryCores, SquareRootIsWithin2ToMinus379) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        Extended x = randomExtended(random, -40000, 40000);
+        if (random.chance(10)) { // next to a power of two
+            for (auto& limb : x.limb) limb = random.chance(50) ? ~uint64_t{0} : 0;
+            x.limb[limb::count - 1] |= limb::topBit;
+        }
+        Extended y;
+        elem::sqrt(x, y);
+        Real exact;
+        toReal(x, exact);
+        mpfr_sqrt(exact, exact, MPFR_RNDN);
+        EXPECT_LE(relativeError(y, exact), -379) << x.exponent;
+        EXPECT_NE(y.limb[limb::count - 1] & limb::topBit, 0U);
+    }
+}
+
+// All fractions in [0, ln 2), their ends included: e^r - 1 must not wrap at 1.
+TEST_F(ElementaryCores, ExpFractionIsWithin64Units) {
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        Extended r = randomExtended(random, -1, 0);
+        Real value, ln2;
+        toReal(r, value);
+        mpfr_const_log2(ln2, MPFR_RNDN);
+        if (random.chance(10)) limb::load(qlog2, r); // the constant is rounded down
+        toReal(r, value);
+        if (mpfr_cmp(value, ln2) >= 0) continue;
+        uint64_t fraction[limb::count], s[limb::count];
+        limb::copy(r.limb, fraction);
+        limb::shiftDown(fraction, static_cast<int>(-r.exponent));
+        elem::expFraction(fraction, s);
+        const Extended got{{s[0], s[1], s[2], s[3], s[4], s[5]}, 0};
+        Real units;
+        toReal(got, units);
+        mpfr_expm1(value, value, MPFR_RNDN);
+        mpfr_sub(units, units, value, MPFR_RNDN);
+        mpfr_mul_2si(units, units, 384, MPFR_RNDN);
+        EXPECT_LE(std::fabs(mpfr_get_d(units, MPFR_RNDN)), 64.0);
+    }
+}
+
+} // namespace
