@@ -168,21 +168,35 @@ void qfloor(const qfloat x, qfloat y) {
     if (negative && cut != 0) qsub(qone, y, y);
 }
 
+namespace {
+
+// The distance of |x| from the integer below it, exactly: qsub would take the last 4095 units for zero.
+void fractionOf(const qfloat x, qfloat f) {
+    int64_t integer;
+    qifrac(x, &integer, f);
+    qabs(f);
+}
+
+} // namespace
+
 void qround(const qfloat x, qfloat y) {
-    qfloat f, d = {};
-    qfloor(x, f);
-    qsub(f, x, d);
-    if (qcmp(d, qhalf) >= 0) qadd(qone, f, f);
-    qmov(f, y);
+    qfloat floor, fraction;
+    fractionOf(x, fraction);
+    qfloor(x, floor);
+    // Below zero the floor lies 1 - fraction under x.
+    const int half = qcmp(fraction, qhalf);
+    const bool up = x[0] != 0 ? fraction[1] != 0 && half <= 0 : half >= 0;
+    if (up) qadd(qone, floor, floor);
+    qmov(floor, y);
 }
 
 void qfixintegers(qfloat x) {
-    qfloat r, t = {};
-    qround(x, r);
-    if (r[1] == 0) return;
-    qsub(x, r, t);
-    qabs(t);
-    if (qcmp(t, qsmall) < 0) qmov(r, x);
+    qfloat rounded, distance;
+    qround(x, rounded);
+    if (rounded[1] == 0) return;
+    fractionOf(x, distance);
+    if (qcmp(distance, qhalf) >= 0) qsub(distance, qone, distance);
+    if (qcmp(distance, qsmall) < 0) qmov(rounded, x);
 }
 
 void qldexp(const qfloat x, int64_t n, qfloat y) {

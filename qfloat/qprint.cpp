@@ -122,20 +122,27 @@ bool nearHalf(const uint64_t* rest, int digits) {
     return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
 }
 
-// Compares |q| with the midpoint "digits written so far, then 5".
+// Compares |q| with the midpoint "digits written so far, then 5", which is known within 2^-374 relative: what
+// is nearer is equal.
 int compareMidpoint(const qfloat q, const char* text, int digits, int k) {
-    char midpoint[3 + maxDigits + 16];
-    std::memcpy(midpoint, text, static_cast<size_t>(3 + digits));
-    midpoint[0] = ' ';
-    midpoint[3 + digits] = '5';
-    putExponent(k, midpoint + 4 + digits);
-    qfloat m, magnitude;
-    const int saved = merror;
-    asctoq(midpoint, m);
-    merror = saved;
-    qmov(q, magnitude);
-    qabs(magnitude);
-    return qcmp(magnitude, m);
+    Extended midpoint = {};
+    Extended value;
+    midpoint.limb[0] = static_cast<uint64_t>(text[1] - '0');
+    for (int i = 0; i < digits; ++i) {
+        limb::multiplyAdd(midpoint.limb, 10, static_cast<uint64_t>(text[3 + i] - '0'));
+    }
+    limb::multiplyAdd(midpoint.limb, 10, 5);
+    const int zeros = limb::leadingZeros(midpoint.limb);
+    limb::shiftUp(midpoint.limb, zeros);
+    midpoint.exponent = 64 * count - zeros;
+    limb::scaleTen(midpoint, k - digits - 1);
+    limb::load(q, value);
+    const int order = limb::compare(value, midpoint);
+    if (order == 0) return 0;
+    Extended distance;
+    limb::subtract(order > 0 ? value : midpoint, order > 0 ? midpoint : value, distance);
+    if (limb::isZero(distance.limb) || distance.exponent <= value.exponent - 373) return 0;
+    return order;
 }
 
 // Adds one unit to the last digit written; returns 1 when 9.99 became 10.00 (written 1.00).
@@ -171,7 +178,7 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     putFraction(y.limb, digits, buffer + 3);
 
     int order = compareHalf(y.limb);
-    if (!exact && digits + 2 <= maxDigits && nearHalf(y.limb, digits)) {
+    if (!exact && nearHalf(y.limb, digits)) {
         order = compareMidpoint(q, buffer, digits, k);
     }
     // A tie goes to the even digit; with no digit written, the point counts as even.

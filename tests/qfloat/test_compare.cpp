@@ -142,11 +142,13 @@ TEST(Sign, QnegComplementsTheSignWord) {
     EXPECT_EQ(a, decimal("3"));
 }
 
-TEST(Sign, QnegOfASignWordThatIsNotCanonicalComplementsItsBits) {
+TEST(Sign, QnegOfAnyNegativeSignWordGivesAPositiveNumber) {
     Number a = decimal("3");
     a[0] = 1;
     qneg(a.data());
-    EXPECT_EQ(a[0], 0xFFFFFFFE);
+    EXPECT_EQ(a[0], 0U);
+    qneg(a.data());
+    EXPECT_EQ(a[0], negativeSign);
 }
 
 TEST(Sign, AnyNonZeroSignWordCountsAsNegative) {
