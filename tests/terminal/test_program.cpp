@@ -47,7 +47,7 @@ TEST(Arguments, AFailedEntryGoesToStandardErrorAndTheNextOneIsAnswered) {
 }
 
 TEST(Arguments, BehindTwoDashesAnEntryMayBeginWithAMinus) {
-    expectRun(evaluate({"--", "-2*2", "--help"}), 1, "ans = -4\n", "** ERROR 8: invalid term = - **\n");
+    expectRun(evaluate({"--", "-2^2", "--help"}), 1, "ans = -4\n", "** ERROR 8: invalid term = - **\n");
 }
 
 TEST(Arguments, AnEmptyEntryIsAnsweredWithNothing) {
