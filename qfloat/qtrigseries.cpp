@@ -14,13 +14,12 @@ using namespace limb;
 
 namespace {
 
-// The number of terms after which the next, z^n / (2n)! and smaller, lies below 2^-388; z < 2^exponent.
+// The number n of terms after which the next, z^(n + 1) / (2n + 2)!, lies below 2^-388; z < 2^exponent.
+// The last row of the table suffices for z < 0.62, where that term is below 2^-400.
 int termCount(int64_t exponent) {
+    constexpr int most = (inverseFactorialCount - 3) / 2;
     int n = 1;
-    while (2 * n + 1 < inverseFactorialCount - 2 &&
-           -exponent * n + leadingZeros(inverseFactorial[2 * n]) <= 388) {
-        ++n;
-    }
+    while (n < most && -exponent * (n + 1) + leadingZeros(inverseFactorial[2 * n + 2]) <= 388) ++n;
     return n;
 }
 

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+//
+// The 384-bit steps under the trigonometric functions: each keeps the relative error that its header
+// promises.
+#include "oracle.h"
+#include "qtrigcore.h"
+
+using namespace oracle;
+using limb::Extended;
+
+namespace {
+
+constexpr int rounds = 10000;
+
+void toReal(const Extended& x, Real& value) {
+    mpz_class mantissa;
+    mpz_import(mantissa.get_mpz_t(), limb::count, -1, sizeof x.limb[0], 0, 0, x.limb);
+    mpfr_set_z_2exp(value, mantissa.get_mpz_t(), x.exponent - 384, MPFR_RNDN);
+}
+
+// |got - exact| <= exact * 2^-bits
+void expectWithin(int bits, const Extended& got, const Real& exact, const char* what) {
+    Real error(1000);
+    toReal(got, error);
+    EXPECT_NE(got.limb[limb::count - 1] & limb::topBit, 0U) << what << " is not normalised";
+    mpfr_sub(error, error, exact, MPFR_RNDN);
+    mpfr_div(error, error, exact, MPFR_RNDN);
+    EXPECT_LT(std::fabs(mpfr_get_d(error, MPFR_RNDA)), std::ldexp(1.0, -bits)) << what;
+}
+
+class TrigCore : public Seeded {
+protected:
+    // Dense mantissas, a third of them close to the upper end of their binade, where the series are longest.
+    Extended draw(int64_t exponent) {
+        Extended x{};
+        for (uint64_t& l : x.limb) l = random.next();
+        x.limb[limb::count - 1] |= random.chance(33) ? 0xFFF0000000000000 : limb::topBit;
+        x.exponent = exponent;
+        return x;
+    }
+
+    // Below 0.79.
+    Extended drawSmall() {
+        const bool near = random.chance(70);
+        for (;;) {
+            const Extended x = draw(near ? random.between(-12, 0) : random.between(-500, 0));
+            if (x.exponent < 0 || x.limb[limb::count - 1] < 0xC9FFFFFFFFFFFFFF) return x;
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(TrigCore, SineAndCosine) {
+    for (int i = 0; i < rounds; ++i) {
+        const Extended x = drawSmall();
+        Real value(384), exact(1500);
+        toReal(x, value);
+        Extended s, c, alone;
+        trig::sinCos(x, &s, &c);
+        mpfr_sin(exact, value, MPFR_RNDN);
+        expectWithin(379, s, exact, "sine");
+        mpfr_cos(exact, value, MPFR_RNDN);
+        expectWithin(379, c, exact, "cosine");
+        trig::sinCos(x, &alone, nullptr);
+        EXPECT_EQ(limb::compare(alone, s), 0);
+        trig::sinCos(x, nullptr, &alone);
+        EXPECT_EQ(limb::compare(alone, c), 0);
+    }
+}
+
+TEST_F(TrigCore, SineAndCosineOfShortArguments) {
+    for (int i = 0; i < rounds; ++i) {
+        const auto n = static_cast<uint64_t>(random.between(1, int64_t{1} << random.between(1, 31)));
+        const uint64_t longest = 0xC9FFFFFF; // 0.789
+        for (const uint64_t m : {n, longest - n}) {
+            if (m == 0 || m > longest) continue;
+            Real value(384), exact(1000);
+            mpfr_set_ui_2exp(value, m, -32, MPFR_RNDN);
+            Extended s, c;
+            trig::sinCosShort(m, s, c);
+            mpfr_sin(exact, value, MPFR_RNDN);
+            expectWithin(379, s, exact, "sine");
+            mpfr_cos(exact, value, MPFR_RNDN);
+            expectWithin(379, c, exact, "cosine");
+        }
+    }
+}
+
+TEST_F(TrigCore, HyperbolicSeries) {
+    for (int i = 0; i < rounds; ++i) {
+        const Extended x = drawSmall();
+        Real value(384), exact(1500);
+        toReal(x, value);
+        Extended s, c;
+        trig::sinhCoshSeries(x, s, c);
+        mpfr_sinh(exact, value, MPFR_RNDN);
+        expectWithin(379, s, exact, "hyperbolic sine");
+        mpfr_cosh(exact, value, MPFR_RNDN);
+        expectWithin(379, c, exact, "hyperbolic cosine");
+    }
+}
+
+TEST_F(TrigCore, Reduction) {
+    for (int i = 0; i < rounds; ++i) {
+        const Extended x = draw(i % 50 == 0 ? random.between(1000, 32768) : random.between(-3, 400));
+        Real value(384), turns(34000), exact(34000);
+        toReal(x, value);
+        const trig::Reduced r = trig::reduceAngle(x);
+        mpfr_const_pi(exact, MPFR_RNDN);
+        mpfr_div_2ui(exact, exact, 1, MPFR_RNDN);
+        mpfr_div(turns, value, exact, MPFR_RNDN);
+        mpfr_rint(turns, turns, MPFR_RNDN);
+        mpfr_mul(exact, exact, turns, MPFR_RNDN);
+        mpfr_sub(exact, value, exact, MPFR_RNDN);
+        EXPECT_EQ(r.negative, mpfr_sgn(mpfr_srcptr(exact)) < 0);
+        mpfr_abs(exact, exact, MPFR_RNDN);
+        expectWithin(379, r.magnitude, exact, "reduced angle");
+        mpfr_fmod_ui(turns, turns, 4, MPFR_RNDN);
+        EXPECT_EQ(r.quadrant, mpfr_get_ui(turns, MPFR_RNDN));
+    }
+}
+
+TEST_F(TrigCore, ArcTangent) {
+    for (int i = 0; i < rounds; ++i) {
+        const bool near = random.chance(70);
+        const int64_t reach = near ? 8 : 500;
+        const Extended n = draw(random.between(-reach, reach)), d = draw(random.between(-reach, reach));
+        Real over(384), under(384), exact(1500);
+        toReal(n, over);
+        toReal(d, under);
+        Extended y;
+        trig::arctangent(n, d, y);
+        mpfr_atan2(exact, over, under, MPFR_RNDN);
+        expectWithin(376, y, exact, "arc tangent");
+    }
+}
