@@ -31,6 +31,8 @@ namespace {
 // The exponent word from which on sine and cosine are refused: 2^333.
 constexpr uint32_t sineLimit = 33102;
 
+constexpr int64_t largestExponent = int64_t{overflowExponent} - exponentBias;
+
 void refuse(qfloat y) {
     qclear(y);
     mtherr("qsin", 3);
@@ -96,6 +98,8 @@ void qtan(const qfloat x, qfloat y) {
         storeZero(signWord(negative), y);
         return;
     }
+    // No number has a larger exponent; broken words must not reach beyond the table.
+    if (a.exponent > largestExponent) a.exponent = largestExponent;
     const Reduced r = reduceAngle(a);
     const bool odd = (r.quadrant & 1) != 0; // tan(r + pi/2) = -1 / tan r
     Extended s, c, t;

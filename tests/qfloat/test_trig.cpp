@@ -133,6 +133,20 @@ TEST(Trig, TangentHasNoLimit) {
     expectClose("tan", overflowValue(0), 0.500001); // a number like any other: 2^32768 (1 - 2^-352)
 }
 
+TEST(Trig, ExponentWordsBeyondTheFormatDoNoHarm) {
+    Number broken = overflowValue(0);
+    broken[1] = 0xFFFFFFFF;
+    expectResult("tan", broken, valueOf(find("tan"), overflowValue(0)));
+    expectResult("sin", broken, zero, 3);
+    expectResult("cos", broken, zero, 3);
+    expectResult("atan", broken, piOver(1));
+    expectResult("asin", broken, zero, 1);
+    expectResult("acos", broken, zero, 1);
+    expectResult("sinh", broken, overflowValue(0), 3);
+    expectResult("cosh", broken, overflowValue(0), 3);
+    expectResult("tanh", broken, number("1"));
+}
+
 TEST(Trig, TangentOfAPoleIsHuge) {
     const Number y = valueOf(find("tan"), piOver(1));
     EXPECT_EQ(merror, 0);
