@@ -134,11 +134,11 @@ void qdecexp(qfloat q, int64_t n);
 // Elementary functions.  Errors are in units of the last place of the true result, measured against 700 bits
 // (docs/accuracy.md).
 
-// y = the square root of x.  Within 0.5000001 (measured 0.4999991); exact squares give exact roots.
+// y = the square root of x.  Within 0.5000001 (measured 0.5000000); exact squares give exact roots.
 // A negative zero gives a negative zero; any other negative x: 0, merror = 1.
 void qsqrt(const qfloat x, qfloat y);
 
-// y = e^x.  Within 0.5000001 (measured 0.4999990).
+// y = e^x.  Within 0.5000001 (measured 0.5000000).
 // x >= 32768: the overflow value, y's sign word keeping what it held, merror = 3.  x <= -32768: 0, no code.
 // Results above the range: the overflow value, merror = 3; below it: 0, no code.
 void qexp(const qfloat x, qfloat y);
@@ -148,13 +148,14 @@ void qexp(const qfloat x, qfloat y);
 void qlog(const qfloat x, qfloat y);
 
 // z = x^y.  A whole y below 415032 in magnitude goes through qpowi, anything else is e^(y ln x).
-// Within 0.52 over the whole range (measured 0.50031).
+// Within 0.52 over the whole range (measured 0.5004).
 // Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0); x = 0: merror = 2 and 0
 // for y > 0, merror = 3 and the overflow value for y < 0.  y ln x above the range sets merror = 3 also where
 // the result is then 0.  An overflow value is positive.
 void qpow(const qfloat x, const qfloat y, qfloat z);
 
-// z = x^n, n the integer part of y.  Within 0.52 (measured 0.50001; 0.50031 through qpow); results of up to 352 bits are exact.
+// z = x^n, n the integer part of y.  Within 0.52 (measured 0.5001; 0.5004 through qpow); results of up to 352
+// bits are exact.
 //   x = 2: exact, whatever n; n > 32767: the overflow value, merror = 3; n < -32768: 0, no code.
 //   |y| >= 2147483647: e^(y ln x), as in qpow.
 //   x = 0: 1 for n = 0, 0 for n > 0, the overflow value without a code for n < 0.
@@ -169,9 +170,9 @@ void qpowi(const qfloat x, const qfloat y, qfloat z);
 // merror = 3.
 void qfac(const qfloat x, qfloat y);
 
-// c = b - k a for the integer k, towards zero, that leaves |c| < |a| (divisor first): exact for any exponents,
-// with b's sign; a zero remainder is a plain 0.  |b| < |a|: c = b.  The time grows with the difference of the
-// exponents (64 bits a step).  a = 0: 0, merror = 2.
+// c = b - k a for the integer k, towards zero, that leaves |c| < |a| (divisor first): exact for any
+// exponents, with b's sign; a zero remainder is a plain 0.  |b| < |a|: c = b.  The time grows with the
+// difference of the exponents (64 bits a step).  a = 0: 0, merror = 2.
 void qremain(const qfloat a, const qfloat b, qfloat c);
 
 // ---------------------------------------------------------------------------------------------------------
@@ -183,19 +184,20 @@ constexpr int radixTextSize = 10000;
 
 // Writes the integer part of x (towards zero) in hexadecimal: "0x00FF", "-0x0001", "0x000100000000".
 // Groups of eight digits, the first of four when it fits.  With `twos` a negative number above -2^31 is
-// shown as its 32-bit two's complement ("0xFFFFFFFF" for -1); others keep the minus sign.  An integer part of 0
-// is "0x0000", without a sign.
+// shown as its 32-bit two's complement ("0xFFFFFFFF" for -1); others keep the minus sign.  An integer part of
+// 0 is "0x0000", without a sign.
 void qtohex(const qfloat x, char* buffer, bool twos);
 
-// The same in binary, each group of four digits behind a blank: "0b 1111 1111"; an integer part of 0 is "0b0000".
-// With `twos` a negative number loses its minus sign also where no complement is taken (-2^31 and below).
+// The same in binary, each group of four digits behind a blank: "0b 1111 1111"; an integer part of 0 is
+// "0b0000". With `twos` a negative number loses its minus sign also where no complement is taken (-2^31 and
+// below).
 void qtobin(const qfloat x, char* buffer, bool twos);
 
 // c = a op b, op one of '&', '|', '^': the magnitudes' bits, fractions included, aligned at the point
-// (1.5 | 0.25 = 1.75).  The sign is that of the operand with the larger exponent, b's when they are equal.  Any
-// other op gives that operand.  Bits below the mantissa are rounded half up, or cut when the last qadd or qsub
-// took a difference of magnitudes.
-// Overflow by rounding: the overflow value, c's sign word keeping what it held, merror = 3.
+// (1.5 | 0.25 = 1.75).  The sign is that of the operand with the larger exponent, b's when they are equal.
+// Any other op gives that operand.  Bits below the mantissa are rounded half up, or cut when the last qadd or
+// qsub took a difference of magnitudes. Overflow by rounding: the overflow value, c's sign word keeping what
+// it held, merror = 3.
 void qlogic(const qfloat a, const qfloat b, qfloat c, char op);
 
 // ---------------------------------------------------------------------------------------------------------
