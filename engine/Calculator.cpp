@@ -3,6 +3,7 @@
 // One entry, statement by statement.
 #include "Calculator.h"
 
+#include "EntrySnapshot.h"
 #include "Helpers_String.h"
 
 #include <algorithm>
@@ -28,29 +29,45 @@ static void removeLineEnd(std::string& line) {
 int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     fullEntry = !quick;
     interrupted = false;
+    spentReductions = spentCopies = 0;
     std::string entry = line ? line : "";
     removeLineEnd(entry);
-    if (fullEntry) {
-        message[0] = resultLine[0] = echoText[0] = '\0';
-        if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) {
-            std::string copy = entry;
-            history.FilteredInsertNew(copy.data(), true);
-        }
-        if (entry.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
-            const char* newest = history.GetHistoryStr(1);
-            if (isRepeatable(newest)) entry = newest;
-        }
-        entryCount += 1;
-        history.HistLocReset();
+    if (fullEntry) BeginEntry(entry);
+    const std::vector<std::string> statements = SplitStatements(entry);
+    // A single statement that is interrupted has changed nothing yet.
+    if (fullEntry && interruptCheck && statements.size() > 1) {
+        const EntrySnapshot before(*this);
+        RunStatements(statements);
+        if (interrupted) before.Restore(*this);
+    } else {
+        RunStatements(statements);
     }
-    for (const std::string& statement : SplitStatements(entry)) {
+    if (fullEntry) lastValue = nullptr;
+    return status;
+}
+
+// Empties the texts, records the line, and replaces an empty one by the line that it repeats.
+void ZqCalculator::BeginEntry(std::string& entry) {
+    message[0] = resultLine[0] = echoText[0] = '\0';
+    if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) {
+        std::string copy = entry;
+        history.FilteredInsertNew(copy.data(), true);
+    }
+    if (entry.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
+        const char* newest = history.GetHistoryStr(1);
+        if (isRepeatable(newest)) entry = newest;
+    }
+    entryCount += 1;
+    history.HistLocReset();
+}
+
+void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
+    for (const std::string& statement : statements) {
         status = Calculate(statement.c_str());
         resultLine[0] = '\0';
         if (status == STATUS_RESULT) ShowResult();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
     }
-    if (fullEntry) lastValue = nullptr;
-    return status;
 }
 
 // The statements between the semicolons, without their comments. What stands behind the last semicolon is no
@@ -71,15 +88,21 @@ std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) 
     return statements;
 }
 
-void ZqCalculator::ShowResult() {
+// The result as it is shown behind a name of so many characters.
+std::string ZqCalculator::ResultText(size_t nameLength) {
     char text[FORMAT_SIZE] = "";
     FormatResult(displayBase, text, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0');
     // Thousands of grouped digits can outgrow the line. A cut number would be a wrong one, so it is shown
     // with an exponent instead.
-    if (strlen(target->text) + strlen(" = \n") + strlen(text) >= sizeof resultLine) {
+    if (nameLength + strlen(" = \n") + strlen(text) >= sizeof resultLine) {
         FormatResult(displayBase, text, sigFigs, SCI_ALWAYS, twosComp, '\0');
     }
     ProcessStringEuropean(text);
+    return text;
+}
+
+void ZqCalculator::ShowResult() {
+    const std::string text = ResultText(strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
     lastValue = target->value;
     lastName = target->text;
@@ -88,6 +111,7 @@ void ZqCalculator::ShowResult() {
 
 int ZqCalculator::Calculate(const char* statement) {
     work = WorkCounters();
+    longTexts = 0;
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {

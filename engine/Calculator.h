@@ -47,6 +47,7 @@ struct WorkCounters {
     uint64_t checked = 0; // terms visited by VerifyTermsSyntax
     uint64_t ordered = 0; // terms visited by OrderOperatorStack
     uint64_t reduced = 0; // operators applied by ProcTermsLoop
+    uint64_t copied = 0;  // terms copied by expanding the calls of functions
 };
 
 class ZqCalculator {
@@ -85,7 +86,9 @@ public:
     bool initialized = false; // InitializeFunctionsAndVars has run
     bool interrupted = false; // the last entry was stopped by interruptCheck
 
-    // Asked every few hundred reductions of a full entry; true stops it with "** ERROR: interrupted **\n".
+    // Asked every few hundred reductions of a full entry, a few milliseconds apart at most. True stops the entry
+    // with "** ERROR: interrupted **\n"; variables, functions, units and settings are then as they were before it,
+    // also those that earlier statements of the line had changed. The history keeps the line.
     bool (*interruptCheck)() = nullptr;
 
     WorkCounters work;
@@ -99,7 +102,8 @@ public:
     void InitializeFunctionsAndVars();
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
-    // statement that ran, also left in `status`.
+    // statement that ran, also left in `status`. A preview that takes more than 20,000 reductions or 200,000 copied
+    // terms is given up: status -1.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
@@ -135,7 +139,8 @@ public:
     // message.
     int ProcTermsLoop();
 
-    // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term.
+    // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term. Sets
+    // `reorder` when the call of a user function was replaced by its body: the body's operators come next.
     // Returns the number of pairs removed, or -1 with a message.
     int ProcParenth(node* open);
 
@@ -145,19 +150,28 @@ public:
     // The value of a variable or number term. Returns 0, or -1 with a message.
     int Node2Num(const node* term, qfloat value);
 
-    // --- Names and functions (Functions.cpp, Builtins.cpp) ---
+    // --- Names and functions (Builtins.cpp, UserFunctions.cpp, Variables.cpp) ---
 
-    // Evaluates the call of a function. Returns the term to go on from, or null with a message.
+    // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its body.
+    // A call whose arguments are not all single terms is left as it is. Returns the term to go on from, or null
+    // with a message. Angles are in degrees or radians by `degreeMode`.
     node* ProcFunction(node* functionTerm);
 
-    // Defines a function from "name(args)=expression". Returns 1, or -1 with a message.
+    // Defines a function from "name(args)=expression", white space allowed. Returns 1 and the definition in
+    // `message`, or -1 with an error. A name has fewer than 50 characters.
     int DefineFunction(const char* text);
 
     // Whether the text is a letter followed by letters, digits and '_'.
     bool IsValidVariable(const char* text) const;
 
+    // Whether each piece between the commas is a valid name; the first that is not goes into `message`.
+    bool IsValidArgList(const char* text);
+
     // The variable with exactly this name, or null.
     node* VariableExists(const char* name) const;
+
+    // The definition of the user's unit with exactly this name, a term of `unitDefs`, or null.
+    node* UnitExists(const char* name) const;
 
     // Empties the variables down to "ans" = 0 and "pi".
     void InitializeVarsList();
@@ -168,30 +182,77 @@ public:
     int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
 
 private:
-    std::unique_ptr<node> newVariable; // the target while it is no variable yet
+    friend struct Commands;
+    friend class EntrySnapshot;
 
+    // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
+    struct Call;
+
+    std::unique_ptr<node> newVariable; // the target while it is no variable yet
+    std::string nameInDefinition;      // the function whose body is being read
+    std::vector<node*> expanded;       // operators of expanded calls still to be applied, the next one last
+    bool gospelShown = false;          // the next "gospel" opens the page
+
+    // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
+    // long texts copied by the statement.
+    uint64_t spentReductions = 0;
+    uint64_t spentCopies = 0;
+    uint64_t unchecked = 0;
+    size_t longTexts = 0;
+
+    void BeginEntry(std::string& entry);
+    void RunStatements(const std::vector<std::string>& statements);
     std::vector<std::string> SplitStatements(const std::string& line) const;
+    std::string ResultText(size_t nameLength);
     void ShowResult();
     int EvaluateTerms();
     void StoreResult();
     void DiscardNewTarget();
     void ReportPrintedInfinity();
 
+    // Runs a command word. Returns NO_COMMAND when the statement is none, else the command's status.
+    static constexpr int NO_COMMAND = 0;
+    int RunCommand(const std::string& statement);
+
     int ScanStatement(std::string text);
+    int ScanExpression(std::string text);
+    int ScanBody(std::string text);
     int ScanAssignment(std::string& text);
     int ScanTerms(const std::string& text);
     void AppendOperand(std::string_view text, bool beforeParenthesis);
+    bool IsFunctionName(const char* name) const;
 
     int CheckVariableNames();
     int CheckDepths();
     int CheckOperands();
     void RaiseUnaryMinus();
+    std::vector<node*> OrderOperators(node* first, const node* end, int32_t lowest);
 
+    node* NextOperator(node**& next);
     node* ProcConversion(node* arrow);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
     int ApplyFactorial(const qfloat left, qfloat value);
     int ApplyBinary(int32_t code, const qfloat left, const qfloat right, qfloat value);
-    bool Interrupt();
+
+    // Count work. They return -1 with a message when the evaluation has to stop: a preview at its limit, an entry
+    // that is interrupted.
+    int Spend(uint64_t reductions, uint64_t copies);
+    int CheckInterrupt(uint64_t units);
+
+    int CallArgument(const Call& call, qfloat value);
+    int CallPredefined(const char* name, const qfloat x, qfloat value);
+    int CallLogarithm(const char* name, const qfloat x, qfloat value);
+    int RoundCircular(const char* name, qfloat value);
+    node* FinishPredefined(const Call& call, const qfloat value);
+    int CheckCall(const Call& call, const Function* function);
+    int CopyBody(const Call& call, const Function* function);
+    node* ExpandFunction(const Call& call);
+    void ShowDefinition(const Function& function);
+    int AddDefinition(const std::string& name, std::string parameters, const std::string& body);
+
+    node* AddVariable(const char* name, const qfloat value);
+    void ForgetVariables();
+    void DeleteVariable(node* variable);
 };
 
 // Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
@@ -205,5 +266,8 @@ int findDecString(std::string_view text, std::string_view& rest);
 // Reports the pending error of the number library: 0 when there is none; else clears it, returns its code and
 // writes "** ERROR: 'name' text **\n" into `out` (TEXT_SIZE bytes, may be null), without the name when null.
 int checkMathError(const char* name, char* out);
+
+// n! as a double: n * (n - 1) * ... * 1 from n downwards, 1 when n is below 1.
+double factorial(int n);
 
 #endif

@@ -9,7 +9,14 @@
 #include <cstdio>
 #include <cstring>
 
-constexpr uint64_t REDUCTIONS_BETWEEN_CHECKS = 256;
+// A check for an interruption comes after so many units of work: an operator or a copied term is one, a call of a
+// function FUNCTION_WORK. The dearest unit takes about 10 microseconds.
+constexpr uint64_t WORK_BETWEEN_CHECKS = 256;
+constexpr uint64_t FUNCTION_WORK = 4;
+
+// A live preview is evaluated at every key press and gives up after so much.
+constexpr uint64_t PREVIEW_REDUCTIONS = 20000;
+constexpr uint64_t PREVIEW_COPIES = 200000;
 
 static bool isZero(const qfloat number) {
     return number[1] == 0;
@@ -19,17 +26,40 @@ static void setTruth(bool truth, qfloat value) {
     qmov(truth ? qone : qzero, value);
 }
 
-bool ZqCalculator::Interrupt() {
-    if (++work.reduced % REDUCTIONS_BETWEEN_CHECKS != 0 || !fullEntry || !interruptCheck) return false;
-    interrupted = interruptCheck();
-    return interrupted;
+int ZqCalculator::Spend(uint64_t reductions, uint64_t copies) {
+    work.reduced += reductions;
+    work.copied += copies;
+    spentReductions += reductions;
+    spentCopies += copies;
+    if (!fullEntry) {
+        if (spentReductions <= PREVIEW_REDUCTIONS && spentCopies <= PREVIEW_COPIES) return 0;
+        return Fail("** ERROR: too much work for a preview **\n");
+    }
+    return CheckInterrupt(reductions + copies);
+}
+
+int ZqCalculator::CheckInterrupt(uint64_t units) {
+    unchecked += units;
+    if (unchecked < WORK_BETWEEN_CHECKS) return 0;
+    unchecked = 0;
+    interrupted = fullEntry && interruptCheck && interruptCheck();
+    return interrupted ? Fail("** ERROR: interrupted **\n") : 0;
+}
+
+// The next operator: first those of the calls that were expanded, the latest call first.
+node* ZqCalculator::NextOperator(node**& next) {
+    if (expanded.empty()) return *next ? *next++ : nullptr;
+    node* op = expanded.back();
+    expanded.pop_back();
+    return op;
 }
 
 int ZqCalculator::ProcTermsLoop() {
     qclear(result);
-    for (node** next = opOrder; *next; next++) {
-        node* op = *next;
-        if (Interrupt()) return Fail("** ERROR: interrupted **\n");
+    expanded.clear();
+    node** next = opOrder;
+    while (node* op = NextOperator(next)) {
+        if (Spend(1, 0) != 0) return STATUS_ERROR;
         if (op->type == OP_OPEN) {
             reorder = 0;
             if (ProcParenth(op) < 0) return STATUS_ERROR;
@@ -48,6 +78,7 @@ int ZqCalculator::ProcParenth(node* open) {
     node* from = open;
     node* before = open->prev;
     if (before && before->type == TERM_FUNC) {
+        if (CheckInterrupt(FUNCTION_WORK) != 0) return -1;
         from = ProcFunction(before);
         if (!from) return -1;
     } else if (before && before->type == TERM_NAME) {
@@ -55,6 +86,8 @@ int ZqCalculator::ProcParenth(node* open) {
     }
     node* enclosed = from->next;
     if (!enclosed || !enclosed->next || enclosed->next->type != OP_CLOSE) return 0;
+    // A body of one term needs no second visit of its parenthesis.
+    if (enclosed->prev == open && !expanded.empty() && expanded.back() == open) expanded.pop_back();
     terms.Del(enclosed->next);
     terms.Del(enclosed->prev);
     enclosed->level--;
@@ -171,10 +204,6 @@ node* ZqCalculator::ProcConversion(node* arrow) {
     node* destination = arrow->next;
     if (!source || !source->text || !destination || !destination->text) {
         Fail("** ERROR 12: missing conversion unit **");
-        return nullptr;
-    }
-    if (!areUnitsAvailable) {
-        Fail("** ERROR: operator '%s' is not available **\n", {CVstr});
         return nullptr;
     }
     units_clear_exception();

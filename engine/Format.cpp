@@ -81,13 +81,14 @@ std::string exponentForm(const Decimal& decimal, ExponentKind kind, int scimode)
     return text + 'e' + std::to_string(e);
 }
 
-// A value below 1 in fixed mode, whose text has decimals beyond the last one shown: it rounds to one unit of
-// the last place or to zero. `leading` is the value's first digit before any rounding.
-void roundTinyFixed(std::string& text, size_t decimals, char leading) {
-    const size_t beyond = 2 + decimals; // behind "0."
-    if (beyond < text.size() && text[beyond] >= '1' && leading >= '5') {
-        text[decimals > 0 ? beyond - 1 : 0] = '1';
-    }
+// A value below the last decimal shown rounds to one unit of it or to zero. The value's own digits decide, not
+// its rounded ones: with two decimals 0.00096 is 0.00 although it rounds to 0.001.
+std::string tinyFixedForm(const Decimal& all, size_t decimals) {
+    std::string text = "0." + std::string(decimals, '0');
+    const bool isNext =
+        all.exponent == -static_cast<int>(decimals) - 1; // its first digit is the next decimal
+    if (isNext && all.digits[0] >= '5') text[decimals > 0 ? decimals + 1 : 0] = '1';
+    return text;
 }
 
 std::string plainForm(const Decimal& decimal) {
@@ -95,11 +96,10 @@ std::string plainForm(const Decimal& decimal) {
     return "0." + std::string(static_cast<size_t>(-decimal.exponent - 1), '0') + decimal.digits;
 }
 
-std::string fixedForm(const Decimal& decimal, int digitsShown, size_t decimals, char leading) {
-    std::string text = plainForm(decimal);
-    if (decimal.exponent < 0 && digitsShown == 1) roundTinyFixed(text, decimals, leading);
-    const size_t point = text.find('.');
-    text.resize(point + 1 + decimals, '0');
+std::string fixedForm(const Decimal& all, const Decimal& decimal, size_t decimals) {
+    const bool isTiny = all.exponent < -static_cast<int>(decimals);
+    std::string text = isTiny ? tinyFixedForm(all, decimals) : plainForm(decimal);
+    text.resize(text.find('.') + 1 + decimals, '0');
     if (decimals == 0) text.pop_back();
     return text;
 }
@@ -131,8 +131,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     const Decimal decimal = toDecimal(value, digitsShown - 1);
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);
     if (scimode == SCI_FIXED) {
-        const char leading = all.digits.empty() ? '0' : all.digits[0];
-        return grouped(fixedForm(decimal, digitsShown, static_cast<size_t>(sigfigs), leading), separator);
+        return grouped(fixedForm(all, decimal, static_cast<size_t>(sigfigs)), separator);
     }
     std::string text = plainForm(decimal);
     removeTrailingZeros(text, 0);

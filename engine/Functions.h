@@ -6,8 +6,10 @@
 
 #include "deq.h"
 
+#include <cstddef>
 #include <cstdint>
-#include <list>
+#include <string>
+#include <vector>
 
 // One definition.
 struct Function {
@@ -16,10 +18,21 @@ struct Function {
     int32_t argCount = 0; // number of parameters
     Deq* body = nullptr;  // owned; the parsed right-hand side, null for a predefined function
 
+    // For every term of the body: the position of the parameter it names, or -1. Filled by AddFunction.
+    std::vector<int32_t> parameters;
+
     Function() = default;
     ~Function();
     Function(const Function&) = delete;
     Function& operator=(const Function&) = delete;
+
+    // The definition as text that can be typed again: "mod(x,d)=x%d", "g()=5"; the head alone for a predefined
+    // function. Numbers are those typed as 0x..., others are shown in auto mode with 100 digits, without
+    // separator and with a '.'; the start of a unit is a blank and a conversion "->".
+    std::string ToString() const;
+
+    // The same into a buffer of 10,000 bytes, cut at 9,999 characters.
+    void FuncToStr(char* out) const;
 };
 
 // The ordered list of all functions; new ones are appended. It owns them.
@@ -42,10 +55,48 @@ public:
     // The first function with the name (case ignored) and the number of parameters; -1 means any number.
     // A name that begins with "log" is answered with the first predefined function of that many parameters:
     // log2, log1.5 and the like are logarithms to a base. Null when there is none.
-    Function* FunctionExists(const char* name, int32_t argCount);
+    Function* FunctionExists(const char* name, int32_t argCount) const;
+
+    // The first function with exactly this name (case ignored) and the number of parameters, -1 for any number, or
+    // null.
+    Function* FindByName(const char* name, int32_t argCount) const;
+
+    // Walks the list: Get goes to a position from 0 (the first function when it is below 1) and gives its
+    // function, GetNext goes on by one. Both give null past the end. A function that is deleted during the
+    // walk is left out of it.
+    Function* Get(int index);
+    Function* GetNext();
+
+    // The next function whose name begins with the prefix (case ignored), from the newest to the oldest, one
+    // with each call; then null once, and again from the newest. Adding or deleting a function starts over.
+    Function* FindTabComplete(const char* prefix);
+    void TabCompleteReset();
+
+    // Where completion stands: the position of the last match. 99 plus the number of functions, like any number
+    // above the list's length, means that the next search starts at the newest.
+    int32_t tabIndex = 99;
+
+    // From BeginChanges on, UndoChanges puts the list back and EndChanges keeps it as it is. One of them ends
+    // what BeginChanges began.
+    void BeginChanges();
+    void UndoChanges();
+    void EndChanges();
 
 private:
-    std::list<Function*> functions;
+    // What was done to the list since BeginChanges. A removed function is kept until the end.
+    struct Change {
+        Function* function;
+        size_t position;
+        bool added;
+    };
+
+    Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
+    void Append(Function* function);
+
+    std::vector<Function*> functions;
+    std::vector<Change> changes;
+    bool recording = false;
+    ptrdiff_t current = -1; // the position of Get and GetNext
 };
 
 // Every function of the process.

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-static char lower(char c) {
+char LowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
@@ -12,13 +12,13 @@ bool strIsEqual(const char* a, const char* b) {
 }
 
 bool strIsEqualI(const char* a, const char* b) {
-    while (*a && lower(*a) == lower(*b)) a++, b++;
-    return lower(*a) == lower(*b);
+    while (*a && LowerCase(*a) == LowerCase(*b)) a++, b++;
+    return LowerCase(*a) == LowerCase(*b);
 }
 
 bool strIsEqualNI(const char* a, const char* b, size_t n) {
     for (size_t i = 0; i < n; i++) {
-        if (lower(a[i]) != lower(b[i])) return false;
+        if (LowerCase(a[i]) != LowerCase(b[i])) return false;
         if (a[i] == '\0') return true;
     }
     return true;

@@ -29,4 +29,6 @@ std::string StrShown(std::string_view text);
 bool IsLetter(char c);
 bool IsDigit(char c);
 
+char LowerCase(char c); // A to Z become a to z
+
 #endif

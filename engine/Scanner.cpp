@@ -27,7 +27,12 @@ int ZqCalculator::ProcessStr(const char* statement) {
     if (strlen(statement) >= TEXT_SIZE) {
         return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
     }
-    return ScanStatement(trimStatement(statement));
+    const std::string text = trimStatement(statement);
+    if (fullEntry) {
+        const int state = RunCommand(text);
+        if (state != NO_COMMAND) return state;
+    }
+    return ScanStatement(text);
 }
 
 static bool isSpaceOrTab(char c) {
@@ -127,6 +132,17 @@ static std::string moveSignsForward(const std::string& text) {
 int ZqCalculator::ScanStatement(std::string text) {
     markConversion(text);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
+    return ScanExpression(std::move(text));
+}
+
+int ZqCalculator::ScanBody(std::string text) {
+    terms.Clear();
+    target = vars.first;
+    markConversion(text);
+    return ScanExpression(std::move(text));
+}
+
+int ZqCalculator::ScanExpression(std::string text) {
     text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return strchr(BLANKS, c) != nullptr; }),
                text.end());
     normalizeBrackets(text);
@@ -189,6 +205,11 @@ int ZqCalculator::ScanTerms(const std::string& text) {
     return 0;
 }
 
+// A function knows itself while its body is read, so that a recursion is found when it is called.
+bool ZqCalculator::IsFunctionName(const char* name) const {
+    return funcs.FunctionExists(name, -1) || strIsEqualI(name, nameInDefinition.c_str());
+}
+
 void ZqCalculator::AppendOperand(std::string_view text, bool beforeParenthesis) {
     if (text.empty()) return;
     node* term = terms.Push(StrDuplicate(text));
@@ -199,7 +220,7 @@ void ZqCalculator::AppendOperand(std::string_view text, bool beforeParenthesis) 
         term->type = TERM_NUMBER;
         term->SetValue(value);
         if (strncmp(term->text, "0x", 2) != 0) term->DropText();
-    } else if (beforeParenthesis && funcs.FunctionExists(term->text, -1)) {
+    } else if (beforeParenthesis && IsFunctionName(term->text)) {
         term->type = TERM_FUNC;
     }
 }

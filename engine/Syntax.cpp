@@ -19,12 +19,7 @@ int ZqCalculator::CheckVariableNames() {
     for (node* variable = vars.first; variable; variable = variable->next) {
         if (variable->text && IsValidVariable(variable->text)) continue;
         Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
-        if (lastName == variable->text) {
-            lastName = nullptr;
-            lastValue = nullptr;
-        }
-        if (target == variable) target = nullptr;
-        vars.Del(variable);
+        DeleteVariable(variable);
         return STATUS_ERROR;
     }
     return 0;
@@ -109,17 +104,19 @@ void ZqCalculator::RaiseUnaryMinus() {
 }
 
 // A bucket pass: the operators are gathered by precedence, then dealt out by level, so that the work grows
-// with the number of terms and not with levels times precedences.
-void ZqCalculator::OrderOperatorStack() {
+// with the number of terms and not with levels times precedences. `lowest` is the lowest level among them.
+std::vector<node*> ZqCalculator::OrderOperators(node* first, const node* end, int32_t lowest) {
     std::vector<node*> byPrecedence[MAX_PRECEDENCE + 1];
     std::vector<size_t> position; // by level: first the number of operators, then the place of the next one
-    for (node* term = terms.first; term; term = term->next) {
+    const auto row = [lowest](const node* term) {
+        return static_cast<size_t>(std::max(term->level - lowest, 0));
+    };
+    for (node* term = first; term != end; term = term->next) {
         work.ordered++;
         const int precedence = getOp(term->type).precedence;
         if (precedence == 0 || term->type == OP_CLOSE) continue;
-        const size_t level = static_cast<size_t>(std::max(term->level, 0));
-        if (level >= position.size()) position.resize(level + 1);
-        position[level]++;
+        if (row(term) >= position.size()) position.resize(row(term) + 1);
+        position[row(term)]++;
         byPrecedence[precedence].push_back(term);
     }
     size_t total = 0;
@@ -128,9 +125,15 @@ void ZqCalculator::OrderOperatorStack() {
         position[level] = total;
         total += number;
     }
+    std::vector<node*> order(total);
     for (const auto& operators : byPrecedence) {
-        for (node* term : operators)
-            opOrder[position[static_cast<size_t>(std::max(term->level, 0))]++] = term;
+        for (node* term : operators) order[position[row(term)]++] = term;
     }
-    opOrder[total] = nullptr;
+    return order;
+}
+
+void ZqCalculator::OrderOperatorStack() {
+    const std::vector<node*> order = OrderOperators(terms.first, nullptr, 0);
+    std::copy(order.begin(), order.end(), opOrder);
+    opOrder[order.size()] = nullptr;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Calculator.h"
 #include "Helpers_String.h"
+#include "clean_start.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,10 @@ std::string repeated(const std::string& text, size_t times) {
 
 class Engine : public testing::Test {
 protected:
-    Engine() { calc.InitializeFunctionsAndVars(); }
+    Engine() {
+        deleteAllFunctions();
+        calc.InitializeFunctionsAndVars();
+    }
 
     ZqCalculator calc;
 

@@ -2,12 +2,14 @@
 //
 // Runs the session files; their format is described in sessions/README.md.
 #include "Calculator.h"
+#include "clean_start.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 namespace {
@@ -54,7 +56,12 @@ std::string expectedText(const std::string& text) {
 
 class Session {
 public:
-    explicit Session(const std::string& path) : file(path) { calc.InitializeFunctionsAndVars(); }
+    explicit Session(const std::string& path) : file(path) {
+        deleteAllFunctions();
+        calc.InitializeFunctionsAndVars();
+        calc.sigFigs = 10;
+        calc.sciMode = SCI_AUTO;
+    }
 
     void Run() {
         std::ifstream in(file);
@@ -138,11 +145,19 @@ private:
             ADD_FAILURE() << Where() << "unknown setting " << name;
     }
 
+    std::map<std::string, int> Settings() const {
+        return {{"sigFigs", calc.sigFigs},   {"sciMode", calc.sciMode},     {"displayBase", calc.displayBase},
+                {"european", calc.european}, {"histStack", calc.histStack}, {"degreeMode", calc.degreeMode}};
+    }
+
     void Check(const std::string& text) {
         const size_t blank = std::min(text.find(' '), text.size());
         const std::string name = text.substr(0, blank);
         const std::string value = blank < text.size() ? unescape(text.substr(blank + 1)) : "";
-        if (name == "lastAnswer")
+        const auto settings = Settings();
+        if (const auto setting = settings.find(name); setting != settings.end())
+            EXPECT_EQ(value, std::to_string(setting->second)) << Where();
+        else if (name == "lastAnswer")
             EXPECT_EQ(value, calc.lastAnswer) << Where();
         else if (name == "echoText")
             EXPECT_EQ(value, calc.echoText) << Where();

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "EntrySnapshot.h"
+
+#include "Helpers_String.h"
+#include "Unavailable.h"
+
+#include <algorithm>
+#include <cstring>
+
+EntrySnapshot::EntrySnapshot(const ZqCalculator& calc)
+    : lastAnswer(calc.lastAnswer), lastName(calc.lastName ? calc.lastName : ""),
+      hasLastName(calc.lastName != nullptr), degreeMode(calc.degreeMode), sciMode(calc.sciMode),
+      sigFigs(calc.sigFigs), european(calc.european), histStack(calc.histStack),
+      displayBase(calc.displayBase), gospelShown(calc.gospelShown) {
+    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
+        variables.emplace_back();
+        variables.back().name = variable->text;
+        qmov(*variable->value, variables.back().value);
+    }
+    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) units.emplace_back(unit->text);
+    funcs.BeginChanges();
+}
+
+EntrySnapshot::~EntrySnapshot() {
+    funcs.EndChanges();
+}
+
+void EntrySnapshot::Restore(ZqCalculator& calc) const {
+    funcs.UndoChanges();
+    calc.ForgetVariables();
+    for (const Variable& variable : variables) {
+        const node* restored = calc.AddVariable(variable.name.c_str(), variable.value);
+        if (hasLastName && variable.name == lastName) calc.lastName = restored->text;
+    }
+    RestoreUnits(calc);
+    memcpy(calc.lastAnswer, lastAnswer.c_str(), lastAnswer.size() + 1);
+    calc.degreeMode = degreeMode;
+    calc.sciMode = sciMode;
+    calc.sigFigs = sigFigs;
+    calc.european = european;
+    calc.histStack = histStack;
+    calc.displayBase = displayBase;
+    calc.gospelShown = gospelShown;
+}
+
+// A line "unit NAME=DEFINITION".
+static void splitUnit(const std::string& line, std::string& name, std::string& definition) {
+    const size_t start = strlen("unit ");
+    const size_t equals = line.find('=');
+    name = line.substr(start, equals - start);
+    definition = line.substr(equals + 1);
+}
+
+void EntrySnapshot::RestoreUnits(ZqCalculator& calc) const {
+    std::string name;
+    std::string definition;
+    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
+        if (std::find(units.begin(), units.end(), unit->text) != units.end()) continue;
+        splitUnit(unit->text, name, definition);
+        removeUnit(name.c_str());
+    }
+    std::vector<std::string> present;
+    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) present.emplace_back(unit->text);
+    calc.unitDefs.Clear();
+    for (const std::string& line : units) {
+        calc.unitDefs.Push(StrDuplicate(line))->type = TERM_NAME;
+        if (std::find(present.begin(), present.end(), line) != present.end()) continue;
+        splitUnit(line, name, definition);
+        units_new(name.c_str(), definition.c_str());
+    }
+    units_clear_exception();
+}

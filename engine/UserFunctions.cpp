@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: MIT
+//
+// The functions that a person defines: from text to a definition, and from a call to the terms of its body.
+#include "Call.h"
+#include "Helpers_String.h"
+
+#include <algorithm>
+#include <cstring>
+
+// Every expansion raises its body by the level of the call, so that a function which calls itself passes this
+// level sooner or later. A list that outgrows MAX_TERMS on the way there has the same cause.
+constexpr int32_t MAX_CALL_LEVEL = 100;
+constexpr int32_t MAX_TERMS = 250000;
+
+// An argument of many characters can be copied to many places.
+constexpr size_t LONG_TEXT = 64;
+constexpr size_t MAX_LONG_TEXTS = 16 << 20;
+
+namespace {
+
+struct DefinitionText {
+    std::string name;
+    std::string parameters;
+    std::string body;
+};
+
+std::string withoutBlanks(const char* text) {
+    std::string out;
+    for (; *text; text++) {
+        if (!strchr(" \t\r\n", *text)) out += *text;
+    }
+    return out;
+}
+
+// name()=body or name(parameters)=body. False when a part is missing; the parts before it are read.
+bool splitDefinition(const std::string& text, DefinitionText& parts) {
+    const size_t open = text.find('(');
+    if (open == 0 || open == std::string::npos) return false;
+    const size_t close = text.find(')', open);
+    if (close == std::string::npos || text.compare(close, 2, ")=") != 0) return false;
+    parts.name = text.substr(0, open);
+    parts.parameters = text.substr(open + 1, close - open - 1);
+    parts.body = text.substr(close + 2);
+    return !parts.body.empty();
+}
+
+} // namespace
+
+int ZqCalculator::DefineFunction(const char* text) {
+    DefinitionText parts;
+    const std::string definition = withoutBlanks(text);
+    if (!splitDefinition(definition, parts)) {
+        return Fail("** ERROR: can't define an empty function **\n");
+    }
+    if (parts.name.size() >= MAX_NAME) {
+        return Fail("** ERROR: %i max characters for function names **\n", {std::to_string(MAX_NAME)});
+    }
+    if (!IsValidVariable(parts.name.c_str())) {
+        return Fail("** ERROR: invalid function name: %s **\n", {parts.name});
+    }
+    ProcessStringEuropean(parts.parameters.data());
+    if (!parts.parameters.empty() && !IsValidArgList(parts.parameters.c_str())) return STATUS_ERROR;
+    const int state = AddDefinition(parts.name, parts.parameters, parts.body);
+    DiscardNewTarget(); // of an assignment in the body
+    terms.Clear();
+    return state;
+}
+
+int ZqCalculator::AddDefinition(const std::string& name, std::string parameters, const std::string& body) {
+    nameInDefinition = name;
+    int state = ScanBody(body);
+    nameInDefinition.clear();
+    if (state == 0) state = VerifyTermsSyntax();
+    if (state != 0) return STATUS_ERROR;
+    if (!terms.first) return Fail("** ERROR: can't define an empty function **\n");
+    const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms);
+    if (!function) return Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});
+    ShowDefinition(*function);
+    return STATUS_MESSAGE;
+}
+
+// The definition as one line. What does not fit is cut in front of the line feed.
+void ZqCalculator::ShowDefinition(const Function& function) {
+    std::string text = function.ToString();
+    text.resize(std::min(text.size(), sizeof message - 2));
+    text += '\n';
+    memcpy(message, text.c_str(), text.size() + 1);
+}
+
+// --- Expanding a call ---
+
+static node* copyTerm(const node* term, int32_t level) {
+    node* copy = new node;
+    copy->type = term->type;
+    copy->level = level;
+    if (term->text) copy->text = StrDuplicate(term->text);
+    if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
+    return copy;
+}
+
+int ZqCalculator::CheckCall(const Call& call, const Function* function) {
+    if (!function || !function->body) return Fail("** Unrecognized function: %s **\n", {call.Name()});
+    const auto number = static_cast<uint64_t>(function->body->count);
+    if (terms.count + function->body->count > MAX_TERMS || longTexts > MAX_LONG_TEXTS) {
+        return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+    }
+    return Spend(0, number);
+}
+
+// Puts the body in front of the call's ')', with the arguments in the places of the parameters. An argument's
+// own name is no parameter any more.
+int ZqCalculator::CopyBody(const Call& call, const Function* function) {
+    size_t i = 0;
+    for (const node* term = function->body->first; term; term = term->next, i++) {
+        const int32_t parameter = function->parameters[i];
+        const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
+        node* copy = terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
+        const size_t length = parameter >= 0 && copy->text ? strlen(copy->text) : 0;
+        if (length > LONG_TEXT) longTexts += length;
+        if (longTexts > MAX_LONG_TEXTS) {
+            return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+        }
+    }
+    return 0;
+}
+
+// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
+// what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
+node* ZqCalculator::ExpandFunction(const Call& call) {
+    if (call.open->level > MAX_CALL_LEVEL) {
+        Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+        return nullptr;
+    }
+    const Function* function = funcs.FunctionExists(call.Name(), static_cast<int32_t>(call.arguments.size()));
+    if (CheckCall(call, function) != 0) return nullptr;
+    node* lastArgument = call.close->prev;
+    if (CopyBody(call, function) != 0) return nullptr;
+    node* body = lastArgument->next;
+    while (body->prev != call.open) terms.Del(body->prev);
+
+    const std::vector<node*> order = OrderOperators(body, call.close, call.open->level);
+    expanded.push_back(call.open);
+    expanded.insert(expanded.end(), order.rbegin(), order.rend());
+    reorder = 1;
+    node* before = terms.Del(call.function);
+    return before ? before : terms.first;
+}
