@@ -3,6 +3,7 @@
 // tallyquill: the calculator's console for terminals, pipes and scripts.
 #include "Descriptor.h"
 #include "EntryText.h"
+#include "Keyboard.h"
 #include "LineReader.h"
 #include "Options.h"
 #include "Session.h"
@@ -75,32 +76,53 @@ int evaluateArguments(Session& session, int answers, const Options& options) {
     return endStatus(session, answers);
 }
 
-// Where prompts go: nowhere (-1) unless a person types, and not into a file that collects the answers.
+// Where prompts go when a person types: not into a file that collects the answers, else nowhere (-1).
 int promptDescriptor(int answers) {
-    if (isatty(STDIN_FILENO) == 0) return -1;
     if (isatty(answers) == 1) return answers;
     return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
 }
 
-int evaluateLines(Session& session, int answers) {
-    // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
-    static LineReader reader(STDIN_FILENO, kMaxEntryLength + 1);
-    const int prompts = promptDescriptor(answers);
+// One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
+constexpr std::size_t kKeptLength = kMaxEntryLength + 1;
+
+int inputLost() {
+    complain(std::string("standard input: ") + std::strerror(errno));
+    return kSomeRefused;
+}
+
+int evaluateFile(Session& session, int answers) {
+    static LineReader reader(STDIN_FILENO, kKeptLength);
     std::string line;
     for (;;) {
-        if (prompts >= 0) writeAll(prompts, kPrompt);
         const LineReader::Status status = reader.next(line);
-        if (status == LineReader::Status::Failed) {
-            complain(std::string("standard input: ") + std::strerror(errno));
-            return kSomeRefused;
-        }
-        if (status == LineReader::Status::End) break;
+        if (status == LineReader::Status::Failed) return inputLost();
+        if (status == LineReader::Status::End) return endStatus(session, answers);
         const Session::Outcome outcome = session.run(line);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
     }
-    if (prompts >= 0) writeAll(prompts, "\n"); // the shell's prompt begins on a line of its own
-    return endStatus(session, answers);
+}
+
+int evaluateTyped(Session& session, int answers) {
+    const int prompts = promptDescriptor(answers);
+    Keyboard keyboard(STDIN_FILENO, prompts, kKeptLength);
+    std::string line;
+    for (;;) {
+        if (prompts >= 0) writeAll(prompts, kPrompt);
+        const Keyboard::Status status = keyboard.next(line);
+        if (status == Keyboard::Status::Failed) return inputLost();
+        // The shell's prompt, or the next one of ours, begins on a line of its own.
+        if (status != Keyboard::Status::Line && prompts >= 0) writeAll(prompts, "\n");
+        if (status == Keyboard::Status::Cancelled) continue;
+        if (status == Keyboard::Status::End) return endStatus(session, answers);
+        const Session::Outcome outcome = session.run(line);
+        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
+        if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
+    }
+}
+
+int evaluateLines(Session& session, int answers) {
+    return isatty(STDIN_FILENO) == 1 ? evaluateTyped(session, answers) : evaluateFile(session, answers);
 }
 
 } // namespace

@@ -182,13 +182,13 @@ Result pipeThrough(const std::string& input) {
 }
 
 Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& outputFile,
-                   const std::string& inputFile) {
+                   const std::string& inputFile, bool echo) {
     int slave = kNoDescriptor;
     if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
     fcntl(master_, F_SETFD, FD_CLOEXEC);
     termios modes = {};
     tcgetattr(slave, &modes);
-    modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    if (!echo) modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     modes.c_oflag &= ~static_cast<tcflag_t>(OPOST);
     tcsetattr(slave, TCSANOW, &modes);
     child_ = fork();

@@ -43,9 +43,9 @@ Result pipeThrough(const std::string& input);
 class Terminal {
 public:
     // Standard output goes to `outputFile`, and standard input comes from `inputFile`, instead of the
-    // terminal unless the name is empty.
+    // terminal unless the name is empty. With `echo` the terminal shows what is typed.
     explicit Terminal(const std::vector<std::string>& arguments, const std::string& outputFile = "",
-                      const std::string& inputFile = "");
+                      const std::string& inputFile = "", bool echo = false);
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;

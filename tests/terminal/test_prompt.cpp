@@ -73,4 +73,59 @@ TEST(Prompt, IsNotShownForEntriesGivenAsArguments) {
     EXPECT_EQ(terminal.wait(), 0);
 }
 
+std::string sumOfOnes(int terms) {
+    std::string sum = "1";
+    for (int i = 1; i < terms; ++i) sum += "+1";
+    return sum;
+}
+
+// A terminal's own line mode would cut these at 4,095 bytes and give a wrong sum.
+TEST(Prompt, TakesLinesLongerThanATerminalsLineModeDoes) {
+    for (const int terms : {2047, 2048, 2049, 4999}) {
+        Terminal terminal({});
+        terminal.readUntil("> ");
+        terminal.type(sumOfOnes(terms) + "\n");
+        EXPECT_EQ(terminal.readUntil("> "), "ans = " + std::to_string(terms) + "\n> ");
+    }
+}
+
+TEST(Prompt, RefusesALineOfTenThousandCharactersAndTakesTheNext) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type(std::string(10001, '1') + "\n");
+    EXPECT_EQ(terminal.readUntil("> "), "** ERROR: 10000 max characters **\n> ");
+    terminal.type("2+2\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 4\n> ");
+}
+
+TEST(Prompt, ErasesCharactersWordsAndLines) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("2+4\x7f"
+                  "3\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 5\n> ");
+    terminal.type("1/0\x15"
+                  "6*7\n"); // Ctrl-U
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 42\n> ");
+    terminal.type("8 + 99\x17"
+                  "1\n"); // Ctrl-W
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 9\n> ");
+}
+
+TEST(Prompt, ShowsWhatIsTypedAndErased) {
+    Terminal terminal({}, "", "", true);
+    terminal.readUntil("> ");
+    terminal.type("12\x7f+3\n");
+    EXPECT_EQ(terminal.readUntil("\n> "), "12\b \b+3\nans = 4\n> ");
+    terminal.type("x\xc3\xa9\x7f\n"); // one key erases both bytes of an accented letter
+    EXPECT_EQ(terminal.readUntil("\n> "), "x\xc3\xa9\b \b\n** ERROR 7: invalid term = x **\n> ");
+}
+
+TEST(Prompt, ArrowKeysTypeNothing) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("2\x1b[A+\x1bOD2\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 4\n> ");
+}
+
 } // namespace
