@@ -43,8 +43,16 @@ void qnrmlz(qfloat a) {
         qclear(a);
         return;
     }
-    ac1[1] -= static_cast<uint32_t>(SC);
-    qmov(ac1, a);
+    const int64_t exponent = int64_t{ac1[1]} - SC;
+    if (exponent > overflowExponent) {
+        qinfin(a);
+        merror = 3;
+    } else if (exponent < 0) {
+        qclear(a);
+    } else {
+        ac1[1] = static_cast<uint32_t>(exponent);
+        qmov(ac1, a);
+    }
 }
 
 namespace {

@@ -185,6 +185,7 @@ void qround(const qfloat x, qfloat y) {
     qfloor(x, floor);
     // Below zero the floor lies 1 - fraction under x.
     const int half = qcmp(fraction, qhalf);
+    subflg = 1; // as the subtraction of the floor leaves it
     const bool up = x[0] != 0 ? fraction[1] != 0 && half <= 0 : half >= 0;
     if (up) qadd(qone, floor, floor);
     qmov(floor, y);
@@ -196,6 +197,7 @@ void qfixintegers(qfloat x) {
     if (rounded[1] == 0) return;
     fractionOf(x, distance);
     if (qcmp(distance, qhalf) >= 0) qsub(distance, qone, distance);
+    subflg = 1;
     if (qcmp(distance, qsmall) < 0) qmov(rounded, x);
 }
 

@@ -71,11 +71,14 @@ void qmov(const qfloat a, qfloat b); // b = a (14 words)
 void qmovz(const qfloat a, uint32_t* b);
 
 void qclear(qfloat a);      // a = 0, all 14 words
-void qneg(qfloat a);        // a = -a: complements the sign word
+void qneg(qfloat a);        // a = -a: a sign word of 0 becomes all ones, any other 0
 void qabs(qfloat a);        // a = |a|: clears the sign word
 int qisneg(const qfloat a); // 1 when the sign word is non-zero, else 0
 void qinfin(qfloat a);      // a = the overflow value; the sign word stays as it is
-void qnrmlz(qfloat a);      // normalises a in place; an all-zero mantissa gives 0
+
+// Normalises a in place.  An all-zero mantissa gives 0, as does an exponent that falls below 0; one that rises
+// above 0x10000 gives the overflow value and merror = 3.
+void qnrmlz(qfloat a);
 
 // Returns -1, 0, +1 as a < b, a = b, a > b.  When both exponents are at most 352 the difference decides, so
 // that a difference which qsub flushes to zero (see there) compares as equal.
@@ -113,16 +116,19 @@ void qdiv(const qfloat a, const qfloat b, qfloat c);
 
 // q = the number in text: decimal, or radix 16, 8, 2 after "0x", "0o", "0b" (then "e" is followed by a power
 // of two; in radix 16 it is a digit).  Blanks are ignored; one sign may stand anywhere among the mantissa's
-// characters.  Of the digits that follow the leading zeros the first 104 count; the others are dropped
-// without any change to the scale.  Reading stops at a line end.
+// characters.  Of the digits behind the leading zeros of the integer part (zeros behind the point are digits)
+// the first 104 count; the others are dropped without any change to the scale.  Reading stops at a line end
+// and at whatever follows the digits of an exponent.
 // Returns 0, or -1 on a syntax error (q = 0, and "asctoq conversion error" goes to standard output).
-// merror: 3 overflow (q = the overflow value, signed), 4 underflow (q = 0), 4 also for a zero mantissa with
-// an exponent ("0e5").
+// merror: 3 overflow (q = the overflow value, signed; a decimal value overflows from exponent 0x10000 on, a
+// radix value above it), 4 underflow (q = 0; a radix value that is too small gives 0 without a code), 4 also
+// for a zero mantissa with an exponent ("0e5").
 // Decimal values are within 0.5000001 units of the last place, over the whole range; radix values are cut.
 int asctoq(const char* text, qfloat q);
 
 // Writes q as a sign (blank or '-'), one digit, a point, min(digits, 104) fraction digits, 'E' and the
-// decimal exponent: " 1.2345E3", "-5.E-7".  Correctly rounded, exact ties to even.
+// decimal exponent: " 1.2345E3", "-5.E-7".  Correctly rounded, exact ties to even; without fraction digits
+// (digits below 1) exact ties are cut.
 // The buffer holds at least 3 + min(digits, 104) + 8 bytes.
 void qtoasc(const qfloat q, char* buffer, int digits);
 
@@ -229,8 +235,8 @@ void qround(const qfloat x, qfloat y); // y = the nearest integer, halves go up 
 // Replaces x by the nearest integer when that is not 0 and lies within 10^-80 of it.
 void qfixintegers(qfloat x);
 
-// y = x * 2^n by exponent arithmetic.  Overflow: the overflow value with x's sign, no code; underflow: 0, no
-// code.  A zero is not special: its exponent word is raised too (a quirk that callers guard against).
+// y = x * 2^n by exponent arithmetic.  Overflow, and any n above 131072: the overflow value with x's sign, no
+// code; underflow, and any n below -131072: 0, no code.  A zero is not special: its exponent word is raised too (a quirk that callers guard against).
 void qldexp(const qfloat x, int64_t n, qfloat y);
 
 // y = x scaled into [0.5, 1), *e = the power of two removed; 0 gives y = 0, *e = 0.

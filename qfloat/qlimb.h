@@ -325,7 +325,7 @@ inline uint64_t multiplyAdd(uint64_t* x, uint64_t y, uint64_t addend) {
     return addend;
 }
 
-// z = floor(x * 2^384 / y), at most 8 units off, for x < y and y normalised; exact for a y of one limb.
+// z = floor(x * 2^384 / y), at most 16 units off, for x < y and y normalised; exact for a y of one limb.
 // z may be x or y.
 // Schoolbook division, one 64-bit quotient digit a step, with the divisor cut by a limb from the second
 // step on (what is cut stays below the quotient's last limb).
@@ -338,7 +338,7 @@ void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z);
 // ---------------------------------------------------------------------------------------------------------
 // Extended values
 
-// z = x * y and z = x / y, within 16 units of the 384-bit mantissa; the exponents are unbounded.
+// z = x * y and z = x / y, within 20 units of the 384-bit mantissa; the exponents are unbounded.
 void multiply(const Extended& x, const Extended& y, Extended& z);
 void divide(const Extended& x, const Extended& y, Extended& z);
 
@@ -357,10 +357,10 @@ void load(const uint32_t* q, Extended& x);
 // merror = 3.  Below it: 0, and merror = underflowCode unless that is 0.
 void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q);
 
-// p = 10^n for 0 <= n < 16384, within 2^-376 relative; exact for n <= 160.
+// p = 10^n for 0 <= n < 16384, within 32 units of the 384-bit mantissa; exact for n <= 160.
 void powerOfTen(int n, Extended& p);
 
-// x = x * 10^n, |n| < 32768, within 2^-374 relative.
+// x = x * 10^n, within 64 units of the 384-bit mantissa for |n| < 16384, 128 for |n| < 32768.
 void scaleTen(Extended& x, int n);
 
 #if !TALLYQUILL_INT128

@@ -37,18 +37,17 @@ constexpr uint64_t chunkScale[chunkDigits + 1] = {1,
                                                   1000000000000000000,
                                                   10000000000000000000U};
 
-// floor(log10 |q|), at most one off, from the top 64 bits.
-int estimateExponent(const qfloat q) {
-    const double top = std::ldexp(static_cast<double>(uint64_t{q[3]} << 32 | q[4]), -64);
-    const double bits = static_cast<double>(q[1]) - exponentBias;
-    return static_cast<int>(std::floor(bits * 0.30102999566398119521 + std::log10(top)));
+// floor(log10 x), at most one off, from the top 64 bits.
+int estimateExponent(const Extended& x) {
+    const double top = std::ldexp(static_cast<double>(x.limb[count - 1]), -64);
+    return static_cast<int>(
+        std::floor(static_cast<double>(x.exponent) * 0.30102999566398119521 + std::log10(top)));
 }
 
-// y = |q| * 10^-k.  Returns whether y is exact: nothing was scaled, or the result came out so near to a
-// 352-bit number (64 units of 2^-384, the bound of scaleTen) that it is one, and was set to it.
-bool scaleDown(const qfloat q, int k, Extended& y) {
-    limb::load(q, y.limb);
-    y.exponent = int64_t{q[1]} - exponentBias;
+// y = x * 10^-k.  Returns whether y is exact: nothing was scaled, or the result came out so near to a
+// 352-bit number (within the 64 units of scaleTen's bound) that it is one, and was set to it.
+bool scaleDown(const Extended& x, int k, Extended& y) {
+    y = x;
     if (k == 0) return true;
     limb::scaleTen(y, -k);
     const auto guard = static_cast<uint32_t>(y.limb[0]);
@@ -63,11 +62,11 @@ void toFixed(Extended& y) {
     limb::shiftDown(y.limb, static_cast<int>(4 - y.exponent));
 }
 
-// Finds the decimal exponent k and the mantissa y = |q| / 10^k in [1, 10).  Returns whether y is exact.
-bool findMantissa(const qfloat q, int& k, Extended& y) {
-    k = estimateExponent(q);
+// Finds the decimal exponent k and the mantissa y = x / 10^k in [1, 10).  Returns whether y is exact.
+bool findMantissa(const Extended& x, int& k, Extended& y) {
+    k = estimateExponent(x);
     for (;;) {
-        const bool exact = scaleDown(q, k, y);
+        const bool exact = scaleDown(x, k, y);
         if (y.exponent < 1) {
             --k;
         } else if (y.exponent > 4) {
@@ -122,11 +121,10 @@ bool nearHalf(const uint64_t* rest, int digits) {
     return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
 }
 
-// Compares |q| with the midpoint "digits written so far, then 5", which is known within 2^-374 relative: what
+// Compares `value` with the midpoint "digits written so far, then 5", which is known within 2^-374 relative: what
 // is nearer is equal.
-int compareMidpoint(const qfloat q, const char* text, int digits, int k) {
+int compareMidpoint(const Extended& value, const char* text, int digits, int k) {
     Extended midpoint = {};
-    Extended value;
     midpoint.limb[0] = static_cast<uint64_t>(text[1] - '0');
     for (int i = 0; i < digits; ++i) {
         limb::multiplyAdd(midpoint.limb, 10, static_cast<uint64_t>(text[3 + i] - '0'));
@@ -136,7 +134,6 @@ int compareMidpoint(const qfloat q, const char* text, int digits, int k) {
     limb::shiftUp(midpoint.limb, zeros);
     midpoint.exponent = 64 * count - zeros;
     limb::scaleTen(midpoint, k - digits - 1);
-    limb::load(q, value);
     const int order = limb::compare(value, midpoint);
     if (order == 0) return 0;
     Extended distance;
@@ -168,9 +165,13 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     if (digits > maxDigits) digits = maxDigits;
     if (digits < 0) digits = 0;
     int k = 0;
-    Extended y = {};
-    const bool zero = q[1] == 0 || (q[3] & 0x80000000) == 0;
-    const bool exact = zero || findMantissa(q, k, y);
+    Extended value, y = {};
+    limb::load(q, value);
+    // The buffer is sized for the exponents of numbers, so a larger word counts as the overflow value's.
+    constexpr int64_t highest = overflowExponent - exponentBias;
+    if (value.exponent > highest) value.exponent = highest;
+    const bool zero = q[1] == 0 || limb::isZero(value.limb);
+    const bool exact = zero || findMantissa(value, k, y);
     buffer[0] = q[0] != 0 ? '-' : ' ';
     buffer[1] = static_cast<char>('0' + (y.limb[count - 1] >> 60));
     buffer[2] = '.';
@@ -179,7 +180,7 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
 
     int order = compareHalf(y.limb);
     if (!exact && nearHalf(y.limb, digits)) {
-        order = compareMidpoint(q, buffer, digits, k);
+        order = compareMidpoint(value, buffer, digits, k);
     }
     // A tie goes to the even digit; with no digit written, the point counts as even.
     const bool lastIsOdd = (buffer[2 + digits] & 1) != 0;

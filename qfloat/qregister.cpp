@@ -136,6 +136,9 @@ void mulin(const uint32_t* x, uint32_t* y) {
 void divm(const uint32_t* x, uint32_t* y) {
     uint64_t d[limb::count], n[limb::count];
     limb::load(x, d);
+    const int zeros = limb::leadingZeros(d);
+    if (zeros == 64 * limb::count) return;
+    limb::shiftUp(d, zeros);
     loadRegister(y, n);
     limb::shiftDown(n, 2); // now below the divisor
     limb::divide(n, d, n);

@@ -18,7 +18,8 @@ constexpr uint32_t negativeSign = 0xFFFFFFFF;
 
 extern uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
 extern int32_t SC;  // shift count: left by normlz for its callers, consumed by shift
-extern char subflg; // 1 after a difference of magnitudes, 0 after a sum; qlogic's rounding reads it
+extern char subflg; // 1 after a difference of magnitudes, 0 after a sum (where the
+                    // operands met no further than their exponents or were equal: 1 after qsub, 0 after qadd)
 
 void shdn1(uint32_t* r); // shift right by 1, 8, 16 bits
 void shdn8(uint32_t* r);
@@ -39,14 +40,16 @@ void xorm(const uint32_t* x, uint32_t* y);
 // Compares words 2..13: 1 when x > y, 0 when equal, -1 when x < y.
 int cmpm(const uint32_t* x, const uint32_t* y);
 
-// y's mantissa = x's * y's, cut below the guard word, then mdnorm(y).
+// y's mantissa = x's * y's, cut below the guard word, then mdnorm(y).  Here and in mulin the high and guard
+// words of x and y do not take part.
 void mulm(const uint32_t* x, uint32_t* y);
 
 // y's mantissa = word 3 of x * y's mantissa, then mdnorm(y).
 void mulin(const uint32_t* x, uint32_t* y);
 
 // y's mantissa = y's / x's, on the scale where equal mantissas give 1/4, then mdnorm(y), which lowers y's
-// exponent by the normalising shift.  x is normalised.
+// exponent by the normalising shift.  x is taken as if normalised; its guard word and y's high word do not
+// take part.  A zero x leaves y as it is.
 void divm(const uint32_t* x, uint32_t* y);
 
 // Normalises and rounds after a multiplication or division: up to three shifts by one bit either way,

@@ -109,9 +109,8 @@ bool MantissaReader::mark(char c, Mantissa& m) {
 // The digits of a decimal number up to the next other character, once a significant digit has been seen.
 void MantissaReader::takeDecimalRun(Mantissa& m) {
     const char* const start = p;
-    const char* const end = p + (maxDigits - taken);
     uint64_t value = pending, scale = pendingScale;
-    for (; p < end; ++p) {
+    for (int room = maxDigits - taken; room > 0; --room, ++p) {
         const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
         if (d > 9) break;
         value = value * 10 + d;

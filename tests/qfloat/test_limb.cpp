@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The six-limb arithmetic under the number type, against GMP integers and against its portable form.
+#include "oracle.h"
 #include "portable_limb.h"
 #include "qlimb.h"
 
@@ -37,7 +38,7 @@ public:
         if (normalised) x[count - 1] |= limb::topBit;
         return x;
     }
-    std::mt19937_64 random{20261121};
+    std::mt19937_64 random{oracle::seed()};
 };
 
 class Integer {
@@ -79,7 +80,20 @@ TEST(Limb, ProductIsTheTopHalfLessAtMostSixUnits) {
     }
 }
 
-TEST(Limb, QuotientIsWithinEightUnits) {
+TEST(Limb, QuotientIsWithinSixteenUnitsForOperandsThatCutBadly) {
+    Limbs x = {0x76d6ce938ef28229, 0x7f212458609b1f40, 0xc06f6dd3cfb2706a,
+               0xe037b6e9e7d93830, 0xfffffffffffffffa, 0x7fffffffffffffff};
+    const Limbs y = {0xf7b5aa3b2e5762f3, 0xffffffffffffffff, 0xffffffffffffffff,
+                     0xfffffffffffffffd, 0xfffffffffffffffd, 0x8000000000000000};
+    Limbs z(count);
+    limb::divide(x.data(), y.data(), z.data());
+    Integer quotient;
+    mpz_mul_2exp(quotient.z, Integer(x).z, 64 * count);
+    mpz_fdiv_q(quotient.z, quotient.z, Integer(y).z);
+    EXPECT_TRUE(within(quotient, Integer(z), 16));
+}
+
+TEST(Limb, QuotientIsWithinSixteenUnits) {
     Source source;
     for (int i = 0; i < cases; ++i) {
         Limbs x = source.six(false), y = source.six(true);
@@ -94,7 +108,7 @@ TEST(Limb, QuotientIsWithinEightUnits) {
         Integer quotient;
         mpz_mul_2exp(quotient.z, Integer(x).z, 64 * count);
         mpz_fdiv_q(quotient.z, quotient.z, Integer(y).z);
-        ASSERT_TRUE(within(quotient, Integer(z), 8)) << "case " << i;
+        ASSERT_TRUE(within(quotient, Integer(z), 16)) << "case " << i;
     }
 }
 
@@ -174,7 +188,7 @@ TEST(Limb, PortableMantissaArithmeticIsTheSame) {
 }
 
 TEST(Limb, PowersOfTenAreRightToTheirBound) {
-    for (int n = 0; n < 16384; n += (n < 200 ? 1 : 97)) {
+    for (int n = 0; n < 16384; ++n) {
         limb::Extended p;
         limb::powerOfTen(n, p);
         Integer exact;
@@ -187,6 +201,6 @@ TEST(Limb, PowersOfTenAreRightToTheirBound) {
         } else {
             mpz_mul_2exp(exact.z, exact.z, 384 - bits);
         }
-        ASSERT_TRUE(within(exact, ours, n <= 160 ? 0 : 256)) << n;
+        ASSERT_TRUE(within(exact, ours, n <= 160 ? 0 : 32)) << n;
     }
 }
