@@ -164,7 +164,7 @@ void ZqCalculator::ProcessStringEuropean(char* text) const {
 }
 
 int ZqCalculator::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {
-    const size_t room = (sizeof message - 1 - format.size()) / (texts.size() + 1);
+    const size_t room = (sizeof message - 1 - format.size()) / std::max<size_t>(texts.size(), 1);
     std::string text;
     auto next = texts.begin();
     for (size_t i = 0; i < format.size(); i++) {

@@ -6,6 +6,7 @@
 #include "Helpers_String.h"
 #include "Unavailable.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -212,9 +213,10 @@ node* ZqCalculator::ProcConversion(node* arrow) {
         Fail("** ERROR 13: %s **\n", {error});
         return nullptr;
     }
-    char digits[40];
+    char digits[40] = "";
     qfloat value;
     snprintf(digits, sizeof digits, "%.16g", factor);
+    std::replace(digits, digits + sizeof digits, ',', '.'); // a front end may have set a locale
     asctoq(digits, value);
     source->type = TERM_NUMBER;
     source->DropText();

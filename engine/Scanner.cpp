@@ -52,7 +52,7 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     bool inExponent = false;
     while (start > 0) {
         const char c = text[start - 1];
-        if (isSpaceOrTab(c) || c == '(' || c == ')' || c == '=') break;
+        if (isSpaceOrTab(c) || strchr("()[]{}=,", c)) break;
         if (!IsDigit(c))
             inExponent = false;
         else if (!inExponent && !(inExponent = endsUnitExponent(text, start)))
@@ -186,7 +186,10 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         const std::string_view operand = view.substr(start, pos - start);
         bool isPart = code == 0;
         if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
-        if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand)) isPart = true;
+        if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
+            !VariableExists(std::string(operand).c_str())) {
+            isPart = true;
+        }
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
         if (isPart) {
             pos++;

@@ -168,6 +168,11 @@ TEST_F(Engine, aNumberThatOutgrowsTheLineIsShownWithAnExponent) {
     EXPECT_STREQ("1.000e9800", calc.lastAnswer);
 }
 
+TEST_F(Engine, ALongUnknownNameThatFitsTheMessageIsShownWhole) {
+    const std::string name(9900, 'x');
+    EXPECT_EQ("** ERROR 7: invalid term = " + name + " **\n", Answer(name));
+}
+
 TEST_F(Engine, errorsKeepTheirFrameHoweverLongTheTermIs) {
     const std::string answer = Answer(std::string(9999, 'x'));
     EXPECT_EQ("** ERROR 7: invalid term = xxx", answer.substr(0, 30));

@@ -118,8 +118,9 @@ TEST(RandomLines, everyLineGetsOneWellFormedAnswer) {
             ASSERT_NE(std::string::npos, shown.find(" = ")) << line;
             ASSERT_EQ('\n', shown.back()) << line;
         } else if (status == STATUS_ERROR) {
-            if (message.rfind("** Unrecognized function: ", 0) != 0)
+            if (message.rfind("** Unrecognized function: ", 0) != 0) {
                 ASSERT_EQ("** ERROR", message.substr(0, 8)) << line;
+            }
             ASSERT_TRUE(message.size() > 4 && (message.compare(message.size() - 4, 4, " **\n") == 0 ||
                                                message == "** ERROR 12: missing conversion unit **"))
                 << line << message;
