@@ -12,7 +12,7 @@ set -eu
 # Debian 12 packages.
 debian_run="clang cmake ninja-build"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
-    clang-format clang-tidy cppcheck valgrind git"
+    clang-format clang-tidy cppcheck valgrind curl git"
 
 # Homebrew formulae; the compiler comes with Apple's command line tools. Nobody has verified this list on a
 # Mac yet.
@@ -21,7 +21,7 @@ brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck 
 
 # Elsewhere only the presence of these programs is checked.
 programs_run="clang++ cmake ninja"
-programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind git"
+programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind curl git"
 
 fail() {
     printf 'deps: %s\n' "$1" >&2

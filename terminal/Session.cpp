@@ -3,6 +3,8 @@
 
 #include "Descriptor.h"
 #include "EntryText.h"
+#include "Interrupt.h"
+#include "Web.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -32,27 +34,50 @@ bool canClear(int descriptor) {
     return isatty(descriptor) == 1 && kind != nullptr && std::strcmp(kind, "dumb") != 0;
 }
 
+// Whether the command is the word with a number behind it, as in pause500.
+bool hasNumber(std::string_view command, std::string_view word, long& number) {
+    if (command.substr(0, word.size()) != word) return false;
+    const std::string rest(command.substr(word.size()));
+    char* end = nullptr;
+    number = std::strtol(rest.c_str(), &end, 0);
+    return end != rest.c_str();
+}
+
+// The length of the character at the front of the text.
+std::size_t characterLength(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) ++length;
+    return length;
+}
+
 } // namespace
 
 Session::Session(int answers, int errors) : answers_(answers), errors_(errors) {
     calc_.InitializeFunctionsAndVars();
     setDefaults(calc_);
+    calc_.interruptCheck = isInterrupted;
 }
 
 Session::Outcome Session::run(std::string_view entry) {
     const EntryFault fault = checkEntry(entry);
     if (fault != EntryFault::None) return refuse(faultMessage(fault));
 
+    const InterruptCatcher catcher;
+    return evaluate(entry);
+}
+
+Session::Outcome Session::evaluate(std::string_view entry) {
     calc_.ProcessEntry(std::string(entry).c_str(), false);
     std::fflush(stdout); // the trace of this entry comes before its answer
 
-    // Collected echoes come first, also those of an entry that failed further on.
+    // What a command for the console echoes is shown by that command alone.
+    if (calc_.status == STATUS_COMMAND) return carryOut(calc_.message);
+    // Otherwise collected echoes come first, also those of an entry that failed further on.
     if (!show(calc_.echoText)) return Outcome::OutputLost;
     switch (calc_.status) {
-    case STATUS_RESULT: return show(calc_.resultLine) ? Outcome::Answered : Outcome::OutputLost;
-    case STATUS_MESSAGE: return show(calc_.message) ? Outcome::Answered : Outcome::OutputLost;
-    case STATUS_COMMAND: return carryOut(calc_.message);
-    default: return refuse(calc_.message);
+    case STATUS_RESULT: return answer(calc_.resultLine);
+    case STATUS_MESSAGE: return answer(calc_.message);
+    default: refuse(calc_.message); return calc_.interrupted ? Outcome::Interrupted : Outcome::Refused;
     }
 }
 
@@ -69,7 +94,45 @@ Session::Outcome Session::carryOut(std::string_view command) {
         if (!canClear(answers_)) return Outcome::Answered;
         return writeAll(answers_, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
+    long number = 0;
+    if (hasNumber(command, "pause", number)) return pause(number);
+    if (command == "echorep") return answer(calc_.echoText);
+    if (hasNumber(command, "echo", number)) return typeOut(calc_.echoText, number);
+    if (command == "convert") return convert(calc_.echoText);
+    if (command == "gospel") return openWebPage();
     return refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
+}
+
+Session::Outcome Session::pause(long milliseconds) {
+    const bool isUsual = milliseconds >= 0 && milliseconds <= 5000;
+    return sleepUnlessInterrupted(isUsual ? milliseconds : 1000) ? Outcome::Answered : Outcome::Interrupted;
+}
+
+Session::Outcome Session::typeOut(std::string_view text, long rate) {
+    if (rate == 0 || rate > 100) rate = 1000;
+    const long wait = rate > 0 ? 1000 / rate : 0;
+    while (!text.empty()) {
+        const std::size_t length = characterLength(text);
+        if (!writeAll(answers_, text.substr(0, length))) return Outcome::OutputLost;
+        text.remove_prefix(length);
+        if (wait >= 2 && !text.empty()) sleepUnlessInterrupted(wait);
+        if (isInterrupted()) return Outcome::Interrupted;
+    }
+    return Outcome::Answered;
+}
+
+Session::Outcome Session::convert(std::string_view query) {
+    if (isatty(answers_) == 1 && !show("...checking...\n")) return Outcome::OutputLost;
+    const std::string found = askService(query);
+    return answer(found.empty() ? "Not found." : found);
+}
+
+Session::Outcome Session::openWebPage() {
+    return answer(openPage() ? "<<< opening URL >>>" : "There is no web page to open.");
+}
+
+Session::Outcome Session::answer(std::string_view text) {
+    return show(text) ? Outcome::Answered : Outcome::OutputLost;
 }
 
 bool Session::show(std::string_view text) {

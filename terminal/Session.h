@@ -10,28 +10,41 @@
 class Session {
 public:
     enum class Outcome {
-        Answered,  // the entry was evaluated or its command carried out
-        Refused,   // the entry was answered with an error
-        Ended,     // the entry was the exit command
-        OutputLost // the answer could not be written; errno says why
+        Answered,    // the entry was evaluated or its command carried out
+        Refused,     // the entry was answered with an error
+        Ended,       // the entry was the exit command
+        Interrupted, // Ctrl-C ended the entry, or the pause or text that it asked for
+        OutputLost   // the answer could not be written; errno says why
     };
 
     // Answers are written to the descriptor `answers`, errors to `errors`. Both stay the caller's.
     Session(int answers, int errors);
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
-    // text is refused without reaching the engine.
+    // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the program.
     Outcome run(std::string_view entry);
 
     // Whether any entry so far was refused.
     bool anyRefused() const { return anyRefused_; }
 
-    // Carries out a command that the engine hands to its front end: exit; clear, which does nothing unless
-    // answers go to a terminal that understands escape sequences. Any other command is refused.
+    // Carries out a command that the engine hands to its front end. Any other command is refused.
+    //   exit
+    //   clear        clears a terminal that understands escape sequences, and nothing else
+    //   pause<n>     waits n milliseconds; a second when that is negative or above five seconds
+    //   echorep      shows the echoed text
+    //   echo<n>      types it out, n characters a second; as fast as it can for 0 and above 100
+    //   convert      asks the online service (Web.h)
+    //   gospel       opens the web page, or says that none is set
     Outcome carryOut(std::string_view command);
 
 private:
     Outcome refuse(std::string_view message);
+    Outcome evaluate(std::string_view entry);
+    Outcome pause(long milliseconds);
+    Outcome typeOut(std::string_view text, long rate);
+    Outcome convert(std::string_view query);
+    Outcome openWebPage();
+    Outcome answer(std::string_view text);
     bool show(std::string_view text);
 
     int answers_;

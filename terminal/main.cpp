@@ -3,6 +3,7 @@
 // tallyquill: the calculator's console for terminals, pipes and scripts.
 #include "Descriptor.h"
 #include "EntryText.h"
+#include "Interrupt.h"
 #include "Keyboard.h"
 #include "LineReader.h"
 #include "Options.h"
@@ -32,6 +33,9 @@ constexpr std::string_view kHelp =
     "\n"
     "An ENTRY that begins with a minus sign goes behind --, as in:\n"
     "  tallyquill -- -2^2\n"
+    "\n"
+    "The entry convert TEXT asks the service at TALLYQUILL_QUERY_URL, the second gospel\n"
+    "opens TALLYQUILL_WEB_URL; without these variables nothing is asked or opened.\n"
     "\n"
     "Answers go to standard output, errors to standard error.\n"
     "Exit status: 0 all entries were answered, 1 some entry failed, 2 bad usage.\n";
@@ -71,6 +75,7 @@ int evaluateArguments(Session& session, int answers, const Options& options) {
     for (const std::string_view entry : options.entries) {
         const Session::Outcome outcome = session.run(entry);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
+        if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
         if (outcome == Session::Outcome::Ended) break;
     }
     return endStatus(session, answers);
@@ -99,11 +104,14 @@ int evaluateFile(Session& session, int answers) {
         if (status == LineReader::Status::End) return endStatus(session, answers);
         const Session::Outcome outcome = session.run(line);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
+        if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
         if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
     }
 }
 
+// Ctrl-C drops what is typed or ends what is evaluated, and the next prompt follows.
 int evaluateTyped(Session& session, int answers) {
+    catchInterrupts();
     const int prompts = promptDescriptor(answers);
     Keyboard keyboard(STDIN_FILENO, prompts, kKeptLength);
     std::string line;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -101,9 +102,94 @@ TEST_F(SessionTest, ClearClearsATerminalUnlessThatIsDumb) {
 }
 
 TEST_F(SessionTest, AnyOtherCommandIsRefusedByName) {
-    EXPECT_EQ(session_->carryOut("pause500"), Outcome::Refused);
-    EXPECT_EQ(errors(), "** ERROR: 'pause500' does not work in a terminal **\n");
+    EXPECT_EQ(session_->carryOut("dance"), Outcome::Refused);
+    EXPECT_EQ(errors(), "** ERROR: 'dance' does not work in a terminal **\n");
+    EXPECT_EQ(session_->carryOut("pause"), Outcome::Refused);
+    EXPECT_EQ(errors(), "** ERROR: 'pause' does not work in a terminal **\n");
     EXPECT_TRUE(session_->anyRefused());
+}
+
+TEST_F(SessionTest, EchoedTextComesBeforeTheAnswerOrTheError) {
+    session_->run("echo one; echo two; 1+1");
+    EXPECT_EQ(answers(), "one\ntwo\nans = 2\n");
+    session_->run("echo one; 1/0");
+    EXPECT_EQ(answers(), "one\n");
+    EXPECT_EQ(errors(), "** ERROR: divide by zero **\n");
+    session_->run("echo");
+    EXPECT_EQ(answers(), "\n");
+    session_->run("disp pi");
+    EXPECT_EQ(answers(), "pi = 3.141592654\n");
+}
+
+TEST_F(SessionTest, OnlyTheCommandsThatShowTextShowWhatWasEchoed) {
+    EXPECT_EQ(session_->run("echo a; echo100 b"), Outcome::Answered);
+    EXPECT_EQ(answers(), "a\nb\n");
+    EXPECT_EQ(session_->run("echorep Done: 50%"), Outcome::Answered);
+    EXPECT_EQ(answers(), "Done: 50%\n");
+    EXPECT_EQ(session_->run("echo lost; pause1"), Outcome::Answered);
+    EXPECT_EQ(session_->run("echo lost; clear"), Outcome::Answered);
+    EXPECT_EQ(answers(), "");
+    EXPECT_EQ(session_->run("echo lost; exit"), Outcome::Ended);
+    EXPECT_EQ(answers(), "");
+}
+
+// How long the session takes for an entry, in milliseconds.
+long timeOf(Session& session, const char* entry) {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(session.run(entry), Outcome::Answered) << entry;
+    const auto time = std::chrono::steady_clock::now() - start;
+    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+}
+
+TEST_F(SessionTest, PausesAsLongAsAskedForUpToFiveSeconds) {
+    EXPECT_LT(timeOf(*session_, "pause0"), 90);
+    const long time = timeOf(*session_, "pause 100");
+    EXPECT_GE(time, 100);
+    EXPECT_LT(time, 600);
+}
+
+TEST_F(SessionTest, PausesASecondWhenTheNumberIsOutOfRange) {
+    for (const char* const entry : {"pause7000", "pause -5", "pause5001"}) {
+        const long time = timeOf(*session_, entry);
+        EXPECT_GE(time, 1000) << entry;
+        EXPECT_LT(time, 1600) << entry;
+    }
+}
+
+TEST_F(SessionTest, TypesTextOutAtItsRate) {
+    // Ten characters and a line feed: ten waits of 10 milliseconds.
+    const long time = timeOf(*session_, "echo100 0123456789");
+    EXPECT_GE(time, 100);
+    EXPECT_LT(time, 600);
+    EXPECT_EQ(answers(), "0123456789\n");
+    EXPECT_GE(timeOf(*session_, "echo10 0"), 100);
+    answers();
+    for (const char* const entry : {"echo0 0123456789", "echo500 0123456789", "echo101 0123456789"}) {
+        EXPECT_LT(timeOf(*session_, entry), 90) << entry;
+        EXPECT_EQ(answers(), "0123456789\n");
+    }
+    EXPECT_EQ(session_->run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);
+    EXPECT_EQ(answers(), "gr\xC3\xB6\xC3\x9F\n");
+}
+
+TEST_F(SessionTest, ConversionsAreNotFoundWithoutAService) {
+    unsetenv("TALLYQUILL_QUERY_URL");
+    EXPECT_EQ(session_->run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(answers(), "Not found.\n");
+    setenv("TALLYQUILL_QUERY_URL", "", 1);
+    EXPECT_EQ(session_->run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(answers(), "Not found.\n");
+    EXPECT_FALSE(session_->anyRefused());
+    unsetenv("TALLYQUILL_QUERY_URL");
+}
+
+TEST_F(SessionTest, ThePageIsNotOpenedWithoutAnAddress) {
+    unsetenv("TALLYQUILL_WEB_URL");
+    session_->run("gospel");
+    EXPECT_NE(answers().find("    << type 'gospel' for more >>\n"), std::string::npos);
+    EXPECT_EQ(session_->run("gospel"), Outcome::Answered);
+    EXPECT_EQ(answers(), "There is no web page to open.\n");
+    EXPECT_FALSE(session_->anyRefused());
 }
 
 } // namespace

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// Ctrl-C. While nobody catches it, it ends the program as it ends any other.
+#pragma once
+
+// Whether Ctrl-C came since the last forgetInterrupt. May be called at any time.
+bool isInterrupted();
+
+void forgetInterrupt();
+
+// From here on Ctrl-C sets the flag and lets a blocking read fail with EINTR. A process that was started with
+// Ctrl-C ignored, as in the background, goes on ignoring it.
+void catchInterrupts();
+
+// Catches Ctrl-C for its lifetime, beginning with the flag cleared; then all is as it was, but for the flag.
+class InterruptCatcher {
+public:
+    InterruptCatcher();
+    ~InterruptCatcher();
+    InterruptCatcher(const InterruptCatcher&) = delete;
+    InterruptCatcher& operator=(const InterruptCatcher&) = delete;
+};
+
+// Ends the program as an uncaught Ctrl-C does, so that the shell's loop around it ends too.
+[[noreturn]] void dieOfInterrupt();
+
+// Sleeps. Returns early, and false, when Ctrl-C comes.
+bool sleepUnlessInterrupted(long milliseconds);

@@ -1,0 +1,155 @@
+// SPDX-License-Identifier: MIT
+//
+// Ctrl-C, and entries that would never end.
+#include "Interrupt.h"
+#include "program.h"
+
+#include <chrono>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace {
+
+const std::string kControlC = "\x03";
+const std::string kEndOfInput = "\x04";
+
+// A chain of functions that each call the one before twice: the last takes 2^length calls.
+std::string chain(int length) {
+    std::string lines = "f1(x)=x+1\n";
+    for (int i = 2; i <= length; ++i) {
+        const std::string before = "f" + std::to_string(i - 1) + "(x)";
+        lines += "f" + std::to_string(i) + "(x)=" + before + "+" + before + "\n";
+    }
+    return lines;
+}
+
+std::string repeated(const std::string& text, int times) {
+    std::string out;
+    for (int i = 0; i < times; ++i) out += text;
+    return out;
+}
+
+void waitABit() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+}
+
+TEST(ControlC, EndsAnEntryAndThePromptReturns) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("x=7\n");
+    terminal.readUntil("> ");
+    terminal.type(chain(25));
+    terminal.readUntil("f25(x)=f24(x)+f24(x)\n> ");
+    terminal.type("x=8; f25(1)\n");
+    waitABit();
+    terminal.type(kControlC);
+    EXPECT_EQ(terminal.readUntil("> "), "** ERROR: interrupted **\n> ");
+    terminal.type("x\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 7\n> ");
+    terminal.type(kEndOfInput);
+    terminal.readUntil("\n");
+    EXPECT_EQ(terminal.wait(), 1);
+}
+
+TEST(ControlC, EndsAPauseAndTypedText) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    for (const char* const entry : {"pause5000\n", "echo1 abcdefgh\n"}) {
+        const auto start = std::chrono::steady_clock::now();
+        terminal.type(entry);
+        waitABit();
+        terminal.type(kControlC);
+        terminal.readUntil("> ");
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    }
+    terminal.type("1+1\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 2\n> ");
+}
+
+TEST(ControlC, AtThePromptDropsWhatIsTyped) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("1/0");
+    waitABit();
+    terminal.type(kControlC);
+    EXPECT_EQ(terminal.readUntil("> "), "\n> ");
+    terminal.type("6*7\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 42\n> ");
+}
+
+TEST(ControlC, EndsARunOfArguments) {
+    Terminal terminal({"1+1", "pause5000", "2+2"});
+    terminal.readUntil("ans = 2\n");
+    waitABit();
+    terminal.type(kControlC);
+    EXPECT_EQ(terminal.readUntil("ans = 4\n").find("ans = 4"), std::string::npos);
+    EXPECT_EQ(terminal.wait(), -1); // by the signal
+}
+
+TEST(ControlC, IsCaughtOnlyDuringAnEntry) {
+    const auto before = std::signal(SIGINT, SIG_IGN);
+    {
+        const InterruptCatcher catcher;
+        std::raise(SIGINT); // ignored before, ignored now
+        EXPECT_FALSE(isInterrupted());
+    }
+    std::signal(SIGINT, SIG_DFL);
+    {
+        const InterruptCatcher catcher;
+        std::raise(SIGINT);
+        EXPECT_TRUE(isInterrupted());
+        EXPECT_FALSE(sleepUnlessInterrupted(5000));
+    }
+    EXPECT_EQ(std::signal(SIGINT, before), SIG_DFL);
+    forgetInterrupt();
+    EXPECT_FALSE(isInterrupted());
+    EXPECT_TRUE(sleepUnlessInterrupted(1));
+}
+
+// --- Memory, in KiB ---
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KEEPS_FREED_MEMORY
+#endif
+#endif
+
+// The address sanitizer holds on to freed memory and keeps books.
+#ifdef KEEPS_FREED_MEMORY
+constexpr long kMemoryLimit = 640L * 1024;
+#else
+constexpr long kMemoryLimit = 64L * 1024;
+#endif
+
+void expectInMemory(const std::string& lines, const std::string& lastError) {
+    const Result run = pipeThrough(lines);
+    EXPECT_EQ(run.err, lastError);
+    EXPECT_LT(run.peakMemory, kMemoryLimit);
+}
+
+TEST(Memory, IsBoundedForRecursion) {
+    const std::string error = "** ERROR 5.1: circular function suspected: f **\n";
+    expectInMemory("f(x)=f(x)+1\nf(1)\n", error);
+    expectInMemory("f(x)=f(x)+f(x)\nf(1)\n", error);
+    expectInMemory("g(x)=x\nf(x)=g(x)\ng(x)=f(x)\nf(1)\n", error);
+    expectInMemory("f(x)=x" + repeated("+x", 4900) + "+f(x)\nf(1)\n", error);
+    expectInMemory("f(x)=0x1" + repeated("+0x1", 1990) + "+f(x)\nf(1)\n", error);
+}
+
+TEST(Memory, IsBoundedForLongTexts) {
+    expectInMemory("f(x,y)=x" + repeated("+x", 4000) + "\nf(" + std::string(9900, 'a') + ",1)\n",
+                   "** ERROR 5.1: circular function suspected: f **\n");
+    expectInMemory(repeated("(", 4990) + "1" + repeated(")", 4990) + "\n", "");
+    expectInMemory("1" + repeated("+1", 4999) + "\n" + std::string(9999, 'x') + "+\n",
+                   "** ERROR: 10000 max characters **\n");
+}
+
+TEST(Memory, IsBoundedForCallsThatDouble) {
+    const Result run = pipeThrough(chain(19) + "f19(1)\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out.substr(run.out.rfind("ans")), "ans = 524288\n");
+    EXPECT_LT(run.peakMemory, kMemoryLimit);
+}
+
+} // namespace
