@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+//
+// Memory that can run out: the test program's own operator new and delete.
+#ifndef TALLYQUILL_TESTS_UNITS_ALLOCATION_H
+#define TALLYQUILL_TESTS_UNITS_ALLOCATION_H
+
+#include <cstddef>
+
+namespace allocation {
+
+size_t live(); // blocks allocated and not freed
+size_t peak(); // the most bytes at once since resetPeak, above those of that moment
+void resetPeak();
+
+// After `count` more successful requests every request that may fail does; never with a negative count.
+void failAfter(long count);
+
+} // namespace allocation
+
+#endif

@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+//
+// What a name is taken for, and that many units do not make the look-up slow.
+#include "fixture.h"
+#include "model.h"
+#include "table.h"
+
+#include <algorithm>
+#include <ctime>
+#include <random>
+
+namespace {
+
+TEST_F(UnitsTest, TheExactNameComesFirst) {
+    EXPECT_EQ(define("kmeter", "7 meter"), "");
+    EXPECT_EQ(reduced("kmeter"), "7.0 meter");
+    EXPECT_EQ(define("meters", "8 meter"), "");
+    EXPECT_EQ(reduced("meters"), "8.0 meter");
+}
+
+TEST_F(UnitsTest, OfTwoReadingsWithAPrefixTheEarlierUnitWins) {
+    EXPECT_EQ(define("ax", "2 meter"), "");
+    EXPECT_EQ(define("x", "3 meter"), "");
+    EXPECT_EQ(reduced("dax"), "0.2 meter"); // d and ax, not da and x
+    EXPECT_EQ(define("q", "3 meter"), "");
+    EXPECT_EQ(define("aq", "2 meter"), "");
+    EXPECT_EQ(reduced("daq"), "30.0 meter"); // da and q, not d and aq
+}
+
+TEST_F(UnitsTest, ACatalogueUnitWinsOverAUsersUnit) {
+    EXPECT_EQ(define("am", "2 second"), "");
+    EXPECT_EQ(reduced("dam"), "10.0 meter");
+}
+
+TEST_F(UnitsTest, APrefixReadingComesBeforeAPlural) {
+    EXPECT_EQ(define("kf", "2 meter"), "");
+    EXPECT_EQ(reduced("kfs"), "2.0 meter");
+    EXPECT_EQ(define("fs", "3 meter"), "");
+    EXPECT_EQ(reduced("kfs"), "3000.0 meter");
+}
+
+TEST_F(UnitsTest, APluralInSComesBeforeOneInEs) {
+    EXPECT_EQ(define("box", "2 meter"), "");
+    EXPECT_EQ(reduced("boxes"), "2.0 meter");
+    EXPECT_EQ(define("boxe", "3 meter"), "");
+    EXPECT_EQ(reduced("boxes"), "3.0 meter");
+}
+
+// A name is made of a prefix, one or two of the known names, an ending, or of random letters.
+std::string randomName(std::mt19937& random, const std::vector<std::string>& names) {
+    static const char* const endings[] = {"", "", "s", "es", "ss"};
+    std::string name;
+    if (random() % 3 != 0) name += tablePrefixes()[random() % tablePrefixes().size()].name;
+    if (random() % 8 == 0) name += static_cast<char>('a' + random() % 26);
+    if (random() % 8 != 0) name += names[random() % names.size()];
+    return name + endings[random() % 5];
+}
+
+TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
+    constexpr unsigned seed = 4711;
+    std::mt19937 random(seed);
+    UnitModel model;
+    std::vector<std::string> names;
+    for (const TableUnit& unit : tableUnits()) names.push_back(unit.name);
+    int found = 0;
+    for (int i = 0; i < 40000; ++i) {
+        const std::string name = randomName(random, names);
+        if (i % 100 == 0 && !name.empty()) { // now and then a user's unit comes or a unit goes
+            const std::string definition = std::to_string(i + 2) + "meter";
+            model.message.clear();
+            model.define(name, definition);
+            ASSERT_EQ(define(name, definition), model.message);
+            names.push_back(name);
+            const std::string& gone = names[random() % names.size()];
+            if (random() % 4 == 0) {
+                ASSERT_EQ(removeUnit(gone.c_str()), model.remove(gone)) << gone;
+            }
+        }
+        const UnitModel::Meaning expected = model.lookUp(name);
+        const UnitMatch actual = findUnit(name);
+        ASSERT_EQ(actual.found != nullptr, expected.unit >= 0) << "seed " << seed << ": " << name;
+        if (actual.found == nullptr) continue;
+        ++found;
+        ASSERT_EQ(actual.prefix != nullptr, expected.prefix >= 0) << name;
+        ASSERT_EQ(actual.found->factor, model.unit(expected.unit).factor) << name;
+        ASSERT_EQ(namesOf(actual.found->numerator), model.unit(expected.unit).numerator) << name;
+        if (actual.prefix != nullptr) {
+            ASSERT_EQ(actual.prefix->factor, model.prefix(expected.prefix)) << name;
+        }
+    }
+    EXPECT_GT(found, 10000);
+}
+
+std::string numberedName(size_t i) {
+    std::string name = "Qx";
+    for (; i != 0; i /= 26) name += static_cast<char>('a' + i % 26);
+    return name;
+}
+
+// Seconds of processor time for defining this many units and looking each up, with a prefix and as a plural.
+double timeOf(size_t count) {
+    double best = 1e9;
+    for (int run = 0; run < 3; ++run) {
+        unitFreeMemory();
+        EXPECT_EQ(unitInitialize(), 0);
+        const std::clock_t start = std::clock();
+        for (size_t i = 0; i < count; ++i) units_new(numberedName(i).c_str(), "meter");
+        for (size_t i = 0; i < count; ++i) {
+            EXPECT_EQ(convert("kilo" + numberedName(i) + "s", "meter"), 1000);
+        }
+        best = std::min(best, static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
+    }
+    EXPECT_EQ(takeMessage(), "");
+    return best;
+}
+
+TEST_F(UnitsTest, LookUpDoesNotGrowWithTheSquareOfTheList) {
+    const double few = timeOf(4000);
+    const double many = timeOf(32000); // 8 times as many: a walk along the list takes 64 times as long
+    EXPECT_LT(many, 30 * few);
+}
+
+} // namespace

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+//
+// Reduction of a unit expression to a factor and sorted lists of primitive names.
+#include "unitlist.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+constexpr int maxExponent = 1000;
+constexpr size_t maxNames = 100000; // in one of the two lists
+
+struct Reduction {
+    UnitPointer result;
+    const char* remainder; // the text behind the leading number, quoted by the messages
+    bool isDivisor = false;
+    size_t numeratorLength = 0;
+    size_t denominatorLength = 0;
+};
+
+bool fail(const char* format, const char* text) {
+    throw_exception1(format, text);
+    return false;
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// strtod alone would also take the first letters of "inch" or "nanometer" for the words inf and nan.
+bool beginsWithNumber(const char* text) {
+    if (*text == '+' || *text == '-') ++text;
+    return isDigit(text[0]) || (text[0] == '.' && isDigit(text[1]));
+}
+
+bool readExponent(const char* digits, int& exponent) {
+    exponent = 0;
+    for (const char* c = digits; *c != '\0'; ++c) {
+        if (!isDigit(*c)) return false;
+        exponent = 10 * exponent + (*c - '0');
+        if (exponent > maxExponent) return false;
+    }
+    return exponent >= 1;
+}
+
+void applyFactor(Reduction& reduction, double factor, int exponent) {
+    for (int i = 0; i < exponent; ++i) {
+        if (reduction.isDivisor) {
+            reduction.result->factor /= factor;
+        } else {
+            reduction.result->factor *= factor;
+        }
+    }
+}
+
+bool addName(Reduction& reduction, bool toDivisor, const char* name) {
+    size_t& length = toDivisor ? reduction.denominatorLength : reduction.numeratorLength;
+    if (length == maxNames) return fail("invalid integer exponent in '%s'", reduction.remainder);
+    UnitPointer entry = newUnit(name);
+    if (entry == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
+    unit*& head = toDivisor ? reduction.result->denominator : reduction.result->numerator;
+    entry->next = head;
+    head = entry.release();
+    ++length;
+    return true;
+}
+
+bool addNames(Reduction& reduction, bool toDivisor, const unit* names) {
+    for (; names != nullptr; names = names->next) {
+        if (!addName(reduction, toDivisor, names->name)) return false;
+    }
+    return true;
+}
+
+bool applyUnit(Reduction& reduction, const UnitMatch& match, int exponent) {
+    const bool isDivisor = reduction.isDivisor;
+    if (match.prefix != nullptr) applyFactor(reduction, match.prefix->factor, exponent);
+    if (match.found->primitive == 0) applyFactor(reduction, match.found->factor, exponent);
+    for (int i = 0; i < exponent; ++i) {
+        if (match.found->primitive != 0) {
+            if (!addName(reduction, isDivisor, match.found->name)) return false;
+        } else if (!addNames(reduction, isDivisor, match.found->numerator) ||
+                   !addNames(reduction, !isDivisor, match.found->denominator)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool applyToken(Reduction& reduction, char* token) {
+    const char* remainder = reduction.remainder;
+    if (std::strcmp(token, divider) == 0) {
+        reduction.isDivisor = !reduction.isDivisor;
+        return true;
+    }
+    if (beginsWithNumber(token)) {
+        const double number = std::strtod(token, nullptr);
+        if (number == 0.0) return fail("illegal zero factor in '%s'", remainder);
+        applyFactor(reduction, number, 1);
+        // Only the divisor takes a bare number; in the numerator it goes on and is refused for its digits.
+        if (reduction.isDivisor) return true;
+    }
+    int exponent = 1;
+    if (char* caret = std::strchr(token, '^')) {
+        if (!readExponent(caret + 1, exponent)) return fail("invalid integer exponent in '%s'", remainder);
+        *caret = '\0';
+    }
+    if (!isLettersOnly(token)) return fail("invalid non-alphabetic unit name in '%s'", remainder);
+    const UnitMatch match = findUnit(token);
+    if (match.found == nullptr) {
+        throw_exception2("invalid unit name '%s' in '%s'", token, remainder);
+        return false;
+    }
+    return applyUnit(reduction, match, exponent);
+}
+
+// A copy of the text in which a divider has a blank on either side and so becomes a token of its own.
+std::unique_ptr<char[]> copyWithSpacedDivider(const char* text) {
+    const size_t before = std::strcspn(text, divider);
+    const size_t length = std::strlen(text);
+    std::unique_ptr<char[]> copy(new (std::nothrow) char[length + 3]);
+    if (copy == nullptr) return copy;
+    std::memcpy(copy.get(), text, length + 1);
+    if (before < length) {
+        std::memcpy(&copy[before], " / ", 3);
+        std::memcpy(&copy[before + 3], text + before + 1, length - before);
+    }
+    return copy;
+}
+
+bool applyTokens(Reduction& reduction) {
+    const std::unique_ptr<char[]> copy = copyWithSpacedDivider(reduction.remainder);
+    if (copy == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
+    for (char* token = std::strtok(copy.get(), separators); token != nullptr;
+         token = std::strtok(nullptr, separators)) {
+        if (!applyToken(reduction, token)) return false;
+    }
+    return true;
+}
+
+void removeFirst(unit*& list) {
+    unit* first = list;
+    list = first->next;
+    destroyunit(first);
+}
+
+// Removes the names common to both lists.  They are sorted, so that one pass over both finds every pair.
+void cancelNames(unit& result) {
+    unit** numerator = &result.numerator;
+    unit** denominator = &result.denominator;
+    while (*numerator != nullptr && *denominator != nullptr) {
+        const int order = std::strcmp((*numerator)->name, (*denominator)->name);
+        if (order == 0) {
+            removeFirst(*numerator);
+            removeFirst(*denominator);
+        } else if (order < 0) {
+            numerator = &(*numerator)->next;
+        } else {
+            denominator = &(*denominator)->next;
+        }
+    }
+}
+
+// Merges two sorted lists; of equal names those of the first list come first.
+unit* mergeLists(unit* first, unit* second) {
+    unit* head = nullptr;
+    unit** end = &head;
+    while (first != nullptr && second != nullptr) {
+        unit*& smaller = std::strcmp(second->name, first->name) < 0 ? second : first;
+        *end = smaller;
+        end = &smaller->next;
+        smaller = smaller->next;
+    }
+    *end = first != nullptr ? first : second;
+    return head;
+}
+
+} // namespace
+
+// A merge sort: what a stable insertion sort gives, but in reasonable time for 100,000 names.  Sorted run i
+// is empty or holds 2^i records that precede those of the runs below it.
+unit* sortUnitList(unit* list) {
+    if (list == nullptr || list->next == nullptr) return list;
+    unit* sorted[64]; // more than any memory can fill
+    size_t runs = 0;
+    while (list != nullptr) {
+        unit* run = list;
+        list = list->next;
+        run->next = nullptr;
+        size_t i = 0;
+        for (; i < runs && sorted[i] != nullptr; ++i) {
+            run = mergeLists(sorted[i], run);
+            sorted[i] = nullptr;
+        }
+        sorted[i] = run;
+        if (i == runs) ++runs;
+    }
+    unit* all = nullptr;
+    for (size_t i = 0; i < runs; ++i) all = mergeLists(sorted[i], all);
+    return all;
+}
+
+unit* reduceUnit(const char* text) {
+    const bool isPrimitive = std::strcmp(text, primitivestring) == 0;
+    Reduction reduction{newUnit(isPrimitive ? primitivestring : ""), text};
+    if (reduction.result == nullptr) {
+        throw_exception1("not enough memory for unit string '%s'", text);
+        return nullptr;
+    }
+    if (isPrimitive) {
+        reduction.result->primitive = 1;
+        return reduction.result.release();
+    }
+    if (std::strchr(text, *divider) != std::strrchr(text, *divider)) {
+        throw_exception2("invalid unit string '%s':  only one '%s' allowed", text, divider);
+        return nullptr;
+    }
+    if (text[std::strspn(text, validchars)] != '\0') {
+        throw_exception1("invalid characters in unit string '%s'", text);
+        return nullptr;
+    }
+    const char* start = text + std::strspn(text, " \t");
+    reduction.remainder = start;
+    if (beginsWithNumber(start)) {
+        char* end = nullptr;
+        reduction.result->factor = std::strtod(start, &end);
+        reduction.remainder = end;
+    }
+    if (!applyTokens(reduction)) return nullptr;
+    unit& result = *reduction.result;
+    result.numerator = sortUnitList(result.numerator);
+    result.denominator = sortUnitList(result.denominator);
+    cancelNames(result);
+    return reduction.result.release();
+}

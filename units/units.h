@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+//
+// Units: reduces a unit expression such as "1.0E-3meter^3" or "km/hr" to a factor times primitive units,
+// converts between two expressions that agree in their primitive units, and lets the user define and remove
+// units.  The catalogue it starts with (41 prefixes, 123 units) is built by the first call
+// that needs it.
+//
+// Unit expressions
+//
+//   [number] factor { separator factor } [ "/" factor { separator factor } ]
+//
+// A separator is a blank, a tab, '*' or '-'.  At most one '/' moves the factors behind it into the divisor.
+// A factor is a unit name of ASCII letters, optionally with a prefix name before it, a plural "s" or "es"
+// behind it, and "^" with an exponent of 1 to 1000.  Behind the '/' a factor may also be a bare number, by
+// which the expression is divided; such a factor counts up to the next separator, whatever follows its
+// digits.  Before the '/' only the leading number is accepted.  A number begins, after an optional sign, with
+// a digit or with a point and a digit; from there it is what strtod reads, in the decimal notation of the
+// process's LC_NUMERIC locale, which has to be "C" for the catalogue to be right.
+// Names, first success wins: the exact name, upper and lower case being different; a prefix and a name, of
+// several such pairs the one whose unit is earliest in the list; the same two without a final "s"; the same
+// two without a final "es".
+//
+// Factors are doubles.  They are not checked for range: a product beyond it is infinite, one below it zero,
+// and the quotient of two infinite ones is not a number.
+//
+// Errors
+//
+// An operation that fails sets the library's error state: a flag and a message without frame or line feed.
+// The state stays until units_clear_exception; callers clear before and check after each call.  In the
+// messages %s stands for the texts named behind them; R is the text behind the leading number.
+//
+//   invalid unit string '%s':  only one '%s' allowed       text, "/"     more than one '/'
+//   invalid characters in unit string '%s'                 text          a character outside `validchars`
+//   illegal zero factor in '%s'                            R or target   a factor or a target that is zero
+//   invalid integer exponent in '%s'                       R             an exponent that is not 1 to 1000,
+//                                                                        or more than 100,000 primitive names
+//   invalid non-alphabetic unit name in '%s'               R             a factor that is not letters only
+//   invalid unit name '%s' in '%s'                         name, R       an unknown unit
+//   '%s' and '%s' have incompatible units                  from, to      unequal primitive units
+//   unit '%s' is already defined                           name
+//   non-alphabetic characters in unit name '%s'            name          also for an empty name
+//   '%s' cannot be reduced to primitive units              definition    replaces the message of its
+//   reduction not enough memory for unit string '%s'                 R or text
+//
+// and from building the catalogue, with an entry's name and its text:
+//
+//   units failure initializing prefix '%s' (%s)
+//   units failure initializing primitive unit '%s'
+//   units failure initializing derived unit '%s' (%s)
+//   units failure initializing non-SI unit '%s' (%s)
+//   units failure initializing abbreviation '%s' (%s)
+//   units failure initializing non-SI abbreviation '%s' (%s)
+//
+// A message whose format and texts together exceed 254 characters is the format alone, its %s as they stand.
+//
+// No text argument may be null.  Nothing throws.  Nothing is re-entrant (shared lists, one thread).
+#ifndef TALLYQUILL_UNITS_H
+#define TALLYQUILL_UNITS_H
+
+#include <cstdint>
+
+// ---------------------------------------------------------------------------------------------------------
+// Public operations.  The first four build the catalogue first while there are no units; if that fails they
+// return their failure value at once, with the catalogue's message in the error state.
+
+// The number of `to` units in one `from` unit; 0.0 with the error state set on failure.  Incompatible units
+// are reported before a zero target.  If both texts are wrong the message is about `to`.
+// A `from` without primitive units (radian, rpm-second, the empty text) converts to anything: the primitive
+// units of `to` are not looked at.
+double units_convert(const char* from, const char* to);
+
+// The reduced form of `text`: the factor as "%lg" prints it, with ".0" behind it if that shows neither point
+// nor exponent, the names of the numerator, and behind " /" those of the denominator, each after a blank
+// ("1000.0 gram meter / second second").  None (null) on failure.  The text belongs to the library and is
+// valid until the next call.
+const char* units_reduce(const char* text);
+
+// Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
+// expression, or as a new primitive unit if the definition is exactly "-primitive".  On failure the error
+// state is set and nothing is defined.
+void units_new(const char* name, const char* definition);
+
+// Removes the unit with exactly this name, from the catalogue or the user's.  Units defined from it stay as
+// they are, and the name can be defined again.  False if it was removed, true if there is no such unit; the
+// error state is set only if the catalogue fails.
+bool removeUnit(const char* name);
+
+// Clears the error state.
+void units_clear_exception();
+
+// The message of the error state (at most 255 characters, valid until the next failure), or none (null).
+const char* units_check_exception();
+
+// Frees every unit and prefix.  The next operation that needs the catalogue builds it anew, without the user's
+// units.
+void unitFreeMemory();
+
+// ---------------------------------------------------------------------------------------------------------
+// Internal operations.
+
+// One known unit, or the result of a reduction, or one name in the numerator or denominator of these.  In
+// these two lists only the names matter; a square is listed twice.
+struct unit {
+    char* name;        // heap text of its own; empty for a reduction
+    double factor;     // how many of the primitive product this unit is worth
+    int32_t primitive; // 1 for a primitive unit, else 0
+    unit* numerator;
+    unit* denominator;
+    unit* next; // the following record of the list that holds this one
+};
+
+constexpr const char* unitNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr const char* validchars = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789. \t*^/+-";
+constexpr const char* separators = " \t*-";
+constexpr const char* divider = "/";
+constexpr const char* primitivestring = "-primitive";
+
+// Builds the catalogue: 0 on success, 1 on failure with the message in the error state; the entries before
+// the failing one stay.  Does nothing and returns 0 while there are units.
+int unitInitialize();
+
+// Reduces a unit expression with the units that exist at the moment: a new record, its lists sorted and
+// without names common to both, which the caller ends with destroyunit; or none (null), the error state set.
+// The text "-primitive" gives a record of that name, marked primitive.
+unit* reduceUnit(const char* text);
+
+// Sorts a list by name in ascending byte order, records of equal names keeping their order.  Returns its new
+// head.
+unit* sortUnitList(unit* list);
+
+// Frees one record, its name and its two lists, but not the records that follow it.  Null is allowed.
+void destroyunit(unit* record);
+
+// Set the error state: the format with its one or two texts, or, if all these together exceed 254 characters,
+// the format as it stands.
+void throw_exception1(const char* format, const char* text);
+void throw_exception2(const char* format, const char* text1, const char* text2);
+
+// Appends to a heap text (new char[], null for an empty one) and returns the grown text, which replaces it;
+// null if there is no memory, the old text then being freed.
+char* stringappend(char* text, const char* more);
+
+#endif
