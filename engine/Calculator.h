@@ -248,7 +248,7 @@ private:
     int CopyBody(const Call& call, const Function* function);
     node* ExpandFunction(const Call& call);
     void ShowDefinition(const Function& function);
-    int AddDefinition(const std::string& name, std::string parameters, const std::string& body);
+    int AddDefinition(const std::string& name, std::string& parameters, const std::string& body);
 
     node* AddVariable(const char* name, const qfloat value);
     void ForgetVariables();

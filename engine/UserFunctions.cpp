@@ -66,7 +66,7 @@ int ZqCalculator::DefineFunction(const char* text) {
     return state;
 }
 
-int ZqCalculator::AddDefinition(const std::string& name, std::string parameters, const std::string& body) {
+int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters, const std::string& body) {
     nameInDefinition = name;
     int state = ScanBody(body);
     nameInDefinition.clear();

@@ -475,11 +475,33 @@ TEST_F(Functions, manyParametersCostTheirTermsOnly) {
     EXPECT_EQ(1599u, calc.work.copied);
 }
 
+TEST_F(Functions, anArgumentWithoutTextOrValueIsReported) {
+    ASSERT_EQ(0, calc.ProcessStr("sqrt(1)"));
+    node* argument = calc.terms.Get(2);
+    argument->type = TERM_NAME;
+    ASSERT_EQ(nullptr, argument->text);
+    EXPECT_EQ(nullptr, calc.ProcFunction(calc.terms.first));
+    EXPECT_STREQ("** ERROR 5: invalid argument in function sqrt **\n", calc.message);
+}
+
+TEST_F(Functions, aCallThatIsNoFlatListIsLeftAsItIs) {
+    for (const char* text :
+         {"sqrt(1+2)", "sqrt(-1)", "sqrt((1))", "SQRT(,)", "mod(1,)", "mod(1", "mod(1,2"}) {
+        ASSERT_EQ(0, calc.ProcessStr(text));
+        const int32_t count = calc.terms.count;
+        const std::string name = calc.terms.first->text;
+        EXPECT_EQ(calc.terms.Get(1), calc.ProcFunction(calc.terms.first)) << text;
+        EXPECT_EQ(count, calc.terms.count);
+        EXPECT_EQ(name, calc.terms.first->text);
+    }
+}
+
 // --- Nothing typed may hang ---
 
 TEST_F(Functions, aPreviewOfTooMuchWorkShowsNothing) {
     DefineChain(25);
     EXPECT_EQ(STATUS_ERROR, Preview("f25(1)"));
+    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
     EXPECT_STREQ("", calc.resultLine);
     EXPECT_LE(calc.work.reduced, 20001u);
     EXPECT_EQ(STATUS_ERROR, Preview("1;f25(1);2"));
