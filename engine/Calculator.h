@@ -229,6 +229,7 @@ private:
     std::vector<node*> OrderOperators(node* first, const node* end, int32_t lowest);
 
     node* NextOperator(node**& next);
+    int ConversionFactor(const char* from, const char* to, qfloat value);
     node* ProcConversion(node* arrow);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
     int ApplyFactorial(const qfloat left, qfloat value);

@@ -3,7 +3,7 @@
 // The command words.
 #include "Calculator.h"
 #include "Helpers_String.h"
-#include "Unavailable.h"
+#include "units.h"
 
 #include <algorithm>
 #include <cstdlib>

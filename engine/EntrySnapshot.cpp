@@ -2,7 +2,7 @@
 #include "EntrySnapshot.h"
 
 #include "Helpers_String.h"
-#include "Unavailable.h"
+#include "units.h"
 
 #include <algorithm>
 #include <cstring>

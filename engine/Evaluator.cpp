@@ -4,9 +4,10 @@
 #include "Calculator.h"
 
 #include "Helpers_String.h"
-#include "Unavailable.h"
+#include "units.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -199,6 +200,22 @@ static bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
 
+// How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
+int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat value) {
+    units_clear_exception();
+    const double factor = units_convert(from, to);
+    if (const char* error = units_check_exception()) return Fail("** ERROR 13: %s **\n", {error});
+    // The unit library works in doubles; beyond their range it has no digits to give.
+    if (!std::isnormal(factor)) {
+        return Fail("** ERROR 13: the factor from '%s' to '%s' is out of range **\n", {from, to});
+    }
+    char digits[40] = "";
+    snprintf(digits, sizeof digits, "%.16g", factor);
+    std::replace(digits, digits + sizeof digits, ',', '.'); // a front end may have set a locale
+    asctoq(digits, value);
+    return 0;
+}
+
 // from -> to: the source unit becomes the number of target units in it.
 node* ZqCalculator::ProcConversion(node* arrow) {
     node* source = arrow->prev;
@@ -207,17 +224,8 @@ node* ZqCalculator::ProcConversion(node* arrow) {
         Fail("** ERROR 12: missing conversion unit **");
         return nullptr;
     }
-    units_clear_exception();
-    const double factor = units_convert(source->text, destination->text);
-    if (const char* error = units_check_exception()) {
-        Fail("** ERROR 13: %s **\n", {error});
-        return nullptr;
-    }
-    char digits[40] = "";
     qfloat value;
-    snprintf(digits, sizeof digits, "%.16g", factor);
-    std::replace(digits, digits + sizeof digits, ',', '.'); // a front end may have set a locale
-    asctoq(digits, value);
+    if (ConversionFactor(source->text, destination->text, value) != 0) return nullptr;
     source->type = TERM_NUMBER;
     source->DropText();
     source->SetValue(value);

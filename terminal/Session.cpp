@@ -5,6 +5,7 @@
 #include "EntryText.h"
 #include "Interrupt.h"
 #include "Web.h"
+#include "units.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +57,16 @@ Session::Session(int answers, int errors) : answers_(answers), errors_(errors) {
     calc_.InitializeFunctionsAndVars();
     setDefaults(calc_);
     calc_.interruptCheck = isInterrupted;
+    testUnits();
+}
+
+void Session::testUnits() {
+    units_clear_exception();
+    units_convert("m", "ft");
+    const char* const error = units_check_exception();
+    if (error == nullptr) return;
+    writeAll(errors_, "Units converter initialization error.\n" + std::string(asLine(error)));
+    units_clear_exception();
 }
 
 Session::Outcome Session::run(std::string_view entry) {

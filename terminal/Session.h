@@ -17,7 +17,8 @@ public:
         OutputLost   // the answer could not be written; errno says why
     };
 
-    // Answers are written to the descriptor `answers`, errors to `errors`. Both stay the caller's.
+    // Answers are written to the descriptor `answers`, errors to `errors`. Both stay the caller's. Builds the
+    // catalogue of units and says so on `errors` when a conversion from m to ft fails.
     Session(int answers, int errors);
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
@@ -38,6 +39,7 @@ public:
     Outcome carryOut(std::string_view command);
 
 private:
+    void testUnits();
     Outcome refuse(std::string_view message);
     Outcome evaluate(std::string_view entry);
     Outcome pause(long milliseconds);

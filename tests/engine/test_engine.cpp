@@ -20,6 +20,7 @@ class Engine : public testing::Test {
 protected:
     Engine() {
         deleteAllFunctions();
+        deleteAllUnits();
         calc.InitializeFunctionsAndVars();
     }
 

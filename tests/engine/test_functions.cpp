@@ -25,6 +25,7 @@ class Functions : public testing::Test {
 protected:
     Functions() {
         deleteAllFunctions();
+        deleteAllUnits();
         calc.InitializeFunctionsAndVars();
     }
     ~Functions() override { deleteAllFunctions(); }
@@ -407,6 +408,7 @@ TEST_F(Functions, callsGiveWhatOrderingEverythingAnewGives) {
     for (int i = 0; i < 4000; i++) {
         if (i % 20 == 0) {
             deleteAllFunctions();
+            deleteAllUnits();
             calc.InitializeFunctionsAndVars();
             rule.InitializeVarsList();
             Enter("ident(x)=x");

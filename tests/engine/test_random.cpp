@@ -98,6 +98,7 @@ TEST(RandomLines, everyLineGetsOneWellFormedAnswer) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     deleteAllFunctions();
+    deleteAllUnits();
     ZqCalculator calc;
     calc.InitializeFunctionsAndVars();
     for (int i = 0; i < 30000; i++) {

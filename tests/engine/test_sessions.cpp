@@ -58,6 +58,7 @@ class Session {
 public:
     explicit Session(const std::string& path) : file(path) {
         deleteAllFunctions();
+        deleteAllUnits();
         calc.InitializeFunctionsAndVars();
         calc.sigFigs = 10;
         calc.sciMode = SCI_AUTO;

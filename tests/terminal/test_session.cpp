@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include "units.h"
+
 #include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
@@ -38,6 +40,14 @@ protected:
     int errors_[2] = {-1, -1};
     std::unique_ptr<Session> session_;
 };
+
+TEST_F(SessionTest, SaysAtTheStartWhenUnitsDoNotConvert) {
+    EXPECT_EQ(errors(), "");
+    removeUnit("m");
+    const Session broken(answers_[1], errors_[1]);
+    EXPECT_EQ(errors(), "Units converter initialization error.\ninvalid unit name 'm' in 'm'\n");
+    unitFreeMemory();
+}
 
 TEST_F(SessionTest, AnswersAndErrorsTakeTheirOwnWays) {
     EXPECT_EQ(session_->run("2+3*4"), Outcome::Answered);
