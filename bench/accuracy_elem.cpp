@@ -137,6 +137,34 @@ void addFactorial() {
                    }});
 }
 
+void addDecimalScaling() {
+    accuracy::add({"qdecexp", "x 2^-100 to 2^100, n up to 9800", many,
+                   [](Random& random, qfloat x, qfloat y) {
+                       drawNumber(random, -100, 100, false, x);
+                       drawInteger(random, -9800, 9800, y);
+                   },
+                   [](const qfloat x, const qfloat y, qfloat z) {
+                       int64_t n;
+                       qfloat fraction;
+                       qifrac(y, &n, fraction);
+                       qmov(x, z);
+                       qdecexp(z, n);
+                   },
+                   [](mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr y) {
+                       // The power is exact where it is whole: 10^9800 has 32,556 bits.
+                       mpfr_t power;
+                       mpfr_init2(power, 33000);
+                       mpfr_ui_pow_ui(power, 10, static_cast<unsigned long>(labs(mpfr_get_si(y, MPFR_RNDN))),
+                                      MPFR_RNDN);
+                       if (mpfr_sgn(y) < 0) {
+                           mpfr_div(z, x, power, MPFR_RNDN);
+                       } else {
+                           mpfr_mul(z, x, power, MPFR_RNDN);
+                       }
+                       mpfr_clear(power);
+                   }});
+}
+
 void addRemainder() {
     const auto add = [](const char* arguments, int64_t reach) {
         accuracy::add({"qremain", arguments, many,
@@ -158,6 +186,7 @@ const accuracy::Rows rows([] {
     addPowers();
     addFactorial();
     addRemainder();
+    addDecimalScaling();
 });
 
 } // namespace

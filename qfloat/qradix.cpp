@@ -4,6 +4,7 @@
 #include "qfloat.h"
 #include "qregister.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -109,7 +110,8 @@ void qtohex(const qfloat x, char* buffer, bool twos) {
 }
 
 void qtobin(const qfloat x, char* buffer, bool twos) {
-    const int64_t ownTop = int64_t{x[1]} - exponentBias - 1;
+    // No number has an exponent above the overflow value's; a broken word must not count chunks without end.
+    const int64_t ownTop = int64_t{std::min(x[1], overflowExponent)} - exponentBias - 1;
     const bool minus = x[0] != 0 && !twos; // lost here also where no complement is taken
     bool negative;
     shiftInteger(x, twos, negative);

@@ -17,9 +17,12 @@ constexpr uint32_t overflowExponent = 0x10000;
 constexpr uint32_t negativeSign = 0xFFFFFFFF;
 
 extern uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
-extern int32_t SC;  // shift count: left by normlz for its callers, consumed by shift
-extern char subflg; // 1 after a difference of magnitudes, 0 after a sum (where the
-                    // operands met no further than their exponents or were equal: 1 after qsub, 0 after qadd)
+extern int32_t SC; // shift count: left by normlz for its callers, consumed by shift
+
+// 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be added
+// up, 1 after qsub and 0 after qadd.  qlogic's rounding reads it.  The elementary and circular functions do
+// not add numbers up and leave it alone.
+extern char subflg;
 
 void shdn1(uint32_t* r); // shift right by 1, 8, 16 bits
 void shdn8(uint32_t* r);

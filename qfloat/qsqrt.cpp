@@ -5,7 +5,7 @@
 // For m in [1/4, 1), R = 1 / (2 sqrt m) lies in (1/2, 1].  From a machine number a little below R,
 //   R <- R + 2 R (1/4 - m R^2)
 // doubles the number of right bits and never passes the root, so that every difference is non-negative.
-// After two steps (208 bits) the root itself, s = 2 m R, is corrected once by R (m - s^2).
+// After two steps (about 197 bits) the root itself, s = 2 m R, is corrected once by R (m - s^2).
 #include "qelem.h"
 #include "qfloat.h"
 #include "qregister.h"

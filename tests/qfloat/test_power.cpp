@@ -315,4 +315,19 @@ TEST_F(RandomPower, IsUndoneByTheReciprocalExponent) {
     }
 }
 
+TEST_F(RandomPower, NeverFallsFromOneNumberToTheNext) {
+    const auto notAbove = [](const Number& a, const Number& b) { return qcmp(a.data(), b.data()) <= 0; };
+    for (int i = 0; i < cases && !HasFailure(); ++i) {
+        Number x = randomWithin(random, 1, 40, true); // at least 1
+        const Number y = randomWithin(random, -20, 8, true);
+        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, neighbour(x, 1), y).value))
+            << show(x) << show(y);
+        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, x, neighbour(y, 1)).value))
+            << show(x) << show(y);
+        const Number n = number(static_cast<double>(random.between(1, 500)));
+        EXPECT_TRUE(notAbove(run(qpowi, x, n).value, run(qpowi, neighbour(x, 1), n).value))
+            << show(x) << show(n);
+    }
+}
+
 } // namespace
