@@ -53,6 +53,7 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     while (start > 0) {
         const char c = text[start - 1];
         if (isSpaceOrTab(c) || strchr("()[]{}=,", c)) break;
+        if (c == '.' && start > 1 && IsDigit(text[start - 2])) break; // 5.km
         if (!IsDigit(c))
             inExponent = false;
         else if (!inExponent && !(inExponent = endsUnitExponent(text, start)))
@@ -110,6 +111,16 @@ static std::string_view lastOperand(std::string_view text) {
     return text.substr(start);
 }
 
+// The first sign at or behind `from` that is none of a conversion's units, as in N-m: these reach from the mark
+// to the next ')'.
+static size_t findSign(const std::string& text, size_t from) {
+    for (size_t pos = from; pos < text.size(); pos++) {
+        if (text[pos] == CVSstr[0]) pos = std::min(text.find(')', pos), text.size());
+        if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) return pos;
+    }
+    return std::string::npos;
+}
+
 // Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20. The sign of an
 // exponent belongs to its number.
 static std::string moveSignsForward(const std::string& text) {
@@ -117,9 +128,9 @@ static std::string moveSignsForward(const std::string& text) {
     std::string moved;
     size_t start = 0;
     while (start < text.size()) {
-        size_t sign = text.find_first_of("+-", start);
+        size_t sign = findSign(text, start);
         while (sign != std::string::npos && isExponentSign(lastOperand(view.substr(start, sign - start)))) {
-            sign = text.find_first_of("+-", sign + 1);
+            sign = findSign(text, sign + 1);
         }
         const bool isLast = sign == std::string::npos;
         moved += isLast ? '+' : text[sign];
@@ -195,7 +206,7 @@ int ZqCalculator::ScanTerms(const std::string& text) {
             pos++;
             continue;
         }
-        AppendOperand(operand, code == OP_OPEN);
+        AppendOperand(operand, inUnit, code == OP_OPEN);
         if (code == OP_OPEN) isCall.push_back(terms.last && terms.last->type == TERM_FUNC);
         if (code == OP_CLOSE && !isCall.empty()) isCall.pop_back();
         if (code == OP_UNIT_MARK) inUnit = true;
@@ -204,7 +215,7 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         pos += strlen(getOp(code).text);
         start = pos;
     }
-    AppendOperand(view.substr(start), false);
+    AppendOperand(view.substr(start), inUnit, false);
     return 0;
 }
 
@@ -213,10 +224,12 @@ bool ZqCalculator::IsFunctionName(const char* name) const {
     return funcs.FunctionExists(name, -1) || strIsEqualI(name, nameInDefinition.c_str());
 }
 
-void ZqCalculator::AppendOperand(std::string_view text, bool beforeParenthesis) {
+// A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a thousandth.
+void ZqCalculator::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
     if (text.empty()) return;
     node* term = terms.Push(StrDuplicate(text));
     term->type = TERM_NAME;
+    if (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) return;
     if (VariableExists(term->text)) return;
     qfloat value;
     if (Str2Num(term->text, value) == 0) {
