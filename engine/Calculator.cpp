@@ -16,6 +16,9 @@ static void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
     out[length] = '\0';
 }
 
+// What showing a result costs a preview, in reductions: the digits take as long as some sums.
+constexpr uint64_t RESULT_REDUCTIONS = 50;
+
 // The line an empty entry repeats: only one that assigned, or used the last answer.
 static bool isRepeatable(const char* line) {
     return line && (strstr(line, "ans") || strchr(line, '='));
@@ -63,9 +66,10 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 
 void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
     for (const std::string& statement : statements) {
-        status = Calculate(statement.c_str());
         resultLine[0] = '\0';
-        if (status == STATUS_RESULT) ShowResult();
+        status = BeginStatement();
+        if (status == STATUS_RESULT) status = Calculate(statement.c_str());
+        if (status == STATUS_RESULT) status = ShowResult();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
     }
 }
@@ -101,12 +105,14 @@ std::string ZqCalculator::ResultText(size_t nameLength) {
     return text;
 }
 
-void ZqCalculator::ShowResult() {
+int ZqCalculator::ShowResult() {
+    if (!fullEntry && Spend(RESULT_REDUCTIONS, 0) != 0) return STATUS_ERROR;
     const std::string text = ResultText(strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
     lastValue = target->value;
     lastName = target->text;
     if (fullEntry) copyText(lastAnswer, text);
+    return STATUS_RESULT;
 }
 
 int ZqCalculator::Calculate(const char* statement) {
@@ -139,7 +145,11 @@ int ZqCalculator::EvaluateTerms() {
 void ZqCalculator::StoreResult() {
     qfixintegers(result);
     if (!fullEntry) return;
-    if (newVariable) vars.Push(newVariable.release());
+    if (newVariable) {
+        const bool allChecked = checkedVariables == vars.insertions;
+        vars.Push(newVariable.release());
+        if (allChecked) checkedVariables = vars.insertions; // this name was checked when it was read
+    }
     target->SetValue(result);
 }
 

@@ -48,6 +48,7 @@ struct WorkCounters {
     uint64_t ordered = 0; // terms visited by OrderOperatorStack
     uint64_t reduced = 0; // operators applied by ProcTermsLoop
     uint64_t copied = 0;  // terms copied by expanding the calls of functions
+    uint64_t names = 0;   // variables whose names were checked
 };
 
 class ZqCalculator {
@@ -86,9 +87,10 @@ public:
     bool initialized = false; // InitializeFunctionsAndVars has run
     bool interrupted = false; // the last entry was stopped by interruptCheck
 
-    // Asked every few hundred reductions of a full entry, a few milliseconds apart at most. True stops the entry
-    // with "** ERROR: interrupted **\n"; variables, functions, units and settings are then as they were before it,
-    // also those that earlier statements of the line had changed. The history keeps the line.
+    // Asked before each statement of a full entry and every few hundred reductions, a few milliseconds apart at
+    // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are
+    // then as they were before it, also those that earlier statements of the line had changed. The history keeps
+    // the line.
     bool (*interruptCheck)() = nullptr;
 
     WorkCounters work;
@@ -102,8 +104,8 @@ public:
     void InitializeFunctionsAndVars();
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
-    // statement that ran, also left in `status`. A preview that takes more than 20,000 reductions or 200,000 copied
-    // terms is given up: status -1.
+    // statement that ran, also left in `status`. A preview that takes more than 20,000 reductions (showing a
+    // statement's result counts as 50) or 200,000 copied terms is given up: status -1.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
@@ -200,11 +202,14 @@ private:
     uint64_t unchecked = 0;
     size_t longTexts = 0;
 
+    uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
+
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
     std::vector<std::string> SplitStatements(const std::string& line) const;
     std::string ResultText(size_t nameLength);
-    void ShowResult();
+    int BeginStatement();
+    int ShowResult();
     int EvaluateTerms();
     void StoreResult();
     void DiscardNewTarget();

@@ -33,6 +33,29 @@ enum class Match {
     Function      // the whole statement is the name of a function
 };
 
+// All lines, or as many as fit and how many more there are.
+class Listing {
+public:
+    // `makeLine` returns the line; it is not called once a line did not fit.
+    template <class MakeLine> void Add(MakeLine makeLine) {
+        if (more == 0) {
+            const std::string line = makeLine();
+            if (text.size() + line.size() + 1 < ROOM) {
+                text += line + "\n";
+                return;
+            }
+        }
+        more++;
+    }
+
+    std::string Text() const { return more == 0 ? text : text + "... " + std::to_string(more) + " more\n"; }
+
+private:
+    static constexpr size_t ROOM = TEXT_SIZE - 64; // beside the closing line
+    std::string text;
+    size_t more = 0;
+};
+
 } // namespace
 
 // One statement as the command words see it.
@@ -221,30 +244,20 @@ struct Commands {
 
     // --- Lists ---
 
-    // All lines, or as many as fit and how many more there are.
-    static int ConfirmLines(ZqCalculator& calc, const std::vector<std::string>& lines) {
-        const size_t room = sizeof calc.message - 64; // for the closing line
-        std::string text;
-        size_t shown = 0;
-        for (; shown < lines.size() && text.size() + lines[shown].size() + 1 < room; shown++) {
-            text += lines[shown] + "\n";
-        }
-        if (shown < lines.size()) text += "... " + std::to_string(lines.size() - shown) + " more\n";
-        return Confirm(calc, text);
-    }
-
     static int ListUnits(ZqCalculator& calc, const CommandText&) {
-        std::vector<std::string> lines;
-        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) lines.emplace_back(unit->text);
-        return ConfirmLines(calc, lines);
+        Listing listing;
+        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
+            listing.Add([unit] { return std::string(unit->text); });
+        }
+        return Confirm(calc, listing.Text());
     }
 
     static int ListFunctions(ZqCalculator& calc, const CommandText&) {
-        std::vector<std::string> lines;
+        Listing listing;
         for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
-            if (function->body) lines.push_back(function->ToString());
+            if (function->body) listing.Add([function] { return function->ToString(); });
         }
-        return ConfirmLines(calc, lines);
+        return Confirm(calc, listing.Text());
     }
 
     static int ShowFunction(ZqCalculator& calc, const CommandText& text) {

@@ -40,6 +40,11 @@ int ZqCalculator::Spend(uint64_t reductions, uint64_t copies) {
     return CheckInterrupt(reductions + copies);
 }
 
+// Statements that evaluate nothing, such as commands that list, count as work too.
+int ZqCalculator::BeginStatement() {
+    return CheckInterrupt(WORK_BETWEEN_CHECKS);
+}
+
 int ZqCalculator::CheckInterrupt(uint64_t units) {
     unchecked += units;
     if (unchecked < WORK_BETWEEN_CHECKS) return 0;

@@ -12,7 +12,7 @@
 constexpr int32_t MAX_CALL_LEVEL = 100;
 constexpr int32_t MAX_TERMS = 250000;
 
-// An argument of many characters can be copied to many places.
+// A name of many characters, in an argument or a body, can be copied to many places.
 constexpr size_t LONG_TEXT = 64;
 constexpr size_t MAX_LONG_TEXTS = 16 << 20;
 
@@ -89,11 +89,17 @@ void ZqCalculator::ShowDefinition(const Function& function) {
 
 // --- Expanding a call ---
 
+static bool isLong(const char* text) {
+    return text && strnlen(text, LONG_TEXT + 1) > LONG_TEXT;
+}
+
+// A number is known by its value: the digits of a long one are left behind.
 static node* copyTerm(const node* term, int32_t level) {
     node* copy = new node;
     copy->type = term->type;
     copy->level = level;
-    if (term->text) copy->text = StrDuplicate(term->text);
+    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
+    if (term->text && !isLongNumber) copy->text = StrDuplicate(term->text);
     if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
     return copy;
 }
@@ -115,8 +121,7 @@ int ZqCalculator::CopyBody(const Call& call, const Function* function) {
         const int32_t parameter = function->parameters[i];
         const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
         node* copy = terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
-        const size_t length = parameter >= 0 && copy->text ? strlen(copy->text) : 0;
-        if (length > LONG_TEXT) longTexts += length;
+        if (isLong(copy->text)) longTexts += strlen(copy->text);
         if (longTexts > MAX_LONG_TEXTS) {
             return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
         }

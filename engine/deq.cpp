@@ -108,6 +108,7 @@ node* Deq::Insert(node* term, node* before) {
     (after ? after->next : first) = term;
     (before ? before->prev : last) = term;
     count++;
+    insertions++;
     return term;
 }
 

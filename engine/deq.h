@@ -98,6 +98,7 @@ public:
     node* first = nullptr;
     node* last = nullptr;
     int32_t count = 0;
+    uint64_t insertions = 0; // how many nodes were ever put in
 
     Deq() = default;
     ~Deq() { Clear(); }

@@ -265,6 +265,8 @@ TEST_F(Engine, anInterruptedEntryAnswersSoAndChangesNothing) {
     EXPECT_FALSE(calc.interrupted);
     calc.interruptCheck = stopAlways;
     EXPECT_EQ(STATUS_RESULT, Preview(line));
+    EXPECT_EQ("** ERROR: interrupted **\n", Answer("1+1"));
+    calc.interruptCheck = stopNever;
     EXPECT_EQ("ans = 2\n", Answer("1+1"));
 }
 

@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+//
+// Nothing typed may hang: the limits of previews, of copies and of recursion.
+#include "Helpers_String.h"
+#include "functions_fixture.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+namespace {
+
+TEST_F(Functions, aPreviewOfTooMuchWorkShowsNothing) {
+    DefineChain(25);
+    EXPECT_EQ(STATUS_ERROR, Preview("f25(1)"));
+    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+    EXPECT_STREQ("", calc.resultLine);
+    EXPECT_LE(calc.work.reduced, 20001u);
+    EXPECT_EQ(STATUS_ERROR, Preview("1;f25(1);2"));
+    EXPECT_STREQ("", calc.resultLine);
+    EXPECT_EQ(STATUS_RESULT, Preview("f10(1)"));
+    EXPECT_STREQ("ans = 1024\n", calc.resultLine);
+    EXPECT_EQ("ans = 131072\n", Answer("f17(1)")); // an entry has no such limit
+}
+
+TEST_F(Functions, aPreviewsStatementsShareItsLimit) {
+    DefineChain(11);
+    ASSERT_EQ(STATUS_RESULT, Preview("f11(1)"));
+    EXPECT_EQ(STATUS_ERROR, Preview(repeated("f11(1);", 900)));
+    EXPECT_EQ(STATUS_RESULT, Preview("f11(1)"));
+}
+
+TEST_F(Functions, aPreviewOfTooManyCopiesShowsNothing) {
+    Enter("wide(x)=x" + repeated("+x", 4900));
+    Enter("wider(x)=wide(x)" + repeated("+wide(x)", 500));
+    EXPECT_EQ(STATUS_ERROR, Preview("wider(1)"));
+    EXPECT_LE(calc.work.copied, 210000u);
+    EXPECT_LE(calc.work.reduced, 20001u);
+}
+
+// Each of these would format a result: 50 reductions.
+TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
+    EXPECT_EQ(STATUS_RESULT, Preview(repeated("1;", 400)));
+    EXPECT_STREQ("ans = 1\n", calc.resultLine);
+    EXPECT_EQ(STATUS_ERROR, Preview(repeated("1;", 401)));
+    EXPECT_STREQ("", calc.resultLine);
+    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+    EXPECT_EQ(STATUS_RESULT, Enter(repeated("1;", 999)));
+}
+
+TEST_F(Functions, aListIsFormattedAsFarAsItFits) {
+    const std::string body = "x" + repeated("+1.5e-300", 1105);
+    for (int i = 0; i < 120; i++) Enter("f" + std::to_string(i) + "(x)=" + body);
+    const auto timeOf = [this](const char* command) {
+        const std::clock_t start = std::clock();
+        for (int i = 0; i < 3; i++) Enter(command);
+        return std::clock() - start;
+    };
+    const std::clock_t one = timeOf("f0");
+    EXPECT_LT(timeOf("list"), 30 * one);
+    EXPECT_STREQ("mod(x,d)=x%d\n... 120 more\n", calc.message);
+}
+
+int checks = 0;
+int checksUntilStop = 0;
+std::clock_t lastCheck = 0;
+double longestWork = 0; // milliseconds of processor time between two checks
+
+// What the sanitizers add is not the engine's.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define IS_SANITIZED
+#endif
+#endif
+#ifdef IS_SANITIZED
+constexpr double longestAllowed = 500;
+#else
+constexpr double longestAllowed = 10;
+#endif
+
+bool countChecks() {
+    const std::clock_t now = std::clock();
+    if (checks++ > 0) {
+        longestWork = std::max(longestWork, 1000.0 * static_cast<double>(now - lastCheck) / CLOCKS_PER_SEC);
+    }
+    lastCheck = now;
+    return checks >= checksUntilStop;
+}
+
+void stopAfter(ZqCalculator& calc, int number) {
+    checks = 0;
+    checksUntilStop = number;
+    longestWork = 0;
+    calc.interruptCheck = countChecks;
+}
+
+TEST_F(Functions, aLongEntryIsAskedOftenAndStops) {
+    DefineChain(25);
+    stopAfter(calc, 200);
+    EXPECT_EQ("** ERROR: interrupted **\n", Answer("y=f25(1)"));
+    EXPECT_TRUE(calc.interrupted);
+    EXPECT_EQ(nullptr, calc.VariableExists("y"));
+    EXPECT_LE(calc.work.reduced + calc.work.copied, 200u * 256u + 20u);
+}
+
+TEST_F(Functions, everyStatementOfAnEntryAsks) {
+    for (const char* statement : {"list;", "mod;", "disp pi;", ";", "1;"}) {
+        stopAfter(calc, 6);
+        EXPECT_EQ("** ERROR: interrupted **\n", Answer(repeated(statement, 999))) << statement;
+        EXPECT_TRUE(calc.interrupted);
+        EXPECT_EQ(6, checks);
+    }
+    stopAfter(calc, 1000000);
+    EXPECT_EQ(STATUS_MESSAGE, Enter(repeated("list;", 999)));
+    EXPECT_EQ(999, checks);
+}
+
+TEST_F(Functions, aSingleStatementAsksBeforeItRuns) {
+    for (const char* statement : {"x=1", "del mod", "f(x)=x", "mode rad", "gospel", "unit fur=220 yard"}) {
+        stopAfter(calc, 1);
+        EXPECT_EQ("** ERROR: interrupted **\n", Answer(statement));
+    }
+    calc.interruptCheck = nullptr;
+    EXPECT_EQ(nullptr, calc.VariableExists("x"));
+    EXPECT_EQ("mod(x,d)=x%d\n", Answer("list"));
+    EXPECT_EQ("", Answer("list units"));
+    EXPECT_EQ(STATUS_MESSAGE, Enter("gospel"));
+}
+
+TEST_F(Functions, theWorkBetweenTwoChecksIsShort) {
+    // The dearest there is: circular functions of huge arguments, and bodies of thousands of terms.
+    Enter("wide(x)=x" + repeated("+x", 4900));
+    stopAfter(calc, 1000000);
+    Enter("0" + repeated("+sin(1e99)", 990));
+    EXPECT_GT(checks, 10);
+    EXPECT_LT(longestWork, longestAllowed);
+    stopAfter(calc, 1000000);
+    Enter("1" + repeated("+wide(1)", 100));
+    EXPECT_GT(checks, 1500);
+    EXPECT_LT(longestWork, longestAllowed);
+    Enter("long(x)=x" + repeated("+1e-9000", 1200));
+    stopAfter(calc, 1000000);
+    Enter(repeated("long;list;", 20));
+    EXPECT_EQ(40, checks);
+    EXPECT_LT(longestWork, longestAllowed);
+}
+
+TEST_F(Functions, theStatementsOfAnInterruptedEntryAreTakenBack) {
+    DefineChain(25);
+    Enter("a=1;b=2;del2=3;sigfigs 7;mode deg;5");
+    Enter("keep(x)=x+1");
+    Enter("gone(x)=x+2");
+    calc.unitDefs.Push(StrDuplicate("unit fur=220 yard"));
+    const std::string functionsBefore = Answer("list");
+    Enter("b=2");
+    stopAfter(calc, 18 + 3); // in the last of the 18 statements
+    EXPECT_EQ("** ERROR: interrupted **\n",
+              Answer("a=10; c=4; del b; sigfigs 50; mode rad; scimode eng; display hex; european on;"
+                     "histstack off; keep(x)=x; keep(x)=x*2; del gone; fresh(x)=x; del sqrt; del fur; "
+                     "gospel; 7; f25(1)"));
+    EXPECT_GT(calc.work.reduced, 10u);
+    calc.interruptCheck = nullptr;
+    EXPECT_EQ("ans = 1\n", Answer("a"));
+    EXPECT_EQ("ans = 2\n", Answer("b"));
+    EXPECT_EQ("** ERROR 7: invalid term = c **\n", Answer("c"));
+    EXPECT_EQ(functionsBefore, Answer("list"));
+    EXPECT_EQ("ans = 3\n", Answer("sqrt(9)"));
+    EXPECT_STREQ("sqrt", funcs.Get(18)->name);
+    EXPECT_EQ("unit fur=220 yard\n", Answer("list units"));
+    EXPECT_TRUE(calc.degreeMode);
+    EXPECT_EQ(7, calc.sigFigs);
+    EXPECT_EQ(SCI_AUTO, calc.sciMode);
+    EXPECT_EQ(10, calc.displayBase);
+    EXPECT_FALSE(calc.european);
+    EXPECT_TRUE(calc.histStack);
+    EXPECT_EQ(STATUS_MESSAGE, Enter("gospel"));
+    ASSERT_NE(nullptr, calc.vars.first);
+    EXPECT_STREQ("ans", calc.vars.first->text);
+}
+
+TEST_F(Functions, anEntryInterruptedAfterDelAllHasItsVariables) {
+    DefineChain(25);
+    Enter("a=1;b=a/3");
+    Enter("42");
+    stopAfter(calc, 3 + 1);
+    EXPECT_EQ("** ERROR: interrupted **\n", Answer("del all; x=1; f25(1)"));
+    EXPECT_GT(calc.work.reduced, 10u);
+    calc.interruptCheck = nullptr;
+    EXPECT_STREQ("42", calc.lastAnswer);
+    EXPECT_STREQ("ans", calc.lastName);
+    EXPECT_EQ("ans = 42\n", Answer("ans"));
+    EXPECT_EQ("ans = 1\n", Answer("b*3"));
+    EXPECT_EQ(4, calc.vars.count);
+    EXPECT_EQ("ans = 8\n", Answer("x=8;f1(x)-1"));
+}
+
+TEST_F(Functions, anEntryThatIsNotInterruptedKeepsItsChanges) {
+    stopAfter(calc, 1000000);
+    EXPECT_EQ("ans = 3\n", Answer("f(x)=x; del mod; f(x)=x+1; f(2)"));
+    EXPECT_EQ("f(x)=x+1\n", Answer("list"));
+    EXPECT_EQ("** ERROR: divide by zero **\n", Answer("g(x)=x;y=1;1/0"));
+    EXPECT_EQ("ans = 1\n", Answer("y"));
+    EXPECT_EQ("g(x)=x\n", Answer("g"));
+}
+
+TEST_F(Functions, circularFunctionsEndWithTheirError) {
+    const char* const error = "** ERROR 5.1: circular function suspected: f **\n";
+    Enter("f(x)=f(x)+1");
+    EXPECT_EQ(error, Answer("f(1)"));
+    Enter("f(x)=f(x)+f(x)");
+    EXPECT_EQ(error, Answer("f(1)"));
+    // The list of terms has a limit too, however long the body is.
+    Enter("f(x)=x" + repeated("+x", 4900) + "+f(x)");
+    EXPECT_EQ(error, Answer("f(1)"));
+    EXPECT_LE(calc.work.copied, 250000u);
+    Enter("g(x)=x");
+    Enter("f(x)=g(x)+1");
+    Enter("g(x)=f(x)+1");
+    EXPECT_EQ(error, Answer("f(1)"));
+    EXPECT_EQ("** ERROR 5.1: circular function suspected: g **\n", Answer("g(1)"));
+}
+
+TEST_F(Functions, longArgumentsAreNotCopiedWithoutEnd) {
+    Enter("f(x,y)=x" + repeated("+x", 4000));
+    const std::string name(9900, 'a');
+    EXPECT_EQ("** ERROR 5.1: circular function suspected: f **\n", Answer("f(" + name + ",1)"));
+    Enter("g(x)=" + name);
+    Enter("f(x)=g(1)" + repeated("+g(1)", 1900) + "+f(x)");
+    EXPECT_EQ("** ERROR 5.1: circular function suspected: g **\n", Answer("f(1)"));
+}
+
+TEST_F(Functions, theDigitsOfALongNumberAreNotCopied) {
+    Enter("f(x,y)=x" + repeated("+x", 4000));
+    EXPECT_EQ("ans = 4001\n", Answer("f(0x" + std::string(9900, '0') + "1,1)"));
+    const std::string definition = "g(x)=0x" + std::string(9900, '0') + "1";
+    EXPECT_EQ(definition + "\n", Answer(definition));
+    EXPECT_EQ("ans = 1900\n", Answer("g(1)" + repeated("+g(1)", 1899)));
+    EXPECT_EQ(definition + "\n", Answer("g"));
+}
+
+} // namespace
