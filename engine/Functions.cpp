@@ -11,6 +11,9 @@
 
 CFunctionList funcs;
 
+// The exponent word of the overflow value.
+constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
+
 Function::~Function() {
     delete[] name;
     delete body;
@@ -21,6 +24,9 @@ Function::~Function() {
 static void appendNumber(std::string& text, const node* term) {
     if (term->text) {
         text += term->text;
+    } else if (term->value && (*term->value)[1] >= OVERFLOW_EXPONENT) {
+        // What the display shows for it cannot be read again; a number above the range can.
+        text += qisneg(*term->value) ? "-1e9999" : "1e9999";
     } else if (term->value) {
         char digits[FORMAT_SIZE];
         qtoascii(*term->value, digits, 100, SCI_AUTO, '\0');
@@ -91,16 +97,37 @@ static void bindParameters(Function* function) {
     }
 }
 
+// The key of the index by name: names are compared without their case.
+static std::string folded(const char* name) {
+    std::string key = name;
+    for (char& c : key) c = LowerCase(c);
+    return key;
+}
+
+void CFunctionList::Unindex(const Function* function) {
+    const auto found = byName.find(folded(function->name));
+    if (found == byName.end()) return;
+    std::vector<Function*>& namesakes = found->second;
+    namesakes.erase(std::remove(namesakes.begin(), namesakes.end(), function), namesakes.end());
+    if (namesakes.empty()) byName.erase(found);
+}
+
+const std::vector<Function*>& CFunctionList::Namesakes(const char* name) const {
+    static const std::vector<Function*> none;
+    const auto found = byName.find(folded(name));
+    return found == byName.end() ? none : found->second;
+}
+
 Function* CFunctionList::FindNamesake(const char* name, int32_t argCount, bool isPredefined) const {
-    for (Function* candidate : functions) {
-        if (argCount != candidate->argCount || isPredefined != (candidate->body == nullptr)) continue;
-        if (strIsEqualI(candidate->name, name)) return candidate;
+    for (Function* candidate : Namesakes(name)) {
+        if (argCount == candidate->argCount && isPredefined == (candidate->body == nullptr)) return candidate;
     }
     return nullptr;
 }
 
 void CFunctionList::Append(Function* function) {
     functions.push_back(function);
+    byName[folded(function->name)].push_back(function);
     if (recording) changes.push_back({function, functions.size() - 1, true});
     TabCompleteReset();
 }
@@ -134,6 +161,7 @@ void CFunctionList::DeleteFunction(const Function* function) {
     const auto found = std::find(functions.begin(), functions.end(), function);
     if (found == functions.end()) return;
     const auto position = found - functions.begin();
+    Unindex(function);
     if (recording)
         changes.push_back({*found, static_cast<size_t>(position), false});
     else
@@ -144,19 +172,17 @@ void CFunctionList::DeleteFunction(const Function* function) {
 }
 
 Function* CFunctionList::FunctionExists(const char* name, int32_t argCount) const {
-    const bool isLog = strIsEqualNI(name, "log", 3);
+    if (!strIsEqualNI(name, "log", 3)) return FindByName(name, argCount);
     for (Function* candidate : functions) {
         if (argCount != -1 && candidate->argCount != argCount) continue;
-        if (strIsEqualI(candidate->name, name)) return candidate;
-        if (isLog && !candidate->body) return candidate;
+        if (!candidate->body || strIsEqualI(candidate->name, name)) return candidate;
     }
     return nullptr;
 }
 
 Function* CFunctionList::FindByName(const char* name, int32_t argCount) const {
-    for (Function* candidate : functions) {
-        if (argCount != -1 && candidate->argCount != argCount) continue;
-        if (strIsEqualI(candidate->name, name)) return candidate;
+    for (Function* candidate : Namesakes(name)) {
+        if (argCount == -1 || candidate->argCount == argCount) return candidate;
     }
     return nullptr;
 }
@@ -205,6 +231,8 @@ void CFunctionList::UndoChanges() {
             functions.insert(place, change.function);
         }
     }
+    byName.clear();
+    for (Function* function : functions) byName[folded(function->name)].push_back(function);
     recording = false;
     current = static_cast<ptrdiff_t>(functions.size());
     TabCompleteReset();

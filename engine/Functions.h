@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 // One definition.
@@ -28,7 +29,7 @@ struct Function {
 
     // The definition as text that can be typed again: "mod(x,d)=x%d", "g()=5"; the head alone for a predefined
     // function. Numbers are those typed as 0x..., others are shown in auto mode with 100 digits, without
-    // separator and with a '.'; the start of a unit is a blank and a conversion "->".
+    // separator and with a '.'; the overflow value is 1e9999; the start of a unit is a blank and a conversion "->".
     std::string ToString() const;
 
     // The same into a buffer of 10,000 bytes, cut at 9,999 characters.
@@ -92,8 +93,13 @@ private:
 
     Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
     void Append(Function* function);
+    void Unindex(const Function* function);
+
+    // The functions with this name, case ignored, in the order of the list.
+    const std::vector<Function*>& Namesakes(const char* name) const;
 
     std::vector<Function*> functions;
+    std::unordered_map<std::string, std::vector<Function*>> byName; // by the name in lower case
     std::vector<Change> changes;
     bool recording = false;
     ptrdiff_t current = -1; // the position of Get and GetNext
