@@ -224,7 +224,7 @@ private:
     int ScanBody(std::string text);
     int ScanAssignment(std::string& text);
     int ScanTerms(const std::string& text);
-    void AppendOperand(std::string_view text, bool beforeParenthesis);
+    void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
     bool IsFunctionName(const char* name) const;
 
     int CheckVariableNames();
