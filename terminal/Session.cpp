@@ -73,8 +73,14 @@ Session::Outcome Session::run(std::string_view entry) {
     const EntryFault fault = checkEntry(entry);
     if (fault != EntryFault::None) return refuse(faultMessage(fault));
 
-    const InterruptCatcher catcher;
-    return evaluate(entry);
+    Outcome outcome = Outcome::Answered;
+    {
+        const InterruptCatcher catcher;
+        outcome = evaluate(entry);
+    }
+    // A Ctrl-C that came too late for the entry still ends the run. From here on it ends the program itself.
+    const bool isOver = outcome == Outcome::Answered || outcome == Outcome::Refused;
+    return isOver && isInterrupted() ? Outcome::Interrupted : outcome;
 }
 
 Session::Outcome Session::evaluate(std::string_view entry) {
@@ -88,7 +94,7 @@ Session::Outcome Session::evaluate(std::string_view entry) {
     switch (calc_.status) {
     case STATUS_RESULT: return answer(calc_.resultLine);
     case STATUS_MESSAGE: return answer(calc_.message);
-    default: refuse(calc_.message); return calc_.interrupted ? Outcome::Interrupted : Outcome::Refused;
+    default: return refuse(calc_.message);
     }
 }
 
@@ -135,6 +141,7 @@ Session::Outcome Session::typeOut(std::string_view text, long rate) {
 Session::Outcome Session::convert(std::string_view query) {
     if (isatty(answers_) == 1 && !show("...checking...\n")) return Outcome::OutputLost;
     const std::string found = askService(query);
+    if (isInterrupted()) return Outcome::Interrupted;
     return answer(found.empty() ? "Not found." : found);
 }
 

@@ -13,7 +13,7 @@ public:
         Answered,    // the entry was evaluated or its command carried out
         Refused,     // the entry was answered with an error
         Ended,       // the entry was the exit command
-        Interrupted, // Ctrl-C ended the entry, or the pause or text that it asked for
+        Interrupted, // Ctrl-C came: it ended the entry or what the entry asked for, or was too late for that
         OutputLost   // the answer could not be written; errno says why
     };
 

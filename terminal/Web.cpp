@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Web.h"
 
-#include "Descriptor.h"
+#include "Interrupt.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,11 +17,27 @@ extern char** environ; // NOLINT(readability-redundant-declaration): macOS decla
 
 namespace {
 
+#ifdef __APPLE__
+constexpr const char* kBrowser = "open";
+#else
+constexpr const char* kBrowser = "xdg-open";
+#endif
+
 constexpr std::size_t kPageLimit = std::size_t{4} << 20;
 
 std::string variable(const char* name) {
     const char* const value = std::getenv(name);
     return value == nullptr ? std::string() : value;
+}
+
+// Programs begin with the signals as usual: this one ignores SIGPIPE.
+void useUsualSignals(posix_spawnattr_t& attributes) {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setsigdefault(&attributes, &signals);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
 }
 
 // Starts a program that is looked for in PATH, its standard output on `output`, without a shell. Returns its
@@ -36,18 +55,37 @@ pid_t start(std::vector<std::string> arguments, int output) {
     else
         posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawnattr_t attributes;
+    useUsualSignals(attributes);
     pid_t process = -1;
-    const int error = posix_spawnp(&process, argv[0], &actions, nullptr, argv.data(), environ);
+    const int error = posix_spawnp(&process, argv[0], &actions, &attributes, argv.data(), environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     return error == 0 ? process : -1;
 }
 
+// Waits for the end of a process; its exit status, -1 when a signal ended it.
+int waitFor(pid_t process) {
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0) {
+        if (errno != EINTR) return -1;
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Reads up to the end, the limit or Ctrl-C.
 std::string readPage(int descriptor) {
     std::string page;
     char block[4096];
-    for (long count = 1; count > 0 && page.size() < kPageLimit;) {
-        count = readSome(descriptor, block, sizeof block);
-        if (count > 0) page.append(block, static_cast<std::size_t>(count));
+    while (page.size() < kPageLimit && !isInterrupted()) {
+        // The wait is short: a signal between the question and the wait would otherwise not be noticed.
+        pollfd waiting = {descriptor, POLLIN, 0};
+        const int ready = poll(&waiting, 1, 50);
+        if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
+        const ssize_t count = read(descriptor, block, sizeof block);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) break;
+        page.append(block, static_cast<std::size_t>(count));
     }
     return page;
 }
@@ -63,9 +101,10 @@ std::string fetch(const std::string& address) {
     close(ends[1]);
     std::string page = process < 0 ? "" : readPage(ends[0]);
     close(ends[0]);
-    int status = 1;
-    if (process >= 0) waitpid(process, &status, 0);
-    return status == 0 ? page : "";
+    if (process < 0) return "";
+    if (isInterrupted()) kill(process, SIGTERM);
+    const bool isWhole = waitFor(process) == 0;
+    return isWhole && !isInterrupted() ? page : "";
 }
 
 bool isPlain(char c) {
@@ -111,9 +150,8 @@ std::string askService(std::string_view query) {
 bool openPage() {
     const std::string page = variable("TALLYQUILL_WEB_URL");
     if (page.empty() || page.front() == '-') return false;
-#ifdef __APPLE__
-    return start({"open", page}, -1) >= 0;
-#else
-    return start({"xdg-open", page}, -1) >= 0;
-#endif
+    // The shell in between ends at once and leaves the browser to the system. It fails without one.
+    const pid_t process = start(
+        {"/bin/sh", "-c", "command -v \"$1\" >/dev/null || exit 1; \"$@\" &", "sh", kBrowser, page}, -1);
+    return process >= 0 && waitFor(process) == 0;
 }

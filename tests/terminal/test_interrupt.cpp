@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -105,6 +106,17 @@ TEST(ControlC, IsCaughtOnlyDuringAnEntry) {
     forgetInterrupt();
     EXPECT_FALSE(isInterrupted());
     EXPECT_TRUE(sleepUnlessInterrupted(1));
+}
+
+TEST(ControlC, OnceEndsAStreamOfShortLines) {
+    const TemporaryFile lines;
+    std::ofstream(lines.path()) << repeated("sqrt(2)+sqrt(3)+sqrt(5)\n", 400000);
+    for (int i = 0; i < 5; ++i) {
+        Terminal terminal({}, "/dev/null", lines.path());
+        waitABit();
+        terminal.type(kControlC);
+        EXPECT_EQ(terminal.wait(), -1); // by the signal, not at the end of the lines
+    }
 }
 
 // --- Memory, in KiB ---

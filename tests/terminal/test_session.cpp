@@ -4,11 +4,13 @@
 #include "units.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -73,6 +75,34 @@ TEST_F(SessionTest, ANewConsoleShowsTenSignificantDigitsInAutoModeWithoutGroupin
     EXPECT_EQ(answers(), "ans = 1.23456789e8\n");
     session_->run("1234567");
     EXPECT_EQ(answers(), "ans = 1234567\n");
+}
+
+// Fills a pipe so that the next write to it waits.
+void fill(int descriptor) {
+    const int flags = fcntl(descriptor, F_GETFL);
+    fcntl(descriptor, F_SETFL, flags | O_NONBLOCK);
+    const std::string block(4096, '.');
+    while (write(descriptor, block.data(), block.size()) > 0) continue;
+    fcntl(descriptor, F_SETFL, flags);
+}
+
+TEST_F(SessionTest, ControlCThatComesTooLateForAnEntryEndsTheRunBehindItsAnswer) {
+    fill(answers_[1]);
+    std::string shown;
+    std::thread reader([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        kill(getpid(), SIGINT);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        for (std::string block = answers(); !block.empty(); block = answers()) {
+            shown =
+                (shown + block).substr(shown.size() + block.size() < 8 ? 0 : shown.size() + block.size() - 8);
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    });
+    EXPECT_EQ(session_->run("1+1"), Outcome::Interrupted);
+    reader.join();
+    EXPECT_EQ(shown, "ans = 2\n");
+    EXPECT_EQ(session_->run("1+1"), Outcome::Answered);
 }
 
 TEST_F(SessionTest, AnAnswerThatCannotBeWrittenIsReported) {
