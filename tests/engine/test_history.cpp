@@ -214,117 +214,168 @@ TEST(History, raisingTheCapacityOfAWrappedRingKeepsItsLines) {
     EXPECT_EQ("9|8|7|6|5|4", lines(history));
 }
 
+// The history and, beside it, a plain list that does the same.
+class Pair {
+public:
+    explicit Pair(unsigned seed) : random(seed) {}
+
+    void Step() {
+        switch (random() % 16) {
+        case 0:
+        case 1:
+        case 2:
+        case 3: Insert(); break;
+        case 4:
+        case 5: InsertFiltered(); break;
+        case 6: InsertSplit(); break;
+        case 7:
+        case 8: Up(); break;
+        case 9: Down(); break;
+        case 10:
+        case 11: UpWithMatch(); break;
+        case 12: DownWithMatch(); break;
+        case 13: Jump(); break;
+        case 14:
+            if (random() % 8 == 0) Resize();
+            break;
+        default:
+            if (random() % 500 == 0) Clear();
+        }
+    }
+
+    // The state, and the lines at both ends and somewhere.
+    void Compare() {
+        ASSERT_EQ(Count(), history.count);
+        ASSERT_EQ(location, history.location);
+        ASSERT_EQ(capacity, history.maxEntries);
+        CompareLine(1);
+        CompareLine(static_cast<int>(random() % 1000) + 1);
+        if (Count() > 0) CompareLine(Count());
+    }
+
+    void CompareAllLines() {
+        for (int k = 1; k <= Count(); k++) CompareLine(k);
+    }
+
+private:
+    std::mt19937 random;
+    CHistory history;
+    std::deque<std::string> model; // newest first
+    int capacity = 99;
+    int location = 0;
+
+    int Count() const { return static_cast<int>(model.size()); }
+
+    std::string Text() {
+        std::string text;
+        for (auto i = random() % 4; i > 0; i--) text += "ab;"[random() % 3];
+        return text;
+    }
+
+    std::string Prefix() {
+        static const char* const prefixes[] = {"", "a", "ab", "b", "ba", "c"};
+        return prefixes[random() % 6];
+    }
+
+    bool Begins(int k, const std::string& prefix) const {
+        return model[static_cast<size_t>(k - 1)].compare(0, prefix.size(), prefix) == 0;
+    }
+
+    void Add(const std::string& text) {
+        model.push_front(text);
+        if (Count() > capacity) model.pop_back();
+    }
+
+    void CompareLine(int k) const {
+        const char* line = history.GetHistoryStr(k);
+        if (k <= Count())
+            ASSERT_EQ(model[static_cast<size_t>(k - 1)], line);
+        else
+            ASSERT_EQ(nullptr, line);
+    }
+
+    void Insert() {
+        const std::string text = Text();
+        history.InsertNewEntry(text.c_str());
+        Add(text);
+    }
+
+    void InsertFiltered() {
+        const std::string text = Text();
+        insertFiltered(history, text + (random() % 2 ? "\n" : ""));
+        if (!text.empty() && !(Count() > 0 && model[0] == text)) Add(text);
+    }
+
+    void InsertSplit() {
+        const std::string text = Text();
+        const std::string whole = text + ";;a";
+        if (text.empty() || (Count() > 0 && model[0] == whole)) return;
+        size_t start = 0;
+        for (size_t cut; (cut = whole.find(";;", start)) != std::string::npos; start = cut + 2) {
+            Add(whole.substr(start, cut - start));
+        }
+        Add(whole.substr(start));
+        insertFiltered(history, whole, true);
+    }
+
+    void Up() {
+        const bool expected = location < Count();
+        ASSERT_EQ(expected, history.HistLocUp());
+        if (expected) location++;
+    }
+
+    void Down() {
+        ASSERT_EQ(location >= 2, history.HistLocDown());
+        if (location >= 1) location--;
+    }
+
+    void UpWithMatch() {
+        const std::string prefix = Prefix();
+        int k = location + 1;
+        while (k <= Count() && !Begins(k, prefix)) k++;
+        ASSERT_EQ(k <= Count(), history.HistLocUpWithMatch(prefix.c_str()));
+        if (k <= Count()) location = k;
+    }
+
+    void DownWithMatch() {
+        const std::string prefix = Prefix();
+        int k = std::min(location - 1, Count());
+        while (k >= 1 && !Begins(k, prefix)) k--;
+        ASSERT_EQ(k >= 1, history.HistLocDownWithMatch(prefix.c_str()));
+        if (k >= 1) location = k;
+    }
+
+    void Jump() {
+        const bool isReset = random() % 2 == 0;
+        isReset ? history.HistLocReset() : history.HistLocLast();
+        location = isReset ? 0 : Count();
+    }
+
+    void Resize() {
+        const int n = static_cast<int>(random() % 1200) - 5;
+        capacity = n < 1 ? 99 : std::min(n, 999);
+        history.SetMaxEntries(n);
+        while (Count() > capacity) model.pop_back();
+        location = std::min(location, capacity);
+    }
+
+    void Clear() {
+        history.Clear();
+        model.clear();
+    }
+};
+
 TEST(History, behavesAsAPlainListUnderRandomOperations) {
     const unsigned seed = std::random_device()();
     RecordProperty("seed", std::to_string(seed));
     SCOPED_TRACE("seed " + std::to_string(seed));
     printf("seed %u\n", seed);
-    std::mt19937 random(seed);
-    CHistory history;
-    std::deque<std::string> model; // newest first
-    int capacity = 99;
-    int location = 0;
-    const char* const prefixes[] = {"", "a", "ab", "b", "ba", "c"};
-    auto begins = [&](int k, const std::string& prefix) {
-        return model[static_cast<size_t>(k - 1)].compare(0, prefix.size(), prefix) == 0;
-    };
-    auto insert = [&](const std::string& text) {
-        model.push_front(text);
-        if (static_cast<int>(model.size()) > capacity) model.pop_back();
-    };
+    Pair pair(seed);
     for (int step = 0; step < 100000; step++) {
-        const int count = static_cast<int>(model.size());
-        std::string text;
-        for (auto i = random() % 4; i > 0; i--) text += "ab;"[random() % 3];
-        const std::string prefix = prefixes[random() % 6];
-        bool expected = false;
-        switch (random() % 16) {
-        case 0:
-        case 1:
-        case 2:
-        case 3:
-            history.InsertNewEntry(text.c_str());
-            insert(text);
-            break;
-        case 4:
-        case 5:
-            insertFiltered(history, text + (random() % 2 ? "\n" : ""));
-            if (!text.empty() && !(count > 0 && model[0] == text)) insert(text);
-            break;
-        case 6:
-            if (!text.empty() && !(count > 0 && model[0] == text + ";;a")) {
-                size_t start = 0;
-                const std::string whole = text + ";;a";
-                for (size_t cut; (cut = whole.find(";;", start)) != std::string::npos; start = cut + 2) {
-                    insert(whole.substr(start, cut - start));
-                }
-                insert(whole.substr(start));
-                insertFiltered(history, whole, true);
-            }
-            break;
-        case 7:
-        case 8:
-            expected = location < count;
-            ASSERT_EQ(expected, history.HistLocUp()) << "step " << step;
-            if (expected) location++;
-            break;
-        case 9:
-            expected = location >= 2;
-            ASSERT_EQ(expected, history.HistLocDown()) << "step " << step;
-            if (location >= 1) location--;
-            break;
-        case 10:
-        case 11: {
-            int k = location + 1;
-            while (k <= count && !begins(k, prefix)) k++;
-            expected = k <= count;
-            ASSERT_EQ(expected, history.HistLocUpWithMatch(prefix.c_str())) << "step " << step;
-            if (expected) location = k;
-            break;
-        }
-        case 12: {
-            int k = std::min(location - 1, count);
-            while (k >= 1 && !begins(k, prefix)) k--;
-            expected = k >= 1;
-            ASSERT_EQ(expected, history.HistLocDownWithMatch(prefix.c_str())) << "step " << step;
-            if (expected) location = k;
-            break;
-        }
-        case 13:
-            random() % 2 ? history.HistLocReset() : history.HistLocLast();
-            location = history.location == 0 ? 0 : count;
-            break;
-        case 14: {
-            if (random() % 8 != 0) break;
-            const int n = static_cast<int>(random() % 1200) - 5;
-            capacity = n < 1 ? 99 : std::min(n, 999);
-            history.SetMaxEntries(n);
-            while (static_cast<int>(model.size()) > capacity) model.pop_back();
-            location = std::min(location, capacity);
-            break;
-        }
-        default:
-            if (random() % 500 != 0) break;
-            history.Clear();
-            model.clear();
-        }
-        ASSERT_EQ(static_cast<int>(model.size()), history.count) << "step " << step;
-        ASSERT_EQ(location, history.location) << "step " << step;
-        ASSERT_EQ(capacity, history.maxEntries) << "step " << step;
-        const int k = static_cast<int>(random() % 1000) + 1;
-        for (int probe : {1, k, history.count}) {
-            const bool exists = probe >= 1 && probe <= history.count;
-            const char* line = history.GetHistoryStr(probe == 0 ? 1 : probe);
-            if (exists)
-                ASSERT_EQ(model[static_cast<size_t>(probe - 1)], line) << "step " << step;
-            else
-                ASSERT_EQ(nullptr, line) << "step " << step;
-        }
-        if (step % 1000 == 0) {
-            for (size_t i = 0; i < model.size(); i++) {
-                ASSERT_EQ(model[i], history.GetHistoryStr(static_cast<int>(i) + 1)) << "step " << step;
-            }
-        }
+        pair.Step();
+        pair.Compare();
+        if (step % 1000 == 0) pair.CompareAllLines();
+        ASSERT_FALSE(testing::Test::HasFatalFailure()) << "step " << step;
     }
 }
 
