@@ -143,7 +143,7 @@ int fail(const char* format, const TextPair& entry) {
 int buildUnits(const TextPair* entries, const char* failure) {
     for (const TextPair* e = entries; e->name != nullptr; ++e) {
         UnitPointer record(reduceUnit(e->text));
-        if (record == nullptr || !renameUnit(*record, e->name) || !appendUnit(record))
+        if (record == nullptr || !renameUnit(*record, e->name) || !appendUnit(record, UnitOrigin::Catalogue))
             return fail(failure, *e);
     }
     return 0;
@@ -153,7 +153,7 @@ int buildPrimitiveUnits(const char* const* names) {
     for (; *names != nullptr; ++names) {
         UnitPointer record = newUnit(*names);
         if (record != nullptr) record->primitive = 1;
-        if (record == nullptr || !appendUnit(record)) {
+        if (record == nullptr || !appendUnit(record, UnitOrigin::Catalogue)) {
             throw_exception1("units failure initializing primitive unit '%s'", *names);
             return 1;
         }

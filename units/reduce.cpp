@@ -9,14 +9,26 @@
 namespace {
 
 constexpr int maxExponent = 1000;
-constexpr size_t maxNames = 100000; // in one of the two lists
+constexpr size_t maxNames = 100000;      // in one of the two lists
+constexpr size_t maxNameBytes = 4000000; // of these names together
+
+// What the steps of a reduction count for in the work counter.
+constexpr uint64_t lookupWork = 16;
+constexpr uint64_t copyWork = 4;
+
+// A list under construction; names are put at its end, so that what was sorted stays sorted.
+struct NameList {
+    unit** end;
+    size_t length = 0;
+    size_t bytes = 0;
+};
 
 struct Reduction {
     UnitPointer result;
     const char* remainder; // the text behind the leading number, quoted by the messages
+    NameList numerator{&result->numerator};
+    NameList denominator{&result->denominator};
     bool isDivisor = false;
-    size_t numeratorLength = 0;
-    size_t denominatorLength = 0;
 };
 
 bool fail(const char* format, const char* text) {
@@ -45,6 +57,7 @@ bool readExponent(const char* digits, int& exponent) {
 }
 
 void applyFactor(Reduction& reduction, double factor, int exponent) {
+    unitWork += static_cast<uint64_t>(exponent);
     for (int i = 0; i < exponent; ++i) {
         if (reduction.isDivisor) {
             reduction.result->factor /= factor;
@@ -54,21 +67,28 @@ void applyFactor(Reduction& reduction, double factor, int exponent) {
     }
 }
 
-bool addName(Reduction& reduction, bool toDivisor, const char* name) {
-    size_t& length = toDivisor ? reduction.denominatorLength : reduction.numeratorLength;
-    if (length == maxNames) return fail("invalid integer exponent in '%s'", reduction.remainder);
-    UnitPointer entry = newUnit(name);
-    if (entry == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
-    unit*& head = toDivisor ? reduction.result->denominator : reduction.result->numerator;
-    entry->next = head;
-    head = entry.release();
-    ++length;
+// Adds the name as often as the exponent says.
+bool addName(Reduction& reduction, bool toDivisor, const char* name, int exponent) {
+    NameList& list = toDivisor ? reduction.denominator : reduction.numerator;
+    const size_t bytes = std::strlen(name);
+    for (int i = 0; i < exponent; ++i) {
+        if (list.length == maxNames || list.bytes + bytes > maxNameBytes) {
+            return fail("invalid integer exponent in '%s'", reduction.remainder);
+        }
+        unitWork += copyWork + bytes / bytesPerWork;
+        UnitPointer entry = newUnit(name);
+        if (entry == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
+        *list.end = entry.release();
+        list.end = &(*list.end)->next;
+        ++list.length;
+        list.bytes += bytes;
+    }
     return true;
 }
 
-bool addNames(Reduction& reduction, bool toDivisor, const unit* names) {
+bool addNames(Reduction& reduction, bool toDivisor, const unit* names, int exponent) {
     for (; names != nullptr; names = names->next) {
-        if (!addName(reduction, toDivisor, names->name)) return false;
+        if (!addName(reduction, toDivisor, names->name, exponent)) return false;
     }
     return true;
 }
@@ -77,15 +97,9 @@ bool applyUnit(Reduction& reduction, const UnitMatch& match, int exponent) {
     const bool isDivisor = reduction.isDivisor;
     if (match.prefix != nullptr) applyFactor(reduction, match.prefix->factor, exponent);
     if (match.found->primitive == 0) applyFactor(reduction, match.found->factor, exponent);
-    for (int i = 0; i < exponent; ++i) {
-        if (match.found->primitive != 0) {
-            if (!addName(reduction, isDivisor, match.found->name)) return false;
-        } else if (!addNames(reduction, isDivisor, match.found->numerator) ||
-                   !addNames(reduction, !isDivisor, match.found->denominator)) {
-            return false;
-        }
-    }
-    return true;
+    if (match.found->primitive != 0) return addName(reduction, isDivisor, match.found->name, exponent);
+    return addNames(reduction, isDivisor, match.found->numerator, exponent) &&
+           addNames(reduction, !isDivisor, match.found->denominator, exponent);
 }
 
 bool applyToken(Reduction& reduction, char* token) {
@@ -107,6 +121,7 @@ bool applyToken(Reduction& reduction, char* token) {
         *caret = '\0';
     }
     if (!isLettersOnly(token)) return fail("invalid non-alphabetic unit name in '%s'", remainder);
+    unitWork += lookupWork + std::strlen(token) / bytesPerWork;
     const UnitMatch match = findUnit(token);
     if (match.found == nullptr) {
         throw_exception2("invalid unit name '%s' in '%s'", token, remainder);
@@ -150,7 +165,7 @@ void cancelNames(unit& result) {
     unit** numerator = &result.numerator;
     unit** denominator = &result.denominator;
     while (*numerator != nullptr && *denominator != nullptr) {
-        const int order = std::strcmp((*numerator)->name, (*denominator)->name);
+        const int order = compareNames(**numerator, **denominator);
         if (order == 0) {
             removeFirst(*numerator);
             removeFirst(*denominator);
@@ -167,7 +182,7 @@ unit* mergeLists(unit* first, unit* second) {
     unit* head = nullptr;
     unit** end = &head;
     while (first != nullptr && second != nullptr) {
-        unit*& smaller = std::strcmp(second->name, first->name) < 0 ? second : first;
+        unit*& smaller = compareNames(*second, *first) < 0 ? second : first;
         *end = smaller;
         end = &smaller->next;
         smaller = smaller->next;
@@ -176,18 +191,26 @@ unit* mergeLists(unit* first, unit* second) {
     return head;
 }
 
+// Cuts the names at the head of the list that are in order off it.
+unit* cutSortedRun(unit*& list) {
+    unit* const run = list;
+    unit* last = run;
+    while (last->next != nullptr && compareNames(*last, *last->next) <= 0) last = last->next;
+    list = last->next;
+    last->next = nullptr;
+    return run;
+}
+
 } // namespace
 
-// A merge sort: what a stable insertion sort gives, but in reasonable time for 100,000 names.  Sorted run i
-// is empty or holds 2^i records that precede those of the runs below it.
+// A merge sort of the runs that are in order already: what a stable insertion sort gives, but in reasonable
+// time for 100,000 names.  sorted[i] is empty or holds 2^i runs that precede those of the entries below it.
 unit* sortUnitList(unit* list) {
     if (list == nullptr || list->next == nullptr) return list;
     unit* sorted[64]; // more than any memory can fill
     size_t runs = 0;
     while (list != nullptr) {
-        unit* run = list;
-        list = list->next;
-        run->next = nullptr;
+        unit* run = cutSortedRun(list);
         size_t i = 0;
         for (; i < runs && sorted[i] != nullptr; ++i) {
             run = mergeLists(sorted[i], run);

@@ -6,14 +6,19 @@
 // the list, so that a look-up costs the same however many units there are and still knows which of two
 // candidates comes first.  A removed unit begins with '#', which no name that is looked for does: its slot
 // serves as the mark of a deleted entry and goes when the table grows.
+//
+// While changes are recorded, the slots are the journal: they say what became of their unit, and all are kept.
+// So recording and taking back need no memory and cannot fail.
 #include "unitlist.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <new>
 
 unit* uroot = nullptr;
 unitPrefix* proot = nullptr;
+uint64_t unitWork = 0;
 
 namespace {
 
@@ -21,6 +26,8 @@ struct Slot {
     unit* record; // null in an empty slot
     size_t hash;
     size_t position;
+    bool isNew;   // defined since units_begin_changes
+    char initial; // of the name of a unit removed since then, else '\0'
 };
 
 constexpr size_t firstCapacity = 512; // a power of two, room for the catalogue and as many again
@@ -32,12 +39,14 @@ size_t usedSlots = 0;
 size_t unitCount = 0; // records ever appended: the position of the next one
 unit* lastUnit = nullptr;
 unitPrefix* lastPrefix = nullptr;
+bool isRecording = false;
+bool haveChanged = false; // since recording began
 
 size_t hashOf(std::string_view name) {
     return std::hash<std::string_view>{}(name);
 }
 
-const Slot* findSlot(std::string_view name) {
+Slot* findSlot(std::string_view name) {
     if (capacity == 0) return nullptr;
     const size_t hash = hashOf(name);
     for (size_t i = hash & (capacity - 1); slots[i].record != nullptr; i = (i + 1) & (capacity - 1)) {
@@ -53,10 +62,15 @@ void insertSlot(const Slot& slot) {
     ++usedSlots;
 }
 
+bool isKept(const Slot& slot) {
+    return slot.record != nullptr && (isRecording || slot.record->name[0] != removedMark);
+}
+
 // Makes room for one more entry; at most half of the slots are ever used.
 bool growIndex() {
     if (usedSlots < capacity / 2) return true;
-    const size_t grownCapacity = capacity == 0 ? firstCapacity : 2 * capacity;
+    const size_t kept = static_cast<size_t>(std::count_if(slots, slots + capacity, isKept));
+    const size_t grownCapacity = kept < capacity / 4 ? capacity : std::max(firstCapacity, 2 * capacity);
     Slot* grown = new (std::nothrow) Slot[grownCapacity]();
     if (grown == nullptr) return false;
     const Slot* old = slots;
@@ -65,7 +79,7 @@ bool growIndex() {
     capacity = grownCapacity;
     usedSlots = 0;
     for (size_t i = 0; i < oldCapacity; ++i) {
-        if (old[i].record != nullptr && old[i].record->name[0] != removedMark) insertSlot(old[i]);
+        if (isKept(old[i])) insertSlot(old[i]);
     }
     delete[] old;
     return true;
@@ -108,6 +122,12 @@ void destroyNames(unit* list) {
     }
 }
 
+void freeNames(unit& record) {
+    destroyNames(record.numerator);
+    destroyNames(record.denominator);
+    record.numerator = record.denominator = nullptr;
+}
+
 } // namespace
 
 bool isLettersOnly(std::string_view name) {
@@ -129,9 +149,11 @@ bool renameUnit(unit& record, std::string_view name) {
     return true;
 }
 
-bool appendUnit(UnitPointer& record) {
+bool appendUnit(UnitPointer& record, UnitOrigin origin) {
     if (!growIndex()) return false;
-    insertSlot({record.get(), hashOf(record->name), unitCount++});
+    const bool isNew = isRecording && origin == UnitOrigin::User;
+    if (isNew) haveChanged = true;
+    insertSlot({record.get(), hashOf(record->name), unitCount++, isNew, '\0'});
     unit* appended = record.release();
     (lastUnit == nullptr ? uroot : lastUnit->next) = appended;
     lastUnit = appended;
@@ -165,14 +187,58 @@ UnitMatch findUnit(std::string_view name) {
     return match;
 }
 
-void hideUnit(unit& record) {
-    record.name[0] = removedMark;
+bool hideUnit(std::string_view name) {
+    Slot* slot = isLettersOnly(name) ? findSlot(name) : nullptr;
+    if (slot == nullptr) return false;
+    if (isRecording) {
+        slot->initial = name[0];
+        haveChanged = true;
+    } else {
+        freeNames(*slot->record);
+    }
+    slot->record->name[0] = removedMark;
+    return true;
+}
+
+int compareNames(const unit& a, const unit& b) {
+    ++unitWork;
+    const char* x = a.name;
+    const char* y = b.name;
+    while (*x != '\0' && *x == *y) ++x, ++y;
+    unitWork += static_cast<uint64_t>(x - a.name) / bytesPerWork;
+    return static_cast<unsigned char>(*x) - static_cast<unsigned char>(*y);
+}
+
+void units_begin_changes() {
+    isRecording = true;
+}
+
+void units_undo_changes() {
+    for (size_t i = 0; haveChanged && i < capacity; ++i) {
+        Slot& slot = slots[i];
+        if (slot.record == nullptr) continue;
+        if (slot.isNew) {
+            slot.record->name[0] = slot.initial = removedMark; // units_end_changes frees what it holds
+        } else if (slot.initial != '\0') {
+            slot.record->name[0] = slot.initial;
+            slot.initial = '\0';
+        }
+    }
+    units_end_changes();
+}
+
+void units_end_changes() {
+    for (size_t i = 0; haveChanged && i < capacity; ++i) {
+        if (slots[i].initial != '\0') freeNames(*slots[i].record);
+        slots[i].isNew = false;
+        slots[i].initial = '\0';
+    }
+    isRecording = haveChanged = false;
 }
 
 void destroyunit(unit* record) {
     if (record == nullptr) return;
-    destroyNames(record->numerator);
-    destroyNames(record->denominator);
+    freeNames(*record);
     delete[] record->name;
     delete record;
 }
@@ -190,4 +256,5 @@ void unitFreeMemory() {
     delete[] slots;
     slots = nullptr;
     capacity = usedSlots = unitCount = 0;
+    haveChanged = false;
 }

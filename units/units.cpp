@@ -23,7 +23,7 @@ bool isReady() {
 
 bool haveEqualNames(const unit* a, const unit* b) {
     for (; a != nullptr && b != nullptr; a = a->next, b = b->next) {
-        if (std::strcmp(a->name, b->name) != 0) return false;
+        if (compareNames(*a, *b) != 0) return false;
     }
     return a == b;
 }
@@ -109,16 +109,17 @@ void units_new(const char* name, const char* definition) {
         return;
     }
     UnitPointer defined(reduceUnit(definition));
-    if (defined == nullptr || !renameUnit(*defined, name) || !appendUnit(defined)) {
+    if (defined == nullptr || !renameUnit(*defined, name) || !appendUnit(defined, UnitOrigin::User)) {
         throw_exception1("'%s' cannot be reduced to primitive units", definition);
     }
 }
 
 bool removeUnit(const char* name) {
-    unit* found = isReady() ? findUnitExactly(name) : nullptr;
-    if (found == nullptr) return true;
-    hideUnit(*found);
-    return false;
+    return !isReady() || !hideUnit(name);
+}
+
+uint64_t units_work() {
+    return unitWork;
 }
 
 void units_clear_exception() {

@@ -2,8 +2,8 @@
 //
 // Units: reduces a unit expression such as "1.0E-3meter^3" or "km/hr" to a factor times primitive units,
 // converts between two expressions that agree in their primitive units, and lets the user define and remove
-// units.  The catalogue it starts with (41 prefixes, 123 units) is built by the first call
-// that needs it.
+// units.  The catalogue it starts with (41 prefixes, 123 units) is built by the first call that needs it, once:
+// about 640,000 instructions (callgrind), 0.11 ms.
 //
 // Unit expressions
 //
@@ -29,18 +29,29 @@
 // The state stays until units_clear_exception; callers clear before and check after each call.  In the
 // messages %s stands for the texts named behind them; R is the text behind the leading number.
 //
-//   invalid unit string '%s':  only one '%s' allowed       text, "/"     more than one '/'
-//   invalid characters in unit string '%s'                 text          a character outside `validchars`
-//   illegal zero factor in '%s'                            R or target   a factor or a target that is zero
-//   invalid integer exponent in '%s'                       R             an exponent that is not 1 to 1000,
-//                                                                        or more than 100,000 primitive names
-//   invalid non-alphabetic unit name in '%s'               R             a factor that is not letters only
-//   invalid unit name '%s' in '%s'                         name, R       an unknown unit
-//   '%s' and '%s' have incompatible units                  from, to      unequal primitive units
-//   unit '%s' is already defined                           name
-//   non-alphabetic characters in unit name '%s'            name          also for an empty name
-//   '%s' cannot be reduced to primitive units              definition    replaces the message of its
-//   reduction not enough memory for unit string '%s'                 R or text
+//   invalid unit string '%s':  only one '%s' allowed
+//       text, "/": more than one '/'
+//   invalid characters in unit string '%s'
+//       text: a character outside `validchars`
+//   illegal zero factor in '%s'
+//       R or target: a factor or a target that is zero
+//   invalid integer exponent in '%s'
+//       R: an exponent that is not 1 to 1000, or more than 100,000 primitive names or 4,000,000 characters of
+//       names above or below the '/'
+//   invalid non-alphabetic unit name in '%s'
+//       R: a factor that is not letters only
+//   invalid unit name '%s' in '%s'
+//       name, R: an unknown unit
+//   '%s' and '%s' have incompatible units
+//       from, to: unequal primitive units
+//   unit '%s' is already defined
+//       name
+//   non-alphabetic characters in unit name '%s'
+//       name: also for an empty name
+//   '%s' cannot be reduced to primitive units
+//       definition: replaces the message of its reduction
+//   not enough memory for unit string '%s'
+//       R or text
 //
 // and from building the catalogue, with an entry's name and its text:
 //
@@ -84,6 +95,20 @@ void units_new(const char* name, const char* definition);
 // they are, and the name can be defined again.  False if it was removed, true if there is no such unit; the
 // error state is set only if the catalogue fails.
 bool removeUnit(const char* name);
+
+// From units_begin_changes on, definitions and removals by the two operations above are recorded:
+// units_undo_changes takes them back, so that units defined since are gone and units removed since are there
+// with the same records and the same place in the list; units_end_changes keeps them.  Either ends the
+// recording, and does nothing without one.  A catalogue that was built meanwhile stays.  These need no memory
+// and never fail.
+void units_begin_changes();
+void units_undo_changes();
+void units_end_changes();
+
+// The work of all operations so far, for callers that limit it: a multiplication or a comparison of names
+// counts 1, a copy of a name 4, a look-up 16, and every 64 characters of these names 1 more.  An ordinary
+// conversion takes less than 100, the dearest some millions; a hundred are about a microsecond.
+uint64_t units_work();
 
 // Clears the error state.
 void units_clear_exception();

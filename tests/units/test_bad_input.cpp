@@ -96,6 +96,38 @@ TEST_F(UnitsTest, AListHoldsAHundredThousandNames) {
     EXPECT_EQ(text.substr(text.size() - 21), " meter meter / second");
 }
 
+// Their characters are limited as well as their number.
+TEST_F(UnitsTest, ListsOfVeryLongNamesAreBounded) {
+    const std::string name(9970, 'x');
+    allocation::resetPeak();
+    EXPECT_EQ(define(name, "-primitive"), "");
+    EXPECT_EQ(define("b", name + "^1000"), "'%s' cannot be reduced to primitive units");
+    EXPECT_EQ(define("b", name + "^401"), ""); // 3,997,970 characters
+    EXPECT_EQ(messageOf("b-" + name), "invalid integer exponent in '%s'");
+    EXPECT_EQ(messageOf("b^2"), "invalid integer exponent in 'b^2'");
+    EXPECT_EQ(messageOf("/b^20"), "invalid integer exponent in '/b^20'");
+    EXPECT_EQ(convert("b/b", "b/b"), 1.0);
+    EXPECT_LT(allocation::peak(), 64U << 20);
+}
+
+TEST_F(UnitsTest, WorkGrowsWithTheNamesCopied) {
+    define("a", "meter^1000");
+    define("b", "a^100");
+    uint64_t start = units_work();
+    convert("km/hr", "mi/sec");
+    EXPECT_LT(units_work() - start, 100U);
+    for (const char* text : {"b", "b/b", "a^101"}) {
+        start = units_work();
+        convert(text, "s");
+        units_clear_exception();
+        EXPECT_GT(units_work() - start, 400000U) << text;
+        EXPECT_LT(units_work() - start, 4000000U) << text;
+    }
+    start = units_work();
+    convert(repeat("radian^1000 ", 9600), "m"); // multiplications alone
+    EXPECT_GE(units_work() - start, 800000U);
+}
+
 TEST_F(UnitsTest, AnUnsortedListOfAHundredThousandNamesIsNoWait) {
     EXPECT_EQ(define("a", "ampere^400-meter^400"), "");
     EXPECT_EQ(define("b", "second^199-a"), "");

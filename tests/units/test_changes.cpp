@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: MIT
+//
+// Definitions and removals that are taken back.
+#include "allocation.h"
+#include "fixture.h"
+
+namespace {
+
+class UnitChanges : public UnitsTest {
+protected:
+    ~UnitChanges() override { units_end_changes(); }
+};
+
+TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
+    define("Q", "2 m");
+    define("B", "12 Q");
+    EXPECT_FALSE(removeUnit("Q"));
+    const unit* record = findUnitExactly("B");
+    units_begin_changes();
+    EXPECT_FALSE(removeUnit("B"));
+    EXPECT_EQ(define("Q", "5 m"), "");
+    EXPECT_EQ(define("B", "12 Q"), "");
+    EXPECT_DOUBLE_EQ(convert("B", "m"), 60.0);
+    units_undo_changes();
+    EXPECT_EQ(findUnitExactly("B"), record);
+    EXPECT_DOUBLE_EQ(convert("B", "m"), 24.0);
+    EXPECT_EQ(findUnitExactly("Q"), nullptr);
+    EXPECT_FALSE(removeUnit("B"));
+    EXPECT_TRUE(removeUnit("B"));
+}
+
+TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
+    units_reduce("m");
+    units_begin_changes();
+    define("smoot", "1.7018 m");
+    removeUnit("smoot");
+    define("smoot", "2 m");
+    removeUnit("smoot");
+    units_undo_changes();
+    EXPECT_EQ(findUnitExactly("smoot"), nullptr);
+    EXPECT_EQ(define("smoot", "3 m"), "");
+    EXPECT_DOUBLE_EQ(convert("smoot", "m"), 3.0);
+}
+
+TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
+    units_reduce("m");
+    units_begin_changes();
+    removeUnit("hour");
+    define("hour", "2 s");
+    removeUnit("h");
+    units_undo_changes();
+    EXPECT_DOUBLE_EQ(convert("hour", "s"), 3600.0);
+    const unit* last = uroot;
+    while (last->next != nullptr) last = last->next;
+    EXPECT_STREQ(last->name, "#our");
+}
+
+TEST_F(UnitChanges, theCatalogueBuiltMeanwhileStays) {
+    units_begin_changes();
+    define("smoot", "1.7018 m");
+    removeUnit("foot");
+    units_undo_changes();
+    EXPECT_EQ(findUnitExactly("smoot"), nullptr);
+    EXPECT_DOUBLE_EQ(convert("foot", "inch"), 12.0);
+}
+
+TEST_F(UnitChanges, changesThatAreKeptStay) {
+    define("old", "3 m");
+    units_begin_changes();
+    define("smoot", "1.7018 m");
+    removeUnit("old");
+    units_end_changes();
+    units_undo_changes();
+    EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
+    EXPECT_TRUE(removeUnit("old"));
+    removeUnit("smoot");
+    units_undo_changes();
+    EXPECT_TRUE(removeUnit("smoot"));
+}
+
+// The index grows several times, each time without the slots of units removed for good.
+TEST_F(UnitChanges, manyChangesAreTakenBack) {
+    define("smoot", "1.7018 m");
+    units_begin_changes();
+    removeUnit("smoot");
+    for (int i = 0; i < 2000; ++i) {
+        std::string name = "x";
+        for (int rest = i; rest != 0; rest /= 26) name += static_cast<char>('a' + rest % 26);
+        ASSERT_EQ(define(name, "m"), "") << name;
+    }
+    units_undo_changes();
+    EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
+    EXPECT_EQ(findUnitExactly("xb"), nullptr);
+    EXPECT_EQ(findUnitExactly("xaab"), nullptr);
+}
+
+TEST_F(UnitChanges, aRemovedUnitFreesItsNames) {
+    define("many", "m^1000");
+    const size_t before = allocation::live();
+    for (int i = 0; i < 10; ++i) {
+        define("x", "many^50/s^1000");
+        removeUnit("x");
+        units_begin_changes();
+        define("x", "many^50/s^1000");
+        units_undo_changes();
+        define("x", "many^50/s^1000");
+        units_begin_changes();
+        removeUnit("x");
+        units_end_changes();
+    }
+    EXPECT_LE(allocation::live() - before, 2U * 30U); // thirty records and their names
+}
+
+TEST_F(UnitChanges, unitsDefinedFromARemovedOneKeepTheirReduction) {
+    define("Q", "2 m^3/s");
+    define("B", "12 Q");
+    removeUnit("Q");
+    EXPECT_EQ(reduced("B"), "24.0 meter meter meter / second");
+}
+
+} // namespace
