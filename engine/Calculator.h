@@ -7,6 +7,7 @@
 //   if (calc.ProcessEntry("2+3*4", false) == STATUS_RESULT) fputs(calc.resultLine, stdout); // ans = 14
 //
 // One thread, one engine at a time: the functions and the number library's error code are process-wide.
+// The process's LC_NUMERIC locale has to be "C".
 #ifndef TALLYQUILL_CALCULATOR_H
 #define TALLYQUILL_CALCULATOR_H
 

@@ -4,7 +4,6 @@
 #include "Helpers_String.h"
 #include "units.h"
 
-#include <algorithm>
 #include <cstring>
 
 EntrySnapshot::EntrySnapshot(const ZqCalculator& calc)
@@ -19,10 +18,12 @@ EntrySnapshot::EntrySnapshot(const ZqCalculator& calc)
     }
     for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) units.emplace_back(unit->text);
     funcs.BeginChanges();
+    units_begin_changes();
 }
 
 EntrySnapshot::~EntrySnapshot() {
     funcs.EndChanges();
+    units_end_changes();
 }
 
 void EntrySnapshot::Restore(ZqCalculator& calc) const {
@@ -43,30 +44,8 @@ void EntrySnapshot::Restore(ZqCalculator& calc) const {
     calc.gospelShown = gospelShown;
 }
 
-// A line "unit NAME=DEFINITION".
-static void splitUnit(const std::string& line, std::string& name, std::string& definition) {
-    const size_t start = strlen("unit ");
-    const size_t equals = line.find('=');
-    name = line.substr(start, equals - start);
-    definition = line.substr(equals + 1);
-}
-
 void EntrySnapshot::RestoreUnits(ZqCalculator& calc) const {
-    std::string name;
-    std::string definition;
-    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
-        if (std::find(units.begin(), units.end(), unit->text) != units.end()) continue;
-        splitUnit(unit->text, name, definition);
-        removeUnit(name.c_str());
-    }
-    std::vector<std::string> present;
-    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) present.emplace_back(unit->text);
+    units_undo_changes();
     calc.unitDefs.Clear();
-    for (const std::string& line : units) {
-        calc.unitDefs.Push(StrDuplicate(line))->type = TERM_NAME;
-        if (std::find(present.begin(), present.end(), line) != present.end()) continue;
-        splitUnit(line, name, definition);
-        units_new(name.c_str(), definition.c_str());
-    }
-    units_clear_exception();
+    for (const std::string& line : units) calc.unitDefs.Push(StrDuplicate(line))->type = TERM_NAME;
 }

@@ -8,7 +8,8 @@
 
 class EntrySnapshot {
 public:
-    // Keeps variables, units and settings, and has the functions' list record its changes.
+    // Keeps variables, the lines of units and settings, and has the lists of functions and units record their
+    // changes.
     explicit EntrySnapshot(const ZqCalculator& calc);
     ~EntrySnapshot();
     EntrySnapshot(const EntrySnapshot&) = delete;

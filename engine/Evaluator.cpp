@@ -6,7 +6,6 @@
 #include "Helpers_String.h"
 #include "units.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -15,6 +14,9 @@
 // function FUNCTION_WORK. The dearest unit takes about 10 microseconds.
 constexpr uint64_t WORK_BETWEEN_CHECKS = 256;
 constexpr uint64_t FUNCTION_WORK = 4;
+
+// How much of the unit library's work counts as a reduction.
+constexpr uint64_t UNIT_WORK_PER_REDUCTION = 16;
 
 // A live preview is evaluated at every key press and gives up after so much.
 constexpr uint64_t PREVIEW_REDUCTIONS = 20000;
@@ -208,7 +210,10 @@ static bool isOperand(const node* term) {
 // How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
 int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat value) {
     units_clear_exception();
+    const uint64_t before = units_work();
     const double factor = units_convert(from, to);
+    // The names of a unit may be 100,000.
+    if (Spend((units_work() - before) / UNIT_WORK_PER_REDUCTION, 0) != 0) return STATUS_ERROR;
     if (const char* error = units_check_exception()) return Fail("** ERROR 13: %s **\n", {error});
     // The unit library works in doubles; beyond their range it has no digits to give.
     if (!std::isnormal(factor)) {
@@ -216,7 +221,6 @@ int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat valu
     }
     char digits[40] = "";
     snprintf(digits, sizeof digits, "%.16g", factor);
-    std::replace(digits, digits + sizeof digits, ',', '.'); // a front end may have set a locale
     asctoq(digits, value);
     return 0;
 }
