@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -24,7 +25,7 @@ struct NameList {
 };
 
 struct Reduction {
-    UnitPointer result;
+    UnitPointer result;    // never null
     const char* remainder; // the text behind the leading number, quoted by the messages
     NameList numerator{&result->numerator};
     NameList denominator{&result->denominator};
@@ -226,15 +227,16 @@ unit* sortUnitList(unit* list) {
 
 unit* reduceUnit(const char* text) {
     const bool isPrimitive = std::strcmp(text, primitivestring) == 0;
-    Reduction reduction{newUnit(isPrimitive ? primitivestring : ""), text};
-    if (reduction.result == nullptr) {
+    UnitPointer record = newUnit(isPrimitive ? primitivestring : "");
+    if (record == nullptr) {
         throw_exception1("not enough memory for unit string '%s'", text);
         return nullptr;
     }
     if (isPrimitive) {
-        reduction.result->primitive = 1;
-        return reduction.result.release();
+        record->primitive = 1;
+        return record.release();
     }
+    Reduction reduction{std::move(record), text};
     if (std::strchr(text, *divider) != std::strrchr(text, *divider)) {
         throw_exception2("invalid unit string '%s':  only one '%s' allowed", text, divider);
         return nullptr;

@@ -7,8 +7,8 @@
 // candidates comes first.  A removed unit begins with '#', which no name that is looked for does: its slot
 // serves as the mark of a deleted entry and goes when the table grows.
 //
-// While changes are recorded, the slots are the journal: they say what became of their unit, and all are kept.
-// So recording and taking back need no memory and cannot fail.
+// While changes are recorded, the slots are the journal: they say what became of their unit, and all are
+// kept.  So recording and taking back need no memory and cannot fail.
 #include "unitlist.h"
 
 #include <algorithm>

@@ -47,8 +47,8 @@ unit* findUnitExactly(std::string_view name);
 // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.
 UnitMatch findUnit(std::string_view name);
 
-// Makes the unit of exactly this name unfindable: its name begins with '#' from now on, its record stays in the
-// list.  Its numerator and denominator are freed, when changes are recorded at their end.  False for no unit.
+// Makes the unit of exactly this name unfindable: its name begins with '#' from now on, its record stays in
+// the list.  Its numerator and denominator are freed, when changes are recorded at their end.  False for no unit.
 bool hideUnit(std::string_view name);
 
 // What units_work gives, and how many characters of a name count for one more.

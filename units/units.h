@@ -2,8 +2,8 @@
 //
 // Units: reduces a unit expression such as "1.0E-3meter^3" or "km/hr" to a factor times primitive units,
 // converts between two expressions that agree in their primitive units, and lets the user define and remove
-// units.  The catalogue it starts with (41 prefixes, 123 units) is built by the first call that needs it, once:
-// about 640,000 instructions (callgrind), 0.11 ms.
+// units.  The catalogue it starts with (41 prefixes, 123 units) is built by the first call that needs it:
+// about 650,000 instructions (callgrind), 0.11 ms.
 //
 // Unit expressions
 //
@@ -107,7 +107,7 @@ void units_end_changes();
 
 // The work of all operations so far, for callers that limit it: a multiplication or a comparison of names
 // counts 1, a copy of a name 4, a look-up 16, and every 64 characters of these names 1 more.  An ordinary
-// conversion takes less than 100, the dearest some millions; a hundred are about a microsecond.
+// conversion takes less than 100, the dearest some millions; a hundred take one to five microseconds.
 uint64_t units_work();
 
 // Clears the error state.
