@@ -229,9 +229,10 @@ void units_undo_changes() {
 
 void units_end_changes() {
     for (size_t i = 0; haveChanged && i < capacity; ++i) {
-        if (slots[i].initial != '\0') freeNames(*slots[i].record);
-        slots[i].isNew = false;
-        slots[i].initial = '\0';
+        Slot& slot = slots[i];
+        if (slot.record != nullptr && slot.initial != '\0') freeNames(*slot.record);
+        slot.isNew = false;
+        slot.initial = '\0';
     }
     isRecording = haveChanged = false;
 }
