@@ -25,7 +25,7 @@ sources() {
 }
 
 echo "lint: licence lines"
-unlicensed=$(sources '\.(cpp|h|sh)$|(^|/)(CMakeLists\.txt|Makefile)$|^\.ci/run$' |
+unlicensed=$(sources '\.(cpp|mm|h|sh|py)$|(^|/)(CMakeLists\.txt|Makefile)$|^\.ci/run$' |
     xargs grep -L 'SPDX-License-Identifier: MIT' || true)
 if [ -n "$unlicensed" ]; then
     printf 'lint: no SPDX line in:\n%s\n' "$unlicensed" >&2
@@ -33,8 +33,9 @@ if [ -n "$unlicensed" ]; then
 fi
 
 echo "lint: clang-format"
-sources '\.(cpp|h)$' | xargs clang-format --dry-run -Werror
+sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 
+# Of the window the compiler's warnings are the only check: cppcheck knows no Objective-C.
 # $1: the kinds of findings; the names of the files come on standard input.
 # clang-tidy judges parameters passed by value better. cppcheck 2.10 miscounts a std::array whose size is a sum of constants; the sanitizers watch the bounds.
 check() {
