@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+//
+// The window's content view: paints the translucent background behind the console.
+#ifndef TALLYQUILL_HUDVIEWWITHBLUR_H
+#define TALLYQUILL_HUDVIEWWITHBLUR_H
+
+#import <AppKit/AppKit.h>
+
+@class MainConsole;
+
+@interface HUDViewWithBlur : NSView {
+    MainConsole* mainConsole; // not retained
+}
+- (void)setMainConsole:(MainConsole*)console;
+
+// Fills the band between the status line and the controls, as far as it lies in `dirty`, with the console's
+// background colour at an alpha of 1 - 0.004 x the setting `trans`.
+- (void)drawRect:(NSRect)dirty;
+@end
+
+#endif

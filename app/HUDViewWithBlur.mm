@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#import "HUDViewWithBlur.h"
+
+#import "Interface.h"
+#import "MainConsole.h"
+
+@implementation HUDViewWithBlur
+
+- (void)setMainConsole:(MainConsole*)console {
+    mainConsole = console;
+}
+
+- (void)drawRect:(NSRect)dirty {
+    NSRect band = [self bounds];
+    band.origin.y = STATUS_HEIGHT;
+    band.size.height -= STATUS_HEIGHT + CONTROLS_HEIGHT;
+    const CGFloat alpha = 1 - 0.008 * [mainConsole setting:@"trans"] * 0.5;
+    [[[mainConsole backgroundColor] colorWithAlphaComponent:alpha] set];
+    NSRectFillUsingOperation(NSIntersectionRect(band, dirty), NSCompositeCopy);
+}
+
+@end

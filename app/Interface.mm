@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#import "Interface.h"
+
+#import "HUDViewWithBlur.h"
+#import "MainConsole.h"
+#import "PelmoAppDelegate.h"
+#import "PrefController.h"
+
+static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
+static const CGFloat MARGIN = 6;
+static const CGFloat CONTROL_HEIGHT = 21;
+
+static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
+    NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
+    [scroll setHasVerticalScroller:YES];
+    [scroll setBorderType:NSNoBorder];
+    [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
+    const NSSize inside = [scroll contentSize];
+    [console setFrame:NSMakeRect(0, 0, inside.width, inside.height)];
+    [console setMinSize:inside];
+    [console setMaxSize:NSMakeSize(1e7, 1e7)];
+    [console setVerticallyResizable:YES];
+    [console setHorizontallyResizable:NO];
+    [console setAutoresizingMask:NSViewWidthSizable];
+    [[console textContainer] setContainerSize:NSMakeSize(inside.width, 1e7)];
+    [[console textContainer] setWidthTracksTextView:YES];
+    [scroll setDocumentView:console];
+    return scroll;
+}
+
+static MainConsole* buildConsole() {
+    MainConsole* const console = [[[MainConsole alloc] initWithFrame:NSZeroRect] autorelease];
+    [console setRichText:NO];
+    [console setUsesFontPanel:YES];
+    [console setAllowsUndo:YES];
+    NSFont* const font = [NSFont userFixedPitchFontOfSize:13];
+    if (font) [console setFont:font];
+    return console;
+}
+
+static NSTextField* buildStatusLine(NSRect frame) {
+    NSTextField* const field = [[[NSTextField alloc] initWithFrame:frame] autorelease];
+    [field setEditable:NO];
+    [field setSelectable:NO];
+    [field setBordered:NO];
+    [field setDrawsBackground:NO];
+    [field setTextColor:[NSColor colorWithCalibratedWhite:0.75 alpha:1]];
+    [[field cell] setLineBreakMode:NSLineBreakByTruncatingTail];
+    [field setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
+    return field;
+}
+
+static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainConsole* target, SEL action) {
+    NSSegmentedControl* const control = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
+    [control setSegmentCount:static_cast<NSInteger>([labels count])];
+    for (NSUInteger i = 0; i < [labels count]; i++) {
+        [control setLabel:[labels objectAtIndex:i] forSegment:static_cast<NSInteger>(i)];
+        [control setWidth:width forSegment:static_cast<NSInteger>(i)];
+    }
+    [control setFont:[NSFont systemFontOfSize:11]];
+    [control setTarget:target];
+    [control setAction:action];
+    return control;
+}
+
+static NSPopUpButton* buildPopUp(NSString* title, MainConsole* target, SEL action) {
+    NSPopUpButton* const button = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:YES] autorelease];
+    [button addItemWithTitle:title];
+    [button setFont:[NSFont systemFontOfSize:11]];
+    [button setTarget:target];
+    [button setAction:action];
+    return button;
+}
+
+// Places the controls side by side in the strip at the top.
+static void placeControls(NSView* content, NSArray* controls, const CGFloat* widths) {
+    CGFloat x = MARGIN;
+    const CGFloat y = NSHeight([content bounds]) - CONTROLS_HEIGHT + (CONTROLS_HEIGHT - CONTROL_HEIGHT) / 2;
+    for (NSUInteger i = 0; i < [controls count]; i++) {
+        NSControl* const control = [controls objectAtIndex:i];
+        [control setFrame:NSMakeRect(x, y, widths[i], CONTROL_HEIGHT)];
+        [control setAutoresizingMask:NSViewMinYMargin | NSViewMaxXMargin];
+        [content addSubview:control];
+        x += widths[i] + MARGIN;
+    }
+}
+
+static void buildControls(NSView* content, MainConsole* console) {
+    NSSegmentedControl* const base = buildSegments([NSArray arrayWithObjects:@"Bin", @"Dec", @"Hex", nil], 42,
+                                                   console, @selector(clickedChangeBase:));
+    NSSegmentedControl* const mode = buildSegments([NSArray arrayWithObjects:@"Deg", @"Rad", nil], 42, console,
+                                                   @selector(clickedChangeMode:));
+    NSPopUpButton* const vars = buildPopUp(@"Vars", console, @selector(clickedVarsMenu:));
+    NSPopUpButton* const functions = buildPopUp(@"Func", console, @selector(clickedFuncMenu:));
+    const CGFloat widths[] = {128, 86, 76, 76};
+    placeControls(content, [NSArray arrayWithObjects:base, mode, vars, functions, nil], widths);
+    [console setCtrlBase:base];
+    [console setCtrlDegMode:mode];
+    [console setMenuVars:vars funcs:functions];
+}
+
+NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
+    const NSUInteger style =
+        NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask;
+    NSWindow* const window = [[[NSWindow alloc] initWithContentRect:FIRST_FRAME
+                                                          styleMask:style
+                                                            backing:NSBackingStoreBuffered
+                                                              defer:NO] autorelease];
+    [window setTitle:@"Tallyquill"];
+    [window setReleasedWhenClosed:NO];
+    [window setBackgroundColor:[NSColor colorWithCalibratedWhite:0.16 alpha:1]];
+
+    MainConsole* const console = buildConsole();
+    [console setMyAppDelegate:delegate];
+    HUDViewWithBlur* const content = [[[HUDViewWithBlur alloc] initWithFrame:FIRST_FRAME] autorelease];
+    [content setMainConsole:console];
+    [window setContentView:content];
+    const NSRect bounds = [content bounds];
+    [content addSubview:buildScrollView(NSMakeRect(0, STATUS_HEIGHT, NSWidth(bounds),
+                                                   NSHeight(bounds) - STATUS_HEIGHT - CONTROLS_HEIGHT),
+                                        console)];
+    NSTextField* const status = buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT));
+    [content addSubview:status];
+    [console setAnswerStatus:status];
+    buildControls(content, console);
+    [window setInitialFirstResponder:console];
+    [delegate setMainConsole:console];
+    [delegate setWindow:window];
+    return window;
+}
+
+void buildInterface(PelmoAppDelegate* delegate) {
+    buildMainWindow(delegate);
+    PrefController* const controller = [[[PrefController alloc] init] autorelease];
+    [controller setMainConsole:[delegate mainConsole]];
+    [delegate setPrefController:controller];
+    buildMenus(delegate);
+}

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+//
+// Copy, cut, paste and undo, and the guard of the transcript.
+#import "MainConsole.h"
+
+#include "Helpers_String.h"
+
+#include <unistd.h>
+
+static const useconds_t FLASH = 80000; // microseconds
+
+@implementation MainConsole (Edit)
+
+- (BOOL)validateMenuItem:(NSMenuItem*)item {
+    // Copy works without a selection, and the others decide for themselves.
+    const SEL action = [item action];
+    const SEL own[] = {@selector(copy:), @selector(cut:), @selector(paste:), @selector(undo:)};
+    for (const SEL one : own) {
+        if (sel_isEqual(action, one)) return YES;
+    }
+    return [self superValidateMenuItem:item];
+}
+
+// However a change comes about, by a key, a drag or a service: the transcript is read only. What the console
+// itself writes does not ask.
+- (BOOL)shouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text {
+    if (text && range.location < static_cast<NSUInteger>(g_linestart)) return NO;
+    return [self superShouldChangeTextInRange:range replacementString:text];
+}
+
+// --- Copy ---
+
+- (void)copy:(id)sender {
+    (void)sender;
+    const NSRange selection = [self selectedRange];
+    if (selection.length == 0) {
+        [self copyAnswer];
+        return;
+    }
+    [self superCopy];
+    const bool isInTranscript = selection.location + 4 < static_cast<NSUInteger>(g_linestart);
+    if (isInTranscript && !([self setting:@"tipscode"] & 1)) [self showCopyTip];
+}
+
+- (void)showCopyTip {
+    // Stored first: a sheet may not return before it is answered.
+    [self setSetting:@"tipscode" to:[self setting:@"tipscode"] | 1];
+    [self showSheet:@"Tip:  You can copy the previous answer anytime using CMD-c with no text selected.  Give it a "
+                    @"try!"
+                yes:@"Thanks, but don't tell me again!"
+                 no:nil
+             didEnd:NULL];
+}
+
+// The answer as bare digits: without the grouping mark, which is shown as a point with a decimal comma.
+static std::string bareAnswer() {
+    std::string text = calc.lastAnswer;
+    char mark[] = {calc.separatorChar, '\0'};
+    calc.ProcessStringEuropean(mark);
+    if (calc.useSeparator) StrRemoveChar(text.data(), mark[0]);
+    return text.c_str();
+}
+
+- (void)copyAnswer {
+    NSPasteboard* const board = [NSPasteboard generalPasteboard];
+    [board declareTypes:[NSArray arrayWithObject:NSStringPboardType] owner:nil];
+    [board setString:textFromBytes(bareAnswer().c_str()) forType:NSStringPboardType];
+    if (calc.lastAnswer[0] == '\0') return;
+    NSString* const shown = [@"= " stringByAppendingString:textFromBytes(calc.lastAnswer)];
+    const NSRange found = [[self string] rangeOfString:shown options:NSBackwardsSearch];
+    if (found.location != NSNotFound) [self flash:NSMakeRange(found.location + 2, found.length - 2)];
+}
+
+- (void)show:(NSRange)selection {
+    [self setSelectedRange:selection];
+    [self display];
+    [[self window] flushWindowIfNeeded];
+    usleep(FLASH);
+}
+
+- (void)flash:(NSRange)answer {
+    const NSRange cursor = NSMakeRange([self selectedRange].location, 0);
+    for (int i = 0; i < 2; i++) {
+        [self show:answer];
+        [self show:cursor];
+    }
+    [self show:answer];
+    [self setSelectedRange:cursor];
+}
+
+// --- Cut, paste, undo ---
+
+// Of what lies in the transcript nothing is removed: it is copied. A selection inside the entry stays as it is.
+- (void)cut:(id)sender {
+    (void)sender;
+    const NSRange selection = [self selectedRange];
+    const NSUInteger start = static_cast<NSUInteger>(g_linestart);
+    if (selection.location < start) {
+        if (NSMaxRange(selection) > start) {
+            [self setSelectedRange:NSMakeRange(start, NSMaxRange(selection) - start)];
+            [self superCut];
+        } else if (selection.length > 0) {
+            [self superCopy];
+        }
+    }
+    [self ProcessResult:nullptr:YES];
+}
+
+// An entry is one line, in the history and in scripts: line ends between pasted lines separate statements, and
+// those around them are left out. Nil when the text has none.
+static NSString* asOneLine(NSString* text) {
+    NSCharacterSet* const lineEnds = [NSCharacterSet newlineCharacterSet];
+    if ([text rangeOfCharacterFromSet:lineEnds].location == NSNotFound) return nil;
+    NSMutableArray* const lines = [NSMutableArray array];
+    NSArray* const pieces = [text componentsSeparatedByCharactersInSet:lineEnds];
+    for (NSUInteger i = 0; i < [pieces count]; i++) {
+        NSString* const line = [[pieces objectAtIndex:i]
+            stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
+        if ([line length] > 0) [lines addObject:line];
+    }
+    return [lines componentsJoinedByString:@"; "];
+}
+
+- (void)paste:(id)sender {
+    (void)sender;
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    NSString* const text = [[NSPasteboard generalPasteboard] stringForType:NSStringPboardType];
+    NSString* const line = asOneLine(text);
+    if (line)
+        [self insertText:line];
+    else
+        [self superPasteAsPlainText];
+    [self ProcessResult:nullptr:YES];
+}
+
+- (void)undo:(id)sender {
+    (void)sender;
+    const NSUInteger place = [self selectedRange].location;
+    const bool isEmpty = place == static_cast<NSUInteger>(g_linestart) && place == [[self string] length];
+    if (isEmpty) return;
+    if ([[self undoManager] canUndo]) [[self undoManager] undo];
+    [self ProcessResult:nullptr:YES];
+}
+
+@end

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+//
+// The settings and the functions file.
+#import "MainConsole.h"
+
+#import "Platform.h"
+#import "SettingsText.h"
+
+#include "FileKeeping.h"
+#include "FunctionsFile.h"
+
+#include <chrono>
+
+using Clock = std::chrono::steady_clock;
+
+// After an entry the files are written this much later, with all that came meanwhile.
+static const NSTimeInterval WRITE_DELAY = 1;
+
+// A script's lines may follow each other fast: the text of the functions file is made this often at most.
+static const std::chrono::milliseconds TEXT_INTERVAL(100);
+
+// What entries changed since the files were written.
+struct Unwritten {
+    bool exists = false;
+    bool isEntryRunning = false;
+    Clock::time_point since;
+    std::string text; // of the functions file before the running entry, when something was unwritten then
+    Clock::time_point textTime;
+};
+static Unwritten unwritten;
+
+static std::string pathBytes(NSString* path) {
+    return path ? [path fileSystemRepresentation] : "";
+}
+
+@implementation MainConsole (Files)
+
+- (NSMutableDictionary*)settings {
+    return settings;
+}
+
+- (int)setting:(NSString*)key {
+    const id value = [settings objectForKey:key];
+    if ([value isKindOfClass:[NSNumber class]]) return [value intValue];
+    // A file of an older version may lack a key. Zero would be no base and no number of figures.
+    return settings ? neededSetting(key) : 0;
+}
+
+- (void)setSetting:(NSString*)key to:(int)value {
+    [settings setObject:[NSNumber numberWithInt:value] forKey:key];
+}
+
+// --- The folder ---
+
+- (NSString*)appSupportFolder {
+    NSString* const system = platformSupportFolder();
+    NSString* const folder = system ? [system stringByAppendingPathComponent:@"Tallyquill"] : @"Tallyquill";
+    BOOL isFolder = NO;
+    if (![[NSFileManager defaultManager] fileExistsAtPath:folder isDirectory:&isFolder]) {
+        platformMakeFolder(folder);
+    }
+    return folder;
+}
+
+// --- Settings ---
+
+- (void)initSettingsDefault {
+    [settings release];
+    settings = [defaultSettings() retain];
+    [self initColorsDefault];
+}
+
+- (void)initColorsDefault {
+    if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
+    [settings setObject:[NSColor colorWithCalibratedRed:0.1 green:0.1 blue:0.1 alpha:1] forKey:@"bgcolor"];
+    [settings setObject:[NSColor colorWithCalibratedRed:0.1 green:0.9 blue:0.9 alpha:1] forKey:@"fgcolor"];
+    [self setSetting:@"trans" to:25];
+}
+
+- (void)saveSettings {
+    if (!settings || !prefFilePath) return;
+    if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
+    if ([self textColor]) [settings setObject:[self textColor] forKey:@"fgcolor"];
+    if ([self backgroundColor]) [settings setObject:[self backgroundColor] forKey:@"bgcolor"];
+    const std::string text = settingsText(settings);
+    if (!text.empty()) WriteFileAtomically(pathBytes(prefFilePath), text);
+}
+
+- (void)loadSettings {
+    [settings release];
+    settings = nil;
+    const bool exists = [[NSFileManager defaultManager] fileExistsAtPath:prefFilePath];
+    NSData* const bytes = exists ? [NSData dataWithContentsOfFile:prefFilePath] : nil;
+    settings = [settingsFromText(bytes, [self font]) retain];
+    const bool wasRead = settings != nil;
+    if (!wasRead && exists) KeepUnreadable(pathBytes(prefFilePath));
+    if (!wasRead) [self initSettingsDefault];
+    [self applyColors];
+    if (!wasRead) [self saveSettings];
+}
+
+- (void)applyColors {
+    NSColor* const back = [settings objectForKey:@"bgcolor"];
+    NSColor* const text = [settings objectForKey:@"fgcolor"];
+    if (back) [self setBackgroundColor:back];
+    if (text) [self setTextColor:text];
+    if (text) [self setInsertionPointColor:text];
+    if ([settings objectForKey:@"nsfont"]) [self setFont:[settings objectForKey:@"nsfont"]];
+    if (!back || !text) return;
+    NSColor* const gray = [text colorUsingColorSpaceName:NSCalibratedWhiteColorSpace];
+    NSColor* const selected = [gray blendedColorWithFraction:0.7 ofColor:back];
+    if (!selected) return;
+    [self setSelectedTextAttributes:[NSDictionary
+                                        dictionaryWithObjectsAndKeys:selected, NSBackgroundColorAttributeName,
+                                                                     text, NSForegroundColorAttributeName, nil]];
+}
+
+// --- Functions, variables, units, history ---
+
+- (void)saveFuncFile {
+    unwritten = Unwritten();
+    if (funcFilePath) WriteFileAtomically(pathBytes(funcFilePath), FunctionsFileText(calc));
+}
+
+- (void)loadFuncFile {
+    const std::string path = pathBytes(funcFilePath);
+    const FunctionsFileResult result = ReadFunctionsFile(calc, path);
+    const bool exists = [[NSFileManager defaultManager] fileExistsAtPath:funcFilePath];
+    if (exists && (!result.opened || result.damaged)) KeepUnreadable(path);
+    calc.european = [self setting:@"european"] != 0;
+    calc.tenKey = [self setting:@"tenkey"] != 0;
+}
+
+// --- Writing shortly after an entry ---
+
+- (void)entryWillRun {
+    unwritten.isEntryRunning = true;
+    if (!unwritten.exists || !funcFilePath) return;
+    const Clock::time_point now = Clock::now();
+    if (now - unwritten.textTime < TEXT_INTERVAL) return;
+    unwritten.text = FunctionsFileText(calc);
+    unwritten.textTime = now;
+}
+
+- (void)entryDidRun {
+    unwritten.isEntryRunning = false;
+    unwritten.text.clear();
+    if (unwritten.exists) {
+        [self writeDueFiles]; // a script keeps the timer from firing
+        return;
+    }
+    unwritten.exists = true;
+    unwritten.since = Clock::now();
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(writeDueFiles) object:nil];
+    [self performSelector:@selector(writeDueFiles)
+               withObject:nil
+               afterDelay:WRITE_DELAY
+                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
+                                                    NSEventTrackingRunLoopMode, nil]];
+}
+
+- (void)writeDueFiles {
+    if (!unwritten.exists) return;
+    const std::chrono::duration<double> age = Clock::now() - unwritten.since;
+    if (age.count() < WRITE_DELAY * 0.9) return;
+    if (!unwritten.isEntryRunning) {
+        [self saveSettings];
+        [self saveFuncFile];
+    } else if (!unwritten.text.empty()) {
+        // The engine is at work: what it holds is written as it was before this entry.
+        WriteFileAtomically(pathBytes(funcFilePath), unwritten.text);
+        unwritten.text.clear();
+    }
+}
+
+@end

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+//
+// Display base, angle mode, and the lists of variables and functions.
+#import "MainConsole.h"
+
+#include <cstring>
+#include <string>
+
+// Longer definitions show as their heads in the list of functions.
+static const NSUInteger LONGEST_ITEM = 32;
+
+static const int BASES[] = {2, 10, 16}; // of the tags and the segments 0, 1, 2
+
+static NSInteger segmentOf(int base) {
+    if (base == 2) return 0;
+    return base == 10 ? 1 : 2;
+}
+
+// The start of the entry and the base at the previous call of setDisplayBase.
+static int32_t prevgis = 0;
+static int prevbase = 0;
+
+@implementation MainConsole (Menus)
+
+- (void)menuChangeBase:(id)sender {
+    const NSInteger tag = [sender tag];
+    if (tag >= 0 && tag <= 2) [self setDisplayBase:BASES[tag]:NO];
+}
+
+- (void)clickedChangeBase:(id)sender {
+    const NSInteger segment = [sender selectedSegment];
+    const bool isShifted = ([[NSApp currentEvent] modifierFlags] & NSShiftKeyMask) != 0;
+    if (segment >= 0 && segment <= 2) [self setDisplayBase:BASES[segment]:isShifted];
+}
+
+- (BOOL)showsAgainIn:(int)base {
+    if (calc.lastAnswer[0] == '\0' || g_linestart < 3) return NO;
+    return g_linestart == prevgis ? base != prevbase : base != [self setting:@"dispbase"];
+}
+
+- (void)showAnswerIn:(int)base {
+    static char text[FORMAT_SIZE];
+    qfloat shown;
+    qmov(calc.result, shown);
+    qmov(lastResult.value, calc.result);
+    calc.FormatResult(base, text, calc.sigFigs, calc.sciMode, calc.twosComp,
+                      calc.useSeparator ? calc.separatorChar : '\0');
+    qmov(shown, calc.result);
+    std::string line = lastResult.entry + " = " + text + "\n";
+    calc.ProcessStringEuropean(line.data());
+    [self insertPrePrompt:line.c_str():3];
+}
+
+- (void)setDisplayBase:(int)base:(BOOL)oneOff {
+    const int stored = [self setting:@"dispbase"];
+    if ([self showsAgainIn:base]) [self showAnswerIn:base];
+    prevgis = g_linestart;
+    prevbase = base;
+    if (oneOff) {
+        [ctrlBase setSelectedSegment:segmentOf(stored)];
+        return;
+    }
+    [self setSetting:@"dispbase" to:base];
+    [menuDispBin setState:base == 2 ? NSOnState : NSOffState];
+    [menuDispDec setState:base == 10 ? NSOnState : NSOffState];
+    [menuDispHex setState:base == 16 ? NSOnState : NSOffState];
+    [ctrlBase setSelectedSegment:segmentOf(base)];
+    [self saveSettings];
+    [self ProcessResult:nullptr:YES];
+}
+
+- (void)clickedChangeMode:(id)sender {
+    const NSInteger segment = [sender selectedSegment];
+    if (segment == 0) [self setDegreeMode:1];
+    if (segment == 1) [self setDegreeMode:0];
+}
+
+- (void)setDegreeMode:(int)degrees {
+    [self setSetting:@"degmode" to:degrees];
+    [ctrlDegMode setSelectedSegment:degrees == 1 ? 0 : 1];
+    [self saveSettings];
+    [self ProcessResult:nullptr:YES];
+}
+
+// A new item; pop-up buttons drop an item of the same title when one is added by title alone.
+static NSMenuItem* menuItem(NSString* title) {
+    return [[[NSMenuItem alloc] initWithTitle:title action:NULL keyEquivalent:@""] autorelease];
+}
+
+- (void)populateVarsMenu {
+    static char value[FORMAT_SIZE];
+    [menuVars removeAllItems];
+    NSMenu* const menu = [menuVars menu];
+    [menu addItem:menuItem(@"Vars")];
+    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
+        qtoascii(*variable->value, value, 10, calc.sciMode, '\0');
+        calc.ProcessStringEuropean(value);
+        [menu addItem:menuItem([NSString stringWithFormat:@"%s\t%s", variable->text, value])];
+    }
+    [menuVars selectItemAtIndex:0];
+}
+
+- (void)populateFuncMenu {
+    static char text[TEXT_SIZE];
+    [menuFuncs removeAllItems];
+    NSMenu* const menu = [menuFuncs menu];
+    [menu addItem:menuItem(@"Func")];
+    bool isSeparated = false;
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        function->FuncToStr(text);
+        NSString* title = textFromBytes(text);
+        const NSRange equals = [title rangeOfString:@"="];
+        if ([title length] > LONGEST_ITEM && equals.location != NSNotFound) {
+            title = [[title substringToIndex:NSMaxRange(equals)] stringByAppendingString:@" ..."];
+        }
+        if (equals.location != NSNotFound && !isSeparated) {
+            [menu insertItem:[NSMenuItem separatorItem] atIndex:1];
+            isSeparated = true;
+        }
+        [menu insertItem:menuItem(title) atIndex:1];
+    }
+    [menuFuncs selectItemAtIndex:0];
+}
+
+- (void)clickedVarsMenu:(id)sender {
+    NSString* const title = [sender titleOfSelectedItem];
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    [self replaceSelection:[[title componentsSeparatedByString:@"\t"] objectAtIndex:0]];
+}
+
+- (void)clickedFuncMenu:(id)sender {
+    NSString* const call =
+        [[[sender titleOfSelectedItem] componentsSeparatedByString:@"="] objectAtIndex:0];
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    const NSUInteger open = [call rangeOfString:@"("].location;
+    NSCharacterSet* const ends = [NSCharacterSet characterSetWithCharactersInString:@",)"];
+    const NSUInteger end = [call rangeOfCharacterFromSet:ends].location;
+    [self replaceSelection:call];
+    if (open == NSNotFound || end == NSNotFound || end <= open) return;
+    // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry that
+    // the call begins.
+    [self setSelectedRange:NSMakeRange(static_cast<NSUInteger>(g_linestart) + open + 1, end - open - 1)];
+}
+
+@end

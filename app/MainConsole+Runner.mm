@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: MIT
+//
+// Entries to the engine, its answers and commands back.
+#import "MainConsole.h"
+
+#import "Platform.h"
+#import "WebQuery.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <unistd.h>
+
+using Clock = std::chrono::steady_clock;
+
+static const char* const BAD_ENCODING = "** Invalid character/encoding used. **\n";
+
+// What behind the name of a quick result is left out: "ans = ".
+static const size_t QUICK_HEAD = 6;
+
+static void copyBounded(char* out, size_t size, const char* text) {
+    snprintf(out, size, "%s", text);
+}
+
+// Whether the command is the word with a number behind it, as in pause500.
+static bool hasNumber(const char* command, const char* word, long& number) {
+    const size_t length = strlen(word);
+    if (strncmp(command, word, length) != 0) return false;
+    char* end = nullptr;
+    number = strtol(command + length, &end, 0);
+    return end != command + length;
+}
+
+@implementation MainConsole (Runner)
+
+// The settings that the engine works with. Either mark stands for the grouping mark, which is a comma in the
+// engine's own notation: european makes a point of it.
+- (void)copySettingsToEngine {
+    const int separator = [self setting:@"schar"];
+    calc.degreeMode = [self setting:@"degmode"] != 0;
+    calc.displayBase = [self setting:@"dispbase"];
+    calc.european = [self setting:@"european"] != 0;
+    calc.sigFigs = [self setting:@"sigfigs"];
+    calc.sciMode = [self setting:@"scimode"];
+    calc.separatorChar = separator == '.' ? ',' : static_cast<char>(separator);
+    calc.useSeparator = [self setting:@"separator"] != 0;
+    calc.twosComp = [self setting:@"twoscomp"] != 0;
+}
+
+// What the entry changed in the engine's settings. Storing the display base shows the last answer again, so the
+// engine's value is kept aside: a preview copies the settings anew.
+- (void)copySettingsFromEngine {
+    const bool degrees = calc.degreeMode;
+    const int base = calc.displayBase;
+    [self setSetting:@"european" to:calc.european ? 1 : 0];
+    [self setSetting:@"sigfigs" to:calc.sigFigs];
+    [self setSetting:@"scimode" to:calc.sciMode];
+    if (degrees != ([self setting:@"degmode"] != 0)) [self setDegreeMode:degrees ? 1 : 0];
+    if (base != [self setting:@"dispbase"]) [self setDisplayBase:base:NO];
+}
+
+// Runs the line, or the entry at the prompt. Returns the status; an answer's line and value are kept.
+- (int)processLine:(const char*)line quick:(BOOL)quick {
+    if (line) {
+        copyBounded(prompt, sizeof prompt, line);
+    } else if (![self getPromptText]) {
+        copyBounded(prompt, sizeof prompt, "err");
+        copyBounded(calc.message, sizeof calc.message, BAD_ENCODING);
+        calc.resultLine[0] = calc.echoText[0] = '\0';
+        return calc.status = STATUS_ERROR;
+    }
+    const char* const entry = line ? line : prompt; // all of it, also when it is too long
+    if (quick) return calc.ProcessEntry(entry, true);
+    [self entryWillRun];
+    [self watchInterrupts];
+    const int status = calc.ProcessEntry(entry, false);
+    [self entryDidRun];
+    if (status == STATUS_RESULT) {
+        // The newest line of the history is the one that an empty entry repeated.
+        const char* const newest = calc.history.GetHistoryStr(1);
+        lastResult.entry = prompt[0] == '\0' && newest ? newest : prompt;
+        lastResult.entry.erase(std::min(lastResult.entry.find_first_of("\r\n"), lastResult.entry.size()));
+        qmov(calc.result, lastResult.value);
+    }
+    return status;
+}
+
+- (void)ProcessResult:(const char*)line:(BOOL)quick {
+    [self copySettingsToEngine];
+    const int status = [self processLine:line quick:quick];
+    if (quick) {
+        [self updateStatusbar:status == STATUS_ERROR ? "" : calc.resultLine];
+        return;
+    }
+    std::string output = calc.echoText;
+    if (status == STATUS_RESULT) output += calc.resultLine;
+    if (status == STATUS_MESSAGE || status == STATUS_ERROR) output += calc.message;
+    [self updateStatusbar:""];
+    if (status == STATUS_COMMAND)
+        [self runCommandOf:line];
+    else
+        [self showOutput:output of:line];
+    [self copySettingsFromEngine];
+    [self populateVarsMenu];
+    [self populateFuncMenu];
+}
+
+- (void)showOutput:(const std::string&)output of:(const char*)line {
+    if (line) {
+        if (prompt[0] != '\0') [self insertWithoutPrompt:output.c_str()];
+    } else if (!output.empty() && prompt[0] == '\0') {
+        [self insertPrePrompt:output.c_str():3];
+    } else {
+        [self insertWithNewPrompt:output.c_str()];
+    }
+}
+
+// A pause or a typed-out text that was entered at the prompt ends with a new prompt like every other entry.
+- (void)runCommandOf:(const char*)line {
+    const std::string command = calc.message; // a preview meanwhile would empty it
+    long number = 0;
+    const bool isTimed = hasNumber(command.c_str(), "pause", number) || hasNumber(command.c_str(), "echo", number);
+    if (!line && isTimed) [self insertWithoutPrompt:"\n"];
+    [self RunGUICommand:command.c_str()];
+    if (!line && isTimed) [self insertPrompt];
+}
+
+- (NSString*)QuickResult:(const char*)line:(int)base {
+    [self copySettingsToEngine];
+    const int stored = calc.displayBase;
+    calc.displayBase = base;
+    copyBounded(prompt, sizeof prompt, line);
+    const int status = calc.ProcessEntry(prompt, true);
+    calc.displayBase = stored;
+    if (status != STATUS_RESULT || strlen(calc.resultLine) < QUICK_HEAD) return @"error";
+    return textFromBytes(calc.resultLine + QUICK_HEAD);
+}
+
+// --- Commands ---
+
+- (void)RunGUICommand:(const char*)command {
+    long number = 0;
+    if (strcmp(command, "clear") == 0) [self clearConsole];
+    if (strcmp(command, "exit") == 0) [[self window] close];
+    if (hasNumber(command, "pause", number)) [self pause:number];
+    if (strcmp(command, "echorep") == 0) {
+        [self replacePrompt:calc.echoText];
+        [self displayIfNeeded];
+    }
+    if (hasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
+    if (strcmp(command, "convert") == 0) [self askService:std::string(calc.echoText)];
+    if (strcmp(command, "gospel") == 0) [self openWebPage];
+}
+
+// Waits, asking for an interruption meanwhile. Returns NO when there was one.
+- (BOOL)waitMilliseconds:(long)milliseconds {
+    const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    while (Clock::now() < end) {
+        if ([self checkInterruptEvent]) {
+            scriptInterrupted = true;
+            return NO;
+        }
+        usleep(500);
+    }
+    return YES;
+}
+
+- (void)pause:(long)milliseconds {
+    [self displayIfNeeded];
+    const bool isUsual = milliseconds >= 0 && milliseconds <= 5000;
+    [self waitMilliseconds:isUsual ? milliseconds : 1000];
+}
+
+- (void)typeOut:(const std::string&)text rate:(long)rate {
+    if (rate == 0 || rate > 100) rate = 1000;
+    const long wait = 1000 / rate;
+    for (size_t i = 0; i < text.size(); i++) {
+        if (i > 0 && wait >= 2 && ![self waitMilliseconds:wait]) break;
+        const char character[] = {text[i], '\0'};
+        [self gotoEnd];
+        [self insertText:textFromBytes(character)];
+        g_linestart = static_cast<int32_t>([self selectedRange].location);
+        [self displayIfNeeded];
+        if ([self checkInterruptEvent]) {
+            scriptInterrupted = true;
+            break;
+        }
+    }
+    [[self undoManager] removeAllActions];
+}
+
+- (void)askService:(const std::string&)query {
+    [self insertWithNewPrompt:" "];
+    [self displayIfNeeded];
+    [self insertPrePrompt:"...checking...\n":3];
+    [self displayIfNeeded];
+    NSString* const answer = [self QueryWAConvert:query.c_str()];
+    [self insertTextPrePrompt:answer ? [answer stringByAppendingString:@"\n"] : @"Not found.\n":3];
+}
+
+- (NSString*)QueryWAConvert:(const char*)query {
+    NSString* const service = [[NSUserDefaults standardUserDefaults] stringForKey:@"QueryServiceURL"];
+    if ([service length] == 0) return nil;
+    NSData* const page = fetchPage(queryAddress(service, textFromBytes(query)), self);
+    return page ? answerInPage(page) : nil;
+}
+
+- (void)openWebPage {
+    NSString* const page = [[NSUserDefaults standardUserDefaults] stringForKey:@"WebPageURL"];
+    const bool isOpening = platformOpenPage(page);
+    [self insertWithNewPrompt:isOpening ? "<<< opening URL >>>" : "There is no web page to open."];
+}
+
+@end

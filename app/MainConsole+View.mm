@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+//
+// Writing into the transcript and into the entry.
+#import "MainConsole.h"
+
+#import "Platform.h"
+
+#include <algorithm>
+
+static NSString* const PROMPT = @"> ";
+
+@implementation MainConsole (View)
+
+- (NSRange)entryRange {
+    const NSUInteger length = [[self string] length];
+    const NSUInteger start = std::min(static_cast<NSUInteger>(std::max(g_linestart, 0)), length);
+    return NSMakeRange(start, length - start);
+}
+
+- (void)gotoEnd {
+    const NSRange end = NSMakeRange([[self string] length], 0);
+    [self setSelectedRange:end];
+    [self scrollRangeToVisible:end];
+}
+
+- (void)replaceSelection:(NSString*)text {
+    [self replaceCharactersInRange:[self selectedRange] withString:text];
+}
+
+// What was typed before cannot be undone any more: the places it stood at have moved or are read only.
+- (void)forgetUndo {
+    [[self undoManager] removeAllActions];
+}
+
+- (void)clearConsole {
+    [self setString:PROMPT];
+    [self forgetUndo];
+    g_linestart = static_cast<int32_t>([PROMPT length]);
+    [self setSelectedRange:NSMakeRange([PROMPT length], 0)];
+}
+
+- (void)clearPrompt {
+    [self setSelectedRange:[self entryRange]];
+    if ([self selectedRange].length > 0) [self delete:nil];
+}
+
+- (void)replacePrompt:(const char*)text {
+    [self setSelectedRange:[self entryRange]];
+    [self insertText:textFromBytes(text)];
+    [self gotoEnd];
+}
+
+- (void)insertPrompt {
+    [self gotoEnd];
+    [self replaceSelection:[@"\n" stringByAppendingString:PROMPT]];
+    [self forgetUndo];
+    g_linestart = static_cast<int32_t>([[self string] length]);
+    [self gotoEnd];
+}
+
+- (void)insertWithNewPrompt:(const char*)text {
+    [self gotoEnd];
+    [self replaceSelection:[@"\n" stringByAppendingString:textFromBytes(text)]];
+    [self insertPrompt];
+}
+
+- (void)insertWithoutPrompt:(const char*)text {
+    [self gotoEnd];
+    [self replaceSelection:textFromBytes(text)];
+    [self forgetUndo];
+    [self gotoEnd];
+}
+
+- (void)insertPrePrompt:(const char*)text:(int32_t)backCount {
+    [self insertTextPrePrompt:textFromBytes(text):backCount];
+}
+
+- (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount {
+    const int32_t place = std::max(g_linestart - backCount, 0);
+    [self replaceCharactersInRange:NSMakeRange(static_cast<NSUInteger>(place), 0) withString:text];
+    [self forgetUndo];
+    g_linestart += static_cast<int32_t>([text length]);
+    [self gotoEnd];
+}
+
+- (BOOL)getPromptText {
+    NSString* const entry = [[self string] substringWithRange:[self entryRange]];
+    NSData* const bytes = [entry dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
+    const size_t length = std::min<size_t>([bytes length], PROMPT_SIZE - 1);
+    memcpy(prompt, [bytes bytes], length);
+    prompt[length] = '\0';
+    const bool isWhole = strlen(prompt) == [entry length]; // no NUL in it either
+    return isWhole && latin1Bytes(entry) != nil;
+}
+
+- (void)recallHistory:(int)index {
+    const char* const line = calc.history.GetHistoryStr(index);
+    if (!line)
+        [self clearPrompt];
+    else if (line[0] != '\0')
+        [self replacePrompt:line];
+}
+
+- (void)recallHistory {
+    [self recallHistory:-1];
+}
+
+- (int)checkInterruptEvent {
+    NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                              untilDate:[NSDate date]
+                                                 inMode:NSDefaultRunLoopMode
+                                                dequeue:YES];
+    if (!event) return 0;
+    if (platformKeyCode(event) == KEY_ESCAPE) return 1;
+    NSString* const key = [event charactersIgnoringModifiers];
+    const NSUInteger flags = [event modifierFlags];
+    if ((flags & NSCommandKeyMask) && [key isEqualToString:@"q"]) return 1;
+    return (flags & NSControlKeyMask) && [key isEqualToString:@"c"] ? 1 : 0;
+}
+
+- (void)updateStatusbar:(const char*)text {
+    NSString* const line = textFromBytes(text);
+    const NSRange end = [line rangeOfString:@"\n" options:NSBackwardsSearch | NSAnchoredSearch];
+    [answerStatus setStringValue:end.location == NSNotFound ? line : [line substringToIndex:end.location]];
+}
+
+@end

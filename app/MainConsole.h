@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+//
+// The console: one text view that is the transcript of earlier entries and, behind the last prompt "> ", the
+// entry that is being typed. Everything in front of `g_linestart` is read only, everything from there to the end
+// of the text is the entry.
+//
+//   MainConsole.mm         the state, start-up and shut-down
+//   MainConsole+View.mm    writing into the transcript, the prompt
+//   MainConsole+Runner.mm  entries to the engine, its answers and commands back
+//   MainConsole+Keys.mm    what the keys do
+//   MainConsole+Edit.mm    copy, cut, paste, undo
+//   MainConsole+Files.mm   the settings, the functions file
+//   MainConsole+Scripts.mm scripts: saving, replaying, the tutorial
+//   MainConsole+Menus.mm   display base, angle mode, the lists of variables and functions
+//
+// Main thread only. Positions count the characters (UTF-16 units) of the text. "8-bit string" is text in ISO
+// Latin-1, of which ASCII is a part, ended by a NUL.
+#ifndef TALLYQUILL_MAINCONSOLE_H
+#define TALLYQUILL_MAINCONSOLE_H
+
+#import <AppKit/AppKit.h>
+
+#include "Calculator.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+@class PelmoAppDelegate;
+
+constexpr size_t PROMPT_SIZE = 10000; // bytes of `prompt`, terminator included
+constexpr size_t MATCH_SIZE = 101;    // bytes of `matchstr`, terminator included
+
+// One console per process.
+extern ZqCalculator calc;
+extern int32_t g_linestart;      // where the entry begins, just behind the prompt "> "
+extern char prompt[PROMPT_SIZE]; // the entry as an 8-bit string, see getPromptText; scratch for completion
+extern bool scriptInterrupted;   // a pause or a typed-out echo was interrupted; the script's runner clears it
+
+// What the last answer came from: the line that was typed and the exact value. A preview changes calc.result.
+struct Answer {
+    std::string entry;
+    qfloat value = {};
+};
+extern Answer lastResult;
+
+// History recall: the prefix, whether the arrows match it, and whether it has been taken from the entry.
+extern char matchstr[MATCH_SIZE];
+extern uint8_t matching_enable;
+extern uint8_t update_match_str;
+
+// The virtual key codes (those of macOS) of this key press and of the one before it.
+extern uint32_t keyCode;
+extern uint32_t prevKey;
+
+// The paths of the functions file and of the settings file; nil before start-up and after shut-down.
+extern NSString* funcFilePath;
+extern NSString* prefFilePath;
+
+@interface MainConsole : NSTextView {
+    NSMutableDictionary* settings;
+    PelmoAppDelegate* myAppDelegate;   // not retained
+    NSTextField* answerStatus;         // the controls belong to the window
+    NSSegmentedControl* ctrlBase;      // 0 binary, 1 decimal, 2 hexadecimal
+    NSSegmentedControl* ctrlDegMode;   // 0 degrees, 1 radians
+    NSMenuItem* menuDispBin;
+    NSMenuItem* menuDispDec;
+    NSMenuItem* menuDispHex;
+    NSPopUpButton* menuVars;
+    NSPopUpButton* menuFuncs;
+}
+
+// The start-up of the console in `window`: paths, settings, engine, functions file, menus, window; then the
+// first-run or the review sheet. `calc` must not have been initialised before.
+- (void)initializeConsole:(NSWindow*)window;
+
+// The shut-down: stores the window's frame, writes the settings and the functions file, lets go of the paths and
+// of the settings.
+- (void)terminateConsole;
+
+- (void)initWindowProperties; // the smallest size, 400 x 150 points
+- (void)initWindowLocation;   // the frame from the settings x, y, cx, cy
+
+// A modal alert with the button "OK".
+- (void)simpleAlert:(NSString*)title:(NSString*)detail;
+
+// A sheet on the window with one button or, with `no`, two. The selector, which may be null, is that of a sheet's end.
+- (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector;
+
+// An entry begins: key presses that wait are taken for interruptions from now on, though not at once.
+- (void)watchInterrupts;
+
+// The ends of the sheets of start-up; return code 1 is the default button.
+- (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
+- (void)reviewSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
+
+- (PelmoAppDelegate*)myAppDelegate;
+- (void)setMyAppDelegate:(PelmoAppDelegate*)delegate;
+- (void)setAnswerStatus:(NSTextField*)field;
+- (void)setCtrlBase:(NSSegmentedControl*)control;
+- (void)setCtrlDegMode:(NSSegmentedControl*)control;
+- (void)setMenuDispBin:(NSMenuItem*)bin dec:(NSMenuItem*)dec hex:(NSMenuItem*)hex;
+- (void)setMenuVars:(NSPopUpButton*)vars funcs:(NSPopUpButton*)functions;
+@end
+
+@interface MainConsole (View)
+- (void)gotoEnd;                          // an empty selection at the end, scrolled into view
+- (void)replaceSelection:(NSString*)text; // in place of the selection
+- (void)clearConsole;                     // the whole text becomes "> "
+- (void)clearPrompt;                      // empties the entry
+- (void)replacePrompt:(const char*)text;  // the entry becomes the 8-bit string
+- (void)insertPrompt;                     // a line feed and a new prompt at the end
+
+// Appends a line feed, the 8-bit string and a new prompt: how an answer is written.
+- (void)insertWithNewPrompt:(const char*)text;
+
+// Appends the 8-bit string; the entry's start stays where it was.
+- (void)insertWithoutPrompt:(const char*)text;
+
+// Inserts the 8-bit string `backCount` characters in front of the entry, 3 being in front of "\n> ", and moves the
+// entry's start along.
+- (void)insertPrePrompt:(const char*)text:(int32_t)backCount;
+- (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount; // the same with any text
+
+// Copies the entry into `prompt`. Returns NO when it is not all ISO Latin-1 or does not fit: `prompt` then holds
+// what could be had.
+- (BOOL)getPromptText;
+
+- (void)recallHistory:(int)index; // the line of the history becomes the entry, see CHistory::GetHistoryStr
+- (void)recallHistory;            // that of the walk's position
+
+// Whether a key press waits that interrupts: Escape, Command-q, Control-c. Any other key press that waits is
+// consumed. Returns 1 to interrupt, 0 to go on.
+- (int)checkInterruptEvent;
+
+// The result of the entry as it is typed, in the status line. A line feed at its end is left out.
+- (void)updateStatusbar:(const char*)text;
+@end
+
+@interface MainConsole (Runner)
+// Sends a line to the engine with the settings of the console and shows what comes back. A null `line` stands for
+// the entry at the prompt. `quick` is the live preview: only the status line changes.
+- (void)ProcessResult:(const char*)line:(BOOL)quick;
+
+// The value of the line in base 2, 10 or 16 with a line feed behind it, or "error". Nothing is stored.
+- (NSString*)QuickResult:(const char*)line:(int)base;
+
+// Carries out a command that the engine handed over (status 2): clear, exit, pause, echorep, echo, convert, gospel.
+- (void)RunGUICommand:(const char*)command;
+
+// What the service at the default QueryServiceURL answers to a query such as "convert+5+miles+to+km", or nil.
+// Waits for it, QUERY_SECONDS at most; Escape ends the wait.
+- (NSString*)QueryWAConvert:(const char*)query;
+@end
+
+@interface MainConsole (Files)
+- (NSMutableDictionary*)settings;
+- (NSString*)appSupportFolder; // the folder of our files, made when it is missing
+- (void)initSettingsDefault;   // new settings, all at their defaults
+- (void)initColorsDefault;     // the default font, colours and transparency in the settings
+- (void)saveSettings;          // writes them to prefFilePath
+- (void)loadSettings;          // reads them and shows the console with their colours and font
+- (void)applyColors;           // the console's colours and font from the settings
+- (void)saveFuncFile;          // functions, variables, units and history to funcFilePath
+- (void)loadFuncFile;
+
+// The integer under the key. A key that is missing reads as its default where zero would be no value.
+- (int)setting:(NSString*)key;
+- (void)setSetting:(NSString*)key to:(int)value;
+
+// Before and after a full entry, and now and then while one runs: what an entry changed is in the files a second
+// later, also when the program is killed after that.
+- (void)entryWillRun;
+- (void)entryDidRun;
+- (void)writeDueFiles;
+@end
+
+@interface MainConsole (Scripts)
+- (void)newDocument:(id)sender; // clears the console
+- (void)saveDocument:(id)sender;
+- (void)saveDocumentAs:(id)sender;
+- (void)openDocument:(id)sender;
+- (void)tutorial:(id)sender;
+
+// The text of a script that repeats what was typed: a header and the entries of the transcript.
+- (NSString*)scriptText;
+
+// Replays a script. Returns NO when the file cannot be opened.
+- (BOOL)loadFile:(NSString*)path;
+@end
+
+@interface MainConsole (Menus)
+- (void)menuChangeBase:(id)sender;    // tag 0 binary, 1 decimal, 2 hexadecimal
+- (void)clickedChangeBase:(id)sender; // segments likewise; with Shift only this once
+- (void)setDisplayBase:(int)base:(BOOL)oneOff;
+- (void)clickedChangeMode:(id)sender; // segment 0 degrees, 1 radians
+- (void)setDegreeMode:(int)degrees;   // 1 degrees, 0 radians
+- (void)populateVarsMenu;
+- (void)clickedVarsMenu:(id)sender;
+- (void)populateFuncMenu;
+- (void)clickedFuncMenu:(id)sender;
+@end
+
+// What the superclass would do, for the methods that MainConsole overrides.
+@interface MainConsole (Superclass)
+- (void)superKeyDown:(NSEvent*)event;
+- (void)superCopy;
+- (void)superCut;
+- (void)superPasteAsPlainText;
+- (BOOL)superValidateMenuItem:(NSMenuItem*)item;
+- (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text;
+@end
+
+// Text from an 8-bit string and back. latin1Bytes gives nil when the text has a character that is not ISO Latin-1.
+NSString* textFromBytes(const char* bytes);
+NSData* latin1Bytes(NSString* text);
+
+#endif

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#import "MainConsole.h"
+
+#import "PelmoAppDelegate.h"
+#import "Platform.h"
+#include "units.h"
+
+#include <chrono>
+
+ZqCalculator calc;
+int32_t g_linestart = 0;
+char prompt[PROMPT_SIZE] = "";
+bool scriptInterrupted = false;
+Answer lastResult;
+char matchstr[MATCH_SIZE] = "";
+uint8_t matching_enable = 0;
+uint8_t update_match_str = 0;
+uint32_t keyCode = 0;
+uint32_t prevKey = 0;
+NSString* funcFilePath = nil;
+NSString* prefFilePath = nil;
+
+static const NSSize SMALLEST_WINDOW = {400, 150};
+
+// The engine asks often; the event queue is asked this often, and not before an entry has run this long, so that
+// short entries leave what is typed ahead alone.
+static const std::chrono::milliseconds INTERRUPT_INTERVAL(50);
+
+static MainConsole* interruptedConsole = nil; // not retained
+static std::chrono::steady_clock::time_point lastInterruptCheck;
+
+NSString* textFromBytes(const char* bytes) {
+    return [[[NSString alloc] initWithBytes:bytes
+                                     length:strlen(bytes)
+                                   encoding:NSISOLatin1StringEncoding] autorelease];
+}
+
+NSData* latin1Bytes(NSString* text) {
+    return [text dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:NO];
+}
+
+@implementation MainConsole
+
+- (void)dealloc {
+    if (interruptedConsole == self) interruptedConsole = nil;
+    [NSObject cancelPreviousPerformRequestsWithTarget:self];
+    [settings release];
+    [super dealloc];
+}
+
+- (PelmoAppDelegate*)myAppDelegate {
+    return myAppDelegate;
+}
+
+- (void)setMyAppDelegate:(PelmoAppDelegate*)delegate {
+    myAppDelegate = delegate;
+}
+
+- (void)setAnswerStatus:(NSTextField*)field {
+    answerStatus = field;
+}
+
+- (void)setCtrlBase:(NSSegmentedControl*)control {
+    ctrlBase = control;
+}
+
+- (void)setCtrlDegMode:(NSSegmentedControl*)control {
+    ctrlDegMode = control;
+}
+
+- (void)setMenuDispBin:(NSMenuItem*)bin dec:(NSMenuItem*)dec hex:(NSMenuItem*)hex {
+    menuDispBin = bin;
+    menuDispDec = dec;
+    menuDispHex = hex;
+}
+
+- (void)setMenuVars:(NSPopUpButton*)vars funcs:(NSPopUpButton*)functions {
+    menuVars = vars;
+    menuFuncs = functions;
+}
+
+// --- Start-up ---
+
+static bool isInterrupted() {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return false;
+    lastInterruptCheck = now;
+    [interruptedConsole writeDueFiles];
+    return [interruptedConsole checkInterruptEvent] != 0;
+}
+
+- (void)watchInterrupts {
+    lastInterruptCheck = std::chrono::steady_clock::now();
+}
+
+- (void)initializeConsole:(NSWindow*)window {
+    interruptedConsole = self;
+    calc.interruptCheck = isInterrupted;
+    [self clearConsole];
+    [self findFiles];
+    [self loadSettings];
+    calc.initialized = true;
+    calc.InitializeFunctionsAndVars();
+    calc.history.SetMaxEntries([self setting:@"histsz"]);
+    [self testUnits];
+    [self loadFuncFile];
+    calc.initialized = true;
+    [self applySettings];
+    [self populateVarsMenu];
+    [self populateFuncMenu];
+    [self initWindowProperties];
+    [self initWindowLocation];
+    [self showWindow:window];
+    [self countStart];
+}
+
+- (void)findFiles {
+    NSString* const folder = [self appSupportFolder];
+    [funcFilePath release];
+    [prefFilePath release];
+    funcFilePath = [[folder stringByAppendingPathComponent:@"pelmo_functions.txt"] copy];
+    prefFilePath = [[folder stringByAppendingPathComponent:@"pelmo_settings.plist"] copy];
+    [settings release];
+    settings = nil;
+}
+
+- (void)testUnits {
+    units_clear_exception();
+    units_convert("m", "ft");
+    const char* const error = units_check_exception();
+    if (!error) return;
+    [self simpleAlert:@"Units converter initialization error." :textFromBytes(error)];
+    units_clear_exception();
+}
+
+- (void)applySettings {
+    calc.european = [self setting:@"european"] != 0;
+    calc.sigFigs = [self setting:@"sigfigs"];
+    calc.separatorChar = static_cast<char>([self setting:@"schar"]);
+    calc.useSeparator = [self setting:@"separator"] != 0;
+    calc.twosComp = [self setting:@"twoscomp"] != 0;
+    [self setDegreeMode:[self setting:@"degmode"]];
+    [self setDisplayBase:[self setting:@"dispbase"]:NO];
+}
+
+- (void)initWindowProperties {
+    [[self window] setMinSize:SMALLEST_WINDOW];
+}
+
+- (void)initWindowLocation {
+    const NSRect frame = NSMakeRect([self setting:@"x"], [self setting:@"y"], [self setting:@"cx"],
+                                    [self setting:@"cy"]);
+    [[self window] setFrame:frame display:YES];
+}
+
+- (void)showWindow:(NSWindow*)window {
+    [window setOpaque:NO];
+    [self setDrawsBackground:NO];
+    [[self enclosingScrollView] setDrawsBackground:NO];
+    [window makeKeyAndOrderFront:nil];
+    // A menu in the window has made the frame larger.
+    [self initWindowLocation];
+    [NSApp activateIgnoringOtherApps:YES];
+}
+
+// --- The sheets of some starts ---
+
+- (void)countStart {
+    const int starts = [self setting:@"firstrun"];
+    if (starts > 1) {
+        [self setSetting:@"firstrun" to:starts + 1];
+        if (starts + 1 == 20 || starts + 1 == 100) [self offerReview];
+        return;
+    }
+    if (platformWritesDecimalComma()) {
+        [self setSetting:@"european" to:1];
+        [self setSetting:@"schar" to:'.'];
+        [self applySettings];
+    }
+    // Stored first: a sheet may not return before it is answered.
+    [self setSetting:@"firstrun" to:2];
+    [self offerTutorial];
+}
+
+
+- (void)offerTutorial {
+    [self showSheet:@"This is your first run.\nShow 45-second quick tutorial?"
+                yes:@"Run Tutorial"
+                 no:@"No thanks."
+             didEnd:@selector(tutorialSheetDidEnd:returnCode:contextInfo:)];
+}
+
+- (void)offerReview {
+    [self showSheet:@"If you like Tallyquill, please consider leaving a review."
+                yes:@"Leave Review"
+                 no:@"No thanks."
+             didEnd:@selector(reviewSheetDidEnd:returnCode:contextInfo:)];
+}
+
+- (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector {
+    NSBeginAlertSheet(@"Tallyquill", yes, no, nil, [self window], self, selector, NULL, NULL, @"%@", message);
+}
+
+- (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
+    (void)context;
+    if (code != NSAlertDefaultReturn) return;
+    [sheet orderOut:nil];
+    [self tutorial:self];
+}
+
+- (void)reviewSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
+    (void)context;
+    if (code != NSAlertDefaultReturn) return;
+    [sheet orderOut:nil];
+    platformOpenPage([[NSUserDefaults standardUserDefaults] stringForKey:@"ReviewPageURL"]);
+}
+
+- (void)simpleAlert:(NSString*)title:(NSString*)detail {
+    NSRunAlertPanel(title, @"%@", @"OK", nil, nil, detail);
+}
+
+// --- Shut-down ---
+
+- (void)terminateConsole {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self];
+    const NSRect frame = [self window] ? [[self window] frame] : NSZeroRect;
+    [self setSetting:@"x" to:static_cast<int>(frame.origin.x)];
+    [self setSetting:@"y" to:static_cast<int>(frame.origin.y)];
+    [self setSetting:@"cx" to:static_cast<int>(frame.size.width)];
+    [self setSetting:@"cy" to:static_cast<int>(frame.size.height)];
+    [self saveSettings];
+    [self saveFuncFile];
+    [funcFilePath release];
+    [prefFilePath release];
+    funcFilePath = prefFilePath = nil;
+    [settings release];
+    settings = nil;
+}
+
+// --- What the superclass would do ---
+
+- (void)superKeyDown:(NSEvent*)event {
+    [super keyDown:event];
+}
+
+- (void)superCopy {
+    [super copy:nil];
+}
+
+- (void)superCut {
+    [super cut:nil];
+}
+
+- (void)superPasteAsPlainText {
+    [super pasteAsPlainText:nil];
+}
+
+- (BOOL)superValidateMenuItem:(NSMenuItem*)item {
+    return [super validateMenuItem:item];
+}
+
+- (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text {
+    return [super shouldChangeTextInRange:range replacementString:text];
+}
+
+@end

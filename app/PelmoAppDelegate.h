@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+//
+// The application: start and end, files handed over by the system, and showing and hiding the window.
+#ifndef TALLYQUILL_PELMOAPPDELEGATE_H
+#define TALLYQUILL_PELMOAPPDELEGATE_H
+
+#import <AppKit/AppKit.h>
+
+#include <cstdint>
+
+@class MainConsole;
+@class PrefController;
+
+extern uint8_t mainWinIsHidden;         // 1 while the window has been faded away
+extern uint8_t calcIsReady;             // 1 once start-up has finished
+extern NSString* waitingToOpenFilename; // handed over before that, or nil; retained
+
+@interface PelmoAppDelegate : NSObject {
+    NSWindow* window;
+    MainConsole* mainConsole;
+    PrefController* prefController;
+    NSStatusItem* statusItem;
+}
+- (NSWindow*)window;
+- (void)setWindow:(NSWindow*)mainWindow;
+- (MainConsole*)mainConsole;
+- (void)setMainConsole:(MainConsole*)console;
+- (PrefController*)prefController;
+- (void)setPrefController:(PrefController*)controller;
+
+- (void)createAppStatusItem; // nothing where there is no status bar
+- (void)removeAppStatusItem;
+
+// Fades the visible window away and hides the application; otherwise brings it back to the front.
+- (void)clickedAppStatusItem:(id)sender;
+
+- (BOOL)application:(NSApplication*)application openFile:(NSString*)path;
+@end
+
+#endif

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#import "PelmoAppDelegate.h"
+
+#import "Interface.h"
+#import "MainConsole.h"
+#import "Platform.h"
+#import "PrefController.h"
+
+uint8_t mainWinIsHidden = 0;
+uint8_t calcIsReady = 0;
+NSString* waitingToOpenFilename = nil;
+
+// The window on all spaces while it comes and goes, so that no space is switched to.
+static const NSUInteger EVERY_SPACE = 1;
+static const NSUInteger ONE_SPACE = 0;
+
+static NSImage* bundleImage(NSString* name) {
+    NSString* const path = [[NSBundle mainBundle] pathForResource:name ofType:@"png"];
+    return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
+}
+
+@implementation PelmoAppDelegate
+
+- (NSWindow*)window {
+    return window;
+}
+
+- (void)setWindow:(NSWindow*)mainWindow {
+    [mainWindow retain];
+    [window release];
+    window = mainWindow;
+}
+
+- (MainConsole*)mainConsole {
+    return mainConsole;
+}
+
+- (void)setMainConsole:(MainConsole*)console {
+    [console retain];
+    [mainConsole release];
+    mainConsole = console;
+}
+
+- (PrefController*)prefController {
+    return prefController;
+}
+
+- (void)setPrefController:(PrefController*)controller {
+    [controller retain];
+    [prefController release];
+    prefController = controller;
+}
+
+- (void)dealloc {
+    [self removeAppStatusItem];
+    [prefController release];
+    [mainConsole release];
+    [window release];
+    [super dealloc];
+}
+
+- (void)applicationWillFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    buildInterface(self);
+}
+
+- (void)applicationDidFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    [window makeFirstResponder:mainConsole];
+    [mainConsole initializeConsole:window];
+    statusItem = nil;
+    if ([mainConsole setting:@"statusicon"] == 1) [self createAppStatusItem];
+    calcIsReady = 1;
+    if (!waitingToOpenFilename) return;
+    NSString* const path = [waitingToOpenFilename autorelease];
+    waitingToOpenFilename = nil;
+    [mainConsole loadFile:path];
+}
+
+- (BOOL)application:(NSApplication*)application openFile:(NSString*)path {
+    (void)application;
+    if (calcIsReady) return [mainConsole loadFile:path];
+    [waitingToOpenFilename autorelease];
+    waitingToOpenFilename = [path copy];
+    return YES;
+}
+
+- (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
+    (void)application;
+    return !mainWinIsHidden;
+}
+
+- (void)createAppStatusItem {
+    NSStatusBar* const bar = platformStatusBar();
+    if (!bar || statusItem) return;
+    statusItem = [[bar statusItemWithLength:NSVariableStatusItemLength] retain];
+    [statusItem setHighlightMode:YES];
+    [statusItem setTitle:@""];
+    [statusItem setImage:bundleImage(@"Pelmo_tray")];
+    [statusItem setAlternateImage:bundleImage(@"Pelmo_tray_clicked")];
+    [statusItem setEnabled:YES];
+    [statusItem setToolTip:@"PelmoStatus"];
+    [statusItem setAction:@selector(clickedAppStatusItem:)];
+    [statusItem setTarget:self];
+}
+
+- (void)removeAppStatusItem {
+    if (!statusItem) return;
+    [[statusItem statusBar] removeStatusItem:statusItem];
+    [statusItem release];
+    statusItem = nil;
+}
+
+- (void)clickedAppStatusItem:(id)sender {
+    (void)sender;
+    if (![window isMiniaturized] && [window isKeyWindow] && !mainWinIsHidden) {
+        mainWinIsHidden = 1;
+        [prefController fadeWindow:-1.0f rate:-0.3f];
+        [window setCollectionBehavior:EVERY_SPACE];
+        return;
+    }
+    [window setCollectionBehavior:EVERY_SPACE];
+    if ([window isMiniaturized]) [window deminiaturize:nil];
+    [window makeKeyAndOrderFront:nil];
+    [NSApp activateIgnoringOtherApps:YES];
+}
+
+- (void)applicationDidResignActive:(NSNotification*)notification {
+    (void)notification;
+    if (mainWinIsHidden || [mainConsole setting:@"transback"] == 0) return;
+    [prefController fadeWindow:1 - 0.008f * static_cast<float>([mainConsole setting:@"trans"]) rate:-0.05f];
+}
+
+- (void)applicationWillBecomeActive:(NSNotification*)notification {
+    (void)notification;
+    [window setCollectionBehavior:EVERY_SPACE];
+}
+
+- (void)applicationDidBecomeActive:(NSNotification*)notification {
+    (void)notification;
+    [prefController fadeWindow:1.0f rate:mainWinIsHidden ? 0.25f : 0.15f];
+    [window setCollectionBehavior:ONE_SPACE];
+    mainWinIsHidden = 0;
+}
+
+- (void)applicationWillTerminate:(NSNotification*)notification {
+    (void)notification;
+    [prefController closePanel];
+    [mainConsole terminateConsole];
+    [self removeAppStatusItem];
+}
+
+@end

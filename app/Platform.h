@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// Everything in which macOS and GNUstep differ.
+#ifndef TALLYQUILL_PLATFORM_H
+#define TALLYQUILL_PLATFORM_H
+
+#import <AppKit/AppKit.h>
+
+#include <cstdint>
+
+// Virtual key codes as macOS has them.
+enum VirtualKey : uint32_t {
+    KEY_A = 0,
+    KEY_RETURN = 36,
+    KEY_TAB = 48,
+    KEY_BACKSPACE = 51,
+    KEY_ESCAPE = 53,
+    KEY_ENTER = 76, // keypad
+    KEY_HOME = 115,
+    KEY_FORWARD_DELETE = 117,
+    KEY_END = 119,
+    KEY_LEFT = 123,
+    KEY_RIGHT = 124,
+    KEY_DOWN = 125,
+    KEY_UP = 126,
+    KEY_OTHER = 0xffff // any other key, on GNUstep
+};
+
+// The virtual key code of a key press.
+uint32_t platformKeyCode(NSEvent* event);
+
+// Before [NSApplication sharedApplication]: defaults that the window needs.
+void platformRegisterDefaults();
+
+// After it: LC_NUMERIC is "C" again, as the engine expects.
+void platformAfterLaunch();
+
+// The current user's folder for application data, which need not exist; nil when there is none.
+// macOS: ~/Library/Application Support. Linux: $XDG_DATA_HOME when it is absolute, else ~/.local/share.
+NSString* platformSupportFolder();
+
+// Makes a folder. Its parents too on Linux, where a new home folder has none of them.
+bool platformMakeFolder(NSString* path);
+
+// The file that the command line names, or nil. On macOS the system hands files over by itself.
+NSString* platformFileArgument(int argc, const char* const* argv);
+
+// Opens a page in the browser. False when the address is none or nothing can be started.
+bool platformOpenPage(NSString* address);
+
+// The bar for status items, or nil where there is none.
+NSStatusBar* platformStatusBar();
+
+// Whether the user's locale writes decimals with a comma.
+bool platformWritesDecimalComma();
+
+#endif

@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+#import "Platform.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+
+void platformAfterLaunch() {
+    setlocale(LC_NUMERIC, "C");
+}
+
+bool platformWritesDecimalComma() {
+    NSNumberFormatter* const formatter = [[[NSNumberFormatter alloc] init] autorelease];
+    [formatter setFormatterBehavior:NSNumberFormatterBehavior10_4];
+    [formatter setNumberStyle:NSNumberFormatterDecimalStyle];
+    [formatter setMaximumFractionDigits:3]; // GNUstep begins with none
+    NSString* const text = [formatter stringFromNumber:[NSNumber numberWithDouble:6.7]];
+    return [text rangeOfString:@","].location != NSNotFound;
+}
+
+#ifdef GNUSTEP
+
+// GNUstep's key codes are those of the X server, which depend on the keyboard; the character tells the key.
+uint32_t platformKeyCode(NSEvent* event) {
+    NSString* const text = [event charactersIgnoringModifiers];
+    if ([text length] == 0) return KEY_OTHER;
+    const bool isOnKeypad = ([event modifierFlags] & NSNumericPadKeyMask) != 0;
+    switch ([text characterAtIndex:0]) {
+    case 13:
+    case 10: return isOnKeypad ? KEY_ENTER : KEY_RETURN;
+    case 3: return KEY_ENTER;
+    case 9:
+    case 25: return KEY_TAB; // 25: with Shift
+    case 27: return KEY_ESCAPE;
+    case 8:
+    case 127: return KEY_BACKSPACE;
+    case NSDeleteFunctionKey: return KEY_FORWARD_DELETE;
+    case NSHomeFunctionKey: return KEY_HOME;
+    case NSEndFunctionKey: return KEY_END;
+    case NSLeftArrowFunctionKey: return KEY_LEFT;
+    case NSRightArrowFunctionKey: return KEY_RIGHT;
+    case NSUpArrowFunctionKey: return KEY_UP;
+    case NSDownArrowFunctionKey: return KEY_DOWN;
+    case 'a':
+    case 'A':
+    case 1: return KEY_A;
+    default: return KEY_OTHER;
+    }
+}
+
+void platformRegisterDefaults() {
+    // The menu in the window, the scroller at its right, and no application icon on the desktop.
+    NSDictionary* const defaults = [NSDictionary
+        dictionaryWithObjectsAndKeys:@"NSWindows95InterfaceStyle", @"NSMenuInterfaceStyle",
+                                     @"NSMacintoshInterfaceStyle", @"NSScrollViewInterfaceStyle", @"YES",
+                                     @"GSSuppressAppIcon", nil];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
+}
+
+static NSString* homeFolder() {
+    const char* home = getenv("HOME");
+    if (!home || home[0] != '/') {
+        const struct passwd* const user = getpwuid(getuid());
+        home = user ? user->pw_dir : nullptr;
+    }
+    return home ? [NSString stringWithUTF8String:home] : nil;
+}
+
+NSString* platformSupportFolder() {
+    const char* const data = getenv("XDG_DATA_HOME");
+    if (data && data[0] == '/') return [NSString stringWithUTF8String:data];
+    return [homeFolder() stringByAppendingPathComponent:@".local/share"];
+}
+
+bool platformMakeFolder(NSString* path) {
+    // The data of one person is no one else's.
+    NSDictionary* const attributes = [NSDictionary dictionaryWithObject:[NSNumber numberWithUnsignedInt:0700]
+                                                                 forKey:NSFilePosixPermissions];
+    return [[NSFileManager defaultManager] createDirectoryAtPath:path
+                                     withIntermediateDirectories:YES
+                                                      attributes:attributes
+                                                           error:NULL];
+}
+
+NSString* platformFileArgument(int argc, const char* const* argv) {
+    for (int i = 1; i < argc; i++) {
+        if (argv[i][0] == '-') {
+            i++; // -Key Value sets a default of GNUstep
+            continue;
+        }
+        NSString* const path = [[NSFileManager defaultManager] stringWithFileSystemRepresentation:argv[i]
+                                                                                           length:strlen(argv[i])];
+        if ([path isAbsolutePath]) return path;
+        return [[[NSFileManager defaultManager] currentDirectoryPath] stringByAppendingPathComponent:path];
+    }
+    return nil;
+}
+
+// [NSWorkspace openURL:] puts up a modal panel here and hangs.
+bool platformOpenPage(NSString* address) {
+    if ([address length] == 0 || [address hasPrefix:@"-"] || ![NSURL URLWithString:address]) return false;
+    NSTask* const task = [[[NSTask alloc] init] autorelease];
+    [task setLaunchPath:@"/bin/sh"];
+    [task setArguments:[NSArray arrayWithObjects:@"-c",
+                                                 @"command -v xdg-open >/dev/null || exit 1; "
+                                                 @"xdg-open \"$1\" >/dev/null 2>&1 </dev/null &",
+                                                 @"sh", address, nil]];
+    [task launch];
+    [task waitUntilExit];
+    return [task terminationStatus] == 0;
+}
+
+NSStatusBar* platformStatusBar() {
+    return nil;
+}
+
+#else
+
+uint32_t platformKeyCode(NSEvent* event) {
+    return [event keyCode];
+}
+
+void platformRegisterDefaults() {}
+
+NSString* platformSupportFolder() {
+    NSArray* const folders =
+        NSSearchPathForDirectoriesInDomains(NSApplicationSupportDirectory, NSUserDomainMask, YES);
+    return [folders count] > 0 ? [folders objectAtIndex:0] : nil;
+}
+
+bool platformMakeFolder(NSString* path) {
+    return [[NSFileManager defaultManager] createDirectoryAtPath:path
+                                     withIntermediateDirectories:NO
+                                                      attributes:nil
+                                                           error:NULL];
+}
+
+NSString* platformFileArgument(int, const char* const*) {
+    return nil;
+}
+
+bool platformOpenPage(NSString* address) {
+    NSURL* const page = [address length] == 0 ? nil : [NSURL URLWithString:address];
+    return page && [[NSWorkspace sharedWorkspace] openURL:page];
+}
+
+NSStatusBar* platformStatusBar() {
+    return [NSStatusBar systemStatusBar];
+}
+
+#endif
