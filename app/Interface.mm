@@ -64,7 +64,8 @@ static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainCon
 }
 
 static NSPopUpButton* buildPopUp(NSString* title, MainConsole* target, SEL action) {
-    NSPopUpButton* const button = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:YES] autorelease];
+    NSPopUpButton* const button = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect
+                                                              pullsDown:YES] autorelease];
     [button addItemWithTitle:title];
     [button setFont:[NSFont systemFontOfSize:11]];
     [button setTarget:target];
@@ -88,8 +89,8 @@ static void placeControls(NSView* content, NSArray* controls, const CGFloat* wid
 static void buildControls(NSView* content, MainConsole* console) {
     NSSegmentedControl* const base = buildSegments([NSArray arrayWithObjects:@"Bin", @"Dec", @"Hex", nil], 42,
                                                    console, @selector(clickedChangeBase:));
-    NSSegmentedControl* const mode = buildSegments([NSArray arrayWithObjects:@"Deg", @"Rad", nil], 42, console,
-                                                   @selector(clickedChangeMode:));
+    NSSegmentedControl* const mode = buildSegments([NSArray arrayWithObjects:@"Deg", @"Rad", nil], 42,
+                                                   console, @selector(clickedChangeMode:));
     NSPopUpButton* const vars = buildPopUp(@"Vars", console, @selector(clickedVarsMenu:));
     NSPopUpButton* const functions = buildPopUp(@"Func", console, @selector(clickedFuncMenu:));
     const CGFloat widths[] = {128, 86, 76, 76};
@@ -119,7 +120,8 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
     [content addSubview:buildScrollView(NSMakeRect(0, STATUS_HEIGHT, NSWidth(bounds),
                                                    NSHeight(bounds) - STATUS_HEIGHT - CONTROLS_HEIGHT),
                                         console)];
-    NSTextField* const status = buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT));
+    NSTextField* const status =
+        buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT));
     [content addSubview:status];
     [console setAnswerStatus:status];
     buildControls(content, console);

@@ -7,7 +7,8 @@
 #import "PelmoAppDelegate.h"
 
 static NSMenuItem* addItem(NSMenu* menu, NSString* title, SEL action, NSString* key, id target) {
-    NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:title action:action keyEquivalent:key] autorelease];
+    NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:title action:action
+                                                  keyEquivalent:key] autorelease];
     [item setTarget:target];
     [menu addItem:item];
     return item;

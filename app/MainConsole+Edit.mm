@@ -45,8 +45,9 @@ static const useconds_t FLASH = 80000; // microseconds
 - (void)showCopyTip {
     // Stored first: a sheet may not return before it is answered.
     [self setSetting:@"tipscode" to:[self setting:@"tipscode"] | 1];
-    [self showSheet:@"Tip:  You can copy the previous answer anytime using CMD-c with no text selected.  Give it a "
-                    @"try!"
+    [self showSheet:
+              @"Tip:  You can copy the previous answer anytime using CMD-c with no text selected.  Give it a "
+              @"try!"
                 yes:@"Thanks, but don't tell me again!"
                  no:nil
              didEnd:NULL];

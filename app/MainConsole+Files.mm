@@ -112,7 +112,8 @@ static std::string pathBytes(NSString* path) {
     if (!selected) return;
     [self setSelectedTextAttributes:[NSDictionary
                                         dictionaryWithObjectsAndKeys:selected, NSBackgroundColorAttributeName,
-                                                                     text, NSForegroundColorAttributeName, nil]];
+                                                                     text, NSForegroundColorAttributeName,
+                                                                     nil]];
 }
 
 // --- Functions, variables, units, history ---

@@ -12,7 +12,6 @@
 
 static const NSUInteger TEXT_KEYS = NSCommandKeyMask | NSControlKeyMask | NSFunctionKeyMask;
 
-
 @implementation MainConsole (Keys)
 
 // The result of the entry as it now is, in the status line.

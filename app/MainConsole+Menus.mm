@@ -129,8 +129,7 @@ static NSMenuItem* menuItem(NSString* title) {
 }
 
 - (void)clickedFuncMenu:(id)sender {
-    NSString* const call =
-        [[[sender titleOfSelectedItem] componentsSeparatedByString:@"="] objectAtIndex:0];
+    NSString* const call = [[[sender titleOfSelectedItem] componentsSeparatedByString:@"="] objectAtIndex:0];
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     const NSUInteger open = [call rangeOfString:@"("].location;
     NSCharacterSet* const ends = [NSCharacterSet characterSetWithCharactersInString:@",)"];

@@ -120,7 +120,8 @@ static bool hasNumber(const char* command, const char* word, long& number) {
 - (void)runCommandOf:(const char*)line {
     const std::string command = calc.message; // a preview meanwhile would empty it
     long number = 0;
-    const bool isTimed = hasNumber(command.c_str(), "pause", number) || hasNumber(command.c_str(), "echo", number);
+    const bool isTimed =
+        hasNumber(command.c_str(), "pause", number) || hasNumber(command.c_str(), "echo", number);
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
     [self RunGUICommand:command.c_str()];
     if (!line && isTimed) [self insertPrompt];

@@ -83,7 +83,8 @@ static NSArray* scriptTypes() {
     NSArray* const lines = [[self string] componentsSeparatedByString:@"\n"];
     for (NSUInteger i = 0; i < [lines count]; i++) {
         NSString* const line = [lines objectAtIndex:i];
-        if ([line length] >= 3 && [line hasPrefix:@"> "]) [script appendFormat:@"%@\n", [line substringFromIndex:2]];
+        if ([line length] >= 3 && [line hasPrefix:@"> "])
+            [script appendFormat:@"%@\n", [line substringFromIndex:2]];
     }
     return script;
 }
@@ -96,7 +97,7 @@ static NSArray* scriptTypes() {
     [panel setAllowedFileTypes:scriptTypes()];
     if ([panel runModal] != NSOKButton) return;
     if ([self writeScript:[panel filename]]) return;
-    [self simpleAlert:@"The script could not be saved." :[panel filename]];
+    [self simpleAlert:@"The script could not be saved.":[panel filename]];
 }
 
 // Entries are ASCII. Other letters, in texts to show, are kept as the console has them.

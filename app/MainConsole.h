@@ -59,10 +59,10 @@ extern NSString* prefFilePath;
 
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
-    PelmoAppDelegate* myAppDelegate;   // not retained
-    NSTextField* answerStatus;         // the controls belong to the window
-    NSSegmentedControl* ctrlBase;      // 0 binary, 1 decimal, 2 hexadecimal
-    NSSegmentedControl* ctrlDegMode;   // 0 degrees, 1 radians
+    PelmoAppDelegate* myAppDelegate; // not retained
+    NSTextField* answerStatus;       // the controls belong to the window
+    NSSegmentedControl* ctrlBase;    // 0 binary, 1 decimal, 2 hexadecimal
+    NSSegmentedControl* ctrlDegMode; // 0 degrees, 1 radians
     NSMenuItem* menuDispBin;
     NSMenuItem* menuDispDec;
     NSMenuItem* menuDispHex;

@@ -30,8 +30,7 @@ static MainConsole* interruptedConsole = nil; // not retained
 static std::chrono::steady_clock::time_point lastInterruptCheck;
 
 NSString* textFromBytes(const char* bytes) {
-    return [[[NSString alloc] initWithBytes:bytes
-                                     length:strlen(bytes)
+    return [[[NSString alloc] initWithBytes:bytes length:strlen(bytes)
                                    encoding:NSISOLatin1StringEncoding] autorelease];
 }
 
@@ -129,7 +128,7 @@ static bool isInterrupted() {
     units_convert("m", "ft");
     const char* const error = units_check_exception();
     if (!error) return;
-    [self simpleAlert:@"Units converter initialization error." :textFromBytes(error)];
+    [self simpleAlert:@"Units converter initialization error.":textFromBytes(error)];
     units_clear_exception();
 }
 
@@ -148,8 +147,8 @@ static bool isInterrupted() {
 }
 
 - (void)initWindowLocation {
-    const NSRect frame = NSMakeRect([self setting:@"x"], [self setting:@"y"], [self setting:@"cx"],
-                                    [self setting:@"cy"]);
+    const NSRect frame =
+        NSMakeRect([self setting:@"x"], [self setting:@"y"], [self setting:@"cx"], [self setting:@"cy"]);
     [[self window] setFrame:frame display:YES];
 }
 
@@ -181,7 +180,6 @@ static bool isInterrupted() {
     [self setSetting:@"firstrun" to:2];
     [self offerTutorial];
 }
-
 
 - (void)offerTutorial {
     [self showSheet:@"This is your first run.\nShow 45-second quick tutorial?"

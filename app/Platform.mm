@@ -89,8 +89,9 @@ NSString* platformFileArgument(int argc, const char* const* argv) {
             i++; // -Key Value sets a default of GNUstep
             continue;
         }
-        NSString* const path = [[NSFileManager defaultManager] stringWithFileSystemRepresentation:argv[i]
-                                                                                           length:strlen(argv[i])];
+        NSString* const path =
+            [[NSFileManager defaultManager] stringWithFileSystemRepresentation:argv[i]
+                                                                        length:strlen(argv[i])];
         if ([path isAbsolutePath]) return path;
         return [[[NSFileManager defaultManager] currentDirectoryPath] stringByAppendingPathComponent:path];
     }

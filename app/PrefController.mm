@@ -28,8 +28,8 @@ static const NSTimeInterval FADE_INTERVAL = 0.03;
         [[mainConsole window] setAlphaValue:target];
         return;
     }
-    NSArray* const fade = [NSArray
-        arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
+    NSArray* const fade =
+        [NSArray arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
     timer = [[NSTimer scheduledTimerWithTimeInterval:FADE_INTERVAL
                                               target:self
                                             selector:@selector(fadeWin:)
@@ -57,6 +57,7 @@ static const NSTimeInterval FADE_INTERVAL = 0.03;
     [self stopFade];
 }
 
-- (void)closePanel {}
+- (void)closePanel {
+}
 
 @end

@@ -15,18 +15,30 @@ struct Setting {
 
 // In the order in which they are made. The colours and the font, which are objects, are not among them.
 static const Setting SETTINGS[] = {
-    {"tipscode", 0, 0, 0x7fffffff, false}, {"firstrun", 1, 0, 0x7fffffff, false},
-    {"snaptoscreen", 1, 0, 1, false},      {"transback", 1, 0, 1, false},
-    {"statusicon", 1, 0, 1, false},        {"alwaystop", 0, 0, 1, false},
-    {"mintotray", 0, 0, 1, false},         {"autoeval", 1, 0, 1, false},
-    {"twoscomp", 0, 0, 1, false},          {"european", 0, 0, 1, false},
-    {"tenkey", 0, 0, 1, false},            {"separator", 0, 0, 1, false},
-    {"doublenegans", 1, 0, 1, false},      {"degmode", 1, 0, 1, false},
-    {"scimode", 0, 0, 5, false},           {"schar", ',', ' ', 255, true},
-    {"histsz", 30, 1, 999, true},          {"dispbase", 10, 2, 16, true},
-    {"sigfigs", 10, 1, 100, true},         {"financed", 2, 0, 100, false},
-    {"x", 450, -100000, 100000, false},    {"y", 250, -100000, 100000, false},
-    {"cx", 450, 0, 100000, true},          {"cy", 250, 0, 100000, true},
+    {"tipscode", 0, 0, 0x7fffffff, false},
+    {"firstrun", 1, 0, 0x7fffffff, false},
+    {"snaptoscreen", 1, 0, 1, false},
+    {"transback", 1, 0, 1, false},
+    {"statusicon", 1, 0, 1, false},
+    {"alwaystop", 0, 0, 1, false},
+    {"mintotray", 0, 0, 1, false},
+    {"autoeval", 1, 0, 1, false},
+    {"twoscomp", 0, 0, 1, false},
+    {"european", 0, 0, 1, false},
+    {"tenkey", 0, 0, 1, false},
+    {"separator", 0, 0, 1, false},
+    {"doublenegans", 1, 0, 1, false},
+    {"degmode", 1, 0, 1, false},
+    {"scimode", 0, 0, 5, false},
+    {"schar", ',', ' ', 255, true},
+    {"histsz", 30, 1, 999, true},
+    {"dispbase", 10, 2, 16, true},
+    {"sigfigs", 10, 1, 100, true},
+    {"financed", 2, 0, 100, false},
+    {"x", 450, -100000, 100000, false},
+    {"y", 250, -100000, 100000, false},
+    {"cx", 450, 0, 100000, true},
+    {"cy", 250, 0, 100000, true},
     {"trans", 25, 0, 100, false},
 };
 
@@ -65,7 +77,8 @@ static NSData* colorData(NSColor* color) {
 static NSColor* colorFromData(NSData* data) {
     NSString* const text = [[[NSString alloc] initWithData:data encoding:NSASCIIStringEncoding] autorelease];
     double parts[4] = {};
-    if (!text || sscanf([text UTF8String], "%lf %lf %lf %lf", &parts[0], &parts[1], &parts[2], &parts[3]) != 4) {
+    if (!text ||
+        sscanf([text UTF8String], "%lf %lf %lf %lf", &parts[0], &parts[1], &parts[2], &parts[3]) != 4) {
         return nil;
     }
     for (const double part : parts) {
@@ -112,8 +125,10 @@ static void checkNumbers(NSMutableDictionary* settings) {
         if (!value) continue;
         const bool isNumber = [value isKindOfClass:[NSNumber class]];
         const double number = isNumber ? [value doubleValue] : NAN;
-        const bool isBase = strcmp(setting.key, "dispbase") != 0 || number == 2 || number == 10 || number == 16;
-        if (isBase && number >= setting.least && number <= setting.most && number == std::floor(number)) continue;
+        const bool isBase =
+            strcmp(setting.key, "dispbase") != 0 || number == 2 || number == 10 || number == 16;
+        if (isBase && number >= setting.least && number <= setting.most && number == std::floor(number))
+            continue;
         [settings setObject:[NSNumber numberWithInt:setting.standard] forKey:keyOf(setting)];
     }
 }

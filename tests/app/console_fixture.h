@@ -47,12 +47,12 @@ protected:
     // The run loop for so long: timers fire.
     void run(double seconds);
 
-    std::string text() const;      // the whole text, in UTF-8
-    std::string entry() const;     // from g_linestart on
-    std::string selected() const;  // the selected text
-    NSUInteger cursor() const;     // the selection's location
+    std::string text() const;         // the whole text, in UTF-8
+    std::string entry() const;        // from g_linestart on
+    std::string selected() const;     // the selected text
+    NSUInteger cursor() const;        // the selection's location
     NSUInteger cursorInEntry() const; // counted from g_linestart
-    std::string status() const;    // the status line
+    std::string status() const;       // the status line
     std::string pasteboard() const;
     void setPasteboard(const char* text) const;
 

@@ -126,9 +126,12 @@ static NSString* charactersOf(uint32_t virtualKey) {
     const struct {
         uint32_t key;
         unichar character;
-    } keys[] = {{KEY_FORWARD_DELETE, NSDeleteFunctionKey}, {KEY_HOME, NSHomeFunctionKey},
-                {KEY_END, NSEndFunctionKey},               {KEY_LEFT, NSLeftArrowFunctionKey},
-                {KEY_RIGHT, NSRightArrowFunctionKey},      {KEY_UP, NSUpArrowFunctionKey},
+    } keys[] = {{KEY_FORWARD_DELETE, NSDeleteFunctionKey},
+                {KEY_HOME, NSHomeFunctionKey},
+                {KEY_END, NSEndFunctionKey},
+                {KEY_LEFT, NSLeftArrowFunctionKey},
+                {KEY_RIGHT, NSRightArrowFunctionKey},
+                {KEY_UP, NSUpArrowFunctionKey},
                 {KEY_DOWN, NSDownArrowFunctionKey}};
     for (const auto& one : keys) {
         if (one.key == virtualKey) return [NSString stringWithCharacters:&one.character length:1];
@@ -136,7 +139,8 @@ static NSString* charactersOf(uint32_t virtualKey) {
     return @"";
 }
 
-static NSEvent* keyEvent(NSWindow* window, NSString* characters, NSString* plain, NSUInteger flags, uint32_t code) {
+static NSEvent* keyEvent(NSWindow* window, NSString* characters, NSString* plain, NSUInteger flags,
+                         uint32_t code) {
     return [NSEvent keyEventWithType:NSKeyDown
                             location:NSZeroPoint
                        modifierFlags:flags
