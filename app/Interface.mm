@@ -3,6 +3,7 @@
 
 #import "HUDViewWithBlur.h"
 #import "MainConsole.h"
+#import "NightTheme.h"
 #import "PelmoAppDelegate.h"
 #import "PrefController.h"
 
@@ -42,6 +43,7 @@ static NSTextField* buildStatusLine(NSRect frame) {
     NSTextField* const field = [[[NSTextField alloc] initWithFrame:frame] autorelease];
     [field setEditable:NO];
     [field setSelectable:NO];
+    [field setBezeled:NO];
     [field setBordered:NO];
     [field setDrawsBackground:NO];
     [field setTextColor:[NSColor colorWithCalibratedWhite:0.75 alpha:1]];
@@ -52,6 +54,7 @@ static NSTextField* buildStatusLine(NSRect frame) {
 
 static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainConsole* target, SEL action) {
     NSSegmentedControl* const control = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
+    centerSegmentLabels(control);
     [control setSegmentCount:static_cast<NSInteger>([labels count])];
     for (NSUInteger i = 0; i < [labels count]; i++) {
         [control setLabel:[labels objectAtIndex:i] forSegment:static_cast<NSInteger>(i)];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The calculator's window.
+#import "NightTheme.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 
@@ -9,6 +10,7 @@ int main(int argc, const char** argv) {
     platformRegisterDefaults();
     [NSApplication sharedApplication];
     platformAfterLaunch();
+    useNightTheme();
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];
     waitingToOpenFilename = [platformFileArgument(argc, argv) copy];

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: MIT
+#import "NightTheme.h"
+
+#ifdef GNUSTEP
+
+#import <GNUstepGUI/GSTheme.h>
+
+#include <cmath>
+
+// Shades of gray by their use, and the one colour.
+static const CGFloat WINDOW = 0.16, FIELD = 0.11, CONTROL = 0.25, PRESSED = 0.33, EDGE = 0.36, DIM = 0.5,
+                     TEXT = 0.88;
+static const CGFloat CORNER = 3;
+
+static NSColor* gray(CGFloat white) {
+    return [NSColor colorWithCalibratedWhite:white alpha:1];
+}
+
+static NSColor* accent() {
+    return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
+}
+
+static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
+    NSBezierPath* const path = [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(frame, 0.5, 0.5)
+                                                               xRadius:CORNER
+                                                               yRadius:CORNER];
+    [fill set];
+    [path fill];
+    if (!edge) return;
+    [edge set];
+    [path stroke];
+}
+
+@interface NightTheme : GSTheme
+@end
+
+@implementation NightTheme
+
+- (NSColorList*)colors {
+    static NSColorList* list = nil;
+    if (list) return list;
+    list = [[NSColorList alloc] initWithName:@"System" fromFile:nil];
+    const struct {
+        const char* name;
+        CGFloat white;
+    } shades[] = {
+        {"windowBackgroundColor", WINDOW},
+        {"windowFrameColor", EDGE},
+        {"windowFrameTextColor", TEXT},
+        {"controlBackgroundColor", FIELD},
+        {"controlColor", WINDOW},
+        {"controlHighlightColor", PRESSED},
+        {"controlLightHighlightColor", EDGE},
+        {"controlShadowColor", EDGE},
+        {"controlDarkShadowColor", FIELD},
+        {"controlTextColor", TEXT},
+        {"disabledControlTextColor", DIM},
+        {"gridColor", EDGE},
+        {"headerColor", CONTROL},
+        {"headerTextColor", TEXT},
+        {"highlightColor", EDGE},
+        {"shadowColor", FIELD},
+        {"knobColor", PRESSED},
+        {"scrollBarColor", FIELD},
+        {"selectedControlColor", PRESSED},
+        {"selectedControlTextColor", 1},
+        {"selectedKnobColor", EDGE},
+        {"selectedMenuItemTextColor", 1},
+        {"selectedTextColor", 1},
+        {"alternateSelectedControlTextColor", 1},
+        {"textBackgroundColor", FIELD},
+        {"textColor", TEXT},
+        {"rowBackgroundColor", FIELD},
+        {"alternateRowBackgroundColor", WINDOW},
+        {"menuBackgroundColor", WINDOW},
+        {"menuItemBackgroundColor", WINDOW},
+        {"menuBarBackgroundColor", WINDOW},
+        {"menuBarBorderColor", WINDOW},
+        {"menuBorderColor", EDGE},
+        {"menuSeparatorColor", EDGE},
+    };
+    for (const auto& shade : shades) {
+        [list setColor:gray(shade.white) forKey:[NSString stringWithUTF8String:shade.name]];
+    }
+    NSString* const accents[] = {@"selectedMenuItemColor", @"selectedTextBackgroundColor",
+                                 @"alternateSelectedControlColor", @"keyboardFocusIndicatorColor"};
+    for (NSString* const name : accents) [list setColor:accent() forKey:name];
+    return list;
+}
+
+- (BOOL)menuShouldShowIcon {
+    return NO;
+}
+
+// --- Buttons ---
+
+static NSColor* buttonFill(GSThemeControlState state) {
+    const bool isPressed = state == GSThemeHighlightedState || state == GSThemeHighlightedFirstResponderState;
+    const bool isOn = state == GSThemeSelectedState || state == GSThemeSelectedFirstResponderState;
+    if (state == GSThemeDisabledState) return gray(WINDOW);
+    return gray(isPressed || isOn ? PRESSED : CONTROL);
+}
+
+static bool hasFocus(GSThemeControlState state) {
+    return state == GSThemeFirstResponderState || state == GSThemeSelectedFirstResponderState;
+}
+
+- (void)drawButton:(NSRect)frame
+                in:(NSCell*)cell
+              view:(NSView*)view
+             style:(int)style
+             state:(GSThemeControlState)state {
+    (void)cell;
+    (void)view;
+    (void)style;
+    fillRounded(frame, buttonFill(state), hasFocus(state) ? accent() : gray(EDGE));
+}
+
+- (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
+    (void)cell;
+    (void)view;
+    (void)frame;
+}
+
+// --- Edges ---
+
+- (NSRect)drawEdge:(NSRect)border clip:(NSRect)clip {
+    if (NSIntersectsRect(border, clip)) {
+        [gray(EDGE) set];
+        NSFrameRect(border);
+    }
+    return NSInsetRect(border, 1, 1);
+}
+
+- (NSRect)drawGrayBezel:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (NSRect)drawWhiteBezel:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (NSRect)drawDarkBezel:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (NSRect)drawLightBezel:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (NSRect)drawGroove:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (NSRect)drawButton:(NSRect)border withClip:(NSRect)clip {
+    return [self drawEdge:border clip:clip];
+}
+
+- (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
+    (void)view;
+    [accent() set];
+    NSFrameRect(frame);
+}
+
+@end
+
+@interface CenteredSegmentedCell : NSSegmentedCell
+@end
+
+@implementation CenteredSegmentedCell
+
+- (void)drawSegment:(NSInteger)segment inFrame:(NSRect)frame withView:(NSView*)view {
+    const bool isOn = [self isSelectedForSegment:segment];
+    fillRounded(NSInsetRect(frame, 0.5, 0), isOn ? accent() : gray(CONTROL), nil);
+    NSDictionary* const attributes =
+        [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, gray(isOn ? 1 : TEXT),
+                                                   NSForegroundColorAttributeName, nil];
+    NSString* const label = [self labelForSegment:segment];
+    const NSSize size = [label sizeWithAttributes:attributes];
+    const NSPoint corner = NSMakePoint(NSMidX(frame) - size.width / 2, NSMidY(frame) - size.height / 2);
+    [label drawAtPoint:NSMakePoint(std::floor(corner.x), std::floor(corner.y)) withAttributes:attributes];
+    (void)view;
+}
+
+@end
+
+void useNightTheme() {
+    if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
+    NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
+    [GSTheme setTheme:theme];
+}
+
+void centerSegmentLabels(NSSegmentedControl* control) {
+    [control setCell:[[[CenteredSegmentedCell alloc] init] autorelease]];
+}
+
+#else
+
+void useNightTheme() {}
+
+void centerSegmentLabels(NSSegmentedControl*) {}
+
+#endif
