@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+//
+// The functions file: a person's functions, variables, units and history, from one run to the next. Both front
+// ends write and read it here. It is text, one definition or entry a line:
+//
+//   ### FUNCTIONS ###
+//   square(x)=x^2
+//   ### VARIABLES ###
+//   ans=49
+//   ### CUSTOM UNITS ###
+//   unit smoot=67 inch
+//   ### HISTORY ###
+//   square(7)
+//
+// Its numbers have a '.' and no separators, whatever the settings are.
+#ifndef TALLYQUILL_FUNCTIONSFILE_H
+#define TALLYQUILL_FUNCTIONSFILE_H
+
+#include <string>
+
+class ZqCalculator;
+
+// The text of the file. The functions that have a body, in the order of the list, however long; the variables with
+// 100 digits, without those that hold the overflow value; the units by the lines that defined them; the history,
+// the oldest line first, control characters other than tabs written as blanks.
+// A unit whose line no longer says what the unit is, since a unit in it was deleted or defined anew, is written
+// with its value ("unit b=10 meter").
+// The engine stays as it is, but that it ends a walk with funcs.GetNext and clears the unit library's error state.
+std::string FunctionsFileText(const ZqCalculator& calc);
+
+struct FunctionsFileResult {
+    bool opened = false; // it was there and could be read
+    // Something in it was not as it is written: it is empty, lacks its first or the history header, does not end
+    // with a line feed, holds control characters, or a line was refused. Everything else in it was read.
+    bool damaged = false;
+};
+
+// Reads the file into a calculator after InitializeFunctionsAndVars. The first line is left out; each further one
+// up to the one that begins with "### HISTORY" is evaluated without its comment ('#' and what follows), and the
+// lines behind that one join the history.
+// - Lines may be in any order: functions are known to each other before the first is defined, and a line that was
+//   refused is tried again after the others until no more of them are accepted.
+// - A function that carries the name of a predefined one takes its place: its owner had deleted that one.
+// - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
+// - A unit that was defined by the same line before is not defined again.
+// Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the texts,
+// the result, the status and the interrupted flag are what they were before; target is "ans".
+FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& path);
+
+#endif
