@@ -1,0 +1,207 @@
+# SPDX-License-Identifier: MIT
+"""Drives the built application from outside, as a person would: with keys, the pasteboard and a look at the screen.
+
+Runs below with_display.sh --wm. The program comes from TALLYQUILL_APP. The menu key is Alt.
+"""
+
+import hashlib
+import os
+import re
+import signal
+import subprocess
+import time
+
+PATIENCE = 15  # seconds until something that should happen counts as not happening
+STEP = 0.05  # seconds between two looks
+FUNCTIONS_FILE = "pelmo_functions.txt"
+SETTINGS_FILE = "pelmo_settings.plist"
+# The middles of a question's buttons, in pixels from its right edge.
+DEFAULT_BUTTON = 60
+OTHER_BUTTON = 179
+STATUS_LINE = 20  # height in pixels, at the bottom of the window
+
+
+def run(*command, text=None):
+    """The output of a helper program; no helper may take long."""
+    done = subprocess.run(
+        command, input=text, encoding="utf-8", stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=PATIENCE
+    )
+    if done.returncode != 0:
+        raise RuntimeError(f"{' '.join(command)}: {done.stderr}")
+    return done.stdout
+
+
+def wait_until(what, happened):
+    """The first true value of happened(); fails when there is none in time."""
+    end = time.monotonic() + PATIENCE
+    while True:
+        value = happened()
+        if value:
+            return value
+        if time.monotonic() > end:
+            raise AssertionError(f"waited in vain: {what}")
+        time.sleep(STEP)
+
+
+def pasteboard():
+    done = subprocess.run(
+        ["xclip", "-o", "-selection", "clipboard"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=PATIENCE
+    )
+    return done.stdout.decode("utf-8", "replace")
+
+
+def put_on_pasteboard(text):
+    # xclip stays behind to hand the text out, so it must not keep our pipes.
+    subprocess.run(
+        ["xclip", "-i", "-selection", "clipboard"],
+        input=text.encode(),
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        timeout=PATIENCE,
+        check=True,
+    )
+
+
+def windows():
+    """The windows that the window manager looks after: a set of (number, title). X does not tell whose they are."""
+    numbers = re.findall(r"0x[0-9a-f]+", run("xprop", "-root", "_NET_CLIENT_LIST"))
+    found = set()
+    for number in numbers:
+        try:
+            found.add((number, run("xdotool", "getwindowname", number).strip()))
+        except RuntimeError:
+            pass  # it went away meanwhile
+    return found
+
+
+class CalculatorWindow:
+    """One running copy of the application, whose files are in `folder`/Tallyquill."""
+
+    def __init__(self, folder, *arguments, asks=False):
+        """`asks`: it begins with a question, which keeps the window from becoming active."""
+        self.files = os.path.join(folder, "Tallyquill")
+        others = windows()
+        self.log = open(os.path.join(folder, "log.txt"), "a+", encoding="utf-8")
+        self.process = subprocess.Popen(
+            [os.environ["TALLYQUILL_APP"], *arguments],
+            env=dict(os.environ, XDG_DATA_HOME=folder),
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.DEVNULL,
+            stderr=self.log,
+        )
+        self.id = wait_until("the window", lambda: self._find(others))
+        if not asks:
+            self.activate()
+
+    def _find(self, others):
+        if self.process.poll() is not None:
+            raise AssertionError(f"the application ended with {self.process.returncode}: {self.remarks()}")
+        return next((number for number, title in windows() - others if title == "Tallyquill"), None)
+
+    def remarks(self):
+        """What the application wrote to the standard error."""
+        self.log.seek(0)
+        return self.log.read()
+
+    def activate(self):
+        run("xdotool", "windowactivate", "--sync", self.id)
+
+    def answer(self, button):
+        """Waits for a question in front of the window and clicks a button of it, DEFAULT_BUTTON or OTHER_BUTTON."""
+        sheet = wait_until("a question", lambda: next((number for number, title in windows() if title == ""), None))
+        place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", sheet).split())
+        x, y = int(place["WIDTH"]) - button, int(place["HEIGHT"]) - 20
+        run("xdotool", "mousemove", "--window", sheet, str(x), str(y), "sleep", "0.1")
+        run("xdotool", "mousedown", "1", "sleep", "0.15", "mouseup", "1")
+        wait_until("the end of the question", lambda: sheet not in (number for number, _ in windows()))
+        self.activate()
+
+    def type(self, text):
+        run("xdotool", "type", "--delay", "8", text)
+
+    def key(self, *keys):
+        run("xdotool", "key", "--delay", "20", *keys)
+
+    def enter(self, line):
+        self.type(line)
+        self.key("Return")
+
+    def copy(self, *keys):
+        """What the keys put on the pasteboard."""
+        put_on_pasteboard("nothing was copied")
+        self.key(*keys)
+        return wait_until("a copy", lambda: self._copied())
+
+    @staticmethod
+    def _copied():
+        text = pasteboard()
+        return "" if text == "nothing was copied" else text
+
+    def text(self):
+        """The whole text of the console. Afterwards the cursor is at the end of the entry."""
+        text = self.copy("alt+a", "alt+c")
+        self.key("End")
+        return text
+
+    def wait_for_text(self, expected):
+        """Waits until the text ends with the expected one."""
+        seen = ["what could not be read"]
+
+        def shows():
+            seen[:] = [self.text()]
+            return seen[0].endswith(expected)
+
+        try:
+            wait_until(repr(expected), shows)
+        except AssertionError:
+            raise AssertionError(f"expected {expected!r} at the end of {seen[0]!r}") from None
+
+    def _status_pixels(self):
+        area = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
+        row = 3 * int(area["WIDTH"])  # bytes
+        shot = subprocess.run(
+            ["import", "-silent", "-window", self.id, "-depth", "8", "rgb:-"],
+            stdout=subprocess.PIPE,
+            timeout=PATIENCE,
+            check=True,
+        ).stdout
+        assert len(shot) == row * int(area["HEIGHT"]), "the picture is not of the window's size"
+        return hashlib.sha256(shot[-row * STATUS_LINE :]).hexdigest()
+
+    def status_line(self):
+        """A fingerprint of the picture of the status line, once two looks agree."""
+        looks = [None, self._status_pixels()]
+
+        def rests():
+            time.sleep(0.15)
+            looks[:] = [looks[1], self._status_pixels()]
+            return looks[0] == looks[1]
+
+        wait_until("a status line at rest", rests)
+        return looks[1]
+
+    def functions_file(self):
+        """The lines of the functions file; none when there is no file."""
+        try:
+            with open(os.path.join(self.files, FUNCTIONS_FILE), encoding="latin-1") as file:
+                return file.read().splitlines()
+        except FileNotFoundError:
+            return []
+
+    def wait_for_end(self):
+        wait_until("the end of the application", lambda: self.process.poll() is not None)
+        self.log.close()
+        return self.process.returncode
+
+    def quit(self):
+        """Leaves by the menu's key. The exit status."""
+        self.activate()
+        self.key("alt+q")
+        return self.wait_for_end()
+
+    def kill(self):
+        """The end without any warning; harmless when it has come already."""
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGKILL)
+            self.process.wait()
+        self.log.close()
