@@ -36,6 +36,9 @@ protected:
     void press(uint32_t virtualKey, NSUInteger flags = 0);
     void press(NSString* characters, NSUInteger flags = 0);
 
+    // One whose characters differ from those without modifiers, as those of Control-c do.
+    void press(NSString* characters, NSString* plain, NSUInteger flags);
+
     // A key press in the application's queue, where checkInterruptEvent finds it.
     void post(NSString* characters, NSUInteger flags = 0);
 
@@ -49,6 +52,7 @@ protected:
 
     std::string text() const;         // the whole text, in UTF-8
     std::string entry() const;        // from g_linestart on
+    std::string transcript() const;   // what stands before it, the prompt included
     std::string selected() const;     // the selected text
     NSUInteger cursor() const;        // the selection's location
     NSUInteger cursorInEntry() const; // counted from g_linestart

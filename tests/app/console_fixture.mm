@@ -164,6 +164,10 @@ void ConsoleTest::press(NSString* characters, NSUInteger flags) {
     [console keyDown:keyEvent(window, characters, characters, flags, 0xff)];
 }
 
+void ConsoleTest::press(NSString* characters, NSString* plain, NSUInteger flags) {
+    [console keyDown:keyEvent(window, characters, plain, flags, 0xff)];
+}
+
 void ConsoleTest::post(NSString* characters, NSUInteger flags) {
     [NSApp postEvent:keyEvent(window, characters, characters, flags, 0xff) atStart:NO];
 }
@@ -200,6 +204,10 @@ std::string ConsoleTest::text() const {
 
 std::string ConsoleTest::entry() const {
     return utf8([[console string] substringFromIndex:static_cast<NSUInteger>(g_linestart)]);
+}
+
+std::string ConsoleTest::transcript() const {
+    return utf8([[console string] substringToIndex:static_cast<NSUInteger>(g_linestart)]);
 }
 
 std::string ConsoleTest::selected() const {
