@@ -10,6 +10,9 @@ configure_plain = cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BEN
 configure_tests = cmake --preset $(1) -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=OFF
 compile = cmake --build --preset $(1) -j $(JOBS)
 
+bundle = build/release/bin/Tallyquill.app
+window = $(bundle)/$(if $(filter Darwin,$(shell uname -s)),Contents/MacOS/)Tallyquill
+
 define build_and_test
 	$(call configure_tests,$(1)) </dev/null
 	$(call compile,$(1)) </dev/null
@@ -30,12 +33,12 @@ build: ## build every program into build/release/bin
 	$(configure_plain) </dev/null
 	$(call compile,release) </dev/null
 
-run: ## build and open the calculator
+run: ## build and open the calculator: its window, or the console in this terminal where there is no display
 	@scripts/deps.sh run
 	@mkdir -p build
-	@[ -x build/release/bin/tallyquill ] || echo "building the calculator, progress in build/run.log ..." >&2
+	@[ -x $(window) ] || echo "building the calculator, progress in build/run.log ..." >&2
 	@{ $(configure_plain) && $(call compile,release); } </dev/null >build/run.log 2>&1 || { cat build/run.log >&2; exit 1; }
-	@build/release/bin/tallyquill || [ $$? -eq 1 ] # 1: an entry was refused, which is no failure of the build
+	@scripts/run.sh $(window) build/release/bin/tallyquill
 
 test: deps lint release gcc sanitize ## lint, then build and test: release, g++, sanitizers
 
@@ -53,7 +56,7 @@ lint: deps ## check format and licence lines, run cppcheck and clang-tidy
 	scripts/lint.sh build/release $(JOBS)
 
 format: deps ## rewrite the sources in the project's format
-	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i
 
 bench: deps ## build and run the benchmarks
 	cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=ON </dev/null

@@ -37,8 +37,8 @@ static bool findTests(const std::string& file, std::string* names) {
             const testing::TestInfo& test = *suite.GetTestInfo(j);
             const std::string home = fileOf(test);
             if (home.rfind("test_", 0) != 0) {
-                fprintf(stderr, "app_tests: %s.%s is in %s, not in a file test_*.mm\n", test.test_suite_name(),
-                        test.name(), home.c_str());
+                fprintf(stderr, "app_tests: %s.%s is in %s, not in a file test_*.mm\n",
+                        test.test_suite_name(), test.name(), home.c_str());
                 return false;
             }
             if (home == file) *names += std::string(test.test_suite_name()) + "." + test.name() + ":";

@@ -35,15 +35,16 @@ fail() {
 # A short path, since sockets lie below it.
 dir=$(mktemp -d /tmp/tallyquill.XXXXXX)
 
-# shellcheck disable=SC2317 # called by the trap
 # The processes that have our folder in their environment: whatever was started from here, daemons too. The X
 # server comes last, so that its clients end first.
+# shellcheck disable=SC2317 # called by the trap
 ours() {
     env -u TALLYQUILL_TEST_FOLDER grep -l -z -F -x "TALLYQUILL_TEST_FOLDER=$dir" /proc/[0-9]*/environ 2>/dev/null |
         env -u TALLYQUILL_TEST_FOLDER sed -n 's|^/proc/\([0-9]*\)/environ$|\1|p' |
         env -u TALLYQUILL_TEST_FOLDER grep -v -x -e "$server"
 }
 
+# shellcheck disable=SC2317 # called by the trap
 end_all() {
     for signal in TERM TERM TERM KILL; do
         pids=$(ours) || true
@@ -56,6 +57,7 @@ end_all() {
 
 server=0
 command=0
+# shellcheck disable=SC2317
 cleanup() {
     status=$?
     trap - EXIT
