@@ -129,8 +129,8 @@ class EngineState {
 public:
     explicit EngineState(ZqCalculator& engine)
         : calc(engine), european(calc.european), tenKey(calc.tenKey), fullEntry(calc.fullEntry),
-          interrupted(calc.interrupted), interruptCheck(calc.interruptCheck), status(calc.status),
-          mathError(merror), message(calc.message), echoText(calc.echoText), lastAnswer(calc.lastAnswer) {
+          interrupted(calc.interrupted), interruptCheck(calc.interruptCheck), mathError(merror),
+          message(calc.message), echoText(calc.echoText), lastAnswer(calc.lastAnswer) {
         qmov(calc.result, result);
         calc.european = calc.tenKey = false;
         calc.fullEntry = true;
@@ -142,7 +142,6 @@ public:
         calc.fullEntry = fullEntry;
         calc.interrupted = interrupted;
         calc.interruptCheck = interruptCheck;
-        calc.status = status;
         merror = mathError;
         memcpy(calc.message, message.c_str(), message.size() + 1);
         memcpy(calc.echoText, echoText.c_str(), echoText.size() + 1);
@@ -162,7 +161,6 @@ private:
     bool fullEntry;
     bool interrupted;
     bool (*interruptCheck)();
-    int32_t status;
     decltype(merror) mathError;
     std::string message;
     std::string echoText;

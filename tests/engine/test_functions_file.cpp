@@ -121,7 +121,8 @@ TEST_F(FunctionsFile, settingsDoNotChangeTheText) {
 }
 
 TEST_F(FunctionsFile, writingLeavesTheEngineAsItIs) {
-    for (const char* line : {"1+1", "2+2", "3+3", "unit smoot=67 inch"}) Enter(line);
+    for (const char* line : {"1+1", "2+2", "3+3", "unit smoot=67 inch", "huge=1e4931", "tiny=-1e-4931"})
+        Enter(line);
     EXPECT_EQ(STATUS_ERROR, Enter("1/0"));
     calc->history.HistLocUp();
     calc->history.HistLocUpWithMatch("2");
@@ -413,7 +414,10 @@ bool interruptAtOnce() {
 }
 
 TEST_F(FunctionsFile, readingLeavesAFreshStart) {
-    putContent(path, fileWith("f(x)=x+1\nbad bad bad\necho shown\nv=5\ndisp v\n", "v=5\n"));
+    merror = 0;
+    putContent(path, fileWith("f(x)=x+1\nbad bad bad\necho shown\nv=5\ndisp v\nw=1" + repeated("+1", 4000) +
+                                  "\nz=7*0e5\n",
+                              "v=5\n"));
     calc->fullEntry = false;
     calc->interruptCheck = interruptAtOnce;
     EXPECT_TRUE(ReadFunctionsFile(*calc, path).damaged);
@@ -428,12 +432,15 @@ TEST_F(FunctionsFile, readingLeavesAFreshStart) {
     EXPECT_EQ(nullptr, calc->lastName);
     EXPECT_EQ(nullptr, calc->lastValue);
     EXPECT_EQ(calc->vars.first, calc->target);
+    EXPECT_EQ(0, calc->terms.count);
+    EXPECT_EQ(0, qcmp(qzero, calc->result));
     EXPECT_EQ(0, calc->entryCount);
     EXPECT_EQ(0, calc->history.location);
     EXPECT_EQ(0, merror);
     calc->interruptCheck = nullptr;
     EXPECT_EQ(STATUS_MESSAGE, Enter("")); // nothing is repeated
     EXPECT_EQ("ans = 6\n", Answer("f(v)"));
+    EXPECT_EQ("ans = 4001\n", Answer("w"));
 }
 
 TEST_F(FunctionsFile, noLineRepeatsTheHistory) {
@@ -492,7 +499,9 @@ TEST_F(FunctionsFile, controlCharactersAreDamage) {
     EXPECT_TRUE(IsDamaged(fileWith("v=12\0\0\0\nw=6\n"s)));
     EXPECT_EQ(nullptr, calc->VariableExists("v")); // 12 may be a part of the number
     EXPECT_NE(nullptr, calc->VariableExists("w"));
-    EXPECT_TRUE(IsDamaged(fileWith("v=5\x01\nw=6\n")));
+    EXPECT_TRUE(IsDamaged(fileWith("f(x)=12\0\0\0\nw=6\n"s)));
+    EXPECT_EQ(nullptr, funcs.FindByName("f", -1));
+    EXPECT_TRUE(IsDamaged(fileWith("\fv=5\nw=6\n")));
     EXPECT_NE(nullptr, calc->VariableExists("w"));
     EXPECT_TRUE(IsDamaged(fileWith("", "1+1\n2\0+2\n3\n"s)));
     EXPECT_EQ(3, calc->history.count);
