@@ -128,11 +128,11 @@ static bool hasNumber(const char* command, const char* word, long& number) {
 }
 
 - (NSString*)QuickResult:(const char*)line:(int)base {
-    [self copySettingsToEngine];
     const int stored = calc.displayBase;
+    [self copySettingsToEngine];
     calc.displayBase = base;
     copyBounded(prompt, sizeof prompt, line);
-    const int status = calc.ProcessEntry(prompt, true);
+    const int status = calc.ProcessEntry(line, true); // all of it: half a line would give a wrong number
     calc.displayBase = stored;
     if (status != STATUS_RESULT || strlen(calc.resultLine) < QUICK_HEAD) return @"error";
     return textFromBytes(calc.resultLine + QUICK_HEAD);
