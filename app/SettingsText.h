@@ -19,7 +19,7 @@ int neededSetting(NSString* key);
 // The text of the settings' file. Empty when it cannot be made.
 std::string settingsText(NSDictionary* settings);
 
-// The settings in a file's bytes, or nil when they are no property list of a dictionary. A key that is missing
+// The settings in a file's bytes, or nil when they are no XML property list of a dictionary. A key that is missing
 // stays missing. One with a value of another kind, or with a number that it cannot have, gets its default; `font` is
 // that of nsfont and may be nil.
 NSMutableDictionary* settingsFromText(NSData* bytes, NSFont* font);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #import "SettingsText.h"
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
 
 struct Setting {
     const char* key;
@@ -16,7 +18,7 @@ struct Setting {
 // In the order in which they are made. The colours and the font, which are objects, are not among them.
 static const Setting SETTINGS[] = {
     {"tipscode", 0, 0, 0x7fffffff, false},
-    {"firstrun", 1, 0, 0x7fffffff, false},
+    {"firstrun", 1, 0, 0x7ffffffe, false}, // it is counted up
     {"snaptoscreen", 1, 0, 1, false},
     {"transback", 1, 0, 1, false},
     {"statusicon", 1, 0, 1, false},
@@ -35,10 +37,10 @@ static const Setting SETTINGS[] = {
     {"dispbase", 10, 2, 16, true},
     {"sigfigs", 10, 1, 100, true},
     {"financed", 2, 0, 100, false},
-    {"x", 450, -100000, 100000, false},
-    {"y", 250, -100000, 100000, false},
-    {"cx", 450, 0, 100000, true},
-    {"cy", 250, 0, 100000, true},
+    {"x", 450, -30000, 30000, false}, // X servers count in 16 bits
+    {"y", 250, -30000, 30000, false},
+    {"cx", 450, 100, 10000, true},
+    {"cy", 250, 100, 10000, true},
     {"trans", 25, 0, 100, false},
 };
 
@@ -119,16 +121,21 @@ std::string settingsText(NSDictionary* settings) {
     return data ? std::string(static_cast<const char*>([data bytes]), [data length]) : std::string();
 }
 
+// Whether the number is one that the setting can have.
+static bool isPossible(const Setting& setting, double number) {
+    if (!(number >= setting.least && number <= setting.most && number == std::floor(number))) return false;
+    if (strcmp(setting.key, "dispbase") == 0) return number == 2 || number == 10 || number == 16;
+    // Digits in groups set off by digits would read as other numbers.
+    const int character = static_cast<int>(number);
+    return strcmp(setting.key, "schar") != 0 || !(isalnum(character) || iscntrl(character));
+}
+
 static void checkNumbers(NSMutableDictionary* settings) {
     for (const Setting& setting : SETTINGS) {
         const id value = [settings objectForKey:keyOf(setting)];
         if (!value) continue;
         const bool isNumber = [value isKindOfClass:[NSNumber class]];
-        const double number = isNumber ? [value doubleValue] : NAN;
-        const bool isBase =
-            strcmp(setting.key, "dispbase") != 0 || number == 2 || number == 10 || number == 16;
-        if (isBase && number >= setting.least && number <= setting.most && number == std::floor(number))
-            continue;
+        if (isNumber && isPossible(setting, [value doubleValue])) continue;
         [settings setObject:[NSNumber numberWithInt:setting.standard] forKey:keyOf(setting)];
     }
 }
@@ -151,8 +158,50 @@ static id readFont(NSData* data) {
     return fontFromData(data);
 }
 
+// Whether what stands between '<' and '>' is a name or, in the head of the file, has its attributes' values in
+// quotation marks.
+static bool isSoundTag(std::string_view tag) {
+    if (tag.substr(0, 1) == "!") return true;
+    const bool isHead = tag.substr(0, 1) == "?" || tag.substr(0, 5) == "plist";
+    char quote = '\0';
+    for (size_t i = 0; i < tag.size(); i++) {
+        const char c = tag[i];
+        if (!isHead && c != '/' && !isalnum(static_cast<unsigned char>(c))) return false;
+        if (quote == '\0' && (c == '"' || c == '\'')) {
+            if (tag[i - 1] != '=') return false; // a head does not begin with it
+            quote = c;
+        } else if (c == quote) {
+            quote = '\0';
+        }
+    }
+    return quote == '\0';
+}
+
+static bool hasSoundTags(std::string_view text) {
+    for (size_t open = text.find('<'); open != std::string_view::npos; open = text.find('<', open + 1)) {
+        const size_t close = text.find_first_of("<>", open + 1);
+        if (close == std::string_view::npos || text[close] == '<') return false;
+        if (!isSoundTag(text.substr(open + 1, close - open - 1))) return false;
+    }
+    return true;
+}
+
+// Whether the parser can have it. That of GNUstep raises exceptions for damaged property lists of the other forms,
+// for bytes that are no UTF-8 and for damaged tags, and it reads on behind the end of a text that is cut off.
+static bool isWholeXml(NSData* bytes) {
+    const std::string_view start = "<?xml";
+    const std::string_view end = "</plist>";
+    std::string_view text(static_cast<const char*>([bytes bytes]), [bytes length]);
+    text = text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
+    if (text.size() < start.size() + end.size() || text.substr(0, start.size()) != start ||
+        text.substr(text.size() - end.size()) != end)
+        return false;
+    if (text.find('\0') != std::string_view::npos || !hasSoundTags(text)) return false;
+    return [[[NSString alloc] initWithData:bytes encoding:NSUTF8StringEncoding] autorelease] != nil;
+}
+
 NSMutableDictionary* settingsFromText(NSData* bytes, NSFont* font) {
-    if ([bytes length] == 0) return nil;
+    if (!isWholeXml(bytes)) return nil;
     const id list = [NSPropertyListSerialization propertyListFromData:bytes
                                                      mutabilityOption:NSPropertyListImmutable
                                                                format:NULL
