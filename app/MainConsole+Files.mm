@@ -10,27 +10,50 @@
 #include "FunctionsFile.h"
 
 #include <chrono>
+#include <sys/stat.h>
 
 using Clock = std::chrono::steady_clock;
 
 // After an entry the files are written this much later, with all that came meanwhile.
 static const NSTimeInterval WRITE_DELAY = 1;
 
-// A script's lines may follow each other fast: the text of the functions file is made this often at most.
-static const std::chrono::milliseconds TEXT_INTERVAL(100);
+// A script's lines may follow each other fast: making the text of the functions file takes at most one part in so
+// many of the time.
+static const int TEXT_SHARE = 10;
 
 // What entries changed since the files were written.
 struct Unwritten {
     bool exists = false;
     bool isEntryRunning = false;
     Clock::time_point since;
-    std::string text; // of the functions file before the running entry, when something was unwritten then
+    std::string text; // of the functions file as it was before the running entry or a little earlier
     Clock::time_point textTime;
+    Clock::duration textCost = Clock::duration::zero();
 };
 static Unwritten unwritten;
 
+// The functions file is damaged and no copy of it could be made.
+static bool isOnlyCopy = false;
+
 static std::string pathBytes(NSString* path) {
     return path ? [path fileSystemRepresentation] : "";
+}
+
+static bool exists(const std::string& path) {
+    struct stat kind = {};
+    return lstat(path.c_str(), &kind) == 0;
+}
+
+// Keeps a damaged file beside. False when there is none now, though there was room for one: the disk is full, say.
+static bool keepDamaged(const std::string& path) {
+    return !KeepUnreadable(path).empty() || !exists(path) || exists(path + ".unreadable.9");
+}
+
+// What a damaged file held is not overwritten before there is a copy of it.
+static void writeFunctions(const std::string& text) {
+    const std::string path = pathBytes(funcFilePath);
+    if (isOnlyCopy) isOnlyCopy = !keepDamaged(path);
+    if (!isOnlyCopy) WriteFileAtomically(path, text);
 }
 
 @implementation MainConsole (Files)
@@ -87,13 +110,16 @@ static std::string pathBytes(NSString* path) {
 }
 
 - (void)loadSettings {
+    unwritten = Unwritten();
     [settings release];
     settings = nil;
-    const bool exists = [[NSFileManager defaultManager] fileExistsAtPath:prefFilePath];
-    NSData* const bytes = exists ? [NSData dataWithContentsOfFile:prefFilePath] : nil;
+    const std::string path = pathBytes(prefFilePath);
+    std::string text;
+    ReadWholeFile(path, text);
+    NSData* const bytes = [NSData dataWithBytes:text.data() length:text.size()];
     settings = [settingsFromText(bytes, [self font]) retain];
     const bool wasRead = settings != nil;
-    if (!wasRead && exists) KeepUnreadable(pathBytes(prefFilePath));
+    if (!wasRead) KeepUnreadable(path);
     if (!wasRead) [self initSettingsDefault];
     [self applyColors];
     if (!wasRead) [self saveSettings];
@@ -120,36 +146,38 @@ static std::string pathBytes(NSString* path) {
 
 - (void)saveFuncFile {
     unwritten = Unwritten();
-    if (funcFilePath) WriteFileAtomically(pathBytes(funcFilePath), FunctionsFileText(calc));
+    if (funcFilePath) writeFunctions(FunctionsFileText(calc));
 }
 
 - (void)loadFuncFile {
     const std::string path = pathBytes(funcFilePath);
     const FunctionsFileResult result = ReadFunctionsFile(calc, path);
-    const bool exists = [[NSFileManager defaultManager] fileExistsAtPath:funcFilePath];
-    if (exists && (!result.opened || result.damaged)) KeepUnreadable(path);
+    isOnlyCopy = (!result.opened || result.damaged) && !keepDamaged(path);
     calc.european = [self setting:@"european"] != 0;
     calc.tenKey = [self setting:@"tenkey"] != 0;
 }
 
 // --- Writing shortly after an entry ---
 
+- (BOOL)isEntryRunning {
+    return unwritten.isEntryRunning;
+}
+
 - (void)entryWillRun {
     unwritten.isEntryRunning = true;
     if (!unwritten.exists || !funcFilePath) return;
     const Clock::time_point now = Clock::now();
-    if (now - unwritten.textTime < TEXT_INTERVAL) return;
+    if (now - unwritten.textTime < TEXT_SHARE * unwritten.textCost) return;
     unwritten.text = FunctionsFileText(calc);
-    unwritten.textTime = now;
+    unwritten.textTime = Clock::now();
+    unwritten.textCost = unwritten.textTime - now;
 }
 
 - (void)entryDidRun {
     unwritten.isEntryRunning = false;
-    unwritten.text.clear();
-    if (unwritten.exists) {
-        [self writeDueFiles]; // a script keeps the timer from firing
-        return;
-    }
+    [self writeDueFiles]; // a script keeps the timer from firing
+    if (unwritten.exists) return;
+    // Also when this entry has just been written: its settings are taken over only now.
     unwritten.exists = true;
     unwritten.since = Clock::now();
     [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(writeDueFiles) object:nil];
@@ -169,7 +197,8 @@ static std::string pathBytes(NSString* path) {
         [self saveFuncFile];
     } else if (!unwritten.text.empty()) {
         // The engine is at work: what it holds is written as it was before this entry.
-        WriteFileAtomically(pathBytes(funcFilePath), unwritten.text);
+        [self saveSettings];
+        writeFunctions(unwritten.text);
         unwritten.text.clear();
     }
 }

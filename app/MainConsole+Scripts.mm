@@ -3,47 +3,35 @@
 // Scripts: text files of entries, a line each.
 #import "MainConsole.h"
 
-#include <cctype>
-#include <cstdio>
-#include <memory>
+#include "FileKeeping.h"
+
+#include <algorithm>
+#include <cstring>
 #include <string>
-#include <sys/stat.h>
 
-// Reads at most this much of a line; what is longer is no entry any more.
-static const size_t LONGEST_LINE = 1 << 20;
+static const NSTimeInterval RETRY_DELAY = 0.1; // of a script that waits for another one
 
-struct CloseFile {
-    void operator()(FILE* file) const { fclose(file); }
-};
-using File = std::unique_ptr<FILE, CloseFile>;
-
-static File openScript(NSString* path) {
-    File file(fopen([path fileSystemRepresentation], "r"));
-    struct stat kind = {};
-    if (!file || fstat(fileno(file.get()), &kind) != 0 || S_ISDIR(kind.st_mode)) return nullptr;
-    return file;
-}
-
-// Reads up to and without the line feed. False at the end of the file.
-static bool readLine(FILE* file, std::string& line) {
-    line.clear();
-    int c = getc(file);
-    if (c == EOF) return false;
-    for (; c != EOF && c != '\n'; c = getc(file)) {
-        if (line.size() < LONGEST_LINE) line += static_cast<char>(c);
-    }
-    return true;
-}
+static bool isReplaying = false;
 
 // A line of a script as the console has its text: ISO Latin-1. Editors write UTF-8; a line that is no UTF-8 is
-// Latin-1 already. What Latin-1 lacks becomes a question mark.
-static std::string asLatin1(const std::string& line) {
+// Latin-1 already. What Latin-1 lacks becomes a question mark, and so does a NUL, which would hide what follows it.
+static std::string asLatin1(std::string line) {
+    std::replace(line.begin(), line.end(), '\0', '?');
     NSString* const text = [[[NSString alloc] initWithBytes:line.data()
                                                      length:line.size()
                                                    encoding:NSUTF8StringEncoding] autorelease];
     if (!text) return line;
     NSData* const bytes = [text dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
     return std::string(static_cast<const char*>([bytes bytes]), [bytes length]);
+}
+
+// Takes the next line, without its end, from `start` on and moves that behind it. False at the end of the text.
+static bool takeLine(const std::string& text, size_t& start, std::string& line) {
+    if (start >= text.size()) return false;
+    const size_t end = std::min(text.find('\n', start), text.size());
+    line = text.substr(start, end - start);
+    start = end + 1;
+    return true;
 }
 
 static bool isBlank(const std::string& line) {
@@ -125,11 +113,26 @@ static NSArray* scriptTypes() {
 }
 
 - (BOOL)loadFile:(NSString*)path {
-    const File file = openScript(path);
-    if (!file) return NO;
+    std::string script;
+    if (!path || !ReadWholeFile([path fileSystemRepresentation], script)) return NO;
+    if (isReplaying || [self isEntryRunning]) {
+        [self performSelector:@selector(loadFile:) withObject:path afterDelay:RETRY_DELAY];
+        return YES;
+    }
     [self insertWithoutPrompt:"\n"];
+    isReplaying = true;
+    [self replay:script];
+    isReplaying = false;
+    [self insertPrompt];
+    return YES;
+}
+
+- (void)replay:(const std::string&)script {
+    const char* const mark = "\xEF\xBB\xBF"; // editors put it in front of UTF-8
+    size_t start = script.compare(0, strlen(mark), mark) == 0 ? strlen(mark) : 0;
     std::string line;
-    while (readLine(file.get(), line)) {
+    scriptInterrupted = false; // an earlier entry's
+    while (takeLine(script, start, line)) {
         // A blank line is there for the eye; as an entry it would repeat the one before.
         if (line[0] == '#' || isBlank(line)) continue;
         [self ProcessResult:asLatin1(line).c_str():NO];
@@ -138,9 +141,8 @@ static NSArray* scriptTypes() {
             calc.interrupted = true;
             break;
         }
+        if (calc.status == STATUS_COMMAND && strcmp(calc.message, "exit") == 0) break;
     }
-    [self insertPrompt];
-    return YES;
 }
 
 - (void)tutorial:(id)sender {

@@ -172,6 +172,7 @@ extern NSString* prefFilePath;
 // later, also when the program is killed after that.
 - (void)entryWillRun;
 - (void)entryDidRun;
+- (BOOL)isEntryRunning; // between the two: the engine is at work
 - (void)writeDueFiles;
 @end
 
@@ -185,7 +186,11 @@ extern NSString* prefFilePath;
 // The text of a script that repeats what was typed: a header and the entries of the transcript.
 - (NSString*)scriptText;
 
-// Replays a script. Returns NO when the file cannot be opened.
+// Writes that text to the file, in ASCII where it is ASCII and in UTF-8 otherwise. Returns NO when it is not there.
+- (BOOL)writeScript:(NSString*)path;
+
+// Replays a script up to its end, an interruption or an "exit". A script that comes while an entry or another
+// script runs waits for the end of that. Returns NO when the file cannot be opened.
 - (BOOL)loadFile:(NSString*)path;
 @end
 
