@@ -32,7 +32,7 @@ static void removeLineEnd(std::string& line) {
 int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     fullEntry = !quick;
     interrupted = false;
-    spentReductions = spentCopies = 0;
+    spentWork = 0;
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);

@@ -22,6 +22,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 // Size of the engine's text buffers. A statement has fewer characters than this.
@@ -33,6 +34,9 @@ constexpr size_t FORMAT_SIZE = 13312;
 
 constexpr int MAX_STATEMENTS = 999;
 constexpr int MAX_NAME = 50; // names have fewer characters
+
+// What computes long, such as a sine, in units of a preview's work: see ProcessEntry.
+constexpr uint64_t DEAR_WORK = 24;
 
 enum Status : int32_t {
     STATUS_ERROR = -1,  // `message` holds the error
@@ -105,8 +109,9 @@ public:
     void InitializeFunctionsAndVars();
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
-    // statement that ran, also left in `status`. A preview that takes more than 20,000 reductions (showing a
-    // statement's result counts as 50) or 200,000 copied terms is given up: status -1.
+    // statement that ran, also left in `status`. A preview has 60,000 units of work, some milliseconds, and is
+    // given up when it takes more: status -1. A copied term is one unit, an operator 3, showing a statement's
+    // result 150; a power, a factorial, a conversion, a predefined function and a logarithm's base are 24 more.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
@@ -198,12 +203,21 @@ private:
 
     // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
     // long texts copied by the statement.
-    uint64_t spentReductions = 0;
-    uint64_t spentCopies = 0;
+    uint64_t spentWork = 0;
     uint64_t unchecked = 0;
     size_t longTexts = 0;
 
     uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
+
+    // The variables by name, as they were when the list had so many insertions and nodes.
+    struct VariableIndex {
+        std::unordered_map<std::string_view, node*> byName; // of two variables of one name the first
+        uint64_t insertions = 0;
+        int32_t count = 0;
+        const node* last = nullptr;
+    };
+    mutable VariableIndex variableIndex;
+    void UpdateVariableIndex() const;
 
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
@@ -244,6 +258,7 @@ private:
     // Count work. They return -1 with a message when the evaluation has to stop: a preview at its limit, an entry
     // that is interrupted.
     int Spend(uint64_t reductions, uint64_t copies);
+    int SpendWork(uint64_t units);
     int CheckInterrupt(uint64_t units);
 
     int CallArgument(const Call& call, qfloat value);

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 // A check for an interruption comes after so many units of work: an operator or a copied term is one, a call of a
@@ -18,9 +19,15 @@ constexpr uint64_t FUNCTION_WORK = 4;
 // How much of the unit library's work counts as a reduction.
 constexpr uint64_t UNIT_WORK_PER_REDUCTION = 16;
 
-// A live preview is evaluated at every key press and gives up after so much.
-constexpr uint64_t PREVIEW_REDUCTIONS = 20000;
-constexpr uint64_t PREVIEW_COPIES = 200000;
+// A live preview is evaluated at every key press and gives up after so many units of work. A unit takes 0.05
+// to 0.1 microseconds: copying a term is one, applying an operator REDUCTION_WORK, and what computes long adds
+// DEAR_WORK. A remainder takes a step for each bit by which its operands differ.
+constexpr uint64_t PREVIEW_WORK = 60000;
+constexpr uint64_t REDUCTION_WORK = 3;
+constexpr uint64_t REMAINDER_BITS_PER_WORK = 512;
+
+// The exponents of a preview's units. Every one of them puts the names of its unit into a list.
+constexpr uint64_t PREVIEW_EXPONENTS = 2000;
 
 static bool isZero(const qfloat number) {
     return number[1] == 0;
@@ -33,13 +40,14 @@ static void setTruth(bool truth, qfloat value) {
 int ZqCalculator::Spend(uint64_t reductions, uint64_t copies) {
     work.reduced += reductions;
     work.copied += copies;
-    spentReductions += reductions;
-    spentCopies += copies;
-    if (!fullEntry) {
-        if (spentReductions <= PREVIEW_REDUCTIONS && spentCopies <= PREVIEW_COPIES) return 0;
-        return Fail("** ERROR: too much work for a preview **\n");
-    }
-    return CheckInterrupt(reductions + copies);
+    return fullEntry ? CheckInterrupt(reductions + copies) : SpendWork(REDUCTION_WORK * reductions + copies);
+}
+
+// Counts what only a preview has to be told, because entries are asked often enough without it.
+int ZqCalculator::SpendWork(uint64_t units) {
+    spentWork += units;
+    if (fullEntry || spentWork <= PREVIEW_WORK) return 0;
+    return Fail("** ERROR: too much work for a preview **\n");
 }
 
 // Statements that evaluate nothing, such as commands that list, count as work too.
@@ -121,6 +129,13 @@ int ZqCalculator::Node2Num(const node* term, qfloat value) {
     return Fail("** ERROR 7: invalid term = %s **\n", {text});
 }
 
+// What the operator takes beyond a reduction, in units of a preview's work.
+static uint64_t extraWork(int32_t code, const qfloat left, const qfloat right) {
+    if (code == OP_POWER || code == OP_FACTORIAL) return DEAR_WORK;
+    const bool isLong = code == OP_REMAINDER && left[1] > right[1];
+    return isLong ? (left[1] - right[1]) / REMAINDER_BITS_PER_WORK : 0;
+}
+
 node* ZqCalculator::ProcPair(node* op, int32_t code) {
     if (code == OP_UNIT_MARK) return op;
     if (code == OP_CONVERT) return ProcConversion(op);
@@ -131,6 +146,7 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
     qfloat value = {};
     if (left && Node2Num(left, leftValue) != 0) return nullptr;
     if (code == OP_FACTORIAL) {
+        if (SpendWork(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
         qfac(leftValue, value);
     } else {
         if (!right) {
@@ -138,6 +154,7 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
             return nullptr;
         }
         if (Node2Num(right, rightValue) != 0) return nullptr;
+        if (SpendWork(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
         if (ApplyBinary(code, leftValue, rightValue, value) != 0) return nullptr;
     }
     return FinishPair(op, left, right, value, getOp(code).text);
@@ -207,8 +224,17 @@ static bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
 
+// The sum of the numbers behind each '^'.
+static uint64_t sumOfExponents(const char* unit) {
+    uint64_t sum = 0;
+    while ((unit = strchr(unit, '^'))) sum += strtoul(++unit, nullptr, 10);
+    return sum;
+}
+
 // How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
 int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat value) {
+    const bool isTooLong = sumOfExponents(from) + sumOfExponents(to) > PREVIEW_EXPONENTS;
+    if (SpendWork(isTooLong ? PREVIEW_WORK + 1 : DEAR_WORK) != 0) return STATUS_ERROR;
     units_clear_exception();
     const uint64_t before = units_work();
     const double factor = units_convert(from, to);

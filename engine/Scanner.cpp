@@ -230,7 +230,7 @@ void ZqCalculator::AppendOperand(std::string_view text, bool isUnit, bool before
     node* term = terms.Push(StrDuplicate(text));
     term->type = TERM_NAME;
     if (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) return;
-    if (VariableExists(term->text)) return;
+    if (IsLetter(text[0]) && VariableExists(term->text)) return;
     qfloat value;
     if (Str2Num(term->text, value) == 0) {
         term->type = TERM_NUMBER;

@@ -29,11 +29,30 @@ bool ZqCalculator::IsValidArgList(const char* text) {
     return true;
 }
 
-node* ZqCalculator::VariableExists(const char* name) const {
-    for (node* variable = vars.first; variable; variable = variable->next) {
-        if (strIsEqual(variable->text, name)) return variable;
+// A line asks for every name in it, and a preview is evaluated at every key press. Insertions only grow, so that
+// they and the number of nodes tell every change of the list. One more variable at the end is the usual one.
+void ZqCalculator::UpdateVariableIndex() const {
+    VariableIndex& index = variableIndex;
+    if (index.insertions == vars.insertions && index.count == vars.count) return;
+    const bool isOneMore = vars.insertions == index.insertions + 1 && vars.count == index.count + 1 &&
+                           vars.last->prev == index.last;
+    node* variable = vars.last;
+    if (!isOneMore) {
+        index.byName.clear();
+        variable = vars.first;
     }
-    return nullptr;
+    for (; variable; variable = variable->next) {
+        if (variable->text) index.byName.emplace(variable->text, variable);
+    }
+    index.insertions = vars.insertions;
+    index.count = vars.count;
+    index.last = vars.last;
+}
+
+node* ZqCalculator::VariableExists(const char* name) const {
+    UpdateVariableIndex();
+    const auto found = variableIndex.byName.find(name);
+    return found == variableIndex.byName.end() ? nullptr : found->second;
 }
 
 node* ZqCalculator::UnitExists(const char* name) const {

@@ -35,11 +35,13 @@ TEST_F(Functions, aPreviewOfTooManyCopiesShowsNothing) {
     Enter("wide(x)=x" + repeated("+x", 4900));
     Enter("wider(x)=wide(x)" + repeated("+wide(x)", 500));
     EXPECT_EQ(STATUS_ERROR, Preview("wider(1)"));
-    EXPECT_LE(calc.work.copied, 210000u);
-    EXPECT_LE(calc.work.reduced, 20001u);
+    EXPECT_LE(3 * calc.work.reduced + calc.work.copied, 60000u + 9801u); // a body is copied whole
+    Enter("again(x)=x" + repeated("+x", 4900) + "+again(x)");
+    EXPECT_EQ(STATUS_ERROR, Preview("again(1)"));
+    EXPECT_LE(calc.work.copied, 60000u + 9807u);
 }
 
-// Each of these would format a result: 50 reductions.
+// Each of these would format a result: 150 of 60,000.
 TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Preview(repeated("1;", 400)));
     EXPECT_STREQ("ans = 1\n", calc.resultLine);
@@ -47,6 +49,69 @@ TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
     EXPECT_STREQ("", calc.resultLine);
     EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
     EXPECT_EQ(STATUS_RESULT, Enter(repeated("1;", 999)));
+}
+
+// Two operators are 6, the sine 24 and each of the two results 150: (60,000 - 300) / 30 = 1990 sines.
+TEST_F(Functions, aPreviewOfTooManyDearOperationsShowsNothing) {
+    const auto line = [](const char* operation, size_t times) {
+        return "0" + repeated(operation, times / 2) + ";0" + repeated(operation, times - times / 2);
+    };
+    for (const char* operation : {"+sin(1)", "+tan(1)", "+exp(1)", "+ln(2)", "+1^1", "+99!", "+abs(1)"}) {
+        EXPECT_EQ(STATUS_RESULT, Preview(line(operation, 1990))) << operation;
+        EXPECT_EQ(STATUS_ERROR, Preview(line(operation, 1991))) << operation;
+        EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+        EXPECT_EQ(STATUS_RESULT, Enter(line(operation, 1991)));
+    }
+    // A logarithm's base takes a second logarithm: 54.
+    for (const char* operation : {"+log(2)", "+log3(2)"}) {
+        EXPECT_EQ(STATUS_RESULT, Preview(line(operation, 1105))) << operation;
+        EXPECT_EQ(STATUS_ERROR, Preview(line(operation, 1106))) << operation;
+    }
+}
+
+// 10^18860 has 62,652 bits, which is 122 units beside the 6 of two operators: (60,000 - 150) / 128 = 467.
+TEST_F(Functions, aPreviewOfTooManyLongRemaindersShowsNothing) {
+    EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+1e9860%1e-9000", 467)));
+    EXPECT_EQ(STATUS_ERROR, Preview("0" + repeated("+1e9860%1e-9000", 468)));
+    EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+7%3", 2400)));
+}
+
+TEST_F(Functions, aPreviewOfTooManyExponentsOfUnitsShowsNothing) {
+    EXPECT_EQ(STATUS_RESULT, Preview("3 s^1000->s^1000"));
+    EXPECT_EQ(STATUS_ERROR, Preview("3 s^1000*s^1->s^1000*s^1"));
+    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+    EXPECT_EQ("ans = 3\n", Answer("3 s^1000*s^1->s^1000*s^1"));
+}
+
+// The variables are found through an index, which has to follow every way in which the list changes.
+TEST_F(Functions, variablesAreFoundAfterEveryChange) {
+    const auto firstOfName = [this](const std::string& name) -> node* {
+        for (node* variable = calc.vars.first; variable; variable = variable->next) {
+            if (name == variable->text) return variable;
+        }
+        return nullptr;
+    };
+    uint32_t random = 1;
+    for (int step = 0; step < 3000; step++) {
+        random = random * 1664525 + 1013904223;
+        const std::string name = "v" + std::to_string((random >> 16) % 40);
+        switch ((random >> 8) % 8) {
+        case 0: Enter("del " + name); break;
+        case 1: calc.vars.Push(StrDuplicate(name))->SetValue(qone); break;
+        case 2: calc.vars.Insert(StrDuplicate(name), 1)->SetValue(qone); break;
+        case 3:
+            if (step % 50 == 0) Enter("del all");
+            break;
+        case 4: Enter("del " + name + "; " + name + "=1"); break;
+        default: Enter(name + "=2"); break;
+        }
+        if (step % 3 == 0) continue; // several changes at once
+        for (int i = 0; i < 40; i++) {
+            const std::string other = "v" + std::to_string(i);
+            ASSERT_EQ(firstOfName(other), calc.VariableExists(other.c_str())) << step;
+        }
+        ASSERT_EQ(calc.vars.first, calc.VariableExists("ans"));
+    }
 }
 
 TEST_F(Functions, aListIsFormattedAsFarAsItFits) {
