@@ -23,8 +23,13 @@ static NSString* const PROMPT = @"> ";
     [self scrollRangeToVisible:end];
 }
 
+// Asking first makes the change one that undo knows, and keeps it out of the transcript.
 - (void)replaceSelection:(NSString*)text {
-    [self replaceCharactersInRange:[self selectedRange] withString:text];
+    const NSRange place = [self selectedRange];
+    [self breakUndoCoalescing];
+    if (![self shouldChangeTextInRange:place replacementString:text]) return;
+    [self replaceCharactersInRange:place withString:text];
+    [self didChangeText];
 }
 
 // What was typed before cannot be undone any more: the places it stood at have moved or are read only.
@@ -84,13 +89,16 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (BOOL)getPromptText {
-    NSString* const entry = [[self string] substringWithRange:[self entryRange]];
-    NSData* const bytes = [entry dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
-    const size_t length = std::min<size_t>([bytes length], PROMPT_SIZE - 1);
-    memcpy(prompt, [bytes bytes], length);
+    const NSRange entry = [self entryRange];
+    const NSUInteger length = std::min<NSUInteger>(entry.length, PROMPT_SIZE - 1);
+    bool isWhole = length == entry.length;
+    for (NSUInteger i = 0; i < length; i++) {
+        const unichar c = [[self string] characterAtIndex:entry.location + i];
+        if (c == 0 || c > 0xff) isWhole = false; // no NUL in an 8-bit string
+        prompt[i] = c > 0xff ? '?' : static_cast<char>(c);
+    }
     prompt[length] = '\0';
-    const bool isWhole = strlen(prompt) == [entry length]; // no NUL in it either
-    return isWhole && latin1Bytes(entry) != nil;
+    return isWhole;
 }
 
 - (void)recallHistory:(int)index {

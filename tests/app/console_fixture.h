@@ -14,6 +14,10 @@
 
 @class TestDelegate;
 
+@interface MainConsole (Edit)
+- (void)undo:(id)sender; // the menu's action
+@end
+
 struct RecordedSheet {
     std::string message;
     std::string yes;
