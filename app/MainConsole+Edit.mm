@@ -63,10 +63,10 @@ static std::string bareAnswer() {
 }
 
 - (void)copyAnswer {
+    if (calc.lastAnswer[0] == '\0') return; // what the pasteboard holds is better than nothing
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:[NSArray arrayWithObject:NSStringPboardType] owner:nil];
     [board setString:textFromBytes(bareAnswer().c_str()) forType:NSStringPboardType];
-    if (calc.lastAnswer[0] == '\0') return;
     NSString* const shown = [@"= " stringByAppendingString:textFromBytes(calc.lastAnswer)];
     const NSRange found = [[self string] rangeOfString:shown options:NSBackwardsSearch];
     if (found.location != NSNotFound) [self flash:NSMakeRange(found.location + 2, found.length - 2)];
@@ -107,11 +107,12 @@ static std::string bareAnswer() {
     [self ProcessResult:nullptr:YES];
 }
 
-// An entry is one line, in the history and in scripts: line ends between pasted lines separate statements, and
-// those around them are left out. Nil when the text has none.
+// An entry is one line, in the history and in scripts: line ends between the lines of a text separate statements,
+// and those around them are left out.
 static NSString* asOneLine(NSString* text) {
-    NSCharacterSet* const lineEnds = [NSCharacterSet newlineCharacterSet];
-    if ([text rangeOfCharacterFromSet:lineEnds].location == NSNotFound) return nil;
+    NSMutableCharacterSet* const lineEnds = [[[NSCharacterSet newlineCharacterSet] mutableCopy] autorelease];
+    [lineEnds addCharactersInString:@"\u2028\u2029"]; // GNUstep's set has them not
+    if ([text rangeOfCharacterFromSet:lineEnds].location == NSNotFound) return text;
     NSMutableArray* const lines = [NSMutableArray array];
     NSArray* const pieces = [text componentsSeparatedByCharactersInSet:lineEnds];
     for (NSUInteger i = 0; i < [pieces count]; i++) {
@@ -122,16 +123,32 @@ static NSString* asOneLine(NSString* text) {
     return [lines componentsJoinedByString:@"; "];
 }
 
+// Text from another place, in place of the selection or, when that is read only, at the end of the entry.
+- (void)insertForeignText:(NSString*)text {
+    NSString* const line = asOneLine(text);
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    const NSUInteger kept =
+        [[self string] length] - static_cast<NSUInteger>(g_linestart) - [self selectedRange].length;
+    // Part of a text would be another calculation, and a longer entry could not be run.
+    if (kept + [line length] >= PROMPT_SIZE) {
+        [self updateStatusbar:"The text is too long for an entry."];
+        return;
+    }
+    [self insertText:line];
+    [self ProcessResult:nullptr:YES];
+}
+
+// Whatever brings text in, a paste, a drop, a service or the middle button of the mouse: it comes in plain.
+- (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
+    (void)type;
+    NSString* const text = [board stringForType:NSStringPboardType];
+    if (text) [self insertForeignText:text];
+    return text != nil;
+}
+
 - (void)paste:(id)sender {
     (void)sender;
-    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
-    NSString* const text = [[NSPasteboard generalPasteboard] stringForType:NSStringPboardType];
-    NSString* const line = asOneLine(text);
-    if (line)
-        [self insertText:line];
-    else
-        [self superPasteAsPlainText];
-    [self ProcessResult:nullptr:YES];
+    [self superPasteAsPlainText];
 }
 
 - (void)undo:(id)sender {
