@@ -10,7 +10,8 @@
 #include <cstdio>
 #include <cstring>
 
-static const NSUInteger TEXT_KEYS = NSCommandKeyMask | NSControlKeyMask | NSFunctionKeyMask;
+// With one of these a key press edits or moves instead of typing; so does a function key.
+static const NSUInteger EDITING_FLAGS = NSCommandKeyMask | NSControlKeyMask;
 
 @implementation MainConsole (Keys)
 
@@ -211,10 +212,29 @@ static const NSUInteger TEXT_KEYS = NSCommandKeyMask | NSControlKeyMask | NSFunc
         [self copy:self];
         return;
     }
-    if ([self selectedRange].location < [self lineStart] && !(flags & TEXT_KEYS)) [self gotoEnd];
+    if ((flags & NSCommandKeyMask) && !(flags & NSFunctionKeyMask)) {
+        [self live]; // no menu item has the key, and GNUstep would type its character
+        return;
+    }
+    if ([self selectedRange].location < [self lineStart] && !(flags & (EDITING_FLAGS | NSFunctionKeyMask)))
+        [self gotoEnd];
     NSString* const typed = [event characters];
-    if ([typed length] > 0) [self applyAnsRules:[typed characterAtIndex:0]];
+    const bool isTyped = [typed length] > 0 && !(flags & EDITING_FLAGS);
+    if (isTyped) [self applyAnsRules:[typed characterAtIndex:0]];
     [self pass:event];
+}
+
+// An entry is one line: Control-O and its like open no other.
+- (void)insertNewline:(id)sender {
+    (void)sender;
+}
+
+- (void)insertNewlineIgnoringFieldEditor:(id)sender {
+    (void)sender;
+}
+
+- (void)insertLineBreak:(id)sender {
+    (void)sender;
 }
 
 // An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes over

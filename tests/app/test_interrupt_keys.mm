@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+//
+// Keys that interrupt a script or a calculation, and keys that do not.
+#import "console_fixture.h"
+
+#include <chrono>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+class InterruptKeys : public ConsoleTest {
+protected:
+    // What waits in the application's queue.
+    static std::string nextKey() {
+        NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                                  untilDate:[NSDate date]
+                                                     inMode:NSDefaultRunLoopMode
+                                                    dequeue:YES];
+        return event ? [[event characters] UTF8String] : "";
+    }
+
+    void TearDown() override {
+        while (!nextKey().empty()) {
+        }
+        ConsoleTest::TearDown();
+    }
+
+    // d0 calls a built-in function, d1 calls d0 ten times, and so on up to d7.
+    void defineSlowFunctions() {
+        [console ProcessResult:"d0(x)=sin(x)":NO];
+        for (char level = '1'; level <= '7'; level++) {
+            std::string line = std::string("d") + level + "(x)=";
+            for (int i = 0; i < 10; i++) {
+                if (i > 0) line += '+';
+                line += std::string("d") + static_cast<char>(level - 1) + "(x+" + static_cast<char>('0' + i) +
+                        ")";
+            }
+            [console ProcessResult:line.c_str():NO];
+        }
+    }
+
+    void runAlone(const std::string& line) {
+        [console clearConsole];
+        [console replacePrompt:line.c_str()];
+        press(KEY_RETURN);
+    }
+};
+
+TEST_F(InterruptKeys, nothingWaiting) {
+    EXPECT_EQ(0, [console checkInterruptEvent]);
+}
+
+TEST_F(InterruptKeys, escapeInterrupts) {
+    post(@"\033");
+    EXPECT_EQ(1, [console checkInterruptEvent]);
+    EXPECT_EQ(0, [console checkInterruptEvent]);
+}
+
+TEST_F(InterruptKeys, commandQInterrupts) {
+    post(@"q", NSCommandKeyMask);
+    EXPECT_EQ(1, [console checkInterruptEvent]);
+}
+
+TEST_F(InterruptKeys, controlCInterrupts) {
+    post(@"c", NSControlKeyMask);
+    EXPECT_EQ(1, [console checkInterruptEvent]);
+}
+
+TEST_F(InterruptKeys, otherKeysAreConsumedOneByOne) {
+    post(@"q");
+    post(@"c");
+    post(@"c", NSCommandKeyMask);
+    post(@"q", NSControlKeyMask);
+    post(@"\r");
+    post(@"7");
+    for (int i = 0; i < 6; i++) EXPECT_EQ(0, [console checkInterruptEvent]) << i;
+    EXPECT_EQ("", nextKey());
+    EXPECT_EQ("> ", text());
+    post(@"7");
+    post(@"\033");
+    EXPECT_EQ(0, [console checkInterruptEvent]);
+    EXPECT_EQ(1, [console checkInterruptEvent]);
+}
+
+TEST_F(InterruptKeys, eachOfThemEndsALongEntry) {
+    defineSlowFunctions();
+    const struct {
+        NSString* key;
+        NSUInteger flags;
+    } keys[] = {{@"\033", 0}, {@"q", NSCommandKeyMask}, {@"c", NSControlKeyMask}};
+    for (const auto& one : keys) {
+        post(one.key, one.flags);
+        runAlone("d7(1)");
+        EXPECT_EQ("> d7(1)\n** ERROR: interrupted **\n\n> ", text());
+        EXPECT_EQ("", nextKey());
+    }
+    enter("1+2");
+    EXPECT_NE(std::string::npos, text().find("ans = 3\n"));
+}
+
+TEST_F(InterruptKeys, otherKeysDuringALongEntryAreLost) {
+    defineSlowFunctions();
+    // The smallest that runs for a quarter of a second here.
+    for (char level = '3'; level <= '7'; level++) {
+        post(@"7");
+        const auto begin = Clock::now();
+        runAlone(std::string("d") + level + "(1)");
+        if (Clock::now() - begin > std::chrono::milliseconds(250)) break;
+        nextKey();
+        ASSERT_NE('7', level) << "no entry was long";
+    }
+    EXPECT_EQ("", nextKey());
+    EXPECT_EQ("", entry());
+    EXPECT_NE(std::string::npos, text().find("\nans = "));
+}
+
+TEST_F(InterruptKeys, whatIsTypedAheadOfAShortEntrysEndStays) {
+    [console replacePrompt:"1+2"];
+    post(@"7");
+    press(KEY_RETURN);
+    EXPECT_EQ("> 1+2\nans = 3\n\n> ", text());
+    EXPECT_EQ("7", nextKey());
+}
+
+} // namespace

@@ -1,0 +1,549 @@
+// SPDX-License-Identifier: MIT
+//
+// What each key does; typing, history and completion have files of their own.
+#import "console_fixture.h"
+
+#import <AppKit/NSTextView.h>
+
+namespace {
+
+const char* const UNTOUCHED = "no preview so far";
+
+class Keys : public ConsoleTest {
+protected:
+    // A transcript of one entry and an open entry, nothing selected, the cursor at the end.
+    void SetUp() override {
+        ConsoleTest::SetUp();
+        enter("1+2");
+        type("4+5");
+        begin = static_cast<NSUInteger>(g_linestart);
+        first = transcript();
+        [console updateStatusbar:UNTOUCHED];
+    }
+
+    void setEntry(NSString* text) {
+        [console replaceCharactersInRange:NSMakeRange(begin, [[console string] length] - begin)
+                               withString:text];
+    }
+
+    void expectSelection(NSUInteger location, NSUInteger length) {
+        EXPECT_EQ(location, cursor());
+        EXPECT_EQ(length, [console selectedRange].length);
+    }
+
+    // The transcript and the entry are these, and the preview is that of the entry or has not run.
+    void expect(const char* wanted, bool previewed = true) {
+        EXPECT_EQ(first, transcript());
+        EXPECT_EQ(wanted, entry());
+        if (previewed)
+            EXPECT_NE(UNTOUCHED, status());
+        else
+            EXPECT_EQ(UNTOUCHED, status());
+    }
+
+    NSUInteger begin = 0;
+    std::string first;
+};
+
+// --- Key codes ---
+
+TEST_F(Keys, theCodeOfTheKeyAndOfTheOneBeforeAreKept) {
+    press(KEY_HOME);
+    press(KEY_END);
+    EXPECT_EQ(119U, keyCode);
+    EXPECT_EQ(115U, prevKey);
+    press(@"\001", @"a", NSControlKeyMask);
+    EXPECT_EQ(123U, keyCode);
+    EXPECT_EQ(119U, prevKey);
+}
+
+#ifdef GNUSTEP
+TEST_F(Keys, charactersTellTheKeys) {
+    const struct {
+        unichar character;
+        NSUInteger flags;
+        uint32_t key;
+    } keys[] = {{'\r', 0, 36},
+                {'\n', 0, 36},
+                {'\r', NSNumericPadKeyMask, 76},
+                {'\n', NSNumericPadKeyMask, 76},
+                {3, 0, 76},
+                {'\t', 0, 48},
+                {25, NSShiftKeyMask, 48},
+                {27, 0, 53},
+                {8, 0, 51},
+                {127, 0, 51},
+                {NSDeleteFunctionKey, NSFunctionKeyMask, 117},
+                {NSHomeFunctionKey, NSFunctionKeyMask, 115},
+                {NSEndFunctionKey, NSFunctionKeyMask, 119},
+                {NSLeftArrowFunctionKey, NSFunctionKeyMask, 123},
+                {NSRightArrowFunctionKey, NSFunctionKeyMask, 124},
+                {NSDownArrowFunctionKey, NSFunctionKeyMask, 125},
+                {NSUpArrowFunctionKey, NSFunctionKeyMask, 126},
+                {'a', 0, 0},
+                {'A', NSShiftKeyMask, 0},
+                {1, NSControlKeyMask, 0},
+                {'c', NSControlKeyMask, 0xffff},
+                {'7', NSNumericPadKeyMask, 0xffff},
+                {NSPageUpFunctionKey, NSFunctionKeyMask, 0xffff}};
+    for (const auto& one : keys) {
+        NSString* const text = [NSString stringWithCharacters:&one.character length:1];
+        NSEvent* const event = [NSEvent keyEventWithType:NSKeyDown
+                                                location:NSZeroPoint
+                                           modifierFlags:one.flags
+                                               timestamp:0
+                                            windowNumber:[window windowNumber]
+                                                 context:[window graphicsContext]
+                                              characters:text
+                             charactersIgnoringModifiers:text
+                                               isARepeat:NO
+                                                 keyCode:99];
+        EXPECT_EQ(one.key, platformKeyCode(event)) << "character " << one.character;
+    }
+}
+#endif
+
+// --- Return ---
+
+TEST_F(Keys, returnAndKeypadEnterCommitTheEntry) {
+    press(KEY_RETURN);
+    EXPECT_EQ(first + "4+5\nans = 9\n\n> ", text());
+    EXPECT_EQ("", status());
+    type("6");
+    press(KEY_ENTER);
+    EXPECT_EQ(first + "4+5\nans = 9\n\n> 6\nans = 6\n\n> ", text());
+    type("7");
+    press(@"\r", NSNumericPadKeyMask);
+    EXPECT_EQ(first + "4+5\nans = 9\n\n> 6\nans = 6\n\n> 7\nans = 7\n\n> ", text());
+}
+
+TEST_F(Keys, returnCommitsTheEntryWhereverTheCursorIs) {
+    select(0, 3);
+    press(KEY_RETURN);
+    EXPECT_EQ(first + "4+5\nans = 9\n\n> ", text());
+    EXPECT_EQ(text().size(), cursor());
+}
+
+TEST_F(Keys, returnWithAModifierCommitsToo) {
+    press(KEY_RETURN, NSAlternateKeyMask);
+    EXPECT_EQ(first + "4+5\nans = 9\n\n> ", text());
+}
+
+TEST_F(Keys, returnEndsAMatchedWalk) {
+    update_match_str = 1;
+    press(KEY_RETURN);
+    EXPECT_EQ(0, update_match_str);
+}
+
+TEST_F(Keys, anEntryThatLatin1HasNotIsReportedAndStays) {
+    setEntry(@"3\u20ac");
+    press(KEY_RETURN);
+    EXPECT_EQ(first + "3\u20ac\n** Invalid character/encoding used. **\n\n> ", text());
+    press(KEY_UP);
+    EXPECT_EQ("1+2", entry()); // not in the history
+}
+
+TEST_F(Keys, anEntryWithANulIsReported) {
+    const unichar withNul[] = {'1', 0, '2'};
+    setEntry([NSString stringWithCharacters:withNul length:3]);
+    press(KEY_RETURN);
+    EXPECT_TRUE([[console string] hasSuffix:@"\n** Invalid character/encoding used. **\n\n> "]);
+    EXPECT_EQ(NSNotFound, static_cast<NSInteger>([[console string] rangeOfString:@"ans = 1\n"].location));
+}
+
+TEST_F(Keys, theLongestEntryIsEvaluated) {
+    setEntry([@"1" stringByPaddingToLength:9999 withString:@"+1" startingAtIndex:0]);
+    press(KEY_RETURN);
+    EXPECT_NE(std::string::npos, text().find("\nans = 5000\n"));
+}
+
+// --- Escape ---
+
+TEST_F(Keys, escapeClearsTheEntryAndEndsTheWalk) {
+    calc.history.HistLocUp();
+    update_match_str = 1;
+    press(KEY_ESCAPE);
+    expect("");
+    expectSelection(begin, 0);
+    EXPECT_EQ(0, calc.history.location);
+    EXPECT_EQ(0, update_match_str);
+    EXPECT_EQ(0, hideRequests());
+}
+
+TEST_F(Keys, escapeOfAnEmptyEntryHidesTheWindow) {
+    setEntry(@"");
+    press(KEY_ESCAPE);
+    expect("");
+    EXPECT_EQ(1, hideRequests());
+}
+
+TEST_F(Keys, escapeWithASelectionInTheTranscriptOnlyGoesBackToTheEntry) {
+    setEntry(@"");
+    select(0, 4);
+    press(KEY_ESCAPE);
+    expect("");
+    expectSelection(begin, 0);
+    EXPECT_EQ(0, hideRequests());
+}
+
+TEST_F(Keys, escapeWithTheCursorInTheTranscriptClearsTheEntry) {
+    select(1);
+    press(KEY_ESCAPE);
+    expect("");
+    EXPECT_EQ(0, hideRequests());
+}
+
+// --- Backspace ---
+
+TEST_F(Keys, backspaceDeletesToTheLeft) {
+    press(KEY_BACKSPACE);
+    expect("4+");
+    selectEntry(1);
+    press(KEY_BACKSPACE);
+    expect("+");
+}
+
+TEST_F(Keys, backspaceAtTheStartDeletesNothing) {
+    selectEntry(0);
+    press(KEY_BACKSPACE);
+    expect("4+5");
+    expectSelection(begin, 0);
+    setEntry(@"");
+    press(KEY_BACKSPACE);
+    expect("");
+}
+
+TEST_F(Keys, backspaceDeletesASelectionInTheEntry) {
+    selectEntry(0, 2);
+    press(KEY_BACKSPACE);
+    expect("5");
+    setEntry(@"4+5");
+    selectEntry(1, 2);
+    press(KEY_BACKSPACE);
+    expect("4");
+}
+
+TEST_F(Keys, backspaceOfASelectionAcrossThePromptIsClippedToTheEntry) {
+    select(begin - 4, 6);
+    press(KEY_BACKSPACE);
+    expect("5");
+    setEntry(@"4+5");
+    select(0, begin + 3);
+    press(KEY_BACKSPACE);
+    expect("");
+}
+
+TEST_F(Keys, backspaceInTheTranscriptOnlyGoesToTheEnd) {
+    const NSRange places[] = {{0, 0}, {3, 4}, {begin - 1, 0}, {begin - 2, 2}};
+    for (const NSRange place : places) {
+        [console updateStatusbar:UNTOUCHED];
+        select(place.location, place.length);
+        press(KEY_BACKSPACE);
+        expect("4+5");
+        expectSelection(begin + 3, 0);
+    }
+}
+
+// --- Forward delete ---
+
+TEST_F(Keys, forwardDeleteDeletesToTheRight) {
+    selectEntry(0);
+    press(KEY_FORWARD_DELETE);
+    expect("+5");
+    selectEntry(1);
+    press(KEY_FORWARD_DELETE);
+    expect("+");
+    press(KEY_FORWARD_DELETE);
+    expect("+");
+}
+
+TEST_F(Keys, forwardDeleteDeletesASelectionInTheEntry) {
+    selectEntry(0, 2);
+    press(KEY_FORWARD_DELETE);
+    expect("5");
+}
+
+TEST_F(Keys, forwardDeleteOfASelectionAcrossThePromptIsClippedToTheEntry) {
+    select(begin - 4, 6);
+    press(KEY_FORWARD_DELETE);
+    expect("5");
+}
+
+TEST_F(Keys, forwardDeleteInTheTranscriptOnlyGoesToTheEnd) {
+    const NSRange places[] = {{0, 0}, {3, 4}, {begin - 1, 0}, {begin - 2, 2}};
+    for (const NSRange place : places) {
+        [console updateStatusbar:UNTOUCHED];
+        select(place.location, place.length);
+        press(KEY_FORWARD_DELETE);
+        expect("4+5");
+        expectSelection(begin + 3, 0);
+    }
+    setEntry(@"");
+    select(0);
+    press(KEY_FORWARD_DELETE);
+    expect("");
+}
+
+// --- Home and End ---
+
+TEST_F(Keys, homeGoesToTheStartOfTheEntry) {
+    press(KEY_HOME);
+    expect("4+5", false);
+    expectSelection(begin, 0);
+    select(0, 5);
+    press(KEY_HOME);
+    expectSelection(begin, 0);
+}
+
+TEST_F(Keys, shiftHomeSelectsBackToTheStartOfTheEntry) {
+    selectEntry(1, 1);
+    press(KEY_HOME, NSShiftKeyMask);
+    expect("4+5", false);
+    expectSelection(begin, 2);
+    select(begin - 4, 5);
+    press(KEY_HOME, NSShiftKeyMask);
+    expectSelection(begin, 1);
+    select(0, 2);
+    press(KEY_HOME, NSShiftKeyMask);
+    expectSelection(begin, 0);
+}
+
+TEST_F(Keys, endGoesToTheEnd) {
+    select(0, 5);
+    press(KEY_END);
+    expect("4+5", false);
+    expectSelection(begin + 3, 0);
+}
+
+TEST_F(Keys, shiftEndSelectsToTheEnd) {
+    selectEntry(1);
+    press(KEY_END, NSShiftKeyMask);
+    expect("4+5", false);
+    expectSelection(begin + 1, 2);
+    select(0);
+    press(KEY_END, NSShiftKeyMask);
+    expectSelection(0, begin + 3);
+}
+
+// --- Left and Right ---
+
+TEST_F(Keys, leftStopsAtTheStartOfTheEntry) {
+    selectEntry(1);
+    press(KEY_LEFT);
+    expect("4+5");
+    expectSelection(begin, 0);
+    for (const NSUInteger place : {begin, begin - 1, begin - 2}) {
+        [console updateStatusbar:UNTOUCHED];
+        select(place);
+        press(KEY_LEFT);
+        expect("4+5");
+        expectSelection(place, 0);
+    }
+}
+
+TEST_F(Keys, leftMovesInTheTranscript) {
+    select(begin - 3);
+    press(KEY_LEFT);
+    expect("4+5");
+    expectSelection(begin - 4, 0);
+}
+
+TEST_F(Keys, leftWithControlOrCommandActsAsHome) {
+    for (const NSUInteger flag : {NSUInteger(NSControlKeyMask), NSUInteger(NSCommandKeyMask)}) {
+        selectEntry(2);
+        press(KEY_LEFT, flag);
+        expect("4+5", false);
+        expectSelection(begin, 0);
+        selectEntry(2);
+        press(KEY_LEFT, flag | NSShiftKeyMask);
+        expectSelection(begin, 2);
+    }
+}
+
+TEST_F(Keys, controlAActsAsHome) {
+    press(@"\001", @"a", NSControlKeyMask);
+    expect("4+5", false);
+    expectSelection(begin, 0);
+    selectEntry(2);
+    press(@"\001", @"A", NSControlKeyMask | NSShiftKeyMask);
+    expectSelection(begin, 2);
+    select(0);
+    press(@"\001", @"a", NSControlKeyMask);
+    expectSelection(begin, 0);
+}
+
+TEST_F(Keys, theLetterATypesItself) {
+    type("aA");
+    expect("4+5aA");
+}
+
+TEST_F(Keys, rightMovesOn) {
+    selectEntry(1);
+    press(KEY_RIGHT);
+    expect("4+5");
+    expectSelection(begin + 2, 0);
+    select(3);
+    press(KEY_RIGHT);
+    expectSelection(4, 0);
+    selectEntry(3);
+    press(KEY_RIGHT);
+    expectSelection(begin + 3, 0);
+}
+
+TEST_F(Keys, shiftAndAnArrowExtendTheSelection) {
+    selectEntry(1);
+    press(KEY_RIGHT, NSShiftKeyMask);
+    expectSelection(begin + 1, 1);
+}
+
+// --- Keys of the text view, and keys that must do nothing ---
+
+TEST_F(Keys, pageKeysScrollAndChangeNothing) {
+    for (int i = 0; i < 40; i++) [console insertWithNewPrompt:"a line"];
+    first = text();
+    const CGFloat bottom = NSMinY([console visibleRect]);
+    const unichar keys[] = {NSPageUpFunctionKey, NSPageDownFunctionKey};
+    press([NSString stringWithCharacters:&keys[0] length:1], NSFunctionKeyMask);
+    EXPECT_LT(NSMinY([console visibleRect]), bottom);
+    press([NSString stringWithCharacters:&keys[1] length:1], NSFunctionKeyMask);
+    EXPECT_EQ(bottom, NSMinY([console visibleRect]));
+    EXPECT_EQ(first, text());
+}
+
+TEST_F(Keys, functionKeysTypeNothing) {
+    const unichar keys[] = {NSF1FunctionKey, NSF5FunctionKey, NSF12FunctionKey, NSInsertFunctionKey,
+                            NSMenuFunctionKey};
+    for (const unichar key : keys) {
+        press([NSString stringWithCharacters:&key length:1], NSFunctionKeyMask);
+        expect("4+5");
+    }
+}
+
+TEST_F(Keys, aKeyWithoutCharactersChangesNothing) {
+    press(@"");
+    expect("4+5");
+}
+
+TEST_F(Keys, aKeyWithCommandThatNoMenuHasTypesNothing) {
+    const NSUInteger places[] = {0, begin, begin + 3};
+    for (const NSUInteger place : places) {
+        for (NSString* key in @[ @"k", @"*", @"-", @"7" ]) {
+            select(place);
+            press(key, NSCommandKeyMask);
+            expect("4+5");
+            expectSelection(place, 0);
+        }
+    }
+}
+
+TEST_F(Keys, aKeyWithControlTypesNothing) {
+    for (NSString* key in @[ @"*", @"-", @"/", @"q", @"z", @"j", @"m" ]) {
+        selectEntry(0);
+        press(key, NSControlKeyMask);
+        expect("4+5");
+    }
+    press(@"\003", @"c", NSControlKeyMask);
+    expect("4+5");
+}
+
+TEST_F(Keys, noKeyOpensASecondLineInTheEntry) {
+    press(@"\017", @"o", NSControlKeyMask); // what text views open a line with
+    expect("4+5");
+    const SEL commands[] = {
+        @selector(insertNewline:),
+        @selector(insertNewlineIgnoringFieldEditor:),
+        @selector(insertLineBreak:)
+    };
+    for (const SEL command : commands) {
+        [console doCommandBySelector:command];
+        expect("4+5");
+    }
+}
+
+// Every key with every combination of modifiers, at every place, alone and with a selection, and after it undo.
+TEST_F(Keys, noKeyChangesTheTranscript) {
+    const uint32_t keys[] = {KEY_TAB,  KEY_ESCAPE, KEY_BACKSPACE, KEY_FORWARD_DELETE,
+                             KEY_HOME, KEY_END,    KEY_LEFT,      KEY_RIGHT,
+                             KEY_UP,   KEY_DOWN};
+    const NSUInteger flags[] = {0,
+                                NSShiftKeyMask,
+                                NSControlKeyMask,
+                                NSAlternateKeyMask,
+                                NSCommandKeyMask,
+                                NSControlKeyMask | NSShiftKeyMask,
+                                NSControlKeyMask | NSAlternateKeyMask,
+                                NSAlternateKeyMask | NSShiftKeyMask};
+    const NSRange places[] = {{0, 0},         {3, 2},     {begin - 1, 0}, {begin - 2, 2}, {begin - 2, 4},
+                              {0, begin + 3}, {begin, 0}, {begin, 2},     {begin + 1, 0}, {begin + 3, 0}};
+    for (const uint32_t key : keys) {
+        for (const NSUInteger flag : flags) {
+            for (const NSRange place : places) {
+                setEntry(@"4+5");
+                [[console undoManager] removeAllActions];
+                select(place.location, place.length);
+                press(key, flag);
+                ASSERT_EQ(first, transcript())
+                    << "key " << key << " flags " << flag << " at " << place.location;
+                [console undo:nil];
+                ASSERT_EQ(first, transcript())
+                    << "undo, key " << key << " flags " << flag << " at " << place.location;
+            }
+        }
+    }
+}
+
+// The editing commands of text views, which key bindings can reach.
+TEST_F(Keys, noEditingCommandChangesTheTranscript) {
+    const char* const commands[] = {"deleteBackward:",
+                                    "deleteForward:",
+                                    "deleteWordBackward:",
+                                    "deleteWordForward:",
+                                    "deleteToBeginningOfLine:",
+                                    "deleteToEndOfLine:",
+                                    "deleteToBeginningOfParagraph:",
+                                    "deleteToEndOfParagraph:",
+                                    "deleteToMark:",
+                                    "delete:",
+                                    "cut:",
+                                    "paste:",
+                                    "pasteAsPlainText:",
+                                    "pasteAsRichText:",
+                                    "transpose:",
+                                    "transposeWords:",
+                                    "yank:",
+                                    "uppercaseWord:",
+                                    "lowercaseWord:",
+                                    "capitalizeWord:",
+                                    "insertTab:",
+                                    "insertBacktab:",
+                                    "insertContainerBreak:",
+                                    "insertTabIgnoringFieldEditor:",
+                                    "insertNewline:",
+                                    "insertParagraphSeparator:"};
+    setPasteboard("8");
+    for (const char* const command : commands) {
+        const SEL selector = NSSelectorFromString([NSString stringWithUTF8String:command]);
+        if (![console respondsToSelector:selector]) continue; // which there are depends on the system
+        for (const NSRange place :
+             {NSMakeRange(0, 0), NSMakeRange(3, 2), NSMakeRange(begin - 2, 4), NSMakeRange(0, begin + 3),
+              NSMakeRange(begin, 0), NSMakeRange(begin - 1, 0)}) {
+            setEntry(@"4+5");
+            [[console undoManager] removeAllActions];
+            select(place.location, place.length);
+            [console performSelector:selector withObject:nil];
+            ASSERT_EQ(first, transcript()) << command << " at " << place.location;
+            [console undo:nil];
+            ASSERT_EQ(first, transcript()) << "undo of " << command << " at " << place.location;
+        }
+    }
+}
+
+TEST_F(Keys, textInsertedBySystemServicesStaysOutOfTheTranscript) {
+    select(0, 4);
+    [console insertText:@"x"];
+    expect("4+5", false);
+    EXPECT_FALSE([console shouldChangeTextInRange:NSMakeRange(begin - 1, 2) replacementString:@""]);
+    EXPECT_TRUE([console shouldChangeTextInRange:NSMakeRange(begin, 2) replacementString:@""]);
+}
+
+} // namespace
