@@ -17,18 +17,12 @@ using Clock = std::chrono::steady_clock;
 // After an entry the files are written this much later, with all that came meanwhile.
 static const NSTimeInterval WRITE_DELAY = 1;
 
-// A script's lines may follow each other fast: making the text of the functions file takes at most one part in so
-// many of the time.
-static const int TEXT_SHARE = 10;
-
 // What entries changed since the files were written.
 struct Unwritten {
     bool exists = false;
     bool isEntryRunning = false;
     Clock::time_point since;
-    std::string text; // of the functions file as it was before the running entry or a little earlier
-    Clock::time_point textTime;
-    Clock::duration textCost = Clock::duration::zero();
+    std::string text; // of the functions file before the running entry; cheap beside the entry itself
 };
 static Unwritten unwritten;
 
@@ -165,16 +159,12 @@ static void writeFunctions(const std::string& text) {
 
 - (void)entryWillRun {
     unwritten.isEntryRunning = true;
-    if (!unwritten.exists || !funcFilePath) return;
-    const Clock::time_point now = Clock::now();
-    if (now - unwritten.textTime < TEXT_SHARE * unwritten.textCost) return;
-    unwritten.text = FunctionsFileText(calc);
-    unwritten.textTime = Clock::now();
-    unwritten.textCost = unwritten.textTime - now;
+    if (unwritten.exists && funcFilePath) unwritten.text = FunctionsFileText(calc);
 }
 
 - (void)entryDidRun {
     unwritten.isEntryRunning = false;
+    unwritten.text.clear();
     [self writeDueFiles]; // a script keeps the timer from firing
     if (unwritten.exists) return;
     // Also when this entry has just been written: its settings are taken over only now.
