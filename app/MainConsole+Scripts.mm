@@ -48,10 +48,6 @@ static NSString* baseWord(int base) {
     return base == 16 ? @"hex" : @"dec";
 }
 
-static NSArray* scriptTypes() {
-    return [NSArray arrayWithObjects:@"script", @"txt", nil];
-}
-
 @implementation MainConsole (Scripts)
 
 - (void)newDocument:(id)sender {
@@ -82,7 +78,7 @@ static NSArray* scriptTypes() {
     NSSavePanel* const panel = [NSSavePanel savePanel];
     [panel setTitle:@"Save to script file..."];
     [panel setPrompt:@"Save Script"];
-    [panel setAllowedFileTypes:scriptTypes()];
+    [panel setAllowedFileTypes:[NSArray arrayWithObjects:@"script", @"txt", nil]];
     if ([panel runModal] != NSOKButton) return;
     if ([self writeScript:[panel filename]]) return;
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
@@ -108,7 +104,8 @@ static NSArray* scriptTypes() {
     [panel setCanChooseFiles:YES];
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
-    if ([panel runModalForTypes:scriptTypes()] != NSOKButton) return;
+    NSArray* const types = [NSArray arrayWithObjects:@"txt", @"script", nil];
+    if ([panel runModalForTypes:types] != NSOKButton) return;
     [self loadFile:[panel filename]];
 }
 
