@@ -44,9 +44,16 @@ def wait_until(what, happened):
 
 
 def pasteboard():
-    done = subprocess.run(
-        ["xclip", "-o", "-selection", "clipboard"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, timeout=PATIENCE
-    )
+    """The text on the pasteboard, or None when its owner does not answer at once."""
+    try:
+        done = subprocess.run(
+            ["xclip", "-o", "-selection", "clipboard"],
+            stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL,
+            timeout=1,
+        )
+    except subprocess.TimeoutExpired:
+        return None
     return done.stdout.decode("utf-8", "replace")
 
 
@@ -130,12 +137,12 @@ class CalculatorWindow:
         """What the keys put on the pasteboard."""
         put_on_pasteboard("nothing was copied")
         self.key(*keys)
-        return wait_until("a copy", lambda: self._copied())
+        return wait_until("a copy", self._copied)
 
     @staticmethod
     def _copied():
         text = pasteboard()
-        return "" if text == "nothing was copied" else text
+        return None if text == "nothing was copied" else text
 
     def text(self):
         """The whole text of the console. Afterwards the cursor is at the end of the entry."""
@@ -156,7 +163,9 @@ class CalculatorWindow:
         except AssertionError:
             raise AssertionError(f"expected {expected!r} at the end of {seen[0]!r}") from None
 
-    def _status_pixels(self):
+    def status_line_beside(self, text):
+        """A fingerprint of the picture of the status line, taken when the console's text ends with `text`."""
+        self.wait_for_text(text)
         area = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
         row = 3 * int(area["WIDTH"])  # bytes
         shot = subprocess.run(
@@ -167,18 +176,6 @@ class CalculatorWindow:
         ).stdout
         assert len(shot) == row * int(area["HEIGHT"]), "the picture is not of the window's size"
         return hashlib.sha256(shot[-row * STATUS_LINE :]).hexdigest()
-
-    def status_line(self):
-        """A fingerprint of the picture of the status line, once two looks agree."""
-        looks = [None, self._status_pixels()]
-
-        def rests():
-            time.sleep(0.15)
-            looks[:] = [looks[1], self._status_pixels()]
-            return looks[0] == looks[1]
-
-        wait_until("a status line at rest", rests)
-        return looks[1]
 
     def functions_file(self):
         """The lines of the functions file; none when there is no file."""
