@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+//
+// A console whose settings are looked at: the keys as they should be, and texts of settings files.
+#pragma once
+
+#import "console_fixture.h"
+
+#import "SettingsText.h"
+
+#include <cstring>
+#include <iterator>
+#include <string>
+
+struct KnownSetting {
+    const char* key;
+    int standard;
+    int other; // another value that the key may have
+};
+
+// The keys with numbers, in the order of their defaults.
+const KnownSetting NUMBERS[] = {
+    {"tipscode", 0, 1},     {"firstrun", 1, 7},   {"snaptoscreen", 1, 0}, {"transback", 1, 0},
+    {"statusicon", 1, 0},   {"alwaystop", 0, 1},  {"mintotray", 0, 1},    {"autoeval", 1, 0},
+    {"twoscomp", 0, 1},     {"european", 0, 1},   {"tenkey", 0, 1},       {"separator", 0, 1},
+    {"doublenegans", 1, 0}, {"degmode", 1, 0},    {"scimode", 0, 3},      {"schar", 44, 39},
+    {"histsz", 30, 999},    {"dispbase", 10, 16}, {"sigfigs", 10, 33},    {"financed", 2, 4},
+    {"x", 450, 100},        {"y", 250, 120},      {"cx", 450, 500},       {"cy", 250, 300},
+    {"trans", 25, 60},
+};
+
+const char* const OBJECTS[] = {"nsfont", "fgcolor", "bgcolor"};
+
+inline NSString* string(const char* text) {
+    return [NSString stringWithUTF8String:text];
+}
+
+inline NSData* data(const std::string& bytes) {
+    return [NSData dataWithBytes:bytes.data() length:bytes.size()];
+}
+
+inline std::string bytes(NSData* value) {
+    return std::string(static_cast<const char*>([value bytes]), [value length]);
+}
+
+// A number as a property list's element.
+inline std::string integer(long long value) {
+    return "<integer>" + std::to_string(value) + "</integer>";
+}
+
+const char* const HEAD = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n";
+const char* const END = "</dict>\n</plist>\n";
+
+inline std::string pair(const std::string& key, const std::string& value) {
+    return "<key>" + key + "</key>" + value + "\n";
+}
+
+// A whole file with one key.
+inline std::string fileWith(const std::string& key, const std::string& value) {
+    return HEAD + pair(key, value) + END;
+}
+
+inline NSMutableDictionary* settingsOf(const std::string& text) {
+    return settingsFromText(data(text), [NSFont userFixedPitchFontOfSize:13]);
+}
+
+inline void expectColor(NSColor* color, double red, double green, double blue, double alpha) {
+    NSColor* const rgb = [color colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+    ASSERT_NE(rgb, nil);
+    EXPECT_NEAR([rgb redComponent], red, 1e-6);
+    EXPECT_NEAR([rgb greenComponent], green, 1e-6);
+    EXPECT_NEAR([rgb blueComponent], blue, 1e-6);
+    EXPECT_NEAR([rgb alphaComponent], alpha, 1e-6);
+}
+
+class Settings : public ConsoleTest {
+protected:
+    NSDictionary* stored() const {
+        NSPropertyListFormat format = NSPropertyListOpenStepFormat;
+        const id list = [NSPropertyListSerialization propertyListFromData:data(read(settingsPath()))
+                                                         mutabilityOption:NSPropertyListImmutable
+                                                                   format:&format
+                                                         errorDescription:NULL];
+        EXPECT_EQ(format, NSPropertyListXMLFormat_v1_0);
+        EXPECT_TRUE([list isKindOfClass:[NSDictionary class]]);
+        return list;
+    }
+
+    int storedNumber(const char* key) const { return [[stored() objectForKey:string(key)] intValue]; }
+    id setting(const char* key) const { return [[console settings] objectForKey:string(key)]; }
+
+    // The program starts over this text and can be used.
+    void startOver(const std::string& text) {
+        write(settingsPath(), text);
+        restart();
+        expectUsable();
+    }
+
+    void expectUsable() {
+        enter("mode deg; 40+2");
+        EXPECT_EQ(qtod(lastResult.value), 42);
+    }
+
+    void expectDefaults() {
+        for (const KnownSetting& one : NUMBERS) {
+            SCOPED_TRACE(one.key);
+            const bool isFirstRun = strcmp(one.key, "firstrun") == 0; // counted by the start
+            EXPECT_EQ([setting(one.key) intValue], isFirstRun ? 2 : one.standard);
+        }
+        expectColor(setting("bgcolor"), 0.1, 0.1, 0.1, 1);
+        expectColor(setting("fgcolor"), 0.1, 0.9, 0.9, 1);
+        EXPECT_TRUE([setting("nsfont") isEqual:[console font]]);
+    }
+
+    static double qtod(const qfloat value) {
+        double number = 0;
+        qtoe(value, &number);
+        return number;
+    }
+};
