@@ -38,7 +38,9 @@ static void chain(ZqCalculator& calc, const std::string& name, const std::string
     calc.ProcessEntry((name + "1(x)=" + leaf).c_str(), false);
     for (int i = 2; i <= 25; i++) {
         const std::string before = name + std::to_string(i - 1) + "(x)";
-        calc.ProcessEntry((name + std::to_string(i) + "(x)=" + before + "+" + before).c_str(), false);
+        std::string text = name;
+        text.append(std::to_string(i)).append("(x)=").append(before).append("+").append(before);
+        calc.ProcessEntry(text.c_str(), false);
     }
 }
 

@@ -15,8 +15,8 @@ namespace preview {
 struct Line {
     std::string name;
     std::string begin;
-    std::string repeated = ""; // as often as the length allows; empty: the line is as long as it is
-    std::string end = "";
+    std::string repeated = {}; // as often as the length allows; empty: the line is as long as it is
+    std::string end = {};
 };
 
 // What people type, and the dearest that we know of.
