@@ -123,8 +123,9 @@ static NSString* asOneLine(NSString* text) {
     return [lines componentsJoinedByString:@"; "];
 }
 
-// Text from another place, in place of the selection or, when that is read only, at the end of the entry.
-- (void)insertForeignText:(NSString*)text {
+// Text from another place, in place of the selection or, when that is read only, at the end of the entry. NO when
+// the entry has no room for all of it.
+- (BOOL)insertForeignText:(NSString*)text {
     NSString* const line = asOneLine(text);
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     const NSUInteger kept =
@@ -132,23 +133,23 @@ static NSString* asOneLine(NSString* text) {
     // Part of a text would be another calculation, and a longer entry could not be run.
     if (kept + [line length] >= PROMPT_SIZE) {
         [self updateStatusbar:"The text is too long for an entry."];
-        return;
+        return NO;
     }
     [self insertText:line];
     [self ProcessResult:nullptr:YES];
+    return YES;
 }
 
 // Whatever brings text in, a paste, a drop, a service or the middle button of the mouse: it comes in plain.
 - (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
     (void)type;
     NSString* const text = [board stringForType:NSStringPboardType];
-    if (text) [self insertForeignText:text];
-    return text != nil;
+    return text && [self insertForeignText:text];
 }
 
 - (void)paste:(id)sender {
     (void)sender;
-    [self superPasteAsPlainText];
+    [self readSelectionFromPasteboard:[NSPasteboard generalPasteboard] type:NSStringPboardType];
 }
 
 - (void)undo:(id)sender {
