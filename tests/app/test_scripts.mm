@@ -251,6 +251,9 @@ TEST_F(Scripts, aByteOrderMarkIsNoText) {
     EXPECT_EQ(replay("\xEF\xBB\xBF# note\nx=5\n"), "\nx = 5\n\n> ");
     EXPECT_EQ(replay("\xEF\xBB\xBFx=6\n"), "\nx = 6\n\n> ");
     EXPECT_EQ(replay("\xEF\xBB\xBF"), "\n\n> ");
+    replay("x=x+1\n");
+    replay("\xEF\xBB\xBF\n");
+    EXPECT_EQ(variable("x"), "7"); // the blank line repeated nothing
 }
 
 TEST_F(Scripts, anEmptyFileGivesANewPrompt) {
