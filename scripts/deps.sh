@@ -14,7 +14,7 @@ set -eu
 debian_run="clang cmake ninja-build libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
     fonts-dejavu-core xdg-utils"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
-    clang-format clang-tidy cppcheck valgrind curl git
+    clang-format clang-tidy cppcheck valgrind curl git locales
     python3 xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
