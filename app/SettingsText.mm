@@ -125,9 +125,10 @@ std::string settingsText(NSDictionary* settings) {
 static bool isPossible(const Setting& setting, double number) {
     if (!(number >= setting.least && number <= setting.most && number == std::floor(number))) return false;
     if (strcmp(setting.key, "dispbase") == 0) return number == 2 || number == 10 || number == 16;
-    // Digits in groups set off by digits would read as other numbers.
+    // Digits in groups set off by digits or signs would read as other numbers.
     const int character = static_cast<int>(number);
-    return strcmp(setting.key, "schar") != 0 || !(isalnum(character) || iscntrl(character));
+    return strcmp(setting.key, "schar") != 0 ||
+           !(isalnum(character) || iscntrl(character) || character == '-' || character == '+');
 }
 
 static void checkNumbers(NSMutableDictionary* settings) {

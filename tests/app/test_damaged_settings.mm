@@ -71,7 +71,7 @@ TEST_F(DamagedSettings, aValueOfAnotherKindGivesTheKeysDefault) {
 
 TEST_F(DamagedSettings, anImpossibleNumberGivesTheKeysDefault) {
     const std::map<std::string, std::vector<long long>> more = {
-        {"scimode", {6}},          {"schar", {0, 10, 31, 256, '0', '7', 'a', 'Z', 127}},
+        {"scimode", {6}},          {"schar", {0, 10, 31, 256, '0', '7', 'a', 'Z', '-', '+', 127}},
         {"histsz", {0, 1000}},     {"dispbase", {0, 1, 3, 8, 11, 17}},
         {"sigfigs", {0, 101}},     {"cx", {0, 99, 10001}},
         {"cy", {0, 99, 10001}},    {"trans", {101}},
