@@ -3,6 +3,7 @@
 // The settings and the functions file.
 #import "MainConsole.h"
 
+#import "BackgroundWriter.h"
 #import "Platform.h"
 #import "SettingsText.h"
 
@@ -10,7 +11,9 @@
 #include "FunctionsFile.h"
 
 #include <chrono>
+#include <string>
 #include <sys/stat.h>
+#include <vector>
 
 using Clock = std::chrono::steady_clock;
 
@@ -44,11 +47,14 @@ static bool keepDamaged(const std::string& path) {
 }
 
 // What a damaged file held is not overwritten before there is a copy of it.
-static void writeFunctions(const std::string& text) {
-    const std::string path = pathBytes(funcFilePath);
-    if (isOnlyCopy) isOnlyCopy = !keepDamaged(path);
-    if (!isOnlyCopy) WriteFileAtomically(path, text);
+static bool mayWriteFunctions() {
+    if (!funcFilePath) return false;
+    if (isOnlyCopy) isOnlyCopy = !keepDamaged(pathBytes(funcFilePath));
+    return !isOnlyCopy;
 }
+
+// Writes what is due while the person goes on typing.
+static BackgroundWriter backgroundWriter;
 
 @implementation MainConsole (Files)
 
@@ -96,11 +102,16 @@ static void writeFunctions(const std::string& text) {
 
 - (void)saveSettings {
     if (!settings || !prefFilePath) return;
+    const std::string text = [self settingsFileText];
+    backgroundWriter.Finish();
+    if (!text.empty()) WriteFileAtomically(pathBytes(prefFilePath), text);
+}
+
+- (std::string)settingsFileText {
     if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
     if ([self textColor]) [settings setObject:[self textColor] forKey:@"fgcolor"];
     if ([self backgroundColor]) [settings setObject:[self backgroundColor] forKey:@"bgcolor"];
-    const std::string text = settingsText(settings);
-    if (!text.empty()) WriteFileAtomically(pathBytes(prefFilePath), text);
+    return settingsText(settings);
 }
 
 - (void)loadSettings {
@@ -140,7 +151,8 @@ static void writeFunctions(const std::string& text) {
 
 - (void)saveFuncFile {
     unwritten = Unwritten();
-    if (funcFilePath) writeFunctions(FunctionsFileText(calc));
+    backgroundWriter.Finish();
+    if (mayWriteFunctions()) WriteFileAtomically(pathBytes(funcFilePath), FunctionsFileText(calc));
 }
 
 - (void)loadFuncFile {
@@ -182,15 +194,20 @@ static void writeFunctions(const std::string& text) {
     if (!unwritten.exists) return;
     const std::chrono::duration<double> age = Clock::now() - unwritten.since;
     if (age.count() < WRITE_DELAY * 0.9) return;
-    if (!unwritten.isEntryRunning) {
-        [self saveSettings];
-        [self saveFuncFile];
-    } else if (!unwritten.text.empty()) {
-        // The engine is at work: what it holds is written as it was before this entry.
-        [self saveSettings];
-        writeFunctions(unwritten.text);
-        unwritten.text.clear();
+    // While the engine is at work, what it held before this entry is written, once.
+    const bool isRunning = unwritten.isEntryRunning;
+    if (isRunning && unwritten.text.empty()) return;
+    std::vector<BackgroundWriter::File> files;
+    const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
+    if (!settingsNow.empty()) files.emplace_back(pathBytes(prefFilePath), settingsNow);
+    if (mayWriteFunctions()) {
+        files.emplace_back(pathBytes(funcFilePath), isRunning ? unwritten.text : FunctionsFileText(calc));
     }
+    backgroundWriter.Write(std::move(files));
+    if (isRunning)
+        unwritten.text.clear();
+    else
+        unwritten = Unwritten();
 }
 
 @end
