@@ -22,6 +22,9 @@ void buildInterface(PelmoAppDelegate* delegate);
 // The window with its console alone, without menus. The console's outlets are set.
 NSWindow* buildMainWindow(PelmoAppDelegate* delegate);
 
+// The preferences panel with its controller, which also fades the window (InterfacePanel.mm).
+void buildPreferences(PelmoAppDelegate* delegate);
+
 // The menu bar (InterfaceMenus.mm). Items of the first responder have no target.
 void buildMenus(PelmoAppDelegate* delegate);
 

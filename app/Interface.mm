@@ -3,9 +3,10 @@
 
 #import "HUDViewWithBlur.h"
 #import "MainConsole.h"
+#import "MainWindowDelegate.h"
 #import "NightTheme.h"
 #import "PelmoAppDelegate.h"
-#import "PrefController.h"
+#import "ZqScroller.h"
 
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
 static const CGFloat MARGIN = 6;
@@ -13,6 +14,9 @@ static const CGFloat CONTROL_HEIGHT = 21;
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
+    ZqScroller* const scroller = [[[ZqScroller alloc]
+        initWithFrame:NSMakeRect(0, 0, [ZqScroller scrollerWidth], NSHeight(frame))] autorelease];
+    [scroll setVerticalScroller:scroller];
     [scroll setHasVerticalScroller:YES];
     [scroll setBorderType:NSNoBorder];
     [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
@@ -129,15 +133,18 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
     [console setAnswerStatus:status];
     buildControls(content, console);
     [window setInitialFirstResponder:console];
+    MainWindowDelegate* const mover = [[[MainWindowDelegate alloc] init] autorelease];
+    [mover setWindow:window console:console];
+    [window setDelegate:(id)mover];
+    [window setNextResponder:mover];
     [delegate setMainConsole:console];
     [delegate setWindow:window];
+    [delegate setWindowDelegate:mover];
     return window;
 }
 
 void buildInterface(PelmoAppDelegate* delegate) {
     buildMainWindow(delegate);
-    PrefController* const controller = [[[PrefController alloc] init] autorelease];
-    [controller setMainConsole:[delegate mainConsole]];
-    [delegate setPrefController:controller];
+    buildPreferences(delegate);
     buildMenus(delegate);
 }

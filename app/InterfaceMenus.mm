@@ -25,11 +25,13 @@ static void addSeparator(NSMenu* menu) {
     [menu addItem:[NSMenuItem separatorItem]];
 }
 
-static void buildApplicationMenu(NSMenu* bar) {
+static void buildApplicationMenu(NSMenu* bar, PelmoAppDelegate* delegate) {
     NSMenu* const menu = addMenu(bar, @"Tallyquill");
     addItem(menu, @"About Tallyquill", @selector(orderFrontStandardAboutPanel:), @"", NSApp);
     addSeparator(menu);
-    addItem(menu, @"Hide Tallyquill", @selector(hide:), @"h", NSApp);
+    addItem(menu, @"Preferences...", @selector(menuPreferences:), @",", [delegate prefController]);
+    addSeparator(menu);
+    addItem(menu, @"Hide Tallyquill", @selector(clickedAppStatusItem:), @"h", delegate);
     addItem(menu, @"Quit Tallyquill", @selector(terminate:), @"q", NSApp);
 }
 
@@ -44,6 +46,7 @@ static void buildFileMenu(NSMenu* bar, MainConsole* console) {
 static void buildEditMenu(NSMenu* bar) {
     NSMenu* const menu = addMenu(bar, @"Edit");
     addItem(menu, @"Undo", @selector(undo:), @"z", nil);
+    addItem(menu, @"Redo", @selector(redo:), @"Z", nil);
     addSeparator(menu);
     addItem(menu, @"Cut", @selector(cut:), @"x", nil);
     addItem(menu, @"Copy", @selector(copy:), @"c", nil);
@@ -65,19 +68,23 @@ static void buildDisplayMenu(NSMenu* bar, MainConsole* console) {
 static void buildWindowMenu(NSMenu* bar) {
     NSMenu* const menu = addMenu(bar, @"Window");
     addItem(menu, @"Minimize", @selector(performMiniaturize:), @"m", nil);
+    addItem(menu, @"Zoom", @selector(performZoom:), @"", nil);
     addItem(menu, @"Close", @selector(performClose:), @"w", nil);
+    addSeparator(menu);
+    addItem(menu, @"Bring All to Front", @selector(arrangeInFront:), @"", NSApp);
     [NSApp setWindowsMenu:menu];
 }
 
 static void buildHelpMenu(NSMenu* bar, MainConsole* console) {
     NSMenu* const menu = addMenu(bar, @"Help");
+    addItem(menu, @"Tallyquill Guide", @selector(showGuide:), @"?", [console myAppDelegate]);
     addItem(menu, @"Tutorial", @selector(tutorial:), @"", console);
 }
 
 void buildMenus(PelmoAppDelegate* delegate) {
     MainConsole* const console = [delegate mainConsole];
     NSMenu* const bar = [[[NSMenu alloc] initWithTitle:@"Tallyquill"] autorelease];
-    buildApplicationMenu(bar);
+    buildApplicationMenu(bar, delegate);
     buildFileMenu(bar, console);
     buildEditMenu(bar);
     buildDisplayMenu(bar, console);

@@ -131,12 +131,14 @@ static BackgroundWriter backgroundWriter;
 }
 
 - (void)applyColors {
-    NSColor* const back = [settings objectForKey:@"bgcolor"];
-    NSColor* const text = [settings objectForKey:@"fgcolor"];
+    if ([settings objectForKey:@"nsfont"]) [self setFont:[settings objectForKey:@"nsfont"]];
+    [self showTextColor:[settings objectForKey:@"fgcolor"] background:[settings objectForKey:@"bgcolor"]];
+}
+
+- (void)showTextColor:(NSColor*)text background:(NSColor*)back {
     if (back) [self setBackgroundColor:back];
     if (text) [self setTextColor:text];
     if (text) [self setInsertionPointColor:text];
-    if ([settings objectForKey:@"nsfont"]) [self setFont:[settings objectForKey:@"nsfont"]];
     if (!back || !text) return;
     NSColor* const gray = [text colorUsingColorSpaceName:NSCalibratedWhiteColorSpace];
     NSColor* const selected = [gray blendedColorWithFraction:0.7 ofColor:back];

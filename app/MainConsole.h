@@ -81,6 +81,13 @@ extern NSString* prefFilePath;
 - (void)initWindowProperties; // the smallest size, 400 x 150 points
 - (void)initWindowLocation;   // the frame from the settings x, y, cx, cy
 
+// Makes the text at least as high as the part of it that is seen, and no higher than it needs to be then.
+- (void)fitToScrollView;
+
+// The window's frame into the settings x, y, cx, cy. Nothing while it is hidden or minimised: its frame is then not
+// where it will be.
+- (void)storeFrame;
+
 // A modal alert with the button "OK".
 - (void)simpleAlert:(NSString*)title:(NSString*)detail;
 
@@ -161,7 +168,8 @@ extern NSString* prefFilePath;
 - (void)saveSettings;          // writes them to prefFilePath
 - (void)loadSettings;          // reads them and shows the console with their colours and font
 - (void)applyColors;           // the console's colours and font from the settings
-- (void)saveFuncFile;          // functions, variables, units and history to funcFilePath
+- (void)showTextColor:(NSColor*)text background:(NSColor*)back; // in the console alone; nil changes nothing
+- (void)saveFuncFile; // functions, variables, units and history to funcFilePath
 - (void)loadFuncFile;
 
 // The integer under the key. A key that is missing reads as its default where zero would be no value.

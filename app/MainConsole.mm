@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #import "MainConsole.h"
 
+#import "MainWindowDelegate.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 #include "units.h"
 
+#include <algorithm>
 #include <chrono>
 
 ZqCalculator calc;
@@ -21,6 +23,9 @@ NSString* funcFilePath = nil;
 NSString* prefFilePath = nil;
 
 static const NSSize SMALLEST_WINDOW = {400, 150};
+
+// So much of a window has to be on a screen for it to be caught by the mouse.
+static const CGFloat REACHABLE = 40;
 
 // The engine asks often; the event queue is asked this often, and not before an entry has run this long, so that
 // short entries leave what is typed ahead alone.
@@ -149,7 +154,28 @@ static bool isInterrupted() {
 - (void)initWindowLocation {
     const NSRect frame =
         NSMakeRect([self setting:@"x"], [self setting:@"y"], [self setting:@"cx"], [self setting:@"cy"]);
-    [[self window] setFrame:frame display:YES];
+    [[myAppDelegate windowDelegate] placeWindow:[self reachableFrame:frame]];
+}
+
+// A frame that no screen shows any more, as after a monitor was taken away, comes to the first one.
+- (NSRect)reachableFrame:(NSRect)frame {
+    frame.size.width = std::max(frame.size.width, SMALLEST_WINDOW.width);
+    frame.size.height = std::max(frame.size.height, SMALLEST_WINDOW.height);
+    NSArray* const screens = [NSScreen screens];
+    for (NSUInteger i = 0; i < [screens count]; i++) {
+        const NSRect shown = NSIntersectionRect(frame, [[screens objectAtIndex:i] visibleFrame]);
+        if (shown.size.width >= REACHABLE && shown.size.height >= REACHABLE) return frame;
+    }
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    frame.size.width = std::min(frame.size.width, screen.size.width);
+    frame.size.height = std::min(frame.size.height, screen.size.height);
+    frame.origin = NSMakePoint(NSMidX(screen) - frame.size.width / 2, NSMidY(screen) - frame.size.height / 2);
+    return frame;
+}
+
+- (void)fitToScrollView {
+    [self setMinSize:[[self enclosingScrollView] contentSize]];
+    [self sizeToFit];
 }
 
 - (void)showWindow:(NSWindow*)window {
@@ -159,6 +185,7 @@ static bool isInterrupted() {
     [window makeKeyAndOrderFront:nil];
     // A menu in the window has made the frame larger.
     [self initWindowLocation];
+    [self fitToScrollView];
     [NSApp activateIgnoringOtherApps:YES];
 }
 
@@ -219,13 +246,19 @@ static bool isInterrupted() {
 
 // --- Shut-down ---
 
-- (void)terminateConsole {
-    [NSObject cancelPreviousPerformRequestsWithTarget:self];
-    const NSRect frame = [self window] ? [[self window] frame] : NSZeroRect;
+- (void)storeFrame {
+    NSWindow* const window = [self window];
+    if (window && (![window isVisible] || [window isMiniaturized] || mainWinIsHidden)) return;
+    const NSRect frame = window ? [window frame] : NSZeroRect;
     [self setSetting:@"x" to:static_cast<int>(frame.origin.x)];
     [self setSetting:@"y" to:static_cast<int>(frame.origin.y)];
     [self setSetting:@"cx" to:static_cast<int>(frame.size.width)];
     [self setSetting:@"cy" to:static_cast<int>(frame.size.height)];
+}
+
+- (void)terminateConsole {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self];
+    [self storeFrame];
     [self saveSettings];
     [self saveFuncFile];
     [funcFilePath release];

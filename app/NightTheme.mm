@@ -92,6 +92,44 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
     return NO;
 }
 
+// --- Menus ---
+
+- (void)drawBackgroundForMenuView:(NSMenuView*)view
+                        withFrame:(NSRect)bounds
+                        dirtyRect:(NSRect)dirty
+                       horizontal:(BOOL)horizontal {
+    (void)view;
+    [gray(WINDOW) set];
+    NSRectFill(NSIntersectionRect(bounds, dirty));
+    if (horizontal) return;
+    [gray(EDGE) set];
+    NSFrameRect(bounds);
+}
+
+- (void)drawBorderAndBackgroundForMenuItemCell:(NSMenuItemCell*)cell
+                                     withFrame:(NSRect)frame
+                                        inView:(NSView*)view
+                                         state:(GSThemeControlState)state
+                                  isHorizontal:(BOOL)horizontal {
+    (void)cell;
+    (void)view;
+    (void)horizontal;
+    const bool isSelected = state == GSThemeSelectedState || state == GSThemeHighlightedState;
+    [isSelected ? accent() : gray(WINDOW) set];
+    NSRectFill(frame);
+}
+
+- (void)drawSeparatorItemForMenuItemCell:(NSMenuItemCell*)cell
+                               withFrame:(NSRect)frame
+                                  inView:(NSView*)view
+                            isHorizontal:(BOOL)horizontal {
+    (void)cell;
+    (void)view;
+    (void)horizontal;
+    [gray(EDGE) set];
+    NSRectFill(NSMakeRect(NSMinX(frame) + 4, std::floor(NSMidY(frame)), NSWidth(frame) - 8, 1));
+}
+
 // --- Buttons ---
 
 static NSColor* buttonFill(GSThemeControlState state) {
@@ -122,13 +160,42 @@ static bool hasFocus(GSThemeControlState state) {
     (void)frame;
 }
 
+// --- Sliders ---
+
+- (void)drawSliderBorderAndBackground:(NSBorderType)type
+                                frame:(NSRect)frame
+                               inCell:(NSCell*)cell
+                         isHorizontal:(BOOL)horizontal {
+    (void)type;
+    (void)frame;
+    (void)cell;
+    (void)horizontal;
+}
+
+- (void)drawBarInside:(NSRect)rect inCell:(NSCell*)cell flipped:(BOOL)flipped {
+    (void)cell;
+    (void)flipped;
+    const NSRect bar =
+        NSMakeRect(NSMinX(rect) + CORNER, std::floor(NSMidY(rect)) - 2, NSWidth(rect) - 2 * CORNER, 4);
+    fillRounded(bar, gray(PRESSED), nil);
+}
+
+- (void)drawKnobInCell:(NSCell*)cell {
+    NSSliderCell* const slider = (NSSliderCell*)cell;
+    NSView* const view = [slider controlView];
+    NSRect knob = [slider knobRectFlipped:[view isFlipped]];
+    const CGFloat side = 14;
+    knob = NSMakeRect(std::floor(NSMidX(knob) - side / 2), std::floor(NSMidY(knob) - side / 2), side, side);
+    [gray(TEXT) set];
+    [[NSBezierPath bezierPathWithOvalInRect:knob] fill];
+}
+
 // --- Edges ---
 
 - (NSRect)drawEdge:(NSRect)border clip:(NSRect)clip {
-    if (NSIntersectsRect(border, clip)) {
-        [gray(EDGE) set];
-        NSFrameRect(border);
-    }
+    (void)clip; // at times empty, when all is to be drawn
+    [gray(EDGE) set];
+    NSFrameRect(border);
     return NSInsetRect(border, 1, 1);
 }
 

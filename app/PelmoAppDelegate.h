@@ -9,6 +9,7 @@
 #include <cstdint>
 
 @class MainConsole;
+@class MainWindowDelegate;
 @class PrefController;
 
 extern uint8_t mainWinIsHidden;         // 1 while the window has been faded away
@@ -19,12 +20,15 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
     NSWindow* window;
     MainConsole* mainConsole;
     PrefController* prefController;
+    MainWindowDelegate* windowDelegate;
     NSStatusItem* statusItem;
 }
 - (NSWindow*)window;
 - (void)setWindow:(NSWindow*)mainWindow;
 - (MainConsole*)mainConsole;
 - (void)setMainConsole:(MainConsole*)console;
+- (MainWindowDelegate*)windowDelegate;
+- (void)setWindowDelegate:(MainWindowDelegate*)mover;
 - (PrefController*)prefController;
 - (void)setPrefController:(PrefController*)controller;
 
@@ -34,6 +38,8 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
 // Fades the visible window away and hides the application; otherwise brings it back to the front.
 - (void)clickedAppStatusItem:(id)sender;
 
+- (void)showGuide:(id)sender; // the guide, in a window of its own
+- (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path;
 @end
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #import "PelmoAppDelegate.h"
 
+#import "GuideWindow.h"
 #import "Interface.h"
 #import "MainConsole.h"
+#import "MainWindowDelegate.h"
 #import "Platform.h"
 #import "PrefController.h"
 
@@ -41,6 +43,16 @@ static NSImage* bundleImage(NSString* name) {
     mainConsole = console;
 }
 
+- (MainWindowDelegate*)windowDelegate {
+    return windowDelegate;
+}
+
+- (void)setWindowDelegate:(MainWindowDelegate*)mover {
+    [mover retain];
+    [windowDelegate release];
+    windowDelegate = mover;
+}
+
 - (PrefController*)prefController {
     return prefController;
 }
@@ -54,6 +66,9 @@ static NSImage* bundleImage(NSString* name) {
 - (void)dealloc {
     [self removeAppStatusItem];
     [prefController release];
+    [window setDelegate:nil];
+    [window setNextResponder:nil];
+    [windowDelegate release];
     [mainConsole release];
     [window release];
     [super dealloc];
@@ -114,6 +129,7 @@ static NSImage* bundleImage(NSString* name) {
 - (void)clickedAppStatusItem:(id)sender {
     (void)sender;
     if (![window isMiniaturized] && [window isKeyWindow] && !mainWinIsHidden) {
+        [mainConsole storeFrame];
         mainWinIsHidden = 1;
         [prefController fadeWindow:-1.0f rate:-0.3f];
         [window setCollectionBehavior:EVERY_SPACE];
@@ -123,6 +139,12 @@ static NSImage* bundleImage(NSString* name) {
     if ([window isMiniaturized]) [window deminiaturize:nil];
     [window makeKeyAndOrderFront:nil];
     [NSApp activateIgnoringOtherApps:YES];
+}
+
+- (void)showGuide:(id)sender {
+    (void)sender;
+    if (!showGuideWindow())
+        [mainConsole simpleAlert:@"The guide is missing.":@"This copy of Tallyquill lacks it."];
 }
 
 - (void)applicationDidResignActive:(NSNotification*)notification {

@@ -51,6 +51,16 @@ bool platformOpenPage(NSString* address);
 // The bar for status items, or nil where there is none.
 NSStatusBar* platformStatusBar();
 
+// Hides the application, whose main window has been faded away. Where no status item brings it back (GNUstep) the
+// window is put among the minimised ones instead, from where the window manager does.
+void platformHide(NSWindow* window);
+
+// Whether the window manager moves windows and tells afterwards only (GNUstep).
+bool platformWindowManagerMoves();
+
+// Draws a vertical three-part image in a flipped view, `top` at the top as it is seen: source over, opaque.
+void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom);
+
 // Whether the user's locale writes decimals with a comma.
 bool platformWritesDecimalComma();
 

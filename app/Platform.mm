@@ -50,11 +50,14 @@ uint32_t platformKeyCode(NSEvent* event) {
 }
 
 void platformRegisterDefaults() {
-    // The menu in the window, the scroller at its right, and no application icon on the desktop.
+    // The menu in the window, the scroller at its right, no icon of the application on the desktop, a minimised
+    // window in the hands of the window manager, and in menus the
+    // names of the keys as they stand on the keyboards here.
     NSDictionary* const defaults = [NSDictionary
         dictionaryWithObjectsAndKeys:@"NSWindows95InterfaceStyle", @"NSMenuInterfaceStyle",
                                      @"NSMacintoshInterfaceStyle", @"NSScrollViewInterfaceStyle", @"YES",
-                                     @"GSSuppressAppIcon", nil];
+                                     @"GSSuppressAppIcon", @"Alt+", @"GSCommandKeyString", @"Shift+",
+                                     @"GSShiftKeyString", @"NO", @"GSAppOwnsMiniwindow", nil];
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
 }
 
@@ -116,6 +119,19 @@ NSStatusBar* platformStatusBar() {
     return nil;
 }
 
+void platformHide(NSWindow* window) {
+    [window miniaturize:nil];
+}
+
+bool platformWindowManagerMoves() {
+    return true;
+}
+
+// GNUstep draws the first part at the end of the coordinates, which is the bottom of a flipped view.
+void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom) {
+    NSDrawThreePartImage(frame, bottom, fill, top, YES, NSCompositeSourceOver, 1, NO);
+}
+
 #else
 
 uint32_t platformKeyCode(NSEvent* event) {
@@ -148,6 +164,18 @@ bool platformOpenPage(NSString* address) {
 
 NSStatusBar* platformStatusBar() {
     return [NSStatusBar systemStatusBar];
+}
+
+void platformHide(NSWindow*) {
+    [NSApp hide:nil];
+}
+
+bool platformWindowManagerMoves() {
+    return false;
+}
+
+void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom) {
+    NSDrawThreePartImage(frame, top, fill, bottom, YES, NSCompositeSourceOver, 1, YES);
 }
 
 #endif

@@ -1,25 +1,65 @@
 // SPDX-License-Identifier: MIT
 //
-// The preferences panel's controller, which also fades the main window.
+// The preferences panel's controller. Most changes act at once; all are stored and saved when the panel closes. It
+// also fades the main window.
 #ifndef TALLYQUILL_PREFCONTROLLER_H
 #define TALLYQUILL_PREFCONTROLLER_H
 
 #import <AppKit/AppKit.h>
 
+#include <cstdint>
+
 @class MainConsole;
+@class PelmoAppDelegate;
+
+extern uint8_t prefWinIsOpen; // 1 while the panel is open
+
+@interface MyPrefPanel : NSPanel
+@end
+
+// The controls, made by Interface (InterfacePanel.mm). They belong to the panel.
+struct PrefControls {
+    NSPopUpButton* prefSciMode;
+    NSTextField* prefSigFigs;
+    NSColorWell* prefFGColor;
+    NSColorWell* prefBGColor;
+    NSButton* prefSnapTo;
+    NSSlider* prefSlider;
+    NSButton* prefTransBGOnly;
+    NSButton* prefSeparator;
+    NSTextField* prefSepChar;
+    NSTextField* prefHistSize;
+    NSButton* prefTwosComp;
+    NSButton* prefEuropean;
+    NSButton* prefStatusIcon;
+    NSButton* prefAlwaysTop;
+    NSButton* prefResetColors;
+    NSTextField* prefNumPreview;
+};
 
 @interface PrefController : NSObject {
-    MainConsole* mainConsole; // not retained
-    NSTimer* timer;           // of the running fade, or nil
+    PrefControls controls;
+    MyPrefPanel* prefWindow;
+    MainConsole* mainConsole;      // not retained
+    PelmoAppDelegate* appDelegate; // not retained
+    NSTimer* timer;                // of the running fade, or nil
 }
 - (void)setMainConsole:(MainConsole*)console;
+- (void)setAppDelegate:(PelmoAppDelegate*)delegate;
+- (void)setPrefWindow:(MyPrefPanel*)panel controls:(const PrefControls&)made;
+- (MyPrefPanel*)prefWindow;
+- (const PrefControls&)controls;
+
+- (void)menuPreferences:(id)sender; // shows the panel with the settings as they are
+- (void)prefCallback:(id)sender;    // a control has changed
+- (void)windowWillClose:(NSNotification*)notification;
+- (void)closePanel; // closes the panel when it is open
 
 // Changes the window's opacity to `target` in steps of `rate` every 0.03 seconds; at once when the rate is 0 or
 // its magnitude 1 or more. A target of 0 then takes the window away, a negative one hides the application. A new
 // fade ends the one that runs.
 - (void)fadeWindow:(float)target rate:(float)rate;
-
-- (void)closePanel; // closes the panel when it is open
+- (void)fadeWin:(NSTimer*)tick; // one step
 @end
 
 #endif

@@ -2,8 +2,31 @@
 #import "PrefController.h"
 
 #import "MainConsole.h"
+#import "PelmoAppDelegate.h"
+#import "Platform.h"
+
+#include <cctype>
+
+uint8_t prefWinIsOpen = 0;
 
 static const NSTimeInterval FADE_INTERVAL = 0.03;
+
+static const int FEWEST_FIGURES = 1, MOST_FIGURES = 100, USUAL_FIGURES = 6;
+static const int FEWEST_LINES = 1, MOST_LINES = 999, USUAL_LINES = 99;
+
+// A window among the others of its space.
+static const NSUInteger MANAGED = 4;
+
+@implementation MyPrefPanel
+
+- (id)initWithContentRect:(NSRect)frame
+                styleMask:(NSUInteger)style
+                  backing:(NSBackingStoreType)backing
+                    defer:(BOOL)isDeferred {
+    return [super initWithContentRect:frame styleMask:style backing:backing defer:isDeferred];
+}
+
+@end
 
 @implementation PrefController
 
@@ -11,10 +34,214 @@ static const NSTimeInterval FADE_INTERVAL = 0.03;
     mainConsole = console;
 }
 
+- (void)setAppDelegate:(PelmoAppDelegate*)delegate {
+    appDelegate = delegate;
+}
+
+- (void)setPrefWindow:(MyPrefPanel*)panel controls:(const PrefControls&)made {
+    [panel retain];
+    [prefWindow release];
+    prefWindow = panel;
+    controls = made;
+}
+
+- (MyPrefPanel*)prefWindow {
+    return prefWindow;
+}
+
+- (const PrefControls&)controls {
+    return controls;
+}
+
 - (void)dealloc {
     [self stopFade];
+    [prefWindow setDelegate:nil];
+    [prefWindow release];
     [super dealloc];
 }
+
+// --- Opening ---
+
+- (void)menuPreferences:(id)sender {
+    (void)sender;
+    [controls.prefSciMode selectItemAtIndex:[mainConsole setting:@"scimode"]];
+    [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
+    [controls.prefHistSize setIntValue:[mainConsole setting:@"histsz"]];
+    [controls.prefSnapTo setState:[mainConsole setting:@"snaptoscreen"]];
+    [controls.prefTransBGOnly setState:[mainConsole setting:@"transback"]];
+    [controls.prefSeparator setState:[mainConsole setting:@"separator"]];
+    [controls.prefTwosComp setState:[mainConsole setting:@"twoscomp"]];
+    [controls.prefEuropean setState:[mainConsole setting:@"european"]];
+    [controls.prefStatusIcon setState:[mainConsole setting:@"statusicon"]];
+    [controls.prefSlider setContinuous:YES];
+    [controls.prefSlider setIntValue:[mainConsole setting:@"trans"]];
+    [controls.prefFGColor setColor:[mainConsole textColor]];
+    [controls.prefBGColor setColor:[mainConsole backgroundColor]];
+    [controls.prefSepChar setStringValue:[self separatorShown]];
+    [self showSample];
+    [prefWindow makeKeyAndOrderFront:nil];
+    prefWinIsOpen = 1;
+}
+
+// The grouping mark follows the decimal mark, so that the two never coincide.
+- (NSString*)separatorShown {
+    const int separator = [mainConsole setting:@"schar"];
+    if (separator == ',' || separator == '.') return [mainConsole setting:@"european"] ? @"." : @",";
+    return [NSString stringWithFormat:@"%c", separator];
+}
+
+- (void)showSample {
+    NSString* const sample = [mainConsole QuickResult:"123456/10":10];
+    NSCharacterSet* const lineEnd = [NSCharacterSet newlineCharacterSet];
+    [controls.prefNumPreview setStringValue:[sample stringByTrimmingCharactersInSet:lineEnd]];
+}
+
+// --- What the controls say ---
+
+// The first character of the field. One that a number can contain, and none, is taken for the usual mark.
+- (int)separator {
+    NSString* const text = [controls.prefSepChar stringValue];
+    const unichar c = [text length] > 0 ? [text characterAtIndex:0] : ',';
+    const bool isOfNumbers = c < 0x80 && (isalnum(c) || c == '+' || c == '-');
+    return c < ' ' || c > 0xFF || isOfNumbers ? ',' : c;
+}
+
+static int stateOf(NSButton* box) {
+    return [box state] == NSOnState ? 1 : 0;
+}
+
+- (void)storeSeparator {
+    const int separator = [self separator];
+    [mainConsole setSetting:@"schar" to:separator == '.' ? ',' : separator];
+}
+
+- (void)storeScientific {
+    const NSInteger mode = [controls.prefSciMode indexOfSelectedItem];
+    [mainConsole setSetting:@"scimode" to:mode < 0 ? 0 : static_cast<int>(mode)];
+    [mainConsole setSetting:@"sigfigs" to:[controls.prefSigFigs intValue]];
+}
+
+- (void)storeTransparency {
+    [mainConsole setSetting:@"trans" to:static_cast<int>([controls.prefSlider doubleValue])];
+}
+
+- (void)showColors {
+    [mainConsole showTextColor:[controls.prefFGColor color] background:[controls.prefBGColor color]];
+}
+
+- (void)redraw {
+    [[[mainConsole window] contentView] setNeedsDisplay:YES];
+}
+
+// --- Changes ---
+
+- (void)prefCallback:(id)sender {
+    if (sender == controls.prefResetColors) [self resetColors];
+    if (sender == controls.prefStatusIcon) [self applyStatusIcon];
+    const id ofNumbers[] = {controls.prefSciMode, controls.prefSigFigs, controls.prefSeparator,
+                            controls.prefSepChar, controls.prefEuropean};
+    for (const id control : ofNumbers) {
+        if (sender == control) [self applyNumbers];
+    }
+    if (sender == controls.prefTransBGOnly) {
+        [mainConsole setSetting:@"transback" to:stateOf(controls.prefTransBGOnly)];
+        [self redraw];
+    }
+    if (sender == controls.prefSlider) {
+        [self storeTransparency];
+        [self redraw];
+    }
+    if (sender == controls.prefAlwaysTop) [self applyAlwaysTop];
+    if (sender == controls.prefFGColor || sender == controls.prefBGColor) {
+        [self showColors];
+        [self redraw];
+    }
+    if (sender == controls.prefEuropean) [self exchangeMarks];
+}
+
+- (void)resetColors {
+    [mainConsole initColorsDefault];
+    NSDictionary* const settings = [mainConsole settings];
+    [controls.prefFGColor setColor:[settings objectForKey:@"fgcolor"]];
+    [controls.prefBGColor setColor:[settings objectForKey:@"bgcolor"]];
+    [controls.prefSlider setIntValue:[mainConsole setting:@"trans"]];
+    [self showColors];
+    [self redraw];
+}
+
+- (void)applyStatusIcon {
+    if (stateOf(controls.prefStatusIcon))
+        [appDelegate createAppStatusItem];
+    else
+        [appDelegate removeAppStatusItem];
+}
+
+// With another separator than a point or a comma the decimal mark waits until the panel closes.
+- (void)applyNumbers {
+    [self storeScientific];
+    [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
+    [self storeSeparator];
+    if ([mainConsole setting:@"schar"] != ',') return;
+    [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
+    [self showSample];
+}
+
+- (void)applyAlwaysTop {
+    NSWindow* const window = [mainConsole window];
+    if (!stateOf(controls.prefAlwaysTop)) {
+        [window setLevel:NSNormalWindowLevel];
+        return;
+    }
+    [window setLevel:NSFloatingWindowLevel];
+    [window setExcludedFromWindowsMenu:NO];
+    [window setCollectionBehavior:MANAGED];
+}
+
+- (void)exchangeMarks {
+    NSString* const mark = [controls.prefSepChar stringValue];
+    const bool isEuropean = stateOf(controls.prefEuropean) != 0;
+    if (!isEuropean && [mark isEqualToString:@"."]) [controls.prefSepChar setStringValue:@","];
+    if (isEuropean && [mark isEqualToString:@","]) [controls.prefSepChar setStringValue:@"."];
+}
+
+// --- Closing ---
+
+static void keepWithin(NSTextField* field, int least, int most, int usual) {
+    const int value = [field intValue];
+    if (value < least || value > most) [field setIntValue:usual];
+}
+
+- (void)windowWillClose:(NSNotification*)notification {
+    (void)notification;
+    if (!prefWinIsOpen) return;
+    [prefWindow makeFirstResponder:nil]; // what is being typed counts
+    keepWithin(controls.prefSigFigs, FEWEST_FIGURES, MOST_FIGURES, USUAL_FIGURES);
+    keepWithin(controls.prefHistSize, FEWEST_LINES, MOST_LINES, USUAL_LINES);
+    NSMutableDictionary* const settings = [mainConsole settings];
+    [self storeScientific];
+    [settings setObject:[controls.prefFGColor color] forKey:@"fgcolor"];
+    [settings setObject:[controls.prefBGColor color] forKey:@"bgcolor"];
+    [mainConsole setSetting:@"snaptoscreen" to:stateOf(controls.prefSnapTo)];
+    [self storeTransparency];
+    [mainConsole setSetting:@"transback" to:stateOf(controls.prefTransBGOnly)];
+    [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
+    [self storeSeparator];
+    [mainConsole setSetting:@"histsz" to:[controls.prefHistSize intValue]];
+    [mainConsole setSetting:@"twoscomp" to:stateOf(controls.prefTwosComp)];
+    [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
+    [mainConsole setSetting:@"statusicon" to:stateOf(controls.prefStatusIcon)];
+    [self redraw];
+    prefWinIsOpen = 0;
+    [self showColors];
+    [mainConsole saveSettings];
+    [mainConsole ProcessResult:nullptr:YES]; // the live result in its new form
+}
+
+- (void)closePanel {
+    if (prefWinIsOpen) [prefWindow close];
+}
+
+// --- Fading ---
 
 - (void)stopFade {
     [timer invalidate];
@@ -50,14 +277,11 @@ static const NSTimeInterval FADE_INTERVAL = 0.03;
     }
     [window setAlphaValue:end];
     if (end == 0 && target < 0)
-        [NSApp hide:nil];
+        platformHide(window);
     else if (end == 0)
         [window orderOut:nil];
     [[window contentView] setNeedsDisplay:YES];
     [self stopFade];
-}
-
-- (void)closePanel {
 }
 
 @end

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+//
+// The preferences panel, on a grid: right-aligned labels, the controls in one column behind them.
+#import "Interface.h"
+
+#import "MainConsole.h"
+#import "PelmoAppDelegate.h"
+#import "Platform.h"
+#import "PrefController.h"
+#import "TextFormatter.h"
+
+static const CGFloat WIDTH = 440;
+static const CGFloat HEIGHT = 508;
+static const CGFloat EDGE = 20;
+static const CGFloat LABELS = 150; // the width of the labels' column
+static const CGFloat GAP = 10;
+static const CGFloat ROW = 28;
+static const CGFloat SECTION = 12; // the space between sections
+static const CGFloat HIGH = 22;    // a control's height
+
+// Places rows from top to bottom and links the controls for the Tab key in that order.
+struct Grid {
+    NSView* view;
+    PrefController* target;
+    CGFloat y;
+    NSView* first;
+    NSView* last;
+
+    CGFloat column() const { return EDGE + LABELS + GAP; }
+    void nextRow() { y -= ROW; }
+    void nextSection() { y -= SECTION; }
+
+    void label(NSString* text) {
+        NSTextField* const field =
+            [[[NSTextField alloc] initWithFrame:NSMakeRect(EDGE, y - 3, LABELS, HIGH)] autorelease];
+        [field setStringValue:text];
+        [field setEditable:NO];
+        [field setSelectable:NO];
+        [field setBezeled:NO];
+        [field setBordered:NO];
+        [field setDrawsBackground:NO];
+        [field setAlignment:NSRightTextAlignment];
+        [view addSubview:field];
+    }
+
+    void add(NSControl* control, CGFloat x, CGFloat width) {
+        [control setFrame:NSMakeRect(x, y, width, HIGH)];
+        [control setTarget:target];
+        [control setAction:@selector(prefCallback:)];
+        [view addSubview:control];
+        if (last) [last setNextKeyView:control];
+        if (!first) first = control;
+        last = control;
+    }
+
+    NSTextField* field(CGFloat width) {
+        NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
+        add(field, column(), width);
+        return field;
+    }
+
+    NSButton* box(NSString* title) {
+        NSButton* const button = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
+        [button setButtonType:NSSwitchButton];
+        [button setTitle:title];
+        [button setImagePosition:NSImageLeft];
+        [button setAlignment:NSLeftTextAlignment];
+        add(button, column(), WIDTH - EDGE - column());
+        nextRow();
+        return button;
+    }
+
+    NSColorWell* well() {
+        NSColorWell* const colors = [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+        add(colors, column(), 60);
+        return colors;
+    }
+};
+
+static void addNumbers(Grid& grid, PrefControls& made) {
+    grid.label(@"Exponents:");
+    made.prefSciMode = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO] autorelease];
+    NSString* const modes[] = {@"Auto",        @"Never",           @"Always",
+                               @"Engineering", @"Metric prefixes", @"Fixed decimals"};
+    for (NSString* const mode : modes) [made.prefSciMode addItemWithTitle:mode];
+    grid.add(made.prefSciMode, grid.column(), 170);
+    grid.nextRow();
+    grid.label(@"Significant figures:");
+    made.prefSigFigs = grid.field(60);
+    grid.nextRow();
+    grid.label(@"Grouping mark:");
+    made.prefSepChar = grid.field(28);
+    TextFormatter* const oneCharacter = [[[TextFormatter alloc] init] autorelease];
+    [oneCharacter setMaximumLength:1];
+    [made.prefSepChar setFormatter:oneCharacter];
+    [made.prefSepChar setAlignment:NSCenterTextAlignment];
+    grid.nextRow();
+    made.prefSeparator = grid.box(@"Group digits by thousands");
+    made.prefEuropean = grid.box(@"Decimal comma");
+    made.prefTwosComp = grid.box(@"Two's complement in hex and binary");
+    grid.label(@"Sample:");
+    made.prefNumPreview = grid.field(170);
+    [made.prefNumPreview setEditable:NO];
+    [made.prefNumPreview setSelectable:NO];
+    grid.nextRow();
+}
+
+static void addHistory(Grid& grid, PrefControls& made) {
+    grid.label(@"Lines of history:");
+    made.prefHistSize = grid.field(60);
+    [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
+    grid.nextRow();
+}
+
+static void addColors(Grid& grid, PrefControls& made) {
+    grid.label(@"Text color:");
+    made.prefFGColor = grid.well();
+    grid.nextRow();
+    grid.label(@"Background color:");
+    made.prefBGColor = grid.well();
+    grid.nextRow();
+    grid.label(@"Transparency:");
+    made.prefSlider = [[[NSSlider alloc] initWithFrame:NSZeroRect] autorelease];
+    [made.prefSlider setMinValue:0];
+    [made.prefSlider setMaxValue:100];
+    grid.add(made.prefSlider, grid.column(), 170);
+    grid.nextRow();
+    made.prefResetColors = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
+    [made.prefResetColors setTitle:@"Reset Colors"];
+    [made.prefResetColors setBezelStyle:NSRoundedBezelStyle];
+    grid.add(made.prefResetColors, grid.column(), 120);
+    grid.nextRow();
+}
+
+static void addWindow(Grid& grid, PrefControls& made) {
+    made.prefTransBGOnly = grid.box(@"Fade the window when inactive");
+    made.prefSnapTo = grid.box(@"Snap to screen edges");
+    made.prefAlwaysTop = grid.box(@"Keep above other windows");
+    made.prefStatusIcon = grid.box(@"Show the status item");
+    if (platformStatusBar()) return;
+    [made.prefStatusIcon setEnabled:NO];
+    [made.prefStatusIcon setToolTip:@"This desktop has no status bar for applications."];
+}
+
+void buildPreferences(PelmoAppDelegate* delegate) {
+    PrefController* const controller = [[[PrefController alloc] init] autorelease];
+    [controller setMainConsole:[delegate mainConsole]];
+    [controller setAppDelegate:delegate];
+    MyPrefPanel* const panel =
+        [[[MyPrefPanel alloc] initWithContentRect:NSMakeRect(0, 0, WIDTH, HEIGHT)
+                                        styleMask:NSTitledWindowMask | NSClosableWindowMask
+                                          backing:NSBackingStoreBuffered
+                                            defer:YES] autorelease];
+    [panel setTitle:@"Tallyquill Preferences"];
+    [panel setReleasedWhenClosed:NO];
+    [panel setHidesOnDeactivate:NO];
+    PrefControls made = {};
+    Grid grid = {[panel contentView], controller, HEIGHT - EDGE - HIGH, nil, nil};
+    addNumbers(grid, made);
+    grid.nextSection();
+    addHistory(grid, made);
+    grid.nextSection();
+    addColors(grid, made);
+    grid.nextSection();
+    addWindow(grid, made);
+    [grid.last setNextKeyView:grid.first];
+    [panel setInitialFirstResponder:grid.first];
+    [panel center];
+    [panel setDelegate:(id)controller];
+    [controller setPrefWindow:panel controls:made];
+    [delegate setPrefController:controller];
+}

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#import "MainWindowDelegate.h"
+
+#import "MainConsole.h"
+#import "PelmoAppDelegate.h"
+#import "Platform.h"
+
+#include <cmath>
+#include <vector>
+
+uint8_t snapEnabled = 0;
+NSPoint mouseLocOrig = {0, 0};
+NSPoint windLocOrig = {0, 0};
+float ddX = 0;
+float ddY = 0;
+
+// The band in which an edge snaps is 72 points wide and lies mostly beyond the screen's edge.
+static const CGFloat BAND = 36;
+static const CGFloat SHIFT = 18;
+
+// Moves one axis of a window (its start and length) to an end of a screen's. False when it is near neither.
+static bool snapAxis(CGFloat* start, CGFloat length, CGFloat screenStart, CGFloat screenLength) {
+    if (std::fabs(screenStart - *start - SHIFT) <= BAND) {
+        *start = screenStart;
+        return true;
+    }
+    const CGFloat gap = screenStart + screenLength - (*start + length);
+    if (std::fabs(gap + SHIFT) > BAND) return false;
+    *start += gap;
+    return true;
+}
+
+NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count) {
+    bool isSnappedX = false;
+    bool isSnappedY = false;
+    for (size_t i = 0; i < count; i++) {
+        const NSRect& screen = screens[i];
+        if (!isSnappedX) {
+            isSnappedX = snapAxis(&frame.origin.x, frame.size.width, screen.origin.x, screen.size.width);
+        }
+        if (!isSnappedY) {
+            isSnappedY = snapAxis(&frame.origin.y, frame.size.height, screen.origin.y, screen.size.height);
+        }
+    }
+    return frame;
+}
+
+static std::vector<NSRect> visibleFrames() {
+    std::vector<NSRect> frames;
+    NSArray* const screens = [NSScreen screens];
+    for (NSUInteger i = 0; i < [screens count]; i++) {
+        NSScreen* const screen = [screens objectAtIndex:i];
+        const bool isScreen = [screen isKindOfClass:[NSScreen class]];
+        frames.push_back(isScreen ? [screen visibleFrame] : [screen frame]);
+    }
+    return frames;
+}
+
+@implementation MainWindowDelegate
+
+- (void)setWindow:(NSWindow*)mainWindow console:(MainConsole*)console {
+    window = mainWindow;
+    mainConsole = console;
+}
+
+- (void)windowWillMove:(NSNotification*)notification {
+    (void)notification;
+    if (isPlacing) return;
+    snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
+    mouseLocOrig = [NSEvent mouseLocation];
+    windLocOrig = [window frame].origin;
+    ddX = static_cast<float>(windLocOrig.x - mouseLocOrig.x);
+    ddY = static_cast<float>(windLocOrig.y - mouseLocOrig.y);
+}
+
+// A drag of the window's background moves it, as one of the title bar does.
+- (void)mouseDown:(NSEvent*)event {
+    (void)event;
+    [self windowWillMove:nil];
+}
+
+- (void)mouseDragged:(NSEvent*)event {
+    if ([event type] != NSLeftMouseDragged) return;
+    if (([event modifierFlags] & NSAlternateKeyMask) || !snapEnabled) return;
+    const NSPoint mouse = [NSEvent mouseLocation];
+    NSRect frame = [window frame];
+    frame.origin = NSMakePoint(mouse.x + ddX, mouse.y + ddY);
+    [window setFrame:frame display:YES];
+}
+
+- (void)windowDidMove:(NSNotification*)notification {
+    (void)notification;
+    if (isPlacing) return;
+    // A window manager that moves the window tells afterwards only.
+    if (platformWindowManagerMoves()) snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
+    if (!snapEnabled || ![self isShown]) return;
+    const std::vector<NSRect> screens = visibleFrames();
+    const NSRect frame = [window frame];
+    const NSRect snapped = snappedFrame(frame, screens.data(), screens.size());
+    if (!NSEqualRects(frame, snapped)) [self placeWindow:snapped];
+}
+
+- (bool)isShown {
+    return [window isVisible] && ![window isMiniaturized] && !mainWinIsHidden;
+}
+
+- (void)placeWindow:(NSRect)frame {
+    isPlacing = true;
+    [window setFrame:frame display:YES];
+    isPlacing = false;
+}
+
+- (void)windowDidResize:(NSNotification*)notification {
+    (void)notification;
+    [mainConsole fitToScrollView];
+}
+
+// Hidden or in the dock, a window's frame is not where it will be.
+- (void)windowWillMiniaturize:(NSNotification*)notification {
+    (void)notification;
+    [mainConsole storeFrame];
+}
+
+// Brought back by the window manager instead of the status item.
+- (void)windowDidDeminiaturize:(NSNotification*)notification {
+    (void)notification;
+    if (mainWinIsHidden) [[mainConsole myAppDelegate] applicationDidBecomeActive:nil];
+}
+
+@end

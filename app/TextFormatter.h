@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// For text fields of few characters: limits the length and turns letters into capitals.
+#ifndef TALLYQUILL_TEXTFORMATTER_H
+#define TALLYQUILL_TEXTFORMATTER_H
+
+#import <AppKit/AppKit.h>
+
+#include <cstdint>
+
+@interface TextFormatter : NSFormatter {
+    int32_t maxLength; // characters; 2147483647, no limit, at first
+}
+- (void)setMaximumLength:(int32_t)length;
+- (int32_t)maximumLength;
+@end
+
+#endif

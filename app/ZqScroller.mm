@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#import "ZqScroller.h"
+
+#import "Platform.h"
+
+#include <cmath>
+
+static const CGFloat WIDTH = 15;
+
+static NSImage* knobTop = nil;
+static NSImage* knobVerticalFill = nil;
+static NSImage* knobBottom = nil;
+static NSImage* slotVerticalFill = nil;
+static NSColor* backgroundColor = nil;
+
+static NSImage* scrollerImage(NSString* name) {
+    NSString* const path = [[NSBundle bundleForClass:[ZqScroller class]]
+        pathForResource:[@"TransparentScroller" stringByAppendingString:name]
+                 ofType:@"tif"];
+    return path ? [[NSImage alloc] initWithContentsOfFile:path] : nil;
+}
+
+NSRect centeredKnob(NSRect knob, CGFloat width) {
+    knob.origin.x += std::floor((knob.size.width - width + 0.5) * 0.5);
+    knob.size.width = width;
+    return knob;
+}
+
+@implementation ZqScroller
+
++ (void)initialize {
+    if (self != [ZqScroller class] || backgroundColor) return;
+    knobTop = scrollerImage(@"KnobTop");
+    knobVerticalFill = scrollerImage(@"KnobVerticalFill");
+    knobBottom = scrollerImage(@"KnobBottom");
+    slotVerticalFill = scrollerImage(@"SlotVerticalFill");
+    backgroundColor = [[NSColor colorWithCalibratedWhite:0.13 alpha:0.855] retain];
+}
+
++ (CGFloat)scrollerWidth {
+    return WIDTH;
+}
+
+- (id)initWithFrame:(NSRect)frame {
+    self = [super initWithFrame:frame];
+    if (self) [self setArrowsPosition:NSScrollerArrowsNone];
+    return self;
+}
+
+- (id)initWithCoder:(NSCoder*)coder {
+    self = [super initWithCoder:coder];
+    if (self) [self setArrowsPosition:NSScrollerArrowsNone];
+    return self;
+}
+
+// The colour of the console, or the scroller's own where no text view is scrolled.
+- (NSColor*)trackColor {
+    NSScrollView* const scroll = [self enclosingScrollView];
+    const id document = [scroll documentView];
+    return [document respondsToSelector:@selector(backgroundColor)] ? [document backgroundColor]
+                                                                    : backgroundColor;
+}
+
+// GNUstep leaves the proportion as it was when a document begins to fit.
+- (BOOL)documentFits {
+    NSScrollView* const scroll = [self enclosingScrollView];
+    return scroll && NSHeight([[scroll documentView] frame]) <= NSHeight([[scroll contentView] bounds]);
+}
+
+- (void)drawRect:(NSRect)dirty {
+    [[self trackColor] set];
+    NSRectFill(NSIntersectionRect(dirty, [self bounds]));
+    [self drawKnobSlot];
+    if ([self knobProportion] > 0 && ![self documentFits]) [self drawKnob];
+}
+
+- (void)drawKnobSlot {
+    platformDrawVertical([self rectForPart:NSScrollerKnobSlot], slotVerticalFill, slotVerticalFill,
+                         slotVerticalFill);
+}
+
+- (void)drawKnob {
+    const NSRect knob = centeredKnob([self rectForPart:NSScrollerKnob], [knobVerticalFill size].width);
+    platformDrawVertical(knob, knobTop, knobVerticalFill, knobBottom);
+}
+
+@end

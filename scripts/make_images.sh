@@ -1,0 +1,58 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+#
+# Draws the images of app/resources from their sources in app/art. It needs ImageMagick, an SVG renderer for it
+# (Debian: librsvg2-bin) and python3. The images are kept in the repository; run this after changing a source.
+set -eu
+cd "$(dirname "$0")/.."
+art=app/art
+out=app/resources
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+for size in 16 32 128 256 512; do
+    rsvg-convert -w "$size" -h "$size" "$art/icon.svg" -o "$work/icon_$size.png"
+done
+cp "$work/icon_256.png" "$out/Tallyquill.png"
+
+# An icon file of macOS is a list of PNG images, each behind its type and length.
+python3 - "$work" "$out/Tallyquill.icns" <<'PYTHON'
+import struct, sys
+work, path = sys.argv[1:]
+parts = b""
+for kind, size in ((b"icp4", 16), (b"icp5", 32), (b"ic07", 128), (b"ic08", 256), (b"ic09", 512)):
+    image = open(f"{work}/icon_{size}.png", "rb").read()
+    parts += kind + struct.pack(">I", len(image) + 8) + image
+open(path, "wb").write(b"icns" + struct.pack(">I", len(parts) + 8) + parts)
+PYTHON
+
+for state in tray:#202020 tray_clicked:#ffffff; do
+    sed "s/INK/${state#*:}/" "$art/tray.svg" >"$work/tray.svg"
+    rsvg-convert "$work/tray.svg" -o "$out/Pelmo_${state%%:*}.png"
+done
+
+# The scroller: a rounded knob, 7 points wide, in a track without a drawing of its own but for a fine line.
+convert -size 7x7 xc:none -fill '#6f787c' -draw 'roundrectangle 0,0 6,6 3,3' "$work/knob.png"
+convert "$work/knob.png" -crop 7x3+0+0 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobTop.tif"
+convert "$work/knob.png" -crop 7x1+0+3 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobVerticalFill.tif"
+convert "$work/knob.png" -crop 7x3+0+4 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobBottom.tif"
+convert -size 15x1 xc:none -fill 'rgba(255,255,255,0.05)' -draw 'rectangle 0,0 14,0' -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none \
+    "$out/TransparentScrollerSlotVerticalFill.tif"
+
+# The check boxes of the dark theme.
+mkdir -p "$out/ThemeImages"
+box='roundrectangle 0.5,0.5 13.5,13.5 3,3'
+convert -size 15x15 xc:none -fill '#1c1c1c' -stroke '#5c5c5c' -draw "$box" "$out/ThemeImages/common_SwitchOff.png"
+convert -size 15x15 xc:none -fill '#0d7075' -stroke '#0d7075' -draw "$box" -fill none -stroke white -strokewidth 1.8 \
+    -draw 'polyline 3.5,7.2 6,9.8 10.6,4.4' "$out/ThemeImages/common_SwitchOn.png"
+
+# The marks of pop-up buttons and of pull-down buttons.
+convert -size 11x12 xc:none -fill none -stroke '#b8c0c4' -strokewidth 1.4 -draw 'polyline 2.5,4.5 5,2 7.5,4.5' \
+    -draw 'polyline 2.5,7.5 5,10 7.5,7.5' "$out/ThemeImages/common_Nibble.png"
+convert -size 11x8 xc:none -fill none -stroke '#b8c0c4' -strokewidth 1.4 -draw 'polyline 2,2.5 5,5.5 8,2.5' \
+    "$out/ThemeImages/common_3DArrowDown.png"
+
+# The mark of the chosen menu item.
+convert -size 12x12 xc:none -fill none -stroke white -strokewidth 1.8 -draw 'polyline 2,6.2 4.8,9 10,3' \
+    "$out/ThemeImages/NSMenuCheckmark.png"
+cp "$out/ThemeImages/NSMenuCheckmark.png" "$out/ThemeImages/common_2DCheckMark.png"
