@@ -45,13 +45,23 @@ static void append(NSMutableAttributedString* out, NSString* text, NSDictionary*
                                                                  attributes:look] autorelease]];
 }
 
+// Where the next "[" is that stands in no `code`, from `start` on.
+static NSUInteger bracket(NSString* line, NSUInteger start) {
+    bool isCode = false;
+    for (NSUInteger i = start; i < [line length]; i++) {
+        const unichar c = [line characterAtIndex:i];
+        if (c == '`') isCode = !isCode;
+        if (c == '[' && !isCode) return i;
+    }
+    return NSNotFound;
+}
+
 // Leaves of "![x](y)" nothing and of "[x](y)" the x.
 static NSString* withoutLinks(NSString* line) {
     NSMutableString* const text = [NSMutableString string];
     NSUInteger i = 0;
     while (i < [line length]) {
-        const NSRange rest = NSMakeRange(i, [line length] - i);
-        const NSRange open = [line rangeOfString:@"[" options:0 range:rest];
+        const NSRange open = NSMakeRange(bracket(line, i), 1);
         const NSRange middle =
             open.location == NSNotFound
                 ? open
@@ -105,6 +115,10 @@ static bool isRule(NSString* line) {
     return [line rangeOfCharacterFromSet:others].location == NSNotFound;
 }
 
+static NSString* trimmed(NSString* text) {
+    return [text stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
+}
+
 // A row of a table: the first cell, and behind it the others.
 static void appendRow(NSMutableAttributedString* out, NSString* line) {
     if (isRule(line)) return;
@@ -112,11 +126,10 @@ static void appendRow(NSMutableAttributedString* out, NSString* line) {
     NSMutableArray* const cells = [NSMutableArray array];
     NSArray* const pieces = [marked componentsSeparatedByString:@"|"];
     for (NSUInteger i = 1; i + 1 < [pieces count]; i++) {
-        NSString* const cell = [[pieces objectAtIndex:i]
-            stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
-        if ([cell length] > 0)
-            [cells addObject:[cell stringByReplacingOccurrencesOfString:@"\x01" withString:@"|"]];
+        NSString* const cell = trimmed([pieces objectAtIndex:i]);
+        [cells addObject:[cell stringByReplacingOccurrencesOfString:@"\x01" withString:@"|"]];
     }
+    while ([[cells lastObject] length] == 0 && [cells count] > 0) [cells removeLastObject];
     if ([cells count] == 0) return;
     appendLine(out, [cells componentsJoinedByString:@"\t"], row());
 }
@@ -144,7 +157,8 @@ NSAttributedString* guideText(NSString* markdown) {
     bool isCode = false;
     NSMutableString* const text = [NSMutableString string]; // lines of one paragraph
     for (NSUInteger i = 0; i <= [lines count]; i++) {
-        NSString* const line = i < [lines count] ? [lines objectAtIndex:i] : @"";
+        NSString* const whole = i < [lines count] ? [lines objectAtIndex:i] : @"";
+        NSString* const line = isCode && i < [lines count] ? whole : trimmed(whole);
         const NSUInteger level = headingLevel(line);
         const bool isFence = [line hasPrefix:@"```"];
         const bool isItem = [line hasPrefix:@"- "];

@@ -14,6 +14,7 @@
     NSRect band = [self bounds];
     band.origin.y = STATUS_HEIGHT;
     band.size.height -= STATUS_HEIGHT + CONTROLS_HEIGHT;
+    if (NSHeight(band) <= 0) return;
     const CGFloat alpha = 1 - 0.008 * [mainConsole setting:@"trans"] * 0.5;
     [[[mainConsole backgroundColor] colorWithAlphaComponent:alpha] set];
     NSRectFillUsingOperation(NSIntersectionRect(band, dirty), NSCompositeCopy);

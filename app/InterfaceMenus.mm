@@ -31,7 +31,7 @@ static void buildApplicationMenu(NSMenu* bar, PelmoAppDelegate* delegate) {
     addSeparator(menu);
     addItem(menu, @"Preferences...", @selector(menuPreferences:), @",", [delegate prefController]);
     addSeparator(menu);
-    addItem(menu, @"Hide Tallyquill", @selector(clickedAppStatusItem:), @"h", delegate);
+    addItem(menu, @"Hide Tallyquill", @selector(hideMainWindow:), @"h", delegate);
     addItem(menu, @"Quit Tallyquill", @selector(terminate:), @"q", NSApp);
 }
 

@@ -55,6 +55,7 @@ struct Grid {
 
     NSTextField* field(CGFloat width) {
         NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
+        [[field cell] setSendsActionOnEndEditing:YES]; // leaving the field counts as well
         add(field, column(), width);
         return field;
     }

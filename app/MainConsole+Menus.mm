@@ -22,6 +22,11 @@ static int prevbase = 0;
 
 @implementation MainConsole (Menus)
 
+// Typing goes on in the entry after a click on a control.
+- (void)takeKeys {
+    [[self window] makeFirstResponder:self];
+}
+
 - (void)menuChangeBase:(id)sender {
     const NSInteger tag = [sender tag];
     if (tag >= 0 && tag <= 2) [self setDisplayBase:BASES[tag]:NO];
@@ -31,6 +36,7 @@ static int prevbase = 0;
     const NSInteger segment = [sender selectedSegment];
     const bool isShifted = ([[NSApp currentEvent] modifierFlags] & NSShiftKeyMask) != 0;
     if (segment >= 0 && segment <= 2) [self setDisplayBase:BASES[segment]:isShifted];
+    [self takeKeys];
 }
 
 - (BOOL)showsAgainIn:(int)base {
@@ -73,6 +79,7 @@ static int prevbase = 0;
     const NSInteger segment = [sender selectedSegment];
     if (segment == 0) [self setDegreeMode:1];
     if (segment == 1) [self setDegreeMode:0];
+    [self takeKeys];
 }
 
 - (void)setDegreeMode:(int)degrees {
@@ -122,19 +129,27 @@ static NSMenuItem* menuItem(NSString* title) {
     [menuFuncs selectItemAtIndex:0];
 }
 
+// In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be undone.
+- (void)putIn:(NSString*)text {
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    [self insertText:text];
+    [self ProcessResult:nullptr:YES];
+    [self takeKeys];
+}
+
 - (void)clickedVarsMenu:(id)sender {
     NSString* const title = [sender titleOfSelectedItem];
-    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
-    [self replaceSelection:[[title componentsSeparatedByString:@"\t"] objectAtIndex:0]];
+    if (title) [self putIn:[[title componentsSeparatedByString:@"\t"] objectAtIndex:0]];
 }
 
 - (void)clickedFuncMenu:(id)sender {
-    NSString* const call = [[[sender titleOfSelectedItem] componentsSeparatedByString:@"="] objectAtIndex:0];
-    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
+    NSString* const title = [sender titleOfSelectedItem];
+    if (!title) return;
+    NSString* const call = [[title componentsSeparatedByString:@"="] objectAtIndex:0];
     const NSUInteger open = [call rangeOfString:@"("].location;
     NSCharacterSet* const ends = [NSCharacterSet characterSetWithCharactersInString:@",)"];
     const NSUInteger end = [call rangeOfCharacterFromSet:ends].location;
-    [self replaceSelection:call];
+    [self putIn:call];
     if (open == NSNotFound || end == NSNotFound || end <= open) return;
     // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry that
     // the call begins.

@@ -101,6 +101,8 @@ extern NSString* prefFilePath;
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
 - (void)reviewSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
 
+- (void)redo:(id)sender; // what undo took back from the entry
+
 - (PelmoAppDelegate*)myAppDelegate;
 - (void)setMyAppDelegate:(PelmoAppDelegate*)delegate;
 - (void)setAnswerStatus:(NSTextField*)field;

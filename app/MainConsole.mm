@@ -138,13 +138,13 @@ static bool isInterrupted() {
 }
 
 - (void)applySettings {
+    [self setDegreeMode:[self setting:@"degmode"]];
+    [self setDisplayBase:[self setting:@"dispbase"]:NO];
     calc.european = [self setting:@"european"] != 0;
     calc.sigFigs = [self setting:@"sigfigs"];
     calc.separatorChar = static_cast<char>([self setting:@"schar"]);
     calc.useSeparator = [self setting:@"separator"] != 0;
     calc.twosComp = [self setting:@"twoscomp"] != 0;
-    [self setDegreeMode:[self setting:@"degmode"]];
-    [self setDisplayBase:[self setting:@"dispbase"]:NO];
 }
 
 - (void)initWindowProperties {
@@ -268,6 +268,15 @@ static bool isInterrupted() {
     settings = nil;
 }
 
+// --- Redo ---
+
+// What undo took back. Nothing can be redone once something was written above the entry.
+- (void)redo:(id)sender {
+    (void)sender;
+    if ([[self undoManager] canRedo]) [[self undoManager] redo];
+    [self ProcessResult:nullptr:YES];
+}
+
 // --- What the superclass would do ---
 
 - (void)superKeyDown:(NSEvent*)event {
@@ -287,6 +296,7 @@ static bool isInterrupted() {
 }
 
 - (BOOL)superValidateMenuItem:(NSMenuItem*)item {
+    if (sel_isEqual([item action], @selector(redo:))) return [[self undoManager] canRedo];
     return [super validateMenuItem:item];
 }
 

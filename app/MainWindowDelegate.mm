@@ -85,7 +85,9 @@ static std::vector<NSRect> visibleFrames() {
     const NSPoint mouse = [NSEvent mouseLocation];
     NSRect frame = [window frame];
     frame.origin = NSMakePoint(mouse.x + ddX, mouse.y + ddY);
-    [window setFrame:frame display:YES];
+    // GNUstep tells of our own moves too: the drag would begin anew, from where the window has snapped to.
+    [self placeWindow:frame];
+    [self snap];
 }
 
 - (void)windowDidMove:(NSNotification*)notification {
@@ -93,6 +95,10 @@ static std::vector<NSRect> visibleFrames() {
     if (isPlacing) return;
     // A window manager that moves the window tells afterwards only.
     if (platformWindowManagerMoves()) snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
+    [self snap];
+}
+
+- (void)snap {
     if (!snapEnabled || ![self isShown]) return;
     const std::vector<NSRect> screens = visibleFrames();
     const NSRect frame = [window frame];
@@ -117,6 +123,11 @@ static std::vector<NSRect> visibleFrames() {
 
 // Hidden or in the dock, a window's frame is not where it will be.
 - (void)windowWillMiniaturize:(NSNotification*)notification {
+    (void)notification;
+    [mainConsole storeFrame];
+}
+
+- (void)windowWillClose:(NSNotification*)notification {
     (void)notification;
     [mainConsole storeFrame];
 }

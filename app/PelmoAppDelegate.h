@@ -38,6 +38,9 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
 // Fades the visible window away and hides the application; otherwise brings it back to the front.
 - (void)clickedAppStatusItem:(id)sender;
 
+// The menu's way to hide, also while another window, such as the preferences, has the keys.
+- (void)hideMainWindow:(id)sender;
+
 - (void)showGuide:(id)sender; // the guide, in a window of its own
 - (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path;

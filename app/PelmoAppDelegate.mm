@@ -126,13 +126,30 @@ static NSImage* bundleImage(NSString* name) {
     statusItem = nil;
 }
 
+- (void)fadeAway {
+    [mainConsole storeFrame];
+    mainWinIsHidden = 1;
+    [prefController fadeWindow:-1.0f rate:-0.3f];
+    [window setCollectionBehavior:EVERY_SPACE];
+}
+
+- (BOOL)isShown {
+    return [window isVisible] && ![window isMiniaturized] && !mainWinIsHidden;
+}
+
+- (void)hideMainWindow:(id)sender {
+    (void)sender;
+    if ([self isShown]) [self fadeAway];
+}
+
+- (BOOL)validateMenuItem:(NSMenuItem*)item {
+    return sel_isEqual([item action], @selector(hideMainWindow:)) ? [self isShown] : YES;
+}
+
 - (void)clickedAppStatusItem:(id)sender {
     (void)sender;
     if (![window isMiniaturized] && [window isKeyWindow] && !mainWinIsHidden) {
-        [mainConsole storeFrame];
-        mainWinIsHidden = 1;
-        [prefController fadeWindow:-1.0f rate:-0.3f];
-        [window setCollectionBehavior:EVERY_SPACE];
+        [self fadeAway];
         return;
     }
     [window setCollectionBehavior:EVERY_SPACE];

@@ -5,7 +5,9 @@
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 
+#include <algorithm>
 #include <cctype>
+#include <climits>
 
 uint8_t prefWinIsOpen = 0;
 
@@ -87,7 +89,8 @@ static const NSUInteger MANAGED = 4;
 - (NSString*)separatorShown {
     const int separator = [mainConsole setting:@"schar"];
     if (separator == ',' || separator == '.') return [mainConsole setting:@"european"] ? @"." : @",";
-    return [NSString stringWithFormat:@"%c", separator];
+    const char text[] = {static_cast<char>(separator), '\0'};
+    return textFromBytes(text);
 }
 
 - (void)showSample {
@@ -106,6 +109,12 @@ static const NSUInteger MANAGED = 4;
     return c < ' ' || c > 0xFF || isOfNumbers ? ',' : c;
 }
 
+// The number in a field; [NSString intValue] may take a huge one for its last bits.
+static int numberIn(NSTextField* field) {
+    const long long number = [[field stringValue] longLongValue];
+    return static_cast<int>(std::min<long long>(std::max<long long>(number, INT_MIN), INT_MAX));
+}
+
 static int stateOf(NSButton* box) {
     return [box state] == NSOnState ? 1 : 0;
 }
@@ -118,7 +127,7 @@ static int stateOf(NSButton* box) {
 - (void)storeScientific {
     const NSInteger mode = [controls.prefSciMode indexOfSelectedItem];
     [mainConsole setSetting:@"scimode" to:mode < 0 ? 0 : static_cast<int>(mode)];
-    [mainConsole setSetting:@"sigfigs" to:[controls.prefSigFigs intValue]];
+    [mainConsole setSetting:@"sigfigs" to:numberIn(controls.prefSigFigs)];
 }
 
 - (void)storeTransparency {
@@ -181,9 +190,18 @@ static int stateOf(NSButton* box) {
     [self storeScientific];
     [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
     [self storeSeparator];
+    [self showSeparatorTaken];
     if ([mainConsole setting:@"schar"] != ',') return;
     [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
     [self showSample];
+}
+
+// A character that cannot separate digits gives way to the one that counts in its place.
+- (void)showSeparatorTaken {
+    NSString* const typed = [controls.prefSepChar stringValue];
+    const int taken = [self separator];
+    if (taken == ',' && ![typed hasPrefix:@","])
+        [controls.prefSepChar setStringValue:stateOf(controls.prefEuropean) ? @"." : @","];
 }
 
 - (void)applyAlwaysTop {
@@ -207,7 +225,7 @@ static int stateOf(NSButton* box) {
 // --- Closing ---
 
 static void keepWithin(NSTextField* field, int least, int most, int usual) {
-    const int value = [field intValue];
+    const int value = numberIn(field);
     if (value < least || value > most) [field setIntValue:usual];
 }
 
@@ -226,7 +244,7 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     [mainConsole setSetting:@"transback" to:stateOf(controls.prefTransBGOnly)];
     [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
     [self storeSeparator];
-    [mainConsole setSetting:@"histsz" to:[controls.prefHistSize intValue]];
+    [mainConsole setSetting:@"histsz" to:numberIn(controls.prefHistSize)];
     [mainConsole setSetting:@"twoscomp" to:stateOf(controls.prefTwosComp)];
     [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
     [mainConsole setSetting:@"statusicon" to:stateOf(controls.prefStatusIcon)];
@@ -249,10 +267,15 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     timer = nil;
 }
 
+// A step may go past either end, where GNUstep's opacities wrap around.
+- (void)showAlpha:(float)alpha {
+    [[mainConsole window] setAlphaValue:std::min(std::max(alpha, 0.0f), 1.0f)];
+}
+
 - (void)fadeWindow:(float)target rate:(float)rate {
     [self stopFade];
     if (rate == 0 || static_cast<int>(rate) != 0) {
-        [[mainConsole window] setAlphaValue:target];
+        [self showAlpha:target];
         return;
     }
     NSArray* const fade =
@@ -272,7 +295,7 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     const float end = target > 0 ? target : 0;
     const bool isUnfinished = rate < 0 ? alpha > 0 && alpha > end : alpha < end;
     if (isUnfinished) {
-        [window setAlphaValue:alpha + rate];
+        [self showAlpha:alpha + rate];
         return;
     }
     [window setAlphaValue:end];

@@ -56,6 +56,12 @@
             errorDescription:(NSString**)error {
     NSString* proposed = partial;
     NSRange selection = NSMakeRange([partial length], 0);
+    // Where there is no replacement these fields keep what was typed: a text too long is shortened for them.
+    if (static_cast<int64_t>([partial length]) > maxLength) {
+        const NSUInteger most = maxLength > 0 ? static_cast<NSUInteger>(maxLength) : 0;
+        if (replacement) *replacement = [[partial substringToIndex:most] uppercaseString];
+        return NO;
+    }
     const BOOL isValid = [self isPartialStringValid:&proposed
                               proposedSelectedRange:&selection
                                      originalString:partial

@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+#import "GuideWindow.h"
+
+#import <AppKit/AppKit.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace {
+
+class Guide : public ::testing::Test {
+protected:
+    void SetUp() override { pool = [[NSAutoreleasePool alloc] init]; }
+    void TearDown() override { [pool release]; }
+
+    static NSAttributedString* laidOut(const std::string& text) {
+        return guideText([NSString stringWithUTF8String:text.c_str()]);
+    }
+
+    // The text without the empty lines that are the space between its parts.
+    static std::string lines(NSAttributedString* text) {
+        std::istringstream all([[text string] UTF8String]);
+        std::string result, line;
+        while (std::getline(all, line)) {
+            if (!line.empty()) result += line + "\n";
+        }
+        return result;
+    }
+    static std::string lines(const std::string& text) { return lines(laidOut(text)); }
+
+    static NSFont* fontAt(NSAttributedString* text, const char* part) {
+        const NSRange place = [[text string] rangeOfString:[NSString stringWithUTF8String:part]];
+        EXPECT_NE(place.location, static_cast<NSUInteger>(NSNotFound)) << part;
+        if (place.location == NSNotFound) return nil;
+        NSRange run = {0, 0};
+        NSFont* const font = [text attribute:NSFontAttributeName atIndex:place.location effectiveRange:&run];
+        return font;
+    }
+
+    static bool isCode(NSFont* font) {
+        return [[font fontName] isEqualToString:[[NSFont userFixedPitchFontOfSize:13] fontName]];
+    }
+
+    static bool isBold(NSFont* font) {
+        return ([[NSFontManager sharedFontManager] traitsOfFont:font] & NSBoldFontMask) != 0;
+    }
+
+    NSAutoreleasePool* pool = nil;
+};
+
+TEST_F(Guide, ParagraphsAreJoinedAndSetApart) {
+    EXPECT_EQ(lines("One line\nand another.\n\nA second one.\n"), "One line and another.\nA second one.\n");
+}
+
+TEST_F(Guide, HeadingsAreBoldAndTheSmallerTheDeeper) {
+    NSAttributedString* const text = laidOut("# First\nplain\n## Second\n### Third\n");
+    EXPECT_EQ(lines(text), "First\nplain\nSecond\nThird\n");
+    EXPECT_TRUE(isBold(fontAt(text, "First")));
+    EXPECT_TRUE(isBold(fontAt(text, "Third")));
+    EXPECT_FALSE(isBold(fontAt(text, "plain")));
+    EXPECT_GT([fontAt(text, "First") pointSize], [fontAt(text, "Second") pointSize]);
+    EXPECT_GT([fontAt(text, "Second") pointSize], [fontAt(text, "Third") pointSize]);
+    EXPECT_GT([fontAt(text, "Third") pointSize], [fontAt(text, "plain") pointSize]);
+}
+
+TEST_F(Guide, NoHeadingWithoutABlankOrBelowTheThirdLevel) {
+    EXPECT_EQ(lines("#first\n"), "#first\n");
+    EXPECT_EQ(lines("#### fourth\n"), "#### fourth\n");
+    EXPECT_EQ(lines("#\n"), "#\n");
+}
+
+TEST_F(Guide, CodeAndStrongWordsHaveTheirFonts) {
+    NSAttributedString* const text = laidOut("Type `1+1` for **two** now.\n");
+    EXPECT_EQ(lines(text), "Type 1+1 for two now.\n");
+    EXPECT_TRUE(isCode(fontAt(text, "1+1")));
+    EXPECT_TRUE(isBold(fontAt(text, "two")));
+    EXPECT_FALSE(isCode(fontAt(text, "Type")));
+    EXPECT_FALSE(isBold(fontAt(text, "now")));
+}
+
+TEST_F(Guide, StarsInCodeAreNoMarks) {
+    EXPECT_EQ(lines("The power `2**3` and `a**b`.\n"), "The power 2**3 and a**b.\n");
+}
+
+TEST_F(Guide, BracketsInCodeAreNoLinks) {
+    EXPECT_EQ(lines("Write `[a](b)` so.\n"), "Write [a](b) so.\n");
+}
+
+TEST_F(Guide, FencedCodeIsLeftAsItIs) {
+    NSAttributedString* const text =
+        laidOut("```\n# no heading\n- no item\n\n| no | row |\n  two blanks\n[a](b) `c` **d**\n```\nafter\n");
+    EXPECT_EQ(lines(text), "# no heading\n- no item\n| no | row |\n  two blanks\n[a](b) `c` **d**\nafter\n");
+    EXPECT_TRUE(isCode(fontAt(text, "no heading")));
+    EXPECT_FALSE(isCode(fontAt(text, "after")));
+}
+
+TEST_F(Guide, AFenceThatIsNeverClosedShowsItsCode) {
+    EXPECT_EQ(lines("```\n1+1\n"), "1+1\n");
+}
+
+TEST_F(Guide, ItemsHaveBulletsAndTakeTheirNextLines) {
+    EXPECT_EQ(lines("Before\n- one\n  and more\n- two\n\nAfter\n"),
+              "Before\n\u2022 one and more\n\u2022 two\nAfter\n");
+}
+
+TEST_F(Guide, RowsOfTablesHaveTheirCellsAtTabs) {
+    EXPECT_EQ(lines("| Key | What |\n|---|:---:|\n| a | `b` |\n"), "Key\tWhat\na\tb\n");
+}
+
+TEST_F(Guide, AnEscapedBarIsPartOfItsCell) {
+    EXPECT_EQ(lines("| or | `a \\| b` |\n"), "or\ta | b\n");
+}
+
+TEST_F(Guide, AnEmptyCellKeepsItsColumn) {
+    EXPECT_EQ(lines("| a |  | c |\n"), "a\t\tc\n");
+}
+
+TEST_F(Guide, LinksShowTheirTextAndImagesNothing) {
+    EXPECT_EQ(lines("See [the list](list.md) and [that](x).\n"), "See the list and that.\n");
+    EXPECT_EQ(lines("Look: ![a picture](p.png) there.\n"), "Look:  there.\n");
+    EXPECT_EQ(lines("A vector [1;2] and (3).\n"), "A vector [1;2] and (3).\n");
+    EXPECT_EQ(lines("Half [a link](x\n"), "Half [a link](x\n");
+}
+
+TEST_F(Guide, NothingGivesNothing) {
+    EXPECT_EQ(lines(""), "");
+    EXPECT_EQ(lines("\n\n\n"), "");
+    EXPECT_EQ(lines("|\n||\n"), "");
+}
+
+TEST_F(Guide, OurGuideIsLaidOutWithoutLeftovers) {
+    std::ifstream file(TALLYQUILL_GUIDE);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    ASSERT_GT(bytes.str().size(), 1000U);
+    NSAttributedString* const text = laidOut(bytes.str());
+    ASSERT_GT([text length], 1000U);
+    NSUInteger i = 0;
+    while (i < [text length]) {
+        NSRange run = {0, 0};
+        NSFont* const font = [text attribute:NSFontAttributeName atIndex:i effectiveRange:&run];
+        ASSERT_NE(font, nil);
+        const std::string part = [[[text string] substringWithRange:run] UTF8String];
+        i = NSMaxRange(run);
+        if (isCode(font)) continue; // code may hold anything
+        for (const char* const mark : {"**", "`", "](", "|", "\x01"}) {
+            EXPECT_EQ(part.find(mark), std::string::npos) << part;
+        }
+        EXPECT_NE(part.rfind("# ", 0), 0U) << part;
+        EXPECT_NE(part.rfind("- ", 0), 0U) << part;
+    }
+}
+
+} // namespace
