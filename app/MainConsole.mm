@@ -24,6 +24,8 @@ NSString* prefFilePath = nil;
 
 static const NSSize SMALLEST_WINDOW = {400, 150};
 
+static const NSTimeInterval SHEET_DELAY = 0.4;
+
 // So much of a window has to be on a screen for it to be caught by the mouse.
 static const CGFloat REACHABLE = 40;
 
@@ -223,7 +225,19 @@ static bool isInterrupted() {
 }
 
 - (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector {
-    NSBeginAlertSheet(@"Tallyquill", yes, no, nil, [self window], self, selector, NULL, NULL, @"%@", message);
+    NSArray* const sheet = [NSArray
+        arrayWithObjects:message, yes, no ? no : @"", selector ? NSStringFromSelector(selector) : @"", nil];
+    // A sheet may keep the program until it is answered, and a window that is only now appearing has not got the
+    // keyboard yet.
+    [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
+}
+
+- (void)presentSheet:(NSArray*)sheet {
+    NSString* const no = [sheet objectAtIndex:2];
+    NSString* const selector = [sheet objectAtIndex:3];
+    NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window], self,
+                      [selector length] > 0 ? NSSelectorFromString(selector) : NULL, NULL, NULL, @"%@",
+                      [sheet objectAtIndex:0]);
 }
 
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+//
+// Fades of the window.
+#import "shell_fixture.h"
+
+#import "PrefController.h"
+
+namespace {
+
+int miniaturized = 0;
+
+void recordMiniaturize(id, SEL, id) {
+    miniaturized++;
+}
+
+int redrawn = 0;
+
+void recordRedraw(id, SEL, BOOL needed) {
+    if (needed) redrawn++;
+}
+
+class Fading : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        miniaturized = redrawn = 0;
+    }
+
+    bool isFading() const {
+        Ivar const timer = class_getInstanceVariable([PrefController class], "timer");
+        return object_getIvar(preferences(), timer) != nil;
+    }
+
+    void fade(float target, float rate) { [preferences() fadeWindow:target rate:rate]; }
+
+    // One step of a fade, as its timer would take it.
+    void tick(float target, float rate) {
+        NSArray* const pair = [NSArray
+            arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
+        NSTimer* const timer = [NSTimer timerWithTimeInterval:1000
+                                                       target:preferences()
+                                                     selector:@selector(fadeWin:)
+                                                     userInfo:pair
+                                                      repeats:NO];
+        [preferences() fadeWin:timer];
+        [timer invalidate];
+    }
+
+    // The opacities of the steps, from where the window is, until the fade rests.
+    std::vector<double> steps(float target, float rate) {
+        fade(target, rate);
+        std::vector<double> seen;
+        while (isFading() && seen.size() < 100) {
+            tick(target, rate);
+            seen.push_back(alpha());
+        }
+        return seen;
+    }
+
+    void expectSteps(const std::vector<double>& seen, const std::vector<double>& expected) {
+        ASSERT_EQ(seen.size(), expected.size());
+        for (size_t i = 0; i < seen.size(); i++) EXPECT_NEAR(seen[i], expected[i], 1e-5) << i;
+    }
+
+    const Replaced miniaturize { [NSWindow class], @selector(miniaturize:), recordMiniaturize };
+};
+
+TEST_F(Fading, toANegativeTargetHidesTheApplication) {
+    [window setAlphaValue:1];
+    // The step below zero shows as zero.
+    expectSteps(steps(-1.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
+#ifdef GNUSTEP
+    EXPECT_EQ(miniaturized, 1) << "from where the window manager brings it back";
+#endif
+    EXPECT_TRUE([window isVisible]);
+}
+
+TEST_F(Fading, toZeroTakesTheWindowAway) {
+    [window setAlphaValue:1];
+    expectSteps(steps(0.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
+    EXPECT_FALSE([window isVisible]);
+    EXPECT_EQ(miniaturized, 0);
+}
+
+TEST_F(Fading, toALevelStopsThere) {
+    [window setAlphaValue:1];
+    expectSteps(steps(0.8f, -0.07f), {0.93, 0.86, 0.79, 0.8});
+    EXPECT_TRUE([window isVisible]);
+    EXPECT_EQ(miniaturized, 0);
+}
+
+TEST_F(Fading, risesToOpaque) {
+    [window setAlphaValue:0];
+    expectSteps(steps(1.0f, 0.25f), {0.25, 0.5, 0.75, 1, 1});
+    [window setAlphaValue:0.8];
+    expectSteps(steps(1.0f, 0.15f), {0.95, 1, 1});
+}
+
+TEST_F(Fading, thatIsThereAlreadyEndsWithTheFirstStep) {
+    [window setAlphaValue:0.8];
+    expectSteps(steps(0.8f, -0.05f), {0.8});
+    [window setAlphaValue:1];
+    expectSteps(steps(1.0f, 0.15f), {1});
+    [window setAlphaValue:0.3];
+    expectSteps(steps(0.8f, -0.05f), {0.8}); // falling, and below it already
+}
+
+TEST_F(Fading, itsEndDrawsTheWindowAnew) {
+    [window setAlphaValue:1];
+    fade(0.9f, -0.05f);
+    const Replaced redraw([NSView class], @selector(setNeedsDisplay:), recordRedraw);
+    tick(0.9f, -0.06f);
+    EXPECT_EQ(redrawn, 0);
+    tick(0.9f, -0.06f);
+    tick(0.9f, -0.06f);
+    EXPECT_GT(redrawn, 0);
+    EXPECT_FALSE(isFading());
+}
+
+TEST_F(Fading, withARateOfZeroOrOfOneAndMoreIsDoneAtOnce) {
+    for (const float rate : {0.0f, 1.0f, -1.0f, 2.5f, -7.0f}) {
+        [window setAlphaValue:1];
+        fade(0.4f, rate);
+        EXPECT_NEAR(alpha(), 0.4, 1e-6) << rate;
+        EXPECT_FALSE(isFading()) << rate;
+    }
+    fade(0.5f, 0.99f);
+    EXPECT_TRUE(isFading());
+    EXPECT_NEAR(alpha(), 0.4, 1e-6);
+}
+
+TEST_F(Fading, runsOnATimer) {
+    [window setAlphaValue:1];
+    fade(0.8f, -0.05f);
+    EXPECT_TRUE(isFading());
+    EXPECT_EQ(alpha(), 1);
+    run(0.05);
+    EXPECT_LT(alpha(), 1);
+    for (int i = 0; i < 100 && isFading(); i++) run(0.05);
+    EXPECT_FALSE(isFading());
+    EXPECT_NEAR(alpha(), 0.8, 1e-6);
+}
+
+TEST_F(Fading, aNewOneEndsTheOld) {
+    [window setAlphaValue:1];
+    fade(-1.0f, -0.3f);
+    run(0.04);
+    fade(1.0f, 0.25f);
+    for (int i = 0; i < 100 && isFading(); i++) run(0.05);
+    run(0.2);
+    EXPECT_NEAR(alpha(), 1, 1e-6);
+    EXPECT_EQ(miniaturized, 0);
+    fade(-1.0f, -0.3f);
+    fade(0.5f, 0);
+    run(0.2);
+    EXPECT_NEAR(alpha(), 0.5, 1e-6);
+    EXPECT_EQ(miniaturized, 0);
+}
+
+} // namespace

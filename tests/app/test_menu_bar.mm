@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+//
+// The menu bar: every item is taken by someone, and does what it says.
+#import "shell_fixture.h"
+
+#import "GuideWindow.h"
+#import "Interface.h"
+#import "PrefController.h"
+
+#include <set>
+
+namespace {
+
+struct Entry {
+    std::string menu;
+    NSMenuItem* item;
+};
+
+int guides = 0;
+int alertsOfGuide = 0;
+NSString* guidePath = nil;
+
+NSString* pathOfTests(id, SEL, NSString* name, NSString* type) {
+    return [name isEqualToString:@"guide"] && [type isEqualToString:@"md"] ? guidePath : nil;
+}
+
+class MenuBar : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        buildMenus(reinterpret_cast<PelmoAppDelegate*>(delegate));
+        [window makeKeyAndOrderFront:nil];
+    }
+    void TearDown() override {
+        [NSApp setMainMenu:[[[NSMenu alloc] initWithTitle:@""] autorelease]];
+        [NSApp setWindowsMenu:nil];
+        ShellTest::TearDown();
+    }
+
+    static NSMenuItem* at(NSMenu* menu, NSInteger place) { return [menu itemAtIndex:place]; }
+
+    // All but the separators.
+    std::vector<Entry> items() const {
+        std::vector<Entry> found;
+        NSMenu* const bar = [NSApp mainMenu];
+        for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
+            NSMenu* const menu = [at(bar, i) submenu];
+            for (NSInteger j = 0; j < [menu numberOfItems]; j++) {
+                if ([at(menu, j) isSeparatorItem]) continue;
+                if ([at(menu, j) action] == @selector(makeKeyAndOrderFront:)) continue; // a window's own
+                found.push_back({[[menu title] UTF8String], at(menu, j)});
+            }
+        }
+        return found;
+    }
+
+    NSMenuItem* item(const char* title) const {
+        for (const Entry& entry : items()) {
+            if (strcmp([[entry.item title] UTF8String], title) == 0) return entry.item;
+        }
+        ADD_FAILURE() << "no item " << title;
+        return nil;
+    }
+
+    // Who carries the item out when the console has the keys.
+    id taker(NSMenuItem* item) const {
+        if ([item target]) return [[item target] respondsToSelector:[item action]] ? [item target] : nil;
+        for (NSResponder* one = console; one; one = [one nextResponder]) {
+            if ([one respondsToSelector:[item action]]) return one;
+        }
+        return [NSApp respondsToSelector:[item action]] ? NSApp : nil;
+    }
+
+    bool isEnabled(NSMenuItem* item) const {
+        const id one = taker(item);
+        return ![one respondsToSelector:@selector(validateMenuItem:)] || [one validateMenuItem:item];
+    }
+
+    void choose(const char* title) {
+        NSMenuItem* const chosen = item(title);
+        [taker(chosen) performSelector:[chosen action] withObject:chosen];
+    }
+};
+
+TEST_F(MenuBar, hasTheUsualMenus) {
+    std::vector<std::string> titles;
+    NSMenu* const bar = [NSApp mainMenu];
+    for (NSInteger i = 0; i < [bar numberOfItems]; i++) titles.push_back([[at(bar, i) title] UTF8String]);
+    EXPECT_EQ(titles, std::vector<std::string>({"Tallyquill", "File", "Edit", "Display", "Window", "Help"}));
+}
+
+TEST_F(MenuBar, itsItemsHaveTheUsualKeys) {
+    std::vector<std::string> found;
+    for (const Entry& entry : items()) {
+        found.push_back(entry.menu + " / " + [[entry.item title] UTF8String] + " / " +
+                        [[entry.item keyEquivalent] UTF8String]);
+    }
+    const std::vector<std::string> expected = {"Tallyquill / About Tallyquill / ",
+                                               "Tallyquill / Preferences... / ,",
+                                               "Tallyquill / Hide Tallyquill / h",
+                                               "Tallyquill / Quit Tallyquill / q",
+                                               "File / New / n",
+                                               "File / Open Script... / o",
+                                               "File / Save Script... / s",
+                                               "File / Save Script As... / S",
+                                               "Edit / Undo / z",
+                                               "Edit / Redo / Z",
+                                               "Edit / Cut / x",
+                                               "Edit / Copy / c",
+                                               "Edit / Paste / v",
+                                               "Edit / Select All / a",
+                                               "Display / Binary / 1",
+                                               "Display / Decimal / 2",
+                                               "Display / Hexadecimal / 3",
+                                               "Window / Minimize / m",
+                                               "Window / Zoom / ",
+                                               "Window / Close / w",
+                                               "Window / Bring All to Front / ",
+                                               "Help / Tallyquill Guide / ?",
+                                               "Help / Tutorial / "};
+    EXPECT_EQ(found, expected);
+}
+
+TEST_F(MenuBar, noKeyStandsForTwoItems) {
+    std::set<std::string> keys;
+    for (const Entry& entry : items()) {
+        const std::string key = [[entry.item keyEquivalent] UTF8String];
+        if (!key.empty()) EXPECT_TRUE(keys.insert(key).second) << key;
+    }
+}
+
+TEST_F(MenuBar, everyItemIsTakenBySomeone) {
+    for (const Entry& entry : items()) {
+        EXPECT_NE(taker(entry.item), nil) << entry.menu << " / " << [[entry.item title] UTF8String];
+    }
+}
+
+TEST_F(MenuBar, onlyRedoAndAHiddenWindowAreDisabled) {
+    for (const Entry& entry : items()) {
+        const std::string title = [[entry.item title] UTF8String];
+        EXPECT_EQ(isEnabled(entry.item), title != "Redo") << title;
+    }
+    mainWinIsHidden = 1;
+    EXPECT_FALSE(isEnabled(item("Hide Tallyquill")));
+}
+
+// --- Edit ---
+
+TEST_F(MenuBar, undoAndRedoWalkThroughTheEntry) {
+    type("12");
+    [[console undoManager] endUndoGrouping];
+    EXPECT_EQ(status(), "ans = 12");
+    choose("Undo");
+    const std::string left = entry();
+    EXPECT_LT(left.size(), 2u);
+    EXPECT_TRUE(isEnabled(item("Redo")));
+    choose("Redo");
+    EXPECT_EQ(entry(), "12");
+    EXPECT_EQ(status(), "ans = 12");
+    EXPECT_FALSE(isEnabled(item("Redo")));
+    choose("Redo"); // nothing to redo: harmless
+    EXPECT_EQ(text(), "> 12");
+}
+
+TEST_F(MenuBar, anAnsweredEntryIsNeitherUndoneNorRedone) {
+    enter("1+1");
+    const std::string shown = text();
+    choose("Undo");
+    EXPECT_EQ(text(), shown);
+    EXPECT_FALSE(isEnabled(item("Redo")));
+    choose("Redo");
+    EXPECT_EQ(text(), shown);
+}
+
+TEST_F(MenuBar, selectAllAndCopyTakeTheWholeText) {
+    enter("1+1");
+    choose("Select All");
+    EXPECT_EQ(selected(), text());
+    choose("Copy");
+    EXPECT_EQ(pasteboard(), text());
+}
+
+TEST_F(MenuBar, pasteInserts) {
+    setPasteboard("6*7");
+    choose("Paste");
+    EXPECT_EQ(entry(), "6*7");
+    EXPECT_EQ(status(), "ans = 42");
+}
+
+// --- The others ---
+
+TEST_F(MenuBar, newClearsTheConsole) {
+    enter("1+1");
+    choose("New");
+    EXPECT_EQ(text(), "> ");
+}
+
+TEST_F(MenuBar, displayChangesTheBaseAndChecksItsItem) {
+    const char* const titles[] = {"Binary", "Decimal", "Hexadecimal"};
+    const int bases[] = {2, 10, 16};
+    for (int i = 0; i < 3; i++) {
+        choose(titles[i]);
+        EXPECT_EQ(setting("dispbase"), bases[i]);
+        for (int j = 0; j < 3; j++) EXPECT_EQ([item(titles[j]) state], i == j ? NSOnState : NSOffState);
+    }
+}
+
+TEST_F(MenuBar, preferencesOpenThePanel) {
+    choose("Preferences...");
+    EXPECT_TRUE([[preferences() prefWindow] isVisible]);
+    EXPECT_EQ(prefWinIsOpen, 1);
+}
+
+TEST_F(MenuBar, hideFadesTheWindowAway) {
+    [[preferences() prefWindow] makeKeyAndOrderFront:nil];
+    choose("Hide Tallyquill");
+    EXPECT_EQ(mainWinIsHidden, 1);
+}
+
+TEST_F(MenuBar, closeClosesTheWindow) {
+    choose("Close");
+    EXPECT_FALSE([window isVisible]);
+}
+
+TEST_F(MenuBar, helpOpensTheGuide) {
+    const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
+    guidePath = nil;
+    choose("Tallyquill Guide");
+    ASSERT_EQ(alerts.size(), 1u);
+    EXPECT_EQ(alerts[0].find("The guide is missing."), 0u);
+    guidePath = [NSString stringWithUTF8String:TALLYQUILL_RESOURCES "/../../docs/guide.md"];
+    choose("Tallyquill Guide");
+    EXPECT_EQ(alerts.size(), 1u);
+    NSWindow* guide = nil;
+    NSArray* const windows = [NSApp windows];
+    for (NSUInteger i = 0; i < [windows count]; i++) {
+        NSWindow* const one = [windows objectAtIndex:i];
+        if ([[one title] rangeOfString:@"Guide"].location != NSNotFound) guide = one;
+    }
+    ASSERT_NE(guide, nil);
+    EXPECT_TRUE([guide isVisible]);
+    [guide close];
+}
+
+} // namespace

@@ -1,0 +1,417 @@
+// SPDX-License-Identifier: MIT
+//
+// The start of the program: its order, the sheets of some starts, and files handed over.
+#import "shell_fixture.h"
+
+#import "Interface.h"
+#import "MainWindowDelegate.h"
+
+#include "units.h"
+
+#include <fstream>
+#include <memory>
+#include <sys/stat.h>
+
+namespace {
+
+// --- What is sent during a start ---
+
+std::vector<std::string> sent;
+std::map<std::string, IMP> originals;
+
+template <typename... Arguments> void record(id self, SEL selector, Arguments... arguments) {
+    const std::string name = sel_getName(selector);
+    sent.push_back(name);
+    reinterpret_cast<void (*)(id, SEL, Arguments...)>(originals[name])(self, selector, arguments...);
+}
+
+class Recorder {
+public:
+    template <typename Function> void watch(Class type, const char* name, Function* replacement) {
+        replaced.push_back(std::make_unique<Replaced>(type, sel_registerName(name), replacement));
+        originals[name] = replaced.back()->implementation();
+    }
+    void watch(Class type, const char* name) { watch(type, name, &record<>); }
+
+    Recorder() { sent.clear(); }
+    ~Recorder() {
+        while (!replaced.empty()) replaced.pop_back();
+    }
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+
+private:
+    std::vector<std::unique_ptr<Replaced>> replaced;
+};
+
+// --- Stand-ins ---
+
+NSString* commaNumber(id, SEL, NSNumber*) {
+    return @"6,7";
+}
+
+NSString* pointNumber(id, SEL, NSNumber*) {
+    return @"6.7";
+}
+
+std::vector<std::string> loaded; // by loadFile:
+BOOL loadResult = YES;
+uint8_t readyWhenLoading = 0;
+
+BOOL recordLoad(id, SEL, NSString* path) {
+    loaded.push_back([path UTF8String]);
+    readyWhenLoading = calcIsReady;
+    return loadResult;
+}
+
+NSWindow* initializedWith = nil;
+bool consoleHadKeys = false;
+uint8_t readyWhenInitialized = 0;
+
+void recordInitialize(id self, SEL, NSWindow* window) {
+    initializedWith = window;
+    consoleHadKeys = [window firstResponder] == self;
+    readyWhenInitialized = calcIsReady;
+}
+
+int itemsCreated = 0;
+
+void recordCreateItem(id, SEL) {
+    itemsCreated++;
+}
+
+int tutorials = 0;
+
+void recordTutorial(id, SEL, id) {
+    tutorials++;
+}
+
+// The sheet that a test hands to the end of a sheet.
+int closedSheets = 0;
+
+} // namespace
+
+@interface SheetProbe : NSObject
+- (void)orderOut:(id)sender;
+@end
+
+@implementation SheetProbe
+- (void)orderOut:(id)sender {
+    (void)sender;
+    closedSheets++;
+}
+@end
+
+namespace {
+
+class Startup : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        closedSheets = tutorials = itemsCreated = 0;
+        loaded.clear();
+        loadResult = YES;
+        readyWhenLoading = 0;
+    }
+
+    // A start whose counter stood at this.
+    void startAfter(int starts) {
+        setSetting("firstrun", starts);
+        startAgain();
+    }
+
+    // What the application's launch does around the console's own start-up.
+    void launch() {
+        const Replaced initialize([MainConsole class], @selector(initializeConsole:), recordInitialize);
+        const Replaced load([MainConsole class], @selector(loadFile:), recordLoad);
+        const Replaced create([PelmoAppDelegate class], @selector(createAppStatusItem), recordCreateItem);
+        [window makeFirstResponder:nil];
+        [application() applicationDidFinishLaunching:nil];
+    }
+
+    id application() const { return reinterpret_cast<id>(delegate); }
+
+    BOOL openFile(NSString* path) {
+        const Replaced load([MainConsole class], @selector(loadFile:), recordLoad);
+        return [application() application:NSApp openFile:path];
+    }
+
+    SheetProbe* sheet() { return [[[SheetProbe alloc] init] autorelease]; }
+};
+
+// --- The console's order ---
+
+TEST_F(Startup, goesInOrder) {
+    terminate();
+    {
+        Recorder recorder;
+        const char* const plain[] = {"clearConsole",         "loadSettings",       "testUnits",
+                                     "loadFuncFile",         "populateVarsMenu",   "populateFuncMenu",
+                                     "initWindowProperties", "initWindowLocation", "countStart"};
+        for (const char* const name : plain) recorder.watch([MainConsole class], name);
+        recorder.watch([MainConsole class], "setDegreeMode:", &record<int>);
+        recorder.watch([MainConsole class], "setDisplayBase::", &record<int, BOOL>);
+        restart();
+    }
+    const std::vector<std::string> expected = {
+        "clearConsole",       "loadSettings",     "testUnits",
+        "loadFuncFile",       "setDegreeMode:",   "setDisplayBase::",
+        "populateVarsMenu",   "populateFuncMenu", "initWindowProperties",
+        "initWindowLocation",
+        "initWindowLocation", // once more: a menu in the window makes it larger when it appears
+        "countStart"};
+    EXPECT_EQ(sent, expected);
+}
+
+TEST_F(Startup, handsTheSettingsToTheEngine) {
+    const std::map<std::string, int> chosen = {{"european", 1},  {"sigfigs", 7},  {"schar", '\''},
+                                               {"separator", 1}, {"twoscomp", 1}, {"degmode", 0},
+                                               {"dispbase", 16}, {"histsz", 3},   {"statusicon", 1}};
+    for (const auto& [key, value] : chosen) setSetting(key.c_str(), value);
+    startAfter(5);
+    EXPECT_TRUE(calc.initialized);
+    EXPECT_TRUE(calc.european);
+    EXPECT_EQ(calc.sigFigs, 7);
+    EXPECT_EQ(calc.separatorChar, '\'');
+    EXPECT_TRUE(calc.useSeparator);
+    EXPECT_TRUE(calc.twosComp);
+    EXPECT_FALSE(calc.degreeMode);
+    EXPECT_EQ([outlet("ctrlBase") selectedSegment], 2);
+    EXPECT_EQ([outlet("ctrlDegMode") selectedSegment], 1);
+    for (const char* const line : {"1", "2", "3", "4"}) enter(line);
+    EXPECT_NE(calc.history.GetHistoryStr(3), nullptr);
+    EXPECT_EQ(calc.history.GetHistoryStr(4), nullptr);
+    for (const auto& [key, value] : chosen) EXPECT_EQ(setting(key.c_str()), value) << key;
+}
+
+TEST_F(Startup, leavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
+    EXPECT_EQ(text(), "> ");
+    EXPECT_TRUE([window isVisible]);
+    EXPECT_FALSE([window isOpaque]);
+    EXPECT_FALSE([console drawsBackground]);
+    EXPECT_FALSE([[console enclosingScrollView] drawsBackground]);
+    EXPECT_EQ([window minSize].width, 400);
+    EXPECT_EQ([window minSize].height, 150);
+    EXPECT_GT([outlet("menuFuncs") numberOfItems], 1);
+    EXPECT_TRUE(alerts.empty());
+}
+
+TEST_F(Startup, theSavedPlaceComesBackWithoutSnapping) {
+    setSetting("snaptoscreen", 1);
+    [[application() windowDelegate]
+        placeWindow:NSMakeRect(10, 300, 512, 301)]; // 10 points inside: near enough
+    startAgain();
+    EXPECT_TRUE(NSEqualRects([window frame], NSMakeRect(10, 300, 512, 301)))
+        << [NSStringFromRect([window frame]) UTF8String];
+}
+
+TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
+    for (const NSRect& lost : {NSMakeRect(5000, 300, 500, 300), NSMakeRect(-490, 300, 500, 300),
+                               NSMakeRect(300, -3000, 500, 300)}) {
+        terminate();
+        std::string file = read(settingsPath());
+        const auto put = [&file](const char* key, CGFloat value) {
+            const std::string tag = std::string("<key>") + key + "</key>";
+            const size_t from = file.find("<integer>", file.find(tag)) + 9;
+            file.replace(from, file.find('<', from) - from, std::to_string(static_cast<int>(value)));
+        };
+        put("x", NSMinX(lost));
+        put("y", NSMinY(lost));
+        put("cx", NSWidth(lost));
+        put("cy", NSHeight(lost));
+        write(settingsPath(), file);
+        restart();
+        const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+        EXPECT_TRUE(NSContainsRect(screen, [window frame])) << [NSStringFromRect(lost) UTF8String];
+        EXPECT_EQ(NSWidth([window frame]), 500);
+        EXPECT_EQ(NSHeight([window frame]), 300);
+    }
+}
+
+// --- The units' self-test ---
+
+void clearWithoutFeet(id self, SEL selector) {
+    reinterpret_cast<void (*)(id, SEL)>(originals["clearConsole"])(self, selector);
+    units_convert("m", "ft");       // builds the catalogue
+    EXPECT_FALSE(removeUnit("ft")); // no error
+}
+
+TEST_F(Startup, aFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
+    terminate();
+    {
+        Recorder recorder;
+        recorder.watch([MainConsole class], "clearConsole", clearWithoutFeet);
+        restart();
+    }
+    EXPECT_EQ(alerts, std::vector<std::string>{
+                          "Units converter initialization error.\ninvalid unit name 'ft' in 'ft'"});
+    EXPECT_EQ(units_check_exception(), nullptr);
+    enter("2+3");
+    EXPECT_EQ(text(), "> 2+3\nans = 5\n\n> ");
+}
+
+// --- The start counter and its sheets ---
+
+TEST_F(Startup, theFirstRunOffersTheTutorial) {
+    ASSERT_EQ(sheets.size(), 1u);
+    EXPECT_EQ(sheets[0].message, "This is your first run.\nShow 45-second quick tutorial?");
+    EXPECT_EQ(sheets[0].yes, "Run Tutorial");
+    EXPECT_EQ(sheets[0].no, "No thanks.");
+    EXPECT_EQ(sheets[0].selector, "tutorialSheetDidEnd:returnCode:contextInfo:");
+    EXPECT_EQ(setting("firstrun"), 2);
+    startAgain();
+    EXPECT_TRUE(sheets.empty());
+    EXPECT_EQ(setting("firstrun"), 3);
+}
+
+TEST_F(Startup, aCounterOfZeroIsAFirstRunToo) {
+    startAfter(0);
+    EXPECT_EQ(sheets.size(), 1u);
+    EXPECT_EQ(setting("firstrun"), 2);
+}
+
+TEST_F(Startup, theTwentiethAndTheHundredthStartAskForAReview) {
+    for (const int starts : {2, 17, 18, 20, 98, 100, 199, 1000}) {
+        startAfter(starts);
+        EXPECT_TRUE(sheets.empty()) << starts;
+        EXPECT_EQ(setting("firstrun"), starts + 1);
+    }
+    for (const int starts : {19, 99}) {
+        startAfter(starts);
+        ASSERT_EQ(sheets.size(), 1u) << starts;
+        EXPECT_EQ(sheets[0].message, "If you like Tallyquill, please consider leaving a review.");
+        EXPECT_EQ(sheets[0].yes, "Leave Review");
+        EXPECT_EQ(sheets[0].no, "No thanks.");
+        EXPECT_EQ(sheets[0].selector, "reviewSheetDidEnd:returnCode:contextInfo:");
+        EXPECT_EQ(setting("firstrun"), starts + 1);
+    }
+}
+
+TEST_F(Startup, aLocaleWithADecimalCommaDecidesTheMarksOfTheFirstRun) {
+    const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
+    startAfter(1);
+    EXPECT_EQ(setting("european"), 1);
+    EXPECT_EQ(setting("schar"), '.');
+    EXPECT_TRUE(calc.european);
+    enter("1,5*3");
+    EXPECT_EQ(text(), "> 1,5*3\nans = 4,5\n\n> ");
+}
+
+TEST_F(Startup, theLocaleCountsInTheFirstRunAlone) {
+    {
+        const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
+        startAfter(2);
+        EXPECT_EQ(setting("european"), 0);
+        EXPECT_EQ(setting("schar"), ',');
+    }
+    const Replaced point([NSNumberFormatter class], @selector(stringFromNumber:), pointNumber);
+    startAfter(1);
+    EXPECT_EQ(setting("european"), 0);
+    EXPECT_EQ(setting("schar"), ',');
+}
+
+// --- The ends of the sheets ---
+
+TEST_F(Startup, theTutorialRunsOnTheDefaultButtonOnly) {
+    const Replaced tutorial([MainConsole class], @selector(tutorial:), recordTutorial);
+    NSWindow* const probe = reinterpret_cast<NSWindow*>(sheet());
+    [console tutorialSheetDidEnd:probe returnCode:0 contextInfo:nullptr];
+    [console tutorialSheetDidEnd:probe returnCode:-1 contextInfo:nullptr];
+    EXPECT_EQ(closedSheets + tutorials, 0);
+    [console tutorialSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
+    EXPECT_EQ(closedSheets, 1);
+    EXPECT_EQ(tutorials, 1);
+}
+
+NSDictionary* environment = nil;
+
+id environmentOfPrograms(id, SEL) {
+    return environment;
+}
+
+// Opening a page starts a program, which is a script of ours here.
+TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
+    const std::string opened = home + "/opened";
+    write(home + "/xdg-open", "#!/bin/sh\nprintf %s \"$1\" >'" + opened + "'\n");
+    ASSERT_EQ(chmod((home + "/xdg-open").c_str(), 0700), 0);
+    NSString* const path = [NSString stringWithFormat:@"%s:/usr/bin:/bin", home.c_str()];
+    environment = [NSDictionary dictionaryWithObject:path forKey:@"PATH"];
+    const Replaced programs([NSProcessInfo class], @selector(environment), environmentOfPrograms);
+    NSWindow* const probe = reinterpret_cast<NSWindow*>(sheet());
+    [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
+    EXPECT_EQ(closedSheets, 1);
+    NSDictionary* const page = [NSDictionary dictionaryWithObject:@"https://example.org/review"
+                                                           forKey:@"ReviewPageURL"];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:page];
+    [console reviewSheetDidEnd:probe returnCode:0 contextInfo:nullptr];
+    EXPECT_EQ(closedSheets, 1);
+    run(0.3);
+    EXPECT_FALSE(exists(opened)) << "no page is set, or another button was pressed";
+    [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
+    EXPECT_EQ(closedSheets, 2);
+    for (int i = 0; i < 100 && read(opened).empty(); i++) run(0.05);
+    EXPECT_EQ(read(opened), "https://example.org/review");
+}
+
+// --- The application's launch ---
+
+TEST_F(Startup, theLaunchGivesTheConsoleTheKeysAndStartsIt) {
+    launch();
+    EXPECT_TRUE(consoleHadKeys);
+    EXPECT_EQ(initializedWith, window);
+    EXPECT_EQ(readyWhenInitialized, 0);
+    EXPECT_EQ(calcIsReady, 1);
+    EXPECT_TRUE(loaded.empty());
+}
+
+TEST_F(Startup, theStatusItemIsMadeWhenTheSettingIsOne) {
+    setSetting("statusicon", 0);
+    launch();
+    EXPECT_EQ(itemsCreated, 0);
+    setSetting("statusicon", 1);
+    launch();
+    EXPECT_EQ(itemsCreated, 1);
+}
+
+#ifdef GNUSTEP
+TEST_F(Startup, withoutAStatusBarThereIsNoItemAndTheSettingStays) {
+    setSetting("statusicon", 1);
+    [application() createAppStatusItem];
+    Ivar const item = class_getInstanceVariable([PelmoAppDelegate class], "statusItem");
+    EXPECT_EQ(object_getIvar(application(), item), nil);
+    [application() removeAppStatusItem];
+    EXPECT_EQ(setting("statusicon"), 1);
+}
+#endif
+
+TEST_F(Startup, aFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
+    EXPECT_TRUE(openFile(@"/a.script"));
+    EXPECT_TRUE(openFile(@"/b.script")); // there is room for one
+    EXPECT_TRUE(loaded.empty());
+    launch();
+    EXPECT_EQ(loaded, std::vector<std::string>{"/b.script"});
+    EXPECT_EQ(readyWhenLoading, 1);
+    EXPECT_EQ(waitingToOpenFilename, nil);
+    launch();
+    EXPECT_EQ(loaded.size(), 1u);
+}
+
+TEST_F(Startup, aFileHandedOverLaterIsLoadedAtOnce) {
+    calcIsReady = 1;
+    EXPECT_TRUE(openFile(@"/c.script"));
+    EXPECT_EQ(loaded, std::vector<std::string>{"/c.script"});
+    EXPECT_EQ(waitingToOpenFilename, nil);
+    loadResult = NO;
+    EXPECT_FALSE(openFile(@"/missing.script"));
+}
+
+TEST_F(Startup, aFileHandedOverIsReplayed) {
+    const std::string path = home + "/x.script";
+    write(path, "6*7\n");
+    calcIsReady = 1;
+    EXPECT_TRUE([application() application:NSApp openFile:[NSString stringWithUTF8String:path.c_str()]]);
+    EXPECT_NE(text().find("ans = 42"), std::string::npos);
+    EXPECT_FALSE([application() application:NSApp openFile:@"/nowhere/x.script"]);
+}
+
+} // namespace
