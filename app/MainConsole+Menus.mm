@@ -52,8 +52,9 @@ static int prevbase = 0;
     calc.FormatResult(base, text, calc.sigFigs, calc.sciMode, calc.twosComp,
                       calc.useSeparator ? calc.separatorChar : '\0');
     qmov(shown, calc.result);
-    std::string line = lastResult.entry + " = " + text + "\n";
-    calc.ProcessStringEuropean(line.data());
+    // The entry is as it was typed, in the user's notation already.
+    calc.ProcessStringEuropean(text);
+    const std::string line = lastResult.entry + " = " + text + "\n";
     [self insertPrePrompt:line.c_str():3];
 }
 
