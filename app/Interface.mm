@@ -110,10 +110,10 @@ static void buildControls(NSView* content, MainConsole* console) {
 NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
     const NSUInteger style =
         NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask;
-    NSWindow* const window = [[[NSWindow alloc] initWithContentRect:FIRST_FRAME
-                                                          styleMask:style
-                                                            backing:NSBackingStoreBuffered
-                                                              defer:NO] autorelease];
+    NSWindow* const window = [[[MainWindow alloc] initWithContentRect:FIRST_FRAME
+                                                            styleMask:style
+                                                              backing:NSBackingStoreBuffered
+                                                                defer:NO] autorelease];
     [window setTitle:@"Tallyquill"];
     [window setReleasedWhenClosed:NO];
     [window setBackgroundColor:[NSColor colorWithCalibratedWhite:0.16 alpha:1]];
@@ -128,7 +128,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
                                                    NSHeight(bounds) - STATUS_HEIGHT - CONTROLS_HEIGHT),
                                         console)];
     NSTextField* const status =
-        buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT));
+        buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT - 2));
     [content addSubview:status];
     [console setAnswerStatus:status];
     buildControls(content, console);

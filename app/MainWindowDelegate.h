@@ -19,6 +19,10 @@ extern NSPoint windLocOrig;
 extern float ddX;
 extern float ddY;
 
+// The main window. It may stand partly outside the screens, as the person or a snap leaves it.
+@interface MainWindow : NSWindow
+@end
+
 // The window's next responder too, so that the drags arrive that no view takes.
 @interface MainWindowDelegate : NSResponder {
     NSWindow* window;         // not retained

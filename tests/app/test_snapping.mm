@@ -176,6 +176,13 @@ TEST_F(Snapping, optionHoldsTheWindow) {
     expectOrigin(340, 240);
 }
 
+TEST_F(Snapping, aDragGoesPartlyOutOfTheScreen) {
+    mouse = NSMakePoint(310, 210);
+    [mover() windowWillMove:nil];
+    dragTo(-50, 60);
+    expectOrigin(-60, 50);
+}
+
 TEST_F(Snapping, onlyTheLeftButtonDrags) {
     mouse = NSMakePoint(310, 210);
     [mover() windowWillMove:nil];
