@@ -5,7 +5,7 @@
 
 static const CGFloat TEXT_SIZE_POINTS = 13;
 static const CGFloat MARGIN = 16;
-static const CGFloat COLUMN = 170;
+static const CGFloat COLUMN = 190;
 
 static NSColor* ink(CGFloat white) {
     return [NSColor colorWithCalibratedWhite:white alpha:1];
@@ -22,15 +22,15 @@ static NSParagraphStyle* paragraph(CGFloat indent) {
 }
 
 // The rows of a table: the second and third columns begin at tab stops.
-static NSParagraphStyle* row() {
+static NSParagraphStyle* row(NSUInteger cells) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     NSMutableArray* const stops = [NSMutableArray array];
-    const CGFloat columns[] = {COLUMN, 2 * COLUMN};
+    const CGFloat columns[] = {COLUMN, 2 * COLUMN - 10};
     for (const CGFloat column : columns) {
         [stops addObject:[[[NSTextTab alloc] initWithType:NSLeftTabStopType location:column] autorelease]];
     }
     [style setTabStops:stops];
-    [style setHeadIndent:COLUMN];
+    [style setHeadIndent:cells > 2 ? columns[1] : columns[0]];
     return style;
 }
 
@@ -131,7 +131,7 @@ static void appendRow(NSMutableAttributedString* out, NSString* line) {
     }
     while ([[cells lastObject] length] == 0 && [cells count] > 0) [cells removeLastObject];
     if ([cells count] == 0) return;
-    appendLine(out, [cells componentsJoinedByString:@"\t"], row());
+    appendLine(out, [cells componentsJoinedByString:@"\t"], row([cells count]));
 }
 
 static void appendHeading(NSMutableAttributedString* out, NSString* line, NSUInteger level) {

@@ -4,19 +4,28 @@
 #import "Interface.h"
 
 #import "MainConsole.h"
+#import "NightTheme.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 #import "PrefController.h"
 #import "TextFormatter.h"
 
-static const CGFloat WIDTH = 440;
-static const CGFloat HEIGHT = 508;
-static const CGFloat EDGE = 20;
-static const CGFloat LABELS = 150; // the width of the labels' column
+static const CGFloat WIDTH = 432;
+static const CGFloat HEIGHT = 516;
+static const CGFloat EDGE = 24;
+static const CGFloat LABELS = 126; // the width of the labels' column
 static const CGFloat GAP = 10;
 static const CGFloat ROW = 28;
 static const CGFloat SECTION = 12; // the space between sections
 static const CGFloat HIGH = 22;    // a control's height
+
+static void makeLabel(NSTextField* field) {
+    [field setEditable:NO];
+    [field setSelectable:NO];
+    [field setBezeled:NO];
+    [field setBordered:NO];
+    [field setDrawsBackground:NO];
+}
 
 // Places rows from top to bottom and links the controls for the Tab key in that order.
 struct Grid {
@@ -34,11 +43,7 @@ struct Grid {
         NSTextField* const field =
             [[[NSTextField alloc] initWithFrame:NSMakeRect(EDGE, y - 3, LABELS, HIGH)] autorelease];
         [field setStringValue:text];
-        [field setEditable:NO];
-        [field setSelectable:NO];
-        [field setBezeled:NO];
-        [field setBordered:NO];
-        [field setDrawsBackground:NO];
+        makeLabel(field);
         [field setAlignment:NSRightTextAlignment];
         [view addSubview:field];
     }
@@ -72,7 +77,7 @@ struct Grid {
     }
 
     NSColorWell* well() {
-        NSColorWell* const colors = [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+        NSColorWell* const colors = makeColorWell();
         add(colors, column(), 60);
         return colors;
     }
@@ -100,9 +105,10 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     made.prefEuropean = grid.box(@"Decimal comma");
     made.prefTwosComp = grid.box(@"Two's complement in hex and binary");
     grid.label(@"Sample:");
-    made.prefNumPreview = grid.field(170);
-    [made.prefNumPreview setEditable:NO];
-    [made.prefNumPreview setSelectable:NO];
+    made.prefNumPreview = grid.field(220);
+    [made.prefNumPreview setFrameOrigin:NSMakePoint(grid.column(), grid.y - 3)];
+    makeLabel(made.prefNumPreview);
+    [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     grid.nextRow();
 }
 

@@ -14,4 +14,8 @@ void useNightTheme();
 // before the labels are set.
 void centerSegmentLabels(NSSegmentedControl* control);
 
+// A colour well. GNUstep's own shows little of its color, nor whether it has the keyboard's focus, and heeds no key;
+// this one opens the color panel with the space bar and with Return.
+NSColorWell* makeColorWell();
+
 #endif

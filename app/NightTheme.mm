@@ -20,6 +20,11 @@ static NSColor* accent() {
     return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
 }
 
+// The keyboard's focus: bright, since it is but a line.
+static NSColor* focus() {
+    return [NSColor colorWithCalibratedRed:0.13 green:0.72 blue:0.74 alpha:1];
+}
+
 static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
     NSBezierPath* const path = [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(frame, 0.5, 0.5)
                                                                xRadius:CORNER
@@ -111,12 +116,17 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                                         inView:(NSView*)view
                                          state:(GSThemeControlState)state
                                   isHorizontal:(BOOL)horizontal {
-    (void)cell;
-    (void)view;
-    (void)horizontal;
     const bool isSelected = state == GSThemeSelectedState || state == GSThemeHighlightedState;
     [isSelected ? accent() : gray(WINDOW) set];
     NSRectFill(frame);
+    if (horizontal) return;
+    // The items cover the menu's frame at the right and below.
+    [gray(EDGE) set];
+    NSRectFill(NSMakeRect(NSMaxX(frame) - 1, NSMinY(frame), 1, NSHeight(frame)));
+    const bool isLowest = NSMinY(frame) <= 1;
+    if (isLowest && ![view isFlipped])
+        NSRectFill(NSMakeRect(NSMinX(frame), NSMinY(frame), NSWidth(frame), 1));
+    (void)cell;
 }
 
 - (void)drawSeparatorItemForMenuItemCell:(NSMenuItemCell*)cell
@@ -151,7 +161,7 @@ static bool hasFocus(GSThemeControlState state) {
     (void)cell;
     (void)view;
     (void)style;
-    fillRounded(frame, buttonFill(state), hasFocus(state) ? accent() : gray(EDGE));
+    fillRounded(frame, buttonFill(state), hasFocus(state) ? focus() : gray(EDGE));
 }
 
 - (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
@@ -186,7 +196,7 @@ static bool hasFocus(GSThemeControlState state) {
     NSRect knob = [slider knobRectFlipped:[view isFlipped]];
     const CGFloat side = 14;
     knob = NSMakeRect(std::floor(NSMidX(knob) - side / 2), std::floor(NSMidY(knob) - side / 2), side, side);
-    [gray(TEXT) set];
+    [[[view window] firstResponder] == view ? focus() : gray(TEXT) set];
     [[NSBezierPath bezierPathWithOvalInRect:knob] fill];
 }
 
@@ -225,7 +235,7 @@ static bool hasFocus(GSThemeControlState state) {
 
 - (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
     (void)view;
-    [accent() set];
+    [focus() set];
     NSFrameRect(frame);
 }
 
@@ -251,6 +261,48 @@ static bool hasFocus(GSThemeControlState state) {
 
 @end
 
+@interface NightColorWell : NSColorWell
+@end
+
+@implementation NightColorWell
+
+- (BOOL)acceptsFirstResponder {
+    return [self isEnabled];
+}
+
+- (BOOL)becomeFirstResponder {
+    [self setNeedsDisplay:YES];
+    return YES;
+}
+
+- (BOOL)resignFirstResponder {
+    [self setNeedsDisplay:YES];
+    return YES;
+}
+
+- (void)keyDown:(NSEvent*)event {
+    NSString* const key = [event characters];
+    if (![key isEqualToString:@" "] && ![key isEqualToString:@"\r"]) {
+        [super keyDown:event];
+        return;
+    }
+    [self performClick:self];
+    [[NSColorPanel sharedColorPanel] makeKeyAndOrderFront:self];
+}
+
+- (void)drawRect:(NSRect)dirty {
+    (void)dirty;
+    const bool hasKeys = [[self window] firstResponder] == self;
+    fillRounded([self bounds], gray(FIELD), hasKeys ? focus() : gray([self isActive] ? TEXT : EDGE));
+    fillRounded(NSInsetRect([self bounds], 3, 3), [self color], nil);
+}
+
+@end
+
+NSColorWell* makeColorWell() {
+    return [[[NightColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+}
+
 void useNightTheme() {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
     NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
@@ -271,5 +323,9 @@ void centerSegmentLabels(NSSegmentedControl* control) {
 void useNightTheme() {}
 
 void centerSegmentLabels(NSSegmentedControl*) {}
+
+NSColorWell* makeColorWell() {
+    return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+}
 
 #endif

@@ -28,6 +28,14 @@ static const NSUInteger MANAGED = 4;
     return [super initWithContentRect:frame styleMask:style backing:backing defer:isDeferred];
 }
 
+// Escape closes the panel, also from within a field.
+- (void)sendEvent:(NSEvent*)event {
+    if ([event type] == NSKeyDown && platformKeyCode(event) == KEY_ESCAPE)
+        [self performClose:nil];
+    else
+        [super sendEvent:event];
+}
+
 @end
 
 @implementation PrefController
@@ -251,8 +259,16 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     [self redraw];
     prefWinIsOpen = 0;
     [self showColors];
+    [self letGoOfColorPanel];
     [mainConsole saveSettings];
     [mainConsole ProcessResult:nullptr:YES]; // the live result in its new form
+}
+
+// Colors that are picked after the closing would be applied but not stored.
+- (void)letGoOfColorPanel {
+    [controls.prefFGColor deactivate];
+    [controls.prefBGColor deactivate];
+    if ([NSColorPanel sharedColorPanelExists]) [[NSColorPanel sharedColorPanel] orderOut:nil];
 }
 
 - (void)closePanel {

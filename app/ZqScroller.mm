@@ -67,6 +67,17 @@ NSRect centeredKnob(NSRect knob, CGFloat width) {
     return scroll && NSHeight([[scroll documentView] frame]) <= NSHeight([[scroll contentView] bounds]);
 }
 
+// GNUstep keeps more free at one side than at the other.
+- (NSRect)rectForPart:(NSScrollerPart)part {
+    const NSRect bounds = [self bounds];
+    NSRect frame = [super rectForPart:part];
+    if (part == NSScrollerKnobSlot) return bounds;
+    if (part != NSScrollerKnob || NSIsEmptyRect(frame)) return frame;
+    frame.origin.x = NSMinX(bounds);
+    frame.size.width = NSWidth(bounds);
+    return frame;
+}
+
 - (void)drawRect:(NSRect)dirty {
     [[self trackColor] set];
     NSRectFill(NSIntersectionRect(dirty, [self bounds]));

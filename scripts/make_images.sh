@@ -39,11 +39,11 @@ convert "$work/knob.png" -crop 7x3+0+4 +repage -depth 8 -type TrueColorAlpha -de
 convert -size 15x1 xc:none -fill 'rgba(255,255,255,0.05)' -draw 'rectangle 0,0 14,0' -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none \
     "$out/TransparentScrollerSlotVerticalFill.tif"
 
-# The check boxes of the dark theme.
+# The check boxes of the dark theme, with the space between box and title.
 mkdir -p "$out/ThemeImages"
 box='roundrectangle 0.5,0.5 13.5,13.5 3,3'
-convert -size 15x15 xc:none -fill '#1c1c1c' -stroke '#5c5c5c' -draw "$box" "$out/ThemeImages/common_SwitchOff.png"
-convert -size 15x15 xc:none -fill '#0d7075' -stroke '#0d7075' -draw "$box" -fill none -stroke white -strokewidth 1.8 \
+convert -size 20x15 xc:none -fill '#1c1c1c' -stroke '#5c5c5c' -draw "$box" "$out/ThemeImages/common_SwitchOff.png"
+convert -size 20x15 xc:none -fill '#0d7075' -stroke '#0d7075' -draw "$box" -fill none -stroke white -strokewidth 1.8 \
     -draw 'polyline 3.5,7.2 6,9.8 10.6,4.4' "$out/ThemeImages/common_SwitchOn.png"
 
 # The marks of pop-up buttons and of pull-down buttons.
@@ -56,3 +56,8 @@ convert -size 11x8 xc:none -fill none -stroke '#b8c0c4' -strokewidth 1.4 -draw '
 convert -size 12x12 xc:none -fill none -stroke white -strokewidth 1.8 -draw 'polyline 2,6.2 4.8,9 10,3' \
     "$out/ThemeImages/NSMenuCheckmark.png"
 cp "$out/ThemeImages/NSMenuCheckmark.png" "$out/ThemeImages/common_2DCheckMark.png"
+
+# Without the time of their making, so that unchanged pictures stay unchanged files.
+for image in "$out"/ThemeImages/*.png; do
+    convert "$image" -strip -define png:exclude-chunks=date,time "$image"
+done

@@ -409,6 +409,48 @@ TEST_F(Preferences, WhatIsBeingTypedCountsAtTheClosing) {
     EXPECT_EQ(setting("histsz"), 321);
 }
 
+TEST_F(Preferences, ClosingEndsThePickingOfColors) {
+    open();
+    [controls.prefBGColor activate:YES];
+    [[NSColorPanel sharedColorPanel] orderFront:nil];
+    close();
+    EXPECT_FALSE([controls.prefBGColor isActive]);
+    EXPECT_FALSE([[NSColorPanel sharedColorPanel] isVisible]);
+    [[NSColorPanel sharedColorPanel] setColor:[NSColor colorWithCalibratedRed:1 green:0 blue:0 alpha:1]];
+    run(0.05);
+    expectColor([console backgroundColor], 0.1, 0.1, 0.1);
+}
+
+TEST_F(Preferences, AColorOfTheColorPanelGoesToTheActiveWell) {
+    open();
+    [controls.prefBGColor activate:YES];
+    [[NSColorPanel sharedColorPanel] setColor:[NSColor colorWithCalibratedRed:0.3
+                                                                        green:0.2
+                                                                         blue:0.1
+                                                                        alpha:1]];
+    run(0.05);
+    expectColor([console backgroundColor], 0.3, 0.2, 0.1);
+    expectColor([console textColor], 0.1, 0.9, 0.9);
+}
+
+TEST_F(Preferences, EscapeClosesAlsoFromWithinAField) {
+    NSEvent* const escape = [NSEvent keyEventWithType:NSKeyDown
+                                             location:NSZeroPoint
+                                        modifierFlags:0
+                                            timestamp:0
+                                         windowNumber:[panel windowNumber]
+                                              context:nil
+                                           characters:@"\033"
+                          charactersIgnoringModifiers:@"\033"
+                                            isARepeat:NO
+                                              keyCode:KEY_ESCAPE];
+    open();
+    [panel makeFirstResponder:controls.prefHistSize];
+    [panel sendEvent:escape];
+    EXPECT_FALSE([panel isVisible]);
+    EXPECT_EQ(prefWinIsOpen, 0);
+}
+
 TEST_F(Preferences, AClosedPanelStoresNothing) {
     open();
     close();
