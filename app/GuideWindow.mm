@@ -5,7 +5,7 @@
 
 static const CGFloat TEXT_SIZE_POINTS = 13;
 static const CGFloat MARGIN = 16;
-static const CGFloat COLUMN = 190;
+static const CGFloat COLUMN = 196;
 
 static NSColor* ink(CGFloat white) {
     return [NSColor colorWithCalibratedWhite:white alpha:1];
@@ -25,7 +25,7 @@ static NSParagraphStyle* paragraph(CGFloat indent) {
 static NSParagraphStyle* row(NSUInteger cells) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     NSMutableArray* const stops = [NSMutableArray array];
-    const CGFloat columns[] = {COLUMN, 2 * COLUMN - 10};
+    const CGFloat columns[] = {COLUMN, 2 * COLUMN - 20};
     for (const CGFloat column : columns) {
         [stops addObject:[[[NSTextTab alloc] initWithType:NSLeftTabStopType location:column] autorelease]];
     }

@@ -57,6 +57,34 @@ convert -size 12x12 xc:none -fill none -stroke white -strokewidth 1.8 -draw 'pol
     "$out/ThemeImages/NSMenuCheckmark.png"
 cp "$out/ThemeImages/NSMenuCheckmark.png" "$out/ThemeImages/common_2DCheckMark.png"
 
+# The mark of a default button, the arrows of scrollers and lists; a scroller's knob shows no dimple.
+theme="$out/ThemeImages"
+mark='-fill none -stroke #b8c0c4 -strokewidth 1.3'
+# shellcheck disable=SC2086 # a list of options
+{
+    for state in '' H; do
+        convert -size 15x10 xc:none $mark -draw 'polyline 12.5,1.5 12.5,6 3,6' -draw 'polyline 5.5,3.5 3,6 5.5,8.5' \
+            "$theme/common_ret$state.png"
+        convert -size 9x9 xc:none $mark -draw 'polyline 1.5,3 4,5.5 6.5,3' "$theme/common_ArrowDown$state.png"
+        convert -size 9x9 xc:none $mark -draw 'polyline 1.5,5.5 4,3 6.5,5.5' "$theme/common_ArrowUp$state.png"
+        convert -size 9x9 xc:none $mark -draw 'polyline 5.5,1.5 3,4 5.5,6.5' "$theme/common_ArrowLeft$state.png"
+        convert -size 9x9 xc:none $mark -draw 'polyline 3,1.5 5.5,4 3,6.5' "$theme/common_ArrowRight$state.png"
+    done
+    for name in Dimple DimpleHoriz; do convert -size 6x6 xc:#404040 PNG24:"$theme/common_$name.png"; done
+
+    # The places of the open and save panels.
+    mark='-fill #0d7075 -stroke #5fb9bd -strokewidth 1.6'
+    convert -size 48x48 xc:none $mark -draw 'polygon 6,12 19,12 23,17 42,17 42,38 6,38' "$theme/common_Folder.png"
+    cp "$theme/common_Folder.png" "$theme/common_HomeDirectory.png"
+    mark='-fill none -stroke #b8c0c4 -strokewidth 1.5'
+    convert -size 24x24 xc:none $mark -draw 'polyline 4,12 12,4 20,12' -draw 'polyline 6,11 6,20 18,20 18,11' \
+        "$theme/common_Home.png"
+    convert -size 24x24 xc:none $mark -draw 'roundrectangle 4,13 20,19 2,2' -draw 'line 12,3 12,10' \
+        -draw 'polyline 9,7 12,10 15,7' "$theme/common_Mount.png"
+    convert -size 24x24 xc:none $mark -draw 'roundrectangle 4,13 20,19 2,2' -draw 'line 12,10 12,3' \
+        -draw 'polyline 9,6 12,3 15,6' "$theme/common_Unmount.png"
+}
+
 # Without the time of their making, so that unchanged pictures stay unchanged files.
 for image in "$out"/ThemeImages/*.png; do
     convert "$image" -strip -define png:exclude-chunks=date,time "$image"

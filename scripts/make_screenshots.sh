@@ -18,6 +18,7 @@ trap 'rm -f "$script"' EXIT
 cat >"$script" <<'PYTHON'
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -41,7 +42,16 @@ def look_dark():
     folder = os.path.expanduser("~/.config/openbox")
     os.makedirs(folder)
     with open("/etc/xdg/openbox/rc.xml", encoding="utf-8") as file:
-        settings = file.read().replace("<name>Clearlooks</name>", "<name>Onyx</name>")
+        settings = file.read().replace("<name>Clearlooks</name>", "<name>Night</name>")
+    # A window behind its question keeps its colors.
+    theme = os.path.expanduser("~/.themes/Night/openbox-3")
+    shutil.copytree("/usr/share/themes/Onyx/openbox-3", theme)
+    with open(theme + "/themerc", encoding="utf-8") as file:
+        kept = [line for line in file if not re.match(r"window\.inactive\.(title|border|client)", line)]
+    kept += [re.sub(r"^window\.active", "window.inactive", line) for line in kept if re.match(r"window\.active\.title", line)]
+    kept += ["window.inactive.border.color: #181818\n", "window.inactive.client.color: #181818\n"]
+    with open(theme + "/themerc", "w", encoding="utf-8") as file:
+        file.writelines(kept)
     with open(folder + "/rc.xml", "w", encoding="utf-8") as file:
         file.write(settings)
     run("openbox", "--reconfigure")
