@@ -259,6 +259,19 @@ static bool hasFocus(GSThemeControlState state) {
     (void)view;
 }
 
+// GNUstep notes where a segment is when it draws it, which is done here instead.
+- (void)stopTracking:(NSPoint)last at:(NSPoint)stop inView:(NSView*)view mouseIsUp:(BOOL)isUp {
+    (void)last;
+    if (!isUp || !NSPointInRect(stop, [view bounds])) return;
+    CGFloat end = 0;
+    for (NSInteger i = 0; i < [self segmentCount]; i++) {
+        end += [self widthForSegment:i];
+        if (stop.x >= end) continue;
+        [self setSelectedSegment:i];
+        return;
+    }
+}
+
 @end
 
 @interface NightColorWell : NSColorWell
