@@ -129,7 +129,7 @@ static void appendRow(NSMutableAttributedString* out, NSString* line) {
         NSString* const cell = trimmed([pieces objectAtIndex:i]);
         [cells addObject:[cell stringByReplacingOccurrencesOfString:@"\x01" withString:@"|"]];
     }
-    while ([[cells lastObject] length] == 0 && [cells count] > 0) [cells removeLastObject];
+    while ([cells count] > 0 && [[cells lastObject] isEqualToString:@""]) [cells removeLastObject];
     if ([cells count] == 0) return;
     appendLine(out, [cells componentsJoinedByString:@"\t"], row([cells count]));
 }

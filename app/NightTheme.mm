@@ -333,7 +333,12 @@ void centerSegmentLabels(NSSegmentedControl* control) {
 
 #else
 
-void useNightTheme() {}
+void useNightTheme() {
+    // Since 10.14; before, the controls are light.
+    NSAppearance* const dark = [NSAppearance appearanceNamed:@"NSAppearanceNameDarkAqua"];
+    const SEL set = NSSelectorFromString(@"setAppearance:");
+    if (dark && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:dark];
+}
 
 void centerSegmentLabels(NSSegmentedControl*) {}
 
