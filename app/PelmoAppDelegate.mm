@@ -89,7 +89,7 @@ static NSImage* bundleImage(NSString* name) {
     if (!waitingToOpenFilename) return;
     NSString* const path = [waitingToOpenFilename autorelease];
     waitingToOpenFilename = nil;
-    [mainConsole loadFile:path];
+    if (![mainConsole loadFile:path]) [mainConsole simpleAlert:@"The script could not be opened.":path];
 }
 
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path {
@@ -102,7 +102,8 @@ static NSImage* bundleImage(NSString* name) {
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
     (void)application;
-    return !mainWinIsHidden;
+    // GNUstep asks also when another window is closed while this one is minimised.
+    return !mainWinIsHidden && ![window isMiniaturized];
 }
 
 - (void)createAppStatusItem {

@@ -129,4 +129,13 @@ TEST_F(Shutdown, theLastWindowEndsTheProgramUnlessItIsHidden) {
     EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }
 
+BOOL yes(id, SEL) {
+    return YES;
+}
+
+TEST_F(Shutdown, aMiniaturizedWindowKeepsTheProgramAlive) {
+    const Replaced miniaturized([NSWindow class], @selector(isMiniaturized), yes);
+    EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+}
+
 } // namespace

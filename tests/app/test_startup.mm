@@ -396,6 +396,14 @@ TEST_F(Startup, aFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
     EXPECT_EQ(loaded.size(), 1u);
 }
 
+TEST_F(Startup, aFileThatCannotBeOpenedIsToldOnce) {
+    openFile(@"/missing.script");
+    loadResult = NO;
+    launch();
+    EXPECT_EQ(alerts, std::vector<std::string>{"The script could not be opened.\n/missing.script"});
+    EXPECT_EQ(calcIsReady, 1);
+}
+
 TEST_F(Startup, aFileHandedOverLaterIsLoadedAtOnce) {
     calcIsReady = 1;
     EXPECT_TRUE(openFile(@"/c.script"));
