@@ -424,6 +424,19 @@ TEST_F(Menus, afterAControlTheKeysGoToTheConsole) {
     }
 }
 
+TEST_F(Menus, aClickSelectsTheSegmentUnderTheMouse) {
+    NSSegmentedControl* const control = outlet("ctrlBase");
+    const auto click = [&](CGFloat x, CGFloat y) {
+        const NSPoint place = NSMakePoint(x, y);
+        [[control cell] stopTracking:place at:place inView:control mouseIsUp:YES];
+        return baseSegment();
+    };
+    EXPECT_EQ(click(10, 10), 0);
+    EXPECT_EQ(click(60, 10), 1);
+    EXPECT_EQ(click(100, 10), 2);
+    EXPECT_EQ(click(60, 200), 2) << "let go outside";
+}
+
 // The lists are those of the engine after every entry.
 TEST_F(Menus, anEntryFillsTheListsAnew) {
     enter("width=7");

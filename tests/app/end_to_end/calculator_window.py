@@ -133,6 +133,39 @@ class CalculatorWindow:
         self.type(line)
         self.key("Return")
 
+    def press(self, x, y, to=None):
+        """A click into the window, in pixels from its corner; with `to` the button is let go over there."""
+        run("xdotool", "mousemove", "--window", self.id, str(x), str(y), "sleep", "0.1")
+        run("xdotool", "mousedown", "1", "sleep", "0.3")
+        if to:
+            run("xdotool", "mousemove", "--window", self.id, str(to[0]), str(to[1]), "sleep", "0.3")
+        run("xdotool", "mouseup", "1")
+
+    def place(self):
+        """Left, top, width and height inside the frame of the window manager."""
+        lines = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
+        return tuple(int(lines[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def rest(self):
+        """The place, once it has not changed for a while."""
+        looks = [None, self.place()]
+
+        def rests():
+            time.sleep(0.3)
+            looks[:] = [looks[1], self.place()]
+            return looks[0] == looks[1]
+
+        wait_until("a window at rest", rests)
+        return looks[1]
+
+    def opacity(self):
+        """From 0 to 1, as compositors are told."""
+        found = re.search(r"= (\d+)", run("xprop", "-id", self.id, "_NET_WM_WINDOW_OPACITY"))
+        return int(found.group(1)) / 0xFFFFFFFF if found else 1.0
+
+    def is_minimised(self):
+        return "Iconic" in run("xprop", "-id", self.id, "WM_STATE")
+
     def copy(self, *keys):
         """What the keys put on the pasteboard."""
         put_on_pasteboard("nothing was copied")

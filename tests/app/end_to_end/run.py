@@ -6,6 +6,7 @@
 
 import os
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
@@ -17,7 +18,15 @@ from calculator_window import (
     OTHER_BUTTON,
     SETTINGS_FILE,
     CalculatorWindow,
+    run,
+    wait_until,
+    windows,
 )
+
+# Pixels from the corner of the window, whose menu bar comes first.
+HEX_SEGMENT = (111, 35)
+FUNCTIONS_BUTTON = (350, 35)
+FIRST_FUNCTION = (350, 56)
 
 
 def setUpModule():
@@ -156,6 +165,132 @@ class EndToEnd(unittest.TestCase):
         window = self.start()
         window.enter("second+1")
         window.wait_for_text("\nans = 3\n\n> ")
+        self.quit(window)
+
+    def test_the_window_comes_back_where_it_was(self):
+        window = self.start()
+        run("xdotool", "windowsize", window.id, "610", "370")
+        run("xdotool", "windowmove", window.id, "231", "142")
+        place = window.rest()
+        self.assertEqual(place[2:], (610, 370))
+        self.quit(window)
+        for _ in range(2):  # nor does it creep from start to start
+            window = self.start()
+            self.assertEqual(window.rest(), place)
+            self.quit(window)
+
+    def test_the_window_snaps_to_the_edge_of_the_screen(self):
+        window = self.start()
+        lefts = []
+        for left in ("0", "10", "40"):
+            run("xdotool", "windowmove", window.id, left, "200")
+            lefts.append(window.rest()[0])
+        self.assertEqual(lefts, [lefts[0], lefts[0], lefts[0] + 40])
+        self.quit(window)
+
+    def test_the_end_of_the_preferences_is_not_the_end_of_a_minimised_calculator(self):
+        window = self.start()
+        window.key("alt+comma")
+        panel = wait_until("the preferences", lambda: next((n for n, t in windows() if "Preferences" in t), None))
+        run("xdotool", "windowminimize", window.id)
+        wait_until("the minimised window", window.is_minimised)
+        run("xdotool", "windowactivate", "--sync", panel)
+        window.key("alt+w")
+        wait_until("the end of the panel", lambda: panel not in (n for n, _ in windows()))
+        time.sleep(1)
+        self.assertIsNone(window.process.poll())
+        window.activate()
+        window.enter("1+1")
+        window.wait_for_text("\nans = 2\n\n> ")
+        self.quit(window)
+
+    def test_the_menu_hides_the_window_behind_the_preferences(self):
+        window = self.start()
+        window.key("alt+comma")
+        wait_until("the preferences", lambda: next((n for n, t in windows() if "Preferences" in t), None))
+        window.key("alt+h")
+        wait_until("the hidden window", window.is_minimised)
+        window.activate()
+        wait_until("an opaque window", lambda: window.opacity() == 1)
+        self.quit(window)
+
+    def test_a_window_that_was_closed_comes_back_where_it_was(self):
+        window = self.start()
+        run("xdotool", "windowmove", window.id, "301", "202")
+        place = window.rest()
+        window.key("alt+w")
+        self.assertEqual(window.wait_for_end(), 0)
+        window = self.start()
+        self.assertEqual(window.rest(), place)
+        self.quit(window)
+
+    def test_the_window_does_not_become_too_small(self):
+        window = self.start()
+        run("xdotool", "windowsize", window.id, "300", "100")
+        _, _, width, height = window.rest()
+        self.assertGreaterEqual(width, 398)  # with the window manager's frame 400 x 150 or more
+        self.assertGreaterEqual(height, 125)
+        self.quit(window)
+
+    def test_the_base_changes_by_the_control_and_by_the_menu(self):
+        window = self.start()
+        window.enter("255")
+        window.press(*HEX_SEGMENT)
+        window.wait_for_text("\n255 = 0x00FF\n\n> ")
+        window.enter("16")
+        window.wait_for_text("\nans = 0x0010\n\n> ")
+        window.key("alt+2")  # Display, Decimal
+        window.wait_for_text("\n16 = 16\n\n> ")
+        self.quit(window)
+        window = self.start()
+        window.enter("17")
+        window.wait_for_text("\nans = 17\n\n> ")
+        self.quit(window)
+
+    def test_a_function_is_chosen_and_its_parameter_overtyped(self):
+        window = self.start()
+        window.enter("area(wide,high)=wide*high")
+        window.press(*FUNCTIONS_BUTTON, to=FIRST_FUNCTION)
+        window.type("5")
+        window.wait_for_text("\n> area(5,high)")
+        self.quit(window)
+
+    def test_escape_hides_and_the_window_manager_brings_the_window_back(self):
+        window = self.start()
+        place = window.rest()
+        window.key("Escape")
+        wait_until("the hidden window", window.is_minimised)
+        self.assertEqual(window.opacity(), 0)
+        window.activate()
+        wait_until("an opaque window", lambda: not window.is_minimised() and window.opacity() == 1)
+        self.assertEqual(window.rest(), place)
+        window.enter("1+1")
+        window.wait_for_text("\nans = 2\n\n> ")
+        self.quit(window)
+
+    def test_the_end_of_a_hidden_window_keeps_its_place(self):
+        window = self.start()
+        place = window.rest()
+        window.key("Escape")
+        wait_until("the hidden window", window.is_minimised)
+        window.process.terminate()
+        self.assertEqual(window.wait_for_end(), 0)
+        window = self.start()
+        self.assertEqual(window.rest(), place)
+        self.quit(window)
+
+    def test_the_window_fades_while_another_program_has_the_focus(self):
+        window = self.start()
+        other = subprocess.Popen(["xmessage", "the other one"], stderr=subprocess.DEVNULL)
+        try:
+            number = wait_until("the other", lambda: next((n for n, title in windows() if title == "xmessage"), None))
+            run("xdotool", "windowactivate", "--sync", number)
+            wait_until("a faded window", lambda: abs(window.opacity() - 0.8) < 0.001)
+            window.activate()
+            wait_until("an opaque window", lambda: window.opacity() == 1)
+        finally:
+            other.terminate()
+            other.wait()
         self.quit(window)
 
 
