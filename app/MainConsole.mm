@@ -235,8 +235,8 @@ static bool isInterrupted() {
 - (void)presentSheet:(NSArray*)sheet {
     NSString* const no = [sheet objectAtIndex:2];
     NSString* const selector = [sheet objectAtIndex:3];
-    NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window], self,
-                      [selector length] > 0 ? NSSelectorFromString(selector) : NULL, NULL, NULL, @"%@",
+    NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window],
+                      self, [selector length] > 0 ? NSSelectorFromString(selector) : NULL, NULL, NULL, @"%@",
                       [sheet objectAtIndex:0]);
 }
 
