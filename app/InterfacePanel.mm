@@ -127,7 +127,7 @@ static void addColors(Grid& grid, PrefControls& made) {
     made.prefBGColor = grid.well();
     grid.nextRow();
     grid.label(@"Transparency:");
-    made.prefSlider = [[[NSSlider alloc] initWithFrame:NSZeroRect] autorelease];
+    made.prefSlider = makeSlider();
     [made.prefSlider setMinValue:0];
     [made.prefSlider setMaxValue:100];
     grid.add(made.prefSlider, grid.column(), 170);

@@ -234,7 +234,8 @@ static bool hasFocus(GSThemeControlState state) {
 }
 
 - (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
-    (void)view;
+    // The edge of a button with an edge shows it already.
+    if ([view isKindOfClass:[NSButton class]] && [(NSButton*)view isBordered]) return;
     [focus() set];
     NSFrameRect(frame);
 }
@@ -316,6 +317,27 @@ NSColorWell* makeColorWell() {
     return [[[NightColorWell alloc] initWithFrame:NSZeroRect] autorelease];
 }
 
+@interface NightSlider : NSSlider
+@end
+
+@implementation NightSlider
+
+- (BOOL)becomeFirstResponder {
+    [self setNeedsDisplay:YES];
+    return [super becomeFirstResponder];
+}
+
+- (BOOL)resignFirstResponder {
+    [self setNeedsDisplay:YES];
+    return [super resignFirstResponder];
+}
+
+@end
+
+NSSlider* makeSlider() {
+    return [[[NightSlider alloc] initWithFrame:NSZeroRect] autorelease];
+}
+
 void useNightTheme() {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
     NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
@@ -344,6 +366,10 @@ void centerSegmentLabels(NSSegmentedControl*) {}
 
 NSColorWell* makeColorWell() {
     return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+}
+
+NSSlider* makeSlider() {
+    return [[[NSSlider alloc] initWithFrame:NSZeroRect] autorelease];
 }
 
 #endif

@@ -21,6 +21,19 @@ protected:
         return [[stored() objectForKey:[NSString stringWithUTF8String:key]] intValue];
     }
 
+    NSEvent* keyPress(NSString* characters, uint32_t code) const {
+        return [NSEvent keyEventWithType:NSKeyDown
+                                location:NSZeroPoint
+                           modifierFlags:0
+                               timestamp:0
+                            windowNumber:[panel windowNumber]
+                                 context:nil
+                              characters:characters
+             charactersIgnoringModifiers:characters
+                               isARepeat:NO
+                                 keyCode:static_cast<unsigned short>(code)];
+    }
+
     // The controls that take keys, from top to bottom.
     std::vector<NSView*> inOrder() const {
         return {controls.prefSciMode,   controls.prefSigFigs,     controls.prefSepChar,
@@ -434,19 +447,9 @@ TEST_F(Preferences, AColorOfTheColorPanelGoesToTheActiveWell) {
 }
 
 TEST_F(Preferences, EscapeClosesAlsoFromWithinAField) {
-    NSEvent* const escape = [NSEvent keyEventWithType:NSKeyDown
-                                             location:NSZeroPoint
-                                        modifierFlags:0
-                                            timestamp:0
-                                         windowNumber:[panel windowNumber]
-                                              context:nil
-                                           characters:@"\033"
-                          charactersIgnoringModifiers:@"\033"
-                                            isARepeat:NO
-                                              keyCode:KEY_ESCAPE];
     open();
     [panel makeFirstResponder:controls.prefHistSize];
-    [panel sendEvent:escape];
+    [panel sendEvent:keyPress(@"\033", KEY_ESCAPE)];
     EXPECT_FALSE([panel isVisible]);
     EXPECT_EQ(prefWinIsOpen, 0);
 }
@@ -494,6 +497,34 @@ TEST_F(Preferences, ThePanelSurvivesManyOpenings) {
 }
 
 // --- Layout and keys ---
+
+TEST_F(Preferences, TheSpaceBarOpensTheColorPanelForTheWellWithTheFocus) {
+    open();
+    [panel makeFirstResponder:controls.prefBGColor];
+    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
+    EXPECT_TRUE([controls.prefBGColor isActive]);
+    EXPECT_FALSE([controls.prefFGColor isActive]);
+    EXPECT_TRUE([[NSColorPanel sharedColorPanel] isVisible]);
+    close();
+    EXPECT_FALSE([[NSColorPanel sharedColorPanel] isVisible]);
+}
+
+TEST_F(Preferences, TheArrowsMoveTheSlider) {
+    open();
+    [panel makeFirstResponder:controls.prefSlider];
+    const unichar right = NSRightArrowFunctionKey;
+    [panel sendEvent:keyPress([NSString stringWithCharacters:&right length:1], KEY_RIGHT)];
+    EXPECT_GT(setting("trans"), 25);
+    EXPECT_EQ(setting("trans"), [controls.prefSlider intValue]);
+}
+
+TEST_F(Preferences, TheSpaceBarTicksABox) {
+    open();
+    [panel makeFirstResponder:controls.prefSeparator];
+    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
+    EXPECT_EQ(setting("separator"), 1);
+    EXPECT_EQ(shown(controls.prefNumPreview), "12,345.6");
+}
 
 TEST_F(Preferences, TabGoesFromTopToBottom) {
     open();
