@@ -95,24 +95,45 @@ static NSMenuItem* menuItem(NSString* title) {
     return [[[NSMenuItem alloc] initWithTitle:title action:NULL keyEquivalent:@""] autorelease];
 }
 
+// Gives the pop-up button these titles, an empty one being a separator. What stays is left alone: a list of
+// thousands is refreshed after every entry.
+static void setTitles(NSPopUpButton* button, NSArray* titles) {
+    NSMenu* const menu = [button menu];
+    [menu setMenuChangedMessagesEnabled:NO];
+    for (NSUInteger i = 0; i < [titles count]; i++) {
+        NSString* const title = [titles objectAtIndex:i];
+        const NSInteger index = static_cast<NSInteger>(i);
+        const bool isNew = index >= [menu numberOfItems];
+        NSMenuItem* const present = isNew ? nil : [menu itemAtIndex:index];
+        const bool isSeparator = [title length] == 0;
+        if (present && isSeparator == [present isSeparatorItem]) {
+            if (!isSeparator && ![[present title] isEqualToString:title]) [present setTitle:title];
+            continue;
+        }
+        if (present) [menu removeItemAtIndex:index];
+        [menu insertItem:isSeparator ? [NSMenuItem separatorItem] : menuItem(title) atIndex:index];
+    }
+    for (NSInteger i = [menu numberOfItems]; i > static_cast<NSInteger>([titles count]); i--) {
+        [menu removeItemAtIndex:i - 1];
+    }
+    [menu setMenuChangedMessagesEnabled:YES];
+    [button selectItemAtIndex:0];
+}
+
 - (void)populateVarsMenu {
     static char value[FORMAT_SIZE];
-    [menuVars removeAllItems];
-    NSMenu* const menu = [menuVars menu];
-    [menu addItem:menuItem(@"Vars")];
+    NSMutableArray* const titles = [NSMutableArray arrayWithObject:@"Vars"];
     for (const node* variable = calc.vars.first; variable; variable = variable->next) {
         qtoascii(*variable->value, value, 10, calc.sciMode, '\0');
         calc.ProcessStringEuropean(value);
-        [menu addItem:menuItem([NSString stringWithFormat:@"%s\t%s", variable->text, value])];
+        [titles addObject:[NSString stringWithFormat:@"%s\t%s", variable->text, value]];
     }
-    [menuVars selectItemAtIndex:0];
+    setTitles(menuVars, titles);
 }
 
 - (void)populateFuncMenu {
     static char text[TEXT_SIZE];
-    [menuFuncs removeAllItems];
-    NSMenu* const menu = [menuFuncs menu];
-    [menu addItem:menuItem(@"Func")];
+    NSMutableArray* const titles = [NSMutableArray array]; // the last one first, the separator empty
     bool isSeparated = false;
     for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
         function->FuncToStr(text);
@@ -122,12 +143,13 @@ static NSMenuItem* menuItem(NSString* title) {
             title = [[title substringToIndex:NSMaxRange(equals)] stringByAppendingString:@" ..."];
         }
         if (equals.location != NSNotFound && !isSeparated) {
-            [menu insertItem:[NSMenuItem separatorItem] atIndex:1];
+            [titles addObject:@""];
             isSeparated = true;
         }
-        [menu insertItem:menuItem(title) atIndex:1];
+        [titles addObject:title];
     }
-    [menuFuncs selectItemAtIndex:0];
+    [titles addObject:@"Func"];
+    setTitles(menuFuncs, [[titles reverseObjectEnumerator] allObjects]);
 }
 
 // In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be undone.

@@ -106,7 +106,8 @@ static NSString* baseWord(int base) {
     [panel setAllowsMultipleSelection:NO];
     NSArray* const types = [NSArray arrayWithObjects:@"txt", @"script", nil];
     if ([panel runModalForTypes:types] != NSOKButton) return;
-    [self loadFile:[panel filename]];
+    if ([self loadFile:[panel filename]]) return;
+    [self simpleAlert:@"The script could not be opened.":[panel filename]];
 }
 
 - (BOOL)loadFile:(NSString*)path {

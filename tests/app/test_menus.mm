@@ -450,3 +450,17 @@ TEST_F(Menus, anEntryFillsTheListsAnew) {
 }
 
 } // namespace
+
+// A person may have thousands of names, and the lists are refreshed after every entry.
+TEST_F(Menus, itemsThatStayTheSameAreLeftAlone) {
+    enter("a=1");
+    enter("b=2");
+    NSMenu* const vars = [outlet("menuVars") menu];
+    NSMenuItem* const a = [vars itemAtIndex:3];
+    enter("b=3");
+    EXPECT_EQ(titles("menuVars"),
+              (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "a\t1", "b\t3"}));
+    EXPECT_EQ([vars itemAtIndex:3], a);
+    enter("del a");
+    EXPECT_EQ(titles("menuVars"), (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "b\t3"}));
+}
