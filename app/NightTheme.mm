@@ -3,6 +3,8 @@
 
 #ifdef GNUSTEP
 
+#import "ZqScroller.h"
+
 #import <GNUstepGUI/GSTheme.h>
 
 #include <cmath>
@@ -198,6 +200,18 @@ static bool hasFocus(GSThemeControlState state) {
     knob = NSMakeRect(std::floor(NSMidX(knob) - side / 2), std::floor(NSMidY(knob) - side / 2), side, side);
     [[[view window] firstResponder] == view ? focus() : gray(TEXT) set];
     [[NSBezierPath bezierPathWithOvalInRect:knob] fill];
+}
+
+// --- Scroll views ---
+
+// GNUstep's own line between the scroller and the document is not drawn.
+- (void)drawScrollViewRect:(NSRect)rect inView:(NSView*)view {
+    (void)rect;
+    (void)view;
+}
+
+- (float)defaultScrollerWidth {
+    return static_cast<float>([ZqScroller scrollerWidth]);
 }
 
 // --- Edges ---

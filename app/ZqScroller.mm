@@ -57,7 +57,7 @@ NSRect centeredKnob(NSRect knob, CGFloat width) {
 - (NSColor*)trackColor {
     NSScrollView* const scroll = [self enclosingScrollView];
     const id document = [scroll documentView];
-    return [document respondsToSelector:@selector(backgroundColor)] ? [document backgroundColor]
+    return [document respondsToSelector:@selector(backgroundColor)] ? [(NSTextView*)document backgroundColor]
                                                                     : backgroundColor;
 }
 

@@ -85,6 +85,20 @@ mark='-fill none -stroke #b8c0c4 -strokewidth 1.3'
         -draw 'polyline 9,6 12,3 15,6' "$theme/common_Unmount.png"
 }
 
+# A window in the menu of windows, where GNUstep would show the close button of a title bar.
+for name in Close CloseH CloseBroken CloseBrokenH; do
+    convert -size 13x11 xc:none -fill none -stroke '#b8c0c4' -strokewidth 1.2 \
+        -draw 'roundrectangle 1,1 11,9 1.5,1.5' -draw 'line 1,3.5 11,3.5' "$theme/common_$name.png"
+done
+
+# The color panel: the magnifying glass that takes a color off the screen, the tab of the named colors.
+convert -size 20x20 xc:none -fill none -stroke '#b8c0c4' -strokewidth 1.8 -draw 'circle 8,8 8,3' \
+    -strokewidth 2.4 -draw 'line 12,12 17,17' "$theme/MagnifyGlass.png"
+convert -size 32x24 xc:none -stroke none -fill '#d0484c' -draw 'rectangle 3,3 8,8' -fill '#3f9a58' \
+    -draw 'rectangle 3,10 8,14' -fill '#3c78c8' -draw 'rectangle 3,16 8,20' -fill '#b8c0c4' \
+    -draw 'rectangle 11,5 28,6' -draw 'rectangle 11,11 28,12' -draw 'rectangle 11,17 28,18' \
+    "$theme/GSNamedColorPicker.png"
+
 # Without the time of their making, so that unchanged pictures stay unchanged files.
 for image in "$out"/ThemeImages/*.png; do
     convert "$image" -strip -define png:exclude-chunks=date,time "$image"
