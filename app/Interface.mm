@@ -11,6 +11,7 @@
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
 static const CGFloat MARGIN = 6;
 static const CGFloat CONTROL_HEIGHT = 21;
+static const CGFloat WHEEL_STEP = 48; // points a notch: three lines of the usual font
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
@@ -19,6 +20,7 @@ static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     [scroll setVerticalScroller:scroller];
     [scroll setHasVerticalScroller:YES];
     [scroll setBorderType:NSNoBorder];
+    [scroll setVerticalLineScroll:WHEEL_STEP];
     [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
     const NSSize inside = [scroll contentSize];
     [console setFrame:NSMakeRect(0, 0, inside.width, inside.height)];
@@ -33,6 +35,17 @@ static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     return scroll;
 }
 
+// Lines break between any two characters: an entry without blanks begins beside its prompt.
+static void breakLinesAnywhere(NSTextView* view) {
+    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
+    [style setLineBreakMode:NSLineBreakByCharWrapping];
+    [view setDefaultParagraphStyle:style];
+    NSMutableDictionary* const typing =
+        [NSMutableDictionary dictionaryWithDictionary:[view typingAttributes]];
+    [typing setObject:style forKey:NSParagraphStyleAttributeName];
+    [view setTypingAttributes:typing];
+}
+
 static MainConsole* buildConsole() {
     MainConsole* const console = [[[MainConsole alloc] initWithFrame:NSZeroRect] autorelease];
     [console setRichText:NO];
@@ -40,6 +53,7 @@ static MainConsole* buildConsole() {
     [console setAllowsUndo:YES];
     NSFont* const font = [NSFont userFixedPitchFontOfSize:13];
     if (font) [console setFont:font];
+    breakLinesAnywhere(console);
     return console;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// For text fields of few characters: limits the length and turns letters into capitals.
+// For text fields of few characters: limits the length and turns letters into capitals. Each field needs a formatter
+// of its own.
 #ifndef TALLYQUILL_TEXTFORMATTER_H
 #define TALLYQUILL_TEXTFORMATTER_H
 
@@ -9,7 +10,8 @@
 #include <cstdint>
 
 @interface TextFormatter : NSFormatter {
-    int32_t maxLength; // characters; 2147483647, no limit, at first
+    int32_t maxLength;  // characters; 2147483647, no limit, at first
+    NSString* lastText; // the latest within the limit, for fields that keep what was typed too much
 }
 - (void)setMaximumLength:(int32_t)length;
 - (int32_t)maximumLength;

@@ -9,6 +9,22 @@
     return self;
 }
 
+- (void)dealloc {
+    [lastText release];
+    [super dealloc];
+}
+
+- (BOOL)isWithinLimit:(NSString*)text {
+    return static_cast<int64_t>([text length]) <= maxLength;
+}
+
+- (void)rememberText:(NSString*)text {
+    if (![text isKindOfClass:[NSString class]] || ![self isWithinLimit:text]) return;
+    NSString* const kept = [text copy];
+    [lastText release];
+    lastText = kept;
+}
+
 - (void)setMaximumLength:(int32_t)length {
     maxLength = length;
 }
@@ -18,11 +34,13 @@
 }
 
 - (NSString*)stringForObjectValue:(id)object {
+    [self rememberText:object];
     return object;
 }
 
 - (BOOL)getObjectValue:(id*)object forString:(NSString*)text errorDescription:(NSString**)error {
     (void)error;
+    [self rememberText:text];
     if (object) *object = text;
     return YES;
 }
@@ -43,7 +61,7 @@
     (void)original;
     (void)originalSelection;
     (void)error;
-    if (static_cast<int64_t>([*partial length]) > maxLength) return NO;
+    if (![self isWithinLimit:*partial]) return NO;
     NSString* const capitals = [*partial uppercaseString];
     if ([*partial isEqualToString:capitals]) return YES;
     *partial = capitals;
@@ -56,12 +74,12 @@
             errorDescription:(NSString**)error {
     NSString* proposed = partial;
     NSRange selection = NSMakeRange([partial length], 0);
-    // Where there is no replacement these fields keep what was typed: a text too long is shortened for them.
-    if (static_cast<int64_t>([partial length]) > maxLength) {
-        const NSUInteger most = maxLength > 0 ? static_cast<NSUInteger>(maxLength) : 0;
-        if (replacement) *replacement = [[partial substringToIndex:most] uppercaseString];
+    // Without a replacement these fields keep what was typed too much. They do not tell what they held before.
+    if (![self isWithinLimit:partial]) {
+        if (replacement) *replacement = [self isWithinLimit:lastText] && lastText ? lastText : @"";
         return NO;
     }
+    [self rememberText:[partial uppercaseString]];
     const BOOL isValid = [self isPartialStringValid:&proposed
                               proposedSelectedRange:&selection
                                      originalString:partial

@@ -237,6 +237,54 @@ TEST_F(Scroller, TheTrackHasTheColorOfTheConsole) {
     EXPECT_LT(track.green, 0.2);
 }
 
+TEST_F(Scroller, ANotchOfTheWheelIsAboutThreeLines) {
+    const CGFloat line = [[console font] defaultLineHeightForFont];
+    EXPECT_GT([[console enclosingScrollView] verticalLineScroll], 2.5 * line);
+    EXPECT_LT([[console enclosingScrollView] verticalLineScroll], 3.5 * line);
+}
+
+// --- Long lines ---
+
+class LongLines : public ConsoleTest {
+protected:
+    // Whether the character stands on the line of the prompt's first one.
+    bool isBesideThePrompt(NSUInteger character) {
+        NSLayoutManager* const layout = [console layoutManager];
+        const NSUInteger start = static_cast<NSUInteger>(g_linestart) - 2;
+        const NSRect first = [layout lineFragmentRectForGlyphAtIndex:start effectiveRange:NULL];
+        const NSRect other = [layout lineFragmentRectForGlyphAtIndex:start + 2 + character
+                                                      effectiveRange:NULL];
+        return NSMinY(first) == NSMinY(other);
+    }
+
+    void expectEntryBesideThePrompt() {
+        [console replacePrompt:std::string(200, '7').c_str()];
+        EXPECT_TRUE(isBesideThePrompt(0));
+        EXPECT_FALSE(isBesideThePrompt(199));
+    }
+};
+
+TEST_F(LongLines, AnEntryBeginsBesideItsPrompt) {
+    expectEntryBesideThePrompt();
+    [console clearPrompt];
+    [console insertWithNewPrompt:"ans = 2\n"];
+    expectEntryBesideThePrompt();
+}
+
+TEST_F(LongLines, AlsoWithOtherFontsAndColorsAndInAClearedConsole) {
+    [console setFont:[NSFont userFixedPitchFontOfSize:15]];
+    expectEntryBesideThePrompt();
+    [console showTextColor:[NSColor redColor] background:[NSColor blackColor]];
+    expectEntryBesideThePrompt();
+    [console setString:@""];
+    [console clearConsole];
+    [console setFont:[NSFont userFixedPitchFontOfSize:11]];
+    expectEntryBesideThePrompt();
+    [console clearPrompt];
+    [console insertText:[@"" stringByPaddingToLength:200 withString:@"x" startingAtIndex:0]];
+    EXPECT_TRUE(isBesideThePrompt(0));
+}
+
 // --- The formatter ---
 
 struct Verdict {
@@ -262,16 +310,22 @@ protected:
         formatter = [[[TextFormatter alloc] init] autorelease];
     }
 
-    // What a text field with the formatter holds after each of the characters was typed.
-    std::string typed(const char* characters) {
+    // What a text field with the formatter holds after each of the characters was typed; "<" stands for the key that
+    // moves the cursor to the left.
+    std::string typed(const char* characters, NSString* begin = @"") {
         NSTextField* const field =
             [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 30, 80, 22)] autorelease];
         [field setFormatter:formatter];
+        [field setStringValue:begin];
         [[window contentView] addSubview:field];
         [window makeFirstResponder:field];
         NSTextView* const editor = static_cast<NSTextView*>([field currentEditor]);
+        [editor setSelectedRange:NSMakeRange([begin length], 0)];
         for (; *characters; characters++) {
-            [editor insertText:[NSString stringWithFormat:@"%c", *characters]];
+            if (*characters == '<')
+                [editor moveLeft:nil];
+            else
+                [editor insertText:[NSString stringWithFormat:@"%c", *characters]];
         }
         const std::string result = [[editor string] UTF8String];
         [window makeFirstResponder:console];
@@ -350,6 +404,23 @@ TEST_F(Formatter, AFieldOfOneCharacterKeepsTheFirst) {
     EXPECT_EQ(typed(";"), ";");
     EXPECT_EQ(typed(";'"), ";");
     EXPECT_EQ(typed("ab"), "A");
+}
+
+TEST_F(Formatter, AFullFieldRefusesWhatIsTypedInFrontOfItsText) {
+    [formatter setMaximumLength:1];
+    EXPECT_EQ(typed(";<'"), ";");
+    EXPECT_EQ(typed("<'", @";"), ";"); // what it held when the typing began
+    EXPECT_EQ(typed("<<B", @"A"), "A");
+    [formatter setMaximumLength:3];
+    EXPECT_EQ(typed("abc<<xy"), "ABC");
+    EXPECT_EQ(typed("ab<c<xy"), "ACB");
+}
+
+TEST_F(Formatter, AFieldThatWasNeverFullRefusesATextTooLong) {
+    [formatter setMaximumLength:2];
+    NSString* replacement = nil;
+    EXPECT_FALSE([formatter isPartialStringValid:@"abc" newEditingString:&replacement errorDescription:NULL]);
+    EXPECT_TRUE([replacement isEqualToString:@""]);
 }
 
 } // namespace
