@@ -9,6 +9,7 @@
 
 #include "FileKeeping.h"
 #include "FunctionsFile.h"
+#include "FunctionsMerge.h"
 
 #include <chrono>
 #include <string>
@@ -51,6 +52,15 @@ static bool mayWriteFunctions() {
     if (!funcFilePath) return false;
     if (isOnlyCopy) isOnlyCopy = !keepDamaged(pathBytes(funcFilePath));
     return !isOnlyCopy;
+}
+
+// Another copy of the program may have written the file meanwhile: what it defined stays.
+static FunctionsMerge merge;
+
+static std::string withWhatOthersDefined(const std::string& text) {
+    std::string present;
+    ReadWholeFile(pathBytes(funcFilePath), present);
+    return merge.Merge(text, present);
 }
 
 // Writes what is due while the person goes on typing.
@@ -151,16 +161,26 @@ static BackgroundWriter backgroundWriter;
 
 // --- Functions, variables, units, history ---
 
+- (void)finishWriting {
+    backgroundWriter.Finish();
+}
+
 - (void)saveFuncFile {
     unwritten = Unwritten();
     backgroundWriter.Finish();
-    if (mayWriteFunctions()) WriteFileAtomically(pathBytes(funcFilePath), FunctionsFileText(calc));
+    if (!mayWriteFunctions()) return;
+    WriteFileAtomically(pathBytes(funcFilePath), withWhatOthersDefined(FunctionsFileText(calc)));
 }
 
 - (void)loadFuncFile {
     const std::string path = pathBytes(funcFilePath);
     const FunctionsFileResult result = ReadFunctionsFile(calc, path);
     isOnlyCopy = (!result.opened || result.damaged) && !keepDamaged(path);
+    // A line that was refused is no other program's: it is in the copy that was kept.
+    std::string text;
+    ReadWholeFile(path, text);
+    merge = FunctionsMerge();
+    merge.Know(text);
     calc.european = [self setting:@"european"] != 0;
     calc.tenKey = [self setting:@"tenkey"] != 0;
 }
@@ -196,6 +216,7 @@ static BackgroundWriter backgroundWriter;
     if (!unwritten.exists) return;
     const std::chrono::duration<double> age = Clock::now() - unwritten.since;
     if (age.count() < WRITE_DELAY * 0.9) return;
+    backgroundWriter.Finish();
     // While the engine is at work, what it held before this entry is written, once.
     const bool isRunning = unwritten.isEntryRunning;
     if (isRunning && unwritten.text.empty()) return;
@@ -203,7 +224,8 @@ static BackgroundWriter backgroundWriter;
     const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
     if (!settingsNow.empty()) files.emplace_back(pathBytes(prefFilePath), settingsNow);
     if (mayWriteFunctions()) {
-        files.emplace_back(pathBytes(funcFilePath), isRunning ? unwritten.text : FunctionsFileText(calc));
+        const std::string text = isRunning ? unwritten.text : FunctionsFileText(calc);
+        files.emplace_back(pathBytes(funcFilePath), withWhatOthersDefined(text));
     }
     backgroundWriter.Write(std::move(files));
     if (isRunning)

@@ -184,6 +184,7 @@ extern NSString* prefFilePath;
 - (void)entryDidRun;
 - (BOOL)isEntryRunning; // between the two: the engine is at work
 - (void)writeDueFiles;
+- (void)finishWriting; // returns when what is being written is in the files
 @end
 
 @interface MainConsole (Scripts)
@@ -198,6 +199,7 @@ extern NSString* prefFilePath;
 
 // Writes that text to the file, in ASCII where it is ASCII and in UTF-8 otherwise. Returns NO when it is not there.
 - (BOOL)writeScript:(NSString*)path;
+- (BOOL)isReplaying; // a script is being replayed
 
 // Replays a script up to its end, an interruption or an "exit". A script that comes while an entry or another
 // script runs waits for the end of that. Returns NO when the file cannot be opened.

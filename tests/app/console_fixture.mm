@@ -69,6 +69,7 @@ void ConsoleTest::SetUp() {
 }
 
 void ConsoleTest::TearDown() {
+    [console finishWriting];
     [window close];
     [window release];
     [delegate release];

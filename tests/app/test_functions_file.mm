@@ -259,19 +259,21 @@ TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptOfManyLinesRuns) {
     EXPECT_TRUE(holds("side=12.5")); // the run loop had no turn of its own
 }
 
-// Whoever quits last has the file; it is whole in any case.
+// Of what both defined the copy that quits last has its way; the history is its own.
 TEST_F(FunctionsFileOfTheWindow, twoCopiesThatQuitOneAfterTheOtherLeaveAWholeFile) {
     defineSomething();
     terminate();
-    const std::string ours = file();
+    std::string both = file();
+    both.insert(both.find("### CUSTOM UNITS"), "other=1\n");
     restart();
     write(functionsPath(),
           "### FUNCTIONS ###\n### VARIABLES ###\nother=1\n### CUSTOM UNITS ###\n### HISTORY ###\n");
     terminate();
-    EXPECT_EQ(file(), ours);
+    EXPECT_EQ(file(), both);
     restart();
     EXPECT_FALSE(exists(functionsPath() + ".unreadable"));
     expectSomething();
+    EXPECT_EQ(answer("other"), "ans = 1");
 }
 
 // --- Damage ---

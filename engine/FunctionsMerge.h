@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+//
+// Two programs may have the functions file open, the window and a terminal, say. Each writes what it has; what the
+// other one defined meanwhile stays in the file.
+#ifndef TALLYQUILL_FUNCTIONSMERGE_H
+#define TALLYQUILL_FUNCTIONSMERGE_H
+
+#include <set>
+#include <string>
+
+class FunctionsMerge {
+public:
+    // The definitions in this text, whatever their values, are no other program's: they were read or written here.
+    void Know(const std::string& text);
+
+    // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were never
+    // known here. Each stands at the end of its section. What was deleted here stays deleted, of a name in both our
+    // line stays, and the history is ours. `ours` is as FunctionsFileText makes it and is known from now on.
+    std::string Merge(const std::string& ours, const std::string& theirs);
+
+private:
+    std::set<std::string> known;
+};
+
+#endif
