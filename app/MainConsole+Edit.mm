@@ -5,6 +5,8 @@
 
 #include "Helpers_String.h"
 
+#import <objc/runtime.h>
+
 #include <unistd.h>
 
 static const useconds_t FLASH = 80000; // microseconds
@@ -144,6 +146,9 @@ static NSString* asOneLine(NSString* text) {
 - (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
     (void)type;
     NSString* const text = [board stringForType:NSStringPboardType];
+    if (!text && [board availableTypeFromArray:[NSArray arrayWithObject:NSStringPboardType]]) {
+        [self updateStatusbar:"The text could not be fetched."]; // so much of it, say, that its owner gave up
+    }
     return text && [self insertForeignText:text];
 }
 

@@ -172,7 +172,10 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
     const NSUInteger open = [call rangeOfString:@"("].location;
     NSCharacterSet* const ends = [NSCharacterSet characterSetWithCharactersInString:@",)"];
     const NSUInteger end = [call rangeOfCharacterFromSet:ends].location;
-    [self putIn:call];
+    // As it has to be typed: with a decimal comma a point stands between arguments.
+    std::string typed = [call UTF8String];
+    calc.ProcessStringEuropean(typed.data());
+    [self putIn:textFromBytes(typed.c_str())];
     if (open == NSNotFound || end == NSNotFound || end <= open) return;
     // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry that
     // the call begins.

@@ -102,6 +102,7 @@ static bool hasNumber(const char* command, const char* word, long& number) {
     else
         [self showOutput:output of:line];
     [self copySettingsFromEngine];
+    if ([self isReplaying]) return; // the script refreshes the lists once, at its end
     [self populateVarsMenu];
     [self populateFuncMenu];
 }

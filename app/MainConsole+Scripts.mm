@@ -38,6 +38,15 @@ static bool isBlank(const std::string& line) {
     return line.find_first_not_of(" \t\r\f\v") == std::string::npos;
 }
 
+// The panels, one of each kind for all of a run, keep the size that they have when they are opened first: GNUstep
+// makes them larger every time and paints nothing there.
+static void keepSize(NSSavePanel* panel, NSSize& first) {
+    if (first.width <= 0) first = [panel frame].size;
+    NSRect frame = [panel frame];
+    frame.size = first;
+    [panel setFrame:frame display:NO];
+}
+
 static NSString* modeWord(int mode) {
     NSString* const words[] = {@"auto", @"never", @"always", @"eng", @"prefix", @"finance"};
     return mode >= 0 && mode <= 5 ? words[mode] : words[0];
@@ -79,6 +88,8 @@ static NSString* baseWord(int base) {
     [panel setTitle:@"Save to script file..."];
     [panel setPrompt:@"Save Script"];
     [panel setAllowedFileTypes:[NSArray arrayWithObjects:@"script", @"txt", nil]];
+    static NSSize size = {0, 0};
+    keepSize(panel, size);
     if ([panel runModal] != NSOKButton) return;
     if ([self writeScript:[panel filename]]) return;
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
@@ -105,9 +116,15 @@ static NSString* baseWord(int base) {
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
     NSArray* const types = [NSArray arrayWithObjects:@"txt", @"script", nil];
+    static NSSize size = {0, 0};
+    keepSize(panel, size);
     if ([panel runModalForTypes:types] != NSOKButton) return;
     if ([self loadFile:[panel filename]]) return;
     [self simpleAlert:@"The script could not be opened.":[panel filename]];
+}
+
+- (BOOL)isReplaying {
+    return isReplaying;
 }
 
 - (BOOL)loadFile:(NSString*)path {
@@ -121,6 +138,8 @@ static NSString* baseWord(int base) {
     isReplaying = true;
     [self replay:script];
     isReplaying = false;
+    [self populateVarsMenu];
+    [self populateFuncMenu];
     [self insertPrompt];
     return YES;
 }
