@@ -18,6 +18,7 @@ static const CGFloat GAP = 10;
 static const CGFloat ROW = 28;
 static const CGFloat SECTION = 12; // the space between sections
 static const CGFloat HIGH = 22;    // a control's height
+static const CGFloat SLIDER = 170;
 
 static void makeLabel(NSTextField* field) {
     [field setEditable:NO];
@@ -26,6 +27,53 @@ static void makeLabel(NSTextField* field) {
     [field setBordered:NO];
     [field setDrawsBackground:NO];
 }
+
+// A slider from 0 to 100 with its value beside it.
+@interface PercentSlider : NSSlider {
+    NSTextField* shown; // not retained: both are in the same panel
+}
+- (void)setShown:(NSTextField*)field;
+@end
+
+@implementation PercentSlider
+
+- (void)setShown:(NSTextField*)field {
+    shown = field;
+    [self showValue];
+}
+
+- (void)showValue {
+    // As the setting takes it: without its fraction.
+    [shown setStringValue:[NSString stringWithFormat:@"%d %%", static_cast<int>([self doubleValue])]];
+}
+
+- (void)setIntValue:(int)value {
+    [super setIntValue:value];
+    [self showValue];
+}
+
+- (void)setDoubleValue:(double)value {
+    [super setDoubleValue:value];
+    [self showValue];
+}
+
+- (BOOL)sendAction:(SEL)action to:(id)target {
+    [self showValue];
+    return [super sendAction:action to:target];
+}
+
+// GNUstep would show the keyboard's focus with the next change only.
+- (BOOL)becomeFirstResponder {
+    [self setNeedsDisplay:YES];
+    return [super becomeFirstResponder];
+}
+
+- (BOOL)resignFirstResponder {
+    [self setNeedsDisplay:YES];
+    return [super resignFirstResponder];
+}
+
+@end
 
 // Places rows from top to bottom and links the controls for the Tab key in that order.
 struct Grid {
@@ -39,13 +87,10 @@ struct Grid {
     void nextRow() { y -= ROW; }
     void nextSection() { y -= SECTION; }
 
-    void label(NSString* text) {
-        NSTextField* const field =
-            [[[NSTextField alloc] initWithFrame:NSMakeRect(EDGE, y - 3, LABELS, HIGH)] autorelease];
-        [field setStringValue:text];
-        makeLabel(field);
+    void label(NSString* title) {
+        NSTextField* const field = text(EDGE, LABELS);
+        [field setStringValue:title];
         [field setAlignment:NSRightTextAlignment];
-        [view addSubview:field];
     }
 
     void add(NSControl* control, CGFloat x, CGFloat width) {
@@ -74,6 +119,15 @@ struct Grid {
         add(button, column(), WIDTH - EDGE - column());
         nextRow();
         return button;
+    }
+
+    // Text that is not a control, beside the controls.
+    NSTextField* text(CGFloat x, CGFloat width) {
+        NSTextField* const field =
+            [[[NSTextField alloc] initWithFrame:NSMakeRect(x, y - 3, width, HIGH)] autorelease];
+        makeLabel(field);
+        [view addSubview:field];
+        return field;
     }
 
     NSColorWell* well() {
@@ -105,9 +159,8 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     made.prefEuropean = grid.box(@"Decimal comma");
     made.prefTwosComp = grid.box(@"Two's complement in hex and binary");
     grid.label(@"Sample:");
-    made.prefNumPreview = grid.field(220);
-    [made.prefNumPreview setFrameOrigin:NSMakePoint(grid.column(), grid.y - 3)];
-    makeLabel(made.prefNumPreview);
+    made.prefNumPreview = grid.text(grid.column(), WIDTH - EDGE - grid.column());
+    [[made.prefNumPreview cell] setLineBreakMode:NSLineBreakByTruncatingTail];
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     grid.nextRow();
 }
@@ -127,16 +180,30 @@ static void addColors(Grid& grid, PrefControls& made) {
     made.prefBGColor = grid.well();
     grid.nextRow();
     grid.label(@"Transparency:");
-    made.prefSlider = makeSlider();
-    [made.prefSlider setMinValue:0];
-    [made.prefSlider setMaxValue:100];
-    grid.add(made.prefSlider, grid.column(), 170);
+    PercentSlider* const slider = [[[PercentSlider alloc] initWithFrame:NSZeroRect] autorelease];
+    [slider setMinValue:0];
+    [slider setMaxValue:100];
+    grid.add(slider, grid.column(), SLIDER);
+    [slider setShown:grid.text(grid.column() + SLIDER + GAP, 60)];
+    made.prefSlider = slider;
     grid.nextRow();
     made.prefResetColors = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
     [made.prefResetColors setTitle:@"Reset Colors"];
     [made.prefResetColors setBezelStyle:NSRoundedBezelStyle];
     grid.add(made.prefResetColors, grid.column(), 120);
     grid.nextRow();
+}
+
+// GNUstep draws the tick of a disabled box as bright as that of the others.
+static void dimTick(NSButton* box) {
+    NSImage* const tick = [box alternateImage];
+    if (!tick) return;
+    const NSRect all = {NSZeroPoint, [tick size]};
+    NSImage* const dim = [[[NSImage alloc] initWithSize:all.size] autorelease];
+    [dim lockFocus];
+    [tick drawInRect:all fromRect:NSZeroRect operation:NSCompositeSourceOver fraction:0.4];
+    [dim unlockFocus];
+    [box setAlternateImage:dim];
 }
 
 static void addWindow(Grid& grid, PrefControls& made) {
@@ -146,6 +213,7 @@ static void addWindow(Grid& grid, PrefControls& made) {
     made.prefStatusIcon = grid.box(@"Show the status item");
     if (platformStatusBar()) return;
     [made.prefStatusIcon setEnabled:NO];
+    dimTick(made.prefStatusIcon);
     [made.prefStatusIcon setToolTip:@"This desktop has no status bar for applications."];
 }
 

@@ -19,7 +19,4 @@ void centerSegmentLabels(NSSegmentedControl* control);
 // this one opens the color panel with the space bar and with Return.
 NSColorWell* makeColorWell();
 
-// A slider that shows the keyboard's focus as soon as it has it.
-NSSlider* makeSlider();
-
 #endif

@@ -331,27 +331,6 @@ NSColorWell* makeColorWell() {
     return [[[NightColorWell alloc] initWithFrame:NSZeroRect] autorelease];
 }
 
-@interface NightSlider : NSSlider
-@end
-
-@implementation NightSlider
-
-- (BOOL)becomeFirstResponder {
-    [self setNeedsDisplay:YES];
-    return [super becomeFirstResponder];
-}
-
-- (BOOL)resignFirstResponder {
-    [self setNeedsDisplay:YES];
-    return [super resignFirstResponder];
-}
-
-@end
-
-NSSlider* makeSlider() {
-    return [[[NightSlider alloc] initWithFrame:NSZeroRect] autorelease];
-}
-
 void useNightTheme() {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
     NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
@@ -380,10 +359,6 @@ void centerSegmentLabels(NSSegmentedControl*) {}
 
 NSColorWell* makeColorWell() {
     return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
-}
-
-NSSlider* makeSlider() {
-    return [[[NSSlider alloc] initWithFrame:NSZeroRect] autorelease];
 }
 
 #endif

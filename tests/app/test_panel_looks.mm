@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+//
+// What the preferences panel shows beside its controls.
+#import "panel_fixture.h"
+
+#include <string>
+
+namespace {
+
+class PanelLooks : public PanelTest {
+protected:
+    // The text beside the slider.
+    std::string percentage() const {
+        NSArray* const views = [[panel contentView] subviews];
+        const NSRect slider = [controls.prefSlider frame];
+        for (NSUInteger i = 0; i < [views count]; i++) {
+            NSView* const view = [views objectAtIndex:i];
+            const bool isBeside = NSMinX([view frame]) > NSMaxX(slider) &&
+                                  NSMinY([view frame]) < NSMidY(slider) &&
+                                  NSMaxY([view frame]) > NSMidY(slider);
+            if (isBeside) return [[(NSTextField*)view stringValue] UTF8String];
+        }
+        return "";
+    }
+};
+
+TEST_F(PanelLooks, TheTransparencyIsShownInPercent) {
+    set("trans", 60);
+    open();
+    EXPECT_EQ(percentage(), "60 %");
+}
+
+TEST_F(PanelLooks, ThePercentageFollowsTheSlider) {
+    open();
+    [controls.prefSlider setDoubleValue:12.9];
+    EXPECT_EQ(percentage(), "12 %");                // as it is stored
+    [[controls.prefSlider cell] setDoubleValue:70]; // as the mouse and the arrows do
+    [controls.prefSlider sendAction:[controls.prefSlider action] to:[controls.prefSlider target]];
+    EXPECT_EQ(percentage(), "70 %");
+    EXPECT_EQ(setting("trans"), 70);
+    [controls.prefResetColors performClick:nil];
+    EXPECT_EQ(percentage(), "25 %");
+}
+
+TEST_F(PanelLooks, ALongSampleEndsWithinThePanel) {
+    EXPECT_EQ([[controls.prefNumPreview cell] lineBreakMode], NSLineBreakByTruncatingTail);
+    EXPECT_LE(NSMaxX([controls.prefNumPreview frame]), NSMaxX([[panel contentView] bounds]));
+}
+
+} // namespace
