@@ -10,6 +10,23 @@
     mainConsole = console;
 }
 
+// The superclass keeps a press to itself and hands the drags on, which would then begin nowhere.
+- (NSResponder*)dragger {
+    return (NSResponder*)[[self window] delegate];
+}
+
+- (void)mouseDown:(NSEvent*)event {
+    [[self dragger] mouseDown:event];
+}
+
+- (void)mouseDragged:(NSEvent*)event {
+    [[self dragger] mouseDragged:event];
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    [[self dragger] mouseUp:event];
+}
+
 - (void)drawRect:(NSRect)dirty {
     NSRect band = [self bounds];
     band.origin.y = STATUS_HEIGHT;

@@ -6,6 +6,8 @@
 #import "Platform.h"
 #include "units.h"
 
+#import <objc/runtime.h>
+
 #include <algorithm>
 #include <chrono>
 
@@ -27,7 +29,7 @@ static const NSSize SMALLEST_WINDOW = {400, 150};
 static const NSTimeInterval SHEET_DELAY = 0.4;
 
 // So much of a window has to be on a screen for it to be caught by the mouse.
-static const CGFloat REACHABLE = 40;
+static const NSSize REACHABLE = {100, 40};
 
 // The engine asks often; the event queue is asked this often, and not before an entry has run this long, so that
 // short entries leave what is typed ahead alone.
@@ -166,7 +168,7 @@ static bool isInterrupted() {
     NSArray* const screens = [NSScreen screens];
     for (NSUInteger i = 0; i < [screens count]; i++) {
         const NSRect shown = NSIntersectionRect(frame, [[screens objectAtIndex:i] visibleFrame]);
-        if (shown.size.width >= REACHABLE && shown.size.height >= REACHABLE) return frame;
+        if (shown.size.width >= REACHABLE.width && shown.size.height >= REACHABLE.height) return frame;
     }
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
     frame.size.width = std::min(frame.size.width, screen.size.width);
@@ -237,7 +239,7 @@ static bool isInterrupted() {
     NSString* const selector = [sheet objectAtIndex:3];
     NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window],
                       self, [selector length] > 0 ? NSSelectorFromString(selector) : NULL, NULL, NULL, @"%@",
-                      [sheet objectAtIndex:0]);
+                      platformSheetText([sheet objectAtIndex:0]));
 }
 
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
@@ -251,7 +253,8 @@ static bool isInterrupted() {
     (void)context;
     if (code != NSAlertDefaultReturn) return;
     [sheet orderOut:nil];
-    platformOpenPage([[NSUserDefaults standardUserDefaults] stringForKey:@"ReviewPageURL"]);
+    if (platformOpenPage([[NSUserDefaults standardUserDefaults] stringForKey:@"ReviewPageURL"])) return;
+    [self simpleAlert:@"Leave Review":@"There is no web page to open."];
 }
 
 - (void)simpleAlert:(NSString*)title:(NSString*)detail {

@@ -18,6 +18,9 @@ float ddY = 0;
 static const CGFloat BAND = 36;
 static const CGFloat SHIFT = 18;
 
+// A window manager's frame takes up to so much of a zoomed window.
+static const CGFloat FRAME_ROOM = 48;
+
 // Moves one axis of a window (its start and length) to an end of a screen's. False when it is near neither.
 static bool snapAxis(CGFloat* start, CGFloat length, CGFloat screenStart, CGFloat screenLength) {
     if (std::fabs(screenStart - *start - SHIFT) <= BAND) {
@@ -65,6 +68,49 @@ static std::vector<NSRect> visibleFrames() {
     return [super constrainFrameRect:frame toScreen:screen];
 }
 
+// GNUstep zooms, but does not go back.
+- (void)zoom:(id)sender {
+    if (!platformWindowManagerMoves()) {
+        [super zoom:sender];
+        return;
+    }
+    MainWindowDelegate* const mover = (MainWindowDelegate*)[self delegate];
+    if ([self isZoomed]) {
+        [mover placeWindow:unzoomed];
+        return;
+    }
+    unzoomed = [self frame];
+    [mover placeWindow:[[self screen] visibleFrame]];
+    zoomed = [self frame];
+}
+
+// The window manager may have moved it a little, to make room for its frame.
+- (BOOL)isZoomed {
+    if (!platformWindowManagerMoves()) return [super isZoomed];
+    const NSSize size = [self frame].size;
+    return std::fabs(size.width - zoomed.size.width) <= FRAME_ROOM &&
+           std::fabs(size.height - zoomed.size.height) <= FRAME_ROOM;
+}
+
+- (void)setLevel:(NSInteger)level {
+    if (!platformWindowManagerMoves()) {
+        [super setLevel:level];
+        return;
+    }
+    isKeptAbove = level >= NSFloatingWindowLevel;
+    platformKeepAbove(self, isKeptAbove);
+}
+
+- (NSInteger)level {
+    return isKeptAbove ? static_cast<NSInteger>(NSFloatingWindowLevel) : [super level];
+}
+
+// A window manager forgets it of a window that goes away.
+- (void)orderWindow:(NSWindowOrderingMode)place relativeTo:(NSInteger)other {
+    [super orderWindow:place relativeTo:other];
+    if (isKeptAbove && place != NSWindowOut) platformKeepAbove(self, true);
+}
+
 @end
 
 @implementation MainWindowDelegate
@@ -77,6 +123,7 @@ static std::vector<NSRect> visibleFrames() {
 - (void)windowWillMove:(NSNotification*)notification {
     (void)notification;
     if (isPlacing) return;
+    isDragging = true;
     snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
     mouseLocOrig = [NSEvent mouseLocation];
     windLocOrig = [window frame].origin;
@@ -91,7 +138,8 @@ static std::vector<NSRect> visibleFrames() {
 }
 
 - (void)mouseDragged:(NSEvent*)event {
-    if ([event type] != NSLeftMouseDragged) return;
+    // A drag whose begin went elsewhere would throw the window to where an earlier one left it.
+    if ([event type] != NSLeftMouseDragged || !isDragging) return;
     if (([event modifierFlags] & NSAlternateKeyMask) || !snapEnabled) return;
     const NSPoint mouse = [NSEvent mouseLocation];
     NSRect frame = [window frame];
@@ -99,6 +147,11 @@ static std::vector<NSRect> visibleFrames() {
     // GNUstep tells of our own moves too: the drag would begin anew, from where the window has snapped to.
     [self placeWindow:frame];
     [self snap];
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    (void)event;
+    isDragging = false;
 }
 
 - (void)windowDidMove:(NSNotification*)notification {

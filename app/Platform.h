@@ -55,6 +55,13 @@ NSStatusBar* platformStatusBar();
 // window is put among the minimised ones instead, from where the window manager does.
 void platformHide(NSWindow* window);
 
+// Asks the window manager to keep a window that is shown above the others, or no longer to (GNUstep). It keeps its
+// place in the lists of windows, which a level of GNUstep's own would cost it. Nothing on macOS, where a level does it.
+void platformKeepAbove(NSWindow* window, bool isAbove);
+
+// The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
+NSString* platformSheetText(NSString* text);
+
 // Whether the window manager moves windows and tells afterwards only (GNUstep).
 bool platformWindowManagerMoves();
 

@@ -6,6 +6,11 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#ifdef GNUSTEP
+#include <GNUstepGUI/GSDisplayServer.h>
+#include <X11/Xlib.h>
+#endif
+
 void platformAfterLaunch() {
     setlocale(LC_NUMERIC, "C");
 }
@@ -123,6 +128,49 @@ void platformHide(NSWindow* window) {
     [window miniaturize:nil];
 }
 
+void platformKeepAbove(NSWindow* window, bool isAbove) {
+    const int number = static_cast<int>([window windowNumber]);
+    if (number <= 0) return;
+    GSDisplayServer* const server = GSServerForWindow(window);
+    Display* const display = static_cast<Display*>([server serverDevice]);
+    if (!display) return;
+    // The "Extended Window Manager Hints": a message to the root window, 1 to add the state and 0 to remove it.
+    XEvent message = {};
+    message.xclient.type = ClientMessage;
+    message.xclient.window = reinterpret_cast<Window>([server windowDevice:number]);
+    message.xclient.message_type = XInternAtom(display, "_NET_WM_STATE", False);
+    message.xclient.format = 32;
+    message.xclient.data.l[0] = isAbove ? 1 : 0;
+    message.xclient.data.l[1] = static_cast<long>(XInternAtom(display, "_NET_WM_STATE_ABOVE", False));
+    message.xclient.data.l[3] = 1; // an application asks
+    XSendEvent(display, DefaultRootWindow(display), False, SubstructureNotifyMask | SubstructureRedirectMask,
+               &message);
+    XFlush(display);
+}
+
+// Breaks a line at blanks. A word that is longer than a line stays whole.
+static NSString* brokenLine(NSString* line) {
+    const NSUInteger most = 52; // characters, in a window of the first size
+    NSMutableString* const text = [NSMutableString string];
+    NSUInteger length = 0;
+    NSArray* const words = [line componentsSeparatedByString:@" "];
+    for (NSUInteger i = 0; i < [words count]; i++) {
+        NSString* const word = [words objectAtIndex:i];
+        const bool isBreak = i > 0 && length + 1 + [word length] > most;
+        if (i > 0) [text appendString:isBreak ? @"\n" : @" "];
+        [text appendString:word];
+        length = i == 0 || isBreak ? [word length] : length + 1 + [word length];
+    }
+    return text;
+}
+
+NSString* platformSheetText(NSString* text) {
+    NSMutableArray* const lines = [NSMutableArray array];
+    NSArray* const given = [text componentsSeparatedByString:@"\n"];
+    for (NSUInteger i = 0; i < [given count]; i++) [lines addObject:brokenLine([given objectAtIndex:i])];
+    return [lines componentsJoinedByString:@"\n"];
+}
+
 bool platformWindowManagerMoves() {
     return true;
 }
@@ -168,6 +216,12 @@ NSStatusBar* platformStatusBar() {
 
 void platformHide(NSWindow*) {
     [NSApp hide:nil];
+}
+
+void platformKeepAbove(NSWindow*, bool) {}
+
+NSString* platformSheetText(NSString* text) {
+    return text;
 }
 
 bool platformWindowManagerMoves() {

@@ -296,11 +296,16 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     }
     NSArray* const fade =
         [NSArray arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
-    timer = [[NSTimer scheduledTimerWithTimeInterval:FADE_INTERVAL
-                                              target:self
-                                            selector:@selector(fadeWin:)
-                                            userInfo:fade
-                                             repeats:YES] retain];
+    timer = [[NSTimer timerWithTimeInterval:FADE_INTERVAL
+                                     target:self
+                                   selector:@selector(fadeWin:)
+                                   userInfo:fade
+                                    repeats:YES] retain];
+    // Also while a panel waits for its answer or a menu is open.
+    for (NSString* const mode in
+         @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
+        [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
+    }
 }
 
 - (void)fadeWin:(NSTimer*)tick {

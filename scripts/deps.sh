@@ -12,7 +12,7 @@ set -eu
 # Debian 12 packages. The window: AppKit is GNUstep's, its back end draws on the X server, its runtime packages hold
 # the pasteboard server, the fonts are those it falls back on, and xdg-open shows web pages.
 debian_run="clang cmake ninja-build libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
-    fonts-dejavu-core xdg-utils"
+    libx11-dev fonts-dejavu-core xdg-utils"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind curl git locales
     python3 xvfb openbox xdotool xclip x11-utils imagemagick"

@@ -141,6 +141,19 @@ TEST_F(Fading, runsOnATimer) {
     EXPECT_NEAR(alpha(), 0.8, 1e-6);
 }
 
+TEST_F(Fading, goesOnWhileAPanelWaitsOrAMenuIsOpen) {
+    for (NSString* const mode in @[ NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
+        [window setAlphaValue:1];
+        fade(0.8f, -0.1f);
+        for (int i = 0; i < 100 && isFading(); i++) {
+            [[NSRunLoop currentRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
+        }
+        EXPECT_FALSE(isFading()) << [mode UTF8String];
+        EXPECT_NEAR(alpha(), 0.8, 1e-6) << [mode UTF8String];
+        [preferences() fadeWindow:1 rate:0];
+    }
+}
+
 TEST_F(Fading, aNewOneEndsTheOld) {
     [window setAlphaValue:1];
     fade(-1.0f, -0.3f);

@@ -121,6 +121,26 @@ protected:
                                                  pressure:1]];
     }
 
+    // As the window gets it from the system; the place counts from the window's lower left corner.
+    void send(NSEventType type, NSPoint place) {
+        [window sendEvent:[NSEvent mouseEventWithType:type
+                                             location:place
+                                        modifierFlags:0
+                                            timestamp:0
+                                         windowNumber:[window windowNumber]
+                                              context:[window graphicsContext]
+                                          eventNumber:0
+                                           clickCount:1
+                                             pressure:1]];
+    }
+
+    // In the strip of the controls, right of them.
+    NSPoint freePlace() const {
+        NSView* const content = [window contentView];
+        const NSRect bounds = [content bounds];
+        return [content convertPoint:NSMakePoint(NSMaxX(bounds) - 5, NSMaxY(bounds) - 10) toView:nil];
+    }
+
     void expectOrigin(CGFloat x, CGFloat y) {
         EXPECT_NEAR(origin().x, x, 1e-3);
         EXPECT_NEAR(origin().y, y, 1e-3);
@@ -153,6 +173,35 @@ TEST_F(Snapping, theWindowFollowsTheMouseStepByStep) {
     expectOrigin(320, 210);
     dragTo(350, 220);
     expectOrigin(340, 210);
+}
+
+TEST_F(Snapping, theStripOfTheControlsDragsTheWindow) {
+    mouse = NSMakePoint(690, 490);
+    send(NSLeftMouseDown, freePlace());
+    for (int step = 2; step <= 10; step += 2) {
+        mouse = NSMakePoint(690 + step, 490 - step);
+        send(NSLeftMouseDragged, freePlace());
+        expectOrigin(300 + step, 200 - step);
+    }
+    send(NSLeftMouseUp, freePlace());
+    expectOrigin(310, 190);
+    // The next one begins where this one has ended.
+    mouse = NSMakePoint(100, 100);
+    send(NSLeftMouseDown, freePlace());
+    mouse = NSMakePoint(101, 103);
+    send(NSLeftMouseDragged, freePlace());
+    expectOrigin(311, 193);
+    send(NSLeftMouseUp, freePlace());
+}
+
+TEST_F(Snapping, aDragWithoutABeginMovesNothing) {
+    dragTo(50, 60);
+    expectOrigin(300, 200);
+    mouse = NSMakePoint(310, 210);
+    [mover() mouseDown:nil];
+    [mover() mouseUp:nil];
+    dragTo(50, 60);
+    expectOrigin(300, 200);
 }
 
 TEST_F(Snapping, aDragSnapsAndLetsGoAgain) {
