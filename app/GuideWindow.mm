@@ -189,14 +189,22 @@ NSAttributedString* guideText(NSString* markdown) {
 
 // --- The window ---
 
+// The narrowest window in which the last column of a table has room: GNUstep lays out no text at all behind a tab
+// stop that lies beyond the edge.
+static const NSSize SMALLEST_CONTENT = {2 * COLUMN + 220, 200};
+
+// A panel, because it is no main window: it does not keep the calculator running once that is closed.
 static NSWindow* buildGuideWindow(NSAttributedString* text) {
     const NSRect frame = NSMakeRect(0, 0, 720, 560);
-    NSWindow* const window =
-        [[NSWindow alloc] initWithContentRect:frame
-                                    styleMask:NSTitledWindowMask | NSClosableWindowMask |
-                                              NSMiniaturizableWindowMask | NSResizableWindowMask
-                                      backing:NSBackingStoreBuffered
-                                        defer:YES];
+    NSPanel* const window =
+        [[NSPanel alloc] initWithContentRect:frame
+                                   styleMask:NSTitledWindowMask | NSClosableWindowMask |
+                                             NSMiniaturizableWindowMask | NSResizableWindowMask
+                                     backing:NSBackingStoreBuffered
+                                       defer:YES];
+    [window setHidesOnDeactivate:NO];
+    [window setExcludedFromWindowsMenu:NO];
+    [window setContentMinSize:SMALLEST_CONTENT];
     [window setTitle:@"Tallyquill Guide"];
     [window setReleasedWhenClosed:NO];
     NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
@@ -226,9 +234,10 @@ static NSWindow* buildGuideWindow(NSAttributedString* text) {
 
 bool showGuideWindow() {
     static NSWindow* window = nil; // one for as long as the application runs
+    NSString* const path = [[NSBundle mainBundle] pathForResource:@"guide" ofType:@"md"];
+    if (!path) return false;
     if (!window) {
-        NSString* const path = [[NSBundle mainBundle] pathForResource:@"guide" ofType:@"md"];
-        NSData* const bytes = path ? [NSData dataWithContentsOfFile:path] : nil;
+        NSData* const bytes = [NSData dataWithContentsOfFile:path];
         if (!bytes) return false;
         NSString* const text = [[[NSString alloc] initWithData:bytes
                                                       encoding:NSUTF8StringEncoding] autorelease];

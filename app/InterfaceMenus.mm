@@ -27,7 +27,7 @@ static void addSeparator(NSMenu* menu) {
 
 static void buildApplicationMenu(NSMenu* bar, PelmoAppDelegate* delegate) {
     NSMenu* const menu = addMenu(bar, @"Tallyquill");
-    addItem(menu, @"About Tallyquill", @selector(orderFrontStandardAboutPanel:), @"", NSApp);
+    addItem(menu, @"About Tallyquill", @selector(showAbout:), @"", delegate);
     addSeparator(menu);
     addItem(menu, @"Preferences...", @selector(menuPreferences:), @",", [delegate prefController]);
     addSeparator(menu);

@@ -32,7 +32,8 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
 - (PrefController*)prefController;
 - (void)setPrefController:(PrefController*)controller;
 
-- (void)createAppStatusItem; // nothing where there is no status bar
+- (void)createAppStatusItem;                     // in the system's status bar
+- (void)createAppStatusItemIn:(NSStatusBar*)bar; // nothing when there is no bar, or an item already
 - (void)removeAppStatusItem;
 
 // Fades the visible window away and hides the application; otherwise brings it back to the front.
@@ -42,6 +43,11 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
 - (void)hideMainWindow:(id)sender;
 
 - (void)showGuide:(id)sender; // the guide, in a window of its own
+- (void)showAbout:(id)sender;
+
+// A click on the application's icon brings the window back, wherever it is.
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)isAnyVisible;
+
 - (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path;
 @end

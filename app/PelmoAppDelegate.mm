@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #import "PelmoAppDelegate.h"
 
+#import "AboutPanel.h"
 #import "GuideWindow.h"
 #import "Interface.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"
 #import "Platform.h"
 #import "PrefController.h"
+
+#import <objc/runtime.h>
 
 uint8_t mainWinIsHidden = 0;
 uint8_t calcIsReady = 0;
@@ -107,7 +110,10 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (void)createAppStatusItem {
-    NSStatusBar* const bar = platformStatusBar();
+    [self createAppStatusItemIn:platformStatusBar()];
+}
+
+- (void)createAppStatusItemIn:(NSStatusBar*)bar {
     if (!bar || statusItem) return;
     statusItem = [[bar statusItemWithLength:NSVariableStatusItemLength] retain];
     [statusItem setHighlightMode:YES];
@@ -153,10 +159,26 @@ static NSImage* bundleImage(NSString* name) {
         [self fadeAway];
         return;
     }
+    [self bringBack];
+}
+
+- (void)bringBack {
     [window setCollectionBehavior:EVERY_SPACE];
     if ([window isMiniaturized]) [window deminiaturize:nil];
     [window makeKeyAndOrderFront:nil];
     [NSApp activateIgnoringOtherApps:YES];
+}
+
+- (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)isAnyVisible {
+    (void)application;
+    (void)isAnyVisible; // another one, such as the guide, may be
+    if (![self isShown]) [self bringBack];
+    return NO;
+}
+
+- (void)showAbout:(id)sender {
+    (void)sender;
+    showAboutPanel();
 }
 
 - (void)showGuide:(id)sender {

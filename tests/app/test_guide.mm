@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #import "GuideWindow.h"
+#import "replacement.h"
 
 #import <AppKit/AppKit.h>
 
@@ -129,6 +130,51 @@ TEST_F(Guide, NothingGivesNothing) {
     EXPECT_EQ(lines(""), "");
     EXPECT_EQ(lines("\n\n\n"), "");
     EXPECT_EQ(lines("|\n||\n"), "");
+}
+
+NSString* pathOfTests(id, SEL, NSString*, NSString*) {
+    return [NSString stringWithUTF8String:TALLYQUILL_GUIDE];
+}
+
+NSWindow* shownGuide() {
+    const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
+    EXPECT_TRUE(showGuideWindow());
+    for (NSWindow* const one in [NSApp windows]) {
+        if ([[one title] isEqualToString:@"Tallyquill Guide"]) return one;
+    }
+    return nil;
+}
+
+TEST_F(Guide, ItsWindowShowsAllOfTheTextAtTheSmallestWidth) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    NSTextView* const view = [(NSScrollView*)[window contentView] documentView];
+    const NSRect before = [window frame];
+    // As far as a person can make it narrow.
+    const NSSize least = [window minSize];
+    EXPECT_GT(least.width, 400);
+    EXPECT_LT(least.width, 720);
+    [window setFrame:NSMakeRect(NSMinX(before), NSMinY(before), least.width, least.height) display:YES];
+    ASSERT_EQ(NSWidth([window frame]), least.width);
+    NSLayoutManager* const layout = [view layoutManager];
+    const NSRange shown = [layout glyphRangeForTextContainer:[view textContainer]];
+    EXPECT_EQ(shown.location, 0u);
+    EXPECT_EQ(shown.length, [layout numberOfGlyphs]);
+    const NSUInteger last = [layout numberOfGlyphs] - 1;
+    const NSRect end = [layout lineFragmentRectForGlyphAtIndex:last effectiveRange:NULL];
+    EXPECT_GT(NSMinY(end), 3000) << "the last line stands below all others";
+    [window setFrame:before display:NO];
+    [window close];
+}
+
+TEST_F(Guide, ItsWindowDoesNotKeepTheProgramRunning) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    EXPECT_FALSE([window canBecomeMainWindow]);
+    EXPECT_TRUE([window canBecomeKeyWindow]);
+    EXPECT_FALSE([window hidesOnDeactivate]);
+    EXPECT_FALSE([window isExcludedFromWindowsMenu]);
+    [window close];
 }
 
 TEST_F(Guide, OurGuideIsLaidOutWithoutLeftovers) {

@@ -175,7 +175,27 @@ TEST_F(Hiding, gainingTheFocusFadesBackToOpaque) {
     EXPECT_EQ(becomeActive(), Told({"fade 1 0.15", "behaviour 0"}));
 }
 
-// --- The window manager's way back ---
+// --- The ways back ---
+
+TEST_F(Hiding, theIconOfTheApplicationBringsTheWindowBack) {
+    const auto reopen = [this] {
+        EXPECT_FALSE([application() applicationShouldHandleReopen:NSApp hasVisibleWindows:YES]);
+    };
+    EXPECT_EQ(toldBy(reopen), Told()) << "it is there";
+    mainWinIsHidden = 1;
+    EXPECT_EQ(toldBy(reopen), comesBack);
+    mainWinIsHidden = 0;
+    stand.isMiniaturized = YES;
+    EXPECT_EQ(toldBy(reopen), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
+}
+
+// --- The end ---
+
+TEST_F(Hiding, theLastWindowEndsTheProgramUnlessItIsHidden) {
+    EXPECT_TRUE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    mainWinIsHidden = 1;
+    EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+}
 
 TEST_F(Hiding, aHiddenWindowThatIsTakenOutOfTheDockIsShown) {
     mainWinIsHidden = 1;

@@ -141,26 +141,51 @@ protected:
 
 // --- The console's order ---
 
+bool hadFunctions = false;        // predefined ones, when the settings were loaded
+bool hadFunctionsForFile = false; // when the functions file was
+int entriesForFile = 0;           // the room of the history then
+
+void recordSettings(id self, SEL selector) {
+    hadFunctions = funcs.FindByName("sin", 1) != nullptr;
+    record<>(self, selector);
+}
+
+void recordFunctions(id self, SEL selector) {
+    hadFunctionsForFile = funcs.FindByName("sin", 1) != nullptr;
+    entriesForFile = calc.history.maxEntries;
+    record<>(self, selector);
+}
+
 TEST_F(Startup, goesInOrder) {
+    setSetting("histsz", 3);
     terminate();
     {
         Recorder recorder;
-        const char* const plain[] = {"clearConsole",         "loadSettings",       "testUnits",
-                                     "loadFuncFile",         "populateVarsMenu",   "populateFuncMenu",
-                                     "initWindowProperties", "initWindowLocation", "countStart"};
+        const char* const plain[] = {"clearConsole",       "findFiles",        "testUnits",
+                                     "populateVarsMenu",   "populateFuncMenu", "initWindowProperties",
+                                     "initWindowLocation", "countStart"};
         for (const char* const name : plain) recorder.watch([MainConsole class], name);
+        // The engine is no object; what it has become when the next message is sent tells its place.
+        recorder.watch([MainConsole class], "loadSettings", recordSettings);
+        recorder.watch([MainConsole class], "loadFuncFile", recordFunctions);
+        recorder.watch([MainConsole class], "showWindow:", &record<NSWindow*>);
         recorder.watch([MainConsole class], "setDegreeMode:", &record<int>);
         recorder.watch([MainConsole class], "setDisplayBase::", &record<int, BOOL>);
         restart();
     }
     const std::vector<std::string> expected = {
-        "clearConsole",       "loadSettings",     "testUnits",
-        "loadFuncFile",       "setDegreeMode:",   "setDisplayBase::",
-        "populateVarsMenu",   "populateFuncMenu", "initWindowProperties",
-        "initWindowLocation",
+        "clearConsole",       "findFiles",
+        "loadSettings",       "testUnits",
+        "loadFuncFile",       "setDegreeMode:",
+        "setDisplayBase::",   "populateVarsMenu",
+        "populateFuncMenu",   "initWindowProperties",
+        "initWindowLocation", "showWindow:",
         "initWindowLocation", // once more: a menu in the window makes it larger when it appears
         "countStart"};
     EXPECT_EQ(sent, expected);
+    EXPECT_FALSE(hadFunctions) << "the settings come before the functions";
+    EXPECT_TRUE(hadFunctionsForFile) << "the file's come on top of the predefined ones";
+    EXPECT_EQ(entriesForFile, 3) << "the history has its size before the file fills it";
 }
 
 TEST_F(Startup, handsTheSettingsToTheEngine) {
@@ -207,6 +232,7 @@ TEST_F(Startup, theSavedPlaceComesBackWithoutSnapping) {
 
 TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
     for (const NSRect& lost : {NSMakeRect(5000, 300, 500, 300), NSMakeRect(-490, 300, 500, 300),
+                               NSMakeRect(-405, 300, 500, 300), // 95 points are left
                                NSMakeRect(300, -3000, 500, 300)}) {
         terminate();
         std::string file = read(settingsPath());
@@ -226,6 +252,16 @@ TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
         EXPECT_EQ(NSWidth([window frame]), 500);
         EXPECT_EQ(NSHeight([window frame]), 300);
     }
+}
+
+TEST_F(Startup, aPlaceThatIsPartlySeenStays) {
+    const NSRect place = NSMakeRect(-400, 300, 500, 300);
+    setSetting("x", -400);
+    setSetting("y", 300);
+    setSetting("cx", 500);
+    setSetting("cy", 300);
+    [console initWindowLocation];
+    EXPECT_TRUE(NSEqualRects([window frame], place)) << [NSStringFromRect([window frame]) UTF8String];
 }
 
 // --- The units' self-test ---
@@ -340,6 +376,7 @@ TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
     NSWindow* const probe = reinterpret_cast<NSWindow*>(sheet());
     [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
     EXPECT_EQ(closedSheets, 1);
+    EXPECT_EQ(alerts, std::vector<std::string>{"Leave Review\nThere is no web page to open."});
     NSDictionary* const page = [NSDictionary dictionaryWithObject:@"https://example.org/review"
                                                            forKey:@"ReviewPageURL"];
     [[NSUserDefaults standardUserDefaults] registerDefaults:page];
@@ -351,6 +388,7 @@ TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
     EXPECT_EQ(closedSheets, 2);
     for (int i = 0; i < 100 && read(opened).empty(); i++) run(0.05);
     EXPECT_EQ(read(opened), "https://example.org/review");
+    EXPECT_EQ(alerts.size(), 1u);
 }
 
 // --- The application's launch ---

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+//
+// The panel that tells what the program is.
+#import "AboutPanel.h"
+#import "shell_fixture.h"
+
+namespace {
+
+NSString* pathOfTests(id, SEL, NSString* name, NSString* type) {
+    return [NSString stringWithFormat:@"%s/%@.%@", TALLYQUILL_RESOURCES, name, type];
+}
+
+NSDictionary* information(id, SEL) {
+    return [NSDictionary dictionaryWithObject:@"1.2.3" forKey:@"ApplicationRelease"];
+}
+
+// One panel lasts as long as the program, so one test makes it.
+class About : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        [window makeKeyAndOrderFront:nil];
+        const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
+        const Replaced about([NSBundle class], @selector(infoDictionary), information);
+        showAboutPanel();
+        for (NSWindow* const one in [NSApp windows]) {
+            if ([[one title] isEqualToString:@"About Tallyquill"]) panel = one;
+        }
+        ASSERT_NE(panel, nil);
+    }
+    void TearDown() override {
+        [panel orderOut:nil];
+        ShellTest::TearDown();
+    }
+
+    NSWindow* panel = nil;
+};
+
+TEST_F(About, tellsNameVersionPurposeAndLicence) {
+    std::string lines;
+    bool hasIcon = false;
+    for (NSView* const view in [[panel contentView] subviews]) {
+        EXPECT_TRUE(NSContainsRect([[panel contentView] bounds], [view frame]));
+        if ([view isKindOfClass:[NSImageView class]]) hasIcon = [(NSImageView*)view image] != nil;
+        if (![view isKindOfClass:[NSTextField class]]) continue;
+        NSTextField* const line = (NSTextField*)view;
+        lines += std::string([[line stringValue] UTF8String]) + "\n";
+        EXPECT_LE([[line cell] cellSize].width, NSWidth([line frame])) << lines;
+    }
+    EXPECT_EQ(lines, "Tallyquill\nVersion 1.2.3\nA calculator that works like a console.\n"
+                     "Free software under the MIT licence.\n");
+    EXPECT_TRUE(hasIcon);
+}
+
+TEST_F(About, takesTheKeysAndEscapeClosesIt) {
+    EXPECT_TRUE([panel isVisible]);
+    EXPECT_TRUE([panel isKeyWindow]);
+    EXPECT_TRUE([panel canBecomeKeyWindow]);
+    EXPECT_FALSE([panel isMainWindow]);
+    [panel sendEvent:[NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:0
+                                           timestamp:0
+                                        windowNumber:[panel windowNumber]
+                                             context:nil
+                                          characters:@"\033"
+                         charactersIgnoringModifiers:@"\033"
+                                           isARepeat:NO
+                                             keyCode:53]];
+    EXPECT_FALSE([panel isVisible]);
+    EXPECT_TRUE([window isVisible]);
+}
+
+TEST_F(About, theMenusCloseClosesItAndNotTheCalculator) {
+    [panel performClose:nil]; // what the menu sends to the window that has the keys
+    EXPECT_FALSE([panel isVisible]);
+    EXPECT_TRUE([window isVisible]);
+}
+
+} // namespace
