@@ -26,7 +26,9 @@ struct Unwritten {
     bool exists = false;
     bool isEntryRunning = false;
     Clock::time_point since;
-    std::string text; // of the functions file before the running entry; cheap beside the entry itself
+    std::string text; // of the functions file before the running entry
+    Clock::time_point textTime;
+    Clock::duration textCost = Clock::duration::zero();
 };
 static Unwritten unwritten;
 
@@ -193,12 +195,17 @@ static BackgroundWriter backgroundWriter;
 
 - (void)entryWillRun {
     unwritten.isEntryRunning = true;
-    if (unwritten.exists && funcFilePath) unwritten.text = FunctionsFileText(calc);
+    if (!unwritten.exists || !funcFilePath) return;
+    const Clock::time_point now = Clock::now();
+    // In a script of thousands of definitions the text takes longer than the lines: a twentieth of the time is for it.
+    if (now - unwritten.textTime < 20 * unwritten.textCost) return;
+    unwritten.text = FunctionsFileText(calc);
+    unwritten.textTime = Clock::now();
+    unwritten.textCost = unwritten.textTime - now;
 }
 
 - (void)entryDidRun {
     unwritten.isEntryRunning = false;
-    unwritten.text.clear();
     [self writeDueFiles]; // a script keeps the timer from firing
     if (unwritten.exists) return;
     // Also when this entry has just been written: its settings are taken over only now.

@@ -464,3 +464,16 @@ TEST_F(Menus, itemsThatStayTheSameAreLeftAlone) {
     enter("del a");
     EXPECT_EQ(titles("menuVars"), (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "b\t3"}));
 }
+
+TEST_F(Menus, withADecimalCommaACallIsPutInAsItHasToBeTyped) {
+    enter("g(a,b)=a+b");
+    enter("european on");
+    chosenTitle = "g(a,b)=a+b";
+    const Replaced title([NSPopUpButton class], @selector(titleOfSelectedItem), titleOfTests);
+    [console clickedFuncMenu:outlet("menuFuncs")];
+    EXPECT_EQ(entry(), "g(a.b)");
+    EXPECT_EQ(selected(), "a");
+    press(KEY_ESCAPE);
+    enter("g(1.2,5)");
+    EXPECT_NE(text().find("ans = 3,5\n"), std::string::npos);
+}
