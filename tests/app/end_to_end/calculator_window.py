@@ -12,6 +12,7 @@ import subprocess
 import time
 
 PATIENCE = 15  # seconds until something that should happen counts as not happening
+QUIT_TIME = 5  # seconds until the key to quit counts as lost
 STEP = 0.05  # seconds between two looks
 FUNCTIONS_FILE = "pelmo_functions.txt"
 SETTINGS_FILE = "pelmo_settings.plist"
@@ -81,6 +82,16 @@ def windows():
     return found
 
 
+def has_focus(window):
+    """Whether the keys go to the window, given by its number."""
+    return int(run("xdotool", "getwindowfocus", "-f")) == int(window, 0)
+
+
+def activate(window):
+    run("xdotool", "windowactivate", "--sync", window)
+    wait_until("the focus", lambda: has_focus(window))
+
+
 class CalculatorWindow:
     """One running copy of the application, whose files are in `folder`/Tallyquill."""
 
@@ -111,7 +122,9 @@ class CalculatorWindow:
         return self.log.read()
 
     def activate(self):
-        run("xdotool", "windowactivate", "--sync", self.id)
+        """Brings the window to the front and waits until keys reach it."""
+        # The window manager calls it active before the application has taken the focus.
+        activate(self.id)
 
     def answer(self, button):
         """Waits for a question in front of the window and clicks a button of it, DEFAULT_BUTTON or OTHER_BUTTON."""
@@ -157,6 +170,11 @@ class CalculatorWindow:
 
         wait_until("a window at rest", rests)
         return looks[1]
+
+    def frame(self):
+        """The widths of the window manager's frame: left, right, top, bottom."""
+        extents = run("xprop", "-id", self.id, "_NET_FRAME_EXTENTS").split("=")[1]
+        return tuple(int(part) for part in extents.split(","))
 
     def opacity(self):
         """From 0 to 1, as compositors are told."""
@@ -225,9 +243,22 @@ class CalculatorWindow:
 
     def quit(self):
         """Leaves by the menu's key. The exit status."""
-        self.activate()
-        self.key("alt+q")
+        for _ in range(PATIENCE // QUIT_TIME):
+            self._ask_to_quit()
+            try:
+                self.process.wait(QUIT_TIME)
+            except subprocess.TimeoutExpired:
+                continue  # the key came while the focus was on its way, when another copy has just ended
+            break
         return self.wait_for_end()
+
+    def _ask_to_quit(self):
+        try:
+            self.activate()
+            self.key("alt+q")
+        except (RuntimeError, AssertionError):
+            if self.process.poll() is None:
+                raise
 
     def kill(self):
         """The end without any warning; harmless when it has come already."""

@@ -5,64 +5,20 @@
 """
 
 import os
-import shutil
 import subprocess
-import sys
-import tempfile
 import time
-import unittest
 
-from calculator_window import (
-    DEFAULT_BUTTON,
-    FUNCTIONS_FILE,
-    OTHER_BUTTON,
-    SETTINGS_FILE,
-    CalculatorWindow,
-    run,
-    wait_until,
-    windows,
-)
+from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, activate, run, wait_until, windows
+from scenario import Scenario, main
 
+MENU_BAR = 22  # pixels that the menu in the window adds to its smallest height
 # Pixels from the corner of the window, whose menu bar comes first.
 HEX_SEGMENT = (111, 35)
 FUNCTIONS_BUTTON = (350, 35)
 FIRST_FUNCTION = (350, 56)
 
 
-def setUpModule():
-    """One first start, whose questions are answered; the settings that it leaves are those of the other tests."""
-    global first_settings
-    folder = tempfile.mkdtemp()
-    window = CalculatorWindow(folder, asks=True)
-    try:
-        window.answer(OTHER_BUTTON)  # the tutorial is offered: "No thanks."
-        window.enter("1+1")
-        window.key("alt+a", "alt+c")
-        window.answer(DEFAULT_BUTTON)  # a tip follows the first copy out of the transcript
-        window.key("End")
-        window.wait_for_text("> 1+1\nans = 2\n\n> ")
-        status = window.quit()
-        assert status == 0, f"exit status {status}: {window.remarks()}"
-    finally:
-        window.kill()
-    first_settings = os.path.join(folder, "Tallyquill", SETTINGS_FILE)
-    assert os.path.exists(first_settings), "the first start left no settings"
-
-
-class EndToEnd(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.mkdtemp()
-        os.mkdir(os.path.join(self.folder, "Tallyquill"))
-        shutil.copy(first_settings, os.path.join(self.folder, "Tallyquill"))
-
-    def start(self, *arguments):
-        window = CalculatorWindow(self.folder, *arguments)
-        self.addCleanup(window.kill)
-        return window
-
-    def quit(self, window):
-        self.assertEqual(window.quit(), 0)
-
+class EndToEnd(Scenario):
     def test_return_gives_the_answer(self):
         window = self.start()
         window.enter("(1+2)*3")
@@ -194,7 +150,7 @@ class EndToEnd(unittest.TestCase):
         panel = wait_until("the preferences", lambda: next((n for n, t in windows() if "Preferences" in t), None))
         run("xdotool", "windowminimize", window.id)
         wait_until("the minimised window", window.is_minimised)
-        run("xdotool", "windowactivate", "--sync", panel)
+        activate(panel)
         window.key("alt+w")
         wait_until("the end of the panel", lambda: panel not in (n for n, _ in windows()))
         time.sleep(1)
@@ -228,8 +184,8 @@ class EndToEnd(unittest.TestCase):
         window = self.start()
         run("xdotool", "windowsize", window.id, "300", "100")
         _, _, width, height = window.rest()
-        self.assertGreaterEqual(width, 398)  # with the window manager's frame 400 x 150 or more
-        self.assertGreaterEqual(height, 125)
+        left, right, top, bottom = window.frame()
+        self.assertEqual((left + width + right, top + height + bottom - MENU_BAR), (400, 150))
         self.quit(window)
 
     def test_the_base_changes_by_the_control_and_by_the_menu(self):
@@ -295,8 +251,4 @@ class EndToEnd(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    names = sys.argv[1:]
-    loader = unittest.TestLoader()
-    tests = loader.loadTestsFromNames(names, EndToEnd) if names else loader.loadTestsFromTestCase(EndToEnd)
-    result = unittest.TextTestRunner(verbosity=2).run(tests)
-    sys.exit(0 if result.wasSuccessful() and result.testsRun > 0 else 1)
+    main(EndToEnd)
