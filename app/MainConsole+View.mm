@@ -114,6 +114,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (int)checkInterruptEvent {
+    if (platformCloseIsWaiting()) return 1; // the window closes when what runs has ended
     NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
                                               untilDate:[NSDate date]
                                                  inMode:NSDefaultRunLoopMode

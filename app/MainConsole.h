@@ -138,8 +138,8 @@ extern NSString* prefFilePath;
 - (void)recallHistory:(int)index; // the line of the history becomes the entry, see CHistory::GetHistoryStr
 - (void)recallHistory;            // that of the walk's position
 
-// Whether a key press waits that interrupts: Escape, Command-q, Control-c. Any other key press that waits is
-// consumed. Returns 1 to interrupt, 0 to go on.
+// Whether something waits that interrupts: a press of Escape, Command-q or Control-c, or the close of the window,
+// which comes afterwards. Any other key press that waits is consumed. Returns 1 to interrupt, 0 to go on.
 - (int)checkInterruptEvent;
 
 // The result of the entry as it is typed, in the status line. A line feed at its end is left out.

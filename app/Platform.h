@@ -26,6 +26,10 @@ enum VirtualKey : uint32_t {
     KEY_OTHER = 0xffff // any other key, on GNUstep
 };
 
+// Whether the window manager has asked for a window to be closed, which waits in the queue of events and stays there.
+// On macOS a click does that, which is not looked for.
+bool platformCloseIsWaiting();
+
 // The virtual key code of a key press.
 uint32_t platformKeyCode(NSEvent* event);
 
@@ -55,12 +59,17 @@ NSStatusBar* platformStatusBar();
 // window is put among the minimised ones instead, from where the window manager does.
 void platformHide(NSWindow* window);
 
-// Asks the window manager to keep a window that is shown above the others, or no longer to (GNUstep). It keeps its
+// Asks the window manager to keep a window that is shown above the others, in front of those that are kept there
+// already, or no longer to (GNUstep). It keeps its
 // place in the lists of windows, which a level of GNUstep's own would cost it. Nothing on macOS, where a level does it.
 void platformKeepAbove(NSWindow* window, bool isAbove);
 
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
 NSString* platformSheetText(NSString* text);
+
+// To be called before a panel for files is opened, which there is one of for all of a run. GNUstep's loses its size
+// between two openings.
+void platformWillOpenPanel(NSSavePanel* panel);
 
 // Whether the window manager moves windows and tells afterwards only (GNUstep).
 bool platformWindowManagerMoves();

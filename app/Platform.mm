@@ -26,6 +26,22 @@ bool platformWritesDecimalComma() {
 
 #ifdef GNUSTEP
 
+// What waits in front of it, the focus coming and going, is dealt with.
+bool platformCloseIsWaiting() {
+    for (;;) {
+        NSEvent* const event = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
+                                                  untilDate:[NSDate date]
+                                                     inMode:NSDefaultRunLoopMode
+                                                    dequeue:YES];
+        if (!event) return false;
+        if ([event subtype] == GSAppKitWindowClose) {
+            [NSApp postEvent:event atStart:YES];
+            return true;
+        }
+        [NSApp sendEvent:event];
+    }
+}
+
 // GNUstep's key codes are those of the X server, which depend on the keyboard; the character tells the key.
 uint32_t platformKeyCode(NSEvent* event) {
     NSString* const text = [event charactersIgnoringModifiers];
@@ -145,7 +161,15 @@ void platformKeepAbove(NSWindow* window, bool isAbove) {
     message.xclient.data.l[3] = 1; // an application asks
     XSendEvent(display, DefaultRootWindow(display), False, SubstructureNotifyMask | SubstructureRedirectMask,
                &message);
+    // A window that joins those above may come below the front one of them.
+    if (isAbove) XRaiseWindow(display, message.xclient.window);
     XFlush(display);
+}
+
+// The window manager's frame is not told from the window's own once that was taken away: shown again it would be
+// larger by the frame, with nothing painted there. A window made anew for every opening has the size of the first.
+void platformWillOpenPanel(NSSavePanel* panel) {
+    [panel setOneShot:YES];
 }
 
 // Breaks a line at blanks. A word that is longer than a line stays whole.
@@ -181,6 +205,10 @@ void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bo
 }
 
 #else
+
+bool platformCloseIsWaiting() {
+    return false;
+}
 
 uint32_t platformKeyCode(NSEvent* event) {
     return [event keyCode];
@@ -219,6 +247,8 @@ void platformHide(NSWindow*) {
 }
 
 void platformKeepAbove(NSWindow*, bool) {}
+
+void platformWillOpenPanel(NSSavePanel*) {}
 
 NSString* platformSheetText(NSString* text) {
     return text;

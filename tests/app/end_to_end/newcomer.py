@@ -135,6 +135,20 @@ class Newcomer(unittest.TestCase):
         with open(self.file(FUNCTIONS_FILE), encoding="ascii") as file:
             self.assertIn("\ndepth=5\n", file.read())
 
+    def test_closing_the_window_ends_a_script(self):
+        self.first_start().quit()
+        script = os.path.join(self.folder, "slow.script")
+        with open(script, "w", encoding="ascii") as file:
+            file.write("depth=5\n" + "pause 5000\n" * 10 + "depth=6\n")
+        window = self.start(script)
+        time.sleep(1)
+        begin = time.monotonic()
+        window.key("alt+F4")  # the window manager's
+        self.assertEqual(window.wait_for_end(), 0)
+        self.assertLess(time.monotonic() - begin, 4)
+        with open(self.file(FUNCTIONS_FILE), encoding="ascii") as file:
+            self.assertIn("\ndepth=5\n", file.read())
+
     def test_damaged_files_are_kept_beside(self):
         self.first_start().quit()
         damaged = b"### FUNCTIONS ###\nkept(x)=x+1\n\x00\x01\x02"
