@@ -82,6 +82,12 @@ def windows():
     return found
 
 
+def geometry(window):
+    """Left, top, width and height inside the frame of the window manager."""
+    lines = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", window).split())
+    return tuple(int(lines[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+
 def has_focus(window):
     """Whether the keys go to the window, given by its number."""
     return int(run("xdotool", "getwindowfocus", "-f")) == int(window, 0)
@@ -156,8 +162,7 @@ class CalculatorWindow:
 
     def place(self):
         """Left, top, width and height inside the frame of the window manager."""
-        lines = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
-        return tuple(int(lines[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        return geometry(self.id)
 
     def rest(self):
         """The place, once it has not changed for a while."""
