@@ -3,6 +3,8 @@
 // Scripts: text files of entries, a line each.
 #import "MainConsole.h"
 
+#import "Platform.h"
+
 #include "FileKeeping.h"
 
 #include <algorithm>
@@ -36,15 +38,6 @@ static bool takeLine(const std::string& text, size_t& start, std::string& line) 
 
 static bool isBlank(const std::string& line) {
     return line.find_first_not_of(" \t\r\f\v") == std::string::npos;
-}
-
-// The panels, one of each kind for all of a run, keep the size that they have when they are opened first: GNUstep
-// makes them larger every time and paints nothing there.
-static void keepSize(NSSavePanel* panel, NSSize& first) {
-    if (first.width <= 0) first = [panel frame].size;
-    NSRect frame = [panel frame];
-    frame.size = first;
-    [panel setFrame:frame display:NO];
 }
 
 static NSString* modeWord(int mode) {
@@ -88,8 +81,7 @@ static NSString* baseWord(int base) {
     [panel setTitle:@"Save to script file..."];
     [panel setPrompt:@"Save Script"];
     [panel setAllowedFileTypes:[NSArray arrayWithObjects:@"script", @"txt", nil]];
-    static NSSize size = {0, 0};
-    keepSize(panel, size);
+    platformWillOpenPanel(panel);
     if ([panel runModal] != NSOKButton) return;
     if ([self writeScript:[panel filename]]) return;
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
@@ -116,8 +108,7 @@ static NSString* baseWord(int base) {
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
     NSArray* const types = [NSArray arrayWithObjects:@"txt", @"script", nil];
-    static NSSize size = {0, 0};
-    keepSize(panel, size);
+    platformWillOpenPanel(panel);
     if ([panel runModalForTypes:types] != NSOKButton) return;
     if ([self loadFile:[panel filename]]) return;
     [self simpleAlert:@"The script could not be opened.":[panel filename]];

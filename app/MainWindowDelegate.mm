@@ -98,7 +98,29 @@ static std::vector<NSRect> visibleFrames() {
         return;
     }
     isKeptAbove = level >= NSFloatingWindowLevel;
-    platformKeepAbove(self, isKeptAbove);
+    NSNotificationCenter* const center = [NSNotificationCenter defaultCenter];
+    [center removeObserver:self name:NSWindowDidBecomeKeyNotification object:nil];
+    if (isKeptAbove) {
+        [center addObserver:self
+                   selector:@selector(anyWindowDidBecomeKey:)
+                       name:NSWindowDidBecomeKeyNotification
+                     object:nil];
+    }
+    for (NSWindow* const one in [NSApp windows]) {
+        if ([one isVisible] && ([one styleMask] & NSTitledWindowMask)) platformKeepAbove(one, isKeptAbove);
+    }
+}
+
+// A question, or another window of ours, must not disappear behind this one.
+- (void)anyWindowDidBecomeKey:(NSNotification*)notification {
+    platformKeepAbove([notification object], true);
+}
+
+- (void)dealloc {
+    [[NSNotificationCenter defaultCenter] removeObserver:self
+                                                    name:NSWindowDidBecomeKeyNotification
+                                                  object:nil];
+    [super dealloc];
 }
 
 - (NSInteger)level {
@@ -108,7 +130,7 @@ static std::vector<NSRect> visibleFrames() {
 // A window manager forgets it of a window that goes away.
 - (void)orderWindow:(NSWindowOrderingMode)place relativeTo:(NSInteger)other {
     [super orderWindow:place relativeTo:other];
-    if (isKeptAbove && place != NSWindowOut) platformKeepAbove(self, true);
+    if (isKeptAbove && place == NSWindowAbove) platformKeepAbove(self, true);
 }
 
 @end

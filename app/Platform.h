@@ -60,8 +60,8 @@ NSStatusBar* platformStatusBar();
 void platformHide(NSWindow* window);
 
 // Asks the window manager to keep a window that is shown above the others, in front of those that are kept there
-// already, or no longer to (GNUstep). It keeps its
-// place in the lists of windows, which a level of GNUstep's own would cost it. Nothing on macOS, where a level does it.
+// already, or no longer to (GNUstep). It keeps its place in the lists of windows, which a level of GNUstep's own would
+// cost it. Nothing on macOS, where a level does it.
 void platformKeepAbove(NSWindow* window, bool isAbove);
 
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
