@@ -3,10 +3,13 @@
 // Copy, cut, paste and undo, and the guard of the transcript.
 #import "MainConsole.h"
 
+#import "Platform.h"
+
 #include "Helpers_String.h"
 
 #import <objc/runtime.h>
 
+#include <algorithm>
 #include <unistd.h>
 
 static const useconds_t FLASH = 80000; // microseconds
@@ -89,6 +92,34 @@ static std::string bareAnswer() {
     }
     [self show:answer];
     [self setSelectedRange:cursor];
+}
+
+// --- Clicks ---
+
+- (void)mouseDown:(NSEvent*)event {
+    if (platformTakeEarlyRelease())
+        [self click:event];
+    else
+        [self superMouseDown:event];
+}
+
+// What a click does whose button is up again already: the cursor, a word or a line, as often as it was clicked.
+- (void)click:(NSEvent*)event {
+    NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
+    const NSPoint origin = [self textContainerOrigin];
+    place = NSMakePoint(place.x - origin.x, place.y - origin.y);
+    CGFloat fraction = 0;
+    const NSUInteger glyph = [[self layoutManager] glyphIndexForPoint:place
+                                                      inTextContainer:[self textContainer]
+                                       fractionOfDistanceThroughGlyph:&fraction];
+    NSUInteger character = [[self layoutManager] characterIndexForGlyphAtIndex:static_cast<unsigned>(glyph)];
+    if (fraction > 0.5) character++;
+    character = std::min(character, [[self string] length]);
+    const NSSelectionGranularity units[] = {NSSelectByCharacter, NSSelectByWord, NSSelectByParagraph};
+    const NSInteger clicks = std::max<NSInteger>(1, std::min<NSInteger>([event clickCount], 3));
+    [[self window] makeFirstResponder:self];
+    [self setSelectedRange:[self selectionRangeForProposedRange:NSMakeRange(character, 0)
+                                                    granularity:units[clicks - 1]]];
 }
 
 // --- Cut, paste, undo ---

@@ -221,6 +221,7 @@ extern NSString* prefFilePath;
 // What the superclass would do, for the methods that MainConsole overrides.
 @interface MainConsole (Superclass)
 - (void)superKeyDown:(NSEvent*)event;
+- (void)superMouseDown:(NSEvent*)event;
 - (void)superCopy;
 - (void)superCut;
 - (void)superPasteAsPlainText;

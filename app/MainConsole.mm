@@ -300,6 +300,10 @@ static bool isInterrupted() {
     [super keyDown:event];
 }
 
+- (void)superMouseDown:(NSEvent*)event {
+    [super mouseDown:event];
+}
+
 - (void)superCopy {
     [super copy:nil];
 }

@@ -30,6 +30,10 @@ enum VirtualKey : uint32_t {
 // On macOS a click does that, which is not looked for.
 bool platformCloseIsWaiting();
 
+// Takes the release of the left button from the queue of events when it has come already, as that of a touchpad may
+// when its press is looked at. GNUstep's text view would forget it and wait for another one for ever. False on macOS.
+bool platformTakeEarlyRelease();
+
 // The virtual key code of a key press.
 uint32_t platformKeyCode(NSEvent* event);
 

@@ -42,6 +42,13 @@ bool platformCloseIsWaiting() {
     }
 }
 
+bool platformTakeEarlyRelease() {
+    return [NSApp nextEventMatchingMask:NSLeftMouseUpMask
+                              untilDate:[NSDate date]
+                                 inMode:NSEventTrackingRunLoopMode
+                                dequeue:YES] != nil;
+}
+
 // GNUstep's key codes are those of the X server, which depend on the keyboard; the character tells the key.
 uint32_t platformKeyCode(NSEvent* event) {
     NSString* const text = [event charactersIgnoringModifiers];
@@ -207,6 +214,10 @@ void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bo
 #else
 
 bool platformCloseIsWaiting() {
+    return false;
+}
+
+bool platformTakeEarlyRelease() {
     return false;
 }
 

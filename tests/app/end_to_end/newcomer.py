@@ -17,6 +17,7 @@ from calculator_window import (
     SETTINGS_FILE,
     CalculatorWindow,
     put_on_pasteboard,
+    run,
     wait_until,
     windows,
 )
@@ -113,6 +114,14 @@ class Newcomer(unittest.TestCase):
         window.wait_for_text("> 7*3\nans = 21\n\n> 45")
         window.key("alt+a", "BackSpace")
         window.wait_for_text("> 7*3\nans = 21\n\n> ")
+        self.assertEqual(window.quit(), 0)
+
+    def test_a_click_as_short_as_can_be_leaves_the_keys_alive(self):
+        window = self.first_start()
+        window.type("12345")
+        run("xdotool", "mousemove", "--window", window.id, "300", "150", "sleep", "0.2", "click", "1", "sleep", "0.3")
+        window.type("+1")
+        window.wait_for_text("> 12345+1")
         self.assertEqual(window.quit(), 0)
 
     def test_an_entry_survives_a_crash_two_seconds_later(self):
