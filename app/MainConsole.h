@@ -224,7 +224,6 @@ extern NSString* prefFilePath;
 - (void)superMouseDown:(NSEvent*)event;
 - (void)superCopy;
 - (void)superCut;
-- (void)superPasteAsPlainText;
 - (BOOL)superValidateMenuItem:(NSMenuItem*)item;
 - (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text;
 @end

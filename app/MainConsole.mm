@@ -312,10 +312,6 @@ static bool isInterrupted() {
     [super cut:nil];
 }
 
-- (void)superPasteAsPlainText {
-    [super pasteAsPlainText:nil];
-}
-
 - (BOOL)superValidateMenuItem:(NSMenuItem*)item {
     if (sel_isEqual([item action], @selector(redo:))) return [[self undoManager] canRedo];
     return [super validateMenuItem:item];
