@@ -7,6 +7,7 @@
 #import "Platform.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 

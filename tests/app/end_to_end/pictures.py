@@ -38,7 +38,8 @@ def look_dark():
     shutil.copytree("/usr/share/themes/Onyx/openbox-3", theme)
     with open(theme + "/themerc", encoding="utf-8") as file:
         kept = [line for line in file if not re.match(r"window\.inactive\.(title|border|client)", line)]
-    kept += [re.sub(r"^window\.active", "window.inactive", line) for line in kept if re.match(r"window\.active\.title", line)]
+    titles = [line for line in kept if re.match(r"window\.active\.title", line)]
+    kept += [re.sub(r"^window\.active", "window.inactive", line) for line in titles]
     kept += ["window.inactive.border.color: #181818\n", "window.inactive.client.color: #181818\n"]
     with open(theme + "/themerc", "w", encoding="utf-8") as file:
         file.writelines(kept)
@@ -68,6 +69,8 @@ def take(folder, name, window):
 
 def place(window, x, y, width, height):
     run("xdotool", "windowmove", window, str(x), str(y), "windowsize", window, str(width), str(height))
+    time.sleep(0.5)
+    run("openbox", "--reconfigure")  # it leaves the title where it was
     time.sleep(0.5)
 
 
