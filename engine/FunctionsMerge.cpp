@@ -43,7 +43,7 @@ std::string keyOf(const Line& line) {
     std::string head = line.text.substr(0, equals);
     if (line.section == FUNCTIONS) {
         const auto commas = std::count(head.begin(), head.end(), ',');
-        head = head.substr(0, head.find('('));
+        head.resize(std::min(head.size(), head.find('(')));
         for (char& c : head) c = LowerCase(c);
         head += "(" + std::to_string(commas);
     }
