@@ -135,12 +135,29 @@ class CalculatorWindow:
     def answer(self, button):
         """Waits for a question in front of the window and clicks a button of it, DEFAULT_BUTTON or OTHER_BUTTON."""
         sheet = wait_until("a question", lambda: next((number for number, title in windows() if title == ""), None))
-        place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", sheet).split())
-        x, y = int(place["WIDTH"]) - button, int(place["HEIGHT"]) - 20
-        run("xdotool", "mousemove", "--window", sheet, str(x), str(y), "sleep", "0.1")
-        run("xdotool", "mousedown", "1", "sleep", "0.15", "mouseup", "1")
-        wait_until("the end of the question", lambda: sheet not in (number for number, _ in windows()))
+        time.sleep(0.3)  # it is placed and drawn when it is there already
+
+        def is_gone():
+            return sheet not in (number for number, _ in windows())
+
+        end = time.monotonic() + PATIENCE
+        while not is_gone() and time.monotonic() < end:
+            self._click_sheet(sheet, button)
+            patience = time.monotonic() + 1
+            while not is_gone() and time.monotonic() < patience:
+                time.sleep(STEP)
+        assert is_gone(), "waited in vain: the end of the question"
         self.activate()
+
+    @staticmethod
+    def _click_sheet(sheet, button):
+        try:
+            place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", sheet).split())
+            x, y = int(place["WIDTH"]) - button, int(place["HEIGHT"]) - 20
+            run("xdotool", "mousemove", "--window", sheet, str(x), str(y), "sleep", "0.1")
+            run("xdotool", "mousedown", "1", "sleep", "0.15", "mouseup", "1")
+        except RuntimeError:
+            pass  # it went away meanwhile
 
     def type(self, text):
         run("xdotool", "type", "--delay", "8", text)

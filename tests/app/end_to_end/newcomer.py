@@ -21,6 +21,7 @@ from calculator_window import (
     wait_until,
     windows,
 )
+from scenario import main
 
 ENTRIES = ["2+3*4", "ans/7", "side=12.5", "side^2", "sqrt(2)", "sin(30)", "hyp(a,b)=sqrt(a^2+b^2)", "hyp(3,4)"]
 ENTRIES += ["5 km->m", "0xff"]
@@ -177,4 +178,4 @@ class Newcomer(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(verbosity=2)
+    main(Newcomer)

@@ -16,6 +16,7 @@ import time
 import unittest
 
 from calculator_window import OTHER_BUTTON, CalculatorWindow, run, wait_until, windows
+from scenario import main
 
 SESSION = [
     "price = 19.90",
@@ -135,4 +136,4 @@ class Pictures(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main(verbosity=2)
+    main(Pictures)

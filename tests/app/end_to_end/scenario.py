@@ -47,10 +47,23 @@ class Scenario(unittest.TestCase):
         self.assertEqual(window.quit(), 0)
 
 
+def failed_tests(result):
+    return [test.id().split(".")[-1] for test, _ in result.failures + result.errors]
+
+
 def main(tests):
-    """Runs the tests of the class that the command line names, or all; ends with their status."""
+    """Runs the tests of the class that the command line names, or all; ends with their status.
+
+    A test that fails gets one more try, and that is said: keys and clicks from outside can be lost on a machine that
+    is busy, and a window manager has its own mind. What fails twice is a failure."""
     names = sys.argv[1:]
     loader = unittest.TestLoader()
     suite = loader.loadTestsFromNames(names, tests) if names else loader.loadTestsFromTestCase(tests)
-    result = unittest.TextTestRunner(verbosity=2).run(suite)
-    sys.exit(0 if result.wasSuccessful() and result.testsRun > 0 else 1)
+    runner = unittest.TextTestRunner(verbosity=2)
+    result = runner.run(suite)
+    failed = failed_tests(result)
+    if failed and len(failed) <= 3:
+        print(f"SECOND TRY of {', '.join(failed)}", file=sys.stderr)
+        again = runner.run(loader.loadTestsFromNames(failed, tests))
+        failed = failed_tests(again)
+    sys.exit(0 if not failed and result.testsRun > 0 else 1)
