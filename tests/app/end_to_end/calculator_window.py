@@ -94,8 +94,19 @@ def has_focus(window):
 
 
 def activate(window):
-    run("xdotool", "windowactivate", "--sync", window)
-    wait_until("the focus", lambda: has_focus(window))
+    """Asks the window manager for the focus, again when nothing comes of it, until keys go to the window."""
+    end = time.monotonic() + PATIENCE
+    while time.monotonic() < end:
+        run("xdotool", "windowactivate", window)
+        patience = time.monotonic() + 1
+        while time.monotonic() < patience:
+            try:
+                if has_focus(window):
+                    return
+            except RuntimeError:
+                pass  # for a moment no window has the focus
+            time.sleep(STEP)
+    raise AssertionError("waited in vain: the focus")
 
 
 class CalculatorWindow:

@@ -240,7 +240,7 @@ class EndToEnd(Scenario):
         other = subprocess.Popen(["xmessage", "the other one"], stderr=subprocess.DEVNULL)
         try:
             number = wait_until("the other", lambda: next((n for n, title in windows() if title == "xmessage"), None))
-            run("xdotool", "windowactivate", "--sync", number)
+            activate(number)
             wait_until("a faded window", lambda: abs(window.opacity() - 0.8) < 0.001)
             window.activate()
             wait_until("an opaque window", lambda: window.opacity() == 1)
