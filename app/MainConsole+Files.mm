@@ -198,7 +198,7 @@ static BackgroundWriter backgroundWriter;
     if (!unwritten.exists || !funcFilePath) return;
     const Clock::time_point now = Clock::now();
     // In a script of thousands of definitions the text takes longer than the lines: a twentieth of the time is for it.
-    if (now - unwritten.textTime < 20 * unwritten.textCost) return;
+    if ([self isReplaying] && now - unwritten.textTime < 20 * unwritten.textCost) return;
     unwritten.text = FunctionsFileText(calc);
     unwritten.textTime = Clock::now();
     unwritten.textCost = unwritten.textTime - now;
