@@ -55,6 +55,10 @@ EntryFault checkEntry(std::string_view entry) {
     return EntryFault::None;
 }
 
+bool isBlank(std::string_view line) {
+    return line.find_first_not_of(" \t") == std::string_view::npos;
+}
+
 std::string_view faultMessage(EntryFault fault) {
     switch (fault) {
     case EntryFault::TooLong: return "** ERROR: 10000 max characters **\n";

@@ -129,13 +129,18 @@ bool Keyboard::take(char byte, std::string& line) {
     return false;
 }
 
+// A key arrives by itself, a pasted text in large pieces.
+Keyboard::Status Keyboard::lineStatus(const std::string& line) const {
+    return line.empty() && end_ > 1 ? Status::Blank : Status::Line;
+}
+
 Keyboard::Status Keyboard::next(std::string& line) {
     line.clear();
     for (;;) {
         while (start_ < end_) {
             if (!take(block_[start_++], line)) continue;
             flushEcho();
-            return atEnd_ ? Status::End : Status::Line;
+            return atEnd_ ? Status::End : lineStatus(line);
         }
         flushEcho();
         const ssize_t count = read(input_, block_, sizeof block_);

@@ -14,7 +14,8 @@
 class Keyboard {
 public:
     enum class Status {
-        Line,      // a line was typed
+        Line,      // a line was typed; it is empty when someone pressed Return alone
+        Blank,     // an empty line that came together with other input, as in a pasted text
         Cancelled, // a signal came (Ctrl-C): what was typed is dropped
         End,       // end of input (Ctrl-D on an empty line) or a hang-up
         Failed     // the terminal cannot be read; errno says why
@@ -41,6 +42,9 @@ private:
     void eraseCharacter(std::string& line);
     void eraseWord(std::string& line);
     void flushEcho();
+
+    // The status of the line whose line feed was just taken.
+    Status lineStatus(const std::string& line) const;
 
     int input_;
     int echo_;

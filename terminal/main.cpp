@@ -73,6 +73,7 @@ int endStatus(const Session& session, int answers) {
 
 int evaluateArguments(Session& session, int answers, const Options& options) {
     for (const std::string_view entry : options.entries) {
+        if (isBlank(entry)) continue;
         const Session::Outcome outcome = session.run(entry);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
@@ -102,6 +103,7 @@ int evaluateFile(Session& session, int answers) {
         const LineReader::Status status = reader.next(line);
         if (status == LineReader::Status::Failed) return inputLost();
         if (status == LineReader::Status::End) return endStatus(session, answers);
+        if (isBlank(line)) continue;
         const Session::Outcome outcome = session.run(line);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
@@ -119,6 +121,7 @@ int evaluateTyped(Session& session, int answers) {
         if (prompts >= 0) writeAll(prompts, kPrompt);
         const Keyboard::Status status = keyboard.next(line);
         if (status == Keyboard::Status::Failed) return inputLost();
+        if (status == Keyboard::Status::Blank) continue;
         // The shell's prompt, or the next one of ours, begins on a line of its own.
         if (status != Keyboard::Status::Line && prompts >= 0) writeAll(prompts, "\n");
         if (status == Keyboard::Status::Cancelled) continue;

@@ -31,31 +31,27 @@ int evaluateRows(const char* path) {
         if (!std::regex_match(line, cells, row)) continue;
         // A '|' inside a table is written with a backslash.
         const std::string entry = std::regex_replace(cells[1].str(), std::regex("\\\\\\|"), "|");
-        EXPECT_EQ(evaluate({"--no-files", "--", entry}).out, cells[2].str() + "\n") << entry;
+        EXPECT_EQ(evaluate({"--", entry}).out, cells[2].str() + "\n") << entry;
         ++rows;
     }
     return rows;
 }
 
-// Evaluates the transcript that begins at the line and reaches to the end of the block: entries behind "> ", and
-// what they show.
+// Types the transcript that begins at the line and reaches to the end of the block: entries behind "> ", and what
+// they show.
 void evaluateTranscript(const Lines& lines, std::size_t start) {
-    std::string entries;
-    std::string shown;
-    for (std::size_t i = start; i < lines.size() && lines[i] != "```"; ++i) {
-        if (lines[i].rfind('>', 0) == 0) {
-            entries += lines[i].size() > 2 ? lines[i].substr(2) : "";
-            entries += '\n';
-        } else {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    std::size_t i = start;
+    while (i < lines.size() && lines[i] != "```") {
+        const std::string entry = lines[i].size() > 2 ? lines[i].substr(2) : "";
+        std::string shown;
+        for (++i; i < lines.size() && lines[i] != "```" && lines[i].rfind('>', 0) != 0; ++i)
             shown += lines[i] + "\n";
-        }
+        terminal.type(entry + "\n");
+        EXPECT_EQ(terminal.readUntil("> "), shown + "> ") << entry;
+        EXPECT_FALSE(shown.empty()) << entry;
     }
-    Invocation invocation;
-    invocation.arguments = {"--no-files"};
-    invocation.input = entries;
-    invocation.joinErrors = true;
-    EXPECT_EQ(runProgram(invocation).out, shown);
-    EXPECT_FALSE(shown.empty());
 }
 
 // Evaluates the blocks that begin with a prompt. Returns how many there are.

@@ -20,6 +20,11 @@ TEST(EntryText, LengthIsLimitedTo9999Bytes) {
     EXPECT_EQ(checkEntry(std::string(10000, '\0')), EntryFault::TooLong);
 }
 
+TEST(EntryText, ALineIsBlankWhenItHoldsBlanksAndTabsAlone) {
+    for (const char* const text : {"", " ", "\t", " \t "}) EXPECT_TRUE(isBlank(text)) << text;
+    for (const char* const text : {"1", " 1", "# note", ";", "\r"}) EXPECT_FALSE(isBlank(text)) << text;
+}
+
 TEST(EntryText, WellFormedUtf8Passes) {
     for (const char* const text :
          {"\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF",

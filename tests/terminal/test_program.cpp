@@ -50,8 +50,9 @@ TEST(Arguments, BehindTwoDashesAnEntryMayBeginWithAMinus) {
     expectRun(evaluate({"--", "-2^2", "--help"}), 1, "ans = -4\n", "** ERROR 8: invalid term = - **\n");
 }
 
-TEST(Arguments, AnEmptyEntryIsAnsweredWithNothing) {
+TEST(Arguments, ABlankEntryIsAnsweredWithNothingAndRepeatsNothing) {
     expectRun(evaluate({""}), 0, "", "");
+    expectRun(evaluate({"x=1", "x=x+1", "", " ", "\t", "x"}), 0, "x = 1\nx = 2\nans = 2\n", "");
 }
 
 TEST(Arguments, AnEntryThatIsTooLongOrNoTextIsRefused) {
@@ -115,8 +116,16 @@ TEST(StandardInput, NothingIsAnsweredWithNothing) {
     expectRun(pipeThrough(""), 0, "", "");
 }
 
-TEST(StandardInput, AnEmptyLineRepeatsTheLastAssignment) {
-    expectRun(pipeThrough("x=1\nx=x+1\n\n\n"), 0, "x = 1\nx = 2\nx = 3\nx = 4\n", "");
+TEST(StandardInput, ABlankLineRepeatsNothing) {
+    for (const char* const blank :
+         {"\n", "\n\n\n", "\r\n", "  \n", "\t\n", "# note\n", "  # note\n", "\n  \n\n"}) {
+        expectRun(pipeThrough(std::string("x=1\nx=x+1\n") + blank + "x\n"), 0, "x = 1\nx = 2\nans = 2\n", "");
+    }
+}
+
+TEST(StandardInput, ABlankLastLineRepeatsNothing) {
+    expectRun(pipeThrough("x=1\nx=x+1\n  "), 0, "x = 1\nx = 2\n", "");
+    expectRun(pipeThrough("x=1\nx=x+1\n\n"), 0, "x = 1\nx = 2\n", "");
 }
 
 TEST(StandardInput, TheLastLineNeedsNoLineFeed) {

@@ -46,6 +46,26 @@ TEST(Prompt, AnEmptyEntryIsFollowedByAFreshPrompt) {
     EXPECT_EQ(terminal.readUntil("> "), "x = 1\n> ");
 }
 
+TEST(Prompt, ReturnAloneRepeatsTheLastAssignment) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("x=1\n");
+    EXPECT_EQ(terminal.readUntil("> "), "x = 1\n> ");
+    terminal.type("x=x+1\n");
+    EXPECT_EQ(terminal.readUntil("> "), "x = 2\n> ");
+    terminal.type("\n");
+    EXPECT_EQ(terminal.readUntil("> "), "x = 3\n> ");
+    terminal.type("\n");
+    EXPECT_EQ(terminal.readUntil("> "), "x = 4\n> ");
+}
+
+TEST(Prompt, ABlankLineOfAPastedTextRepeatsNothing) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("x=1\nx=x+1\n\n\nx\n");
+    EXPECT_EQ(terminal.readUntil("ans = 2\n> "), "x = 1\n> x = 2\n> > > ans = 2\n> ");
+}
+
 TEST(Prompt, StaysOutOfAFileThatCollectsTheAnswers) {
     const TemporaryFile file;
     Terminal terminal({}, file.path());
