@@ -110,11 +110,13 @@ bool applyToken(Reduction& reduction, char* token) {
         return true;
     }
     if (beginsWithNumber(token)) {
-        const double number = std::strtod(token, nullptr);
+        char* end = nullptr;
+        const double number = std::strtod(token, &end);
         if (number == 0.0) return fail("illegal zero factor in '%s'", remainder);
         applyFactor(reduction, number, 1);
-        // Only the divisor takes a bare number; in the numerator it goes on and is refused for its digits.
-        if (reduction.isDivisor) return true;
+        // Only the divisor takes a number, and nothing may stand directly behind it. Any other goes on and is refused
+        // for its digits.
+        if (reduction.isDivisor && *end == '\0') return true;
     }
     int exponent = 1;
     if (char* caret = std::strchr(token, '^')) {

@@ -103,10 +103,11 @@ bool UnitModel::apply(std::string token, bool isDivisor, const std::string& rema
         result.factor = isDivisor ? result.factor / factor : result.factor * factor;
     };
     if (startsWithNumber(token)) {
-        const double number = std::strtod(token.c_str(), nullptr);
+        char* end = nullptr;
+        const double number = std::strtod(token.c_str(), &end);
         if (number == 0) return fail("illegal zero factor in '%s'", remainder), false;
         multiply(number);
-        if (isDivisor) return true;
+        if (isDivisor && *end == '\0') return true;
     }
     int exponent = 1;
     const size_t caret = token.find('^');

@@ -103,16 +103,23 @@ TEST_F(UnitsTest, TheNumeratorAcceptsOnlyTheLeadingNumber) {
     EXPECT_EQ(messageOf("2 3/second"), "invalid non-alphabetic unit name in ' 3/second'");
 }
 
-// A divisor's token that begins with a number is done with once it has divided.
-TEST_F(UnitsTest, WhatFollowsADivisorsNumberUpToTheSeparatorIsNotRead) {
-    EXPECT_EQ(reduced("meter/60second"), "0.0166667 meter");
-    EXPECT_EQ(reduced("meter/2^2"), "0.5 meter");
+// What stands there would otherwise be left out without a word.
+TEST_F(UnitsTest, NothingMayStandDirectlyBehindADivisorsNumber) {
+    EXPECT_EQ(messageOf("meter/60second"), "invalid non-alphabetic unit name in 'meter/60second'");
+    EXPECT_EQ(messageOf("5meter/60second"), "invalid non-alphabetic unit name in 'meter/60second'");
+    EXPECT_EQ(messageOf("meter/second 60second"),
+              "invalid non-alphabetic unit name in 'meter/second 60second'");
+    EXPECT_EQ(messageOf("meter/2^2"), "invalid non-alphabetic unit name in 'meter/2^2'");
+    EXPECT_EQ(messageOf("meter/2^second"), "invalid integer exponent in 'meter/2^second'");
+    EXPECT_EQ(messageOf("meter/0second"), "illegal zero factor in 'meter/0second'");
+    EXPECT_EQ(reduced("meter/60 second"), "0.0166667 meter / second");
+    EXPECT_EQ(reduced("meter/60*second"), "0.0166667 meter / second");
 }
 
 // '-' is a separator before it is a sign.
 TEST_F(UnitsTest, AMinusInADivisorsNumberSeparates) {
     EXPECT_EQ(reduced("meter/2-4"), "0.125 meter");
-    EXPECT_EQ(reduced("meter/2E-4"), "0.125 meter");
+    EXPECT_EQ(messageOf("meter/2E-4"), "invalid non-alphabetic unit name in 'meter/2E-4'");
     EXPECT_EQ(reduced("meter/+2"), "0.5 meter");
 }
 
