@@ -155,9 +155,9 @@ void qlog(const qfloat x, qfloat y);
 
 // z = x^y.  A whole y below 415032 in magnitude goes through qpowi, anything else is e^(y ln x).
 // Within 0.52 over the whole range (measured below 0.501).
-// Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0); x = 0: merror = 2 and 0
-// for y > 0, merror = 3 and the overflow value for y < 0.  y ln x above the range sets merror = 3 also where
-// the result is then 0.  An overflow value is positive.
+// x = 0: 1 for y = 0, 0 for y > 0, the overflow value and merror = 3 for y < 0.
+// Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0).  y ln x above the range sets
+// merror = 3 also where the result is then 0.  An overflow value is positive.
 void qpow(const qfloat x, const qfloat y, qfloat z);
 
 // z = x^n, n the integer part of y.  Within 0.52 (measured below 0.501); results of up to 352

@@ -41,24 +41,35 @@ void expOfProduct(Extended& x, bool negative, qfloat z) {
     }
 }
 
-// z = e^(y ln x) with the special values and codes of qlog, qmul and qexp one after the other.
+bool isZero(const qfloat x) {
+    Extended magnitude;
+    limb::load(x, magnitude);
+    return x[1] == 0 || elem::isZero(magnitude);
+}
+
+// z = 0^y.
+void powerOfZero(const qfloat y, qfloat z) {
+    const bool isNegative = y[0] != 0 && !isZero(y);
+    qmov(isZero(y) ? qone : qzero, z);
+    if (!isNegative) return;
+    qinfin(z);
+    merror = 3;
+}
+
+// z = e^(y ln x) with the special values and codes of qlog, qmul and qexp one after the other, but a power of 0
+// as powerOfZero has it.
 void powerByLogarithm(const qfloat x, const qfloat y, qfloat z) {
+    if (isZero(x)) {
+        powerOfZero(y, z);
+        return;
+    }
     Extended base, product;
-    bool below = false;
     limb::load(x, base);
     if (x[0] != 0) {
         merror = 1;
         base = one; // the logarithm fails as 0
     }
-    if (x[0] == 0 && (x[1] == 0 || elem::isZero(base))) {
-        merror = 2;
-        qfloat logarithm = {};
-        qinfin(logarithm);
-        limb::load(logarithm, base); // ln 0 is minus the overflow value
-        below = true;
-    } else {
-        below = elem::log(base, base);
-    }
+    const bool below = elem::log(base, base);
     limb::load(y, product);
     if (!elem::isZero(base)) {
         limb::multiply(base, product, product);
@@ -156,9 +167,7 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
         powerByLogarithm(x, y, z);
         return;
     }
-    Extended base;
-    limb::load(x, base);
-    if (x[1] == 0 || elem::isZero(base)) {
+    if (isZero(x)) {
         qclear(z);
         if (n == 0) qmov(qone, z);
         if (n < 0) qinfin(z);
@@ -168,6 +177,8 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
         qmov(qone, z);
         return;
     }
+    Extended base;
+    limb::load(x, base);
     const uint32_t sign = x[0] != 0 && magnitude % 2 != 0 ? negativeSign : 0;
     powerOfMagnitude(base, magnitude, base);
     if (n < 0) {
@@ -179,6 +190,10 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
 }
 
 void qpow(const qfloat x, const qfloat y, qfloat z) {
+    if (isZero(x)) {
+        powerOfZero(y, z);
+        return;
+    }
     qfloat whole, limit;
     const int64_t from = logarithmFrom;
     qfloor(y, whole);

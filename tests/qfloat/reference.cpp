@@ -204,7 +204,7 @@ void integerPower(const qfloat x, const qfloat y, qfloat z) {
     }
     const int64_t magnitude = n < 0 ? -n : n;
     if (magnitude == 2147483647) {
-        throughLogarithm(x, y, z);
+        power(x, y, z);
         return;
     }
     if (x[1] == 0) {
@@ -229,6 +229,16 @@ void integerPower(const qfloat x, const qfloat y, qfloat z) {
 }
 
 void power(const qfloat x, const qfloat y, qfloat z) {
+    if (x[1] == 0) {
+        const bool toZero = y[1] == 0;
+        const bool toNegative = !toZero && qisneg(y);
+        qmov(toZero ? qone : qzero, z);
+        if (toNegative) {
+            qinfin(z);
+            merror = 3;
+        }
+        return;
+    }
     qfloat whole, magnitude, limit;
     qfloor(y, whole);
     qmov(y, magnitude);
