@@ -51,6 +51,7 @@ const OpEntry& getOp(int32_t code) {
 int isOp(const char* text) {
     for (const OpEntry* entry = ops; entry->code != 0; entry++) {
         if (entry->text[0] != text[0]) continue;
+        if (entry->code == OP_NOT_EQUAL && text[1] == '=' && text[2] == '=') continue; // 3!==6: a factorial
         if (entry->text[1] == '\0' || entry->text[1] == text[1]) return entry->code;
     }
     return 0;

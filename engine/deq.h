@@ -68,7 +68,7 @@ extern const OpEntry ops[];
 // The entry of a code; the terminating entry when no operator has it.
 const OpEntry& getOp(int32_t code);
 
-// The code of the first entry whose text is a prefix of `text`, or 0.
+// The code of the first entry whose text is a prefix of `text`, or 0. "!==" is a '!' with "==" behind it.
 int isOp(const char* text);
 
 // Whether a term type is an operator: every code of the table, and TERM_DONE.
