@@ -30,6 +30,7 @@ static void removeLineEnd(std::string& line) {
 }
 
 int ZqCalculator::ProcessEntry(const char* line, bool quick) {
+    const int32_t statusBefore = status;
     fullEntry = !quick;
     interrupted = false;
     spentWork = 0;
@@ -46,7 +47,9 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
         RunStatements(statements);
     }
     if (fullEntry) lastValue = nullptr;
-    return status;
+    const int32_t answered = status;
+    if (quick) status = statusBefore; // an empty line asks what the last entry answered
+    return answered;
 }
 
 // Empties the texts, records the line, and replaces an empty one by the line that it repeats.

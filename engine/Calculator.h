@@ -73,7 +73,7 @@ public:
     bool useSeparator = false;  // group the integer digits in decimal display
     char separatorChar = ',';   // the grouping character
 
-    int32_t status = STATUS_RESULT;  // of the last statement, a Status
+    int32_t status = STATUS_RESULT;  // of the last full entry's last statement, a Status
     char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
     char echoText[TEXT_SIZE] = "";   // what the echo commands of one entry collected
     qfloat result = {};              // value of the last evaluation
@@ -109,7 +109,8 @@ public:
     void InitializeFunctionsAndVars();
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
-    // statement that ran, also left in `status`. A preview has 60,000 units of work, some milliseconds, and is
+    // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
+    // reads; `resultLine` and `message` hold its answer until then. A preview has 60,000 units of work, some milliseconds, and is
     // given up when it takes more: status -1. A copied term is one unit, an operator 3, showing a statement's
     // result 150; a power, a factorial, a conversion, a predefined function and a logarithm's base are 24 more.
     int ProcessEntry(const char* line, bool quick);

@@ -22,7 +22,7 @@ int ZqCalculator::CheckVariableNames() {
         work.names++;
         if (variable->text && IsValidVariable(variable->text)) continue;
         Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
-        DeleteVariable(variable);
+        if (fullEntry) DeleteVariable(variable);
         return STATUS_ERROR;
     }
     checkedVariables = vars.insertions;
