@@ -78,9 +78,10 @@ void qabsolute(const qfloat x, qfloat y) {
 
 // The double nearest to x; beyond the range the largest one. That the range ends is no error of the entry.
 double asDouble(const qfloat x) {
+    const int pending = merror;
     double d = 0;
     qtoe(x, &d);
-    merror = 0;
+    merror = pending;
     return d;
 }
 
@@ -178,6 +179,8 @@ node* ZqCalculator::ProcFunction(node* functionTerm) {
     const Function* known = funcs.FindByName(call.Name(), 1);
     const bool isOwn = known && known->body;
     if (isOwn || !(isLogarithm(call.Name()) || findPredefined(call.Name()))) return ExpandFunction(call);
+    NoteOverflow(x);
+    if (checkMathError(call.Name(), message) != 0) return nullptr;
     if (CallPredefined(call.Name(), x, value) != 0) return nullptr;
     return FinishPredefined(call, value);
 }
@@ -208,7 +211,7 @@ int ZqCalculator::CallLogarithm(const char* name, const qfloat x, qfloat value) 
     qmov(qten, base);
     if (const char* text = logBase(name)) {
         asctoq(text, base);
-        merror = 0; // of reading a base such as 0e5
+        if (merror == MATH_UNDERFLOW) merror = 0; // of reading a base such as 0e5
         if (isZeroBase(base)) return Fail("** ERROR: log base zero **\n");
     }
     qlog(x, value);

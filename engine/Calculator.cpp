@@ -70,6 +70,7 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
     for (const std::string& statement : statements) {
         resultLine[0] = '\0';
+        overflowed = false;
         status = BeginStatement();
         if (status == STATUS_RESULT) status = Calculate(statement.c_str());
         if (status == STATUS_RESULT) status = ShowResult();
@@ -112,6 +113,7 @@ int ZqCalculator::ShowResult() {
     if (!fullEntry && Spend(RESULT_REDUCTIONS, 0) != 0) return STATUS_ERROR;
     const std::string text = ResultText(strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
+    overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;
     lastName = target->text;
     if (fullEntry) copyText(lastAnswer, text);
@@ -121,6 +123,7 @@ int ZqCalculator::ShowResult() {
 int ZqCalculator::Calculate(const char* statement) {
     work = WorkCounters();
     longTexts = 0;
+    merror = 0;
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {
@@ -135,8 +138,9 @@ int ZqCalculator::Calculate(const char* statement) {
 }
 
 int ZqCalculator::EvaluateTerms() {
-    // Reading a number such as 0e5 leaves a code that says nothing about the evaluation.
-    merror = 0;
+    // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
+    // the first operation.
+    if (merror == MATH_UNDERFLOW) merror = 0;
     opOrder = new node*[static_cast<size_t>(opCount) + 1];
     OrderOperatorStack();
     const int state = ProcTermsLoop();

@@ -35,6 +35,12 @@ constexpr size_t FORMAT_SIZE = 13312;
 constexpr int MAX_STATEMENTS = 999;
 constexpr int MAX_NAME = 50; // names have fewer characters
 
+// The exponent word of the overflow value: numbers from there on are shown as OVERFLOW.
+constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
+
+// Codes of the number library's `merror`.
+enum MathError : int { MATH_OVERFLOW = 3, MATH_UNDERFLOW = 4 };
+
 // What computes long, such as a sine, in units of a preview's work: see ProcessEntry.
 constexpr uint64_t DEAR_WORK = 24;
 
@@ -91,6 +97,8 @@ public:
 
     bool initialized = false; // InitializeFunctionsAndVars has run
     bool interrupted = false; // the last entry was stopped by interruptCheck
+    bool overflowed =
+        false; // the answer in `resultLine` is beyond the range, "+OVERFLOW" in decimal: status 0
 
     // Asked before each statement of a full entry and every few hundred reductions, a few milliseconds apart at
     // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are
@@ -254,6 +262,7 @@ private:
     node* ProcConversion(node* arrow);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
     int ApplyFactorial(const qfloat left, qfloat value);
+    static void NoteOverflow(const qfloat operand);
     int ApplyBinary(int32_t code, const qfloat left, const qfloat right, qfloat value);
 
     // Count work. They return -1 with a message when the evaluation has to stop: a preview at its limit, an entry

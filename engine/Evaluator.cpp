@@ -136,6 +136,14 @@ static uint64_t extraWork(int32_t code, const qfloat left, const qfloat right) {
     return isLong ? (left[1] - right[1]) / REMAINDER_BITS_PER_WORK : 0;
 }
 
+// What computes with the overflow value overflows, wherever that came from.
+void ZqCalculator::NoteOverflow(const qfloat operand) {
+    qfloat overflow = {};
+    qinfin(overflow);
+    overflow[0] = operand[0];
+    if (memcmp(operand, overflow, sizeof overflow) == 0) merror = MATH_OVERFLOW;
+}
+
 node* ZqCalculator::ProcPair(node* op, int32_t code) {
     if (code == OP_UNIT_MARK) return op;
     if (code == OP_CONVERT) return ProcConversion(op);
@@ -157,6 +165,8 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
         if (SpendWork(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
         if (ApplyBinary(code, leftValue, rightValue, value) != 0) return nullptr;
     }
+    NoteOverflow(leftValue);
+    NoteOverflow(rightValue);
     return FinishPair(op, left, right, value, getOp(code).text);
 }
 

@@ -142,7 +142,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
 } // namespace
 
 void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator) {
-    if (value[1] >= 0x10000) {
+    if (value[1] >= OVERFLOW_EXPONENT) {
         snprintf(out, FORMAT_SIZE, "%cOVERFLOW", qisneg(value) ? '-' : '+');
         return;
     }

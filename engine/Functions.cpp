@@ -11,9 +11,6 @@
 
 CFunctionList funcs;
 
-// The exponent word of the overflow value.
-constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
-
 Function::~Function() {
     delete[] name;
     delete body;

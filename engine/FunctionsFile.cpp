@@ -25,7 +25,6 @@ const char* const FIRST_LINE = "### FUNCTIONS";
 const char* const HISTORY_LINE = "### HISTORY";
 
 constexpr int VALUE_DIGITS = 100;
-constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
 
 bool beginsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;

@@ -232,7 +232,10 @@ void ZqCalculator::AppendOperand(std::string_view text, bool isUnit, bool before
     if (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) return;
     if (IsLetter(text[0]) && VariableExists(term->text)) return;
     qfloat value;
-    if (Str2Num(term->text, value) == 0) {
+    const int pending = merror;
+    const bool isNumber = Str2Num(term->text, value) == 0;
+    if (pending == MATH_OVERFLOW) merror = pending; // of an earlier number
+    if (isNumber) {
         term->type = TERM_NUMBER;
         term->SetValue(value);
         if (strncmp(term->text, "0x", 2) != 0) term->DropText();

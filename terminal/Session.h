@@ -25,7 +25,7 @@ public:
     // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the program.
     Outcome run(std::string_view entry);
 
-    // Whether any entry so far was refused.
+    // Whether any entry so far was refused or has an answer beyond the range.
     bool anyRefused() const { return anyRefused_; }
 
     // Carries out a command that the engine hands to its front end. Any other command is refused.

@@ -38,7 +38,7 @@ constexpr std::string_view kHelp =
     "opens TALLYQUILL_WEB_URL; without these variables nothing is asked or opened.\n"
     "\n"
     "Answers go to standard output, errors to standard error.\n"
-    "Exit status: 0 all entries were answered, 1 some entry failed, 2 bad usage.\n";
+    "Exit status: 0 all entries were answered, 1 some entry failed or overflowed, 2 bad usage.\n";
 
 constexpr std::string_view kVersion = "tallyquill " TALLYQUILL_VERSION "\n";
 

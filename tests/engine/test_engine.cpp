@@ -98,6 +98,20 @@ TEST_F(Engine, aPreviewStoresNothing) {
     EXPECT_EQ(1, calc.history.count);
 }
 
+// The field tells it, not the text, which is digits in other bases.
+TEST_F(Engine, anAnswerBeyondTheRangeIsToldInEveryBase) {
+    for (const int base : {10, 16, 2}) {
+        calc.displayBase = base;
+        EXPECT_EQ(STATUS_RESULT, Enter("1e10000"));
+        EXPECT_TRUE(calc.overflowed);
+        EXPECT_EQ(STATUS_RESULT, Enter("1"));
+        EXPECT_FALSE(calc.overflowed);
+    }
+    Enter("1e10000");
+    EXPECT_EQ(STATUS_MESSAGE, Enter("mode deg"));
+    EXPECT_FALSE(calc.overflowed);
+}
+
 TEST_F(Engine, aFullEntryEmptiesTheTexts) {
     Enter("1/0");
     snprintf(calc.echoText, sizeof calc.echoText, "old");

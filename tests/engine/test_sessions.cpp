@@ -165,6 +165,8 @@ private:
             EXPECT_EQ(value, calc.echoText) << Where();
         else if (name == "entryCount")
             EXPECT_EQ(std::stod(value), calc.entryCount) << Where();
+        else if (name == "overflowed")
+            EXPECT_EQ(value, std::to_string(calc.overflowed)) << Where();
         else if (name == "newest") {
             const char* newest = calc.history.GetHistoryStr(1);
             EXPECT_EQ(value, newest ? newest : "(none)") << Where();

@@ -62,6 +62,15 @@ TEST_F(SessionTest, AnswersAndErrorsTakeTheirOwnWays) {
     EXPECT_TRUE(session_->anyRefused());
 }
 
+TEST_F(SessionTest, AnAnswerBeyondTheRangeIsShownAndCountsAsAFailure) {
+    EXPECT_EQ(session_->run("1e9000"), Outcome::Answered);
+    EXPECT_FALSE(session_->anyRefused());
+    EXPECT_EQ(session_->run("1e10000"), Outcome::Answered);
+    EXPECT_EQ(answers(), "ans = 1.0e9000\nans = +OVERFLOW\n");
+    EXPECT_EQ(errors(), "");
+    EXPECT_TRUE(session_->anyRefused());
+}
+
 TEST_F(SessionTest, AnEarlierRefusalIsNotForgotten) {
     session_->run("1/0");
     EXPECT_EQ(session_->run("1"), Outcome::Answered);
