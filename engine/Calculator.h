@@ -205,10 +205,11 @@ private:
     // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
     struct Call;
 
-    std::unique_ptr<node> newVariable; // the target while it is no variable yet
-    std::string nameInDefinition;      // the function whose body is being read
-    std::vector<node*> expanded;       // operators of expanded calls still to be applied, the next one last
-    bool gospelShown = false;          // the next "gospel" opens the page
+    std::unique_ptr<node> newVariable;               // the target while it is no variable yet
+    std::string nameInDefinition;                    // the function whose body is being read
+    std::vector<std::string> parametersInDefinition; // of the same function
+    std::vector<node*> expanded; // operators of expanded calls still to be applied, the next one last
+    bool gospelShown = false;    // the next "gospel" opens the page
 
     // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
     // long texts copied by the statement.
@@ -250,6 +251,7 @@ private:
     int ScanTerms(const std::string& text);
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
     bool IsFunctionName(const char* name) const;
+    bool IsValueName(const std::string& name) const;
 
     int CheckVariableNames();
     int CheckDepths();
@@ -280,6 +282,7 @@ private:
     int CopyBody(const Call& call, const Function* function);
     node* ExpandFunction(const Call& call);
     void ShowDefinition(const Function& function);
+    int CheckNamesInBody();
     int AddDefinition(const std::string& name, std::string& parameters, const std::string& body);
 
     node* AddVariable(const char* name, const qfloat value);

@@ -146,10 +146,17 @@ int ZqCalculator::ScanStatement(std::string text) {
     return ScanExpression(std::move(text));
 }
 
+// Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to the next
+// ')'.
+static bool isArrowInUnit(const std::string& text) {
+    const size_t mark = text.find(CVSstr[0]);
+    return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
+}
+
 int ZqCalculator::ScanBody(std::string text) {
     terms.Clear();
     target = vars.first;
-    markConversion(text);
+    if (!isArrowInUnit(text)) markConversion(text);
     return ScanExpression(std::move(text));
 }
 
@@ -198,7 +205,7 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         bool isPart = code == 0;
         if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
         if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
-            !VariableExists(std::string(operand).c_str())) {
+            !IsValueName(std::string(operand))) {
             isPart = true;
         }
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
@@ -217,6 +224,13 @@ int ZqCalculator::ScanTerms(const std::string& text) {
     }
     AppendOperand(view.substr(start), inUnit, false);
     return 0;
+}
+
+// Whether the name stands for a number, here or where the function is called whose body is read.
+bool ZqCalculator::IsValueName(const std::string& name) const {
+    const auto& parameters = parametersInDefinition;
+    return VariableExists(name.c_str()) ||
+           std::find(parameters.begin(), parameters.end(), name) != parameters.end();
 }
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.

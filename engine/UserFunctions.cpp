@@ -44,6 +44,17 @@ bool splitDefinition(const std::string& text, DefinitionText& parts) {
     return !parts.body.empty();
 }
 
+std::vector<std::string> splitAtCommas(const std::string& text) {
+    std::vector<std::string> pieces;
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t comma = std::min(text.find(',', start), text.size());
+        pieces.push_back(text.substr(start, comma - start));
+        start = comma + 1;
+    }
+    return pieces;
+}
+
 } // namespace
 
 int ZqCalculator::DefineFunction(const char* text) {
@@ -66,11 +77,23 @@ int ZqCalculator::DefineFunction(const char* text) {
     return state;
 }
 
+// A name with a '=' in it never computes, and read again the definition would be another: x=y is an assignment.
+int ZqCalculator::CheckNamesInBody() {
+    for (const node* term = terms.first; term; term = term->next) {
+        if (term->type != TERM_NAME || !term->text || !strchr(term->text, '=')) continue;
+        return Fail("** ERROR 7: invalid term = %s **\n", {term->text});
+    }
+    return 0;
+}
+
 int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters, const std::string& body) {
     nameInDefinition = name;
+    parametersInDefinition = splitAtCommas(parameters);
     int state = ScanBody(body);
     nameInDefinition.clear();
+    parametersInDefinition.clear();
     if (state == 0) state = VerifyTermsSyntax();
+    if (state == 0) state = CheckNamesInBody();
     if (state != 0) return STATUS_ERROR;
     if (!terms.first) return Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms);

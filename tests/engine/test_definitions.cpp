@@ -28,7 +28,13 @@ TEST_F(Functions, whatIsPrintedDefinesTheSameFunction) {
                              "p(x)=3 m^2->ft^2",
                              "p(x)=x @ 3 | 4 & 5 % 2 > 1",
                              "p(x)=x+1e9999",
-                             "p(x)=x-1e9999k"}) {
+                             "p(x)=x-1e9999k",
+                             "p(x)=5 km->mi+3 m->ft",
+                             "p(x)=(5 km->mi)+(3 m->ft)",
+                             "p(x)=(5 km->mi+3 m->ft)+(2 m->ft)*x",
+                             "p(x)=[5 km->mi]+3 m->ft",
+                             "p(a2e)=a2e-1e-2",
+                             "p(x)=x!==6"}) {
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc.message;
         const std::string printed = funcs.FindByName("p", -1)->ToString();
         EXPECT_EQ(printed + "\n", calc.message);
