@@ -2,14 +2,47 @@
 #include "BackgroundWriter.h"
 
 #include "FileKeeping.h"
+#include "FunctionsMerge.h"
 
-void BackgroundWriter::Write(std::vector<File> files) {
+#include <utility>
+
+void BackgroundWriter::Write(std::vector<FileToWrite> files) {
     Finish();
-    worker = std::thread([files = std::move(files)] {
-        for (const File& file : files) WriteFileAtomically(file.first, file.second);
+    isBusy = true;
+    worker = std::thread([this, files = std::move(files)] {
+        WriteFiles(files);
+        isBusy = false;
     });
+}
+
+void BackgroundWriter::WriteFiles(const std::vector<FileToWrite>& files) {
+    for (const FileToWrite& file : files) {
+        std::error_code reason;
+        const bool isWritten = file.merge ? file.merge->Write(file.path, file.text, reason)
+                                          : WriteFileAtomically(file.path, file.text, &reason);
+        if (isWritten)
+            failures.erase(file.path);
+        else
+            SetFailed(file.path, reason);
+    }
 }
 
 void BackgroundWriter::Finish() {
     if (worker.joinable()) worker.join();
+}
+
+void BackgroundWriter::SetFailed(const std::string& path, std::error_code reason) {
+    FailedWrite& failure = failures[path];
+    if (failure.reason == reason) return;
+    failure.reason = reason;
+    failure.isTold = false;
+}
+
+const std::pair<const std::string, FailedWrite>* BackgroundWriter::TakeNews() {
+    const std::pair<const std::string, FailedWrite>* news = nullptr;
+    for (auto& failure : failures) {
+        if (!failure.second.isTold && !news) news = &failure;
+        failure.second.isTold = true;
+    }
+    return news;
 }

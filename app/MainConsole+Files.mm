@@ -12,8 +12,10 @@
 #include "FunctionsMerge.h"
 
 #include <chrono>
+#include <cstdio>
 #include <string>
 #include <sys/stat.h>
+#include <utility>
 #include <vector>
 
 using Clock = std::chrono::steady_clock;
@@ -44,9 +46,19 @@ static bool exists(const std::string& path) {
     return lstat(path.c_str(), &kind) == 0;
 }
 
+// Another copy of the program may have written the file meanwhile: what it defined stays.
+static FunctionsMerge merge;
+
+// Writes what is due while the person goes on typing.
+static BackgroundWriter backgroundWriter;
+
 // Keeps a damaged file beside. False when there is none now, though there was room for one: the disk is full, say.
 static bool keepDamaged(const std::string& path) {
-    return !KeepUnreadable(path).empty() || !exists(path) || exists(path + ".unreadable.9");
+    std::error_code reason;
+    if (!KeepUnreadable(path, &reason).empty() || !exists(path) || exists(path + ".unreadable.9"))
+        return true;
+    backgroundWriter.SetFailed(path, reason);
+    return false;
 }
 
 // What a damaged file held is not overwritten before there is a copy of it.
@@ -56,17 +68,9 @@ static bool mayWriteFunctions() {
     return !isOnlyCopy;
 }
 
-// Another copy of the program may have written the file meanwhile: what it defined stays.
-static FunctionsMerge merge;
-
-static std::string withWhatOthersDefined(const std::string& text) {
-    std::string present;
-    ReadWholeFile(pathBytes(funcFilePath), present);
-    return merge.Merge(text, present);
+static std::string failureText(const std::string& path, const FailedWrite& failure) {
+    return "Not saved: " + path.substr(path.rfind('/') + 1) + " (" + failure.reason.message() + ")";
 }
-
-// Writes what is due while the person goes on typing.
-static BackgroundWriter backgroundWriter;
 
 @implementation MainConsole (Files)
 
@@ -116,7 +120,8 @@ static BackgroundWriter backgroundWriter;
     if (!settings || !prefFilePath) return;
     const std::string text = [self settingsFileText];
     backgroundWriter.Finish();
-    if (!text.empty()) WriteFileAtomically(pathBytes(prefFilePath), text);
+    if (!text.empty()) [self startWriting:{{pathBytes(prefFilePath), text}}];
+    backgroundWriter.Finish();
 }
 
 - (std::string)settingsFileText {
@@ -130,7 +135,9 @@ static BackgroundWriter backgroundWriter;
     unwritten = Unwritten();
     [settings release];
     settings = nil;
+    backgroundWriter.Finish();
     const std::string path = pathBytes(prefFilePath);
+    RemoveLeftovers(path);
     std::string text;
     ReadWholeFile(path, text);
     NSData* const bytes = [NSData dataWithBytes:text.data() length:text.size()];
@@ -167,22 +174,63 @@ static BackgroundWriter backgroundWriter;
     backgroundWriter.Finish();
 }
 
+// The folder may have been taken away meanwhile.
+- (void)startWriting:(std::vector<FileToWrite>)files {
+    [self appSupportFolder];
+    backgroundWriter.Write(std::move(files));
+    [self performFileSelector:@selector(tellFailedWriting) after:0];
+}
+
+- (void)performFileSelector:(SEL)selector after:(NSTimeInterval)delay {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:selector object:nil];
+    [self performSelector:selector
+               withObject:nil
+               afterDelay:delay
+                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
+                                                    NSEventTrackingRunLoopMode, nil]];
+}
+
+- (void)tellFailedWriting {
+    if (backgroundWriter.IsBusy()) {
+        [self performFileSelector:@selector(tellFailedWriting) after:0.1];
+        return;
+    }
+    backgroundWriter.Finish();
+    const auto* const news = backgroundWriter.TakeNews();
+    if (!news) return;
+    NSString* const text = [NSString stringWithUTF8String:failureText(news->first, news->second).c_str()];
+    NSData* const latin1 = [text dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
+    const std::string bytes(static_cast<const char*>([latin1 bytes]), [latin1 length]);
+    [self updateStatusbar:bytes.c_str()];
+}
+
+- (void)reportUnwritten {
+    backgroundWriter.Finish();
+    for (const auto& failure : backgroundWriter.TakeFailures()) {
+        fprintf(stderr, "Tallyquill: %s\n", failureText(failure.first, failure.second).c_str());
+    }
+}
+
 - (void)saveFuncFile {
     unwritten = Unwritten();
     backgroundWriter.Finish();
-    if (!mayWriteFunctions()) return;
-    WriteFileAtomically(pathBytes(funcFilePath), withWhatOthersDefined(FunctionsFileText(calc)));
+    if (!mayWriteFunctions()) {
+        [self performFileSelector:@selector(tellFailedWriting) after:0];
+        return;
+    }
+    [self startWriting:{{pathBytes(funcFilePath), FunctionsFileText(calc), &merge}}];
+    backgroundWriter.Finish();
 }
 
 - (void)loadFuncFile {
+    backgroundWriter.Finish();
     const std::string path = pathBytes(funcFilePath);
+    RemoveLeftovers(path);
     const FunctionsFileResult result = ReadFunctionsFile(calc, path);
     isOnlyCopy = (!result.opened || result.damaged) && !keepDamaged(path);
     // A line that was refused is no other program's: it is in the copy that was kept.
-    std::string text;
-    ReadWholeFile(path, text);
     merge = FunctionsMerge();
-    merge.Know(text);
+    merge.Know(result.text);
     calc.european = [self setting:@"european"] != 0;
     calc.tenKey = [self setting:@"tenkey"] != 0;
 }
@@ -211,12 +259,7 @@ static BackgroundWriter backgroundWriter;
     // Also when this entry has just been written: its settings are taken over only now.
     unwritten.exists = true;
     unwritten.since = Clock::now();
-    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(writeDueFiles) object:nil];
-    [self performSelector:@selector(writeDueFiles)
-               withObject:nil
-               afterDelay:WRITE_DELAY
-                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
-                                                    NSEventTrackingRunLoopMode, nil]];
+    [self performFileSelector:@selector(writeDueFiles) after:WRITE_DELAY];
 }
 
 - (void)writeDueFiles {
@@ -227,14 +270,14 @@ static BackgroundWriter backgroundWriter;
     // While the engine is at work, what it held before this entry is written, once.
     const bool isRunning = unwritten.isEntryRunning;
     if (isRunning && unwritten.text.empty()) return;
-    std::vector<BackgroundWriter::File> files;
+    std::vector<FileToWrite> files;
     const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
-    if (!settingsNow.empty()) files.emplace_back(pathBytes(prefFilePath), settingsNow);
+    if (!settingsNow.empty()) files.push_back({pathBytes(prefFilePath), settingsNow});
     if (mayWriteFunctions()) {
         const std::string text = isRunning ? unwritten.text : FunctionsFileText(calc);
-        files.emplace_back(pathBytes(funcFilePath), withWhatOthersDefined(text));
+        files.push_back({pathBytes(funcFilePath), text, &merge});
     }
-    backgroundWriter.Write(std::move(files));
+    [self startWriting:std::move(files)];
     if (isRunning)
         unwritten.text.clear();
     else

@@ -171,6 +171,8 @@ extern NSString* prefFilePath;
 - (void)loadSettings;          // reads them and shows the console with their colours and font
 - (void)applyColors;           // the console's colours and font from the settings
 - (void)showTextColor:(NSColor*)text background:(NSColor*)back; // in the console alone; nil changes nothing
+// What cannot be written is said once in the status line, with the reason, and is written with the next change or at
+// the end of the program.
 - (void)saveFuncFile; // functions, variables, units and history to funcFilePath
 - (void)loadFuncFile;
 
@@ -184,7 +186,8 @@ extern NSString* prefFilePath;
 - (void)entryDidRun;
 - (BOOL)isEntryRunning; // between the two: the engine is at work
 - (void)writeDueFiles;
-- (void)finishWriting; // returns when what is being written is in the files
+- (void)finishWriting;   // returns when what is being written is in the files
+- (void)reportUnwritten; // what could not be written, on standard error
 @end
 
 @interface MainConsole (Scripts)

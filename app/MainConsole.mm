@@ -278,6 +278,8 @@ static bool isInterrupted() {
     [self storeFrame];
     [self saveSettings];
     [self saveFuncFile];
+    [self reportUnwritten];
+    [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [funcFilePath release];
     [prefFilePath release];
     funcFilePath = prefFilePath = nil;

@@ -2,11 +2,15 @@
 #include "FileKeeping.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,6 +21,9 @@ constexpr size_t PIECE = size_t{1} << 16;  // bytes read at once
 constexpr size_t LARGEST_WRITE = 1U << 30; // some systems refuse more at once
 constexpr int MAX_LINKS = 40;              // symbolic links followed one after the other
 constexpr int KEPT_FILES = 10;
+constexpr std::string_view KEPT_NAME = ".unreadable";
+constexpr std::string_view TEMPORARY_NAME = ".tallyquill-XXXXXX";
+constexpr useconds_t LOCK_PAUSE = 2000; // microseconds
 
 // An open file, closed at the end of its life.
 class Descriptor {
@@ -105,49 +112,119 @@ bool readLink(const std::string& path, std::string& destination) {
     return true;
 }
 
-// Follows the symbolic links from `path` to the file itself, which need not exist. False for links in a circle.
+// Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for links
+// in a circle.
 bool followLinks(std::string& path) {
     for (int links = 0; links <= MAX_LINKS; links++) {
         struct stat info;
         if (lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return true;
         if (!readLink(path, path)) return false;
     }
+    errno = ELOOP;
     return false;
 }
 
-// Nothing there yet, or a regular file that may be written.
+// Nothing there yet, or a regular file that may be written; otherwise errno says why not.
 bool isReplaceable(const std::string& path) {
     struct stat info;
     if (lstat(path.c_str(), &info) != 0) return errno == ENOENT;
-    return S_ISREG(info.st_mode) && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+    if (S_ISREG(info.st_mode)) return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+    errno = S_ISDIR(info.st_mode) ? EISDIR : EEXIST;
+    return false;
 }
 
-bool fill(int file, const std::string& text) {
-    fcntl(file, F_SETFD, FD_CLOEXEC);
-    Descriptor opened(file);
-    const bool isWritten = writeAll(file, text) && flush(file);
-    return opened.Close() && isWritten;
+bool isGone(int file) {
+    struct stat info;
+    return fstat(file, &info) == 0 && info.st_nlink == 0;
+}
+
+// Makes a file that did not exist, for its owner alone, and locks it: one without a lock was left by a program that
+// is gone. Another program that starts may remove it before it is locked; then another one is made. Returns the
+// open file, or -1 with errno set.
+int makeTemporary(std::string& name) {
+    const std::string pattern = name;
+    for (;;) {
+        name = pattern;
+        const int file = mkstemp(name.data());
+        if (file < 0) return -1;
+        fcntl(file, F_SETFD, FD_CLOEXEC);
+        flock(file, LOCK_EX); // a file system without locks goes without
+        if (!isGone(file)) return file;
+        close(file);
+    }
+}
+
+// Closing may report that a write failed; another descriptor keeps the lock until the file has its name.
+bool fill(Descriptor& file, const std::string& text) {
+    const bool isWritten = writeAll(file.Number(), text) && flush(file.Number());
+    const int error = errno;
+    const bool isClosed = file.Close();
+    if (!isWritten) errno = error;
+    return isClosed && isWritten;
+}
+
+// False with errno set.
+bool replaceFile(std::string destination, const std::string& text) {
+    if (!followLinks(destination) || !isReplaceable(destination)) return false;
+    std::string temporary = destination + std::string(TEMPORARY_NAME);
+    Descriptor file(makeTemporary(temporary));
+    if (!file.IsOpen()) return false;
+    const Descriptor lock(fcntl(file.Number(), F_DUPFD_CLOEXEC, 0));
+    if (!fill(file, text) || rename(temporary.c_str(), destination.c_str()) != 0) {
+        const int error = errno;
+        unlink(temporary.c_str());
+        errno = error;
+        return false;
+    }
+    flushFolder(destination);
+    return true;
+}
+
+// Whether a name in a folder is that of a temporary file for `name` or for a file kept beside that.
+bool isTemporaryName(std::string_view entry, std::string_view name) {
+    const size_t letters = 6;
+    const std::string_view mark = TEMPORARY_NAME.substr(0, TEMPORARY_NAME.size() - letters);
+    if (entry.size() < name.size() + TEMPORARY_NAME.size() || entry.substr(0, name.size()) != name)
+        return false;
+    const std::string_view end = entry.substr(entry.size() - TEMPORARY_NAME.size());
+    if (end.substr(0, mark.size()) != mark) return false;
+    const std::string_view between =
+        entry.substr(name.size(), entry.size() - name.size() - TEMPORARY_NAME.size());
+    const bool isBeside = between.empty() || between.substr(0, KEPT_NAME.size()) == KEPT_NAME;
+    const auto isLetterOrDigit = [](unsigned char c) { return isalnum(c) != 0; };
+    return isBeside && std::all_of(end.begin() + static_cast<long>(mark.size()), end.end(), isLetterOrDigit);
+}
+
+// Under its lock, which a living program would have.
+void removeUnlocked(const std::string& path) {
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat info;
+    if (!file.IsOpen() || fstat(file.Number(), &info) != 0 || !S_ISREG(info.st_mode)) return;
+    if (flock(file.Number(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
 }
 
 std::string keptName(const std::string& path, int number) {
-    const std::string name = path + ".unreadable";
+    const std::string name = path + std::string(KEPT_NAME);
     return number == 0 ? name : name + "." + std::to_string(number);
 }
 
-std::string keepCopy(const std::string& path, const std::string& text) {
+std::string keepCopy(const std::string& path, const std::string& text, std::error_code* reason) {
     for (int number = 0; number < KEPT_FILES; number++) {
         std::string name = keptName(path, number);
         std::string kept;
-        if (!exists(name)) return WriteFileAtomically(name, text) ? name : "";
+        if (!exists(name)) return WriteFileAtomically(name, text, reason) ? name : "";
         if (ReadWholeFile(name, kept) && kept == text) return name;
     }
     return "";
 }
 
-std::string moveAside(const std::string& path) {
+std::string moveAside(const std::string& path, std::error_code* reason) {
     for (int number = 0; number < KEPT_FILES; number++) {
         std::string name = keptName(path, number);
-        if (!exists(name)) return rename(path.c_str(), name.c_str()) == 0 ? name : "";
+        if (exists(name)) continue;
+        if (rename(path.c_str(), name.c_str()) == 0) return name;
+        if (reason) *reason = std::error_code(errno, std::generic_category());
+        return "";
     }
     return "";
 }
@@ -165,25 +242,44 @@ bool ReadWholeFile(const std::string& path, std::string& text) {
     return false;
 }
 
-bool WriteFileAtomically(const std::string& path, const std::string& text) {
-    std::string destination = path;
-    if (!followLinks(destination) || !isReplaceable(destination)) return false;
-    // mkstemp makes a file that did not exist, for its owner alone.
-    std::string temporary = destination + ".XXXXXX";
-    const int file = mkstemp(temporary.data());
-    if (file < 0) return false;
-    if (!fill(file, text) || rename(temporary.c_str(), destination.c_str()) != 0) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    flushFolder(destination);
-    return true;
+bool WriteFileAtomically(const std::string& path, const std::string& text, std::error_code* reason) {
+    if (replaceFile(path, text)) return true;
+    if (reason) *reason = std::error_code(errno, std::generic_category());
+    return false;
 }
 
-std::string KeepUnreadable(const std::string& path) {
+void RemoveLeftovers(const std::string& path) {
+    std::string file = path;
+    if (!followLinks(file)) return;
+    const std::string folder = folderOf(file);
+    const std::string name = file.substr(folder.size());
+    const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.empty() ? "." : folder.c_str()),
+                                                     closedir);
+    if (!opened) return;
+    while (const dirent* const entry = readdir(opened.get())) {
+        if (isTemporaryName(entry->d_name, name)) removeUnlocked(folder + entry->d_name);
+    }
+}
+
+FileLock::FileLock(const std::string& path)
+    : file(open((folderOf(path) + "." + path.substr(folderOf(path).size()) + ".lock").c_str(),
+                O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
+    if (file < 0) return;
+    for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; waits--) {
+        isTaken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (!isTaken) return;
+        usleep(LOCK_PAUSE);
+    }
+}
+
+FileLock::~FileLock() {
+    if (file >= 0) close(file);
+}
+
+std::string KeepUnreadable(const std::string& path, std::error_code* reason) {
     struct stat info;
     // A link that leads nowhere holds nothing.
     if (stat(path.c_str(), &info) != 0 && errno == ENOENT) return "";
     std::string text;
-    return ReadWholeFile(path, text) ? keepCopy(path, text) : moveAside(path);
+    return ReadWholeFile(path, text) ? keepCopy(path, text, reason) : moveAside(path, reason);
 }

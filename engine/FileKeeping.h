@@ -6,6 +6,7 @@
 #define TALLYQUILL_FILEKEEPING_H
 
 #include <string>
+#include <system_error>
 
 // Reads a regular file, or what a symbolic link to one leads to, into `text`. False, with an empty text, for
 // anything else: no such file, no permission, a folder, a device, a pipe, more than 256 MiB. Never waits.
@@ -14,14 +15,41 @@ bool ReadWholeFile(const std::string& path, std::string& text);
 // Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner alone,
 // is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file that it leads
 // to is written. Returns whether the text is there now; on a failure the old file is as it was and no other is
-// left. What is there but no regular file (a folder, a device), or may not be written, is not replaced.
-bool WriteFileAtomically(const std::string& path, const std::string& text);
+// left. What is there but no regular file (a folder, a device), or may not be written, is not replaced. `reason`,
+// when given, receives why it failed; it stays as it is otherwise.
+bool WriteFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr);
+
+// Removes what programs left that were killed while they wrote the file or one that is kept beside it: the files
+// "NAME.tallyquill-XXXXXX" in its folder, X being a letter or a digit. One that a program is just writing stays.
+void RemoveLeftovers(const std::string& path);
+
+// As long as it lives, no other program has the lock of the same file: to read the file, change what was read and
+// write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of its own,
+// ".NAME.lock" in the same folder, which stays.
+class FileLock {
+public:
+    // Waits until other programs have given it back, LOCK_SECONDS at most.
+    explicit FileLock(const std::string& path);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    // Whether another program still has it. Where no lock can be had at all, as in a folder that cannot be written
+    // or on a file system that has none, nobody is kept out and it is false.
+    bool IsTaken() const { return isTaken; }
+
+    static constexpr int LOCK_SECONDS = 2;
+
+private:
+    int file;
+    bool isTaken = false;
+};
 
 // Keeps a file that is damaged or cannot be read from being overwritten: it is copied to `path`.unreadable, or
 // moved there when it cannot be read (no permission, a folder). When other content stands there already the names
 // .unreadable.1 to .unreadable.9 follow; a copy that is already there is not made twice. Returns the path of the
 // copy. Empty when there is nothing at `path`, when all ten names are taken, or when the copy could not be made:
-// what is still at `path` is then the only one.
-std::string KeepUnreadable(const std::string& path);
+// what is still at `path` is then the only one, and `reason`, when given, receives why no copy could be made.
+std::string KeepUnreadable(const std::string& path, std::error_code* reason = nullptr);
 
 #endif

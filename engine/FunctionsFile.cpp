@@ -391,10 +391,9 @@ std::string FunctionsFileText(const ZqCalculator& calc) {
 
 FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& path) {
     FunctionsFileResult result;
-    std::string text;
-    result.opened = ReadWholeFile(path, text);
+    result.opened = ReadWholeFile(path, result.text);
     if (!result.opened) return result;
     const EngineState state(calc);
-    result.damaged = !takeText(calc, text);
+    result.damaged = !takeText(calc, result.text);
     return result;
 }

@@ -30,6 +30,7 @@ std::string FunctionsFileText(const ZqCalculator& calc);
 
 struct FunctionsFileResult {
     bool opened = false; // it was there and could be read
+    std::string text;    // what was in it
     // Something in it was not as it is written: it is empty, lacks its first or the history header, does not end
     // with a line feed, holds control characters, or a line was refused. Everything else in it was read.
     bool damaged = false;

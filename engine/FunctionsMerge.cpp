@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "FunctionsMerge.h"
 
+#include "FileKeeping.h"
 #include "Helpers_String.h"
 
 #include <algorithm>
@@ -24,7 +25,8 @@ std::vector<Line> linesOf(const std::string& text) {
     Section section = NONE;
     for (size_t start = 0; start < text.size();) {
         const size_t end = std::min(text.find('\n', start), text.size());
-        const std::string line = text.substr(start, end - start);
+        std::string line = text.substr(start, end - start);
+        if (!line.empty() && line.back() == '\r') line.pop_back(); // an editor's
         const auto* const header = std::find(std::begin(HEADERS), std::end(HEADERS), line);
         // Behind its header the history runs to the end, whatever was typed.
         const bool isHeader = section != HISTORY && header != std::end(HEADERS);
@@ -43,9 +45,10 @@ std::string keyOf(const Line& line) {
     std::string head = line.text.substr(0, equals);
     if (line.section == FUNCTIONS) {
         const auto commas = std::count(head.begin(), head.end(), ',');
+        const bool hasNone = head.find("()") != std::string::npos;
         head.resize(std::min(head.size(), head.find('(')));
         for (char& c : head) c = LowerCase(c);
-        head += "(" + std::to_string(commas);
+        head += "(" + std::to_string(hasNone ? 0 : commas + 1);
     }
     return std::to_string(line.section) + head;
 }
@@ -80,4 +83,15 @@ std::string FunctionsMerge::Merge(const std::string& ours, const std::string& th
         merged += line.text + "\n";
     }
     return merged;
+}
+
+bool FunctionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason) {
+    const FileLock lock(path);
+    if (lock.IsTaken()) {
+        reason = std::make_error_code(std::errc::resource_unavailable_try_again);
+        return false;
+    }
+    std::string present;
+    ReadWholeFile(path, present);
+    return WriteFileAtomically(path, Merge(ours, present), &reason);
 }

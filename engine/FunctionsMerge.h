@@ -7,6 +7,7 @@
 
 #include <set>
 #include <string>
+#include <system_error>
 
 class FunctionsMerge {
 public:
@@ -17,6 +18,11 @@ public:
     // known here. Each stands at the end of its section. What was deleted here stays deleted, of a name in both our
     // line stays, and the history is ours. `ours` is as FunctionsFileText makes it and is known from now on.
     std::string Merge(const std::string& ours, const std::string& theirs);
+
+    // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the same
+    // moment one waits for the other. Returns whether it is there now; otherwise the file is as it was, and `reason`
+    // says why.
+    bool Write(const std::string& path, const std::string& ours, std::error_code& reason);
 
 private:
     std::set<std::string> known;

@@ -70,6 +70,7 @@ void ConsoleTest::SetUp() {
 
 void ConsoleTest::TearDown() {
     [console finishWriting];
+    [NSObject cancelPreviousPerformRequestsWithTarget:console];
     [window close];
     [window release];
     [delegate release];

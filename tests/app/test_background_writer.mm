@@ -7,6 +7,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 class WriterInTheBackground : public ::testing::Test {
@@ -54,10 +55,36 @@ TEST_F(WriterInTheBackground, finishesWhenItGoesAway) {
     EXPECT_EQ(contentOf(file("a")).size(), 1000000u);
 }
 
-TEST_F(WriterInTheBackground, skipsWhatCannotBeWritten) {
+TEST_F(WriterInTheBackground, writesTheOthersWhenOneFails) {
     BackgroundWriter writer;
     writer.Write({{folder + "/missing/a", "one"}, {file("b"), "two"}});
     writer.Finish();
     writer.Finish();
     EXPECT_EQ(contentOf(file("b")), "two");
+    const auto failures = writer.TakeFailures();
+    ASSERT_EQ(failures.size(), 1U);
+    EXPECT_EQ(failures.begin()->first, folder + "/missing/a");
+    EXPECT_EQ(failures.begin()->second.reason, std::errc::no_such_file_or_directory);
+}
+
+TEST_F(WriterInTheBackground, hasNewsOfAFailureOnceUntilTheFileWasWritten) {
+    BackgroundWriter writer;
+    const auto hasNews = [&writer](const std::string& path) {
+        writer.Write({{path, "text"}});
+        writer.Finish();
+        return writer.TakeNews() != nullptr;
+    };
+    const std::string below = file("a") + "/below";
+    EXPECT_TRUE(hasNews(below)); // there is no folder
+    EXPECT_FALSE(hasNews(below));
+    EXPECT_FALSE(hasNews(file("a")));
+    EXPECT_TRUE(hasNews(below)); // there is a file in the folder's place: another reason
+    EXPECT_FALSE(hasNews(below));
+    unlink(file("a").c_str());
+    ASSERT_EQ(mkdir(file("a").c_str(), 0700), 0);
+    EXPECT_FALSE(hasNews(below));
+    EXPECT_TRUE(writer.TakeFailures().empty());
+    unlink(below.c_str());
+    ASSERT_EQ(rmdir(file("a").c_str()), 0);
+    EXPECT_TRUE(hasNews(below));
 }

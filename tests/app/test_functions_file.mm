@@ -6,8 +6,10 @@
 #include "damage.h"
 
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <dirent.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -21,6 +23,18 @@ protected:
 
     std::string file() const { return read(functionsPath()); }
     bool holds(const std::string& line) const { return file().find("\n" + line + "\n") != std::string::npos; }
+
+    // Waits until the line is in the file, for five seconds at most.
+    bool comesToHold(const std::string& line) {
+        for (int i = 0; i < 100 && !holds(line); i++) run(0.05);
+        return holds(line);
+    }
+
+    // Waits until the status line says something. The empty text when it does not.
+    std::string news() {
+        for (int i = 0; i < 100 && status().empty(); i++) run(0.05);
+        return status();
+    }
 
     // What an entry answers, without its line feed.
     std::string answer(const char* line) {
@@ -340,6 +354,79 @@ TEST_F(FunctionsFileOfTheWindow, theOnlyCopyOfADamagedFileIsNotOverwritten) {
     [console saveFuncFile]; // there is room again
     EXPECT_TRUE(read(functionsPath() + ".unreadable") == text);
     EXPECT_TRUE(holds("side=12.5"));
+}
+
+// --- What cannot be written ---
+
+TEST_F(FunctionsFileOfTheWindow, aFullDiskIsSaidOnceAndTriedAgainWithTheNextChange) {
+    enter("a=1");
+    limitFiles(100);
+    const std::string said = news();
+    limitFiles(RLIM_INFINITY);
+    EXPECT_NE(said.find("Not saved: pelmo_"), std::string::npos) << said;
+    EXPECT_NE(said.find(strerror(EFBIG)), std::string::npos) << said;
+    limitFiles(100);
+    enter("b=2");
+    run(1.3);
+    limitFiles(RLIM_INFINITY);
+    EXPECT_EQ(status(), "");
+    EXPECT_FALSE(holds("a=1"));
+    enter("c=3");
+    EXPECT_TRUE(comesToHold("c=3"));
+    EXPECT_TRUE(holds("a=1") && holds("b=2"));
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(FunctionsFileOfTheWindow, whatCouldNotBeWrittenIsTriedAgainAtTheEnd) {
+    enter("a=1");
+    limitFiles(100);
+    news();
+    limitFiles(RLIM_INFINITY);
+    EXPECT_FALSE(holds("a=1"));
+    testing::internal::CaptureStderr();
+    terminate();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(holds("a=1"));
+}
+
+TEST_F(FunctionsFileOfTheWindow, whatIsLostAtTheEndIsSaidOnStandardError) {
+    enter("a=1");
+    testing::internal::CaptureStderr();
+    limitFiles(100);
+    terminate();
+    limitFiles(RLIM_INFINITY);
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("Tallyquill: Not saved: pelmo_functions.txt"), std::string::npos) << said;
+}
+
+TEST_F(FunctionsFileOfTheWindow, aFolderThatWasTakenAwayIsMadeAgain) {
+    ASSERT_EQ(rename(folder().c_str(), (home + "/elsewhere").c_str()), 0);
+    enter("a=1");
+    EXPECT_TRUE(comesToHold("a=1"));
+    EXPECT_EQ(status(), "");
+}
+
+TEST_F(FunctionsFileOfTheWindow, aFileInTheFoldersPlaceIsSaidAtTheStart) {
+    ASSERT_EQ(rename(folder().c_str(), (home + "/elsewhere").c_str()), 0);
+    write(folder(), "not a folder");
+    restart();
+    const std::string said = news();
+    EXPECT_NE(said.find("Not saved: pelmo_settings.plist"), std::string::npos) << said;
+    EXPECT_NE(said.find(strerror(ENOTDIR)), std::string::npos) << said;
+    expectUsable();
+    EXPECT_EQ(unlink(folder().c_str()), 0);
+    terminate();
+    EXPECT_TRUE(exists(functionsPath()));
+}
+
+TEST_F(FunctionsFileOfTheWindow, whatAKilledProgramLeftIsRemovedAtTheNextStart) {
+    write(functionsPath() + ".tallyquill-aB3dEf", "half");
+    write(settingsPath() + ".tallyquill-aB3dEf", "half");
+    write(functionsPath() + ".backup", "a person's");
+    restart();
+    EXPECT_FALSE(exists(functionsPath() + ".tallyquill-aB3dEf"));
+    EXPECT_FALSE(exists(settingsPath() + ".tallyquill-aB3dEf"));
+    EXPECT_TRUE(exists(functionsPath() + ".backup"));
 }
 
 TEST_F(FunctionsFileOfTheWindow, damageByChanceNeverKeepsTheProgramFromStarting) {

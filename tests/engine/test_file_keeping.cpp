@@ -5,10 +5,13 @@
 #include "temporary_folder.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -191,6 +194,136 @@ TEST_F(FileKeeping, aFullDiskKeepsTheOldFile) {
     }
     EXPECT_EQ("old\n", contentOf(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
+}
+
+TEST_F(FileKeeping, aFailureSaysWhy) {
+    std::error_code reason;
+    EXPECT_TRUE(WriteFileAtomically(path, "new\n", &reason));
+    EXPECT_FALSE(reason);
+    const auto failure = [](const std::string& file) {
+        std::error_code why;
+        EXPECT_FALSE(WriteFileAtomically(file, std::string(5000, 'x'), &why));
+        return why;
+    };
+    EXPECT_EQ(std::errc::not_a_directory, failure(path + "/file"));
+    EXPECT_EQ(std::errc::no_such_file_or_directory, failure(folder.File("none/file")));
+    EXPECT_EQ(std::errc::is_a_directory, failure(folder.Path()));
+    ASSERT_EQ(0, symlink("circle", folder.File("circle").c_str()));
+    EXPECT_EQ(std::errc::too_many_symbolic_link_levels, failure(folder.File("circle")));
+    const FileSizeLimit full(1000);
+    EXPECT_EQ(std::errc::file_too_large, failure(path));
+}
+
+// --- What killed programs leave ---
+
+class Leftovers : public FileKeeping {
+protected:
+    // A process that is killed while it writes the file, and is alive until then.
+    pid_t StartWriting() const {
+        const pid_t child = fork();
+        if (child != 0) return child;
+        const std::string text(size_t{1} << 20, 'x');
+        for (;;) WriteFileAtomically(path, text);
+    }
+    static void Kill(pid_t child) {
+        EXPECT_EQ(0, kill(child, SIGKILL));
+        EXPECT_EQ(child, waitpid(child, nullptr, 0));
+    }
+};
+
+TEST_F(Leftovers, ofProgramsThatWereKilledWhileTheyWroteAreRemoved) {
+    size_t left = 0;
+    for (int round = 0; round < 200 && left == 0; round++) {
+        const pid_t writer = StartWriting();
+        while (folder.Names().empty()) usleep(100);
+        usleep(static_cast<useconds_t>(round) * 50);
+        Kill(writer);
+        for (const std::string& name : folder.Names()) left += name == "file" ? 0 : 1;
+    }
+    ASSERT_GT(left, 0U);
+    RemoveLeftovers(path);
+    EXPECT_LE(folder.Names().size(), 1U);
+    EXPECT_EQ(folder.Names().empty(), !std::filesystem::exists(path));
+}
+
+TEST_F(Leftovers, ofALinkedFileAndOfKeptOnesAreRemoved) {
+    ASSERT_TRUE(std::filesystem::create_directory(folder.File("dots")));
+    ASSERT_EQ(0, symlink("dots/real", path.c_str()));
+    putContent(folder.File("dots/real.tallyquill-aB3dEf"), "half");
+    putContent(folder.File("dots/real.unreadable.7.tallyquill-aB3dEf"), "half");
+    putContent(folder.File("file.tallyquill-aB3dEf"), "not of this file");
+    RemoveLeftovers(path);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.File("dots")));
+    EXPECT_EQ((Names{"dots", "file", "file.tallyquill-aB3dEf"}), folder.Names());
+}
+
+TEST_F(Leftovers, thatAreNotOursStay) {
+    const Names others = {"file.backup",
+                          "file.tallyquill-",
+                          "file.tallyquill-abc",
+                          "file.tallyquill-abc_ef",
+                          "file.tallyquill-abcdef.txt",
+                          "file.tallyquill-abcdefg",
+                          "file2.tallyquill-abcdef",
+                          "tallyquill-abcdef"};
+    for (const std::string& name : others) putContent(folder.File(name), "a person's");
+    ASSERT_TRUE(std::filesystem::create_directory(folder.File("file.tallyquill-folder")));
+    ASSERT_EQ(0, symlink("file.backup", folder.File("file.tallyquill-linked").c_str()));
+    RemoveLeftovers(path);
+    EXPECT_EQ(others.size() + 2, folder.Names().size());
+}
+
+// The lock stands for a program that is just writing.
+TEST_F(Leftovers, ofALivingProgramStay) {
+    const std::string name = folder.File("file.tallyquill-abcdef");
+    putContent(name, "half");
+    const int writing = open(name.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(0, flock(writing, LOCK_EX));
+    RemoveLeftovers(path);
+    EXPECT_EQ(Names{"file.tallyquill-abcdef"}, folder.Names());
+    close(writing);
+    RemoveLeftovers(path);
+    EXPECT_EQ(Names{}, folder.Names());
+}
+
+TEST_F(Leftovers, areRemovedWhileAnotherProgramWritesWithoutHarm) {
+    const pid_t child = fork();
+    if (child == 0) {
+        bool isWritten = true;
+        for (int i = 0; i < 300 && isWritten; i++) isWritten = WriteFileAtomically(path, "text\n");
+        _exit(isWritten ? 0 : 1);
+    }
+    int status = -1;
+    while (waitpid(child, &status, WNOHANG) == 0) RemoveLeftovers(path);
+    EXPECT_EQ(0, status);
+    EXPECT_EQ(Names{"file"}, folder.Names());
+}
+
+// --- The lock ---
+
+TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
+    int ready[2];
+    ASSERT_EQ(0, pipe(ready));
+    const pid_t child = fork();
+    if (child == 0) {
+        const FileLock lock(path);
+        const bool isTold = write(ready[1], "x", 1) == 1;
+        while (isTold) pause();
+        _exit(1);
+    }
+    char byte = 0;
+    ASSERT_EQ(1, read(ready[0], &byte, 1));
+    EXPECT_TRUE(FileLock(path).IsTaken());
+    EXPECT_FALSE(FileLock(folder.File("other")).IsTaken());
+    EXPECT_EQ(0, kill(child, SIGKILL));
+    EXPECT_EQ(child, waitpid(child, nullptr, 0));
+    EXPECT_FALSE(FileLock(path).IsTaken());
+    close(ready[0]);
+    close(ready[1]);
+}
+
+TEST_F(FileKeeping, whereNoLockCanBeHadNobodyIsKeptOut) {
+    EXPECT_FALSE(FileLock(folder.File("none/file")).IsTaken());
 }
 
 // --- Keeping ---

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "FunctionsMerge.h"
 
+#include "temporary_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -77,6 +81,19 @@ TEST(FunctionsMerge, FunctionsOfOneNameDifferByTheirNumberOfParameters) {
     EXPECT_EQ(merge.Merge(ours, file("f(x,y)=x\n", "", "", "")), file("f(x)=x\nf(x,y)=x\n", "", "", ""));
 }
 
+TEST(FunctionsMerge, AFunctionWithoutParametersIsAnotherOne) {
+    FunctionsMerge merge;
+    merge.Know(file("f()=1\n", "", "", ""));
+    const std::string ours = file("f()=2\n", "", "", "");
+    EXPECT_EQ(merge.Merge(ours, file("f()=1\nf(x)=x\n", "", "", "")), file("f()=2\nf(x)=x\n", "", "", ""));
+}
+
+TEST(FunctionsMerge, TakesTheLineEndsOfAnEditor) {
+    FunctionsMerge merge;
+    const std::string theirs = "### FUNCTIONS ###\r\nf(x)=x\r\n### VARIABLES ###\r\na=1\r\n";
+    EXPECT_EQ(merge.Merge(file("", "", "", ""), theirs), file("f(x)=x\n", "a=1\n", "", ""));
+}
+
 TEST(FunctionsMerge, VariablesDifferByCase) {
     FunctionsMerge merge;
     EXPECT_EQ(merge.Merge(file("", "a=1\n", "", ""), file("", "A=2\n", "", "")),
@@ -94,4 +111,54 @@ TEST(FunctionsMerge, TheHistoryIsOursWhateverItHolds) {
     FunctionsMerge merge;
     const std::string ours = file("", "", "", "### VARIABLES ###\nq=1\n");
     EXPECT_EQ(merge.Merge(ours, file("", "", "", "### VARIABLES ###\nr=1\n")), ours);
+}
+
+TEST(FunctionsMerge, AFailedWriteSaysWhyAndIsRepeatedLater) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("later/file");
+    FunctionsMerge merge;
+    std::error_code reason;
+    EXPECT_FALSE(merge.Write(path, start, reason));
+    EXPECT_EQ(reason, std::errc::no_such_file_or_directory);
+    ASSERT_TRUE(std::filesystem::create_directory(folder.File("later")));
+    EXPECT_TRUE(merge.Write(path, start, reason));
+    EXPECT_EQ(contentOf(path), start);
+}
+
+namespace {
+
+// A program that waits until `gate` is closed, then writes one variable of its own and ends with 0.
+pid_t startSaving(const std::string& path, const char* variable, const int gate[2]) {
+    const pid_t child = fork();
+    if (child != 0) return child;
+    close(gate[1]);
+    char byte = 0;
+    while (read(gate[0], &byte, 1) > 0) {
+    }
+    FunctionsMerge merge;
+    std::error_code reason;
+    _exit(merge.Write(path, file("", variable, "", ""), reason) ? 0 : 1);
+}
+
+} // namespace
+
+TEST(FunctionsMerge, ProgramsThatSaveAtTheSameMomentLoseNoDefinition) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("file");
+    for (int round = 0; round < 100; round++) {
+        unlink(path.c_str());
+        int gate[2];
+        ASSERT_EQ(pipe(gate), 0);
+        const pid_t first = startSaving(path, "a=1\n", gate);
+        const pid_t second = startSaving(path, "b=2\n", gate);
+        close(gate[0]);
+        close(gate[1]);
+        int ends[] = {-1, -1};
+        waitpid(first, &ends[0], 0);
+        waitpid(second, &ends[1], 0);
+        ASSERT_EQ(ends[0], 0);
+        ASSERT_EQ(ends[1], 0);
+        const std::string text = contentOf(path);
+        ASSERT_TRUE(text == file("", "a=1\nb=2\n", "", "") || text == file("", "b=2\na=1\n", "", "")) << text;
+    }
 }
