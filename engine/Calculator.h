@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -272,6 +273,7 @@ private:
     int Spend(uint64_t reductions, uint64_t copies);
     int SpendWork(uint64_t units);
     int CheckInterrupt(uint64_t units);
+    std::function<bool(uint64_t)> ChargeForUnits(bool& isStopped); // with a message when it sets isStopped
 
     int CallArgument(const Call& call, qfloat value);
     int CallPredefined(const char* name, const qfloat x, qfloat value);

@@ -193,8 +193,10 @@ struct Commands {
         std::string name = text.argument.substr(0, equals);
         name.resize(std::min(name.size(), name.find_first_of(" \t")));
         const std::string definition = text.argument.substr(start);
+        bool isStopped = false;
         units_clear_exception();
-        units_new(name.c_str(), definition.c_str());
+        units_new(name.c_str(), definition.c_str(), calc.ChargeForUnits(isStopped));
+        if (isStopped) return STATUS_ERROR;
         if (const char* error = units_check_exception()) return calc.Fail("** ERROR: %s **\n", {error});
         calc.unitDefs.Push(StrDuplicate("unit " + name + "=" + definition))->type = TERM_NAME;
         return Confirm(calc, "new unit defined: " + name + "\n");

@@ -26,9 +26,6 @@ constexpr uint64_t PREVIEW_WORK = 60000;
 constexpr uint64_t REDUCTION_WORK = 3;
 constexpr uint64_t REMAINDER_BITS_PER_WORK = 512;
 
-// The exponents of a preview's units. Every one of them puts the names of its unit into a list.
-constexpr uint64_t PREVIEW_EXPONENTS = 2000;
-
 static bool isZero(const qfloat number) {
     return number[1] == 0;
 }
@@ -234,22 +231,23 @@ static bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
 
-// The sum of the numbers behind each '^'.
-static uint64_t sumOfExponents(const char* unit) {
-    uint64_t sum = 0;
-    while ((unit = strchr(unit, '^'))) sum += strtoul(++unit, nullptr, 10);
-    return sum;
+// Asks before the work is done: a preview gives up, and an entry asks for an interruption.
+std::function<bool(uint64_t)> ZqCalculator::ChargeForUnits(bool& isStopped) {
+    return [this, &isStopped, unspent = uint64_t{0}](uint64_t units) mutable {
+        unspent += units;
+        isStopped = Spend(unspent / UNIT_WORK_PER_REDUCTION, 0) != 0;
+        unspent %= UNIT_WORK_PER_REDUCTION;
+        return !isStopped;
+    };
 }
 
 // How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
 int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat value) {
-    const bool isTooLong = sumOfExponents(from) + sumOfExponents(to) > PREVIEW_EXPONENTS;
-    if (SpendWork(isTooLong ? PREVIEW_WORK + 1 : DEAR_WORK) != 0) return STATUS_ERROR;
+    if (SpendWork(DEAR_WORK) != 0) return STATUS_ERROR;
+    bool isStopped = false;
     units_clear_exception();
-    const uint64_t before = units_work();
-    const double factor = units_convert(from, to);
-    // The names of a unit may be 100,000.
-    if (Spend((units_work() - before) / UNIT_WORK_PER_REDUCTION, 0) != 0) return STATUS_ERROR;
+    const double factor = units_convert(from, to, ChargeForUnits(isStopped));
+    if (isStopped) return STATUS_ERROR;
     if (const char* error = units_check_exception()) return Fail("** ERROR 13: %s **\n", {error});
     // The unit library works in doubles; beyond their range it has no digits to give.
     if (!std::isnormal(factor)) {

@@ -6,6 +6,8 @@
 #include "unitlist.h"
 
 #include <cstdlib>
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -140,20 +142,30 @@ int fail(const char* format, const TextPair& entry) {
     return 1;
 }
 
+// Whether the step was taken; without memory it was not.
+template <class Step> bool isDone(Step step) {
+    try {
+        return step();
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool addUnit(const TextPair& entry) {
+    std::optional<ReducedUnit> reduced = reduceUnit(entry.text);
+    return reduced && unitTable.Add(entry.name, std::move(*reduced), UnitOrigin::Catalogue);
+}
+
 int buildUnits(const TextPair* entries, const char* failure) {
     for (const TextPair* e = entries; e->name != nullptr; ++e) {
-        UnitPointer record(reduceUnit(e->text));
-        if (record == nullptr || !renameUnit(*record, e->name) || !appendUnit(record, UnitOrigin::Catalogue))
-            return fail(failure, *e);
+        if (!isDone([e] { return addUnit(*e); })) return fail(failure, *e);
     }
     return 0;
 }
 
 int buildPrimitiveUnits(const char* const* names) {
     for (; *names != nullptr; ++names) {
-        UnitPointer record = newUnit(*names);
-        if (record != nullptr) record->primitive = 1;
-        if (record == nullptr || !appendUnit(record, UnitOrigin::Catalogue)) {
+        if (!isDone([names] { return unitTable.AddPrimitive(*names, UnitOrigin::Catalogue); })) {
             throw_exception1("units failure initializing primitive unit '%s'", *names);
             return 1;
         }
@@ -163,9 +175,8 @@ int buildPrimitiveUnits(const char* const* names) {
 
 int buildPrefixes(const TextPair* entries) {
     for (const TextPair* e = entries; e->name != nullptr; ++e) {
-        if (!appendPrefix(e->name, std::atof(e->text))) {
-            return fail("units failure initializing prefix '%s' (%s)", *e);
-        }
+        const auto add = [e] { return unitTable.AddPrefix(e->name, std::atof(e->text)), true; };
+        if (!isDone(add)) return fail("units failure initializing prefix '%s' (%s)", *e);
     }
     return 0;
 }
@@ -185,5 +196,5 @@ int buildCatalogue(const CatalogueTables& tables) {
 }
 
 int unitInitialize() {
-    return uroot != nullptr ? 0 : buildCatalogue(catalogueTables);
+    return !unitTable.IsEmpty() ? 0 : buildCatalogue(catalogueTables);
 }

@@ -1,40 +1,55 @@
 // SPDX-License-Identifier: MIT
 //
-// Reduction of a unit expression to a factor and sorted lists of primitive names.
+// Reduction of a unit expression to a factor and primitive names.
 #include "unitlist.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <utility>
 
 namespace {
 
 constexpr int maxExponent = 1000;
-constexpr size_t maxNames = 100000;      // in one of the two lists
-constexpr size_t maxNameBytes = 4000000; // of these names together
+constexpr int64_t maxNames = 100000;      // above or below the '/', a square being two
+constexpr int64_t maxNameBytes = 4000000; // of these names together
 
-// What the steps of a reduction count for in the work counter.
+// What the steps of a reduction count for.
 constexpr uint64_t lookupWork = 16;
-constexpr uint64_t copyWork = 4;
+constexpr uint64_t nameWork = 4;
+constexpr size_t textBytesPerWork = 4; // they are read several times
+constexpr size_t nameBytesPerWork = 64;
 
-// A list under construction; names are put at its end, so that what was sorted stays sorted.
-struct NameList {
-    unit** end;
-    size_t length = 0;
-    size_t bytes = 0;
+struct ByName {
+    bool operator()(const std::string* a, const std::string* b) const { return a != b && *a < *b; }
+};
+
+// The names on one side of the '/', those that will cancel included.
+struct Side {
+    int64_t names = 0;
+    int64_t bytes = 0;
 };
 
 struct Reduction {
-    UnitPointer result;    // never null
+    const char* text;
     const char* remainder; // the text behind the leading number, quoted by the messages
-    NameList numerator{&result->numerator};
-    NameList denominator{&result->denominator};
+    const UnitsCharge& charge;
+    double factor = 1.0;
+    std::map<const std::string*, int64_t, ByName> powers = {}; // what cancels has the count 0
+    Side above = {};
+    Side below = {};
     bool isDivisor = false;
 };
 
 bool fail(const char* format, const char* text) {
     throw_exception1(format, text);
     return false;
+}
+
+bool spend(const Reduction& reduction, uint64_t work) {
+    return !reduction.charge || reduction.charge(work) ||
+           fail("unit string '%s' takes too long", reduction.text);
 }
 
 bool isDigit(char c) {
@@ -47,217 +62,124 @@ bool beginsWithNumber(const char* text) {
     return isDigit(text[0]) || (text[0] == '.' && isDigit(text[1]));
 }
 
-bool readExponent(const char* digits, int& exponent) {
+bool readExponent(std::string_view digits, int& exponent) {
     exponent = 0;
-    for (const char* c = digits; *c != '\0'; ++c) {
-        if (!isDigit(*c)) return false;
-        exponent = 10 * exponent + (*c - '0');
+    for (const char c : digits) {
+        if (!isDigit(c)) return false;
+        exponent = 10 * exponent + (c - '0');
         if (exponent > maxExponent) return false;
     }
     return exponent >= 1;
 }
 
+// One step after the other, so that the result is rounded as people know it.
 void applyFactor(Reduction& reduction, double factor, int exponent) {
-    unitWork += static_cast<uint64_t>(exponent);
     for (int i = 0; i < exponent; ++i) {
+        const double before = reduction.factor;
         if (reduction.isDivisor) {
-            reduction.result->factor /= factor;
+            reduction.factor /= factor;
         } else {
-            reduction.result->factor *= factor;
+            reduction.factor *= factor;
         }
+        if (reduction.factor == before) break; // 1, 0 and infinite ones stay what they are
     }
 }
 
-// Adds the name as often as the exponent says.
-bool addName(Reduction& reduction, bool toDivisor, const char* name, int exponent) {
-    NameList& list = toDivisor ? reduction.denominator : reduction.numerator;
-    const size_t bytes = std::strlen(name);
-    for (int i = 0; i < exponent; ++i) {
-        if (list.length == maxNames || list.bytes + bytes > maxNameBytes) {
+// Counts the names, as often as the exponent says.
+bool addNames(Reduction& reduction, const std::vector<UnitPower>& names, int exponent) {
+    for (const UnitPower& power : names) {
+        const size_t length = power.name->size();
+        if (!spend(reduction, nameWork + length / nameBytesPerWork)) return false;
+        const int64_t count = int64_t{power.count} * (reduction.isDivisor ? -exponent : exponent);
+        const int64_t times = count < 0 ? -count : count;
+        Side& side = count < 0 ? reduction.below : reduction.above;
+        side.names += times;
+        side.bytes += times * static_cast<int64_t>(length);
+        if (side.names > maxNames || side.bytes > maxNameBytes) {
             return fail("invalid integer exponent in '%s'", reduction.remainder);
         }
-        unitWork += copyWork + bytes / bytesPerWork;
-        UnitPointer entry = newUnit(name);
-        if (entry == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
-        *list.end = entry.release();
-        list.end = &(*list.end)->next;
-        ++list.length;
-        list.bytes += bytes;
+        reduction.powers[power.name] += count;
     }
     return true;
 }
 
-bool addNames(Reduction& reduction, bool toDivisor, const unit* names, int exponent) {
-    for (; names != nullptr; names = names->next) {
-        if (!addName(reduction, toDivisor, names->name, exponent)) return false;
-    }
+// Whether the token is a number as a whole, the only one the divisor takes.
+bool applyNumber(Reduction& reduction, const std::string& token, bool& isWhole) {
+    char* end = nullptr;
+    const double number = std::strtod(token.c_str(), &end);
+    if (number == 0.0) return fail("illegal zero factor in '%s'", reduction.remainder);
+    isWhole = reduction.isDivisor && *end == '\0';
+    if (isWhole) applyFactor(reduction, number, 1);
     return true;
 }
 
-bool applyUnit(Reduction& reduction, const UnitMatch& match, int exponent) {
-    const bool isDivisor = reduction.isDivisor;
-    if (match.prefix != nullptr) applyFactor(reduction, match.prefix->factor, exponent);
-    if (match.found->primitive == 0) applyFactor(reduction, match.found->factor, exponent);
-    if (match.found->primitive != 0) return addName(reduction, isDivisor, match.found->name, exponent);
-    return addNames(reduction, isDivisor, match.found->numerator, exponent) &&
-           addNames(reduction, !isDivisor, match.found->denominator, exponent);
-}
-
-bool applyToken(Reduction& reduction, char* token) {
-    const char* remainder = reduction.remainder;
-    if (std::strcmp(token, divider) == 0) {
-        reduction.isDivisor = !reduction.isDivisor;
-        return true;
-    }
-    if (beginsWithNumber(token)) {
-        char* end = nullptr;
-        const double number = std::strtod(token, &end);
-        if (number == 0.0) return fail("illegal zero factor in '%s'", remainder);
-        applyFactor(reduction, number, 1);
-        // Only the divisor takes a number, and nothing may stand directly behind it. Any other goes on and is refused
-        // for its digits.
-        if (reduction.isDivisor && *end == '\0') return true;
+bool applyToken(Reduction& reduction, const std::string& token) {
+    if (!spend(reduction, lookupWork + token.size() / textBytesPerWork)) return false;
+    if (beginsWithNumber(token.c_str())) {
+        bool isWhole = false;
+        if (!applyNumber(reduction, token, isWhole)) return false;
+        if (isWhole) return true; // another number is refused below for its digits
     }
     int exponent = 1;
-    if (char* caret = std::strchr(token, '^')) {
-        if (!readExponent(caret + 1, exponent)) return fail("invalid integer exponent in '%s'", remainder);
-        *caret = '\0';
+    const size_t caret = token.find('^');
+    if (caret != std::string::npos && !readExponent(std::string_view(token).substr(caret + 1), exponent)) {
+        return fail("invalid integer exponent in '%s'", reduction.remainder);
     }
-    if (!isLettersOnly(token)) return fail("invalid non-alphabetic unit name in '%s'", remainder);
-    unitWork += lookupWork + std::strlen(token) / bytesPerWork;
-    const UnitMatch match = findUnit(token);
+    const std::string name = token.substr(0, caret);
+    if (!isLettersOnly(name)) {
+        return fail("invalid non-alphabetic unit name in '%s'", reduction.remainder);
+    }
+    const UnitMatch match = unitTable.FindFactor(name);
     if (match.found == nullptr) {
-        throw_exception2("invalid unit name '%s' in '%s'", token, remainder);
+        throw_exception2("invalid unit name '%s' in '%s'", name.c_str(), reduction.remainder);
         return false;
     }
-    return applyUnit(reduction, match, exponent);
-}
-
-// A copy of the text in which a divider has a blank on either side and so becomes a token of its own.
-std::unique_ptr<char[]> copyWithSpacedDivider(const char* text) {
-    const size_t before = std::strcspn(text, divider);
-    const size_t length = std::strlen(text);
-    std::unique_ptr<char[]> copy(new (std::nothrow) char[length + 3]);
-    if (copy == nullptr) return copy;
-    std::memcpy(copy.get(), text, length + 1);
-    if (before < length) {
-        std::memcpy(&copy[before], " / ", 3);
-        std::memcpy(&copy[before + 3], text + before + 1, length - before);
-    }
-    return copy;
+    if (!spend(reduction, 2 * static_cast<uint64_t>(exponent))) return false;
+    if (match.prefix != nullptr) applyFactor(reduction, match.prefix->factor, exponent);
+    applyFactor(reduction, match.found->reduced.factor, exponent);
+    return addNames(reduction, match.found->reduced.powers, exponent);
 }
 
 bool applyTokens(Reduction& reduction) {
-    const std::unique_ptr<char[]> copy = copyWithSpacedDivider(reduction.remainder);
-    if (copy == nullptr) return fail("not enough memory for unit string '%s'", reduction.remainder);
-    for (char* token = std::strtok(copy.get(), separators); token != nullptr;
-         token = std::strtok(nullptr, separators)) {
-        if (!applyToken(reduction, token)) return false;
+    const std::string_view text = reduction.remainder;
+    for (size_t start = 0; start < text.size();) {
+        if (text[start] == *divider) reduction.isDivisor = true;
+        if (text[start] == *divider || std::strchr(separators, text[start]) != nullptr) {
+            ++start;
+            continue;
+        }
+        const size_t end = std::min(text.find_first_of(" \t*-/", start), text.size());
+        if (!applyToken(reduction, std::string(text.substr(start, end - start)))) return false;
+        start = end;
     }
     return true;
-}
-
-void removeFirst(unit*& list) {
-    unit* first = list;
-    list = first->next;
-    destroyunit(first);
-}
-
-// Removes the names common to both lists.  They are sorted, so that one pass over both finds every pair.
-void cancelNames(unit& result) {
-    unit** numerator = &result.numerator;
-    unit** denominator = &result.denominator;
-    while (*numerator != nullptr && *denominator != nullptr) {
-        const int order = compareNames(**numerator, **denominator);
-        if (order == 0) {
-            removeFirst(*numerator);
-            removeFirst(*denominator);
-        } else if (order < 0) {
-            numerator = &(*numerator)->next;
-        } else {
-            denominator = &(*denominator)->next;
-        }
-    }
-}
-
-// Merges two sorted lists; of equal names those of the first list come first.
-unit* mergeLists(unit* first, unit* second) {
-    unit* head = nullptr;
-    unit** end = &head;
-    while (first != nullptr && second != nullptr) {
-        unit*& smaller = compareNames(*second, *first) < 0 ? second : first;
-        *end = smaller;
-        end = &smaller->next;
-        smaller = smaller->next;
-    }
-    *end = first != nullptr ? first : second;
-    return head;
-}
-
-// Cuts the names at the head of the list that are in order off it.
-unit* cutSortedRun(unit*& list) {
-    unit* const run = list;
-    unit* last = run;
-    while (last->next != nullptr && compareNames(*last, *last->next) <= 0) last = last->next;
-    list = last->next;
-    last->next = nullptr;
-    return run;
 }
 
 } // namespace
 
-// A merge sort of the runs that are in order already: what a stable insertion sort gives, but in reasonable
-// time for 100,000 names.  sorted[i] is empty or holds 2^i runs that precede those of the entries below it.
-unit* sortUnitList(unit* list) {
-    if (list == nullptr || list->next == nullptr) return list;
-    unit* sorted[64]; // more than any memory can fill
-    size_t runs = 0;
-    while (list != nullptr) {
-        unit* run = cutSortedRun(list);
-        size_t i = 0;
-        for (; i < runs && sorted[i] != nullptr; ++i) {
-            run = mergeLists(sorted[i], run);
-            sorted[i] = nullptr;
-        }
-        sorted[i] = run;
-        if (i == runs) ++runs;
-    }
-    unit* all = nullptr;
-    for (size_t i = 0; i < runs; ++i) all = mergeLists(sorted[i], all);
-    return all;
-}
-
-unit* reduceUnit(const char* text) {
-    const bool isPrimitive = std::strcmp(text, primitivestring) == 0;
-    UnitPointer record = newUnit(isPrimitive ? primitivestring : "");
-    if (record == nullptr) {
-        throw_exception1("not enough memory for unit string '%s'", text);
-        return nullptr;
-    }
-    if (isPrimitive) {
-        record->primitive = 1;
-        return record.release();
-    }
-    Reduction reduction{std::move(record), text};
+std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge) {
+    if (std::strcmp(text, primitivestring) == 0) return ReducedUnit{};
+    Reduction reduction{text, text, charge};
+    if (!spend(reduction, std::strlen(text) / textBytesPerWork)) return std::nullopt;
     if (std::strchr(text, *divider) != std::strrchr(text, *divider)) {
         throw_exception2("invalid unit string '%s':  only one '%s' allowed", text, divider);
-        return nullptr;
+        return std::nullopt;
     }
     if (text[std::strspn(text, validchars)] != '\0') {
         throw_exception1("invalid characters in unit string '%s'", text);
-        return nullptr;
+        return std::nullopt;
     }
-    const char* start = text + std::strspn(text, " \t");
-    reduction.remainder = start;
-    if (beginsWithNumber(start)) {
+    reduction.remainder = text + std::strspn(text, " \t");
+    if (beginsWithNumber(reduction.remainder)) {
         char* end = nullptr;
-        reduction.result->factor = std::strtod(start, &end);
+        reduction.factor = std::strtod(reduction.remainder, &end);
         reduction.remainder = end;
     }
-    if (!applyTokens(reduction)) return nullptr;
-    unit& result = *reduction.result;
-    result.numerator = sortUnitList(result.numerator);
-    result.denominator = sortUnitList(result.denominator);
-    cancelNames(result);
-    return reduction.result.release();
+    if (!applyTokens(reduction)) return std::nullopt;
+    ReducedUnit result{reduction.factor, {}};
+    result.powers.reserve(reduction.powers.size());
+    for (const auto& [name, count] : reduction.powers) {
+        if (count != 0) result.powers.push_back({name, static_cast<int32_t>(count)});
+    }
+    return result;
 }

@@ -7,55 +7,120 @@
 #include "units.h"
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
-struct unitPrefix {
-    char* name; // heap text of its own
-    double factor;
-    unitPrefix* next;
+// A primitive name and how often it occurs: above the '/', or below it with a negative count; never 0.  Each
+// name is stored once, so that equal names have equal addresses.
+struct UnitPower {
+    const std::string* name;
+    int32_t count;
+
+    bool operator==(const UnitPower& other) const { return name == other.name && count == other.count; }
 };
 
-extern unit* uroot;       // all units, in the order of their definition
-extern unitPrefix* proot; // all prefixes, in the order of the catalogue
+// What an expression or a unit is worth: a factor times primitive units, sorted by name in byte order.
+struct ReducedUnit {
+    double factor = 1.0;
+    std::vector<UnitPower> powers;
+};
+
+struct Unit {
+    std::string name;
+    ReducedUnit reduced; // a primitive unit is itself once
+    size_t position;     // in the order of definition
+};
+
+struct UnitPrefix {
+    std::string name;
+    double factor;
+};
 
 // A unit found under a name, and the prefix (or null) that stood before it.
 struct UnitMatch {
-    const unit* found;
-    const unitPrefix* prefix;
+    const Unit* found;
+    const UnitPrefix* prefix;
 };
-
-struct UnitDeleter {
-    void operator()(unit* record) const { destroyunit(record); }
-};
-using UnitPointer = std::unique_ptr<unit, UnitDeleter>;
-
-bool isLettersOnly(std::string_view name); // false for an empty name
-
-// A new record: factor 1.0, not primitive, empty lists.  Null if there is no memory.
-UnitPointer newUnit(std::string_view name);
 
 enum class UnitOrigin { Catalogue, User }; // the catalogue's units are not taken back with a person's changes
 
-// Give the record a name, or append it, or append a prefix.  False, and nothing changed, without memory.
-bool renameUnit(unit& record, std::string_view name);
-bool appendUnit(UnitPointer& record, UnitOrigin origin); // takes the record over on success
-bool appendPrefix(const char* name, double factor);
+// All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed nothing.
+class UnitTable {
+public:
+    bool IsEmpty() const { return units.empty(); }
 
-// The first unit of exactly this name; null for none, and for a name that is not letters only.
-unit* findUnitExactly(std::string_view name);
+    void AddPrefix(std::string_view name, double factor);
+    const std::vector<UnitPrefix>& Prefixes() const { return prefixes; }
 
-// The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.
-UnitMatch findUnit(std::string_view name);
+    // Adds a unit under a name that none has.  False: all units together would have too many names.
+    bool Add(std::string_view name, ReducedUnit reduced, UnitOrigin origin);
+    bool AddPrimitive(std::string_view name, UnitOrigin origin);
 
-// Makes the unit of exactly this name unfindable: its name begins with '#' from now on, its record stays in
-// the list.  Its numerator and denominator are freed, when changes are recorded at their end.  False for no unit.
-bool hideUnit(std::string_view name);
+    // False when there is none of exactly this name.
+    bool Remove(std::string_view name);
 
-// What units_work gives, and how many characters of a name count for one more.
-extern uint64_t unitWork;
-constexpr size_t bytesPerWork = 64;
+    // The unit of exactly this name, or null.
+    const Unit* Find(std::string_view name) const;
 
-// As strcmp orders the names; counted as work.
-int compareNames(const unit& a, const unit& b);
+    // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.  Of several readings
+    // with a prefix the unit that was defined first wins.
+    UnitMatch FindFactor(std::string_view name) const;
+
+    // See units_begin_changes.
+    void BeginChanges() { isRecording = true; }
+    void UndoChanges();
+    void EndChanges();
+
+    void Clear() { *this = UnitTable(); }
+
+private:
+    // By a view of the unit's own name.
+    using Index = std::unordered_map<std::string_view, std::unique_ptr<Unit>>;
+
+    // One of the two, or none of them.
+    struct Change {
+        const Unit* added = nullptr;
+        Index::node_type removed;
+    };
+
+    UnitMatch FindPrefixed(std::string_view name) const;
+    UnitMatch FindSingular(std::string_view name) const;
+    void Forget(Index::node_type removed);
+
+    Index units;
+    std::vector<UnitPrefix> prefixes;
+    std::unordered_set<std::string> primitiveNames; // all there ever were: units defined from them stay
+    size_t defined = 0;                             // units ever added
+    size_t powersHeld = 0;                          // by all units, those removed while recording included
+    std::vector<Change> changes;
+    bool isRecording = false;
+};
+
+extern UnitTable unitTable;
+
+// The texts of the grammar.
+constexpr const char* unitNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr const char* validchars = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789. \t*^/+-";
+constexpr const char* separators = " \t*-";
+constexpr const char* divider = "/";
+
+bool isLettersOnly(std::string_view name); // false for an empty name
+
+// Reduces a unit expression with the units that exist at the moment; none, and the error state set, on failure.
+// Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
+std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
+
+// Builds the catalogue: 0 on success, 1 on failure with the message in the error state; the entries before
+// the failing one stay.  Does nothing and returns 0 while there are units.
+int unitInitialize();
+
+// Set the error state: the format with its one or two texts, or, if all these together exceed 254 characters,
+// the format as it stands.
+void throw_exception1(const char* format, const char* text);
+void throw_exception2(const char* format, const char* text1, const char* text2);
 
 #endif

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The public operations and the error state.
-#include "units.h"
 #include "unitlist.h"
 
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -15,68 +15,22 @@ constexpr size_t maxMessageParts = 254; // format and texts together
 int error_status = 0;
 char error_message[256];
 
-char* reducedText = nullptr; // what units_reduce returned last
+std::string reducedText; // what units_reduce returned last
 
 bool isReady() {
-    return uroot != nullptr || unitInitialize() == 0;
+    return !unitTable.IsEmpty() || unitInitialize() == 0;
 }
 
-bool haveEqualNames(const unit* a, const unit* b) {
-    for (; a != nullptr && b != nullptr; a = a->next, b = b->next) {
-        if (compareNames(*a, *b) != 0) return false;
-    }
-    return a == b;
-}
-
-bool isDimensionless(const unit& u) {
-    return u.numerator == nullptr && u.denominator == nullptr;
-}
-
-bool areCompatible(const unit& from, const unit& to) {
-    return isDimensionless(from) ||
-           (haveEqualNames(from.numerator, to.numerator) && haveEqualNames(from.denominator, to.denominator));
-}
-
-// Appends the names, each after a blank, to a heap text: all in one piece, since there may be 100,000.
-char* appendNames(char* text, const unit* names) {
-    size_t length = 0;
-    for (const unit* n = names; n != nullptr; n = n->next) length += 1 + std::strlen(n->name);
-    const std::unique_ptr<char[]> joined(new (std::nothrow) char[length + 1]);
-    if (joined == nullptr) {
-        delete[] text;
-        return nullptr;
-    }
-    char* end = joined.get();
-    for (const unit* n = names; n != nullptr; n = n->next) {
-        const size_t nameLength = std::strlen(n->name);
-        *end = ' ';
-        std::memcpy(end + 1, n->name, nameLength);
-        end += 1 + nameLength;
-    }
-    *end = '\0';
-    return stringappend(text, joined.get());
-}
-
-// A heap text, or null without memory.
-char* describe(const unit& reduced) {
-    char factor[32];
-    std::snprintf(factor, sizeof factor, "%lg", reduced.factor);
-    char* text = stringappend(nullptr, factor);
-    if (text != nullptr && std::strpbrk(factor, ".eE") == nullptr) text = stringappend(text, ".0");
-    if (text != nullptr) text = appendNames(text, reduced.numerator);
-    if (reduced.denominator == nullptr) return text;
-    if (text != nullptr) text = stringappend(text, " /");
-    return text != nullptr ? appendNames(text, reduced.denominator) : nullptr;
-}
-
-} // namespace
-
-double units_convert(const char* from, const char* to) {
-    if (!isReady()) return 0.0;
-    const UnitPointer source(reduceUnit(from));
-    const UnitPointer target(reduceUnit(to));
-    if (source == nullptr || target == nullptr) return 0.0;
-    if (!areCompatible(*source, *target)) {
+double convert(const char* from, const char* to, const UnitsCharge& charge) {
+    bool isGivenUp = false;
+    const UnitsCharge counted = [&](uint64_t work) {
+        return !(isGivenUp = isGivenUp || (charge && !charge(work)));
+    };
+    const std::optional<ReducedUnit> source = reduceUnit(from, counted);
+    if (isGivenUp) return 0.0;
+    const std::optional<ReducedUnit> target = reduceUnit(to, counted);
+    if (!source || !target) return 0.0;
+    if (!source->powers.empty() && source->powers != target->powers) {
         throw_exception2("'%s' and '%s' have incompatible units", from, to);
         return 0.0;
     }
@@ -87,20 +41,59 @@ double units_convert(const char* from, const char* to) {
     return source->factor / target->factor;
 }
 
-const char* units_reduce(const char* text) {
-    if (!isReady()) return nullptr;
-    const UnitPointer reduced(reduceUnit(text));
-    if (reduced == nullptr) return nullptr;
-    char* described = describe(*reduced);
-    if (described == nullptr) throw_exception1("not enough memory for unit string '%s'", text);
-    delete[] reducedText;
-    reducedText = described;
-    return reducedText;
+// Appends the names of one side, each after a blank.
+void appendNames(std::string& text, const std::vector<UnitPower>& powers, int sign) {
+    for (const UnitPower& power : powers) {
+        for (int32_t i = sign * power.count; i > 0; --i) text.append(1, ' ').append(*power.name);
+    }
 }
 
-void units_new(const char* name, const char* definition) {
+std::string describe(const ReducedUnit& reduced) {
+    char factor[32];
+    std::snprintf(factor, sizeof factor, "%lg", reduced.factor);
+    std::string text = factor;
+    if (text.find_first_of(".eE") == std::string::npos) text += ".0";
+    appendNames(text, reduced.powers, 1);
+    std::string divisor;
+    appendNames(divisor, reduced.powers, -1);
+    return divisor.empty() ? text : text + " /" + divisor;
+}
+
+// Whether the unit could be defined.
+bool define(const char* name, const char* definition, const UnitsCharge& charge) {
+    if (std::strcmp(definition, primitivestring) == 0) return unitTable.AddPrimitive(name, UnitOrigin::User);
+    std::optional<ReducedUnit> reduced = reduceUnit(definition, charge);
+    return reduced && unitTable.Add(name, std::move(*reduced), UnitOrigin::User);
+}
+
+} // namespace
+
+double units_convert(const char* from, const char* to, const UnitsCharge& charge) {
+    if (!isReady()) return 0.0;
+    try {
+        return convert(from, to, charge);
+    } catch (const std::bad_alloc&) {
+        throw_exception1("not enough memory for unit string '%s'", from);
+        return 0.0;
+    }
+}
+
+const char* units_reduce(const char* text) {
+    if (!isReady()) return nullptr;
+    try {
+        const std::optional<ReducedUnit> reduced = reduceUnit(text);
+        if (!reduced) return nullptr;
+        reducedText = describe(*reduced);
+        return reducedText.c_str();
+    } catch (const std::bad_alloc&) {
+        throw_exception1("not enough memory for unit string '%s'", text);
+        return nullptr;
+    }
+}
+
+void units_new(const char* name, const char* definition, const UnitsCharge& charge) {
     if (!isReady()) return;
-    if (findUnitExactly(name) != nullptr) {
+    if (unitTable.Find(name) != nullptr) {
         throw_exception1("unit '%s' is already defined", name);
         return;
     }
@@ -108,18 +101,38 @@ void units_new(const char* name, const char* definition) {
         throw_exception1("non-alphabetic characters in unit name '%s'", name);
         return;
     }
-    UnitPointer defined(reduceUnit(definition));
-    if (defined == nullptr || !renameUnit(*defined, name) || !appendUnit(defined, UnitOrigin::User)) {
-        throw_exception1("'%s' cannot be reduced to primitive units", definition);
+    bool isDefined = false;
+    try {
+        isDefined = define(name, definition, charge);
+    } catch (const std::bad_alloc&) {
     }
+    if (!isDefined) throw_exception1("'%s' cannot be reduced to primitive units", definition);
 }
 
 bool removeUnit(const char* name) {
-    return !isReady() || !hideUnit(name);
+    if (!isReady()) return true;
+    try {
+        return !unitTable.Remove(name);
+    } catch (const std::bad_alloc&) {
+        throw_exception1("not enough memory for unit string '%s'", name);
+        return true;
+    }
 }
 
-uint64_t units_work() {
-    return unitWork;
+void units_begin_changes() {
+    unitTable.BeginChanges();
+}
+
+void units_undo_changes() {
+    unitTable.UndoChanges();
+}
+
+void units_end_changes() {
+    unitTable.EndChanges();
+}
+
+void unitFreeMemory() {
+    unitTable.Clear();
 }
 
 void units_clear_exception() {
@@ -141,17 +154,4 @@ void throw_exception2(const char* format, const char* text1, const char* text2) 
     } else {
         std::snprintf(error_message, sizeof error_message, format, text1, text2);
     }
-}
-
-char* stringappend(char* text, const char* more) {
-    const size_t length = text != nullptr ? std::strlen(text) : 0;
-    const size_t moreLength = std::strlen(more);
-    char* grown = new (std::nothrow) char[length + moreLength + 1];
-    if (grown != nullptr) {
-        if (length != 0) std::memcpy(grown, text, length);
-        std::memcpy(grown + length, more, moreLength);
-        grown[length + moreLength] = '\0';
-    }
-    delete[] text;
-    return grown;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Conversions of units with very many names count as the work they are; an interrupted entry leaves the units
-// as they were.
+// Conversions count as the work they are, before it is done; an interrupted entry leaves the units as they were.
 #include "functions_fixture.h"
 
 #include <string>
@@ -27,23 +26,65 @@ protected:
         EXPECT_TRUE(calc.interrupted);
         return answer;
     }
-
-    void DefineDearest() {
-        ASSERT_EQ(STATUS_MESSAGE, Enter("unit k=m^1000"));
-        ASSERT_EQ(STATUS_MESSAGE, Enter("unit big=k^100"));
-    }
 };
 
 const char* const interrupted = "** ERROR: interrupted **\n";
 
-TEST_F(UnitWork, aDearConversionEndsAPreview) {
-    DefineDearest();
-    ASSERT_EQ("ans = 1\n", Answer("1 big/big->radian"));
-    EXPECT_EQ(STATUS_ERROR, Preview("1 big/big->radian"));
-    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
-    Enter("f(x)=x*(1 big/big->m)");
-    EXPECT_EQ(STATUS_ERROR, Preview("f(1)" + repeated("+f(1)", 100)));
-    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+const char* const tooMuch = "** ERROR: too much work for a preview **\n";
+
+// 832 times a power of 1,000: 832,000 multiplications, which count as 156,000 of a preview's 60,000.
+const std::string dear = repeated("k^1000*", 832) + "k^1000";
+
+TEST_F(UnitWork, aDearConversionEndsAPreviewBeforeItIsDone) {
+    Enter("unit k=1.0000001 radian");
+    EXPECT_EQ(STATUS_ERROR, Preview("1 " + dear + "->radian"));
+    EXPECT_STREQ(tooMuch, calc.message);
+    EXPECT_LE(calc.work.reduced, 20000u + 200u);
+    EXPECT_EQ(STATUS_RESULT, Enter("1 " + dear + "->radian"));
+}
+
+// A hundred thousand meters are counted, not listed.
+TEST_F(UnitWork, aUnitOfManyNamesIsPreviewed) {
+    Enter("unit k=m^1000");
+    Enter("unit big=k^100");
+    EXPECT_EQ(STATUS_RESULT, Preview("3 s^1000*s^1->s^1000*s^1"));
+    EXPECT_EQ(STATUS_RESULT, Preview("1 big/big->radian"));
+    EXPECT_STREQ("ans = 1\n", calc.resultLine);
+    EXPECT_LE(calc.work.reduced, 50u + 20u); // showing the result is 50
+}
+
+TEST_F(UnitWork, exponentsBeyondEveryLimitAreRefusedInAPreviewToo) {
+    for (const char* exponent :
+         {"1001", "18446744073709551616", "18446744073709551615", "36893488147419103233"}) {
+        const std::string unit = std::string("s^") + exponent;
+        EXPECT_EQ(STATUS_ERROR, Preview("1 " + unit + "*" + unit + "->s"));
+        EXPECT_EQ("** ERROR 13: invalid integer exponent in '" + unit + "*" + unit + "' **\n", calc.message);
+    }
+}
+
+TEST_F(UnitWork, aChainOfSquaresEndsWithAMessageAndTakesNoWork) {
+    const auto name = [](int i) {
+        return std::string("u") + static_cast<char>('a' + i / 26) + static_cast<char>('a' + i % 26);
+    };
+    Enter("unit " + name(0) + "=m");
+    int i = 1;
+    for (; i < 60; i++) {
+        const std::string definition = name(i - 1) + " " + name(i - 1);
+        if (Enter("unit " + name(i) + "=" + definition) != STATUS_ERROR) continue;
+        EXPECT_EQ("** ERROR: '" + definition + "' cannot be reduced to primitive units **\n", calc.message);
+        break;
+    }
+    EXPECT_EQ(17, i); // 2^16 meters fit into 100,000, 2^17 do not
+    EXPECT_EQ(STATUS_RESULT, Preview("1 " + name(16) + "->" + name(15) + "^2"));
+    EXPECT_LE(calc.work.reduced, 50u + 20u); // showing the result is 50
+}
+
+// The text is work too, whatever stands in it.
+TEST_F(UnitWork, longTextsAreWork) {
+    Enter("f(x)=x*(1 m" + repeated("*", 9900) + "->m)");
+    EXPECT_EQ(STATUS_RESULT, Preview("f(1)"));
+    EXPECT_EQ(STATUS_ERROR, Preview("f(1)" + repeated("+f(1)", 500)));
+    EXPECT_STREQ(tooMuch, calc.message);
 }
 
 TEST_F(UnitWork, ordinaryConversionsArePreviewed) {
@@ -54,22 +95,31 @@ TEST_F(UnitWork, ordinaryConversionsArePreviewed) {
 }
 
 TEST_F(UnitWork, aFailedConversionCountsToo) {
-    DefineDearest();
-    EXPECT_EQ(STATUS_ERROR, Preview("1 big->s"));
-    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
-    EXPECT_EQ(STATUS_ERROR, Enter("1 big->s"));
-    EXPECT_STREQ("** ERROR 13: 'big' and 's' have incompatible units **\n", calc.message);
+    Enter("unit k=1.0000001 radian");
+    EXPECT_EQ(STATUS_ERROR, Preview("1 " + dear + "->s*"));
+    EXPECT_STREQ(tooMuch, calc.message);
+    EXPECT_EQ(STATUS_ERROR, Enter("1 " + dear + "*s->m"));
+    EXPECT_GT(calc.work.reduced, 50000u);
 }
 
-TEST_F(UnitWork, everyDearConversionAsks) {
-    DefineDearest();
-    Enter("f(x)=x*(1 big->big)");
-    checks = 0;
-    checksUntilStop = 1000;
-    calc.interruptCheck = countChecks;
-    EXPECT_EQ("ans = 5\n", Answer("f(1)+f(1)+f(1)+f(1)+f(1)"));
-    EXPECT_GE(checks, 1 + 5);
-    calc.interruptCheck = nullptr;
+// Within one conversion and within one definition.
+TEST_F(UnitWork, longUnitsAskOften) {
+    Enter("unit k=1.0000001 radian");
+    for (const std::string& entry : {"1 " + dear + "->radian", "unit q=" + dear}) {
+        checks = 0;
+        checksUntilStop = 1000000;
+        calc.interruptCheck = countChecks;
+        EXPECT_NE(STATUS_ERROR, Enter(entry));
+        EXPECT_GE(checks, 200);
+        checks = 0;
+        checksUntilStop = 100;
+        Enter("del q");
+        EXPECT_EQ(interrupted, Answer(entry));
+        EXPECT_EQ(100, checks);
+        calc.interruptCheck = nullptr;
+    }
+    EXPECT_EQ("unit k=1.0000001 radian\n", Answer("list units"));
+    EXPECT_EQ(STATUS_ERROR, Enter("1 q->radian"));
 }
 
 TEST_F(UnitWork, aUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {

@@ -76,13 +76,6 @@ TEST_F(Functions, aPreviewOfTooManyLongRemaindersShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+7%3", 2400)));
 }
 
-TEST_F(Functions, aPreviewOfTooManyExponentsOfUnitsShowsNothing) {
-    EXPECT_EQ(STATUS_RESULT, Preview("3 s^1000->s^1000"));
-    EXPECT_EQ(STATUS_ERROR, Preview("3 s^1000*s^1->s^1000*s^1"));
-    EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
-    EXPECT_EQ("ans = 3\n", Answer("3 s^1000*s^1->s^1000*s^1"));
-}
-
 // The variables are found through an index, which has to follow every way in which the list changes.
 TEST_F(Functions, variablesAreFoundAfterEveryChange) {
     const auto firstOfName = [this](const std::string& name) -> node* {

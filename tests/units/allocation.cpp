@@ -24,16 +24,16 @@ void* allocate(size_t size) {
     return block;
 }
 
-void* allocateOrAbort(size_t size) {
-    void* block = allocate(size);
-    if (block == nullptr) std::abort();
-    return block;
-}
-
 void* allocateOrFail(size_t size) {
     if (remaining == 0) return nullptr;
     if (remaining > 0) --remaining;
     return allocate(size);
+}
+
+void* allocateOrThrow(size_t size) {
+    void* block = allocateOrFail(size);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
 }
 
 void release(void* block) {
@@ -62,10 +62,10 @@ void allocation::failAfter(long count) {
 }
 
 void* operator new(size_t size) {
-    return allocateOrAbort(size);
+    return allocateOrThrow(size);
 }
 void* operator new[](size_t size) {
-    return allocateOrAbort(size);
+    return allocateOrThrow(size);
 }
 void* operator new(size_t size, const std::nothrow_t&) noexcept {
     return allocateOrFail(size);

@@ -12,7 +12,7 @@ size_t live(); // blocks allocated and not freed
 size_t peak(); // the most bytes at once since resetPeak, above those of that moment
 void resetPeak();
 
-// After `count` more successful requests every request that may fail does; never with a negative count.
+// After `count` more successful requests every request fails; never with a negative count.
 void failAfter(long count);
 
 } // namespace allocation

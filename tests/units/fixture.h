@@ -52,10 +52,31 @@ inline std::string define(const std::string& name, const std::string& definition
     return takeMessage();
 }
 
-inline std::vector<std::string> namesOf(const unit* list) {
+// The names above the '/' (sign 1) or below it (-1), a square being listed twice.
+inline std::vector<std::string> namesOf(const ReducedUnit& reduced, int sign) {
     std::vector<std::string> names;
-    for (; list != nullptr; list = list->next) names.emplace_back(list->name);
+    for (const UnitPower& power : reduced.powers) {
+        for (int32_t i = sign * power.count; i > 0; --i) names.push_back(*power.name);
+    }
     return names;
+}
+
+// A known unit; the test fails without it.
+inline const ReducedUnit& known(const std::string& name) {
+    static const ReducedUnit none;
+    const Unit* const unit = unitTable.Find(name);
+    EXPECT_NE(unit, nullptr) << name;
+    return unit != nullptr ? unit->reduced : none;
+}
+
+// The work that an operation is charged.
+template <class Operation> uint64_t workOf(Operation operation) {
+    uint64_t total = 0;
+    operation([&total](uint64_t work) {
+        total += work;
+        return true;
+    });
+    return total;
 }
 
 #endif

@@ -27,36 +27,31 @@ std::vector<std::string> namesOfDimension(const Dimension& dimension, int sign) 
 }
 
 TEST_F(Catalogue, HoldsThePrefixesInTheirOrder) {
-    const unitPrefix* prefix = proot;
-    for (const TablePrefix& expected : tablePrefixes()) {
-        ASSERT_NE(prefix, nullptr);
-        EXPECT_STREQ(prefix->name, expected.name.c_str());
-        EXPECT_EQ(prefix->factor, std::stod(expected.factor)) << expected.name;
-        prefix = prefix->next;
+    const std::vector<UnitPrefix>& prefixes = unitTable.Prefixes();
+    ASSERT_EQ(prefixes.size(), 41U);
+    ASSERT_EQ(tablePrefixes().size(), 41U);
+    for (size_t i = 0; i < prefixes.size(); ++i) {
+        const TablePrefix& expected = tablePrefixes()[i];
+        EXPECT_EQ(prefixes[i].name, expected.name);
+        EXPECT_EQ(prefixes[i].factor, std::stod(expected.factor)) << expected.name;
     }
-    EXPECT_EQ(prefix, nullptr);
-    EXPECT_EQ(tablePrefixes().size(), 41U);
 }
 
 TEST_F(Catalogue, HoldsTheUnitsInTheirOrderWithTheirPrimitives) {
-    const unit* record = uroot;
+    size_t position = 0;
     for (const TableUnit& expected : tableUnits()) {
-        ASSERT_NE(record, nullptr);
-        ASSERT_STREQ(record->name, expected.name.c_str());
-        EXPECT_TRUE(isWithinFourUlps(record->factor, expected.size)) << expected.name;
-        const bool isPrimitive = expected.definition == "-primitive";
-        EXPECT_EQ(record->primitive, isPrimitive ? 1 : 0) << expected.name;
-        const Dimension listed = isPrimitive ? Dimension{} : expected.dimension;
-        EXPECT_EQ(namesOf(record->numerator), namesOfDimension(listed, 1)) << expected.name;
-        EXPECT_EQ(namesOf(record->denominator), namesOfDimension(listed, -1)) << expected.name;
-        record = record->next;
+        const Unit* const record = unitTable.Find(expected.name);
+        ASSERT_NE(record, nullptr) << expected.name;
+        EXPECT_EQ(record->position, position++) << expected.name;
+        EXPECT_TRUE(isWithinFourUlps(record->reduced.factor, expected.size)) << expected.name;
+        EXPECT_EQ(namesOf(record->reduced, 1), namesOfDimension(expected.dimension, 1)) << expected.name;
+        EXPECT_EQ(namesOf(record->reduced, -1), namesOfDimension(expected.dimension, -1)) << expected.name;
     }
-    EXPECT_EQ(record, nullptr);
     EXPECT_EQ(tableUnits().size(), 123U);
 }
 
 TEST_F(Catalogue, TakesTheFactorsFromTheTextsShown) {
-    const auto factorOf = [](const char* name) { return findUnitExactly(name)->factor; };
+    const auto factorOf = [](const char* name) { return known(name).factor; };
     EXPECT_EQ(factorOf("parsec"), 3.085E16);
     EXPECT_EQ(factorOf("degree"), 1.745329E-2);
     EXPECT_EQ(factorOf("acre"), 4.04685642E3);
@@ -64,16 +59,8 @@ TEST_F(Catalogue, TakesTheFactorsFromTheTextsShown) {
     EXPECT_EQ(factorOf("ounce"), 28.3495231);
 }
 
-TEST_F(Catalogue, NoUnitIsListedTwice) {
-    std::set<std::string> names;
-    for (const unit* u = uroot; u != nullptr; u = u->next) {
-        EXPECT_TRUE(names.insert(u->name).second) << u->name;
-    }
-}
-
 TEST_F(Catalogue, AnAbbreviationIsAUnitOfItsOwn) {
-    EXPECT_EQ(findUnitExactly("m")->primitive, 0);
-    EXPECT_EQ(namesOf(findUnitExactly("m")->numerator), std::vector<std::string>{"meter"});
+    EXPECT_EQ(namesOf(known("m"), 1), std::vector<std::string>{"meter"});
     EXPECT_FALSE(removeUnit("meter"));
     EXPECT_DOUBLE_EQ(convert("km", "m"), 1000);
     EXPECT_EQ(takeMessage(), "");
@@ -81,21 +68,21 @@ TEST_F(Catalogue, AnAbbreviationIsAUnitOfItsOwn) {
 
 TEST_F(Catalogue, IsBuiltOnceOnly) {
     EXPECT_EQ(unitInitialize(), 0);
-    EXPECT_EQ(namesOf(uroot).size(), tableUnits().size());
+    EXPECT_EQ(unitTable.Prefixes().size(), tablePrefixes().size());
 }
 
 TEST_F(UnitsTest, EveryPublicOperationBuildsTheCatalogue) {
     EXPECT_EQ(convert("m", "meter"), 1);
-    EXPECT_NE(uroot, nullptr);
+    EXPECT_FALSE(unitTable.IsEmpty());
     unitFreeMemory();
-    EXPECT_EQ(uroot, nullptr);
-    EXPECT_EQ(proot, nullptr);
+    EXPECT_TRUE(unitTable.IsEmpty());
+    EXPECT_TRUE(unitTable.Prefixes().empty());
     EXPECT_EQ(reduced("m"), "1.0 meter");
     unitFreeMemory();
     EXPECT_EQ(define("foot", "meter"), "unit 'foot' is already defined");
     unitFreeMemory();
     EXPECT_FALSE(removeUnit("foot"));
-    EXPECT_NE(uroot, nullptr);
+    EXPECT_FALSE(unitTable.IsEmpty());
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -216,8 +203,9 @@ TEST_F(BrokenCatalogue, ANonSIAbbreviation) {
 
 TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
     build(&CatalogueTables::derivedUnits, wrongUnit);
-    EXPECT_EQ(namesOf(uroot), (std::vector<std::string>{"meter", "gram", "second", "ampere", "kelvin", "mole",
-                                                        "candela", "good"}));
+    EXPECT_NE(unitTable.Find("candela"), nullptr);
+    EXPECT_EQ(unitTable.Find("bad"), nullptr);
+    EXPECT_EQ(unitTable.Find("unreached"), nullptr);
     EXPECT_EQ(convert("kilogood", "meter"), 1000);
 }
 

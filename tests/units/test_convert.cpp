@@ -78,14 +78,12 @@ TEST_F(UnitsTest, AUsersUnitIsReducedAndAppended) {
     EXPECT_DOUBLE_EQ(convert("kilosmoots", "smoot"), 1000);
     EXPECT_EQ(define("Smoot", "2 smoot^2/hour"), "");
     EXPECT_EQ(reduced("Smoot"), reduced("8978 inch^2/hour"));
-    EXPECT_STREQ(namesOf(uroot).back().c_str(), "Smoot");
 }
 
 TEST_F(UnitsTest, ANewPrimitiveUnit) {
     EXPECT_EQ(define("apple", "-primitive"), "");
     EXPECT_EQ(reduced("3 apples/second"), "3.0 apple / second");
     EXPECT_EQ(reduced("kiloapple^2"), "1e+06 apple apple");
-    EXPECT_EQ(findUnitExactly("apple")->primitive, 1);
     EXPECT_EQ(define("dozen", "12 apple"), "");
     EXPECT_DOUBLE_EQ(convert("dozen", "apple"), 12);
     EXPECT_EQ(convert("apple", "meter"), 0);
@@ -114,7 +112,6 @@ TEST_F(UnitsTest, AWrongDefinitionHasItsOwnMessageAndLeavesNothing) {
                   std::string("'") + definition + "' cannot be reduced to primitive units");
     }
     EXPECT_EQ(messageOf("smoot"), "invalid unit name 'smoot' in 'smoot'");
-    EXPECT_EQ(namesOf(uroot).back(), "tsp");
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -126,7 +123,6 @@ TEST_F(UnitsTest, ARemovedUnitIsUnknown) {
     EXPECT_EQ(convert("smoot", "meter"), 0);
     EXPECT_EQ(takeMessage(), "invalid unit name 'smoot' in 'smoot'");
     EXPECT_EQ(messageOf("kilosmoots"), "invalid unit name 'kilosmoots' in 'kilosmoots'");
-    EXPECT_EQ(namesOf(uroot).back(), "#moot");
     EXPECT_TRUE(removeUnit("smoot"));
     EXPECT_EQ(takeMessage(), "");
 }

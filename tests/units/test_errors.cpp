@@ -5,6 +5,7 @@
 #include "fixture.h"
 #include "table.h"
 
+#include <algorithm>
 #include <set>
 
 namespace {
@@ -85,17 +86,17 @@ TEST_F(UnitsTest, ACatalogueWithoutMemoryNamesTheEntryAtWhichItStopped) {
         if (units_check_exception() != nullptr) unitFreeMemory();
     });
     const std::set<std::string> all(messages.begin(), messages.end());
-    for (const TablePrefix& p : tablePrefixes()) {
-        EXPECT_EQ(all.count("units failure initializing prefix '" + p.name + "' (" + p.factor + ")"), 1U)
-            << p.name;
-    }
+    // The prefixes share blocks of memory; the first of them needs one in any case.
+    const std::string prefix = "units failure initializing prefix '";
+    EXPECT_EQ(all.count(prefix + "yotta' (1e24)"), 1U);
     EXPECT_EQ(all.count("units failure initializing primitive unit 'meter'"), 1U);
     EXPECT_EQ(all.count("units failure initializing primitive unit 'candela'"), 1U);
     EXPECT_EQ(all.count("units failure initializing derived unit 'radian' (meter/meter)"), 1U);
     EXPECT_EQ(all.count("units failure initializing non-SI unit 'acre' (4.04685642E3meter^2)"), 1U);
     EXPECT_EQ(all.count("units failure initializing abbreviation 'Sv' (sievert)"), 1U);
     EXPECT_EQ(all.count("units failure initializing non-SI abbreviation 'tsp' (teaspoon)"), 1U);
-    EXPECT_EQ(all.size(), 41U + 123U); // every entry can fail, and with its own message only
+    const auto isUnit = [&prefix](const std::string& message) { return message.rfind(prefix, 0) != 0; };
+    EXPECT_EQ(std::count_if(all.begin(), all.end(), isUnit), 123); // each can fail, with its own message only
 }
 
 TEST_F(UnitsTest, OperationsReturnTheirFailureValueWithoutACatalogue) {
@@ -119,7 +120,7 @@ TEST_F(UnitsTest, AConversionWithoutMemoryIsAnErrorAndNoNumber) {
         EXPECT_TRUE(units_check_exception() == nullptr || factor == 0.0);
     });
     EXPECT_EQ(factor, 3);
-    EXPECT_GT(messages.size(), 10U);
+    EXPECT_GE(messages.size(), 8U); // three names on each side, and their lists
     for (const std::string& message : messages) {
         EXPECT_EQ(message.rfind("not enough memory for unit string '", 0), 0U) << message;
     }
@@ -127,14 +128,13 @@ TEST_F(UnitsTest, AConversionWithoutMemoryIsAnErrorAndNoNumber) {
 
 TEST_F(UnitsTest, AReducedTextWithoutMemoryIsNone) {
     ASSERT_EQ(unitInitialize(), 0);
-    std::string text;
+    const char* text = nullptr;
     const auto messages = failEverywhere([&text] {
-        const char* result = units_reduce("newton");
-        EXPECT_EQ(result == nullptr, units_check_exception() != nullptr);
-        if (result != nullptr) text = result;
+        text = units_reduce("newton");
+        EXPECT_EQ(text == nullptr, units_check_exception() != nullptr);
     });
-    EXPECT_EQ(text, "1000.0 gram meter / second second");
-    EXPECT_GT(messages.size(), 10U);
+    EXPECT_STREQ(text, "1000.0 gram meter / second second");
+    EXPECT_GE(messages.size(), 4U); // three names and their list
     for (const std::string& message : messages) {
         EXPECT_EQ(message, "not enough memory for unit string 'newton'");
     }
@@ -148,19 +148,20 @@ TEST_F(UnitsTest, ADefinitionWithoutMemoryLeavesNothing) {
     }
     EXPECT_GT(messages.size(), 3U);
     EXPECT_DOUBLE_EQ(convert("smoot", "meter"), 1.7018);
-    EXPECT_EQ(namesOf(uroot).size(), 124U);
 }
 
-// The table behind the list grows with the 257th unit; a failure there must not lose the earlier ones.
+// The index grows now and then; a failure there must not lose the earlier units.
 TEST_F(UnitsTest, AUnitForWhichTheIndexCannotGrowIsNotDefined) {
+    ASSERT_EQ(unitInitialize(), 0);
+    std::set<size_t> requests;
     std::string name = "Q";
-    for (int i = 124; i <= 256; ++i) EXPECT_EQ(define(name += 'q', "2 meter"), "");
-    const auto messages = failEverywhere([] { units_new("smoot", "67inch"); });
-    EXPECT_GT(messages.size(), 4U);
-    EXPECT_EQ(convert("Qq", "meter"), 2);
-    EXPECT_EQ(convert(name, "meter"), 2);
-    EXPECT_DOUBLE_EQ(convert("smoot", "meter"), 1.7018);
-    EXPECT_EQ(namesOf(uroot).size(), 257U);
+    for (int i = 124; i <= 600; ++i) {
+        name += 'q';
+        requests.insert(failEverywhere([&name] { units_new(name.c_str(), "2 meter"); }).size());
+    }
+    EXPECT_GT(*requests.rbegin(), *requests.begin());
+    for (; name != "Q"; name.pop_back()) EXPECT_EQ(convert(name, "meter"), 2);
+    EXPECT_DOUBLE_EQ(convert("tsp", "tbsp"), 0.0208333333333333 / 0.0625);
 }
 
 // ---------------------------------------------------------------------------------------------------------
