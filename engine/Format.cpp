@@ -131,7 +131,10 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     const Decimal decimal = toDecimal(value, digitsShown - 1);
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);
     if (scimode == SCI_FIXED) {
-        return grouped(fixedForm(all, decimal, static_cast<size_t>(sigfigs)), separator);
+        const std::string text = fixedForm(all, decimal, static_cast<size_t>(sigfigs));
+        if (text.find_first_of("123456789") == std::string::npos)
+            negative = false; // a rounded zero has no sign
+        return grouped(text, separator);
     }
     std::string text = plainForm(decimal);
     removeTrailingZeros(text, 0);
