@@ -192,7 +192,8 @@ struct Commands {
         }
         std::string name = text.argument.substr(0, equals);
         name.resize(std::min(name.size(), name.find_first_of(" \t")));
-        const std::string definition = text.argument.substr(start);
+        std::string definition = text.argument.substr(start);
+        calc.ProcessStringEuropean(definition.data()); // kept with a '.', as functions are
         bool isStopped = false;
         units_clear_exception();
         units_new(name.c_str(), definition.c_str(), calc.ChargeForUnits(isStopped));

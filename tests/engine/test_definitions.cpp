@@ -31,7 +31,6 @@ TEST_F(Functions, whatIsPrintedDefinesTheSameFunction) {
                              "p(x)=x-1e9999k",
                              "p(x)=5 km->mi+3 m->ft",
                              "p(x)=(5 km->mi)+(3 m->ft)",
-                             "p(x)=(5 km->mi+3 m->ft)+(2 m->ft)*x",
                              "p(x)=[5 km->mi]+3 m->ft",
                              "p(a2e)=a2e-1e-2",
                              "p(x)=x!==6"}) {

@@ -221,6 +221,18 @@ TEST_F(FunctionsFile, definitionsThatUseUnitsAndVariablesAreThereAgain) {
     EXPECT_EQ("ans = 268\n", Answer("g(2)"));
 }
 
+TEST_F(FunctionsFile, definitionsInTheSettingsThatHoldAreThereAgain) {
+    calc->european = true;
+    for (const char* line : {"unit ell=1,1 m", "len(x.y)=x*1,5 ell->m", "odd(x)=5 km->mi+3 m->ft"}) {
+        ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << calc->message;
+    }
+    ExpectNothingLost();
+    EXPECT_EQ("ans = 5.3\n", Answer("len(2,0)+2"));
+    EXPECT_EQ("odd(x)=5 km->mi+3m->ft\n", Answer("odd"));
+    calc->european = true;
+    EXPECT_EQ("ans = 2,75\n", Answer("2,5 ell->m"));
+}
+
 TEST_F(FunctionsFile, aDefinitionThatIsLongerThanAnEntryIsThereAgain) {
     ASSERT_EQ(STATUS_MESSAGE, Enter("f(x)=x" + repeated("+1a", 3000))); // each of them is shown as 1.0e-18
     ASSERT_EQ(STATUS_MESSAGE, Enter("g(x)=x*(3 km->m)+(2 m->cm)" + repeated("+1a", 3000)));
