@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 ZqCalculator calc;
 int32_t g_linestart = 0;
@@ -151,20 +152,29 @@ static bool isInterrupted() {
     calc.twosComp = [self setting:@"twoscomp"] != 0;
 }
 
+// In units of a window's frame.
+static NSSize scaledSize(NSSize points) {
+    const CGFloat scale = platformScale();
+    return NSMakeSize(points.width * scale, points.height * scale);
+}
+
 - (void)initWindowProperties {
-    [[self window] setMinSize:SMALLEST_WINDOW];
+    [[self window] setMinSize:scaledSize(SMALLEST_WINDOW)];
 }
 
 - (void)initWindowLocation {
+    const CGFloat scale = platformScale();
     const NSRect frame =
-        NSMakeRect([self setting:@"x"], [self setting:@"y"], [self setting:@"cx"], [self setting:@"cy"]);
+        NSMakeRect(std::round([self setting:@"x"] * scale), std::round([self setting:@"y"] * scale),
+                   std::round([self setting:@"cx"] * scale), std::round([self setting:@"cy"] * scale));
     [[myAppDelegate windowDelegate] placeWindow:[self reachableFrame:frame]];
 }
 
 // A frame that no screen shows any more, as after a monitor was taken away, comes to the first one.
 - (NSRect)reachableFrame:(NSRect)frame {
-    frame.size.width = std::max(frame.size.width, SMALLEST_WINDOW.width);
-    frame.size.height = std::max(frame.size.height, SMALLEST_WINDOW.height);
+    const NSSize least = scaledSize(SMALLEST_WINDOW);
+    frame.size.width = std::max(frame.size.width, least.width);
+    frame.size.height = std::max(frame.size.height, least.height);
     NSArray* const screens = [NSScreen screens];
     for (NSUInteger i = 0; i < [screens count]; i++) {
         const NSRect shown = NSIntersectionRect(frame, [[screens objectAtIndex:i] visibleFrame]);
@@ -267,10 +277,12 @@ static bool isInterrupted() {
     NSWindow* const window = [self window];
     if (window && (![window isVisible] || [window isMiniaturized] || mainWinIsHidden)) return;
     const NSRect frame = window ? [window frame] : NSZeroRect;
-    [self setSetting:@"x" to:static_cast<int>(frame.origin.x)];
-    [self setSetting:@"y" to:static_cast<int>(frame.origin.y)];
-    [self setSetting:@"cx" to:static_cast<int>(frame.size.width)];
-    [self setSetting:@"cy" to:static_cast<int>(frame.size.height)];
+    // In points, so that the window grows with what is in it when the scale changes.
+    const CGFloat scale = platformScale();
+    [self setSetting:@"x" to:static_cast<int>(std::lround(frame.origin.x / scale))];
+    [self setSetting:@"y" to:static_cast<int>(std::lround(frame.origin.y / scale))];
+    [self setSetting:@"cx" to:static_cast<int>(std::lround(frame.size.width / scale))];
+    [self setSetting:@"cy" to:static_cast<int>(std::lround(frame.size.height / scale))];
 }
 
 - (void)terminateConsole {

@@ -75,6 +75,11 @@ NSString* platformSheetText(NSString* text);
 // between two openings.
 void platformWillOpenPanel(NSSavePanel* panel);
 
+// How many units of a window's frame make one point within the window: more than 1 on a dense screen under GNUstep,
+// whose default GSScaleFactor says it. A new window is made larger by it, and so is a smallest content; frames that
+// are set later and the smallest size of the frame are to be multiplied. 1 on macOS, where frames are in points.
+CGFloat platformScale();
+
 // Whether the window manager moves windows and tells afterwards only (GNUstep).
 bool platformWindowManagerMoves();
 

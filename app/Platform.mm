@@ -202,6 +202,10 @@ NSString* platformSheetText(NSString* text) {
     return [lines componentsJoinedByString:@"\n"];
 }
 
+CGFloat platformScale() {
+    return [[NSScreen mainScreen] userSpaceScaleFactor];
+}
+
 bool platformWindowManagerMoves() {
     return true;
 }
@@ -263,6 +267,10 @@ void platformWillOpenPanel(NSSavePanel*) {}
 
 NSString* platformSheetText(NSString* text) {
     return text;
+}
+
+CGFloat platformScale() {
+    return 1;
 }
 
 bool platformWindowManagerMoves() {

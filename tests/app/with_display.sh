@@ -3,10 +3,11 @@
 #
 # Runs a command on an X server of its own and ends everything that was started.
 #
-#   tests/app/with_display.sh [--wm] [--limit SECONDS] COMMAND [ARGUMENT...]
+#   tests/app/with_display.sh [--wm] [--limit SECONDS] [--screen WIDTHxHEIGHT] COMMAND [ARGUMENT...]
 #
 # --wm      with a window manager (openbox), which gives windows the focus and their frames
 # --limit   the command is ended after this time (100 seconds)
+# --screen  its size in pixels (1280x800)
 #
 # The command has an empty home folder, empty user defaults and a pasteboard server of its own, and reads no
 # input. The exit status is the command's; 124 when the time was up, 125 when the display could not be had.
@@ -15,15 +16,17 @@ set -eu
 
 wm=no
 limit=100
+screen=1280x800
 while [ $# -gt 0 ]; do
     case $1 in
     --wm) wm=yes && shift ;;
     --limit) limit=$2 && shift 2 ;;
+    --screen) screen=$2 && shift 2 ;;
     *) break ;;
     esac
 done
 [ $# -gt 0 ] || {
-    echo "usage: with_display.sh [--wm] [--limit SECONDS] COMMAND [ARGUMENT...]" >&2
+    echo "usage: with_display.sh [--wm] [--limit SECONDS] [--screen WIDTHxHEIGHT] COMMAND [ARGUMENT...]" >&2
     exit 125
 }
 
@@ -88,7 +91,7 @@ wait_until() {
 
 start_server() {
     # The server picks a free display and writes its number and a line feed.
-    Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$dir/display" >"$dir/server.log" 2>&1 &
+    Xvfb -displayfd 3 -screen 0 "${screen}x24" -nolisten tcp -noreset 3>"$dir/display" >"$dir/server.log" 2>&1 &
     server=$!
     wait_until grep -q . "$dir/display" || {
         cat "$dir/server.log" >&2
