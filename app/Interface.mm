@@ -2,6 +2,7 @@
 #import "Interface.h"
 
 #import "HUDViewWithBlur.h"
+#import "ListPopUp.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"
 #import "NightTheme.h"
@@ -85,9 +86,7 @@ static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainCon
 }
 
 static NSPopUpButton* buildPopUp(NSString* title, MainConsole* target, SEL action) {
-    NSPopUpButton* const button = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect
-                                                              pullsDown:YES] autorelease];
-    [button addItemWithTitle:title];
+    NSPopUpButton* const button = makeListPopUp(title);
     [button setFont:[NSFont systemFontOfSize:11]];
     [button setTarget:target];
     [button setAction:action];
