@@ -152,6 +152,18 @@ static bool isInterrupted() {
     calc.twosComp = [self setting:@"twoscomp"] != 0;
 }
 
+// The place of the window is stored in whole points, without their fractions, so that it grows with what is in it when
+// the scale changes. Rounded away from zero, what was stored gives the same points again.
+static CGFloat fromPoints(int points) {
+    const CGFloat length = std::ceil(std::abs(points) * platformScale());
+    return points < 0 ? -length : length;
+}
+
+static int wholePoints(CGFloat length) {
+    const CGFloat tiny = 1e-6; // what a division may lack
+    return static_cast<int>(length / platformScale() + (length < 0 ? -tiny : tiny));
+}
+
 // In units of a window's frame.
 static NSSize scaledSize(NSSize points) {
     const CGFloat scale = platformScale();
@@ -163,10 +175,8 @@ static NSSize scaledSize(NSSize points) {
 }
 
 - (void)initWindowLocation {
-    const CGFloat scale = platformScale();
-    const NSRect frame =
-        NSMakeRect(std::round([self setting:@"x"] * scale), std::round([self setting:@"y"] * scale),
-                   std::round([self setting:@"cx"] * scale), std::round([self setting:@"cy"] * scale));
+    const NSRect frame = NSMakeRect(fromPoints([self setting:@"x"]), fromPoints([self setting:@"y"]),
+                                    fromPoints([self setting:@"cx"]), fromPoints([self setting:@"cy"]));
     [[myAppDelegate windowDelegate] placeWindow:[self reachableFrame:frame]];
 }
 
@@ -277,12 +287,10 @@ static NSSize scaledSize(NSSize points) {
     NSWindow* const window = [self window];
     if (window && (![window isVisible] || [window isMiniaturized] || mainWinIsHidden)) return;
     const NSRect frame = window ? [window frame] : NSZeroRect;
-    // In points, so that the window grows with what is in it when the scale changes.
-    const CGFloat scale = platformScale();
-    [self setSetting:@"x" to:static_cast<int>(std::lround(frame.origin.x / scale))];
-    [self setSetting:@"y" to:static_cast<int>(std::lround(frame.origin.y / scale))];
-    [self setSetting:@"cx" to:static_cast<int>(std::lround(frame.size.width / scale))];
-    [self setSetting:@"cy" to:static_cast<int>(std::lround(frame.size.height / scale))];
+    [self setSetting:@"x" to:wholePoints(frame.origin.x)];
+    [self setSetting:@"y" to:wholePoints(frame.origin.y)];
+    [self setSetting:@"cx" to:wholePoints(frame.size.width)];
+    [self setSetting:@"cy" to:wholePoints(frame.size.height)];
 }
 
 - (void)terminateConsole {
