@@ -202,10 +202,7 @@ static bool hasNumber(const char* command, const char* word, long& number) {
 }
 
 - (NSString*)QueryWAConvert:(const char*)query {
-    NSString* const service = [[NSUserDefaults standardUserDefaults] stringForKey:@"QueryServiceURL"];
-    if ([service length] == 0) return nil;
-    NSData* const page = fetchPage(queryAddress(service, textFromBytes(query)), self);
-    return page ? answerInPage(page) : nil;
+    return askQueryService(textFromBytes(query), self);
 }
 
 - (void)openWebPage {

@@ -231,7 +231,7 @@ extern NSString* prefFilePath;
 - (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text;
 @end
 
-// Text from an 8-bit string and back. latin1Bytes gives nil when the text has a character that is not ISO Latin-1.
+// Text from an 8-bit string, as it may be shown (ShownText.h), and back. latin1Bytes gives nil when the text has a character that is not ISO Latin-1.
 NSString* textFromBytes(const char* bytes);
 NSData* latin1Bytes(NSString* text);
 

@@ -4,6 +4,7 @@
 #import "MainWindowDelegate.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
+#include "ShownText.h"
 #include "units.h"
 
 #import <objc/runtime.h>
@@ -40,7 +41,9 @@ static MainConsole* interruptedConsole = nil; // not retained
 static std::chrono::steady_clock::time_point lastInterruptCheck;
 
 NSString* textFromBytes(const char* bytes) {
-    return [[[NSString alloc] initWithBytes:bytes length:strlen(bytes)
+    const std::string shown = ShownLatin1(bytes);
+    return [[[NSString alloc] initWithBytes:shown.data()
+                                     length:shown.size()
                                    encoding:NSISOLatin1StringEncoding] autorelease];
 }
 

@@ -10,11 +10,12 @@
 set -eu
 
 # Debian 12 packages. The window: AppKit is GNUstep's, its back end draws on the X server, its runtime packages hold
-# the pasteboard server, the fonts are those it falls back on, and xdg-open shows web pages.
+# the pasteboard server, the fonts are those it falls back on, xdg-open shows web
+# pages, and curl asks the online service.
 debian_run="clang cmake ninja-build libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
-    libx11-dev fonts-dejavu-core xdg-utils"
+    libx11-dev fonts-dejavu-core xdg-utils curl"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
-    clang-format clang-tidy cppcheck valgrind curl git locales
+    clang-format clang-tidy cppcheck valgrind git locales
     python3 xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
@@ -23,8 +24,8 @@ brew_run="cmake ninja"
 brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck git"
 
 # Elsewhere only the presence of these programs is checked.
-programs_run="clang++ cmake ninja gnustep-config"
-programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind curl git
+programs_run="clang++ cmake ninja gnustep-config curl"
+programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind git
     python3 Xvfb openbox xdotool xclip xprop import"
 
 fail() {

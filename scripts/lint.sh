@@ -41,7 +41,7 @@ sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 check() {
     xargs cppcheck --quiet -j "$jobs" --std=c++17 --language=c++ --error-exitcode=1 --enable="$1" \
         --inline-suppr --library=googletest --suppress=missingIncludeSystem --suppress=containerOutOfBounds \
-        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Iterminal
+        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Iweb -Iterminal
 }
 
 echo "lint: cppcheck"

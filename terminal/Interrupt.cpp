@@ -15,12 +15,6 @@ void raiseFlag(int) {
     interrupted = 1;
 }
 
-struct sigaction before; // what the catcher found; one at a time
-
-bool isIgnored(const struct sigaction& action) {
-    return (action.sa_flags & SA_SIGINFO) == 0 && action.sa_handler == SIG_IGN;
-}
-
 } // namespace
 
 bool isInterrupted() {
@@ -31,24 +25,9 @@ void forgetInterrupt() {
     interrupted = 0;
 }
 
-void catchInterrupts() {
-    struct sigaction old = {};
-    sigaction(SIGINT, nullptr, &old);
-    if (isIgnored(old)) return;
-    struct sigaction action = {};
-    action.sa_handler = raiseFlag;
-    sigemptyset(&action.sa_mask);
-    sigaction(SIGINT, &action, nullptr); // without SA_RESTART
-}
-
 InterruptCatcher::InterruptCatcher() {
     forgetInterrupt();
-    sigaction(SIGINT, nullptr, &before);
-    catchInterrupts();
-}
-
-InterruptCatcher::~InterruptCatcher() {
-    sigaction(SIGINT, &before, nullptr);
+    catcher_.start(SIGINT, raiseFlag);
 }
 
 void dieOfInterrupt() {

@@ -3,22 +3,24 @@
 // Ctrl-C. While nobody catches it, it ends the program as it ends any other.
 #pragma once
 
+#include "Signals.h"
+
 // Whether Ctrl-C came since the last forgetInterrupt. May be called at any time.
 bool isInterrupted();
 
 void forgetInterrupt();
 
-// From here on Ctrl-C sets the flag and lets a blocking read fail with EINTR. A process that was started with
-// Ctrl-C ignored, as in the background, goes on ignoring it.
-void catchInterrupts();
-
-// Catches Ctrl-C for its lifetime, beginning with the flag cleared; then all is as it was, but for the flag.
+// Catches Ctrl-C for its lifetime, beginning with the flag cleared: it sets the flag and lets a blocking read fail
+// with EINTR. Then all is as it was, but for the flag. A process that was started with Ctrl-C ignored, as in the
+// background, goes on ignoring it.
 class InterruptCatcher {
 public:
     InterruptCatcher();
-    ~InterruptCatcher();
     InterruptCatcher(const InterruptCatcher&) = delete;
     InterruptCatcher& operator=(const InterruptCatcher&) = delete;
+
+private:
+    SignalCatcher catcher_;
 };
 
 // Ends the program as an uncaught Ctrl-C does, so that the shell's loop around it ends too.

@@ -2,40 +2,21 @@
 #include "Keyboard.h"
 
 #include "Descriptor.h"
+#include "Interrupt.h"
+#include "ShownText.h"
 
+#include <atomic>
 #include <cerrno>
-#include <csignal>
+#include <sys/select.h>
 #include <unistd.h>
 
 namespace {
 
-// What the signal handlers need; there is one keyboard at a time.
-volatile std::sig_atomic_t active = 0;
-int descriptor = -1;
-termios lineMode;
-termios byteMode;
+// The one keyboard, for the signal handlers.
+std::atomic<Keyboard*> current{nullptr};
 
-constexpr int kEndingSignals[] = {SIGTERM, SIGHUP, SIGQUIT};
-
-void endBySignal(int signal) {
-    if (active != 0) tcsetattr(descriptor, TCSANOW, &lineMode);
-    std::signal(signal, SIG_DFL);
-    raise(signal);
-}
-
-void stopBySignal(int signal) {
-    const int saved = errno;
-    tcsetattr(descriptor, TCSANOW, &lineMode);
-    std::signal(signal, SIG_DFL);
-    sigset_t mask;
-    sigemptyset(&mask);
-    sigaddset(&mask, signal);
-    raise(signal);
-    sigprocmask(SIG_UNBLOCK, &mask, nullptr); // stops here
-    if (active != 0) tcsetattr(descriptor, TCSANOW, &byteMode);
-    std::signal(signal, stopBySignal);
-    errno = saved;
-}
+// Begins the two bytes of the characters U+0080 to U+00BF.
+constexpr char kLead = '\xC2';
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -43,27 +24,47 @@ bool isContinuation(char byte) {
 
 } // namespace
 
-Keyboard::Keyboard(int input, int echo, std::size_t keep) : input_(input), echo_(echo), keep_(keep) {
+// Before a signal ends or stops the program. What is behind the passing on happens only when it does not end.
+void Keyboard::giveBack(int signal) {
+    const int saved = errno;
+    Keyboard* const keyboard = current;
+    tcsetattr(keyboard->input_, TCSANOW, &keyboard->modes_);
+    for (const SignalCatcher& catcher : keyboard->catchers_) {
+        if (catcher.isCatching(signal)) catcher.passOn();
+    }
+    takeAgain(signal);
+    errno = saved;
+}
+
+// After a stop, whatever stopped the program. The shell may have set modes of its own meanwhile.
+void Keyboard::takeAgain(int) {
+    const int saved = errno;
+    Keyboard* const keyboard = current;
+    tcsetattr(keyboard->input_, TCSANOW, &keyboard->byteModes_);
+    keyboard->isBack_ = 1;
+    errno = saved;
+}
+
+Keyboard::Keyboard(int input, int screen, std::size_t keep) : input_(input), screen_(screen), keep_(keep) {
     if (tcgetattr(input_, &modes_) != 0) return;
-    if ((modes_.c_lflag & ECHO) == 0) echo_ = -1; // whoever turned it off wants it off
-    descriptor = input_;
-    lineMode = modes_;
-    byteMode = modes_;
-    byteMode.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
-    byteMode.c_cc[VMIN] = 1;
-    byteMode.c_cc[VTIME] = 0;
-    for (const int signal : kEndingSignals) std::signal(signal, endBySignal);
-    std::signal(SIGTSTP, stopBySignal);
-    active = 1;
-    tcsetattr(input_, TCSADRAIN, &byteMode);
+    isTerminal_ = true;
+    echoes_ = (modes_.c_lflag & ECHO) != 0; // whoever turned it off wants it off
+    byteModes_ = modes_;
+    byteModes_.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
+    byteModes_.c_cc[VMIN] = 1;
+    byteModes_.c_cc[VTIME] = 0;
+    current = this;
+    constexpr std::array<int, 4> kGivingBack = {SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+    for (std::size_t i = 0; i < kGivingBack.size(); ++i) catchers_[i].start(kGivingBack[i], giveBack);
+    catchers_.back().start(SIGCONT, takeAgain);
+    tcsetattr(input_, TCSADRAIN, &byteModes_);
 }
 
 Keyboard::~Keyboard() {
-    if (active == 0) return;
-    active = 0;
-    for (const int signal : kEndingSignals) std::signal(signal, SIG_DFL);
-    std::signal(SIGTSTP, SIG_DFL);
-    tcsetattr(input_, TCSADRAIN, &lineMode);
+    if (!isTerminal_) return;
+    for (SignalCatcher& catcher : catchers_) catcher.stop();
+    current = nullptr;
+    tcsetattr(input_, TCSADRAIN, &modes_);
 }
 
 bool Keyboard::isKey(char byte, int key) const {
@@ -71,27 +72,46 @@ bool Keyboard::isKey(char byte, int key) const {
     return code != _POSIX_VDISABLE && static_cast<cc_t>(byte) == code;
 }
 
-void Keyboard::flushEcho() {
-    if (echo_ >= 0 && !shown_.empty()) writeAll(echo_, shown_);
+void Keyboard::flush() {
+    if (screen_ >= 0 && !shown_.empty()) writeAll(screen_, shown_);
     shown_.clear();
 }
 
 void Keyboard::append(char byte, std::string& line) {
     if (line.size() >= keep_) return;
+    if (echoes_) show(byte, line.empty() ? '\0' : line.back());
     line += byte;
-    // A NUL or another control character is refused later; here it must not move the cursor.
+}
+
+// A control character is refused later; here it must not move the cursor. 0xC2 may begin one: it is shown together
+// with the byte behind it.
+void Keyboard::show(char byte, char before) {
     const auto code = static_cast<unsigned char>(byte);
-    if (code >= 0x20 || byte == '\t')
+    if (byte == kLead) return;
+    if (before == kLead && isContinuation(byte))
+        shown_ += ShownText(std::string{before, byte});
+    else if (code >= 0x20 || byte == '\t')
         shown_ += byte;
     else
         shown_.append({'^', static_cast<char>(code + '@')});
+}
+
+void Keyboard::showAgain(std::string_view prompt, const std::string& line) {
+    shown_ = "\r";
+    shown_ += prompt;
+    char before = '\0';
+    for (const char byte : line) {
+        if (echoes_) show(byte, before);
+        before = byte;
+    }
+    flush();
 }
 
 void Keyboard::eraseCharacter(std::string& line) {
     while (!line.empty() && isContinuation(line.back())) line.pop_back();
     if (line.empty()) return;
     line.pop_back();
-    shown_ += "\b \b";
+    if (echoes_) shown_ += "\b \b";
 }
 
 void Keyboard::eraseWord(std::string& line) {
@@ -109,7 +129,7 @@ bool Keyboard::take(char byte, std::string& line) {
         return false;
     }
     if (byte == '\n') {
-        shown_ += '\n';
+        if (echoes_) shown_ += '\n';
         return true;
     }
     if (byte == '\x1b') {
@@ -134,20 +154,53 @@ Keyboard::Status Keyboard::lineStatus(const std::string& line) const {
     return line.empty() && end_ > 1 ? Status::Blank : Status::Line;
 }
 
-Keyboard::Status Keyboard::next(std::string& line) {
+// The signals that end the wait are held back between the question for their flags and the wait: one that came just
+// there would otherwise be noticed only after the next key.
+bool Keyboard::waitForByte() const {
+    sigset_t signals;
+    sigset_t found;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTSTP, SIGCONT}) sigaddset(&signals, signal);
+    sigprocmask(SIG_BLOCK, &signals, &found);
+    fd_set inputs;
+    FD_ZERO(&inputs);
+    FD_SET(input_, &inputs);
+    int ready = -1;
+    int error = EINTR;
+    if (!isInterrupted() && isBack_ == 0) {
+        ready = pselect(input_ + 1, &inputs, nullptr, nullptr, nullptr, &found);
+        error = errno;
+    }
+    sigprocmask(SIG_SETMASK, &found, nullptr);
+    errno = error;
+    return ready >= 0;
+}
+
+bool Keyboard::fill() {
+    start_ = end_ = 0;
+    if (!waitForByte()) return false;
+    const ssize_t count = read(input_, block_, sizeof block_);
+    if (count > 0) end_ = static_cast<std::size_t>(count);
+    if (count == 0 || (count < 0 && errno == EIO)) errno = 0; // EIO: the terminal is gone
+    return count > 0 || errno == EAGAIN || errno == EWOULDBLOCK;
+}
+
+Keyboard::Status Keyboard::next(std::string_view prompt, std::string& line) {
     line.clear();
+    forgetInterrupt(); // one that came during the entry before
+    isBack_ = 0;
+    shown_ = prompt;
     for (;;) {
         while (start_ < end_) {
             if (!take(block_[start_++], line)) continue;
-            flushEcho();
+            flush();
             return atEnd_ ? Status::End : lineStatus(line);
         }
-        flushEcho();
-        const ssize_t count = read(input_, block_, sizeof block_);
-        if (count == 0 || (count < 0 && errno == EIO)) return Status::End; // EIO: the terminal is gone
-        if (count < 0 && errno != EINTR) return Status::Failed;
-        if (count < 0) return Status::Cancelled;
-        start_ = 0;
-        end_ = static_cast<std::size_t>(count);
+        flush();
+        if (fill()) continue;
+        if (errno != EINTR) return errno == 0 ? Status::End : Status::Failed;
+        if (isInterrupted()) return Status::Cancelled;
+        isBack_ = 0; // first: the next stop may come while this is shown
+        showAgain(prompt, line);
     }
 }

@@ -7,8 +7,13 @@
 // a character, a word, the line; end of input) are carried out here. Ctrl-C and Ctrl-Z stay the terminal's.
 #pragma once
 
+#include "Signals.h"
+
+#include <array>
+#include <csignal>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <termios.h>
 
 class Keyboard {
@@ -16,21 +21,22 @@ public:
     enum class Status {
         Line,      // a line was typed; it is empty when someone pressed Return alone
         Blank,     // an empty line that came together with other input, as in a pasted text
-        Cancelled, // a signal came (Ctrl-C): what was typed is dropped
+        Cancelled, // Ctrl-C came (Interrupt.h): what was typed is dropped
         End,       // end of input (Ctrl-D on an empty line) or a hang-up
         Failed     // the terminal cannot be read; errno says why
     };
 
-    // Reads from the terminal `input` and shows what is typed on `echo` (-1: nowhere). Of each line at most
-    // `keep` bytes are kept. From here to the destructor the terminal hands over single bytes; its modes are
+    // Reads from the terminal `input` and shows prompts and what is typed on `screen` (-1: nowhere). Of each line at
+    // most `keep` bytes are kept. From here to the destructor the terminal hands over single bytes; its modes are
     // given back at the end, also when a signal ends or stops the program. One object at a time.
-    Keyboard(int input, int echo, std::size_t keep);
+    Keyboard(int input, int screen, std::size_t keep);
     ~Keyboard();
     Keyboard(const Keyboard&) = delete;
     Keyboard& operator=(const Keyboard&) = delete;
 
-    // Puts the next line into `line`, without its line feed.
-    Status next(std::string& line);
+    // Shows the prompt and puts the next line into `line`, without its line feed. When the program goes on after a
+    // stop, the prompt and what was typed are shown again. A terminal that is set not to block is waited for.
+    Status next(std::string_view prompt, std::string& line);
 
 private:
     enum class Escape { None, Started, Sequence };
@@ -39,18 +45,35 @@ private:
     bool take(char byte, std::string& line);
     bool isKey(char byte, int key) const;
     void append(char byte, std::string& line);
+    void show(char byte, char before);
+    void showAgain(std::string_view prompt, const std::string& line);
+
+    // Waits for input. False with EINTR when a signal came instead, with another errno when waiting failed.
+    bool waitForByte() const;
+
+    // Waits for bytes and takes them into the empty block. False when a signal came instead, at the end and on a
+    // failure; then errno says which, 0 at the end.
+    bool fill();
+
+    static void giveBack(int signal);
+    static void takeAgain(int signal);
     void eraseCharacter(std::string& line);
     void eraseWord(std::string& line);
-    void flushEcho();
+    void flush();
 
     // The status of the line whose line feed was just taken.
     Status lineStatus(const std::string& line) const;
 
     int input_;
-    int echo_;
+    int screen_;
     std::size_t keep_;
-    termios modes_ = {};
-    std::string shown_; // not yet written
+    bool echoes_ = false;     // shows what is typed
+    bool isTerminal_ = false; // the modes below are its
+    termios modes_ = {};      // as they were found
+    termios byteModes_ = {};
+    std::array<SignalCatcher, 5> catchers_;
+    volatile std::sig_atomic_t isBack_ = 0; // the program was stopped and goes on
+    std::string shown_;                     // not yet written
     Escape escape_ = Escape::None;
     bool atEnd_ = false;
     std::size_t start_ = 0; // block_[start_, end_) is unread

@@ -4,7 +4,9 @@
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"
-#include "Web.h"
+#include "Query.h"
+#include "ShownText.h"
+#include "WebPage.h"
 #include "units.h"
 
 #include <cstdio>
@@ -65,7 +67,7 @@ void Session::testUnits() {
     units_convert("m", "ft");
     const char* const error = units_check_exception();
     if (error == nullptr) return;
-    writeAll(errors_, "Units converter initialization error.\n" + std::string(asLine(error)));
+    writeAll(errors_, ShownText("Units converter initialization error.\n" + asLine(error)));
     units_clear_exception();
 }
 
@@ -103,7 +105,7 @@ Session::Outcome Session::evaluate(std::string_view entry) {
 Session::Outcome Session::refuse(std::string_view message) {
     anyRefused_ = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
-    writeAll(errors_, asLine(message));
+    writeAll(errors_, ShownText(asLine(message)));
     return Outcome::Refused;
 }
 
@@ -116,7 +118,7 @@ Session::Outcome Session::carryOut(std::string_view command) {
     long number = 0;
     if (hasNumber(command, "pause", number)) return pause(number);
     if (command == "echorep") return answer(calc_.echoText);
-    if (hasNumber(command, "echo", number)) return typeOut(calc_.echoText, number);
+    if (hasNumber(command, "echo", number)) return typeOut(ShownText(calc_.echoText), number);
     if (command == "convert") return convert(calc_.echoText);
     if (command == "gospel") return openWebPage();
     return refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
@@ -142,7 +144,9 @@ Session::Outcome Session::typeOut(std::string_view text, long rate) {
 
 Session::Outcome Session::convert(std::string_view query) {
     if (isatty(answers_) == 1 && !show("...checking...\n")) return Outcome::OutputLost;
-    const std::string found = askService(query);
+    const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
+    const std::string found =
+        askService(service == nullptr ? "" : service, query, kQuerySeconds, isInterrupted);
     if (isInterrupted()) return Outcome::Interrupted;
     return answer(found.empty() ? "Not found." : found);
 }
@@ -156,5 +160,5 @@ Session::Outcome Session::answer(std::string_view text) {
 }
 
 bool Session::show(std::string_view text) {
-    return writeAll(answers_, asLine(text));
+    return writeAll(answers_, ShownText(asLine(text)));
 }

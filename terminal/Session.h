@@ -34,8 +34,8 @@ public:
     //   pause<n>     waits n milliseconds; a second when that is negative or above five seconds
     //   echorep      shows the echoed text
     //   echo<n>      types it out, n characters a second; as fast as it can for 0 and above 100
-    //   convert      asks the online service (Web.h)
-    //   gospel       opens the web page, or says that none is set
+    //   convert      asks the online service at TALLYQUILL_QUERY_URL (Query.h)
+    //   gospel       opens the web page (WebPage.h), or says that none is set
     Outcome carryOut(std::string_view command);
 
 private:

@@ -8,6 +8,8 @@
 #include "LineReader.h"
 #include "Options.h"
 #include "Session.h"
+#include "ShownText.h"
+#include "Signals.h"
 
 #include <cerrno>
 #include <csignal>
@@ -45,7 +47,7 @@ constexpr std::string_view kVersion = "tallyquill " TALLYQUILL_VERSION "\n";
 constexpr std::string_view kPrompt = "> ";
 
 void complain(const std::string& text) {
-    writeAll(STDERR_FILENO, "tallyquill: " + text + "\n");
+    writeAll(STDERR_FILENO, ShownText("tallyquill: " + text + "\n"));
 }
 
 // Ends a run whose answers cannot be delivered. A reader that has gone away, as head does, needs no message.
@@ -60,8 +62,8 @@ int showText(std::string_view text) {
 
 int refuseUsage(std::string_view argument) {
     complain("unknown option '" + std::string(argument) + "'");
-    writeAll(STDERR_FILENO, "An entry that begins with '-' goes behind '--': tallyquill -- '" +
-                                std::string(argument) + "'\nTry 'tallyquill --help'.\n");
+    writeAll(STDERR_FILENO, ShownText("An entry that begins with '-' goes behind '--': tallyquill -- '" +
+                                      std::string(argument) + "'\nTry 'tallyquill --help'.\n"));
     return kBadUsage;
 }
 
@@ -113,13 +115,12 @@ int evaluateFile(Session& session, int answers) {
 
 // Ctrl-C drops what is typed or ends what is evaluated, and the next prompt follows.
 int evaluateTyped(Session& session, int answers) {
-    catchInterrupts();
+    const InterruptCatcher catcher;
     const int prompts = promptDescriptor(answers);
     Keyboard keyboard(STDIN_FILENO, prompts, kKeptLength);
     std::string line;
     for (;;) {
-        if (prompts >= 0) writeAll(prompts, kPrompt);
-        const Keyboard::Status status = keyboard.next(line);
+        const Keyboard::Status status = keyboard.next(kPrompt, line);
         if (status == Keyboard::Status::Failed) return inputLost();
         if (status == Keyboard::Status::Blank) continue;
         // The shell's prompt, or the next one of ours, begins on a line of its own.
@@ -139,8 +140,10 @@ int evaluateLines(Session& session, int answers) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Writing to a pipe that nobody reads is reported like any other failed write.
-    std::signal(SIGPIPE, SIG_IGN);
+    // Writing to a pipe that nobody reads is reported like any other failed write. Caught and not ignored: programs
+    // that this one starts get the signal as it was.
+    static SignalCatcher brokenPipes;
+    brokenPipes.start(SIGPIPE, [](int) {});
     const Options options = parseOptions(argc, argv);
     switch (options.action) {
     case Options::Action::ShowHelp: return showText(kHelp);

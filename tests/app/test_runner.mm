@@ -55,6 +55,11 @@ TEST_F(Runner, errorsAndMessagesAreWrittenLikeResults) {
     EXPECT_EQ(answered("mode deg"), "> mode deg\n** DEGREE MODE **\n\n> ");
 }
 
+TEST_F(Runner, textsAreShownWithoutControlCharacters) {
+    give("echo a\x1B[2J\x07\x9Bz; echo b");
+    EXPECT_EQ(text(), "> a?[2J??z\nb\n");
+}
+
 TEST_F(Runner, theEchoedTextComesFirst) {
     EXPECT_EQ(answered("echo first; 2"), "> echo first; 2\nfirst\nans = 2\n\n> ");
     EXPECT_EQ(answered("echo first; 1/0"), "> echo first; 1/0\nfirst\n** ERROR: divide by zero **\n\n> ");

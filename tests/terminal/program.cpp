@@ -57,16 +57,21 @@ void setNonBlocking(int descriptor) {
     fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK);
 }
 
-// In the child: becomes the program. Does not return.
-void becomeProgram(const std::vector<std::string>& arguments) {
+// In the child: becomes the program at `path`, with all signals as usual but one. Does not return.
+void become(const char* path, std::vector<std::string> arguments, int ignoredSignal) {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE, SIGTSTP})
+        std::signal(signal, SIG_DFL);
+    if (ignoredSignal != 0) std::signal(ignoredSignal, SIG_IGN);
     std::vector<char*> argv;
-    std::string name = "tallyquill";
-    argv.push_back(name.data());
-    std::vector<std::string> copies = arguments;
-    for (std::string& copy : copies) argv.push_back(copy.data());
+    for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
-    execv(TALLYQUILL_PROGRAM, argv.data());
+    execv(path, argv.data());
     _exit(127);
+}
+
+void becomeProgram(std::vector<std::string> arguments, int ignoredSignal) {
+    arguments.insert(arguments.begin(), "tallyquill");
+    become(TALLYQUILL_PROGRAM, std::move(arguments), ignoredSignal);
 }
 
 int openForWriting(const std::string& path) {
@@ -152,9 +157,8 @@ Result runProgram(const Invocation& invocation) {
     if (invocation.abandonOutput) Pipe::shut(out.readEnd);
     const pid_t child = fork();
     if (child == 0) {
-        std::signal(SIGPIPE, SIG_DFL);
         arrangeDescriptors(invocation, in, out, err);
-        becomeProgram(invocation.arguments);
+        becomeProgram(invocation.arguments, invocation.ignoredSignal);
     }
     Pipe::shut(in.readEnd);
     Pipe::shut(out.writeEnd);
@@ -181,22 +185,24 @@ Result pipeThrough(const std::string& input) {
     return runProgram(invocation);
 }
 
-Terminal::Terminal(const std::vector<std::string>& arguments, const std::string& outputFile,
-                   const std::string& inputFile, bool echo) {
+Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetup& setup) {
     int slave = kNoDescriptor;
     if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
     fcntl(master_, F_SETFD, FD_CLOEXEC);
     termios modes = {};
     tcgetattr(slave, &modes);
-    if (!echo) modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    if (!setup.echo) modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     modes.c_oflag &= ~static_cast<tcflag_t>(OPOST);
     tcsetattr(slave, TCSANOW, &modes);
     child_ = fork();
     if (child_ == 0) {
         login_tty(slave);
-        if (!outputFile.empty()) dup2(openForWriting(outputFile), STDOUT_FILENO);
-        if (!inputFile.empty()) dup2(open(inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
-        becomeProgram(arguments);
+        if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
+        if (!setup.inputFile.empty()) dup2(open(setup.inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+        if (setup.nonBlocking) setNonBlocking(STDIN_FILENO);
+        if (setup.inShell)
+            become("/bin/sh", {"sh", "-mc", "\"$0\"; fg", TALLYQUILL_PROGRAM}, setup.ignoredSignal);
+        becomeProgram(arguments, setup.ignoredSignal);
     }
     close(slave);
 }
@@ -228,6 +234,18 @@ std::string Terminal::readUntil(const std::string& end) {
         shown.append(block, static_cast<std::size_t>(count));
     }
     return shown;
+}
+
+void Terminal::signal(int number) {
+    kill(child_, number);
+}
+
+void Terminal::stopAndContinue() {
+    kill(child_, SIGSTOP);
+    int waited = 0;
+    EXPECT_EQ(waitpid(child_, &waited, WUNTRACED), child_);
+    EXPECT_TRUE(WIFSTOPPED(waited));
+    kill(child_, SIGCONT);
 }
 
 int Terminal::wait() {

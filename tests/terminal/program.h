@@ -19,6 +19,7 @@ struct Invocation {
     bool closeErrors = false;   // the program starts with descriptor 2 closed
     bool joinErrors = false;    // descriptor 2 goes where descriptor 1 goes
     bool abandonOutput = false; // standard output is a pipe that nobody reads
+    int ignoredSignal = 0; // the program starts with this signal ignored; all others do what they usually do
 };
 
 // What came of it. `status` is the exit status, -1 when the program was ended by a signal (a run that takes
@@ -38,14 +39,21 @@ Result evaluate(const std::vector<std::string>& arguments);
 // The program with `input` on standard input.
 Result pipeThrough(const std::string& input);
 
+// How one run behind a pseudo-terminal is set up.
+struct TerminalSetup {
+    std::string outputFile;   // standard output goes there instead of to the terminal
+    std::string inputFile;    // standard input comes from there instead of from the terminal
+    bool echo = false;        // the terminal shows what is typed
+    bool nonBlocking = false; // reading from the terminal does not wait
+    bool inShell = false;     // a shell with job control starts it and, when it is stopped, lets it go on
+    int ignoredSignal = 0;    // the program starts with this signal ignored
+};
+
 // A pseudo-terminal with the program behind it. The terminal neither echoes nor translates line ends, so that
 // what is read is what the program wrote.
 class Terminal {
 public:
-    // Standard output goes to `outputFile`, and standard input comes from `inputFile`, instead of the
-    // terminal unless the name is empty. With `echo` the terminal shows what is typed.
-    explicit Terminal(const std::vector<std::string>& arguments, const std::string& outputFile = "",
-                      const std::string& inputFile = "", bool echo = false);
+    explicit Terminal(const std::vector<std::string>& arguments, const TerminalSetup& setup = {});
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
@@ -54,6 +62,12 @@ public:
 
     // Everything shown since the last call, read until it ends with `end` or ten seconds have passed.
     std::string readUntil(const std::string& end);
+
+    // Sends a signal to the program (to the shell, with one).
+    void signal(int number);
+
+    // Stops the program from outside, waits until it stands still, and lets it go on.
+    void stopAndContinue();
 
     // Waits for the program's end; the exit status, -1 after a signal.
     int wait();

@@ -112,8 +112,11 @@ TEST(ControlC, OnceEndsAStreamOfShortLines) {
     const TemporaryFile lines;
     const TemporaryFile answers;
     std::ofstream(lines.path()) << repeated("sqrt(2)+sqrt(3)+sqrt(5)\n", 400000);
+    TerminalSetup setup;
+    setup.outputFile = answers.path();
+    setup.inputFile = lines.path();
     for (int i = 0; i < 5; ++i) {
-        Terminal terminal({}, answers.path(), lines.path());
+        Terminal terminal({}, setup);
         waitABit();
         const auto start = std::chrono::steady_clock::now();
         terminal.type(kControlC);

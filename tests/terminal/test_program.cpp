@@ -82,6 +82,13 @@ TEST(Usage, AnUnknownOptionIsBadUsageWithAHint) {
     EXPECT_NE(run.err.find("tallyquill -- '-5+3'"), std::string::npos) << run.err;
 }
 
+TEST(Usage, AnOptionIsQuotedWithoutControlCharacters) {
+    const Result run = evaluate({"-\x1B]0;x\x07"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err.rfind("tallyquill: unknown option '-?]0;x?'\n", 0), 0U) << run.err;
+    EXPECT_EQ(run.err.find_first_of("\x1B\x07"), std::string::npos) << run.err;
+}
+
 TEST(Usage, BadUsageEvaluatesNothing) {
     const Result run = evaluate({"1+1", "--wrong"});
     EXPECT_EQ(run.status, 2);
@@ -185,6 +192,15 @@ TEST(StandardInput, CharactersBeyondAsciiAreAnErrorInAnEntryButNotInAComment) {
     EXPECT_EQ(run.out, "ans = 2\n");
     EXPECT_EQ(run.err, "** ERROR 7: invalid term = 2\xC3\x97"
                        "3 **\n");
+}
+
+// A terminal takes U+009B for the beginning of an escape sequence.
+TEST(StandardInput, AnswersAndErrorsAreShownWithoutControlCharacters) {
+    expectRun(pipeThrough("echo a\xC2\x9B"
+                          "2Jb\necho50 c\xC2\x9B"
+                          "2Jd\nx\xC2\x9B"
+                          "2J\n"),
+              1, "a?2Jb\nc?2Jd\n", "** ERROR 7: invalid term = x?2J **\n");
 }
 
 TEST(StandardInput, EveryByteIsSurvived) {

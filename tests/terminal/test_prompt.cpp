@@ -3,6 +3,7 @@
 // The built program behind a pseudo-terminal.
 #include "program.h"
 
+#include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
 
@@ -68,7 +69,9 @@ TEST(Prompt, ABlankLineOfAPastedTextRepeatsNothing) {
 
 TEST(Prompt, StaysOutOfAFileThatCollectsTheAnswers) {
     const TemporaryFile file;
-    Terminal terminal({}, file.path());
+    TerminalSetup setup;
+    setup.outputFile = file.path();
+    Terminal terminal({}, setup);
     EXPECT_EQ(terminal.readUntil("> "), "> ");
     terminal.type("6*7\n");
     EXPECT_EQ(terminal.readUntil("> "), "> ");
@@ -81,7 +84,9 @@ TEST(Prompt, StaysOutOfAFileThatCollectsTheAnswers) {
 TEST(Prompt, IsNotShownForLinesOfAFile) {
     const TemporaryFile file;
     std::ofstream(file.path()) << "1+1\n2+2\n";
-    Terminal terminal({}, "", file.path());
+    TerminalSetup setup;
+    setup.inputFile = file.path();
+    Terminal terminal({}, setup);
     EXPECT_EQ(terminal.readUntil("ans = 4\n"), "ans = 2\nans = 4\n");
     EXPECT_EQ(terminal.wait(), 0);
     EXPECT_EQ(terminal.readUntil("nothing more"), "");
@@ -132,8 +137,14 @@ TEST(Prompt, ErasesCharactersWordsAndLines) {
     EXPECT_EQ(terminal.readUntil("> "), "ans = 9\n> ");
 }
 
+TerminalSetup withEcho() {
+    TerminalSetup setup;
+    setup.echo = true;
+    return setup;
+}
+
 TEST(Prompt, ShowsWhatIsTypedAndErased) {
-    Terminal terminal({}, "", "", true);
+    Terminal terminal({}, withEcho());
     terminal.readUntil("> ");
     terminal.type("12\x7f+3\n");
     EXPECT_EQ(terminal.readUntil("\n> "), "12\b \b+3\nans = 4\n> ");
@@ -146,6 +157,88 @@ TEST(Prompt, ArrowKeysTypeNothing) {
     terminal.readUntil("> ");
     terminal.type("2\x1b[A+\x1bOD2\n");
     EXPECT_EQ(terminal.readUntil("> "), "ans = 4\n> ");
+}
+
+TEST(Prompt, ShowsNoControlCharacterThatIsTyped) {
+    Terminal terminal({}, withEcho());
+    terminal.readUntil("> ");
+    terminal.type("a\x07\xc2\x9b"
+                  "2J\xc2\xb2\n");
+    EXPECT_EQ(terminal.readUntil("\n> "), "a^G?2J\xc2\xb2\n** Invalid character/encoding used. **\n> ");
+}
+
+// --- Stopped and continued ---
+
+TEST(Prompt, IsShownAgainWithWhatWasTypedInTheForeground) {
+    TerminalSetup setup = withEcho();
+    setup.inShell = true;
+    Terminal terminal({}, setup);
+    terminal.readUntil("> ");
+    terminal.type("1+2");
+    EXPECT_EQ(terminal.readUntil("1+2"), "1+2");
+    terminal.type("\x1a"); // Ctrl-Z
+    terminal.readUntil("\r> 1+2");
+    terminal.type("+3\n");
+    EXPECT_EQ(terminal.readUntil("> "), "+3\nans = 6\n> ");
+}
+
+TEST(Prompt, IsShownAgainAfterAStopFromOutside) {
+    Terminal terminal({}, withEcho());
+    terminal.readUntil("> ");
+    for (int i = 0; i < 3; ++i) {
+        terminal.stopAndContinue();
+        EXPECT_EQ(terminal.readUntil("\r> "), "\r> ");
+    }
+    terminal.type("6*7");
+    terminal.readUntil("6*7");
+    terminal.stopAndContinue();
+    EXPECT_EQ(terminal.readUntil("6*7"), "\r> 6*7");
+    terminal.type("\n");
+    EXPECT_EQ(terminal.readUntil("> "), "\nans = 42\n> ");
+}
+
+TEST(Prompt, AStopDuringAnEntryShowsNoSecondPrompt) {
+    Terminal terminal({});
+    terminal.readUntil("> ");
+    terminal.type("echo20 ab\n");
+    terminal.readUntil("a");
+    terminal.stopAndContinue();
+    EXPECT_EQ(terminal.readUntil("> "), "b\n> ");
+}
+
+// --- Modes and signals that were set before ---
+
+TEST(Prompt, ATerminalThatDoesNotBlockIsWaitedFor) {
+    TerminalSetup setup;
+    setup.nonBlocking = true;
+    Terminal terminal({}, setup);
+    EXPECT_EQ(terminal.readUntil("> "), "> ");
+    terminal.type("6*7\n");
+    EXPECT_EQ(terminal.readUntil("> "), "ans = 42\n> ");
+    terminal.type(kEndOfInput);
+    terminal.readUntil("\n");
+    EXPECT_EQ(terminal.wait(), 0);
+}
+
+TEST(Prompt, ASignalThatWasIgnoredIsIgnored) {
+    for (const int signal : {SIGHUP, SIGTERM, SIGQUIT, SIGINT, SIGTSTP}) {
+        TerminalSetup setup;
+        setup.ignoredSignal = signal;
+        Terminal terminal({}, setup);
+        terminal.readUntil("> ");
+        terminal.signal(signal);
+        terminal.type("1+1\n");
+        EXPECT_EQ(terminal.readUntil("> "), "ans = 2\n> ") << signal;
+    }
+}
+
+TEST(Prompt, ASignalThatEndsAProgramEndsThisOne) {
+    for (const int signal : {SIGHUP, SIGTERM, SIGQUIT}) {
+        Terminal terminal({});
+        terminal.readUntil("> ");
+        terminal.signal(signal);
+        EXPECT_EQ(terminal.wait(), -1) << signal;
+    }
 }
 
 } // namespace

@@ -158,6 +158,11 @@ TEST_F(SessionTest, AnyOtherCommandIsRefusedByName) {
     EXPECT_TRUE(session_->anyRefused());
 }
 
+TEST_F(SessionTest, ACommandIsQuotedWithoutControlCharacters) {
+    EXPECT_EQ(session_->carryOut("dance\x1b]0;x\x07"), Outcome::Refused);
+    EXPECT_EQ(errors(), "** ERROR: 'dance?]0;x?' does not work in a terminal **\n");
+}
+
 TEST_F(SessionTest, EchoedTextComesBeforeTheAnswerOrTheError) {
     session_->run("echo one; echo two; 1+1");
     EXPECT_EQ(answers(), "one\ntwo\nans = 2\n");

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "service.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+const char* const kResult = "<div id=\"pod_0200\"><img title=\"8.047 km (kilometers)\" alt=\"other\"></div>";
+const char* const kResultTitle = "8.047 km (kilometers)";
+
+Service::Service(std::string answer, Manner manner) : bytes_(std::move(answer)), manner_(manner) {
+    std::signal(SIGPIPE, SIG_IGN); // a client may hang up first
+    listener_ = socket(AF_INET, SOCK_STREAM, 0);
+    fcntl(listener_, F_SETFD, FD_CLOEXEC);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const any = reinterpret_cast<sockaddr*>(&address);
+    if (listener_ < 0 || bind(listener_, any, size) != 0 || listen(listener_, 8) != 0 ||
+        getsockname(listener_, any, &size) != 0) {
+        ADD_FAILURE() << "no loopback socket";
+        return;
+    }
+    port_ = ntohs(address.sin_port);
+    worker_ = std::thread([this] { serve(); });
+}
+
+Service::~Service() {
+    ends_ = true;
+    shutdown(listener_, SHUT_RDWR); // accept returns
+    if (worker_.joinable()) worker_.join();
+    close(listener_);
+}
+
+std::string Service::request() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return request_;
+}
+
+void Service::waitForRequest() const {
+    while (request().empty()) usleep(2000);
+}
+
+void Service::serve() {
+    while (!ends_) {
+        const int connection = accept(listener_, nullptr, nullptr);
+        if (connection < 0) return;
+        fcntl(connection, F_SETFD, FD_CLOEXEC);
+        answer(connection);
+        close(connection);
+    }
+}
+
+void Service::answer(int connection) {
+    std::string head;
+    char buffer[1000];
+    while (head.find("\r\n\r\n") == std::string::npos) {
+        const ssize_t count = recv(connection, buffer, sizeof buffer, 0);
+        if (count <= 0) return;
+        head.append(buffer, static_cast<std::size_t>(count));
+    }
+    {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        request_ = head.substr(0, head.find("\r\n"));
+    }
+    if (manner_ == Manner::HangsUp) return;
+    for (std::size_t sent = 0; manner_ != Manner::NeverAnswers && sent < bytes_.size();) {
+        const ssize_t count = send(connection, bytes_.data() + sent, bytes_.size() - sent, 0);
+        if (count <= 0) return;
+        sent += static_cast<std::size_t>(count);
+    }
+    while (manner_ != Manner::Answers && !ends_) {
+        usleep(20000);
+        if (manner_ == Manner::Drips && send(connection, " ", 1, 0) < 0) return;
+    }
+}
+
+std::string response(const std::string& status, const std::string& body) {
+    return "HTTP/1.1 " + status +
+           "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\nConnection: close\r\n\r\n" + body;
+}
+
+std::string page(const std::string& body) {
+    return response("200 OK", "<html>" + body + "</html>");
+}
+
+bool hasChildren() {
+    return waitpid(-1, nullptr, WNOHANG) >= 0 || errno != ECHILD;
+}

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "Query.h"
+
+#include "Program.h"
+#include "ShownText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+bool beginsWith(std::string_view text, std::string_view beginning) {
+    return text.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), text.begin(),
+                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
+}
+
+bool isWebAddress(std::string_view address) {
+    return beginsWith(address, "http://") || beginsWith(address, "https://");
+}
+
+// What curl writes behind the page of a transfer that is complete: a status of 200 to 299 and no error.
+constexpr std::string_view kGoodEnd = "\n2?? 0";
+
+// The length of the page in front of that; 0 when the output ends in another way.
+std::size_t pageLength(std::string_view output) {
+    if (output.size() < kGoodEnd.size()) return 0;
+    const std::size_t length = output.size() - kGoodEnd.size();
+    for (std::size_t i = 0; i < kGoodEnd.size(); ++i) {
+        if (kGoodEnd[i] != '?' && kGoodEnd[i] != output[length + i]) return 0;
+    }
+    return length;
+}
+
+// Reads to the end. False when that does not come in time, is given up, or lies beyond the longest page.
+bool readAll(int descriptor, Clock::time_point deadline, const std::function<bool()>& isGivenUp,
+             std::string& output) {
+    constexpr int interval = 20; // milliseconds
+    char block[16384];
+    while (output.size() <= kLongestPage + kGoodEnd.size() && Clock::now() < deadline && !isGivenUp()) {
+        pollfd waiting = {descriptor, POLLIN, 0};
+        const int ready = poll(&waiting, 1, interval);
+        if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
+        const ssize_t count = read(descriptor, block, sizeof block);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return count == 0;
+        output.append(block, static_cast<std::size_t>(count));
+    }
+    return false;
+}
+
+// The page at the address, empty on every failure.
+std::string fetch(const std::string& address, int seconds, const std::function<bool()>& isGivenUp) {
+    int ends[2];
+    if (pipe(ends) != 0) return "";
+    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+    fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    // Its own time-out is there for the case that this process is killed meanwhile.
+    const pid_t process =
+        startProgram({"curl", "--disable", "--silent", "--globoff", "--location", "--max-redirs", "5",
+                      "--proto", "=http,https", "--max-time", std::to_string(seconds), "--write-out",
+                      "\n%{http_code} %{exitcode}", "--", address},
+                     ends[1]);
+    close(ends[1]);
+    std::string output;
+    const auto deadline = Clock::now() + std::chrono::seconds(seconds);
+    const bool isWhole = process >= 0 && readAll(ends[0], deadline, isGivenUp, output);
+    close(ends[0]);
+    if (process < 0) return "";
+    if (!isWhole) kill(process, SIGKILL);
+    waitForProgram(process);
+    output.resize(isWhole ? pageLength(output) : 0);
+    return output;
+}
+
+bool isPlain(char c) {
+    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    return isLetter || (c >= '0' && c <= '9') || std::string_view("-._~+").find(c) != std::string_view::npos;
+}
+
+} // namespace
+
+std::string queryAddress(std::string_view service, std::string_view query) {
+    while (!service.empty() && service.back() == '/') service.remove_suffix(1);
+    std::string address(service);
+    address += "/input/?i=";
+    for (const char c : query) {
+        if (isPlain(c)) {
+            address += c;
+            continue;
+        }
+        const auto code = static_cast<unsigned char>(c);
+        address += '%';
+        address += "0123456789ABCDEF"[code >> 4U];
+        address += "0123456789ABCDEF"[code & 0xFU];
+    }
+    return address;
+}
+
+std::string answerInPage(std::string_view page) {
+    const std::size_t pod = page.find("pod_0200");
+    if (pod == std::string_view::npos || !IsUtf8(page)) return "";
+    const std::size_t title = page.find("title", pod);
+    if (title == std::string_view::npos) return "";
+    const std::size_t open = page.find('"', title);
+    if (open == std::string_view::npos) return "";
+    const std::size_t close = page.find('"', open + 1);
+    std::string answer(page.substr(open + 1, close == std::string_view::npos ? close : close - open - 1));
+    std::replace_if(
+        answer.begin(), answer.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
+    return ShownText(answer);
+}
+
+std::string askService(std::string_view service, std::string_view query, int seconds,
+                       const std::function<bool()>& isGivenUp) {
+    if (!isWebAddress(service)) return "";
+    return answerInPage(fetch(queryAddress(service, query), seconds, isGivenUp));
+}
