@@ -12,8 +12,6 @@ Options parseOptions(int argc, const char* const* argv) {
             onlyEntries = true;
         } else if (argument == "--trace") {
             options.trace = true;
-        } else if (argument == "--no-files") {
-            options.noFiles = true;
         } else if (argument == "--help") {
             options.action = Options::Action::ShowHelp;
             return options;

@@ -11,7 +11,6 @@ struct Options {
 
     Action action = Action::Evaluate;
     bool trace = false;                    // --trace: the engine's trace goes to standard error
-    bool noFiles = false;                  // --no-files: read and write no file of the user's
     std::string_view refused;              // RefuseUsage: the argument that is no option
     std::vector<std::string_view> entries; // the operands, one entry each
 };

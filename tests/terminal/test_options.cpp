@@ -19,7 +19,6 @@ TEST(Options, NothingGivenMeansEvaluateNothing) {
     EXPECT_EQ(options.action, Options::Action::Evaluate);
     EXPECT_TRUE(options.entries.empty());
     EXPECT_FALSE(options.trace);
-    EXPECT_FALSE(options.noFiles);
 }
 
 TEST(Options, EveryOperandIsAnEntry) {
@@ -27,9 +26,8 @@ TEST(Options, EveryOperandIsAnEntry) {
 }
 
 TEST(Options, OptionsMayFollowEntries) {
-    const Options options = parse({"1+1", "--trace", "2+2", "--no-files"});
+    const Options options = parse({"1+1", "--trace", "2+2"});
     EXPECT_TRUE(options.trace);
-    EXPECT_TRUE(options.noFiles);
     EXPECT_EQ(options.entries, (Entries{"1+1", "2+2"}));
 }
 
@@ -51,7 +49,7 @@ TEST(Options, TheFirstDecidingOptionWins) {
 }
 
 TEST(Options, AnUnknownOptionIsRefusedByName) {
-    for (const char* const wrong : {"-5+3", "-", "-h", "--hel", "--help=1", "--trace=yes", "---"}) {
+    for (const char* const wrong : {"-5+3", "-", "-h", "--hel", "--help=1", "--trace=yes", "--no-files", "---"}) {
         const Options options = parse({wrong});
         EXPECT_EQ(options.action, Options::Action::RefuseUsage) << wrong;
         EXPECT_EQ(options.refused, wrong);

@@ -65,7 +65,7 @@ TEST(Usage, HelpGoesToStandardOutput) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(run.out.rfind("Usage: tallyquill ", 0), 0U);
-    for (const char* const option : {"--help", "--version", "--trace", "--no-files", "--"}) {
+    for (const char* const option : {"--help", "--version", "--trace", "--"}) {
         EXPECT_NE(run.out.find(option), std::string::npos) << option;
     }
 }
@@ -93,10 +93,6 @@ TEST(Usage, BadUsageEvaluatesNothing) {
     const Result run = evaluate({"1+1", "--wrong"});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
-}
-
-TEST(Usage, NoFilesIsAccepted) {
-    expectRun(evaluate({"--no-files", "1+1"}), 0, "ans = 2\n", "");
 }
 
 TEST(Usage, TheTraceNeverMixesWithTheAnswers) {
@@ -293,13 +289,14 @@ TEST(StandardOutput, CollectsTheAnswersInAFile) {
 }
 
 TEST(StandardError, WhenItIsClosedTheAnswersStillCome) {
-    for (const char* const option : {"--no-files", "--trace"}) {
+    using Arguments = std::vector<std::string>;
+    for (const Arguments& arguments : {Arguments{"1/0", "(1+1)"}, Arguments{"--trace", "1/0", "(1+1)"}}) {
         Invocation invocation;
-        invocation.arguments = {option, "1/0", "(1+1)"};
+        invocation.arguments = arguments;
         invocation.closeErrors = true;
         const Result run = runProgram(invocation);
         EXPECT_EQ(run.status, 1);
-        EXPECT_EQ(run.out, "ans = 2\n") << option;
+        EXPECT_EQ(run.out, "ans = 2\n") << arguments.front();
     }
 }
 
