@@ -93,18 +93,31 @@ void qrandom(const qfloat x, qfloat y) {
 
 enum AngleUse { NO_ANGLE, TAKES_ANGLE, GIVES_ANGLE };
 
+typedef void (*Compute)(const qfloat x, qfloat y);
+
 struct Predefined {
     const char* name;
-    void (*compute)(const qfloat x, qfloat y);
+    Compute compute;
     AngleUse angle;
+    Compute ofDegrees = nullptr; // TAKES_ANGLE
 };
 
 const Predefined predefined[] = {
-    {"sqrt", qsqrt, NO_ANGLE},    {"abs", qabsolute, NO_ANGLE}, {"exp", qexp, NO_ANGLE},
-    {"round", qround, NO_ANGLE},  {"ceil", qceil, NO_ANGLE},    {"floor", qfloorFixed, NO_ANGLE},
-    {"sinh", qsinh, NO_ANGLE},    {"cosh", qcosh, NO_ANGLE},    {"tanh", qtanh, NO_ANGLE},
-    {"sin", qsin, TAKES_ANGLE},   {"cos", qcos, TAKES_ANGLE},   {"tan", qtan, TAKES_ANGLE},
-    {"asin", qasin, GIVES_ANGLE}, {"acos", qacos, GIVES_ANGLE}, {"atan", qatn, GIVES_ANGLE},
+    {"sqrt", qsqrt, NO_ANGLE},
+    {"abs", qabsolute, NO_ANGLE},
+    {"exp", qexp, NO_ANGLE},
+    {"round", qround, NO_ANGLE},
+    {"ceil", qceil, NO_ANGLE},
+    {"floor", qfloorFixed, NO_ANGLE},
+    {"sinh", qsinh, NO_ANGLE},
+    {"cosh", qcosh, NO_ANGLE},
+    {"tanh", qtanh, NO_ANGLE},
+    {"sin", qsin, TAKES_ANGLE, qsindeg},
+    {"cos", qcos, TAKES_ANGLE, qcosdeg},
+    {"tan", qtan, TAKES_ANGLE, qtandeg},
+    {"asin", qasin, GIVES_ANGLE},
+    {"acos", qacos, GIVES_ANGLE},
+    {"atan", qatn, GIVES_ANGLE},
     {"rand", qrandom, NO_ANGLE},
 };
 
@@ -228,11 +241,9 @@ int ZqCalculator::CallPredefined(const char* name, const qfloat x, qfloat value)
     if (function->compute == qsqrt && isNegative(x)) {
         return Fail("** ERROR: sqrt of negative number **\n");
     }
-    qfloat argument;
-    qmov(x, argument);
-    if (degreeMode && function->angle == TAKES_ANGLE) qdiv(qrad2deg, argument, argument);
+    const bool ofDegrees = degreeMode && function->angle == TAKES_ANGLE;
     qclear(value);
-    function->compute(argument, value);
+    (ofDegrees ? function->ofDegrees : function->compute)(x, value);
     if (function->angle == TAKES_ANGLE) return RoundCircular(name, value);
     if (function->angle == GIVES_ANGLE) {
         if (merror != 0) return Fail("** ERROR: %s range of -1 .. +1 **\n", {name});

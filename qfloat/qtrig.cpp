@@ -38,19 +38,41 @@ void refuse(qfloat y) {
     mtherr("qsin", 3);
 }
 
-// y = sin(a + turns * pi/2), negated on demand.
-void storeSine(const Extended& a, unsigned turns, bool negate, qfloat y) {
-    const Reduced r = reduceAngle(a);
+// y = sin(r + turns * pi/2), negated on demand. A sine that is exactly zero is a plain zero.
+void storeSine(const Reduced& r, unsigned turns, bool negate, qfloat y) {
     const unsigned quadrant = r.quadrant + turns;
-    Extended value;
+    Extended value = limb::one;
     bool negative = (quadrant & 2) != 0;
-    if ((quadrant & 1) == 0) {
+    if (isZero(r.magnitude.limb)) {
+        if ((quadrant & 1) == 0) {
+            qclear(y);
+            return;
+        }
+    } else if ((quadrant & 1) == 0) {
         sinCos(r.magnitude, &value, nullptr);
         negative = negative != r.negative;
     } else {
         sinCos(r.magnitude, nullptr, &value);
     }
     store(value, signWord(negative != negate), 0, y);
+}
+
+// y = tan r, negated on demand. A zero has the sign asked for, a pole is the overflow value.
+void storeTangent(const Reduced& r, bool negate, qfloat y) {
+    const bool odd = (r.quadrant & 1) != 0; // tan(r + pi/2) = -1 / tan r
+    if (isZero(r.magnitude.limb)) {
+        storeZero(signWord(negate), y);
+        if (odd) qinfin(y);
+        return;
+    }
+    Extended s, c, t;
+    sinCos(r.magnitude, &s, &c);
+    if (odd) {
+        limb::divide(c, s, t);
+    } else {
+        limb::divide(s, c, t);
+    }
+    limb::store(t, signWord(negate != (r.negative != odd)), 0, y);
 }
 
 // Whether the cosine of x is refused: it is the sine of pi/2 - x, whose limit applies to the rounded
@@ -76,7 +98,7 @@ void qsin(const qfloat x, qfloat y) {
     } else if (!loadMagnitude(x, a)) {
         storeZero(signWord(negative), y);
     } else {
-        storeSine(a, 0, negative, y);
+        storeSine(reduceAngle(a), 0, negative, y);
     }
 }
 
@@ -87,7 +109,7 @@ void qcos(const qfloat x, qfloat y) {
     } else if (!loadMagnitude(x, a)) {
         qmov(qone, y);
     } else {
-        storeSine(a, 1, false, y);
+        storeSine(reduceAngle(a), 1, false, y);
     }
 }
 
@@ -100,14 +122,34 @@ void qtan(const qfloat x, qfloat y) {
     }
     // No number has a larger exponent; broken words must not reach beyond the table.
     if (a.exponent > largestExponent) a.exponent = largestExponent;
-    const Reduced r = reduceAngle(a);
-    const bool odd = (r.quadrant & 1) != 0; // tan(r + pi/2) = -1 / tan r
-    Extended s, c, t;
-    sinCos(r.magnitude, &s, &c);
-    if (odd) {
-        limb::divide(c, s, t);
+    storeTangent(reduceAngle(a), negative, y);
+}
+
+void qsindeg(const qfloat x, qfloat y) {
+    const bool negative = qisneg(x) != 0;
+    qfloat radians;
+    qdiv(qrad2deg, x, radians);
+    Extended a;
+    if (radians[1] >= sineLimit) {
+        refuse(y);
+    } else if (!loadMagnitude(x, a)) {
+        storeZero(signWord(negative), y);
     } else {
-        limb::divide(s, c, t);
+        storeSine(reduceDegrees(x), 0, negative, y);
     }
-    limb::store(t, signWord(negative != (r.negative != odd)), 0, y);
+}
+
+void qcosdeg(const qfloat x, qfloat y) {
+    qfloat radians;
+    qdiv(qrad2deg, x, radians);
+    if (cosineRefused(radians)) {
+        refuse(y);
+    } else {
+        storeSine(reduceDegrees(x), 1, false, y);
+    }
+}
+
+void qtandeg(const qfloat x, qfloat y) {
+    const bool negative = qisneg(x) != 0;
+    storeTangent(reduceDegrees(x), negative, y);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The circular, inverse circular and hyperbolic functions of the number type.  Angles are in radians.
+// The circular, inverse circular and hyperbolic functions of the number type.  Angles are in radians, but those of
+// qsindeg, qcosdeg and qtandeg in degrees.
 //
 // Every routine reads x and writes y; y may be the same array as x.  Work is done with 384-bit mantissas and
 // rounded once, half up: no result is further than 0.500001 units of the last place (ulp) from the true value,
@@ -26,6 +27,15 @@ void qcos(const qfloat x, qfloat y);
 // y = tan x, for any x: no limit and no code.  A pole gives a huge value (tan of qpi/2 is about -2.3 * 10^106).
 // Worst error measured: below 0.5000001 ulp.
 void qtan(const qfloat x, qfloat y);
+
+// The same of x degrees, which are reduced exactly: whole multiples of 30 and 45 have exact results where there are
+// such, and the sine of 10^100 degrees is that of 280.  A sine or cosine that is exactly zero is a plain zero, a
+// pole of the tangent the overflow value without a code.  Refused like qsin and qcos of the angle in radians, from
+// about 10^102 degrees on.
+// Worst error measured: below 0.5000001 ulp.
+void qsindeg(const qfloat x, qfloat y);
+void qcosdeg(const qfloat x, qfloat y);
+void qtandeg(const qfloat x, qfloat y);
 
 // y = arctan x, -pi/2 .. pi/2.  arctan 1 is pi/4 to the last bit.  No code.
 // Worst error measured: 0.500000 ulp.

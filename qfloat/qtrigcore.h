@@ -18,6 +18,7 @@ constexpr int inverseFactorialCount = 80;
 constexpr int inverseOddCount = 7;
 constexpr int twoOverPiLimbs = 528;
 extern const Extended wholePi, halfPi, quarterPi;                     // nearest 384-bit mantissas
+extern const Extended radiansPerDegree;                               // the same
 extern const uint64_t inverseFactorial[inverseFactorialCount][count]; // fixed 1/n!, n >= 2
 extern const uint64_t inverseOdd[inverseOddCount][count];             // fixed 1/(2k + 1), k >= 1
 extern const uint64_t twoOverPi[twoOverPiLimbs];                      // fraction of 2/pi, top limb first
@@ -51,6 +52,10 @@ struct Reduced {
 // Reduces x > 0, x.exponent <= 2^15.  The magnitude is within 2^-379 of the true one, relative to itself,
 // however close x comes to a multiple of pi/2.
 Reduced reduceAngle(const Extended& x);
+
+// An angle of x > 0 degrees = (quadrant + 4n) * 90 + d, |d| <= 45, reduced exactly: d in radians as sign and magnitude,
+// within 2^-379; an all-zero mantissa for a multiple of 90.
+Reduced reduceDegrees(const uint32_t* x);
 
 // s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.  Either may be null.
 void sinCos(const Extended& r, Extended* s, Extended* c);

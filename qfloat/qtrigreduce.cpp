@@ -4,6 +4,7 @@
 // trigonometric functions"): x * 2/pi is formed from those bits of 2/pi alone that reach the result, so the
 // whole exponent range reduces with a bounded product and the reduced angle keeps its full relative
 // precision.
+#include "qfloat.h"
 #include "qtrigcore.h"
 
 namespace trig {
@@ -97,6 +98,41 @@ Reduced reduceAngle(const Extended& x) {
         cancelled = zeros < worstCancellation ? zeros : worstCancellation;
     }
     multiply(r.magnitude, halfPi, r.magnitude);
+    return r;
+}
+
+namespace {
+
+const qfloat fullTurn = {0, 0x8009, 0, 0xB4000000}; // 360
+
+// x = x - 90 n for x < 512 with 32 zero bits below, and n the nearest whole number or one of two. Returns whether the
+// difference is negative; `x` is its magnitude.
+bool subtractQuadrants(Extended& x, unsigned& n) {
+    constexpr int places = 10; // before the point
+    constexpr int point = 64 - places;
+    shiftDown(x.limb, static_cast<int>(places - x.exponent));
+    uint64_t& top = x.limb[count - 1];
+    n = static_cast<unsigned>(((top + (uint64_t{45} << point)) >> point) / 90);
+    top -= uint64_t{90 * n} << point;
+    const bool isNegative = (top & topBit) != 0;
+    if (isNegative) negateLong(x.limb, count);
+    const int zeros = leadingZeros(x.limb);
+    x.exponent = places - zeros;
+    shiftUp(x.limb, zeros);
+    return isNegative;
+}
+
+} // namespace
+
+Reduced reduceDegrees(const uint32_t* x) {
+    qfloat magnitude, degrees;
+    qmov(x, magnitude);
+    qabs(magnitude);
+    qremain(fullTurn, magnitude, degrees);
+    Reduced r = {{}, false, 0};
+    if (!loadMagnitude(degrees, r.magnitude)) return r;
+    if (r.magnitude.exponent > 5) r.negative = subtractQuadrants(r.magnitude, r.quadrant); // 32 and more
+    if (!isZero(r.magnitude.limb)) multiply(r.magnitude, radiansPerDegree, r.magnitude);
     return r;
 }
 

@@ -70,6 +70,7 @@ mantissa = nearest(pi, 1 << (BITS + 2 - 384))
 extended("halfPi", mantissa, 1)
 extended("quarterPi", mantissa, 0)
 extended("wholePi", mantissa, 2)
+extended("radiansPerDegree", nearest(pi, 180 << (BITS - 384 - 5)), -5)
 fractions("inverseOdd", "inverseOddCount", [2 * k + 1 for k in range(ODD)])
 factorial, factorials = 1, []
 for n in range(FACTORIALS):

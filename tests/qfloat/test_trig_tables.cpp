@@ -36,6 +36,17 @@ TEST(TrigTables, PiAndItsHalves) {
     expectPi(limb::quarterPi, 0);
 }
 
+TEST(TrigTables, RadiansPerDegree) {
+    Real degree(384);
+    Real pi(1000);
+    mpfr_const_pi(pi, MPFR_RNDN);
+    mpfr_div_ui(degree, pi, 180, MPFR_RNDN);
+    mpz_class mantissa;
+    mpfr_get_z_2exp(mantissa.get_mpz_t(), degree);
+    EXPECT_EQ(fromLimbs(limb::radiansPerDegree.limb), mantissa.get_str(16));
+    EXPECT_EQ(limb::radiansPerDegree.exponent, mpfr_get_exp(mpfr_srcptr(degree)));
+}
+
 TEST(TrigTables, InverseFactorials) {
     mpz_class factorial = 1;
     for (unsigned n = 2; n < limb::inverseFactorialCount; ++n) {
