@@ -24,6 +24,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 // Size of the engine's text buffers. A statement has fewer characters than this.
@@ -61,6 +62,7 @@ struct WorkCounters {
     uint64_t reduced = 0; // operators applied by ProcTermsLoop
     uint64_t copied = 0;  // terms copied by expanding the calls of functions
     uint64_t names = 0;   // variables whose names were checked
+    uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
 };
 
 class ZqCalculator {
@@ -206,9 +208,9 @@ private:
     // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
     struct Call;
 
-    std::unique_ptr<node> newVariable;               // the target while it is no variable yet
-    std::string nameInDefinition;                    // the function whose body is being read
-    std::vector<std::string> parametersInDefinition; // of the same function
+    std::unique_ptr<node> newVariable;                      // the target while it is no variable yet
+    std::string nameInDefinition;                           // the function whose body is being read
+    std::unordered_set<std::string> parametersInDefinition; // of the same function
     std::vector<node*> expanded; // operators of expanded calls still to be applied, the next one last
     bool gospelShown = false;    // the next "gospel" opens the page
 
@@ -252,7 +254,7 @@ private:
     int ScanTerms(const std::string& text);
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
     bool IsFunctionName(const char* name) const;
-    bool IsValueName(const std::string& name) const;
+    bool IsValueName(const std::string& name);
 
     int CheckVariableNames();
     int CheckDepths();

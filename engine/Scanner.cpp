@@ -197,6 +197,7 @@ int ZqCalculator::ScanTerms(const std::string& text) {
     const std::string_view view = text;
     std::vector<bool> isCall; // for every open '(': whether it opens the arguments of a function
     bool inUnit = false;      // from the mark to the next ')': km/h and m^2 are one term
+    bool hasSign = false;     // of an exponent: the operand is no name then, and is not looked up again
     size_t start = 0;
     size_t pos = 0;
     while (pos < view.size()) {
@@ -205,8 +206,8 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         bool isPart = code == 0;
         if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
         if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
-            !IsValueName(std::string(operand))) {
-            isPart = true;
+            (hasSign || !IsValueName(std::string(operand)))) {
+            isPart = hasSign = true;
         }
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
         if (isPart) {
@@ -221,16 +222,16 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         terms.Push(new node)->type = code;
         pos += strlen(getOp(code).text);
         start = pos;
+        hasSign = false;
     }
     AppendOperand(view.substr(start), inUnit, false);
     return 0;
 }
 
 // Whether the name stands for a number, here or where the function is called whose body is read.
-bool ZqCalculator::IsValueName(const std::string& name) const {
-    const auto& parameters = parametersInDefinition;
-    return VariableExists(name.c_str()) ||
-           std::find(parameters.begin(), parameters.end(), name) != parameters.end();
+bool ZqCalculator::IsValueName(const std::string& name) {
+    work.looked += name.size();
+    return VariableExists(name.c_str()) || parametersInDefinition.count(name) != 0;
 }
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.
@@ -241,6 +242,7 @@ bool ZqCalculator::IsFunctionName(const char* name) const {
 // A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a thousandth.
 void ZqCalculator::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
     if (text.empty()) return;
+    work.looked += text.size();
     node* term = terms.Push(StrDuplicate(text));
     term->type = TERM_NAME;
     if (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) return;

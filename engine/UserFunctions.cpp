@@ -44,12 +44,12 @@ bool splitDefinition(const std::string& text, DefinitionText& parts) {
     return !parts.body.empty();
 }
 
-std::vector<std::string> splitAtCommas(const std::string& text) {
-    std::vector<std::string> pieces;
+std::unordered_set<std::string> splitAtCommas(const std::string& text) {
+    std::unordered_set<std::string> pieces;
     size_t start = 0;
     while (start < text.size()) {
         const size_t comma = std::min(text.find(',', start), text.size());
-        pieces.push_back(text.substr(start, comma - start));
+        pieces.insert(text.substr(start, comma - start));
         start = comma + 1;
     }
     return pieces;

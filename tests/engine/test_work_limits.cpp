@@ -76,6 +76,28 @@ TEST_F(Functions, aPreviewOfTooManyLongRemaindersShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+7%3", 2400)));
 }
 
+// No operand is copied or looked up again while it grows.
+TEST_F(Functions, aLineIsScannedInTheTimeThatItsLengthTakes) {
+    Enter("a2e=3");
+    for (const char* piece :
+         {"1e-", "1e+", ".5e-",  "1E-",     "a2e-",      "b2e-", "b2e-1e-", "1,000", "1e", "abc",
+          "12",  "a+",  "0x1e-", "sin(1)*", "log_2(1)-", "!",    "m*",      "->",    "(",  "{1e-1}+"}) {
+        for (const char* head : {"", "1", "h(a,b2e)=", "1 "}) {
+            const std::string line = head + repeated(piece, 9900 / strlen(piece)) + "1";
+            for (const bool tenKey : {false, true}) {
+                calc.tenKey = tenKey;
+                if (*head == 'h')
+                    Enter(line); // a preview reads no definition
+                else
+                    Preview(line);
+                EXPECT_LE(calc.work.looked, 2 * line.size()) << head << piece;
+                EXPECT_GT(calc.work.looked, 0u) << head << piece;
+                calc.tenKey = false;
+            }
+        }
+    }
+}
+
 // The variables are found through an index, which has to follow every way in which the list changes.
 TEST_F(Functions, variablesAreFoundAfterEveryChange) {
     const auto firstOfName = [this](const std::string& name) -> node* {
