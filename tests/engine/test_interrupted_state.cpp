@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+//
+// An interrupted entry changes nothing: a line of every kind of statement is stopped at each of them, and all that an
+// entry can change is compared. A new setting or command word is a row of these tables.
+#include "functions_fixture.h"
+
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+namespace {
+
+// What is there before the entry.
+const char* const before[] = {"mode deg",         "x=1.5",    "y=2",        "z=3",
+                              "f(p)=p*x",         "g(p)=p^2", "g(p,q)=p+q", "unit smoot=1.7018 m",
+                              "unit span=9 inch", "del sinc", "y=4"};
+
+struct Row {
+    std::string statement;
+    bool changes; // something that outlasts the entry
+};
+
+// The statements of the line, in an order in which each of them works.
+std::vector<Row> rows() {
+    return {
+        {"new1=5", true},
+        {"x=x*2", true},
+        {"x=x" + repeated("+1", 900), true}, // long enough to be stopped inside
+        {"3+4", true},
+        {"ans=9", true},
+        {"5 span->m", true},
+        {"f(x)", true},
+        {"f(p)=p+2", true},
+        {"h(p,q)=p*q", true},
+        {"ans=h(2,3)", true},
+        {"f", false},
+        {"del g", true},
+        {"rem mod", true},
+        {"del sqrt", true},
+        {"sqrt(p)=p", true},
+        {"del y", true},
+        {"rem z", true},
+        {"unit furl=201.168 m", true},
+        {"unit apple=-primitive", true},
+        {"del smoot", true},
+        {"unit smoot=2 span", true},
+        {"list", false},
+        {"list units", false},
+        {"echo text", false},
+        {"disp x", true}, // the last answer
+        {"sigfigs 7", true},
+        {"mode rad", true},
+        {"mode deg", true},
+        {"scimode never", true},
+        {"scimode always", true},
+        {"scimode eng", true},
+        {"scimode prefix", true},
+        {"scimode finance", true},
+        {"scimode auto", true},
+        {"scimode fixed", true},
+        {"display hex", true},
+        {"display dec", true},
+        {"display bin", true},
+        {"european on", true},
+        {"w=1,5", true},
+        {"european off", true},
+        {"european on", true},
+        {"histstack off", true},
+        {"histstack on", true},
+        {"histstack off", true},
+        {"gospel", true},
+        {"del all", true},
+        {"mode rad", true},
+        {"x=1", true},
+        {"pause500", false},
+    };
+}
+
+// The settings of the engine, also those that no command word changes.
+const struct {
+    const char* name;
+    int (*value)(const ZqCalculator& calc);
+} settings[] = {
+    {"degreeMode", [](const ZqCalculator& c) -> int { return c.degreeMode; }},
+    {"sciMode", [](const ZqCalculator& c) -> int { return c.sciMode; }},
+    {"sigFigs", [](const ZqCalculator& c) -> int { return c.sigFigs; }},
+    {"european", [](const ZqCalculator& c) -> int { return c.european; }},
+    {"histStack", [](const ZqCalculator& c) -> int { return c.histStack; }},
+    {"tenKey", [](const ZqCalculator& c) -> int { return c.tenKey; }},
+    {"displayBase", [](const ZqCalculator& c) -> int { return c.displayBase; }},
+    {"twosComp", [](const ZqCalculator& c) -> int { return c.twosComp; }},
+    {"useSeparator", [](const ZqCalculator& c) -> int { return c.useSeparator; }},
+    {"separatorChar", [](const ZqCalculator& c) -> int { return c.separatorChar; }},
+};
+
+int checksLeft;
+
+bool stopAtLastCheck() {
+    return --checksLeft == 0;
+}
+
+bool neverStop() {
+    checksLeft++;
+    return false;
+}
+
+class InterruptedState : public testing::Test {
+protected:
+    std::unique_ptr<ZqCalculator> calc;
+
+    void Start() {
+        deleteAllFunctions();
+        deleteAllUnits();
+        calc = std::make_unique<ZqCalculator>();
+        calc->InitializeFunctionsAndVars();
+        for (const char* line : before) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(line, false)) << line;
+    }
+
+    ~InterruptedState() override { deleteAllFunctions(); }
+
+    static std::string Line() {
+        std::string line;
+        for (const Row& row : rows()) line += (line.empty() ? "" : ";") + row.statement;
+        return line;
+    }
+
+    static std::string UnitState(const std::string& name) {
+        units_clear_exception();
+        char text[40];
+        snprintf(text, sizeof text, "%.17g", units_convert(name.c_str(), "m"));
+        const char* error = units_check_exception();
+        return name + " " + (error ? error : text) + "\n";
+    }
+
+    static std::string Digits(const qfloat value) {
+        std::string text;
+        char word[12];
+        for (int i = 0; i < 14; i++) {
+            snprintf(word, sizeof word, " %08X", value[i]);
+            text += word;
+        }
+        return text;
+    }
+
+    // All that a later entry or a front end finds, but for the texts of the entry and its place in the history.
+    std::string State() {
+        std::string text;
+        for (const auto& setting : settings)
+            text += std::string(setting.name) + " " + std::to_string(setting.value(*calc)) + "\n";
+        for (const node* variable = calc->vars.first; variable; variable = variable->next) {
+            EXPECT_EQ(variable, calc->VariableExists(variable->text));
+            text += std::string(variable->text) + "=" + Digits(*variable->value) + "\n";
+        }
+        for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+            EXPECT_EQ(function, funcs.FindByName(function->name, function->argCount));
+            text += function->ToString() + "\n";
+        }
+        for (const node* unit = calc->unitDefs.first; unit; unit = unit->next)
+            text += std::string(unit->text) + "\n";
+        for (const char* name : {"smoot", "span", "furl", "apple", "inch"}) text += UnitState(name);
+        text += std::string("lastAnswer ") + calc->lastAnswer + "\nlastName ";
+        text += calc->lastName ? calc->lastName : "(none)";
+        text += calc->lastValue ? "\nlastValue\n" : "\n";
+        return text + GospelState();
+    }
+
+    // Which of its two answers "gospel" gives next; asked twice, it comes back to where it was.
+    std::string GospelState() {
+        const int32_t status = calc->Calculate("gospel");
+        calc->Calculate("gospel");
+        return "gospel " + std::to_string(status) + "\n";
+    }
+
+    // Stops the entry at this check.
+    void ExpectUnchanged(const std::string& line, int stop) {
+        SCOPED_TRACE(line.substr(0, 50) + " stopped at check " + std::to_string(stop));
+        Start();
+        const std::string was = State();
+        std::vector<std::string> history = History();
+        const double entries = calc->entryCount;
+        checksLeft = stop;
+        calc->interruptCheck = stopAtLastCheck;
+        EXPECT_EQ(STATUS_ERROR, calc->ProcessEntry(line.c_str(), false));
+        EXPECT_EQ(STATUS_ERROR, calc->status);
+        EXPECT_TRUE(calc->interrupted);
+        EXPECT_STREQ("** ERROR: interrupted **\n", calc->message);
+        EXPECT_STREQ("", calc->resultLine);
+        EXPECT_FALSE(calc->overflowed);
+        EXPECT_EQ(entries + 1, calc->entryCount);
+        if (line.rfind("histstack off", 0) != 0) history.push_back(line);
+        EXPECT_EQ(history, History());
+        ASSERT_EQ(was, State());
+    }
+
+    std::vector<std::string> History() const {
+        std::vector<std::string> lines;
+        for (int32_t k = calc->history.count; k >= 1; k--) lines.emplace_back(calc->history.GetHistoryStr(k));
+        return lines;
+    }
+};
+
+// Rows that change nothing would show nothing.
+TEST_F(InterruptedState, everyStatementOfTheLineChangesWhatItSays) {
+    Start();
+    for (const Row& row : rows()) {
+        const std::string was = State();
+        ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(row.statement.c_str(), false))
+            << row.statement << calc->message;
+        if (row.changes)
+            EXPECT_NE(was, State()) << row.statement;
+        else
+            EXPECT_EQ(was, State()) << row.statement;
+    }
+}
+
+TEST_F(InterruptedState, isThatBeforeTheEntryWhereverItWasStopped) {
+    const std::string line = Line();
+    Start();
+    checksLeft = 0;
+    calc->interruptCheck = neverStop;
+    ASSERT_EQ(STATUS_COMMAND, calc->ProcessEntry(line.c_str(), false)) << calc->message;
+    const int checks = checksLeft;
+    ASSERT_GT(checks, static_cast<int>(rows().size())); // more than one in the long statement
+    const std::string after = State();
+
+    for (int stop = 1; stop <= checks; stop++) {
+        ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(line, stop));
+        // And the entry can be made again.
+        calc->interruptCheck = nullptr;
+        ASSERT_EQ(STATUS_COMMAND, calc->ProcessEntry(line.c_str(), false)) << calc->message;
+        EXPECT_STREQ("pause500", calc->message);
+        ASSERT_EQ(after, State()) << stop;
+    }
+}
+
+TEST_F(InterruptedState, isThatBeforeAnEntryOfOneStatement) {
+    for (const Row& row : rows()) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(row.statement, 1));
+    ASSERT_NO_FATAL_FAILURE(ExpectUnchanged("new1=0" + repeated("+1", 900), 3));
+}
+
+} // namespace
