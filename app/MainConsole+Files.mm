@@ -204,6 +204,11 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     [self updateStatusbar:bytes.c_str()];
 }
 
+// When the start is over, which empties the status line.
+- (void)tellReading:(NSString*)text {
+    [self updateStatusbar:[text UTF8String]];
+}
+
 - (void)reportUnwritten {
     backgroundWriter.Finish();
     for (const auto& failure : backgroundWriter.TakeFailures()) {
@@ -231,6 +236,11 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     // A line that was refused is no other program's: it is in the copy that was kept.
     merge = FunctionsMerge();
     merge.Know(result.text);
+    NSString* text = nil;
+    if (result.damaged)
+        text = @"Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
+    if (result.unread > 0) text = @"Some of pelmo_functions.txt takes too long to read; it stays in the file";
+    if (text) [self performSelector:@selector(tellReading:) withObject:text afterDelay:0];
     calc.european = [self setting:@"european"] != 0;
     calc.tenKey = [self setting:@"tenkey"] != 0;
 }

@@ -137,6 +137,15 @@ int ZqCalculator::Calculate(const char* statement) {
     return state;
 }
 
+int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
+    spentWork = 0;
+    workLimit = units;
+    const int state = Calculate(statement);
+    workLimit = UINT64_MAX;
+    units -= std::min(units, spentWork);
+    return state;
+}
+
 int ZqCalculator::EvaluateTerms() {
     // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
     // the first operation.

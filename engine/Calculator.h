@@ -129,6 +129,10 @@ public:
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
     int Calculate(const char* statement);
 
+    // The same with a limit: a statement that takes more than so many units of work, as ProcessEntry counts them, is
+    // an error. What is left of the units comes back, 0 when they did not suffice.
+    int CalculateWithin(const char* statement, uint64_t& units);
+
     // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
     // `separator` 0 means no grouping. Returns 0.
     int FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator);
@@ -217,6 +221,7 @@ private:
     // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
     // long texts copied by the statement.
     uint64_t spentWork = 0;
+    uint64_t workLimit = UINT64_MAX; // of a full entry
     uint64_t unchecked = 0;
     size_t longTexts = 0;
 

@@ -37,14 +37,15 @@ static void setTruth(bool truth, qfloat value) {
 int ZqCalculator::Spend(uint64_t reductions, uint64_t copies) {
     work.reduced += reductions;
     work.copied += copies;
-    return fullEntry ? CheckInterrupt(reductions + copies) : SpendWork(REDUCTION_WORK * reductions + copies);
+    if (SpendWork(REDUCTION_WORK * reductions + copies) != 0) return STATUS_ERROR;
+    return fullEntry ? CheckInterrupt(reductions + copies) : 0;
 }
 
-// Counts what only a preview has to be told, because entries are asked often enough without it.
+// Counts what a limit is for, a preview's above all, because entries are asked often enough without it.
 int ZqCalculator::SpendWork(uint64_t units) {
     spentWork += units;
-    if (fullEntry || spentWork <= PREVIEW_WORK) return 0;
-    return Fail("** ERROR: too much work for a preview **\n");
+    if (spentWork <= (fullEntry ? workLimit : PREVIEW_WORK)) return 0;
+    return Fail(fullEntry ? "** ERROR: too much work **\n" : "** ERROR: too much work for a preview **\n");
 }
 
 // Statements that evaluate nothing, such as commands that list, count as work too.

@@ -2,6 +2,7 @@
 #include "FunctionsFile.h"
 
 #include "Calculator.h"
+#include "DefinitionOrder.h"
 #include "FileKeeping.h"
 #include "Helpers_String.h"
 #include "units.h"
@@ -11,6 +12,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -23,6 +25,14 @@ const char* const HISTORY_HEADER = "### HISTORY ###\n";
 // How these headers are known again.
 const char* const FIRST_LINE = "### FUNCTIONS";
 const char* const HISTORY_LINE = "### HISTORY";
+
+// What reading may take, in the engine's units of work, of which the scanning of a character takes about as many as
+// is said here. Eight million are about 0.4 seconds.
+constexpr uint64_t READING_WORK = 8000000;
+constexpr uint64_t LINE_WORK = 400000; // the evaluation of one line
+constexpr uint64_t FUNCTION_CHARACTER = 8;
+constexpr uint64_t OTHER_CHARACTER = 2;
+constexpr uint64_t ANY_LINE = 20;
 
 constexpr int VALUE_DIGITS = 100;
 
@@ -278,61 +288,156 @@ std::string withMarks(std::string text) {
     return text;
 }
 
-int define(ZqCalculator& calc, const Definition& definition, const std::string& line) {
+int define(ZqCalculator& calc, const Definition& definition) {
     const PredefinedAside aside(definition);
+    const std::string line = definition.name + "(" + definition.parameters + ")=" + definition.body;
     return line.size() < TEXT_SIZE ? calc.Calculate(line.c_str())
                                    : calc.DefineFunction(withMarks(line).c_str());
 }
 
-// Whether the engine has this already: a variable of this value, or a unit of this definition.
-bool isKnown(const ZqCalculator& calc, const std::string& line) {
-    UnitText unit;
-    if (splitUnit(line, unit)) {
-        const node* const known = calc.UnitExists(unit.name.c_str());
-        return known && line == known->text;
+enum class Kind { FUNCTION, VARIABLE, UNIT, NONE };
+
+// A line up to the history, and what became of it.
+struct Statement {
+    std::string text; // without its comment
+    size_t line = 0;  // its number
+    Kind kind = Kind::NONE;
+    Definition function; // Kind::FUNCTION
+    NamedText other;     // Kind::VARIABLE and Kind::UNIT
+    bool isTooDear = false;
+    bool isTaken = false;
+
+    // What reading it takes besides its evaluation.
+    uint64_t Cost() const {
+        return ANY_LINE + text.size() * (kind == Kind::FUNCTION ? FUNCTION_CHARACTER : OTHER_CHARACTER);
     }
+};
+
+bool isVariableName(const std::string& name) {
+    const auto isOfName = [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; };
+    return !name.empty() && IsLetter(name[0]) && std::all_of(name.begin(), name.end(), isOfName);
+}
+
+// name=expression, the name without blanks around it. What looks so ("del = 5") is no command.
+bool splitAssignment(const std::string& line, NamedText& variable) {
     const size_t equals = line.find('=');
-    if (equals == std::string::npos) return false;
-    const node* const variable = calc.VariableExists(line.substr(0, equals).c_str());
-    return variable && variable->value && line.substr(equals + 1) == valueText(*variable->value);
+    if (equals == std::string::npos || line.compare(equals, 2, "==") == 0) return false;
+    const size_t start = line.find_first_not_of(" \t");
+    const size_t end = line.find_last_not_of(" \t", equals - 1);
+    if (start >= equals || end == std::string::npos) return false;
+    variable.name = line.substr(start, end - start + 1);
+    variable.text = line.substr(equals + 1);
+    return isVariableName(variable.name);
 }
 
-// One line up to the history. False when it was refused.
-bool takeLine(ZqCalculator& calc, const std::string& line) {
-    if (line.find('\0') != std::string::npos) return false; // what stands before it may be a part of a number
-    if (isKnown(calc, line)) return true;
-    Definition definition;
-    if (splitDefinition(line, definition)) return define(calc, definition, line) != STATUS_ERROR;
-    return !std::any_of(line.begin(), line.end(), isControl) && calc.Calculate(line.c_str()) != STATUS_ERROR;
+Kind kindOf(Statement& statement) {
+    // A definition is one statement.
+    const auto isForeign = [](char c) { return isControl(c) || c == ';'; };
+    if (std::any_of(statement.text.begin(), statement.text.end(), isForeign)) return Kind::NONE;
+    UnitText unit;
+    if (splitUnit(statement.text, unit)) {
+        statement.other = {unit.name, unit.definition};
+        return Kind::UNIT;
+    }
+    if (splitDefinition(statement.text, statement.function)) return Kind::FUNCTION;
+    return splitAssignment(statement.text, statement.other) ? Kind::VARIABLE : Kind::NONE;
 }
 
-void declareFunctions(const std::vector<std::string>& lines) {
-    std::vector<Definition> definitions;
-    for (const std::string& line : lines) {
-        Definition definition;
-        if (splitDefinition(line, definition)) definitions.push_back(definition);
+// Takes the lines up to the history into a calculator.
+class DefinitionReader {
+public:
+    explicit DefinitionReader(ZqCalculator& into) : calc(into) {
+        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) units.insert(unit->text);
     }
-    for (const Definition& definition : definitions) {
-        if (funcs.FunctionExists(definition.name.c_str(), definition.argCount)) continue;
-        declare(definition.name, definition.parameters);
-    }
-    for (const Definition& definition : definitions) declareCalled(definition.body);
-}
 
-// Refused lines are tried again while others are accepted, each time from the other end: a chain of units may stand
-// in either order. Returns whether none is left.
-bool takeLines(ZqCalculator& calc, std::vector<std::string> lines) {
-    declareFunctions(lines);
-    size_t before = lines.size() + 1;
-    while (lines.size() < before) {
-        before = lines.size();
-        const auto isTaken = [&calc](const std::string& line) { return takeLine(calc, line); };
-        lines.erase(std::remove_if(lines.begin(), lines.end(), isTaken), lines.end());
-        std::reverse(lines.begin(), lines.end());
+    // Refused lines are tried again while others are accepted, each time from the other end.
+    void Take(std::vector<Statement>& statements) {
+        DeclareFunctions(statements);
+        std::vector<Statement*> waiting = InOrder(statements);
+        size_t before = waiting.size() + 1;
+        while (waiting.size() < before) {
+            before = waiting.size();
+            const auto isDone = [this](Statement* statement) {
+                TakeOne(*statement);
+                return statement->isTaken || statement->isTooDear;
+            };
+            waiting.erase(std::remove_if(waiting.begin(), waiting.end(), isDone), waiting.end());
+            std::reverse(waiting.begin(), waiting.end());
+        }
+        removeDeclared();
     }
-    removeDeclared();
-    return lines.empty();
-}
+
+private:
+    // False when so much is not left any more.
+    bool Spend(uint64_t units_) {
+        if (units_ > left) return false;
+        left -= units_;
+        return true;
+    }
+
+    void DeclareFunctions(std::vector<Statement>& statements) {
+        std::vector<const Definition*> definitions;
+        for (Statement& statement : statements) {
+            if (statement.kind != Kind::FUNCTION) continue;
+            statement.isTooDear = !Spend(statement.Cost());
+            if (!statement.isTooDear) definitions.push_back(&statement.function);
+        }
+        for (const Definition* const definition : definitions) {
+            if (funcs.FunctionExists(definition->name.c_str(), definition->argCount)) continue;
+            declare(definition->name, definition->parameters);
+        }
+        for (const Definition* const definition : definitions) declareCalled(definition->body);
+    }
+
+    // Those that may define something: the functions, and the others behind what they use.
+    std::vector<Statement*> InOrder(std::vector<Statement>& statements) const {
+        std::vector<Statement*> ordered;
+        for (const Kind kind : {Kind::UNIT, Kind::FUNCTION, Kind::VARIABLE}) {
+            std::vector<Statement*> ofKind;
+            std::vector<NamedText> names;
+            for (Statement& statement : statements) {
+                if (statement.kind != kind || statement.isTooDear) continue;
+                ofKind.push_back(&statement);
+                names.push_back(statement.text.size() < TEXT_SIZE ? statement.other : NamedText());
+            }
+            for (const size_t position : OrderOfDefinitions(names)) ordered.push_back(ofKind[position]);
+        }
+        return ordered;
+    }
+
+    bool IsKnown(const Statement& statement) const {
+        if (statement.kind == Kind::UNIT) return units.count(statement.text) > 0;
+        if (statement.kind != Kind::VARIABLE) return false;
+        const node* const variable = calc.VariableExists(statement.other.name.c_str());
+        return variable && variable->value && statement.other.text == valueText(*variable->value);
+    }
+
+    int Evaluate(const Statement& statement, uint64_t& work) {
+        if (statement.kind == Kind::FUNCTION) return define(calc, statement.function);
+        const bool isUnit = statement.kind == Kind::UNIT;
+        const std::string assignment = statement.other.name + "=" + statement.other.text;
+        return calc.CalculateWithin(isUnit ? statement.text.c_str() : assignment.c_str(), work);
+    }
+
+    void TakeOne(Statement& statement) {
+        const bool isPaid = statement.kind == Kind::FUNCTION;      // when it was declared
+        if (!isPaid && statement.text.size() >= TEXT_SIZE) return; // no entry either
+        statement.isTooDear = !isPaid && !Spend(statement.Cost());
+        if (statement.isTooDear) return;
+        statement.isTaken = IsKnown(statement);
+        if (statement.isTaken) return;
+        const uint64_t allowed = std::min(left, LINE_WORK);
+        uint64_t work = allowed;
+        statement.isTaken = Evaluate(statement, work) != STATUS_ERROR;
+        statement.isTooDear = !statement.isTaken && work == 0;
+        left -= allowed - work;
+        if (statement.isTaken && statement.kind == Kind::UNIT) units.insert(statement.text);
+    }
+
+    ZqCalculator& calc;
+    uint64_t left = READING_WORK;
+    std::unordered_set<std::string> units; // the lines that defined them
+};
 
 // The lines without their ends, CR LF among them.
 std::vector<std::string> splitLines(const std::string& text) {
@@ -363,20 +468,47 @@ bool takeHistory(CHistory& history, std::vector<std::string>::iterator line,
     return isWhole;
 }
 
-bool takeText(ZqCalculator& calc, const std::string& text) {
-    std::vector<std::string> lines = splitLines(text);
-    if (lines.empty()) return false;
-    bool isWhole = text.back() == '\n' && beginsWith(lines[0], FIRST_LINE);
+std::vector<Statement> statementsIn(const std::vector<std::string>& lines, size_t end) {
+    std::vector<Statement> statements;
+    for (size_t i = 1; i < end; i++) {
+        Statement statement;
+        statement.text = statementOf(lines[i]);
+        if (statement.text.empty()) continue;
+        statement.line = i;
+        statement.kind = kindOf(statement);
+        statements.push_back(std::move(statement));
+    }
+    return statements;
+}
+
+// The lines that were read.
+std::string textWithout(const std::vector<bool>& isUnread, const std::vector<std::string>& lines) {
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++) {
+        if (!isUnread[i]) text += lines[i] + '\n';
+    }
+    return text;
+}
+
+void takeText(ZqCalculator& calc, FunctionsFileResult& result) {
+    std::vector<std::string> lines = splitLines(result.text);
+    result.damaged = lines.empty() || result.text.back() != '\n' || !beginsWith(lines[0], FIRST_LINE);
+    if (lines.empty()) return;
     const auto isHistory = [](const std::string& line) { return beginsWith(line, HISTORY_LINE); };
     const auto header = std::find_if(lines.begin() + 1, lines.end(), isHistory);
-    std::vector<std::string> statements;
-    for (auto line = lines.begin() + 1; line != header; ++line) {
-        const std::string statement = statementOf(*line);
-        if (!statement.empty()) statements.push_back(statement);
+    std::vector<Statement> statements = statementsIn(lines, static_cast<size_t>(header - lines.begin()));
+    DefinitionReader(calc).Take(statements);
+    std::vector<bool> isUnread(lines.size(), false);
+    for (const Statement& statement : statements) {
+        if (!statement.isTaken && !statement.isTooDear) result.damaged = true;
+        if (!statement.isTooDear) continue;
+        isUnread[statement.line] = true;
+        result.unread++;
     }
-    if (!takeLines(calc, statements)) isWhole = false;
-    if (header == lines.end()) return false;
-    return takeHistory(calc.history, header + 1, lines.end()) && isWhole;
+    // Without its section a definition does not stay in the file.
+    if (result.unread > 0 && lines[0] + "\n" != FUNCTIONS_HEADER) result.damaged = true;
+    if (header == lines.end() || !takeHistory(calc.history, header + 1, lines.end())) result.damaged = true;
+    if (result.unread > 0) result.text = textWithout(isUnread, lines);
 }
 
 } // namespace
@@ -394,6 +526,6 @@ FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& pat
     result.opened = ReadWholeFile(path, result.text);
     if (!result.opened) return result;
     const EngineState state(calc);
-    result.damaged = !takeText(calc, result.text);
+    takeText(calc, result);
     return result;
 }

@@ -204,6 +204,34 @@ TEST_F(FunctionsFileOfTheWindow, loadingGoesOnBehindALineThatIsRefused) {
     EXPECT_EQ(read(functionsPath() + ".unreadable"), text);
 }
 
+TEST_F(FunctionsFileOfTheWindow, damageIsSaidInTheStatusLine) {
+    startOver("### FUNCTIONS ###\nf(x)=x+\x02\n### HISTORY ###\n");
+    EXPECT_NE(news().find("pelmo_functions.txt.unreadable"), std::string::npos) << status();
+}
+
+TEST_F(FunctionsFileOfTheWindow, aCommandWordInItChangesNoSetting) {
+    startOver("### FUNCTIONS ###\nsigfigs 20\nmode rad\neuropean on\ndisplay hex\n### HISTORY ###\n");
+    EXPECT_EQ(answer("1.5+sin(90)"), "ans = 2.5");
+    EXPECT_EQ(answer("1/3"), "ans = 0.3333333333");
+}
+
+TEST_F(FunctionsFileOfTheWindow, whatTakesTooLongToReadIsSaidAndStays) {
+    std::string text = "### FUNCTIONS ###\nf0(x)=x+1\n";
+    for (int i = 1; i <= 40; i++) {
+        const std::string call = "f" + std::to_string(i - 1) + "(x)";
+        text += "f" + std::to_string(i) + "(x)=" + call + "+" + call + "\n";
+    }
+    startOver(text + "### VARIABLES ###\na=f40(1)\nb=2\n### CUSTOM UNITS ###\n### HISTORY ###\n");
+    EXPECT_NE(news().find("takes too long to read"), std::string::npos) << status();
+    EXPECT_FALSE(exists(functionsPath() + ".unreadable"));
+    EXPECT_EQ(answer("b"), "ans = 2");
+    terminate();
+    EXPECT_TRUE(holds("a=f40(1)"));
+    restart();
+    terminate();
+    EXPECT_TRUE(holds("a=f40(1)"));
+}
+
 TEST_F(FunctionsFileOfTheWindow, noFileIsNoDamage) {
     EXPECT_FALSE(exists(functionsPath()));
     restart();
