@@ -3,18 +3,8 @@
 // Damage by chance to the bytes of a file, for tests that must survive it.
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
-
-// The seed of the random damage: the environment variable TALLYQUILL_TEST_SEED, else a fixed number. It is printed.
-inline unsigned damageSeed() {
-    const char* const chosen = getenv("TALLYQUILL_TEST_SEED");
-    const unsigned seed = chosen ? static_cast<unsigned>(strtoul(chosen, nullptr, 10)) : 20260401U;
-    printf("seed %u (TALLYQUILL_TEST_SEED)\n", seed);
-    return seed;
-}
 
 // The text, which is not empty, with one to eight bytes changed, cut off somewhere, or with a piece of it missing
 // or doubled.

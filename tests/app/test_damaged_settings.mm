@@ -3,6 +3,7 @@
 // Settings files that are damaged, and folders that cannot be had: the program starts and can be used.
 #import "settings_fixture.h"
 
+#include "../seed.h"
 #include "damage.h"
 
 #include <algorithm>
@@ -282,11 +283,11 @@ static void expectSound(NSDictionary* settings) {
 }
 
 TEST_F(DamagedSettings, damageByChanceNeverKeepsTheProgramFromStarting) {
-    const unsigned seed = damageSeed();
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     const std::string whole = read(settingsPath());
     for (int round = 0; round < 2000; round++) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        SCOPED_TRACE("round " + std::to_string(round));
         NSAutoreleasePool* const inner = [[NSAutoreleasePool alloc] init];
         const std::string text = damaged(whole, random);
         expectSound(settingsOf(text));

@@ -3,6 +3,7 @@
 // Functions, variables, units and history from one run of the window to the next.
 #import "console_fixture.h"
 
+#include "../seed.h"
 #include "damage.h"
 
 #include <atomic>
@@ -458,14 +459,14 @@ TEST_F(FunctionsFileOfTheWindow, whatAKilledProgramLeftIsRemovedAtTheNextStart) 
 }
 
 TEST_F(FunctionsFileOfTheWindow, damageByChanceNeverKeepsTheProgramFromStarting) {
-    const unsigned seed = damageSeed();
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     defineSomething();
     run("area(w,h)=w*h");
     terminate();
     const std::string whole = file();
     for (int round = 0; round < 150; round++) {
-        SCOPED_TRACE("seed " + std::to_string(seed) + " round " + std::to_string(round));
+        SCOPED_TRACE("round " + std::to_string(round));
         NSAutoreleasePool* const inner = [[NSAutoreleasePool alloc] init];
         startOver(damaged(whole, random));
         expectUsable();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The calls of functions.
+#include "../seed.h"
 #include "functions_fixture.h"
 
 #include <cmath>
@@ -79,9 +80,8 @@ std::string randomTerm(std::mt19937& random, const std::vector<std::string>& nam
 }
 
 TEST_F(Functions, callsGiveWhatOrderingEverythingAnewGives) {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     ZqCalculator rule;
     int results = 0;
     for (int i = 0; i < 4000; i++) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../seed.h"
 #include "Helpers_String.h"
 #include "deq.h"
 
@@ -182,9 +183,8 @@ TEST(Deq, countsOperators) {
 }
 
 TEST(Deq, behavesAsAPlainListUnderRandomOperations) {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     Deq list;
     std::vector<std::string> model;
     for (int step = 0; step < 20000; step++) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The list of functions and completion.
+#include "../seed.h"
 #include "Helpers_String.h"
 #include "functions_fixture.h"
 
@@ -137,9 +138,8 @@ const Function* walkFor(const std::string& name, int32_t argCount) {
 }
 
 TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
-    const unsigned seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     const std::string names[] = {"a", "A", "b", "aB", "Ab", "sqrt", "mod"};
     const char* const parameters[] = {"", "x", "x,y"};
     for (int step = 0; step < 20000; step++) {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../seed.h"
 #include "History.h"
 
 #include <gtest/gtest.h>
@@ -217,8 +218,6 @@ TEST(History, raisingTheCapacityOfAWrappedRingKeepsItsLines) {
 // The history and, beside it, a plain list that does the same.
 class Pair {
 public:
-    explicit Pair(unsigned seed) : random(seed) {}
-
     void Step() {
         switch (random() % 16) {
         case 0:
@@ -258,7 +257,7 @@ public:
     }
 
 private:
-    std::mt19937 random;
+    std::mt19937 random = seededRandom();
     CHistory history;
     std::deque<std::string> model; // newest first
     int capacity = 99;
@@ -366,11 +365,8 @@ private:
 };
 
 TEST(History, behavesAsAPlainListUnderRandomOperations) {
-    const unsigned seed = std::random_device()();
-    RecordProperty("seed", std::to_string(seed));
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    printf("seed %u\n", seed);
-    Pair pair(seed);
+    SCOPED_TRACE(seedText());
+    Pair pair;
     for (int step = 0; step < 100000; step++) {
         pair.Step();
         pair.Compare();

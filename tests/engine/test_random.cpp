@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Random lines: valid ones against machine integers, and any text at all for its manners.
+#include "../seed.h"
 #include "Calculator.h"
 #include "clean_start.h"
 
@@ -58,10 +59,8 @@ Expression randomExpression(std::mt19937& random, int depth) {
 }
 
 TEST(RandomLines, validExpressionsHaveTheirMathematicalValue) {
-    const unsigned seed = std::random_device()();
-    printf("seed %u\n", seed);
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     ZqCalculator calc;
     calc.InitializeFunctionsAndVars();
     calc.sciMode = SCI_NEVER;
@@ -93,10 +92,8 @@ std::string randomLine(std::mt19937& random) {
 }
 
 TEST(RandomLines, everyLineGetsOneWellFormedAnswer) {
-    const unsigned seed = std::random_device()();
-    printf("seed %u\n", seed);
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     deleteAllFunctions();
     deleteAllUnits();
     ZqCalculator calc;

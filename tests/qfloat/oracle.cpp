@@ -2,7 +2,6 @@
 #include "oracle.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 
 namespace oracle {
@@ -13,7 +12,7 @@ namespace {
 class SeedPrinter : public ::testing::Environment {
 public:
     void SetUp() override {
-        std::printf("[ SEED     ] TALLYQUILL_TEST_SEED=%llu\n", static_cast<unsigned long long>(seed()));
+        std::printf("[ SEED     ] %s\n", seedText().c_str());
         std::fflush(stdout);
     }
 };
@@ -34,14 +33,8 @@ uint64_t hash(const std::string& text) {
 
 } // namespace
 
-uint64_t seed() {
-    const char* text = std::getenv("TALLYQUILL_TEST_SEED");
-    return text != nullptr && *text != '\0' ? std::strtoull(text, nullptr, 0) : 20240229;
-}
-
-Seeded::Seeded()
-    : random(hash(testName())), trace(__FILE__, __LINE__, "TALLYQUILL_TEST_SEED=" + std::to_string(seed())) {
-    RecordProperty("seed", std::to_string(seed()));
+Seeded::Seeded() : random(hash(testName())), trace(__FILE__, __LINE__, seedText()) {
+    RecordProperty("seed", std::to_string(testSeed()));
 }
 
 Real::Real(const Number& q) {

@@ -4,6 +4,8 @@
 #ifndef TALLYQUILL_TESTS_QFLOAT_ORACLE_H
 #define TALLYQUILL_TESTS_QFLOAT_ORACLE_H
 
+#include "../seed.h"
+
 #include <array>
 #include <cstdint>
 #include <random>
@@ -30,13 +32,9 @@ constexpr uint32_t negativeSign = 0xFFFFFFFF;
 // guard word shifts the rounding boundary by much less than this excess over one half.
 constexpr double almostHalf = 0.5000001;
 
-// The seed of all random tests: the environment variable TALLYQUILL_TEST_SEED, else a fixed number.  It is
-// printed when the program starts and with every failure of a Seeded test.
-uint64_t seed();
-
 class Random {
 public:
-    explicit Random(uint64_t salt) : engine(seed() + salt) {}
+    explicit Random(uint64_t salt) : engine(testSeed() + salt) {}
     uint64_t next() { return engine(); }
     uint32_t word() { return static_cast<uint32_t>(engine() >> 32); }
     int64_t between(int64_t low, int64_t high) {

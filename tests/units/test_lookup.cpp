@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What a name is taken for, and that many units do not make the look-up slow.
+#include "../seed.h"
 #include "fixture.h"
 #include "model.h"
 #include "table.h"
@@ -57,8 +58,8 @@ std::string randomName(std::mt19937& random, const std::vector<std::string>& nam
 }
 
 TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
-    constexpr unsigned seed = 4711;
-    std::mt19937 random(seed);
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
     UnitModel model;
     std::vector<std::string> names;
     for (const TableUnit& unit : tableUnits()) names.push_back(unit.name);
@@ -78,7 +79,7 @@ TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
         }
         const UnitModel::Meaning expected = model.lookUp(name);
         const UnitMatch actual = unitTable.FindFactor(name);
-        ASSERT_EQ(actual.found != nullptr, expected.unit >= 0) << "seed " << seed << ": " << name;
+        ASSERT_EQ(actual.found != nullptr, expected.unit >= 0) << name;
         if (actual.found == nullptr) continue;
         ++found;
         ASSERT_EQ(actual.prefix != nullptr, expected.prefix >= 0) << name;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Unit expressions: what they reduce to and what each wrong one is told.
+#include "../seed.h"
 #include "fixture.h"
 #include "model.h"
 
@@ -212,8 +213,6 @@ TEST_F(UnitsTest, TheReducedTextIsReusedByTheNextCall) {
 
 class Expressions {
 public:
-    explicit Expressions(unsigned seed) : random(seed) {}
-
     std::string next() {
         std::string text = below(3) == 0 ? number() : "";
         for (unsigned n = below(5); n > 0; --n) {
@@ -242,13 +241,12 @@ private:
         if (below(12) == 0) return number();
         return std::string(prefixes[below(10)]) + units[below(18)] + endings[below(10)];
     }
-    std::mt19937 random;
+    std::mt19937 random = seededRandom();
 };
 
 TEST_F(UnitsTest, RandomExpressionsReduceAsInTheModel) {
-    constexpr unsigned seed = 20261121;
-    RecordProperty("seed", static_cast<int>(seed));
-    Expressions expressions(seed);
+    SCOPED_TRACE(seedText());
+    Expressions expressions;
     UnitModel model;
     for (const auto& [name, definition] : {std::pair{"ax", "2.5 meter"}, {"x", "3 kelvin"}}) {
         EXPECT_EQ(define(name, definition), "");
@@ -260,7 +258,7 @@ TEST_F(UnitsTest, RandomExpressionsReduceAsInTheModel) {
         model.message.clear();
         const std::optional<Reduced> expected = model.reduce(text);
         const std::optional<ReducedUnit> actual = reduceUnit(text.c_str());
-        ASSERT_EQ(takeMessage(), model.message) << "seed " << seed << ": " << text;
+        ASSERT_EQ(takeMessage(), model.message) << text;
         ASSERT_EQ(actual.has_value(), expected.has_value()) << text;
         if (!actual) continue;
         ++successes;
