@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// An interrupted entry changes nothing: a line of every kind of statement is stopped at each of them, and all that an
-// entry can change is compared. A new setting or command word is a row of these tables.
+// An interrupted entry and a preview change nothing: a line of every kind of statement is stopped at each of them, and
+// each is previewed, and all that an entry can change is compared. A new setting or command word is a row of these
+// tables.
 #include "functions_fixture.h"
 
 #include <cstdio>
@@ -104,7 +105,7 @@ bool neverStop() {
     return false;
 }
 
-class InterruptedState : public testing::Test {
+class EntryState : public testing::Test {
 protected:
     std::unique_ptr<ZqCalculator> calc;
 
@@ -116,7 +117,7 @@ protected:
         for (const char* line : before) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(line, false)) << line;
     }
 
-    ~InterruptedState() override { deleteAllFunctions(); }
+    ~EntryState() override { deleteAllFunctions(); }
 
     static std::string Line() {
         std::string line;
@@ -158,14 +159,19 @@ protected:
         for (const node* unit = calc->unitDefs.first; unit; unit = unit->next)
             text += std::string(unit->text) + "\n";
         for (const char* name : {"smoot", "span", "furl", "apple", "inch"}) text += UnitState(name);
-        text += std::string("lastAnswer ") + calc->lastAnswer + "\nlastName ";
-        text += calc->lastName ? calc->lastName : "(none)";
-        text += calc->lastValue ? "\nlastValue\n" : "\n";
+        text += std::string("lastAnswer ") + calc->lastAnswer + "\n";
         return text + GospelState();
+    }
+
+    // The variable last assigned; a preview names it too.
+    std::string LastName() const {
+        return std::string(calc->lastName ? calc->lastName : "(none)") +
+               (calc->lastValue ? " has a value" : "");
     }
 
     // Which of its two answers "gospel" gives next; asked twice, it comes back to where it was.
     std::string GospelState() {
+        calc->fullEntry = true; // as every entry sets it
         const int32_t status = calc->Calculate("gospel");
         calc->Calculate("gospel");
         return "gospel " + std::to_string(status) + "\n";
@@ -177,6 +183,7 @@ protected:
         Start();
         const std::string was = State();
         std::vector<std::string> history = History();
+        const std::string name = LastName();
         const double entries = calc->entryCount;
         checksLeft = stop;
         calc->interruptCheck = stopAtLastCheck;
@@ -189,6 +196,7 @@ protected:
         EXPECT_EQ(entries + 1, calc->entryCount);
         if (line.rfind("histstack off", 0) != 0) history.push_back(line);
         EXPECT_EQ(history, History());
+        EXPECT_EQ(name, LastName());
         ASSERT_EQ(was, State());
     }
 
@@ -200,7 +208,7 @@ protected:
 };
 
 // Rows that change nothing would show nothing.
-TEST_F(InterruptedState, everyStatementOfTheLineChangesWhatItSays) {
+TEST_F(EntryState, everyStatementOfTheLineChangesWhatItSays) {
     Start();
     for (const Row& row : rows()) {
         const std::string was = State();
@@ -213,7 +221,7 @@ TEST_F(InterruptedState, everyStatementOfTheLineChangesWhatItSays) {
     }
 }
 
-TEST_F(InterruptedState, isThatBeforeTheEntryWhereverItWasStopped) {
+TEST_F(EntryState, isThatBeforeAnInterruptedEntryWhereverItWasStopped) {
     const std::string line = Line();
     Start();
     checksLeft = 0;
@@ -233,9 +241,34 @@ TEST_F(InterruptedState, isThatBeforeTheEntryWhereverItWasStopped) {
     }
 }
 
-TEST_F(InterruptedState, isThatBeforeAnEntryOfOneStatement) {
+TEST_F(EntryState, isThatBeforeAnInterruptedEntryOfOneStatement) {
     for (const Row& row : rows()) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(row.statement, 1));
     ASSERT_NO_FATAL_FAILURE(ExpectUnchanged("new1=0" + repeated("+1", 900), 3));
+}
+
+TEST_F(EntryState, isThatBeforeAPreview) {
+    Start();
+    for (const Row& row : rows()) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(row.statement.c_str(), false));
+    const std::string after = State();
+    Start();
+    for (const Row& row : rows()) {
+        const std::string was = State();
+        const std::vector<std::string> history = History();
+        const int32_t status = calc->status;
+        const double entries = calc->entryCount;
+        const std::string echo = calc->echoText;
+        for (const std::string& line :
+             {row.statement, Line(), std::string(), std::string("1e10000;1/0"), echo}) {
+            calc->ProcessEntry(line.c_str(), true);
+            ASSERT_EQ(was, State()) << line;
+            EXPECT_EQ(history, History());
+            EXPECT_EQ(status, calc->status);
+            EXPECT_EQ(entries, calc->entryCount);
+            EXPECT_EQ(echo, calc->echoText);
+        }
+        ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(row.statement.c_str(), false)) << row.statement;
+    }
+    EXPECT_EQ(after, State());
 }
 
 } // namespace
