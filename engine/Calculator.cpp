@@ -40,9 +40,9 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     const std::vector<std::string> statements = SplitStatements(entry);
     // A single statement that is interrupted has changed nothing yet.
     if (fullEntry && interruptCheck && statements.size() > 1) {
-        const EntrySnapshot before(*this);
+        EntrySnapshot before(*this);
         RunStatements(statements);
-        if (interrupted) before.Restore(*this);
+        if (interrupted) before.Restore();
     } else {
         RunStatements(statements);
     }
@@ -163,10 +163,10 @@ void ZqCalculator::StoreResult() {
     if (!fullEntry) return;
     if (newVariable) {
         const bool allChecked = checkedVariables == vars.insertions;
-        vars.Push(newVariable.release());
+        variables.Append(newVariable.release());
         if (allChecked) checkedVariables = vars.insertions; // this name was checked when it was read
     }
-    target->SetValue(result);
+    variables.SetValue(target, result);
 }
 
 void ZqCalculator::DiscardNewTarget() {

@@ -13,6 +13,7 @@
 
 #include "Functions.h"
 #include "History.h"
+#include "NamedTerms.h"
 #include "deq.h"
 #include "qfloat.h"
 
@@ -62,6 +63,7 @@ struct WorkCounters {
     uint64_t reduced = 0; // operators applied by ProcTermsLoop
     uint64_t copied = 0;  // terms copied by expanding the calls of functions
     uint64_t names = 0;   // variables whose names were checked
+    uint64_t indexed = 0; // variables and units' lines put into the index of their names or taken out
     uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
 };
 
@@ -227,15 +229,11 @@ private:
 
     uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
 
-    // The variables by name, as they were when the list had so many insertions and nodes.
-    struct VariableIndex {
-        std::unordered_map<std::string_view, node*> byName; // of two variables of one name the first
-        uint64_t insertions = 0;
-        int32_t count = 0;
-        const node* last = nullptr;
-    };
-    mutable VariableIndex variableIndex;
-    void UpdateVariableIndex() const;
+    // They hand over what VariableExists and UnitExists find, and bring their indexes up to date for that.
+    mutable NamedTerms variables{vars, VariableName, work.indexed};
+    mutable NamedTerms unitLines{unitDefs, UnitName, work.indexed};
+    static std::string_view VariableName(std::string_view text) { return text; }
+    static std::string_view UnitName(std::string_view text);
 
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
@@ -294,7 +292,7 @@ private:
     int CheckNamesInBody();
     int AddDefinition(const std::string& name, std::string& parameters, const std::string& body);
 
-    node* AddVariable(const char* name, const qfloat value);
+    void AddVariable(const char* name, const qfloat value);
     void ForgetVariables();
     void DeleteVariable(node* variable);
 };

@@ -126,7 +126,7 @@ struct Commands {
             return Confirm(calc, "** deleted all variables **\n");
         }
         if (node* unit = calc.UnitExists(name.c_str())) {
-            calc.unitDefs.Del(unit);
+            calc.unitLines.Delete(unit);
             removeUnit(name.c_str());
             return Confirm(calc, "** deleted unit " + name + " **\n");
         }
@@ -199,7 +199,10 @@ struct Commands {
         units_new(name.c_str(), definition.c_str(), calc.ChargeForUnits(isStopped));
         if (isStopped) return STATUS_ERROR;
         if (const char* error = units_check_exception()) return calc.Fail("** ERROR: %s **\n", {error});
-        calc.unitDefs.Push(StrDuplicate("unit " + name + "=" + definition))->type = TERM_NAME;
+        auto line = std::make_unique<node>();
+        line->text = StrDuplicate("unit " + name + "=" + definition);
+        line->type = TERM_NAME;
+        calc.unitLines.Append(line.release());
         return Confirm(calc, "new unit defined: " + name + "\n");
     }
 

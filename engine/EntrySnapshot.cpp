@@ -1,39 +1,36 @@
 // SPDX-License-Identifier: MIT
 #include "EntrySnapshot.h"
 
-#include "Helpers_String.h"
 #include "units.h"
 
 #include <cstring>
 
-EntrySnapshot::EntrySnapshot(const ZqCalculator& calc)
-    : lastAnswer(calc.lastAnswer), lastName(calc.lastName ? calc.lastName : ""),
-      hasLastName(calc.lastName != nullptr), degreeMode(calc.degreeMode), sciMode(calc.sciMode),
-      sigFigs(calc.sigFigs), european(calc.european), histStack(calc.histStack),
-      displayBase(calc.displayBase), gospelShown(calc.gospelShown) {
-    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
-        variables.emplace_back();
-        variables.back().name = variable->text;
-        qmov(*variable->value, variables.back().value);
-    }
-    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) units.emplace_back(unit->text);
+EntrySnapshot::EntrySnapshot(ZqCalculator& calculator)
+    : calc(calculator), target(calc.target), lastAnswer(calc.lastAnswer), lastName(calc.lastName),
+      degreeMode(calc.degreeMode), sciMode(calc.sciMode), sigFigs(calc.sigFigs), european(calc.european),
+      histStack(calc.histStack), displayBase(calc.displayBase), gospelShown(calc.gospelShown) {
+    calc.variables.BeginChanges();
+    calc.unitLines.BeginChanges();
     funcs.BeginChanges();
     units_begin_changes();
 }
 
 EntrySnapshot::~EntrySnapshot() {
+    calc.variables.EndChanges();
+    calc.unitLines.EndChanges();
     funcs.EndChanges();
     units_end_changes();
 }
 
-void EntrySnapshot::Restore(ZqCalculator& calc) const {
+void EntrySnapshot::Restore() {
+    const bool allChecked = calc.checkedVariables == calc.vars.insertions;
+    calc.variables.UndoChanges();
+    if (allChecked) calc.checkedVariables = calc.vars.insertions; // those that came back had valid names
+    calc.unitLines.UndoChanges();
     funcs.UndoChanges();
-    calc.ForgetVariables();
-    for (const Variable& variable : variables) {
-        const node* restored = calc.AddVariable(variable.name.c_str(), variable.value);
-        if (hasLastName && variable.name == lastName) calc.lastName = restored->text;
-    }
-    RestoreUnits(calc);
+    units_undo_changes();
+    calc.target = target;
+    calc.lastName = lastName;
     memcpy(calc.lastAnswer, lastAnswer.c_str(), lastAnswer.size() + 1);
     calc.degreeMode = degreeMode;
     calc.sciMode = sciMode;
@@ -42,10 +39,4 @@ void EntrySnapshot::Restore(ZqCalculator& calc) const {
     calc.histStack = histStack;
     calc.displayBase = displayBase;
     calc.gospelShown = gospelShown;
-}
-
-void EntrySnapshot::RestoreUnits(ZqCalculator& calc) const {
-    units_undo_changes();
-    calc.unitDefs.Clear();
-    for (const std::string& line : units) calc.unitDefs.Push(StrDuplicate(line))->type = TERM_NAME;
 }

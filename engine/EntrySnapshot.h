@@ -8,29 +8,21 @@
 
 class EntrySnapshot {
 public:
-    // Keeps variables, the lines of units and settings, and has the lists of functions and units record their
-    // changes.
-    explicit EntrySnapshot(const ZqCalculator& calc);
+    // Keeps the settings and has variables, functions and units record their changes. The calculator has to live
+    // longer.
+    explicit EntrySnapshot(ZqCalculator& calculator);
     ~EntrySnapshot();
     EntrySnapshot(const EntrySnapshot&) = delete;
     EntrySnapshot& operator=(const EntrySnapshot&) = delete;
 
     // Puts everything back.
-    void Restore(ZqCalculator& calc) const;
+    void Restore();
 
 private:
-    struct Variable {
-        std::string name;
-        qfloat value;
-    };
-
-    void RestoreUnits(ZqCalculator& calc) const;
-
-    std::vector<Variable> variables;
-    std::vector<std::string> units;
+    ZqCalculator& calc;
+    node* target;
     std::string lastAnswer;
-    std::string lastName;
-    bool hasLastName;
+    char* lastName; // of a variable, which comes back as the same term
     bool degreeMode;
     int32_t sciMode;
     int32_t sigFigs;

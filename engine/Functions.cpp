@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <unordered_map>
 
@@ -68,7 +69,7 @@ void Function::FuncToStr(char* out) const {
 
 CFunctionList::~CFunctionList() {
     EndChanges();
-    for (Function* function : functions) delete function;
+    for (const auto& [number, function] : functions) delete function;
 }
 
 static void addParameters(Function* function, char* argText) {
@@ -101,32 +102,50 @@ static std::string folded(const char* name) {
     return key;
 }
 
-void CFunctionList::Unindex(const Function* function) {
-    const auto found = byName.find(folded(function->name));
-    if (found == byName.end()) return;
-    std::vector<Function*>& namesakes = found->second;
-    namesakes.erase(std::remove(namesakes.begin(), namesakes.end(), function), namesakes.end());
-    if (namesakes.empty()) byName.erase(found);
-}
-
-const std::vector<Function*>& CFunctionList::Namesakes(const char* name) const {
-    static const std::vector<Function*> none;
+const CFunctionList::Row& CFunctionList::Namesakes(const char* name) const {
+    static const Row none;
     const auto found = byName.find(folded(name));
     return found == byName.end() ? none : found->second;
 }
 
 Function* CFunctionList::FindNamesake(const char* name, int32_t argCount, bool isPredefined) const {
     for (Function* candidate : Namesakes(name)) {
+        visited++;
         if (argCount == candidate->argCount && isPredefined == (candidate->body == nullptr)) return candidate;
     }
     return nullptr;
 }
 
-void CFunctionList::Append(Function* function) {
-    functions.push_back(function);
-    byName[folded(function->name)].push_back(function);
-    if (recording) changes.push_back({function, functions.size() - 1, true});
+// A function that comes back may belong in front of others.
+void CFunctionList::InsertInRow(Row& row, Function* function) const {
+    const auto isBefore = [this](const Function* a, const Function* b) {
+        return numbers.at(a) < numbers.at(b);
+    };
+    row.insert(std::upper_bound(row.begin(), row.end(), function, isBefore), function);
+}
+
+void CFunctionList::Insert(Function* function, uint64_t number) {
+    functions.emplace(number, function);
+    numbers.emplace(function, number);
+    InsertInRow(byName[folded(function->name)], function);
+    if (!function->body) InsertInRow(predefined, function);
     TabCompleteReset();
+}
+
+Function* CFunctionList::Take(uint64_t number) {
+    const auto place = functions.find(number);
+    Function* const function = place->second;
+    const auto removeFrom = [function](Row& row) {
+        row.erase(std::remove(row.begin(), row.end(), function), row.end());
+    };
+    const auto namesakes = byName.find(folded(function->name));
+    removeFrom(namesakes->second);
+    if (namesakes->second.empty()) byName.erase(namesakes);
+    if (!function->body) removeFrom(predefined);
+    numbers.erase(function);
+    functions.erase(place);
+    TabCompleteReset();
+    return function;
 }
 
 // Registration compares names alone: the rule for names that begin with "log" answers look-ups and keeps
@@ -135,12 +154,12 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
     Function* function = new Function;
     function->name = StrDuplicate(name);
     addParameters(function, argText);
-    const Function* predefined = FindNamesake(name, function->argCount, true);
-    if (body && !predefined) {
+    const Function* builtin = FindNamesake(name, function->argCount, true);
+    if (body && !builtin) {
         const Function* answer = FunctionExists(name, function->argCount);
-        if (answer && !answer->body) predefined = answer;
+        if (answer && !answer->body) builtin = answer;
     }
-    if (predefined) {
+    if (builtin) {
         delete function;
         return nullptr;
     }
@@ -150,49 +169,54 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         body->CopyTo(function->body);
         bindParameters(function);
     }
-    Append(function);
+    Insert(function, ++lastNumber);
+    if (recording) changes.push_back({function, lastNumber, true});
     return function;
 }
 
 void CFunctionList::DeleteFunction(const Function* function) {
-    const auto found = std::find(functions.begin(), functions.end(), function);
-    if (found == functions.end()) return;
-    const auto position = found - functions.begin();
-    Unindex(function);
+    const auto found = numbers.find(function);
+    if (found == numbers.end()) return;
+    const uint64_t number = found->second;
+    Function* const taken = Take(number);
     if (recording)
-        changes.push_back({*found, static_cast<size_t>(position), false});
+        changes.push_back({taken, number, false});
     else
-        delete *found;
-    functions.erase(found);
-    if (position <= current) current--; // GetNext goes on behind the deleted one
-    TabCompleteReset();
+        delete taken;
 }
 
+// The first of those that answer: a predefined function, for names that begin with "log", or one of the name.
 Function* CFunctionList::FunctionExists(const char* name, int32_t argCount) const {
-    if (!strIsEqualNI(name, "log", 3)) return FindByName(name, argCount);
-    for (Function* candidate : functions) {
-        if (argCount != -1 && candidate->argCount != argCount) continue;
-        if (!candidate->body || strIsEqualI(candidate->name, name)) return candidate;
-    }
-    return nullptr;
+    Function* const named = FindByName(name, argCount);
+    if (!strIsEqualNI(name, "log", 3)) return named;
+    const auto answers = [this, argCount](const Function* f) {
+        visited++;
+        return argCount == -1 || f->argCount == argCount;
+    };
+    const auto found = std::find_if(predefined.begin(), predefined.end(), answers);
+    if (found == predefined.end()) return named;
+    return named && numbers.at(named) < numbers.at(*found) ? named : *found;
 }
 
 Function* CFunctionList::FindByName(const char* name, int32_t argCount) const {
     for (Function* candidate : Namesakes(name)) {
+        visited++;
         if (argCount == -1 || candidate->argCount == argCount) return candidate;
     }
     return nullptr;
 }
 
 Function* CFunctionList::Get(int index) {
-    current = std::max(index, 0) - 1;
+    current = 0;
+    for (int i = 0; i < index && GetNext(); i++) continue;
     return GetNext();
 }
 
+// A deleted function needs no attention: those behind it have greater numbers.
 Function* CFunctionList::GetNext() {
-    const auto end = static_cast<ptrdiff_t>(functions.size());
-    if (current < end) current++;
-    return current < end ? functions[static_cast<size_t>(current)] : nullptr;
+    const auto next = functions.upper_bound(current);
+    current = next == functions.end() ? UINT64_MAX : next->first;
+    return next == functions.end() ? nullptr : next->second;
 }
 
 void CFunctionList::TabCompleteReset() {
@@ -202,8 +226,9 @@ void CFunctionList::TabCompleteReset() {
 Function* CFunctionList::FindTabComplete(const char* prefix) {
     const auto count = static_cast<int32_t>(functions.size());
     const size_t length = strlen(prefix);
-    for (tabIndex = tabIndex > count ? count - 1 : tabIndex - 1; tabIndex >= 0; tabIndex--) {
-        Function* function = functions[static_cast<size_t>(tabIndex)];
+    tabIndex = tabIndex > count ? count - 1 : tabIndex - 1;
+    for (auto place = std::next(functions.begin(), std::max(tabIndex + 1, 0)); tabIndex >= 0; tabIndex--) {
+        Function* const function = (--place)->second;
         if (strIsEqualNI(function->name, prefix, length)) return function;
     }
     TabCompleteReset();
@@ -220,19 +245,13 @@ void CFunctionList::BeginChanges() {
 void CFunctionList::UndoChanges() {
     for (; !changes.empty(); changes.pop_back()) {
         const Change& change = changes.back();
-        const auto place = functions.begin() + static_cast<ptrdiff_t>(change.position);
-        if (change.added) {
-            delete change.function;
-            functions.erase(place);
-        } else {
-            functions.insert(place, change.function);
-        }
+        if (change.added)
+            delete Take(change.number);
+        else
+            Insert(change.function, change.number);
     }
-    byName.clear();
-    for (Function* function : functions) byName[folded(function->name)].push_back(function);
     recording = false;
-    current = static_cast<ptrdiff_t>(functions.size());
-    TabCompleteReset();
+    current = UINT64_MAX;
 }
 
 void CFunctionList::EndChanges() {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -77,6 +78,9 @@ public:
     // above the list's length, means that the next search starts at the newest.
     int32_t tabIndex = 99;
 
+    // The functions that look-ups by name compared so far. Tests hold it against the number of look-ups.
+    mutable uint64_t visited = 0;
+
     // From BeginChanges on, UndoChanges puts the list back and EndChanges keeps it as it is. One of them ends
     // what BeginChanges began.
     void BeginChanges();
@@ -87,22 +91,30 @@ private:
     // What was done to the list since BeginChanges. A removed function is kept until the end.
     struct Change {
         Function* function;
-        size_t position;
+        uint64_t number;
         bool added;
     };
 
+    using Row = std::vector<Function*>; // some of the functions, in the order of the list
+
     Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
-    void Append(Function* function);
-    void Unindex(const Function* function);
+    void Insert(Function* function, uint64_t number);
+    Function* Take(uint64_t number);
+    void InsertInRow(Row& row, Function* function) const;
 
-    // The functions with this name, case ignored, in the order of the list.
-    const std::vector<Function*>& Namesakes(const char* name) const;
+    // The functions with this name, case ignored.
+    const Row& Namesakes(const char* name) const;
 
-    std::vector<Function*> functions;
-    std::unordered_map<std::string, std::vector<Function*>> byName; // by the name in lower case
+    // Every function gets a greater number than those before it; with it, it is found, taken out and put back.
+    std::map<uint64_t, Function*> functions;
+    std::unordered_map<const Function*, uint64_t> numbers;
+    uint64_t lastNumber = 0;
+
+    Row predefined;
+    std::unordered_map<std::string, Row> byName; // by the name in lower case
     std::vector<Change> changes;
     bool recording = false;
-    ptrdiff_t current = -1; // the position of Get and GetNext
+    uint64_t current = 0; // number of the function that Get or GetNext gave
 };
 
 // Every function of the process.

@@ -29,49 +29,31 @@ bool ZqCalculator::IsValidArgList(const char* text) {
     return true;
 }
 
-// A line asks for every name in it, and a preview is evaluated at every key press. Insertions only grow, so that
-// they and the number of nodes tell every change of the list. One more variable at the end is the usual one.
-void ZqCalculator::UpdateVariableIndex() const {
-    VariableIndex& index = variableIndex;
-    if (index.insertions == vars.insertions && index.count == vars.count) return;
-    const bool isOneMore = vars.insertions == index.insertions + 1 && vars.count == index.count + 1 &&
-                           vars.last->prev == index.last;
-    node* variable = vars.last;
-    if (!isOneMore) {
-        index.byName.clear();
-        variable = vars.first;
-    }
-    for (; variable; variable = variable->next) {
-        if (variable->text) index.byName.emplace(variable->text, variable);
-    }
-    index.insertions = vars.insertions;
-    index.count = vars.count;
-    index.last = vars.last;
+node* ZqCalculator::VariableExists(const char* name) const {
+    return variables.Find(name);
 }
 
-node* ZqCalculator::VariableExists(const char* name) const {
-    UpdateVariableIndex();
-    const auto found = variableIndex.byName.find(name);
-    return found == variableIndex.byName.end() ? nullptr : found->second;
+// Of "unit name=definition".
+std::string_view ZqCalculator::UnitName(std::string_view text) {
+    const std::string_view head = "unit ";
+    if (text.substr(0, head.size()) != head) return "";
+    return text.substr(head.size(), text.find('=') - head.size());
 }
 
 node* ZqCalculator::UnitExists(const char* name) const {
-    const std::string head = "unit " + std::string(name) + "=";
-    for (node* line = unitDefs.first; line; line = line->next) {
-        if (line->text && strncmp(line->text, head.c_str(), head.size()) == 0) return line;
-    }
-    return nullptr;
+    return unitLines.Find(name);
 }
 
-node* ZqCalculator::AddVariable(const char* name, const qfloat value) {
-    node* variable = vars.Push(StrDuplicate(name));
+void ZqCalculator::AddVariable(const char* name, const qfloat value) {
+    node* variable = new node;
     variable->type = TERM_NAME;
-    variable->SetValue(value);
-    return variable;
+    variable->text = StrDuplicate(name);
+    variables.Append(variable);
+    variables.SetValue(variable, value);
 }
 
 void ZqCalculator::ForgetVariables() {
-    vars.Clear();
+    variables.DeleteAll();
     target = nullptr;
     lastValue = nullptr;
     lastName = nullptr;
@@ -83,7 +65,7 @@ void ZqCalculator::DeleteVariable(node* variable) {
         lastValue = nullptr;
     }
     if (target == variable) target = nullptr;
-    vars.Del(variable);
+    variables.Delete(variable);
 }
 
 void ZqCalculator::InitializeVarsList() {

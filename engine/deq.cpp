@@ -123,12 +123,17 @@ node* Deq::Get(int i) const {
     return term;
 }
 
+node* Deq::Take(node* term) {
+    (term->prev ? term->prev->next : first) = term->next;
+    (term->next ? term->next->prev : last) = term->prev;
+    term->prev = term->next = nullptr;
+    count--;
+    return term;
+}
+
 node* Deq::Del(node* term) {
     node* before = term->prev;
-    (before ? before->next : first) = term->next;
-    (term->next ? term->next->prev : last) = before;
-    delete term;
-    count--;
+    delete Take(term);
     return before;
 }
 

@@ -124,6 +124,9 @@ public:
     // writes "no parent!!!" to standard output and gives null.
     node* Get(int i) const;
 
+    // Unlinks a node of this list, which the caller then owns. Returns it.
+    node* Take(node* term);
+
     // Unlinks and frees a node of this list. Returns the node before it, null when it was the first.
     // The second form does nothing past the end.
     node* Del(node* term);

@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: MIT
+//
+// Terms found by name, and changes that are taken back: each costs what it touches.
+#include "Helpers_String.h"
+#include "NamedTerms.h"
+#include "functions_fixture.h"
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include <malloc.h>
+
+namespace {
+
+node* makeTerm(const std::string& name, double value) {
+    node* term = new node;
+    term->text = StrDuplicate(name);
+    qfloat number;
+    etoq(&value, number);
+    term->SetValue(number);
+    return term;
+}
+
+// Addresses, names and values in the order of the list.
+std::vector<std::string> contentsOf(const Deq& list) {
+    std::vector<std::string> contents;
+    for (const node* term = list.first; term; term = term->next) {
+        contents.push_back(std::to_string(reinterpret_cast<uintptr_t>(term)) + term->text);
+        if (term->value) contents.back().append(reinterpret_cast<const char*>(term->value), sizeof(qfloat));
+    }
+    return contents;
+}
+
+class NamedTermsTest : public testing::Test {
+protected:
+    Deq list;
+    uint64_t work = 0;
+    NamedTerms terms{list, [](std::string_view text) { return text; }, work};
+
+    node* FirstOf(const std::string& name) const {
+        node* term = list.first;
+        while (term && name != term->text) term = term->next;
+        return term;
+    }
+};
+
+TEST_F(NamedTermsTest, aChangeCostsItselfHoweverLongTheListIs) {
+    for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
+    EXPECT_EQ(list.last, terms.Find("v4999"));
+    EXPECT_LE(work, 5000u);
+    work = 0;
+    for (int i = 0; i < 5000; i += 10) {
+        terms.Delete(terms.Find("v" + std::to_string(i)));
+        EXPECT_EQ(nullptr, terms.Find("v" + std::to_string(i)));
+        terms.Append(makeTerm("v" + std::to_string(i), -i));
+        EXPECT_EQ(list.last, terms.Find("v" + std::to_string(i)));
+    }
+    EXPECT_EQ(2u * 500u, work);
+}
+
+TEST_F(NamedTermsTest, takingBackCostsTheChanges) {
+    for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
+    terms.Find("v0");
+    work = 0;
+    const auto before = contentsOf(list);
+    terms.BeginChanges();
+    terms.Delete(terms.Find("v17"));
+    terms.SetValue(terms.Find("v18"), qpi);
+    terms.Append(makeTerm("new", 1));
+    terms.UndoChanges();
+    EXPECT_EQ(before, contentsOf(list));
+    EXPECT_NE(nullptr, terms.Find("v17"));
+    EXPECT_EQ(nullptr, terms.Find("new"));
+    EXPECT_EQ(4u, work); // two changes of the names, there and back
+}
+
+TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
+    constexpr unsigned seed = 20261122;
+    std::mt19937 random(seed);
+    for (int round = 0; round < 300; round++) {
+        const auto before = contentsOf(list);
+        terms.BeginChanges();
+        for (unsigned n = random() % 12; n > 0; n--) {
+            const std::string name = "v" + std::to_string(random() % 30);
+            node* const term = terms.Find(name);
+            ASSERT_EQ(FirstOf(name), term) << "seed " << seed;
+            const auto kind = random() % 8;
+            if (kind == 0 && n % 4 == 0)
+                terms.DeleteAll();
+            else if (!term || kind == 1) // sometimes of one name with another
+                terms.Append(makeTerm(name, n));
+            else if (kind < 4)
+                terms.Delete(term);
+            else
+                terms.SetValue(term, kind < 6 ? qpi : qone);
+        }
+        if (random() % 3 == 0) {
+            terms.EndChanges();
+        } else {
+            terms.UndoChanges();
+            ASSERT_EQ(before, contentsOf(list)) << "seed " << seed;
+        }
+        for (int i = 0; i < 30; i++) {
+            const std::string name = "v" + std::to_string(i);
+            ASSERT_EQ(FirstOf(name), terms.Find(name)) << "seed " << seed;
+        }
+    }
+}
+
+// --- The same seen from the engine ---
+
+class CostOfChanges : public Functions {
+protected:
+    CostOfChanges() {
+        for (int i = 0; i < 2000; i++) Enter("v" + std::to_string(i) + "=1");
+        for (int i = 0; i < 500; i++) Enter("unit " + UnitName(i) + "=2 m");
+    }
+
+    static std::string UnitName(int i) {
+        std::string name = "Qq";
+        for (; i != 0; i /= 26) name += static_cast<char>('a' + i % 26);
+        return name;
+    }
+};
+
+size_t bytesBefore = 0;
+size_t mostBytes = 0;
+int asked = 0;
+
+bool weigh() {
+    asked++;
+    mostBytes = std::max(mostBytes, mallinfo2().uordblks);
+    return false;
+}
+
+// What an entry of several statements keeps, in case that it is interrupted.
+TEST_F(CostOfChanges, anEntryOfTwoStatementsCopiesNoVariables) {
+    calc.interruptCheck = weigh;
+    Enter("v1=2;v2=3");
+    bytesBefore = mostBytes = mallinfo2().uordblks;
+    asked = 0;
+    Enter("v1=2;v2=3");
+    EXPECT_EQ(2, asked);
+    EXPECT_LT(mostBytes - bytesBefore, 60000u); // 2,000 variables of 56 bytes each
+    calc.interruptCheck = nullptr;
+}
+
+TEST_F(CostOfChanges, deletingBuildsNoIndex) {
+    for (const char* entry : {"del v7", "v7=1", "v8=2", "del v1999", "unit Qqzzz=3 m", "del Qqzzz"}) {
+        EXPECT_NE(STATUS_ERROR, Enter(entry)) << entry << calc.message;
+        EXPECT_LE(calc.work.indexed, 1u) << entry;
+        EXPECT_NE(nullptr, calc.VariableExists("v1000"));
+        EXPECT_NE(nullptr, calc.UnitExists(UnitName(300).c_str()));
+        EXPECT_LE(calc.work.indexed, 1u) << entry;
+    }
+}
+
+TEST_F(CostOfChanges, anInterruptedEntryPutsBackTheSameTerms) {
+    DefineChain(25);
+    const auto variables = contentsOf(calc.vars);
+    const auto units = contentsOf(calc.unitDefs);
+    const uint64_t insertions = calc.vars.insertions;
+    const char* const lastName = calc.lastName;
+    static int left = 0;
+    calc.interruptCheck = [] { return --left <= 0; };
+    left = 9;
+    EXPECT_EQ("** ERROR: interrupted **\n",
+              Answer("v5=7; del v6; new=8; del Qqb; unit Qqzzz=m; v5=9; del v5; f25(1)"));
+    calc.interruptCheck = nullptr;
+    EXPECT_EQ(variables, contentsOf(calc.vars));
+    EXPECT_EQ(units, contentsOf(calc.unitDefs));
+    EXPECT_EQ(insertions + 3, calc.vars.insertions); // the new one, and two that came back
+    EXPECT_EQ(lastName, calc.lastName);
+    EXPECT_EQ("ans = 1\n", Answer("v6"));
+}
+
+// The names of logarithms ask whether a predefined function answers: not every function.
+TEST_F(Functions, namesOfLogarithmsAreLookedUpWithoutAWalk) {
+    for (int i = 0; i < 1000; i++) {
+        Enter("log_" + std::to_string(i) + "(x,y)=x");
+    }
+    funcs.visited = 0;
+    for (int i = 0; i < 1000; i++) {
+        const std::string name = "log_" + std::to_string(i);
+        EXPECT_EQ(name, funcs.FunctionExists(name.c_str(), 2)->name);
+        EXPECT_EQ(nullptr, funcs.FunctionExists(name.c_str(), 3));
+        EXPECT_EQ(nullptr, funcs.FunctionExists(name.c_str(), 1)->body);
+    }
+    EXPECT_LE(funcs.visited, 1000u * 80u); // the predefined ones, up to three times
+    EXPECT_EQ("ans = 4\n", Answer("log_7(4,5)"));
+}
+
+TEST_F(Functions, aLogarithmsNameIsAnsweredByTheFirstThatFits) {
+    Enter("log_a(x,y)=x");
+    EXPECT_STREQ("log_a", funcs.FunctionExists("log_a", 2)->name);
+    const Function* const first = funcs.Get(0);
+    EXPECT_EQ(first, funcs.FunctionExists("log_a", -1));
+    while (const Function* function = funcs.FunctionExists("log_a", 1)) {
+        ASSERT_EQ(nullptr, function->body);
+        funcs.DeleteFunction(function);
+    }
+    EXPECT_STREQ("log_a", funcs.FunctionExists("LOG_A", -1)->name);
+    char parameters[] = "x,y";
+    funcs.AddFunction("late", parameters, nullptr);
+    EXPECT_STREQ("log_a", funcs.FunctionExists("log_a", 2)->name); // it is the earlier one
+    EXPECT_STREQ("late", funcs.FunctionExists("log_b", -1)->name);
+}
+
+} // namespace
