@@ -6,6 +6,8 @@
 #import "Platform.h"
 #import "WebQuery.h"
 
+#include "ConsoleCommand.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -21,15 +23,6 @@ static const size_t QUICK_HEAD = 6;
 
 static void copyBounded(char* out, size_t size, const char* text) {
     snprintf(out, size, "%s", text);
-}
-
-// Whether the command is the word with a number behind it, as in pause500.
-static bool hasNumber(const char* command, const char* word, long& number) {
-    const size_t length = strlen(word);
-    if (strncmp(command, word, length) != 0) return false;
-    char* end = nullptr;
-    number = strtol(command + length, &end, 0);
-    return end != command + length;
 }
 
 @implementation MainConsole (Runner)
@@ -122,7 +115,7 @@ static bool hasNumber(const char* command, const char* word, long& number) {
     const std::string command = calc.message; // a preview meanwhile would empty it
     long number = 0;
     const bool isTimed =
-        hasNumber(command.c_str(), "pause", number) || hasNumber(command.c_str(), "echo", number);
+        CommandHasNumber(command, "pause", number) || CommandHasNumber(command, "echo", number);
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
     [self RunGUICommand:command.c_str()];
     if (!line && isTimed) [self insertPrompt];
@@ -145,12 +138,12 @@ static bool hasNumber(const char* command, const char* word, long& number) {
     long number = 0;
     if (strcmp(command, "clear") == 0) [self clearConsole];
     if (strcmp(command, "exit") == 0) [[self window] close];
-    if (hasNumber(command, "pause", number)) [self pause:number];
+    if (CommandHasNumber(command, "pause", number)) [self pause:number];
     if (strcmp(command, "echorep") == 0) {
         [self replacePrompt:calc.echoText];
         [self displayIfNeeded];
     }
-    if (hasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
+    if (CommandHasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
     if (strcmp(command, "convert") == 0) [self askService:std::string(calc.echoText)];
     if (strcmp(command, "gospel") == 0) [self openWebPage];
 }
@@ -170,15 +163,13 @@ static bool hasNumber(const char* command, const char* word, long& number) {
 
 - (void)pause:(long)milliseconds {
     [self displayIfNeeded];
-    const bool isUsual = milliseconds >= 0 && milliseconds <= 5000;
-    [self waitMilliseconds:isUsual ? milliseconds : 1000];
+    [self waitMilliseconds:PauseLength(milliseconds)];
 }
 
 - (void)typeOut:(const std::string&)text rate:(long)rate {
-    if (rate == 0 || rate > 100) rate = 1000;
-    const long wait = 1000 / rate;
+    const long wait = WaitBetweenCharacters(rate);
     for (size_t i = 0; i < text.size(); i++) {
-        if (i > 0 && wait >= 2 && ![self waitMilliseconds:wait]) break;
+        if (i > 0 && wait > 0 && ![self waitMilliseconds:wait]) break;
         const char character[] = {text[i], '\0'};
         [self gotoEnd];
         [self insertText:textFromBytes(character)];

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include "ConsoleCommand.h"
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"
@@ -35,15 +36,6 @@ void setDefaults(ZqCalculator& calc) {
 bool canClear(int descriptor) {
     const char* const kind = std::getenv("TERM");
     return isatty(descriptor) == 1 && kind != nullptr && std::strcmp(kind, "dumb") != 0;
-}
-
-// Whether the command is the word with a number behind it, as in pause500.
-bool hasNumber(std::string_view command, std::string_view word, long& number) {
-    if (command.substr(0, word.size()) != word) return false;
-    const std::string rest(command.substr(word.size()));
-    char* end = nullptr;
-    number = std::strtol(rest.c_str(), &end, 0);
-    return end != rest.c_str();
 }
 
 // The length of the character at the front of the text.
@@ -116,27 +108,25 @@ Session::Outcome Session::carryOut(std::string_view command) {
         return writeAll(answers_, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
     long number = 0;
-    if (hasNumber(command, "pause", number)) return pause(number);
+    if (CommandHasNumber(command, "pause", number)) return pause(number);
     if (command == "echorep") return answer(calc_.echoText);
-    if (hasNumber(command, "echo", number)) return typeOut(ShownText(calc_.echoText), number);
+    if (CommandHasNumber(command, "echo", number)) return typeOut(ShownText(calc_.echoText), number);
     if (command == "convert") return convert(calc_.echoText);
     if (command == "gospel") return openWebPage();
     return refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
 }
 
 Session::Outcome Session::pause(long milliseconds) {
-    const bool isUsual = milliseconds >= 0 && milliseconds <= 5000;
-    return sleepUnlessInterrupted(isUsual ? milliseconds : 1000) ? Outcome::Answered : Outcome::Interrupted;
+    return sleepUnlessInterrupted(PauseLength(milliseconds)) ? Outcome::Answered : Outcome::Interrupted;
 }
 
 Session::Outcome Session::typeOut(std::string_view text, long rate) {
-    if (rate == 0 || rate > 100) rate = 1000;
-    const long wait = rate > 0 ? 1000 / rate : 0;
+    const long wait = WaitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
         if (!writeAll(answers_, text.substr(0, length))) return Outcome::OutputLost;
         text.remove_prefix(length);
-        if (wait >= 2 && !text.empty()) sleepUnlessInterrupted(wait);
+        if (wait > 0 && !text.empty()) sleepUnlessInterrupted(wait);
         if (isInterrupted()) return Outcome::Interrupted;
     }
     return Outcome::Answered;

@@ -188,16 +188,13 @@ TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
     const auto answer = static_cast<NSUInteger>(text().rfind("= 3") + 2);
     selections.clear();
     [console copy:nil];
-    const auto end = Clock::now();
     ASSERT_EQ(6U, selections.size());
     for (size_t i = 0; i < 6; i++) {
         const bool isAnswer = i % 2 == 0;
         EXPECT_EQ(isAnswer ? answer : place, selections[i].range.location);
         EXPECT_EQ(isAnswer ? 1U : 0U, selections[i].range.length);
-        const auto next = i < 5 ? selections[i + 1].when : end;
-        if (i < 5) EXPECT_LE(std::chrono::milliseconds(80), next - selections[i].when);
+        if (i < 5) EXPECT_LE(std::chrono::milliseconds(80), selections[i + 1].when - selections[i].when);
     }
-    EXPECT_GT(std::chrono::seconds(10), end - selections[0].when);
     EXPECT_EQ(place, cursor());
     EXPECT_EQ("", selected());
     EXPECT_EQ("45", entry());
@@ -368,9 +365,7 @@ TEST_F(Clipboard, whatFitsIntoAnEntryIsPasted) {
 TEST_F(Clipboard, moreIsRefusedAtOnceAndNothingIsLost) {
     type("45");
     for (const size_t size : {size_t(9998), size_t(1) << 20}) {
-        const auto begin = Clock::now();
         pasteText(std::string(size, '1').c_str());
-        EXPECT_GT(std::chrono::seconds(10), Clock::now() - begin);
         EXPECT_EQ("45", entry());
         EXPECT_EQ("The text is too long for an entry.", status());
         EXPECT_EQ(size, pasteboard().size());
@@ -388,9 +383,7 @@ TEST_F(Clipboard, theLengthCountsAsOneLine) {
     EXPECT_TRUE(entry().empty());
     EXPECT_EQ("The text is too long for an entry.", status());
     for (int i = 0; i < 500000; i++) lines += "1\n";
-    const auto begin = Clock::now();
     pasteText(lines.c_str());
-    EXPECT_GT(std::chrono::seconds(10), Clock::now() - begin);
     EXPECT_TRUE(entry().empty());
 }
 

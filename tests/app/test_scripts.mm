@@ -325,9 +325,7 @@ TEST_F(Scripts, aPauseWaits) {
 
 TEST_F(Scripts, escapeWhileALinePausesEndsTheReplayBehindThatLine) {
     post(@"\033");
-    const auto start = std::chrono::steady_clock::now();
     const std::string output = replay("x=5\npause 5000\nx=6\n");
-    EXPECT_LT(seconds(start), 3);
     EXPECT_EQ(variable("x"), "5");
     EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
     EXPECT_FALSE(scriptInterrupted);

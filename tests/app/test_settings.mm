@@ -174,7 +174,7 @@ TEST_F(Settings, whatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
     enter("mode rad");
     enter("scimode eng");
     enter("display hex");
-    run(1.3);
+    for (int i = 0; i < 100 && storedNumber("dispbase") != 16; i++) run(0.05);
     EXPECT_EQ(storedNumber("sigfigs"), 20);
     EXPECT_EQ(storedNumber("degmode"), 0);
     EXPECT_EQ(storedNumber("scimode"), 3);
@@ -186,6 +186,6 @@ TEST_F(Settings, anEntryAtTheMomentOfTheWriteIsNotForgotten) {
     enter("1+1");
     usleep(950000);
     enter("sigfigs 20");
-    run(1.3);
+    for (int i = 0; i < 100 && storedNumber("sigfigs") != 20; i++) run(0.05);
     EXPECT_EQ(storedNumber("sigfigs"), 20);
 }

@@ -185,6 +185,12 @@ Result pipeThrough(const std::string& input) {
     return runProgram(invocation);
 }
 
+TerminalSetup withEcho() {
+    TerminalSetup setup;
+    setup.echo = true;
+    return setup;
+}
+
 Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetup& setup) {
     int slave = kNoDescriptor;
     if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
@@ -219,19 +225,28 @@ void Terminal::type(const std::string& keys) {
     EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
 }
 
-std::string Terminal::readUntil(const std::string& end) {
+std::string Terminal::readUntil(const std::string& end, int patience) {
     std::string shown;
-    const auto deadline = Clock::now() + std::chrono::seconds(10);
+    const auto deadline = Clock::now() + std::chrono::milliseconds(patience);
     const auto complete = [&] {
         return shown.size() >= end.size() && shown.compare(shown.size() - end.size(), end.size(), end) == 0;
     };
     while (!complete() && Clock::now() < deadline) {
         pollfd waiting = {master_, POLLIN, 0};
-        if (poll(&waiting, 1, 100) <= 0) continue;
+        if (poll(&waiting, 1, 20) <= 0) continue;
         char block[4096];
         const ssize_t count = read(master_, block, sizeof block);
         if (count <= 0) break; // the program has left the terminal
         shown.append(block, static_cast<std::size_t>(count));
+    }
+    return shown;
+}
+
+std::string Terminal::interruptUntil(const std::string& end) {
+    std::string shown;
+    for (int i = 0; i < 200 && shown.find(end) == std::string::npos; ++i) {
+        type("\x03");
+        shown += readUntil(end, 50);
     }
     return shown;
 }

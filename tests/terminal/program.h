@@ -49,6 +49,9 @@ struct TerminalSetup {
     int ignoredSignal = 0;    // the program starts with this signal ignored
 };
 
+// A terminal that shows what is typed.
+TerminalSetup withEcho();
+
 // A pseudo-terminal with the program behind it. The terminal neither echoes nor translates line ends, so that
 // what is read is what the program wrote.
 class Terminal {
@@ -60,8 +63,12 @@ public:
 
     void type(const std::string& keys);
 
-    // Everything shown since the last call, read until it ends with `end` or ten seconds have passed.
-    std::string readUntil(const std::string& end);
+    // Everything shown since the last call, read until it ends with `end` or so many milliseconds have passed.
+    std::string readUntil(const std::string& end, int patience = 10000);
+
+    // Presses Ctrl-C, again and again, until what is shown ends with `end`. Returns all of that. One key may come too
+    // early, before the entry that is to be interrupted runs; one more may come too late and show another prompt.
+    std::string interruptUntil(const std::string& end);
 
     // Sends a signal to the program (to the shell, with one).
     void signal(int number);

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Descriptor.h"
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <pthread.h>
 #include <string>
 #include <thread>
@@ -27,22 +29,32 @@ protected:
     }
     void setNonBlocking(int i) const { fcntl(ends_[i], F_SETFL, O_NONBLOCK); }
 
-    // Everything up to the end, a little at a time and late, so that the pipe fills up.
-    std::string drainSlowly() const {
+    // Everything up to the end, each time as late as can be: when the pipe is full or nothing more comes.
+    std::string drainLate(const std::atomic<bool>& isOver) const {
         std::string all;
         char block[40000];
         for (;;) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            while (!isOver && isWritable()) std::this_thread::yield();
             const ssize_t count = read(ends_[0], block, sizeof block);
             if (count <= 0) return all;
             all.append(block, static_cast<std::size_t>(count));
         }
     }
 
+    // Whether the pipe has room.
+    bool isWritable() const {
+        pollfd end = {ends_[1], POLLOUT, 0};
+        return poll(&end, 1, 0) == 1 && (end.revents & POLLOUT) != 0;
+    }
+
     int ends_[2] = {-1, -1};
 };
 
-void ignoreSignal(int) {}
+volatile std::sig_atomic_t signals = 0;
+
+void countSignal(int) {
+    signals = signals + 1;
+}
 
 std::string manyDigits() {
     std::string digits;
@@ -54,8 +66,10 @@ TEST_F(DescriptorTest, WritesEverythingIntoAPipeThatFillsUp) {
     setNonBlocking(1);
     const std::string text = manyDigits(); // a megabyte; a pipe takes 64 KiB
     std::string read;
-    std::thread reader([&] { read = drainSlowly(); });
+    std::atomic<bool> isOver{false};
+    std::thread reader([&] { read = drainLate(isOver); });
     EXPECT_TRUE(writeAll(ends_[1], text));
+    isOver = true;
     closeEnd(1);
     reader.join();
     EXPECT_TRUE(read == text);
@@ -75,13 +89,14 @@ TEST_F(DescriptorTest, WaitsForInputThatIsNotThereYet) {
 
 TEST_F(DescriptorTest, AnInterruptedReadGoesOn) {
     struct sigaction action = {};
-    action.sa_handler = ignoreSignal; // without SA_RESTART: the read comes back with EINTR
+    action.sa_handler = countSignal; // without SA_RESTART: the read comes back with EINTR
     sigaction(SIGUSR1, &action, nullptr);
     const pthread_t reader = pthread_self();
     std::thread writer([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        pthread_kill(reader, SIGUSR1);
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        while (signals < 5) {
+            pthread_kill(reader, SIGUSR1);
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
         EXPECT_EQ(write(ends_[1], "x", 1), 1);
     });
     char byte = 0;

@@ -49,7 +49,8 @@ TEST(Options, TheFirstDecidingOptionWins) {
 }
 
 TEST(Options, AnUnknownOptionIsRefusedByName) {
-    for (const char* const wrong : {"-5+3", "-", "-h", "--hel", "--help=1", "--trace=yes", "--no-files", "---"}) {
+    for (const char* const wrong :
+         {"-5+3", "-", "-h", "--hel", "--help=1", "--trace=yes", "--no-files", "---"}) {
         const Options options = parse({wrong});
         EXPECT_EQ(options.action, Options::Action::RefuseUsage) << wrong;
         EXPECT_EQ(options.refused, wrong);

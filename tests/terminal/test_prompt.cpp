@@ -137,12 +137,6 @@ TEST(Prompt, ErasesCharactersWordsAndLines) {
     EXPECT_EQ(terminal.readUntil("> "), "ans = 9\n> ");
 }
 
-TerminalSetup withEcho() {
-    TerminalSetup setup;
-    setup.echo = true;
-    return setup;
-}
-
 TEST(Prompt, ShowsWhatIsTypedAndErased) {
     Terminal terminal({}, withEcho());
     terminal.readUntil("> ");

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <sys/ioctl.h>
 #include <thread>
 #include <unistd.h>
 
@@ -95,22 +96,29 @@ void fill(int descriptor) {
     fcntl(descriptor, F_SETFL, flags);
 }
 
+// How much the pipe holds.
+int heldBy(int descriptor) {
+    int bytes = 0;
+    EXPECT_EQ(ioctl(descriptor, FIONREAD, &bytes), 0);
+    return bytes;
+}
+
+// The answer does not fit into the pipe, so the session waits in the middle of it when Ctrl-C comes.
 TEST_F(SessionTest, ControlCThatComesTooLateForAnEntryEndsTheRunBehindItsAnswer) {
     fill(answers_[1]);
+    char block[4096];
+    ASSERT_GT(read(answers_[0], block, sizeof block), 0);
+    const int held = heldBy(answers_[0]);
+    const std::string answer = std::string(9900, 'x') + "\n";
     std::string shown;
     std::thread reader([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        while (heldBy(answers_[0]) <= held) std::this_thread::yield();
         kill(getpid(), SIGINT);
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        for (std::string block = answers(); !block.empty(); block = answers()) {
-            shown =
-                (shown + block).substr(shown.size() + block.size() < 8 ? 0 : shown.size() + block.size() - 8);
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
+        while (shown.find('\n') == std::string::npos) shown += answers();
     });
-    EXPECT_EQ(session_->run("1+1"), Outcome::Interrupted);
+    EXPECT_EQ(session_->run("echo " + std::string(9900, 'x')), Outcome::Interrupted);
     reader.join();
-    EXPECT_EQ(shown, "ans = 2\n");
+    EXPECT_EQ(shown.substr(shown.find('x')), answer);
     EXPECT_EQ(session_->run("1+1"), Outcome::Answered);
 }
 
@@ -187,39 +195,25 @@ TEST_F(SessionTest, OnlyTheCommandsThatShowTextShowWhatWasEchoed) {
     EXPECT_EQ(answers(), "");
 }
 
-// How long the session takes for an entry, in milliseconds.
-long timeOf(Session& session, const char* entry) {
+// No less time passes than was asked for; how much that is, the tests of ConsoleCommand.h say.
+void expectAtLeast(long milliseconds, Session& session, const char* entry) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(session.run(entry), Outcome::Answered) << entry;
-    const auto time = std::chrono::steady_clock::now() - start;
-    return static_cast<long>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(milliseconds)) << entry;
 }
 
-TEST_F(SessionTest, PausesAsLongAsAskedForUpToFiveSeconds) {
-    EXPECT_LT(timeOf(*session_, "pause0"), 90);
-    const long time = timeOf(*session_, "pause 100");
-    EXPECT_GE(time, 100);
-    EXPECT_LT(time, 600);
-}
-
-TEST_F(SessionTest, PausesASecondWhenTheNumberIsOutOfRange) {
-    for (const char* const entry : {"pause7000", "pause -5", "pause5001"}) {
-        const long time = timeOf(*session_, entry);
-        EXPECT_GE(time, 1000) << entry;
-        EXPECT_LT(time, 1600) << entry;
-    }
+TEST_F(SessionTest, PausesAsLongAsAskedFor) {
+    expectAtLeast(100, *session_, "pause 100");
+    expectAtLeast(1000, *session_, "pause7000");
+    EXPECT_EQ(answers(), "");
 }
 
 TEST_F(SessionTest, TypesTextOutAtItsRate) {
     // Ten characters and a line feed: ten waits of 10 milliseconds.
-    const long time = timeOf(*session_, "echo100 0123456789");
-    EXPECT_GE(time, 100);
-    EXPECT_LT(time, 600);
+    expectAtLeast(100, *session_, "echo100 0123456789");
     EXPECT_EQ(answers(), "0123456789\n");
-    EXPECT_GE(timeOf(*session_, "echo10 0"), 100);
-    answers();
     for (const char* const entry : {"echo0 0123456789", "echo500 0123456789", "echo101 0123456789"}) {
-        EXPECT_LT(timeOf(*session_, entry), 90) << entry;
+        EXPECT_EQ(session_->run(entry), Outcome::Answered) << entry;
         EXPECT_EQ(answers(), "0123456789\n");
     }
     EXPECT_EQ(session_->run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);

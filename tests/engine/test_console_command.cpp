@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "ConsoleCommand.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(ConsoleCommand, aNumberStandsBehindTheWord) {
+    long number = -1;
+    EXPECT_TRUE(CommandHasNumber("pause500", "pause", number));
+    EXPECT_EQ(500, number);
+    EXPECT_TRUE(CommandHasNumber("pause-5", "pause", number));
+    EXPECT_EQ(-5, number);
+    EXPECT_TRUE(CommandHasNumber("echo0x10", "echo", number));
+    EXPECT_EQ(16, number);
+    for (const char* command : {"pause", "pausex", "paus5", "echorep", ""}) {
+        EXPECT_FALSE(CommandHasNumber(command, "pause", number)) << command;
+    }
+}
+
+TEST(ConsoleCommand, aPauseOutsideOfZeroToFiveSecondsIsOneSecond) {
+    EXPECT_EQ(0, PauseLength(0));
+    EXPECT_EQ(100, PauseLength(100));
+    EXPECT_EQ(5000, PauseLength(5000));
+    for (const long number : {5001L, 7000L, -1L, -5L}) EXPECT_EQ(1000, PauseLength(number)) << number;
+}
+
+TEST(ConsoleCommand, charactersComeAtTheirRate) {
+    EXPECT_EQ(1000, WaitBetweenCharacters(1));
+    EXPECT_EQ(100, WaitBetweenCharacters(10));
+    EXPECT_EQ(33, WaitBetweenCharacters(30));
+    EXPECT_EQ(10, WaitBetweenCharacters(100));
+    for (const long number : {0L, 101L, 500L, -5L}) EXPECT_EQ(0, WaitBetweenCharacters(number)) << number;
+}
+
+} // namespace
