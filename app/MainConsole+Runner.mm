@@ -199,7 +199,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
 - (void)openWebPage {
     NSString* const page = [[NSUserDefaults standardUserDefaults] stringForKey:@"WebPageURL"];
     const bool isOpening = platformOpenPage(page);
-    [self insertWithNewPrompt:isOpening ? "<<< opening URL >>>" : "There is no web page to open."];
+    [self insertWithNewPrompt:isOpening ? "<<< opening URL >>>\n" : "There is no web page to open.\n"];
 }
 
 @end

@@ -298,7 +298,7 @@ TEST_F(Commands, withoutAnAddressThereIsNoPageToOpen) {
     enter("gospel");
     [console clearConsole];
     enter("gospel");
-    EXPECT_EQ(text(), "> gospel\nThere is no web page to open.\n> ");
+    EXPECT_EQ(text(), "> gospel\nThere is no web page to open.\n\n> ");
 }
 
 #ifdef GNUSTEP
@@ -314,7 +314,7 @@ TEST_F(Commands, gospelOpensThePageInTheBrowser) {
                                   reinterpret_cast<IMP>(environmentOfPrograms));
     setDefault(@"WebPageURL", @"http://page.invalid/a?b=c&d");
     command("gospel");
-    EXPECT_EQ(text(), "> \n<<< opening URL >>>\n> ");
+    EXPECT_EQ(text(), "> \n<<< opening URL >>>\n\n> ");
     for (int i = 0; i < 200 && !exists(home + "/opened"); i++) run(0.05);
     EXPECT_EQ(read(home + "/opened"), "http://page.invalid/a?b=c&d");
     setDefault(@"WebPageURL", @"");
