@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 #import "GuideWindow.h"
 
+#import "Platform.h"
 #import "ZqScroller.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
 
 static const CGFloat TEXT_SIZE_POINTS = 13;
 static const CGFloat MARGIN = 16;
-static const CGFloat COLUMN = 196;
+static const CGFloat COLUMN_GAP = 20;
+
+// What a heading is known by, as a link names it: "how-answers-look".
+static NSString* const ANCHOR = @"GuideAnchor";
+
+// Around a link within the text of a line: its target, and its text.
+static const unichar LINK = 2, LINK_TEXT = 3, LINK_END = 4;
 
 static NSColor* ink(CGFloat white) {
     return [NSColor colorWithCalibratedWhite:white alpha:1];
@@ -18,19 +29,6 @@ static NSColor* codeColor() {
 static NSParagraphStyle* paragraph(CGFloat indent) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     [style setHeadIndent:indent];
-    return style;
-}
-
-// The rows of a table: the second and third columns begin at tab stops.
-static NSParagraphStyle* row(NSUInteger cells) {
-    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    NSMutableArray* const stops = [NSMutableArray array];
-    const CGFloat columns[] = {COLUMN, 2 * COLUMN - 20};
-    for (const CGFloat column : columns) {
-        [stops addObject:[[[NSTextTab alloc] initWithType:NSLeftTabStopType location:column] autorelease]];
-    }
-    [style setTabStops:stops];
-    [style setHeadIndent:cells > 2 ? columns[1] : columns[0]];
     return style;
 }
 
@@ -56,8 +54,17 @@ static NSUInteger bracket(NSString* line, NSUInteger start) {
     return NSNotFound;
 }
 
-// Leaves of "![x](y)" nothing and of "[x](y)" the x.
-static NSString* withoutLinks(NSString* line) {
+// A link within the guide, as appendText() reads it; of any other one the text alone.
+static NSString* markedLink(NSString* text, NSString* target) {
+    const bool isPlain =
+        [text rangeOfString:@"`"].location == NSNotFound && [text rangeOfString:@"**"].location == NSNotFound;
+    if (![target hasPrefix:@"#"] || !isPlain) return text;
+    return [NSString
+        stringWithFormat:@"%C%@%C%@%C", LINK, [target substringFromIndex:1], LINK_TEXT, text, LINK_END];
+}
+
+// Leaves of "![x](y)" nothing and marks "[x](y)" as a link.
+static NSString* withMarkedLinks(NSString* line) {
     NSMutableString* const text = [NSMutableString string];
     NSUInteger i = 0;
     while (i < [line length]) {
@@ -78,20 +85,43 @@ static NSString* withoutLinks(NSString* line) {
         const bool isImage = open.location > i && [line characterAtIndex:open.location - 1] == '!';
         [text appendString:[line substringWithRange:NSMakeRange(i, open.location - i - (isImage ? 1 : 0))]];
         const NSUInteger start = open.location + 1;
+        const NSUInteger target = NSMaxRange(middle);
         if (!isImage)
-            [text appendString:[line substringWithRange:NSMakeRange(start, middle.location - start)]];
+            [text appendString:markedLink(
+                                   [line substringWithRange:NSMakeRange(start, middle.location - start)],
+                                   [line substringWithRange:NSMakeRange(target, close.location - target)])];
         i = close.location + 1;
     }
     [text appendString:[line substringFromIndex:i]];
     return text;
 }
 
-// Appends a line, turning `code` and **strong** into their looks.
-static void appendLine(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
+// Appends text that may have marked links in it.
+static void appendText(NSMutableAttributedString* out, NSString* text, NSDictionary* look) {
+    NSScanner* const scanner = [NSScanner scannerWithString:text];
+    [scanner setCharactersToBeSkipped:nil];
+    NSString* const marks[] = {[NSString stringWithCharacters:&LINK length:1],
+                               [NSString stringWithCharacters:&LINK_TEXT length:1],
+                               [NSString stringWithCharacters:&LINK_END length:1]};
+    NSMutableDictionary* const linked = [NSMutableDictionary dictionaryWithDictionary:look];
+    NSString* part = nil;
+    while (![scanner isAtEnd]) {
+        if ([scanner scanUpToString:marks[0] intoString:&part]) append(out, part, look);
+        if (![scanner scanString:marks[0] intoString:NULL]) continue;
+        if ([scanner scanUpToString:marks[1] intoString:&part])
+            [linked setObject:part forKey:NSLinkAttributeName];
+        [scanner scanString:marks[1] intoString:NULL];
+        if ([scanner scanUpToString:marks[2] intoString:&part]) append(out, part, linked);
+        [scanner scanString:marks[2] intoString:NULL];
+    }
+}
+
+// Appends a part of a line, turning `code`, **strong** and links into their looks.
+static void appendPart(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
     NSFont* const plain = [NSFont systemFontOfSize:TEXT_SIZE_POINTS];
     NSFont* const strong = [NSFont boldSystemFontOfSize:TEXT_SIZE_POINTS];
     NSFont* const mono = [NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS];
-    NSArray* const pieces = [withoutLinks(line) componentsSeparatedByString:@"`"];
+    NSArray* const pieces = [withMarkedLinks(line) componentsSeparatedByString:@"`"];
     for (NSUInteger i = 0; i < [pieces count]; i++) {
         if (i % 2 == 1) {
             append(out, [pieces objectAtIndex:i], attributes(mono, codeColor(), style));
@@ -99,10 +129,15 @@ static void appendLine(NSMutableAttributedString* out, NSString* line, NSParagra
         }
         NSArray* const parts = [[pieces objectAtIndex:i] componentsSeparatedByString:@"**"];
         for (NSUInteger j = 0; j < [parts count]; j++) {
-            append(out, [parts objectAtIndex:j], attributes(j % 2 == 1 ? strong : plain, ink(0.86), style));
+            appendText(out, [parts objectAtIndex:j],
+                       attributes(j % 2 == 1 ? strong : plain, ink(0.86), style));
         }
     }
-    append(out, @"\n", attributes(plain, ink(0.86), style));
+}
+
+static void appendLine(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
+    appendPart(out, line, style);
+    append(out, @"\n", attributes([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86), style));
 }
 
 // A little space between what stands above and what follows.
@@ -119,9 +154,8 @@ static NSString* trimmed(NSString* text) {
     return [text stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
 }
 
-// A row of a table: the first cell, and behind it the others.
-static void appendRow(NSMutableAttributedString* out, NSString* line) {
-    if (isRule(line)) return;
+// The cells of a row, without empty ones at its end.
+static NSArray* cellsOf(NSString* line) {
     NSString* const marked = [line stringByReplacingOccurrencesOfString:@"\\|" withString:@"\x01"];
     NSMutableArray* const cells = [NSMutableArray array];
     NSArray* const pieces = [marked componentsSeparatedByString:@"|"];
@@ -130,16 +164,51 @@ static void appendRow(NSMutableAttributedString* out, NSString* line) {
         [cells addObject:[cell stringByReplacingOccurrencesOfString:@"\x01" withString:@"|"]];
     }
     while ([cells count] > 0 && [[cells lastObject] isEqualToString:@""]) [cells removeLastObject];
-    if ([cells count] == 0) return;
-    appendLine(out, [cells componentsJoinedByString:@"\t"], row([cells count]));
+    return cells;
+}
+
+static CGFloat widthOf(NSString* cell) {
+    NSMutableAttributedString* const text = [[[NSMutableAttributedString alloc] init] autorelease];
+    appendPart(text, cell, paragraph(0));
+    return std::ceil([text size].width);
+}
+
+// The rows of a table, each a paragraph with its cells at tab stops. A column is as wide as the widest cell that has
+// another one behind it.
+static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
+    std::vector<CGFloat> widths;
+    for (NSArray* const cells in rows) {
+        for (NSUInteger i = 0; i + 1 < [cells count]; i++) {
+            if (widths.size() <= i) widths.push_back(0);
+            widths[i] = std::max(widths[i], widthOf([cells objectAtIndex:i]));
+        }
+    }
+    NSMutableArray* const stops = [NSMutableArray array];
+    CGFloat stop = 0;
+    for (const CGFloat width : widths) {
+        stop += width + COLUMN_GAP;
+        [stops addObject:[[[NSTextTab alloc] initWithType:NSLeftTabStopType location:stop] autorelease]];
+    }
+    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
+    [style setTabStops:stops];
+    [style setHeadIndent:stop]; // the last column alone may be too long for its line
+    for (NSArray* const cells in rows) appendLine(out, [cells componentsJoinedByString:@"\t"], style);
+}
+
+// "How answers look" is known as "how-answers-look".
+static NSString* anchorOf(NSString* heading) {
+    return [[heading lowercaseString] stringByReplacingOccurrencesOfString:@" " withString:@"-"];
 }
 
 static void appendHeading(NSMutableAttributedString* out, NSString* line, NSUInteger level) {
     const CGFloat sizes[] = {20, 16, 14};
     NSFont* const font = [NSFont boldSystemFontOfSize:sizes[level - 1]];
+    NSString* const heading = [line substringFromIndex:level + 1];
+    NSMutableDictionary* const look =
+        [NSMutableDictionary dictionaryWithDictionary:attributes(font, ink(1), paragraph(0))];
+    [look setObject:anchorOf(heading) forKey:ANCHOR];
     appendSpace(out);
-    append(out, [[line substringFromIndex:level + 1] stringByAppendingString:@"\n"],
-           attributes(font, ink(1), paragraph(0)));
+    append(out, [heading stringByAppendingString:@"\n"], look);
 }
 
 static NSUInteger headingLevel(NSString* line) {
@@ -156,6 +225,7 @@ NSAttributedString* guideText(NSString* markdown) {
     NSArray* const lines = [markdown componentsSeparatedByString:@"\n"];
     bool isCode = false;
     NSMutableString* const text = [NSMutableString string]; // lines of one paragraph
+    NSMutableArray* const rows = [NSMutableArray array];    // of one table
     for (NSUInteger i = 0; i <= [lines count]; i++) {
         NSString* const whole = i < [lines count] ? [lines objectAtIndex:i] : @"";
         NSString* const line = isCode && i < [lines count] ? whole : trimmed(whole);
@@ -169,6 +239,10 @@ NSAttributedString* guideText(NSString* markdown) {
             appendLine(out, text, paragraph(isListed ? MARGIN : 0));
             [text setString:@""];
         }
+        if ((!isRow || isCode) && [rows count] > 0) {
+            appendTable(out, rows);
+            [rows removeAllObjects];
+        }
         if ([line length] == 0 && !isCode) appendSpace(out);
         if (isFence) {
             isCode = !isCode;
@@ -177,7 +251,7 @@ NSAttributedString* guideText(NSString* markdown) {
         } else if (level > 0) {
             appendHeading(out, line, level);
         } else if (isRow) {
-            appendRow(out, line);
+            if (!isRule(line) && [cellsOf(line) count] > 0) [rows addObject:cellsOf(line)];
         } else if (isPlain) {
             if ([text length] > 0) [text appendString:@" "];
             [text appendString:isItem ? [@"\u2022 " stringByAppendingString:[line substringFromIndex:2]]
@@ -191,7 +265,59 @@ NSAttributedString* guideText(NSString* markdown) {
 
 // The narrowest window in which the last column of a table has room: GNUstep lays out no text at all behind a tab
 // stop that lies beyond the edge.
-static const NSSize SMALLEST_CONTENT = {2 * COLUMN + 220, 200};
+static const NSSize SMALLEST_CONTENT = {612, 200};
+
+@interface GuideView : NSTextView
+@end
+
+@implementation GuideView
+
+- (void)keyDown:(NSEvent*)event {
+    const uint32_t key = platformKeyCode(event);
+    if (key == KEY_HOME)
+        [self scrollPoint:NSZeroPoint];
+    else if (key == KEY_END)
+        [self scrollPoint:NSMakePoint(0, NSMaxY([self bounds]))];
+    else
+        [super keyDown:event];
+}
+
+// GNUstep's text view looks for no links.
+- (void)mouseDown:(NSEvent*)event {
+    const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
+    const NSPoint origin = [self textContainerOrigin];
+    const NSPoint inText = NSMakePoint(place.x - origin.x, place.y - origin.y);
+    NSLayoutManager* const layout = [self layoutManager];
+    const NSUInteger glyph = [layout glyphIndexForPoint:inText inTextContainer:[self textContainer]];
+    const NSRect ink = [layout boundingRectForGlyphRange:NSMakeRange(glyph, 1)
+                                         inTextContainer:[self textContainer]];
+    const NSUInteger index =
+        [layout characterRangeForGlyphRange:NSMakeRange(glyph, 1) actualGlyphRange:NULL].location;
+    const bool isInText = index < [[self textStorage] length] && NSPointInRect(inText, ink);
+    const id link =
+        isInText ? [[self textStorage] attribute:NSLinkAttributeName atIndex:index effectiveRange:NULL] : nil;
+    if (link)
+        [self clickedOnLink:link atIndex:index];
+    else
+        [super mouseDown:event];
+}
+
+// To the heading of that name, at the top of what is in sight.
+- (void)clickedOnLink:(id)link atIndex:(NSUInteger)index {
+    (void)index;
+    NSTextStorage* const text = [self textStorage];
+    NSRange run = {0, 0};
+    for (NSUInteger i = 0; i < [text length]; i = NSMaxRange(run)) {
+        if (![link isEqual:[text attribute:ANCHOR atIndex:i effectiveRange:&run]]) continue;
+        NSLayoutManager* const layout = [self layoutManager];
+        const NSRange glyphs = [layout glyphRangeForCharacterRange:run actualCharacterRange:NULL];
+        const NSRect place = [layout lineFragmentRectForGlyphAtIndex:glyphs.location effectiveRange:NULL];
+        [self scrollPoint:NSMakePoint(0, NSMinY(place) + [self textContainerOrigin].y - MARGIN / 2)];
+        return;
+    }
+}
+
+@end
 
 // A panel, because it is no main window: it does not keep the calculator running once that is closed.
 static NSWindow* buildGuideWindow(NSAttributedString* text) {
@@ -214,8 +340,8 @@ static NSWindow* buildGuideWindow(NSAttributedString* text) {
     [scroll setHasVerticalScroller:YES];
     [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
     const NSSize inside = [scroll contentSize];
-    NSTextView* const view =
-        [[[NSTextView alloc] initWithFrame:NSMakeRect(0, 0, inside.width, inside.height)] autorelease];
+    GuideView* const view =
+        [[[GuideView alloc] initWithFrame:NSMakeRect(0, 0, inside.width, inside.height)] autorelease];
     [view setMinSize:inside];
     [view setMaxSize:NSMakeSize(1e7, 1e7)];
     [view setVerticallyResizable:YES];
@@ -223,6 +349,13 @@ static NSWindow* buildGuideWindow(NSAttributedString* text) {
     [[view textContainer] setWidthTracksTextView:YES];
     [view setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
     [view setBackgroundColor:ink(0.11)];
+    [view setLinkTextAttributes:[NSDictionary
+                                    dictionaryWithObjectsAndKeys:codeColor(), NSForegroundColorAttributeName,
+                                                                 [NSNumber
+                                                                     numberWithInt:NSUnderlineStyleSingle],
+                                                                 NSUnderlineStyleAttributeName,
+                                                                 [NSCursor pointingHandCursor],
+                                                                 NSCursorAttributeName, nil]];
     [[view textStorage] setAttributedString:text];
     [view setEditable:NO];
     [scroll setDocumentView:view];

@@ -6,9 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -126,6 +130,26 @@ TEST_F(Guide, LinksShowTheirTextAndImagesNothing) {
     EXPECT_EQ(lines("Half [a link](x\n"), "Half [a link](x\n");
 }
 
+std::string linkAt(NSAttributedString* text, const char* part) {
+    const NSRange place = [[text string] rangeOfString:[NSString stringWithUTF8String:part]];
+    EXPECT_NE(place.location, static_cast<NSUInteger>(NSNotFound)) << part;
+    NSString* const link = [text attribute:NSLinkAttributeName atIndex:place.location effectiveRange:NULL];
+    return link ? [link UTF8String] : "";
+}
+
+TEST_F(Guide, OnlyLinksToItsOwnSectionsAreLinks) {
+    NSAttributedString* const text =
+        laidOut("See [the list](#all-words), **[strong](#b)** or [that](x.md).\n");
+    EXPECT_EQ(lines(text), "See the list, strong or that.\n");
+    EXPECT_EQ(linkAt(text, "the list"), "all-words");
+    EXPECT_EQ(linkAt(text, "strong"), "b");
+    EXPECT_TRUE(isBold(fontAt(text, "strong")));
+    EXPECT_EQ(linkAt(text, "See"), "");
+    EXPECT_EQ(linkAt(text, ", "), "");
+    EXPECT_EQ(linkAt(text, "that"), "");
+    EXPECT_EQ(lines("A [`word`](#b) here.\n"), "A word here.\n");
+}
+
 TEST_F(Guide, NothingGivesNothing) {
     EXPECT_EQ(lines(""), "");
     EXPECT_EQ(lines("\n\n\n"), "");
@@ -164,6 +188,133 @@ TEST_F(Guide, ItsWindowShowsAllOfTheTextAtTheSmallestWidth) {
     const NSRect end = [layout lineFragmentRectForGlyphAtIndex:last effectiveRange:NULL];
     EXPECT_GT(NSMinY(end), 3000) << "the last line stands below all others";
     [window setFrame:before display:NO];
+    [window close];
+}
+
+NSTextView* viewOf(NSWindow* window) {
+    return [(NSScrollView*)[window contentView] documentView];
+}
+
+CGFloat leftOf(NSLayoutManager* layout, NSUInteger character) {
+    const NSRange glyph = [layout glyphRangeForCharacterRange:NSMakeRange(character, 1)
+                                         actualCharacterRange:NULL];
+    return std::round([layout locationForGlyphAtIndex:glyph.location].x);
+}
+
+// Where the cells behind the first one begin, for each line of text with tabs; empty for the others.
+std::vector<std::vector<CGFloat>> columns(NSTextView* view) {
+    NSString* const text = [view string];
+    std::vector<std::vector<CGFloat>> found;
+    std::vector<CGFloat> line;
+    for (NSUInteger i = 0; i < [text length]; i++) {
+        const unichar c = [text characterAtIndex:i];
+        if (c == '\t') line.push_back(leftOf([view layoutManager], i + 1));
+        if (c != '\n') continue;
+        found.push_back(line);
+        line.clear();
+    }
+    return found;
+}
+
+TEST_F(Guide, TheCellsOfATableStandBelowEachOther) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    int rows = 0;
+    std::vector<CGFloat> above;
+    for (const std::vector<CGFloat>& row : columns(viewOf(window))) {
+        for (size_t i = 0; i < row.size() && i < above.size(); i++) EXPECT_EQ(row[i], above[i]) << rows;
+        for (size_t i = 0; i < row.size(); i++) EXPECT_GT(row[i], i == 0 ? 20 : row[i - 1] + 20) << rows;
+        // Below a row with fewer cells the others still stand where the last full row had them.
+        if (row.empty())
+            above.clear();
+        else if (row.size() > above.size())
+            above = row;
+        rows += !row.empty();
+    }
+    EXPECT_GT(rows, 60);
+    [window close];
+}
+
+NSEvent* keyPress(unichar key) {
+    NSString* const text = [NSString stringWithCharacters:&key length:1];
+    return [NSEvent keyEventWithType:NSKeyDown
+                            location:NSZeroPoint
+                       modifierFlags:NSFunctionKeyMask
+                           timestamp:0
+                        windowNumber:0
+                             context:nil
+                          characters:text
+         charactersIgnoringModifiers:text
+                           isARepeat:NO
+                             keyCode:0];
+}
+
+TEST_F(Guide, HomeAndEndScrollToItsEnds) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    NSTextView* const view = viewOf(window);
+    [view keyDown:keyPress(NSEndFunctionKey)];
+    EXPECT_EQ(NSMaxY([view visibleRect]), NSMaxY([view bounds]));
+    EXPECT_GT(NSMinY([view visibleRect]), 3000);
+    [view keyDown:keyPress(NSHomeFunctionKey)];
+    EXPECT_EQ(NSMinY([view visibleRect]), 0);
+    [window close];
+}
+
+// A press on a character that is in sight.
+void clickOn(NSTextView* view, NSUInteger character) {
+    NSLayoutManager* const layout = [view layoutManager];
+    const NSRange glyph = [layout glyphRangeForCharacterRange:NSMakeRange(character, 1)
+                                         actualCharacterRange:NULL];
+    const NSRect place = [layout boundingRectForGlyphRange:glyph inTextContainer:[view textContainer]];
+    const NSPoint origin = [view textContainerOrigin];
+    const NSPoint middle = NSMakePoint(NSMidX(place) + origin.x, NSMidY(place) + origin.y);
+    [view mouseDown:[NSEvent mouseEventWithType:NSLeftMouseDown
+                                       location:[view convertPoint:middle toView:nil]
+                                  modifierFlags:0
+                                      timestamp:0
+                                   windowNumber:[[view window] windowNumber]
+                                        context:nil
+                                    eventNumber:0
+                                     clickCount:1
+                                       pressure:0]];
+}
+
+TEST_F(Guide, AClickOnALinkGoesToItsSection) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    NSTextView* const view = viewOf(window);
+    NSAttributedString* const text = [view textStorage];
+    std::set<std::string> sections;
+    NSRange run = {0, 0};
+    for (NSUInteger i = 0; i < [text length]; i = NSMaxRange(run)) {
+        NSString* const link = [text attribute:NSLinkAttributeName atIndex:i effectiveRange:&run];
+        if (!link) continue;
+        const NSRange place = [[view layoutManager] glyphRangeForCharacterRange:NSMakeRange(i, 1)
+                                                           actualCharacterRange:NULL];
+        const NSRect above = [[view layoutManager] lineFragmentRectForGlyphAtIndex:place.location
+                                                                    effectiveRange:NULL];
+        [view scrollPoint:NSMakePoint(0, std::max<CGFloat>(NSMinY(above) - 50, 0))];
+        clickOn(view, i);
+        const NSRect sight = [view visibleRect];
+        EXPECT_GT(NSMinY(sight), 0) << [link UTF8String] << " is no section";
+        // The heading stands at the top, unless the text ends too soon behind it.
+        NSString* const name = [link stringByReplacingOccurrencesOfString:@"-" withString:@" "];
+        const NSRange heading = [[text string] rangeOfString:[NSString stringWithFormat:@"\n%@\n", name]
+                                                     options:NSCaseInsensitiveSearch];
+        ASSERT_NE(heading.location, static_cast<NSUInteger>(NSNotFound)) << [name UTF8String];
+        const NSRange glyph =
+            [[view layoutManager] glyphRangeForCharacterRange:NSMakeRange(heading.location + 1, 1)
+                                         actualCharacterRange:NULL];
+        const NSRect line = [[view layoutManager] lineFragmentRectForGlyphAtIndex:glyph.location
+                                                                   effectiveRange:NULL];
+        const CGFloat y = NSMinY(line) + [view textContainerOrigin].y;
+        EXPECT_GE(y, NSMinY(sight)) << [name UTF8String];
+        const bool isAtEnd = NSMaxY(sight) == NSMaxY([view bounds]);
+        EXPECT_LT(y, isAtEnd ? NSMaxY(sight) : NSMinY(sight) + 40) << [name UTF8String];
+        sections.insert([link UTF8String]);
+    }
+    EXPECT_EQ(sections.size(), 14u) << "every section is among the contents";
     [window close];
 }
 

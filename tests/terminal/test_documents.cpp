@@ -95,4 +95,30 @@ TEST(Guide, ItsTranscriptsAreTrue) {
     EXPECT_EQ(evaluateTranscripts(TALLYQUILL_GUIDE), 3);
 }
 
+// The pieces between backquotes in the first cells of the table below a heading.
+Lines firstCells(const char* path, const std::string& heading) {
+    static const std::regex piece("`([^`]+)`");
+    Lines found;
+    bool isBelow = false;
+    for (const std::string& line : linesOf(path)) {
+        if (line.rfind("## ", 0) == 0) isBelow = line == "## " + heading;
+        if (!isBelow || line.rfind("| `", 0) != 0) continue;
+        const std::string cell = line.substr(0, line.find(" | ", 2));
+        for (auto one = std::sregex_iterator(cell.begin(), cell.end(), piece); one != std::sregex_iterator();
+             ++one)
+            found.push_back((*one)[1]);
+    }
+    return found;
+}
+
+TEST(Guide, ItsCommandWordsAreKnown) {
+    const Lines commands = firstCells(TALLYQUILL_GUIDE, "Command words");
+    EXPECT_EQ(commands.size(), 23U);
+    for (const std::string& command : commands) {
+        const auto answer = evaluate({"NAME=1", command});
+        EXPECT_EQ(answer.err, "") << command;
+        EXPECT_EQ(answer.status, 0) << command;
+    }
+}
+
 } // namespace
