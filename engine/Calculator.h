@@ -255,6 +255,7 @@ private:
     int ScanBody(std::string text);
     int ScanAssignment(std::string& text);
     int ScanTerms(const std::string& text);
+    std::string MoveSignsForward(const std::string& text);
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
     bool IsFunctionName(const char* name) const;
     bool IsValueName(const std::string& name);

@@ -123,13 +123,16 @@ static size_t findSign(const std::string& text, size_t from) {
 
 // Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20. The sign of an
 // exponent belongs to its number.
-static std::string moveSignsForward(const std::string& text) {
+std::string ZqCalculator::MoveSignsForward(const std::string& text) {
     const std::string_view view = text;
+    const auto isInNumber = [this](std::string_view operand) {
+        return isExponentSign(operand) && !IsValueName(std::string(operand));
+    };
     std::string moved;
     size_t start = 0;
     while (start < text.size()) {
         size_t sign = findSign(text, start);
-        while (sign != std::string::npos && isExponentSign(lastOperand(view.substr(start, sign - start)))) {
+        while (sign != std::string::npos && isInNumber(lastOperand(view.substr(start, sign - start)))) {
             sign = findSign(text, sign + 1);
         }
         const bool isLast = sign == std::string::npos;
@@ -166,7 +169,7 @@ int ZqCalculator::ScanExpression(std::string text) {
     normalizeBrackets(text);
     ProcessStringEuropean(text.data());
     if (ScanAssignment(text) != 0) return STATUS_ERROR;
-    if (tenKey) text = moveSignsForward(text);
+    if (tenKey) text = MoveSignsForward(text);
     return ScanTerms(text);
 }
 
