@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <cstring>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -75,25 +74,11 @@ bool saysWhatItIs(const UnitText& unit) {
     return !units_check_exception() && std::abs(factor - 1) < 1e-12;
 }
 
-// The unit by its value: the reduced form with all digits. An empty text when there is none.
-std::string unitByValue(const std::string& name) {
-    const char* const reduced = units_reduce(name.c_str());
-    if (!reduced) return "";
-    const std::string form = reduced;
-    const std::string names = form.substr(std::min(form.find(' '), form.size()));
-    const double factor = units_convert(name.c_str(), ("1" + names).c_str());
-    if (units_check_exception() || !std::isnormal(factor)) return "";
-    char digits[40];
-    snprintf(digits, sizeof digits, "%.17g", factor);
-    return "unit " + name + "=" + digits + names;
-}
-
 std::string unitLine(const char* line) {
     UnitText unit;
     if (!splitUnit(line, unit) || saysWhatItIs(unit)) return line;
-    units_clear_exception();
-    const std::string byValue = unitByValue(unit.name);
-    return byValue.empty() ? line : byValue;
+    const std::string byValue = units_definition(unit.name.c_str());
+    return byValue.empty() ? line : "unit " + unit.name + "=" + byValue;
 }
 
 std::string unitLines(const ZqCalculator& calc) {
@@ -346,9 +331,7 @@ Kind kindOf(Statement& statement) {
 // Takes the lines up to the history into a calculator.
 class DefinitionReader {
 public:
-    explicit DefinitionReader(ZqCalculator& into) : calc(into) {
-        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) units.insert(unit->text);
-    }
+    explicit DefinitionReader(ZqCalculator& into) : calc(into) {}
 
     // Refused lines are tried again while others are accepted, each time from the other end.
     void Take(std::vector<Statement>& statements) {
@@ -406,7 +389,10 @@ private:
     }
 
     bool IsKnown(const Statement& statement) const {
-        if (statement.kind == Kind::UNIT) return units.count(statement.text) > 0;
+        if (statement.kind == Kind::UNIT) {
+            const node* const unit = calc.UnitExists(statement.other.name.c_str());
+            return unit && statement.text == unit->text;
+        }
         if (statement.kind != Kind::VARIABLE) return false;
         const node* const variable = calc.VariableExists(statement.other.name.c_str());
         return variable && variable->value && statement.other.text == valueText(*variable->value);
@@ -431,12 +417,10 @@ private:
         statement.isTaken = Evaluate(statement, work) != STATUS_ERROR;
         statement.isTooDear = !statement.isTaken && work == 0;
         left -= allowed - work;
-        if (statement.isTaken && statement.kind == Kind::UNIT) units.insert(statement.text);
     }
 
     ZqCalculator& calc;
     uint64_t left = READING_WORK;
-    std::unordered_set<std::string> units; // the lines that defined them
 };
 
 // The lines without their ends, CR LF among them.

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr int maxExponent = 1000;
 constexpr int64_t maxNames = 100000;      // above or below the '/', a square being two
 constexpr int64_t maxNameBytes = 4000000; // of these names together
 

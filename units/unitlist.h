@@ -107,6 +107,7 @@ constexpr const char* unitNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJ
 constexpr const char* validchars = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789. \t*^/+-";
 constexpr const char* separators = " \t*-";
 constexpr const char* divider = "/";
+constexpr int32_t maxExponent = 1000;
 
 bool isLettersOnly(std::string_view name); // false for an empty name
 

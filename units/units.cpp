@@ -3,6 +3,8 @@
 // The public operations and the error state.
 #include "unitlist.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <new>
@@ -59,6 +61,26 @@ std::string describe(const ReducedUnit& reduced) {
     return divisor.empty() ? text : text + " /" + divisor;
 }
 
+// The same with exponents, none above the greatest that can be read.
+void appendPowers(std::string& text, const std::vector<UnitPower>& powers, int sign) {
+    for (const UnitPower& power : powers) {
+        for (int32_t left = sign * power.count; left > 0; left -= maxExponent) {
+            text.append(1, ' ').append(*power.name);
+            if (left > 1) text.append(1, '^').append(std::to_string(std::min(left, maxExponent)));
+        }
+    }
+}
+
+std::string definitionOf(const ReducedUnit& reduced) {
+    char factor[40];
+    std::snprintf(factor, sizeof factor, "%.17g", reduced.factor);
+    std::string text = factor;
+    appendPowers(text, reduced.powers, 1);
+    std::string divisor;
+    appendPowers(divisor, reduced.powers, -1);
+    return divisor.empty() ? text : text + " /" + divisor;
+}
+
 // Whether the unit could be defined.
 bool define(const char* name, const char* definition, const UnitsCharge& charge) {
     if (std::strcmp(definition, primitivestring) == 0) return unitTable.AddPrimitive(name, UnitOrigin::User);
@@ -88,6 +110,16 @@ const char* units_reduce(const char* text) {
     } catch (const std::bad_alloc&) {
         throw_exception1("not enough memory for unit string '%s'", text);
         return nullptr;
+    }
+}
+
+std::string units_definition(const char* name) {
+    const Unit* const unit = unitTable.Find(name);
+    if (unit == nullptr || !std::isnormal(unit->reduced.factor)) return "";
+    try {
+        return definitionOf(unit->reduced);
+    } catch (const std::bad_alloc&) {
+        return "";
     }
 }
 

@@ -73,6 +73,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <string>
 
 // Is told how much work comes next, before it is done; false gives the operation up.  A multiplication counts 1,
 // a name with its exponent 4, a look-up 16, and every 4 characters that are read and every 64 of the names 1
@@ -95,6 +96,11 @@ double units_convert(const char* from, const char* to, const UnitsCharge& charge
 // ("1000.0 gram meter / second second").  None (null) on failure.  The text belongs to the library and is
 // valid until the next call.
 const char* units_reduce(const char* text);
+
+// The definition that makes the unit of exactly this name again, whatever became of the units it was defined from:
+// the factor with all its digits and the primitive names with their exponents ("12.5 meter^3 / second").  Empty
+// for no such unit, and where the factor has no digits to give (zero, infinite, subnormal).
+std::string units_definition(const char* name);
 
 // Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
 // expression, or as a new primitive unit if the definition is exactly "-primitive".  On failure the error

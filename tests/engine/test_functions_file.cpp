@@ -350,6 +350,14 @@ TEST_F(FunctionsFile, aUnitKeepsItsValueWhenAnotherInItWasDefinedAnewOrDeleted) 
     EXPECT_EQ("ans = 0.5\n", Answer("2 ee->1/s"));
 }
 
+TEST_F(FunctionsFile, aUnitOfManyNamesIsKeptByItsValueInALineThatCanBeReadAgain) {
+    for (const char* line : {"unit many=m^1000", "unit most=many^99/s^3", "del many"}) {
+        ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc->message;
+    }
+    ExpectNothingLost();
+    EXPECT_EQ("ans = 1\n", Answer("1 most*s^3->" + repeated("m^1000*", 98) + "m^1000"));
+}
+
 // --- History ---
 
 TEST_F(FunctionsFile, theHistoryIsThereAgainInItsOrder) {

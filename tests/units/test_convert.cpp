@@ -114,6 +114,32 @@ TEST_F(UnitsTest, AWrongDefinitionHasItsOwnMessageAndLeavesNothing) {
     EXPECT_EQ(messageOf("smoot"), "invalid unit name 'smoot' in 'smoot'");
 }
 
+TEST_F(UnitsTest, ADefinitionIsGivenThatMakesTheUnitAgain) {
+    define("apple", "-primitive");
+    define("many", "0.1 apple^1000 second");
+    for (const auto& [definition, expected] : {std::pair{"67 inch", "1.7018 meter"},
+                                               {"m^3/s", "1 meter^3 / second"},
+                                               {"/s^2", "1 / second^2"},
+                                               {"2 radian", "2"},
+                                               {"0meter", ""},
+                                               {"Ym^20", ""}}) {
+        ASSERT_EQ(define("Q", definition), "");
+        EXPECT_EQ(units_definition("Q"), expected);
+        removeUnit("Q");
+    }
+    EXPECT_EQ(units_definition("Q"), "");
+    for (const char* definition :
+         {"3 m/7 s", "many", "1e-4many^99/apple^999", "apple^1000-apple^1000/many"}) {
+        ASSERT_EQ(define("Q", definition), "");
+        const std::string again = units_definition("Q");
+        ASSERT_EQ(define("R", again), "") << again;
+        EXPECT_EQ(convert("Q", "R"), 1.0) << again;
+        EXPECT_EQ(reduced("Q").substr(20), reduced("R").substr(20));
+        removeUnit("Q");
+        removeUnit("R");
+    }
+}
+
 // ---------------------------------------------------------------------------------------------------------
 // Removal
 
