@@ -5,10 +5,16 @@
 
 #include <cstring>
 
-EntrySnapshot::EntrySnapshot(ZqCalculator& calculator)
-    : calc(calculator), target(calc.target), lastAnswer(calc.lastAnswer), lastName(calc.lastName),
-      degreeMode(calc.degreeMode), sciMode(calc.sciMode), sigFigs(calc.sigFigs), european(calc.european),
-      histStack(calc.histStack), displayBase(calc.displayBase), gospelShown(calc.gospelShown) {
+EntrySnapshot::EntrySnapshot(ZqCalculator& calculator) : calc(calculator), lastAnswer(calc.lastAnswer) {
+    Keep(calc.target);
+    Keep(calc.lastName); // of a variable, which comes back as the same term
+    Keep(calc.degreeMode);
+    Keep(calc.sciMode);
+    Keep(calc.sigFigs);
+    Keep(calc.european);
+    Keep(calc.histStack);
+    Keep(calc.displayBase);
+    Keep(calc.gospelShown);
     calc.variables.BeginChanges();
     calc.unitLines.BeginChanges();
     funcs.BeginChanges();
@@ -29,14 +35,6 @@ void EntrySnapshot::Restore() {
     calc.unitLines.UndoChanges();
     funcs.UndoChanges();
     units_undo_changes();
-    calc.target = target;
-    calc.lastName = lastName;
     memcpy(calc.lastAnswer, lastAnswer.c_str(), lastAnswer.size() + 1);
-    calc.degreeMode = degreeMode;
-    calc.sciMode = sciMode;
-    calc.sigFigs = sigFigs;
-    calc.european = european;
-    calc.histStack = histStack;
-    calc.displayBase = displayBase;
-    calc.gospelShown = gospelShown;
+    for (const auto& putBack : settings) putBack();
 }

@@ -6,6 +6,10 @@
 
 #include "Calculator.h"
 
+#include <functional>
+#include <string>
+#include <vector>
+
 class EntrySnapshot {
 public:
     // Keeps the settings and has variables, functions and units record their changes. The calculator has to live
@@ -19,17 +23,14 @@ public:
     void Restore();
 
 private:
+    // Has Restore put back what the setting is now.
+    template <class T> void Keep(T& setting) {
+        settings.emplace_back([&setting, value = setting] { setting = value; });
+    }
+
     ZqCalculator& calc;
-    node* target;
     std::string lastAnswer;
-    char* lastName; // of a variable, which comes back as the same term
-    bool degreeMode;
-    int32_t sciMode;
-    int32_t sigFigs;
-    bool european;
-    bool histStack;
-    int32_t displayBase;
-    bool gospelShown;
+    std::vector<std::function<void()>> settings;
 };
 
 #endif

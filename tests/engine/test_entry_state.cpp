@@ -184,6 +184,7 @@ protected:
         const std::string was = State();
         std::vector<std::string> history = History();
         const std::string name = LastName();
+        const node* target = calc->target;
         const double entries = calc->entryCount;
         checksLeft = stop;
         calc->interruptCheck = stopAtLastCheck;
@@ -197,6 +198,7 @@ protected:
         if (line.rfind("histstack off", 0) != 0) history.push_back(line);
         EXPECT_EQ(history, History());
         EXPECT_EQ(name, LastName());
+        EXPECT_EQ(target, calc->target); // compared alone: it may be gone where this fails
         ASSERT_EQ(was, State());
     }
 
