@@ -198,7 +198,9 @@ protected:
         if (line.rfind("histstack off", 0) != 0) history.push_back(line);
         EXPECT_EQ(history, History());
         EXPECT_EQ(name, LastName());
-        EXPECT_EQ(target, calc->target); // compared alone: it may be gone where this fails
+        // The target of a single statement says what was to be assigned. Of several, variables may be gone that earlier
+        // ones assigned.
+        if (line.find(';') != std::string::npos) EXPECT_EQ(target, calc->target);
         ASSERT_EQ(was, State());
     }
 
