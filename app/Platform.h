@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Everything in which macOS and GNUstep differ.
+// What macOS and GNUstep do differently, each in its own way. Views that GNUstep's own would not do for are in files of
+// their own (NightTheme, NightMenus, NightColorPanel, ListPopUp).
 #ifndef TALLYQUILL_PLATFORM_H
 #define TALLYQUILL_PLATFORM_H
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Two programs may have the functions file open, the window and a terminal, say. Each writes what it has; what the
+// Two programs may have the functions file open, two windows, say. Each writes what it has; what the
 // other one defined meanwhile stays in the file.
 #ifndef TALLYQUILL_FUNCTIONSMERGE_H
 #define TALLYQUILL_FUNCTIONSMERGE_H
