@@ -200,7 +200,9 @@ protected:
         EXPECT_EQ(name, LastName());
         // The target of a single statement says what was to be assigned. Of several, variables may be gone that earlier
         // ones assigned.
-        if (line.find(';') != std::string::npos) EXPECT_EQ(target, calc->target);
+        if (line.find(';') != std::string::npos) {
+            EXPECT_EQ(target, calc->target);
+        }
         ASSERT_EQ(was, State());
     }
 
@@ -218,10 +220,7 @@ TEST_F(EntryState, everyStatementOfTheLineChangesWhatItSays) {
         const std::string was = State();
         ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(row.statement.c_str(), false))
             << row.statement << calc->message;
-        if (row.changes)
-            EXPECT_NE(was, State()) << row.statement;
-        else
-            EXPECT_EQ(was, State()) << row.statement;
+        EXPECT_EQ(row.changes, was != State()) << row.statement;
     }
 }
 

@@ -51,8 +51,12 @@ TEST(Degrees, HaveExactSinesAndCosinesWhereThereAreSuch) {
         const Number x = number(30.0 * step);
         const double sine = sines[(step % 12 + 12) % 12];
         const double cosine = sines[((step + 3) % 12 + 12) % 12];
-        if (sine != 2) EXPECT_EQ(0, qcmp(run(qsindeg, x).value.data(), number(sine).data())) << 30 * step;
-        if (cosine != 2) EXPECT_EQ(0, qcmp(run(qcosdeg, x).value.data(), number(cosine).data())) << 30 * step;
+        if (sine != 2) {
+            EXPECT_EQ(0, qcmp(run(qsindeg, x).value.data(), number(sine).data())) << 30 * step;
+        }
+        if (cosine != 2) {
+            EXPECT_EQ(0, qcmp(run(qcosdeg, x).value.data(), number(cosine).data())) << 30 * step;
+        }
     }
 }
 
