@@ -2,6 +2,7 @@
 //
 // Copy, cut and paste, and text that comes in by other ways.
 #import "console_fixture.h"
+#include "replacement.h"
 
 #import <objc/runtime.h>
 
@@ -385,6 +386,31 @@ TEST_F(Clipboard, theLengthCountsAsOneLine) {
     for (int i = 0; i < 500000; i++) lines += "1\n";
     pasteText(lines.c_str());
     EXPECT_TRUE(entry().empty());
+}
+
+NSString* noText(id, SEL, NSString*) {
+    return nil;
+}
+
+TEST_F(Clipboard, aTextThatItsOwnerDoesNotHandOutIsSaid) {
+    type("45");
+    setPasteboard("6*7");
+    {
+        const Replaced gone([[NSPasteboard generalPasteboard] class], @selector(stringForType:), noText);
+        EXPECT_FALSE([console readSelectionFromPasteboard:[NSPasteboard generalPasteboard]
+                                                     type:NSStringPboardType]);
+        EXPECT_EQ("The text could not be fetched.", status());
+        [console updateStatusbar:""];
+        [console paste:nil];
+        EXPECT_EQ("The text could not be fetched.", status());
+        EXPECT_EQ("45", entry());
+    }
+    // A pasteboard without a text is nothing to speak of.
+    [console updateStatusbar:""];
+    [[NSPasteboard generalPasteboard] declareTypes:[NSArray arrayWithObject:NSColorPboardType] owner:nil];
+    [console paste:nil];
+    EXPECT_EQ("", status());
+    EXPECT_EQ("45", entry());
 }
 
 // --- Other ways in ---

@@ -22,6 +22,12 @@ NSString* pathOfTests(id, SEL, NSString* name, NSString* type) {
     return [name isEqualToString:@"guide"] && [type isEqualToString:@"md"] ? guidePath : nil;
 }
 
+NSString* tutorialPath = nil;
+
+NSString* pathOfTutorial(id, SEL, NSString* name, NSString* type) {
+    return [name isEqualToString:@"tutorial"] && [type isEqualToString:@"script"] ? tutorialPath : nil;
+}
+
 std::vector<bool> madeAnew; // the panels for files
 
 NSInteger cancel(id self, SEL) {
@@ -31,6 +37,26 @@ NSInteger cancel(id self, SEL) {
 
 NSInteger cancelOpening(id self, SEL, NSArray*) {
     return cancel(self, NULL);
+}
+
+NSString* fileOfPanel = nil;
+
+NSInteger pressSave(id, SEL) {
+    return NSOKButton;
+}
+
+NSInteger pressOpen(id, SEL, NSArray*) {
+    return NSOKButton;
+}
+
+NSString* chosenFile(id, SEL) {
+    return fileOfPanel;
+}
+
+int requests = 0;
+
+void countRequest(id, SEL, id) {
+    requests++;
 }
 
 class MenuBar : public ShellTest {
@@ -281,6 +307,79 @@ TEST_F(MenuBar, helpOpensTheGuide) {
     ASSERT_NE(guide, nil);
     EXPECT_TRUE([guide isVisible]);
     [guide close];
+}
+
+TEST_F(MenuBar, aboutShowsThePanel) {
+    choose("About Tallyquill");
+    NSWindow* panel = nil;
+    for (NSWindow* const one in [NSApp windows]) {
+        if ([[one title] isEqualToString:@"About Tallyquill"]) panel = one;
+    }
+    ASSERT_NE(panel, nil);
+    EXPECT_TRUE([panel isVisible]);
+    [panel orderOut:nil];
+}
+
+TEST_F(MenuBar, quitAsksTheProgramToEnd) {
+    requests = 0;
+    const Replaced end([NSApp class], @selector(terminate:), countRequest);
+    choose("Quit Tallyquill");
+    EXPECT_EQ(requests, 1);
+}
+
+TEST_F(MenuBar, bringAllToFrontAsksTheProgramForIt) {
+    requests = 0;
+    const Replaced arrange([NSApp class], @selector(arrangeInFront:), countRequest);
+    choose("Bring All to Front");
+    EXPECT_EQ(requests, 1);
+}
+
+TEST_F(MenuBar, minimizeMinimisesTheWindow) {
+    requests = 0;
+    const Replaced minimise([NSWindow class], @selector(miniaturize:), countRequest);
+    choose("Minimize");
+    EXPECT_EQ(requests, 1);
+}
+
+TEST_F(MenuBar, cutTakesWhatOfTheSelectionIsInTheEntry) {
+    type("12345");
+    select(0, 4); // from the prompt on
+    choose("Cut");
+    EXPECT_EQ(text(), "> 345");
+    EXPECT_EQ(pasteboard(), "12");
+    EXPECT_EQ(status(), "ans = 345");
+}
+
+TEST_F(MenuBar, openReplaysTheScriptThatIsChosen) {
+    const std::string script = home + "/chosen.script";
+    write(script, "x=6*7\n");
+    fileOfPanel = [NSString stringWithUTF8String:script.c_str()];
+    const Replaced panel([NSOpenPanel class], @selector(runModalForTypes:), pressOpen);
+    const Replaced name([NSOpenPanel class], @selector(filename), chosenFile);
+    choose("Open Script...");
+    EXPECT_EQ(text(), "> \nx = 42\n\n> ");
+}
+
+TEST_F(MenuBar, saveWritesTheScriptThatIsNamed) {
+    enter("x=6*7");
+    for (const char* title : {"Save Script...", "Save Script As..."}) {
+        const std::string script = home + "/" + title + ".script";
+        fileOfPanel = [NSString stringWithUTF8String:script.c_str()];
+        const Replaced panel([NSSavePanel class], @selector(runModal), pressSave);
+        const Replaced name([NSSavePanel class], @selector(filename), chosenFile);
+        choose(title);
+        EXPECT_NE(read(script).find("\nx=6*7\n"), std::string::npos) << title;
+    }
+}
+
+TEST_F(MenuBar, tutorialReplaysItsScript) {
+    const std::string script = home + "/tutorial.script";
+    write(script, "x=6*7\n");
+    const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTutorial);
+    tutorialPath = [NSString stringWithUTF8String:script.c_str()];
+    type("12");
+    choose("Tutorial");
+    EXPECT_EQ(text(), "> \nx = 42\n\n> "); // what was typed is gone
 }
 
 } // namespace

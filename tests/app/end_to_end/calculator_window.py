@@ -236,20 +236,27 @@ class CalculatorWindow:
 
     def wait_for_text(self, expected):
         """Waits until the text ends with the expected one."""
+        self._wait_for_text(lambda text: text.endswith(expected), f"{expected!r} at the end of")
+
+    def wait_for_whole_text(self, expected):
+        """Waits until the text is the expected one."""
+        self._wait_for_text(lambda text: text == expected, f"{expected!r} instead of")
+
+    def _wait_for_text(self, fits, expectation):
         seen = ["what could not be read"]
 
         def shows():
             seen[:] = [self.text()]
-            return seen[0].endswith(expected)
+            return fits(seen[0])
 
         try:
-            wait_until(repr(expected), shows)
+            wait_until(expectation, shows)
         except AssertionError:
-            raise AssertionError(f"expected {expected!r} at the end of {seen[0]!r}") from None
+            raise AssertionError(f"expected {expectation} {seen[0]!r}") from None
 
     def status_line_beside(self, text):
-        """A fingerprint of the picture of the status line, taken when the console's text ends with `text`."""
-        self.wait_for_text(text)
+        """A fingerprint of the picture of the status line, taken when the console's text is `text`."""
+        self.wait_for_whole_text(text)
         area = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
         row = 3 * int(area["WIDTH"])  # bytes
         shot = subprocess.run(

@@ -44,7 +44,7 @@ class Newcomer(unittest.TestCase):
         window.key("alt+a", "alt+c")
         window.answer(DEFAULT_BUTTON)
         window.enter("clear")
-        window.wait_for_text("> ")
+        window.wait_for_whole_text("> ")
         return window
 
     def file(self, name):
@@ -77,7 +77,7 @@ class Newcomer(unittest.TestCase):
         window = self.start()
         window.type("s")
         window.key("Up", "Up")
-        window.wait_for_text("> sqrt(2)")
+        window.wait_for_whole_text("> sqrt(2)")
         window.key("Escape")
         window.enter("hyp(side,0)")
         window.wait_for_text("\nans = 12.5\n\n> ")
@@ -89,11 +89,11 @@ class Newcomer(unittest.TestCase):
         window.enter("sway(x)=x")
         window.type("sw")
         window.key("Tab")
-        window.wait_for_text("> sway()")
+        window.wait_for_text("\n> sway()")
         window.key("Escape")
         window.type("sw")
         window.key("Tab", "Tab")
-        window.wait_for_text("> swim()")
+        window.wait_for_text("\n> swim()")
         self.assertEqual(window.quit(), 0)
 
     def test_three_pasted_lines_are_one_entry(self):
@@ -101,7 +101,7 @@ class Newcomer(unittest.TestCase):
         put_on_pasteboard("1+1\n2+2\n3*4\n")
         window.key("alt+v")
         time.sleep(1)  # looking at the text puts something else on the pasteboard
-        window.wait_for_text("> 1+1; 2+2; 3*4")
+        window.wait_for_whole_text("> 1+1; 2+2; 3*4")
         window.key("Return")
         window.wait_for_text("\nans = 12\n\n> ")
         self.assertEqual(window.quit(), 0)
@@ -112,9 +112,9 @@ class Newcomer(unittest.TestCase):
         window.type("12345")
         window.key("Left", "Left", *["shift+Left"] * 10)
         window.key("BackSpace")
-        window.wait_for_text("> 7*3\nans = 21\n\n> 45")
+        window.wait_for_whole_text("> 7*3\nans = 21\n\n> 45")
         window.key("alt+a", "BackSpace")
-        window.wait_for_text("> 7*3\nans = 21\n\n> ")
+        window.wait_for_whole_text("> 7*3\nans = 21\n\n> ")
         self.assertEqual(window.quit(), 0)
 
     def test_a_click_as_short_as_can_be_leaves_the_keys_alive(self):
@@ -122,16 +122,8 @@ class Newcomer(unittest.TestCase):
         window.type("12345")
         run("xdotool", "mousemove", "--window", window.id, "300", "150", "sleep", "0.2", "click", "1", "sleep", "0.3")
         window.type("+1")
-        window.wait_for_text("> 12345+1")
+        window.wait_for_whole_text("> 12345+1")
         self.assertEqual(window.quit(), 0)
-
-    def test_an_entry_survives_a_crash_two_seconds_later(self):
-        window = self.first_start()
-        window.enter("depth=5")
-        time.sleep(2)
-        window.kill()
-        with open(self.file(FUNCTIONS_FILE), encoding="ascii") as file:
-            self.assertIn("\ndepth=5\n", file.read())
 
     def test_sigterm_during_a_script_keeps_what_was_entered(self):
         self.first_start().quit()
@@ -149,15 +141,14 @@ class Newcomer(unittest.TestCase):
         self.first_start().quit()
         script = os.path.join(self.folder, "slow.script")
         with open(script, "w", encoding="ascii") as file:
-            file.write("depth=5\n" + "pause 5000\n" * 10 + "depth=6\n")
+            file.write("depth=5\n" + "pause 5000\npaused=1\n" * 10)
         window = self.start(script)
         time.sleep(1)
-        begin = time.monotonic()
         window.key("alt+F4")  # the window manager's
         self.assertEqual(window.wait_for_end(), 0)
-        self.assertLess(time.monotonic() - begin, 4)
-        with open(self.file(FUNCTIONS_FILE), encoding="ascii") as file:
-            self.assertIn("\ndepth=5\n", file.read())
+        lines = window.functions_file()
+        self.assertIn("depth=5", lines)
+        self.assertNotIn("paused=1", lines)  # it did not wait for the pause's end
 
     def test_damaged_files_are_kept_beside(self):
         self.first_start().quit()

@@ -22,7 +22,7 @@ def first_settings():
         window.key("alt+a", "alt+c")
         window.answer(DEFAULT_BUTTON)  # a tip follows the first copy out of the transcript
         window.key("End")
-        window.wait_for_text("> 1+1\nans = 2\n\n> ")
+        window.wait_for_whole_text("> 1+1\nans = 2\n\n> ")
         status = window.quit()
         assert status == 0, f"exit status {status}: {window.remarks()}"
     finally:
