@@ -178,21 +178,18 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
 - (void)startWriting:(std::vector<FileToWrite>)files {
     [self appSupportFolder];
     backgroundWriter.Write(std::move(files));
-    [self performFileSelector:@selector(tellFailedWriting) after:0];
+    [self tellFailedWritingAfter:0];
 }
 
-- (void)performFileSelector:(SEL)selector after:(NSTimeInterval)delay {
-    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:selector object:nil];
-    [self performSelector:selector
-               withObject:nil
-               afterDelay:delay
-                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
-                                                    NSEventTrackingRunLoopMode, nil]];
+- (void)tellFailedWritingAfter:(NSTimeInterval)delay {
+    const SEL tell = @selector(tellFailedWriting);
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:tell object:nil];
+    [self performSelector:tell withObject:nil afterDelay:delay];
 }
 
 - (void)tellFailedWriting {
     if (backgroundWriter.IsBusy()) {
-        [self performFileSelector:@selector(tellFailedWriting) after:0.1];
+        [self tellFailedWritingAfter:0.1];
         return;
     }
     backgroundWriter.Finish();
@@ -220,11 +217,22 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     unwritten = Unwritten();
     backgroundWriter.Finish();
     if (!mayWriteFunctions()) {
-        [self performFileSelector:@selector(tellFailedWriting) after:0];
+        [self tellFailedWritingAfter:0];
         return;
     }
     [self startWriting:{{pathBytes(funcFilePath), FunctionsFileText(calc), &merge}}];
     backgroundWriter.Finish();
+}
+
+- (void)writeAllFiles {
+    backgroundWriter.Finish();
+    std::vector<FileToWrite> files;
+    const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
+    if (!settingsNow.empty()) files.push_back({pathBytes(prefFilePath), settingsNow});
+    const std::string text = unwritten.isEntryRunning ? unwritten.text : FunctionsFileText(calc);
+    if (!text.empty() && mayWriteFunctions()) files.push_back({pathBytes(funcFilePath), text, &merge});
+    [self startWriting:std::move(files)];
+    [self reportUnwritten];
 }
 
 - (void)loadFuncFile {
@@ -269,7 +277,12 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     // Also when this entry has just been written: its settings are taken over only now.
     unwritten.exists = true;
     unwritten.since = Clock::now();
-    [self performFileSelector:@selector(writeDueFiles) after:WRITE_DELAY];
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(writeDueFiles) object:nil];
+    [self performSelector:@selector(writeDueFiles)
+               withObject:nil
+               afterDelay:WRITE_DELAY
+                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
+                                                    NSEventTrackingRunLoopMode, nil]];
 }
 
 - (void)writeDueFiles {

@@ -79,9 +79,16 @@ static void copyBounded(char* out, size_t size, const char* text) {
     return status;
 }
 
+- (BOOL)isAtWork {
+    return isAtWork;
+}
+
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
+    if (isAtWork) return;
     [self copySettingsToEngine];
+    isAtWork = !quick;
     const int status = [self processLine:line quick:quick];
+    isAtWork = NO;
     if (quick) {
         [self updateStatusbar:status == STATUS_ERROR ? "" : calc.resultLine];
         return;
@@ -117,11 +124,14 @@ static void copyBounded(char* out, size_t size, const char* text) {
     const bool isTimed =
         CommandHasNumber(command, "pause", number) || CommandHasNumber(command, "echo", number);
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
+    isAtWork = YES;
     [self RunGUICommand:command.c_str()];
+    isAtWork = NO;
     if (!line && isTimed) [self insertPrompt];
 }
 
 - (NSString*)QuickResult:(const char*)line:(int)base {
+    if (isAtWork) return @"error";
     const int stored = calc.displayBase;
     [self copySettingsToEngine];
     calc.displayBase = base;

@@ -118,13 +118,43 @@ static NSString* baseWord(int base) {
     return isReplaying;
 }
 
+- (BOOL)mustWait {
+    return isReplaying || isAtWork || [self isEntryRunning];
+}
+
 - (BOOL)loadFile:(NSString*)path {
     std::string script;
     if (!path || !ReadWholeFile([path fileSystemRepresentation], script)) return NO;
-    if (isReplaying || [self isEntryRunning]) {
-        [self performSelector:@selector(loadFile:) withObject:path afterDelay:RETRY_DELAY];
+    if ([self mustWait] || [waitingScripts count] > 0) {
+        if (!waitingScripts) waitingScripts = [[NSMutableArray alloc] init];
+        [waitingScripts addObject:path];
+        if ([waitingScripts count] == 1) [self loadWaitingScriptsLater];
         return YES;
     }
+    [self replayScript:script];
+    return YES;
+}
+
+- (void)loadWaitingScriptsLater {
+    [self performSelector:@selector(loadWaitingScripts) withObject:nil afterDelay:RETRY_DELAY];
+}
+
+// One at a time, in the order in which they came.
+- (void)loadWaitingScripts {
+    if ([self mustWait]) {
+        [self loadWaitingScriptsLater];
+        return;
+    }
+    NSString* const path = [[[waitingScripts objectAtIndex:0] retain] autorelease];
+    std::string script;
+    const bool isRead = ReadWholeFile([path fileSystemRepresentation], script);
+    if (isRead) [self replayScript:script];
+    [waitingScripts removeObjectAtIndex:0]; // those that come meanwhile wait behind it
+    if ([waitingScripts count] > 0) [self loadWaitingScriptsLater];
+    if (!isRead) [self simpleAlert:@"The script could not be opened.":path];
+}
+
+- (void)replayScript:(const std::string&)script {
     [self insertWithoutPrompt:"\n"];
     isReplaying = true;
     [self replay:script];
@@ -132,7 +162,6 @@ static NSString* baseWord(int base) {
     [self populateVarsMenu];
     [self populateFuncMenu];
     [self insertPrompt];
-    return YES;
 }
 
 - (void)replay:(const std::string&)script {
@@ -143,7 +172,9 @@ static NSString* baseWord(int base) {
     while (takeLine(script, start, line)) {
         // A blank line is there for the eye; as an entry it would repeat the one before.
         if (line[0] == '#' || isBlank(line)) continue;
+        NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
         [self ProcessResult:asLatin1(line).c_str():NO];
+        [pool release];
         if (scriptInterrupted || calc.interrupted) {
             scriptInterrupted = false;
             calc.interrupted = true;

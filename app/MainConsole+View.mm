@@ -4,6 +4,7 @@
 #import "MainConsole.h"
 
 #import "Platform.h"
+#import "Termination.h"
 
 #include <algorithm>
 
@@ -113,8 +114,17 @@ static NSString* const PROMPT = @"> ";
     [self recallHistory:-1];
 }
 
+// Whoever waits asks some thousand times, and nobody else releases what the events leave.
 - (int)checkInterruptEvent {
-    if (platformCloseIsWaiting()) return 1; // the window closes when what runs has ended
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    const int isStopped = [self findInterruptEvent];
+    [pool release];
+    return isStopped;
+}
+
+- (int)findInterruptEvent {
+    if (isTerminationAsked()) return 1;
+    if (platformCloseIsWaiting([self window])) return 1; // the window closes when what runs has ended
     NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
                                               untilDate:[NSDate date]
                                                  inMode:NSDefaultRunLoopMode

@@ -68,6 +68,8 @@ extern NSString* prefFilePath;
     NSMenuItem* menuDispHex;
     NSPopUpButton* menuVars;
     NSPopUpButton* menuFuncs;
+    NSMutableArray* waitingScripts; // paths of scripts that came while another one or an entry ran; or nil
+    BOOL isAtWork;                  // an entry runs, or the command that it handed over
 }
 
 // The start-up of the console in `window`: paths, settings, engine, functions file, menus, window; then the
@@ -148,8 +150,12 @@ extern NSString* prefFilePath;
 
 @interface MainConsole (Runner)
 // Sends a line to the engine with the settings of the console and shows what comes back. A null `line` stands for
-// the entry at the prompt. `quick` is the live preview: only the status line changes.
+// the entry at the prompt. `quick` is the live preview: only the status line changes. Nothing happens while an entry is
+// at work: timers and windows may send this while it looks for interruptions.
 - (void)ProcessResult:(const char*)line:(BOOL)quick;
+
+// An entry is being evaluated or its command, such as a pause, carried out.
+- (BOOL)isAtWork;
 
 // The value of the line in base 2, 10 or 16 with a line feed behind it, or "error". Nothing is stored.
 - (NSString*)QuickResult:(const char*)line:(int)base;
@@ -186,6 +192,7 @@ extern NSString* prefFilePath;
 - (void)entryDidRun;
 - (BOOL)isEntryRunning; // between the two: the engine is at work
 - (void)writeDueFiles;
+- (void)writeAllFiles;   // at once, without asking the window; while an entry runs, what was there before it
 - (void)finishWriting;   // returns when what is being written is in the files
 - (void)reportUnwritten; // what could not be written, on standard error
 @end

@@ -57,6 +57,7 @@ NSData* latin1Bytes(NSString* text) {
     if (interruptedConsole == self) interruptedConsole = nil;
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [settings release];
+    [waitingScripts release];
     [super dealloc];
 }
 
@@ -97,8 +98,11 @@ static bool isInterrupted() {
     const auto now = std::chrono::steady_clock::now();
     if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return false;
     lastInterruptCheck = now;
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
     [interruptedConsole writeDueFiles];
-    return [interruptedConsole checkInterruptEvent] != 0;
+    const bool isStopped = [interruptedConsole checkInterruptEvent] != 0;
+    [pool release];
+    return isStopped;
 }
 
 - (void)watchInterrupts {
@@ -258,6 +262,11 @@ static NSSize scaledSize(NSSize points) {
 }
 
 - (void)presentSheet:(NSArray*)sheet {
+    // A script that runs looks for interruptions, and timers fire meanwhile: it would wait for the sheet.
+    if (isAtWork || [self isReplaying]) {
+        [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
+        return;
+    }
     NSString* const no = [sheet objectAtIndex:2];
     NSString* const selector = [sheet objectAtIndex:3];
     NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window],

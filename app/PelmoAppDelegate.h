@@ -12,9 +12,9 @@
 @class MainWindowDelegate;
 @class PrefController;
 
-extern uint8_t mainWinIsHidden;         // 1 while the window has been faded away
-extern uint8_t calcIsReady;             // 1 once start-up has finished
-extern NSString* waitingToOpenFilename; // handed over before that, or nil; retained
+extern uint8_t mainWinIsHidden;                // 1 while the window has been faded away
+extern uint8_t calcIsReady;                    // 1 once start-up has finished
+extern NSMutableArray* waitingToOpenFilenames; // handed over before that, in order, or nil; retained
 
 @interface PelmoAppDelegate : NSObject {
     NSWindow* window;
@@ -50,6 +50,9 @@ extern NSString* waitingToOpenFilename; // handed over before that, or nil; reta
 
 - (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path;
+
+// The display is gone and the program about to end: writes what is due, without a word to the display.
+- (void)displayWasLost;
 @end
 
 #endif

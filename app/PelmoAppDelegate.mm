@@ -13,7 +13,7 @@
 
 uint8_t mainWinIsHidden = 0;
 uint8_t calcIsReady = 0;
-NSString* waitingToOpenFilename = nil;
+NSMutableArray* waitingToOpenFilenames = nil;
 
 // The window on all spaces while it comes and goes, so that no space is switched to.
 static const NSUInteger EVERY_SPACE = 1;
@@ -89,18 +89,24 @@ static NSImage* bundleImage(NSString* name) {
     statusItem = nil;
     if ([mainConsole setting:@"statusicon"] == 1) [self createAppStatusItem];
     calcIsReady = 1;
-    if (!waitingToOpenFilename) return;
-    NSString* const path = [waitingToOpenFilename autorelease];
-    waitingToOpenFilename = nil;
-    if (![mainConsole loadFile:path]) [mainConsole simpleAlert:@"The script could not be opened.":path];
+    NSArray* const paths = [waitingToOpenFilenames autorelease];
+    waitingToOpenFilenames = nil;
+    for (NSString* const path in paths) {
+        if (![mainConsole loadFile:path]) [mainConsole simpleAlert:@"The script could not be opened.":path];
+        if (![window isVisible]) break; // the script closed it
+    }
 }
 
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path {
     (void)application;
     if (calcIsReady) return [mainConsole loadFile:path];
-    [waitingToOpenFilename autorelease];
-    waitingToOpenFilename = [path copy];
+    if (!waitingToOpenFilenames) waitingToOpenFilenames = [[NSMutableArray alloc] init];
+    [waitingToOpenFilenames addObject:path];
     return YES;
+}
+
+- (void)displayWasLost {
+    if (calcIsReady) [mainConsole writeAllFiles];
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {

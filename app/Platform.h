@@ -27,9 +27,9 @@ enum VirtualKey : uint32_t {
     KEY_OTHER = 0xffff // any other key, on GNUstep
 };
 
-// Whether the window manager has asked for a window to be closed, which waits in the queue of events and stays there.
-// On macOS a click does that, which is not looked for.
-bool platformCloseIsWaiting();
+// Whether the window manager has asked for this window to be closed, which waits in the queue of events and stays
+// there. Other windows are closed at once. On macOS a click does that, which is not looked for.
+bool platformCloseIsWaiting(NSWindow* window);
 
 // Takes the release of the left button from the queue of events when it has come already, as that of a touchpad may
 // when its press is looked at. GNUstep's text view would forget it and wait for another one for ever. False on macOS.
@@ -41,7 +41,11 @@ uint32_t platformKeyCode(NSEvent* event);
 // Before [NSApplication sharedApplication]: defaults that the window needs.
 void platformRegisterDefaults();
 
-// After it: LC_NUMERIC is "C" again, as the engine expects.
+// Whether windows can be shown: where an X server does that, whether it answers.
+bool platformHasDisplay();
+
+// After it: LC_NUMERIC is "C" again, as the engine expects, and when the X server goes away the delegate is told by
+// displayWasLost before the program ends with status 1.
 void platformAfterLaunch();
 
 // The current user's folder for application data, which need not exist; nil when there is none.
@@ -51,8 +55,8 @@ NSString* platformSupportFolder();
 // Makes a folder. Its parents too on Linux, where a new home folder has none of them.
 bool platformMakeFolder(NSString* path);
 
-// The file that the command line names, or nil. On macOS the system hands files over by itself.
-NSString* platformFileArgument(int argc, const char* const* argv);
+// The paths of the files that the command line names, in order. On macOS the system hands files over by itself.
+NSArray* platformFileArguments(int argc, const char* const* argv);
 
 // Opens a page in the browser. False when the address is none or nothing can be started.
 bool platformOpenPage(NSString* address);

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #import "Platform.h"
 
+#import "PelmoAppDelegate.h"
+
 #include <clocale>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -10,10 +14,6 @@
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 #endif
-
-void platformAfterLaunch() {
-    setlocale(LC_NUMERIC, "C");
-}
 
 bool platformWritesDecimalComma() {
     NSNumberFormatter* const formatter = [[[NSNumberFormatter alloc] init] autorelease];
@@ -27,14 +27,14 @@ bool platformWritesDecimalComma() {
 #ifdef GNUSTEP
 
 // What waits in front of it, the focus coming and going, is dealt with.
-bool platformCloseIsWaiting() {
+bool platformCloseIsWaiting(NSWindow* window) {
     for (;;) {
         NSEvent* const event = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
                                                   untilDate:[NSDate date]
                                                      inMode:NSDefaultRunLoopMode
                                                     dequeue:YES];
         if (!event) return false;
-        if ([event subtype] == GSAppKitWindowClose) {
+        if ([event subtype] == GSAppKitWindowClose && [event window] == window) {
             [NSApp postEvent:event atStart:YES];
             return true;
         }
@@ -89,6 +89,27 @@ void platformRegisterDefaults() {
     [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
 }
 
+bool platformHasDisplay() {
+    // GNUstep's own default for another server.
+    if ([[NSUserDefaults standardUserDefaults] stringForKey:@"NSHost"]) return true;
+    Display* const display = XOpenDisplay(nullptr);
+    if (display) XCloseDisplay(display);
+    return display != nullptr;
+}
+
+// Xlib calls it where it notices, which is never in a signal handler, and would exit behind it, with all that libraries
+// do then on a connection that is gone.
+static int endWithoutDisplay(Display*) {
+    fputs("Tallyquill: the display has gone away.\n", stderr);
+    [(PelmoAppDelegate*)[NSApp delegate] displayWasLost];
+    _exit(1);
+}
+
+void platformAfterLaunch() {
+    setlocale(LC_NUMERIC, "C");
+    XSetIOErrorHandler(endWithoutDisplay);
+}
+
 static NSString* homeFolder() {
     const char* home = getenv("HOME");
     if (!home || home[0] != '/') {
@@ -114,19 +135,20 @@ bool platformMakeFolder(NSString* path) {
                                                            error:NULL];
 }
 
-NSString* platformFileArgument(int argc, const char* const* argv) {
+NSArray* platformFileArguments(int argc, const char* const* argv) {
+    NSFileManager* const manager = [NSFileManager defaultManager];
+    NSMutableArray* const paths = [NSMutableArray array];
     for (int i = 1; i < argc; i++) {
+        if (strcmp(argv[i], "--trace") == 0) continue;
         if (argv[i][0] == '-') {
             i++; // -Key Value sets a default of GNUstep
             continue;
         }
-        NSString* const path =
-            [[NSFileManager defaultManager] stringWithFileSystemRepresentation:argv[i]
-                                                                        length:strlen(argv[i])];
-        if ([path isAbsolutePath]) return path;
-        return [[[NSFileManager defaultManager] currentDirectoryPath] stringByAppendingPathComponent:path];
+        NSString* const path = [manager stringWithFileSystemRepresentation:argv[i] length:strlen(argv[i])];
+        NSString* const folder = [manager currentDirectoryPath];
+        [paths addObject:[path isAbsolutePath] ? path : [folder stringByAppendingPathComponent:path]];
     }
-    return nil;
+    return paths;
 }
 
 // [NSWorkspace openURL:] puts up a modal panel here and hangs.
@@ -217,7 +239,7 @@ void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bo
 
 #else
 
-bool platformCloseIsWaiting() {
+bool platformCloseIsWaiting(NSWindow*) {
     return false;
 }
 
@@ -230,6 +252,14 @@ uint32_t platformKeyCode(NSEvent* event) {
 }
 
 void platformRegisterDefaults() {}
+
+bool platformHasDisplay() {
+    return true;
+}
+
+void platformAfterLaunch() {
+    setlocale(LC_NUMERIC, "C");
+}
 
 NSString* platformSupportFolder() {
     NSArray* const folders =
@@ -244,8 +274,8 @@ bool platformMakeFolder(NSString* path) {
                                                            error:NULL];
 }
 
-NSString* platformFileArgument(int, const char* const*) {
-    return nil;
+NSArray* platformFileArguments(int, const char* const*) {
+    return @[];
 }
 
 bool platformOpenPage(NSString* address) {

@@ -19,7 +19,7 @@ open_window() {
     status=0
     "$window" </dev/null >/dev/null 2>"$log" || status=$?
     [ "$status" -ne 0 ] || exit 0
-    if grep -q 'Unable to connect to X Server' "$log"; then
+    if grep -q 'there is no display' "$log"; then
         rm -f "$log"
         trap - EXIT
         return

@@ -433,9 +433,9 @@ TEST_F(Scripts, aFileFromTheSystemIsReplayedOnceTheConsoleIsReady) {
     calcIsReady = 0;
     EXPECT_TRUE([delegate application:NSApp openFile:string(path())]);
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    EXPECT_TRUE([waitingToOpenFilename isEqualToString:string(path())]);
-    [waitingToOpenFilename release];
-    waitingToOpenFilename = nil;
+    EXPECT_TRUE([waitingToOpenFilenames isEqual:@[ string(path()) ]]);
+    [waitingToOpenFilenames release];
+    waitingToOpenFilenames = nil;
     calcIsReady = 1;
     EXPECT_TRUE([delegate application:NSApp openFile:string(path())]);
     EXPECT_EQ(variable("x"), "5");
