@@ -81,7 +81,7 @@ TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
     for (int round = 0; round < 300; round++) {
         const auto before = contentsOf(list);
         terms.BeginChanges();
-        for (auto n = random() % 12; n > 0; n--) {
+        for (auto n = static_cast<unsigned>(random() % 12); n > 0; n--) {
             const std::string name = "v" + std::to_string(random() % 30);
             node* const term = terms.Find(name);
             ASSERT_EQ(FirstOf(name), term) << "seed " << seed;
