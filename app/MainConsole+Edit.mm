@@ -5,8 +5,6 @@
 
 #import "Platform.h"
 
-#include "Helpers_String.h"
-
 #import <objc/runtime.h>
 
 #include <algorithm>
@@ -58,21 +56,14 @@ static const useconds_t FLASH = 80000; // microseconds
              didEnd:NULL];
 }
 
-// The answer as bare digits: without the grouping mark, which is shown as a point with a decimal comma.
-static std::string bareAnswer() {
-    std::string text = calc.lastAnswer;
-    char mark[] = {calc.separatorChar, '\0'};
-    calc.ProcessStringEuropean(mark);
-    if (calc.useSeparator) StrRemoveChar(text.data(), mark[0]);
-    return text.c_str();
-}
-
 - (void)copyAnswer {
-    if (calc.lastAnswer[0] == '\0') return; // what the pasteboard holds is better than nothing
+    [self copySettingsToEngine];
+    const std::string answer = calc.PlainAnswer();
+    if (answer.empty()) return; // what the pasteboard holds is better than nothing
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:[NSArray arrayWithObject:NSStringPboardType] owner:nil];
-    [board setString:textFromBytes(bareAnswer().c_str()) forType:NSStringPboardType];
-    NSString* const shown = [@"= " stringByAppendingString:textFromBytes(calc.lastAnswer)];
+    [board setString:textFromBytes(answer.c_str()) forType:NSStringPboardType];
+    NSString* const shown = [@"= " stringByAppendingString:textFromBytes(calc.answer.shown.c_str())];
     const NSRange found = [[self string] rangeOfString:shown options:NSBackwardsSearch];
     if (found.location != NSNotFound) [self flash:NSMakeRange(found.location + 2, found.length - 2)];
 }

@@ -40,21 +40,13 @@ static int prevbase = 0;
 }
 
 - (BOOL)showsAgainIn:(int)base {
-    if (calc.lastAnswer[0] == '\0' || g_linestart < 3) return NO;
+    if (calc.answer.shown.empty() || g_linestart < 3) return NO;
     return g_linestart == prevgis ? base != prevbase : base != [self setting:@"dispbase"];
 }
 
 - (void)showAnswerIn:(int)base {
-    static char text[FORMAT_SIZE];
-    qfloat shown;
-    qmov(calc.result, shown);
-    qmov(lastResult.value, calc.result);
-    calc.FormatResult(base, text, calc.sigFigs, calc.sciMode, calc.twosComp,
-                      calc.useSeparator ? calc.separatorChar : '\0');
-    qmov(shown, calc.result);
     // The entry is as it was typed, in the user's notation already.
-    calc.ProcessStringEuropean(text);
-    const std::string line = lastResult.entry + " = " + text + "\n";
+    const std::string line = calc.answer.entry + " = " + calc.AnswerIn(base) + "\n";
     [self insertPrePrompt:line.c_str():3];
 }
 

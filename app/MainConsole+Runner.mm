@@ -27,7 +27,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
 
 @implementation MainConsole (Runner)
 
-// The settings that the engine works with. Either mark stands for the grouping mark, which is a comma in the
+// Either mark stands for the grouping mark, which is a comma in the
 // engine's own notation: european makes a point of it.
 - (void)copySettingsToEngine {
     const int separator = [self setting:@"schar"];
@@ -53,7 +53,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
     if (base != [self setting:@"dispbase"]) [self setDisplayBase:base:NO];
 }
 
-// Runs the line, or the entry at the prompt. Returns the status; an answer's line and value are kept.
+// Runs the line, or the entry at the prompt. Returns the status.
 - (int)processLine:(const char*)line quick:(BOOL)quick {
     if (line) {
         copyBounded(prompt, sizeof prompt, line);
@@ -69,13 +69,6 @@ static void copyBounded(char* out, size_t size, const char* text) {
     [self watchInterrupts];
     const int status = calc.ProcessEntry(entry, false);
     [self entryDidRun];
-    if (status == STATUS_RESULT) {
-        // The newest line of the history is the one that an empty entry repeated.
-        const char* const newest = calc.history.GetHistoryStr(1);
-        lastResult.entry = prompt[0] == '\0' && newest ? newest : prompt;
-        lastResult.entry.erase(std::min(lastResult.entry.find_first_of("\r\n"), lastResult.entry.size()));
-        qmov(calc.result, lastResult.value);
-    }
     return status;
 }
 

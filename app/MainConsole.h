@@ -37,13 +37,6 @@ extern int32_t g_linestart;      // where the entry begins, just behind the prom
 extern char prompt[PROMPT_SIZE]; // the entry as an 8-bit string, see getPromptText; scratch for completion
 extern bool scriptInterrupted;   // a pause or a typed-out echo was interrupted; the script's runner clears it
 
-// What the last answer came from: the line that was typed and the exact value. A preview changes calc.result.
-struct Answer {
-    std::string entry;
-    qfloat value = {};
-};
-extern Answer lastResult;
-
 // History recall: the prefix, whether the arrows match it, and whether it has been taken from the entry.
 extern char matchstr[MATCH_SIZE];
 extern uint8_t matching_enable;
@@ -156,6 +149,9 @@ extern NSString* prefFilePath;
 
 // An entry is being evaluated or its command, such as a pause, carried out.
 - (BOOL)isAtWork;
+
+// The settings that the engine works with, into it.
+- (void)copySettingsToEngine;
 
 // The value of the line in base 2, 10 or 16 with a line feed behind it, or "error". Nothing is stored.
 - (NSString*)QuickResult:(const char*)line:(int)base;

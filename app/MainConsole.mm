@@ -17,7 +17,6 @@ ZqCalculator calc;
 int32_t g_linestart = 0;
 char prompt[PROMPT_SIZE] = "";
 bool scriptInterrupted = false;
-Answer lastResult;
 char matchstr[MATCH_SIZE] = "";
 uint8_t matching_enable = 0;
 uint8_t update_match_str = 0;

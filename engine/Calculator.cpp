@@ -63,6 +63,7 @@ void ZqCalculator::BeginEntry(std::string& entry) {
         const char* newest = history.GetHistoryStr(1);
         if (isRepeatable(newest)) entry = newest;
     }
+    entryLine = entry.substr(0, entry.find_first_of("\r\n"));
     entryCount += 1;
     history.HistLocReset();
 }
@@ -96,22 +97,57 @@ std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) 
     return statements;
 }
 
-// The result as it is shown behind a name of so many characters.
-std::string ZqCalculator::ResultText(size_t nameLength) {
+Notation ZqCalculator::CurrentNotation() const {
+    return {displayBase, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0'};
+}
+
+// The value as it is shown behind a name of so many characters.
+std::string ZqCalculator::TextOf(const qfloat value, const Notation& notation, size_t nameLength) {
     char text[FORMAT_SIZE] = "";
-    FormatResult(displayBase, text, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0');
+    qfloat kept;
+    qmov(result, kept);
+    qmov(value, result);
+    FormatResult(notation.base, text, notation.sigFigs, notation.sciMode, notation.twosComp,
+                 notation.separator);
     // Thousands of grouped digits can outgrow the line. A cut number would be a wrong one, so it is shown
     // with an exponent instead.
     if (nameLength + strlen(" = \n") + strlen(text) >= sizeof resultLine) {
-        FormatResult(displayBase, text, sigFigs, SCI_ALWAYS, twosComp, '\0');
+        FormatResult(notation.base, text, notation.sigFigs, SCI_ALWAYS, notation.twosComp, '\0');
     }
+    qmov(kept, result);
     ProcessStringEuropean(text);
     return text;
 }
 
+// Makes the value the last answer. Returns it as it is shown.
+std::string ZqCalculator::KeepAnswer(const char* name, const qfloat value) {
+    answer.entry = entryLine;
+    answer.name = name;
+    qmov(value, answer.value);
+    answer.notation = CurrentNotation();
+    answer.shown = TextOf(value, answer.notation, answer.name.size());
+    return answer.shown;
+}
+
+std::string ZqCalculator::AnswerIn(int base) {
+    if (answer.shown.empty()) return "";
+    Notation notation = CurrentNotation();
+    notation.base = base;
+    return TextOf(answer.value, notation, 0);
+}
+
+std::string ZqCalculator::PlainAnswer() {
+    if (answer.shown.empty()) return "";
+    Notation notation = answer.notation;
+    notation.twosComp = false;
+    notation.separator = '\0';
+    return TextOf(answer.value, notation, answer.name.size());
+}
+
 int ZqCalculator::ShowResult() {
     if (!fullEntry && Spend(RESULT_REDUCTIONS, 0) != 0) return STATUS_ERROR;
-    const std::string text = ResultText(strlen(target->text));
+    const std::string text = fullEntry ? KeepAnswer(target->text, result)
+                                       : TextOf(result, CurrentNotation(), strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
     overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;

@@ -56,6 +56,24 @@ enum Status : int32_t {
 
 enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
 
+// How a value is written.
+struct Notation {
+    int32_t base = 10;
+    int32_t sigFigs = 10;
+    int32_t sciMode = SCI_AUTO;
+    bool twosComp = false;
+    char separator = '\0'; // no grouping
+};
+
+// An answer: of a statement that was evaluated, shown or not, or of disp.
+struct Answer {
+    std::string entry; // the line that was typed, or that an empty one repeated
+    std::string name;  // the variable that has the value
+    qfloat value = {};
+    Notation notation; // in which it was written
+    std::string shown; // the value as it was written; empty: there has been no answer yet
+};
+
 // How much work the last statement took. Tests hold these against the number of terms.
 struct WorkCounters {
     uint64_t checked = 0; // terms visited by VerifyTermsSyntax
@@ -91,7 +109,9 @@ public:
     char resultLine[TEXT_SIZE] = ""; // "name = value\n" of the last statement
     qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
     char* lastName = nullptr;        // its name, owned by the variable
-    char lastAnswer[TEXT_SIZE] = ""; // formatted value of the last full entry's result
+    char lastAnswer[TEXT_SIZE] =
+        "";        // formatted value of the last full entry's result; "name = value" by disp
+    Answer answer; // the last one; previews, errors and messages leave it as it is
     CHistory history;
     Deq vars;                 // the variables: "ans" first, then "pi"
     Deq terms;                // the terms of the statement being evaluated
@@ -138,6 +158,13 @@ public:
     // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
     // `separator` 0 means no grouping. Returns 0.
     int FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator);
+
+    // The last answer in base 10, 16 or 2, otherwise in the settings of now. Empty when there is none.
+    std::string AnswerIn(int base);
+
+    // The last answer as it was shown, but so that it reads back as that value: with the decimal mark of now, without
+    // grouping marks and without two's complement, which reads as another number. Empty when there is none.
+    std::string PlainAnswer();
 
     // Exchanges '.' and ',' throughout the text when `european` is set.
     void ProcessStringEuropean(char* text) const;
@@ -219,6 +246,7 @@ private:
     std::unordered_set<std::string> parametersInDefinition; // of the same function
     std::vector<node*> expanded; // operators of expanded calls still to be applied, the next one last
     bool gospelShown = false;    // the next "gospel" opens the page
+    std::string entryLine;       // the full entry that runs, or ran last
 
     // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
     // long texts copied by the statement.
@@ -238,7 +266,9 @@ private:
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
     std::vector<std::string> SplitStatements(const std::string& line) const;
-    std::string ResultText(size_t nameLength);
+    Notation CurrentNotation() const;
+    std::string TextOf(const qfloat value, const Notation& notation, size_t nameLength);
+    std::string KeepAnswer(const char* name, const qfloat value);
     int BeginStatement();
     int ShowResult();
     int EvaluateTerms();

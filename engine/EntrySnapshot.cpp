@@ -7,6 +7,7 @@
 
 EntrySnapshot::EntrySnapshot(ZqCalculator& calculator) : calc(calculator), lastAnswer(calc.lastAnswer) {
     Keep(calc.target);
+    Keep(calc.answer);
     Keep(calc.lastName); // of a variable, which comes back as the same term
     Keep(calc.degreeMode);
     Keep(calc.sciMode);

@@ -124,7 +124,7 @@ public:
     explicit EngineState(ZqCalculator& engine)
         : calc(engine), european(calc.european), tenKey(calc.tenKey), fullEntry(calc.fullEntry),
           interrupted(calc.interrupted), interruptCheck(calc.interruptCheck), mathError(merror),
-          message(calc.message), echoText(calc.echoText), lastAnswer(calc.lastAnswer) {
+          message(calc.message), echoText(calc.echoText), lastAnswer(calc.lastAnswer), answer(calc.answer) {
         qmov(calc.result, result);
         calc.european = calc.tenKey = false;
         calc.fullEntry = true;
@@ -140,6 +140,7 @@ public:
         memcpy(calc.message, message.c_str(), message.size() + 1);
         memcpy(calc.echoText, echoText.c_str(), echoText.size() + 1);
         memcpy(calc.lastAnswer, lastAnswer.c_str(), lastAnswer.size() + 1);
+        calc.answer = answer;
         qmov(result, calc.result);
         calc.terms.Clear();
         calc.target = calc.vars.first;
@@ -159,6 +160,7 @@ private:
     std::string message;
     std::string echoText;
     std::string lastAnswer;
+    Answer answer;
     qfloat result;
 };
 

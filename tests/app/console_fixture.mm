@@ -86,7 +86,6 @@ static void forgetEverything() {
     deleteAllFunctions();
     funcs.TabCompleteReset();
     deleteAllUnits();
-    lastResult = Answer();
     prompt[0] = matchstr[0] = '\0';
     matching_enable = update_match_str = 0;
     keyCode = prevKey = 0;

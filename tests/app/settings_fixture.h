@@ -97,7 +97,7 @@ protected:
 
     void expectUsable() {
         enter("mode deg; 40+2");
-        EXPECT_EQ(qtod(lastResult.value), 42);
+        EXPECT_EQ(qtod(calc.answer.value), 42);
     }
 
     void expectDefaults() {

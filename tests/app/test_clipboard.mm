@@ -6,7 +6,10 @@
 
 #import <objc/runtime.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstdio>
 
 namespace {
 
@@ -218,6 +221,91 @@ TEST_F(Clipboard, anAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
     [console copy:nil];
     EXPECT_EQ("3", pasteboard());
     EXPECT_EQ(0U, selections.size());
+}
+
+// --- The answer in other settings than those it was shown in ---
+
+TEST_F(Clipboard, theAnswerIsCopiedInTheDecimalMarkOfNow) {
+    [console setSetting:@"separator" to:1];
+    enter("1234.5");
+    enter("european on");
+    [console copy:nil];
+    EXPECT_EQ("1234,5", pasteboard());
+    enter("european off");
+    [console copy:nil];
+    EXPECT_EQ("1234.5", pasteboard());
+}
+
+TEST_F(Clipboard, anAnswerThatDispShowedIsCopiedAsItsNumber) {
+    enter("x=1/4");
+    enter("disp pi");
+    selections.clear();
+    [console copy:nil];
+    EXPECT_EQ("3.141592654", pasteboard());
+    ASSERT_EQ(6U, selections.size());
+    EXPECT_EQ(text().find("3.141592654"), selections[0].range.location);
+}
+
+// The settings that decide how a number is written.
+struct Writing {
+    int european, separator, schar, dispbase, sigfigs, scimode, twoscomp;
+};
+
+const Writing WRITINGS[] = {{0, 0, ',', 10, 10, 0, 0}, {0, 1, ',', 10, 10, 0, 0}, {1, 1, ',', 10, 10, 0, 0},
+                            {1, 0, ',', 10, 30, 1, 0}, {0, 1, '\'', 10, 6, 2, 0}, {1, 1, ' ', 10, 6, 3, 0},
+                            {0, 1, ' ', 10, 5, 4, 0},  {1, 1, '\'', 10, 2, 5, 0}, {0, 1, ',', 10, 100, 5, 0},
+                            {0, 0, ',', 16, 10, 0, 0}, {1, 1, ',', 16, 10, 0, 1}, {0, 1, ';', 2, 10, 0, 1},
+                            {1, 0, ',', 2, 3, 2, 0},   {0, 0, ',', 16, 3, 4, 1},  {1, 1, ';', 10, 12, 4, 1},
+                            {0, 1, '.', 10, 12, 0, 0}};
+
+class CopiedAnswer : public Clipboard {
+protected:
+    void use(const Writing& one) {
+        const struct {
+            NSString* key;
+            int value;
+        } settings[] = {{@"european", one.european}, {@"separator", one.separator}, {@"schar", one.schar},
+                        {@"dispbase", one.dispbase}, {@"sigfigs", one.sigfigs},     {@"scimode", one.scimode},
+                        {@"twoscomp", one.twoscomp}};
+        for (const auto& setting : settings) [console setSetting:setting.key to:setting.value];
+    }
+
+    // Half a unit of the last place that the writing shows, and what a double adds when it is compared.
+    static double allowed(const Writing& one, double value) {
+        const double own = std::fabs(value) * 1e-14;
+        if (one.dispbase != 10) return own;
+        const bool isFixed = one.scimode == 5;
+        return own + (isFixed ? 0.5 * std::pow(10, -one.sigfigs)
+                              : 5 * std::pow(10, -one.sigfigs) * std::fabs(value));
+    }
+};
+
+// What is copied reads back, by the engine in the settings of the copy, as the answer with the figures it was shown
+// with: every value in every writing, copied in every other one.
+TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
+    const double values[] = {1234.5,     -5,   255,  1234567, -1234567.25,  0.015625,
+                             -0.0078125, 1e12, 3e-7, 0,       123456789.125};
+    for (const double value : values) {
+        for (const Writing& shown : WRITINGS) {
+            use({0, 0, ',', 10, 10, 0, 0});
+            char entry[64];
+            snprintf(entry, sizeof entry, "x=%.17g", value);
+            std::string line = entry;
+            if (shown.european) std::replace(line.begin(), line.end(), '.', ',');
+            use(shown);
+            [console ProcessResult:line.c_str():NO];
+            const double wanted = shown.dispbase == 10 ? value : std::trunc(value); // whole ones alone
+            for (const Writing& now : WRITINGS) {
+                use(now);
+                [console copySettingsToEngine];
+                const std::string copied = calc.PlainAnswer();
+                ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(copied.c_str(), true)) << copied;
+                double read = 0;
+                qtoe(calc.result, &read);
+                EXPECT_NEAR(wanted, read, allowed(shown, wanted)) << copied << " of " << line;
+            }
+        }
+    }
 }
 
 // --- Cut ---

@@ -211,6 +211,49 @@ TEST_F(Menus, withoutAnAnswerNothingIsShownAgain) {
     EXPECT_EQ(text(), shown);
 }
 
+// A statement that was evaluated has answered, whatever its line ended with, and so has disp.
+TEST_F(Menus, whatIsShownAgainWasAnswered) {
+    const struct {
+        const char* entry;
+        const char* line;
+    } cases[] = {{"255; mode deg", "255; mode deg = 0x00FF\n"},
+                 {"x=5; 1/0", "x=5; 1/0 = 0x0005\n"},
+                 {"y=6; disp y", "y=6; disp y = 0x0006\n"},
+                 {"9; echo text", "9; echo text = 0x0009\n"}};
+    for (const auto& one : cases) {
+        startAgain();
+        enter(one.entry);
+        const std::string before = text().substr(0, text().size() - 3); // without "\n> "
+        clickBase(2);
+        EXPECT_EQ(text(), before + one.line + "\n> ");
+        clickBase(1);
+    }
+}
+
+TEST_F(Menus, whatDispShowedIsShownAgain) {
+    enter("disp pi");
+    clickBase(2);
+    EXPECT_EQ(text(), "> disp pi\npi = 3.141592654\ndisp pi = 0x0003\n\n> ");
+}
+
+TEST_F(Menus, anEntryThatOnlyFailsOrConfirmsHasNoAnswerToShow) {
+    for (const char* const entry : {"mode deg", "1/0", "disp nothing", "echo 5"}) {
+        startAgain();
+        enter(entry);
+        const std::string before = text();
+        clickBase(2);
+        EXPECT_EQ(text(), before);
+        clickBase(1);
+    }
+}
+
+TEST_F(Menus, theAnswerOfADeletedVariableIsShownAgain) {
+    enter("x=40+2");
+    enter("del x");
+    clickBase(2);
+    EXPECT_NE(text().find("\nx=40+2 = 0x002A\n"), std::string::npos) << text();
+}
+
 TEST_F(Menus, onAClearedConsoleNothingIsShownAgain) {
     enter("5");
     enter("clear");

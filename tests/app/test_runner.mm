@@ -78,7 +78,7 @@ TEST_F(Runner, anEmptyEntryShowsItsAnswerAboveThePrompt) {
     EXPECT_EQ(entry(), "");
     press(KEY_RETURN);
     EXPECT_EQ(text(), "> ans+1\nans = 1\nans = 2\nans = 3\n\n> ");
-    EXPECT_EQ(lastResult.entry, "ans+1");
+    EXPECT_EQ(calc.answer.entry, "ans+1");
 }
 
 TEST_F(Runner, anEmptyEntryThatRepeatsNothingGetsANewPrompt) {
@@ -129,8 +129,8 @@ TEST_F(Runner, theAnswerIsKeptWithItsEntry) {
     press(KEY_ESCAPE);
     enter("1/0");
     enter("mode deg");
-    EXPECT_EQ(lastResult.entry, "2+3");
-    EXPECT_EQ(qcmp(lastResult.value, five), 0);
+    EXPECT_EQ(calc.answer.entry, "2+3");
+    EXPECT_EQ(qcmp(calc.answer.value, five), 0);
 }
 
 // --- Lines of scripts and menus ---
