@@ -58,6 +58,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
     if (line) {
         copyBounded(prompt, sizeof prompt, line);
     } else if (![self getPromptText]) {
+        if (quick) return STATUS_ERROR; // a preview leaves no trace
         copyBounded(prompt, sizeof prompt, "err");
         copyBounded(calc.message, sizeof calc.message, BAD_ENCODING);
         calc.resultLine[0] = calc.echoText[0] = '\0';
@@ -76,9 +77,17 @@ static void copyBounded(char* out, size_t size, const char* text) {
     return isAtWork;
 }
 
+// Told by its look, a line of output that begins like a prompt would be taken for an entry.
+- (void)keepTypedEntry {
+    NSString* const entry = [self typedEntry];
+    if (!entries) entries = [[NSMutableArray alloc] init];
+    if ([entry length] > 0) [entries addObject:entry];
+}
+
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
     if (isAtWork) return;
     [self copySettingsToEngine];
+    if (!line && !quick) [self keepTypedEntry];
     isAtWork = !quick;
     const int status = [self processLine:line quick:quick];
     isAtWork = NO;
@@ -102,7 +111,9 @@ static void copyBounded(char* out, size_t size, const char* text) {
 
 - (void)showOutput:(const std::string&)output of:(const char*)line {
     if (line) {
-        if (prompt[0] != '\0') [self insertWithoutPrompt:output.c_str()];
+        if (prompt[0] == '\0' || output.empty()) return;
+        if ([self isReplaying]) [self leaveEmptyPrompt];
+        [self insertWithoutPrompt:output.c_str()];
     } else if (!output.empty() && prompt[0] == '\0') {
         [self insertPrePrompt:output.c_str():3];
     } else {
@@ -117,6 +128,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
     const bool isTimed =
         CommandHasNumber(command, "pause", number) || CommandHasNumber(command, "echo", number);
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
+    if (line && isTimed && [self isReplaying]) [self leaveEmptyPrompt];
     isAtWork = YES;
     [self RunGUICommand:command.c_str()];
     isAtWork = NO;

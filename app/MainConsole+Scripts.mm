@@ -66,12 +66,8 @@ static NSString* baseWord(int base) {
                          @"uncomment line below to include calculator settings.", @"mode",
                          calc.degreeMode ? @"deg" : @"rad", @"sigfigs", calc.sigFigs, @"scimode",
                          modeWord(calc.sciMode), @"display", baseWord(calc.displayBase)];
-    NSArray* const lines = [[self string] componentsSeparatedByString:@"\n"];
-    for (NSUInteger i = 0; i < [lines count]; i++) {
-        NSString* const line = [lines objectAtIndex:i];
-        if ([line length] >= 3 && [line hasPrefix:@"> "])
-            [script appendFormat:@"%@\n", [line substringFromIndex:2]];
-    }
+    for (NSString* const entry in entries) [script appendFormat:@"%@\n", entry];
+    if ([[self typedEntry] length] > 0) [script appendFormat:@"%@\n", [self typedEntry]];
     return script;
 }
 

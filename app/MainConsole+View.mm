@@ -40,6 +40,7 @@ static NSString* const PROMPT = @"> ";
 
 - (void)clearConsole {
     [self setString:PROMPT];
+    [entries removeAllObjects];
     [self forgetUndo];
     g_linestart = static_cast<int32_t>([PROMPT length]);
     [self setSelectedRange:NSMakeRange([PROMPT length], 0)];
@@ -77,6 +78,12 @@ static NSString* const PROMPT = @"> ";
     [self gotoEnd];
 }
 
+- (void)leaveEmptyPrompt {
+    const NSUInteger length = [[self string] length];
+    if (length == static_cast<NSUInteger>(g_linestart) && [[self string] hasSuffix:PROMPT])
+        [self insertWithoutPrompt:"\n"];
+}
+
 - (void)insertPrePrompt:(const char*)text:(int32_t)backCount {
     [self insertTextPrePrompt:textFromBytes(text):backCount];
 }
@@ -87,6 +94,13 @@ static NSString* const PROMPT = @"> ";
     [self forgetUndo];
     g_linestart += static_cast<int32_t>([text length]);
     [self gotoEnd];
+}
+
+- (NSString*)typedEntry {
+    NSString* const entry = [[self string] substringWithRange:[self entryRange]];
+    NSCharacterSet* const lineEnds = [NSCharacterSet newlineCharacterSet];
+    return [[entry stringByTrimmingCharactersInSet:lineEnds] stringByReplacingOccurrencesOfString:@"\n"
+                                                                                       withString:@" "];
 }
 
 - (BOOL)getPromptText {

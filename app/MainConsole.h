@@ -52,6 +52,8 @@ extern NSString* prefFilePath;
 
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
+    NSMutableArray*
+        entries; // those that ran since the console was cleared, each a line: what a script is saved from
     PelmoAppDelegate* myAppDelegate; // not retained
     NSTextField* answerStatus;       // the controls belong to the window
     NSSegmentedControl* ctrlBase;    // 0 binary, 1 decimal, 2 hexadecimal
@@ -121,6 +123,9 @@ extern NSString* prefFilePath;
 // Appends the 8-bit string; the entry's start stays where it was.
 - (void)insertWithoutPrompt:(const char*)text;
 
+// A script's output does not stand behind the prompt that "clear" or "gospel" left: it begins a line of its own.
+- (void)leaveEmptyPrompt;
+
 // Inserts the 8-bit string `backCount` characters in front of the entry, 3 being in front of "\n> ", and moves the
 // entry's start along.
 - (void)insertPrePrompt:(const char*)text:(int32_t)backCount;
@@ -129,6 +134,8 @@ extern NSString* prefFilePath;
 // Copies the entry into `prompt`. Returns NO when it is not all ISO Latin-1 or does not fit: `prompt` then holds
 // what could be had.
 - (BOOL)getPromptText;
+
+- (NSString*)typedEntry; // the entry in one line
 
 - (void)recallHistory:(int)index; // the line of the history becomes the entry, see CHistory::GetHistoryStr
 - (void)recallHistory;            // that of the walk's position
@@ -200,7 +207,8 @@ extern NSString* prefFilePath;
 - (void)openDocument:(id)sender;
 - (void)tutorial:(id)sender;
 
-// The text of a script that repeats what was typed: a header and the entries of the transcript.
+// The text of a script that repeats what was typed: a header, the entries that ran since the console was cleared,
+// and what stands at the prompt.
 - (NSString*)scriptText;
 
 // Writes that text to the file, in ASCII where it is ASCII and in UTF-8 otherwise. Returns NO when it is not there.

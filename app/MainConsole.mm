@@ -57,6 +57,7 @@ NSData* latin1Bytes(NSString* text) {
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [settings release];
     [waitingScripts release];
+    [entries release];
     [super dealloc];
 }
 

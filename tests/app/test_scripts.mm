@@ -16,6 +16,12 @@ protected:
     const char* const HEADER = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n";
 
     std::string script() const { return [[console scriptText] UTF8String]; }
+    // What is saved, without the header.
+    std::string savedEntries() const {
+        const std::string text = script();
+        return text.substr(text.find('\n', strlen(HEADER)) + 1);
+    }
+
     std::string path() const { return home + "/test.script"; }
     static NSString* string(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
 
@@ -87,9 +93,81 @@ TEST_F(Scripts, onlyTheEntriesAreSaved) {
 }
 
 TEST_F(Scripts, emptyPromptsAreLeftOut) {
-    [console setString:@"> \n> 1\n>2\n >3\n> 4+4\nans = 8\n> "];
-    const std::string text = script();
-    EXPECT_EQ(text.substr(text.find('\n', strlen(HEADER)) + 1), "1\n4+4\n");
+    press(KEY_RETURN);
+    enter("1");
+    press(KEY_RETURN);
+    enter("x=4");
+    press(KEY_RETURN); // repeats
+    EXPECT_EQ(savedEntries(), "1\nx=4\n");
+}
+
+TEST_F(Scripts, whatIsBeingTypedIsSavedToo) {
+    enter("1");
+    type("2+3");
+    EXPECT_EQ(savedEntries(), "1\n2+3\n");
+    [console clearPrompt];
+    EXPECT_EQ(savedEntries(), "1\n");
+}
+
+// Entries are not told by their look.
+TEST_F(Scripts, outputThatLooksLikeAnEntryIsNoEntry) {
+    enter("echo > exit");
+    EXPECT_EQ(savedEntries(), "echo > exit\n");
+    replay("echo > x=1\necho50 > x=2\n> x=3\n");
+    EXPECT_EQ(savedEntries(), "echo > exit\n");
+}
+
+TEST_F(Scripts, aSavedScriptOfSuchOutputDoesNotCloseTheWindow) {
+    enter("echo > exit");
+    ASSERT_TRUE([console writeScript:string(path())]);
+    EXPECT_TRUE([console loadFile:string(path())]);
+    EXPECT_TRUE([window isVisible]);
+    EXPECT_NE(text().rfind("\n> exit\n"), std::string::npos);
+}
+
+TEST_F(Scripts, theEntriesOfAScriptThatIsReplayedAreNotTyped) {
+    enter("1+1");
+    replay("2+2\nclear\n3+3\n");
+    EXPECT_EQ(savedEntries(), "");
+    EXPECT_EQ(text(), "> \nans = 6\n\n> ");
+    enter("4+4");
+    EXPECT_EQ(savedEntries(), "4+4\n");
+}
+
+TEST_F(Scripts, behindAPromptOfAScriptAnswersBeginALine) {
+    replay("clear\necho50 typed\n1+1\n");
+    EXPECT_EQ(text(), "> \ntyped\nans = 2\n\n> ");
+    replay("clear\nx=1\n");
+    EXPECT_EQ(text(), "> \nx = 1\n\n> ");
+    replay("gospel\ngospel\n5\n"); // the second one shows a prompt
+    EXPECT_EQ(text().find("> ans = 5"), std::string::npos) << text();
+    EXPECT_NE(text().find("> \nans = 5\n"), std::string::npos) << text();
+}
+
+TEST_F(Scripts, newForgetsTheEntries) {
+    enter("1+1");
+    [console newDocument:nil];
+    EXPECT_EQ(savedEntries(), "");
+    enter("2+2");
+    enter("clear");
+    EXPECT_EQ(savedEntries(), "");
+    enter("3+3");
+    EXPECT_EQ(savedEntries(), "3+3\n");
+}
+
+TEST_F(Scripts, anEntryIsSavedAsItWasWhenItRan) {
+    type("1+");
+    type("2");
+    [static_cast<id>(console) undo:nil]; // of what was typed
+    [console clearPrompt];
+    setPasteboard("> 7\n8");
+    [console paste:nil];
+    press(KEY_RETURN);
+    enter("16");
+    [console setDisplayBase:16:NO]; // shows the answer again in front of the prompt
+    [static_cast<id>(console) undo:nil];
+    enter("17");
+    EXPECT_EQ(savedEntries(), "> 7; 8\n16\n17\n");
 }
 
 TEST_F(Scripts, aSavedScriptReplaysTheEntriesInOrder) {
