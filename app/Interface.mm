@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #import "Interface.h"
 
+#import "ConsoleScrollView.h"
 #import "HUDViewWithBlur.h"
 #import "ListPopUp.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"
 #import "NightTheme.h"
+#import "NumberField.h"
 #import "PelmoAppDelegate.h"
 #import "ZqScroller.h"
 
@@ -15,7 +17,7 @@ static const CGFloat CONTROL_HEIGHT = 21;
 static const CGFloat WHEEL_STEP = 48; // points a notch: three lines of the usual font
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
-    NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
+    NSScrollView* const scroll = [[[ConsoleScrollView alloc] initWithFrame:frame] autorelease];
     ZqScroller* const scroller = [[[ZqScroller alloc]
         initWithFrame:NSMakeRect(0, 0, [ZqScroller scrollerWidth], NSHeight(frame))] autorelease];
     [scroll setVerticalScroller:scroller];
@@ -59,14 +61,8 @@ static MainConsole* buildConsole() {
 }
 
 static NSTextField* buildStatusLine(NSRect frame) {
-    NSTextField* const field = [[[NSTextField alloc] initWithFrame:frame] autorelease];
-    [field setEditable:NO];
-    [field setSelectable:NO];
-    [field setBezeled:NO];
-    [field setBordered:NO];
-    [field setDrawsBackground:NO];
+    NSTextField* const field = [[[NumberField alloc] initWithFrame:frame] autorelease];
     [field setTextColor:[NSColor colorWithCalibratedWhite:0.75 alpha:1]];
-    [[field cell] setLineBreakMode:NSLineBreakByTruncatingTail];
     [field setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
     return field;
 }

@@ -202,11 +202,6 @@ static std::vector<NSRect> visibleFrames() {
     isPlacing = false;
 }
 
-- (void)windowDidResize:(NSNotification*)notification {
-    (void)notification;
-    [mainConsole fitToScrollView];
-}
-
 // Hidden or in the dock, a window's frame is not where it will be.
 - (void)windowWillMiniaturize:(NSNotification*)notification {
     (void)notification;

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+//
+// A line of text that shows a number. What does not fit is left out where an ellipsis stands: a number that just ends
+// would be a wrong one. An exponent or a prefix at its end stays.
+#ifndef TALLYQUILL_NUMBERFIELD_H
+#define TALLYQUILL_NUMBERFIELD_H
+
+#import <AppKit/AppKit.h>
+
+// Not editable, without border and background. Its string value is always the whole text.
+@interface NumberField : NSTextField
+- (NSString*)shownText; // what is seen of it in the field's width
+@end
+
+#endif
