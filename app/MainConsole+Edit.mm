@@ -17,6 +17,7 @@ static const useconds_t FLASH = 80000; // microseconds
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
     // Copy works without a selection, and the others decide for themselves.
     const SEL action = [item action];
+    if (sel_isEqual(action, @selector(copyAnswer:))) return !calc.answer.shown.empty();
     const SEL own[] = {@selector(copy:), @selector(cut:), @selector(paste:), @selector(undo:)};
     for (const SEL one : own) {
         if (sel_isEqual(action, one)) return YES;
@@ -68,6 +69,11 @@ static const useconds_t FLASH = 80000; // microseconds
     if (found.location != NSNotFound) [self flash:NSMakeRange(found.location + 2, found.length - 2)];
 }
 
+- (void)copyAnswer:(id)sender {
+    (void)sender;
+    [self copyAnswer];
+}
+
 - (void)show:(NSRange)selection {
     [self setSelectedRange:selection];
     [self display];
@@ -86,6 +92,28 @@ static const useconds_t FLASH = 80000; // microseconds
 }
 
 // --- Clicks ---
+
+// In place of the text view's own menu, which is about spelling.
+- (NSMenu*)menuForEvent:(NSEvent*)event {
+    (void)event;
+    const struct {
+        NSString* title;
+        SEL action;
+    } items[] = {{@"Cut", @selector(cut:)},
+                 {@"Copy", @selector(copy:)},
+                 {@"Copy Answer", @selector(copyAnswer:)},
+                 {@"Paste", @selector(paste:)},
+                 {@"Select All", @selector(selectAll:)}};
+    NSMenu* const menu = [[[NSMenu alloc] initWithTitle:@""] autorelease];
+    for (const auto& item : items) {
+        [[menu addItemWithTitle:item.title action:item.action keyEquivalent:@""] setTarget:self];
+    }
+    return menu;
+}
+
+- (void)rightMouseDown:(NSEvent*)event {
+    platformPopUpMenu([self menuForEvent:event], event, self);
+}
 
 - (void)mouseDown:(NSEvent*)event {
     if (platformTakeEarlyRelease())

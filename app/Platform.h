@@ -76,6 +76,10 @@ void platformKeepAbove(NSWindow* window, bool isAbove);
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
 NSString* platformSheetText(NSString* text);
 
+// Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape only closes
+// it. On macOS the keys select in menus.
+void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);
+
 // To be called before a panel for files is opened, which there is one of for all of a run. GNUstep's loses its size
 // between two openings.
 void platformWillOpenPanel(NSSavePanel* panel);

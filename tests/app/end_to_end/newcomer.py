@@ -125,6 +125,20 @@ class Newcomer(unittest.TestCase):
         window.wait_for_whole_text("> 12345+1")
         self.assertEqual(window.quit(), 0)
 
+    def test_typing_closes_the_menu_of_a_right_click(self):
+        window = self.first_start()
+        window.enter("6*7")
+        window.type("1+")
+        middle = ("xdotool", "mousemove", "--window", window.id, "200", "150", "sleep", "0.2", "click", "3")
+        run(*middle, "sleep", "0.5")
+        window.type("23")
+        window.wait_for_whole_text("> 6*7\nans = 42\n\n> 1+23")
+        run(*middle, "sleep", "0.5")
+        window.key("Escape")
+        window.type("4")
+        window.wait_for_whole_text("> 6*7\nans = 42\n\n> 1+234")
+        self.assertEqual(window.quit(), 0)
+
     def test_sigterm_during_a_script_keeps_what_was_entered(self):
         self.first_start().quit()
         script = os.path.join(self.folder, "slow.script")

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+//
+// Menus at the mouse.
+#import "Platform.h"
+
+#ifdef GNUSTEP
+
+#include <cmath>
+
+static const NSTimeInterval LOOK = 0.03; // seconds between two looks at where the mouse is
+static const CGFloat MOVED = 4;          // points: less is a click, which leaves the menu open
+static const NSUInteger BUTTONS = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRightMouseDownMask |
+                                  NSRightMouseUpMask | NSLeftMouseDraggedMask | NSRightMouseDraggedMask;
+
+// GNUstep's own way to follow the mouse leaves the keys alone until a click.
+@interface TypedMenuView : NSMenuView {
+    NSInteger chosen; // the item, or -1
+}
+- (NSInteger)chosen;
+@end
+
+@implementation TypedMenuView
+
+- (NSInteger)chosen {
+    return chosen;
+}
+
+// The item under the mouse, or -1.
+- (NSInteger)itemAtMouse {
+    const NSPoint place = [[self window] mouseLocationOutsideOfEventStream];
+    return [self indexOfItemAtPoint:[self convertPoint:place fromView:nil]];
+}
+
+// Follows the mouse up to a click, a drag that ends, or a key, which waits for the window behind.
+- (void)mouseDown:(NSEvent*)event {
+    (void)event;
+    const NSPoint start = [NSEvent mouseLocation];
+    bool isClick = true; // the click that opened the menu has not ended elsewhere
+    chosen = -1;
+    for (;;) {
+        const NSInteger item = [self itemAtMouse];
+        const NSPoint now = [NSEvent mouseLocation];
+        if (std::hypot(now.x - start.x, now.y - start.y) > MOVED) isClick = false;
+        if (item != [self highlightedItemIndex]) [self setHighlightedItemIndex:item];
+        [self display]; // what is drawn before the window is there is lost
+        [[self window] flushWindow];
+        if ([self closesOnKey]) break;
+        NSEvent* const next = [NSApp nextEventMatchingMask:BUTTONS
+                                                 untilDate:[NSDate dateWithTimeIntervalSinceNow:LOOK]
+                                                    inMode:NSEventTrackingRunLoopMode
+                                                   dequeue:YES];
+        const NSEventType type = next ? [next type] : NSPeriodic;
+        if (type == NSLeftMouseDown || type == NSRightMouseDown) {
+            isClick = false;
+            if (item < 0) break;
+        } else if ((type == NSLeftMouseUp || type == NSRightMouseUp) && !isClick) {
+            chosen = [self itemAtMouse];
+            break;
+        }
+    }
+    [self setHighlightedItemIndex:-1];
+}
+
+- (BOOL)closesOnKey {
+    NSEvent* const key = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                            untilDate:[NSDate distantPast]
+                                               inMode:NSEventTrackingRunLoopMode
+                                              dequeue:NO];
+    if (key && platformKeyCode(key) == KEY_ESCAPE) {
+        [NSApp nextEventMatchingMask:NSKeyDownMask
+                           untilDate:[NSDate distantPast]
+                              inMode:NSEventTrackingRunLoopMode
+                             dequeue:YES];
+    }
+    return key != nil;
+}
+
+@end
+
+void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
+    TypedMenuView* const typed = [[[TypedMenuView alloc] initWithFrame:NSZeroRect] autorelease];
+    [menu setMenuRepresentation:typed];
+    [menu update];
+    [NSMenu popUpContextMenu:menu withEvent:event forView:view];
+    const NSInteger chosen = [typed chosen];
+    if (chosen >= 0 && [[menu itemAtIndex:chosen] isEnabled]) [menu performActionForItemAtIndex:chosen];
+}
+
+#else
+
+void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
+    [NSMenu popUpContextMenu:menu withEvent:event forView:view];
+}
+
+#endif
