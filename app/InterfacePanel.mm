@@ -5,6 +5,7 @@
 
 #import "MainConsole.h"
 #import "NightTheme.h"
+#import "NumberField.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 #import "PrefController.h"
@@ -154,13 +155,16 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     [oneCharacter setMaximumLength:1];
     [made.prefSepChar setFormatter:oneCharacter];
     [made.prefSepChar setAlignment:NSCenterTextAlignment];
+    const CGFloat besideMark = grid.column() + 28 + GAP;
+    made.prefSepReason = grid.text(besideMark, WIDTH - EDGE - besideMark);
     grid.nextRow();
     made.prefSeparator = grid.box(@"Group digits by thousands");
     made.prefEuropean = grid.box(@"Decimal comma");
     made.prefTwosComp = grid.box(@"Two's complement in hex and binary");
     grid.label(@"Sample:");
-    made.prefNumPreview = grid.text(grid.column(), WIDTH - EDGE - grid.column());
-    [[made.prefNumPreview cell] setLineBreakMode:NSLineBreakByTruncatingTail];
+    made.prefNumPreview = [[[NumberField alloc]
+        initWithFrame:NSMakeRect(grid.column(), grid.y, WIDTH - EDGE - grid.column(), HIGH)] autorelease];
+    [grid.view addSubview:made.prefNumPreview];
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     grid.nextRow();
 }

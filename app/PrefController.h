@@ -28,6 +28,7 @@ struct PrefControls {
     NSButton* prefTransBGOnly;
     NSButton* prefSeparator;
     NSTextField* prefSepChar;
+    NSTextField* prefSepReason; // why a grouping mark was refused
     NSTextField* prefHistSize;
     NSButton* prefTwosComp;
     NSButton* prefEuropean;

@@ -4,6 +4,7 @@
 #import "MainConsole.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
+#import "SettingsText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -70,6 +71,10 @@ static const NSUInteger MANAGED = 4;
     [super dealloc];
 }
 
+static int stateOf(NSButton* box) {
+    return [box state] == NSOnState ? 1 : 0;
+}
+
 // --- Opening ---
 
 - (void)menuPreferences:(id)sender {
@@ -88,6 +93,7 @@ static const NSUInteger MANAGED = 4;
     [controls.prefFGColor setColor:[mainConsole textColor]];
     [controls.prefBGColor setColor:[mainConsole backgroundColor]];
     [controls.prefSepChar setStringValue:[self separatorShown]];
+    [controls.prefSepReason setStringValue:@""];
     [self showSample];
     [prefWindow makeKeyAndOrderFront:nil];
     prefWinIsOpen = 1;
@@ -96,7 +102,7 @@ static const NSUInteger MANAGED = 4;
 // The grouping mark follows the decimal mark, so that the two never coincide.
 - (NSString*)separatorShown {
     const int separator = [mainConsole setting:@"schar"];
-    if (separator == ',' || separator == '.') return [mainConsole setting:@"european"] ? @"." : @",";
+    if (separator == ',' || separator == '.') return stateOf(controls.prefEuropean) ? @"." : @",";
     const char text[] = {static_cast<char>(separator), '\0'};
     return textFromBytes(text);
 }
@@ -109,33 +115,44 @@ static const NSUInteger MANAGED = 4;
 
 // --- What the controls say ---
 
-// The first character of the field. One that a number can contain, and none, is taken for the usual mark.
-- (int)separator {
-    NSString* const text = [controls.prefSepChar stringValue];
-    const unichar c = [text length] > 0 ? [text characterAtIndex:0] : ',';
-    const bool isOfNumbers = c < 0x80 && (isalnum(c) || c == '+' || c == '-');
-    return c < ' ' || c > 0xFF || isOfNumbers ? ',' : c;
-}
-
 // The number in a field; [NSString intValue] may take a huge one for its last bits.
 static int numberIn(NSTextField* field) {
     const long long number = [[field stringValue] longLongValue];
     return static_cast<int>(std::min<long long>(std::max<long long>(number, INT_MIN), INT_MAX));
 }
 
-static int stateOf(NSButton* box) {
-    return [box state] == NSOnState ? 1 : 0;
+// Whether the field's text begins with a number, possible or not.
+static bool hasNumber(NSTextField* field) {
+    NSScanner* const scanner = [NSScanner scannerWithString:[field stringValue]];
+    return [scanner scanInteger:NULL];
 }
 
+// The first character of the field; none stands for the usual mark. One that cannot group digits is refused: the mark
+// stays what it was.
 - (void)storeSeparator {
-    const int separator = [self separator];
-    [mainConsole setSetting:@"schar" to:separator == '.' ? ',' : separator];
+    NSString* const text = [controls.prefSepChar stringValue];
+    const unichar mark = [text length] > 0 ? [text characterAtIndex:0] : ',';
+    NSString* const fault = groupingMarkFault(mark);
+    if (!fault) [mainConsole setSetting:@"schar" to:mark == '.' ? ',' : mark];
+    if (![text isEqualToString:[self separatorShown]]) {
+        const bool isDecimal = !fault && [text length] > 0 && (mark == '.' || mark == ',');
+        [self refuseMark:isDecimal ? [NSString stringWithFormat:@"%C is the decimal mark.", mark] : fault];
+    } else {
+        [controls.prefSepReason setStringValue:@""];
+    }
+}
+
+- (void)refuseMark:(NSString*)reason {
+    [controls.prefSepReason setStringValue:reason ? reason : @""];
+    [controls.prefSepChar setStringValue:[self separatorShown]];
 }
 
 - (void)storeScientific {
     const NSInteger mode = [controls.prefSciMode indexOfSelectedItem];
     [mainConsole setSetting:@"scimode" to:mode < 0 ? 0 : static_cast<int>(mode)];
-    [mainConsole setSetting:@"sigfigs" to:numberIn(controls.prefSigFigs)];
+    const int figures = numberIn(controls.prefSigFigs);
+    // What is no number of figures waits for the closing: entries run and files are written while the panel is open.
+    if (figures >= FEWEST_FIGURES && figures <= MOST_FIGURES) [mainConsole setSetting:@"sigfigs" to:figures];
 }
 
 - (void)storeTransparency {
@@ -173,7 +190,6 @@ static int stateOf(NSButton* box) {
         [self showColors];
         [self redraw];
     }
-    if (sender == controls.prefEuropean) [self exchangeMarks];
 }
 
 - (void)resetColors {
@@ -198,18 +214,9 @@ static int stateOf(NSButton* box) {
     [self storeScientific];
     [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
     [self storeSeparator];
-    [self showSeparatorTaken];
     if ([mainConsole setting:@"schar"] != ',') return;
     [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
     [self showSample];
-}
-
-// A character that cannot separate digits gives way to the one that counts in its place.
-- (void)showSeparatorTaken {
-    NSString* const typed = [controls.prefSepChar stringValue];
-    const int taken = [self separator];
-    if (taken == ',' && ![typed hasPrefix:@","])
-        [controls.prefSepChar setStringValue:stateOf(controls.prefEuropean) ? @"." : @","];
 }
 
 - (void)applyAlwaysTop {
@@ -223,13 +230,6 @@ static int stateOf(NSButton* box) {
     [window setCollectionBehavior:MANAGED];
 }
 
-- (void)exchangeMarks {
-    NSString* const mark = [controls.prefSepChar stringValue];
-    const bool isEuropean = stateOf(controls.prefEuropean) != 0;
-    if (!isEuropean && [mark isEqualToString:@"."]) [controls.prefSepChar setStringValue:@","];
-    if (isEuropean && [mark isEqualToString:@","]) [controls.prefSepChar setStringValue:@"."];
-}
-
 // --- Closing ---
 
 static void keepWithin(NSTextField* field, int least, int most, int usual) {
@@ -241,6 +241,7 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     (void)notification;
     if (!prefWinIsOpen) return;
     [prefWindow makeFirstResponder:nil]; // what is being typed counts
+    if (!hasNumber(controls.prefSigFigs)) [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
     keepWithin(controls.prefSigFigs, FEWEST_FIGURES, MOST_FIGURES, USUAL_FIGURES);
     keepWithin(controls.prefHistSize, FEWEST_LINES, MOST_LINES, USUAL_LINES);
     NSMutableDictionary* const settings = [mainConsole settings];

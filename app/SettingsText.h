@@ -24,4 +24,8 @@ std::string settingsText(NSDictionary* settings);
 // that of nsfont and may be nil.
 NSMutableDictionary* settingsFromText(NSData* bytes, NSFont* font);
 
+// Why a character cannot be the mark between groups of digits, such as "# begins a comment."; nil when it can. What the
+// engine reads as part of a number or beside one would make another number of an answer.
+NSString* groupingMarkFault(unichar character);
+
 #endif

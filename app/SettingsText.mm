@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #import "SettingsText.h"
 
+#include "deq.h"
+
 #include <cctype>
 #include <cmath>
 #include <cstdio>
@@ -61,6 +63,28 @@ int neededSetting(NSString* key) {
         if (setting.isNeeded && [key isEqualToString:keyOf(setting)]) return setting.standard;
     }
     return 0;
+}
+
+// --- The grouping mark ---
+
+static bool isOfOperator(unichar c) {
+    for (const OpEntry* op = ops; op->code != 0; op++) {
+        if (c < 0x80 && c != ',' && strchr(op->text, c)) return true;
+    }
+    return false;
+}
+
+NSString* groupingMarkFault(unichar c) {
+    if (c < ' ' || (c >= 0x7f && c < 0xa0) || c > 0xff) return @"This character cannot be shown.";
+    const char* fault = nullptr;
+    if (c < 0x80 && isalpha(c)) fault = "is a letter.";
+    if (c >= '0' && c <= '9') fault = "is a digit.";
+    if (isOfOperator(c)) fault = "is an operator.";
+    if (strchr("()[]{}", c)) fault = "is a bracket.";
+    if (c == '=') fault = "assigns and compares.";
+    if (c == '#') fault = "begins a comment.";
+    if (c == '_') fault = "is part of names.";
+    return fault ? [NSString stringWithFormat:@"%C %s", c, fault] : nil;
 }
 
 // --- Colours and fonts ---
@@ -125,10 +149,7 @@ std::string settingsText(NSDictionary* settings) {
 static bool isPossible(const Setting& setting, double number) {
     if (!(number >= setting.least && number <= setting.most && number == std::floor(number))) return false;
     if (strcmp(setting.key, "dispbase") == 0) return number == 2 || number == 10 || number == 16;
-    // Digits in groups set off by digits or signs would read as other numbers.
-    const int character = static_cast<int>(number);
-    return strcmp(setting.key, "schar") != 0 ||
-           !(isalnum(character) || iscntrl(character) || character == '-' || character == '+');
+    return strcmp(setting.key, "schar") != 0 || !groupingMarkFault(static_cast<unichar>(number));
 }
 
 static void checkNumbers(NSMutableDictionary* settings) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the preferences panel shows beside its controls.
+#import "NumberField.h"
 #import "panel_fixture.h"
 
 #include <string>
@@ -43,7 +44,12 @@ TEST_F(PanelLooks, ThePercentageFollowsTheSlider) {
 }
 
 TEST_F(PanelLooks, ALongSampleEndsWithinThePanel) {
-    EXPECT_EQ([[controls.prefNumPreview cell] lineBreakMode], NSLineBreakByTruncatingTail);
+    set("scimode", 5);
+    set("sigfigs", 100);
+    open();
+    const std::string seen = [[static_cast<NumberField*>(controls.prefNumPreview) shownText] UTF8String];
+    EXPECT_EQ(seen.substr(0, 10), "12345.6000");
+    EXPECT_NE(seen.find("\u2026"), std::string::npos);
     EXPECT_LE(NSMaxX([controls.prefNumPreview frame]), NSMaxX([[panel contentView] bounds]));
 }
 

