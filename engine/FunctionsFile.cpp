@@ -337,6 +337,7 @@ public:
 
     // Refused lines are tried again while others are accepted, each time from the other end.
     void Take(std::vector<Statement>& statements) {
+        AllowOneReading(statements);
         DeclareFunctions(statements);
         std::vector<Statement*> waiting = InOrder(statements);
         size_t before = waiting.size() + 1;
@@ -358,6 +359,13 @@ private:
         if (units_ > left) return false;
         left -= units_;
         return true;
+    }
+
+    // A person may have any number of definitions: the limit is for evaluations and for reading again.
+    void AllowOneReading(const std::vector<Statement>& statements) {
+        for (const Statement& statement : statements) {
+            if (statement.text.size() < TEXT_SIZE) left += statement.Cost();
+        }
     }
 
     void DeclareFunctions(std::vector<Statement>& statements) {

@@ -52,8 +52,8 @@ struct FunctionsFileResult {
 // - A function that carries the name of a predefined one takes its place: its owner had deleted that one.
 // - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
 // - A unit that was defined by the same line before is not defined again.
-// - The work is counted and has a limit, for one line and for all of them. Reading takes some tenths of a second at
-//   most, whatever is in the file: about 25,000 variables of 100 digits, or 8,000 functions of 80 characters.
+// - The work of evaluating lines, and of reading them again, is counted and has a limit, for one line and for all of
+//   them: some tenths of a second. Reading each line of fewer than TEXT_SIZE characters once has none.
 // Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the texts,
 // the result, the status and the interrupted flag are what they were before; target is "ans".
 FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& path);

@@ -600,6 +600,23 @@ TEST_F(FunctionsFile, allDefinitionsTogetherHaveALimit) {
     EXPECT_EQ("ans = 2\n", Answer("b"));
 }
 
+TEST_F(FunctionsFile, anyNumberOfPlainDefinitionsIsRead) {
+    std::string functions, variables;
+    for (int i = 0; i < 12000; i++) {
+        const std::string number = std::to_string(i);
+        functions += "f" + number + "(x,y)=x*y+" + std::string(70, '1') + "\n";
+        variables += "v" + number + "=1." + std::string(99, '3') + "\n";
+        variables += "w" + number + "=2." + std::string(99, '7') + "\n";
+        variables += "x" + number + "=3." + std::string(99, '1') + "\n";
+    }
+    putContent(path, fileWith(functions + variables));
+    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    EXPECT_FALSE(read.damaged);
+    EXPECT_EQ(0U, read.unread);
+    EXPECT_EQ("ans = 3\n", Answer("f11999(2,3)-" + std::string(70, '1') + "-3"));
+    EXPECT_EQ("ans = 3.111111111\n", Answer("x11999"));
+}
+
 TEST_F(FunctionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
     std::string text = fileWith(bomb("a"));
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
