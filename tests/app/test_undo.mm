@@ -167,6 +167,8 @@ TEST_F(Undo, noSequenceHarmsTheTranscript) {
         default:
             if (dice(8) > 0) break;
             press(KEY_RETURN);
+            // What an empty entry repeats is answered in front of "\n> ".
+            first.resize(first.size() - 3);
             ASSERT_EQ(first, text().substr(0, first.size())) << "step " << i;
             first = transcript();
         }
