@@ -80,6 +80,7 @@ struct WorkCounters {
     uint64_t ordered = 0; // terms visited by OrderOperatorStack
     uint64_t reduced = 0; // operators applied by ProcTermsLoop
     uint64_t copied = 0;  // terms copied by expanding the calls of functions
+    uint64_t listed = 0;  // terms of definitions that commands wrote out
     uint64_t names = 0;   // variables whose names were checked
     uint64_t indexed = 0; // variables and units' lines put into the index of their names or taken out
     uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
@@ -319,7 +320,8 @@ private:
     int CheckCall(const Call& call, const Function* function);
     int CopyBody(const Call& call, const Function* function);
     node* ExpandFunction(const Call& call);
-    void ShowDefinition(const Function& function);
+    std::string ListedText(const Function& function); // sets `interrupted` when it was stopped
+    void ShowDefinition(std::string text);
     int CheckNamesInBody();
     int AddDefinition(const std::string& name, std::string& parameters, const std::string& body);
 

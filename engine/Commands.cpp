@@ -260,14 +260,17 @@ struct Commands {
 
     static int ListFunctions(ZqCalculator& calc, const CommandText&) {
         Listing listing;
-        for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
-            if (function->body) listing.Add([function] { return function->ToString(); });
+        for (const Function* function = funcs.Get(0); function && !calc.interrupted;
+             function = funcs.GetNext()) {
+            if (function->body) listing.Add([&calc, function] { return calc.ListedText(*function); });
         }
-        return Confirm(calc, listing.Text());
+        return calc.interrupted ? STATUS_ERROR : Confirm(calc, listing.Text());
     }
 
     static int ShowFunction(ZqCalculator& calc, const CommandText& text) {
-        calc.ShowDefinition(*funcs.FindByName(text.statement.c_str(), -1));
+        const std::string definition = calc.ListedText(*funcs.FindByName(text.statement.c_str(), -1));
+        if (calc.interrupted) return STATUS_ERROR;
+        calc.ShowDefinition(definition);
         return STATUS_MESSAGE;
     }
 };

@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 
-// A check for an interruption comes after so many units of work: an operator or a copied term is one, a call of a
-// function FUNCTION_WORK. The dearest unit takes about 10 microseconds.
+// A check for an interruption comes after so many units of work: an operator, a copied term or one that is listed
+// is one, a call of a function FUNCTION_WORK. The dearest unit takes about 10 microseconds.
 constexpr uint64_t WORK_BETWEEN_CHECKS = 256;
 constexpr uint64_t FUNCTION_WORK = 4;
 

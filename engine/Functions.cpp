@@ -44,7 +44,7 @@ static void appendTerm(std::string& text, const node* term) {
     }
 }
 
-std::string Function::ToString() const {
+std::string Function::ToString(const std::function<bool()>& mayGoOn) const {
     std::string text = name;
     text += '(';
     for (const node* parameter = args.first; parameter; parameter = parameter->next) {
@@ -54,7 +54,9 @@ std::string Function::ToString() const {
     text += ')';
     if (!body) return text;
     text += '=';
-    for (const node* term = body->first; term; term = term->next) appendTerm(text, term);
+    for (const node* term = body->first; term && (!mayGoOn || mayGoOn()); term = term->next) {
+        appendTerm(text, term);
+    }
     return text;
 }
 

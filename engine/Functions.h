@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <unordered_map>
@@ -31,7 +32,9 @@ struct Function {
     // The definition as text that can be typed again: "mod(x,d)=x%d", "g()=5"; the head alone for a predefined
     // function. Numbers are those typed as 0x..., others are shown in auto mode with 100 digits, without
     // separator and with a '.'; the overflow value is 1e9999; the start of a unit is a blank and a conversion "->".
-    std::string ToString() const;
+    // `mayGoOn` is asked before each term of the body, for a number takes some 10 microseconds; the text ends
+    // where it answers false.
+    std::string ToString(const std::function<bool()>& mayGoOn = {}) const;
 
     // The same into a buffer of 10,000 bytes, cut at 9,999 characters.
     void FuncToStr(char* out) const;

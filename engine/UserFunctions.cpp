@@ -98,13 +98,20 @@ int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters
     if (!terms.first) return Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms);
     if (!function) return Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});
-    ShowDefinition(*function);
+    ShowDefinition(function->ToString());
     return STATUS_MESSAGE;
 }
 
+// For a command that changes nothing, because it can be interrupted at each term.
+std::string ZqCalculator::ListedText(const Function& function) {
+    return function.ToString([this] {
+        work.listed += 1;
+        return CheckInterrupt(1) == 0;
+    });
+}
+
 // The definition as one line. What does not fit is cut in front of the line feed.
-void ZqCalculator::ShowDefinition(const Function& function) {
-    std::string text = function.ToString();
+void ZqCalculator::ShowDefinition(std::string text) {
     text.resize(std::min(text.size(), sizeof message - 2));
     text += '\n';
     memcpy(message, text.c_str(), text.size() + 1);
