@@ -102,11 +102,6 @@ private:
 
 extern UnitTable unitTable;
 
-// The texts of the grammar.
-constexpr const char* unitNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-constexpr const char* validchars = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789. \t*^/+-";
-constexpr const char* separators = " \t*-";
-constexpr const char* divider = "/";
 constexpr int32_t maxExponent = 1000;
 
 bool isLettersOnly(std::string_view name); // false for an empty name
@@ -114,14 +109,5 @@ bool isLettersOnly(std::string_view name); // false for an empty name
 // Reduces a unit expression with the units that exist at the moment; none, and the error state set, on failure.
 // Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
-
-// Builds the catalogue: 0 on success, 1 on failure with the message in the error state; the entries before
-// the failing one stay.  Does nothing and returns 0 while there are units.
-int unitInitialize();
-
-// Set the error state: the format with its one or two texts, or, if all these together exceed 254 characters,
-// the format as it stands.
-void throw_exception1(const char* format, const char* text);
-void throw_exception2(const char* format, const char* text1, const char* text2);
 
 #endif

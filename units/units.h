@@ -130,7 +130,22 @@ const char* units_check_exception();
 // units.
 void unitFreeMemory();
 
-// The definition of a new primitive unit.
-constexpr const char* primitivestring = "-primitive";
+// ---------------------------------------------------------------------------------------------------------
+// Internal operations, and the texts of the grammar.
+
+constexpr const char* unitNameCharacters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr const char* validchars = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789. \t*^/+-";
+constexpr const char* separators = " \t*-";
+constexpr const char* divider = "/";
+constexpr const char* primitivestring = "-primitive"; // the definition of a new primitive unit
+
+// Builds the catalogue: 0 on success, 1 on failure with the message in the error state; the entries before
+// the failing one stay.  Does nothing and returns 0 while there are units.
+int unitInitialize();
+
+// Set the error state: the format with its one or two texts, or, if all these together exceed 254 characters,
+// the format as it stands.
+void throw_exception1(const char* format, const char* text);
+void throw_exception2(const char* format, const char* text1, const char* text2);
 
 #endif
