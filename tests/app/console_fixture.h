@@ -54,6 +54,9 @@ protected:
     // The run loop for so long: timers fire.
     void run(double seconds);
 
+    // Writes what was entered, as the timer does a second after the entry. It is written, or has failed, at the end.
+    void writeWhatIsDue();
+
     std::string text() const;         // the whole text, in UTF-8
     std::string entry() const;        // from g_linestart on
     std::string transcript() const;   // what stands before it, the prompt included

@@ -193,6 +193,13 @@ void ConsoleTest::selectEntry(NSUInteger from, NSUInteger length) {
     select(static_cast<NSUInteger>(g_linestart) + from, length);
 }
 
+void ConsoleTest::writeWhatIsDue() {
+    usleep(1000000); // longer does no harm
+    [console writeDueFiles];
+    [console saveSettings]; // waits for the writer
+    run(0.01);              // news of a failure come at the run loop's next turn
+}
+
 void ConsoleTest::run(double seconds) {
     [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:seconds]];
 }

@@ -197,6 +197,7 @@ TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
         const bool isAnswer = i % 2 == 0;
         EXPECT_EQ(isAnswer ? answer : place, selections[i].range.location);
         EXPECT_EQ(isAnswer ? 1U : 0U, selections[i].range.length);
+        // A busy machine only makes it longer.
         if (i < 5) EXPECT_LE(std::chrono::milliseconds(80), selections[i + 1].when - selections[i].when);
     }
     EXPECT_EQ(place, cursor());

@@ -206,7 +206,7 @@ TEST_F(DamagedSettings, aFileInTheFoldersPlaceLetsTheProgramWorkWithoutSaving) {
     restart();
     expectDefaults();
     expectUsable();
-    run(1.3);
+    writeWhatIsDue();
     terminate();
     EXPECT_EQ(read(folder()), "mine");
 }
@@ -217,7 +217,7 @@ TEST_F(DamagedSettings, aFolderWhereNothingCanBeMadeLetsTheProgramWorkWithoutSav
     restart();
     expectDefaults();
     expectUsable();
-    run(1.3);
+    writeWhatIsDue();
     terminate();
     EXPECT_FALSE(exists(settingsPath()));
 }

@@ -289,6 +289,7 @@ TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptPauses) {
     EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:script.c_str()]]);
     isOver = true;
     watch.join();
+    // On a busy machine it takes longer.
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(2400));
     EXPECT_TRUE(isSeen);
 }
@@ -396,7 +397,7 @@ TEST_F(FunctionsFileOfTheWindow, aFullDiskIsSaidOnceAndTriedAgainWithTheNextChan
     EXPECT_NE(said.find(strerror(EFBIG)), std::string::npos) << said;
     limitFiles(100);
     enter("b=2");
-    run(1.3);
+    writeWhatIsDue();
     limitFiles(RLIM_INFINITY);
     EXPECT_EQ(status(), "");
     EXPECT_FALSE(holds("a=1"));

@@ -55,7 +55,7 @@ class Commands : public ConsoleTest {
 protected:
     void command(const char* text) { [console RunGUICommand:text]; }
 
-    // Seconds that a command takes.
+    // Seconds that a command takes, at least: on a busy machine it is more.
     double timeOf(const char* text) {
         const Clock::time_point begin = Clock::now();
         command(text);
