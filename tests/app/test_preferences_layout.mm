@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+//
+// The controls of the preferences: their layout and their keys.
+#import "panel_fixture.h"
+
+#import "Platform.h"
+
+#include <vector>
+
+namespace {
+
+class PreferencesLayout : public PanelTest {
+protected:
+    NSEvent* keyPress(NSString* characters, uint32_t code) const {
+        return [NSEvent keyEventWithType:NSKeyDown
+                                location:NSZeroPoint
+                           modifierFlags:0
+                               timestamp:0
+                            windowNumber:[panel windowNumber]
+                                 context:nil
+                              characters:characters
+             charactersIgnoringModifiers:characters
+                               isARepeat:NO
+                                 keyCode:static_cast<unsigned short>(code)];
+    }
+
+    // The controls that take keys, from top to bottom.
+    std::vector<NSView*> inOrder() const {
+        return {controls.prefSciMode,   controls.prefSigFigs,     controls.prefSepChar,
+                controls.prefSeparator, controls.prefEuropean,    controls.prefTwosComp,
+                controls.prefHistSize,  controls.prefFGColor,     controls.prefBGColor,
+                controls.prefSlider,    controls.prefResetColors, controls.prefTransBGOnly,
+                controls.prefSnapTo,    controls.prefAlwaysTop};
+    }
+};
+
+TEST_F(PreferencesLayout, TheSpaceBarOpensTheColorPanelForTheWellWithTheFocus) {
+    open();
+    [panel makeFirstResponder:controls.prefBGColor];
+    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
+    EXPECT_TRUE([controls.prefBGColor isActive]);
+    EXPECT_FALSE([controls.prefFGColor isActive]);
+    EXPECT_TRUE([[NSColorPanel sharedColorPanel] isVisible]);
+    close();
+    EXPECT_FALSE([[NSColorPanel sharedColorPanel] isVisible]);
+}
+
+TEST_F(PreferencesLayout, TheArrowsMoveTheSlider) {
+    open();
+    [panel makeFirstResponder:controls.prefSlider];
+    const unichar right = NSRightArrowFunctionKey;
+    [panel sendEvent:keyPress([NSString stringWithCharacters:&right length:1], KEY_RIGHT)];
+    EXPECT_GT(setting("trans"), 25);
+    EXPECT_EQ(setting("trans"), [controls.prefSlider intValue]);
+}
+
+TEST_F(PreferencesLayout, TheSpaceBarTicksABox) {
+    open();
+    [panel makeFirstResponder:controls.prefSeparator];
+    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
+    EXPECT_EQ(setting("separator"), 1);
+    EXPECT_EQ(shown(controls.prefNumPreview), "12,345.6");
+}
+
+TEST_F(PreferencesLayout, TabGoesFromTopToBottom) {
+    open();
+    const std::vector<NSView*> order = inOrder();
+    EXPECT_EQ([panel initialFirstResponder], order.front());
+    for (size_t i = 0; i < order.size(); i++) {
+        EXPECT_TRUE([order[i] acceptsFirstResponder]) << i;
+        EXPECT_EQ([order[i] nextValidKeyView], order[(i + 1) % order.size()]) << i;
+        EXPECT_EQ([order[(i + 1) % order.size()] previousValidKeyView], order[i]) << i;
+        if (i > 0) {
+            EXPECT_LT(NSMinY([order[i] frame]), NSMinY([order[i - 1] frame])) << i;
+        }
+    }
+}
+
+TEST_F(PreferencesLayout, NothingOverlapsNorLeavesThePanel) {
+    NSView* const content = [panel contentView];
+    NSArray* const views = [content subviews];
+    for (NSUInteger i = 0; i < [views count]; i++) {
+        const NSRect frame = [[views objectAtIndex:i] frame];
+        EXPECT_TRUE(NSContainsRect([content bounds], frame)) << i;
+        for (NSUInteger j = i + 1; j < [views count]; j++) {
+            EXPECT_FALSE(NSIntersectsRect(frame, [[views objectAtIndex:j] frame])) << i << " " << j;
+        }
+    }
+}
+
+TEST_F(PreferencesLayout, NoTextIsClipped) {
+    NSArray* const views = [[panel contentView] subviews];
+    for (NSUInteger i = 0; i < [views count]; i++) {
+        const id view = [views objectAtIndex:i];
+        if (![view respondsToSelector:@selector(cell)] || ![view cell] || view == controls.prefSlider)
+            continue;
+        EXPECT_LE([[view cell] cellSize].width, NSWidth([view frame])) << i;
+    }
+}
+
+TEST_F(PreferencesLayout, EveryControlSendsPrefCallback) {
+    std::vector<NSView*> all = inOrder();
+    all.push_back(controls.prefStatusIcon);
+    for (NSView* const view : all) {
+        NSControl* const control = static_cast<NSControl*>(view);
+        EXPECT_EQ([control target], controller);
+        EXPECT_TRUE(sel_isEqual([control action], @selector(prefCallback:)));
+    }
+}
+
+TEST_F(PreferencesLayout, EscapeClosesAlsoFromWithinAField) {
+    open();
+    [panel makeFirstResponder:controls.prefHistSize];
+    [panel sendEvent:keyPress(@"\033", KEY_ESCAPE)];
+    EXPECT_FALSE([panel isVisible]);
+    EXPECT_EQ(prefWinIsOpen, 0);
+}
+
+} // namespace
