@@ -133,12 +133,12 @@ TEST(ControlC, IsCaughtOnlyDuringAnEntry) {
 
 TEST(ControlC, OnceEndsAStreamOfShortLines) {
     const TemporaryFile lines;
-    const TemporaryFile answers;
     std::ofstream(lines.path()) << repeated("sqrt(2)+sqrt(3)+sqrt(5)\n", 400000);
     TerminalSetup setup;
-    setup.outputFile = answers.path();
     setup.inputFile = lines.path();
     for (int i = 0; i < 5; ++i) {
+        const TemporaryFile answers;
+        setup.outputFile = answers.path();
         Terminal terminal({}, setup);
         while (answers.content().empty()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         terminal.type(kControlC);
