@@ -154,4 +154,19 @@ TEST_F(EventsInEntries, onlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
     EXPECT_EQ(calc.VariableExists("y"), nullptr);
     [other release];
 }
+
+// A million sines take some seconds when nothing ends them.
+TEST_F(EventsInEntries, theEndOfTheCalculatorsWindowEndsALongEntry) {
+    enter("d0(x)=sin(x)");
+    for (int level = 1; level <= 6; level++) {
+        const std::string call = "d" + std::to_string(level - 1) + "(x)";
+        std::string line = "d" + std::to_string(level) + "(x)=" + call;
+        for (int i = 1; i < 10; i++) line += "+" + call;
+        enter(line.c_str());
+    }
+    askToClose(window);
+    [console ProcessResult:"y=d6(1)":NO];
+    EXPECT_STREQ(calc.message, "** ERROR: interrupted **\n");
+    EXPECT_EQ(calc.VariableExists("y"), nullptr);
+}
 #endif
