@@ -22,6 +22,18 @@ bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+bool isInBackground(int terminal) {
+    const pid_t foreground = tcgetpgrp(terminal);
+    return foreground > 0 && foreground != getpgrp();
+}
+
+// In the background the terminal has the modes of the shell's line editor. There the system stops whoever waits for
+// the output, which changes nothing, until the shell brings the program to the foreground.
+void waitForForeground(int terminal) {
+    while (isInBackground(terminal) && tcdrain(terminal) != 0 && errno == EINTR) {
+    }
+}
+
 } // namespace
 
 // Before a signal ends or stops the program. What is behind the passing on happens only when it does not end.
@@ -36,23 +48,35 @@ void Keyboard::giveBack(int signal) {
     errno = saved;
 }
 
-// After a stop, whatever stopped the program. The shell may have set modes of its own meanwhile.
+// After a stop, whatever stopped the program. A person or the shell may have set other modes meanwhile; those without
+// lines are our own, after a stop that could not be caught.
 void Keyboard::takeAgain(int) {
     const int saved = errno;
     Keyboard* const keyboard = current;
+    waitForForeground(keyboard->input_);
+    termios found = {};
+    if (tcgetattr(keyboard->input_, &found) == 0 && (found.c_lflag & ICANON) != 0) keyboard->useModes(found);
     tcsetattr(keyboard->input_, TCSANOW, &keyboard->byteModes_);
     keyboard->isBack_ = 1;
     errno = saved;
 }
 
-Keyboard::Keyboard(int input, int screen, std::size_t keep) : input_(input), screen_(screen), keep_(keep) {
-    if (tcgetattr(input_, &modes_) != 0) return;
-    isTerminal_ = true;
-    echoes_ = (modes_.c_lflag & ECHO) != 0; // whoever turned it off wants it off
-    byteModes_ = modes_;
+void Keyboard::useModes(const termios& found) {
+    modes_ = found;
+    echoes_ = (found.c_lflag & ECHO) != 0; // whoever turned it off wants it off
+    byteModes_ = found;
     byteModes_.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
     byteModes_.c_cc[VMIN] = 1;
     byteModes_.c_cc[VTIME] = 0;
+}
+
+Keyboard::Keyboard(int input, int screen, std::size_t keep) : input_(input), screen_(screen), keep_(keep) {
+    if (isatty(input_) == 0) return;
+    waitForForeground(input_);
+    termios found = {};
+    if (tcgetattr(input_, &found) != 0) return;
+    isTerminal_ = true;
+    useModes(found);
     current = this;
     constexpr std::array<int, 4> kGivingBack = {SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
     for (std::size_t i = 0; i < kGivingBack.size(); ++i) catchers_[i].start(kGivingBack[i], giveBack);

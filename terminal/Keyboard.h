@@ -28,7 +28,8 @@ public:
 
     // Reads from the terminal `input` and shows prompts and what is typed on `screen` (-1: nowhere). Of each line at
     // most `keep` bytes are kept. From here to the destructor the terminal hands over single bytes; its modes are
-    // given back at the end, also when a signal ends or stops the program. One object at a time.
+    // given back at the end, also when a signal ends or stops the program. In the background this waits until the
+    // program comes to the foreground. One object at a time.
     Keyboard(int input, int screen, std::size_t keep);
     ~Keyboard();
     Keyboard(const Keyboard&) = delete;
@@ -55,6 +56,9 @@ private:
     // failure; then errno says which, 0 at the end.
     bool fill();
 
+    // Takes these modes for those of the terminal.
+    void useModes(const termios& found);
+
     static void giveBack(int signal);
     static void takeAgain(int signal);
     void eraseCharacter(std::string& line);
@@ -69,7 +73,7 @@ private:
     std::size_t keep_;
     bool echoes_ = false;     // shows what is typed
     bool isTerminal_ = false; // the modes below are its
-    termios modes_ = {};      // as they were found
+    termios modes_ = {};      // as they were found in the foreground
     termios byteModes_ = {};
     std::array<SignalCatcher, 5> catchers_;
     volatile std::sig_atomic_t isBack_ = 0; // the program was stopped and goes on

@@ -206,8 +206,8 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
         if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
         if (!setup.inputFile.empty()) dup2(open(setup.inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         if (setup.nonBlocking) setNonBlocking(STDIN_FILENO);
-        if (setup.inShell)
-            become("/bin/sh", {"sh", "-mc", "\"$0\"; fg", TALLYQUILL_PROGRAM}, setup.ignoredSignal);
+        if (!setup.shellScript.empty())
+            become("/bin/sh", {"sh", "-mc", setup.shellScript, TALLYQUILL_PROGRAM}, setup.ignoredSignal);
         becomeProgram(arguments, setup.ignoredSignal);
     }
     close(slave);

@@ -45,7 +45,7 @@ struct TerminalSetup {
     std::string inputFile;    // standard input comes from there instead of from the terminal
     bool echo = false;        // the terminal shows what is typed
     bool nonBlocking = false; // reading from the terminal does not wait
-    bool inShell = false;     // a shell with job control starts it and, when it is stopped, lets it go on
+    std::string shellScript;  // a shell with job control runs this, in which "$0" is the program
     int ignoredSignal = 0;    // the program starts with this signal ignored
 };
 

@@ -165,7 +165,7 @@ TEST(Prompt, ShowsNoControlCharacterThatIsTyped) {
 
 TEST(Prompt, IsShownAgainWithWhatWasTypedInTheForeground) {
     TerminalSetup setup = withEcho();
-    setup.inShell = true;
+    setup.shellScript = "\"$0\"; fg";
     Terminal terminal({}, setup);
     terminal.readUntil("> ");
     terminal.type("1+2");
@@ -174,6 +174,22 @@ TEST(Prompt, IsShownAgainWithWhatWasTypedInTheForeground) {
     terminal.readUntil("\r> 1+2");
     terminal.type("+3\n");
     EXPECT_EQ(terminal.readUntil("> "), "+3\nans = 6\n> ");
+}
+
+// While it is in the background, the terminal has the modes that the shell's line editor sets.
+TEST(Prompt, TakesTheModesOfTheForeground) {
+    for (const std::string go : {"fg", "bg; wait %1; fg"}) {
+        TerminalSetup setup = withEcho();
+        setup.shellScript = "modes=$(stty -g); stty -icanon -echo -icrnl; \"$0\" & wait %1; stty $modes; " +
+                            go +
+                            "; stty -a | tr ' ;' '\\n\\n' | grep -x -e '-*icanon' -e '-*icrnl'; echo end";
+        Terminal terminal({}, setup);
+        terminal.readUntil("> ");
+        terminal.type("6*7\r");
+        EXPECT_EQ(terminal.readUntil("ans = 42\n> "), "6*7\nans = 42\n> ") << go;
+        terminal.type("\x04");
+        EXPECT_EQ(terminal.readUntil("end\n"), "\nicrnl\nicanon\nend\n") << go; // given back as found
+    }
 }
 
 TEST(Prompt, IsShownAgainAfterAStopFromOutside) {
