@@ -203,6 +203,14 @@ void removeUnlocked(const std::string& path) {
     if (flock(file.Number(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
 }
 
+// Beside the file itself, so that programs that reach it through different links have one lock. Links in a circle
+// have one of their own.
+std::string lockName(std::string path) {
+    followLinks(path);
+    const std::string folder = folderOf(path);
+    return folder + "." + path.substr(folder.size()) + ".lock";
+}
+
 std::string keptName(const std::string& path, int number) {
     const std::string name = path + std::string(KEPT_NAME);
     return number == 0 ? name : name + "." + std::to_string(number);
@@ -262,8 +270,7 @@ void RemoveLeftovers(const std::string& path) {
 }
 
 FileLock::FileLock(const std::string& path)
-    : file(open((folderOf(path) + "." + path.substr(folderOf(path).size()) + ".lock").c_str(),
-                O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
+    : file(open(lockName(path).c_str(), O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
     if (file < 0) return;
     for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; waits--) {
         isTaken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;

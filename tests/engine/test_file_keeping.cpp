@@ -323,7 +323,20 @@ TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
     close(ready[1]);
 }
 
+TEST_F(FileKeeping, theLockOfALinkIsThatOfTheFileItLeadsTo) {
+    ASSERT_TRUE(std::filesystem::create_directory(folder.File("dots")));
+    const std::string link = folder.File("link");
+    ASSERT_EQ(0, symlink("dots/real", link.c_str())); // the file itself is still to be made
+    const FileLock lock(link);
+    EXPECT_FALSE(lock.IsTaken());
+    EXPECT_TRUE(FileLock(folder.File("dots/real")).IsTaken());
+    EXPECT_TRUE(FileLock(link).IsTaken());
+    EXPECT_EQ((Names{"dots", "link"}), folder.Names());
+}
+
 TEST_F(FileKeeping, whereNoLockCanBeHadNobodyIsKeptOut) {
+    ASSERT_EQ(0, symlink("circle", folder.File("circle").c_str()));
+    EXPECT_FALSE(FileLock(folder.File("circle")).IsTaken());
     EXPECT_FALSE(FileLock(folder.File("none/file")).IsTaken());
 }
 
