@@ -291,7 +291,7 @@ struct Statement {
     Kind kind = Kind::NONE;
     Definition function; // Kind::FUNCTION
     NamedText other;     // Kind::VARIABLE and Kind::UNIT
-    bool isTooDear = false;
+    bool isLeft = false; // in the file: reading it takes too long, or it may use one of which that is so
     bool isTaken = false;
 
     // What reading it takes besides its evaluation.
@@ -335,7 +335,8 @@ class DefinitionReader {
 public:
     explicit DefinitionReader(ZqCalculator& into) : calc(into) {}
 
-    // Refused lines are tried again while others are accepted, each time from the other end.
+    // Refused lines are tried again while others are accepted, each time from the other end. What one that was left
+    // would have defined is not known, so whatever is refused then may need it and is left, too.
     void Take(std::vector<Statement>& statements) {
         AllowOneReading(statements);
         DeclareFunctions(statements);
@@ -345,12 +346,15 @@ public:
             before = waiting.size();
             const auto isDone = [this](Statement* statement) {
                 TakeOne(*statement);
-                return statement->isTaken || statement->isTooDear;
+                return statement->isTaken || statement->isLeft;
             };
             waiting.erase(std::remove_if(waiting.begin(), waiting.end(), isDone), waiting.end());
             std::reverse(waiting.begin(), waiting.end());
         }
         removeDeclared();
+        const auto isLeft = [](const Statement& statement) { return statement.isLeft; };
+        if (std::none_of(statements.begin(), statements.end(), isLeft)) return;
+        for (Statement* const refused : waiting) refused->isLeft = true;
     }
 
 private:
@@ -372,8 +376,8 @@ private:
         std::vector<const Definition*> definitions;
         for (Statement& statement : statements) {
             if (statement.kind != Kind::FUNCTION) continue;
-            statement.isTooDear = !Spend(statement.Cost());
-            if (!statement.isTooDear) definitions.push_back(&statement.function);
+            statement.isLeft = !Spend(statement.Cost());
+            if (!statement.isLeft) definitions.push_back(&statement.function);
         }
         for (const Definition* const definition : definitions) {
             if (funcs.FunctionExists(definition->name.c_str(), definition->argCount)) continue;
@@ -389,7 +393,7 @@ private:
             std::vector<Statement*> ofKind;
             std::vector<NamedText> names;
             for (Statement& statement : statements) {
-                if (statement.kind != kind || statement.isTooDear) continue;
+                if (statement.kind != kind || statement.isLeft) continue;
                 ofKind.push_back(&statement);
                 names.push_back(statement.text.size() < TEXT_SIZE ? statement.other : NamedText());
             }
@@ -416,16 +420,16 @@ private:
     }
 
     void TakeOne(Statement& statement) {
-        const bool isPaid = statement.kind == Kind::FUNCTION;      // when it was declared
-        if (!isPaid && statement.text.size() >= TEXT_SIZE) return; // no entry either
-        statement.isTooDear = !isPaid && !Spend(statement.Cost());
-        if (statement.isTooDear) return;
+        const bool isPaid = statement.kind == Kind::FUNCTION; // when it was declared
+        // What is no entry for its length is not evaluated.
+        statement.isLeft = !isPaid && (statement.text.size() >= TEXT_SIZE || !Spend(statement.Cost()));
+        if (statement.isLeft) return;
         statement.isTaken = IsKnown(statement);
         if (statement.isTaken) return;
         const uint64_t allowed = std::min(left, LINE_WORK);
         uint64_t work = allowed;
         statement.isTaken = Evaluate(statement, work) != STATUS_ERROR;
-        statement.isTooDear = !statement.isTaken && work == 0;
+        statement.isLeft = !statement.isTaken && work == 0;
         left -= allowed - work;
     }
 
@@ -494,8 +498,8 @@ void takeText(ZqCalculator& calc, FunctionsFileResult& result) {
     DefinitionReader(calc).Take(statements);
     std::vector<bool> isUnread(lines.size(), false);
     for (const Statement& statement : statements) {
-        if (!statement.isTaken && !statement.isTooDear) result.damaged = true;
-        if (!statement.isTooDear) continue;
+        if (!statement.isTaken && !statement.isLeft) result.damaged = true;
+        if (!statement.isLeft) continue;
         isUnread[statement.line] = true;
         result.unread++;
     }

@@ -35,7 +35,8 @@ struct FunctionsFileResult {
     // with a line feed, holds control characters or lines that define nothing, or a line was refused. Everything
     // else in it was read.
     bool damaged = false;
-    // So many definitions were left alone, since reading them takes too long, and these are the other lines. To
+    // So many definitions were left alone, since reading them takes too long, and these are the other lines. When
+    // there is one, definitions that were refused count among them and not as damage: they may use it. To
     // whoever knows only these, the definitions are another program's: FunctionsMerge keeps them in the file.
     size_t unread = 0;
     std::string text;
@@ -53,7 +54,8 @@ struct FunctionsFileResult {
 // - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
 // - A unit that was defined by the same line before is not defined again.
 // - The work of evaluating lines, and of reading them again, is counted and has a limit, for one line and for all of
-//   them: some tenths of a second. Reading each line of fewer than TEXT_SIZE characters once has none.
+//   them: some tenths of a second. Reading each line of fewer than TEXT_SIZE characters once has none. A variable or
+//   a unit whose line is longer takes too long, whatever it says.
 // Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the texts,
 // the result, the status and the interrupted flag are what they were before; target is "ans".
 FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& path);

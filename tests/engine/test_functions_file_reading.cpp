@@ -210,6 +210,30 @@ TEST_F(ReadingAFunctionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
     EXPECT_EQ(known, read.text);
 }
 
+TEST_F(ReadingAFunctionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFileToo) {
+    std::string text = fileWith(bomb("a"));
+    const std::string variables = "a=f40(1)\nb=a+1\nc=b+1\nd=2\n";
+    text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
+    text.insert(text.find("### CUSTOM"), variables);
+    putContent(path, text);
+    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    EXPECT_FALSE(read.damaged);
+    EXPECT_EQ(3U, read.unread);
+    EXPECT_EQ("ans = 2\n", Answer("d"));
+    FunctionsMerge merge;
+    merge.Know(read.text);
+    std::error_code reason;
+    EXPECT_TRUE(merge.Write(path, Text(), reason));
+    for (const char* line : {"\na=f40(1)\n", "\nb=a+1\n", "\nc=b+1\n", "\nd=2\n"})
+        EXPECT_NE(std::string::npos, contentOf(path).find(line)) << line;
+}
+
+TEST_F(ReadingAFunctionsFile, whatDefinesNothingIsDamageAlsoBesideADefinitionThatWasLeftAlone) {
+    EXPECT_FALSE(IsDamaged(fileWith(bomb("a"))));
+    EXPECT_TRUE(IsDamaged(fileWith(bomb("a") + "1+1\n")));
+    EXPECT_TRUE(IsDamaged(fileWith("b=a+1\n"))); // nothing was left alone: it is simply wrong
+}
+
 TEST_F(ReadingAFunctionsFile, allDefinitionsTogetherHaveALimit) {
     std::string lines = "b=2\n" + bomb("a");
     for (int i = 0; i < 1000; i++) lines += "a" + std::to_string(i) + "=f40(1)\n";
@@ -302,13 +326,16 @@ TEST_F(ReadingAFunctionsFile, unitsThatUseEachOtherInACircleAreRefused) {
 
 TEST_F(ReadingAFunctionsFile, aLineOfTenMegabytesIsLeftAlone) {
     const std::string sum = repeated("+1", 5000000);
-    putContent(path, fileWith("f(x)=x" + sum + "\nv=5\n"));
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
-    EXPECT_EQ(1U, read.unread);
-    EXPECT_EQ(nullptr, funcs.FindByName("f", -1));
-    EXPECT_EQ("ans = 5\n", Answer("v"));
-    EXPECT_TRUE(IsDamaged(fileWith("a=1" + sum + "\nunit smoot=" + sum + "\nv=5\n"))); // no entries at all
-    EXPECT_EQ("ans = 5\n", Answer("v"));
+    for (const char* start : {"f(x)=x", "a=1", "unit smoot=1"}) {
+        StartAgain();
+        putContent(path, fileWith(start + sum + "\nv=5\n"));
+        const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+        EXPECT_FALSE(read.damaged) << start;
+        EXPECT_EQ(1U, read.unread) << start;
+        EXPECT_EQ(fileWith("v=5\n"), read.text) << start;
+        EXPECT_EQ(nullptr, funcs.FindByName("f", -1));
+        EXPECT_EQ("ans = 5\n", Answer("v"));
+    }
 }
 
 TEST_F(ReadingAFunctionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
