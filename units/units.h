@@ -66,7 +66,8 @@
 //
 // A message whose format and texts together exceed 254 characters is the format alone, its %s as they stand.
 //
-// No text argument may be null.  Nothing throws.  Nothing is re-entrant (shared lists, one thread).
+// No text argument may be null.  Nothing is re-entrant (shared lists, one thread).  Nothing
+// throws, but what a caller's UnitsCharge throws passes through, std::bad_alloc apart.
 #ifndef TALLYQUILL_UNITS_H
 #define TALLYQUILL_UNITS_H
 
