@@ -312,6 +312,7 @@ TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
         if (!isTold) _exit(1);
         for (;;) pause();
     }
+    close(ready[1]); // a child that fails ends the wait
     char byte = 0;
     ASSERT_EQ(1, read(ready[0], &byte, 1));
     EXPECT_TRUE(FileLock(path).IsTaken());
@@ -320,7 +321,6 @@ TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
     EXPECT_EQ(child, waitpid(child, nullptr, 0));
     EXPECT_FALSE(FileLock(path).IsTaken());
     close(ready[0]);
-    close(ready[1]);
 }
 
 TEST_F(FileKeeping, theLockOfALinkIsThatOfTheFileItLeadsTo) {

@@ -140,7 +140,9 @@ TEST(ControlC, OnceEndsAStreamOfShortLines) {
         const TemporaryFile answers;
         setup.outputFile = answers.path();
         Terminal terminal({}, setup);
-        while (answers.content().empty()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        for (int wait = 0; wait < 20000 && answers.content().empty(); ++wait)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        ASSERT_FALSE(answers.content().empty());
         terminal.type(kControlC);
         EXPECT_EQ(terminal.wait(), -1); // by the signal, not at the end of the lines
     }
