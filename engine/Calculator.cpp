@@ -16,8 +16,30 @@ static void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
     out[length] = '\0';
 }
 
-// What showing a result costs a preview, in reductions: the digits take as long as some sums.
+// How many digits of a number are read: the others are dropped without their scale.
+constexpr size_t DIGITS_READ = 104;
+constexpr int32_t ALL_FIGURES = 100;
+
+// The digits of a shown number behind its leading zeros, as they are counted when it is read: zeros behind the
+// point are digits, those of the exponent are none.
+static size_t countDigits(std::string_view text) {
+    text.remove_prefix(text.substr(0, 1) == "-" ? 1 : 0);
+    const bool isRadix = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0b";
+    text = isRadix ? text.substr(2) : text.substr(0, text.find('e'));
+    text.remove_prefix(std::min(text.find_first_not_of("0 "), text.size()));
+    return static_cast<size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }));
+}
+
+// What showing a result costs a preview, in reductions: the digits take as long as some sums. Those of a large
+// number cost a unit for each group of its bits.
 constexpr uint64_t RESULT_REDUCTIONS = 50;
+constexpr uint32_t BITS_PER_WORK = 32;
+constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
+
+static uint64_t longNumberWork(const qfloat value) {
+    return value[1] > EXPONENT_OF_HALF ? (value[1] - EXPONENT_OF_HALF) / BITS_PER_WORK : 0;
+}
 
 // The line an empty entry repeats: only one that assigned, or used the last answer.
 static bool isRepeatable(const char* line) {
@@ -141,11 +163,21 @@ std::string ZqCalculator::PlainAnswer() {
     Notation notation = answer.notation;
     notation.twosComp = false;
     notation.separator = '\0';
-    return TextOf(answer.value, notation, answer.name.size());
+    std::string text = TextOf(answer.value, notation, answer.name.size());
+    if (countDigits(text) > DIGITS_READ) {
+        if (notation.base != 10 || notation.sciMode == SCI_FIXED) notation.sigFigs = ALL_FIGURES;
+        notation.base = 10;
+        notation.sciMode = SCI_AUTO;
+        text = TextOf(answer.value, notation, answer.name.size());
+    }
+    if (tenKey && text[0] == '-') text = text.substr(1) + '-';
+    return text;
 }
 
 int ZqCalculator::ShowResult() {
-    if (!fullEntry && Spend(RESULT_REDUCTIONS, 0) != 0) return STATUS_ERROR;
+    if (!fullEntry) {
+        if (Spend(RESULT_REDUCTIONS, 0) != 0 || SpendWork(longNumberWork(result)) != 0) return STATUS_ERROR;
+    }
     const std::string text = fullEntry ? KeepAnswer(target->text, result)
                                        : TextOf(result, CurrentNotation(), strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");

@@ -123,8 +123,8 @@ public:
 
     bool initialized = false; // InitializeFunctionsAndVars has run
     bool interrupted = false; // the last entry was stopped by interruptCheck
-    bool overflowed =
-        false; // the answer in `resultLine` is beyond the range, "+OVERFLOW" in decimal: status 0
+    bool overflowed = false;  // what the last statement showed, a preview's and disp's included, is beyond
+                              // the range, "+OVERFLOW" in decimal: no error
 
     // Asked before each statement of a full entry and every few hundred reductions, a few milliseconds apart at
     // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are
@@ -144,9 +144,10 @@ public:
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
     // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
-    // reads; `resultLine` and `message` hold its answer until then. A preview has 60,000 units of work, some milliseconds, and is
-    // given up when it takes more: status -1. A copied term is one unit, an operator 3, showing a statement's
-    // result 150; a power, a factorial, a conversion, a predefined function and a logarithm's base are 24 more.
+    // reads; `resultLine` and `message` hold its answer until then. A preview has 60,000 units of work, some
+    // milliseconds, and is given up when it takes more: status -1. A copied term is one unit, an operator 3,
+    // showing a statement's result 150 and 1 more for every 32 bits of its integer part; a power, a factorial, a
+    // conversion, a predefined function and a logarithm's base are 24 more.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
@@ -163,8 +164,10 @@ public:
     // The last answer in base 10, 16 or 2, otherwise in the settings of now. Empty when there is none.
     std::string AnswerIn(int base);
 
-    // The last answer as it was shown, but so that it reads back as that value: with the decimal mark of now, without
-    // grouping marks and without two's complement, which reads as another number. Empty when there is none.
+    // The last answer as it was shown, but so that it reads back as that value in the settings of now: with their
+    // decimal mark, in adding-machine entry with the sign behind it, without grouping marks and without two's
+    // complement, which reads as another number. Where it would have more than the 104 digits that are read, it
+    // is decimal with an exponent. Empty when there is none.
     std::string PlainAnswer();
 
     // Exchanges '.' and ',' throughout the text when `european` is set.

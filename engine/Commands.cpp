@@ -177,6 +177,7 @@ struct Commands {
         const node* variable = calc.VariableExists(text.argument.c_str());
         if (!variable) return calc.Fail("** ERROR: variable '%s' not found **\n", {text.argument});
         qmov(*variable->value, calc.result);
+        calc.overflowed = calc.result[1] >= OVERFLOW_EXPONENT;
         const std::string line = text.argument + " = " + calc.KeepAnswer(variable->text, calc.result);
         memcpy(calc.lastAnswer, line.c_str(), line.size() + 1);
         calc.message[0] = '\0';

@@ -24,7 +24,7 @@ constexpr uint64_t UNIT_WORK_PER_REDUCTION = 16;
 // DEAR_WORK. A remainder takes a step for each bit by which its operands differ.
 constexpr uint64_t PREVIEW_WORK = 60000;
 constexpr uint64_t REDUCTION_WORK = 3;
-constexpr uint64_t REMAINDER_BITS_PER_WORK = 512;
+constexpr uint64_t REMAINDER_BITS_PER_WORK = 256;
 
 static bool isZero(const qfloat number) {
     return number[1] == 0;

@@ -52,7 +52,7 @@ std::unique_ptr<node> NamedTerms::Take(node* term) {
 
 node* NamedTerms::Append(node* term) {
     Insert(term, nullptr);
-    if (isRecording) changes.push_back({Kind::Added, term, nullptr, nullptr, nullptr});
+    if (isRecording) changes.push_back({Kind::Added, term, nullptr, nullptr, nullptr, nullptr});
     return term;
 }
 
@@ -60,7 +60,7 @@ void NamedTerms::SetValue(node* term, const qfloat value) {
     if (isRecording) {
         std::unique_ptr<qfloat[]> before(term->value ? new qfloat[1] : nullptr);
         if (before) qmov(*term->value, before[0]);
-        changes.push_back({Kind::Valued, term, nullptr, nullptr, std::move(before)});
+        changes.push_back({Kind::Valued, term, nullptr, nullptr, std::move(before), nullptr});
     }
     term->SetValue(value);
 }
@@ -68,11 +68,17 @@ void NamedTerms::SetValue(node* term, const qfloat value) {
 void NamedTerms::Delete(node* term) {
     node* const next = term->next;
     std::unique_ptr<node> removed = Take(term);
-    if (isRecording) changes.push_back({Kind::Removed, term, std::move(removed), next, nullptr});
+    if (isRecording) changes.push_back({Kind::Removed, term, std::move(removed), next, nullptr, nullptr});
 }
 
+// In one step, however many they are; they are freed when the change is kept.
 void NamedTerms::DeleteAll() {
-    while (list.last) Delete(list.last);
+    auto all = std::make_unique<Deq>();
+    all->TakeAll(list);
+    byName.clear();
+    hasNamesakes = false;
+    Follow();
+    if (isRecording) changes.push_back({Kind::Cleared, nullptr, nullptr, nullptr, nullptr, std::move(all)});
 }
 
 void NamedTerms::UndoChanges() {
@@ -81,6 +87,7 @@ void NamedTerms::UndoChanges() {
         switch (change.kind) {
         case Kind::Added: Take(change.term); break;
         case Kind::Removed: Insert(change.removed.release(), change.next); break;
+        case Kind::Cleared: list.TakeAll(*change.all); break;
         case Kind::Valued:
             if (change.value) change.term->SetValue(change.value[0]);
             break;

@@ -39,7 +39,7 @@ public:
     void EndChanges();
 
 private:
-    enum class Kind { Added, Removed, Valued };
+    enum class Kind { Added, Removed, Valued, Cleared };
 
     struct Change {
         Kind kind;
@@ -47,6 +47,7 @@ private:
         std::unique_ptr<node> removed; // the same term while it is in no list
         node* next;                    // where it stood
         std::unique_ptr<qfloat[]> value;
+        std::unique_ptr<Deq> all; // what stood in the list before it was emptied
     };
 
     bool IsIndexed() const { return insertions == list.insertions && count == list.count; }

@@ -45,11 +45,25 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
-// Of the characters of several bytes only those of two that begin with 0xC2 can be control characters, and their
-// second byte is their code.
-static bool isControlAt(std::string_view text, std::size_t i, std::size_t length) {
-    if (length == 1) return IsControlCharacter(byteAt(text, i));
-    return byteAt(text, i) == 0xC2 && IsControlCharacter(byteAt(text, i + 1));
+// The code of the character of so many bytes.
+static uint32_t codeAt(std::string_view text, std::size_t i, std::size_t length) {
+    const uint32_t lead = byteAt(text, i);
+    if (length == 1) return lead;
+    uint32_t code = lead & (0x7FU >> length);
+    for (std::size_t k = 1; k < length; ++k) code = code << 6 | (byteAt(text, i + k) & 0x3FU);
+    return code;
+}
+
+// Whether the character changes the direction in which a line is written, or breaks it.
+static bool isLayout(uint32_t code) {
+    const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F ||
+                             (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+    return isDirection || code == 0x2028 || code == 0x2029;
+}
+
+static bool isHiddenAt(std::string_view text, std::size_t i, std::size_t length) {
+    const uint32_t code = codeAt(text, i, length);
+    return IsControlCharacter(code) || isLayout(code);
 }
 
 static void appendShown(std::string& shown, std::string_view character, bool isShown) {
@@ -65,7 +79,7 @@ std::string ShownText(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t length = Utf8Length(text, i);
         const std::size_t step = length == 0 ? 1 : length;
-        appendShown(shown, text.substr(i, step), length > 0 && !isControlAt(text, i, length));
+        appendShown(shown, text.substr(i, step), length > 0 && !isHiddenAt(text, i, length));
         i += step;
     }
     return shown;

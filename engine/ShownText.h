@@ -22,8 +22,9 @@ std::size_t Utf8Length(std::string_view text, std::size_t start);
 // Whether all of the text is well-formed UTF-8.
 bool IsUtf8(std::string_view text);
 
-// The UTF-8 text without control characters but line feeds: a tab becomes a blank, every other one a '?', and so
-// does each byte that belongs to no well-formed sequence.
+// The UTF-8 text without control characters but line feeds: a tab becomes a blank, every other one a '?', and
+// so does each byte that belongs to no well-formed sequence, and each character that reorders or breaks a line:
+// U+061C, U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069.
 std::string ShownText(std::string_view text);
 
 // The same for a text in ISO Latin-1, in which every byte is a character.

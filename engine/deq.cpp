@@ -146,6 +146,17 @@ void Deq::Clear() {
     while (first) Del(first);
 }
 
+void Deq::TakeAll(Deq& other) {
+    if (!other.first) return;
+    other.first->prev = last;
+    (last ? last->next : first) = other.first;
+    last = other.last;
+    count += other.count;
+    insertions += static_cast<uint64_t>(other.count);
+    other.first = other.last = nullptr;
+    other.count = 0;
+}
+
 void Deq::CopyTo(Deq* target) const {
     // The count is taken first, so that a list can be appended to itself.
     const int32_t number = count;

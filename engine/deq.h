@@ -135,6 +135,9 @@ public:
     // Deletes all nodes.
     void Clear();
 
+    // Appends all nodes of the other list, which is then empty, in one step.
+    void TakeAll(Deq& other);
+
     // Appends deep copies of all nodes to `target`. Text, type and level are copied, values for numbers only.
     void CopyTo(Deq* target) const;
 

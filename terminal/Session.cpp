@@ -85,10 +85,9 @@ Session::Outcome Session::evaluate(std::string_view entry) {
     if (calc_.status == STATUS_COMMAND) return carryOut(calc_.message);
     // Otherwise collected echoes come first, also those of an entry that failed further on.
     if (!show(calc_.echoText)) return Outcome::OutputLost;
+    if (calc_.overflowed) anyRefused_ = true;
     switch (calc_.status) {
-    case STATUS_RESULT:
-        if (calc_.overflowed) anyRefused_ = true;
-        return answer(calc_.resultLine);
+    case STATUS_RESULT: return answer(calc_.resultLine);
     case STATUS_MESSAGE: return answer(calc_.message);
     default: return refuse(calc_.message);
     }

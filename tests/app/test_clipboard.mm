@@ -244,14 +244,16 @@ TEST_F(Clipboard, anAnswerThatDispShowedIsCopiedAsItsNumber) {
 // The settings that decide how a number is written.
 struct Writing {
     int european, separator, schar, dispbase, sigfigs, scimode, twoscomp;
+    int tenkey = 0;
 };
 
-const Writing WRITINGS[] = {{0, 0, ',', 10, 10, 0, 0}, {0, 1, ',', 10, 10, 0, 0}, {1, 1, ',', 10, 10, 0, 0},
-                            {1, 0, ',', 10, 30, 1, 0}, {0, 1, '\'', 10, 6, 2, 0}, {1, 1, ' ', 10, 6, 3, 0},
-                            {0, 1, ' ', 10, 5, 4, 0},  {1, 1, '\'', 10, 2, 5, 0}, {0, 1, ',', 10, 100, 5, 0},
-                            {0, 0, ',', 16, 10, 0, 0}, {1, 1, ',', 16, 10, 0, 1}, {0, 1, ';', 2, 10, 0, 1},
-                            {1, 0, ',', 2, 3, 2, 0},   {0, 0, ',', 16, 3, 4, 1},  {1, 1, ';', 10, 12, 4, 1},
-                            {0, 1, '.', 10, 12, 0, 0}};
+const Writing WRITINGS[] = {
+    {0, 0, ',', 10, 10, 0, 0}, {0, 1, ',', 10, 10, 0, 0},    {1, 1, ',', 10, 10, 0, 0},
+    {1, 0, ',', 10, 30, 1, 0}, {0, 1, '\'', 10, 6, 2, 0},    {1, 1, ' ', 10, 6, 3, 0},
+    {0, 1, ' ', 10, 5, 4, 0},  {1, 1, '\'', 10, 2, 5, 0},    {0, 1, ',', 10, 100, 5, 0},
+    {0, 0, ',', 16, 10, 0, 0}, {1, 1, ',', 16, 10, 0, 1},    {0, 1, ';', 2, 10, 0, 1},
+    {1, 0, ',', 2, 3, 2, 0},   {0, 0, ',', 16, 3, 4, 1},     {1, 1, ';', 10, 12, 4, 1},
+    {0, 1, '.', 10, 12, 0, 0}, {0, 0, ',', 10, 10, 0, 0, 1}, {1, 1, ',', 16, 10, 1, 1, 1}};
 
 class CopiedAnswer : public Clipboard {
 protected:
@@ -261,43 +263,60 @@ protected:
             int value;
         } settings[] = {{@"european", one.european}, {@"separator", one.separator}, {@"schar", one.schar},
                         {@"dispbase", one.dispbase}, {@"sigfigs", one.sigfigs},     {@"scimode", one.scimode},
-                        {@"twoscomp", one.twoscomp}};
+                        {@"twoscomp", one.twoscomp}, {@"tenkey", one.tenkey}};
         for (const auto& setting : settings) [console setSetting:setting.key to:setting.value];
     }
 
-    // Half a unit of the last place that the writing shows, and what a double adds when it is compared.
-    static double allowed(const Writing& one, double value) {
-        const double own = std::fabs(value) * 1e-14;
-        if (one.dispbase != 10) return own;
-        const bool isFixed = one.scimode == 5;
-        return own + (isFixed ? 0.5 * std::pow(10, -one.sigfigs)
-                              : 5 * std::pow(10, -one.sigfigs) * std::fabs(value));
+    static double number(const qfloat value) {
+        double out = 0;
+        qtoe(value, &out);
+        return out;
+    }
+
+    // Half a unit of the last place that the writing shows, beside what no writing shows.
+    static bool isNear(const Writing& one, const qfloat wanted, const qfloat read) {
+        qfloat difference;
+        qfloat relative = {};
+        qsub(wanted, read, difference);
+        if (difference[1] == 0) return true;
+        if (wanted[1] == 0) return false;
+        qdiv(wanted, difference, relative);
+        const double own = 1e-30;
+        if (one.dispbase != 10) return std::fabs(number(relative)) <= own;
+        if (std::fabs(number(relative)) <= own) return true;
+        if (one.scimode == 5) return std::fabs(number(difference)) <= 0.5 * std::pow(10, -one.sigfigs);
+        return std::fabs(number(relative)) <= 5 * std::pow(10, -one.sigfigs);
     }
 };
 
 // What is copied reads back, by the engine in the settings of the copy, as the answer with the figures it was shown
 // with: every value in every writing, copied in every other one.
 TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
-    const double values[] = {1234.5,     -5,   255,  1234567, -1234567.25,  0.015625,
-                             -0.0078125, 1e12, 3e-7, 0,       123456789.125};
-    for (const double value : values) {
+    const char* const values[] = {"1234.5",        "0-5",         "255",   "1234567", "0-1234567.25",
+                                  "0.015625",      "0-0.0078125", "1e12",  "3e-7",    "0",
+                                  "123456789.125", "2^200",       "1e100", "1e400",   "0-1e400"};
+    for (const char* value : values) {
         for (const Writing& shown : WRITINGS) {
-            use({0, 0, ',', 10, 10, 0, 0});
-            char entry[64];
-            snprintf(entry, sizeof entry, "x=%.17g", value);
-            std::string line = entry;
+            Writing typed = shown; // a sum is typed in another way in adding-machine entry
+            typed.tenkey = 0;
+            std::string line = std::string("x=") + value;
             if (shown.european) std::replace(line.begin(), line.end(), '.', ',');
-            use(shown);
+            use(typed);
             [console ProcessResult:line.c_str():NO];
-            const double wanted = shown.dispbase == 10 ? value : std::trunc(value); // whole ones alone
+            qfloat wanted;
+            qmov(calc.answer.value, wanted);
+            if (shown.dispbase != 10) { // whole ones alone, towards zero
+                const uint32_t sign = wanted[0];
+                wanted[0] = 0;
+                qfloor(wanted, wanted);
+                wanted[0] = sign;
+            }
             for (const Writing& now : WRITINGS) {
                 use(now);
                 [console copySettingsToEngine];
                 const std::string copied = calc.PlainAnswer();
                 ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(copied.c_str(), true)) << copied;
-                double read = 0;
-                qtoe(calc.result, &read);
-                EXPECT_NEAR(wanted, read, allowed(shown, wanted)) << copied << " of " << line;
+                EXPECT_TRUE(isNear(shown, wanted, calc.result)) << copied << " of " << line;
             }
         }
     }

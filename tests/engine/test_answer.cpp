@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -96,6 +98,73 @@ TEST_F(LastAnswer, isWrittenInAnotherBaseInTheSettingsOfNow) {
     calc.european = true;
     EXPECT_EQ("1.234.567,5", calc.AnswerIn(10));
     EXPECT_EQ(10, calc.displayBase);
+}
+
+// Of a longer text only the first 104 digits would be read, without the scale of the others.
+TEST_F(LastAnswer, isCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
+    const char* const power = "1.606938044258990275541962092341162602522202993782792835301376e60";
+    const struct {
+        const char* settings;
+        const char* entry;
+        const char* copied;
+    } cases[] = {{"display bin", "2^200", power},
+                 {"display bin", "2^103", "0b 1000"}, // and 100 zeros
+                 {"display bin", "2^104", "2.0282409603651670423947251286016e31"},
+                 {"display hex", "2^200", "0x0100"}, // and 48 zeros
+                 {"display hex", "1e400", "1.0e400"},
+                 {"display hex", "0-1e400", "-1.0e400"},
+                 {"display dec; scimode never", "1e100", "10000"}, // and 96 zeros
+                 {"scimode never", "1e103", "10000"},
+                 {"scimode never", "1e104", "1.0e104"},
+                 {"scimode never", "0-1e400", "-1.0e400"},
+                 {"scimode never", "2e200/3", "6.666666667e199"},
+                 {"scimode never", "1e-200", "1.0e-200"},
+                 {"sigfigs 2; scimode fixed", "1e200+1e198", "1.01e200"}};
+    for (const auto& one : cases) {
+        Enter(one.settings);
+        Enter(one.entry);
+        const std::string copied = calc.PlainAnswer();
+        if (strchr(one.copied, 'e'))
+            EXPECT_EQ(one.copied, copied) << one.entry;
+        else
+            EXPECT_EQ(one.copied, copied.substr(0, strlen(one.copied))) << one.entry;
+        qfloat wanted;
+        qmov(calc.answer.value, wanted);
+        ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(copied.c_str(), true)) << copied;
+        qfloat difference;
+        qsub(wanted, calc.result, difference);
+        qdiv(wanted, difference, difference);
+        double relative = 1;
+        qtoe(difference, &relative);
+        EXPECT_LE(std::fabs(relative), 1e-9) << copied;
+    }
+}
+
+// There the sign stands behind its number.
+TEST_F(LastAnswer, isCopiedAsAddingMachineEntryReadsIt) {
+    const struct {
+        const char* entry;
+        const char* copied;
+    } cases[] = {{"0-1234.5", "1234.5-"}, {"1234.5", "1234.5"}, {"0-1e-30", "1.0e-30-"}, {"0", "0"}};
+    for (const auto& one : cases) {
+        calc.tenKey = false;
+        Enter(one.entry);
+        calc.tenKey = true;
+        EXPECT_EQ(one.copied, calc.PlainAnswer());
+        ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(one.copied, true)) << calc.message;
+        EXPECT_EQ(0, qcmp(calc.answer.value, calc.result)) << one.copied;
+    }
+}
+
+TEST_F(LastAnswer, beyondTheRangeIsNotedByDispToo) {
+    Enter("a=1e10000");
+    EXPECT_TRUE(calc.overflowed);
+    Enter("b=1");
+    EXPECT_FALSE(calc.overflowed);
+    Enter("disp a");
+    EXPECT_TRUE(calc.overflowed);
+    Enter("disp b");
+    EXPECT_FALSE(calc.overflowed);
 }
 
 } // namespace

@@ -75,6 +75,22 @@ TEST_F(NamedTermsTest, takingBackCostsTheChanges) {
     EXPECT_EQ(4u, work); // two changes of the names, there and back
 }
 
+TEST_F(NamedTermsTest, deletingAllIsOneStep) {
+    for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
+    terms.Find("v0");
+    const auto before = contentsOf(list);
+    terms.BeginChanges();
+    work = 0;
+    terms.DeleteAll();
+    EXPECT_EQ(0, list.count);
+    EXPECT_EQ(nullptr, terms.Find("v0"));
+    terms.Append(makeTerm("v1", 1));
+    EXPECT_LE(work, 1u); // the one that was put in
+    terms.UndoChanges();
+    EXPECT_EQ(before, contentsOf(list));
+    EXPECT_EQ(FirstOf("v4999"), terms.Find("v4999"));
+}
+
 TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
     constexpr unsigned seed = 20261122;
     std::mt19937 random(seed);

@@ -24,6 +24,19 @@ TEST(ShownText, ShowsNoControlCharacter) {
               "a?2J");
 }
 
+// They would show a line in another order than it has, or break it.
+TEST(ShownText, ShowsNoCharacterThatReordersOrBreaksLines) {
+    for (const char* const text :
+         {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAA",
+          "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA9"}) {
+        EXPECT_EQ(ShownText(std::string("1") + text + "2"), "1?2");
+    }
+    for (const char* const text : {"\xD8\x9B", "\xD8\x9D", "\xE2\x80\x8D", "\xE2\x80\x90", "\xE2\x80\xA7",
+                                   "\xE2\x80\xAF", "\xE2\x81\xA5", "\xE2\x81\xAA", "\xE2\x82\xA8"}) {
+        EXPECT_EQ(ShownText(text), text);
+    }
+}
+
 TEST(ShownText, ShowsNoByteThatIsNoUtf8) {
     EXPECT_EQ(ShownText("\x9B"
                         "2J"),

@@ -50,12 +50,24 @@ TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Enter(repeated("1;", 999)));
 }
 
+// 2^32000 has 32,001 bits, 1,000 units beside the 150 of a result, the 3 of the operator and the 24 of the power:
+// 60,000 / 1,177 = 50.
+TEST_F(Functions, aPreviewOfTooManyLongResultsShowsNothing) {
+    for (const int base : {10, 16, 2}) {
+        calc.displayBase = base;
+        EXPECT_EQ(STATUS_RESULT, Preview(repeated("2^32000;", 50)));
+        EXPECT_EQ(STATUS_ERROR, Preview(repeated("2^32000;", 51)));
+        EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
+        EXPECT_EQ(STATUS_RESULT, Preview(repeated("1;", 400)));
+    }
+}
+
 // Two operators are 6, the sine 24 and each of the two results 150: (60,000 - 300) / 30 = 1990 sines.
 TEST_F(Functions, aPreviewOfTooManyDearOperationsShowsNothing) {
     const auto line = [](const char* operation, size_t times) {
         return "0" + repeated(operation, times / 2) + ";0" + repeated(operation, times - times / 2);
     };
-    for (const char* operation : {"+sin(1)", "+tan(1)", "+exp(1)", "+ln(2)", "+1^1", "+99!", "+abs(1)"}) {
+    for (const char* operation : {"+sin(1)", "+tan(1)", "+exp(1)", "+ln(2)", "+1^1", "+9!", "+abs(1)"}) {
         EXPECT_EQ(STATUS_RESULT, Preview(line(operation, 1990))) << operation;
         EXPECT_EQ(STATUS_ERROR, Preview(line(operation, 1991))) << operation;
         EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
@@ -68,10 +80,10 @@ TEST_F(Functions, aPreviewOfTooManyDearOperationsShowsNothing) {
     }
 }
 
-// 10^18860 has 62,652 bits, which is 122 units beside the 6 of two operators: (60,000 - 150) / 128 = 467.
+// 10^18860 has 62,652 bits, which is 244 units beside the 6 of two operators: (60,000 - 150) / 250 = 239.
 TEST_F(Functions, aPreviewOfTooManyLongRemaindersShowsNothing) {
-    EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+1e9860%1e-9000", 467)));
-    EXPECT_EQ(STATUS_ERROR, Preview("0" + repeated("+1e9860%1e-9000", 468)));
+    EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+1e9860%1e-9000", 239)));
+    EXPECT_EQ(STATUS_ERROR, Preview("0" + repeated("+1e9860%1e-9000", 240)));
     EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+7%3", 2400)));
 }
 

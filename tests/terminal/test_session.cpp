@@ -72,6 +72,14 @@ TEST_F(SessionTest, AnAnswerBeyondTheRangeIsShownAndCountsAsAFailure) {
     EXPECT_TRUE(session_->anyRefused());
 }
 
+TEST_F(SessionTest, AValueBeyondTheRangeThatDispShowsCountsToo) {
+    EXPECT_EQ(session_->run("a=1e10000;b=1;disp b"), Outcome::Answered);
+    EXPECT_FALSE(session_->anyRefused());
+    EXPECT_EQ(session_->run("disp a"), Outcome::Answered);
+    EXPECT_EQ(answers(), "b = 1\na = +OVERFLOW\n");
+    EXPECT_TRUE(session_->anyRefused());
+}
+
 TEST_F(SessionTest, AnEarlierRefusalIsNotForgotten) {
     session_->run("1/0");
     EXPECT_EQ(session_->run("1"), Outcome::Answered);
