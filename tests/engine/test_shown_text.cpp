@@ -26,9 +26,11 @@ TEST(ShownText, ShowsNoControlCharacter) {
 
 // They would show a line in another order than it has, or break it.
 TEST(ShownText, ShowsNoCharacterThatReordersOrBreaksLines) {
+    // NOLINTBEGIN(misc-misleading-bidirectional): these characters are what the test is about
     for (const char* const text :
          {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAA",
           "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA9"}) {
+        // NOLINTEND(misc-misleading-bidirectional)
         EXPECT_EQ(ShownText(std::string("1") + text + "2"), "1?2");
     }
     for (const char* const text : {"\xD8\x9B", "\xD8\x9D", "\xE2\x80\x8D", "\xE2\x80\x90", "\xE2\x80\xA7",
