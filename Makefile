@@ -58,7 +58,7 @@ lint: deps ## check format and licence lines, run cppcheck and clang-tidy
 # Reading the tests with clang-tidy takes as long as a build with all tests.
 lint-program: deps
 	$(call configure_tests,release) </dev/null
-	scripts/lint.sh build/release $(JOBS) '^(qfloat|units|engine|web|terminal)/'
+	scripts/lint.sh build/release $(JOBS) '^(qfloat|units|engine|store|web|terminal)/'
 
 format: deps ## rewrite the sources in the project's format
 	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i

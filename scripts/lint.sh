@@ -43,7 +43,7 @@ sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 check() {
     xargs cppcheck --quiet -j "$jobs" --std=c++17 --language=c++ --error-exitcode=1 --enable="$1" \
         --inline-suppr --library=googletest --suppress=missingIncludeSystem --suppress=containerOutOfBounds \
-        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Iweb -Iterminal
+        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Istore -Iweb -Iterminal
 }
 
 echo "lint: cppcheck"

@@ -1,35 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "BackgroundWriter.h"
 
+#include "temporary_folder.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
-class WriterInTheBackground : public ::testing::Test {
+class WriterInTheBackground : public testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/tallyquill-writer-XXXXXX";
-        ASSERT_NE(mkdtemp(name), nullptr);
-        folder = name;
-    }
+    // Nothing else is left in the folder.
     void TearDown() override {
-        unlink(file("a").c_str());
-        unlink(file("b").c_str());
-        EXPECT_EQ(rmdir(folder.c_str()), 0) << "something else was left in " << folder;
+        for (const std::string& name : folder.Names()) EXPECT_TRUE(name == "a" || name == "b") << name;
     }
-    std::string file(const char* name) const { return folder + "/" + name; }
-    static std::string contentOf(const std::string& path) {
-        std::ifstream stream(path);
-        std::ostringstream bytes;
-        bytes << stream.rdbuf();
-        return bytes.str();
-    }
-    std::string folder;
+    std::string file(const char* name) const { return folder.File(name); }
+    const TemporaryFolder folder;
 };
 
 TEST_F(WriterInTheBackground, hasWrittenEverythingWhenItHasFinished) {
@@ -57,13 +44,13 @@ TEST_F(WriterInTheBackground, finishesWhenItGoesAway) {
 
 TEST_F(WriterInTheBackground, writesTheOthersWhenOneFails) {
     BackgroundWriter writer;
-    writer.Write({{folder + "/missing/a", "one"}, {file("b"), "two"}});
+    writer.Write({{file("missing/a"), "one"}, {file("b"), "two"}});
     writer.Finish();
     writer.Finish();
     EXPECT_EQ(contentOf(file("b")), "two");
     const auto failures = writer.TakeFailures();
     ASSERT_EQ(failures.size(), 1U);
-    EXPECT_EQ(failures.begin()->first, folder + "/missing/a");
+    EXPECT_EQ(failures.begin()->first, file("missing/a"));
     EXPECT_EQ(failures.begin()->second.reason, std::errc::no_such_file_or_directory);
 }
 

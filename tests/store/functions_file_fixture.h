@@ -3,9 +3,9 @@
 // A calculator and the file that holds what was defined between two runs.
 #pragma once
 
+#include "../engine/functions_fixture.h"
 #include "FileKeeping.h"
 #include "FunctionsFile.h"
-#include "functions_fixture.h"
 #include "temporary_folder.h"
 
 #include <memory>
