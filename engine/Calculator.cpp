@@ -10,12 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 
-static void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
-    const size_t length = std::min(text.size(), TEXT_SIZE - 1);
-    memcpy(out, text.data(), length);
-    out[length] = '\0';
-}
-
 // How many digits of a number are read: the others are dropped without their scale.
 constexpr size_t DIGITS_READ = 104;
 constexpr int32_t ALL_FIGURES = 100;
@@ -237,11 +231,6 @@ void ZqCalculator::StoreResult() {
     variables.SetValue(target, result);
 }
 
-void ZqCalculator::DiscardNewTarget() {
-    if (newVariable) target = nullptr;
-    newVariable.reset();
-}
-
 // Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
 void ZqCalculator::ReportPrintedInfinity() {
     const char* equals = strchr(message, '=');
@@ -255,20 +244,4 @@ void ZqCalculator::ReportPrintedInfinity() {
 
 void ZqCalculator::ProcessStringEuropean(char* text) const {
     if (european) StrSwapChars(text, '.', ',');
-}
-
-int ZqCalculator::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {
-    const size_t room = (sizeof message - 1 - format.size()) / std::max<size_t>(texts.size(), 1);
-    std::string text;
-    auto next = texts.begin();
-    for (size_t i = 0; i < format.size(); i++) {
-        if (format[i] == '%' && i + 1 < format.size() && next != texts.end()) {
-            text += StrShown(*next++).substr(0, room);
-            i++;
-        } else {
-            text += format[i];
-        }
-    }
-    copyText(message, text);
-    return STATUS_ERROR;
 }

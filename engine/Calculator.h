@@ -14,22 +14,18 @@
 #include "Functions.h"
 #include "History.h"
 #include "NamedTerms.h"
-#include "deq.h"
-#include "qfloat.h"
+#include "Outcome.h"
+#include "Statement.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
-
-// Size of the engine's text buffers. A statement has fewer characters than this.
-constexpr size_t TEXT_SIZE = 10000;
 
 // What qtoascii and FormatResult may write, terminator included: 9,865 digits, their 3,288 grouping
 // characters, a point, 100 decimals and a sign.
@@ -46,13 +42,6 @@ enum MathError : int { MATH_OVERFLOW = 3, MATH_UNDERFLOW = 4 };
 
 // What computes long, such as a sine, in units of a preview's work: see ProcessEntry.
 constexpr uint64_t DEAR_WORK = 24;
-
-enum Status : int32_t {
-    STATUS_ERROR = -1,  // `message` holds the error
-    STATUS_RESULT = 0,  // `resultLine` holds the answer
-    STATUS_MESSAGE = 1, // `message` holds a text to show, empty after an empty statement
-    STATUS_COMMAND = 2  // `message` holds a command for the front end
-};
 
 enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
 
@@ -86,11 +75,9 @@ struct WorkCounters {
     uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
 };
 
-class ZqCalculator {
+class ZqCalculator : public Statement, public Outcome {
 public:
     // Settings of the front end, which it copies in before each entry, and the engine's state.
-    bool fullEntry = true;      // false: a quick preview, which stores, defines and runs nothing
-    node* target = nullptr;     // the variable that receives the statement's result
     bool degreeMode = false;    // angles in degrees
     int32_t sciMode = SCI_AUTO; // a SciMode
     int32_t sigFigs = 10;       // significant figures, 1 to 100; in fixed mode the number of decimals
@@ -103,29 +90,12 @@ public:
     bool useSeparator = false;  // group the integer digits in decimal display
     char separatorChar = ',';   // the grouping character
 
-    int32_t status = STATUS_RESULT;  // of the last full entry's last statement, a Status
-    char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
-    char echoText[TEXT_SIZE] = "";   // what the echo commands of one entry collected
-    qfloat result = {};              // value of the last evaluation
-    char resultLine[TEXT_SIZE] = ""; // "name = value\n" of the last statement
-    qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
-    char* lastName = nullptr;        // its name, owned by the variable
-    char lastAnswer[TEXT_SIZE] =
-        "";        // formatted value of the last full entry's result; "name = value" by disp
     Answer answer; // the last one; previews, errors and messages leave it as it is
     CHistory history;
-    Deq vars;                 // the variables: "ans" first, then "pi"
-    Deq terms;                // the terms of the statement being evaluated
-    int32_t opCount = 0;      // number of operator terms in `terms`
-    int32_t reorder = 0;      // set by a function call that rewrote `terms`
-    node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
-    double entryCount = 0;    // full entries so far
+    Deq vars;              // the variables: "ans" first, then "pi"
+    double entryCount = 0; // full entries so far
 
     bool initialized = false; // InitializeFunctionsAndVars has run
-    bool interrupted = false; // the last entry was stopped by interruptCheck
-    bool overflowed = false;  // what the last statement showed, a preview's and disp's included, is beyond
-                              // the range, "+OVERFLOW" in decimal: no error
-
     // Asked before each statement of a full entry and every few hundred reductions, a few milliseconds apart at
     // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are
     // then as they were before it, also those that earlier statements of the line had changed. The history keeps
@@ -233,11 +203,6 @@ public:
     // Empties the variables down to "ans" = 0 and "pi".
     void InitializeVarsList();
 
-    // Writes an error into `message`: each conversion in `format` ("%s", "%i", ...) takes the next text.
-    // Internal characters are shown as "->"; texts too long for the message are cut, its frame never.
-    // Returns -1.
-    int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
-
 private:
     friend struct Commands;
     friend class EntrySnapshot;
@@ -245,7 +210,6 @@ private:
     // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
     struct Call;
 
-    std::unique_ptr<node> newVariable;                      // the target while it is no variable yet
     std::string nameInDefinition;                           // the function whose body is being read
     std::unordered_set<std::string> parametersInDefinition; // of the same function
     std::vector<node*> expanded; // operators of expanded calls still to be applied, the next one last
@@ -277,7 +241,6 @@ private:
     int ShowResult();
     int EvaluateTerms();
     void StoreResult();
-    void DiscardNewTarget();
     void ReportPrintedInfinity();
 
     // Runs a command word. Returns NO_COMMAND when the statement is none, else the command's status.

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "Outcome.h"
+
+#include "Helpers_String.h"
+
+#include <algorithm>
+#include <cstring>
+
+void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
+    const size_t length = std::min(text.size(), TEXT_SIZE - 1);
+    memcpy(out, text.data(), length);
+    out[length] = '\0';
+}
+
+int Outcome::Tell(std::string_view text) {
+    copyText(message, text);
+    return STATUS_MESSAGE;
+}
+
+int Outcome::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {
+    const size_t room = (sizeof message - 1 - format.size()) / std::max<size_t>(texts.size(), 1);
+    std::string text;
+    auto next = texts.begin();
+    for (size_t i = 0; i < format.size(); i++) {
+        if (format[i] == '%' && i + 1 < format.size() && next != texts.end()) {
+            text += StrShown(*next++).substr(0, room);
+            i++;
+        } else {
+            text += format[i];
+        }
+    }
+    copyText(message, text);
+    return STATUS_ERROR;
+}

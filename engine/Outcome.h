@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+//
+// What an entry has answered: texts, values and a status.
+#pragma once
+
+#include "qfloat.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+// Size of the engine's text buffers. A statement has fewer characters than this.
+constexpr size_t TEXT_SIZE = 10000;
+
+enum Status : int32_t {
+    STATUS_ERROR = -1,  // `message` holds the error
+    STATUS_RESULT = 0,  // `resultLine` holds the answer
+    STATUS_MESSAGE = 1, // `message` holds a text to show, empty after an empty statement
+    STATUS_COMMAND = 2  // `message` holds a command for the front end
+};
+
+struct Outcome {
+    int32_t status = STATUS_RESULT;  // of the last full entry's last statement, a Status
+    char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
+    char echoText[TEXT_SIZE] = "";   // what the echo commands of one entry collected
+    qfloat result = {};              // value of the last evaluation
+    char resultLine[TEXT_SIZE] = ""; // "name = value\n" of the last statement
+    qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
+    char* lastName = nullptr;        // its name, owned by the variable
+    char lastAnswer[TEXT_SIZE] = ""; // the last full entry's result as shown; "name = value" by disp
+    bool interrupted = false;        // the last entry was stopped by interruptCheck
+    bool overflowed = false; // what the last statement showed, a preview's and disp's included, is beyond
+                             // the range, "+OVERFLOW" in decimal: no error
+
+    // Writes a text into `message`, cut at TEXT_SIZE - 1 characters. Returns STATUS_MESSAGE.
+    int Tell(std::string_view text);
+
+    // Writes an error into `message`: each conversion in `format` ("%s", "%i", ...) takes the next text.
+    // Internal characters are shown as "->"; texts too long for the message are cut, its frame never.
+    // Returns -1.
+    int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
+};
+
+// Copies the text into a buffer of the engine, cut where it would not fit.
+void copyText(char (&out)[TEXT_SIZE], std::string_view text);

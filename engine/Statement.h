@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+//
+// The statement that is being read and evaluated.
+#pragma once
+
+#include "deq.h"
+
+#include <cstdint>
+#include <memory>
+
+struct Statement {
+    bool fullEntry = true;    // false: a quick preview, which stores, defines and runs nothing
+    node* target = nullptr;   // the variable that receives the result
+    Deq terms;                // what is still to be evaluated
+    int32_t opCount = 0;      // number of operator terms in `terms`
+    int32_t reorder = 0;      // set by a function call that rewrote `terms`
+    node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
+
+    std::unique_ptr<node> newVariable; // the target while it is no variable yet
+
+    // Frees a target that has become no variable.
+    void DiscardNewTarget() {
+        if (newVariable) target = nullptr;
+        newVariable.reset();
+    }
+};
