@@ -15,6 +15,7 @@
 #include "History.h"
 #include "NamedTerms.h"
 #include "Outcome.h"
+#include "Settings.h"
 #include "Statement.h"
 
 #include <cstddef>
@@ -42,8 +43,6 @@ enum MathError : int { MATH_OVERFLOW = 3, MATH_UNDERFLOW = 4 };
 
 // What computes long, such as a sine, in units of a preview's work: see ProcessEntry.
 constexpr uint64_t DEAR_WORK = 24;
-
-enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
 
 // How a value is written.
 struct Notation {
@@ -75,21 +74,9 @@ struct WorkCounters {
     uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
 };
 
-class ZqCalculator : public Statement, public Outcome {
+class ZqCalculator : public EntrySettings, public Statement, public Outcome {
 public:
-    // Settings of the front end, which it copies in before each entry, and the engine's state.
-    bool degreeMode = false;    // angles in degrees
-    int32_t sciMode = SCI_AUTO; // a SciMode
-    int32_t sigFigs = 10;       // significant figures, 1 to 100; in fixed mode the number of decimals
-    bool european = false;      // decimal comma: ',' and '.' trade places on input and output
-    bool histStack = true;      // entries are recorded in the history
-    bool tenKey = false;        // adding-machine entry: the sign follows its number
-    int32_t displayBase = 10;   // 10, 16 or 2
-    Deq unitDefs;               // one text "unit %s=%s" per user unit: name and definition
-    bool twosComp = false;      // two's complement display in hexadecimal and binary
-    bool useSeparator = false;  // group the integer digits in decimal display
-    char separatorChar = ',';   // the grouping character
-
+    Deq unitDefs;  // one text "unit %s=%s" per user unit: name and definition
     Answer answer; // the last one; previews, errors and messages leave it as it is
     CHistory history;
     Deq vars;              // the variables: "ans" first, then "pi"

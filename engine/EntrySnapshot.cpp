@@ -9,12 +9,7 @@ EntrySnapshot::EntrySnapshot(ZqCalculator& calculator) : calc(calculator), lastA
     Keep(calc.target);
     Keep(calc.answer);
     Keep(calc.lastName); // of a variable, which comes back as the same term
-    Keep(calc.degreeMode);
-    Keep(calc.sciMode);
-    Keep(calc.sigFigs);
-    Keep(calc.european);
-    Keep(calc.histStack);
-    Keep(calc.displayBase);
+    Keep<EntrySettings>(calc);
     Keep(calc.gospelShown);
     calc.variables.BeginChanges();
     calc.unitLines.BeginChanges();
