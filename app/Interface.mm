@@ -3,12 +3,11 @@
 
 #import "ConsoleScrollView.h"
 #import "HUDViewWithBlur.h"
-#import "ListPopUp.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"
-#import "NightTheme.h"
 #import "NumberField.h"
 #import "PelmoAppDelegate.h"
+#import "Platform.h"
 #import "ZqScroller.h"
 
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};

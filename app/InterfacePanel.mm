@@ -4,7 +4,6 @@
 #import "Interface.h"
 
 #import "MainConsole.h"
-#import "NightTheme.h"
 #import "NumberField.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"

@@ -222,6 +222,16 @@ static NSSize scaledSize(NSSize points) {
 
 // --- The sheets of some starts ---
 
+// Whether the user's locale writes decimals with a comma.
+static bool writesDecimalComma() {
+    NSNumberFormatter* const formatter = [[[NSNumberFormatter alloc] init] autorelease];
+    [formatter setFormatterBehavior:NSNumberFormatterBehavior10_4];
+    [formatter setNumberStyle:NSNumberFormatterDecimalStyle];
+    [formatter setMaximumFractionDigits:3]; // GNUstep begins with none
+    NSString* const text = [formatter stringFromNumber:[NSNumber numberWithDouble:6.7]];
+    return [text rangeOfString:@","].location != NSNotFound;
+}
+
 - (void)countStart {
     const int starts = [self setting:@"firstrun"];
     if (starts > 1) {
@@ -229,7 +239,7 @@ static NSSize scaledSize(NSSize points) {
         if (starts + 1 == 20 || starts + 1 == 100) [self offerReview];
         return;
     }
-    if (platformWritesDecimalComma()) {
+    if (writesDecimalComma()) {
         [self setSetting:@"european" to:1];
         [self setSetting:@"schar" to:'.'];
         [self applySettings];

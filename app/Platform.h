@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What macOS and GNUstep do differently, each in its own way. Views that GNUstep's own would not do for are in files of
-// their own (NightTheme, NightMenus, NightColorPanel, ListPopUp).
+// What macOS and GNUstep do differently. One of the folders macos/ and gnustep/ is compiled, and nothing else asks which.
 #ifndef TALLYQUILL_PLATFORM_H
 #define TALLYQUILL_PLATFORM_H
 
@@ -95,7 +94,25 @@ bool platformWindowManagerMoves();
 // Draws a vertical three-part image in a flipped view, `top` at the top as it is seen: source over, opaque.
 void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom);
 
-// Whether the user's locale writes decimals with a comma.
-bool platformWritesDecimalComma();
+// Makes controls, menus and panels dark, like the console. Call it after [NSApplication sharedApplication]. Nothing on
+// GNUstep when the person has chosen a theme with the default GSTheme.
+void useNightTheme();
+
+// Centres the labels of a segmented control; GNUstep's own stand a little to the right. To be called before the labels
+// are set.
+void centerSegmentLabels(NSSegmentedControl* control);
+
+// A colour well that shows whether it has the keyboard's focus and opens the color panel with the space bar and with
+// Return, which GNUstep's own does not.
+NSColorWell* makeColorWell();
+
+// A pull-down button with this title as its first item, whose list may be longer than the screen: the lists of
+// variables and functions have thousands of rows. Items are added to its menu; what stands behind a tab in an item's
+// title is a second column. macOS' own menus do that; on GNUstep:
+//
+// The list scrolls with the wheel and while the pointer is at its ends. Up, Down, Page Up, Page Down, Home and End
+// move in it, typed letters go to the first row that begins with them (after a pause of a second they begin anew),
+// Return chooses, Escape and a click elsewhere close it. Keys with Command close it and are carried out.
+NSPopUpButton* makeListPopUp(NSString* title);
 
 #endif

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
 // The calculator's window.
-#import "NightTheme.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 #import "Termination.h"

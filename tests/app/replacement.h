@@ -33,11 +33,9 @@ private:
     // The runtime of GNUstep changes the table of the class alone, and that of a subclass may be a copy. A method
     // that is added has all of them made anew; it has to be a new one every time.
     void tellSubclasses() const {
-#ifdef GNUSTEP
         static int count = 0;
         const std::string name = "replacement" + std::to_string(++count);
         class_addMethod(owner, sel_registerName(name.c_str()), original, method_getTypeEncoding(method));
-#endif
     }
 
     Method method;

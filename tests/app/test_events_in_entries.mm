@@ -5,10 +5,6 @@
 
 #import "replacement.h"
 
-#ifdef GNUSTEP
-#include <GNUstepGUI/GSDisplayServer.h>
-#endif
-
 // An object that counts how many of its kind there are.
 @interface CountedObject : NSObject
 @end
@@ -121,52 +117,3 @@ TEST_F(EventsInEntries, scriptsThatComeInAPauseRunBehindItInTheirOrder) {
     for (int i = 0; i < 100 && text().find("x = 21") == std::string::npos; i++) run(0.05);
     EXPECT_NE(text().find("x = 21"), std::string::npos) << text();
 }
-
-// --- Closing windows ---
-
-#ifdef GNUSTEP
-static void askToClose(NSWindow* window) {
-    [NSApp postEvent:[NSEvent otherEventWithType:NSAppKitDefined
-                                        location:NSZeroPoint
-                                   modifierFlags:0
-                                       timestamp:0
-                                    windowNumber:[window windowNumber]
-                                         context:nil
-                                         subtype:GSAppKitWindowClose
-                                           data1:0
-                                           data2:0]
-             atStart:NO];
-}
-
-TEST_F(EventsInEntries, onlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
-    NSWindow* const other = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 200, 100)
-                                                        styleMask:NSTitledWindowMask | NSClosableWindowMask
-                                                          backing:NSBackingStoreBuffered
-                                                            defer:NO];
-    [other setReleasedWhenClosed:NO];
-    [other orderFront:nil];
-    askToClose(other);
-    load("pause 50\nx=1\n");
-    EXPECT_NE(calc.VariableExists("x"), nullptr);
-    EXPECT_FALSE([other isVisible]);
-    askToClose(window);
-    load("pause 50\ny=1\n");
-    EXPECT_EQ(calc.VariableExists("y"), nullptr);
-    [other release];
-}
-
-// A million sines take some seconds when nothing ends them.
-TEST_F(EventsInEntries, theEndOfTheCalculatorsWindowEndsALongEntry) {
-    enter("d0(x)=sin(x)");
-    for (int level = 1; level <= 6; level++) {
-        const std::string call = "d" + std::to_string(level - 1) + "(x)";
-        std::string line = "d" + std::to_string(level) + "(x)=" + call;
-        for (int i = 1; i < 10; i++) line += "+" + call;
-        enter(line.c_str());
-    }
-    askToClose(window);
-    [console ProcessResult:"y=d6(1)":NO];
-    EXPECT_STREQ(calc.message, "** ERROR: interrupted **\n");
-    EXPECT_EQ(calc.VariableExists("y"), nullptr);
-}
-#endif

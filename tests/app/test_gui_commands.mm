@@ -19,7 +19,6 @@ Waits waits;                 // what waitMilliseconds: was asked for
 std::string queryAsked;      // what QueryWAConvert: was asked
 std::string textWhileAsking; // the transcript meanwhile
 NSString* queryAnswer = nil; // what it answers
-NSDictionary* environment = nil;
 
 BOOL recordWait(id, SEL, long milliseconds) {
     waits.push_back(milliseconds);
@@ -30,10 +29,6 @@ NSString* recordQuery(id self, SEL, const char* query) {
     queryAsked = query;
     textWhileAsking = [[self string] UTF8String];
     return queryAnswer;
-}
-
-id environmentOfPrograms(id, SEL) {
-    return environment;
 }
 
 // Another implementation of a method for as long as this lives.
@@ -300,25 +295,5 @@ TEST_F(Commands, withoutAnAddressThereIsNoPageToOpen) {
     enter("gospel");
     EXPECT_EQ(text(), "> gospel\nThere is no web page to open.\n\n> ");
 }
-
-#ifdef GNUSTEP
-TEST_F(Commands, gospelOpensThePageInTheBrowser) {
-    // A program of the name that opens pages, which writes down what it was given.
-    const std::string opener = home + "/xdg-open";
-    write(opener, "#!/bin/sh\nprintf %s \"$1\" >\"" + home + "/part\" && mv \"" + home + "/part\" \"" + home +
-                      "/opened\"\n");
-    ASSERT_EQ(chmod(opener.c_str(), 0700), 0);
-    NSString* const path = [NSString stringWithFormat:@"%s:/usr/bin:/bin", home.c_str()];
-    environment = [NSDictionary dictionaryWithObject:path forKey:@"PATH"];
-    const Replacement replacement([NSProcessInfo class], @selector(environment),
-                                  reinterpret_cast<IMP>(environmentOfPrograms));
-    setDefault(@"WebPageURL", @"http://page.invalid/a?b=c&d");
-    command("gospel");
-    EXPECT_EQ(text(), "> \n<<< opening URL >>>\n\n> ");
-    for (int i = 0; i < 200 && !exists(home + "/opened"); i++) run(0.05);
-    EXPECT_EQ(read(home + "/opened"), "http://page.invalid/a?b=c&d");
-    setDefault(@"WebPageURL", @"");
-}
-#endif
 
 } // namespace

@@ -19,52 +19,6 @@ TEST_F(Keys, theCodeOfTheKeyAndOfTheOneBeforeAreKept) {
     EXPECT_EQ(119U, prevKey);
 }
 
-#ifdef GNUSTEP
-TEST_F(Keys, charactersTellTheKeys) {
-    const struct {
-        unichar character;
-        NSUInteger flags;
-        uint32_t key;
-    } keys[] = {{'\r', 0, 36},
-                {'\n', 0, 36},
-                {'\r', NSNumericPadKeyMask, 76},
-                {'\n', NSNumericPadKeyMask, 76},
-                {3, 0, 76},
-                {'\t', 0, 48},
-                {25, NSShiftKeyMask, 48},
-                {27, 0, 53},
-                {8, 0, 51},
-                {127, 0, 51},
-                {NSDeleteFunctionKey, NSFunctionKeyMask, 117},
-                {NSHomeFunctionKey, NSFunctionKeyMask, 115},
-                {NSEndFunctionKey, NSFunctionKeyMask, 119},
-                {NSLeftArrowFunctionKey, NSFunctionKeyMask, 123},
-                {NSRightArrowFunctionKey, NSFunctionKeyMask, 124},
-                {NSDownArrowFunctionKey, NSFunctionKeyMask, 125},
-                {NSUpArrowFunctionKey, NSFunctionKeyMask, 126},
-                {'a', 0, 0},
-                {'A', NSShiftKeyMask, 0},
-                {1, NSControlKeyMask, 0},
-                {'c', NSControlKeyMask, 0xffff},
-                {'7', NSNumericPadKeyMask, 0xffff},
-                {NSPageUpFunctionKey, NSFunctionKeyMask, 0xffff}};
-    for (const auto& one : keys) {
-        NSString* const text = [NSString stringWithCharacters:&one.character length:1];
-        NSEvent* const event = [NSEvent keyEventWithType:NSKeyDown
-                                                location:NSZeroPoint
-                                           modifierFlags:one.flags
-                                               timestamp:0
-                                            windowNumber:[window windowNumber]
-                                                 context:[window graphicsContext]
-                                              characters:text
-                             charactersIgnoringModifiers:text
-                                               isARepeat:NO
-                                                 keyCode:99];
-        EXPECT_EQ(one.key, platformKeyCode(event)) << "character " << one.character;
-    }
-}
-#endif
-
 // --- Return ---
 
 TEST_F(Keys, returnAndKeypadEnterCommitTheEntry) {

@@ -28,17 +28,6 @@ NSString* pathOfTutorial(id, SEL, NSString* name, NSString* type) {
     return [name isEqualToString:@"tutorial"] && [type isEqualToString:@"script"] ? tutorialPath : nil;
 }
 
-std::vector<bool> madeAnew; // the panels for files
-
-NSInteger cancel(id self, SEL) {
-    madeAnew.push_back([self isOneShot]);
-    return NSCancelButton;
-}
-
-NSInteger cancelOpening(id self, SEL, NSArray*) {
-    return cancel(self, NULL);
-}
-
 NSString* fileOfPanel = nil;
 
 NSInteger pressSave(id, SEL) {
@@ -234,17 +223,6 @@ TEST_F(MenuBar, newClearsTheConsole) {
     choose("New");
     EXPECT_EQ(text(), "> ");
 }
-
-#ifdef GNUSTEP
-TEST_F(MenuBar, thePanelsForFilesAreMadeAnewAtEveryOpening) {
-    madeAnew.clear();
-    const Replaced save([NSSavePanel class], @selector(runModal), cancel);
-    const Replaced openPanel([NSOpenPanel class], @selector(runModalForTypes:), cancelOpening);
-    choose("Open Script...");
-    choose("Save Script...");
-    EXPECT_EQ(madeAnew, std::vector<bool>({true, true})) << "or they grow";
-}
-#endif
 
 TEST_F(MenuBar, displayChangesTheBaseAndChecksItsItem) {
     const char* const titles[] = {"Binary", "Decimal", "Hexadecimal"};

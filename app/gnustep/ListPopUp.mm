@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-#import "ListPopUp.h"
-
-#ifdef GNUSTEP
-
+//
+// A pull-down button whose list may be longer than the screen, where GNUstep's own menus end.
 #import "Platform.h"
 
 #include <algorithm>
@@ -484,16 +482,8 @@ static NSPoint placeOnScreen(NSEvent* event) {
 
 @end
 
-typedef ListPopUp PopUp;
-
-#else
-
-typedef NSPopUpButton PopUp;
-
-#endif
-
 NSPopUpButton* makeListPopUp(NSString* title) {
-    PopUp* const button = [[[PopUp alloc] initWithFrame:NSZeroRect pullsDown:YES] autorelease];
+    ListPopUp* const button = [[[ListPopUp alloc] initWithFrame:NSZeroRect pullsDown:YES] autorelease];
     [button addItemWithTitle:title];
     return button;
 }

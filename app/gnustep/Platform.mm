@@ -10,21 +10,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
-#ifdef GNUSTEP
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
-#endif
-
-bool platformWritesDecimalComma() {
-    NSNumberFormatter* const formatter = [[[NSNumberFormatter alloc] init] autorelease];
-    [formatter setFormatterBehavior:NSNumberFormatterBehavior10_4];
-    [formatter setNumberStyle:NSNumberFormatterDecimalStyle];
-    [formatter setMaximumFractionDigits:3]; // GNUstep begins with none
-    NSString* const text = [formatter stringFromNumber:[NSNumber numberWithDouble:6.7]];
-    return [text rangeOfString:@","].location != NSNotFound;
-}
-
-#ifdef GNUSTEP
 
 // What waits in front of it, the focus coming and going, is dealt with.
 bool platformCloseIsWaiting(NSWindow* window) {
@@ -236,79 +223,3 @@ bool platformWindowManagerMoves() {
 void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom) {
     NSDrawThreePartImage(frame, bottom, fill, top, YES, NSCompositeSourceOver, 1, NO);
 }
-
-#else
-
-bool platformCloseIsWaiting(NSWindow*) {
-    return false;
-}
-
-bool platformTakeEarlyRelease() {
-    return false;
-}
-
-uint32_t platformKeyCode(NSEvent* event) {
-    return [event keyCode];
-}
-
-void platformRegisterDefaults() {}
-
-bool platformHasDisplay() {
-    return true;
-}
-
-void platformAfterLaunch() {
-    setlocale(LC_NUMERIC, "C");
-}
-
-NSString* platformSupportFolder() {
-    NSArray* const folders =
-        NSSearchPathForDirectoriesInDomains(NSApplicationSupportDirectory, NSUserDomainMask, YES);
-    return [folders count] > 0 ? [folders objectAtIndex:0] : nil;
-}
-
-bool platformMakeFolder(NSString* path) {
-    return [[NSFileManager defaultManager] createDirectoryAtPath:path
-                                     withIntermediateDirectories:NO
-                                                      attributes:nil
-                                                           error:NULL];
-}
-
-NSArray* platformFileArguments(int, const char* const*) {
-    return @[];
-}
-
-bool platformOpenPage(NSString* address) {
-    NSURL* const page = [address length] == 0 ? nil : [NSURL URLWithString:address];
-    return page && [[NSWorkspace sharedWorkspace] openURL:page];
-}
-
-NSStatusBar* platformStatusBar() {
-    return [NSStatusBar systemStatusBar];
-}
-
-void platformHide(NSWindow*) {
-    [NSApp hide:nil];
-}
-
-void platformKeepAbove(NSWindow*, bool) {}
-
-void platformWillOpenPanel(NSSavePanel*) {}
-
-NSString* platformSheetText(NSString* text) {
-    return text;
-}
-
-CGFloat platformScale() {
-    return 1;
-}
-
-bool platformWindowManagerMoves() {
-    return false;
-}
-
-void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom) {
-    NSDrawThreePartImage(frame, top, fill, bottom, YES, NSCompositeSourceOver, 1, YES);
-}
-
-#endif

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#import "NightTheme.h"
-
-#ifdef GNUSTEP
+//
+// How controls, menus and panels look: flat and dark, like the console.
+#import "Platform.h"
 
 #import "ZqScroller.h"
 
@@ -345,20 +345,3 @@ void useNightTheme() {
 void centerSegmentLabels(NSSegmentedControl* control) {
     [control setCell:[[[CenteredSegmentedCell alloc] init] autorelease]];
 }
-
-#else
-
-void useNightTheme() {
-    // Since 10.14; before, the controls are light.
-    NSAppearance* const dark = [NSAppearance appearanceNamed:@"NSAppearanceNameDarkAqua"];
-    const SEL set = NSSelectorFromString(@"setAppearance:");
-    if (dark && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:dark];
-}
-
-void centerSegmentLabels(NSSegmentedControl*) {}
-
-NSColorWell* makeColorWell() {
-    return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
-}
-
-#endif

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // "Keep above other windows": what the window manager is asked for.
-#import "panel_fixture.h"
+#import "../panel_fixture.h"
 
+#import "../replacement.h"
 #import "PelmoAppDelegate.h"
-#import "replacement.h"
-
-#ifdef GNUSTEP
 
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
@@ -113,5 +111,3 @@ TEST_F(KeepAbove, anotherWindowComesInFrontOfIt) {
 }
 
 } // namespace
-
-#endif

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Long lists behind a button: the pointer, the wheel and the keys in them.
-#import "console_fixture.h"
-#import "replacement.h"
-
-#import "ListPopUp.h"
-
-#ifdef GNUSTEP
+#import "../console_fixture.h"
+#import "../replacement.h"
 
 @interface ListTarget : NSObject {
 @public
@@ -345,5 +341,3 @@ TEST_F(ListPopUpTest, anEmptyListDoesNotOpen) {
 }
 
 } // namespace
-
-#endif

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// Menus at the mouse.
+// Menus at the mouse, and how menus write keys.
 #import "Platform.h"
 
-#ifdef GNUSTEP
-
 #include <cmath>
+
+// --- Menus at the mouse ---
 
 static const NSTimeInterval LOOK = 0.03; // seconds between two looks at where the mouse is
 static const CGFloat MOVED = 4;          // points: less is a click, which leaves the menu open
@@ -86,10 +86,37 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
     if (chosen >= 0 && [[menu itemAtIndex:chosen] isEnabled]) [menu performActionForItemAtIndex:chosen];
 }
 
-#else
+// --- How keys are written ---
 
-void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
-    [NSMenu popUpContextMenu:menu withEvent:event forView:view];
+// As they stand on the keyboard: "Alt+Shift+S" where GNUstep would write "Alt+S", and "Alt+S" for "Alt+s". The names of
+// the modifiers are GNUstep's defaults (platformRegisterDefaults()).
+
+static NSString* nameOfModifier(NSString* setting, NSString* usual) {
+    NSString* const name = [[NSUserDefaults standardUserDefaults] stringForKey:setting];
+    return name ? name : usual;
 }
 
-#endif
+@interface NSMenuItemCell (NightMenus)
+- (NSString*)_keyEquivalentString;
+@end
+
+@implementation NSMenuItemCell (NightMenus)
+
+// In place of GNUstep's own: what is measured and drawn at the right of an item.
+- (NSString*)_keyEquivalentString {
+    NSString* const key = [[self menuItem] keyEquivalent];
+    if ([key length] == 0) return @"";
+    const NSUInteger flags = [[self menuItem] keyEquivalentModifierMask];
+    NSString* const capital = [key uppercaseString];
+    const bool isCapital = [key isEqualToString:capital] && ![key isEqualToString:[key lowercaseString]];
+    NSMutableString* const text = [NSMutableString string];
+    if (flags & NSControlKeyMask) [text appendString:nameOfModifier(@"GSControlKeyString", @"Ctrl+")];
+    if (flags & NSAlternateKeyMask) [text appendString:nameOfModifier(@"GSAlternateKeyString", @"Option+")];
+    if (flags & NSCommandKeyMask) [text appendString:nameOfModifier(@"GSCommandKeyString", @"Alt+")];
+    if (isCapital || (flags & NSShiftKeyMask))
+        [text appendString:nameOfModifier(@"GSShiftKeyString", @"Shift+")];
+    [text appendString:capital];
+    return text;
+}
+
+@end

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The looks on GNUstep. macOS has its own.
-#import "console_fixture.h"
+#import "../console_fixture.h"
 
-#import "NightTheme.h"
 #import "Platform.h"
 #import "ZqScroller.h"
 
 #include <string>
-
-#ifdef GNUSTEP
 
 #import <GNUstepGUI/GSTheme.h>
 
@@ -74,5 +71,3 @@ TEST_F(Theme, KeepsAsMuchRoomForScrollersAsTheyDraw) {
 }
 
 } // namespace
-
-#endif

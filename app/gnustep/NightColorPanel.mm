@@ -3,8 +3,6 @@
 // GNUstep's color panel on dark ground.
 #import <AppKit/AppKit.h>
 
-#ifdef GNUSTEP
-
 #import <objc/runtime.h>
 
 // --- The sliders of the color components ---
@@ -70,5 +68,3 @@ static void makeTitlesLegible() {
 }
 
 @end
-
-#endif

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+//
+// What Platform.h asks for, on macOS.
+#import "Platform.h"
+
+#include <clocale>
+
+bool platformCloseIsWaiting(NSWindow*) {
+    return false;
+}
+
+bool platformTakeEarlyRelease() {
+    return false;
+}
+
+uint32_t platformKeyCode(NSEvent* event) {
+    return [event keyCode];
+}
+
+void platformRegisterDefaults() {}
+
+bool platformHasDisplay() {
+    return true;
+}
+
+void platformAfterLaunch() {
+    setlocale(LC_NUMERIC, "C");
+}
+
+NSString* platformSupportFolder() {
+    NSArray* const folders =
+        NSSearchPathForDirectoriesInDomains(NSApplicationSupportDirectory, NSUserDomainMask, YES);
+    return [folders count] > 0 ? [folders objectAtIndex:0] : nil;
+}
+
+bool platformMakeFolder(NSString* path) {
+    return [[NSFileManager defaultManager] createDirectoryAtPath:path
+                                     withIntermediateDirectories:NO
+                                                      attributes:nil
+                                                           error:NULL];
+}
+
+NSArray* platformFileArguments(int, const char* const*) {
+    return @[];
+}
+
+bool platformOpenPage(NSString* address) {
+    NSURL* const page = [address length] == 0 ? nil : [NSURL URLWithString:address];
+    return page && [[NSWorkspace sharedWorkspace] openURL:page];
+}
+
+NSStatusBar* platformStatusBar() {
+    return [NSStatusBar systemStatusBar];
+}
+
+void platformHide(NSWindow*) {
+    [NSApp hide:nil];
+}
+
+void platformKeepAbove(NSWindow*, bool) {}
+
+void platformWillOpenPanel(NSSavePanel*) {}
+
+NSString* platformSheetText(NSString* text) {
+    return text;
+}
+
+CGFloat platformScale() {
+    return 1;
+}
+
+bool platformWindowManagerMoves() {
+    return false;
+}
+
+void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom) {
+    NSDrawThreePartImage(frame, top, fill, bottom, YES, NSCompositeSourceOver, 1, YES);
+}
+
+void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
+    [NSMenu popUpContextMenu:menu withEvent:event forView:view];
+}
+
+void useNightTheme() {
+    // Since 10.14; before, the controls are light.
+    NSAppearance* const dark = [NSAppearance appearanceNamed:@"NSAppearanceNameDarkAqua"];
+    const SEL set = NSSelectorFromString(@"setAppearance:");
+    if (dark && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:dark];
+}
+
+void centerSegmentLabels(NSSegmentedControl*) {}
+
+NSColorWell* makeColorWell() {
+    return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+}
+
+NSPopUpButton* makeListPopUp(NSString* title) {
+    NSPopUpButton* const button = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect
+                                                              pullsDown:YES] autorelease];
+    [button addItemWithTitle:title];
+    return button;
+}
