@@ -8,6 +8,8 @@ PREFIX ?= /usr/local
 # The build people run needs no test library; the options are given each time, since CMake remembers them.
 configure_plain = cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=OFF
 configure_tests = cmake --preset $(1) -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=OFF
+# Nothing is built for the linters, so precompiled headers would be missing.
+configure_lint = $(call configure_tests,release) -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
 compile = cmake --build --preset $(1) -j $(JOBS)
 
 bundle = build/release/bin/Tallyquill.app
@@ -20,7 +22,7 @@ define build_and_test
 endef
 
 .NOTPARALLEL:
-.PHONY: help deps build run test release gcc sanitize lint lint-program format bench install clean
+.PHONY: help deps build run test gcc sanitize lint lint-program format bench install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' Makefile
@@ -40,25 +42,23 @@ run: ## build and open the calculator: its window, or the console in this termin
 	@{ $(configure_plain) && $(call compile,release); } </dev/null >build/run.log 2>&1 || { cat build/run.log >&2; exit 1; }
 	@scripts/run.sh $(window) build/release/bin/tallyquill
 
-test: deps lint-program release gcc sanitize ## lint but for the tests' clang-tidy, then build and test: release, g++, sanitizers
-
-release: deps ## build with optimization and test
+test: deps ## build what people run and pass all its tests
 	$(call build_and_test,release)
 
-gcc: deps ## build with g++ and test
+gcc: deps ## build with g++, without the window, and test
 	$(call build_and_test,gcc)
 
 sanitize: deps ## build with the address and undefined-behaviour sanitizers and test
 	$(call build_and_test,sanitize)
 
 lint: deps ## check format and licence lines, run cppcheck and clang-tidy
-	$(call configure_tests,release) </dev/null
-	scripts/lint.sh build/release $(JOBS)
+	$(configure_lint) </dev/null
+	scripts/lint.sh build/lint $(JOBS)
 
 # Reading the tests with clang-tidy takes as long as a build with all tests.
 lint-program: deps
-	$(call configure_tests,release) </dev/null
-	scripts/lint.sh build/release $(JOBS) '^(qfloat|units|engine|store|web|terminal)/'
+	$(configure_lint) </dev/null
+	scripts/lint.sh build/lint $(JOBS) '^(qfloat|units|engine|store|web|terminal)/'
 
 format: deps ## rewrite the sources in the project's format
 	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i
