@@ -208,6 +208,21 @@ int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
     return state;
 }
 
+int ZqCalculator::VerifyTermsSyntax() {
+    if (CheckVariableNames() != 0 || syntax.Check(terms) != 0) return STATUS_ERROR;
+    opCount = terms.CountNumberOfOperators();
+    return 0;
+}
+
+void ZqCalculator::OrderOperatorStack() {
+    std::vector<node*> nodes;
+    for (node* term = terms.first; term; term = term->next) nodes.push_back(term);
+    work.ordered += nodes.size();
+    node** next = opOrder;
+    for (int32_t position : orderOperators(terms)) *next++ = nodes[static_cast<size_t>(position)];
+    *next = nullptr;
+}
+
 int ZqCalculator::EvaluateTerms() {
     // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
     // the first operation.

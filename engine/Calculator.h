@@ -17,6 +17,8 @@
 #include "Outcome.h"
 #include "Settings.h"
 #include "Statement.h"
+#include "Syntax.h"
+#include "WorkCounters.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -60,18 +62,6 @@ struct Answer {
     qfloat value = {};
     Notation notation; // in which it was written
     std::string shown; // the value as it was written; empty: there has been no answer yet
-};
-
-// How much work the last statement took. Tests hold these against the number of terms.
-struct WorkCounters {
-    uint64_t checked = 0; // terms visited by VerifyTermsSyntax
-    uint64_t ordered = 0; // terms visited by OrderOperatorStack
-    uint64_t reduced = 0; // operators applied by ProcTermsLoop
-    uint64_t copied = 0;  // terms copied by expanding the calls of functions
-    uint64_t listed = 0;  // terms of definitions that commands wrote out
-    uint64_t names = 0;   // variables whose names were checked
-    uint64_t indexed = 0; // variables and units' lines put into the index of their names or taken out
-    uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
 };
 
 class ZqCalculator : public EntrySettings, public Statement, public Outcome {
@@ -199,9 +189,10 @@ private:
 
     std::string nameInDefinition;                           // the function whose body is being read
     std::unordered_set<std::string> parametersInDefinition; // of the same function
-    std::vector<node*> expanded; // operators of expanded calls still to be applied, the next one last
-    bool gospelShown = false;    // the next "gospel" opens the page
-    std::string entryLine;       // the full entry that runs, or ran last
+    std::vector<node*> expanded;  // operators of expanded calls still to be applied, the next one last
+    std::vector<node*> bodyTerms; // those that a call just copied
+    bool gospelShown = false;     // the next "gospel" opens the page
+    std::string entryLine;        // the full entry that runs, or ran last
 
     // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
     // long texts copied by the statement.
@@ -245,10 +236,7 @@ private:
     bool IsValueName(const std::string& name);
 
     int CheckVariableNames();
-    int CheckDepths();
-    int CheckOperands();
-    void RaiseUnaryMinus();
-    std::vector<node*> OrderOperators(node* first, const node* end, int32_t lowest);
+    Syntax syntax{*this, work};
 
     node* NextOperator(node**& next);
     int ConversionFactor(const char* from, const char* to, qfloat value);

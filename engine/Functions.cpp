@@ -3,6 +3,7 @@
 
 #include "Calculator.h"
 #include "Helpers_String.h"
+#include "Syntax.h"
 
 #include <algorithm>
 #include <cstring>
@@ -170,6 +171,7 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         function->body = new Deq;
         body->CopyTo(function->body);
         bindParameters(function);
+        function->order = orderOperators(*function->body);
     }
     Insert(function, ++lastNumber);
     if (recording) changes.push_back({function, lastNumber, true});

@@ -21,8 +21,10 @@ struct Function {
     int32_t argCount = 0; // number of parameters
     Deq* body = nullptr;  // owned; the parsed right-hand side, null for a predefined function
 
-    // For every term of the body: the position of the parameter it names, or -1. Filled by AddFunction.
+    // What a call knows of the body without reading it again: for every term the position of the parameter that it
+    // names, or -1; and the positions of the operators in the order in which they are applied. Filled by AddFunction.
     std::vector<int32_t> parameters;
+    std::vector<int32_t> order;
 
     Function() = default;
     ~Function();

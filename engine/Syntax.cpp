@@ -1,72 +1,45 @@
 // SPDX-License-Identifier: MIT
-//
-// The check of a statement's terms, and the order in which their operators are applied.
-#include "Calculator.h"
+#include "Syntax.h"
+
+#include "Outcome.h"
+#include "WorkCounters.h"
 
 #include <algorithm>
+#include <numeric>
 
-int ZqCalculator::VerifyTermsSyntax() {
-    if (CheckVariableNames() != 0) return STATUS_ERROR;
-    opCount = 0;
-    if (!terms.first) return 0;
-    if (CheckDepths() != 0 || CheckOperands() != 0) return STATUS_ERROR;
-    RaiseUnaryMinus();
-    opCount = terms.CountNumberOfOperators();
-    return 0;
-}
-
-// Walks the variables only when some were put in since the last walk; the engine's own have valid names.
-int ZqCalculator::CheckVariableNames() {
-    if (checkedVariables == vars.insertions) return 0;
-    for (node* variable = vars.first; variable; variable = variable->next) {
-        work.names++;
-        if (variable->text && IsValidVariable(variable->text)) continue;
-        Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
-        if (fullEntry) DeleteVariable(variable);
-        return STATUS_ERROR;
-    }
-    checkedVariables = vars.insertions;
-    return 0;
-}
-
-// Both parentheses of a pair carry the depth of what they enclose.
-int ZqCalculator::CheckDepths() {
+int Syntax::CheckDepths(const Deq& terms) {
     int32_t depth = 0;
-    for (node* term = terms.first; term; term = term->next) {
+    for (node* term = terms.first; term && depth >= 0; term = term->next) {
         work.checked++;
         if (term->type == OP_OPEN) {
-            if (term->next && term->next->type == OP_CLOSE) return Fail("** ERROR: empty parenthesis **\n");
+            if (term->next && term->next->type == OP_CLOSE) {
+                return outcome.Fail("** ERROR: empty parenthesis **\n");
+            }
             depth++;
         }
         term->level = depth;
         if (term->type == OP_CLOSE) depth--;
-        if (depth < 0) break;
     }
-    return depth == 0 ? 0 : Fail("** ERROR: missing parenthesis **\n");
+    return depth == 0 ? 0 : outcome.Fail("** ERROR: missing parenthesis **\n");
 }
 
-// Whether an operand ends here: what follows '!' or ')' has its left operand.
+// Whether an operand is still to come: what follows '!' or ')' has its left operand.
 static bool isOpenEnded(const node* term) {
     return isOp(term->type) && term->type != OP_FACTORIAL && term->type != OP_CLOSE;
 }
 
-int ZqCalculator::CheckOperands() {
-    for (const node* term = terms.first; term; term = term->next) {
-        work.checked++;
-        if (!isOp(term->type)) continue;
-        const OpEntry& op = getOp(term->type);
-        if (op.needsLeft && !term->prev)
-            return Fail("** ERROR 1: operator '%s' missing argument **\n", {op.text});
-        if (op.needsLeft && isOpenEnded(term->prev)) {
-            return Fail("** ERROR 2: operator '%s' missing argument **\n", {op.text});
-        }
-        if (op.needsRight && !term->next)
-            return Fail("** ERROR 3: operator '%s' missing argument **\n", {op.text});
-        if (op.needsRight && term->next->type == OP_CLOSE) {
-            return Fail("** ERROR 4: operator '%s' missing argument **\n", {op.text});
-        }
-    }
-    return 0;
+int Syntax::CheckOperands(const node* term) {
+    const OpEntry& op = getOp(term->type);
+    const char* number = nullptr;
+    if (op.needsLeft && !term->prev)
+        number = "1";
+    else if (op.needsLeft && isOpenEnded(term->prev))
+        number = "2";
+    else if (op.needsRight && !term->next)
+        number = "3";
+    else if (op.needsRight && term->next->type == OP_CLOSE)
+        number = "4";
+    return number ? outcome.Fail("** ERROR %s: operator '%s' missing argument **\n", {number, op.text}) : 0;
 }
 
 // Whether a '-' behind this term negates before the term's operator is applied. Operators of precedence 0
@@ -84,60 +57,49 @@ static const node* groupBehind(const node* minus) {
     return term && term->type == OP_OPEN ? term : nullptr;
 }
 
-// Raises each '-' that must act before the operator on its left, with the group it negates, in one walk: a
-// raise holds until the group's ')'.
-void ZqCalculator::RaiseUnaryMinus() {
-    std::vector<bool> isRaised; // for every open '(': whether its group is raised
-    const node* raisedGroup = nullptr;
-    int32_t raise = 0;
+int Syntax::Check(const Deq& terms) {
+    if (CheckDepths(terms) != 0) return STATUS_ERROR;
+    std::vector<int32_t> raised; // the depths of the raised groups that are open
+    const node* toRaise = nullptr;
     for (node* term = terms.first; term; term = term->next) {
         work.checked++;
-        if (term->type == OP_OPEN) {
-            isRaised.push_back(term == raisedGroup);
-            if (term == raisedGroup) raise++;
-        }
-        term->level += raise;
-        if (term->type == OP_CLOSE) {
-            if (isRaised.back()) raise--;
-            isRaised.pop_back();
-        } else if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
+        const int32_t depth = term->level;
+        if (term == toRaise) raised.push_back(depth);
+        term->level += static_cast<int32_t>(raised.size());
+        if (!isOp(term->type)) continue;
+        if (CheckOperands(term) != 0) return STATUS_ERROR;
+        if (term->type == OP_CLOSE && !raised.empty() && raised.back() == depth) raised.pop_back();
+        if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
             term->level++;
-            raisedGroup = groupBehind(term);
+            toRaise = groupBehind(term);
         }
     }
+    return 0;
 }
 
-// A bucket pass: the operators are gathered by precedence, then dealt out by level, so that the work grows
-// with the number of terms and not with levels times precedences. `lowest` is the lowest level among them.
-std::vector<node*> ZqCalculator::OrderOperators(node* first, const node* end, int32_t lowest) {
-    std::vector<node*> byPrecedence[MAX_PRECEDENCE + 1];
-    std::vector<size_t> position; // by level: first the number of operators, then the place of the next one
-    const auto row = [lowest](const node* term) {
-        return static_cast<size_t>(std::max(term->level - lowest, 0));
+// Counts how many operators each level and precedence has, and deals them out: the work grows with the number of
+// terms, whatever their levels.
+std::vector<int32_t> orderOperators(const Deq& terms) {
+    constexpr int32_t ROWS = MAX_PRECEDENCE + 1;
+    struct Operator {
+        int32_t position;
+        int32_t key; // greater for what is applied earlier, but for the places in the list
     };
-    for (node* term = first; term != end; term = term->next) {
-        work.ordered++;
-        const int precedence = getOp(term->type).precedence;
+    std::vector<Operator> operators;
+    int32_t position = 0;
+    int32_t highest = 0;
+    for (const node* term = terms.first; term; term = term->next, position++) {
+        const int32_t precedence = getOp(term->type).precedence;
         if (precedence == 0 || term->type == OP_CLOSE) continue;
-        if (row(term) >= position.size()) position.resize(row(term) + 1);
-        position[row(term)]++;
-        byPrecedence[precedence].push_back(term);
+        const int32_t key = std::max(term->level, 0) * ROWS + MAX_PRECEDENCE - precedence;
+        operators.push_back({position, key});
+        highest = std::max(highest, key);
     }
-    size_t total = 0;
-    for (size_t level = position.size(); level-- > 0;) {
-        const size_t number = position[level];
-        position[level] = total;
-        total += number;
-    }
-    std::vector<node*> order(total);
-    for (const auto& operators : byPrecedence) {
-        for (node* term : operators) order[position[row(term)]++] = term;
-    }
+    std::vector<size_t> places(static_cast<size_t>(highest) + 2);
+    const auto place = [&](const Operator& op) { return places.begin() + (highest - op.key); };
+    for (const Operator& op : operators) place(op)[1]++;
+    std::partial_sum(places.begin(), places.end(), places.begin());
+    std::vector<int32_t> order(operators.size());
+    for (const Operator& op : operators) order[(*place(op))++] = op.position;
     return order;
-}
-
-void ZqCalculator::OrderOperatorStack() {
-    const std::vector<node*> order = OrderOperators(terms.first, nullptr, 0);
-    std::copy(order.begin(), order.end(), opOrder);
-    opOrder[order.size()] = nullptr;
 }

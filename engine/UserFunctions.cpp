@@ -98,6 +98,7 @@ int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters
     if (!terms.first) return Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms);
     if (!function) return Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});
+    work.ordered += static_cast<uint64_t>(terms.count);
     ShowDefinition(function->ToString());
     return STATUS_MESSAGE;
 }
@@ -143,19 +144,23 @@ int ZqCalculator::CheckCall(const Call& call, const Function* function) {
     return Spend(0, number);
 }
 
-// Puts the body in front of the call's ')', with the arguments in the places of the parameters. An argument's
-// own name is no parameter any more.
+// Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its operators
+// before those that are still to be applied. An argument's own name is no parameter any more.
 int ZqCalculator::CopyBody(const Call& call, const Function* function) {
-    size_t i = 0;
-    for (const node* term = function->body->first; term; term = term->next, i++) {
-        const int32_t parameter = function->parameters[i];
+    bodyTerms.clear();
+    for (const node* term = function->body->first; term; term = term->next) {
+        const int32_t parameter = function->parameters[bodyTerms.size()];
         const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
         node* copy = terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
+        bodyTerms.push_back(copy);
         if (isLong(copy->text)) longTexts += strlen(copy->text);
         if (longTexts > MAX_LONG_TEXTS) {
             return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
         }
     }
+    const auto& order = function->order;
+    for (auto op = order.rbegin(); op != order.rend(); ++op)
+        expanded.push_back(bodyTerms[static_cast<size_t>(*op)]);
     return 0;
 }
 
@@ -169,13 +174,9 @@ node* ZqCalculator::ExpandFunction(const Call& call) {
     const Function* function = funcs.FunctionExists(call.Name(), static_cast<int32_t>(call.arguments.size()));
     if (CheckCall(call, function) != 0) return nullptr;
     node* lastArgument = call.close->prev;
-    if (CopyBody(call, function) != 0) return nullptr;
-    node* body = lastArgument->next;
-    while (body->prev != call.open) terms.Del(body->prev);
-
-    const std::vector<node*> order = OrderOperators(body, call.close, call.open->level);
     expanded.push_back(call.open);
-    expanded.insert(expanded.end(), order.rbegin(), order.rend());
+    if (CopyBody(call, function) != 0) return nullptr;
+    for (node* body = lastArgument->next; body->prev != call.open;) terms.Del(body->prev);
     reorder = 1;
     node* before = terms.Del(call.function);
     return before ? before : terms.first;

@@ -68,6 +68,20 @@ void ZqCalculator::DeleteVariable(node* variable) {
     variables.Delete(variable);
 }
 
+// Walks the variables only when some were put in since the last walk; the engine's own have valid names.
+int ZqCalculator::CheckVariableNames() {
+    if (checkedVariables == vars.insertions) return 0;
+    for (node* variable = vars.first; variable; variable = variable->next) {
+        work.names++;
+        if (variable->text && IsValidVariable(variable->text)) continue;
+        Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
+        if (fullEntry) DeleteVariable(variable);
+        return STATUS_ERROR;
+    }
+    checkedVariables = vars.insertions;
+    return 0;
+}
+
 void ZqCalculator::InitializeVarsList() {
     ForgetVariables();
     AddVariable("ans", qzero);

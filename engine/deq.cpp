@@ -3,15 +3,14 @@
 
 #include "Helpers_String.h"
 
-#include <array>
 #include <cstdio>
 #include <cstring>
 
-const char* const CVstr = "\x11";
-const char* const CVSstr = "\x10";
+constexpr const char* CVstr = "\x11";
+constexpr const char* CVSstr = "\x10";
 
 // Two-character operators come before the one-character operators that begin them.
-const OpEntry ops[] = {
+constexpr OpEntry ops[] = {
     {"&&", OP_LOGICAL_AND, 13, 1, 1},  {"||", OP_LOGICAL_OR, 14, 1, 1},
     {">>", OP_SHIFT_RIGHT, 7, 1, 1},   {"<<", OP_SHIFT_LEFT, 7, 1, 1},
     {">=", OP_GREATER_EQUAL, 8, 1, 1}, {"<=", OP_LESS_EQUAL, 8, 1, 1},
@@ -27,38 +26,42 @@ const OpEntry ops[] = {
     {",", OP_COMMA, 0, 0, 0},          {"", 0, 0, 0, 0},
 };
 
-constexpr size_t OPERATOR_COUNT = sizeof ops / sizeof ops[0] - 1;
-
 namespace {
 
-// Position in the table by code, so that looking up a term's operator does not search.
-std::array<uint8_t, OP_LOGICAL_OR + 1> makeIndex() {
-    std::array<uint8_t, OP_LOGICAL_OR + 1> index{};
-    index.fill(OPERATOR_COUNT);
-    for (size_t i = 0; i < OPERATOR_COUNT; i++)
-        index[static_cast<size_t>(ops[i].code)] = static_cast<uint8_t>(i);
-    return index;
+constexpr uint8_t OPERATOR_COUNT = sizeof ops / sizeof ops[0] - 1;
+
+// Looking up an operator does not search.
+struct Index {
+    uint8_t byCode[OP_LOGICAL_OR + 1] = {};
+    bool begins[256] = {}; // whether an operator begins with this character
+};
+
+constexpr Index makeIndex() {
+    Index made;
+    for (uint8_t& position : made.byCode) position = OPERATOR_COUNT;
+    for (uint8_t i = 0; i < OPERATOR_COUNT; i++) {
+        made.byCode[ops[i].code] = i;
+        made.begins[static_cast<uint8_t>(ops[i].text[0])] = true;
+    }
+    return made;
 }
+
+constexpr Index operatorIndex = makeIndex();
 
 } // namespace
 
 const OpEntry& getOp(int32_t code) {
-    static const std::array<uint8_t, OP_LOGICAL_OR + 1> index = makeIndex();
-    if (code < 0 || code > OP_LOGICAL_OR) return ops[OPERATOR_COUNT];
-    return ops[index[static_cast<size_t>(code)]];
+    return ops[code < 0 || code > OP_LOGICAL_OR ? OPERATOR_COUNT : operatorIndex.byCode[code]];
 }
 
 int isOp(const char* text) {
+    if (!operatorIndex.begins[static_cast<uint8_t>(text[0])]) return 0;
     for (const OpEntry* entry = ops; entry->code != 0; entry++) {
         if (entry->text[0] != text[0]) continue;
         if (entry->code == OP_NOT_EQUAL && text[1] == '=' && text[2] == '=') continue; // 3!==6: a factorial
         if (entry->text[1] == '\0' || entry->text[1] == text[1]) return entry->code;
     }
     return 0;
-}
-
-bool isOp(int32_t type) {
-    return type == TERM_DONE || getOp(type).code != 0;
 }
 
 node::~node() {

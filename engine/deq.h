@@ -2,8 +2,7 @@
 //
 // Terms of an expression, the doubly linked list that holds them, and the operator table.
 // The same list holds variables, function parameters and bodies, and unit definitions.
-#ifndef TALLYQUILL_DEQ_H
-#define TALLYQUILL_DEQ_H
+#pragma once
 
 #include "qfloat.h"
 
@@ -72,7 +71,9 @@ const OpEntry& getOp(int32_t code);
 int isOp(const char* text);
 
 // Whether a term type is an operator: every code of the table, and TERM_DONE.
-bool isOp(int32_t type);
+inline bool isOp(int32_t type) {
+    return type < TERM_NAME ? getOp(type).code != 0 : type == TERM_DONE;
+}
 
 // One term.
 struct node {
@@ -147,5 +148,3 @@ public:
     // How many terms are operators: neither names, function names nor numbers.
     int32_t CountNumberOfOperators() const;
 };
-
-#endif
