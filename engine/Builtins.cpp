@@ -229,13 +229,13 @@ int ZqCalculator::CallLogarithm(const char* name, const qfloat x, qfloat value) 
     }
     qlog(x, value);
     if (strIsEqual(name, "ln")) return 0;
-    if (SpendWork(DEAR_WORK) != 0) return STATUS_ERROR;
+    if (Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
     divideByLogarithm(base, value);
     return 0;
 }
 
 int ZqCalculator::CallPredefined(const char* name, const qfloat x, qfloat value) {
-    if (SpendWork(DEAR_WORK) != 0) return STATUS_ERROR;
+    if (Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
     if (isLogarithm(name)) return CallLogarithm(name, x, value);
     const Predefined* function = findPredefined(name);
     if (function->compute == qsqrt && isNegative(x)) {

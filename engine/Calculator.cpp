@@ -25,14 +25,11 @@ static size_t countDigits(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }));
 }
 
-// What showing a result costs a preview, in reductions: the digits take as long as some sums. Those of a large
-// number cost a unit for each group of its bits.
-constexpr uint64_t RESULT_REDUCTIONS = 50;
-constexpr uint32_t BITS_PER_WORK = 32;
 constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
 
-static uint64_t longNumberWork(const qfloat value) {
-    return value[1] > EXPONENT_OF_HALF ? (value[1] - EXPONENT_OF_HALF) / BITS_PER_WORK : 0;
+static uint64_t workOfShowing(const qfloat value) {
+    const uint64_t bits = value[1] > EXPONENT_OF_HALF ? value[1] - EXPONENT_OF_HALF : 0;
+    return Cost::SHOWN_RESULT + bits / Cost::SHOWN_BITS;
 }
 
 // The line an empty entry repeats: only one that assigned, or used the last answer.
@@ -49,7 +46,7 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     const int32_t statusBefore = status;
     fullEntry = !quick;
     interrupted = false;
-    spentWork = 0;
+    budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
@@ -62,6 +59,7 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     } else {
         RunStatements(statements);
     }
+    budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
     if (quick) status = statusBefore; // an empty line asks what the last entry answered
@@ -88,7 +86,7 @@ void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
     for (const std::string& statement : statements) {
         resultLine[0] = '\0';
         overflowed = false;
-        status = BeginStatement();
+        status = AskForInterruption();
         if (status == STATUS_RESULT) status = Calculate(statement.c_str());
         if (status == STATUS_RESULT) status = ShowResult();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
@@ -169,9 +167,8 @@ std::string ZqCalculator::PlainAnswer() {
 }
 
 int ZqCalculator::ShowResult() {
-    if (!fullEntry) {
-        if (Spend(RESULT_REDUCTIONS, 0) != 0 || SpendWork(longNumberWork(result)) != 0) return STATUS_ERROR;
-    }
+    // An entry's value is stored by now.
+    if (!fullEntry && Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
     const std::string text = fullEntry ? KeepAnswer(target->text, result)
                                        : TextOf(result, CurrentNotation(), strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
@@ -200,11 +197,10 @@ int ZqCalculator::Calculate(const char* statement) {
 }
 
 int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
-    spentWork = 0;
-    workLimit = units;
+    budget.Begin(units);
     const int state = Calculate(statement);
-    workLimit = UINT64_MAX;
-    units -= std::min(units, spentWork);
+    units = budget.Left();
+    budget.Begin();
     return state;
 }
 

@@ -18,6 +18,7 @@
 #include "Settings.h"
 #include "Statement.h"
 #include "Syntax.h"
+#include "WorkBudget.h"
 #include "WorkCounters.h"
 
 #include <cstddef>
@@ -42,9 +43,6 @@ constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
 
 // Codes of the number library's `merror`.
 enum MathError : int { MATH_OVERFLOW = 3, MATH_UNDERFLOW = 4 };
-
-// What computes long, such as a sine, in units of a preview's work: see ProcessEntry.
-constexpr uint64_t DEAR_WORK = 24;
 
 // How a value is written.
 struct Notation {
@@ -73,10 +71,9 @@ public:
     double entryCount = 0; // full entries so far
 
     bool initialized = false; // InitializeFunctionsAndVars has run
-    // Asked before each statement of a full entry and every few hundred reductions, a few milliseconds apart at
-    // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are
-    // then as they were before it, also those that earlier statements of the line had changed. The history keeps
-    // the line.
+    // Asked before each statement of a full entry and every 1,000 units of work, a few milliseconds apart at most.
+    // True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are then as
+    // they were before it, also those that earlier statements of the line had changed. The history keeps the line.
     bool (*interruptCheck)() = nullptr;
 
     WorkCounters work;
@@ -91,17 +88,15 @@ public:
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
     // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
-    // reads; `resultLine` and `message` hold its answer until then. A preview has 60,000 units of work, some
-    // milliseconds, and is given up when it takes more: status -1. A copied term is one unit, an operator 3,
-    // showing a statement's result 150 and 1 more for every 32 bits of its integer part; a power, a factorial, a
-    // conversion, a predefined function and a logarithm's base are 24 more.
+    // reads; `resultLine` and `message` hold its answer until then. A preview that takes more than its share of
+    // work (WorkBudget.h), some milliseconds, is given up: status -1.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
     int Calculate(const char* statement);
 
-    // The same with a limit: a statement that takes more than so many units of work, as ProcessEntry counts them, is
-    // an error. What is left of the units comes back, 0 when they did not suffice.
+    // The same with a limit: a statement that takes more than so many units of work (WorkBudget.h) is an error. What
+    // is left of the units comes back, 0 when they did not suffice.
     int CalculateWithin(const char* statement, uint64_t& units);
 
     // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
@@ -194,12 +189,8 @@ private:
     bool gospelShown = false;     // the next "gospel" opens the page
     std::string entryLine;        // the full entry that runs, or ran last
 
-    // The work of the entry: for the limits of a preview, since the last check for an interruption, and the
-    // long texts copied by the statement.
-    uint64_t spentWork = 0;
-    uint64_t workLimit = UINT64_MAX; // of a full entry
-    uint64_t unchecked = 0;
-    size_t longTexts = 0;
+    WorkBudget budget;
+    size_t longTexts = 0; // characters that the statement's calls copied
 
     uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
 
@@ -215,7 +206,6 @@ private:
     Notation CurrentNotation() const;
     std::string TextOf(const qfloat value, const Notation& notation, size_t nameLength);
     std::string KeepAnswer(const char* name, const qfloat value);
-    int BeginStatement();
     int ShowResult();
     int EvaluateTerms();
     void StoreResult();
@@ -246,11 +236,10 @@ private:
     static void NoteOverflow(const qfloat operand);
     int ApplyBinary(int32_t code, const qfloat left, const qfloat right, qfloat value);
 
-    // Count work. They return -1 with a message when the evaluation has to stop: a preview at its limit, an entry
-    // that is interrupted.
-    int Spend(uint64_t reductions, uint64_t copies);
-    int SpendWork(uint64_t units);
-    int CheckInterrupt(uint64_t units);
+    // Counts work before it is done, and asks for an interruption now and then. Both return -1 with a message when
+    // the evaluation has to stop: a preview at its limit, an entry that is interrupted.
+    int Spend(uint64_t units);
+    int AskForInterruption();
     std::function<bool(uint64_t)> ChargeForUnits(bool& isStopped); // with a message when it sets isStopped
 
     int CallArgument(const Call& call, qfloat value);

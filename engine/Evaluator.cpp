@@ -11,21 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 
-// A check for an interruption comes after so many units of work: an operator, a copied term or one that is listed
-// is one, a call of a function FUNCTION_WORK. The dearest unit takes about 10 microseconds.
-constexpr uint64_t WORK_BETWEEN_CHECKS = 256;
-constexpr uint64_t FUNCTION_WORK = 4;
-
-// How much of the unit library's work counts as a reduction.
-constexpr uint64_t UNIT_WORK_PER_REDUCTION = 16;
-
-// A live preview is evaluated at every key press and gives up after so many units of work. A unit takes 0.05
-// to 0.1 microseconds: copying a term is one, applying an operator REDUCTION_WORK, and what computes long adds
-// DEAR_WORK. A remainder takes a step for each bit by which its operands differ.
-constexpr uint64_t PREVIEW_WORK = 60000;
-constexpr uint64_t REDUCTION_WORK = 3;
-constexpr uint64_t REMAINDER_BITS_PER_WORK = 256;
-
 static bool isZero(const qfloat number) {
     return number[1] == 0;
 }
@@ -34,29 +19,15 @@ static void setTruth(bool truth, qfloat value) {
     qmov(truth ? qone : qzero, value);
 }
 
-int ZqCalculator::Spend(uint64_t reductions, uint64_t copies) {
-    work.reduced += reductions;
-    work.copied += copies;
-    if (SpendWork(REDUCTION_WORK * reductions + copies) != 0) return STATUS_ERROR;
-    return fullEntry ? CheckInterrupt(reductions + copies) : 0;
-}
-
-// Counts what a limit is for, a preview's above all, because entries are asked often enough without it.
-int ZqCalculator::SpendWork(uint64_t units) {
-    spentWork += units;
-    if (spentWork <= (fullEntry ? workLimit : PREVIEW_WORK)) return 0;
+int ZqCalculator::Spend(uint64_t units) {
+    const WorkBudget::Next next = budget.Spend(units);
+    if (next == WorkBudget::Next::GO_ON) return 0;
+    if (next == WorkBudget::Next::ASK) return AskForInterruption();
     return Fail(fullEntry ? "** ERROR: too much work **\n" : "** ERROR: too much work for a preview **\n");
 }
 
-// Statements that evaluate nothing, such as commands that list, count as work too.
-int ZqCalculator::BeginStatement() {
-    return CheckInterrupt(WORK_BETWEEN_CHECKS);
-}
-
-int ZqCalculator::CheckInterrupt(uint64_t units) {
-    unchecked += units;
-    if (unchecked < WORK_BETWEEN_CHECKS) return 0;
-    unchecked = 0;
+int ZqCalculator::AskForInterruption() {
+    budget.Asked();
     interrupted = fullEntry && interruptCheck && interruptCheck();
     return interrupted ? Fail("** ERROR: interrupted **\n") : 0;
 }
@@ -74,7 +45,8 @@ int ZqCalculator::ProcTermsLoop() {
     expanded.clear();
     node** next = opOrder;
     while (node* op = NextOperator(next)) {
-        if (Spend(1, 0) != 0) return STATUS_ERROR;
+        work.reduced++;
+        if (Spend(Cost::OPERATOR) != 0) return STATUS_ERROR;
         if (op->type == OP_OPEN) {
             reorder = 0;
             if (ProcParenth(op) < 0) return STATUS_ERROR;
@@ -93,7 +65,6 @@ int ZqCalculator::ProcParenth(node* open) {
     node* from = open;
     node* before = open->prev;
     if (before && before->type == TERM_FUNC) {
-        if (CheckInterrupt(FUNCTION_WORK) != 0) return -1;
         from = ProcFunction(before);
         if (!from) return -1;
     } else if (before && before->type == TERM_NAME) {
@@ -127,11 +98,11 @@ int ZqCalculator::Node2Num(const node* term, qfloat value) {
     return Fail("** ERROR 7: invalid term = %s **\n", {text});
 }
 
-// What the operator takes beyond a reduction, in units of a preview's work.
+// What the operator takes beyond others.
 static uint64_t extraWork(int32_t code, const qfloat left, const qfloat right) {
-    if (code == OP_POWER || code == OP_FACTORIAL) return DEAR_WORK;
+    if (code == OP_POWER || code == OP_FACTORIAL) return Cost::EXPENSIVE;
     const bool isLong = code == OP_REMAINDER && left[1] > right[1];
-    return isLong ? (left[1] - right[1]) / REMAINDER_BITS_PER_WORK : 0;
+    return isLong ? (left[1] - right[1]) / Cost::REMAINDER_BITS : 0;
 }
 
 // What computes with the overflow value overflows, wherever that came from.
@@ -152,7 +123,7 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
     qfloat value = {};
     if (left && Node2Num(left, leftValue) != 0) return nullptr;
     if (code == OP_FACTORIAL) {
-        if (SpendWork(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
+        if (Spend(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
         qfac(leftValue, value);
     } else {
         if (!right) {
@@ -160,7 +131,7 @@ node* ZqCalculator::ProcPair(node* op, int32_t code) {
             return nullptr;
         }
         if (Node2Num(right, rightValue) != 0) return nullptr;
-        if (SpendWork(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
+        if (Spend(extraWork(code, leftValue, rightValue)) != 0) return nullptr;
         if (ApplyBinary(code, leftValue, rightValue, value) != 0) return nullptr;
     }
     NoteOverflow(leftValue);
@@ -234,17 +205,16 @@ static bool isOperand(const node* term) {
 
 // Asks before the work is done: a preview gives up, and an entry asks for an interruption.
 std::function<bool(uint64_t)> ZqCalculator::ChargeForUnits(bool& isStopped) {
-    return [this, &isStopped, unspent = uint64_t{0}](uint64_t units) mutable {
-        unspent += units;
-        isStopped = Spend(unspent / UNIT_WORK_PER_REDUCTION, 0) != 0;
-        unspent %= UNIT_WORK_PER_REDUCTION;
+    return [this, &isStopped](uint64_t units) {
+        work.units += units;
+        isStopped = Spend(units) != 0;
         return !isStopped;
     };
 }
 
 // How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
 int ZqCalculator::ConversionFactor(const char* from, const char* to, qfloat value) {
-    if (SpendWork(DEAR_WORK) != 0) return STATUS_ERROR;
+    if (Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
     bool isStopped = false;
     units_clear_exception();
     const double factor = units_convert(from, to, ChargeForUnits(isStopped));

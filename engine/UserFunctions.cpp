@@ -7,15 +7,6 @@
 #include <algorithm>
 #include <cstring>
 
-// Every expansion raises its body by the level of the call, so that a function which calls itself passes this
-// level sooner or later. A list that outgrows MAX_TERMS on the way there has the same cause.
-constexpr int32_t MAX_CALL_LEVEL = 100;
-constexpr int32_t MAX_TERMS = 250000;
-
-// A name of many characters, in an argument or a body, can be copied to many places.
-constexpr size_t LONG_TEXT = 64;
-constexpr size_t MAX_LONG_TEXTS = 16 << 20;
-
 namespace {
 
 struct DefinitionText {
@@ -107,7 +98,7 @@ int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters
 std::string ZqCalculator::ListedText(const Function& function) {
     return function.ToString([this] {
         work.listed += 1;
-        return CheckInterrupt(1) == 0;
+        return Spend(Cost::LISTED_TERM) == 0;
     });
 }
 
@@ -121,7 +112,7 @@ void ZqCalculator::ShowDefinition(std::string text) {
 // --- Expanding a call ---
 
 static bool isLong(const char* text) {
-    return text && strnlen(text, LONG_TEXT + 1) > LONG_TEXT;
+    return text && strnlen(text, WorkLimit::LONG_TEXT + 1) > WorkLimit::LONG_TEXT;
 }
 
 // A number is known by its value: the digits of a long one are left behind.
@@ -138,10 +129,11 @@ static node* copyTerm(const node* term, int32_t level) {
 int ZqCalculator::CheckCall(const Call& call, const Function* function) {
     if (!function || !function->body) return Fail("** Unrecognized function: %s **\n", {call.Name()});
     const auto number = static_cast<uint64_t>(function->body->count);
-    if (terms.count + function->body->count > MAX_TERMS || longTexts > MAX_LONG_TEXTS) {
+    if (terms.count + function->body->count > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
         return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
     }
-    return Spend(0, number);
+    work.copied += number;
+    return Spend(number * Cost::COPIED_TERM);
 }
 
 // Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its operators
@@ -154,7 +146,7 @@ int ZqCalculator::CopyBody(const Call& call, const Function* function) {
         node* copy = terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
         bodyTerms.push_back(copy);
         if (isLong(copy->text)) longTexts += strlen(copy->text);
-        if (longTexts > MAX_LONG_TEXTS) {
+        if (longTexts > WorkLimit::LONG_TEXTS) {
             return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
         }
     }
@@ -167,7 +159,7 @@ int ZqCalculator::CopyBody(const Call& call, const Function* function) {
 // Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
 // what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
 node* ZqCalculator::ExpandFunction(const Call& call) {
-    if (call.open->level > MAX_CALL_LEVEL) {
+    if (call.open->level > WorkLimit::CALL_LEVEL) {
         Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
         return nullptr;
     }

@@ -25,14 +25,6 @@ const char* const HISTORY_HEADER = "### HISTORY ###\n";
 const char* const FIRST_LINE = "### FUNCTIONS";
 const char* const HISTORY_LINE = "### HISTORY";
 
-// What reading may take, in the engine's units of work, of which the scanning of a character takes about as many as
-// is said here. Eight million are about 0.4 seconds.
-constexpr uint64_t READING_WORK = 8000000;
-constexpr uint64_t LINE_WORK = 400000; // the evaluation of one line
-constexpr uint64_t FUNCTION_CHARACTER = 8;
-constexpr uint64_t OTHER_CHARACTER = 2;
-constexpr uint64_t ANY_LINE = 20;
-
 constexpr int VALUE_DIGITS = 100;
 
 bool beginsWith(std::string_view text, std::string_view start) {
@@ -296,7 +288,9 @@ struct Statement {
 
     // What reading it takes besides its evaluation.
     uint64_t Cost() const {
-        return ANY_LINE + text.size() * (kind == Kind::FUNCTION ? FUNCTION_CHARACTER : OTHER_CHARACTER);
+        const bool isFunction = kind == Kind::FUNCTION;
+        return Cost::FILE_LINE +
+               text.size() * (isFunction ? Cost::CHARACTER_OF_FUNCTION : Cost::CHARACTER_OF_VALUE);
     }
 };
 
@@ -426,7 +420,7 @@ private:
         if (statement.isLeft) return;
         statement.isTaken = IsKnown(statement);
         if (statement.isTaken) return;
-        const uint64_t allowed = std::min(left, LINE_WORK);
+        const uint64_t allowed = std::min(left, WorkLimit::LINE_OF_FILE);
         uint64_t work = allowed;
         statement.isTaken = Evaluate(statement, work) != STATUS_ERROR;
         statement.isLeft = !statement.isTaken && work == 0;
@@ -434,7 +428,7 @@ private:
     }
 
     ZqCalculator& calc;
-    uint64_t left = READING_WORK;
+    uint64_t left = WorkLimit::FUNCTIONS_FILE;
 };
 
 // The lines without their ends, CR LF among them.

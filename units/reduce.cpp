@@ -14,12 +14,6 @@ namespace {
 constexpr int64_t maxNames = 100000;      // above or below the '/', a square being two
 constexpr int64_t maxNameBytes = 4000000; // of these names together
 
-// What the steps of a reduction count for.
-constexpr uint64_t lookupWork = 16;
-constexpr uint64_t nameWork = 4;
-constexpr size_t textBytesPerWork = 4; // they are read several times
-constexpr size_t nameBytesPerWork = 64;
-
 struct ByName {
     bool operator()(const std::string* a, const std::string* b) const { return a != b && *a < *b; }
 };
@@ -88,7 +82,7 @@ void applyFactor(Reduction& reduction, double factor, int exponent) {
 bool addNames(Reduction& reduction, const std::vector<UnitPower>& names, int exponent) {
     for (const UnitPower& power : names) {
         const size_t length = power.name->size();
-        if (!spend(reduction, nameWork + length / nameBytesPerWork)) return false;
+        if (!spend(reduction, UnitsCost::NAME + length / UnitsCost::NAME_BYTES)) return false;
         const int64_t count = int64_t{power.count} * (reduction.isDivisor ? -exponent : exponent);
         const int64_t times = count < 0 ? -count : count;
         Side& side = count < 0 ? reduction.below : reduction.above;
@@ -113,7 +107,7 @@ bool applyNumber(Reduction& reduction, const std::string& token, bool& isWhole) 
 }
 
 bool applyToken(Reduction& reduction, const std::string& token) {
-    if (!spend(reduction, lookupWork + token.size() / textBytesPerWork)) return false;
+    if (!spend(reduction, UnitsCost::LOOK_UP + token.size() / UnitsCost::TEXT_BYTES)) return false;
     if (beginsWithNumber(token.c_str())) {
         bool isWhole = false;
         if (!applyNumber(reduction, token, isWhole)) return false;
@@ -133,7 +127,7 @@ bool applyToken(Reduction& reduction, const std::string& token) {
         throw_exception2("invalid unit name '%s' in '%s'", name.c_str(), reduction.remainder);
         return false;
     }
-    if (!spend(reduction, 2 * static_cast<uint64_t>(exponent))) return false;
+    if (!spend(reduction, 2 * static_cast<uint64_t>(exponent) / UnitsCost::MULTIPLICATIONS)) return false;
     if (match.prefix != nullptr) applyFactor(reduction, match.prefix->factor, exponent);
     applyFactor(reduction, match.found->reduced.factor, exponent);
     return addNames(reduction, match.found->reduced.powers, exponent);
@@ -159,7 +153,7 @@ bool applyTokens(Reduction& reduction) {
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge) {
     if (std::strcmp(text, primitivestring) == 0) return ReducedUnit{};
     Reduction reduction{text, text, charge};
-    if (!spend(reduction, std::strlen(text) / textBytesPerWork)) return std::nullopt;
+    if (!spend(reduction, std::strlen(text) / UnitsCost::TEXT_BYTES)) return std::nullopt;
     if (std::strchr(text, *divider) != std::strrchr(text, *divider)) {
         throw_exception2("invalid unit string '%s':  only one '%s' allowed", text, divider);
         return std::nullopt;
