@@ -60,6 +60,7 @@ bool UnitTable::Remove(std::string_view name) {
 }
 
 const Unit* UnitTable::Find(std::string_view name) const {
+    ++compared;
     const auto found = units.find(name);
     return found != units.end() ? found->second.get() : nullptr;
 }
@@ -68,6 +69,7 @@ UnitMatch UnitTable::FindPrefixed(std::string_view name) const {
     UnitMatch best = {nullptr, nullptr};
     for (const UnitPrefix& prefix : prefixes) {
         const size_t length = prefix.name.size();
+        ++compared;
         if (name.size() <= length || name.compare(0, length, prefix.name) != 0) continue;
         const Unit* const unit = Find(name.substr(length));
         const bool isEarlier =

@@ -70,6 +70,9 @@ public:
     // with a prefix the unit that was defined first wins.
     UnitMatch FindFactor(std::string_view name) const;
 
+    // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of look-ups.
+    mutable uint64_t compared = 0;
+
     // See units_begin_changes.
     void BeginChanges() { isRecording = true; }
     void UndoChanges();
