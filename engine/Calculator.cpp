@@ -204,6 +204,24 @@ int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
     return state;
 }
 
+int ZqCalculator::ProcessStr(const char* statement) {
+    terms.Clear();
+    if (!vars.first) InitializeVarsList();
+    DiscardNewTarget();
+    target = vars.first;
+    if (strlen(statement) >= TEXT_SIZE) {
+        return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
+    }
+    std::string text = trimStatement(statement);
+    if (fullEntry) {
+        const int state = RunCommand(text);
+        if (state != NO_COMMAND) return state;
+    }
+    markConversion(text);
+    if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
+    return scanner.Scan(std::move(text));
+}
+
 int ZqCalculator::VerifyTermsSyntax() {
     if (CheckVariableNames() != 0 || syntax.Check(terms) != 0) return STATUS_ERROR;
     opCount = terms.CountNumberOfOperators();

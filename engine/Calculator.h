@@ -13,8 +13,10 @@
 
 #include "Functions.h"
 #include "History.h"
+#include "MathError.h"
 #include "NamedTerms.h"
 #include "Outcome.h"
+#include "Scanner.h"
 #include "Settings.h"
 #include "Statement.h"
 #include "Syntax.h"
@@ -26,9 +28,7 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 // What qtoascii and FormatResult may write, terminator included: 9,865 digits, their 3,288 grouping
@@ -36,13 +36,6 @@
 constexpr size_t FORMAT_SIZE = 13312;
 
 constexpr int MAX_STATEMENTS = 999;
-constexpr int MAX_NAME = 50; // names have fewer characters
-
-// The exponent word of the overflow value: numbers from there on are shown as OVERFLOW.
-constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
-
-// Codes of the number library's `merror`.
-enum MathError : int { MATH_OVERFLOW = 3, MATH_UNDERFLOW = 4 };
 
 // How a value is written.
 struct Notation {
@@ -115,7 +108,7 @@ public:
     // Exchanges '.' and ',' throughout the text when `european` is set.
     void ProcessStringEuropean(char* text) const;
 
-    // --- From text to terms (Scanner.cpp) ---
+    // --- From text to terms (Scanner.h) ---
 
     // Reads one statement into `terms` and `target`. Returns 0 when the terms are to be evaluated, else the
     // statement's status.
@@ -123,9 +116,9 @@ public:
 
     // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a
     // value).
-    int Str2Num(const char* text, qfloat value);
+    int Str2Num(const char* text, qfloat value) { return scanner.Str2Num(text, value); }
 
-    // --- Evaluation (Syntax.cpp, Evaluator.cpp) ---
+    // --- Evaluation (Syntax.h, Evaluator.cpp) ---
 
     // Checks the terms, sets their levels and opCount. Returns 0, or -1 with a message.
     int VerifyTermsSyntax();
@@ -182,8 +175,6 @@ private:
     // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
     struct Call;
 
-    std::string nameInDefinition;                           // the function whose body is being read
-    std::unordered_set<std::string> parametersInDefinition; // of the same function
     std::vector<node*> expanded;  // operators of expanded calls still to be applied, the next one last
     std::vector<node*> bodyTerms; // those that a call just copied
     bool gospelShown = false;     // the next "gospel" opens the page
@@ -215,18 +206,9 @@ private:
     static constexpr int NO_COMMAND = 0;
     int RunCommand(const std::string& statement);
 
-    int ScanStatement(std::string text);
-    int ScanExpression(std::string text);
-    int ScanBody(std::string text);
-    int ScanAssignment(std::string& text);
-    int ScanTerms(const std::string& text);
-    std::string MoveSignsForward(const std::string& text);
-    void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
-    bool IsFunctionName(const char* name) const;
-    bool IsValueName(const std::string& name);
-
     int CheckVariableNames();
     Syntax syntax{*this, work};
+    Scanner scanner{*this, *this, *this, variables, work};
 
     node* NextOperator(node**& next);
     int ConversionFactor(const char* from, const char* to, qfloat value);
@@ -263,14 +245,6 @@ private:
 // Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
 // `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
 void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);
-
-// Scans digits, one '.', and one exponent behind a digit or point. Returns 1 when that is the whole text (an
-// empty text included), 0 when the first character is none of these, and 2 with the unread text in `rest`.
-int findDecString(std::string_view text, std::string_view& rest);
-
-// Reports the pending error of the number library: 0 when there is none; else clears it, returns its code and
-// writes "** ERROR: 'name' text **\n" into `out` (TEXT_SIZE bytes, may be null), without the name when null.
-int checkMathError(const char* name, char* out);
 
 // n! as a double: n * (n - 1) * ... * 1 from n downwards, 1 when n is below 1.
 double factorial(int n);

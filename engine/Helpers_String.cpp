@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Helpers_String.h"
 
+#include <algorithm>
 #include <cstring>
 
 char LowerCase(char c) {
@@ -76,4 +77,9 @@ bool IsLetter(char c) {
 
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
+}
+
+bool IsValidName(std::string_view text) {
+    const auto isOfName = [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; };
+    return !text.empty() && IsLetter(text[0]) && std::all_of(text.begin(), text.end(), isOfName);
 }

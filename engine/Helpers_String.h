@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Small text helpers. Case is folded for the letters A to Z only, whatever the locale.
-#ifndef TALLYQUILL_HELPERS_STRING_H
-#define TALLYQUILL_HELPERS_STRING_H
+#pragma once
 
 #include <cstddef>
 #include <string>
@@ -31,4 +30,6 @@ bool IsDigit(char c);
 
 char LowerCase(char c); // A to Z become a to z
 
-#endif
+// Whether the text is the name of a variable, a function or a parameter: a letter, then letters, digits and '_'.
+bool IsValidName(std::string_view text);
+constexpr int MAX_NAME = 50; // names have fewer characters

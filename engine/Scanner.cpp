@@ -1,38 +1,24 @@
 // SPDX-License-Identifier: MIT
-//
-// From the text of a statement to its terms.
-#include "Calculator.h"
+#include "Scanner.h"
 
+#include "Functions.h"
 #include "Helpers_String.h"
+#include "MathError.h"
+#include "NamedTerms.h"
+#include "Outcome.h"
+#include "Settings.h"
+#include "Statement.h"
+#include "WorkCounters.h"
 
 #include <algorithm>
 #include <cstring>
 
-static const char* const BLANKS = " \t\r\n";
-
-// Without leading white space, what follows the first ';', and trailing blanks and line ends.
-static std::string trimStatement(const char* statement) {
+std::string trimStatement(const char* statement) {
     std::string text = statement;
     text.erase(0, text.find_first_not_of(" \t\r\n\v\f"));
     text.resize(std::min(text.size(), text.find(';')));
-    text.resize(text.find_last_not_of(BLANKS) + 1);
+    text.resize(text.find_last_not_of(" \t\r\n") + 1);
     return text;
-}
-
-int ZqCalculator::ProcessStr(const char* statement) {
-    terms.Clear();
-    if (!vars.first) InitializeVarsList();
-    DiscardNewTarget();
-    target = vars.first;
-    if (strlen(statement) >= TEXT_SIZE) {
-        return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
-    }
-    const std::string text = trimStatement(statement);
-    if (fullEntry) {
-        const int state = RunCommand(text);
-        if (state != NO_COMMAND) return state;
-    }
-    return ScanStatement(text);
 }
 
 static bool isSpaceOrTab(char c) {
@@ -65,8 +51,7 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     return start;
 }
 
-// Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi. The length stays the same.
-static void markConversion(std::string& text) {
+void markConversion(std::string& text) {
     if (text.size() < 5) return;
     const size_t arrow = text.find("->");
     if (arrow == std::string::npos) return;
@@ -76,8 +61,8 @@ static void markConversion(std::string& text) {
     text.insert(start, 1, CVSstr[0]);
 }
 
-// name(...)=... : the '=' behind the first parentheses is neither part of a comparison nor doubled.
-static bool isDefinition(const std::string& text) {
+// The '=' behind the first parentheses is neither part of a comparison nor doubled.
+bool isDefinition(const std::string& text) {
     const size_t open = text.find('(');
     if (open == std::string::npos) return false;
     const size_t close = text.find(')', open);
@@ -89,11 +74,17 @@ static bool isDefinition(const std::string& text) {
     return before != '<' && before != '>' && before != '!' && after != '=';
 }
 
-static void normalizeBrackets(std::string& text) {
-    for (char& c : text) {
+// Removes blanks and line ends, makes all brackets parentheses, and gives the number its '.' and ','.
+static void normalize(std::string& text, bool european) {
+    size_t length = 0;
+    for (char c : text) {
+        if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
         if (c == '{' || c == '[') c = '(';
         if (c == '}' || c == ']') c = ')';
+        text[length++] = c;
     }
+    text.resize(length);
+    if (european) StrSwapChars(text.data(), '.', ',');
 }
 
 // A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
@@ -107,7 +98,10 @@ static bool isExponentSign(std::string_view operand) {
 // The operand that ends where the text ends.
 static std::string_view lastOperand(std::string_view text) {
     size_t start = text.size();
-    while (start > 0 && isOp(std::string(1, text[start - 1]).c_str()) == 0) start--;
+    for (; start > 0; start--) {
+        const char character[] = {text[start - 1], '\0'};
+        if (isOp(character) != 0) break;
+    }
     return text.substr(start);
 }
 
@@ -123,10 +117,10 @@ static size_t findSign(const std::string& text, size_t from) {
 
 // Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20. The sign of an
 // exponent belongs to its number.
-std::string ZqCalculator::MoveSignsForward(const std::string& text) {
+std::string Scanner::MoveSignsForward(const std::string& text) {
     const std::string_view view = text;
     const auto isInNumber = [this](std::string_view operand) {
-        return isExponentSign(operand) && !IsValueName(std::string(operand));
+        return isExponentSign(operand) && !IsValueName(operand);
     };
     std::string moved;
     size_t start = 0;
@@ -143,12 +137,6 @@ std::string ZqCalculator::MoveSignsForward(const std::string& text) {
     return moved;
 }
 
-int ZqCalculator::ScanStatement(std::string text) {
-    markConversion(text);
-    if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
-    return ScanExpression(std::move(text));
-}
-
 // Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to the next
 // ')'.
 static bool isArrowInUnit(const std::string& text) {
@@ -156,47 +144,50 @@ static bool isArrowInUnit(const std::string& text) {
     return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
 }
 
-int ZqCalculator::ScanBody(std::string text) {
-    terms.Clear();
-    target = vars.first;
+int Scanner::ScanBody(std::string text, const std::string& function, const Names& parameters) {
+    statement.terms.Clear();
+    functionInDefinition = function;
+    parametersInDefinition = parameters;
     if (!isArrowInUnit(text)) markConversion(text);
-    return ScanExpression(std::move(text));
+    const int state = Scan(std::move(text));
+    functionInDefinition.clear();
+    parametersInDefinition.clear();
+    return state;
 }
 
-int ZqCalculator::ScanExpression(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return strchr(BLANKS, c) != nullptr; }),
-               text.end());
-    normalizeBrackets(text);
-    ProcessStringEuropean(text.data());
+int Scanner::Scan(std::string text) {
+    normalize(text, settings.european);
     if (ScanAssignment(text) != 0) return STATUS_ERROR;
-    if (tenKey) text = MoveSignsForward(text);
-    return ScanTerms(text);
+    if (settings.tenKey) text = MoveSignsForward(text);
+    ScanTerms(text);
+    return 0;
 }
 
-// name=... : sets the target and removes the name and the '=' from the text.
-int ZqCalculator::ScanAssignment(std::string& text) {
-    const size_t equals = text.find_first_of("<>!=");
-    if (equals == std::string::npos || equals == 0 || text[equals] != '=') return 0;
-    if (equals + 1 < text.size() && text[equals + 1] == '=') return 0;
+// Sets the target and removes the name and the '=' from the text.
+int Scanner::ScanAssignment(std::string& text) {
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0 || text.compare(equals, 2, "==") == 0) return 0;
     const std::string name = text.substr(0, equals);
+    if (name.find_first_of("<>!") != std::string::npos) return 0;
     if (name.size() >= MAX_NAME) {
-        return Fail("** ERROR: %i max characters for variables **\n", {std::to_string(MAX_NAME)});
+        return outcome.Fail("** ERROR: %i max characters for variables **\n", {std::to_string(MAX_NAME)});
     }
-    if (!IsValidVariable(name.c_str())) return Fail("** ERROR: invalid variable name: %s **\n", {name});
-    if (fullEntry) {
-        target = VariableExists(name.c_str());
-        if (!target) {
-            newVariable = std::make_unique<node>(); // joins the variables when the evaluation works out
-            newVariable->type = TERM_NAME;
-            newVariable->text = StrDuplicate(name);
-            target = newVariable.get();
+    if (!IsValidName(name)) return outcome.Fail("** ERROR: invalid variable name: %s **\n", {name});
+    if (statement.fullEntry) {
+        statement.target = variables.Find(name);
+        if (!statement.target) {
+            statement.newVariable = std::make_unique<node>();
+            statement.newVariable->type = TERM_NAME;
+            statement.newVariable->text = StrDuplicate(name);
+            statement.target = statement.newVariable.get();
         }
     }
     text.erase(0, equals + 1);
     return 0;
 }
 
-int ZqCalculator::ScanTerms(const std::string& text) {
+void Scanner::ScanTerms(const std::string& text) {
+    Deq& terms = statement.terms;
     const std::string_view view = text;
     std::vector<bool> isCall; // for every open '(': whether it opens the arguments of a function
     bool inUnit = false;      // from the mark to the next ')': km/h and m^2 are one term
@@ -209,7 +200,7 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         bool isPart = code == 0;
         if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
         if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
-            (hasSign || !IsValueName(std::string(operand)))) {
+            (hasSign || !IsValueName(operand))) {
             isPart = hasSign = true;
         }
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
@@ -228,39 +219,45 @@ int ZqCalculator::ScanTerms(const std::string& text) {
         hasSign = false;
     }
     AppendOperand(view.substr(start), inUnit, false);
-    return 0;
 }
 
 // Whether the name stands for a number, here or where the function is called whose body is read.
-bool ZqCalculator::IsValueName(const std::string& name) {
+bool Scanner::IsValueName(std::string_view name) {
     work.looked += name.size();
-    return VariableExists(name.c_str()) || parametersInDefinition.count(name) != 0;
+    return variables.Find(name) || parametersInDefinition.count(name) != 0;
 }
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.
-bool ZqCalculator::IsFunctionName(const char* name) const {
-    return funcs.FunctionExists(name, -1) || strIsEqualI(name, nameInDefinition.c_str());
+bool Scanner::IsFunctionName(const std::string& name) const {
+    return funcs.FunctionExists(name.c_str(), -1) || strIsEqualI(name.c_str(), functionInDefinition.c_str());
 }
 
 // A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a thousandth.
-void ZqCalculator::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
+void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
     if (text.empty()) return;
     work.looked += text.size();
-    node* term = terms.Push(StrDuplicate(text));
-    term->type = TERM_NAME;
-    if (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) return;
-    if (IsLetter(text[0]) && VariableExists(term->text)) return;
+    node* term = statement.terms.Push(new node);
+    lookedUp = text;
     qfloat value;
-    const int pending = merror;
-    const bool isNumber = Str2Num(term->text, value) == 0;
-    if (pending == MATH_OVERFLOW) merror = pending; // of an earlier number
-    if (isNumber) {
+    const bool isName = (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) ||
+                        (IsLetter(text[0]) && variables.Find(text));
+    if (!isName && ReadNumber(lookedUp, value)) {
         term->type = TERM_NUMBER;
         term->SetValue(value);
-        if (strncmp(term->text, "0x", 2) != 0) term->DropText();
-    } else if (beforeParenthesis && IsFunctionName(term->text)) {
-        term->type = TERM_FUNC;
+        if (text.substr(0, 2) == "0x") term->text = StrDuplicate(text);
+    } else {
+        const bool isCall = !isName && beforeParenthesis && IsFunctionName(lookedUp);
+        term->type = isCall ? TERM_FUNC : TERM_NAME;
+        term->text = StrDuplicate(text);
     }
+}
+
+// That an earlier number of the statement was beyond the range stays known.
+bool Scanner::ReadNumber(const std::string& text, qfloat value) {
+    const int pending = merror;
+    const bool isNumber = Str2Num(text.c_str(), value) == 0;
+    if (pending == MATH_OVERFLOW) merror = pending;
+    return isNumber;
 }
 
 int findDecString(std::string_view text, std::string_view& rest) {
@@ -320,14 +317,14 @@ static int suffixExponent(char suffix) {
     return 0;
 }
 
-int ZqCalculator::Str2Num(const char* text, qfloat value) {
-    if (!text) return Fail("** crazy error **");
+int Scanner::Str2Num(const char* text, qfloat value) {
+    if (!text) return outcome.Fail("** crazy error **");
     const std::string_view view = text;
     if (isRadixText(view)) return asctoq(text, value) == 0 ? 0 : -1;
     std::string_view rest;
     const int kind = findDecString(view, rest);
     if (kind == 1) return asctoq(text, value) == 0 ? 0 : -1;
-    if (kind == 0) return !funcs.FunctionExists(text, -1) && VariableExists(text) ? 0 : -1;
+    if (kind == 0) return !funcs.FunctionExists(text, -1) && variables.Find(text) ? 0 : -1;
     if (rest[0] == ',') {
         const std::string joined = joinThousands(view);
         return !joined.empty() && asctoq(joined.c_str(), value) == 0 ? 0 : -1;

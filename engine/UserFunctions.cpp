@@ -35,8 +35,8 @@ bool splitDefinition(const std::string& text, DefinitionText& parts) {
     return !parts.body.empty();
 }
 
-std::unordered_set<std::string> splitAtCommas(const std::string& text) {
-    std::unordered_set<std::string> pieces;
+Scanner::Names splitAtCommas(const std::string& text) {
+    Scanner::Names pieces;
     size_t start = 0;
     while (start < text.size()) {
         const size_t comma = std::min(text.find(',', start), text.size());
@@ -78,11 +78,8 @@ int ZqCalculator::CheckNamesInBody() {
 }
 
 int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters, const std::string& body) {
-    nameInDefinition = name;
-    parametersInDefinition = splitAtCommas(parameters);
-    int state = ScanBody(body);
-    nameInDefinition.clear();
-    parametersInDefinition.clear();
+    target = vars.first;
+    int state = scanner.ScanBody(body, name, splitAtCommas(parameters));
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) state = CheckNamesInBody();
     if (state != 0) return STATUS_ERROR;

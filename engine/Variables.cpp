@@ -7,11 +7,7 @@
 #include <cstring>
 
 bool ZqCalculator::IsValidVariable(const char* text) const {
-    if (!IsLetter(*text)) return false;
-    for (; *text; text++) {
-        if (!IsLetter(*text) && !IsDigit(*text) && *text != '_') return false;
-    }
-    return true;
+    return IsValidName(text);
 }
 
 bool ZqCalculator::IsValidArgList(const char* text) {

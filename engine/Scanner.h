@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+//
+// From the text of a statement to its terms.
+#pragma once
+
+#include "qfloat.h"
+
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+
+class NamedTerms;
+struct EntrySettings;
+struct Outcome;
+struct Statement;
+struct WorkCounters;
+
+class Scanner {
+public:
+    // All of them have to live longer.
+    Scanner(Statement& statement, Outcome& outcome, const EntrySettings& settings, NamedTerms& variables,
+            WorkCounters& work)
+        : statement(statement), outcome(outcome), settings(settings), variables(variables), work(work) {}
+
+    // Names, exactly as they are written.
+    using Names = std::set<std::string, std::less<>>;
+
+    // Reads an expression, or name=expression, of which markConversion has seen the text, into the statement's terms
+    // and its target: "ans" without a name, a new one where no variable has the name. Returns 0, or -1 with a message.
+    int Scan(std::string text);
+
+    // The same for the right-hand side of a definition: the function and its parameters are known in it.
+    int ScanBody(std::string text, const std::string& function, const Names& parameters);
+
+    // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a value).
+    int Str2Num(const char* text, qfloat value);
+
+private:
+    int ScanAssignment(std::string& text);
+    void ScanTerms(const std::string& text);
+    std::string MoveSignsForward(const std::string& text);
+    void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
+    bool ReadNumber(const std::string& text, qfloat value);
+    bool IsFunctionName(const std::string& name) const;
+    bool IsValueName(std::string_view name);
+
+    Statement& statement;
+    Outcome& outcome;
+    const EntrySettings& settings;
+    NamedTerms& variables;
+    WorkCounters& work;
+
+    // While a body is read: the function that it belongs to, and its parameters.
+    std::string functionInDefinition;
+    Names parametersInDefinition;
+    std::string lookedUp; // the last operand
+};
+
+// The statement without leading white space, without what follows its first ';', and without trailing blanks and line
+// ends.
+std::string trimStatement(const char* statement);
+
+// Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi, of the same length.
+void markConversion(std::string& text);
+
+// Whether the statement defines a function: name(...)=...
+bool isDefinition(const std::string& text);
+
+// Scans digits, one '.', and one exponent behind a digit or point. Returns 1 when that is the whole text (an
+// empty text included), 0 when the first character is none of these, and 2 with the unread text in `rest`.
+int findDecString(std::string_view text, std::string_view& rest);
