@@ -4,10 +4,10 @@
 #import "MainConsole.h"
 
 #import "BackgroundWriter.h"
-#import "Platform.h"
 #import "SettingsText.h"
 
 #include "FileKeeping.h"
+#include "Folder.h"
 #include "FunctionsFile.h"
 #include "FunctionsMerge.h"
 
@@ -55,7 +55,7 @@ static BackgroundWriter backgroundWriter;
 // Keeps a damaged file beside. False when there is none now, though there was room for one: the disk is full, say.
 static bool keepDamaged(const std::string& path) {
     std::error_code reason;
-    if (!KeepUnreadable(path, &reason).empty() || !exists(path) || exists(path + ".unreadable.9"))
+    if (!keepUnreadable(path, &reason).empty() || !exists(path) || exists(path + ".unreadable.9"))
         return true;
     backgroundWriter.SetFailed(path, reason);
     return false;
@@ -92,13 +92,10 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
 // --- The folder ---
 
 - (NSString*)appSupportFolder {
-    NSString* const system = platformSupportFolder();
-    NSString* const folder = system ? [system stringByAppendingPathComponent:@"Tallyquill"] : @"Tallyquill";
-    BOOL isFolder = NO;
-    if (![[NSFileManager defaultManager] fileExistsAtPath:folder isDirectory:&isFolder]) {
-        platformMakeFolder(folder);
-    }
-    return folder;
+    const std::string folder = ownFolder();
+    makeFolder(folder);
+    return [[NSFileManager defaultManager] stringWithFileSystemRepresentation:folder.c_str()
+                                                                       length:folder.size()];
 }
 
 // --- Settings ---
@@ -137,13 +134,13 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     settings = nil;
     backgroundWriter.Finish();
     const std::string path = pathBytes(prefFilePath);
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     std::string text;
-    ReadWholeFile(path, text);
+    readWholeFile(path, text);
     NSData* const bytes = [NSData dataWithBytes:text.data() length:text.size()];
     settings = [settingsFromText(bytes, [self font]) retain];
     const bool wasRead = settings != nil;
-    if (!wasRead) KeepUnreadable(path);
+    if (!wasRead) keepUnreadable(path);
     if (!wasRead) [self initSettingsDefault];
     [self applyColors];
     if (!wasRead) [self saveSettings];
@@ -238,7 +235,7 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
 - (void)loadFuncFile {
     backgroundWriter.Finish();
     const std::string path = pathBytes(funcFilePath);
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     const FunctionsFileResult result = ReadFunctionsFile(calc, path);
     isOnlyCopy = (!result.opened || result.damaged) && !keepDamaged(path);
     // A line that was refused is no other program's: it is in the copy that was kept.

@@ -120,7 +120,7 @@ static NSString* baseWord(int base) {
 
 - (BOOL)loadFile:(NSString*)path {
     std::string script;
-    if (!path || !ReadWholeFile([path fileSystemRepresentation], script)) return NO;
+    if (!path || !readWholeFile([path fileSystemRepresentation], script)) return NO;
     if ([self mustWait] || [waitingScripts count] > 0) {
         if (!waitingScripts) waitingScripts = [[NSMutableArray alloc] init];
         [waitingScripts addObject:path];
@@ -143,7 +143,7 @@ static NSString* baseWord(int base) {
     }
     NSString* const path = [[[waitingScripts objectAtIndex:0] retain] autorelease];
     std::string script;
-    const bool isRead = ReadWholeFile([path fileSystemRepresentation], script);
+    const bool isRead = readWholeFile([path fileSystemRepresentation], script);
     if (isRead) [self replayScript:script];
     [waitingScripts removeObjectAtIndex:0]; // those that come meanwhile wait behind it
     if ([waitingScripts count] > 0) [self loadWaitingScriptsLater];

@@ -47,13 +47,6 @@ bool platformHasDisplay();
 // displayWasLost before the program ends with status 1.
 void platformAfterLaunch();
 
-// The current user's folder for application data, which need not exist; nil when there is none.
-// macOS: ~/Library/Application Support. Linux: $XDG_DATA_HOME when it is absolute, else ~/.local/share.
-NSString* platformSupportFolder();
-
-// Makes a folder. Its parents too on Linux, where a new home folder has none of them.
-bool platformMakeFolder(NSString* path);
-
 // The paths of the files that the command line names, in order. On macOS the system hands files over by itself.
 NSArray* platformFileArguments(int argc, const char* const* argv);
 

@@ -19,7 +19,7 @@ void BackgroundWriter::WriteFiles(const std::vector<FileToWrite>& files) {
     for (const FileToWrite& file : files) {
         std::error_code reason;
         const bool isWritten = file.merge ? file.merge->Write(file.path, file.text, reason)
-                                          : WriteFileAtomically(file.path, file.text, &reason);
+                                          : writeFileAtomically(file.path, file.text, &reason);
         if (isWritten)
             failures.erase(file.path);
         else

@@ -3,16 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <dirent.h>
-#include <fcntl.h>
-#include <memory>
 #include <string_view>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace {
 
@@ -28,7 +19,7 @@ constexpr useconds_t LOCK_PAUSE = 2000; // microseconds
 // An open file, closed at the end of its life.
 class Descriptor {
 public:
-    explicit Descriptor(int opened) : number(opened) {}
+    Descriptor(System& calls, int opened) : system(calls), number(opened) {}
     ~Descriptor() { Close(); }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -41,17 +32,18 @@ public:
     bool Close() {
         const int closing = number;
         number = -1;
-        return closing < 0 || close(closing) == 0 || errno == EINTR;
+        return closing < 0 || system.Close(closing) == 0 || errno == EINTR;
     }
 
 private:
+    System& system;
     int number;
 };
 
-bool readAll(int file, std::string& text) {
+bool readAll(System& system, int file, std::string& text) {
     std::string piece(PIECE, '\0');
     while (text.size() <= LARGEST_FILE) {
-        const ssize_t got = read(file, piece.data(), piece.size());
+        const ssize_t got = system.Read(file, piece.data(), piece.size());
         if (got == 0) return true;
         if (got > 0)
             text.append(piece, 0, static_cast<size_t>(got));
@@ -61,9 +53,9 @@ bool readAll(int file, std::string& text) {
     return false;
 }
 
-bool writeAll(int file, std::string_view text) {
+bool writeAll(System& system, int file, std::string_view text) {
     while (!text.empty()) {
-        const ssize_t put = write(file, text.data(), std::min(text.size(), LARGEST_WRITE));
+        const ssize_t put = system.Write(file, text.data(), std::min(text.size(), LARGEST_WRITE));
         if (put > 0)
             text.remove_prefix(static_cast<size_t>(put));
         else if (put == 0 || errno != EINTR)
@@ -72,15 +64,11 @@ bool writeAll(int file, std::string_view text) {
     return true;
 }
 
-// To the disk itself where the system tells the disk's memory from the disk. File systems without the operation
-// answer EINVAL or ENOTSUP.
-bool flush(int file) {
-#ifdef F_FULLFSYNC
-    if (fcntl(file, F_FULLFSYNC) == 0) return true;
-#endif
+// File systems without the operation answer EINVAL or ENOTSUP.
+bool flush(System& system, int file) {
     int state;
     do {
-        state = fsync(file);
+        state = system.Sync(file);
     } while (state != 0 && errno == EINTR);
     return state == 0 || errno == EINVAL || errno == ENOTSUP;
 }
@@ -91,21 +79,22 @@ std::string folderOf(const std::string& path) {
 }
 
 // A new name is on the disk when its folder is. Where that cannot be asked for, the file is in place all the same.
-void flushFolder(const std::string& path) {
+void flushFolder(System& system, const std::string& path) {
     const std::string folder = folderOf(path);
-    const Descriptor opened(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened.IsOpen()) flush(opened.Number());
+    const Descriptor opened(
+        system, system.Open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.IsOpen()) flush(system, opened.Number());
 }
 
-bool exists(const std::string& path) {
+bool exists(System& system, const std::string& path) {
     struct stat info;
-    return lstat(path.c_str(), &info) == 0;
+    return system.StatusOfLink(path.c_str(), info) == 0;
 }
 
 // Where the text of a symbolic link leads: the path, from the link's own folder.
-bool readLink(const std::string& path, std::string& destination) {
+bool readLink(System& system, const std::string& path, std::string& destination) {
     std::string text(PIECE, '\0');
-    const ssize_t length = readlink(path.c_str(), text.data(), text.size());
+    const ssize_t length = system.ReadLink(path.c_str(), text.data(), text.size());
     if (length <= 0 || static_cast<size_t>(length) >= text.size()) return false;
     text.resize(static_cast<size_t>(length));
     destination = text[0] == '/' ? text : folderOf(path) + text;
@@ -114,49 +103,49 @@ bool readLink(const std::string& path, std::string& destination) {
 
 // Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for links
 // in a circle.
-bool followLinks(std::string& path) {
+bool followLinks(System& system, std::string& path) {
     for (int links = 0; links <= MAX_LINKS; links++) {
         struct stat info;
-        if (lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return true;
-        if (!readLink(path, path)) return false;
+        if (system.StatusOfLink(path.c_str(), info) != 0 || !S_ISLNK(info.st_mode)) return true;
+        if (!readLink(system, path, path)) return false;
     }
     errno = ELOOP;
     return false;
 }
 
 // Nothing there yet, or a regular file that may be written; otherwise errno says why not.
-bool isReplaceable(const std::string& path) {
+bool isReplaceable(System& system, const std::string& path) {
     struct stat info;
-    if (lstat(path.c_str(), &info) != 0) return errno == ENOENT;
-    if (S_ISREG(info.st_mode)) return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0;
+    if (system.StatusOfLink(path.c_str(), info) != 0) return errno == ENOENT;
+    if (S_ISREG(info.st_mode)) return system.MayWrite(path.c_str()) == 0;
     errno = S_ISDIR(info.st_mode) ? EISDIR : EEXIST;
     return false;
 }
 
-bool isGone(int file) {
+bool isGone(System& system, int file) {
     struct stat info;
-    return fstat(file, &info) == 0 && info.st_nlink == 0;
+    return system.StatusOf(file, info) == 0 && info.st_nlink == 0;
 }
 
 // Makes a file that did not exist, for its owner alone, and locks it: one without a lock was left by a program that
 // is gone. Another program that starts may remove it before it is locked; then another one is made. Returns the
 // open file, or -1 with errno set.
-int makeTemporary(std::string& name) {
+int makeTemporary(System& system, std::string& name) {
     const std::string pattern = name;
     for (;;) {
         name = pattern;
-        const int file = mkstemp(name.data());
+        const int file = system.MakeTemporary(name.data());
         if (file < 0) return -1;
-        fcntl(file, F_SETFD, FD_CLOEXEC);
-        flock(file, LOCK_EX); // a file system without locks goes without
-        if (!isGone(file)) return file;
-        close(file);
+        system.CloseOnExec(file);
+        system.Lock(file, LOCK_EX); // a file system without locks goes without
+        if (!isGone(system, file)) return file;
+        system.Close(file);
     }
 }
 
 // Closing may report that a write failed; another descriptor keeps the lock until the file has its name.
-bool fill(Descriptor& file, const std::string& text) {
-    const bool isWritten = writeAll(file.Number(), text) && flush(file.Number());
+bool fill(System& system, Descriptor& file, const std::string& text) {
+    const bool isWritten = writeAll(system, file.Number(), text) && flush(system, file.Number());
     const int error = errno;
     const bool isClosed = file.Close();
     if (!isWritten) errno = error;
@@ -164,19 +153,19 @@ bool fill(Descriptor& file, const std::string& text) {
 }
 
 // False with errno set.
-bool replaceFile(std::string destination, const std::string& text) {
-    if (!followLinks(destination) || !isReplaceable(destination)) return false;
+bool replaceFile(System& system, std::string destination, const std::string& text) {
+    if (!followLinks(system, destination) || !isReplaceable(system, destination)) return false;
     std::string temporary = destination + std::string(TEMPORARY_NAME);
-    Descriptor file(makeTemporary(temporary));
+    Descriptor file(system, makeTemporary(system, temporary));
     if (!file.IsOpen()) return false;
-    const Descriptor lock(fcntl(file.Number(), F_DUPFD_CLOEXEC, 0));
-    if (!fill(file, text) || rename(temporary.c_str(), destination.c_str()) != 0) {
+    const Descriptor lock(system, system.Duplicate(file.Number()));
+    if (!fill(system, file, text) || system.Rename(temporary.c_str(), destination.c_str()) != 0) {
         const int error = errno;
-        unlink(temporary.c_str());
+        system.Remove(temporary.c_str());
         errno = error;
         return false;
     }
-    flushFolder(destination);
+    flushFolder(system, destination);
     return true;
 }
 
@@ -196,17 +185,18 @@ bool isTemporaryName(std::string_view entry, std::string_view name) {
 }
 
 // Under its lock, which a living program would have.
-void removeUnlocked(const std::string& path) {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
+void removeUnlocked(System& system, const std::string& path) {
+    const Descriptor file(
+        system, system.Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
     struct stat info;
-    if (!file.IsOpen() || fstat(file.Number(), &info) != 0 || !S_ISREG(info.st_mode)) return;
-    if (flock(file.Number(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
+    if (!file.IsOpen() || system.StatusOf(file.Number(), info) != 0 || !S_ISREG(info.st_mode)) return;
+    if (system.Lock(file.Number(), LOCK_EX | LOCK_NB) == 0) system.Remove(path.c_str());
 }
 
 // Beside the file itself, so that programs that reach it through different links have one lock. Links in a circle
 // have one of their own.
-std::string lockName(std::string path) {
-    followLinks(path);
+std::string lockName(System& system, std::string path) {
+    followLinks(system, path);
     const std::string folder = folderOf(path);
     return folder + "." + path.substr(folder.size()) + ".lock";
 }
@@ -216,21 +206,22 @@ std::string keptName(const std::string& path, int number) {
     return number == 0 ? name : name + "." + std::to_string(number);
 }
 
-std::string keepCopy(const std::string& path, const std::string& text, std::error_code* reason) {
+std::string keepCopy(System& system, const std::string& path, const std::string& text,
+                     std::error_code* reason) {
     for (int number = 0; number < KEPT_FILES; number++) {
         std::string name = keptName(path, number);
         std::string kept;
-        if (!exists(name)) return WriteFileAtomically(name, text, reason) ? name : "";
-        if (ReadWholeFile(name, kept) && kept == text) return name;
+        if (!exists(system, name)) return writeFileAtomically(name, text, reason, system) ? name : "";
+        if (readWholeFile(name, kept, system) && kept == text) return name;
     }
     return "";
 }
 
-std::string moveAside(const std::string& path, std::error_code* reason) {
+std::string moveAside(System& system, const std::string& path, std::error_code* reason) {
     for (int number = 0; number < KEPT_FILES; number++) {
         std::string name = keptName(path, number);
-        if (exists(name)) continue;
-        if (rename(path.c_str(), name.c_str()) == 0) return name;
+        if (exists(system, name)) continue;
+        if (system.Rename(path.c_str(), name.c_str()) == 0) return name;
         if (reason) *reason = std::error_code(errno, std::generic_category());
         return "";
     }
@@ -239,54 +230,57 @@ std::string moveAside(const std::string& path, std::error_code* reason) {
 
 } // namespace
 
-bool ReadWholeFile(const std::string& path, std::string& text) {
+bool readWholeFile(const std::string& path, std::string& text, System& system) {
     text.clear();
     // Opening a pipe would wait for its other end.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    const Descriptor file(system, system.Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat info;
-    if (!file.IsOpen() || fstat(file.Number(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
-    if (readAll(file.Number(), text)) return true;
+    if (!file.IsOpen() || system.StatusOf(file.Number(), info) != 0 || !S_ISREG(info.st_mode)) return false;
+    if (readAll(system, file.Number(), text)) return true;
     text.clear();
     return false;
 }
 
-bool WriteFileAtomically(const std::string& path, const std::string& text, std::error_code* reason) {
-    if (replaceFile(path, text)) return true;
+bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason,
+                         System& system) {
+    if (replaceFile(system, path, text)) return true;
     if (reason) *reason = std::error_code(errno, std::generic_category());
     return false;
 }
 
-void RemoveLeftovers(const std::string& path) {
+void removeLeftovers(const std::string& path, System& system) {
     std::string file = path;
-    if (!followLinks(file)) return;
+    if (!followLinks(system, file)) return;
     const std::string folder = folderOf(file);
     const std::string name = file.substr(folder.size());
-    const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.empty() ? "." : folder.c_str()),
-                                                     closedir);
+    DIR* const opened = system.OpenFolder(folder.empty() ? "." : folder.c_str());
     if (!opened) return;
-    while (const dirent* const entry = readdir(opened.get())) {
-        if (isTemporaryName(entry->d_name, name)) removeUnlocked(folder + entry->d_name);
+    while (const dirent* const entry = system.NextEntry(opened)) {
+        if (isTemporaryName(entry->d_name, name)) removeUnlocked(system, folder + entry->d_name);
     }
+    system.CloseFolder(opened);
 }
 
-FileLock::FileLock(const std::string& path)
-    : file(open(lockName(path).c_str(), O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
+FileLock::FileLock(const std::string& path, System& calls)
+    : system(calls), file(system.Open(lockName(system, path).c_str(),
+                                      O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
     if (file < 0) return;
     for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; waits--) {
-        isTaken = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        isTaken = system.Lock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
         if (!isTaken) return;
-        usleep(LOCK_PAUSE);
+        system.Pause(LOCK_PAUSE);
     }
 }
 
 FileLock::~FileLock() {
-    if (file >= 0) close(file);
+    if (file >= 0) system.Close(file);
 }
 
-std::string KeepUnreadable(const std::string& path, std::error_code* reason) {
+std::string keepUnreadable(const std::string& path, std::error_code* reason, System& system) {
     struct stat info;
     // A link that leads nowhere holds nothing.
-    if (stat(path.c_str(), &info) != 0 && errno == ENOENT) return "";
+    if (system.Status(path.c_str(), info) != 0 && errno == ENOENT) return "";
     std::string text;
-    return ReadWholeFile(path, text) ? keepCopy(path, text, reason) : moveAside(path, reason);
+    return readWholeFile(path, text, system) ? keepCopy(system, path, text, reason)
+                                             : moveAside(system, path, reason);
 }

@@ -2,26 +2,28 @@
 //
 // Files that must not be lost: written in one step, and kept beside when they cannot be read.
 // It needs POSIX (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of memory.
-#ifndef TALLYQUILL_FILEKEEPING_H
-#define TALLYQUILL_FILEKEEPING_H
+#pragma once
+
+#include "System.h"
 
 #include <string>
 #include <system_error>
 
 // Reads a regular file, or what a symbolic link to one leads to, into `text`. False, with an empty text, for
 // anything else: no such file, no permission, a folder, a device, a pipe, more than 256 MiB. Never waits.
-bool ReadWholeFile(const std::string& path, std::string& text);
+bool readWholeFile(const std::string& path, std::string& text, System& system = System::Real());
 
 // Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner alone,
 // is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file that it leads
 // to is written. Returns whether the text is there now; on a failure the old file is as it was and no other is
 // left. What is there but no regular file (a folder, a device), or may not be written, is not replaced. `reason`,
 // when given, receives why it failed; it stays as it is otherwise.
-bool WriteFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr);
+bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr,
+                         System& system = System::Real());
 
 // Removes what programs left that were killed while they wrote the file or one that is kept beside it: the files
 // "NAME.tallyquill-XXXXXX" in its folder, X being a letter or a digit. One that a program is just writing stays.
-void RemoveLeftovers(const std::string& path);
+void removeLeftovers(const std::string& path, System& system = System::Real());
 
 // As long as it lives, no other program has the lock of the same file: to read the file, change what was read and
 // write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of its own,
@@ -29,7 +31,7 @@ void RemoveLeftovers(const std::string& path);
 class FileLock {
 public:
     // Waits until other programs have given it back, LOCK_SECONDS at most.
-    explicit FileLock(const std::string& path);
+    explicit FileLock(const std::string& path, System& calls = System::Real());
     ~FileLock();
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
@@ -41,6 +43,7 @@ public:
     static constexpr int LOCK_SECONDS = 2;
 
 private:
+    System& system;
     int file;
     bool isTaken = false;
 };
@@ -50,6 +53,5 @@ private:
 // .unreadable.1 to .unreadable.9 follow; a copy that is already there is not made twice. Returns the path of the
 // copy. Empty when there is nothing at `path`, when all ten names are taken, or when the copy could not be made:
 // what is still at `path` is then the only one, and `reason`, when given, receives why no copy could be made.
-std::string KeepUnreadable(const std::string& path, std::error_code* reason = nullptr);
-
-#endif
+std::string keepUnreadable(const std::string& path, std::error_code* reason = nullptr,
+                           System& system = System::Real());

@@ -515,7 +515,7 @@ std::string FunctionsFileText(const ZqCalculator& calc) {
 
 FunctionsFileResult ReadFunctionsFile(ZqCalculator& calc, const std::string& path) {
     FunctionsFileResult result;
-    result.opened = ReadWholeFile(path, result.text);
+    result.opened = readWholeFile(path, result.text);
     if (!result.opened) return result;
     const EngineState state(calc);
     takeText(calc, result);

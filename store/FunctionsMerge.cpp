@@ -92,6 +92,6 @@ bool FunctionsMerge::Write(const std::string& path, const std::string& ours, std
         return false;
     }
     std::string present;
-    ReadWholeFile(path, present);
-    return WriteFileAtomically(path, Merge(ours, present), &reason);
+    readWholeFile(path, present);
+    return writeFileAtomically(path, Merge(ours, present), &reason);
 }

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <pwd.h>
 #include <unistd.h>
 
 #include <GNUstepGUI/GSDisplayServer.h>
@@ -95,31 +94,6 @@ static int endWithoutDisplay(Display*) {
 void platformAfterLaunch() {
     setlocale(LC_NUMERIC, "C");
     XSetIOErrorHandler(endWithoutDisplay);
-}
-
-static NSString* homeFolder() {
-    const char* home = getenv("HOME");
-    if (!home || home[0] != '/') {
-        const struct passwd* const user = getpwuid(getuid());
-        home = user ? user->pw_dir : nullptr;
-    }
-    return home ? [NSString stringWithUTF8String:home] : nil;
-}
-
-NSString* platformSupportFolder() {
-    const char* const data = getenv("XDG_DATA_HOME");
-    if (data && data[0] == '/') return [NSString stringWithUTF8String:data];
-    return [homeFolder() stringByAppendingPathComponent:@".local/share"];
-}
-
-bool platformMakeFolder(NSString* path) {
-    // The data of one person is no one else's.
-    NSDictionary* const attributes = [NSDictionary dictionaryWithObject:[NSNumber numberWithUnsignedInt:0700]
-                                                                 forKey:NSFilePosixPermissions];
-    return [[NSFileManager defaultManager] createDirectoryAtPath:path
-                                     withIntermediateDirectories:YES
-                                                      attributes:attributes
-                                                           error:NULL];
 }
 
 NSArray* platformFileArguments(int argc, const char* const* argv) {

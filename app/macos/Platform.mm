@@ -27,19 +27,6 @@ void platformAfterLaunch() {
     setlocale(LC_NUMERIC, "C");
 }
 
-NSString* platformSupportFolder() {
-    NSArray* const folders =
-        NSSearchPathForDirectoriesInDomains(NSApplicationSupportDirectory, NSUserDomainMask, YES);
-    return [folders count] > 0 ? [folders objectAtIndex:0] : nil;
-}
-
-bool platformMakeFolder(NSString* path) {
-    return [[NSFileManager defaultManager] createDirectoryAtPath:path
-                                     withIntermediateDirectories:NO
-                                                      attributes:nil
-                                                           error:NULL];
-}
-
 NSArray* platformFileArguments(int, const char* const*) {
     return @[];
 }

@@ -233,16 +233,6 @@ TEST_F(DamagedSettings, aHomeThatDoesNotExistLetsTheProgramWorkWithoutSaving) {
     setenv("HOME", before.c_str(), 1);
 }
 
-TEST_F(DamagedSettings, withoutAHomeTheSystemSaysWhereItIs) {
-    const std::string before = getenv("HOME") ? getenv("HOME") : "/";
-    unsetenv("XDG_DATA_HOME");
-    unsetenv("HOME");
-    NSString* const found = platformSupportFolder(); // a person's own: it is left alone
-    setenv("HOME", before.c_str(), 1);
-    EXPECT_TRUE([found isAbsolutePath]);
-    EXPECT_TRUE([found hasSuffix:@"/.local/share"]);
-}
-
 TEST_F(DamagedSettings, aFolderWhoseNameIsNoTextLetsTheProgramWork) {
     setenv("XDG_DATA_HOME", (home + "/\xff\xfe").c_str(), 1);
     ASSERT_EQ(chdir(home.c_str()), 0);

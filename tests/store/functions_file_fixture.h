@@ -48,7 +48,7 @@ protected:
 
     // Ends this run and begins the next one.
     FunctionsFileResult NextRun() {
-        EXPECT_TRUE(WriteFileAtomically(path, Text()));
+        EXPECT_TRUE(writeFileAtomically(path, Text()));
         StartAgain();
         return ReadFunctionsFile(*calc, path);
     }

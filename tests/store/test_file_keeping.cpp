@@ -70,25 +70,25 @@ TEST_F(FileKeeping, everyByteIsRead) {
     for (int i = 0; i < 200000; i++) bytes += static_cast<char>(i % 256);
     putContent(path, bytes);
     std::string text = "before";
-    EXPECT_TRUE(ReadWholeFile(path, text));
+    EXPECT_TRUE(readWholeFile(path, text));
     EXPECT_EQ(bytes, text);
 }
 
 TEST_F(FileKeeping, onlyRegularFilesAreRead) {
     std::string text = "before";
-    EXPECT_FALSE(ReadWholeFile(path, text));
+    EXPECT_FALSE(readWholeFile(path, text));
     EXPECT_EQ("", text);
-    EXPECT_FALSE(ReadWholeFile(folder.Path(), text));
-    EXPECT_FALSE(ReadWholeFile("/dev/zero", text));
-    EXPECT_FALSE(ReadWholeFile("", text));
+    EXPECT_FALSE(readWholeFile(folder.Path(), text));
+    EXPECT_FALSE(readWholeFile("/dev/zero", text));
+    EXPECT_FALSE(readWholeFile("", text));
     ASSERT_EQ(0, mkfifo(path.c_str(), 0600));
-    EXPECT_FALSE(ReadWholeFile(path, text)); // and does not wait for a writer
+    EXPECT_FALSE(readWholeFile(path, text)); // and does not wait for a writer
 }
 
 // --- Writing ---
 
 TEST_F(FileKeeping, aNewFileIsItsOwnersAlone) {
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n"));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(path));
     EXPECT_EQ(0600U, permissions(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
@@ -98,17 +98,17 @@ TEST_F(FileKeeping, anOldFileIsReplacedByAnother) {
     putContent(path, "old, and longer than the new one\n");
     const std::string other = folder.File("other");
     ASSERT_EQ(0, link(path.c_str(), other.c_str()));
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n"));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(path));
     EXPECT_EQ("old, and longer than the new one\n", contentOf(other)); // nobody ever sees half of it
-    EXPECT_TRUE(WriteFileAtomically(path, ""));
+    EXPECT_TRUE(writeFileAtomically(path, ""));
     EXPECT_EQ("", contentOf(path));
 }
 
 TEST_F(FileKeeping, theNameOfAFileInTheCurrentFolderNeedsNoFolder) {
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder.Path());
-    EXPECT_TRUE(WriteFileAtomically("file", "new\n"));
+    EXPECT_TRUE(writeFileAtomically("file", "new\n"));
     std::filesystem::current_path(before);
     EXPECT_EQ("new\n", contentOf(path));
 }
@@ -118,7 +118,7 @@ TEST_F(FileKeeping, aSymbolicLinkStaysAndItsFileIsWritten) {
     putContent(folder.File("dots/real"), "old\n");
     ASSERT_EQ(0, symlink("dots/real", folder.File("second").c_str()));
     ASSERT_EQ(0, symlink(folder.File("second").c_str(), path.c_str()));
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n"));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(folder.File("dots/real")));
     EXPECT_TRUE(std::filesystem::is_symlink(path));
     EXPECT_TRUE(std::filesystem::is_symlink(folder.File("second")));
@@ -127,7 +127,7 @@ TEST_F(FileKeeping, aSymbolicLinkStaysAndItsFileIsWritten) {
 
 TEST_F(FileKeeping, aSymbolicLinkToNoFileYetMakesIt) {
     ASSERT_EQ(0, symlink("real", path.c_str()));
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n"));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(folder.File("real")));
     EXPECT_TRUE(std::filesystem::is_symlink(path));
 }
@@ -135,7 +135,7 @@ TEST_F(FileKeeping, aSymbolicLinkToNoFileYetMakesIt) {
 TEST_F(FileKeeping, symbolicLinksInACircleAreGivenUp) {
     ASSERT_EQ(0, symlink("other", path.c_str()));
     ASSERT_EQ(0, symlink("file", folder.File("other").c_str()));
-    EXPECT_FALSE(WriteFileAtomically(path, "new\n"));
+    EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ((Names{"file", "other"}), folder.Names());
 }
 
@@ -144,21 +144,21 @@ TEST_F(FileKeeping, symbolicLinksInACircleAreGivenUp) {
 TEST_F(FileKeeping, aLinkToADeviceDoesNotReplaceTheDevice) {
     ASSERT_EQ(0, mkfifo(folder.File("pipe").c_str(), 0600));
     ASSERT_EQ(0, symlink("pipe", path.c_str()));
-    EXPECT_FALSE(WriteFileAtomically(path, "new\n"));
+    EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     EXPECT_TRUE(std::filesystem::is_fifo(folder.File("pipe")));
     EXPECT_EQ((Names{"file", "pipe"}), folder.Names());
 }
 
 TEST_F(FileKeeping, aFolderInTheFilesPlaceStays) {
     ASSERT_TRUE(std::filesystem::create_directory(path));
-    EXPECT_FALSE(WriteFileAtomically(path, "new\n"));
+    EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     EXPECT_TRUE(std::filesystem::is_directory(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
 TEST_F(FileKeeping, aMissingFolderIsAFailure) {
-    EXPECT_FALSE(WriteFileAtomically(folder.File("none/file"), "new\n"));
-    EXPECT_FALSE(WriteFileAtomically("", "new\n"));
+    EXPECT_FALSE(writeFileAtomically(folder.File("none/file"), "new\n"));
+    EXPECT_FALSE(writeFileAtomically("", "new\n"));
     EXPECT_EQ(Names{}, folder.Names());
 }
 
@@ -168,7 +168,7 @@ TEST_F(FileKeeping, aFolderThatMayNotBeWrittenKeepsTheOldFile) {
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0555));
     {
         const WithoutPrivileges somebody;
-        EXPECT_FALSE(WriteFileAtomically(path, "new\n"));
+        EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     }
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0755));
     EXPECT_EQ("old\n", contentOf(path));
@@ -181,7 +181,7 @@ TEST_F(FileKeeping, aFileThatMayNotBeWrittenStays) {
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0777));
     {
         const WithoutPrivileges somebody;
-        EXPECT_FALSE(WriteFileAtomically(path, "new\n"));
+        EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     }
     EXPECT_EQ("old\n", contentOf(path));
 }
@@ -190,19 +190,34 @@ TEST_F(FileKeeping, aFullDiskKeepsTheOldFile) {
     putContent(path, "old\n");
     {
         const FileSizeLimit full(1000);
-        EXPECT_FALSE(WriteFileAtomically(path, std::string(5000, 'x')));
+        EXPECT_FALSE(writeFileAtomically(path, std::string(5000, 'x')));
     }
     EXPECT_EQ("old\n", contentOf(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
+TEST_F(FileKeeping, aFailedCallKeepsTheOldFileAndLeavesNoOther) {
+    class Broken : public System {
+        int Sync(int /*file*/) override {
+            errno = EIO;
+            return -1;
+        }
+    } broken;
+    putContent(path, "old");
+    std::error_code reason;
+    EXPECT_FALSE(writeFileAtomically(path, "new", &reason, broken));
+    EXPECT_EQ(std::errc::io_error, reason);
+    EXPECT_EQ("old", contentOf(path));
+    EXPECT_EQ(Names{"file"}, folder.Names());
+}
+
 TEST_F(FileKeeping, aFailureSaysWhy) {
     std::error_code reason;
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n", &reason));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n", &reason));
     EXPECT_FALSE(reason);
     const auto failure = [](const std::string& file) {
         std::error_code why;
-        EXPECT_FALSE(WriteFileAtomically(file, std::string(5000, 'x'), &why));
+        EXPECT_FALSE(writeFileAtomically(file, std::string(5000, 'x'), &why));
         return why;
     };
     EXPECT_EQ(std::errc::not_a_directory, failure(path + "/file"));
@@ -226,7 +241,7 @@ protected:
             const rlimit noCore = {};
             setrlimit(RLIMIT_CORE, &noCore);
             signal(SIGXFSZ, SIG_DFL);
-            WriteFileAtomically(path, std::string(size_t{1} << 20, 'x'));
+            writeFileAtomically(path, std::string(size_t{1} << 20, 'x'));
             _exit(0);
         }
         int status = 0;
@@ -236,14 +251,14 @@ protected:
 };
 
 TEST_F(Leftovers, ofProgramsThatWereKilledWhileTheyWroteAreRemoved) {
-    ASSERT_TRUE(WriteFileAtomically(path, "whole\n"));
+    ASSERT_TRUE(writeFileAtomically(path, "whole\n"));
     WriteHalf();
     WriteHalf();
     ASSERT_EQ(3U, folder.Names().size());
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     EXPECT_EQ(Names{"file"}, folder.Names());
     std::string text;
-    EXPECT_TRUE(ReadWholeFile(path, text));
+    EXPECT_TRUE(readWholeFile(path, text));
     EXPECT_EQ("whole\n", text);
 }
 
@@ -253,7 +268,7 @@ TEST_F(Leftovers, ofALinkedFileAndOfKeptOnesAreRemoved) {
     putContent(folder.File("dots/real.tallyquill-aB3dEf"), "half");
     putContent(folder.File("dots/real.unreadable.7.tallyquill-aB3dEf"), "half");
     putContent(folder.File("file.tallyquill-aB3dEf"), "not of this file");
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     EXPECT_TRUE(std::filesystem::is_empty(folder.File("dots")));
     EXPECT_EQ((Names{"dots", "file", "file.tallyquill-aB3dEf"}), folder.Names());
 }
@@ -270,7 +285,7 @@ TEST_F(Leftovers, thatAreNotOursStay) {
     for (const std::string& name : others) putContent(folder.File(name), "a person's");
     ASSERT_TRUE(std::filesystem::create_directory(folder.File("file.tallyquill-folder")));
     ASSERT_EQ(0, symlink("file.backup", folder.File("file.tallyquill-linked").c_str()));
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     EXPECT_EQ(others.size() + 2, folder.Names().size());
 }
 
@@ -280,10 +295,10 @@ TEST_F(Leftovers, ofALivingProgramStay) {
     putContent(name, "half");
     const int writing = open(name.c_str(), O_RDWR | O_CLOEXEC);
     ASSERT_EQ(0, flock(writing, LOCK_EX));
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     EXPECT_EQ(Names{"file.tallyquill-abcdef"}, folder.Names());
     close(writing);
-    RemoveLeftovers(path);
+    removeLeftovers(path);
     EXPECT_EQ(Names{}, folder.Names());
 }
 
@@ -291,11 +306,11 @@ TEST_F(Leftovers, areRemovedWhileAnotherProgramWritesWithoutHarm) {
     const pid_t child = fork();
     if (child == 0) {
         bool isWritten = true;
-        for (int i = 0; i < 300 && isWritten; i++) isWritten = WriteFileAtomically(path, "text\n");
+        for (int i = 0; i < 300 && isWritten; i++) isWritten = writeFileAtomically(path, "text\n");
         _exit(isWritten ? 0 : 1);
     }
     int status = -1;
-    while (waitpid(child, &status, WNOHANG) == 0) RemoveLeftovers(path);
+    while (waitpid(child, &status, WNOHANG) == 0) removeLeftovers(path);
     EXPECT_EQ(0, status);
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
@@ -344,8 +359,8 @@ TEST_F(FileKeeping, whereNoLockCanBeHadNobodyIsKeptOut) {
 
 TEST_F(FileKeeping, aFileIsCopiedBesideOnce) {
     putContent(path, "one");
-    EXPECT_EQ(path + ".unreadable", KeepUnreadable(path));
-    EXPECT_EQ(path + ".unreadable", KeepUnreadable(path));
+    EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
+    EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
     EXPECT_EQ("one", contentOf(path));
     EXPECT_EQ("one", contentOf(path + ".unreadable"));
     EXPECT_EQ((Names{"file", "file.unreadable"}), folder.Names());
@@ -354,28 +369,28 @@ TEST_F(FileKeeping, aFileIsCopiedBesideOnce) {
 TEST_F(FileKeeping, otherContentIsKeptUnderTheNextOfTenNames) {
     for (int i = 0; i < 10; i++) {
         putContent(path, std::to_string(i));
-        EXPECT_EQ(path + ".unreadable" + (i == 0 ? "" : "." + std::to_string(i)), KeepUnreadable(path));
+        EXPECT_EQ(path + ".unreadable" + (i == 0 ? "" : "." + std::to_string(i)), keepUnreadable(path));
     }
     EXPECT_EQ(11U, folder.Names().size());
     putContent(path, "one more");
-    EXPECT_EQ("", KeepUnreadable(path));
+    EXPECT_EQ("", keepUnreadable(path));
     EXPECT_EQ("one more", contentOf(path));
     putContent(path, "7");
-    EXPECT_EQ(path + ".unreadable.7", KeepUnreadable(path));
+    EXPECT_EQ(path + ".unreadable.7", keepUnreadable(path));
     EXPECT_EQ("0", contentOf(path + ".unreadable"));
     EXPECT_EQ("9", contentOf(path + ".unreadable.9"));
 }
 
 TEST_F(FileKeeping, whatIsNotThereIsNotKept) {
-    EXPECT_EQ("", KeepUnreadable(path));
+    EXPECT_EQ("", keepUnreadable(path));
     ASSERT_EQ(0, symlink("nowhere", path.c_str()));
-    EXPECT_EQ("", KeepUnreadable(path));
+    EXPECT_EQ("", keepUnreadable(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
 TEST_F(FileKeeping, anEmptyFileIsKept) {
     putContent(path, "");
-    EXPECT_EQ(path + ".unreadable", KeepUnreadable(path));
+    EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
     EXPECT_EQ((Names{"file", "file.unreadable"}), folder.Names());
 }
 
@@ -383,11 +398,11 @@ TEST_F(FileKeeping, aFolderIsMovedAside) {
     putContent(path + ".unreadable", "taken");
     ASSERT_TRUE(std::filesystem::create_directory(path));
     putContent(path + "/inside", "kept");
-    EXPECT_EQ(path + ".unreadable.1", KeepUnreadable(path));
+    EXPECT_EQ(path + ".unreadable.1", keepUnreadable(path));
     EXPECT_EQ("kept", contentOf(path + ".unreadable.1/inside"));
     EXPECT_EQ("taken", contentOf(path + ".unreadable"));
     EXPECT_FALSE(std::filesystem::exists(path));
-    EXPECT_TRUE(WriteFileAtomically(path, "new\n"));
+    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
 }
 
 TEST_F(FileKeeping, aFileWithoutPermissionIsMovedAside) {
@@ -397,7 +412,7 @@ TEST_F(FileKeeping, aFileWithoutPermissionIsMovedAside) {
     std::string kept;
     {
         const WithoutPrivileges somebody;
-        kept = KeepUnreadable(path);
+        kept = keepUnreadable(path);
     }
     EXPECT_EQ(path + ".unreadable", kept);
     ASSERT_EQ(Names{"file.unreadable"}, folder.Names());
@@ -409,7 +424,7 @@ TEST_F(FileKeeping, aFileThatCannotBeKeptStays) {
     putContent(path, std::string(5000, 'x'));
     {
         const FileSizeLimit full(1000);
-        EXPECT_EQ("", KeepUnreadable(path));
+        EXPECT_EQ("", keepUnreadable(path));
     }
     EXPECT_EQ(std::string(5000, 'x'), contentOf(path));
     EXPECT_EQ(Names{"file"}, folder.Names());

@@ -250,7 +250,7 @@ TEST_F(FunctionsFile, unitsAreThereAgain) {
 
 TEST_F(FunctionsFile, aUnitThatIsThereIsNotDefinedTwice) {
     Enter("unit smoot=67 inch");
-    ASSERT_TRUE(WriteFileAtomically(path, Text()));
+    ASSERT_TRUE(writeFileAtomically(path, Text()));
     EXPECT_FALSE(ReadFunctionsFile(*calc, path).damaged);
     EXPECT_EQ(1, calc->unitDefs.count);
     EXPECT_TRUE(IsDamaged(fileWith("unit smoot=67 inch\nunit smoot=68 inch\nunit smoot=67 inch\n")));
@@ -311,7 +311,7 @@ TEST_F(FunctionsFile, aLineFeedInTheHistoryBecomesABlank) {
 
 TEST_F(FunctionsFile, theHistoryKeepsItsNewestLines) {
     for (int i = 0; i < 99; i++) Enter("1+" + std::to_string(i));
-    ASSERT_TRUE(WriteFileAtomically(path, Text()));
+    ASSERT_TRUE(writeFileAtomically(path, Text()));
     StartAgain();
     calc->history.SetMaxEntries(30);
     EXPECT_FALSE(ReadFunctionsFile(*calc, path).damaged);

@@ -26,7 +26,7 @@ TEST_F(ReadingAFunctionsFile, europeanAndTenKeyDoNotCountAndStay) {
     Enter("f(x,y)=1.5*x-2e-3*y");
     Enter("v=1234.5");
     const std::string before = Text();
-    ASSERT_TRUE(WriteFileAtomically(path, before));
+    ASSERT_TRUE(writeFileAtomically(path, before));
     for (const bool european : {false, true}) {
         StartAgain();
         calc->european = european;
@@ -89,7 +89,7 @@ TEST_F(ReadingAFunctionsFile, noLineRepeatsTheHistory) {
     Enter("");
     EXPECT_EQ("ans = 3\n", Answer("a"));
     Enter("a=a+1");
-    EXPECT_TRUE(WriteFileAtomically(path, Text()));
+    EXPECT_TRUE(writeFileAtomically(path, Text()));
     EXPECT_FALSE(
         ReadFunctionsFile(*calc, path).damaged); // in the same run: the entry is the newest of the history
     EXPECT_EQ("ans = 4\n", Answer("a"));
