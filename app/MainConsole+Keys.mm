@@ -14,6 +14,18 @@
 // With one of these a key press edits or moves instead of typing; so does a function key.
 static const NSUInteger EDITING_FLAGS = NSCommandKeyMask | NSControlKeyMask;
 
+static_assert(SHIFT_KEY == NSShiftKeyMask && CONTROL_KEY == NSControlKeyMask &&
+                  COMMAND_KEY == NSCommandKeyMask && FUNCTION_KEY == NSFunctionKeyMask,
+              "the flags are AppKit's");
+
+KeyPress keyPress(NSEvent* event) {
+    NSString* const plain = [event charactersIgnoringModifiers];
+    NSString* const typed = [event characters];
+    return {platformKeyCode(event),
+            [plain length] == 1 ? [plain characterAtIndex:0] : static_cast<unichar>(0),
+            [typed length] > 0 ? [typed characterAtIndex:0] : static_cast<unichar>(0), [event modifierFlags]};
+}
+
 @implementation MainConsole (Keys)
 
 // The result of the entry as it now is, in the status line.
@@ -31,26 +43,27 @@ static const NSUInteger EDITING_FLAGS = NSCommandKeyMask | NSControlKeyMask;
 }
 
 - (void)keyDown:(NSEvent*)event {
+    const KeyPress press = keyPress(event);
     prevKey = keyCode;
-    keyCode = platformKeyCode(event) & 0xffffU;
+    keyCode = press.code & 0xffffU;
     // Control-A goes to the start of the entry, as Control with the left arrow does.
-    if (keyCode == KEY_A && ([event modifierFlags] & NSControlKeyMask)) keyCode = KEY_LEFT;
-    switch (keyCode) {
-    case KEY_RETURN:
-    case KEY_ENTER:
+    if (keyCode == KEY_A && (press.held & CONTROL_KEY)) keyCode = KEY_LEFT;
+    const KeyAction action = actionOf(press);
+    switch (action) {
+    case KeyAction::Commit:
         update_match_str = 0;
         [self ProcessResult:nullptr:NO];
         break;
-    case KEY_TAB: [self completeName]; break;
-    case KEY_ESCAPE: [self escape]; break;
-    case KEY_BACKSPACE: [self guardedDelete:event passing:false]; break;
-    case KEY_FORWARD_DELETE: [self forwardDelete:event]; break;
-    case KEY_HOME: [self goHome:event]; break;
-    case KEY_END: [self goToLineEnd:event]; break;
-    case KEY_LEFT: [self goLeft:event]; break;
-    case KEY_RIGHT: [self pass:event]; break;
-    case KEY_UP:
-    case KEY_DOWN: [self walkHistory:keyCode == KEY_UP]; break;
+    case KeyAction::Complete: [self completeName]; break;
+    case KeyAction::Escape: [self escape]; break;
+    case KeyAction::Backspace: [self guardedDelete:event passing:false]; break;
+    case KeyAction::Delete: [self forwardDelete:event]; break;
+    case KeyAction::Home: [self goHome:event]; break;
+    case KeyAction::End: [self goToLineEnd:event]; break;
+    case KeyAction::Left: [self goLeft:event]; break;
+    case KeyAction::Right: [self pass:event]; break;
+    case KeyAction::Up:
+    case KeyAction::Down: [self walkHistory:action == KeyAction::Up]; break;
     default: [self type:event];
     }
 }
@@ -158,13 +171,10 @@ static const NSUInteger EDITING_FLAGS = NSCommandKeyMask | NSControlKeyMask;
 // The cursor does not enter the prompt.
 - (void)goLeft:(NSEvent*)event {
     const NSUInteger place = [self selectedRange].location;
-    if ([event modifierFlags] & (NSControlKeyMask | NSCommandKeyMask)) {
-        [self goHome:event];
-    } else if (place + 2 >= [self lineStart] && place <= [self lineStart]) {
+    if (place + 2 >= [self lineStart] && place <= [self lineStart])
         [self live];
-    } else {
+    else
         [self pass:event];
-    }
 }
 
 // --- History ---

@@ -144,11 +144,7 @@ static NSString* const PROMPT = @"> ";
                                                  inMode:NSDefaultRunLoopMode
                                                 dequeue:YES];
     if (!event) return 0;
-    if (platformKeyCode(event) == KEY_ESCAPE) return 1;
-    NSString* const key = [event charactersIgnoringModifiers];
-    const NSUInteger flags = [event modifierFlags];
-    if ((flags & NSCommandKeyMask) && [key isEqualToString:@"q"]) return 1;
-    return (flags & NSControlKeyMask) && [key isEqualToString:@"c"] ? 1 : 0;
+    return isInterrupt(keyPress(event)) ? 1 : 0;
 }
 
 - (void)updateStatusbar:(const char*)text {

@@ -21,6 +21,7 @@
 #import <AppKit/AppKit.h>
 
 #include "Calculator.h"
+#include "Keys.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -241,6 +242,8 @@ extern NSString* prefFilePath;
 - (BOOL)superValidateMenuItem:(NSMenuItem*)item;
 - (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text;
 @end
+
+KeyPress keyPress(NSEvent* event);
 
 // Text from an 8-bit string, as it may be shown (ShownText.h), and back. latin1Bytes gives nil when the text has a character that is not ISO Latin-1.
 NSString* textFromBytes(const char* bytes);

@@ -6,25 +6,7 @@
 
 #import <AppKit/AppKit.h>
 
-#include <cstdint>
-
-// Virtual key codes as macOS has them.
-enum VirtualKey : uint32_t {
-    KEY_A = 0,
-    KEY_RETURN = 36,
-    KEY_TAB = 48,
-    KEY_BACKSPACE = 51,
-    KEY_ESCAPE = 53,
-    KEY_ENTER = 76, // keypad
-    KEY_HOME = 115,
-    KEY_FORWARD_DELETE = 117,
-    KEY_END = 119,
-    KEY_LEFT = 123,
-    KEY_RIGHT = 124,
-    KEY_DOWN = 125,
-    KEY_UP = 126,
-    KEY_OTHER = 0xffff // any other key, on GNUstep
-};
+#include "Keys.h"
 
 // Whether the window manager has asked for this window to be closed, which waits in the queue of events and stays
 // there. Other windows are closed at once. On macOS a click does that, which is not looked for.

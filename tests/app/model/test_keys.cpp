@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+//
+// The table of keys: what is found for a key press, and that the guide says the same.
+#include "Keys.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <cstring>
+#include <fstream>
+#include <set>
+#include <string>
+
+namespace {
+
+KeyPress press(uint32_t code, unsigned long held = 0) {
+    return {code, 0, 0, held};
+}
+
+KeyPress character(char16_t plain, unsigned long held = 0) {
+    return {KEY_OTHER, plain, plain, held};
+}
+
+// --- What is found ---
+
+TEST(Keys, aKeyWithAModifierComesBeforeTheKeyAlone) {
+    EXPECT_EQ(actionOf(press(KEY_LEFT)), KeyAction::Left);
+    EXPECT_EQ(actionOf(press(KEY_LEFT, SHIFT_KEY)), KeyAction::Left);
+    EXPECT_EQ(actionOf(press(KEY_LEFT, CONTROL_KEY)), KeyAction::Home);
+    EXPECT_EQ(actionOf(press(KEY_LEFT, COMMAND_KEY | SHIFT_KEY)), KeyAction::Home);
+    EXPECT_EQ(actionOf(press(KEY_A, CONTROL_KEY)), KeyAction::Home);
+    EXPECT_EQ(actionOf(press(KEY_A)), KeyAction::Type);
+}
+
+TEST(Keys, operatorsAreToldByWhatIsTyped) {
+    EXPECT_EQ(actionOf(character('*')), KeyAction::Operator);
+    EXPECT_EQ(actionOf({KEY_OTHER, '8', '*', SHIFT_KEY}), KeyAction::Operator);
+    EXPECT_EQ(actionOf({KEY_OTHER, '*', 'x', 0}), KeyAction::Type);
+    EXPECT_EQ(actionOf(character('-')), KeyAction::Minus);
+    EXPECT_EQ(actionOf(character('-', COMMAND_KEY)), KeyAction::Type);
+    EXPECT_EQ(actionOf(character('-', CONTROL_KEY)), KeyAction::Type);
+}
+
+TEST(Keys, theMenusKeysAreLeftToTheMenusButForCopy) {
+    EXPECT_EQ(actionOf(character('v', COMMAND_KEY)), KeyAction::Type);
+    EXPECT_EQ(actionOf(character('c', COMMAND_KEY)), KeyAction::Copy);
+    EXPECT_EQ(actionOf(character('c')), KeyAction::Type);
+    EXPECT_EQ(actionOf(character(0x163, COMMAND_KEY)), KeyAction::Type)
+        << "0x63, which is c, in its low byte";
+}
+
+TEST(Keys, threeOfThemEndWhatRuns) {
+    EXPECT_TRUE(isInterrupt(press(KEY_ESCAPE)));
+    EXPECT_TRUE(isInterrupt(character('q', COMMAND_KEY)));
+    EXPECT_TRUE(isInterrupt({KEY_OTHER, 'c', 3, CONTROL_KEY}));
+    EXPECT_FALSE(isInterrupt(character('q')));
+    EXPECT_FALSE(isInterrupt(character('c', COMMAND_KEY)));
+    EXPECT_FALSE(isInterrupt(press(KEY_RETURN)));
+}
+
+// --- The rows ---
+
+TEST(Keys, areNotTakenTwice) {
+    std::set<std::string> seen;
+    for (const KeyRow& row : keyTable()) {
+        if (row.name[0] == '\0') continue;
+        const bool isInterrupt = row.action == KeyAction::Interrupt;
+        EXPECT_TRUE(seen.insert(row.name + std::string(isInterrupt ? " while something runs" : "")).second)
+            << row.name;
+    }
+}
+
+TEST(Keys, withACharacterAreNamedForIt) {
+    for (const KeyRow& row : keyTable()) {
+        if (row.character == 0 || row.character == ',') continue;
+        std::string name;
+        if (row.held & CONTROL_KEY) name += "Control-";
+        if (row.held & COMMAND_KEY) name += "Command-";
+        if (isupper(row.character)) name += "Shift-";
+        name += static_cast<char>(toupper(row.character));
+        EXPECT_EQ(row.name, row.held == 0 ? "`" + name + "`" : name);
+    }
+}
+
+// --- The guide ---
+
+// The lines of the guide's table of keys, without its head.
+std::vector<std::string> guideRows() {
+    std::ifstream guide(TALLYQUILL_GUIDE);
+    std::string line;
+    while (std::getline(guide, line) && line != "## Keys") {
+    }
+    std::vector<std::string> rows;
+    while (std::getline(guide, line) && line.rfind("## ", 0) != 0) {
+        if (line[0] == '|') rows.push_back(line);
+    }
+    if (rows.size() > 2) rows.erase(rows.begin(), rows.begin() + 2);
+    return rows;
+}
+
+std::vector<std::string> tableRows() {
+    std::vector<std::string> rows;
+    std::string names;
+    std::string does;
+    const auto end = [&] {
+        if (!names.empty()) rows.push_back("| " + names + " | " + does + " |");
+    };
+    for (const KeyRow& row : keyTable()) {
+        if (row.name[0] == '\0') continue;
+        if (!row.does) {
+            names += std::string(", ") + row.name;
+            continue;
+        }
+        end();
+        names = row.name;
+        does = row.does;
+    }
+    end();
+    return rows;
+}
+
+TEST(Keys, areThoseOfTheGuide) {
+    EXPECT_EQ(guideRows(), tableRows());
+}
+
+} // namespace
