@@ -1,38 +1,18 @@
 // SPDX-License-Identifier: MIT
-//
-// Calls of functions: reading a call, the predefined functions, and the report of arithmetic errors.
-#include "Call.h"
+#include "Builtins.h"
+
 #include "Helpers_String.h"
+#include "MathError.h"
+#include "Outcome.h"
+#include "Scanner.h"
+#include "Settings.h"
+#include "Spending.h"
 #include "qtrig.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
-
-void ZqCalculator::InitializeFunctionsAndVars() {
-    // Tab completion goes from the last to the first.
-    static const char* const names[] = {"sinc", "tanh", "cosh", "sinh", "rand", "floor", "round",
-                                        "ceil", "abs",  "atan", "acos", "asin", "tan",   "cos",
-                                        "sin",  "exp",  "ln",   "log",  "sqrt"};
-    InitializeVarsList();
-    srand(static_cast<unsigned>(clock()));
-    for (const char* name : names) {
-        char parameter[] = "x";
-        funcs.AddFunction(name, parameter, nullptr);
-    }
-    const bool wasEuropean = european;
-    const bool wasTenKey = tenKey;
-    european = tenKey = false; // the definition is written with ',' and signs in front
-    DefineFunction("mod(x,d)=x%d");
-    european = wasEuropean;
-    tenKey = wasTenKey;
-    message[0] = '\0';
-    initialized = true;
-}
-
-// --- The predefined functions of one argument ---
+#include <string>
 
 namespace {
 
@@ -91,45 +71,43 @@ void qrandom(const qfloat x, qfloat y) {
     etoq(&d, y);
 }
 
-enum AngleUse { NO_ANGLE, TAKES_ANGLE, GIVES_ANGLE };
+const char* const LOG_OF_NEGATIVE = "** ERROR: %s of negative number: %g **\n";
+const char* const LOG_OF_ZERO = "** ERROR: %s of zero **\n";
+const char* const ROOT_OF_NEGATIVE = "** ERROR: sqrt of negative number **\n";
 
-typedef void (*Compute)(const qfloat x, qfloat y);
+} // namespace
 
-struct Predefined {
-    const char* name;
-    Compute compute;
-    AngleUse angle;
-    Compute ofDegrees = nullptr; // TAKES_ANGLE
-};
-
-const Predefined predefined[] = {
-    {"sqrt", qsqrt, NO_ANGLE},
-    {"abs", qabsolute, NO_ANGLE},
-    {"exp", qexp, NO_ANGLE},
-    {"round", qround, NO_ANGLE},
-    {"ceil", qceil, NO_ANGLE},
-    {"floor", qfloorFixed, NO_ANGLE},
-    {"sinh", qsinh, NO_ANGLE},
-    {"cosh", qcosh, NO_ANGLE},
-    {"tanh", qtanh, NO_ANGLE},
-    {"sin", qsin, TAKES_ANGLE, qsindeg},
-    {"cos", qcos, TAKES_ANGLE, qcosdeg},
-    {"tan", qtan, TAKES_ANGLE, qtandeg},
-    {"asin", qasin, GIVES_ANGLE},
-    {"acos", qacos, GIVES_ANGLE},
-    {"atan", qatn, GIVES_ANGLE},
-    {"rand", qrandom, NO_ANGLE},
-};
-
-const Predefined* findPredefined(const char* name) {
-    for (const Predefined& function : predefined) {
-        if (strIsEqual(function.name, name)) return &function;
-    }
-    return nullptr;
+const std::vector<Builtin>& builtinTable() {
+    using Kind = BuiltinKind;
+    static const std::vector<Builtin> table = {
+        {"sinc", "x", nullptr, nullptr}, // a name alone
+        {"tanh", "x", "hyperbolic tangent", qtanh},
+        {"cosh", "x", "hyperbolic cosine", qcosh},
+        {"sinh", "x", "hyperbolic sine", qsinh},
+        {"rand", "x", "another random number from 0 to x each time", qrandom},
+        {"floor", "x", "the largest whole number that is not above x", qfloorFixed},
+        {"round", "x", "the nearest whole number; halves go away from zero", qround},
+        {"ceil", "x", "the smallest whole number that is not below x", qceil},
+        {"abs", "x", "x without its sign", qabsolute},
+        {"atan", "x", "inverse tangent, an angle", qatn, Kind::GIVES_ANGLE},
+        {"acos", "x", "inverse cosine, an angle", qacos, Kind::GIVES_ANGLE},
+        {"asin", "x", "inverse sine, an angle", qasin, Kind::GIVES_ANGLE},
+        {"tan", "x", "tangent of the angle x", qtan, Kind::OF_ANGLE, qtandeg},
+        {"cos", "x", "cosine of the angle x", qcos, Kind::OF_ANGLE, qcosdeg},
+        {"sin", "x", "sine of the angle x", qsin, Kind::OF_ANGLE, qsindeg},
+        {"exp", "x", "e to the power x", qexp},
+        {"ln", "x", "natural logarithm", qlog, Kind::PLAIN, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO},
+        {"log", "x", "logarithm to base 10; log2(x), log1.5(x) and the like to their base", qlog,
+         Kind::LOGARITHM, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO, 2 * Cost::EXPENSIVE},
+        {"sqrt", "x", "square root", qsqrt, Kind::PLAIN, nullptr, ROOT_OF_NEGATIVE},
+        {"mod", "x,d", "remainder of x divided by d", nullptr, Kind::PLAIN, nullptr, nullptr, nullptr, 0,
+         "x%d"},
+    };
+    return table;
 }
 
 // The base of a name such as log2 or log1.5, or null: the whole rest must be a decimal number.
-const char* logBase(const char* name) {
+static const char* logBase(const char* name) {
     if (strncmp(name, "log", 3) != 0) return nullptr;
     const char* base = name + 3;
     std::string_view rest;
@@ -137,142 +115,63 @@ const char* logBase(const char* name) {
     return hasDigit && findDecString(base, rest) == 1 ? base : nullptr;
 }
 
-bool isLogarithm(const char* name) {
-    return strIsEqual(name, "ln") || strIsEqual(name, "log") || logBase(name);
+const Builtin* Builtins::Find(const char* name) {
+    const char* row = logBase(name) ? "log" : name;
+    for (const Builtin& builtin : builtinTable()) {
+        if (builtin.compute && strIsEqual(builtin.name, row)) return &builtin;
+    }
+    return nullptr;
+}
+
+int Builtins::CheckArgument(const Builtin& builtin, const char* name, const qfloat x) {
+    if (isNegative(x) && builtin.ofNegative) {
+        char number[40];
+        snprintf(number, sizeof number, "%g", asDouble(x));
+        return outcome.Fail(builtin.ofNegative, {name, number});
+    }
+    return isZero(x) && builtin.ofZero ? outcome.Fail(builtin.ofZero, {name}) : 0;
+}
+
+int Builtins::Call(const Builtin& builtin, const char* name, const qfloat x, qfloat value) {
+    if (spending.Spend(builtin.cost) != 0 || CheckArgument(builtin, name, x) != 0) return STATUS_ERROR;
+    qclear(value);
+    const bool ofDegrees = settings.degreeMode && builtin.ofDegrees;
+    (ofDegrees ? builtin.ofDegrees : builtin.compute)(x, value);
+    switch (builtin.kind) {
+    case BuiltinKind::PLAIN: return 0;
+    case BuiltinKind::LOGARITHM: return DivideByBase(name, value);
+    case BuiltinKind::OF_ANGLE: return RoundCircular(builtin, value);
+    case BuiltinKind::GIVES_ANGLE:
+        if (merror != 0) return outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
+        if (settings.degreeMode) qmul(qrad2deg, value, value);
+    }
+    return 0;
 }
 
 // A base so small that a machine number holds it as zero counts as zero.
-bool isZeroBase(const qfloat base) {
-    return static_cast<float>(asDouble(base)) == 0.0F;
-}
-
-void divideByLogarithm(const qfloat base, qfloat value) {
-    qfloat logarithm;
-    qlog(base, logarithm);
-    qdiv(logarithm, value, value);
-}
-
-std::string numberText(double number) {
-    char text[40];
-    snprintf(text, sizeof text, "%g", number);
-    return text;
-}
-
-} // namespace
-
-// --- Calls ---
-
-// Reads name(term,term,...) from the name on. False when it is no flat list.
-static bool readCall(node* functionTerm, node*& open, node*& close, std::vector<const node*>& arguments) {
-    open = functionTerm->next;
-    if (!open || open->type != OP_OPEN) return false;
-    for (node* term = open->next; term && !isOp(term->type); term = term->next) {
-        arguments.push_back(term);
-        term = term->next;
-        if (!term || (term->type != OP_COMMA && term->type != OP_CLOSE)) return false;
-        if (term->type == OP_CLOSE) {
-            close = term;
-            return true;
-        }
-    }
-    return false;
-}
-
-node* ZqCalculator::ProcFunction(node* functionTerm) {
-    Call call;
-    call.function = functionTerm;
-    if (!readCall(functionTerm, call.open, call.close, call.arguments)) return functionTerm->next;
-    for (char* c = functionTerm->text; *c; c++) *c = LowerCase(*c);
-    if (call.arguments.size() != 1) return ExpandFunction(call);
-
-    qfloat x;
-    qfloat value;
-    if (CallArgument(call, x) != 0) return nullptr;
-    // Once a predefined function is deleted its name is free, and the person's own function counts.
-    const Function* known = funcs.FindByName(call.Name(), 1);
-    const bool isOwn = known && known->body;
-    if (isOwn || !(isLogarithm(call.Name()) || findPredefined(call.Name()))) return ExpandFunction(call);
-    NoteOverflow(x);
-    if (checkMathError(call.Name(), message) != 0) return nullptr;
-    if (CallPredefined(call.Name(), x, value) != 0) return nullptr;
-    return FinishPredefined(call, value);
-}
-
-// The value of the only argument: a number, or a variable.
-int ZqCalculator::CallArgument(const Call& call, qfloat value) {
-    const node* argument = call.arguments[0];
-    if (argument->type == TERM_NUMBER && argument->value) {
-        qmov(*argument->value, value);
-        return 0;
-    }
-    const bool isName = argument->type == TERM_NAME && argument->text;
-    const node* variable = isName ? VariableExists(argument->text) : nullptr;
-    if (variable && variable->value) {
-        qmov(*variable->value, value);
-        return 0;
-    }
-    if (!argument->text) return Fail("** ERROR 5: invalid argument in function %s **\n", {call.Name()});
-    return Fail("** ERROR 5: invalid argument '%s' in function %s **\n", {argument->text, call.Name()});
-}
-
-int ZqCalculator::CallLogarithm(const char* name, const qfloat x, qfloat value) {
-    if (isNegative(x)) {
-        return Fail("** ERROR: %s of negative number: %s **\n", {name, numberText(asDouble(x))});
-    }
-    if (isZero(x)) return Fail("** ERROR: %s of zero **\n", {name});
+int Builtins::DivideByBase(const char* name, qfloat value) {
     qfloat base;
     qmov(qten, base);
     if (const char* text = logBase(name)) {
         asctoq(text, base);
         if (merror == MATH_UNDERFLOW) merror = 0; // of reading a base such as 0e5
-        if (isZeroBase(base)) return Fail("** ERROR: log base zero **\n");
+        if (static_cast<float>(asDouble(base)) == 0.0F) return outcome.Fail("** ERROR: log base zero **\n");
     }
-    qlog(x, value);
-    if (strIsEqual(name, "ln")) return 0;
-    if (Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
-    divideByLogarithm(base, value);
-    return 0;
-}
-
-int ZqCalculator::CallPredefined(const char* name, const qfloat x, qfloat value) {
-    if (Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
-    if (isLogarithm(name)) return CallLogarithm(name, x, value);
-    const Predefined* function = findPredefined(name);
-    if (function->compute == qsqrt && isNegative(x)) {
-        return Fail("** ERROR: sqrt of negative number **\n");
-    }
-    const bool ofDegrees = degreeMode && function->angle == TAKES_ANGLE;
-    qclear(value);
-    (ofDegrees ? function->ofDegrees : function->compute)(x, value);
-    if (function->angle == TAKES_ANGLE) return RoundCircular(name, value);
-    if (function->angle == GIVES_ANGLE) {
-        if (merror != 0) return Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
-        if (degreeMode) qmul(qrad2deg, value, value);
-    }
+    qlog(base, base);
+    qdiv(base, value, value);
     return 0;
 }
 
 // What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is one.
-int ZqCalculator::RoundCircular(const char* name, qfloat value) {
+int Builtins::RoundCircular(const Builtin& builtin, qfloat value) {
     if (isTiny(value)) {
         qclear(value);
         return 0;
     }
-    if (!strIsEqual(name, "tan")) return 0;
+    if (builtin.compute != qtan) return 0;
     qfloat reciprocal;
     qdiv(value, qone, reciprocal);
-    return isTiny(reciprocal) ? Fail("** ERROR: tan result undefined **\n") : 0;
-}
-
-// The argument becomes the result; the evaluator removes the parentheses that are left around it.
-node* ZqCalculator::FinishPredefined(const Call& call, const qfloat value) {
-    node* argument = call.open->next;
-    argument->type = TERM_NUMBER;
-    argument->DropText();
-    argument->SetValue(value);
-    if (checkMathError(call.Name(), message) != 0) return nullptr;
-    terms.Del(call.function);
-    return call.open;
+    return isTiny(reciprocal) ? outcome.Fail("** ERROR: tan result undefined **\n") : 0;
 }
 
 double factorial(int n) {

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 
 // How many digits of a number are read: the others are dropped without their scale.
 constexpr size_t DIGITS_READ = 104;
@@ -42,11 +43,28 @@ static void removeLineEnd(std::string& line) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
 }
 
+void ZqCalculator::InitializeFunctionsAndVars() {
+    InitializeVarsList();
+    srand(static_cast<unsigned>(clock()));
+    const EntrySettings before = *this;
+    european = tenKey = false; // definitions are written with ',' and signs in front
+    for (const Builtin& builtin : builtinTable()) {
+        std::string arguments = builtin.arguments;
+        if (builtin.definition)
+            DefineFunction((std::string(builtin.name) + "(" + arguments + ")=" + builtin.definition).c_str());
+        else
+            funcs.AddFunction(builtin.name, arguments.data(), nullptr);
+    }
+    static_cast<EntrySettings&>(*this) = before;
+    message[0] = '\0';
+    initialized = true;
+}
+
 int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     const int32_t statusBefore = status;
     fullEntry = !quick;
     interrupted = false;
-    budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
+    spending.budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
@@ -59,7 +77,7 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     } else {
         RunStatements(statements);
     }
-    budget.Begin();
+    spending.budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
     if (quick) status = statusBefore; // an empty line asks what the last entry answered
@@ -86,7 +104,7 @@ void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
     for (const std::string& statement : statements) {
         resultLine[0] = '\0';
         overflowed = false;
-        status = AskForInterruption();
+        status = spending.AskForInterruption();
         if (status == STATUS_RESULT) status = Calculate(statement.c_str());
         if (status == STATUS_RESULT) status = ShowResult();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
@@ -168,7 +186,7 @@ std::string ZqCalculator::PlainAnswer() {
 
 int ZqCalculator::ShowResult() {
     // An entry's value is stored by now.
-    if (!fullEntry && Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
+    if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
     const std::string text = fullEntry ? KeepAnswer(target->text, result)
                                        : TextOf(result, CurrentNotation(), strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
@@ -181,7 +199,6 @@ int ZqCalculator::ShowResult() {
 
 int ZqCalculator::Calculate(const char* statement) {
     work = WorkCounters();
-    longTexts = 0;
     merror = 0;
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();
@@ -197,10 +214,10 @@ int ZqCalculator::Calculate(const char* statement) {
 }
 
 int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
-    budget.Begin(units);
+    spending.budget.Begin(units);
     const int state = Calculate(statement);
-    units = budget.Left();
-    budget.Begin();
+    units = spending.budget.Left();
+    spending.budget.Begin();
     return state;
 }
 

@@ -11,6 +11,7 @@
 #ifndef TALLYQUILL_CALCULATOR_H
 #define TALLYQUILL_CALCULATOR_H
 
+#include "Evaluator.h"
 #include "Functions.h"
 #include "History.h"
 #include "MathError.h"
@@ -18,9 +19,9 @@
 #include "Outcome.h"
 #include "Scanner.h"
 #include "Settings.h"
+#include "Spending.h"
 #include "Statement.h"
 #include "Syntax.h"
-#include "WorkBudget.h"
 #include "WorkCounters.h"
 
 #include <cstddef>
@@ -129,25 +130,25 @@ public:
 
     // Applies the operators of opOrder. Returns 0 and `result`; 1 when there are no terms; or -1 with a
     // message.
-    int ProcTermsLoop();
+    int ProcTermsLoop() { return evaluator.ProcTermsLoop(); }
 
     // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term. Sets
     // `reorder` when the call of a user function was replaced by its body: the body's operators come next.
     // Returns the number of pairs removed, or -1 with a message.
-    int ProcParenth(node* open);
+    int ProcParenth(node* open) { return evaluator.ProcParenth(open); }
 
     // Applies one operator. Returns the term that holds the result, or null with a message.
-    node* ProcPair(node* op, int32_t code);
+    node* ProcPair(node* op, int32_t code) { return evaluator.ProcPair(op, code); }
 
     // The value of a variable or number term. Returns 0, or -1 with a message.
-    int Node2Num(const node* term, qfloat value);
+    int Node2Num(const node* term, qfloat value) { return evaluator.Node2Num(term, value); }
 
     // --- Names and functions (Builtins.cpp, UserFunctions.cpp, Variables.cpp) ---
 
     // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its body.
     // A call whose arguments are not all single terms is left as it is. Returns the term to go on from, or null
     // with a message. Angles are in degrees or radians by `degreeMode`.
-    node* ProcFunction(node* functionTerm);
+    node* ProcFunction(node* functionTerm) { return evaluator.ProcFunction(functionTerm); }
 
     // Defines a function from "name(args)=expression", white space allowed. Returns 1 and the definition in
     // `message`, or -1 with an error. A name has fewer than 50 characters.
@@ -172,16 +173,8 @@ private:
     friend struct Commands;
     friend class EntrySnapshot;
 
-    // What a call brings along: the '(' and ')' of its arguments and the terms between the commas.
-    struct Call;
-
-    std::vector<node*> expanded;  // operators of expanded calls still to be applied, the next one last
-    std::vector<node*> bodyTerms; // those that a call just copied
-    bool gospelShown = false;     // the next "gospel" opens the page
-    std::string entryLine;        // the full entry that runs, or ran last
-
-    WorkBudget budget;
-    size_t longTexts = 0; // characters that the statement's calls copied
+    bool gospelShown = false; // the next "gospel" opens the page
+    std::string entryLine;    // the full entry that runs, or ran last
 
     uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
 
@@ -209,29 +202,9 @@ private:
     int CheckVariableNames();
     Syntax syntax{*this, work};
     Scanner scanner{*this, *this, *this, variables, work};
+    Spending spending{*this, *this, interruptCheck, work};
+    Evaluator evaluator{*this, *this, *this, variables, spending, work};
 
-    node* NextOperator(node**& next);
-    int ConversionFactor(const char* from, const char* to, qfloat value);
-    node* ProcConversion(node* arrow);
-    node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
-    int ApplyFactorial(const qfloat left, qfloat value);
-    static void NoteOverflow(const qfloat operand);
-    int ApplyBinary(int32_t code, const qfloat left, const qfloat right, qfloat value);
-
-    // Counts work before it is done, and asks for an interruption now and then. Both return -1 with a message when
-    // the evaluation has to stop: a preview at its limit, an entry that is interrupted.
-    int Spend(uint64_t units);
-    int AskForInterruption();
-    std::function<bool(uint64_t)> ChargeForUnits(bool& isStopped); // with a message when it sets isStopped
-
-    int CallArgument(const Call& call, qfloat value);
-    int CallPredefined(const char* name, const qfloat x, qfloat value);
-    int CallLogarithm(const char* name, const qfloat x, qfloat value);
-    int RoundCircular(const char* name, qfloat value);
-    node* FinishPredefined(const Call& call, const qfloat value);
-    int CheckCall(const Call& call, const Function* function);
-    int CopyBody(const Call& call, const Function* function);
-    node* ExpandFunction(const Call& call);
     std::string ListedText(const Function& function); // sets `interrupted` when it was stopped
     void ShowDefinition(std::string text);
     int CheckNamesInBody();
@@ -245,8 +218,5 @@ private:
 // Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
 // `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
 void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);
-
-// n! as a double: n * (n - 1) * ... * 1 from n downwards, 1 when n is below 1.
-double factorial(int n);
 
 #endif

@@ -197,7 +197,7 @@ struct Commands {
         calc.ProcessStringEuropean(definition.data()); // kept with a '.', as functions are
         bool isStopped = false;
         units_clear_exception();
-        units_new(name.c_str(), definition.c_str(), calc.ChargeForUnits(isStopped));
+        units_new(name.c_str(), definition.c_str(), calc.spending.ForUnits(isStopped));
         if (isStopped) return STATUS_ERROR;
         if (const char* error = units_check_exception()) return calc.Fail("** ERROR: %s **\n", {error});
         auto line = std::make_unique<node>();

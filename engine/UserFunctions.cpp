@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The functions that a person defines: from text to a definition, and from a call to the terms of its body.
-#include "Call.h"
+// The functions that a person defines: from text to a definition.
+#include "Calculator.h"
 #include "Helpers_String.h"
 
 #include <algorithm>
@@ -95,7 +95,7 @@ int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters
 std::string ZqCalculator::ListedText(const Function& function) {
     return function.ToString([this] {
         work.listed += 1;
-        return Spend(Cost::LISTED_TERM) == 0;
+        return spending.Spend(Cost::LISTED_TERM) == 0;
     });
 }
 
@@ -104,69 +104,4 @@ void ZqCalculator::ShowDefinition(std::string text) {
     text.resize(std::min(text.size(), sizeof message - 2));
     text += '\n';
     memcpy(message, text.c_str(), text.size() + 1);
-}
-
-// --- Expanding a call ---
-
-static bool isLong(const char* text) {
-    return text && strnlen(text, WorkLimit::LONG_TEXT + 1) > WorkLimit::LONG_TEXT;
-}
-
-// A number is known by its value: the digits of a long one are left behind.
-static node* copyTerm(const node* term, int32_t level) {
-    node* copy = new node;
-    copy->type = term->type;
-    copy->level = level;
-    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
-    if (term->text && !isLongNumber) copy->text = StrDuplicate(term->text);
-    if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
-    return copy;
-}
-
-int ZqCalculator::CheckCall(const Call& call, const Function* function) {
-    if (!function || !function->body) return Fail("** Unrecognized function: %s **\n", {call.Name()});
-    const auto number = static_cast<uint64_t>(function->body->count);
-    if (terms.count + function->body->count > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
-        return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
-    }
-    work.copied += number;
-    return Spend(number * Cost::COPIED_TERM);
-}
-
-// Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its operators
-// before those that are still to be applied. An argument's own name is no parameter any more.
-int ZqCalculator::CopyBody(const Call& call, const Function* function) {
-    bodyTerms.clear();
-    for (const node* term = function->body->first; term; term = term->next) {
-        const int32_t parameter = function->parameters[bodyTerms.size()];
-        const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
-        node* copy = terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
-        bodyTerms.push_back(copy);
-        if (isLong(copy->text)) longTexts += strlen(copy->text);
-        if (longTexts > WorkLimit::LONG_TEXTS) {
-            return Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
-        }
-    }
-    const auto& order = function->order;
-    for (auto op = order.rbegin(); op != order.rend(); ++op)
-        expanded.push_back(bodyTerms[static_cast<size_t>(*op)]);
-    return 0;
-}
-
-// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
-// what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
-node* ZqCalculator::ExpandFunction(const Call& call) {
-    if (call.open->level > WorkLimit::CALL_LEVEL) {
-        Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
-        return nullptr;
-    }
-    const Function* function = funcs.FunctionExists(call.Name(), static_cast<int32_t>(call.arguments.size()));
-    if (CheckCall(call, function) != 0) return nullptr;
-    node* lastArgument = call.close->prev;
-    expanded.push_back(call.open);
-    if (CopyBody(call, function) != 0) return nullptr;
-    for (node* body = lastArgument->next; body->prev != call.open;) terms.Del(body->prev);
-    reorder = 1;
-    node* before = terms.Del(call.function);
-    return before ? before : terms.first;
 }

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+#include "Calls.h"
+
+#include "Functions.h"
+#include "Helpers_String.h"
+#include "MathError.h"
+#include "NamedTerms.h"
+#include "Operators.h"
+#include "Outcome.h"
+#include "Spending.h"
+#include "Statement.h"
+#include "WorkCounters.h"
+
+#include <cstring>
+
+const qfloat* valueOf(const node* term, NamedTerms& variables) {
+    if (term->type == TERM_NAME && term->text)
+        term = variables.Find(term->text);
+    else if (term->type != TERM_NUMBER)
+        return nullptr;
+    return term ? term->value : nullptr;
+}
+
+void Calls::Begin() {
+    operators.clear();
+    longTexts = 0;
+}
+
+node* Calls::NextOperator() {
+    if (operators.empty()) return nullptr;
+    node* op = operators.back();
+    operators.pop_back();
+    return op;
+}
+
+void Calls::LeaveOut(const node* open) {
+    if (!operators.empty() && operators.back() == open) operators.pop_back();
+}
+
+// name(term,term,...) from the name on.
+bool Calls::Call::Read(node* functionTerm) {
+    function = functionTerm;
+    open = function->next;
+    if (!open || open->type != OP_OPEN) return false;
+    for (node* term = open->next; term && !isOp(term->type); term = term->next) {
+        arguments.push_back(term);
+        term = term->next;
+        if (!term || (term->type != OP_COMMA && term->type != OP_CLOSE)) return false;
+        close = term;
+        if (term->type == OP_CLOSE) return true;
+    }
+    return false;
+}
+
+node* Calls::ProcFunction(node* functionTerm) {
+    Call call;
+    if (!call.Read(functionTerm)) return functionTerm->next;
+    for (char* c = functionTerm->text; *c; c++) *c = LowerCase(*c);
+    const auto number = static_cast<int32_t>(call.arguments.size());
+    const Function* function = funcs.FunctionExists(call.Name(), number);
+    if (number != 1) return Expand(call, function);
+    const qfloat* x = ArgumentOf(call);
+    if (!x) return nullptr;
+    // Once a predefined function is deleted its name is free, and the person's own function counts.
+    const bool isOwn = function && function->body;
+    const Builtin* builtin = isOwn ? nullptr : Builtins::Find(call.Name());
+    return builtin ? CallBuiltin(call, *builtin, *x) : Expand(call, function);
+}
+
+// The value of the only argument, or null with a message.
+const qfloat* Calls::ArgumentOf(const Call& call) {
+    const node* argument = call.arguments[0];
+    const qfloat* value = valueOf(argument, variables);
+    if (!value && argument->text) {
+        outcome.Fail("** ERROR 5: invalid argument '%s' in function %s **\n", {argument->text, call.Name()});
+    } else if (!value) {
+        outcome.Fail("** ERROR 5: invalid argument in function %s **\n", {call.Name()});
+    }
+    return value;
+}
+
+// The argument becomes the result; the evaluator removes the parentheses that are left around it.
+node* Calls::CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x) {
+    noteOverflow(x);
+    if (checkMathError(call.Name(), outcome.message) != 0) return nullptr;
+    qfloat value = {};
+    if (builtins.Call(builtin, call.Name(), x, value) != 0) return nullptr;
+    node* argument = call.open->next;
+    argument->type = TERM_NUMBER;
+    argument->DropText();
+    argument->SetValue(value);
+    if (checkMathError(call.Name(), outcome.message) != 0) return nullptr;
+    statement.terms.Del(call.function);
+    return call.open;
+}
+
+static bool isLong(const char* text) {
+    return text && strnlen(text, WorkLimit::LONG_TEXT + 1) > WorkLimit::LONG_TEXT;
+}
+
+// A number is known by its value: the digits of a long one are left behind.
+static node* copyTerm(const node* term, int32_t level) {
+    node* copy = new node;
+    copy->type = term->type;
+    copy->level = level;
+    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
+    if (term->text && !isLongNumber) copy->text = StrDuplicate(term->text);
+    if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
+    return copy;
+}
+
+int Calls::SuspectCircle(const Call& call) {
+    return outcome.Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+}
+
+int Calls::CheckExpansion(const Call& call, const Function* function) {
+    if (call.open->level > WorkLimit::CALL_LEVEL) return SuspectCircle(call);
+    if (!function || !function->body) {
+        return outcome.Fail("** Unrecognized function: %s **\n", {call.Name()});
+    }
+    const int32_t number = function->body->count;
+    if (statement.terms.count + number > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
+        return SuspectCircle(call);
+    }
+    work.copied += static_cast<uint64_t>(number);
+    return spending.Spend(static_cast<uint64_t>(number) * Cost::COPIED_TERM);
+}
+
+// Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its operators
+// before those that are still to be applied. An argument's own name is no parameter any more.
+int Calls::CopyBody(const Call& call, const Function& function) {
+    bodyTerms.clear();
+    for (const node* term = function.body->first; term; term = term->next) {
+        const int32_t parameter = function.parameters[bodyTerms.size()];
+        const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
+        node* copy = statement.terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
+        bodyTerms.push_back(copy);
+        if (isLong(copy->text)) longTexts += strlen(copy->text);
+        if (longTexts > WorkLimit::LONG_TEXTS) return SuspectCircle(call);
+    }
+    const auto& order = function.order;
+    for (auto op = order.rbegin(); op != order.rend(); ++op) {
+        operators.push_back(bodyTerms[static_cast<size_t>(*op)]);
+    }
+    return 0;
+}
+
+// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
+// what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
+node* Calls::Expand(const Call& call, const Function* function) {
+    if (CheckExpansion(call, function) != 0) return nullptr;
+    operators.push_back(call.open);
+    const node* lastArgument = call.close->prev;
+    if (CopyBody(call, *function) != 0) return nullptr;
+    for (node* body = lastArgument->next; body->prev != call.open;) statement.terms.Del(body->prev);
+    statement.reorder = 1;
+    node* before = statement.terms.Del(call.function);
+    return before ? before : statement.terms.first;
+}

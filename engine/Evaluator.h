@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// Evaluation in place: each operator replaces itself and its operands by one number term.
+#pragma once
+
+#include "Calls.h"
+
+class Evaluator {
+public:
+    // All of them have to live longer.
+    Evaluator(Statement& statement, Outcome& outcome, const EntrySettings& settings, NamedTerms& variables,
+              Spending& spending, WorkCounters& work)
+        : statement(statement), outcome(outcome), variables(variables), spending(spending), work(work),
+          calls(statement, outcome, settings, variables, spending, work) {}
+
+    // The methods of the same names of the calculator.
+    int ProcTermsLoop();
+    int ProcParenth(node* open);
+    node* ProcPair(node* op, int32_t code);
+    int Node2Num(const node* term, qfloat value);
+    node* ProcFunction(node* functionTerm) { return calls.ProcFunction(functionTerm); }
+
+private:
+    const qfloat* ValueOf(const node* term); // null with a message
+    node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
+    int ConversionFactor(const char* from, const char* to, qfloat value);
+    node* ProcConversion(node* arrow);
+
+    Statement& statement;
+    Outcome& outcome;
+    NamedTerms& variables;
+    Spending& spending;
+    WorkCounters& work;
+    Calls calls;
+};

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "Spending.h"
+
+#include "Outcome.h"
+#include "Statement.h"
+#include "WorkCounters.h"
+
+int Spending::Stop(WorkBudget::Next next) {
+    if (next == WorkBudget::Next::ASK) return AskForInterruption();
+    return outcome.Fail(statement.fullEntry ? "** ERROR: too much work **\n"
+                                            : "** ERROR: too much work for a preview **\n");
+}
+
+int Spending::AskForInterruption() {
+    budget.Asked();
+    outcome.interrupted = statement.fullEntry && interruptCheck && interruptCheck();
+    return outcome.interrupted ? outcome.Fail("** ERROR: interrupted **\n") : 0;
+}
+
+std::function<bool(uint64_t)> Spending::ForUnits(bool& isStopped) {
+    return [this, &isStopped](uint64_t units) {
+        work.units += units;
+        isStopped = Spend(units) != 0;
+        return !isStopped;
+    };
+}
