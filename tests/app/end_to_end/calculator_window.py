@@ -11,8 +11,9 @@ import signal
 import subprocess
 import time
 
-PATIENCE = 15  # seconds until something that should happen counts as not happening
-QUIT_TIME = 5  # seconds until the key to quit counts as lost
+PATIENCE = 30  # seconds until something that should happen counts as not happening
+AGAIN = 3  # seconds until a person does again what nothing came of: a key or a click that was lost
+REST = 8  # looks that show the same
 STEP = 0.05  # seconds between two looks
 FUNCTIONS_FILE = "pelmo_functions.txt"
 SETTINGS_FILE = "pelmo_settings.plist"
@@ -32,16 +33,39 @@ def run(*command, text=None):
     return done.stdout
 
 
-def wait_until(what, happened):
-    """The first true value of happened(); fails when there is none in time."""
-    end = time.monotonic() + PATIENCE
+def first_value(happened, patience):
+    """The first true value of happened(), or None when there is none in that many seconds."""
+    end = time.monotonic() + patience
     while True:
         value = happened()
         if value:
             return value
         if time.monotonic() > end:
-            raise AssertionError(f"waited in vain: {what}")
+            return None
         time.sleep(STEP)
+
+
+def wait_until(what, happened):
+    """The first true value of happened(); fails when there is none in time."""
+    value = first_value(happened, PATIENCE)
+    assert value, f"waited in vain: {what}"
+    return value
+
+
+def repeat_until(what, act, happened):
+    """Does act(), and again as a person would when nothing comes of it, until happened(), whose value it returns.
+
+    Only for what may be done twice. A helper may fail in act() because what it acts on has gone meanwhile."""
+    end = time.monotonic() + PATIENCE
+    value = None
+    while not value and time.monotonic() < end:
+        try:
+            act()
+        except RuntimeError:
+            pass
+        value = first_value(happened, AGAIN)
+    assert value, f"done in vain: {what}"
+    return value
 
 
 def pasteboard():
@@ -82,6 +106,43 @@ def windows():
     return found
 
 
+def titled(part):
+    """The number of a window whose title contains the text, or None."""
+    return next((number for number, title in windows() if part in title), None)
+
+
+def question():
+    """The number of the question that the application asks, or None."""
+    return next((number for number, title in windows() if title == ""), None)
+
+
+def is_open(window):
+    return window in (number for number, _ in windows())
+
+
+def on_screen():
+    """All that stands on the screen, menus too: a set of numbers that say nothing but what is new."""
+    return set(run("xdotool", "search", "--onlyvisible", "--maxdepth", "1", "--class", ".*").split())
+
+
+def picture(window):
+    """The pixels of a window, given by its number, as bytes."""
+    command = ["import", "-silent", "-window", window, "-depth", "8", "rgb:-"]
+    return subprocess.run(command, stdout=subprocess.PIPE, timeout=PATIENCE, check=True).stdout
+
+
+def at_rest(what, look):
+    """What look() gives, once it has given the same for a while."""
+    looks = []
+
+    def rests():
+        looks.append(look())
+        return looks[-REST:] == [looks[-1]] * REST
+
+    wait_until(f"{what} at rest", rests)
+    return looks[-1]
+
+
 def geometry(window):
     """Left, top, width and height inside the frame of the window manager."""
     lines = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", window).split())
@@ -94,19 +155,15 @@ def has_focus(window):
 
 
 def activate(window):
-    """Asks the window manager for the focus, again when nothing comes of it, until keys go to the window."""
-    end = time.monotonic() + PATIENCE
-    while time.monotonic() < end:
-        run("xdotool", "windowactivate", window)
-        patience = time.monotonic() + 1
-        while time.monotonic() < patience:
-            try:
-                if has_focus(window):
-                    return
-            except RuntimeError:
-                pass  # for a moment no window has the focus
-            time.sleep(STEP)
-    raise AssertionError("waited in vain: the focus")
+    """Asks the window manager for the focus until keys go to the window."""
+
+    def is_active():
+        try:
+            return has_focus(window)
+        except RuntimeError:
+            return False  # for a moment no window has the focus
+
+    repeat_until("the focus", lambda: run("xdotool", "windowactivate", window), is_active)
 
 
 class CalculatorWindow:
@@ -145,30 +202,16 @@ class CalculatorWindow:
 
     def answer(self, button):
         """Waits for a question in front of the window and clicks a button of it, DEFAULT_BUTTON or OTHER_BUTTON."""
-        sheet = wait_until("a question", lambda: next((number for number, title in windows() if title == ""), None))
-        time.sleep(0.3)  # it is placed and drawn when it is there already
-
-        def is_gone():
-            return sheet not in (number for number, _ in windows())
-
-        end = time.monotonic() + PATIENCE
-        while not is_gone() and time.monotonic() < end:
-            self._click_sheet(sheet, button)
-            patience = time.monotonic() + 1
-            while not is_gone() and time.monotonic() < patience:
-                time.sleep(STEP)
-        assert is_gone(), "waited in vain: the end of the question"
+        sheet = wait_until("a question", question)
+        at_rest("the question", lambda: geometry(sheet))
+        repeat_until("an answer", lambda: self._click_sheet(sheet, button), lambda: not is_open(sheet))
         self.activate()
 
     @staticmethod
     def _click_sheet(sheet, button):
-        try:
-            place = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", sheet).split())
-            x, y = int(place["WIDTH"]) - button, int(place["HEIGHT"]) - 20
-            run("xdotool", "mousemove", "--window", sheet, str(x), str(y), "sleep", "0.1")
-            run("xdotool", "mousedown", "1", "sleep", "0.15", "mouseup", "1")
-        except RuntimeError:
-            pass  # it went away meanwhile
+        _, _, width, height = geometry(sheet)
+        run("xdotool", "mousemove", "--window", sheet, str(width - button), str(height - 20), "sleep", "0.1")
+        run("xdotool", "mousedown", "1", "sleep", "0.15", "mouseup", "1")
 
     def type(self, text):
         run("xdotool", "type", "--delay", "8", text)
@@ -180,13 +223,52 @@ class CalculatorWindow:
         self.type(line)
         self.key("Return")
 
-    def press(self, x, y, to=None):
-        """A click into the window, in pixels from its corner; with `to` the button is let go over there."""
-        run("xdotool", "mousemove", "--window", self.id, str(x), str(y), "sleep", "0.1")
-        run("xdotool", "mousedown", "1", "sleep", "0.3")
-        if to:
-            run("xdotool", "mousemove", "--window", self.id, str(to[0]), str(to[1]), "sleep", "0.3")
+    def point(self, x, y):
+        """Moves the pointer to a place in the window, in pixels from its corner."""
+        run("xdotool", "mousemove", "--window", self.id, str(x), str(y))
+
+    def press(self, x, y):
+        """A click into the window."""
+        self.point(x, y)
+        run("xdotool", "mousedown", "1", "sleep", "0.3", "mouseup", "1")
+
+    def pull_down(self, x, y):
+        """Presses the mouse button on what opens a menu, until the menu is there: the number of its window.
+
+        A menu asks where the pointer is at that moment, not where it was when the button was pressed: the pointer may
+        not go on, nor the button be let go, before the menu is there."""
+        before = on_screen()
+
+        def hold():
+            run("xdotool", "mouseup", "1")
+            self.point(x, y)
+            run("xdotool", "mousedown", "1")
+
+        return repeat_until("a menu", hold, lambda: on_screen() - before).pop()
+
+    def highlight(self, menu, x, y):
+        """Moves the pointer, whose button is pressed, to an item of the menu whose window that is."""
+        before = at_rest("the menu", lambda: picture(menu))
+        self.point(x, y)
+        wait_until("the item's colours", lambda: picture(menu) != before)
+
+    def choose(self, menu, item):
+        """Pulls the menu or list at the place `menu` down to the place `item` and lets it go there."""
+        shown = self.pull_down(*menu)
+        self.highlight(shown, *item)
         run("xdotool", "mouseup", "1")
+        wait_until("the end of the menu", lambda: shown not in on_screen())
+
+    def open(self, title, *keys):
+        """The number of the window with that in its title which the keys open, once keys go to it."""
+
+        def press_keys():
+            self.activate()
+            self.key(*keys)
+
+        panel = repeat_until(title, press_keys, lambda: titled(title))
+        activate(panel)
+        return panel
 
     def place(self):
         """Left, top, width and height inside the frame of the window manager."""
@@ -194,15 +276,7 @@ class CalculatorWindow:
 
     def rest(self):
         """The place, once it has not changed for a while."""
-        looks = [None, self.place()]
-
-        def rests():
-            time.sleep(0.3)
-            looks[:] = [looks[1], self.place()]
-            return looks[0] == looks[1]
-
-        wait_until("a window at rest", rests)
-        return looks[1]
+        return at_rest("the window", self.place)
 
     def frame(self):
         """The widths of the window manager's frame: left, right, top, bottom."""
@@ -257,15 +331,10 @@ class CalculatorWindow:
     def status_line_beside(self, text):
         """A fingerprint of the picture of the status line, taken when the console's text is `text`."""
         self.wait_for_whole_text(text)
-        area = dict(line.split("=") for line in run("xdotool", "getwindowgeometry", "--shell", self.id).split())
-        row = 3 * int(area["WIDTH"])  # bytes
-        shot = subprocess.run(
-            ["import", "-silent", "-window", self.id, "-depth", "8", "rgb:-"],
-            stdout=subprocess.PIPE,
-            timeout=PATIENCE,
-            check=True,
-        ).stdout
-        assert len(shot) == row * int(area["HEIGHT"]), "the picture is not of the window's size"
+        _, _, width, height = self.place()
+        row = 3 * width  # bytes
+        shot = picture(self.id)
+        assert len(shot) == row * height, "the picture is not of the window's size"
         return hashlib.sha256(shot[-row * STATUS_LINE :]).hexdigest()
 
     def functions_file(self):
@@ -283,13 +352,8 @@ class CalculatorWindow:
 
     def quit(self):
         """Leaves by the menu's key. The exit status."""
-        for _ in range(PATIENCE // QUIT_TIME):
-            self._ask_to_quit()
-            try:
-                self.process.wait(QUIT_TIME)
-            except subprocess.TimeoutExpired:
-                continue  # the key came while the focus was on its way, when another copy has just ended
-            break
+        # The key can come while the focus is on its way, when another copy has just ended.
+        repeat_until("the key to quit", self._ask_to_quit, lambda: self.process.poll() is not None)
         return self.wait_for_end()
 
     def _ask_to_quit(self):

@@ -16,6 +16,7 @@ import time
 import unittest
 
 PATIENCE = 30  # seconds
+LONG_PAUSE = ["pause5000"] * 10  # longer than our patience
 TRACE = "Attempting ProcParenth..."
 
 
@@ -78,7 +79,7 @@ class Endings(unittest.TestCase):
             raise AssertionError(f"{error}; standard error is {self.content('stderr')!r}") from None
 
     def expect_written_after(self, number):
-        process = self.start("--trace", self.script("a.script", "a=(5)", "pause5000", "b=(6)"))
+        process = self.start("--trace", self.script("a.script", "a=(5)", *LONG_PAUSE, "b=(6)"))
         self.wait_for_lines(1)
         process.send_signal(number)
         self.assertEqual(process.wait(PATIENCE), 0)
@@ -131,7 +132,7 @@ class Endings(unittest.TestCase):
         self.expect_written_after_loss("a=(5)")
 
     def test_so_does_its_loss_in_a_pause(self):
-        self.expect_written_after_loss("a=(5)", "pause5000", "b=(6)")
+        self.expect_written_after_loss("a=(5)", *LONG_PAUSE, "b=(6)")
 
     def test_without_a_display_one_sentence_names_the_terminal_program(self):
         for display in ("", ":9999", "nonsense"):

@@ -6,12 +6,13 @@
 
 import re
 import subprocess
-import time
 
-from calculator_window import activate, geometry, run, wait_until, windows
+from calculator_window import activate, at_rest, geometry, is_open, repeat_until, run, titled, wait_until, windows
 from scenario import Scenario, main
 
 # Pixels from the corner of the window, whose menu bar comes first.
+APPLICATION_MENU = (20, 11)
+ABOUT_ITEM = (60, 33)
 HEX_SEGMENT = (111, 35)
 DEGREES_SEGMENT = (161, 35)
 RADIANS_SEGMENT = (203, 35)
@@ -21,25 +22,14 @@ BESIDE_THE_CONTROLS = (425, 35)
 KEEP_ABOVE_BOX = (168, 466)  # in the preferences
 
 
-def titled(part):
-    """The window whose title contains the text, once there is one."""
-    return wait_until(part, lambda: next((number for number, title in windows() if part in title), None))
-
-
 def wait_for_closing(number):
-    wait_until("the end of a window", lambda: number not in (other for other, _ in windows()))
+    wait_until("the end of a window", lambda: not is_open(number))
 
 
 class Panels(Scenario):
-    def open_preferences(self, window):
-        window.key("alt+comma")
-        panel = titled("Tallyquill Preferences")
-        activate(panel)
-        return panel
-
     def test_preferences_act_and_are_found_again_at_the_next_start(self):
         window = self.start()
-        panel = self.open_preferences(window)
+        panel = window.open("Tallyquill Preferences", "alt+comma")
         window.key("Tab")  # to the significant figures, which are selected
         window.type("4")
         window.key("Escape")
@@ -52,7 +42,7 @@ class Panels(Scenario):
         window = self.start()
         window.enter("1/3")
         window.wait_for_text("\nans = 0.3333\n\n> ")
-        self.open_preferences(window)
+        window.open("Tallyquill Preferences", "alt+comma")
         window.key("Tab")
         self.assertEqual(window.copy("alt+c"), "4")
         self.quit(window)
@@ -83,7 +73,7 @@ class Panels(Scenario):
     def test_a_variable_is_chosen_from_the_list(self):
         window = self.start()
         window.enter("width=7")
-        window.press(*VARIABLES_BUTTON, to=FIRST_OWN_VARIABLE)
+        window.choose(VARIABLES_BUTTON, FIRST_OWN_VARIABLE)
         window.type("*2")
         window.wait_for_text("\n> width*2")
         window.key("Return")
@@ -92,9 +82,9 @@ class Panels(Scenario):
 
     def test_a_window_kept_above_stays_above_others(self):
         window = self.start()
-        panel = self.open_preferences(window)
+        panel = window.open("Tallyquill Preferences", "alt+comma")
         x, y = KEEP_ABOVE_BOX
-        run("xdotool", "mousemove", "--window", panel, str(x), str(y), "sleep", "0.1")
+        run("xdotool", "mousemove", "--window", panel, str(x), str(y))
         run("xdotool", "mousedown", "1", "sleep", "0.3", "mouseup", "1")
         wait_until("a window above", lambda: "_NET_WM_STATE_ABOVE" in run("xprop", "-id", window.id, "_NET_WM_STATE"))
         window.key("Escape")
@@ -104,7 +94,7 @@ class Panels(Scenario):
             ["xmessage", "-geometry", f"300x200+{left}+{top}", "the other one"], stderr=subprocess.DEVNULL
         )
         try:
-            number = titled("xmessage")
+            number = wait_until("the other", lambda: titled("xmessage"))
             activate(number)
             order = re.findall(r"0x[0-9a-f]+", run("xprop", "-root", "_NET_CLIENT_LIST_STACKING"))
             self.assertGreater(order.index(window.id), order.index(number))
@@ -115,9 +105,7 @@ class Panels(Scenario):
 
     def test_the_key_to_close_closes_what_is_in_front_of_the_calculator(self):
         window = self.start()
-        # Tallyquill, About Tallyquill
-        window.press(20, 11, to=(60, 33))
-        about = titled("About")
+        about = repeat_until("About", lambda: window.choose(APPLICATION_MENU, ABOUT_ITEM), lambda: titled("About"))
         activate(about)
         window.key("alt+w")
         wait_for_closing(about)
@@ -131,11 +119,9 @@ class Panels(Scenario):
         sizes = []
         for _ in range(2):
             before = windows()
-            window.key("alt+o")
-            panel = wait_until("the open panel", lambda: next((n for n, _ in windows() - before), None))
-            time.sleep(0.5)
-            sizes.append(geometry(panel)[2:])
+            panel, _ = repeat_until("the panel", lambda: window.key("alt+o"), lambda: windows() - before).pop()
             activate(panel)
+            sizes.append(at_rest("the panel", lambda: geometry(panel))[2:])
             window.key("Escape")
             wait_for_closing(panel)
             window.activate()
@@ -146,11 +132,12 @@ class Panels(Scenario):
         window = self.start()
         run("xdotool", "windowmove", window.id, "300", "200")
         left, top, width, height = window.rest()
-        x, y = BESIDE_THE_CONTROLS
-        run("xdotool", "mousemove", "--window", window.id, str(x), str(y), "sleep", "0.1", "mousedown", "1")
+        window.point(*BESIDE_THE_CONTROLS)
+        run("xdotool", "mousedown", "1")
         for _ in range(10):
             run("xdotool", "sleep", "0.05", "mousemove_relative", "--", "7", "4")
-        run("xdotool", "sleep", "0.2", "mouseup", "1")
+        run("xdotool", "mouseup", "1")
+        wait_until("a window in its new place", lambda: window.place() == (left + 70, top + 40, width, height))
         self.assertEqual(window.rest(), (left + 70, top + 40, width, height))
         self.quit(window)
 

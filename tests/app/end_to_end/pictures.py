@@ -15,7 +15,7 @@ import tempfile
 import time
 import unittest
 
-from calculator_window import OTHER_BUTTON, CalculatorWindow, run, wait_until, windows
+from calculator_window import OTHER_BUTTON, CalculatorWindow, at_rest, geometry, question, run, wait_until
 from scenario import main
 
 SESSION = [
@@ -46,12 +46,27 @@ def look_dark():
         file.writelines(kept)
     with open(folder + "/rc.xml", "w", encoding="utf-8") as file:
         file.write(settings)
+    reconfigure()
+
+
+def reconfigure():
     run("openbox", "--reconfigure")
-    time.sleep(0.5)
+    time.sleep(0.5)  # it does not say when it has read its settings
 
 
 def take(folder, name, window):
-    """A picture of the window with its frame, and with a shadow around it."""
+    """A picture of the window with its frame, and with a shadow around it, once all of it is drawn."""
+    target = os.path.join(folder, name + ".png")
+
+    def is_drawn():
+        take_now(target, window)
+        return is_dark(target)
+
+    at_rest("the window", lambda: geometry(window))
+    wait_until(f"a dark picture, {name}", is_drawn)
+
+
+def take_now(target, window):
     facts = run("xwininfo", "-id", window)
     x, y, width, height = (
         int(re.search(rf"{fact}: +(\d+)", facts).group(1))
@@ -60,27 +75,16 @@ def take(folder, name, window):
     extents = run("xprop", "-id", window, "_NET_FRAME_EXTENTS").split("=")[1]
     left, right, top, bottom = (int(part) for part in extents.split(","))
     crop = f"{width + left + right}x{height + top + bottom}+{x - left}+{y - top}"
-    time.sleep(0.5)
     shadow = ["(", "+clone", "-background", "black", "-shadow", "50x8+0+3", ")", "+swap", "-background", "none"]
     screen = subprocess.run(["import", "-window", "root", "png:-"], stdout=subprocess.PIPE, check=True).stdout
-    target = os.path.join(folder, name + ".png")
     command = ["convert", "png:-", "-crop", crop, "+repage", *shadow, "-layers", "merge", "+repage", "-strip"]
     subprocess.run([*command, "-define", "png:exclude-chunks=date,time", target], input=screen, check=True)
 
 
 def place(window, x, y, width, height):
     run("xdotool", "windowmove", window, str(x), str(y), "windowsize", window, str(width), str(height))
-    time.sleep(0.5)
-    run("openbox", "--reconfigure")  # it leaves the title where it was
-    time.sleep(0.5)
-
-
-def titled(title):
-    return wait_until(title, lambda: next((number for number, name in windows() if name == title), None))
-
-
-def drag(window, x, y):
-    run("xdotool", "mousemove", "--window", window, str(x), str(y), "sleep", "0.2", "mousedown", "1", "sleep", "0.5")
+    wait_until("the new size", lambda: geometry(window)[2:] == (width, height))
+    reconfigure()  # it leaves the title where it was
 
 
 def take_all(folder):
@@ -88,8 +92,8 @@ def take_all(folder):
     with tempfile.TemporaryDirectory() as files:
         shown = CalculatorWindow(files, asks=True)
         try:
-            titled("")
-            time.sleep(0.5)
+            sheet = wait_until("the question", question)
+            at_rest("the question", lambda: geometry(sheet))
             take(folder, "first-run", shown.id)
             shown.answer(OTHER_BUTTON)
             place(shown.id, 300, 200, 560, 430)
@@ -98,14 +102,13 @@ def take_all(folder):
             shown.type("2*pi*6371 km->mile")
             take(folder, "console", shown.id)
 
-            drag(shown.id, 20, 11)
-            run("xdotool", "mousemove", "--window", shown.id, "50", "75", "sleep", "0.3")
+            menu = shown.pull_down(20, 11)
+            shown.highlight(menu, 50, 75)
             take(folder, "menus", shown.id)
-            run("xdotool", "mousemove", "--window", shown.id, "400", "250", "sleep", "0.2", "mouseup", "1")
+            shown.point(400, 250)
+            run("xdotool", "mouseup", "1")
 
-            shown.key("alt+comma")
-            panel = titled("Tallyquill Preferences")
-            time.sleep(0.5)
+            panel = shown.open("Tallyquill Preferences", "alt+comma")
             shown.key("Tab", "Tab", "Tab", "space", "shift+Tab", "shift+Tab", "shift+Tab")
             take(folder, "preferences", panel)
         finally:
@@ -113,13 +116,13 @@ def take_all(folder):
             shown.process.wait(10)
 
 
-def shades(path):
-    """How much of the picture is dark, and how much light gray, of all that is not transparent."""
+def is_dark(path):
+    """Whether most of the picture is dark, and little is of the light gray of a control without the theme."""
     command = ["convert", path, "-background", "black", "-flatten", "-colorspace", "Gray", "-depth", "8", "gray:-"]
     pixels = subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout
     dark = sum(pixel < 0x60 for pixel in pixels)
     gray = sum(0x90 < pixel < 0xD0 for pixel in pixels)
-    return dark / len(pixels), gray / len(pixels)
+    return dark > 0.8 * len(pixels) and gray < 0.1 * len(pixels)
 
 
 class Pictures(unittest.TestCase):
@@ -130,9 +133,7 @@ class Pictures(unittest.TestCase):
             sorted(os.listdir(folder)), ["console.png", "first-run.png", "menus.png", "preferences.png"]
         )
         for name in os.listdir(folder):
-            dark, gray = shades(os.path.join(folder, name))
-            self.assertGreater(dark, 0.8, name)
-            self.assertLess(gray, 0.1, name)  # a control without the theme is of this gray
+            self.assertTrue(is_dark(os.path.join(folder, name)), name)
 
 
 if __name__ == "__main__":

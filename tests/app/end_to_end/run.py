@@ -6,9 +6,8 @@
 
 import os
 import subprocess
-import time
 
-from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, activate, run, wait_until, windows
+from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, activate, at_rest, is_open, run, titled, wait_until
 from scenario import Scenario, main
 
 MENU_BAR = 22  # pixels that the menu in the window adds to its smallest height
@@ -129,8 +128,8 @@ class EndToEnd(Scenario):
         window = self.start()
         run("xdotool", "windowsize", window.id, "610", "370")
         run("xdotool", "windowmove", window.id, "231", "142")
+        wait_until("the new size", lambda: window.place()[2:] == (610, 370))
         place = window.rest()
-        self.assertEqual(place[2:], (610, 370))
         self.quit(window)
         for _ in range(2):  # nor does it creep from start to start
             window = self.start()
@@ -155,15 +154,13 @@ class EndToEnd(Scenario):
 
     def test_the_end_of_the_preferences_is_not_the_end_of_a_minimised_calculator(self):
         window = self.start()
-        window.key("alt+comma")
-        panel = wait_until("the preferences", lambda: next((n for n, t in windows() if "Preferences" in t), None))
+        panel = window.open("Tallyquill Preferences", "alt+comma")
         run("xdotool", "windowminimize", window.id)
         wait_until("the minimised window", window.is_minimised)
         activate(panel)
         window.key("alt+w")
-        wait_until("the end of the panel", lambda: panel not in (n for n, _ in windows()))
-        time.sleep(1)
-        self.assertIsNone(window.process.poll())
+        wait_until("the end of the panel", lambda: not is_open(panel))
+        at_rest("the focus", lambda: run("xdotool", "getwindowfocus", "-f"))
         window.activate()
         window.enter("1+1")
         window.wait_for_text("\nans = 2\n\n> ")
@@ -171,8 +168,7 @@ class EndToEnd(Scenario):
 
     def test_the_menu_hides_the_window_behind_the_preferences(self):
         window = self.start()
-        window.key("alt+comma")
-        wait_until("the preferences", lambda: next((n for n, t in windows() if "Preferences" in t), None))
+        window.open("Tallyquill Preferences", "alt+comma")
         window.key("alt+h")
         wait_until("the hidden window", window.is_minimised)
         window.activate()
@@ -192,9 +188,10 @@ class EndToEnd(Scenario):
     def test_the_window_does_not_become_too_small(self):
         window = self.start()
         run("xdotool", "windowsize", window.id, "300", "100")
-        _, _, width, height = window.rest()
         left, right, top, bottom = window.frame()
-        self.assertEqual((left + width + right, top + height + bottom - MENU_BAR), (400, 150))
+        smallest = (400 - left - right, 150 + MENU_BAR - top - bottom)
+        wait_until("the smallest size", lambda: window.place()[2:] == smallest)
+        self.assertEqual(window.rest()[2:], smallest)
         self.quit(window)
 
     def test_the_base_changes_by_the_control_and_by_the_menu(self):
@@ -215,7 +212,7 @@ class EndToEnd(Scenario):
     def test_a_function_is_chosen_and_its_parameter_overtyped(self):
         window = self.start()
         window.enter("area(wide,high)=wide*high")
-        window.press(*FUNCTIONS_BUTTON, to=FIRST_FUNCTION)
+        window.choose(FUNCTIONS_BUTTON, FIRST_FUNCTION)
         window.type("5")
         window.wait_for_text("\n> area(5,high)")
         self.quit(window)
@@ -248,7 +245,7 @@ class EndToEnd(Scenario):
         window = self.start()
         other = subprocess.Popen(["xmessage", "the other one"], stderr=subprocess.DEVNULL)
         try:
-            number = wait_until("the other", lambda: next((n for n, title in windows() if title == "xmessage"), None))
+            number = wait_until("the other", lambda: titled("xmessage"))
             activate(number)
             wait_until("a faded window", lambda: abs(window.opacity() - 0.8) < 0.001)
             window.activate()
