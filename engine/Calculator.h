@@ -152,7 +152,10 @@ public:
 
     // Defines a function from "name(args)=expression", white space allowed. Returns 1 and the definition in
     // `message`, or -1 with an error. A name has fewer than 50 characters.
-    int DefineFunction(const char* text);
+    // One that was kept from an earlier run takes the place of a predefined function, and may call functions that
+    // are still to come or were deleted.
+    int DefineFunction(const char* text, bool isKept);
+    int DefineFunction(const char* text) { return DefineFunction(text, false); }
 
     // Whether the text is a letter followed by letters, digits and '_'.
     bool IsValidVariable(const char* text) const;
@@ -208,7 +211,7 @@ private:
     std::string ListedText(const Function& function); // sets `interrupted` when it was stopped
     void ShowDefinition(std::string text);
     int CheckNamesInBody();
-    int AddDefinition(const std::string& name, std::string& parameters, const std::string& body);
+    int AddDefinition(const std::string& name, std::string& parameters, const std::string& body, bool isKept);
 
     void AddVariable(const char* name, const qfloat value);
     void ForgetVariables();

@@ -153,12 +153,15 @@ Function* CFunctionList::Take(uint64_t number) {
 
 // Registration compares names alone: the rule for names that begin with "log" answers look-ups and keeps
 // these names from being defined.
-Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq* body) {
+Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq* body, bool isKept) {
     Function* function = new Function;
     function->name = StrDuplicate(name);
     addParameters(function, argText);
     const Function* builtin = FindNamesake(name, function->argCount, true);
-    if (body && !builtin) {
+    if (isKept) {
+        DeleteFunction(builtin);
+        builtin = nullptr;
+    } else if (body && !builtin) {
         const Function* answer = FunctionExists(name, function->argCount);
         if (answer && !answer->body) builtin = answer;
     }
@@ -192,7 +195,9 @@ void CFunctionList::DeleteFunction(const Function* function) {
 // The first of those that answer: a predefined function, for names that begin with "log", or one of the name.
 Function* CFunctionList::FunctionExists(const char* name, int32_t argCount) const {
     Function* const named = FindByName(name, argCount);
-    if (!strIsEqualNI(name, "log", 3)) return named;
+    const bool isOwn =
+        named && named->body && argCount != -1; // it could be defined only without predefined ones
+    if (!strIsEqualNI(name, "log", 3) || isOwn) return named;
     const auto answers = [this, argCount](const Function* f) {
         visited++;
         return argCount == -1 || f->argCount == argCount;

@@ -53,15 +53,18 @@ public:
     // Adds a function. `argText` is a comma-separated list of parameter names, read up to an empty piece;
     // each comma read is overwritten with a terminator. `body` is copied; null makes a predefined function.
     // A definition with the same name and number of parameters is replaced. Returns the function, or null
-    // when that definition is predefined.
-    Function* AddFunction(const char* name, char* argText, const Deq* body);
+    // when that definition is predefined. One that was kept from an earlier run takes its place: it had been deleted.
+    Function* AddFunction(const char* name, char* argText, const Deq* body, bool isKept);
+    Function* AddFunction(const char* name, char* argText, const Deq* body) {
+        return AddFunction(name, argText, body, false);
+    }
 
     // Removes and frees a function of the list; any other pointer is ignored.
     void DeleteFunction(const Function* function);
 
     // The first function with the name (case ignored) and the number of parameters; -1 means any number.
     // A name that begins with "log" is answered with the first predefined function of that many parameters:
-    // log2, log1.5 and the like are logarithms to a base. Null when there is none.
+    // log2, log1.5 and the like are logarithms to a base. One that was kept goes before it. Null when there is none.
     Function* FunctionExists(const char* name, int32_t argCount) const;
 
     // The first function with exactly this name (case ignored) and the number of parameters, -1 for any number, or

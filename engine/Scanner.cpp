@@ -144,14 +144,16 @@ static bool isArrowInUnit(const std::string& text) {
     return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
 }
 
-int Scanner::ScanBody(std::string text, const std::string& function, const Names& parameters) {
+int Scanner::ScanBody(std::string text, const std::string& function, const Names& parameters, bool isKept) {
     statement.terms.Clear();
     functionInDefinition = function;
     parametersInDefinition = parameters;
+    isKeptDefinition = isKept;
     if (!isArrowInUnit(text)) markConversion(text);
     const int state = Scan(std::move(text));
     functionInDefinition.clear();
     parametersInDefinition.clear();
+    isKeptDefinition = false;
     return state;
 }
 
@@ -229,6 +231,7 @@ bool Scanner::IsValueName(std::string_view name) {
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.
 bool Scanner::IsFunctionName(const std::string& name) const {
+    if (isKeptDefinition && name.size() < MAX_NAME && IsValidName(name)) return true;
     return funcs.FunctionExists(name.c_str(), -1) || strIsEqualI(name.c_str(), functionInDefinition.c_str());
 }
 

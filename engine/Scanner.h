@@ -30,8 +30,9 @@ public:
     // and its target: "ans" without a name, a new one where no variable has the name. Returns 0, or -1 with a message.
     int Scan(std::string text);
 
-    // The same for the right-hand side of a definition: the function and its parameters are known in it.
-    int ScanBody(std::string text, const std::string& function, const Names& parameters);
+    // The same for the right-hand side of a definition: the function and its parameters are known in it, and when it
+    // was kept from an earlier run every name in front of a parenthesis is that of a function.
+    int ScanBody(std::string text, const std::string& function, const Names& parameters, bool isKept);
 
     // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a value).
     int Str2Num(const char* text, qfloat value);
@@ -54,6 +55,7 @@ private:
     // While a body is read: the function that it belongs to, and its parameters.
     std::string functionInDefinition;
     Names parametersInDefinition;
+    bool isKeptDefinition = false;
     std::string lookedUp; // the last operand
 };
 

@@ -48,9 +48,11 @@ Scanner::Names splitAtCommas(const std::string& text) {
 
 } // namespace
 
-int ZqCalculator::DefineFunction(const char* text) {
+int ZqCalculator::DefineFunction(const char* text, bool isKept) {
     DefinitionText parts;
-    const std::string definition = withoutBlanks(text);
+    std::string definition = text;
+    if (definition.find(CVSstr) == std::string::npos) markConversion(definition);
+    definition = withoutBlanks(definition.c_str());
     if (!splitDefinition(definition, parts)) {
         return Fail("** ERROR: can't define an empty function **\n");
     }
@@ -62,7 +64,7 @@ int ZqCalculator::DefineFunction(const char* text) {
     }
     ProcessStringEuropean(parts.parameters.data());
     if (!parts.parameters.empty() && !IsValidArgList(parts.parameters.c_str())) return STATUS_ERROR;
-    const int state = AddDefinition(parts.name, parts.parameters, parts.body);
+    const int state = AddDefinition(parts.name, parts.parameters, parts.body, isKept);
     DiscardNewTarget(); // of an assignment in the body
     terms.Clear();
     return state;
@@ -77,14 +79,15 @@ int ZqCalculator::CheckNamesInBody() {
     return 0;
 }
 
-int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters, const std::string& body) {
+int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters, const std::string& body,
+                                bool isKept) {
     target = vars.first;
-    int state = scanner.ScanBody(body, name, splitAtCommas(parameters));
+    int state = scanner.ScanBody(body, name, splitAtCommas(parameters), isKept);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) state = CheckNamesInBody();
     if (state != 0) return STATUS_ERROR;
     if (!terms.first) return Fail("** ERROR: can't define an empty function **\n");
-    const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms);
+    const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms, isKept);
     if (!function) return Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});
     work.ordered += static_cast<uint64_t>(terms.count);
     ShowDefinition(function->ToString());

@@ -123,6 +123,23 @@ std::string units_definition(const char* name) {
     }
 }
 
+std::vector<std::string> units_readings(const std::string& name) {
+    std::vector<std::string> readings;
+    isReady(); // for the prefixes
+    for (const std::string ending : {"", "s", "es"}) {
+        const size_t length = name.size() - std::min(name.size(), ending.size());
+        if (length == 0 || name.compare(length, std::string::npos, ending) != 0) continue;
+        const std::string singular = name.substr(0, length);
+        readings.push_back(singular);
+        for (const UnitPrefix& prefix : unitTable.Prefixes()) {
+            const size_t behind = prefix.name.size();
+            if (length > behind && singular.compare(0, behind, prefix.name) == 0)
+                readings.push_back(singular.substr(behind));
+        }
+    }
+    return readings;
+}
+
 void units_new(const char* name, const char* definition, const UnitsCharge& charge) {
     if (!isReady()) return;
     if (unitTable.Find(name) != nullptr) {

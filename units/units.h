@@ -75,6 +75,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 // Is told how much work comes next, before it is done; false gives the operation up.  A unit of work takes 0.05 to
 // 0.1 microseconds.  An ordinary conversion counts about 20, the most expensive some hundred thousand; between two
@@ -112,6 +113,10 @@ const char* units_reduce(const char* text);
 // the factor with all its digits and the primitive names with their exponents ("12.5 meter^3 / second").  Empty
 // for no such unit, and where the factor has no digits to give (zero, infinite, subnormal).
 std::string units_definition(const char* name);
+
+// The names that a factor of this name may stand for, whether there are units of these names or not: the name itself
+// first, what it has behind a prefix, and the same without a final "s" or "es".
+std::vector<std::string> units_readings(const std::string& name);
 
 // Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
 // expression, or as a new primitive unit if the definition is exactly "-primitive".  On failure the error

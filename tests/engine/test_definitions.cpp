@@ -107,6 +107,35 @@ TEST_F(Functions, defineFunctionAnswersOneOrMinusOne) {
     EXPECT_EQ("ans = 4\n", Answer("f(2)"));
 }
 
+// --- Definitions that were kept from an earlier run ---
+
+TEST_F(Functions, aKeptDefinitionMayCallWhatIsNotThere) {
+    EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("f(x)=g(x,1)+h(x)", true));
+    EXPECT_STREQ("f(x)=g(x,1)+h(x)\n", calc.message);
+    EXPECT_EQ("** Unrecognized function: h **\n", Answer("g(x,y)=x-y;f(5)"));
+    EXPECT_EQ("ans = 14\n", Answer("h(x)=2*x;f(5)"));                 // 5-1+10
+    EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("f(x)=k(x,1)+", true));
+    EXPECT_EQ("ans = 14\n", Answer("f(5)"));
+}
+
+TEST_F(Functions, aKeptDefinitionTakesThePlaceOfAPredefinedFunction) {
+    EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x*1000"));
+    EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x+*1000", true));
+    EXPECT_EQ("ans = 0\n", Answer("sin(0)"));
+    EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("Sin(x)=x*1000", true));
+    EXPECT_EQ("ans = 2000\n", Answer("sin(2)"));
+    EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("logistic(x)=1/(1+x)"));
+    EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("logistic(x)=1/(1+x)", true));
+    EXPECT_EQ("ans = 0.25\n", Answer("logistic(3)"));
+    EXPECT_EQ("ans = 3\n", Answer("log2(8)"));
+}
+
+TEST_F(Functions, aDefinitionThatIsLongerThanAnEntryMarksItsConversions) {
+    const std::string text = "f(x)=x*(3 km->m)+(2 m->cm)" + repeated("+0", TEXT_SIZE);
+    EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction(text.c_str()));
+    EXPECT_EQ("ans = 15200\n", Answer("f(5)"));
+}
+
 TEST_F(Functions, argumentListsAreCheckedPieceByPiece) {
     EXPECT_TRUE(calc.IsValidArgList("x"));
     EXPECT_TRUE(calc.IsValidArgList("x,y_1,Z"));

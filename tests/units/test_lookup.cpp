@@ -17,6 +17,16 @@ TEST_F(UnitsTest, TheExactNameComesFirst) {
     EXPECT_EQ(reduced("meters"), "8.0 meter");
 }
 
+TEST_F(UnitsTest, TheReadingsOfANameAreItselfAndWhatStandsBehindAPrefixAndBeforeAnEnding) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ((Names{"qqx"}), units_readings("qqx"));
+    EXPECT_EQ((Names{"kiloqx", "qx", "iloqx"}), units_readings("kiloqx"));
+    EXPECT_EQ((Names{"qxes", "qxe", "qx"}), units_readings("qxes"));
+    EXPECT_EQ((Names{"kqs", "qs", "kq", "q"}), units_readings("kqs"));
+    EXPECT_EQ((Names{"s"}), units_readings("s")); // no empty name
+    EXPECT_EQ(Names(), units_readings(""));
+}
+
 TEST_F(UnitsTest, OfTwoReadingsWithAPrefixTheEarlierUnitWins) {
     EXPECT_EQ(define("ax", "2 meter"), "");
     EXPECT_EQ(define("x", "3 meter"), "");
