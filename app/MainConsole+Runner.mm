@@ -27,30 +27,23 @@ static void copyBounded(char* out, size_t size, const char* text) {
 
 @implementation MainConsole (Runner)
 
-// Either mark stands for the grouping mark, which is a comma in the
-// engine's own notation: european makes a point of it.
 - (void)copySettingsToEngine {
-    const int separator = [self setting:@"schar"];
-    calc.degreeMode = [self setting:@"degmode"] != 0;
-    calc.displayBase = [self setting:@"dispbase"];
-    calc.european = [self setting:@"european"] != 0;
-    calc.sigFigs = [self setting:@"sigfigs"];
-    calc.sciMode = [self setting:@"scimode"];
-    calc.separatorChar = separator == '.' ? ',' : static_cast<char>(separator);
-    calc.useSeparator = [self setting:@"separator"] != 0;
-    calc.twosComp = [self setting:@"twoscomp"] != 0;
+    for (const Setting& setting : SETTINGS) {
+        if (setting.entry.IsOfEachEntry()) setting.Apply([self setting:@(setting.key)], calc);
+    }
 }
 
-// What the entry changed in the engine's settings. Storing the display base shows the last answer again, so the
-// engine's value is kept aside: a preview copies the settings anew.
+// What the entry's commands changed. Storing angle mode and base shows them, which runs previews with the stored
+// settings.
 - (void)copySettingsFromEngine {
-    const bool degrees = calc.degreeMode;
-    const int base = calc.displayBase;
-    [self setSetting:@"european" to:calc.european ? 1 : 0];
-    [self setSetting:@"sigfigs" to:calc.sigFigs];
-    [self setSetting:@"scimode" to:calc.sciMode];
-    if (degrees != ([self setting:@"degmode"] != 0)) [self setDegreeMode:degrees ? 1 : 0];
-    if (base != [self setting:@"dispbase"]) [self setDisplayBase:base:NO];
+    const EntrySettings entered = calc;
+    for (const Setting& setting : SETTINGS) {
+        const bool isShown = strcmp(setting.key, "degmode") == 0 || strcmp(setting.key, "dispbase") == 0;
+        if (setting.command.word && !isShown) [self setSetting:@(setting.key) to:setting.ValueIn(entered)];
+    }
+    if (entered.degreeMode != ([self setting:@"degmode"] != 0))
+        [self setDegreeMode:entered.degreeMode ? 1 : 0];
+    if (entered.displayBase != [self setting:@"dispbase"]) [self setDisplayBase:entered.displayBase:NO];
 }
 
 // Runs the line, or the entry at the prompt. Returns the status.

@@ -40,16 +40,6 @@ static bool isBlank(const std::string& line) {
     return line.find_first_not_of(" \t\r\f\v") == std::string::npos;
 }
 
-static NSString* modeWord(int mode) {
-    NSString* const words[] = {@"auto", @"never", @"always", @"eng", @"prefix", @"finance"};
-    return mode >= 0 && mode <= 5 ? words[mode] : words[0];
-}
-
-static NSString* baseWord(int base) {
-    if (base == 2) return @"bin";
-    return base == 16 ? @"hex" : @"dec";
-}
-
 @implementation MainConsole (Scripts)
 
 - (void)newDocument:(id)sender {
@@ -62,10 +52,12 @@ static NSString* baseWord(int base) {
 
 - (NSString*)scriptText {
     NSMutableString* const script = [NSMutableString
-        stringWithFormat:@"# PELMO SCRIPT: %@\n#%@ %@;%@ %d;%@ %@;%@ %@;\n",
-                         @"uncomment line below to include calculator settings.", @"mode",
-                         calc.degreeMode ? @"deg" : @"rad", @"sigfigs", calc.sigFigs, @"scimode",
-                         modeWord(calc.sciMode), @"display", baseWord(calc.displayBase)];
+        stringWithString:@"# PELMO SCRIPT: uncomment line below to include calculator settings.\n#"];
+    for (const char* const key : {"degmode", "sigfigs", "scimode", "dispbase"}) {
+        const Setting& setting = *findSetting(key);
+        [script appendFormat:@"%s;", setting.CommandFor(setting.ValueIn(calc)).c_str()];
+    }
+    [script appendString:@"\n"];
     for (NSString* const entry in entries) [script appendFormat:@"%@\n", entry];
     if ([[self typedEntry] length] > 0) [script appendFormat:@"%@\n", [self typedEntry]];
     return script;

@@ -152,11 +152,7 @@ static bool isInterrupted() {
 - (void)applySettings {
     [self setDegreeMode:[self setting:@"degmode"]];
     [self setDisplayBase:[self setting:@"dispbase"]:NO];
-    calc.european = [self setting:@"european"] != 0;
-    calc.sigFigs = [self setting:@"sigfigs"];
-    calc.separatorChar = static_cast<char>([self setting:@"schar"]);
-    calc.useSeparator = [self setting:@"separator"] != 0;
-    calc.twosComp = [self setting:@"twoscomp"] != 0;
+    [self copySettingsToEngine];
 }
 
 // The place of the window is stored in whole points, without their fractions, so that it grows with what is in it when

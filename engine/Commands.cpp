@@ -30,6 +30,7 @@ enum class Match {
     Number,       // the word, then a number, blanks between them or not
     Prefix,       // the statement begins so
     Exact,        // this is the whole statement
+    Setting,      // the command of a setting
     Function      // the whole statement is the name of a function
 };
 
@@ -60,11 +61,13 @@ private:
 
 // One statement as the command words see it.
 struct CommandText {
-    std::string statement; // as typed
-    std::string lower;     // its first characters in lower case
-    std::string word;      // the first word of these
-    std::string argument;  // what follows the first word and its blanks, as typed
-    int32_t number = 0;    // Match::Number
+    std::string statement;            // as typed
+    std::string lower;                // its first characters in lower case
+    std::string word;                 // the first word of these
+    std::string argument;             // what follows the first word and its blanks, as typed
+    int32_t number = 0;               // Match::Number
+    const Setting* setting = nullptr; // Match::Setting, with the number or the choice
+    const SettingChoice* choice = nullptr;
 };
 
 struct Command {
@@ -209,39 +212,16 @@ struct Commands {
 
     // --- Settings ---
 
-    static int SignificantFigures(ZqCalculator& calc, const CommandText& text) {
-        if (text.number < 1 || text.number > 100) {
-            return calc.Fail("** ERROR: bad significant figures **\n");
+    static int ChangeSetting(ZqCalculator& calc, const CommandText& text) {
+        const Setting& setting = *text.setting;
+        const bool isChoice = setting.choices.begin() != setting.choices.end();
+        const int value = text.choice ? text.choice->value : text.number;
+        if (isChoice ? !text.choice : !setting.IsPossible(value)) {
+            return calc.Fail("** ERROR: %s **\n", {setting.command.refusal});
         }
-        calc.sigFigs = text.number;
-        return Confirm(calc, "** SIGNIFICANT FIGURES: " + std::to_string(text.number) + " **\n");
-    }
-
-    template <bool value> static int Degrees(ZqCalculator& calc, const CommandText&) {
-        calc.degreeMode = value;
-        return Confirm(calc, value ? "** DEGREE MODE **\n" : "** RADIAN MODE **\n");
-    }
-
-    template <SciMode mode> static int Scientific(ZqCalculator& calc, const CommandText&) {
-        static const char* const names[] = {"AUTO", "NEVER", "ALWAYS", "ENGINEERING", "PREFIX", "FIXED"};
-        calc.sciMode = mode;
-        return Confirm(calc, std::string("** SCIENTIFIC MODE: ") + names[mode] + " **\n");
-    }
-
-    static int RefuseScientific(ZqCalculator& calc, const CommandText&) {
-        return calc.Fail("** ERROR: invalid scimode choice **\n");
-    }
-
-    template <int base> static int Base(ZqCalculator& calc, const CommandText&) {
-        calc.displayBase = base;
-        if (base == 16) return Confirm(calc, "** DISPLAY HEX **\n");
-        return Confirm(calc, base == 10 ? "** DISPLAY DEC **\n" : "** DISPLAY BIN **\n");
-    }
-
-    // The misspelling is what people and scripts know.
-    template <bool value> static int European(ZqCalculator& calc, const CommandText&) {
-        calc.european = value;
-        return Confirm(calc, value ? "** EUROPEAN DELIMETERS ON **\n" : "** EUROPEAN DELIMETERS OFF **\n");
+        setting.Apply(value, calc);
+        const std::string shown = isChoice ? text.choice->shown : std::to_string(value);
+        return Confirm(calc, "** " + (setting.command.answer + shown) + " **\n");
     }
 
     template <bool value> static int HistoryStack(ZqCalculator& calc, const CommandText&) {
@@ -290,22 +270,7 @@ const Command Commands::table[] = {
     {"clear", Match::Exact, Clear},
     {"cls", Match::Exact, Clear},
     {"exit", Match::Exact, Exit},
-    {"sigfigs", Match::Number, SignificantFigures},
-    {"mode deg", Match::Prefix, Degrees<true>},
-    {"mode rad", Match::Prefix, Degrees<false>},
-    {"scimode auto", Match::Prefix, Scientific<SCI_AUTO>},
-    {"scimode never", Match::Prefix, Scientific<SCI_NEVER>},
-    {"scimode always", Match::Prefix, Scientific<SCI_ALWAYS>},
-    {"scimode eng", Match::Prefix, Scientific<SCI_ENGINEERING>},
-    {"scimode fin", Match::Prefix, Scientific<SCI_FIXED>}, // finance
-    {"scimode fix", Match::Prefix, Scientific<SCI_FIXED>}, // fixed
-    {"scimode prefix", Match::Prefix, Scientific<SCI_PREFIX>},
-    {"scimode ", Match::Prefix, RefuseScientific},
-    {"display hex", Match::Prefix, Base<16>},
-    {"display dec", Match::Prefix, Base<10>},
-    {"display bin", Match::Prefix, Base<2>},
-    {"european on", Match::Exact, European<true>},
-    {"european off", Match::Exact, European<false>},
+    {"", Match::Setting, ChangeSetting},
     {"histstack on", Match::Exact, HistoryStack<true>},
     {"histstack off", Match::Exact, HistoryStack<false>},
     {"gospel", Match::Exact, Gospel},
@@ -337,6 +302,22 @@ static bool readNumber(CommandText& text, const std::string& word) {
     return end != from;
 }
 
+// A setting's command, and a value for it unless that has to be refused.
+static bool readSetting(CommandText& text) {
+    for (const Setting& setting : SETTINGS) {
+        if (!setting.command.word) continue;
+        text.setting = &setting;
+        const std::string word = setting.command.word;
+        if (setting.choices.begin() == setting.choices.end()) {
+            if (readNumber(text, word)) return true;
+        } else if (text.lower.compare(0, word.size() + 1, word + " ") == 0) {
+            text.choice = setting.ChoiceIn(text.lower.substr(word.size() + 1));
+            if (text.choice || setting.command.refusal) return true;
+        }
+    }
+    return false;
+}
+
 static bool matches(const Command& command, CommandText& text) {
     const std::string word = command.word;
     switch (command.match) {
@@ -345,6 +326,7 @@ static bool matches(const Command& command, CommandText& text) {
     case Match::Number: return readNumber(text, word);
     case Match::Prefix: return text.lower.compare(0, word.size(), word) == 0;
     case Match::Exact: return text.lower == word;
+    case Match::Setting: return readSetting(text);
     case Match::Function: return funcs.FindByName(text.statement.c_str(), -1) != nullptr;
     }
     return false;

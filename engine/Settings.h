@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// The settings.
+// Every setting is a row of the table SETTINGS. Command words, the settings file, both front ends and the preferences
+// take what they need from there.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
 
 enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
 
@@ -20,3 +25,144 @@ struct EntrySettings {
     bool useSeparator = false;  // group the integer digits in decimal display
     char separatorChar = ',';   // the grouping character
 };
+
+// The field that an entry uses, of one of these types, or none.
+struct EntryUse {
+    std::variant<std::monostate, bool EntrySettings::*, int32_t EntrySettings::*, char EntrySettings::*>
+        field;
+    bool isOfStart = false; // set once, when the functions file has been read, and not before each entry
+
+    bool IsOfEachEntry() const { return field.index() != 0 && !isOfStart; }
+};
+
+// One of the values that a setting can have.
+struct SettingChoice {
+    int value;
+    const char* word;  // in a command and in a script
+    size_t letters;    // so many of its letters tell it, whatever follows; 0: the whole word and nothing else
+    const char* shown; // in the command's answer
+    const char* title = nullptr; // in the preferences
+};
+
+struct SettingChoices {
+    constexpr SettingChoices() = default;
+    template <size_t N>
+    constexpr SettingChoices(const SettingChoice (&list)[N]) : first(list), last(list + N) {}
+    const SettingChoice* begin() const { return first; }
+    const SettingChoice* end() const { return last; }
+
+    const SettingChoice* first = nullptr;
+    const SettingChoice* last = nullptr;
+};
+
+// The command that changes a setting: the word, a blank and a choice's word; or the word and a number.
+struct SettingCommand {
+    const char* word = nullptr;
+    const char* answer = nullptr;  // the value stands behind it
+    const char* refusal = nullptr; // the error for another value; null: such a statement is no command
+};
+
+struct Setting {
+    // A number, up to CHARACTER; or a text: of a color its calibrated red, green, blue and alpha, "0.1 0.9 0.9 1", and
+    // of a font its points and name, "13 DejaVuSansMono".
+    enum Kind { FLAG, NUMBER, CHARACTER, COLOR, FONT };
+
+    const char* key; // in the file
+    Kind kind;
+    int standard = 0;            // the default
+    int least = 0, most = 1;     // of a number; with choices only these
+    const char* title = nullptr; // in the preferences; null: it has no control there
+    EntryUse entry = {};
+    SettingChoices choices = {};
+    SettingCommand command = {};
+    const char* text = ""; // the default of a color; that of the font is the console's own
+
+    bool IsNumber() const { return kind <= CHARACTER; }
+
+    // Whether the setting can have the value.
+    bool IsPossible(double number) const;
+    bool IsPossible(const std::string& description) const;
+
+    // What a number that is missing in the file reads as: 0, or the default where that is no value.
+    int WhenMissing() const { return least > 0 ? standard : 0; }
+
+    // Sets the field that an entry uses, if there is one. As the grouping mark a point counts as a comma: a decimal
+    // comma makes a point of it.
+    void Apply(int value, EntrySettings& settings) const;
+
+    // The value of that field; the default when there is none.
+    int ValueIn(const EntrySettings& settings) const;
+
+    // The choice that the argument of the command tells; null when it tells none.
+    const SettingChoice* ChoiceIn(const std::string& argument) const;
+
+    // The command that sets the value, such as "mode deg". A value that is no choice counts as the default.
+    std::string CommandFor(int value) const;
+};
+
+inline constexpr SettingChoice ON_OFF[] = {{1, "on", 0, "ON"}, {0, "off", 0, "OFF"}};
+inline constexpr SettingChoice ANGLES[] = {{1, "deg", 3, "DEGREE MODE"}, {0, "rad", 3, "RADIAN MODE"}};
+inline constexpr SettingChoice DISPLAY_BASES[] = {
+    {2, "bin", 3, "BIN"}, {10, "dec", 3, "DEC"}, {16, "hex", 3, "HEX"}};
+inline constexpr SettingChoice SCI_MODES[] = {
+    {SCI_AUTO, "auto", 4, "AUTO", "Auto"},
+    {SCI_NEVER, "never", 5, "NEVER", "Never"},
+    {SCI_ALWAYS, "always", 6, "ALWAYS", "Always"},
+    {SCI_ENGINEERING, "eng", 3, "ENGINEERING", "Engineering"},
+    {SCI_PREFIX, "prefix", 6, "PREFIX", "Metric prefixes"},
+    {SCI_FIXED, "finance", 3, "FIXED", "Fixed decimals"},
+    {SCI_FIXED, "fixed", 3, "FIXED"}, // another word for it
+};
+
+// clang-format off
+inline constexpr Setting SETTINGS[] = {
+    // key, kind, default, least, most, title, use, choices, command
+    {"tipscode", Setting::NUMBER, 0, 0, INT32_MAX},
+    {"firstrun", Setting::NUMBER, 1, 0, INT32_MAX - 1}, // it is counted up
+    {"snaptoscreen", Setting::FLAG, 1, 0, 1, "Snap to screen edges"},
+    {"transback", Setting::FLAG, 1, 0, 1, "Fade the window when inactive"},
+    {"statusicon", Setting::FLAG, 1, 0, 1, "Show the status item"},
+    {"alwaystop", Setting::FLAG, 0},
+    {"mintotray", Setting::FLAG, 0},
+    {"autoeval", Setting::FLAG, 1},
+    {"twoscomp", Setting::FLAG, 0, 0, 1, "Two's complement in hex and binary", {&EntrySettings::twosComp}},
+    // The misspelling in its answer is what people and scripts know.
+    {"european", Setting::FLAG, 0, 0, 1, "Decimal comma", {&EntrySettings::european}, ON_OFF, {"european", "EUROPEAN DELIMETERS "}},
+    {"tenkey", Setting::FLAG, 0, 0, 1, nullptr, {&EntrySettings::tenKey, true}},
+    {"separator", Setting::FLAG, 0, 0, 1, "Group digits by thousands", {&EntrySettings::useSeparator}},
+    {"doublenegans", Setting::FLAG, 1},
+    {"degmode", Setting::FLAG, 1, 0, 1, nullptr, {&EntrySettings::degreeMode}, ANGLES, {"mode", ""}},
+    {"scimode", Setting::NUMBER, 0, 0, 5, "Exponents:", {&EntrySettings::sciMode}, SCI_MODES,
+        {"scimode", "SCIENTIFIC MODE: ", "invalid scimode choice"}},
+    {"nsfont", Setting::FONT},
+    {"schar", Setting::CHARACTER, ',', ' ', 255, "Grouping mark:", {&EntrySettings::separatorChar}},
+    {"histsz", Setting::NUMBER, 30, 1, 999, "Lines of history:"},
+    {"dispbase", Setting::NUMBER, 10, 2, 16, nullptr, {&EntrySettings::displayBase}, DISPLAY_BASES, {"display", "DISPLAY "}},
+    {"sigfigs", Setting::NUMBER, 10, 1, 100, "Significant figures:", {&EntrySettings::sigFigs}, {},
+        {"sigfigs", "SIGNIFICANT FIGURES: ", "bad significant figures"}},
+    {"financed", Setting::NUMBER, 2, 0, 100},
+    {"x", Setting::NUMBER, 450, -30000, 30000}, // X servers count in 16 bits
+    {"y", Setting::NUMBER, 250, -30000, 30000},
+    {"cx", Setting::NUMBER, 450, 100, 10000},
+    {"cy", Setting::NUMBER, 250, 100, 10000},
+    {"bgcolor", Setting::COLOR, 0, 0, 0, "Background color:", {}, {}, {}, "0.1 0.1 0.1 1"},
+    {"fgcolor", Setting::COLOR, 0, 0, 0, "Text color:", {}, {}, {}, "0.1 0.9 0.9 1"},
+    {"trans", Setting::NUMBER, 25, 0, 100, "Transparency:"},
+};
+// clang-format on
+
+// The row of the key; null when there is none.
+const Setting* findSetting(std::string_view key);
+
+// A color's parts, each from 0 to 1. False when the text is none.
+bool readColor(const std::string& text, double (&parts)[4]);
+std::string colorText(const double (&parts)[4]);
+
+// A font's size, from 4 to 200 points, and its name. False when the text is none.
+bool readFont(const std::string& text, double& points, std::string& name);
+std::string fontText(double points, const std::string& name);
+
+// Why a character, an ISO Latin-1 one if any, cannot be the mark between groups of digits, such as "# begins a
+// comment."; empty when it can. What the engine reads as part of a number or beside one would make another number of
+// an answer.
+std::string groupingMarkFault(int character);

@@ -20,16 +20,8 @@ namespace {
 
 // The settings of a console that nobody has changed yet.
 void setDefaults(ZqCalculator& calc) {
-    calc.degreeMode = true;
-    calc.displayBase = 10;
-    calc.european = false;
-    calc.tenKey = false;
-    calc.sigFigs = 10;
-    calc.sciMode = SCI_AUTO;
-    calc.separatorChar = ',';
-    calc.useSeparator = false;
-    calc.twosComp = false;
-    calc.history.SetMaxEntries(30);
+    for (const Setting& setting : SETTINGS) setting.Apply(setting.standard, calc);
+    calc.history.SetMaxEntries(findSetting("histsz")->standard);
 }
 
 // Whether `descriptor` is a terminal that understands escape sequences.

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+//
+// The table of settings: what a row says is what entries, command words and files get. A new row is tested here
+// without being named.
+#include "Settings.h"
+#include "functions_fixture.h"
+
+#include <set>
+#include <string>
+
+namespace {
+
+// Another value than the default that the setting can have.
+int otherValue(const Setting& setting) {
+    int value = setting.least;
+    while (value == setting.standard || !setting.IsPossible(value)) value++;
+    return value;
+}
+
+int checksLeft = 0;
+
+bool stopAtLastCheck() {
+    return --checksLeft == 0;
+}
+
+class SettingsTable : public Functions {};
+
+} // namespace
+
+TEST_F(SettingsTable, everyKeyIsThereOnceAndItsDefaultIsPossible) {
+    std::set<std::string> keys;
+    for (const Setting& setting : SETTINGS) {
+        EXPECT_TRUE(keys.insert(setting.key).second) << setting.key;
+        EXPECT_EQ(findSetting(setting.key), &setting);
+        if (setting.IsNumber()) EXPECT_TRUE(setting.IsPossible(setting.standard)) << setting.key;
+        if (setting.kind == Setting::COLOR)
+            EXPECT_TRUE(setting.IsPossible(std::string(setting.text))) << setting.key;
+    }
+    EXPECT_EQ(findSetting("no such key"), nullptr);
+}
+
+TEST_F(SettingsTable, numbersBesideTheRangeAreRefused) {
+    for (const Setting& setting : SETTINGS) {
+        if (!setting.IsNumber()) continue;
+        for (const double number : {setting.least - 1.0, setting.most + 1.0, setting.standard + 0.5, 1e300}) {
+            EXPECT_FALSE(setting.IsPossible(number)) << setting.key << number;
+        }
+        EXPECT_TRUE(setting.IsPossible(otherValue(setting))) << setting.key;
+        EXPECT_FALSE(setting.IsPossible(std::string("1"))) << setting.key;
+    }
+}
+
+TEST_F(SettingsTable, aMissingNumberReadsAsZeroOrAsADefaultWhereZeroIsNoValue) {
+    for (const Setting& setting : SETTINGS) {
+        if (!setting.IsNumber()) continue;
+        const bool isZeroPossible = setting.IsPossible(0.0);
+        EXPECT_EQ(setting.WhenMissing(), isZeroPossible ? 0 : setting.standard) << setting.key;
+    }
+}
+
+TEST_F(SettingsTable, whatARowSetsForAnEntryIsReadFromThere) {
+    for (const Setting& setting : SETTINGS) {
+        EntrySettings entry;
+        const int other = setting.IsNumber() ? otherValue(setting) : 0;
+        setting.Apply(other, entry);
+        const bool isUsed = setting.entry.field.index() != 0;
+        EXPECT_EQ(setting.ValueIn(entry), isUsed ? other : setting.standard) << setting.key;
+    }
+}
+
+// A new field does not compile here before it has a name, and fails without a row.
+TEST_F(SettingsTable, everyFieldThatAnEntryUsesHasARow) {
+    const auto& [degreeMode, sciMode, sigFigs, european, histStack, tenKey, displayBase, twosComp,
+                 useSeparator, separatorChar] = static_cast<const EntrySettings&>(calc);
+    for (const Setting& setting : SETTINGS) setting.Apply(setting.standard, calc);
+    EXPECT_TRUE(degreeMode && sciMode == 0 && sigFigs == 10 && !european && !tenKey && displayBase == 10);
+    EXPECT_TRUE(!twosComp && !useSeparator && separatorChar == ',');
+    for (const Setting& setting : SETTINGS) {
+        if (setting.IsNumber()) setting.Apply(otherValue(setting), calc);
+    }
+    EXPECT_TRUE(!degreeMode && sciMode == 1 && sigFigs == 1 && european && tenKey && displayBase == 2);
+    EXPECT_TRUE(twosComp && useSeparator && separatorChar == ' ');
+    EXPECT_TRUE(histStack) << "it is not kept: the command histstack alone changes it";
+}
+
+TEST_F(SettingsTable, aPointAsTheGroupingMarkCountsAsAComma) {
+    EntrySettings entry;
+    findSetting("schar")->Apply('.', entry);
+    EXPECT_EQ(entry.separatorChar, ',');
+    findSetting("schar")->Apply(0xb7, entry);
+    EXPECT_EQ(findSetting("schar")->ValueIn(entry), 0xb7);
+}
+
+TEST_F(SettingsTable, everyCommandSetsItsValueAndAnInterruptedEntryTakesItBack) {
+    for (const Setting& setting : SETTINGS) {
+        if (!setting.command.word) continue;
+        for (const int value : {otherValue(setting), setting.standard}) {
+            const std::string command = setting.CommandFor(value);
+            EXPECT_EQ(STATUS_MESSAGE, Enter(command)) << command;
+            EXPECT_EQ(setting.ValueIn(calc), value) << command;
+        }
+        checksLeft = 2; // at the second statement
+        calc.interruptCheck = stopAtLastCheck;
+        EXPECT_EQ(STATUS_ERROR, Enter(setting.CommandFor(otherValue(setting)) + ";1")) << setting.key;
+        calc.interruptCheck = nullptr;
+        EXPECT_EQ(setting.ValueIn(calc), setting.standard) << setting.key;
+    }
+}
+
+TEST_F(SettingsTable, everyChoiceHasACommandThatSaysItInItsAnswer) {
+    for (const Setting& setting : SETTINGS) {
+        for (const SettingChoice& choice : setting.choices) {
+            const std::string command = setting.command.word + (" " + std::string(choice.word));
+            EXPECT_NE(Answer(command).find(choice.shown), std::string::npos) << command;
+            EXPECT_EQ(setting.ValueIn(calc), choice.value) << command;
+        }
+    }
+}
+
+TEST_F(SettingsTable, aScriptNamesAngleModeExponentsAndBase) {
+    EXPECT_EQ(findSetting("degmode")->CommandFor(0), "mode rad");
+    EXPECT_EQ(findSetting("scimode")->CommandFor(SCI_FIXED), "scimode finance");
+    EXPECT_EQ(findSetting("scimode")->CommandFor(9), "scimode auto") << "what is none counts as the default";
+    EXPECT_EQ(findSetting("dispbase")->CommandFor(7), "display dec");
+    EXPECT_EQ(findSetting("sigfigs")->CommandFor(33), "sigfigs 33");
+}
+
+TEST_F(SettingsTable, ofAWordSoManyLettersCountAsTheCommandsHaveAlwaysTaken) {
+    EXPECT_EQ("** DEGREE MODE **\n", Answer("Mode Degrees"));
+    EXPECT_EQ("** SCIENTIFIC MODE: FIXED **\n", Answer("scimode fin"));
+    EXPECT_EQ("** SCIENTIFIC MODE: FIXED **\n", Answer("scimode fixpoint"));
+    EXPECT_EQ("** SCIENTIFIC MODE: ENGINEERING **\n", Answer("scimode eng"));
+    EXPECT_EQ("** ERROR: invalid scimode choice **\n", Answer("scimode alwa"));
+    EXPECT_EQ("** DISPLAY HEX **\n", Answer("display hexadecimal"));
+    EXPECT_EQ(STATUS_ERROR, Enter("european once")) << "no command, and no expression";
+    EXPECT_FALSE(calc.european);
+}
+
+TEST_F(SettingsTable, colorsAndFontsAreTextsWithinTheirRanges) {
+    double parts[4] = {};
+    EXPECT_TRUE(readColor("0.5 0.25 1 0", parts));
+    EXPECT_EQ(colorText(parts), "0.5 0.25 1 0");
+    for (const char* const text :
+         {"", "a b c d", "0.5 0.5 0.5", "2 0 0 1", "-1 0 0 1", "nan 0 0 1", "0 0 inf 1"}) {
+        EXPECT_FALSE(readColor(text, parts)) << text;
+    }
+    double points = 0;
+    std::string name;
+    EXPECT_TRUE(readFont("13.5 DejaVu Sans", points, name));
+    EXPECT_EQ(fontText(points, name), "13.5 DejaVu Sans");
+    for (const char* const text : {"", "13", "13 ", "nan x", "0 x", "3.9 x", "201 x", "1e9 x", "x 13"}) {
+        EXPECT_FALSE(readFont(text, points, name)) << text;
+    }
+}
