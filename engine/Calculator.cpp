@@ -11,21 +11,6 @@
 #include <cstring>
 #include <ctime>
 
-// How many digits of a number are read: the others are dropped without their scale.
-constexpr size_t DIGITS_READ = 104;
-constexpr int32_t ALL_FIGURES = 100;
-
-// The digits of a shown number behind its leading zeros, as they are counted when it is read: zeros behind the
-// point are digits, those of the exponent are none.
-static size_t countDigits(std::string_view text) {
-    text.remove_prefix(text.substr(0, 1) == "-" ? 1 : 0);
-    const bool isRadix = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0b";
-    text = isRadix ? text.substr(2) : text.substr(0, text.find('e'));
-    text.remove_prefix(std::min(text.find_first_not_of("0 "), text.size()));
-    return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }));
-}
-
 constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
 
 static uint64_t workOfShowing(const qfloat value) {
@@ -129,66 +114,21 @@ std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) 
     return statements;
 }
 
-Notation ZqCalculator::CurrentNotation() const {
-    return {displayBase, sigFigs, sciMode, twosComp, useSeparator ? separatorChar : '\0'};
-}
-
-// The value as it is shown behind a name of so many characters.
-std::string ZqCalculator::TextOf(const qfloat value, const Notation& notation, size_t nameLength) {
-    char text[FORMAT_SIZE] = "";
-    qfloat kept;
-    qmov(result, kept);
-    qmov(value, result);
-    FormatResult(notation.base, text, notation.sigFigs, notation.sciMode, notation.twosComp,
-                 notation.separator);
-    // Thousands of grouped digits can outgrow the line. A cut number would be a wrong one, so it is shown
-    // with an exponent instead.
-    if (nameLength + strlen(" = \n") + strlen(text) >= sizeof resultLine) {
-        FormatResult(notation.base, text, notation.sigFigs, SCI_ALWAYS, notation.twosComp, '\0');
-    }
-    qmov(kept, result);
-    ProcessStringEuropean(text);
-    return text;
-}
-
 // Makes the value the last answer. Returns it as it is shown.
 std::string ZqCalculator::KeepAnswer(const char* name, const qfloat value) {
     answer.entry = entryLine;
     answer.name = name;
     qmov(value, answer.value);
-    answer.notation = CurrentNotation();
-    answer.shown = TextOf(value, answer.notation, answer.name.size());
+    answer.settings = *this;
+    answer.shown = shownNumber(value, *this, answer.name.size());
     return answer.shown;
-}
-
-std::string ZqCalculator::AnswerIn(int base) {
-    if (answer.shown.empty()) return "";
-    Notation notation = CurrentNotation();
-    notation.base = base;
-    return TextOf(answer.value, notation, 0);
-}
-
-std::string ZqCalculator::PlainAnswer() {
-    if (answer.shown.empty()) return "";
-    Notation notation = answer.notation;
-    notation.twosComp = false;
-    notation.separator = '\0';
-    std::string text = TextOf(answer.value, notation, answer.name.size());
-    if (countDigits(text) > DIGITS_READ) {
-        if (notation.base != 10 || notation.sciMode == SCI_FIXED) notation.sigFigs = ALL_FIGURES;
-        notation.base = 10;
-        notation.sciMode = SCI_AUTO;
-        text = TextOf(answer.value, notation, answer.name.size());
-    }
-    if (tenKey && text[0] == '-') text = text.substr(1) + '-';
-    return text;
 }
 
 int ZqCalculator::ShowResult() {
     // An entry's value is stored by now.
     if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
-    const std::string text = fullEntry ? KeepAnswer(target->text, result)
-                                       : TextOf(result, CurrentNotation(), strlen(target->text));
+    const std::string text =
+        fullEntry ? KeepAnswer(target->text, result) : shownNumber(result, *this, strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
     overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;

@@ -11,7 +11,9 @@
 #ifndef TALLYQUILL_CALCULATOR_H
 #define TALLYQUILL_CALCULATOR_H
 
+#include "Answer.h"
 #include "Evaluator.h"
+#include "Format.h"
 #include "Functions.h"
 #include "History.h"
 #include "MathError.h"
@@ -32,29 +34,7 @@
 #include <unordered_map>
 #include <vector>
 
-// What qtoascii and FormatResult may write, terminator included: 9,865 digits, their 3,288 grouping
-// characters, a point, 100 decimals and a sign.
-constexpr size_t FORMAT_SIZE = 13312;
-
 constexpr int MAX_STATEMENTS = 999;
-
-// How a value is written.
-struct Notation {
-    int32_t base = 10;
-    int32_t sigFigs = 10;
-    int32_t sciMode = SCI_AUTO;
-    bool twosComp = false;
-    char separator = '\0'; // no grouping
-};
-
-// An answer: of a statement that was evaluated, shown or not, or of disp.
-struct Answer {
-    std::string entry; // the line that was typed, or that an empty one repeated
-    std::string name;  // the variable that has the value
-    qfloat value = {};
-    Notation notation; // in which it was written
-    std::string shown; // the value as it was written; empty: there has been no answer yet
-};
 
 class ZqCalculator : public EntrySettings, public Statement, public Outcome {
 public:
@@ -95,16 +75,14 @@ public:
 
     // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
     // `separator` 0 means no grouping. Returns 0.
-    int FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator);
+    int FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator) {
+        formatNumber(result, base, out, sigfigs, scimode, twoscomp, separator);
+        return 0;
+    }
 
-    // The last answer in base 10, 16 or 2, otherwise in the settings of now. Empty when there is none.
-    std::string AnswerIn(int base);
-
-    // The last answer as it was shown, but so that it reads back as that value in the settings of now: with their
-    // decimal mark, in adding-machine entry with the sign behind it, without grouping marks and without two's
-    // complement, which reads as another number. Where it would have more than the 104 digits that are read, it
-    // is decimal with an exponent. Empty when there is none.
-    std::string PlainAnswer();
+    // The last answer in another base, and as a text that can be typed again (Answer.h).
+    std::string AnswerIn(int base) const { return answer.In(base, *this); }
+    std::string PlainAnswer() const { return answer.Plain(*this); }
 
     // Exchanges '.' and ',' throughout the text when `european` is set.
     void ProcessStringEuropean(char* text) const;
@@ -190,8 +168,6 @@ private:
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
     std::vector<std::string> SplitStatements(const std::string& line) const;
-    Notation CurrentNotation() const;
-    std::string TextOf(const qfloat value, const Notation& notation, size_t nameLength);
     std::string KeepAnswer(const char* name, const qfloat value);
     int ShowResult();
     int EvaluateTerms();
@@ -217,9 +193,5 @@ private:
     void ForgetVariables();
     void DeleteVariable(node* variable);
 };
-
-// Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
-// `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
-void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);
 
 #endif

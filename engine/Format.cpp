@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-//
-// Numbers as text.
-#include "Calculator.h"
+#include "Format.h"
 
 #include "Helpers_String.h"
+#include "MathError.h"
+#include "Outcome.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -155,12 +155,26 @@ void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char sepa
     snprintf(out, FORMAT_SIZE, "%s%s", negative ? "-" : "", text.c_str());
 }
 
-int ZqCalculator::FormatResult(int base, char* out, int sigfigs, int scimode, bool twoscomp, char separator) {
+void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,
+                  char separator) {
     switch (base) {
-    case 16: qtohex(result, out, twoscomp); break;
-    case 10: qtoascii(result, out, sigfigs, scimode, separator); break;
-    case 2: qtobin(result, out, twoscomp); break;
+    case 16: qtohex(value, out, twoscomp); break;
+    case 10: qtoascii(value, out, sigfigs, scimode, separator); break;
+    case 2: qtobin(value, out, twoscomp); break;
     default: break;
     }
-    return 0;
+}
+
+std::string shownNumber(const qfloat value, const EntrySettings& settings, size_t nameLength) {
+    char text[FORMAT_SIZE];
+    text[0] = '\0';
+    const char separator = settings.useSeparator ? settings.separatorChar : '\0';
+    formatNumber(value, settings.displayBase, text, settings.sigFigs, settings.sciMode, settings.twosComp,
+                 separator);
+    if (nameLength + strlen(" = \n") + strlen(text) >= TEXT_SIZE) {
+        formatNumber(value, settings.displayBase, text, settings.sigFigs, SCI_ALWAYS, settings.twosComp,
+                     '\0');
+    }
+    if (settings.european) StrSwapChars(text, '.', ',');
+    return text;
 }

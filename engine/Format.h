@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+//
+// Numbers as text.
+#pragma once
+
+#include "Settings.h"
+#include "qfloat.h"
+
+#include <cstddef>
+#include <string>
+
+// What qtoascii and FormatResult may write, terminator included: 9,865 digits, their 3,288 grouping
+// characters, a point, 100 decimals and a sign.
+constexpr size_t FORMAT_SIZE = 13312;
+
+// Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
+// `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
+void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);
+
+// The same in base 10, 16 or 2; another base writes nothing.
+void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,
+                  char separator);
+
+// The number in base, notation and punctuation of the settings, so that it fits into a line behind a name of so many
+// characters: where its digits would not, it is shown with an exponent, for a cut number would be a wrong one.
+std::string shownNumber(const qfloat value, const EntrySettings& settings, size_t nameLength);
