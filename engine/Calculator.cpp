@@ -3,8 +3,8 @@
 // One entry, statement by statement.
 #include "Calculator.h"
 
-#include "EntrySnapshot.h"
 #include "Helpers_String.h"
+#include "units.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -27,6 +27,15 @@ static void removeLineEnd(std::string& line) {
     if (!line.empty() && line.back() == '\n') line.pop_back();
     if (!line.empty() && line.back() == '\r') line.pop_back();
 }
+
+// Of "unit name=definition".
+static std::string_view unitName(std::string_view text) {
+    const std::string_view head = "unit ";
+    if (text.substr(0, head.size()) != head) return "";
+    return text.substr(head.size(), text.find('=') - head.size());
+}
+
+ZqCalculator::ZqCalculator() : unitLines(unitDefs, unitName, undo, work.indexed) {}
 
 void ZqCalculator::InitializeFunctionsAndVars() {
     InitializeVarsList();
@@ -54,14 +63,10 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
     const std::vector<std::string> statements = SplitStatements(entry);
-    // A single statement that is interrupted has changed nothing yet.
-    if (fullEntry && interruptCheck && statements.size() > 1) {
-        EntrySnapshot before(*this);
+    if (fullEntry && interruptCheck)
+        RunOrTakeBack(statements);
+    else
         RunStatements(statements);
-        if (interrupted) before.Restore();
-    } else {
-        RunStatements(statements);
-    }
     spending.budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
@@ -83,6 +88,24 @@ void ZqCalculator::BeginEntry(std::string& entry) {
     entryLine = entry.substr(0, entry.find_first_of("\r\n"));
     entryCount += 1;
     history.HistLocReset();
+}
+
+// An interrupted entry changes nothing.
+void ZqCalculator::RunOrTakeBack(const std::vector<std::string>& statements) {
+    undo.Begin();
+    undo.Keep<EntrySettings>(*this);
+    undo.Keep(target);
+    undo.Keep(answer);
+    undo.Keep(lastName); // of a variable, which comes back as the same term
+    undo.Keep(gospelShown);
+    undo.Add([this, text = std::string(lastAnswer)] { copyText(lastAnswer, text); });
+    funcs.RecordIn(&undo);
+    units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
+    RunStatements(statements);
+    funcs.RecordIn(nullptr);
+    units_record_changes({});
+    if (interrupted) undo.TakeBack();
+    undo.End();
 }
 
 void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
@@ -180,7 +203,7 @@ int ZqCalculator::ProcessStr(const char* statement) {
 }
 
 int ZqCalculator::VerifyTermsSyntax() {
-    if (CheckVariableNames() != 0 || syntax.Check(terms) != 0) return STATUS_ERROR;
+    if (variables.CheckNames() != 0 || syntax.Check(terms) != 0) return STATUS_ERROR;
     opCount = terms.CountNumberOfOperators();
     return 0;
 }
@@ -209,11 +232,7 @@ int ZqCalculator::EvaluateTerms() {
 void ZqCalculator::StoreResult() {
     qfixintegers(result);
     if (!fullEntry) return;
-    if (newVariable) {
-        const bool allChecked = checkedVariables == vars.insertions;
-        variables.Append(newVariable.release());
-        if (allChecked) checkedVariables = vars.insertions; // this name was checked when it was read
-    }
+    if (newVariable) variables.Append(std::move(newVariable));
     variables.SetValue(target, result);
 }
 
@@ -226,6 +245,22 @@ void ZqCalculator::ReportPrintedInfinity() {
     if (end == equals + 1 || strncmp(end, ".#INF", 5) != 0) return;
     if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
     Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
+}
+
+bool ZqCalculator::IsValidVariable(const char* text) const {
+    return IsValidName(text);
+}
+
+node* ZqCalculator::VariableExists(const char* name) const {
+    return variables.Find(name);
+}
+
+node* ZqCalculator::UnitExists(const char* name) const {
+    return unitLines.Find(name);
+}
+
+void ZqCalculator::InitializeVarsList() {
+    variables.Reset();
 }
 
 void ZqCalculator::ProcessStringEuropean(char* text) const {

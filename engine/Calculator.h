@@ -24,6 +24,8 @@
 #include "Spending.h"
 #include "Statement.h"
 #include "Syntax.h"
+#include "Undo.h"
+#include "Variables.h"
 #include "WorkCounters.h"
 
 #include <cstddef>
@@ -52,7 +54,7 @@ public:
 
     WorkCounters work;
 
-    ZqCalculator() = default;
+    ZqCalculator();
     ~ZqCalculator() = default;
     ZqCalculator(const ZqCalculator&) = delete;
     ZqCalculator& operator=(const ZqCalculator&) = delete;
@@ -152,19 +154,17 @@ public:
 
 private:
     friend struct Commands;
-    friend class EntrySnapshot;
 
     bool gospelShown = false; // the next "gospel" opens the page
     std::string entryLine;    // the full entry that runs, or ran last
 
-    uint64_t checkedVariables = 0; // vars.insertions when all variables had valid names
+    Undo undo;
 
     // They hand over what VariableExists and UnitExists find, and bring their indexes up to date for that.
-    mutable NamedTerms variables{vars, VariableName, work.indexed};
-    mutable NamedTerms unitLines{unitDefs, UnitName, work.indexed};
-    static std::string_view VariableName(std::string_view text) { return text; }
-    static std::string_view UnitName(std::string_view text);
+    mutable Variables variables{vars, *this, *this, undo, work};
+    mutable NamedTerms unitLines;
 
+    void RunOrTakeBack(const std::vector<std::string>& statements);
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
     std::vector<std::string> SplitStatements(const std::string& line) const;
@@ -178,7 +178,6 @@ private:
     static constexpr int NO_COMMAND = 0;
     int RunCommand(const std::string& statement);
 
-    int CheckVariableNames();
     Syntax syntax{*this, work};
     Scanner scanner{*this, *this, *this, variables, work};
     Spending spending{*this, *this, interruptCheck, work};
@@ -188,10 +187,6 @@ private:
     void ShowDefinition(std::string text);
     int CheckNamesInBody();
     int AddDefinition(const std::string& name, std::string& parameters, const std::string& body, bool isKept);
-
-    void AddVariable(const char* name, const qfloat value);
-    void ForgetVariables();
-    void DeleteVariable(node* variable);
 };
 
 #endif

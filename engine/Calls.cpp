@@ -4,16 +4,16 @@
 #include "Functions.h"
 #include "Helpers_String.h"
 #include "MathError.h"
-#include "NamedTerms.h"
 #include "Operators.h"
 #include "Outcome.h"
 #include "Spending.h"
 #include "Statement.h"
+#include "Variables.h"
 #include "WorkCounters.h"
 
 #include <cstring>
 
-const qfloat* valueOf(const node* term, NamedTerms& variables) {
+const qfloat* valueOf(const node* term, Variables& variables) {
     if (term->type == TERM_NAME && term->text)
         term = variables.Find(term->text);
     else if (term->type != TERM_NUMBER)

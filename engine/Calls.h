@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-class NamedTerms;
+class Variables;
 struct Function;
 struct Statement;
 struct WorkCounters;
@@ -18,7 +18,7 @@ struct WorkCounters;
 class Calls {
 public:
     // All of them have to live longer.
-    Calls(Statement& statement, Outcome& outcome, const EntrySettings& settings, NamedTerms& variables,
+    Calls(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
           Spending& spending, WorkCounters& work)
         : statement(statement), outcome(outcome), variables(variables), spending(spending), work(work),
           builtins(outcome, settings, spending) {}
@@ -59,7 +59,7 @@ private:
 
     Statement& statement;
     Outcome& outcome;
-    NamedTerms& variables;
+    Variables& variables;
     Spending& spending;
     WorkCounters& work;
     Builtins builtins;
@@ -70,4 +70,4 @@ private:
 };
 
 // The value of a number, or of the variable that a name stands for; null for any other term.
-const qfloat* valueOf(const node* term, NamedTerms& variables);
+const qfloat* valueOf(const node* term, Variables& variables);

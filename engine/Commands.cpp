@@ -121,7 +121,7 @@ struct Commands {
         }
         if (node* variable = calc.VariableExists(name.c_str())) {
             if (variable == calc.vars.first) return calc.Fail("** ERROR: cannot delete %s **\n", {name});
-            calc.DeleteVariable(variable);
+            calc.variables.Delete(variable);
             return Confirm(calc, "** deleted " + name + " **\n");
         }
         if (strIsEqualI(name.c_str(), "all")) {

@@ -2,11 +2,11 @@
 #include "Evaluator.h"
 
 #include "MathError.h"
-#include "NamedTerms.h"
 #include "Operators.h"
 #include "Outcome.h"
 #include "Spending.h"
 #include "Statement.h"
+#include "Variables.h"
 #include "WorkCounters.h"
 #include "units.h"
 

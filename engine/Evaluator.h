@@ -8,7 +8,7 @@
 class Evaluator {
 public:
     // All of them have to live longer.
-    Evaluator(Statement& statement, Outcome& outcome, const EntrySettings& settings, NamedTerms& variables,
+    Evaluator(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
               Spending& spending, WorkCounters& work)
         : statement(statement), outcome(outcome), variables(variables), spending(spending), work(work),
           calls(statement, outcome, settings, variables, spending, work) {}
@@ -28,7 +28,7 @@ private:
 
     Statement& statement;
     Outcome& outcome;
-    NamedTerms& variables;
+    Variables& variables;
     Spending& spending;
     WorkCounters& work;
     Calls calls;

@@ -70,11 +70,6 @@ void Function::FuncToStr(char* out) const {
 
 // --- The list ---
 
-CFunctionList::~CFunctionList() {
-    EndChanges();
-    for (const auto& [number, function] : functions) delete function;
-}
-
 static void addParameters(Function* function, char* argText) {
     while (argText && *argText && *argText != ',') {
         char* comma = strchr(argText, ',');
@@ -127,25 +122,25 @@ void CFunctionList::InsertInRow(Row& row, Function* function) const {
     row.insert(std::upper_bound(row.begin(), row.end(), function, isBefore), function);
 }
 
-void CFunctionList::Insert(Function* function, uint64_t number) {
-    functions.emplace(number, function);
-    numbers.emplace(function, number);
-    InsertInRow(byName[folded(function->name)], function);
-    if (!function->body) InsertInRow(predefined, function);
+void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) {
+    numbers.emplace(function.get(), number);
+    InsertInRow(byName[folded(function->name)], function.get());
+    if (!function->body) InsertInRow(predefined, function.get());
+    functions.emplace(number, std::move(function));
     TabCompleteReset();
 }
 
-Function* CFunctionList::Take(uint64_t number) {
+std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
     const auto place = functions.find(number);
-    Function* const function = place->second;
-    const auto removeFrom = [function](Row& row) {
-        row.erase(std::remove(row.begin(), row.end(), function), row.end());
+    std::shared_ptr<Function> function = std::move(place->second);
+    const auto removeFrom = [&function](Row& row) {
+        row.erase(std::remove(row.begin(), row.end(), function.get()), row.end());
     };
     const auto namesakes = byName.find(folded(function->name));
     removeFrom(namesakes->second);
     if (namesakes->second.empty()) byName.erase(namesakes);
     if (!function->body) removeFrom(predefined);
-    numbers.erase(function);
+    numbers.erase(function.get());
     functions.erase(place);
     TabCompleteReset();
     return function;
@@ -154,9 +149,9 @@ Function* CFunctionList::Take(uint64_t number) {
 // Registration compares names alone: the rule for names that begin with "log" answers look-ups and keeps
 // these names from being defined.
 Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq* body, bool isKept) {
-    Function* function = new Function;
+    auto function = std::make_shared<Function>();
     function->name = StrDuplicate(name);
-    addParameters(function, argText);
+    addParameters(function.get(), argText);
     const Function* builtin = FindNamesake(name, function->argCount, true);
     if (isKept) {
         DeleteFunction(builtin);
@@ -165,31 +160,27 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         const Function* answer = FunctionExists(name, function->argCount);
         if (answer && !answer->body) builtin = answer;
     }
-    if (builtin) {
-        delete function;
-        return nullptr;
-    }
+    if (builtin) return nullptr;
     if (const Function* old = FindNamesake(name, function->argCount, false)) DeleteFunction(old);
     if (body) {
         function->body = new Deq;
         body->CopyTo(function->body);
-        bindParameters(function);
+        bindParameters(function.get());
         function->order = orderOperators(*function->body);
     }
-    Insert(function, ++lastNumber);
-    if (recording) changes.push_back({function, lastNumber, true});
-    return function;
+    Function* const added = function.get();
+    const uint64_t number = ++lastNumber;
+    Insert(std::move(function), number);
+    if (undo) undo->Add([this, number] { Take(number); });
+    return added;
 }
 
 void CFunctionList::DeleteFunction(const Function* function) {
     const auto found = numbers.find(function);
     if (found == numbers.end()) return;
     const uint64_t number = found->second;
-    Function* const taken = Take(number);
-    if (recording)
-        changes.push_back({taken, number, false});
-    else
-        delete taken;
+    const std::shared_ptr<Function> taken = Take(number);
+    if (undo) undo->Add([this, taken, number] { Insert(taken, number); });
 }
 
 // The first of those that answer: a predefined function, for names that begin with "log", or one of the name.
@@ -225,7 +216,7 @@ Function* CFunctionList::Get(int index) {
 Function* CFunctionList::GetNext() {
     const auto next = functions.upper_bound(current);
     current = next == functions.end() ? UINT64_MAX : next->first;
-    return next == functions.end() ? nullptr : next->second;
+    return next == functions.end() ? nullptr : next->second.get();
 }
 
 void CFunctionList::TabCompleteReset() {
@@ -237,36 +228,9 @@ Function* CFunctionList::FindTabComplete(const char* prefix) {
     const size_t length = strlen(prefix);
     tabIndex = tabIndex > count ? count - 1 : tabIndex - 1;
     for (auto place = std::next(functions.begin(), std::max(tabIndex + 1, 0)); tabIndex >= 0; tabIndex--) {
-        Function* const function = (--place)->second;
+        Function* const function = (--place)->second.get();
         if (strIsEqualNI(function->name, prefix, length)) return function;
     }
     TabCompleteReset();
     return nullptr;
-}
-
-// --- Taking changes back ---
-
-void CFunctionList::BeginChanges() {
-    EndChanges();
-    recording = true;
-}
-
-void CFunctionList::UndoChanges() {
-    for (; !changes.empty(); changes.pop_back()) {
-        const Change& change = changes.back();
-        if (change.added)
-            delete Take(change.number);
-        else
-            Insert(change.function, change.number);
-    }
-    recording = false;
-    current = UINT64_MAX;
-}
-
-void CFunctionList::EndChanges() {
-    for (const Change& change : changes) {
-        if (!change.added) delete change.function;
-    }
-    changes.clear();
-    recording = false;
 }

@@ -4,12 +4,14 @@
 #ifndef TALLYQUILL_FUNCTIONS_H
 #define TALLYQUILL_FUNCTIONS_H
 
+#include "Undo.h"
 #include "deq.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -46,7 +48,6 @@ struct Function {
 class CFunctionList {
 public:
     CFunctionList() = default;
-    ~CFunctionList();
     CFunctionList(const CFunctionList&) = delete;
     CFunctionList& operator=(const CFunctionList&) = delete;
 
@@ -89,39 +90,28 @@ public:
     // The functions that look-ups by name compared so far. Tests hold it against the number of look-ups.
     mutable uint64_t visited = 0;
 
-    // From BeginChanges on, UndoChanges puts the list back and EndChanges keeps it as it is. One of them ends
-    // what BeginChanges began.
-    void BeginChanges();
-    void UndoChanges();
-    void EndChanges();
+    // Hands the steps that take changes back to this one; null: to nobody.
+    void RecordIn(Undo* changes) { undo = changes; }
 
 private:
-    // What was done to the list since BeginChanges. A removed function is kept until the end.
-    struct Change {
-        Function* function;
-        uint64_t number;
-        bool added;
-    };
-
     using Row = std::vector<Function*>; // some of the functions, in the order of the list
 
     Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
-    void Insert(Function* function, uint64_t number);
-    Function* Take(uint64_t number);
+    void Insert(std::shared_ptr<Function> function, uint64_t number);
+    std::shared_ptr<Function> Take(uint64_t number);
     void InsertInRow(Row& row, Function* function) const;
 
     // The functions with this name, case ignored.
     const Row& Namesakes(const char* name) const;
 
     // Every function gets a greater number than those before it; with it, it is found, taken out and put back.
-    std::map<uint64_t, Function*> functions;
+    std::map<uint64_t, std::shared_ptr<Function>> functions;
     std::unordered_map<const Function*, uint64_t> numbers;
     uint64_t lastNumber = 0;
 
     Row predefined;
     std::unordered_map<std::string, Row> byName; // by the name in lower case
-    std::vector<Change> changes;
-    bool recording = false;
+    Undo* undo = nullptr;
     uint64_t current = 0; // number of the function that Get or GetNext gave
 };
 

@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "NamedTerms.h"
 
+#include <array>
+#include <iterator>
 #include <utility>
+
+// Freeing one takes a tenth of a microsecond.
+constexpr int FREED_AT_ONCE = 32;
 
 static std::string_view textOf(const node* term) {
     return term->text ? term->text : std::string_view();
@@ -9,23 +14,24 @@ static std::string_view textOf(const node* term) {
 
 // Insertions only grow, so that they and the number of nodes tell every change of the list.
 node* NamedTerms::Find(std::string_view name) {
+    if (!removed.empty()) FreeSome();
     if (!IsIndexed()) {
-        byName.clear();
-        hasNamesakes = false;
+        index = Index();
         for (node* term = list.first; term; term = term->next) {
             visited++;
-            if (!byName.emplace(nameOf(textOf(term)), term).second) hasNamesakes = true;
+            if (!index.byName.emplace(nameOf(textOf(term)), term).second) index.hasNamesakes = true;
         }
         Follow();
+        isForeign = true;
     }
     if (name.empty()) return nullptr;
-    const auto found = byName.find(name);
-    return found == byName.end() ? nullptr : found->second;
+    const auto found = index.byName.find(name);
+    return found == index.byName.end() ? nullptr : found->second;
 }
 
 void NamedTerms::Follow() {
-    insertions = list.insertions;
-    count = list.count;
+    index.insertions = list.insertions;
+    index.count = list.count;
 }
 
 // Without Follow the index is built anew: in front of others the term may be the first of its name.
@@ -34,69 +40,64 @@ void NamedTerms::Insert(node* term, node* before) {
     list.Insert(term, before);
     if (!isIndexed) return;
     visited++;
-    const bool isFirst = byName.emplace(nameOf(textOf(term)), term).second;
-    if (!isFirst) hasNamesakes = true;
+    const bool isFirst = index.byName.emplace(nameOf(textOf(term)), term).second;
+    if (!isFirst) index.hasNamesakes = true;
     if (isFirst || !before) Follow();
 }
 
 // Behind the first of a name there may be another.
-std::unique_ptr<node> NamedTerms::Take(node* term) {
-    const bool isIndexed = IsIndexed() && !hasNamesakes;
-    if (isIndexed) byName.erase(nameOf(textOf(term)));
-    std::unique_ptr<node> taken(list.Take(term));
-    if (!isIndexed) return taken;
+node* NamedTerms::Take(node* term) {
+    const bool isIndexed = IsIndexed() && !index.hasNamesakes;
+    if (isIndexed) index.byName.erase(nameOf(textOf(term)));
+    list.Take(term);
+    if (!isIndexed) return term;
     visited++;
     Follow();
-    return taken;
+    return term;
 }
 
 node* NamedTerms::Append(node* term) {
     Insert(term, nullptr);
-    if (isRecording) changes.push_back({Kind::Added, term, nullptr, nullptr, nullptr, nullptr});
+    undo.Add([this, term] { delete Take(term); });
     return term;
 }
 
 void NamedTerms::SetValue(node* term, const qfloat value) {
-    if (isRecording) {
-        std::unique_ptr<qfloat[]> before(term->value ? new qfloat[1] : nullptr);
-        if (before) qmov(*term->value, before[0]);
-        changes.push_back({Kind::Valued, term, nullptr, nullptr, std::move(before), nullptr});
+    if (term->value) {
+        std::array<uint32_t, std::extent_v<qfloat>> before;
+        qmov(*term->value, before.data());
+        undo.Add([term, before] { term->SetValue(before.data()); });
     }
     term->SetValue(value);
 }
 
 void NamedTerms::Delete(node* term) {
     node* const next = term->next;
-    std::unique_ptr<node> removed = Take(term);
-    if (isRecording) changes.push_back({Kind::Removed, term, std::move(removed), next, nullptr, nullptr});
+    const auto taken = std::make_shared<Deq>();
+    taken->Push(Take(term));
+    undo.Add([this, taken, next] { Insert(taken->Take(taken->first), next); });
 }
 
-// In one step, however many they are; they are freed when the change is kept.
 void NamedTerms::DeleteAll() {
-    auto all = std::make_unique<Deq>();
-    all->TakeAll(list);
-    byName.clear();
-    hasNamesakes = false;
+    const auto all = std::make_shared<Removed>();
+    const bool isIndexed = IsIndexed();
+    all->terms.TakeAll(list);
+    std::swap(all->index, index);
     Follow();
-    if (isRecording) changes.push_back({Kind::Cleared, nullptr, nullptr, nullptr, nullptr, std::move(all)});
+    removed.push_back(all);
+    undo.Add([this, all, isIndexed] {
+        list.TakeAll(all->terms);
+        std::swap(all->index, index);
+        if (isIndexed) Follow();
+    });
 }
 
-void NamedTerms::UndoChanges() {
-    for (; !changes.empty(); changes.pop_back()) {
-        Change& change = changes.back();
-        switch (change.kind) {
-        case Kind::Added: Take(change.term); break;
-        case Kind::Removed: Insert(change.removed.release(), change.next); break;
-        case Kind::Cleared: list.TakeAll(*change.all); break;
-        case Kind::Valued:
-            if (change.value) change.term->SetValue(change.value[0]);
-            break;
-        }
+void NamedTerms::FreeSome() {
+    Removed& all = *removed.back();
+    if (removed.back().use_count() > 1) return; // it may be taken back
+    for (int i = 0; i < FREED_AT_ONCE && all.terms.first; i++) {
+        if (!all.index.byName.empty()) all.index.byName.erase(all.index.byName.begin());
+        all.terms.Del(all.terms.first);
     }
-    isRecording = false;
-}
-
-void NamedTerms::EndChanges() {
-    changes.clear();
-    isRecording = false;
+    if (!all.terms.first) removed.pop_back();
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // A list of terms whose names are looked up: the variables, the lines of the user's units. It finds a name without a
-// walk, and takes changes back at the cost of the changes.
-#ifndef TALLYQUILL_NAMEDTERMS_H
-#define TALLYQUILL_NAMEDTERMS_H
+// walk.
+#pragma once
 
+#include "Undo.h"
 #include "deq.h"
 
 #include <cstdint>
@@ -18,54 +18,52 @@ public:
     // The name in a term's text; an empty one is not found.
     using NameOf = std::string_view (*)(std::string_view text);
 
-    // The list stays its owner's, who may change it in other ways too, except between BeginChanges and its end. What
-    // is put in or taken out there is noticed by the list's numbers, and the index is then built anew.
+    // The list stays its owner's, who may change it in other ways too, but not while an entry runs. What is put in or
+    // taken out there is noticed by the list's numbers, and the index is then built anew.
     // `work` counts the terms that were put into the index or taken out of it.
-    NamedTerms(Deq& terms, NameOf name, uint64_t& work) : list(terms), nameOf(name), visited(work) {}
+    NamedTerms(Deq& terms, NameOf name, Undo& changes, uint64_t& work)
+        : list(terms), nameOf(name), undo(changes), visited(work) {}
 
     // The first term of exactly this name, or null.
     node* Find(std::string_view name);
 
-    // Append a term, which the list then owns; give a term a value; remove and free a term, or all.
+    // Append a term, which the list then owns; give a term a value; remove and free a term, or all. Taken back, the
+    // same terms stand at the same places with the same values. All terms are removed in one step however many they
+    // are; the look-ups that follow free them, a few each.
     node* Append(node* term);
     void SetValue(node* term, const qfloat value);
     void Delete(node* term);
     void DeleteAll();
 
-    // From BeginChanges on, UndoChanges takes back what the four above did, so that the same terms stand at the same
-    // places with the same values; EndChanges keeps it. One of them ends what BeginChanges began.
-    void BeginChanges() { isRecording = true; }
-    void UndoChanges();
-    void EndChanges();
+    // The list has had terms that came in otherwise than by Append. Whoever has looked at them sets it to false.
+    bool isForeign = false;
 
 private:
-    enum class Kind { Added, Removed, Valued, Cleared };
+    // The terms by name.
+    struct Index {
+        std::unordered_map<std::string_view, node*> byName; // of two terms of one name the first
+        bool hasNamesakes = false;                          // there were such two
 
-    struct Change {
-        Kind kind;
-        node* term;
-        std::unique_ptr<node> removed; // the same term while it is in no list
-        node* next;                    // where it stood
-        std::unique_ptr<qfloat[]> value;
-        std::unique_ptr<Deq> all; // what stood in the list before it was emptied
+        // The list had so many insertions and nodes then.
+        uint64_t insertions = 0;
+        int32_t count = 0;
     };
 
-    bool IsIndexed() const { return insertions == list.insertions && count == list.count; }
+    struct Removed {
+        Deq terms;
+        Index index;
+    };
+
+    bool IsIndexed() const { return index.insertions == list.insertions && index.count == list.count; }
     void Follow();
     void Insert(node* term, node* before);
-    std::unique_ptr<node> Take(node* term);
+    node* Take(node* term);
+    void FreeSome();
 
     Deq& list;
     NameOf nameOf;
+    Undo& undo;
     uint64_t& visited;
-    std::vector<Change> changes;
-    bool isRecording = false;
-
-    // The terms by name, as they were when the list had so many insertions and nodes.
-    std::unordered_map<std::string_view, node*> byName; // of two terms of one name the first
-    bool hasNamesakes = false;                          // there were such two
-    uint64_t insertions = 0;
-    int32_t count = 0;
+    Index index;
+    std::vector<std::shared_ptr<Removed>> removed; // by DeleteAll
 };
-
-#endif

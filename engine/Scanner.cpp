@@ -4,10 +4,10 @@
 #include "Functions.h"
 #include "Helpers_String.h"
 #include "MathError.h"
-#include "NamedTerms.h"
 #include "Outcome.h"
 #include "Settings.h"
 #include "Statement.h"
+#include "Variables.h"
 #include "WorkCounters.h"
 
 #include <algorithm>
@@ -178,9 +178,7 @@ int Scanner::ScanAssignment(std::string& text) {
     if (statement.fullEntry) {
         statement.target = variables.Find(name);
         if (!statement.target) {
-            statement.newVariable = std::make_unique<node>();
-            statement.newVariable->type = TERM_NAME;
-            statement.newVariable->text = StrDuplicate(name);
+            statement.newVariable = makeVariable(name); // joins the variables when the evaluation works out
             statement.target = statement.newVariable.get();
         }
     }

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-class NamedTerms;
+class Variables;
 struct EntrySettings;
 struct Outcome;
 struct Statement;
@@ -19,7 +19,7 @@ struct WorkCounters;
 class Scanner {
 public:
     // All of them have to live longer.
-    Scanner(Statement& statement, Outcome& outcome, const EntrySettings& settings, NamedTerms& variables,
+    Scanner(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
             WorkCounters& work)
         : statement(statement), outcome(outcome), settings(settings), variables(variables), work(work) {}
 
@@ -49,7 +49,7 @@ private:
     Statement& statement;
     Outcome& outcome;
     const EntrySettings& settings;
-    NamedTerms& variables;
+    Variables& variables;
     WorkCounters& work;
 
     // While a body is read: the function that it belongs to, and its parameters.

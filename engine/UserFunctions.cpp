@@ -48,6 +48,21 @@ Scanner::Names splitAtCommas(const std::string& text) {
 
 } // namespace
 
+bool ZqCalculator::IsValidArgList(const char* text) {
+    const std::string list = text;
+    size_t start = 0;
+    while (start <= list.size()) {
+        const size_t comma = std::min(list.find(',', start), list.size());
+        const std::string piece = list.substr(start, comma - start);
+        if (!IsValidName(piece)) {
+            Fail("** ERROR: invalid argument: %s **\n", {piece});
+            return false;
+        }
+        start = comma + 1;
+    }
+    return true;
+}
+
 int ZqCalculator::DefineFunction(const char* text, bool isKept) {
     DefinitionText parts;
     std::string definition = text;
@@ -90,11 +105,12 @@ int ZqCalculator::AddDefinition(const std::string& name, std::string& parameters
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms, isKept);
     if (!function) return Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});
     work.ordered += static_cast<uint64_t>(terms.count);
-    ShowDefinition(function->ToString());
+    const std::string definition = ListedText(*function);
+    if (interrupted) return STATUS_ERROR;
+    ShowDefinition(definition);
     return STATUS_MESSAGE;
 }
 
-// For a command that changes nothing, because it can be interrupted at each term.
 std::string ZqCalculator::ListedText(const Function& function) {
     return function.ToString([this] {
         work.listed += 1;

@@ -25,14 +25,13 @@ void UnitTable::AddPrefix(std::string_view name, double factor) {
 bool UnitTable::Add(std::string_view name, ReducedUnit reduced, UnitOrigin origin) {
     const size_t powers = reduced.powers.size();
     if (powersHeld + powers > maxPowers) return false;
-    const bool isRecorded = isRecording && origin == UnitOrigin::User;
     if (units.empty()) units.reserve(firstCapacity);
     auto unit = std::make_unique<Unit>(Unit{std::string(name), std::move(reduced), defined});
-    const Unit* const added = unit.get();
-    // First what needs memory: a change without a unit is none.
-    if (isRecorded) changes.emplace_back();
-    units.emplace(added->name, std::move(unit));
-    if (isRecorded) changes.back().added = added;
+    const Unit& added = *unit;
+    // First what needs memory: without the unit there is nothing to take back.
+    if (record && origin == UnitOrigin::User)
+        record([this, holder = MakeHolder(), own = added.name] { *holder = units.extract(own); });
+    units.emplace(added.name, std::move(unit));
     ++defined;
     powersHeld += powers;
     return true;
@@ -43,19 +42,22 @@ bool UnitTable::AddPrimitive(std::string_view name, UnitOrigin origin) {
     return Add(name, {1.0, {{own, 1}}}, origin);
 }
 
-void UnitTable::Forget(Index::node_type removed) {
-    if (!removed.empty()) powersHeld -= removed.mapped()->reduced.powers.size();
+// For a unit that is taken out.  The last who has it frees the unit.
+std::shared_ptr<UnitTable::Index::node_type> UnitTable::MakeHolder() {
+    const auto release = [this](const Index::node_type* unit) {
+        if (!unit->empty()) powersHeld -= unit->mapped()->reduced.powers.size();
+        delete unit;
+    };
+    return {new Index::node_type, release};
 }
 
 bool UnitTable::Remove(std::string_view name) {
     const auto found = units.find(name);
     if (found == units.end()) return false;
-    if (isRecording) {
-        changes.emplace_back();
-        changes.back().removed = units.extract(found);
-    } else {
-        Forget(units.extract(found));
-    }
+    // A unit that comes back finds room, since the index never shrinks.
+    const auto holder = MakeHolder();
+    if (record) record([this, holder] { units.insert(std::move(*holder)); });
+    *holder = units.extract(found);
     return true;
 }
 
@@ -93,20 +95,4 @@ UnitMatch UnitTable::FindFactor(std::string_view name) const {
             match = FindSingular(name.substr(0, name.size() - length));
     }
     return match;
-}
-
-// The latest change first.  A unit that comes back finds room, since the index never shrinks.
-void UnitTable::UndoChanges() {
-    for (; !changes.empty(); changes.pop_back()) {
-        Change& change = changes.back();
-        if (change.added != nullptr) Forget(units.extract(units.find(change.added->name)));
-        if (!change.removed.empty()) units.insert(std::move(change.removed));
-    }
-    isRecording = false;
-}
-
-void UnitTable::EndChanges() {
-    for (Change& change : changes) Forget(std::move(change.removed));
-    changes.clear();
-    isRecording = false;
 }

@@ -73,10 +73,7 @@ public:
     // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of look-ups.
     mutable uint64_t compared = 0;
 
-    // See units_begin_changes.
-    void BeginChanges() { isRecording = true; }
-    void UndoChanges();
-    void EndChanges();
+    UnitsUndo record; // see units_record_changes
 
     void Clear() { *this = UnitTable(); }
 
@@ -84,23 +81,15 @@ private:
     // By a view of the unit's own name.
     using Index = std::unordered_map<std::string_view, std::unique_ptr<Unit>>;
 
-    // One of the two, or none of them.
-    struct Change {
-        const Unit* added = nullptr;
-        Index::node_type removed;
-    };
-
     UnitMatch FindPrefixed(std::string_view name) const;
     UnitMatch FindSingular(std::string_view name) const;
-    void Forget(Index::node_type removed);
+    std::shared_ptr<Index::node_type> MakeHolder();
 
     Index units;
     std::vector<UnitPrefix> prefixes;
     std::unordered_set<std::string> primitiveNames; // all there ever were: units defined from them stay
     size_t defined = 0;                             // units ever added
-    size_t powersHeld = 0;                          // by all units, those removed while recording included
-    std::vector<Change> changes;
-    bool isRecording = false;
+    size_t powersHeld = 0;                          // by all units, those that can come back included
 };
 
 extern UnitTable unitTable;

@@ -168,16 +168,8 @@ bool removeUnit(const char* name) {
     }
 }
 
-void units_begin_changes() {
-    unitTable.BeginChanges();
-}
-
-void units_undo_changes() {
-    unitTable.UndoChanges();
-}
-
-void units_end_changes() {
-    unitTable.EndChanges();
+void units_record_changes(UnitsUndo record) {
+    unitTable.record = std::move(record);
 }
 
 void unitFreeMemory() {

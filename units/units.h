@@ -128,13 +128,13 @@ void units_new(const char* name, const char* definition, const UnitsCharge& char
 // error state is set only if the catalogue fails or memory ends.
 bool removeUnit(const char* name);
 
-// From units_begin_changes on, definitions and removals by the two operations above are recorded:
-// units_undo_changes takes them back, so that units defined since are gone and units removed since are there
-// as before, at the same place in the order of definition; units_end_changes keeps them.  Either ends the
-// recording, and does nothing without one.  A catalogue that was built meanwhile stays.  These never fail.
-void units_begin_changes();
-void units_undo_changes();
-void units_end_changes();
+// Is handed what takes a change back: it may be called once, the later ones first, and never fails.
+using UnitsUndo = std::function<void(std::function<void()> takeBack)>;
+
+// From now on `record` gets a function for each definition and removal by the two operations above.  Called, a unit
+// that was defined is gone, and one that was removed is there as before, at the same place in the order of
+// definition.  A catalogue that was built meanwhile stays.  An empty `record` ends this.
+void units_record_changes(UnitsUndo record);
 
 // Clears the error state.
 void units_clear_exception();

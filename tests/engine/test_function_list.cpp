@@ -142,6 +142,7 @@ TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
     std::mt19937 random = seededRandom();
     const std::string names[] = {"a", "A", "b", "aB", "Ab", "sqrt", "mod"};
     const char* const parameters[] = {"", "x", "x,y"};
+    Undo undo;
     for (int step = 0; step < 20000; step++) {
         const std::string name = names[random() % 7];
         switch (random() % 8) {
@@ -150,9 +151,12 @@ TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
         case 2: Enter(name + "(" + parameters[random() % 3] + ")=1"); break;
         case 3:
         case 4: funcs.DeleteFunction(funcs.Get(static_cast<int>(random() % 30))); break;
-        case 5: funcs.BeginChanges(); break;
-        case 6: funcs.UndoChanges(); break;
-        default: funcs.EndChanges();
+        case 5:
+            funcs.RecordIn(&undo);
+            undo.Begin();
+            break;
+        case 6: undo.TakeBack(); break;
+        default: undo.End();
         }
         for (const std::string& sought : names) {
             for (int32_t argCount : {-1, 0, 1, 2}) {
@@ -162,7 +166,7 @@ TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
             }
         }
     }
-    funcs.EndChanges();
+    funcs.RecordIn(nullptr);
 }
 
 TEST_F(Functions, variablesAreCheckedWhenSomeWerePutInAlone) {

@@ -36,7 +36,8 @@ class NamedTermsTest : public testing::Test {
 protected:
     Deq list;
     uint64_t work = 0;
-    NamedTerms terms{list, [](std::string_view text) { return text; }, work};
+    Undo undo;
+    NamedTerms terms{list, [](std::string_view text) { return text; }, undo, work};
 
     node* FirstOf(const std::string& name) const {
         node* term = list.first;
@@ -64,11 +65,11 @@ TEST_F(NamedTermsTest, takingBackCostsTheChanges) {
     terms.Find("v0");
     work = 0;
     const auto before = contentsOf(list);
-    terms.BeginChanges();
+    undo.Begin();
     terms.Delete(terms.Find("v17"));
     terms.SetValue(terms.Find("v18"), qpi);
     terms.Append(makeTerm("new", 1));
-    terms.UndoChanges();
+    undo.TakeBack();
     EXPECT_EQ(before, contentsOf(list));
     EXPECT_NE(nullptr, terms.Find("v17"));
     EXPECT_EQ(nullptr, terms.Find("new"));
@@ -79,16 +80,46 @@ TEST_F(NamedTermsTest, deletingAllIsOneStep) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     terms.Find("v0");
     const auto before = contentsOf(list);
-    terms.BeginChanges();
+    undo.Begin();
     work = 0;
     terms.DeleteAll();
     EXPECT_EQ(0, list.count);
     EXPECT_EQ(nullptr, terms.Find("v0"));
     terms.Append(makeTerm("v1", 1));
     EXPECT_LE(work, 1u); // the one that was put in
-    terms.UndoChanges();
+    undo.TakeBack();
     EXPECT_EQ(before, contentsOf(list));
     EXPECT_EQ(FirstOf("v4999"), terms.Find("v4999"));
+}
+
+// Freeing all at once would take longer than an entry may go without a question.
+TEST_F(NamedTermsTest, deletedTermsAreFreedAFewWithEachLookUp) {
+    for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
+    const size_t before = mallinfo2().uordblks;
+    terms.DeleteAll();
+    constexpr size_t bytesOfTerm = 300; // the node, its text, its value and the entry of the index
+    EXPECT_LT(before, mallinfo2().uordblks + 2 * bytesOfTerm);
+    for (int i = 1; i <= 200; i++) {
+        terms.Find("v0");
+        EXPECT_LT(before, mallinfo2().uordblks + static_cast<size_t>(i) * 40 * bytesOfTerm);
+    }
+    EXPECT_GT(before, mallinfo2().uordblks + 5000 * 100);
+}
+
+TEST_F(NamedTermsTest, deletedTermsComeBackWithTheirIndex) {
+    for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
+    const auto before = contentsOf(list);
+    undo.Begin();
+    for (int round = 0; round < 3; round++) {
+        terms.DeleteAll();
+        for (int i = 0; i < 100; i++) EXPECT_EQ(nullptr, terms.Find("v4999"));
+        terms.Append(makeTerm("v1", round));
+    }
+    work = 0;
+    undo.TakeBack();
+    EXPECT_EQ(before, contentsOf(list));
+    EXPECT_EQ(FirstOf("v4999"), terms.Find("v4999"));
+    EXPECT_EQ(3u, work); // the appended ones
 }
 
 TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
@@ -96,7 +127,7 @@ TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
     std::mt19937 random(seed);
     for (int round = 0; round < 300; round++) {
         const auto before = contentsOf(list);
-        terms.BeginChanges();
+        undo.Begin();
         for (auto n = static_cast<unsigned>(random() % 12); n > 0; n--) {
             const std::string name = "v" + std::to_string(random() % 30);
             node* const term = terms.Find(name);
@@ -112,9 +143,9 @@ TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
                 terms.SetValue(term, kind < 6 ? qpi : qone);
         }
         if (random() % 3 == 0) {
-            terms.EndChanges();
+            undo.End();
         } else {
-            terms.UndoChanges();
+            undo.TakeBack();
             ASSERT_EQ(before, contentsOf(list)) << "seed " << seed;
         }
         for (int i = 0; i < 30; i++) {

@@ -242,6 +242,22 @@ TEST_F(Functions, aListingCanBeInterruptedInTheMiddle) {
     }
 }
 
+// A definition is shown when it is made, which takes as long.
+TEST_F(Functions, aDefinitionCanBeInterruptedWhileItIsShown) {
+    Enter("long(x)=x");
+    const std::string definition = "long(x)=x" + repeated("+1e-9000", 900);
+    stopAfter(calc, 1000000);
+    EXPECT_EQ(STATUS_MESSAGE, Enter(definition));
+    EXPECT_EQ(1 + 1801 / 26, checks);
+    EXPECT_LE(longestWork, 26u);
+    EXPECT_EQ(STATUS_MESSAGE, Enter("long(x)=x"));
+    stopAfter(calc, 4);
+    EXPECT_EQ("** ERROR: interrupted **\n", Answer(definition));
+    EXPECT_TRUE(calc.interrupted);
+    calc.interruptCheck = nullptr;
+    EXPECT_EQ("long(x)=x\n", Answer("long"));
+}
+
 TEST_F(Functions, theStatementsOfAnInterruptedEntryAreTakenBack) {
     DefineChain(25);
     Enter("a=1;b=2;del2=3;sigfigs 7;mode deg;5");

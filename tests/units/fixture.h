@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 class UnitsTest : public testing::Test {
@@ -68,6 +70,27 @@ inline const ReducedUnit& known(const std::string& name) {
     EXPECT_NE(unit, nullptr) << name;
     return unit != nullptr ? unit->reduced : none;
 }
+
+// What takes changes back, as whoever uses the library keeps it.
+class Recording {
+public:
+    ~Recording() { keep(); }
+
+    void begin() {
+        units_record_changes([this](std::function<void()> step) { steps.push_back(std::move(step)); });
+    }
+    void takeBack() {
+        for (; !steps.empty(); steps.pop_back()) steps.back()();
+        keep();
+    }
+    void keep() {
+        units_record_changes({});
+        steps.clear();
+    }
+
+private:
+    std::vector<std::function<void()>> steps;
+};
 
 // The work that an operation is charged.
 template <class Operation> uint64_t workOf(Operation operation) {

@@ -145,10 +145,11 @@ TEST_F(UnitsTest, AllUnitsTogetherAreBounded) {
     EXPECT_FALSE(removeUnit(("Rr" + letterName(5)).c_str()));
     EXPECT_EQ(define("Tt", "2 all"), "");
     // What is removed while changes are recorded is held until they end.
-    units_begin_changes();
+    Recording changes;
+    changes.begin();
     EXPECT_FALSE(removeUnit("Tt"));
     EXPECT_EQ(define("Tt", "3 all"), "'3 all' cannot be reduced to primitive units");
-    units_end_changes();
+    changes.keep();
     EXPECT_EQ(define("Tt", "3 all"), "");
 }
 

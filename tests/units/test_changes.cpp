@@ -8,7 +8,7 @@ namespace {
 
 class UnitChanges : public UnitsTest {
 protected:
-    ~UnitChanges() override { units_end_changes(); }
+    Recording changes;
 };
 
 TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
@@ -16,12 +16,12 @@ TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
     define("B", "12 Q");
     EXPECT_FALSE(removeUnit("Q"));
     const Unit* record = unitTable.Find("B");
-    units_begin_changes();
+    changes.begin();
     EXPECT_FALSE(removeUnit("B"));
     EXPECT_EQ(define("Q", "5 m"), "");
     EXPECT_EQ(define("B", "12 Q"), "");
     EXPECT_DOUBLE_EQ(convert("B", "m"), 60.0);
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_EQ(unitTable.Find("B"), record);
     EXPECT_DOUBLE_EQ(convert("B", "m"), 24.0);
     EXPECT_EQ(unitTable.Find("Q"), nullptr);
@@ -31,12 +31,12 @@ TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
 
 TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
     units_reduce("m");
-    units_begin_changes();
+    changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("smoot");
     define("smoot", "2 m");
     removeUnit("smoot");
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_EQ(unitTable.Find("smoot"), nullptr);
     EXPECT_EQ(define("smoot", "3 m"), "");
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 3.0);
@@ -44,11 +44,11 @@ TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
 
 TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
     units_reduce("m");
-    units_begin_changes();
+    changes.begin();
     removeUnit("hour");
     define("hour", "2 s");
     removeUnit("h");
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_DOUBLE_EQ(convert("hour", "s"), 3600.0);
     EXPECT_EQ(define("Q", "m"), "");
     EXPECT_LT(unitTable.Find("hour")->position, unitTable.Find("h")->position);
@@ -56,39 +56,39 @@ TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
 }
 
 TEST_F(UnitChanges, theCatalogueBuiltMeanwhileStays) {
-    units_begin_changes();
+    changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("foot");
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_EQ(unitTable.Find("smoot"), nullptr);
     EXPECT_DOUBLE_EQ(convert("foot", "inch"), 12.0);
 }
 
 TEST_F(UnitChanges, changesThatAreKeptStay) {
     define("old", "3 m");
-    units_begin_changes();
+    changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("old");
-    units_end_changes();
-    units_undo_changes();
+    changes.keep();
+    changes.takeBack();
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
     EXPECT_TRUE(removeUnit("old"));
     removeUnit("smoot");
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_TRUE(removeUnit("smoot"));
 }
 
 // The index grows several times, each time without the slots of units removed for good.
 TEST_F(UnitChanges, manyChangesAreTakenBack) {
     define("smoot", "1.7018 m");
-    units_begin_changes();
+    changes.begin();
     removeUnit("smoot");
     for (int i = 0; i < 2000; ++i) {
         std::string name = "x";
         for (int rest = i; rest != 0; rest /= 26) name += static_cast<char>('a' + rest % 26);
         ASSERT_EQ(define(name, "m"), "") << name;
     }
-    units_undo_changes();
+    changes.takeBack();
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
     EXPECT_EQ(unitTable.Find("xb"), nullptr);
     EXPECT_EQ(unitTable.Find("xaab"), nullptr);
@@ -100,13 +100,13 @@ TEST_F(UnitChanges, aRemovedUnitFreesItsNames) {
     for (int i = 0; i < 10; ++i) {
         define("x", "many^50/s^1000");
         removeUnit("x");
-        units_begin_changes();
+        changes.begin();
         define("x", "many^50/s^1000");
-        units_undo_changes();
+        changes.takeBack();
         define("x", "many^50/s^1000");
-        units_begin_changes();
+        changes.begin();
         removeUnit("x");
-        units_end_changes();
+        changes.keep();
     }
     EXPECT_LE(allocation::live() - before, 2U); // the index may have grown
 }

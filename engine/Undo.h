@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+//
+// The one way back from an entry that is interrupted.
+#pragma once
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+// While an entry runs, whatever changes something that outlives the entry hands over a step that takes the change back.
+// Steps run in the reverse order, so that each finds things as its change left them. What a step needs for that, such as
+// a deleted function, lives in the step.
+class Undo {
+public:
+    using Step = std::function<void()>;
+
+    // From now on steps are kept, until End.
+    void Begin() { isOpen = true; }
+
+    template <class Function> void Add(Function&& step) {
+        if (isOpen) steps.emplace_back(std::forward<Function>(step));
+    }
+
+    // Has TakeBack put back what the place holds now.
+    template <class T> void Keep(T& place) {
+        Add([&place, value = place] { place = value; });
+    }
+
+    // Takes all changes back.
+    void TakeBack() {
+        isOpen = false;
+        for (; !steps.empty(); steps.pop_back()) steps.back()();
+    }
+
+    // Forgets the steps: the changes stay.
+    void End() {
+        isOpen = false;
+        steps.clear();
+    }
+
+private:
+    std::vector<Step> steps;
+    bool isOpen = false;
+};
