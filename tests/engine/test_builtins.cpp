@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+//
+// The table of the predefined functions.
+#include "Builtins.h"
+#include "functions_fixture.h"
+
+#include <fstream>
+#include <set>
+#include <string>
+
+namespace {
+
+std::string head(const Builtin& builtin) {
+    return std::string(builtin.name) + "(" + builtin.arguments + ")";
+}
+
+// The rows of the guide's table of functions.
+std::multiset<std::string> rowsOfGuide() {
+    std::ifstream guide(GUIDE);
+    std::multiset<std::string> rows;
+    bool isInside = false;
+    for (std::string line; std::getline(guide, line);) {
+        isInside = line == "| Function | Gives |" || (isInside && line[0] == '|');
+        if (isInside && line.rfind("| `", 0) == 0) rows.insert(line);
+    }
+    return rows;
+}
+
+TEST(Builtins, areListedInTheGuide) {
+    std::multiset<std::string> rows;
+    for (const Builtin& builtin : builtinTable()) {
+        if (builtin.help) rows.insert("| `" + head(builtin) + "` | " + builtin.help + " |");
+    }
+    EXPECT_EQ(rows, rowsOfGuide());
+}
+
+TEST_F(Functions, eachRowOfTheTableIsAFunctionInItsOrder) {
+    const Function* function = funcs.Get(0);
+    for (const Builtin& builtin : builtinTable()) {
+        ASSERT_TRUE(function) << builtin.name;
+        const std::string body = builtin.definition ? std::string("=") + builtin.definition : "";
+        EXPECT_EQ(head(builtin) + body, function->ToString());
+        function = funcs.GetNext();
+    }
+    EXPECT_EQ(nullptr, function);
+}
+
+TEST(Builtins, areFoundByTheirNamesAndLogarithmsByTheirBase) {
+    for (const Builtin& builtin : builtinTable()) {
+        EXPECT_EQ(builtin.compute ? &builtin : nullptr, Builtins::Find(builtin.name)) << builtin.name;
+    }
+    const Builtin* const log = Builtins::Find("log");
+    ASSERT_TRUE(log);
+    for (const char* name : {"log2", "log1.5", "log.5", "log1e2"})
+        EXPECT_EQ(log, Builtins::Find(name)) << name;
+    for (const char* name : {"logx", "log2x", "log.", "sine", ""})
+        EXPECT_EQ(nullptr, Builtins::Find(name)) << name;
+}
+
+TEST_F(Functions, aPreviewPaysTheCostOfItsRow) {
+    for (const Builtin& builtin : builtinTable()) {
+        if (!builtin.compute) continue;
+        const std::string call = std::string(builtin.name) + "(1)";
+        // Each of the sum's calls: its parenthesis, its '+' and its row.
+        const uint64_t units = 50 * (2 * Cost::OPERATOR + builtin.cost);
+        const std::string line = call + repeated("+" + call, 49);
+        uint64_t enough = units;
+        EXPECT_NE(STATUS_ERROR, calc.CalculateWithin(line.c_str(), enough)) << call;
+        uint64_t tooFew = units - Cost::OPERATOR - 1;
+        EXPECT_EQ(STATUS_ERROR, calc.CalculateWithin(line.c_str(), tooFew)) << call;
+    }
+}
+
+} // namespace
