@@ -246,23 +246,3 @@ void ZqCalculator::ReportPrintedInfinity() {
     if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
     Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
 }
-
-bool ZqCalculator::IsValidVariable(const char* text) const {
-    return IsValidName(text);
-}
-
-node* ZqCalculator::VariableExists(const char* name) const {
-    return variables.Find(name);
-}
-
-node* ZqCalculator::UnitExists(const char* name) const {
-    return unitLines.Find(name);
-}
-
-void ZqCalculator::InitializeVarsList() {
-    variables.Reset();
-}
-
-void ZqCalculator::ProcessStringEuropean(char* text) const {
-    if (european) StrSwapChars(text, '.', ',');
-}

@@ -12,9 +12,11 @@
 #define TALLYQUILL_CALCULATOR_H
 
 #include "Answer.h"
+#include "Definitions.h"
 #include "Evaluator.h"
 #include "Format.h"
 #include "Functions.h"
+#include "Helpers_String.h"
 #include "History.h"
 #include "MathError.h"
 #include "NamedTerms.h"
@@ -30,10 +32,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 constexpr int MAX_STATEMENTS = 999;
@@ -87,7 +86,9 @@ public:
     std::string PlainAnswer() const { return answer.Plain(*this); }
 
     // Exchanges '.' and ',' throughout the text when `european` is set.
-    void ProcessStringEuropean(char* text) const;
+    void ProcessStringEuropean(char* text) const {
+        if (european) StrSwapChars(text, '.', ',');
+    }
 
     // --- From text to terms (Scanner.h) ---
 
@@ -99,7 +100,7 @@ public:
     // value).
     int Str2Num(const char* text, qfloat value) { return scanner.Str2Num(text, value); }
 
-    // --- Evaluation (Syntax.h, Evaluator.cpp) ---
+    // --- Evaluation (Syntax.h, Evaluator.h) ---
 
     // Checks the terms, sets their levels and opCount. Returns 0, or -1 with a message.
     int VerifyTermsSyntax();
@@ -123,7 +124,7 @@ public:
     // The value of a variable or number term. Returns 0, or -1 with a message.
     int Node2Num(const node* term, qfloat value) { return evaluator.Node2Num(term, value); }
 
-    // --- Names and functions (Builtins.cpp, UserFunctions.cpp, Variables.cpp) ---
+    // --- Names and functions (Calls.h, Definitions.h, Variables.h) ---
 
     // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its body.
     // A call whose arguments are not all single terms is left as it is. Returns the term to go on from, or null
@@ -134,23 +135,23 @@ public:
     // `message`, or -1 with an error. A name has fewer than 50 characters.
     // One that was kept from an earlier run takes the place of a predefined function, and may call functions that
     // are still to come or were deleted.
-    int DefineFunction(const char* text, bool isKept);
+    int DefineFunction(const char* text, bool isKept) { return definitions.Define(text, isKept); }
     int DefineFunction(const char* text) { return DefineFunction(text, false); }
 
     // Whether the text is a letter followed by letters, digits and '_'.
-    bool IsValidVariable(const char* text) const;
+    bool IsValidVariable(const char* text) const { return IsValidName(text); }
 
     // Whether each piece between the commas is a valid name; the first that is not goes into `message`.
-    bool IsValidArgList(const char* text);
+    bool IsValidArgList(const char* text) { return definitions.CheckParameters(text); }
 
     // The variable with exactly this name, or null.
-    node* VariableExists(const char* name) const;
+    node* VariableExists(const char* name) const { return variables.Find(name); }
 
     // The definition of the user's unit with exactly this name, a term of `unitDefs`, or null.
-    node* UnitExists(const char* name) const;
+    node* UnitExists(const char* name) const { return unitLines.Find(name); }
 
     // Empties the variables down to "ans" = 0 and "pi".
-    void InitializeVarsList();
+    void InitializeVarsList() { variables.Reset(); }
 
 private:
     friend struct Commands;
@@ -182,11 +183,7 @@ private:
     Scanner scanner{*this, *this, *this, variables, work};
     Spending spending{*this, *this, interruptCheck, work};
     Evaluator evaluator{*this, *this, *this, variables, spending, work};
-
-    std::string ListedText(const Function& function); // sets `interrupted` when it was stopped
-    void ShowDefinition(std::string text);
-    int CheckNamesInBody();
-    int AddDefinition(const std::string& name, std::string& parameters, const std::string& body, bool isKept);
+    Definitions definitions{*this, *this, *this, variables, scanner, syntax, spending, work};
 };
 
 #endif

@@ -243,16 +243,13 @@ struct Commands {
         Listing listing;
         for (const Function* function = funcs.Get(0); function && !calc.interrupted;
              function = funcs.GetNext()) {
-            if (function->body) listing.Add([&calc, function] { return calc.ListedText(*function); });
+            if (function->body) listing.Add([&calc, function] { return calc.definitions.TextOf(*function); });
         }
         return calc.interrupted ? STATUS_ERROR : Confirm(calc, listing.Text());
     }
 
     static int ShowFunction(ZqCalculator& calc, const CommandText& text) {
-        const std::string definition = calc.ListedText(*funcs.FindByName(text.statement.c_str(), -1));
-        if (calc.interrupted) return STATUS_ERROR;
-        calc.ShowDefinition(definition);
-        return STATUS_MESSAGE;
+        return calc.definitions.Show(*funcs.FindByName(text.statement.c_str(), -1));
     }
 };
 

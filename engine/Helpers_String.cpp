@@ -4,10 +4,6 @@
 #include <algorithm>
 #include <cstring>
 
-char LowerCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool strIsEqual(const char* a, const char* b) {
     return strcmp(a, b) == 0;
 }
@@ -69,14 +65,6 @@ std::string StrShown(std::string_view text) {
             shown += c;
     }
     return shown;
-}
-
-bool IsLetter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
 }
 
 bool IsValidName(std::string_view text) {

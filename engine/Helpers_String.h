@@ -24,11 +24,19 @@ char* StrDuplicate(std::string_view text);
 // The text as people read it: the internal characters of a unit conversion (0x10, 0x11) become "->".
 std::string StrShown(std::string_view text);
 
-// ASCII character classes; any char value is allowed.
-bool IsLetter(char c);
-bool IsDigit(char c);
-
-char LowerCase(char c); // A to Z become a to z
+// ASCII characters; any char value is allowed.
+constexpr bool IsLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+constexpr bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+constexpr bool IsBlank(char c) { // or a line end
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+constexpr char LowerCase(char c) { // A to Z become a to z
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 // Whether the text is the name of a variable, a function or a parameter: a letter, then letters, digits and '_'.
 bool IsValidName(std::string_view text);

@@ -78,7 +78,7 @@ bool isDefinition(const std::string& text) {
 static void normalize(std::string& text, bool european) {
     size_t length = 0;
     for (char c : text) {
-        if (c == ' ' || c == '\t' || c == '\r' || c == '\n') continue;
+        if (IsBlank(c)) continue;
         if (c == '{' || c == '[') c = '(';
         if (c == '}' || c == ']') c = ')';
         text[length++] = c;
