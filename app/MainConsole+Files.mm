@@ -8,8 +8,8 @@
 
 #include "FileKeeping.h"
 #include "Folder.h"
-#include "FunctionsFile.h"
-#include "FunctionsMerge.h"
+#include "DefinitionsFile.h"
+#include "DefinitionsMerge.h"
 
 #include <chrono>
 #include <cstdio>
@@ -47,7 +47,7 @@ static bool exists(const std::string& path) {
 }
 
 // Another copy of the program may have written the file meanwhile: what it defined stays.
-static FunctionsMerge merge;
+static DefinitionsMerge merge;
 
 // Writes what is due while the person goes on typing.
 static BackgroundWriter backgroundWriter;
@@ -217,7 +217,7 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
         [self tellFailedWritingAfter:0];
         return;
     }
-    [self startWriting:{{pathBytes(funcFilePath), FunctionsFileText(calc), &merge}}];
+    [self startWriting:{{pathBytes(funcFilePath), definitionsText(calc), &merge}}];
     backgroundWriter.Finish();
 }
 
@@ -226,7 +226,7 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     std::vector<FileToWrite> files;
     const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
     if (!settingsNow.empty()) files.push_back({pathBytes(prefFilePath), settingsNow});
-    const std::string text = unwritten.isEntryRunning ? unwritten.text : FunctionsFileText(calc);
+    const std::string text = unwritten.isEntryRunning ? unwritten.text : definitionsText(calc);
     if (!text.empty() && mayWriteFunctions()) files.push_back({pathBytes(funcFilePath), text, &merge});
     [self startWriting:std::move(files)];
     [self reportUnwritten];
@@ -236,11 +236,11 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     backgroundWriter.Finish();
     const std::string path = pathBytes(funcFilePath);
     removeLeftovers(path);
-    const FunctionsFileResult result = ReadFunctionsFile(calc, path);
+    const DefinitionsRead result = readDefinitions(calc, path);
     isOnlyCopy = (!result.opened || result.damaged) && !keepDamaged(path);
     // A line that was refused is no other program's: it is in the copy that was kept.
-    merge = FunctionsMerge();
-    merge.Know(result.text);
+    merge = DefinitionsMerge();
+    merge.Know(result.text, result.twins);
     NSString* text = nil;
     if (result.damaged)
         text = @"Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
@@ -262,7 +262,7 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     const Clock::time_point now = Clock::now();
     // In a script of thousands of definitions the text takes longer than the lines: a twentieth of the time is for it.
     if ([self isReplaying] && now - unwritten.textTime < 20 * unwritten.textCost) return;
-    unwritten.text = FunctionsFileText(calc);
+    unwritten.text = definitionsText(calc);
     unwritten.textTime = Clock::now();
     unwritten.textCost = unwritten.textTime - now;
 }
@@ -294,7 +294,7 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     const std::string settingsNow = settings && prefFilePath ? [self settingsFileText] : "";
     if (!settingsNow.empty()) files.push_back({pathBytes(prefFilePath), settingsNow});
     if (mayWriteFunctions()) {
-        const std::string text = isRunning ? unwritten.text : FunctionsFileText(calc);
+        const std::string text = isRunning ? unwritten.text : definitionsText(calc);
         files.push_back({pathBytes(funcFilePath), text, &merge});
     }
     [self startWriting:std::move(files)];

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "BackgroundWriter.h"
 
+#include "DefinitionsMerge.h"
 #include "FileKeeping.h"
-#include "FunctionsMerge.h"
 
 #include <utility>
 

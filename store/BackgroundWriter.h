@@ -13,14 +13,14 @@
 #include <utility>
 #include <vector>
 
-class FunctionsMerge;
+class DefinitionsMerge;
 
 struct FileToWrite {
     std::string path;
     std::string text;
     // The functions file: what other programs defined stays in it. Used until Finish, and not to be used elsewhere
     // before that. Null: the text alone.
-    FunctionsMerge* merge = nullptr;
+    DefinitionsMerge* merge = nullptr;
 };
 
 struct FailedWrite {

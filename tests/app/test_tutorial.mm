@@ -3,7 +3,7 @@
 // The tutorial: how long it lasts, what it shows, and that it leaves nothing behind.
 #import "console_fixture.h"
 
-#include "FunctionsFile.h"
+#include "DefinitionsFile.h"
 
 #include <algorithm>
 #include <fstream>
@@ -90,7 +90,7 @@ protected:
 
     // Functions, variables besides ans, units, history and settings.
     std::string whatIsKept() {
-        std::string kept = FunctionsFileText(calc);
+        std::string kept = definitionsText(calc);
         const size_t ans = kept.find("\nans=");
         EXPECT_NE(ans, std::string::npos);
         kept.erase(ans, kept.find('\n', ans + 1) - ans);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Reading a file of functions that a person may have edited or damaged, or that would take too long.
-#include "FunctionsMerge.h"
-#include "functions_file_fixture.h"
+#include "DefinitionsMerge.h"
+#include "definitions_file_fixture.h"
 
 #include <cstring>
 #include <string>
@@ -10,19 +10,19 @@
 
 namespace {
 
-class ReadingAFunctionsFile : public FunctionsFile {};
+class ReadingADefinitionsFile : public DefinitionsFile {};
 
 // --- Reading ---
 
-TEST_F(ReadingAFunctionsFile, aMissingFileIsNotOpened) {
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+TEST_F(ReadingADefinitionsFile, aMissingFileIsNotOpened) {
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.opened);
     EXPECT_FALSE(read.damaged);
-    EXPECT_FALSE(ReadFunctionsFile(*calc, folder.Path()).opened);
+    EXPECT_FALSE(readDefinitions(*calc, folder.Path()).opened);
     EXPECT_EQ(EMPTY_FILE, Text());
 }
 
-TEST_F(ReadingAFunctionsFile, europeanAndTenKeyDoNotCountAndStay) {
+TEST_F(ReadingADefinitionsFile, europeanAndTenKeyDoNotCountAndStay) {
     Enter("f(x,y)=1.5*x-2e-3*y");
     Enter("v=1234.5");
     const std::string before = Text();
@@ -31,14 +31,14 @@ TEST_F(ReadingAFunctionsFile, europeanAndTenKeyDoNotCountAndStay) {
         StartAgain();
         calc->european = european;
         calc->tenKey = !european;
-        EXPECT_FALSE(ReadFunctionsFile(*calc, path).damaged);
+        EXPECT_FALSE(readDefinitions(*calc, path).damaged);
         EXPECT_EQ(european, calc->european);
         EXPECT_EQ(!european, calc->tenKey);
         EXPECT_EQ(before, Text());
     }
 }
 
-TEST_F(ReadingAFunctionsFile, whatWasEnteredInEuropeanAndTenKeyModeIsThereAgain) {
+TEST_F(ReadingADefinitionsFile, whatWasEnteredInEuropeanAndTenKeyModeIsThereAgain) {
     calc->european = true;
     EXPECT_EQ("f(x)=1.5*x\n", Answer("f(x)=1,5*x"));
     calc->tenKey = true;
@@ -53,14 +53,14 @@ bool interruptAtOnce() {
     return true;
 }
 
-TEST_F(ReadingAFunctionsFile, readingLeavesAFreshStart) {
+TEST_F(ReadingADefinitionsFile, readingLeavesAFreshStart) {
     merror = 0;
     putContent(path, fileWith("f(x)=x+1\nbad bad bad\necho shown\nv=5\ndisp v\nw=1" + repeated("+1", 4000) +
                                   "\nz=7*0e5\n",
                               "v=5\n"));
     calc->fullEntry = false;
     calc->interruptCheck = interruptAtOnce;
-    EXPECT_TRUE(ReadFunctionsFile(*calc, path).damaged);
+    EXPECT_TRUE(readDefinitions(*calc, path).damaged);
     EXPECT_FALSE(calc->fullEntry);
     EXPECT_EQ(interruptAtOnce, calc->interruptCheck);
     EXPECT_FALSE(calc->interrupted);
@@ -83,7 +83,7 @@ TEST_F(ReadingAFunctionsFile, readingLeavesAFreshStart) {
     EXPECT_EQ("ans = 4001\n", Answer("w"));
 }
 
-TEST_F(ReadingAFunctionsFile, noLineRepeatsTheHistory) {
+TEST_F(ReadingADefinitionsFile, noLineRepeatsTheHistory) {
     Enter("a=1");
     Enter("a=a+1");
     Enter("");
@@ -91,17 +91,17 @@ TEST_F(ReadingAFunctionsFile, noLineRepeatsTheHistory) {
     Enter("a=a+1");
     EXPECT_TRUE(writeFileAtomically(path, Text()));
     EXPECT_FALSE(
-        ReadFunctionsFile(*calc, path).damaged); // in the same run: the entry is the newest of the history
+        readDefinitions(*calc, path).damaged); // in the same run: the entry is the newest of the history
     EXPECT_EQ("ans = 4\n", Answer("a"));
 }
 
-TEST_F(ReadingAFunctionsFile, theFirstLineIsLeftOut) {
+TEST_F(ReadingADefinitionsFile, theFirstLineIsLeftOut) {
     EXPECT_TRUE(IsDamaged("a=5\nb=6\n### HISTORY ###\n"));
     EXPECT_EQ(nullptr, calc->VariableExists("a"));
     EXPECT_NE(nullptr, calc->VariableExists("b"));
 }
 
-TEST_F(ReadingAFunctionsFile, commentsBlankLinesAndOtherLineEndsAreNoDamage) {
+TEST_F(ReadingADefinitionsFile, commentsBlankLinesAndOtherLineEndsAreNoDamage) {
     EXPECT_FALSE(IsDamaged("### FUNCTIONS ###\r\n"
                            "# mine\r\n\r\n   \r\n"
                            "f ( x ) = x + 1 # adds one\r\n"
@@ -112,13 +112,13 @@ TEST_F(ReadingAFunctionsFile, commentsBlankLinesAndOtherLineEndsAreNoDamage) {
     EXPECT_STREQ("v", calc->history.GetHistoryStr(2));
 }
 
-TEST_F(ReadingAFunctionsFile, anOrdinaryFileIsNoDamage) {
+TEST_F(ReadingADefinitionsFile, anOrdinaryFileIsNoDamage) {
     EXPECT_FALSE(IsDamaged(EMPTY_FILE));
     EXPECT_FALSE(IsDamaged(fileWith("v=5\n", "v\n")));
     EXPECT_FALSE(IsDamaged("### FUNCTIONS ###\n### HISTORY ###\n"));
 }
 
-TEST_F(ReadingAFunctionsFile, damageIsNoticedAndTheRestIsRead) {
+TEST_F(ReadingADefinitionsFile, damageIsNoticedAndTheRestIsRead) {
     EXPECT_TRUE(IsDamaged(""));
     EXPECT_TRUE(IsDamaged("\n"));
     EXPECT_TRUE(IsDamaged("### VARIABLES ###\nv=5\n### HISTORY ###\nv\n"));
@@ -134,7 +134,7 @@ TEST_F(ReadingAFunctionsFile, damageIsNoticedAndTheRestIsRead) {
     EXPECT_EQ("ans = 5\n", Answer("v"));
 }
 
-TEST_F(ReadingAFunctionsFile, controlCharactersAreDamage) {
+TEST_F(ReadingADefinitionsFile, controlCharactersAreDamage) {
     using namespace std::string_literals;
     EXPECT_TRUE(IsDamaged(fileWith("v=12\0\0\0\nw=6\n"s)));
     EXPECT_EQ(nullptr, calc->VariableExists("v")); // 12 may be a part of the number
@@ -155,7 +155,7 @@ TEST_F(ReadingAFunctionsFile, controlCharactersAreDamage) {
     EXPECT_EQ(EMPTY_FILE, Text());
 }
 
-TEST_F(ReadingAFunctionsFile, whatDefinesNothingHasNoEffect) {
+TEST_F(ReadingADefinitionsFile, whatDefinesNothingHasNoEffect) {
     for (const char* line :
          {"sigfigs 20",  "mode deg", "scimode eng", "display hex", "european on", "histstack off", "gospel",
           "del mod",     "del all",  "rem pi",      "clear",       "exit",        "pause 5000",    "echo a=5",
@@ -166,7 +166,7 @@ TEST_F(ReadingAFunctionsFile, whatDefinesNothingHasNoEffect) {
         calc->vars.Del(calc->VariableExists("v"));
         calc->history.Clear();
         StartAgain();
-        ReadFunctionsFile(*calc, path);
+        readDefinitions(*calc, path);
         EXPECT_EQ(10, calc->sigFigs) << line;
         EXPECT_FALSE(calc->degreeMode) << line;
         EXPECT_EQ(SCI_AUTO, calc->sciMode) << line;
@@ -179,7 +179,7 @@ TEST_F(ReadingAFunctionsFile, whatDefinesNothingHasNoEffect) {
     }
 }
 
-TEST_F(ReadingAFunctionsFile, namesOfCommandsMayHaveBlanksBehindThem) {
+TEST_F(ReadingADefinitionsFile, namesOfCommandsMayHaveBlanksBehindThem) {
     EXPECT_FALSE(IsDamaged(fileWith(" del = 5\nsigfigs 20 (x) = x\npause = 6\n")));
     EXPECT_EQ("ans = 11\n", Answer("del+pause"));
     EXPECT_EQ(10, calc->sigFigs);
@@ -196,10 +196,10 @@ std::string bomb(const std::string& variable) {
     return lines + variable + "=f40(1)\n";
 }
 
-TEST_F(ReadingAFunctionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
+TEST_F(ReadingADefinitionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
     const std::string text = fileWith(bomb("a") + "b=2\n");
     putContent(path, text);
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.damaged);
     EXPECT_EQ(1U, read.unread);
     EXPECT_EQ(nullptr, calc->VariableExists("a"));
@@ -210,17 +210,17 @@ TEST_F(ReadingAFunctionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
     EXPECT_EQ(known, read.text);
 }
 
-TEST_F(ReadingAFunctionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFileToo) {
+TEST_F(ReadingADefinitionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFileToo) {
     std::string text = fileWith(bomb("a"));
     const std::string variables = "a=f40(1)\nb=a+1\nc=b+1\nd=2\n";
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
     text.insert(text.find("### CUSTOM"), variables);
     putContent(path, text);
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.damaged);
     EXPECT_EQ(3U, read.unread);
     EXPECT_EQ("ans = 2\n", Answer("d"));
-    FunctionsMerge merge;
+    DefinitionsMerge merge;
     merge.Know(read.text);
     std::error_code reason;
     EXPECT_TRUE(merge.Write(path, Text(), reason));
@@ -228,23 +228,23 @@ TEST_F(ReadingAFunctionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFileT
         EXPECT_NE(std::string::npos, contentOf(path).find(line)) << line;
 }
 
-TEST_F(ReadingAFunctionsFile, whatDefinesNothingIsDamageAlsoBesideADefinitionThatWasLeftAlone) {
+TEST_F(ReadingADefinitionsFile, whatDefinesNothingIsDamageAlsoBesideADefinitionThatWasLeftAlone) {
     EXPECT_FALSE(IsDamaged(fileWith(bomb("a"))));
     EXPECT_TRUE(IsDamaged(fileWith(bomb("a") + "1+1\n")));
     EXPECT_TRUE(IsDamaged(fileWith("b=a+1\n"))); // nothing was left alone: it is simply wrong
 }
 
-TEST_F(ReadingAFunctionsFile, allDefinitionsTogetherHaveALimit) {
+TEST_F(ReadingADefinitionsFile, allDefinitionsTogetherHaveALimit) {
     std::string lines = "b=2\n" + bomb("a");
     for (int i = 0; i < 1000; i++) lines += "a" + std::to_string(i) + "=f40(1)\n";
     putContent(path, fileWith(lines));
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.damaged);
     EXPECT_EQ(1001U, read.unread);
     EXPECT_EQ("ans = 2\n", Answer("b"));
 }
 
-TEST_F(ReadingAFunctionsFile, anyNumberOfPlainDefinitionsIsRead) {
+TEST_F(ReadingADefinitionsFile, anyNumberOfPlainDefinitionsIsRead) {
     std::string functions, variables;
     for (int i = 0; i < 12000; i++) {
         const std::string number = std::to_string(i);
@@ -254,24 +254,24 @@ TEST_F(ReadingAFunctionsFile, anyNumberOfPlainDefinitionsIsRead) {
         variables += "x" + number + "=3." + std::string(99, '1') + "\n";
     }
     putContent(path, fileWith(functions + variables));
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.damaged);
     EXPECT_EQ(0U, read.unread);
     EXPECT_EQ("ans = 3\n", Answer("f11999(2,3)-" + std::string(70, '1') + "-3"));
     EXPECT_EQ("ans = 3.111111111\n", Answer("x11999"));
 }
 
-TEST_F(ReadingAFunctionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
+TEST_F(ReadingADefinitionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
     std::string text = fileWith(bomb("a"));
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
     text.insert(text.find("### CUSTOM"), "a=f40(1)\n");
     putContent(path, text);
     for (int run = 0; run < 3; run++) {
         StartAgain();
-        const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+        const DefinitionsRead read = readDefinitions(*calc, path);
         EXPECT_FALSE(read.damaged);
         EXPECT_EQ(1U, read.unread);
-        FunctionsMerge merge;
+        DefinitionsMerge merge;
         merge.Know(read.text);
         std::error_code reason;
         for (int save = 0; save < 2; save++) {
@@ -281,10 +281,34 @@ TEST_F(ReadingAFunctionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
         }
     }
     Enter("a=5"); // defined anew
-    FunctionsMerge merge;
+    DefinitionsMerge merge;
     std::error_code reason;
     EXPECT_TRUE(merge.Write(path, Text(), reason));
     EXPECT_EQ(std::string::npos, contentOf(path).find("\na=f40(1)\n"));
+}
+
+// The file holds the name twice: what could be read counts, and the other line is not lost.
+TEST_F(ReadingADefinitionsFile, whatWasLeftAloneStaysBesideALineOfTheSameNameUntilThatIsDefinedAnew) {
+    std::string text = fileWith(bomb("a") + "g(x)=x\n");
+    text.insert(text.find("### CUSTOM"), "a=1\n");
+    putContent(path, text);
+    const DefinitionsRead read = readDefinitions(*calc, path);
+    EXPECT_EQ(1U, read.unread);
+    EXPECT_EQ("ans = 1\n", Answer("a"));
+    DefinitionsMerge merge;
+    merge.Know(read.text, read.twins);
+    std::error_code reason;
+    const auto holds = [this](const char* line) { return contentOf(path).find(line) != std::string::npos; };
+    for (const char* entry : {"b=1", "del g"}) {
+        Enter(entry);
+        EXPECT_TRUE(merge.Write(path, Text(), reason));
+        EXPECT_TRUE(holds("\na=1\n") && holds("\na=f40(1)\n")) << contentOf(path);
+        EXPECT_EQ(entry == std::string("b=1"), holds("\ng(x)=x\n"));
+    }
+    Enter("a=5");
+    EXPECT_TRUE(merge.Write(path, Text(), reason));
+    EXPECT_TRUE(holds("\na=5\n"));
+    EXPECT_FALSE(holds("a=1\n") || holds("a=f40(1)"));
 }
 
 // A name of five letters for every number below 26^3.
@@ -295,7 +319,7 @@ std::string unitName(int number) {
 }
 
 // The retries alone would take some thousand times as long and pass the limit.
-TEST_F(ReadingAFunctionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
+TEST_F(ReadingADefinitionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
     constexpr int LENGTH = 5000;
     std::string units;
     std::string variables;
@@ -306,7 +330,7 @@ TEST_F(ReadingAFunctionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
         variables += unitName(number) + "=" + (number + 1 == LENGTH ? "3" : next) + "\n";
     }
     putContent(path, fileWith(variables + units));
-    const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+    const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.damaged);
     EXPECT_EQ(0U, read.unread);
     EXPECT_EQ(LENGTH, calc->unitDefs.count);
@@ -314,22 +338,33 @@ TEST_F(ReadingAFunctionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
     EXPECT_EQ("ans = 3\n", Answer("qqaaa"));
 }
 
-TEST_F(ReadingAFunctionsFile, aChainOfPluralsAndPrefixesMayBeInAnyOrder) {
+TEST_F(ReadingADefinitionsFile, aChainOfPluralsAndPrefixesMayBeInAnyOrder) {
     EXPECT_FALSE(IsDamaged(fileWith("unit qqa=2 qqbs\nunit qqd=3 m\nunit qqc=2 kiloqqd\nunit qqb=2 qqcs\n")));
     EXPECT_EQ("ans = 24000\n", Answer("1 qqa->m"));
 }
 
-TEST_F(ReadingAFunctionsFile, unitsThatUseEachOtherInACircleAreRefused) {
+TEST_F(ReadingADefinitionsFile, aVariableMayUseOneFurtherDownThroughAFunction) {
+    EXPECT_FALSE(IsDamaged(fileWith("a=f(1)\nf(x)=g(x)+1\ng(x)=x*rate\nrate=2.5\n")));
+    EXPECT_EQ("ans = 3.5\n", Answer("a"));
+}
+
+TEST_F(ReadingADefinitionsFile, functionsThatUseEachOtherInACircleAreThereAgain) {
+    const std::string text = "f(x)=g(x,1)\ng(x,y)=f(x)\n";
+    EXPECT_FALSE(IsDamaged(fileWith(text)));
+    EXPECT_NE(std::string::npos, Text().find(text));
+}
+
+TEST_F(ReadingADefinitionsFile, unitsThatUseEachOtherInACircleAreRefused) {
     EXPECT_TRUE(IsDamaged(fileWith("unit qqa=2 qqb\nunit qqb=2 qqa\nunit qqc=2 m\n")));
     EXPECT_EQ(1, calc->unitDefs.count);
 }
 
-TEST_F(ReadingAFunctionsFile, aLineOfTenMegabytesIsLeftAlone) {
+TEST_F(ReadingADefinitionsFile, aLineOfTenMegabytesIsLeftAlone) {
     const std::string sum = repeated("+1", 5000000);
     for (const char* start : {"f(x)=x", "a=1", "unit smoot=1"}) {
         StartAgain();
         putContent(path, fileWith(start + sum + "\nv=5\n"));
-        const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+        const DefinitionsRead read = readDefinitions(*calc, path);
         EXPECT_FALSE(read.damaged) << start;
         EXPECT_EQ(1U, read.unread) << start;
         EXPECT_EQ(fileWith("v=5\n"), read.text) << start;
@@ -338,7 +373,7 @@ TEST_F(ReadingAFunctionsFile, aLineOfTenMegabytesIsLeftAlone) {
     }
 }
 
-TEST_F(ReadingAFunctionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
+TEST_F(ReadingADefinitionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
     for (const char* line : {"f(x)=x*(2 km->m)", "v=1/3", "unit smoot=67 inch", "f(v)"}) Enter(line);
     const std::string text = Text();
     for (size_t length = 0; length < text.size(); length++)
@@ -346,7 +381,7 @@ TEST_F(ReadingAFunctionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
                     (text[length - 1] == '\n' && length > text.find("### HISTORY")));
 }
 
-TEST_F(ReadingAFunctionsFile, thousandsOfDefinitionsAreThereAgain) {
+TEST_F(ReadingADefinitionsFile, thousandsOfDefinitionsAreThereAgain) {
     for (int i = 1000; i > 0; i--) {
         const std::string number = std::to_string(i);
         Enter("f" + number + "(x)=x+" + number + "*f" + std::to_string(i - 1) + "(x)");

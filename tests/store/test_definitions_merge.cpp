@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "FunctionsMerge.h"
+#include "DefinitionsMerge.h"
 
 #include "temporary_folder.h"
 
@@ -21,16 +21,16 @@ const std::string start = file("f(x)=x\n", "ans=1\npi=3.14\n", "unit u=2 m\n", "
 
 } // namespace
 
-TEST(FunctionsMerge, LeavesOursAloneWhenNobodyElseWrote) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, LeavesOursAloneWhenNobodyElseWrote) {
+    DefinitionsMerge merge;
     merge.Know(start);
     const std::string ours = file("f(x)=x\ng(x)=2\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n2\n");
     EXPECT_EQ(merge.Merge(ours, start), ours);
     EXPECT_EQ(merge.Merge(ours, ""), ours);
 }
 
-TEST(FunctionsMerge, KeepsWhatTheOtherProgramDefined) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
+    DefinitionsMerge merge;
     merge.Know(start);
     const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\nmine=1\n", "unit u=2 m\n", "mine=1\n");
     const std::string theirs =
@@ -39,84 +39,84 @@ TEST(FunctionsMerge, KeepsWhatTheOtherProgramDefined) {
                                               "unit u=2 m\nunit w=3 m\n", "mine=1\n"));
 }
 
-TEST(FunctionsMerge, KeepsItEveryTime) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, KeepsItEveryTime) {
+    DefinitionsMerge merge;
     merge.Know(start);
     const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", "");
     const std::string once = merge.Merge(start, theirs);
     EXPECT_EQ(merge.Merge(start, once), once);
 }
 
-TEST(FunctionsMerge, WhatWasDeletedHereStaysDeleted) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, WhatWasDeletedHereStaysDeleted) {
+    DefinitionsMerge merge;
     merge.Know(start);
     const std::string ours = file("", "ans=1\npi=3.14\n", "", "");
     EXPECT_EQ(merge.Merge(ours, start), ours);
 }
 
-TEST(FunctionsMerge, WhatWasDefinedAndDeletedHereStaysDeleted) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, WhatWasDefinedAndDeletedHereStaysDeleted) {
+    DefinitionsMerge merge;
     merge.Know(start);
     const std::string defined = file("f(x)=x\n", "ans=1\npi=3.14\na=5\n", "unit u=2 m\n", "");
     merge.Merge(defined, start);
     EXPECT_EQ(merge.Merge(start, defined), start);
 }
 
-TEST(FunctionsMerge, WhatTheOtherProgramDeletesAgainGoes) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, WhatTheOtherProgramDeletesAgainGoes) {
+    DefinitionsMerge merge;
     merge.Know(start);
     merge.Merge(start, file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", ""));
     EXPECT_EQ(merge.Merge(start, start), start);
 }
 
-TEST(FunctionsMerge, OurLineStaysOfANameInBoth) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, OurLineStaysOfANameInBoth) {
+    DefinitionsMerge merge;
     const std::string ours = file("f(y)=y+1\n", "a=1\n", "unit u=5 m\n", "");
     EXPECT_EQ(merge.Merge(ours, file("F(x)=x\n", "a=2\n", "unit u=2 m\n", "")), ours);
 }
 
-TEST(FunctionsMerge, FunctionsOfOneNameDifferByTheirNumberOfParameters) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, FunctionsOfOneNameDifferByTheirNumberOfParameters) {
+    DefinitionsMerge merge;
     const std::string ours = file("f(x)=x\n", "", "", "");
     EXPECT_EQ(merge.Merge(ours, file("f(x,y)=x\n", "", "", "")), file("f(x)=x\nf(x,y)=x\n", "", "", ""));
 }
 
-TEST(FunctionsMerge, AFunctionWithoutParametersIsAnotherOne) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, AFunctionWithoutParametersIsAnotherOne) {
+    DefinitionsMerge merge;
     merge.Know(file("f()=1\n", "", "", ""));
     const std::string ours = file("f()=2\n", "", "", "");
     EXPECT_EQ(merge.Merge(ours, file("f()=1\nf(x)=x\n", "", "", "")), file("f()=2\nf(x)=x\n", "", "", ""));
 }
 
-TEST(FunctionsMerge, TakesTheLineEndsOfAnEditor) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, TakesTheLineEndsOfAnEditor) {
+    DefinitionsMerge merge;
     const std::string theirs = "### FUNCTIONS ###\r\nf(x)=x\r\n### VARIABLES ###\r\na=1\r\n";
     EXPECT_EQ(merge.Merge(file("", "", "", ""), theirs), file("f(x)=x\n", "a=1\n", "", ""));
 }
 
-TEST(FunctionsMerge, VariablesDifferByCase) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, VariablesDifferByCase) {
+    DefinitionsMerge merge;
     EXPECT_EQ(merge.Merge(file("", "a=1\n", "", ""), file("", "A=2\n", "", "")),
               file("", "a=1\nA=2\n", "", ""));
 }
 
-TEST(FunctionsMerge, TakesNothingFromATextThatIsNoFunctionsFile) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, TakesNothingFromATextThatIsNoFunctionsFile) {
+    DefinitionsMerge merge;
     merge.Know(start);
     EXPECT_EQ(merge.Merge(start, "x=1\nfoo(x)=3\n"), start);
     EXPECT_EQ(merge.Merge(start, std::string("\0\1=\n", 4)), start);
 }
 
-TEST(FunctionsMerge, TheHistoryIsOursWhateverItHolds) {
-    FunctionsMerge merge;
+TEST(DefinitionsMerge, TheHistoryIsOursWhateverItHolds) {
+    DefinitionsMerge merge;
     const std::string ours = file("", "", "", "### VARIABLES ###\nq=1\n");
     EXPECT_EQ(merge.Merge(ours, file("", "", "", "### VARIABLES ###\nr=1\n")), ours);
 }
 
-TEST(FunctionsMerge, AFailedWriteSaysWhyAndIsRepeatedLater) {
+TEST(DefinitionsMerge, AFailedWriteSaysWhyAndIsRepeatedLater) {
     const TemporaryFolder folder;
     const std::string path = folder.File("later/file");
-    FunctionsMerge merge;
+    DefinitionsMerge merge;
     std::error_code reason;
     EXPECT_FALSE(merge.Write(path, start, reason));
     EXPECT_EQ(reason, std::errc::no_such_file_or_directory);
@@ -135,14 +135,14 @@ pid_t startSaving(const std::string& path, const char* variable, const int gate[
     char byte = 0;
     while (read(gate[0], &byte, 1) > 0) {
     }
-    FunctionsMerge merge;
+    DefinitionsMerge merge;
     std::error_code reason;
     _exit(merge.Write(path, file("", variable, "", ""), reason) ? 0 : 1);
 }
 
 } // namespace
 
-TEST(FunctionsMerge, ProgramsThatSaveAtTheSameMomentLoseNoDefinition) {
+TEST(DefinitionsMerge, ProgramsThatSaveAtTheSameMomentLoseNoDefinition) {
     const TemporaryFolder folder;
     const std::string path = folder.File("file");
     for (int round = 0; round < 100; round++) {

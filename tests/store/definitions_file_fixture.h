@@ -4,8 +4,8 @@
 #pragma once
 
 #include "../engine/functions_fixture.h"
+#include "DefinitionsFile.h"
 #include "FileKeeping.h"
-#include "FunctionsFile.h"
 #include "temporary_folder.h"
 
 #include <memory>
@@ -22,12 +22,12 @@ const char* const EMPTY_FILE =
     "### HISTORY ###\n";
 
 // A calculator as one run of the program has it, and the file between two runs.
-class FunctionsFile : public testing::Test {
+class DefinitionsFile : public testing::Test {
 protected:
-    FunctionsFile() { StartAgain(); }
-    ~FunctionsFile() override { deleteAllFunctions(); }
-    FunctionsFile(const FunctionsFile&) = delete;
-    FunctionsFile& operator=(const FunctionsFile&) = delete;
+    DefinitionsFile() { StartAgain(); }
+    ~DefinitionsFile() override { deleteAllFunctions(); }
+    DefinitionsFile(const DefinitionsFile&) = delete;
+    DefinitionsFile& operator=(const DefinitionsFile&) = delete;
 
     TemporaryFolder folder;
     const std::string path = folder.File("functions.txt");
@@ -44,19 +44,19 @@ protected:
     std::string Answer(const std::string& line) {
         return Enter(line) == STATUS_RESULT ? calc->resultLine : calc->message;
     }
-    std::string Text() const { return FunctionsFileText(*calc); }
+    std::string Text() const { return definitionsText(*calc); }
 
     // Ends this run and begins the next one.
-    FunctionsFileResult NextRun() {
+    DefinitionsRead NextRun() {
         EXPECT_TRUE(writeFileAtomically(path, Text()));
         StartAgain();
-        return ReadFunctionsFile(*calc, path);
+        return readDefinitions(*calc, path);
     }
 
     // The file comes through whole: what is written after it was read is the same text.
     void ExpectNothingLost() {
         const std::string before = Text();
-        const FunctionsFileResult read = NextRun();
+        const DefinitionsRead read = NextRun();
         EXPECT_TRUE(read.opened);
         EXPECT_FALSE(read.damaged) << before;
         EXPECT_EQ(before, Text());
@@ -66,7 +66,7 @@ protected:
     bool IsDamaged(const std::string& text) {
         StartAgain();
         putContent(path, text);
-        const FunctionsFileResult read = ReadFunctionsFile(*calc, path);
+        const DefinitionsRead read = readDefinitions(*calc, path);
         EXPECT_TRUE(read.opened);
         return read.damaged;
     }

@@ -1,31 +1,38 @@
 // SPDX-License-Identifier: MIT
 //
-// Two programs may have the functions file open, two windows, say. Each writes what it has; what the
+// Two programs may have the definitions file open, two windows, say. Each writes what it has; what the
 // other one defined meanwhile stays in the file.
-#ifndef TALLYQUILL_FUNCTIONSMERGE_H
-#define TALLYQUILL_FUNCTIONSMERGE_H
+#pragma once
 
+#include "System.h"
+
+#include <map>
 #include <set>
 #include <string>
 #include <system_error>
 
-class FunctionsMerge {
+class DefinitionsMerge {
 public:
     // The definitions in this text, whatever their values, are no other program's: they were read or written here.
-    void Know(const std::string& text);
+    // `unread` are lines that were not read, for which we have another line: they stay as long as we have that.
+    void Know(const std::string& text, std::map<std::string, std::string> unread = {});
 
     // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were never
     // known here. Each stands at the end of its section. What was deleted here stays deleted, of a name in both our
-    // line stays, and the history is ours. `ours` is as FunctionsFileText makes it and is known from now on.
+    // line stays, and the history is ours. `ours` is as definitionsText makes it and is known from now on.
     std::string Merge(const std::string& ours, const std::string& theirs);
 
     // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the same
     // moment one waits for the other. Returns whether it is there now; otherwise the file is as it was, and `reason`
     // says why.
-    bool Write(const std::string& path, const std::string& ours, std::error_code& reason);
+    bool Write(const std::string& path, const std::string& ours, std::error_code& reason,
+               System& system = System::Real());
 
 private:
-    std::set<std::string> known;
-};
+    using Lines = std::map<std::string, std::string>; // by what they define
 
-#endif
+    bool IsForeign(const std::string& key, const std::string& line, const Lines& present) const;
+
+    std::set<std::string> known;
+    std::map<std::string, std::string> twins;
+};

@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+#include "DefinitionRecords.h"
+
+#include "Calculator.h"
+#include "Helpers_String.h"
+#include "units.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+using Kind = DefinitionRecord::Kind;
+
+namespace {
+
+constexpr size_t HEADER_START = 11; // so many characters of a header tell which it is: "### HISTORY"
+
+bool isOfName(char c) {
+    return IsLetter(c) || IsDigit(c) || c == '_';
+}
+
+bool isVariableName(const std::string& name) {
+    return !name.empty() && IsLetter(name[0]) && std::all_of(name.begin(), name.end(), isOfName);
+}
+
+std::string lowerCase(std::string text) {
+    for (char& c : text) c = LowerCase(c);
+    return text;
+}
+
+std::string withoutBlanks(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }),
+               text.end());
+    return text;
+}
+
+std::string trimmed(const std::string& text) {
+    const size_t start = std::min(text.find_first_not_of(" \t"), text.size());
+    return text.substr(start, text.find_last_not_of(" \t") + 1 - start);
+}
+
+// name(parameters)=body
+bool splitFunction(DefinitionRecord& record) {
+    const std::string& text = record.statement;
+    const size_t open = text.find('(');
+    const size_t close = open == std::string::npos ? open : text.find(')', open);
+    if (close == std::string::npos) return false;
+    const size_t equals = text.find_first_not_of(" \t", close + 1);
+    if (equals == std::string::npos || text[equals] != '=' || text.compare(equals, 2, "==") == 0)
+        return false;
+    record.name = withoutBlanks(text.substr(0, open));
+    record.parameters = withoutBlanks(text.substr(open + 1, close - open - 1));
+    record.body = text.substr(equals + 1);
+    return true;
+}
+
+// Splits the statement at its first '=', whatever it is.
+Kind split(DefinitionRecord& record) {
+    const std::string& text = record.statement;
+    const std::string_view unit = "unit ";
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos) return Kind::Nothing;
+    record.name = text.substr(0, equals);
+    record.body = text.substr(equals + 1);
+    if (std::any_of(text.begin(), text.end(), [](char c) { return isControl(c) || c == ';'; }))
+        return Kind::Nothing;
+    if (text.compare(0, unit.size(), unit) == 0) {
+        record.name = trimmed(record.name.substr(unit.size()));
+        return Kind::Unit;
+    }
+    if (splitFunction(record)) return Kind::Function;
+    const std::string name = trimmed(record.name);
+    if (!isVariableName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
+    record.name = name;
+    return Kind::Variable;
+}
+
+// --- The order ---
+
+class Uses {
+public:
+    explicit Uses(const std::vector<DefinitionRecord>& all) : records(all) {
+        for (size_t i = 0; i < records.size(); i++)
+            positions.emplace(NameOf(records[i].kind, records[i].name), i);
+    }
+
+    // The positions of the records that this one uses.
+    std::vector<size_t> Of(const DefinitionRecord& record) {
+        used.clear();
+        if (record.statement.size() >= TEXT_SIZE) return {};
+        const std::string& text = record.body;
+        for (size_t i = 0; i < text.size();) {
+            const size_t start = i;
+            while (i < text.size() && (isOfName(text[i]) || text[i] == '.')) i++;
+            if (record.kind == Kind::Unit)
+                UseUnits(std::string_view(text).substr(start, i - start));
+            else if (i > start && IsLetter(text[start]) &&
+                     !IsParameter(record, text.substr(start, i - start)))
+                Use(IsCalled(text, i) ? Kind::Function : Kind::Variable, text.substr(start, i - start));
+            i += i == start ? 1 : 0;
+        }
+        return std::move(used);
+    }
+
+private:
+    static std::string NameOf(Kind kind, const std::string& name) {
+        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? lowerCase(name) : name);
+    }
+
+    static bool IsCalled(const std::string& text, size_t end) {
+        const size_t next = text.find_first_not_of(" \t", end);
+        return next != std::string::npos && (text[next] == '(' || text[next] == '[' || text[next] == '{');
+    }
+
+    static bool IsParameter(const DefinitionRecord& record, const std::string& name) {
+        return ("," + record.parameters + ",").find("," + name + ",") != std::string::npos;
+    }
+
+    bool Use(Kind kind, const std::string& name) {
+        const auto found = positions.find(NameOf(kind, name));
+        if (found != positions.end()) used.push_back(found->second);
+        return found != positions.end();
+    }
+
+    // A number may stand directly in front of a unit, an exponent behind it. A unit of exactly this name goes before
+    // what the name may else stand for.
+    void UseUnits(std::string_view text) {
+        while (!text.empty()) {
+            const auto start = std::find_if(text.begin(), text.end(), IsLetter);
+            const auto end = std::find_if_not(start, text.end(), IsLetter);
+            const std::string word(start, end);
+            for (const std::string& name : units_readings(word)) {
+                const bool isKnown = Use(Kind::Unit, name) || !units_definition(name.c_str()).empty();
+                if (isKnown && name == word) break;
+            }
+            text.remove_prefix(static_cast<size_t>(end - text.begin()));
+        }
+    }
+
+    const std::vector<DefinitionRecord>& records;
+    std::unordered_map<std::string, size_t> positions;
+    std::vector<size_t> used;
+};
+
+// A record whose uses are being followed.
+struct Visit {
+    size_t position;
+    std::vector<size_t> used;
+    size_t next = 0;
+};
+
+} // namespace
+
+bool isControl(char c) {
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f';
+}
+
+std::string DefinitionRecord::Key() const {
+    if (statement.find('=') == std::string::npos) return "";
+    const auto commas = std::count(parameters.begin(), parameters.end(), ',');
+    const std::string key = std::to_string(static_cast<int>(kind));
+    if (kind != Kind::Function) return key + name;
+    return key + lowerCase(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
+}
+
+DefinitionRecord recordOf(const std::string& line) {
+    DefinitionRecord record;
+    record.statement = line.substr(0, line.find('#'));
+    record.kind = split(record);
+    return record;
+}
+
+DefinitionsText::DefinitionsText(const std::string& text) : headers() {
+    headers.fill(std::string::npos);
+    Section section = NO_SECTION;
+    for (size_t start = 0; start < text.size();) {
+        const size_t end = std::min(text.find('\n', start), text.size());
+        std::string line = text.substr(start, end - start);
+        start = end + 1;
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        const size_t number = lines.size();
+        // Behind its header the history runs to the end, whatever was typed.
+        for (size_t i = 0; i < HEADERS.size() && section != HISTORY; i++) {
+            if (line.compare(0, HEADER_START, HEADERS[i], HEADER_START) != 0) continue;
+            section = static_cast<Section>(i);
+            headers[i] = std::min(headers[i], number);
+        }
+        if (number > 0 && section != HISTORY) {
+            records.push_back(recordOf(line));
+            records.back().section = section;
+            records.back().line = number;
+            if (trimmed(records.back().statement).empty()) records.pop_back();
+        }
+        lines.push_back(std::move(line));
+    }
+    for (size_t& header : headers) header = std::min(header, lines.size());
+}
+
+std::map<std::string, std::string> DefinitionsText::LinesByKey() const {
+    std::map<std::string, std::string> byKey;
+    for (const DefinitionRecord& record : records) {
+        std::string key = record.Key();
+        if (!key.empty()) byKey[std::move(key)] = lines[record.line];
+    }
+    return byKey;
+}
+
+std::string DefinitionsText::Without(const std::vector<bool>& isLeftOut) const {
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++) {
+        if (!isLeftOut[i]) text += lines[i] + '\n';
+    }
+    return text;
+}
+
+std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records) {
+    Uses uses(records);
+    std::vector<size_t> order, functions, variables; // the units come first
+    std::vector<bool> isVisited(records.size(), false);
+    std::vector<Visit> path; // a chain may be longer than a stack of calls
+    const auto visit = [&](size_t position) {
+        if (isVisited[position]) return;
+        isVisited[position] = true;
+        path.push_back({position, uses.Of(records[position])});
+    };
+    for (size_t i = 0; i < records.size(); i++) {
+        if (records[i].kind == Kind::Function) functions.push_back(i);
+        if (records[i].kind != Kind::Nothing) visit(i);
+        while (!path.empty()) {
+            Visit& last = path.back();
+            if (last.next < last.used.size()) {
+                visit(last.used[last.next++]); // `last` is no longer valid
+                continue;
+            }
+            if (records[last.position].kind == Kind::Unit) order.push_back(last.position);
+            if (records[last.position].kind == Kind::Variable) variables.push_back(last.position);
+            path.pop_back();
+        }
+    }
+    order.insert(order.end(), functions.begin(), functions.end());
+    order.insert(order.end(), variables.begin(), variables.end());
+    return order;
+}

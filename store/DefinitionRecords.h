@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// The text of the definitions file, line by line: what each line defines, and in which order they can be read.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <string>
+#include <vector>
+
+// The sections of the file. A line stands in that of the last header before it.
+enum Section : size_t { FUNCTIONS, VARIABLES, UNITS, HISTORY, NO_SECTION };
+constexpr std::array<const char*, 4> HEADERS = {"### FUNCTIONS ###", "### VARIABLES ###",
+                                                "### CUSTOM UNITS ###", "### HISTORY ###"};
+
+struct DefinitionRecord {
+    enum class Kind { Unit, Function, Variable, Nothing };
+
+    Kind kind = Kind::Nothing; // by what the line says, wherever it stands
+    std::string statement;     // the line without its comment
+    std::string name;          // of Nothing: what stands in front of the '='
+    std::string parameters;    // of a function, without blanks: "x,y"
+    std::string body;          // what stands behind the '='
+    Section section = NO_SECTION;
+    size_t line = 0; // its position in the text
+
+    // Equal for two records that define the same: a function of this name, whatever its case, and this number of
+    // parameters; a variable; a unit. Empty without a '='.
+    std::string Key() const;
+};
+
+// "f(x)=...", "a=..." or "unit u=...". Anything else, a command word say, or a line with a ';' or a control character
+// other than a tab, is Nothing.
+DefinitionRecord recordOf(const std::string& line);
+
+struct DefinitionsText {
+    explicit DefinitionsText(const std::string& text);
+
+    std::vector<std::string> lines;        // without their ends, which may be CR LF
+    std::vector<DefinitionRecord> records; // those between the first line and the history that are not blank
+    std::array<size_t, 4> headers;         // the line of each section's first header, or lines.size()
+
+    // The lines of the records that define something, by their keys; of several with one key the last.
+    std::map<std::string, std::string> LinesByKey() const;
+
+    // The lines without some of them.
+    std::string Without(const std::vector<bool>& isLeftOut) const;
+};
+
+// The positions of the records that define something, in the order in which they can be read: the units, the
+// functions, the variables; units and variables behind those that they use, also through functions. Otherwise, and
+// of records that use each other in a circle, the order stays. Of records with the same key the first counts as used.
+// What is too long for an entry counts as using nothing.
+std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records);
+
+bool isControl(char c); // one that is not a tab

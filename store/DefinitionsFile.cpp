@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+#include "DefinitionsFile.h"
+
+#include "Calculator.h"
+#include "DefinitionRecords.h"
+#include "FileKeeping.h"
+#include "units.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+using Kind = DefinitionRecord::Kind;
+
+namespace {
+
+constexpr int VALUE_DIGITS = 100;
+
+std::string valueText(const qfloat value) {
+    char digits[FORMAT_SIZE];
+    qtoascii(value, digits, VALUE_DIGITS, SCI_AUTO, '\0');
+    return digits;
+}
+
+// --- Writing ---
+
+// Whether the definition, read now, makes the unit that it once made. A unit of its own stands for itself.
+bool saysWhatItIs(const DefinitionRecord& unit) {
+    if (unit.body == primitivestring) return true;
+    units_clear_exception();
+    const double factor = units_convert(unit.name.c_str(), unit.body.c_str());
+    return !units_check_exception() && std::abs(factor - 1) < 1e-12;
+}
+
+std::string unitLine(const char* line) {
+    const DefinitionRecord unit = recordOf(line);
+    if (unit.kind != Kind::Unit || saysWhatItIs(unit)) return line;
+    const std::string byValue = units_definition(unit.name.c_str());
+    return byValue.empty() ? line : "unit " + unit.name + "=" + byValue;
+}
+
+std::string unitLines(const ZqCalculator& calc) {
+    std::string text;
+    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) text += unitLine(unit->text) + '\n';
+    units_clear_exception();
+    return text;
+}
+
+std::string functionLines() {
+    std::string text;
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        if (function->body) text += function->ToString() + '\n';
+    }
+    return text;
+}
+
+std::string variableLines(const ZqCalculator& calc) {
+    std::string text;
+    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
+        if (!variable->value || (*variable->value)[1] >= OVERFLOW_EXPONENT) continue;
+        text += std::string(variable->text) + '=' + valueText(*variable->value) + '\n';
+    }
+    return text;
+}
+
+// By number, so that the position at which the history is browsed stays.
+std::string historyLines(const CHistory& history) {
+    std::string text;
+    for (int32_t k = history.count; k >= 1; k--) {
+        std::string line = history.GetHistoryStr(k);
+        std::replace_if(line.begin(), line.end(), isControl, ' ');
+        text += line + '\n';
+    }
+    return text;
+}
+
+// --- Reading ---
+
+// Keeps what an entry leaves in the engine, sets it up for reading, and puts it back.
+class EngineState {
+public:
+    explicit EngineState(ZqCalculator& engine)
+        : calc(engine), settings(engine), outcome(std::make_unique<Outcome>(engine)), answer(engine.answer),
+          fullEntry(engine.fullEntry), interruptCheck(engine.interruptCheck), mathError(merror) {
+        calc.european = calc.tenKey = false;
+        calc.fullEntry = true;
+        calc.interruptCheck = nullptr; // an interrupted line would be a lost one
+    }
+    ~EngineState() {
+        static_cast<EntrySettings&>(calc) = settings;
+        static_cast<Outcome&>(calc) = *outcome;
+        calc.answer = answer;
+        calc.fullEntry = fullEntry;
+        calc.interruptCheck = interruptCheck;
+        calc.terms.Clear();
+        calc.target = calc.vars.first;
+        merror = mathError;
+        units_clear_exception();
+    }
+    EngineState(const EngineState&) = delete;
+    EngineState& operator=(const EngineState&) = delete;
+
+private:
+    ZqCalculator& calc;
+    const EntrySettings settings;
+    const std::unique_ptr<Outcome> outcome;
+    const Answer answer;
+    const bool fullEntry;
+    bool (*const interruptCheck)();
+    const decltype(merror) mathError;
+};
+
+enum class Reading { Refused, Taken, TooLong };
+
+// Takes definitions into a calculator.
+class Reader {
+public:
+    explicit Reader(ZqCalculator& into) : calc(into) {}
+
+    // What became of each record. What one that takes too long would have defined is not known, so whatever is
+    // refused then may need it and counts as such, too.
+    std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
+        // A person may have any number of definitions: the limit is for evaluations and for long lines.
+        for (const DefinitionRecord& record : records) left += IsLong(record) ? 0 : CostOf(record);
+        std::vector<Reading> readings(records.size(), Reading::Refused);
+        for (const size_t position : orderOfReading(records)) readings[position] = TakeOne(records[position]);
+        if (std::count(readings.begin(), readings.end(), Reading::TooLong) == 0) return readings;
+        for (size_t i = 0; i < records.size(); i++) {
+            if (readings[i] == Reading::Refused && records[i].kind != Kind::Nothing)
+                readings[i] = Reading::TooLong;
+        }
+        return readings;
+    }
+
+private:
+    // For its length it is no entry.
+    static bool IsLong(const DefinitionRecord& record) { return record.statement.size() >= TEXT_SIZE; }
+
+    // What reading it takes besides its evaluation.
+    static uint64_t CostOf(const DefinitionRecord& record) {
+        const bool isFunction = record.kind == Kind::Function;
+        return Cost::FILE_LINE + record.statement.size() *
+                                     (isFunction ? Cost::CHARACTER_OF_FUNCTION : Cost::CHARACTER_OF_VALUE);
+    }
+
+    bool IsKnown(const DefinitionRecord& record) const {
+        if (record.kind == Kind::Unit) {
+            const node* const unit = calc.UnitExists(record.name.c_str());
+            return unit && record.statement == unit->text;
+        }
+        const node* const variable = calc.VariableExists(record.name.c_str());
+        return variable && variable->value && record.body == valueText(*variable->value);
+    }
+
+    Reading TakeOne(const DefinitionRecord& record) {
+        const bool isFunction = record.kind == Kind::Function;
+        const uint64_t cost = CostOf(record);
+        if (cost > left || (IsLong(record) && !isFunction)) return Reading::TooLong;
+        left -= cost;
+        if (isFunction) {
+            const int state = calc.DefineFunction(record.statement.c_str(), true);
+            return state == STATUS_ERROR ? Reading::Refused : Reading::Taken;
+        }
+        return IsKnown(record) ? Reading::Taken : Evaluate(record);
+    }
+
+    // A variable may have the name of a command, which would read what follows a blank.
+    Reading Evaluate(const DefinitionRecord& record) {
+        const uint64_t allowed = std::min(left, WorkLimit::LINE_OF_FILE);
+        uint64_t work = allowed;
+        const std::string assignment = record.name + "=" + record.body;
+        const bool isUnit = record.kind == Kind::Unit;
+        const int state = calc.CalculateWithin(isUnit ? record.statement.c_str() : assignment.c_str(), work);
+        left -= allowed - work;
+        if (state != STATUS_ERROR) return Reading::Taken;
+        return work == 0 ? Reading::TooLong : Reading::Refused;
+    }
+
+    ZqCalculator& calc;
+    uint64_t left = WorkLimit::FUNCTIONS_FILE;
+};
+
+// Whether the history came through whole.
+bool takeHistory(CHistory& history, DefinitionsText& text) {
+    bool isWhole = text.headers[HISTORY] < text.lines.size();
+    for (size_t i = text.headers[HISTORY] + 1; i < text.lines.size(); i++) {
+        std::string& line = text.lines[i];
+        if (std::any_of(line.begin(), line.end(), isControl)) isWhole = false;
+        history.FilteredInsertNew(line.data(), true);
+    }
+    return isWhole;
+}
+
+// Leaves the unread lines out of the result's text.
+void tellUnread(const ZqCalculator& calc, const DefinitionsText& text, const std::vector<Reading>& readings,
+                DefinitionsRead& result) {
+    const auto present = DefinitionsText(definitionsText(calc)).LinesByKey();
+    std::vector<bool> isUnread(text.lines.size(), false);
+    for (size_t i = 0; i < readings.size(); i++) {
+        if (readings[i] != Reading::TooLong) continue;
+        const DefinitionRecord& record = text.records[i];
+        const auto twin = present.find(record.Key());
+        if (twin != present.end()) result.twins[text.lines[record.line]] = twin->second;
+        if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
+        isUnread[record.line] = true;
+        result.unread++;
+    }
+    result.text = text.Without(isUnread);
+}
+
+void takeText(ZqCalculator& calc, DefinitionsRead& result) {
+    DefinitionsText text(result.text);
+    const bool endsWell = !result.text.empty() && result.text.back() == '\n';
+    const std::vector<Reading> readings = Reader(calc).Take(text.records);
+    const auto has = [&readings](Reading one) {
+        return std::find(readings.begin(), readings.end(), one) != readings.end();
+    };
+    const bool isWhole = takeHistory(calc.history, text);
+    result.damaged = !endsWell || !isWhole || text.headers[FUNCTIONS] != 0 || has(Reading::Refused);
+    if (has(Reading::TooLong)) tellUnread(calc, text, readings, result);
+}
+
+} // namespace
+
+std::string definitionsText(const ZqCalculator& calc) {
+    const auto mathError = merror; // printing numbers may leave a code
+    const std::string sections[] = {functionLines(), variableLines(calc), unitLines(calc),
+                                    historyLines(calc.history)};
+    std::string text;
+    for (const Section section : {FUNCTIONS, VARIABLES, UNITS, HISTORY})
+        text += std::string(HEADERS[section]) + '\n' + sections[section];
+    merror = mathError;
+    return text;
+}
+
+DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, System& system) {
+    DefinitionsRead result;
+    result.opened = readWholeFile(path, result.text, system);
+    if (!result.opened) return result;
+    const EngineState state(calc);
+    takeText(calc, result);
+    return result;
+}

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "DefinitionsMerge.h"
+
+#include "DefinitionRecords.h"
+#include "FileKeeping.h"
+
+void DefinitionsMerge::Know(const std::string& text, std::map<std::string, std::string> unread) {
+    for (const auto& [key, line] : DefinitionsText(text).LinesByKey()) known.insert(key);
+    twins = std::move(unread);
+}
+
+bool DefinitionsMerge::IsForeign(const std::string& key, const std::string& line,
+                                 const Lines& present) const {
+    if (known.count(key) == 0) return true;
+    const auto twin = twins.find(line);
+    const auto own = present.find(key);
+    return twin != twins.end() && own != present.end() && own->second == twin->second;
+}
+
+std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
+    const DefinitionsText text(ours);
+    const Lines present = text.LinesByKey();
+    for (const auto& [key, line] : present) known.insert(key);
+    const DefinitionsText others(theirs);
+    std::string foreign[HISTORY];
+    for (const DefinitionRecord& record : others.records) {
+        const std::string key = record.Key();
+        if (key.empty() || record.section == NO_SECTION) continue;
+        const std::string& line = others.lines[record.line];
+        if (IsForeign(key, line, present)) foreign[record.section] += line + "\n";
+    }
+    std::string merged;
+    for (size_t i = 0; i < text.lines.size(); i++) {
+        // Another section begins: the one before it is complete.
+        for (const Section section : {VARIABLES, UNITS, HISTORY}) {
+            if (text.headers[section] == i) merged += foreign[section - 1];
+        }
+        merged += text.lines[i] + "\n";
+    }
+    return merged;
+}
+
+bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason,
+                             System& system) {
+    const FileLock lock(path, system);
+    if (lock.IsTaken()) {
+        reason = std::make_error_code(std::errc::resource_unavailable_try_again);
+        return false;
+    }
+    std::string present;
+    readWholeFile(path, present, system);
+    return writeFileAtomically(path, Merge(ours, present), &reason, system);
+}

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+//
+// The definitions file line by line, without a calculator.
+#include "DefinitionRecords.h"
+
+#include "../engine/clean_start.h"
+
+#include <gtest/gtest.h>
+
+using Kind = DefinitionRecord::Kind;
+
+namespace {
+
+TEST(DefinitionRecords, aLineIsWhatItSays) {
+    const struct {
+        const char* line;
+        Kind kind;
+        const char* name;
+        const char* parameters;
+        const char* body;
+    } lines[] = {{"f(x,y)=x*y", Kind::Function, "f", "x,y", "x*y"},
+                 {" f ( x ) = x # times", Kind::Function, "f", "x", " x "},
+                 {"unit(x)=x", Kind::Function, "unit", "x", "x"},
+                 {"a=f(1)", Kind::Variable, "a", "", "f(1)"},
+                 {" del = 5", Kind::Variable, "del", "", " 5"},
+                 {"unit smoot=67 inch", Kind::Unit, "smoot", "", "67 inch"},
+                 {"a b=5", Kind::Nothing, "a b", "", "5"},
+                 {"a==5", Kind::Nothing, "a", "", "=5"},
+                 {"f(x)==5", Kind::Nothing, "f(x)", "", "=5"},
+                 {"a=1;mode deg", Kind::Nothing, "a", "", "1;mode deg"},
+                 {"a=1\x02", Kind::Nothing, "a", "", "1\x02"},
+                 {"mode deg", Kind::Nothing, "", "", ""}};
+    for (const auto& expected : lines) {
+        const DefinitionRecord record = recordOf(expected.line);
+        EXPECT_EQ(expected.kind, record.kind) << expected.line;
+        EXPECT_EQ(expected.name, record.name) << expected.line;
+        EXPECT_EQ(expected.parameters, record.parameters) << expected.line;
+        EXPECT_EQ(expected.body, record.body) << expected.line;
+    }
+}
+
+TEST(DefinitionRecords, keysAreEqualForWhatReplacesEachOther) {
+    const auto isSame = [](const char* a, const char* b) { return recordOf(a).Key() == recordOf(b).Key(); };
+    EXPECT_TRUE(isSame("f(x)=x", "F ( y ) = 2"));
+    EXPECT_FALSE(isSame("f(x)=x", "f(x,y)=x"));
+    EXPECT_FALSE(isSame("f(x)=x", "f()=x"));
+    EXPECT_FALSE(isSame("f(x)=x", "f=x"));
+    EXPECT_TRUE(isSame("a=1", " a = 2 # two"));
+    EXPECT_FALSE(isSame("a=1", "A=1"));
+    EXPECT_FALSE(isSame("a=1", "unit a=1"));
+    EXPECT_TRUE(isSame("a b=1", "a b=2"));
+    EXPECT_EQ("", recordOf("mode deg").Key());
+}
+
+TEST(DefinitionRecords, sectionsBeginWithTheirHeadersAndTheHistoryHasNoRecords) {
+    const DefinitionsText text("### FUNCTIONS ###\r\nf(x)=x\r\n\n### CUSTOM UNITS\n# a comment\nunit u=2 m\n"
+                               "### HISTORY ###\na=1\n### VARIABLES ###\nb=1");
+    ASSERT_EQ(10U, text.lines.size());
+    EXPECT_EQ("f(x)=x", text.lines[1]);
+    EXPECT_EQ((std::array<size_t, 4>{0, 10, 3, 6}), text.headers);
+    ASSERT_EQ(2U, text.records.size());
+    EXPECT_EQ(FUNCTIONS, text.records[0].section);
+    EXPECT_EQ(1U, text.records[0].line);
+    EXPECT_EQ(UNITS, text.records[1].section);
+    EXPECT_EQ(5U, text.records[1].line);
+    EXPECT_EQ("", text.Without(std::vector<bool>(10, true)));
+}
+
+// The names of what is read, in the order of reading.
+std::string orderOf(const std::string& lines) {
+    deleteAllUnits();
+    const std::vector<DefinitionRecord> records = DefinitionsText("\n" + lines).records;
+    std::string order;
+    for (const size_t position : orderOfReading(records)) order += records[position].name + " ";
+    return order;
+}
+
+TEST(DefinitionRecords, whatIsUsedIsReadFirst) {
+    EXPECT_EQ("u f b a ", orderOf("a=b+1\nb=2\nf(x)=x\nunit u=2 m\nmode deg\n"));
+    EXPECT_EQ("g f ", orderOf("g(x)=f(x)\nf(x)=x\n")); // functions need not
+    EXPECT_EQ("f g rate a ", orderOf("f(x)=g(x)\na=f [1]\ng(x)=x*rate\nrate=2\n"));
+    EXPECT_EQ("qqc qqb qqa ", orderOf("unit qqa=2 qqbs/s\nunit qqb=5kiloqqc^2\nunit qqc=3 m\n"));
+}
+
+TEST(DefinitionRecords, whatOnlyLooksLikeAUseIsNone) {
+    EXPECT_EQ("f a x ", orderOf("a=f(1)\nx=a+1\nf(x)=x*2\n")); // x is a parameter in f
+    EXPECT_EQ("a k ", orderOf("a=5k\nk=2*a\n"));               // 5000
+    EXPECT_EQ("a e ", orderOf("a=1e5\ne=2*a\n"));
+    EXPECT_EQ("f a b ", orderOf("a=f(1)\nb=a\nf(x)=b(x)\n")); // b() is a function
+    EXPECT_EQ("r er ", orderOf("unit er=2 r\nunit r=5 meter\n"));
+    EXPECT_EQ("r er ", orderOf("unit r=5 meter\nunit er=2 r\n")); // no "met" in front of er
+}
+
+TEST(DefinitionRecords, circlesStayAsTheyAre) {
+    EXPECT_EQ("b a ", orderOf("a=b\nb=a\n"));
+    EXPECT_EQ("a ", orderOf("a=a+1\n"));
+}
+
+} // namespace
