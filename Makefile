@@ -15,10 +15,13 @@ compile = cmake --build --preset $(1) -j $(JOBS)
 bundle = build/release/bin/Tallyquill.app
 window = $(bundle)/$(if $(filter Darwin,$(shell uname -s)),Contents/MacOS/)Tallyquill
 
+# Two tests of windows run at a time, and they wait more than they work.
+test_jobs = $(shell expr $(JOBS) + 1)
+
 define build_and_test
 	$(call configure_tests,$(1)) </dev/null
 	$(call compile,$(1)) </dev/null
-	ctest --preset $(1) -j $(JOBS) </dev/null
+	ctest --preset $(1) -j $(test_jobs) </dev/null
 endef
 
 .NOTPARALLEL:
