@@ -13,14 +13,14 @@ set -eu
 # the pasteboard server, the fonts are those it falls back on, xdg-open shows web
 # pages, and curl asks the online service.
 debian_run="clang cmake ninja-build libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
-    libx11-dev fonts-dejavu-core xdg-utils curl"
+    libx11-dev libplist-dev fonts-dejavu-core xdg-utils curl"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales
     python3 xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
 # on a Mac yet.
-brew_run="cmake ninja"
+brew_run="cmake ninja libplist"
 brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck git"
 
 # Elsewhere only the presence of these programs is checked.
