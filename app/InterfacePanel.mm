@@ -79,6 +79,7 @@ static void makeLabel(NSTextField* field) {
 struct Grid {
     NSView* view;
     PrefController* target;
+    PrefControls& made;
     CGFloat y;
     NSView* first;
     NSView* last;
@@ -93,6 +94,13 @@ struct Grid {
         [field setAlignment:NSRightTextAlignment];
     }
 
+    // The control of a setting, behind its title.
+    void addSetting(const char* key, NSControl* control, CGFloat width) {
+        made.of(*findSetting(key)) = control;
+        label(@(findSetting(key)->title));
+        add(control, column(), width);
+    }
+
     void add(NSControl* control, CGFloat x, CGFloat width) {
         [control setFrame:NSMakeRect(x, y, width, HIGH)];
         [control setTarget:target];
@@ -103,11 +111,17 @@ struct Grid {
         last = control;
     }
 
-    NSTextField* field(CGFloat width) {
+    NSTextField* field(const char* key, CGFloat width) {
         NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
         [[field cell] setSendsActionOnEndEditing:YES]; // leaving the field counts as well
-        add(field, column(), width);
+        addSetting(key, field, width);
         return field;
+    }
+
+    NSButton* box(const char* key) {
+        NSButton* const button = box(@(findSetting(key)->title));
+        made.of(*findSetting(key)) = button;
+        return button;
     }
 
     NSButton* box(NSString* title) {
@@ -130,26 +144,24 @@ struct Grid {
         return field;
     }
 
-    NSColorWell* well() {
+    NSColorWell* well(const char* key) {
         NSColorWell* const colors = makeColorWell();
-        add(colors, column(), 60);
+        addSetting(key, colors, 60);
+        nextRow();
         return colors;
     }
 };
 
 static void addNumbers(Grid& grid, PrefControls& made) {
-    grid.label(@"Exponents:");
     made.prefSciMode = [[[NSPopUpButton alloc] initWithFrame:NSZeroRect pullsDown:NO] autorelease];
-    NSString* const modes[] = {@"Auto",        @"Never",           @"Always",
-                               @"Engineering", @"Metric prefixes", @"Fixed decimals"};
-    for (NSString* const mode : modes) [made.prefSciMode addItemWithTitle:mode];
-    grid.add(made.prefSciMode, grid.column(), 170);
+    for (const SettingChoice& mode : findSetting("scimode")->choices) {
+        if (mode.title) [made.prefSciMode addItemWithTitle:@(mode.title)];
+    }
+    grid.addSetting("scimode", made.prefSciMode, 170);
     grid.nextRow();
-    grid.label(@"Significant figures:");
-    made.prefSigFigs = grid.field(60);
+    made.prefSigFigs = grid.field("sigfigs", 60);
     grid.nextRow();
-    grid.label(@"Grouping mark:");
-    made.prefSepChar = grid.field(28);
+    made.prefSepChar = grid.field("schar", 28);
     TextFormatter* const oneCharacter = [[[TextFormatter alloc] init] autorelease];
     [oneCharacter setMaximumLength:1];
     [made.prefSepChar setFormatter:oneCharacter];
@@ -157,9 +169,9 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     const CGFloat besideMark = grid.column() + 28 + GAP;
     made.prefSepReason = grid.text(besideMark, WIDTH - EDGE - besideMark);
     grid.nextRow();
-    made.prefSeparator = grid.box(@"Group digits by thousands");
-    made.prefEuropean = grid.box(@"Decimal comma");
-    made.prefTwosComp = grid.box(@"Two's complement in hex and binary");
+    made.prefSeparator = grid.box("separator");
+    made.prefEuropean = grid.box("european");
+    made.prefTwosComp = grid.box("twoscomp");
     grid.label(@"Sample:");
     made.prefNumPreview = [[[NumberField alloc]
         initWithFrame:NSMakeRect(grid.column(), grid.y, WIDTH - EDGE - grid.column(), HIGH)] autorelease];
@@ -169,24 +181,18 @@ static void addNumbers(Grid& grid, PrefControls& made) {
 }
 
 static void addHistory(Grid& grid, PrefControls& made) {
-    grid.label(@"Lines of history:");
-    made.prefHistSize = grid.field(60);
+    made.prefHistSize = grid.field("histsz", 60);
     [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
     grid.nextRow();
 }
 
 static void addColors(Grid& grid, PrefControls& made) {
-    grid.label(@"Text color:");
-    made.prefFGColor = grid.well();
-    grid.nextRow();
-    grid.label(@"Background color:");
-    made.prefBGColor = grid.well();
-    grid.nextRow();
-    grid.label(@"Transparency:");
+    made.prefFGColor = grid.well("fgcolor");
+    made.prefBGColor = grid.well("bgcolor");
     PercentSlider* const slider = [[[PercentSlider alloc] initWithFrame:NSZeroRect] autorelease];
     [slider setMinValue:0];
     [slider setMaxValue:100];
-    grid.add(slider, grid.column(), SLIDER);
+    grid.addSetting("trans", slider, SLIDER);
     [slider setShown:grid.text(grid.column() + SLIDER + GAP, 60)];
     made.prefSlider = slider;
     grid.nextRow();
@@ -210,10 +216,10 @@ static void dimTick(NSButton* box) {
 }
 
 static void addWindow(Grid& grid, PrefControls& made) {
-    made.prefTransBGOnly = grid.box(@"Fade the window when inactive");
-    made.prefSnapTo = grid.box(@"Snap to screen edges");
+    made.prefTransBGOnly = grid.box("transback");
+    made.prefSnapTo = grid.box("snaptoscreen");
     made.prefAlwaysTop = grid.box(@"Keep above other windows");
-    made.prefStatusIcon = grid.box(@"Show the status item");
+    made.prefStatusIcon = grid.box("statusicon");
     if (platformStatusBar()) return;
     [made.prefStatusIcon setEnabled:NO];
     dimTick(made.prefStatusIcon);
@@ -233,7 +239,7 @@ void buildPreferences(PelmoAppDelegate* delegate) {
     [panel setReleasedWhenClosed:NO];
     [panel setHidesOnDeactivate:NO];
     PrefControls made = {};
-    Grid grid = {[panel contentView], controller, HEIGHT - EDGE - HIGH, nil, nil};
+    Grid grid = {[panel contentView], controller, made, HEIGHT - EDGE - HIGH, nil, nil};
     addNumbers(grid, made);
     grid.nextSection();
     addHistory(grid, made);

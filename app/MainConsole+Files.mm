@@ -4,7 +4,7 @@
 #import "MainConsole.h"
 
 #import "BackgroundWriter.h"
-#import "SettingsText.h"
+#import "SettingsDictionary.h"
 
 #include "FileKeeping.h"
 #include "Folder.h"
@@ -81,8 +81,9 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
 - (int)setting:(NSString*)key {
     const id value = [settings objectForKey:key];
     if ([value isKindOfClass:[NSNumber class]]) return [value intValue];
-    // A file of an older version may lack a key. Zero would be no base and no number of figures.
-    return settings ? neededSetting(key) : 0;
+    // A file of an older version may lack a key.
+    const Setting* const setting = settings ? findSetting([key UTF8String]) : nullptr;
+    return setting ? setting->WhenMissing() : 0;
 }
 
 - (void)setSetting:(NSString*)key to:(int)value {
@@ -102,15 +103,16 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
 
 - (void)initSettingsDefault {
     [settings release];
-    settings = [defaultSettings() retain];
+    settings = [settingsDictionary(defaultSettings(), nil) retain];
     [self initColorsDefault];
 }
 
 - (void)initColorsDefault {
     if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
-    [settings setObject:[NSColor colorWithCalibratedRed:0.1 green:0.1 blue:0.1 alpha:1] forKey:@"bgcolor"];
-    [settings setObject:[NSColor colorWithCalibratedRed:0.1 green:0.9 blue:0.9 alpha:1] forKey:@"fgcolor"];
-    [self setSetting:@"trans" to:25];
+    NSDictionary* const defaults = settingsDictionary(defaultSettings(), nil);
+    for (NSString* const key in @[ @"bgcolor", @"fgcolor", @"trans" ]) {
+        [settings setObject:[defaults objectForKey:key] forKey:key];
+    }
 }
 
 - (void)saveSettings {
@@ -125,7 +127,9 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
     if ([self textColor]) [settings setObject:[self textColor] forKey:@"fgcolor"];
     if ([self backgroundColor]) [settings setObject:[self backgroundColor] forKey:@"bgcolor"];
-    return settingsText(settings);
+    std::string present;
+    readWholeFile(pathBytes(prefFilePath), present);
+    return settingsText(keptSettings(settings), present);
 }
 
 - (void)loadSettings {
@@ -137,9 +141,9 @@ static std::string failureText(const std::string& path, const FailedWrite& failu
     removeLeftovers(path);
     std::string text;
     readWholeFile(path, text);
-    NSData* const bytes = [NSData dataWithBytes:text.data() length:text.size()];
-    settings = [settingsFromText(bytes, [self font]) retain];
-    const bool wasRead = settings != nil;
+    KeptSettings kept;
+    const bool wasRead = readSettings(text, kept);
+    if (wasRead) settings = [settingsDictionary(kept, [self font]) retain];
     if (!wasRead) keepUnreadable(path);
     if (!wasRead) [self initSettingsDefault];
     [self applyColors];

@@ -7,7 +7,10 @@
 
 #import <AppKit/AppKit.h>
 
+#include "Settings.h"
+
 #include <cstdint>
+#include <iterator>
 
 @class MainConsole;
 @class PelmoAppDelegate;
@@ -36,6 +39,10 @@ struct PrefControls {
     NSButton* prefAlwaysTop;
     NSButton* prefResetColors;
     NSTextField* prefNumPreview;
+    NSControl* ofSettings[std::size(SETTINGS)]; // those of them that edit one, in the order of the table
+
+    // The control of a row of SETTINGS, or nil.
+    NSControl*& of(const Setting& setting) { return ofSettings[&setting - SETTINGS]; }
 };
 
 @interface PrefController : NSObject {

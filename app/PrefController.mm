@@ -4,7 +4,6 @@
 #import "MainConsole.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
-#import "SettingsText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -14,8 +13,9 @@ uint8_t prefWinIsOpen = 0;
 
 static const NSTimeInterval FADE_INTERVAL = 0.03;
 
-static const int FEWEST_FIGURES = 1, MOST_FIGURES = 100, USUAL_FIGURES = 6;
-static const int FEWEST_LINES = 1, MOST_LINES = 999, USUAL_LINES = 99;
+// In place of a number that is none when the panel closes.
+static const int USUAL_FIGURES = 6;
+static const int USUAL_LINES = 99;
 
 // A window among the others of its space.
 static const NSUInteger MANAGED = 4;
@@ -79,17 +79,8 @@ static int stateOf(NSButton* box) {
 
 - (void)menuPreferences:(id)sender {
     (void)sender;
-    [controls.prefSciMode selectItemAtIndex:[mainConsole setting:@"scimode"]];
-    [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
-    [controls.prefHistSize setIntValue:[mainConsole setting:@"histsz"]];
-    [controls.prefSnapTo setState:[mainConsole setting:@"snaptoscreen"]];
-    [controls.prefTransBGOnly setState:[mainConsole setting:@"transback"]];
-    [controls.prefSeparator setState:[mainConsole setting:@"separator"]];
-    [controls.prefTwosComp setState:[mainConsole setting:@"twoscomp"]];
-    [controls.prefEuropean setState:[mainConsole setting:@"european"]];
-    [controls.prefStatusIcon setState:[mainConsole setting:@"statusicon"]];
+    for (const Setting& setting : SETTINGS) [self showSetting:setting];
     [controls.prefSlider setContinuous:YES];
-    [controls.prefSlider setIntValue:[mainConsole setting:@"trans"]];
     [controls.prefFGColor setColor:[mainConsole textColor]];
     [controls.prefBGColor setColor:[mainConsole backgroundColor]];
     [controls.prefSepChar setStringValue:[self separatorShown]];
@@ -97,6 +88,16 @@ static int stateOf(NSButton* box) {
     [self showSample];
     [prefWindow makeKeyAndOrderFront:nil];
     prefWinIsOpen = 1;
+}
+
+// Colors and the grouping mark are not shown as numbers.
+- (void)showSetting:(const Setting&)setting {
+    NSControl* const control = controls.of(setting);
+    const int value = [mainConsole setting:@(setting.key)];
+    if (control == controls.prefSciMode)
+        [controls.prefSciMode selectItemAtIndex:value];
+    else if (setting.kind == Setting::FLAG || setting.kind == Setting::NUMBER)
+        [control setIntValue:value];
 }
 
 // The grouping mark follows the decimal mark, so that the two never coincide.
@@ -132,7 +133,8 @@ static bool hasNumber(NSTextField* field) {
 - (void)storeSeparator {
     NSString* const text = [controls.prefSepChar stringValue];
     const unichar mark = [text length] > 0 ? [text characterAtIndex:0] : ',';
-    NSString* const fault = groupingMarkFault(mark);
+    const std::string reason = groupingMarkFault(mark);
+    NSString* const fault = reason.empty() ? nil : @(reason.c_str());
     if (!fault) [mainConsole setSetting:@"schar" to:mark == '.' ? ',' : mark];
     if (![text isEqualToString:[self separatorShown]]) {
         const bool isDecimal = !fault && [text length] > 0 && (mark == '.' || mark == ',');
@@ -147,16 +149,25 @@ static bool hasNumber(NSTextField* field) {
     [controls.prefSepChar setStringValue:[self separatorShown]];
 }
 
-- (void)storeScientific {
-    const NSInteger mode = [controls.prefSciMode indexOfSelectedItem];
-    [mainConsole setSetting:@"scimode" to:mode < 0 ? 0 : static_cast<int>(mode)];
-    const int figures = numberIn(controls.prefSigFigs);
-    // What is no number of figures waits for the closing: entries run and files are written while the panel is open.
-    if (figures >= FEWEST_FIGURES && figures <= MOST_FIGURES) [mainConsole setSetting:@"sigfigs" to:figures];
+// A control's number or state.
+- (int)valueOf:(NSControl*)control {
+    if (control == controls.prefSciMode)
+        return std::max(static_cast<int>([controls.prefSciMode indexOfSelectedItem]), 0);
+    if (control == controls.prefSlider) return static_cast<int>([control doubleValue]);
+    if ([control isKindOfClass:[NSButton class]]) return stateOf(static_cast<NSButton*>(control));
+    return numberIn(static_cast<NSTextField*>(control));
 }
 
-- (void)storeTransparency {
-    [mainConsole setSetting:@"trans" to:static_cast<int>([controls.prefSlider doubleValue])];
+// What its control says, if that is possible: entries run and files are written while the panel is open.
+- (void)storeSetting:(const Setting&)setting {
+    NSControl* const control = controls.of(setting);
+    if (!control || (setting.kind != Setting::FLAG && setting.kind != Setting::NUMBER)) return;
+    const int value = [self valueOf:control];
+    if (setting.IsPossible(value)) [mainConsole setSetting:@(setting.key) to:value];
+}
+
+- (void)store:(const char*)key {
+    [self storeSetting:*findSetting(key)];
 }
 
 - (void)showColors {
@@ -178,11 +189,11 @@ static bool hasNumber(NSTextField* field) {
         if (sender == control) [self applyNumbers];
     }
     if (sender == controls.prefTransBGOnly) {
-        [mainConsole setSetting:@"transback" to:stateOf(controls.prefTransBGOnly)];
+        [self store:"transback"];
         [self redraw];
     }
     if (sender == controls.prefSlider) {
-        [self storeTransparency];
+        [self store:"trans"];
         [self redraw];
     }
     if (sender == controls.prefAlwaysTop) [self applyAlwaysTop];
@@ -211,11 +222,12 @@ static bool hasNumber(NSTextField* field) {
 
 // With another separator than a point or a comma the decimal mark waits until the panel closes.
 - (void)applyNumbers {
-    [self storeScientific];
-    [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
+    [self store:"scimode"];
+    [self store:"sigfigs"];
+    [self store:"separator"];
     [self storeSeparator];
     if ([mainConsole setting:@"schar"] != ',') return;
-    [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
+    [self store:"european"];
     [self showSample];
 }
 
@@ -232,9 +244,8 @@ static bool hasNumber(NSTextField* field) {
 
 // --- Closing ---
 
-static void keepWithin(NSTextField* field, int least, int most, int usual) {
-    const int value = numberIn(field);
-    if (value < least || value > most) [field setIntValue:usual];
+static void keepPossible(NSTextField* field, const char* key, int usual) {
+    if (!findSetting(key)->IsPossible(numberIn(field))) [field setIntValue:usual];
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
@@ -242,21 +253,13 @@ static void keepWithin(NSTextField* field, int least, int most, int usual) {
     if (!prefWinIsOpen) return;
     [prefWindow makeFirstResponder:nil]; // what is being typed counts
     if (!hasNumber(controls.prefSigFigs)) [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
-    keepWithin(controls.prefSigFigs, FEWEST_FIGURES, MOST_FIGURES, USUAL_FIGURES);
-    keepWithin(controls.prefHistSize, FEWEST_LINES, MOST_LINES, USUAL_LINES);
+    keepPossible(controls.prefSigFigs, "sigfigs", USUAL_FIGURES);
+    keepPossible(controls.prefHistSize, "histsz", USUAL_LINES);
     NSMutableDictionary* const settings = [mainConsole settings];
-    [self storeScientific];
+    for (const Setting& setting : SETTINGS) [self storeSetting:setting];
     [settings setObject:[controls.prefFGColor color] forKey:@"fgcolor"];
     [settings setObject:[controls.prefBGColor color] forKey:@"bgcolor"];
-    [mainConsole setSetting:@"snaptoscreen" to:stateOf(controls.prefSnapTo)];
-    [self storeTransparency];
-    [mainConsole setSetting:@"transback" to:stateOf(controls.prefTransBGOnly)];
-    [mainConsole setSetting:@"separator" to:stateOf(controls.prefSeparator)];
     [self storeSeparator];
-    [mainConsole setSetting:@"histsz" to:numberIn(controls.prefHistSize)];
-    [mainConsole setSetting:@"twoscomp" to:stateOf(controls.prefTwosComp)];
-    [mainConsole setSetting:@"european" to:stateOf(controls.prefEuropean)];
-    [mainConsole setSetting:@"statusicon" to:stateOf(controls.prefStatusIcon)];
     [self redraw];
     prefWinIsOpen = 0;
     [self showColors];

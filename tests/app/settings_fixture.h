@@ -5,7 +5,7 @@
 
 #import "console_fixture.h"
 
-#import "SettingsText.h"
+#import "SettingsDictionary.h"
 
 #include <cstring>
 #include <iterator>
@@ -60,7 +60,9 @@ inline std::string fileWith(const std::string& key, const std::string& value) {
 }
 
 inline NSMutableDictionary* settingsOf(const std::string& text) {
-    return settingsFromText(data(text), [NSFont userFixedPitchFontOfSize:13]);
+    KeptSettings kept;
+    if (!readSettings(text, kept)) return nil;
+    return settingsDictionary(kept, [NSFont userFixedPitchFontOfSize:13]);
 }
 
 inline void expectColor(NSColor* color, double red, double green, double blue, double alpha) {

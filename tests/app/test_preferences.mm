@@ -2,7 +2,7 @@
 #import "panel_fixture.h"
 
 #import "Platform.h"
-#import "SettingsText.h"
+#import "SettingsDictionary.h"
 
 namespace {
 
@@ -10,8 +10,9 @@ class Preferences : public PanelTest {
 protected:
     // The settings as the file holds them.
     NSDictionary* stored() const {
-        const std::string text = read(settingsPath());
-        return settingsFromText([NSData dataWithBytes:text.data() length:text.size()], nil);
+        KeptSettings kept;
+        EXPECT_TRUE(readSettings(read(settingsPath()), kept));
+        return settingsDictionary(kept, nil);
     }
 
     int inFile(const char* key) const {
@@ -454,3 +455,22 @@ TEST_F(Preferences, ThePanelSurvivesManyOpenings) {
 }
 
 } // namespace
+
+// --- The table ---
+
+// A row with a title has a control that shows it and stores it; one without a title has none.
+TEST_F(Preferences, EveryTitledSettingIsShownAndStored) {
+    for (const Setting& row : SETTINGS) {
+        SCOPED_TRACE(row.key);
+        ASSERT_EQ(row.title != nullptr, controls.of(row) != nil);
+        if (!row.title || row.kind == Setting::COLOR || row.kind == Setting::CHARACTER) continue;
+        int other = row.least;
+        while (other == row.standard || !row.IsPossible(other)) other++;
+        set(row.key, other);
+        open();
+        set(row.key, row.standard);
+        close();
+        EXPECT_EQ(setting(row.key), other);
+        set(row.key, row.standard);
+    }
+}

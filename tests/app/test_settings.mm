@@ -76,6 +76,22 @@ TEST_F(Settings, theEngineAndTheWindowStartWithWhatTheFileSays) {
     EXPECT_TRUE(NSEqualRects([window frame], NSMakeRect(60, 70, 600, 320)));
 }
 
+// Ten-key entry is set by a start alone.
+TEST_F(Settings, everySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
+    for (const KnownSetting& one : NUMBERS) {
+        SCOPED_TRACE(one.key);
+        const Setting& row = *findSetting(one.key);
+        EXPECT_EQ(row.standard, one.standard);
+        [console setSetting:string(one.key) to:one.other];
+        enter("1");
+        if (row.entry.IsOfEachEntry()) EXPECT_EQ(row.ValueIn(calc), one.other);
+        if (row.command.word) enter(row.CommandFor(one.standard).c_str());
+        EXPECT_EQ([console setting:string(one.key)], row.command.word ? one.standard : one.other);
+        if (strcmp(one.key, "tenkey") != 0)
+            EXPECT_EQ(row.entry.field.index() != 0, row.entry.IsOfEachEntry());
+    }
+}
+
 TEST_F(Settings, savingTakesFontAndColorsFromTheView) {
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.2 green:0.3 blue:0.4 alpha:0.5]];
     [console setTextColor:[NSColor colorWithCalibratedRed:0.6 green:0.7 blue:0.8 alpha:1]];

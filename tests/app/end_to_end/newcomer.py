@@ -73,7 +73,7 @@ class Newcomer(unittest.TestCase):
         self.assertEqual(window.copy("alt+c"), "16")
         self.assertEqual(window.quit(), 0)
         with open(self.file(SETTINGS_FILE), encoding="ascii") as file:
-            self.assertIn("<key>firstrun</key>\n    <integer>2</integer>", file.read())
+            self.assertIn("<key>firstrun</key>\n\t<integer>2</integer>", file.read())
 
     def test_everything_is_there_again_at_the_next_start(self):
         window = self.first_start()
