@@ -22,6 +22,16 @@ static size_t countDigits(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }));
 }
 
+const std::string& Answer::Keep(const std::string& line, const char* variable, const qfloat number,
+                                const EntrySettings& now) {
+    entry = line;
+    name = variable;
+    qmov(number, value);
+    settings = now;
+    shown = shownNumber(value, now, name.size());
+    return shown;
+}
+
 std::string Answer::In(int base, const EntrySettings& now) const {
     if (shown.empty()) return "";
     EntrySettings inBase = now;

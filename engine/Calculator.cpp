@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <memory>
 
 constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
 
@@ -33,6 +34,35 @@ static std::string_view unitName(std::string_view text) {
     const std::string_view head = "unit ";
     if (text.substr(0, head.size()) != head) return "";
     return text.substr(head.size(), text.find('=') - head.size());
+}
+
+// The statements between the semicolons, without their comments. What stands behind the last semicolon is no
+// statement when it is blank.
+static std::vector<std::string> splitStatements(const std::string& line) {
+    std::vector<std::string> statements;
+    size_t start = 0;
+    while (statements.size() < MAX_STATEMENTS) {
+        const size_t end = line.find(';', start);
+        const bool isLast = end == std::string::npos;
+        std::string statement = line.substr(start, isLast ? end : end - start);
+        statement.resize(std::min(statement.size(), statement.find('#')));
+        const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string::npos;
+        if (!(isLast && isBlank && start > 0)) statements.push_back(std::move(statement));
+        if (isLast) break;
+        start = end + 1;
+    }
+    return statements;
+}
+
+// Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
+static void reportPrintedInfinity(Outcome& outcome) {
+    const char* equals = strchr(outcome.message, '=');
+    if (!equals || equals == outcome.message) return;
+    char* end = nullptr;
+    long number = strtol(equals + 1, &end, 0);
+    if (end == equals + 1 || strncmp(end, ".#INF", 5) != 0) return;
+    if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
+    outcome.Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
 }
 
 ZqCalculator::ZqCalculator() : unitLines(unitDefs, unitName, undo, work.indexed) {}
@@ -62,7 +92,7 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
-    const std::vector<std::string> statements = SplitStatements(entry);
+    const std::vector<std::string> statements = splitStatements(entry);
     if (fullEntry && interruptCheck)
         RunOrTakeBack(statements);
     else
@@ -119,39 +149,11 @@ void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
     }
 }
 
-// The statements between the semicolons, without their comments. What stands behind the last semicolon is no
-// statement when it is blank.
-std::vector<std::string> ZqCalculator::SplitStatements(const std::string& line) const {
-    std::vector<std::string> statements;
-    size_t start = 0;
-    while (statements.size() < MAX_STATEMENTS) {
-        const size_t end = line.find(';', start);
-        const bool isLast = end == std::string::npos;
-        std::string statement = line.substr(start, isLast ? end : end - start);
-        statement.resize(std::min(statement.size(), statement.find('#')));
-        const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string::npos;
-        if (!(isLast && isBlank && start > 0)) statements.push_back(std::move(statement));
-        if (isLast) break;
-        start = end + 1;
-    }
-    return statements;
-}
-
-// Makes the value the last answer. Returns it as it is shown.
-std::string ZqCalculator::KeepAnswer(const char* name, const qfloat value) {
-    answer.entry = entryLine;
-    answer.name = name;
-    qmov(value, answer.value);
-    answer.settings = *this;
-    answer.shown = shownNumber(value, *this, answer.name.size());
-    return answer.shown;
-}
-
 int ZqCalculator::ShowResult() {
     // An entry's value is stored by now.
     if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
-    const std::string text =
-        fullEntry ? KeepAnswer(target->text, result) : shownNumber(result, *this, strlen(target->text));
+    const std::string text = fullEntry ? answer.Keep(entryLine, target->text, result, *this)
+                                       : shownNumber(result, *this, strlen(target->text));
     copyText(resultLine, std::string(target->text) + " = " + text + "\n");
     overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;
@@ -166,13 +168,25 @@ int ZqCalculator::Calculate(const char* statement) {
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {
-        state = EvaluateTerms();
-        if (state != 0) ReportPrintedInfinity();
+        // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
+        // the first operation.
+        if (merror == MATH_UNDERFLOW) merror = 0;
+        const std::unique_ptr<node*[]> order(new node*[static_cast<size_t>(opCount) + 1]);
+        opOrder = order.get();
+        OrderOperatorStack();
+        state = ProcTermsLoop();
+        opOrder = nullptr;
+        if (state != 0) reportPrintedInfinity(*this);
     }
-    if (state == 0)
-        StoreResult();
-    else
+    if (state != 0) {
         DiscardNewTarget();
+        return state;
+    }
+    qfixintegers(result);
+    if (fullEntry) {
+        if (newVariable) variables.Append(std::move(newVariable));
+        variables.SetValue(target, result);
+    }
     return state;
 }
 
@@ -215,34 +229,4 @@ void ZqCalculator::OrderOperatorStack() {
     node** next = opOrder;
     for (int32_t position : orderOperators(terms)) *next++ = nodes[static_cast<size_t>(position)];
     *next = nullptr;
-}
-
-int ZqCalculator::EvaluateTerms() {
-    // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
-    // the first operation.
-    if (merror == MATH_UNDERFLOW) merror = 0;
-    opOrder = new node*[static_cast<size_t>(opCount) + 1];
-    OrderOperatorStack();
-    const int state = ProcTermsLoop();
-    delete[] opOrder;
-    opOrder = nullptr;
-    return state;
-}
-
-void ZqCalculator::StoreResult() {
-    qfixintegers(result);
-    if (!fullEntry) return;
-    if (newVariable) variables.Append(std::move(newVariable));
-    variables.SetValue(target, result);
-}
-
-// Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
-void ZqCalculator::ReportPrintedInfinity() {
-    const char* equals = strchr(message, '=');
-    if (!equals || equals == message) return;
-    char* end = nullptr;
-    long number = strtol(equals + 1, &end, 0);
-    if (end == equals + 1 || strncmp(end, ".#INF", 5) != 0) return;
-    if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
-    Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
 }

@@ -168,12 +168,7 @@ private:
     void RunOrTakeBack(const std::vector<std::string>& statements);
     void BeginEntry(std::string& entry);
     void RunStatements(const std::vector<std::string>& statements);
-    std::vector<std::string> SplitStatements(const std::string& line) const;
-    std::string KeepAnswer(const char* name, const qfloat value);
     int ShowResult();
-    int EvaluateTerms();
-    void StoreResult();
-    void ReportPrintedInfinity();
 
     // Runs a command word. Returns NO_COMMAND when the statement is none, else the command's status.
     static constexpr int NO_COMMAND = 0;

@@ -181,7 +181,8 @@ struct Commands {
         if (!variable) return calc.Fail("** ERROR: variable '%s' not found **\n", {text.argument});
         qmov(*variable->value, calc.result);
         calc.overflowed = calc.result[1] >= OVERFLOW_EXPONENT;
-        const std::string line = text.argument + " = " + calc.KeepAnswer(variable->text, calc.result);
+        const std::string line =
+            text.argument + " = " + calc.answer.Keep(calc.entryLine, variable->text, calc.result, calc);
         memcpy(calc.lastAnswer, line.c_str(), line.size() + 1);
         calc.message[0] = '\0';
         return Echo(calc, line) ? STATUS_MESSAGE : RefuseEcho(calc);
