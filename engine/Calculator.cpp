@@ -127,7 +127,6 @@ void ZqCalculator::RunOrTakeBack(const std::vector<std::string>& statements) {
     undo.Keep(target);
     undo.Keep(answer);
     undo.Keep(lastName); // of a variable, which comes back as the same term
-    undo.Keep(gospelShown);
     undo.Add([this, text = std::string(lastAnswer)] { copyText(lastAnswer, text); });
     funcs.RecordIn(&undo);
     units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
@@ -208,8 +207,8 @@ int ZqCalculator::ProcessStr(const char* statement) {
     }
     std::string text = trimStatement(statement);
     if (fullEntry) {
-        const int state = RunCommand(text);
-        if (state != NO_COMMAND) return state;
+        const int state = commands.Run(text);
+        if (state != Commands::NO_COMMAND) return state;
     }
     markConversion(text);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;

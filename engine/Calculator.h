@@ -12,6 +12,7 @@
 #define TALLYQUILL_CALCULATOR_H
 
 #include "Answer.h"
+#include "Commands.h"
 #include "Definitions.h"
 #include "Evaluator.h"
 #include "Format.h"
@@ -154,11 +155,6 @@ public:
     void InitializeVarsList() { variables.Reset(); }
 
 private:
-    friend struct Commands;
-
-    bool gospelShown = false; // the next "gospel" opens the page
-    std::string entryLine;    // the full entry that runs, or ran last
-
     Undo undo;
 
     // They hand over what VariableExists and UnitExists find, and bring their indexes up to date for that.
@@ -170,15 +166,12 @@ private:
     void RunStatements(const std::vector<std::string>& statements);
     int ShowResult();
 
-    // Runs a command word. Returns NO_COMMAND when the statement is none, else the command's status.
-    static constexpr int NO_COMMAND = 0;
-    int RunCommand(const std::string& statement);
-
     Syntax syntax{*this, work};
     Scanner scanner{*this, *this, *this, variables, work};
     Spending spending{*this, *this, interruptCheck, work};
     Evaluator evaluator{*this, *this, *this, variables, spending, work};
     Definitions definitions{*this, *this, *this, variables, scanner, syntax, spending, work};
+    Commands commands{*this, *this, *this, answer, variables, unitLines, definitions, spending, undo};
 };
 
 #endif

@@ -1,13 +1,29 @@
 // SPDX-License-Identifier: MIT
-//
-// The command words.
-#include "Calculator.h"
+#include "Commands.h"
+
+#include "Answer.h"
+#include "Definitions.h"
+#include "Functions.h"
 #include "Helpers_String.h"
+#include "MathError.h"
+#include "Spending.h"
+#include "Variables.h"
 #include "units.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+
+// One statement as the command words see it.
+struct CommandText {
+    std::string statement;            // as typed
+    std::string lower;                // its first characters in lower case
+    std::string word;                 // the first word of these
+    std::string argument;             // what follows the first word and its blanks, as typed
+    int32_t number = 0;               // Command::NUMBER
+    const Setting* setting = nullptr; // Command::SETTING, with the number or the choice
+    const SettingChoice* choice = nullptr;
+};
 
 namespace {
 
@@ -23,16 +39,6 @@ const char* const gospel =
     "Ten fingers were given to you, and a keypad would have nine of them watch.\n"
     "Type, therefore, and it shall be answered; mistype, and the error shall be yours in plain words.\n"
     "    << type 'gospel' for more >>\n";
-
-enum class Match {
-    Word,         // the first word is this one
-    WordArgument, // so it is, and something follows
-    Number,       // the word, then a number, blanks between them or not
-    Prefix,       // the statement begins so
-    Exact,        // this is the whole statement
-    Setting,      // the command of a setting
-    Function      // the whole statement is the name of a function
-};
 
 // All lines, or as many as fit and how many more there are.
 class Listing {
@@ -57,227 +63,180 @@ private:
     size_t more = 0;
 };
 
-} // namespace
+int handOver(Commands& c, const std::string& command) {
+    c.outcome.Tell(command);
+    return STATUS_COMMAND;
+}
 
-// One statement as the command words see it.
-struct CommandText {
-    std::string statement;            // as typed
-    std::string lower;                // its first characters in lower case
-    std::string word;                 // the first word of these
-    std::string argument;             // what follows the first word and its blanks, as typed
-    int32_t number = 0;               // Match::Number
-    const Setting* setting = nullptr; // Match::Setting, with the number or the choice
-    const SettingChoice* choice = nullptr;
-};
+// Appends to the texts that the entry shows; all of the text or nothing.
+bool appendEcho(Outcome& outcome, const std::string& text) {
+    const size_t used = strlen(outcome.echoText);
+    if (used + text.size() + 1 >= sizeof outcome.echoText) return false;
+    memcpy(outcome.echoText + used, text.data(), text.size());
+    memcpy(outcome.echoText + used + text.size(), "\n", 2);
+    return true;
+}
 
-struct Command {
-    const char* word;
-    Match match;
-    int (*run)(ZqCalculator&, const CommandText&);
-};
-
-// The commands; a struct so that they may change the engine.
-struct Commands {
-    static const Command table[];
-
-    static int Confirm(ZqCalculator& calc, const std::string& text) {
-        const size_t length = std::min(text.size(), sizeof calc.message - 1);
-        memcpy(calc.message, text.data(), length);
-        calc.message[length] = '\0';
-        return STATUS_MESSAGE;
+// With this command for the front end; an empty one is none.
+int echo(Commands& c, const std::string& text, const std::string& command) {
+    if (!appendEcho(c.outcome, text)) {
+        return c.outcome.Fail("** ERROR: %i max characters to show **\n", {std::to_string(TEXT_SIZE)});
     }
+    c.outcome.Tell(command);
+    return command.empty() ? STATUS_MESSAGE : STATUS_COMMAND;
+}
 
-    static int HandOver(ZqCalculator& calc, const std::string& command) {
-        Confirm(calc, command);
-        return STATUS_COMMAND;
+// --- Deleting ---
+
+std::string nameIn(const std::string& text) {
+    const auto isOfName = [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; };
+    return {text.begin(), std::find_if_not(text.begin(), text.end(), isOfName)};
+}
+
+int deleteNamed(Commands& c, const CommandText& text) {
+    const std::string name = nameIn(text.argument);
+    if (const Function* function = funcs.FindByName(name.c_str(), -1)) {
+        funcs.DeleteFunction(function);
+        return c.outcome.Tell("** deleted " + name + "() **\n");
     }
-
-    // Appends to the texts that the entry shows; all of the text or nothing.
-    static bool Echo(ZqCalculator& calc, const std::string& text) {
-        const size_t used = strlen(calc.echoText);
-        if (used + text.size() + 1 >= sizeof calc.echoText) return false;
-        memcpy(calc.echoText + used, text.data(), text.size());
-        memcpy(calc.echoText + used + text.size(), "\n", 2);
-        return true;
+    if (node* variable = c.variables.Find(name)) {
+        if (variable == c.variables.First()) return c.outcome.Fail("** ERROR: cannot delete %s **\n", {name});
+        c.variables.Delete(variable);
+        return c.outcome.Tell("** deleted " + name + " **\n");
     }
-
-    static int RefuseEcho(ZqCalculator& calc) {
-        return calc.Fail("** ERROR: %i max characters to show **\n", {std::to_string(TEXT_SIZE)});
+    if (strIsEqualI(name.c_str(), "all")) {
+        c.variables.Reset();
+        return c.outcome.Tell("** deleted all variables **\n");
     }
-
-    // --- Deleting ---
-
-    static std::string NameIn(const std::string& text) {
-        size_t end = 0;
-        while (end < text.size() && (IsLetter(text[end]) || IsDigit(text[end]) || text[end] == '_')) end++;
-        return text.substr(0, end);
+    if (node* unit = c.unitLines.Find(name)) {
+        c.unitLines.Delete(unit);
+        removeUnit(name.c_str());
+        return c.outcome.Tell("** deleted unit " + name + " **\n");
     }
+    return c.outcome.Fail("** ERROR: variable, unit or function '%s' not found **\n", {name});
+}
 
-    static int Delete(ZqCalculator& calc, const CommandText& text) {
-        const std::string name = NameIn(text.argument);
-        if (const Function* function = funcs.FindByName(name.c_str(), -1)) {
-            funcs.DeleteFunction(function);
-            return Confirm(calc, "** deleted " + name + "() **\n");
-        }
-        if (node* variable = calc.VariableExists(name.c_str())) {
-            if (variable == calc.vars.first) return calc.Fail("** ERROR: cannot delete %s **\n", {name});
-            calc.variables.Delete(variable);
-            return Confirm(calc, "** deleted " + name + " **\n");
-        }
-        if (strIsEqualI(name.c_str(), "all")) {
-            calc.InitializeVarsList();
-            return Confirm(calc, "** deleted all variables **\n");
-        }
-        if (node* unit = calc.UnitExists(name.c_str())) {
-            calc.unitLines.Delete(unit);
-            removeUnit(name.c_str());
-            return Confirm(calc, "** deleted unit " + name + " **\n");
-        }
-        return calc.Fail("** ERROR: variable, unit or function '%s' not found **\n", {name});
+// --- For the front end ---
+
+int convert(Commands& c, const CommandText& text) {
+    std::string query = "convert+" + text.argument.substr(0, QUERY_LENGTH);
+    std::replace(query.begin(), query.end(), ' ', '+');
+    copyText(c.outcome.echoText, query);
+    return handOver(c, "convert");
+}
+
+int showEcho(Commands& c, const CommandText& text) {
+    return echo(c, text.argument, "");
+}
+
+// echo50 text: everything behind the word and one character.
+int typeEcho(Commands& c, const CommandText& text) {
+    const size_t wordEnd = std::min(text.statement.find_first_of(" \t"), text.statement.size());
+    const size_t start = std::min(wordEnd + 1, text.statement.size());
+    return echo(c, text.statement.substr(start), text.word);
+}
+
+int replaceEntry(Commands& c, const CommandText& text) {
+    return echo(c, text.argument, "echorep");
+}
+
+// The word carries its number; a number that stands apart is put into it.
+int pause(Commands& c, const CommandText& text) {
+    return handOver(c, text.word == "pause" ? "pause" + std::to_string(text.number) : text.word);
+}
+
+int clear(Commands& c, const CommandText&) {
+    return handOver(c, "clear");
+}
+
+int exit(Commands& c, const CommandText&) {
+    return handOver(c, "exit");
+}
+
+int showGospel(Commands& c, const CommandText&) {
+    c.undo.Keep(c.isGospelShown);
+    c.isGospelShown = !c.isGospelShown;
+    return c.isGospelShown ? c.outcome.Tell(gospel) : handOver(c, "gospel");
+}
+
+// --- Variables and units ---
+
+int display(Commands& c, const CommandText& text) {
+    const node* variable = c.variables.Find(text.argument);
+    if (!variable) return c.outcome.Fail("** ERROR: variable '%s' not found **\n", {text.argument});
+    qmov(*variable->value, c.outcome.result);
+    c.outcome.overflowed = c.outcome.result[1] >= OVERFLOW_EXPONENT;
+    const std::string line =
+        text.argument + " = " +
+        c.answer.Keep(c.statement.entryLine, variable->text, c.outcome.result, c.settings);
+    copyText(c.outcome.lastAnswer, line);
+    return echo(c, line, "");
+}
+
+int defineUnit(Commands& c, const CommandText& text) {
+    const size_t equals = text.argument.find('=');
+    const size_t start =
+        equals == std::string::npos ? equals : text.argument.find_first_not_of(" \t", equals + 1);
+    if (equals == 0 || start == std::string::npos) {
+        return c.outcome.Fail("** ERROR: incorrect syntax to define new unit **\n");
     }
+    std::string name = text.argument.substr(0, equals);
+    name.resize(std::min(name.size(), name.find_first_of(" \t")));
+    std::string definition = text.argument.substr(start);
+    if (c.settings.european) StrSwapChars(definition.data(), '.', ','); // kept with a '.', as functions are
+    bool isStopped = false;
+    units_clear_exception();
+    units_new(name.c_str(), definition.c_str(), c.spending.ForUnits(isStopped));
+    if (isStopped) return STATUS_ERROR;
+    if (const char* error = units_check_exception()) return c.outcome.Fail("** ERROR: %s **\n", {error});
+    c.unitLines.Append(makeTerm("unit " + name + "=" + definition).release());
+    return c.outcome.Tell("new unit defined: " + name + "\n");
+}
 
-    // --- For the front end ---
+// --- Settings ---
 
-    static int Convert(ZqCalculator& calc, const CommandText& text) {
-        std::string query = "convert+" + text.argument.substr(0, QUERY_LENGTH);
-        std::replace(query.begin(), query.end(), ' ', '+');
-        memcpy(calc.echoText, query.c_str(), query.size() + 1);
-        return HandOver(calc, "convert");
+int changeSetting(Commands& c, const CommandText& text) {
+    const Setting& setting = *text.setting;
+    const bool isChoice = setting.choices.begin() != setting.choices.end();
+    const int value = text.choice ? text.choice->value : text.number;
+    if (isChoice ? !text.choice : !setting.IsPossible(value)) {
+        return c.outcome.Fail("** ERROR: %s **\n", {setting.command.refusal});
     }
+    setting.Apply(value, c.settings);
+    const std::string shown = isChoice ? text.choice->shown : std::to_string(value);
+    return c.outcome.Tell("** " + (setting.command.answer + shown) + " **\n");
+}
 
-    static int ShowEcho(ZqCalculator& calc, const CommandText& text) {
-        calc.message[0] = '\0';
-        return Echo(calc, text.argument) ? STATUS_MESSAGE : RefuseEcho(calc);
+int recordEntries(Commands& c, const CommandText& text) {
+    c.settings.histStack = text.lower == "histstack on";
+    return c.outcome.Tell(c.settings.histStack ? "** HISTORY STACK ON **\n" : "** HISTORY STACK OFF **\n");
+}
+
+// --- Lists ---
+
+int listUnits(Commands& c, const CommandText&) {
+    Listing listing;
+    for (const node* unit = c.unitLines.First(); unit; unit = unit->next) {
+        listing.Add([unit] { return std::string(unit->text); });
     }
+    return c.outcome.Tell(listing.Text());
+}
 
-    // echo50 text: everything behind the word and one character.
-    static int TypeEcho(ZqCalculator& calc, const CommandText& text) {
-        const size_t wordEnd = std::min(text.statement.find_first_of(" \t"), text.statement.size());
-        const size_t start = std::min(wordEnd + 1, text.statement.size());
-        return Echo(calc, text.statement.substr(start)) ? HandOver(calc, text.word) : RefuseEcho(calc);
+int listFunctions(Commands& c, const CommandText&) {
+    Listing listing;
+    for (const Function* f = funcs.Get(0); f && !c.outcome.interrupted; f = funcs.GetNext()) {
+        if (f->body) listing.Add([&c, f] { return c.definitions.TextOf(*f); });
     }
+    return c.outcome.interrupted ? STATUS_ERROR : c.outcome.Tell(listing.Text());
+}
 
-    static int ReplaceEcho(ZqCalculator& calc, const CommandText& text) {
-        return Echo(calc, text.argument) ? HandOver(calc, "echorep") : RefuseEcho(calc);
-    }
+int showFunction(Commands& c, const CommandText& text) {
+    return c.definitions.Show(*funcs.FindByName(text.statement.c_str(), -1));
+}
 
-    // The word carries its number; a number that stands apart is put into it.
-    static int Pause(ZqCalculator& calc, const CommandText& text) {
-        return HandOver(calc, text.word == "pause" ? "pause" + std::to_string(text.number) : text.word);
-    }
+// --- Reading a statement ---
 
-    static int Clear(ZqCalculator& calc, const CommandText&) { return HandOver(calc, "clear"); }
-    static int Exit(ZqCalculator& calc, const CommandText&) { return HandOver(calc, "exit"); }
-
-    static int Gospel(ZqCalculator& calc, const CommandText&) {
-        calc.gospelShown = !calc.gospelShown;
-        return calc.gospelShown ? Confirm(calc, gospel) : HandOver(calc, "gospel");
-    }
-
-    // --- Variables and units ---
-
-    static int Display(ZqCalculator& calc, const CommandText& text) {
-        const node* variable = calc.VariableExists(text.argument.c_str());
-        if (!variable) return calc.Fail("** ERROR: variable '%s' not found **\n", {text.argument});
-        qmov(*variable->value, calc.result);
-        calc.overflowed = calc.result[1] >= OVERFLOW_EXPONENT;
-        const std::string line =
-            text.argument + " = " + calc.answer.Keep(calc.entryLine, variable->text, calc.result, calc);
-        memcpy(calc.lastAnswer, line.c_str(), line.size() + 1);
-        calc.message[0] = '\0';
-        return Echo(calc, line) ? STATUS_MESSAGE : RefuseEcho(calc);
-    }
-
-    static int DefineUnit(ZqCalculator& calc, const CommandText& text) {
-        const size_t equals = text.argument.find('=');
-        const size_t start =
-            equals == std::string::npos ? equals : text.argument.find_first_not_of(" \t", equals + 1);
-        if (equals == 0 || start == std::string::npos) {
-            return calc.Fail("** ERROR: incorrect syntax to define new unit **\n");
-        }
-        std::string name = text.argument.substr(0, equals);
-        name.resize(std::min(name.size(), name.find_first_of(" \t")));
-        std::string definition = text.argument.substr(start);
-        calc.ProcessStringEuropean(definition.data()); // kept with a '.', as functions are
-        bool isStopped = false;
-        units_clear_exception();
-        units_new(name.c_str(), definition.c_str(), calc.spending.ForUnits(isStopped));
-        if (isStopped) return STATUS_ERROR;
-        if (const char* error = units_check_exception()) return calc.Fail("** ERROR: %s **\n", {error});
-        auto line = std::make_unique<node>();
-        line->text = StrDuplicate("unit " + name + "=" + definition);
-        line->type = TERM_NAME;
-        calc.unitLines.Append(line.release());
-        return Confirm(calc, "new unit defined: " + name + "\n");
-    }
-
-    // --- Settings ---
-
-    static int ChangeSetting(ZqCalculator& calc, const CommandText& text) {
-        const Setting& setting = *text.setting;
-        const bool isChoice = setting.choices.begin() != setting.choices.end();
-        const int value = text.choice ? text.choice->value : text.number;
-        if (isChoice ? !text.choice : !setting.IsPossible(value)) {
-            return calc.Fail("** ERROR: %s **\n", {setting.command.refusal});
-        }
-        setting.Apply(value, calc);
-        const std::string shown = isChoice ? text.choice->shown : std::to_string(value);
-        return Confirm(calc, "** " + (setting.command.answer + shown) + " **\n");
-    }
-
-    template <bool value> static int HistoryStack(ZqCalculator& calc, const CommandText&) {
-        calc.histStack = value;
-        return Confirm(calc, value ? "** HISTORY STACK ON **\n" : "** HISTORY STACK OFF **\n");
-    }
-
-    // --- Lists ---
-
-    static int ListUnits(ZqCalculator& calc, const CommandText&) {
-        Listing listing;
-        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
-            listing.Add([unit] { return std::string(unit->text); });
-        }
-        return Confirm(calc, listing.Text());
-    }
-
-    static int ListFunctions(ZqCalculator& calc, const CommandText&) {
-        Listing listing;
-        for (const Function* function = funcs.Get(0); function && !calc.interrupted;
-             function = funcs.GetNext()) {
-            if (function->body) listing.Add([&calc, function] { return calc.definitions.TextOf(*function); });
-        }
-        return calc.interrupted ? STATUS_ERROR : Confirm(calc, listing.Text());
-    }
-
-    static int ShowFunction(ZqCalculator& calc, const CommandText& text) {
-        return calc.definitions.Show(*funcs.FindByName(text.statement.c_str(), -1));
-    }
-};
-
-// In the order in which they are tried; the first match wins.
-const Command Commands::table[] = {
-    {"del", Match::Word, Delete},
-    {"rem", Match::Word, Delete},
-    {"convert", Match::Word, Convert},
-    {"echo", Match::Word, ShowEcho},
-    {"echo", Match::Number, TypeEcho},
-    {"echorep", Match::Word, ReplaceEcho},
-    {"pause", Match::Number, Pause},
-    {"disp", Match::WordArgument, Display},
-    {"unit", Match::WordArgument, DefineUnit},
-    {"clear", Match::Exact, Clear},
-    {"cls", Match::Exact, Clear},
-    {"exit", Match::Exact, Exit},
-    {"", Match::Setting, ChangeSetting},
-    {"histstack on", Match::Exact, HistoryStack<true>},
-    {"histstack off", Match::Exact, HistoryStack<false>},
-    {"gospel", Match::Exact, Gospel},
-    {"list units", Match::Exact, ListUnits},
-    {"list", Match::Exact, ListFunctions},
-    {"", Match::Function, ShowFunction},
-};
-
-static CommandText readCommand(const std::string& statement) {
+CommandText readCommand(const std::string& statement) {
     CommandText text;
     text.statement = statement;
     text.lower = statement.substr(0, COMMAND_LENGTH);
@@ -291,7 +250,7 @@ static CommandText readCommand(const std::string& statement) {
 }
 
 // A number behind the word: decimal, 0x... or, with a leading 0, octal.
-static bool readNumber(CommandText& text, const std::string& word) {
+bool readNumber(CommandText& text, const std::string& word) {
     if (text.lower.compare(0, word.size(), word) != 0) return false;
     const char* from = text.lower.c_str() + word.size();
     char* end = nullptr;
@@ -301,7 +260,7 @@ static bool readNumber(CommandText& text, const std::string& word) {
 }
 
 // A setting's command, and a value for it unless that has to be refused.
-static bool readSetting(CommandText& text) {
+bool readSetting(CommandText& text) {
     for (const Setting& setting : SETTINGS) {
         if (!setting.command.word) continue;
         text.setting = &setting;
@@ -316,24 +275,51 @@ static bool readSetting(CommandText& text) {
     return false;
 }
 
-static bool matches(const Command& command, CommandText& text) {
-    const std::string word = command.word;
+bool matches(const Command& command, CommandText& text) {
     switch (command.match) {
-    case Match::Word: return text.word == word;
-    case Match::WordArgument: return text.word == word && !text.argument.empty();
-    case Match::Number: return readNumber(text, word);
-    case Match::Prefix: return text.lower.compare(0, word.size(), word) == 0;
-    case Match::Exact: return text.lower == word;
-    case Match::Setting: return readSetting(text);
-    case Match::Function: return funcs.FindByName(text.statement.c_str(), -1) != nullptr;
+    case Command::WORD: return text.word == command.word;
+    case Command::WORD_ARGUMENT: return text.word == command.word && !text.argument.empty();
+    case Command::NUMBER: return readNumber(text, command.word);
+    case Command::EXACT: return text.lower == command.word;
+    case Command::SETTING: return readSetting(text);
+    case Command::FUNCTION: return funcs.FindByName(text.statement.c_str(), -1) != nullptr;
     }
     return false;
 }
 
-int ZqCalculator::RunCommand(const std::string& statement) {
-    CommandText text = readCommand(statement);
-    if (!IsValidVariable(text.word.c_str())) return NO_COMMAND;
-    for (const Command& command : Commands::table) {
+} // namespace
+
+const std::vector<Command>& commandTable() {
+    // clang-format off
+    static const std::vector<Command> table = {
+        {"", Command::SETTING, nullptr, nullptr, changeSetting},
+        {"unit", Command::WORD_ARGUMENT, "unit smoot = 1.7018 meter", "a unit of your own, for `3 smoot->m` and the like", defineUnit},
+        {"list", Command::EXACT, "list", nullptr, listFunctions},
+        {"list units", Command::EXACT, "list units", "your functions, your units", listUnits},
+        {"del", Command::WORD, "del NAME, del all", "deletes a function, a variable or a unit; all variables", deleteNamed},
+        {"rem", Command::WORD, nullptr, nullptr, deleteNamed},
+        {"disp", Command::WORD_ARGUMENT, "disp NAME", nullptr, display},
+        {"echo", Command::WORD, "echo TEXT", "shows a variable, a text", showEcho},
+        {"echo", Command::NUMBER, "echo20 TEXT", nullptr, typeEcho},
+        {"echorep", Command::WORD, "echorep TEXT", nullptr, replaceEntry},
+        {"pause", Command::NUMBER, "pause500", "are for scripts", pause},
+        {"histstack on", Command::EXACT, "histstack on", nullptr, recordEntries},
+        {"histstack off", Command::EXACT, "histstack off", "whether entries are remembered", recordEntries},
+        {"convert", Command::WORD, "convert TEXT", "asks an online service", convert},
+        {"clear", Command::EXACT, "clear", nullptr, clear},
+        {"cls", Command::EXACT, nullptr, nullptr, clear},
+        {"exit", Command::EXACT, "exit", nullptr, exit},
+        {"gospel", Command::EXACT, "gospel", "clears the console, ends the program, says why all this is right", showGospel},
+        {"", Command::FUNCTION, "mod", "the definition of a function of this name", showFunction},
+    };
+    // clang-format on
+    return table;
+}
+
+int Commands::Run(const std::string& typed) {
+    CommandText text = readCommand(typed);
+    if (!IsValidName(text.word)) return NO_COMMAND;
+    for (const Command& command : commandTable()) {
         if (matches(command, text)) return command.run(*this, text);
     }
     return NO_COMMAND;

@@ -24,6 +24,8 @@ public:
     NamedTerms(Deq& terms, NameOf name, Undo& changes, uint64_t& work)
         : list(terms), nameOf(name), undo(changes), visited(work) {}
 
+    node* First() const { return list.first; }
+
     // The first term of exactly this name, or null.
     node* Find(std::string_view name);
 

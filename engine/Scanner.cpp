@@ -178,7 +178,7 @@ int Scanner::ScanAssignment(std::string& text) {
     if (statement.fullEntry) {
         statement.target = variables.Find(name);
         if (!statement.target) {
-            statement.newVariable = makeVariable(name); // joins the variables when the evaluation works out
+            statement.newVariable = makeTerm(name); // joins the variables when the evaluation works out
             statement.target = statement.newVariable.get();
         }
     }

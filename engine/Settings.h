@@ -60,6 +60,7 @@ struct SettingCommand {
     const char* word = nullptr;
     const char* answer = nullptr;  // the value stands behind it
     const char* refusal = nullptr; // the error for another value; null: such a statement is no command
+    const char* help = nullptr;    // what it does, as in the guide
 };
 
 struct Setting {
@@ -127,19 +128,22 @@ inline constexpr Setting SETTINGS[] = {
     {"autoeval", Setting::FLAG, 1},
     {"twoscomp", Setting::FLAG, 0, 0, 1, "Two's complement in hex and binary", {&EntrySettings::twosComp}},
     // The misspelling in its answer is what people and scripts know.
-    {"european", Setting::FLAG, 0, 0, 1, "Decimal comma", {&EntrySettings::european}, ON_OFF, {"european", "EUROPEAN DELIMETERS "}},
+    {"european", Setting::FLAG, 0, 0, 1, "Decimal comma", {&EntrySettings::european}, ON_OFF,
+        {"european", "EUROPEAN DELIMETERS ", nullptr, "decimal comma, or point"}},
     {"tenkey", Setting::FLAG, 0, 0, 1, nullptr, {&EntrySettings::tenKey, true}},
     {"separator", Setting::FLAG, 0, 0, 1, "Group digits by thousands", {&EntrySettings::useSeparator}},
     {"doublenegans", Setting::FLAG, 1},
-    {"degmode", Setting::FLAG, 1, 0, 1, nullptr, {&EntrySettings::degreeMode}, ANGLES, {"mode", ""}},
+    {"degmode", Setting::FLAG, 1, 0, 1, nullptr, {&EntrySettings::degreeMode}, ANGLES,
+        {"mode", "", nullptr, "angles in degrees or radians"}},
     {"scimode", Setting::NUMBER, 0, 0, 5, "Exponents:", {&EntrySettings::sciMode}, SCI_MODES,
-        {"scimode", "SCIENTIFIC MODE: ", "invalid scimode choice"}},
+        {"scimode", "SCIENTIFIC MODE: ", "invalid scimode choice", "when and how numbers have exponents"}},
     {"nsfont", Setting::FONT},
     {"schar", Setting::CHARACTER, ',', ' ', 255, "Grouping mark:", {&EntrySettings::separatorChar}},
     {"histsz", Setting::NUMBER, 30, 1, 999, "Lines of history:"},
-    {"dispbase", Setting::NUMBER, 10, 2, 16, nullptr, {&EntrySettings::displayBase}, DISPLAY_BASES, {"display", "DISPLAY "}},
+    {"dispbase", Setting::NUMBER, 10, 2, 16, nullptr, {&EntrySettings::displayBase}, DISPLAY_BASES,
+        {"display", "DISPLAY ", nullptr, "the base in which answers are shown"}},
     {"sigfigs", Setting::NUMBER, 10, 1, 100, "Significant figures:", {&EntrySettings::sigFigs}, {},
-        {"sigfigs", "SIGNIFICANT FIGURES: ", "bad significant figures"}},
+        {"sigfigs", "SIGNIFICANT FIGURES: ", "bad significant figures", "shows so many significant figures, 1 to 100"}},
     {"financed", Setting::NUMBER, 2, 0, 100},
     {"x", Setting::NUMBER, 450, -30000, 30000}, // X servers count in 16 bits
     {"y", Setting::NUMBER, 250, -30000, 30000},

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 struct Statement {
     bool fullEntry = true;    // false: a quick preview, which stores, defines and runs nothing
@@ -15,6 +16,8 @@ struct Statement {
     int32_t opCount = 0;      // number of operator terms in `terms`
     int32_t reorder = 0;      // set by a function call that rewrote `terms`
     node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
+
+    std::string entryLine; // the full entry that it is in, or that ran last
 
     std::unique_ptr<node> newVariable; // the target while it is no variable yet
 

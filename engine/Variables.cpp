@@ -3,7 +3,7 @@
 
 #include "Helpers_String.h"
 
-std::unique_ptr<node> makeVariable(std::string_view name) {
+std::unique_ptr<node> makeTerm(std::string_view name) {
     auto variable = std::make_unique<node>();
     variable->type = TERM_NAME;
     variable->text = StrDuplicate(name);
@@ -11,7 +11,7 @@ std::unique_ptr<node> makeVariable(std::string_view name) {
 }
 
 void Variables::Add(const char* name, const qfloat value) {
-    auto variable = makeVariable(name);
+    auto variable = makeTerm(name);
     variable->SetValue(value);
     Append(std::move(variable));
 }

@@ -20,6 +20,8 @@ public:
           terms(
               list, [](std::string_view text) { return text; }, undo, work.indexed) {}
 
+    node* First() const { return list.first; } // "ans"
+
     // The variable with exactly this name, or null.
     node* Find(std::string_view name) { return terms.Find(name); }
 
@@ -44,5 +46,5 @@ private:
     NamedTerms terms;
 };
 
-// A new variable of this name without a value.
-std::unique_ptr<node> makeVariable(std::string_view name);
+// A term of this name without a value.
+std::unique_ptr<node> makeTerm(std::string_view name);

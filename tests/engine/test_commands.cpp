@@ -6,7 +6,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <fstream>
+#include <regex>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -55,6 +58,73 @@ TEST_F(Functions, whatIsEchoedBeyondTheTextsSizeIsRefused) {
     EXPECT_EQ("convert+" + std::string(1000, 'a'), calc.echoText);
     EXPECT_EQ(STATUS_COMMAND, Enter("convert " + repeated("a ", 1000)));
     EXPECT_EQ("convert+" + repeated("a+", 500), calc.echoText);
+}
+
+// --- The guide ---
+
+// The rows of the guide's table of command words, without its head and without links.
+std::vector<std::string> rowsOfGuide() {
+    std::ifstream guide(GUIDE);
+    std::string line;
+    while (std::getline(guide, line) && line != "## Command words") continue;
+    std::vector<std::string> rows;
+    while (std::getline(guide, line) && line.rfind("## ", 0) != 0) {
+        if (line[0] == '|')
+            rows.push_back(std::regex_replace(line, std::regex("\\[([^\\]]*)\\]\\([^)]*\\)"), "$1"));
+    }
+    rows.erase(rows.begin(),
+               rows.begin() + std::min<std::ptrdiff_t>(2, static_cast<std::ptrdiff_t>(rows.size())));
+    return rows;
+}
+
+std::string rowOf(const std::string& usage, const std::string& help) {
+    return "| `" + std::regex_replace(usage, std::regex(", "), "`, `") + "` | " + help + " |";
+}
+
+std::vector<std::string> rowsOfSettings() {
+    std::vector<std::string> rows;
+    for (const Setting& setting : SETTINGS) {
+        if (!setting.command.word) continue;
+        std::string usage;
+        for (const SettingChoice& choice : setting.choices)
+            usage += (usage.empty() ? "" : ", ") + std::string(setting.command.word) + " " + choice.word;
+        if (usage.empty()) usage = setting.command.word + (" " + std::to_string(setting.standard));
+        rows.push_back(rowOf(usage, setting.command.help));
+    }
+    return rows;
+}
+
+std::vector<std::string> rowsOfCommands() {
+    std::vector<std::string> rows = rowsOfSettings();
+    std::string usage;
+    for (const Command& command : commandTable()) {
+        if (!command.usage) continue;
+        usage += (usage.empty() ? "" : ", ") + std::string(command.usage);
+        if (!command.help) continue;
+        rows.push_back(rowOf(usage, command.help));
+        usage.clear();
+    }
+    return rows;
+}
+
+TEST_F(Functions, commandWordsAreThoseOfTheGuide) {
+    EXPECT_EQ(rowsOfCommands(), rowsOfGuide());
+}
+
+// --- The table ---
+
+TEST_F(Functions, whatTheTableOfCommandsShowsIsCarriedOut) {
+    const std::string nothing = "** ERROR 7";
+    for (const Command& command : commandTable()) {
+        if (!command.usage) continue;
+        const std::string first = std::string(command.usage).substr(0, std::string(command.usage).find(", "));
+        const int status = Enter(first);
+        EXPECT_TRUE(status == STATUS_MESSAGE || status == STATUS_COMMAND || first == "del NAME" ||
+                    first == "disp NAME")
+            << first << calc.message;
+        EXPECT_NE(nothing, std::string(calc.message).substr(0, nothing.size())) << first;
+        EXPECT_NE(STATUS_COMMAND, Preview(first));
+    }
 }
 
 } // namespace
