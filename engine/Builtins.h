@@ -40,8 +40,8 @@ const std::vector<Builtin>& builtinTable();
 class Builtins {
 public:
     // All of them have to live longer.
-    Builtins(Outcome& outcome, const EntrySettings& settings, Spending& spending)
-        : outcome(outcome), settings(settings), spending(spending) {}
+    Builtins(Outcome& theOutcome, const EntrySettings& theSettings, Spending& theSpending)
+        : outcome(theOutcome), settings(theSettings), spending(theSpending) {}
 
     // The row that computes a call of one argument with this name, in lower case: log2 and the like are the row of
     // log. Null when there is none.

@@ -8,8 +8,7 @@
 //
 // One thread, one engine at a time: the functions and the number library's error code are process-wide.
 // The process's LC_NUMERIC locale has to be "C".
-#ifndef TALLYQUILL_CALCULATOR_H
-#define TALLYQUILL_CALCULATOR_H
+#pragma once
 
 #include "Answer.h"
 #include "Commands.h"
@@ -173,5 +172,3 @@ private:
     Definitions definitions{*this, *this, *this, variables, scanner, syntax, spending, work};
     Commands commands{*this, *this, *this, answer, variables, unitLines, definitions, spending, undo};
 };
-
-#endif

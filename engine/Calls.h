@@ -18,10 +18,10 @@ struct WorkCounters;
 class Calls {
 public:
     // All of them have to live longer.
-    Calls(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
-          Spending& spending, WorkCounters& work)
-        : statement(statement), outcome(outcome), variables(variables), spending(spending), work(work),
-          builtins(outcome, settings, spending) {}
+    Calls(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
+          Variables& theVariables, Spending& theSpending, WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), variables(theVariables), spending(theSpending),
+          work(theWork), builtins(theOutcome, theSettings, theSpending) {}
 
     // Forgets the calls of the statement before.
     void Begin();

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the commands that the engine hands to its front end (a status of STATUS_COMMAND) ask for.
-#ifndef TALLYQUILL_CONSOLECOMMAND_H
-#define TALLYQUILL_CONSOLECOMMAND_H
+#pragma once
 
 #include <string_view>
 
@@ -15,5 +14,3 @@ long PauseLength(long number);
 // How long echo<n> waits between two characters, in milliseconds: for n characters a second. 0, not at all, where n
 // is 0, negative or above 100.
 long WaitBetweenCharacters(long number);
-
-#endif

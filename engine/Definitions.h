@@ -20,10 +20,11 @@ struct WorkCounters;
 class Definitions {
 public:
     // All of them have to live longer.
-    Definitions(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
-                Scanner& scanner, Syntax& syntax, Spending& spending, WorkCounters& work)
-        : statement(statement), outcome(outcome), settings(settings), variables(variables), scanner(scanner),
-          syntax(syntax), spending(spending), work(work) {}
+    Definitions(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
+                Variables& theVariables, Scanner& theScanner, Syntax& theSyntax, Spending& theSpending,
+                WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), settings(theSettings), variables(theVariables),
+          scanner(theScanner), syntax(theSyntax), spending(theSpending), work(theWork) {}
 
     // Defines a function from "name(args)=expression", white space allowed: its body is scanned, checked and ordered
     // here, and by no call. Returns 1 and the definition in the message, or -1 with an error. One that was kept from

@@ -8,10 +8,10 @@
 class Evaluator {
 public:
     // All of them have to live longer.
-    Evaluator(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
-              Spending& spending, WorkCounters& work)
-        : statement(statement), outcome(outcome), variables(variables), spending(spending), work(work),
-          calls(statement, outcome, settings, variables, spending, work) {}
+    Evaluator(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
+              Variables& theVariables, Spending& theSpending, WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), variables(theVariables), spending(theSpending),
+          work(theWork), calls(theStatement, theOutcome, theSettings, theVariables, theSpending, theWork) {}
 
     // The methods of the same names of the calculator.
     int ProcTermsLoop();

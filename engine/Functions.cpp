@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Functions.h"
 
-#include "Calculator.h"
+#include "Format.h"
 #include "Helpers_String.h"
+#include "MathError.h"
+#include "Outcome.h"
 #include "Syntax.h"
 
 #include <algorithm>
@@ -62,10 +64,7 @@ std::string Function::ToString(const std::function<bool()>& mayGoOn) const {
 }
 
 void Function::FuncToStr(char* out) const {
-    const std::string text = ToString();
-    const size_t length = std::min(text.size(), TEXT_SIZE - 1);
-    memcpy(out, text.data(), length);
-    out[length] = '\0';
+    copyText(out, ToString());
 }
 
 // --- The list ---

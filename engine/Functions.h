@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Named functions: predefined ones, which have no body, and those that a person defined.
-#ifndef TALLYQUILL_FUNCTIONS_H
-#define TALLYQUILL_FUNCTIONS_H
+#pragma once
 
 #include "Undo.h"
 #include "deq.h"
@@ -117,5 +116,3 @@ private:
 
 // Every function of the process.
 extern CFunctionList funcs;
-
-#endif

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The lines a person entered, newest last, in a ring of bounded size, with a position for browsing them.
-#ifndef TALLYQUILL_HISTORY_H
-#define TALLYQUILL_HISTORY_H
+#pragma once
 
 #include <cstdint>
 
@@ -55,5 +54,3 @@ public:
 private:
     int32_t SlotOf(int32_t k) const { return (next - k + maxEntries) % maxEntries; }
 };
-
-#endif

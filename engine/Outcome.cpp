@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
-void copyText(char (&out)[TEXT_SIZE], std::string_view text) {
+void copyText(char* out, std::string_view text) {
     const size_t length = std::min(text.size(), TEXT_SIZE - 1);
     memcpy(out, text.data(), length);
     out[length] = '\0';

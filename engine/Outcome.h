@@ -43,5 +43,5 @@ struct Outcome {
     int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
 };
 
-// Copies the text into a buffer of the engine, cut where it would not fit.
-void copyText(char (&out)[TEXT_SIZE], std::string_view text);
+// Copies the text into a buffer of TEXT_SIZE bytes, cut where it would not fit.
+void copyText(char* out, std::string_view text);

@@ -19,9 +19,10 @@ struct WorkCounters;
 class Scanner {
 public:
     // All of them have to live longer.
-    Scanner(Statement& statement, Outcome& outcome, const EntrySettings& settings, Variables& variables,
-            WorkCounters& work)
-        : statement(statement), outcome(outcome), settings(settings), variables(variables), work(work) {}
+    Scanner(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
+            Variables& theVariables, WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), settings(theSettings), variables(theVariables),
+          work(theWork) {}
 
     // Names, exactly as they are written.
     using Names = std::set<std::string, std::less<>>;

@@ -2,8 +2,7 @@
 //
 // Text as it may reach a screen. A control character in a name, a page or a file could move the cursor, rename a
 // terminal's window or hide a part of an answer; none is shown, wherever the text comes from.
-#ifndef TALLYQUILL_SHOWNTEXT_H
-#define TALLYQUILL_SHOWNTEXT_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -29,5 +28,3 @@ std::string ShownText(std::string_view text);
 
 // The same for a text in ISO Latin-1, in which every byte is a character.
 std::string ShownLatin1(std::string_view text);
-
-#endif

@@ -17,8 +17,9 @@ public:
     using InterruptCheck = bool (*)();
 
     // All of them have to live longer.
-    Spending(const Statement& statement, Outcome& outcome, const InterruptCheck& check, WorkCounters& work)
-        : statement(statement), outcome(outcome), interruptCheck(check), work(work) {}
+    Spending(const Statement& theStatement, Outcome& theOutcome, const InterruptCheck& theCheck,
+             WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), interruptCheck(theCheck), work(theWork) {}
 
     WorkBudget budget;
 

@@ -13,7 +13,7 @@ struct WorkCounters;
 
 class Syntax {
 public:
-    Syntax(Outcome& outcome, WorkCounters& work) : outcome(outcome), work(work) {}
+    Syntax(Outcome& theOutcome, WorkCounters& theWork) : outcome(theOutcome), work(theWork) {}
 
     // Checks that every parenthesis has its partner and every operator its operands, and sets the terms' levels:
     // both parentheses of a pair carry the depth of what they enclose, and a '-' that acts before the operator on its

@@ -15,10 +15,11 @@ class Variables {
 public:
     // The list holds them; its owner may change it in other ways too, but not while an entry runs. A variable that is
     // deleted is no statement's target any more, and not the one that was last assigned.
-    Variables(Deq& list, Statement& statement, Outcome& outcome, Undo& undo, WorkCounters& work)
-        : list(list), statement(statement), outcome(outcome), work(work),
+    Variables(Deq& theList, Statement& theStatement, Outcome& theOutcome, Undo& theUndo,
+              WorkCounters& theWork)
+        : list(theList), statement(theStatement), outcome(theOutcome), work(theWork),
           terms(
-              list, [](std::string_view text) { return text; }, undo, work.indexed) {}
+              theList, [](std::string_view text) { return text; }, theUndo, theWork.indexed) {}
 
     node* First() const { return list.first; } // "ans"
 

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+//
+// The parts of the engine by themselves: each works with what it is given, without the calculator.
+#include "Definitions.h"
+#include "Evaluator.h"
+#include "Functions.h"
+#include "MathError.h"
+#include "Operators.h"
+#include "Scanner.h"
+#include "Settings.h"
+#include "Spending.h"
+#include "Syntax.h"
+#include "Variables.h"
+#include "clean_start.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+int questions = 0;
+
+bool askOnce() {
+    questions++;
+    return true;
+}
+
+class Parts : public testing::Test {
+protected:
+    Parts() {
+        deleteAllFunctions();
+        merror = 0;
+        questions = 0;
+        variables.Reset();
+    }
+    ~Parts() override { deleteAllFunctions(); }
+    Parts(const Parts&) = delete;
+    Parts& operator=(const Parts&) = delete;
+
+    EntrySettings settings;
+    Statement statement;
+    Outcome outcome;
+    WorkCounters work;
+    Deq list;
+    Undo undo;
+    Spending::InterruptCheck interruptCheck = nullptr;
+    Variables variables{list, statement, outcome, undo, work};
+    Syntax syntax{outcome, work};
+    Scanner scanner{statement, outcome, settings, variables, work};
+    Spending spending{statement, outcome, interruptCheck, work};
+    Evaluator evaluator{statement, outcome, settings, variables, spending, work};
+    Definitions definitions{statement, outcome, settings, variables, scanner, syntax, spending, work};
+
+    // The terms as they are scanned and checked.
+    int Read(const char* text) {
+        statement.terms.Clear();
+        return scanner.Scan(text) != 0 ? STATUS_ERROR : syntax.Check(statement.terms);
+    }
+
+    std::vector<int32_t> Levels() const {
+        std::vector<int32_t> levels;
+        for (const node* term = statement.terms.first; term; term = term->next) levels.push_back(term->level);
+        return levels;
+    }
+};
+
+using Numbers = std::vector<int32_t>;
+
+TEST_F(Parts, levelsAreDepthsAndARaisedMinusStandsOneHigher) {
+    ASSERT_EQ(0, Read("(1+2)*3"));
+    EXPECT_EQ((Numbers{1, 1, 1, 1, 1, 0, 0}), Levels());
+    ASSERT_EQ(0, Read("2*-(1+2)^3")); // the '-' and its group, not what follows them
+    EXPECT_EQ((Numbers{0, 0, 1, 2, 2, 2, 2, 2, 0, 0}), Levels());
+    ASSERT_EQ(0, Read("2*-(3^-(4))-5"));
+    EXPECT_EQ((Numbers{0, 0, 1, 2, 2, 2, 3, 4, 4, 4, 2, 0, 0}), Levels());
+    ASSERT_EQ(0, Read("2--3")); // '-' binds no tighter than '-'
+    EXPECT_EQ((Numbers{0, 0, 0, 0}), Levels());
+}
+
+TEST_F(Parts, operatorsAreOrderedByLevelThenPrecedenceThenPlace) {
+    ASSERT_EQ(0, Read("1+2*3-4"));
+    EXPECT_EQ((Numbers{3, 1, 5}), orderOperators(statement.terms));
+    ASSERT_EQ(0, Read("1*(2+3)^4"));
+    EXPECT_EQ((Numbers{4, 2, 7, 1}), orderOperators(statement.terms)); // the '(' last of its level
+    ASSERT_EQ(0, Read("2^3^4"));
+    EXPECT_EQ((Numbers{1, 3}), orderOperators(statement.terms));
+    EXPECT_EQ((Numbers{}), orderOperators(Deq()));
+}
+
+TEST_F(Parts, aStatementIsScannedCheckedOrderedAndEvaluated) {
+    ASSERT_EQ(0, Read("2+3*4"));
+    std::vector<node*> order;
+    for (int32_t position : orderOperators(statement.terms)) order.push_back(statement.terms.Get(position));
+    order.push_back(nullptr);
+    statement.opOrder = order.data();
+    ASSERT_EQ(STATUS_RESULT, evaluator.ProcTermsLoop());
+    statement.opOrder = nullptr;
+    qfloat fourteen;
+    asctoq("14", fourteen);
+    EXPECT_EQ(0, qcmp(fourteen, outcome.result));
+    EXPECT_EQ(2u, work.reduced);
+}
+
+TEST_F(Parts, aDefinitionKnowsItsParametersAndTheOrderOfItsOperators) {
+    ASSERT_EQ(STATUS_MESSAGE, definitions.Define("f(x, y) = 1+y*(x-y)", false));
+    EXPECT_STREQ("f(x,y)=1+y*(x-y)\n", outcome.message);
+    const Function* function = funcs.FindByName("f", 2);
+    ASSERT_TRUE(function);
+    EXPECT_EQ((Numbers{-1, -1, 1, -1, -1, 0, -1, 1, -1}), function->parameters);
+    EXPECT_EQ((Numbers{6, 4, 3, 1}), function->order);
+}
+
+TEST_F(Parts, aTermListThatIsAddedAsAFunctionIsOrderedToo) {
+    ASSERT_EQ(0, Read("x+2*x"));
+    char parameter[] = "x";
+    const Function* function = funcs.AddFunction("g", parameter, &statement.terms);
+    ASSERT_TRUE(function);
+    EXPECT_EQ((Numbers{0, -1, -1, -1, 0}), function->parameters);
+    EXPECT_EQ((Numbers{3, 1}), function->order);
+}
+
+TEST_F(Parts, spendingGivesUpAPreviewAndAsksAnEntry) {
+    interruptCheck = askOnce;
+    statement.fullEntry = false;
+    spending.budget.Begin(10000);
+    EXPECT_EQ(0, spending.Spend(10000));
+    EXPECT_EQ(STATUS_ERROR, spending.Spend(1));
+    EXPECT_STREQ("** ERROR: too much work for a preview **\n", outcome.message);
+    EXPECT_EQ(0, questions);
+    statement.fullEntry = true;
+    spending.budget.Begin();
+    EXPECT_EQ(0, spending.Spend(WorkLimit::BETWEEN_QUESTIONS));
+    EXPECT_FALSE(outcome.interrupted);
+    EXPECT_EQ(STATUS_ERROR, spending.Spend(1));
+    EXPECT_TRUE(outcome.interrupted);
+    EXPECT_EQ(1, questions);
+    EXPECT_STREQ("** ERROR: interrupted **\n", outcome.message);
+}
+
+TEST_F(Parts, operatorsNoteAnOverflowOfTheirOperandsOnly) {
+    qfloat overflow = {};
+    qfloat value = {};
+    qinfin(overflow);
+    ASSERT_EQ(0, applyOperator(OP_LESS, qone, qone, value, outcome));
+    EXPECT_EQ(0, merror);
+    ASSERT_EQ(0, applyOperator(OP_LESS, qone, overflow, value, outcome));
+    EXPECT_EQ(MATH_OVERFLOW, merror);
+    merror = 0;
+    overflow[0] = 0xFFFFFFFF; // negative
+    ASSERT_EQ(0, applyOperator(OP_LESS, overflow, qone, value, outcome));
+    EXPECT_EQ(MATH_OVERFLOW, merror);
+    merror = 0;
+}
+
+TEST_F(Parts, expensiveOperatorsSayWhatTheyTake) {
+    qfloat large = {};
+    asctoq("1e100", large);
+    EXPECT_EQ(0u, extraWork(OP_ADD, large, qone));
+    EXPECT_EQ(Cost::EXPENSIVE, extraWork(OP_POWER, qone, qone));
+    EXPECT_EQ(Cost::EXPENSIVE, extraWork(OP_FACTORIAL, qone, qone));
+    EXPECT_EQ(0u, extraWork(OP_REMAINDER, qone, large));
+    EXPECT_EQ((large[1] - qone[1]) / Cost::REMAINDER_BITS, extraWork(OP_REMAINDER, large, qone));
+}
+
+} // namespace
