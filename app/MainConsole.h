@@ -21,6 +21,7 @@
 #import <AppKit/AppKit.h>
 
 #include "Calculator.h"
+#include "Keeper.h"
 #include "Keys.h"
 
 #include <cstddef>
@@ -53,6 +54,7 @@ extern NSString* prefFilePath;
 
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
+    Keeper keeper; // of the settings file and the functions file
     NSMutableArray*
         entries; // those that ran since the console was cleared, each a line: what a script is saved from
     PelmoAppDelegate* myAppDelegate; // not retained

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "MainConsole.h"
 
+#include "Folder.h"
 #import "MainWindowDelegate.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
@@ -138,6 +139,7 @@ static bool isInterrupted() {
     prefFilePath = [[folder stringByAppendingPathComponent:@"pelmo_settings.plist"] copy];
     [settings release];
     settings = nil;
+    keeper.Open(ownFolder());
 }
 
 - (void)testUnits {
@@ -321,6 +323,7 @@ static bool writesDecimalComma() {
     [funcFilePath release];
     [prefFilePath release];
     funcFilePath = prefFilePath = nil;
+    keeper.Close();
     [settings release];
     settings = nil;
 }

@@ -18,8 +18,8 @@ void BackgroundWriter::Write(std::vector<FileToWrite> files) {
 void BackgroundWriter::WriteFiles(const std::vector<FileToWrite>& files) {
     for (const FileToWrite& file : files) {
         std::error_code reason;
-        const bool isWritten = file.merge ? file.merge->Write(file.path, file.text, reason)
-                                          : writeFileAtomically(file.path, file.text, &reason);
+        const bool isWritten = file.merge ? file.merge->Write(file.path, file.text, reason, system)
+                                          : writeFileAtomically(file.path, file.text, &reason, system);
         if (isWritten)
             failures.erase(file.path);
         else
@@ -32,17 +32,27 @@ void BackgroundWriter::Finish() {
 }
 
 void BackgroundWriter::SetFailed(const std::string& path, std::error_code reason) {
-    FailedWrite& failure = failures[path];
-    if (failure.reason == reason) return;
+    Failure& failure = failures[path];
+    failure.isTold = failure.isTold && failure.reason == reason;
     failure.reason = reason;
-    failure.isTold = false;
 }
 
-const std::pair<const std::string, FailedWrite>* BackgroundWriter::TakeNews() {
-    const std::pair<const std::string, FailedWrite>* news = nullptr;
-    for (auto& failure : failures) {
-        if (!failure.second.isTold && !news) news = &failure;
-        failure.second.isTold = true;
+std::string BackgroundWriter::TakeNews() {
+    std::map<std::string, std::string> names; // by reasons
+    for (auto& [path, failure] : failures) {
+        if (std::exchange(failure.isTold, true)) continue;
+        std::string& text = names[failure.reason.message()];
+        text += (text.empty() ? "" : ", ") + path.substr(path.rfind('/') + 1);
     }
+    std::string news;
+    for (const auto& [reason, text] : names)
+        news += (news.empty() ? "Not saved: " : ", ") + text + " (" + reason + ")";
     return news;
+}
+
+std::string BackgroundWriter::TakeFailures() {
+    for (auto& [path, failure] : failures) failure.isTold = false;
+    std::string all = TakeNews();
+    failures.clear();
+    return all;
 }

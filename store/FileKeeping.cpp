@@ -279,7 +279,7 @@ FileLock::~FileLock() {
 std::string keepUnreadable(const std::string& path, std::error_code* reason, System& system) {
     struct stat info;
     // A link that leads nowhere holds nothing.
-    if (system.Status(path.c_str(), info) != 0 && errno == ENOENT) return "";
+    if (system.Status(path.c_str(), info) != 0 && (errno == ENOENT || errno == ENOTDIR)) return "";
     std::string text;
     return readWholeFile(path, text, system) ? keepCopy(system, path, text, reason)
                                              : moveAside(system, path, reason);

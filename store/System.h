@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The system's calls for files. Whatever is kept goes through one object of this class, so that a test can put another
+// The system's calls for files and the clock. Whatever is kept goes through one object of this class, so that a test can put another
 // one in its place and let each of the calls fail.
 #pragma once
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
@@ -79,6 +80,10 @@ public:
     } // NOLINT(concurrency-mt-unsafe)
     virtual int CloseFolder(DIR* folder) {
         return closedir(folder);
+    }
+    using Time = std::chrono::steady_clock::time_point;
+    virtual Time Now() {
+        return std::chrono::steady_clock::now();
     }
     virtual void Pause(useconds_t microseconds) {
         usleep(microseconds);

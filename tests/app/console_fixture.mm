@@ -102,6 +102,7 @@ void ConsoleTest::start() {
 }
 
 void ConsoleTest::restart() {
+    [console finishWriting];
     [NSObject cancelPreviousPerformRequestsWithTarget:console];
     [window close];
     [window release];

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+#include "Keeper.h"
+
+#include "DefinitionsFile.h"
+#include "FileKeeping.h"
+#include "Folder.h"
+
+#include <utility>
+
+void Keeper::Open(const std::string& path) {
+    Close();
+    folder = path;
+    settingsFile.path = folder + "/pelmo_settings.plist";
+    definitionsFile.path = folder + "/pelmo_functions.txt";
+    makeFolder(folder, system);
+    removeLeftovers(settingsFile.path, system);
+    removeLeftovers(definitionsFile.path, system);
+}
+
+void Keeper::Close() {
+    writer.Finish();
+    Forget();
+    settingsFile = definitionsFile = {};
+    merge = {};
+}
+
+// What was due is written, or will not be.
+void Keeper::Forget() {
+    isChanged = isRunning = false;
+    textBefore.clear();
+    textTime = {};
+    textCost = {};
+}
+
+// --- Reading ---
+
+std::string Keeper::Settings() {
+    writer.Finish();
+    std::string text;
+    readWholeFile(settingsFile.path, text, system);
+    return text;
+}
+
+void Keeper::KeepSettingsBeside() {
+    KeepBeside(settingsFile);
+}
+
+std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
+    if (definitionsFile.path.empty()) return "";
+    writer.Finish();
+    const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
+    if (!read.opened || read.damaged) KeepBeside(definitionsFile);
+    // A line that was refused is no other program's: it is in the copy that was kept.
+    merge = {};
+    merge.Know(read.text, read.twins);
+    if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
+    if (read.damaged)
+        return "Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
+    return "";
+}
+
+// No reason is given when there is nothing to keep, or when there are ten copies already.
+void Keeper::KeepBeside(File& file) {
+    if (file.path.empty()) return;
+    std::error_code reason;
+    keepUnreadable(file.path, &reason, system);
+    file.isOnlyCopy = static_cast<bool>(reason);
+    if (file.isOnlyCopy) writer.SetFailed(file.path, reason);
+}
+
+// --- Writing ---
+
+// What a damaged file held is not overwritten before there is a copy of it.
+bool Keeper::MayWrite(File& file) {
+    if (file.isOnlyCopy) KeepBeside(file);
+    return !file.path.empty() && !file.isOnlyCopy;
+}
+
+void Keeper::SaveSettings(const std::string& text) {
+    writer.Finish();
+    makeFolder(folder, system);
+    if (!text.empty() && MayWrite(settingsFile)) writer.Write({{settingsFile.path, text}});
+    writer.Finish();
+}
+
+void Keeper::SaveDefinitions(const ZqCalculator& calc) {
+    Forget();
+    SaveBoth(calc, "");
+    writer.Finish();
+}
+
+void Keeper::SaveBoth(const ZqCalculator& calc, const std::string& settings) {
+    writer.Finish();
+    if (folder.empty()) return;
+    makeFolder(folder, system); // it may have been taken away
+    std::vector<FileToWrite> files;
+    if (!settings.empty() && MayWrite(settingsFile)) files.push_back({settingsFile.path, settings});
+    std::string text = isRunning ? std::exchange(textBefore, "") : definitionsText(calc);
+    if (!text.empty() && MayWrite(definitionsFile))
+        files.push_back({definitionsFile.path, std::move(text), &merge});
+    writer.Write(std::move(files));
+    if (!isRunning) Forget();
+}
+
+void Keeper::EntryWillRun(const ZqCalculator& calc, bool isReplaying) {
+    isRunning = true;
+    if (!isChanged || definitionsFile.path.empty()) return;
+    const System::Time now = system.Now();
+    if (isReplaying && now - textTime < 20 * textCost) return;
+    textBefore = definitionsText(calc);
+    textTime = system.Now();
+    textCost = textTime - now;
+}
+
+bool Keeper::NoteChange() {
+    if (isChanged) return false;
+    changeTime = system.Now();
+    return isChanged = true;
+}
+
+// A timer may fire a little early.
+bool Keeper::IsDue() const {
+    const std::chrono::duration<double> age = system.Now() - changeTime;
+    return isChanged && age.count() >= 0.9 * DELAY && !(isRunning && textBefore.empty());
+}
+
+// --- What could not be written ---
+
+std::string Keeper::TakeNews() {
+    writer.Finish();
+    return writer.TakeNews();
+}
+
+std::string Keeper::TakeFailures() {
+    writer.Finish();
+    return writer.TakeFailures();
+}

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+//
+// What a front end keeps from one run to the next: the settings and the definitions, in two files of one folder. It
+// knows what is due to be written, writes it while the person goes on, and what could not be written, and why.
+#pragma once
+
+#include "BackgroundWriter.h"
+#include "DefinitionsMerge.h"
+#include "System.h"
+
+#include <string>
+
+class ZqCalculator;
+
+// One thread calls it, the one of the calculator. Nothing is written before Open and after Close.
+class Keeper {
+public:
+    explicit Keeper(System& calls = System::Real()) : system(calls), writer(calls) {}
+
+    // The files are in this folder now, which is made when it is missing, then and before each write. What killed
+    // programs left of the files is removed.
+    void Open(const std::string& path);
+
+    // Returns when all is written. There are no files any more.
+    void Close();
+
+    // --- Reading ---
+
+    // The bytes of the settings file, or nothing when it cannot be read.
+    std::string Settings();
+
+    // It could be read but not understood, or not be read: it is kept beside (FileKeeping.h). Where that fails, it is
+    // tried again before the file is written, which waits for it. Nothing happens when there is none.
+    void KeepSettingsBeside();
+
+    // Reads the definitions file into a calculator (DefinitionsFile.h). A damaged one is kept beside in the same way.
+    // Returns what is to be said to the person, or nothing.
+    std::string ReadDefinitions(ZqCalculator& calc);
+
+    // --- Writing ---
+
+    // At once: return when it is written, or has failed. An empty text of settings is not written.
+    void SaveSettings(const std::string& text);
+    void SaveDefinitions(const ZqCalculator& calc);
+
+    // Starts to write both. While an entry runs the definitions are those before it, if they are known.
+    void SaveBoth(const ZqCalculator& calc, const std::string& settings);
+
+    // Before and after an entry, which may change what is kept. `isReplaying`: one of many, so that no more than a
+    // twentieth of the time goes into keeping what there was before it.
+    void EntryWillRun(const ZqCalculator& calc, bool isReplaying);
+    void EntryDidRun() { isRunning = false; }
+    bool IsEntryRunning() const { return isRunning; }
+
+    // Something has changed. True when all was written before: SaveBoth is due in DELAY seconds.
+    bool NoteChange();
+    static constexpr double DELAY = 1;
+
+    // Whether it is due now. Of a running entry it is so once.
+    bool IsDue() const;
+
+    // --- What could not be written ---
+
+    bool IsBusy() const { return writer.IsBusy(); } // something is still being written
+    void Finish() { writer.Finish(); }              // returns when nothing is
+
+    // See BackgroundWriter. They wait for what is being written.
+    std::string TakeNews();
+    std::string TakeFailures();
+
+private:
+    struct File {
+        std::string path;        // empty: there is none
+        bool isOnlyCopy = false; // it is damaged and could not be kept beside
+    };
+
+    void KeepBeside(File& file);
+    bool MayWrite(File& file);
+    void Forget();
+
+    System& system;
+    std::string folder;
+    File settingsFile;
+    File definitionsFile;
+    DefinitionsMerge merge; // another copy of the program may have written the file meanwhile
+
+    // What entries have changed since the files were written.
+    bool isChanged = false;
+    bool isRunning = false;
+    System::Time changeTime;
+    std::string textBefore; // of the definitions before the running entry
+    System::Time textTime;
+    System::Time::duration textCost{};
+
+    BackgroundWriter writer; // the last member: it may use the others until it ends
+};

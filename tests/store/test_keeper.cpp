@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: MIT
+//
+// What is kept, when it is written, and what could not be written.
+#include "Keeper.h"
+
+#include "definitions_file_fixture.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+
+namespace {
+
+// A clock that is set by hand, and calls that fail when they are told to.
+class TestSystem : public System {
+public:
+    Time Now() override { return now; }
+    int MakeTemporary(char* name) override { return Fails(writingError) ? -1 : System::MakeTemporary(name); }
+    int Rename(const char* from, const char* to) override {
+        return Fails(renamingError) ? -1 : System::Rename(from, to);
+    }
+    void Wait(double seconds) {
+        now += std::chrono::duration_cast<Time::duration>(std::chrono::duration<double>(seconds));
+    }
+
+    int writingError = 0;
+    int renamingError = 0;
+
+private:
+    static bool Fails(int error) {
+        if (error != 0) errno = error;
+        return error != 0;
+    }
+
+    Time now{};
+};
+
+class Kept : public DefinitionsFile {
+protected:
+    Kept() { keeper.Open(folder.File("Tallyquill")); }
+
+    std::string File(const char* name) const { return folder.File("Tallyquill/" + std::string(name)); }
+    std::string SettingsFile() const { return contentOf(File("pelmo_settings.plist")); }
+    std::string Definitions() const { return contentOf(File("pelmo_functions.txt")); }
+    bool Holds(const char* line) const { return Definitions().find(line) != std::string::npos; }
+    static std::string Reason(int error) { return std::string(" (") + strerror(error) + ")"; }
+
+    // An entry, as a front end carries it out.
+    void EnterAndNote(const char* line) {
+        keeper.EntryWillRun(*calc, false);
+        Enter(line);
+        keeper.EntryDidRun();
+        keeper.NoteChange();
+    }
+
+    void SaveBoth() {
+        keeper.SaveBoth(*calc, "settings");
+        keeper.Finish();
+    }
+
+    TestSystem system;
+    Keeper keeper{system};
+};
+
+TEST_F(Kept, isInTwoFilesOfAFolderThatIsMade) {
+    Enter("a=1");
+    keeper.SaveSettings("settings");
+    keeper.SaveDefinitions(*calc);
+    EXPECT_EQ("settings", SettingsFile());
+    EXPECT_EQ("settings", keeper.Settings());
+    EXPECT_EQ(Text(), Definitions());
+    EXPECT_EQ("", keeper.TakeNews());
+}
+
+TEST_F(Kept, isThereAgainInTheNextRun) {
+    Enter("a=1");
+    SaveBoth();
+    StartAgain();
+    EXPECT_EQ("", keeper.ReadDefinitions(*calc));
+    EXPECT_EQ("ans = 1\n", Answer("a"));
+}
+
+TEST_F(Kept, isNotWrittenBeforeTheFolderIsKnownAndAfterTheEnd) {
+    Keeper unopened(system);
+    for (Keeper* const closed : {&unopened, &keeper}) {
+        closed->Close();
+        closed->SaveSettings("settings");
+        closed->SaveDefinitions(*calc);
+        closed->SaveBoth(*calc, "settings");
+        closed->KeepSettingsBeside();
+        EXPECT_EQ("", closed->ReadDefinitions(*calc));
+        EXPECT_EQ("", closed->Settings());
+        EXPECT_EQ("", closed->TakeFailures());
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.File("Tallyquill")));
+}
+
+TEST_F(Kept, isDueASecondAfterTheFirstChange) {
+    EXPECT_FALSE(keeper.IsDue());
+    EXPECT_TRUE(keeper.NoteChange());
+    EXPECT_FALSE(keeper.IsDue());
+    system.Wait(0.5);
+    EXPECT_FALSE(keeper.NoteChange()); // a timer runs already
+    system.Wait(0.5);
+    EXPECT_TRUE(keeper.IsDue());
+    SaveBoth();
+    EXPECT_FALSE(keeper.IsDue());
+    EXPECT_TRUE(keeper.NoteChange());
+}
+
+TEST_F(Kept, ofARunningEntryIsWhatWasThereBeforeItOnce) {
+    EnterAndNote("a=1");
+    system.Wait(1);
+    keeper.EntryWillRun(*calc, false);
+    Enter("b=2");
+    EXPECT_TRUE(keeper.IsDue());
+    SaveBoth();
+    EXPECT_TRUE(Holds("\na=1\n"));
+    EXPECT_FALSE(Holds("\nb=2\n"));
+    EXPECT_FALSE(keeper.IsDue());
+    keeper.EntryDidRun();
+    EXPECT_TRUE(keeper.IsDue());
+    SaveBoth();
+    EXPECT_TRUE(Holds("\nb=2\n"));
+    EXPECT_FALSE(keeper.IsDue());
+}
+
+TEST_F(Kept, ofARunningEntryIsNothingWhenAllWasWrittenBeforeIt) {
+    Enter("a=1");
+    keeper.SaveDefinitions(*calc);
+    keeper.EntryWillRun(*calc, false);
+    Enter("b=2");
+    system.Wait(10);
+    EXPECT_FALSE(keeper.IsDue());
+    SaveBoth();
+    EXPECT_FALSE(Holds("\nb=2\n"));
+    EXPECT_EQ("settings", SettingsFile());
+}
+
+TEST_F(Kept, takesItsFolderBeingTakenAway) {
+    std::filesystem::remove_all(folder.File("Tallyquill"));
+    SaveBoth();
+    EXPECT_EQ("settings", SettingsFile());
+    EXPECT_EQ("", keeper.TakeNews());
+}
+
+TEST_F(Kept, removesWhatKilledProgramsLeft) {
+    putContent(File("pelmo_functions.txt.tallyquill-aB3dEf"), "half");
+    putContent(File("pelmo_settings.plist.tallyquill-aB3dEf"), "half");
+    keeper.Open(folder.File("Tallyquill"));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.File("Tallyquill")));
+}
+
+// --- What could not be written ---
+
+TEST_F(Kept, namesBothFilesThatCannotBeWrittenOnce) {
+    system.writingError = ENOSPC;
+    SaveBoth();
+    EXPECT_EQ("Not saved: pelmo_functions.txt, pelmo_settings.plist" + Reason(ENOSPC), keeper.TakeNews());
+    SaveBoth();
+    EXPECT_EQ("", keeper.TakeNews());
+    system.writingError = EROFS; // another reason
+    keeper.SaveDefinitions(*calc);
+    EXPECT_EQ("Not saved: pelmo_functions.txt" + Reason(EROFS), keeper.TakeNews());
+    const std::string functions = "pelmo_functions.txt" + Reason(EROFS);
+    const std::string settings = "pelmo_settings.plist" + Reason(ENOSPC);
+    const std::string all = keeper.TakeFailures();
+    EXPECT_TRUE(all == "Not saved: " + functions + ", " + settings ||
+                all == "Not saved: " + settings + ", " + functions)
+        << all;
+    EXPECT_EQ("", keeper.TakeFailures());
+}
+
+TEST_F(Kept, isWrittenWithTheNextChangeWhenItCouldNotBeWritten) {
+    system.writingError = ENOSPC;
+    EnterAndNote("a=1");
+    SaveBoth();
+    system.writingError = 0;
+    EnterAndNote("b=2");
+    SaveBoth();
+    EXPECT_TRUE(Holds("\na=1\n") && Holds("\nb=2\n"));
+    EXPECT_EQ("", keeper.TakeNews());
+}
+
+// --- What is damaged ---
+
+TEST_F(Kept, isSaidToBeDamagedAndIsKeptBeside) {
+    const std::string damaged = "### FUNCTIONS ###\nf(x)=(((\na=1\n### HISTORY ###\n";
+    putContent(File("pelmo_functions.txt"), damaged);
+    EXPECT_EQ("Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable",
+              keeper.ReadDefinitions(*calc));
+    EXPECT_EQ(damaged, contentOf(File("pelmo_functions.txt.unreadable")));
+    putContent(File("pelmo_settings.plist"), "damaged");
+    keeper.KeepSettingsBeside();
+    SaveBoth();
+    EXPECT_EQ("damaged", contentOf(File("pelmo_settings.plist.unreadable")));
+    EXPECT_EQ("settings", SettingsFile());
+    EXPECT_TRUE(Holds("\na=1\n"));
+}
+
+TEST_F(Kept, isNotOverwrittenBeforeThereIsACopyOfWhatIsDamaged) {
+    putContent(File("pelmo_functions.txt"), "damaged definitions");
+    putContent(File("pelmo_settings.plist"), "damaged settings");
+    system.renamingError = EACCES; // no copy gets its name
+    keeper.ReadDefinitions(*calc);
+    keeper.KeepSettingsBeside();
+    system.renamingError = 0;
+    system.writingError = ENOSPC;
+    SaveBoth();
+    EXPECT_EQ("damaged definitions", Definitions());
+    EXPECT_EQ("damaged settings", SettingsFile());
+    EXPECT_EQ("Not saved: pelmo_functions.txt, pelmo_settings.plist" + Reason(ENOSPC), keeper.TakeNews());
+    system.writingError = 0;
+    SaveBoth();
+    EXPECT_EQ("damaged definitions", contentOf(File("pelmo_functions.txt.unreadable")));
+    EXPECT_EQ("damaged settings", contentOf(File("pelmo_settings.plist.unreadable")));
+    EXPECT_EQ(Text(), Definitions());
+    EXPECT_EQ("settings", SettingsFile());
+    EXPECT_EQ("", keeper.TakeNews());
+}
+
+// Ten copies are enough: a program that never saved again would lose more.
+TEST_F(Kept, isOverwrittenWhenThereAreTenCopiesAlready) {
+    putContent(File("pelmo_settings.plist"), "damaged");
+    putContent(File("pelmo_settings.plist.unreadable"), "0");
+    for (char i = '1'; i <= '9'; i++)
+        putContent(File("pelmo_settings.plist.unreadable.") + i, std::string(1, i));
+    keeper.KeepSettingsBeside();
+    keeper.SaveSettings("settings");
+    EXPECT_EQ("settings", SettingsFile());
+}
+
+TEST_F(Kept, isNotOverwrittenWhenOnlyTheLastOfTheCopiesIsThere) {
+    putContent(File("pelmo_settings.plist"), "damaged");
+    putContent(File("pelmo_settings.plist.unreadable.9"), "older");
+    system.writingError = ENOSPC;
+    keeper.KeepSettingsBeside();
+    system.writingError = 0;
+    keeper.SaveSettings("settings");
+    EXPECT_EQ("damaged", contentOf(File("pelmo_settings.plist.unreadable")));
+    EXPECT_EQ("settings", SettingsFile());
+}
+
+} // namespace
