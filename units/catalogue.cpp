@@ -2,7 +2,6 @@
 //
 // The catalogue.  Its factors are the texts shown here, with their own precision: people compare results, so
 // none is to be replaced by a better value.
-#include "catalogue.h"
 #include "unitlist.h"
 
 #include <cstdlib>
@@ -24,7 +23,8 @@ const TextPair prefixList[] = {
 };
 
 // Mass is primitive in grams; the kilogram is the gram with a prefix.
-const char* const baseUnits[] = {"meter", "gram", "second", "ampere", "kelvin", "mole", "candela", nullptr};
+const TextPair baseUnits[] = {{"meter", ""},  {"gram", ""}, {"second", ""},  {"ampere", ""},
+                              {"kelvin", ""}, {"mole", ""}, {"candela", ""}, {nullptr, nullptr}};
 
 const TextPair derivedUnits[] = {
     {"radian", "meter/meter"},
@@ -137,48 +137,33 @@ const TextPair nonSIabbreviations[] = {
     {nullptr, nullptr},
 };
 
-int fail(const char* format, const TextPair& entry) {
-    throw_exception2(format, entry.name, entry.text);
-    return 1;
-}
-
-// Whether the step was taken; without memory it was not.
-template <class Step> bool isDone(Step step) {
-    try {
-        return step();
-    } catch (const std::bad_alloc&) {
+// Takes the step for each entry; at the first that fails, also where memory ends, the message is set.
+template <class Step> bool addAll(const TextPair* entries, const char* failure, Step step) {
+    for (const TextPair* e = entries; e->name != nullptr; ++e) {
+        bool isAdded = false;
+        try {
+            isAdded = step(*e);
+        } catch (const std::bad_alloc&) {
+        }
+        if (isAdded) continue;
+        throw_exception2(failure, e->name, e->text);
         return false;
     }
+    return true;
+}
+
+bool addPrefix(const TextPair& entry) {
+    unitTable.AddPrefix(entry.name, std::atof(entry.text));
+    return true;
+}
+
+bool addBaseUnit(const TextPair& entry) {
+    return unitTable.AddPrimitive(entry.name);
 }
 
 bool addUnit(const TextPair& entry) {
     std::optional<ReducedUnit> reduced = reduceUnit(entry.text);
-    return reduced && unitTable.Add(entry.name, std::move(*reduced), UnitOrigin::Catalogue);
-}
-
-int buildUnits(const TextPair* entries, const char* failure) {
-    for (const TextPair* e = entries; e->name != nullptr; ++e) {
-        if (!isDone([e] { return addUnit(*e); })) return fail(failure, *e);
-    }
-    return 0;
-}
-
-int buildPrimitiveUnits(const char* const* names) {
-    for (; *names != nullptr; ++names) {
-        if (!isDone([names] { return unitTable.AddPrimitive(*names, UnitOrigin::Catalogue); })) {
-            throw_exception1("units failure initializing primitive unit '%s'", *names);
-            return 1;
-        }
-    }
-    return 0;
-}
-
-int buildPrefixes(const TextPair* entries) {
-    for (const TextPair* e = entries; e->name != nullptr; ++e) {
-        const auto add = [e] { return unitTable.AddPrefix(e->name, std::atof(e->text)), true; };
-        if (!isDone(add)) return fail("units failure initializing prefix '%s' (%s)", *e);
-    }
-    return 0;
+    return reduced && unitTable.Add(entry.name, std::move(*reduced));
 }
 
 } // namespace
@@ -187,14 +172,21 @@ const CatalogueTables catalogueTables = {prefixList, baseUnits,     derivedUnits
                                          nonSIUnits, abbreviations, nonSIabbreviations};
 
 int buildCatalogue(const CatalogueTables& tables) {
-    if (buildPrefixes(tables.prefixList) != 0) return 1;
-    if (buildPrimitiveUnits(tables.baseUnits) != 0) return 1;
-    if (buildUnits(tables.derivedUnits, "units failure initializing derived unit '%s' (%s)") != 0) return 1;
-    if (buildUnits(tables.nonSIUnits, "units failure initializing non-SI unit '%s' (%s)") != 0) return 1;
-    if (buildUnits(tables.abbreviations, "units failure initializing abbreviation '%s' (%s)") != 0) return 1;
-    return buildUnits(tables.nonSIabbreviations, "units failure initializing non-SI abbreviation '%s' (%s)");
+    const bool isBuilt =
+        addAll(tables.prefixList, "units failure initializing prefix '%s' (%s)", addPrefix) &&
+        addAll(tables.baseUnits, "units failure initializing primitive unit '%s'", addBaseUnit) &&
+        addAll(tables.derivedUnits, "units failure initializing derived unit '%s' (%s)", addUnit) &&
+        addAll(tables.nonSIUnits, "units failure initializing non-SI unit '%s' (%s)", addUnit) &&
+        addAll(tables.abbreviations, "units failure initializing abbreviation '%s' (%s)", addUnit) &&
+        addAll(tables.nonSIabbreviations, "units failure initializing non-SI abbreviation '%s' (%s)",
+               addUnit);
+    return isBuilt ? 0 : 1;
 }
 
 int unitInitialize() {
-    return !unitTable.IsEmpty() ? 0 : buildCatalogue(catalogueTables);
+    if (!unitTable.IsEmpty()) return 0;
+    UnitsUndo record = std::exchange(unitTable.record, {}); // these are no changes of a person
+    const int status = buildCatalogue(catalogueTables);
+    unitTable.record = std::move(record);
+    return status;
 }

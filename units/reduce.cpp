@@ -96,22 +96,14 @@ bool addNames(Reduction& reduction, const std::vector<UnitPower>& names, int exp
     return true;
 }
 
-// Whether the token is a number as a whole, the only one the divisor takes.
-bool applyNumber(Reduction& reduction, const std::string& token, bool& isWhole) {
-    char* end = nullptr;
-    const double number = std::strtod(token.c_str(), &end);
-    if (number == 0.0) return fail("illegal zero factor in '%s'", reduction.remainder);
-    isWhole = reduction.isDivisor && *end == '\0';
-    if (isWhole) applyFactor(reduction, number, 1);
-    return true;
-}
-
 bool applyToken(Reduction& reduction, const std::string& token) {
     if (!spend(reduction, UnitsCost::LOOK_UP + token.size() / UnitsCost::TEXT_BYTES)) return false;
     if (beginsWithNumber(token.c_str())) {
-        bool isWhole = false;
-        if (!applyNumber(reduction, token, isWhole)) return false;
-        if (isWhole) return true; // another number is refused below for its digits
+        char* end = nullptr;
+        const double number = std::strtod(token.c_str(), &end);
+        if (number == 0.0) return fail("illegal zero factor in '%s'", reduction.remainder);
+        // The divisor takes a number, as a whole; any other is refused below for its digits.
+        if (reduction.isDivisor && *end == '\0') return applyFactor(reduction, number, 1), true;
     }
     int exponent = 1;
     const size_t caret = token.find('^');

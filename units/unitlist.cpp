@@ -22,24 +22,23 @@ void UnitTable::AddPrefix(std::string_view name, double factor) {
     prefixes.push_back({std::string(name), factor});
 }
 
-bool UnitTable::Add(std::string_view name, ReducedUnit reduced, UnitOrigin origin) {
+bool UnitTable::Add(std::string_view name, ReducedUnit reduced) {
     const size_t powers = reduced.powers.size();
     if (powersHeld + powers > maxPowers) return false;
     if (units.empty()) units.reserve(firstCapacity);
     auto unit = std::make_unique<Unit>(Unit{std::string(name), std::move(reduced), defined});
     const Unit& added = *unit;
     // First what needs memory: without the unit there is nothing to take back.
-    if (record && origin == UnitOrigin::User)
-        record([this, holder = MakeHolder(), own = added.name] { *holder = units.extract(own); });
+    if (record) record([this, holder = MakeHolder(), own = added.name] { *holder = units.extract(own); });
     units.emplace(added.name, std::move(unit));
     ++defined;
     powersHeld += powers;
     return true;
 }
 
-bool UnitTable::AddPrimitive(std::string_view name, UnitOrigin origin) {
+bool UnitTable::AddPrimitive(std::string_view name) {
     const std::string* const own = &*primitiveNames.emplace(name).first;
-    return Add(name, {1.0, {{own, 1}}}, origin);
+    return Add(name, {1.0, {{own, 1}}});
 }
 
 // For a unit that is taken out.  The last who has it frees the unit.
@@ -67,32 +66,17 @@ const Unit* UnitTable::Find(std::string_view name) const {
     return found != units.end() ? found->second.get() : nullptr;
 }
 
-UnitMatch UnitTable::FindPrefixed(std::string_view name) const {
-    UnitMatch best = {nullptr, nullptr};
-    for (const UnitPrefix& prefix : prefixes) {
-        const size_t length = prefix.name.size();
-        ++compared;
-        if (name.size() <= length || name.compare(0, length, prefix.name) != 0) continue;
-        const Unit* const unit = Find(name.substr(length));
-        const bool isEarlier =
-            unit != nullptr && (best.found == nullptr || unit->position < best.found->position);
-        if (isEarlier) best = {unit, &prefix};
-    }
-    return best;
-}
-
-UnitMatch UnitTable::FindSingular(std::string_view name) const {
-    const Unit* const unit = Find(name);
-    return unit != nullptr ? UnitMatch{unit, nullptr} : FindPrefixed(name);
-}
-
 UnitMatch UnitTable::FindFactor(std::string_view name) const {
-    UnitMatch match = FindSingular(name);
-    for (const std::string_view ending : {"s", "es"}) {
-        const size_t length = ending.size();
-        if (match.found != nullptr || name.size() <= length) break;
-        if (name.substr(name.size() - length) == ending)
-            match = FindSingular(name.substr(0, name.size() - length));
-    }
-    return match;
+    UnitMatch best = {nullptr, nullptr};
+    std::string_view endingOfBest;
+    ForEachReading(name, [&](std::string_view reading, const UnitPrefix* prefix, std::string_view ending) {
+        if (best.found != nullptr && ending != endingOfBest) return true;
+        const Unit* const unit = Find(reading);
+        if (unit != nullptr && (best.found == nullptr || unit->position < best.found->position)) {
+            best = {unit, prefix};
+            endingOfBest = ending;
+        }
+        return best.found != nullptr && best.prefix == nullptr;
+    });
+    return best;
 }

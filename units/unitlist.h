@@ -6,6 +6,7 @@
 
 #include "units.h"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,8 +47,6 @@ struct UnitMatch {
     const UnitPrefix* prefix;
 };
 
-enum class UnitOrigin { Catalogue, User }; // the catalogue's units are not taken back with a person's changes
-
 // All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed nothing.
 class UnitTable {
 public:
@@ -57,8 +56,8 @@ public:
     const std::vector<UnitPrefix>& Prefixes() const { return prefixes; }
 
     // Adds a unit under a name that none has.  False: all units together would have too many names.
-    bool Add(std::string_view name, ReducedUnit reduced, UnitOrigin origin);
-    bool AddPrimitive(std::string_view name, UnitOrigin origin);
+    bool Add(std::string_view name, ReducedUnit reduced);
+    bool AddPrimitive(std::string_view name);
 
     // False when there is none of exactly this name.
     bool Remove(std::string_view name);
@@ -69,6 +68,23 @@ public:
     // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.  Of several readings
     // with a prefix the unit that was defined first wins.
     UnitMatch FindFactor(std::string_view name) const;
+
+    // Calls visit(reading, prefix, ending) with each name that a factor's name may stand for, until it returns true:
+    // the name itself with a null prefix, what it has behind a prefix, then the same without a final s, and es.
+    template <class Visit> void ForEachReading(std::string_view name, Visit visit) const {
+        for (const std::string_view ending : {"", "s", "es"}) {
+            const size_t length = name.size() - std::min(name.size(), ending.size());
+            if (length == 0 || name.substr(length) != ending) continue;
+            const std::string_view singular = name.substr(0, length);
+            if (visit(singular, nullptr, ending)) return;
+            for (const UnitPrefix& prefix : prefixes) {
+                ++compared;
+                const size_t behind = prefix.name.size();
+                if (length <= behind || singular.compare(0, behind, prefix.name) != 0) continue;
+                if (visit(singular.substr(behind), &prefix, ending)) return;
+            }
+        }
+    }
 
     // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of look-ups.
     mutable uint64_t compared = 0;
@@ -81,8 +97,6 @@ private:
     // By a view of the unit's own name.
     using Index = std::unordered_map<std::string_view, std::unique_ptr<Unit>>;
 
-    UnitMatch FindPrefixed(std::string_view name) const;
-    UnitMatch FindSingular(std::string_view name) const;
     std::shared_ptr<Index::node_type> MakeHolder();
 
     Index units;
@@ -101,5 +115,28 @@ bool isLettersOnly(std::string_view name); // false for an empty name
 // Reduces a unit expression with the units that exist at the moment; none, and the error state set, on failure.
 // Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
+
+// --- The catalogue ---
+
+// A name and its factor, definition or full name.  A table ends with a pair of nulls.
+struct TextPair {
+    const char* name;
+    const char* text;
+};
+
+struct CatalogueTables {
+    const TextPair* prefixList;
+    const TextPair* baseUnits; // without texts
+    const TextPair* derivedUnits;
+    const TextPair* nonSIUnits;
+    const TextPair* abbreviations;
+    const TextPair* nonSIabbreviations;
+};
+
+extern const CatalogueTables catalogueTables;
+
+// Appends the tables' entries to the lists in the order of the members above; a definition may only use names
+// that come earlier.  0 on success; at the first entry that fails it stops with 1 and the message set.
+int buildCatalogue(const CatalogueTables& tables);
 
 #endif

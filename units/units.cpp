@@ -23,6 +23,16 @@ bool isReady() {
     return !unitTable.IsEmpty() || unitInitialize() == 0;
 }
 
+// What an operation returns; where memory ends that is its failure, with a message about the text.
+template <class Operation> auto withMemory(const char* text, Operation operation) -> decltype(operation()) {
+    try {
+        return operation();
+    } catch (const std::bad_alloc&) {
+        throw_exception1("not enough memory for unit string '%s'", text);
+        return {};
+    }
+}
+
 double convert(const char* from, const char* to, const UnitsCharge& charge) {
     bool isGivenUp = false;
     const UnitsCharge counted = [&](uint64_t work) {
@@ -43,129 +53,87 @@ double convert(const char* from, const char* to, const UnitsCharge& charge) {
     return source->factor / target->factor;
 }
 
-// Appends the names of one side, each after a blank.
-void appendNames(std::string& text, const std::vector<UnitPower>& powers, int sign) {
+// Appends the names of one side, each after a blank: with exponents up to the greatest, or each by itself for 1.
+void appendNames(std::string& text, const std::vector<UnitPower>& powers, int sign, int32_t greatest) {
     for (const UnitPower& power : powers) {
-        for (int32_t i = sign * power.count; i > 0; --i) text.append(1, ' ').append(*power.name);
-    }
-}
-
-std::string describe(const ReducedUnit& reduced) {
-    char factor[32];
-    std::snprintf(factor, sizeof factor, "%lg", reduced.factor);
-    std::string text = factor;
-    if (text.find_first_of(".eE") == std::string::npos) text += ".0";
-    appendNames(text, reduced.powers, 1);
-    std::string divisor;
-    appendNames(divisor, reduced.powers, -1);
-    return divisor.empty() ? text : text + " /" + divisor;
-}
-
-// The same with exponents, none above the greatest that can be read.
-void appendPowers(std::string& text, const std::vector<UnitPower>& powers, int sign) {
-    for (const UnitPower& power : powers) {
-        for (int32_t left = sign * power.count; left > 0; left -= maxExponent) {
+        for (int32_t left = sign * power.count; left > 0; left -= greatest) {
             text.append(1, ' ').append(*power.name);
-            if (left > 1) text.append(1, '^').append(std::to_string(std::min(left, maxExponent)));
+            if (greatest > 1 && left > 1)
+                text.append(1, '^').append(std::to_string(std::min(left, greatest)));
         }
     }
 }
 
-std::string definitionOf(const ReducedUnit& reduced) {
-    char factor[40];
-    std::snprintf(factor, sizeof factor, "%.17g", reduced.factor);
+std::string textOf(const std::string& factor, const std::vector<UnitPower>& powers, int32_t greatest) {
     std::string text = factor;
-    appendPowers(text, reduced.powers, 1);
     std::string divisor;
-    appendPowers(divisor, reduced.powers, -1);
+    appendNames(text, powers, 1, greatest);
+    appendNames(divisor, powers, -1, greatest);
     return divisor.empty() ? text : text + " /" + divisor;
+}
+
+std::string print(const char* format, double factor) {
+    char text[40];
+    std::snprintf(text, sizeof text, format, factor);
+    return text;
 }
 
 // Whether the unit could be defined.
 bool define(const char* name, const char* definition, const UnitsCharge& charge) {
-    if (std::strcmp(definition, primitivestring) == 0) return unitTable.AddPrimitive(name, UnitOrigin::User);
+    if (std::strcmp(definition, primitivestring) == 0) return unitTable.AddPrimitive(name);
     std::optional<ReducedUnit> reduced = reduceUnit(definition, charge);
-    return reduced && unitTable.Add(name, std::move(*reduced), UnitOrigin::User);
+    return reduced && unitTable.Add(name, std::move(*reduced));
 }
 
 } // namespace
 
 double units_convert(const char* from, const char* to, const UnitsCharge& charge) {
-    if (!isReady()) return 0.0;
-    try {
-        return convert(from, to, charge);
-    } catch (const std::bad_alloc&) {
-        throw_exception1("not enough memory for unit string '%s'", from);
-        return 0.0;
-    }
+    return isReady() ? withMemory(from, [&] { return convert(from, to, charge); }) : 0.0;
 }
 
 const char* units_reduce(const char* text) {
     if (!isReady()) return nullptr;
-    try {
+    return withMemory(text, [text]() -> const char* {
         const std::optional<ReducedUnit> reduced = reduceUnit(text);
         if (!reduced) return nullptr;
-        reducedText = describe(*reduced);
+        std::string factor = print("%lg", reduced->factor);
+        if (factor.find_first_of(".eE") == std::string::npos) factor += ".0";
+        reducedText = textOf(factor, reduced->powers, 1);
         return reducedText.c_str();
-    } catch (const std::bad_alloc&) {
-        throw_exception1("not enough memory for unit string '%s'", text);
-        return nullptr;
-    }
+    });
 }
 
 std::string units_definition(const char* name) {
     const Unit* const unit = unitTable.Find(name);
     if (unit == nullptr || !std::isnormal(unit->reduced.factor)) return "";
-    try {
-        return definitionOf(unit->reduced);
-    } catch (const std::bad_alloc&) {
-        return "";
-    }
+    return withMemory(name, [&reduced = unit->reduced] {
+        return textOf(print("%.17g", reduced.factor), reduced.powers, maxExponent);
+    });
 }
 
 std::vector<std::string> units_readings(const std::string& name) {
     std::vector<std::string> readings;
     isReady(); // for the prefixes
-    for (const std::string ending : {"", "s", "es"}) {
-        const size_t length = name.size() - std::min(name.size(), ending.size());
-        if (length == 0 || name.compare(length, std::string::npos, ending) != 0) continue;
-        const std::string singular = name.substr(0, length);
-        readings.push_back(singular);
-        for (const UnitPrefix& prefix : unitTable.Prefixes()) {
-            const size_t behind = prefix.name.size();
-            if (length > behind && singular.compare(0, behind, prefix.name) == 0)
-                readings.push_back(singular.substr(behind));
-        }
-    }
+    unitTable.ForEachReading(name,
+                             [&readings](std::string_view reading, const UnitPrefix*, std::string_view) {
+                                 readings.emplace_back(reading);
+                                 return false;
+                             });
     return readings;
 }
 
 void units_new(const char* name, const char* definition, const UnitsCharge& charge) {
     if (!isReady()) return;
-    if (unitTable.Find(name) != nullptr) {
+    if (unitTable.Find(name) != nullptr)
         throw_exception1("unit '%s' is already defined", name);
-        return;
-    }
-    if (!isLettersOnly(name)) {
+    else if (!isLettersOnly(name))
         throw_exception1("non-alphabetic characters in unit name '%s'", name);
-        return;
-    }
-    bool isDefined = false;
-    try {
-        isDefined = define(name, definition, charge);
-    } catch (const std::bad_alloc&) {
-    }
-    if (!isDefined) throw_exception1("'%s' cannot be reduced to primitive units", definition);
+    else if (!withMemory(definition, [&] { return define(name, definition, charge); }))
+        throw_exception1("'%s' cannot be reduced to primitive units", definition);
 }
 
 bool removeUnit(const char* name) {
-    if (!isReady()) return true;
-    try {
-        return !unitTable.Remove(name);
-    } catch (const std::bad_alloc&) {
-        throw_exception1("not enough memory for unit string '%s'", name);
-        return true;
-    }
+    return !isReady() || !withMemory(name, [name] { return unitTable.Remove(name); });
 }
 
 void units_record_changes(UnitsUndo record) {

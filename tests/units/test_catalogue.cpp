@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
 // The catalogue: what is in it, in which order, and the consequences that are kept.
-#include "catalogue.h"
 #include "fixture.h"
 #include "table.h"
 
