@@ -113,12 +113,8 @@ int Calls::SuspectCircle(const Call& call) {
     return outcome.Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
 }
 
-int Calls::CheckExpansion(const Call& call, const Function* function) {
-    if (call.open->level > WorkLimit::CALL_LEVEL) return SuspectCircle(call);
-    if (!function || !function->body) {
-        return outcome.Fail("** Unrecognized function: %s **\n", {call.Name()});
-    }
-    const int32_t number = function->body->count;
+int Calls::PayForBody(const Call& call, const Function& function) {
+    const int32_t number = function.body->count;
     if (statement.terms.count + number > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
         return SuspectCircle(call);
     }
@@ -148,7 +144,15 @@ int Calls::CopyBody(const Call& call, const Function& function) {
 // Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
 // what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
 node* Calls::Expand(const Call& call, const Function* function) {
-    if (CheckExpansion(call, function) != 0) return nullptr;
+    if (call.open->level > WorkLimit::CALL_LEVEL) {
+        SuspectCircle(call);
+        return nullptr;
+    }
+    if (!function || !function->body) {
+        outcome.Fail("** Unrecognized function: %s **\n", {call.Name()});
+        return nullptr;
+    }
+    if (PayForBody(call, *function) != 0) return nullptr;
     operators.push_back(call.open);
     const node* lastArgument = call.close->prev;
     if (CopyBody(call, *function) != 0) return nullptr;

@@ -53,7 +53,7 @@ private:
     const qfloat* ArgumentOf(const Call& call);
     node* CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x);
     node* Expand(const Call& call, const Function* function);
-    int CheckExpansion(const Call& call, const Function* function);
+    int PayForBody(const Call& call, const Function& function);
     int SuspectCircle(const Call& call);
     int CopyBody(const Call& call, const Function& function);
 
