@@ -1,116 +1,117 @@
 // SPDX-License-Identifier: MIT
 #include "Keys.h"
 
-static KeyRow key(const char* name, uint32_t code, unsigned long held, KeyAction action, const char* does) {
+static constexpr KeyRow key(const char* name, uint32_t code, unsigned long held, KeyAction action,
+                            const char* does) {
     return {name, code, 0, held, action, does};
 }
 
-static KeyRow typed(const char* name, char character, KeyAction action, const char* does) {
+static constexpr KeyRow typed(const char* name, char character, KeyAction action, const char* does) {
     return {name, KEY_OTHER, character, 0, action, does};
 }
 
 // An item of a menu, with the key `character` and Command, or without a key.
-static KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
+static constexpr KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
     return {name, KEY_OTHER, character, COMMAND_KEY, KeyAction::Menu, does, item};
 }
 
-static KeyRow item(const MenuItem& item) {
+static constexpr KeyRow item(const MenuItem& item) {
     return {"", KEY_OTHER, 0, 0, KeyAction::Menu, nullptr, item};
 }
 
-const std::vector<KeyRow>& keyTable() {
-    using K = KeyAction;
-    using T = Target;
-    static const std::vector<KeyRow> table = {
-        key("Return", KEY_RETURN, 0, K::Commit, "evaluates the entry, wherever in it the cursor is"),
-        key("Enter", KEY_ENTER, 0, K::Commit, nullptr),
-        key("Tab", KEY_TAB, 0, K::Complete,
-            "completes the name of a function: `sq` becomes `sqrt()`; again for the next one that fits. The "
-            "proposal is "
-            "selected: type over it, or press End to keep it"),
-        key("Escape", KEY_ESCAPE, 0, K::Escape,
-            "empties the entry. On an empty entry it hides the window (see [the window](#the-window))"),
-        key("Escape", KEY_ESCAPE, 0, K::Interrupt, "end a script, a pause or a long calculation"),
-        {"Control-C", KEY_OTHER, 'c', CONTROL_KEY, K::Interrupt, nullptr},
-        {"Command-Q", KEY_OTHER, 'q', COMMAND_KEY, K::Interrupt, nullptr},
-        key("Home", KEY_HOME, 0, K::Home, "to the start of the entry; Shift selects up to there"),
-        key("Control-A", KEY_A, CONTROL_KEY, K::Home, "as Home"),
-        key("Control-Left", KEY_LEFT, CONTROL_KEY, K::Home, nullptr),
-        key("Command-Left", KEY_LEFT, COMMAND_KEY, K::Home, nullptr),
-        key("End", KEY_END, 0, K::End, "to the end of the entry; Shift selects up to there"),
-        key("Left", KEY_LEFT, 0, K::Left, "move in the entry, not into the prompt"),
-        key("Right", KEY_RIGHT, 0, K::Right, nullptr),
-        key("Up", KEY_UP, 0, K::Up,
-            "earlier entries: all of them while the entry is empty, or those that begin with what you have "
-            "typed"),
-        key("Down", KEY_DOWN, 0, K::Down, nullptr),
-        key("Backspace", KEY_BACKSPACE, 0, K::Backspace,
-            "delete in the entry; the prompt and the answers stay"),
-        key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
-        typed("`+`", '+', K::Operator,
-              "first in the entry: continues with the last answer: `ans` is put in front"),
-        typed("`*`", '*', K::Operator, nullptr),
-        typed("`/`", '/', K::Operator, nullptr),
-        typed("`-`", '-', K::Minus,
-              "first in the entry: is a sign; a second `-` makes it `ans-`, a third `-` again"),
+using K = KeyAction;
+using T = Target;
 
-        item({"Tallyquill", "About Tallyquill", "showAbout:", T::Delegate}),
-        item({"Tallyquill", "-"}),
-        item("Command-comma", ',', "opens the preferences",
-             {"Tallyquill", "Preferences...", "menuPreferences:", T::Preferences}),
-        item({"Tallyquill", "-"}),
-        item("Command-H", 'h', "hides the window, quits; closing the window quits too",
-             {"Tallyquill", "Hide Tallyquill", "hideMainWindow:", T::Delegate}),
-        item("Command-Q", 'q', nullptr, {"Tallyquill", "Quit Tallyquill", "terminate:", T::Application}),
+static constexpr KeyRow KEYS[] = {
+    key("Return", KEY_RETURN, 0, K::Commit, "evaluates the entry, wherever in it the cursor is"),
+    key("Enter", KEY_ENTER, 0, K::Commit, nullptr),
+    key("Tab", KEY_TAB, 0, K::Complete,
+        "completes the name of a function: `sq` becomes `sqrt()`; again for the next one that fits. The "
+        "proposal is "
+        "selected: type over it, or press End to keep it"),
+    key("Escape", KEY_ESCAPE, 0, K::Escape,
+        "empties the entry. On an empty entry it hides the window (see [the window](#the-window))"),
+    key("Escape", KEY_ESCAPE, 0, K::Interrupt, "end a script, a pause or a long calculation"),
+    {"Control-C", KEY_OTHER, 'c', CONTROL_KEY, K::Interrupt, nullptr},
+    {"Command-Q", KEY_OTHER, 'q', COMMAND_KEY, K::Interrupt, nullptr},
+    key("Home", KEY_HOME, 0, K::Home, "to the start of the entry; Shift selects up to there"),
+    key("Control-A", KEY_A, CONTROL_KEY, K::Home, "as Home"),
+    key("Control-Left", KEY_LEFT, CONTROL_KEY, K::Home, nullptr),
+    key("Command-Left", KEY_LEFT, COMMAND_KEY, K::Home, nullptr),
+    key("End", KEY_END, 0, K::End, "to the end of the entry; Shift selects up to there"),
+    key("Left", KEY_LEFT, 0, K::Left, "move in the entry, not into the prompt"),
+    key("Right", KEY_RIGHT, 0, K::Right, nullptr),
+    key("Up", KEY_UP, 0, K::Up,
+        "earlier entries: all of them while the entry is empty, or those that begin with what you have "
+        "typed"),
+    key("Down", KEY_DOWN, 0, K::Down, nullptr),
+    key("Backspace", KEY_BACKSPACE, 0, K::Backspace, "delete in the entry; the prompt and the answers stay"),
+    key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
+    typed("`+`", '+', K::Operator,
+          "first in the entry: continues with the last answer: `ans` is put in front"),
+    typed("`*`", '*', K::Operator, nullptr),
+    typed("`/`", '/', K::Operator, nullptr),
+    typed("`-`", '-', K::Minus,
+          "first in the entry: is a sign; a second `-` makes it `ans-`, a third `-` again"),
 
-        item("Command-N", 'n', "clears the console; so does the command `clear`",
-             {"File", "New", "newDocument:", T::Console}),
-        item("Command-O", 'o', "opens a script, saves one",
-             {"File", "Open Script...", "openDocument:", T::Console}),
-        item("Command-S", 's', nullptr, {"File", "Save Script...", "saveDocument:", T::Console}),
-        item("Command-Shift-S", 'S', nullptr, {"File", "Save Script As...", "saveDocumentAs:", T::Console}),
+    item({"Tallyquill", "About Tallyquill", "showAbout:", T::Delegate}),
+    item({"Tallyquill", "-"}),
+    item("Command-comma", ',', "opens the preferences",
+         {"Tallyquill", "Preferences...", "menuPreferences:", T::Preferences}),
+    item({"Tallyquill", "-"}),
+    item("Command-H", 'h', "hides the window, quits; closing the window quits too",
+         {"Tallyquill", "Hide Tallyquill", "hideMainWindow:", T::Delegate}),
+    item("Command-Q", 'q', nullptr, {"Tallyquill", "Quit Tallyquill", "terminate:", T::Application}),
 
-        item("Command-Z", 'z', "undoes changes of the entry, and takes the undoing back",
-             {"Edit", "Undo", "undo:"}),
-        item("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
-        item({"Edit", "-"}),
-        item("Command-X", 'x',
-             "of a selection that begins above the entry, cuts what is in the entry; above the entry it "
-             "copies. Inside the "
-             "entry it does nothing",
-             {"Edit", "Cut", "cut:"}),
-        {"Command-C",
-         KEY_OTHER,
-         'c',
-         COMMAND_KEY,
-         K::Copy,
-         "copies the selection. With nothing selected it copies the last answer, and the answer blinks. What "
-         "is copied "
-         "reads back as the same number: with the decimal mark of now, without grouping marks, a negative "
-         "one in hex or "
-         "binary with its sign",
-         {"Edit", "Copy", "copy:"}},
-        item("Command-V", 'v', "pastes as plain text. Several lines become one entry with `; ` between them",
-             {"Edit", "Paste", "paste:"}),
-        item("Command-A", 'a', "selects all", {"Edit", "Select All", "selectAll:"}),
+    item("Command-N", 'n', "clears the console; so does the command `clear`",
+         {"File", "New", "newDocument:", T::Console}),
+    item("Command-O", 'o', "opens a script, saves one",
+         {"File", "Open Script...", "openDocument:", T::Console}),
+    item("Command-S", 's', nullptr, {"File", "Save Script...", "saveDocument:", T::Console}),
+    item("Command-Shift-S", 'S', nullptr, {"File", "Save Script As...", "saveDocumentAs:", T::Console}),
 
-        item("Command-1", '1', "answers in binary, decimal, hexadecimal",
-             {"Display", "Binary", "menuChangeBase:", T::Console, 0}),
-        item("Command-2", '2', nullptr, {"Display", "Decimal", "menuChangeBase:", T::Console, 1}),
-        item("Command-3", '3', nullptr, {"Display", "Hexadecimal", "menuChangeBase:", T::Console, 2}),
+    item("Command-Z", 'z', "undoes changes of the entry, and takes the undoing back",
+         {"Edit", "Undo", "undo:"}),
+    item("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
+    item({"Edit", "-"}),
+    item("Command-X", 'x',
+         "of a selection that begins above the entry, cuts what is in the entry; above the entry it "
+         "copies. Inside the "
+         "entry it does nothing",
+         {"Edit", "Cut", "cut:"}),
+    {"Command-C",
+     KEY_OTHER,
+     'c',
+     COMMAND_KEY,
+     K::Copy,
+     "copies the selection. With nothing selected it copies the last answer, and the answer blinks. What "
+     "is copied "
+     "reads back as the same number: with the decimal mark of now, without grouping marks, a negative "
+     "one in hex or "
+     "binary with its sign",
+     {"Edit", "Copy", "copy:"}},
+    item("Command-V", 'v', "pastes as plain text. Several lines become one entry with `; ` between them",
+         {"Edit", "Paste", "paste:"}),
+    item("Command-A", 'a', "selects all", {"Edit", "Select All", "selectAll:"}),
 
-        item("Command-M", 'm', "minimizes the window, closes it",
-             {"Window", "Minimize", "performMiniaturize:"}),
-        item({"Window", "Zoom", "performZoom:"}),
-        item("Command-W", 'w', nullptr, {"Window", "Close", "performClose:"}),
-        item({"Window", "-"}),
-        item({"Window", "Bring All to Front", "arrangeInFront:", T::Application}),
+    item("Command-1", '1', "answers in binary, decimal, hexadecimal",
+         {"Display", "Binary", "menuChangeBase:", T::Console, 0}),
+    item("Command-2", '2', nullptr, {"Display", "Decimal", "menuChangeBase:", T::Console, 1}),
+    item("Command-3", '3', nullptr, {"Display", "Hexadecimal", "menuChangeBase:", T::Console, 2}),
 
-        item("Command-?", '?', "opens this guide, in which Home and End go to its ends",
-             {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
-        item({"Help", "Tutorial", "tutorial:", T::Console}),
-    };
-    return table;
+    item("Command-M", 'm', "minimizes the window, closes it", {"Window", "Minimize", "performMiniaturize:"}),
+    item({"Window", "Zoom", "performZoom:"}),
+    item("Command-W", 'w', nullptr, {"Window", "Close", "performClose:"}),
+    item({"Window", "-"}),
+    item({"Window", "Bring All to Front", "arrangeInFront:", T::Application}),
+
+    item("Command-?", '?', "opens this guide, in which Home and End go to its ends",
+         {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
+    item({"Help", "Tutorial", "tutorial:", T::Console}),
+};
+
+KeyTable keyTable() {
+    return {KEYS, sizeof KEYS / sizeof *KEYS};
 }
 
 // A character that is typed is told by itself; with a modifier the key's own tells.

@@ -4,8 +4,8 @@
 // one, add a row, and for a new action its code in Transcript.cpp. docs/guide.md has the same table; a test compares.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
 
 // Virtual key codes as macOS has them.
 enum VirtualKey : uint32_t {
@@ -81,8 +81,15 @@ struct KeyRow {
     MenuItem item = {};
 };
 
+struct KeyTable {
+    const KeyRow* rows;
+    size_t count;
+    const KeyRow* begin() const { return rows; }
+    const KeyRow* end() const { return rows + count; }
+};
+
 // All rows. Of two rows for a key press the first one holds. The items of a menu stand in its order.
-const std::vector<KeyRow>& keyTable();
+KeyTable keyTable();
 
 // What the console does with a key press; it carries out neither Interrupt nor Menu.
 KeyAction actionOf(const KeyPress& press);

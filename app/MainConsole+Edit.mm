@@ -147,10 +147,10 @@ static const useconds_t FLASH = 80000; // microseconds
 - (void)cut:(id)sender {
     (void)sender;
     const NSRange selection = [self selectedRange];
-    const NSUInteger start = static_cast<NSUInteger>(g_linestart);
-    if (selection.location < start) {
-        if (NSMaxRange(selection) > start) {
-            [self setSelectedRange:NSMakeRange(start, NSMaxRange(selection) - start)];
+    const TextRange inEntry = [self transcript].selectedInEntry();
+    if (selection.location < static_cast<NSUInteger>(g_linestart)) {
+        if (inEntry.length > 0) {
+            [self setSelectedRange:NSMakeRange(inEntry.location, inEntry.length)];
             [self superCut];
         } else if (selection.length > 0) {
             [self superCopy];
@@ -180,10 +180,8 @@ static NSString* asOneLine(NSString* text) {
 - (BOOL)insertForeignText:(NSString*)text {
     NSString* const line = asOneLine(text);
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
-    const NSUInteger kept =
-        [[self string] length] - static_cast<NSUInteger>(g_linestart) - [self selectedRange].length;
-    // Part of a text would be another calculation, and a longer entry could not be run.
-    if (kept + [line length] >= PROMPT_SIZE) {
+    // Part of a text would be another calculation.
+    if (![self transcript].hasRoomFor([line length])) {
         [self updateStatusbar:"The text is too long for an entry."];
         return NO;
     }

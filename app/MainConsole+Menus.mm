@@ -16,10 +16,6 @@ static NSInteger segmentOf(int base) {
     return base == 10 ? 1 : 2;
 }
 
-// The start of the entry and the base at the previous call of setDisplayBase.
-static int32_t prevgis = 0;
-static int prevbase = 0;
-
 @implementation MainConsole (Menus)
 
 // Typing goes on in the entry after a click on a control.

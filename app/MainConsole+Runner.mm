@@ -70,17 +70,10 @@ static void copyBounded(char* out, size_t size, const char* text) {
     return isAtWork;
 }
 
-// Told by its look, a line of output that begins like a prompt would be taken for an entry.
-- (void)keepTypedEntry {
-    NSString* const entry = [self typedEntry];
-    if (!entries) entries = [[NSMutableArray alloc] init];
-    if ([entry length] > 0) [entries addObject:entry];
-}
-
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
     if (isAtWork) return;
     [self copySettingsToEngine];
-    if (!line && !quick) [self keepTypedEntry];
+    if (!line && !quick) record.add(utf8Bytes([self typedEntry]));
     isAtWork = !quick;
     const int status = [self processLine:line quick:quick];
     isAtWork = NO;

@@ -7,37 +7,12 @@
 
 #include "FileKeeping.h"
 
-#include <algorithm>
 #include <cstring>
-#include <string>
 
 static const NSTimeInterval RETRY_DELAY = 0.1; // of a script that waits for another one
 
-static bool isReplaying = false;
-
-// A line of a script as the console has its text: ISO Latin-1. Editors write UTF-8; a line that is no UTF-8 is
-// Latin-1 already. What Latin-1 lacks becomes a question mark, and so does a NUL, which would hide what follows it.
-static std::string asLatin1(std::string line) {
-    std::replace(line.begin(), line.end(), '\0', '?');
-    NSString* const text = [[[NSString alloc] initWithBytes:line.data()
-                                                     length:line.size()
-                                                   encoding:NSUTF8StringEncoding] autorelease];
-    if (!text) return line;
-    NSData* const bytes = [text dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
-    return std::string(static_cast<const char*>([bytes bytes]), [bytes length]);
-}
-
-// Takes the next line, without its end, from `start` on and moves that behind it. False at the end of the text.
-static bool takeLine(const std::string& text, size_t& start, std::string& line) {
-    if (start >= text.size()) return false;
-    const size_t end = std::min(text.find('\n', start), text.size());
-    line = text.substr(start, end - start);
-    start = end + 1;
-    return true;
-}
-
-static bool isBlank(const std::string& line) {
-    return line.find_first_not_of(" \t\r\f\v") == std::string::npos;
+static NSString* textFromPath(const std::string& path) {
+    return [[NSFileManager defaultManager] stringWithFileSystemRepresentation:path.data() length:path.size()];
 }
 
 @implementation MainConsole (Scripts)
@@ -51,16 +26,7 @@ static bool isBlank(const std::string& line) {
 // --- Saving ---
 
 - (NSString*)scriptText {
-    NSMutableString* const script = [NSMutableString
-        stringWithString:@"# PELMO SCRIPT: uncomment line below to include calculator settings.\n#"];
-    for (const char* const key : {"degmode", "sigfigs", "scimode", "dispbase"}) {
-        const Setting& setting = *findSetting(key);
-        [script appendFormat:@"%s;", setting.CommandFor(setting.ValueIn(calc)).c_str()];
-    }
-    [script appendString:@"\n"];
-    for (NSString* const entry in entries) [script appendFormat:@"%@\n", entry];
-    if ([[self typedEntry] length] > 0) [script appendFormat:@"%@\n", [self typedEntry]];
-    return script;
+    return [NSString stringWithUTF8String:record.script(calc, utf8Bytes([self typedEntry])).c_str()];
 }
 
 - (void)saveDocument:(id)sender {
@@ -75,12 +41,8 @@ static bool isBlank(const std::string& line) {
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
 }
 
-// Entries are ASCII. Other letters, in texts to show, are kept as the console has them.
 - (BOOL)writeScript:(NSString*)path {
-    NSString* const script = [self scriptText];
-    NSData* data = [script dataUsingEncoding:NSASCIIStringEncoding allowLossyConversion:NO];
-    if (!data) data = [script dataUsingEncoding:NSUTF8StringEncoding];
-    return [data writeToFile:path atomically:YES];
+    return [[[self scriptText] dataUsingEncoding:NSUTF8StringEncoding] writeToFile:path atomically:YES];
 }
 
 - (void)saveDocumentAs:(id)sender {
@@ -103,65 +65,70 @@ static bool isBlank(const std::string& line) {
 }
 
 - (BOOL)isReplaying {
-    return isReplaying;
+    return scripts.isReplaying;
 }
 
 - (BOOL)mustWait {
-    return isReplaying || isAtWork || [self isEntryRunning];
+    return scripts.isReplaying || isAtWork || [self isEntryRunning];
 }
 
 - (BOOL)loadFile:(NSString*)path {
     std::string script;
     if (!path || !readWholeFile([path fileSystemRepresentation], script)) return NO;
-    if ([self mustWait] || [waitingScripts count] > 0) {
-        if (!waitingScripts) waitingScripts = [[NSMutableArray alloc] init];
-        [waitingScripts addObject:path];
-        if ([waitingScripts count] == 1) [self loadWaitingScriptsLater];
-        return YES;
+    if ([self mustWait] || !scripts.waiting.empty()) {
+        scripts.waiting.push_back([path fileSystemRepresentation]);
+        [self loadWaitingScriptsLater];
+    } else {
+        [self replayScript:script];
     }
-    [self replayScript:script];
     return YES;
 }
 
 - (void)loadWaitingScriptsLater {
+    [self forgetLoading];
+    if (scripts.waiting.empty()) return;
     [self performSelector:@selector(loadWaitingScripts) withObject:nil afterDelay:RETRY_DELAY];
 }
 
-// One at a time, in the order in which they came.
+- (void)forgetLoading {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(loadWaitingScripts) object:nil];
+}
+
+- (void)forgetWaitingScripts {
+    scripts.waiting.clear();
+    [self forgetLoading];
+}
+
 - (void)loadWaitingScripts {
     if ([self mustWait]) {
         [self loadWaitingScriptsLater];
         return;
     }
-    NSString* const path = [[[waitingScripts objectAtIndex:0] retain] autorelease];
+    const std::string path = scripts.waiting.front();
+    scripts.waiting.pop_front();
     std::string script;
-    const bool isRead = readWholeFile([path fileSystemRepresentation], script);
+    const bool isRead = readWholeFile(path, script);
     if (isRead) [self replayScript:script];
-    [waitingScripts removeObjectAtIndex:0]; // those that come meanwhile wait behind it
-    if ([waitingScripts count] > 0) [self loadWaitingScriptsLater];
-    if (!isRead) [self simpleAlert:@"The script could not be opened.":path];
+    [self loadWaitingScriptsLater];
+    if (!isRead) [self simpleAlert:@"The script could not be opened.":textFromPath(path)];
 }
 
-- (void)replayScript:(const std::string&)script {
+- (void)replayScript:(const std::string&)bytes {
     [self insertWithoutPrompt:"\n"];
-    isReplaying = true;
-    [self replay:script];
-    isReplaying = false;
+    scripts.isReplaying = true;
+    [self replay:Script(bytes)];
+    scripts.isReplaying = false;
     [self populateVarsMenu];
     [self populateFuncMenu];
     [self insertPrompt];
 }
 
-- (void)replay:(const std::string&)script {
-    const char* const mark = "\xEF\xBB\xBF"; // editors put it in front of UTF-8
-    size_t start = script.compare(0, strlen(mark), mark) == 0 ? strlen(mark) : 0;
+- (void)replay:(Script)script {
     std::string line;
     scriptInterrupted = false; // an earlier entry's
-    while (takeLine(script, start, line)) {
-        // A blank line is there for the eye; as an entry it would repeat the one before.
-        if (line[0] == '#' || isBlank(line)) continue;
+    while (script.next(line)) {
         NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-        [self ProcessResult:asLatin1(line).c_str():NO];
+        [self ProcessResult:line.c_str():NO];
         [pool release];
         if (scriptInterrupted || calc.interrupted) {
             scriptInterrupted = false;

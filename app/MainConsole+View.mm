@@ -40,7 +40,7 @@ static NSString* const PROMPT = @"> ";
 
 - (void)clearConsole {
     [self setString:PROMPT];
-    [entries removeAllObjects];
+    record.clear();
     [self forgetUndo];
     g_linestart = static_cast<int32_t>([PROMPT length]);
     [self setSelectedRange:NSMakeRange([PROMPT length], 0)];
@@ -103,17 +103,15 @@ static NSString* const PROMPT = @"> ";
                                                                                        withString:@" "];
 }
 
-- (BOOL)getPromptText {
+- (Transcript)transcript {
     const NSRange entry = [self entryRange];
-    const NSUInteger length = std::min<NSUInteger>(entry.length, PROMPT_SIZE - 1);
-    bool isWhole = length == entry.length;
-    for (NSUInteger i = 0; i < length; i++) {
-        const unichar c = [[self string] characterAtIndex:entry.location + i];
-        if (c == 0 || c > 0xff) isWhole = false; // no NUL in an 8-bit string
-        prompt[i] = c > 0xff ? '?' : static_cast<char>(c);
-    }
-    prompt[length] = '\0';
-    return isWhole;
+    std::u16string text(entry.length, u'\0');
+    [[self string] getCharacters:reinterpret_cast<unichar*>(text.data()) range:entry];
+    return {text, {[self selectedRange].location, [self selectedRange].length}};
+}
+
+- (BOOL)getPromptText {
+    return [self transcript].fetchPrompt();
 }
 
 - (void)recallHistory:(int)index {

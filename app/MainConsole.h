@@ -20,33 +20,13 @@
 
 #import <AppKit/AppKit.h>
 
-#include "Calculator.h"
 #include "Keeper.h"
-#include "Keys.h"
+#include "Script.h"
+#include "Transcript.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
 
 @class PelmoAppDelegate;
-
-constexpr size_t PROMPT_SIZE = 10000; // bytes of `prompt`, terminator included
-constexpr size_t MATCH_SIZE = 101;    // bytes of `matchstr`, terminator included
-
-// One console per process.
-extern ZqCalculator calc;
-extern int32_t g_linestart;      // where the entry begins, just behind the prompt "> "
-extern char prompt[PROMPT_SIZE]; // the entry as an 8-bit string, see getPromptText; scratch for completion
-extern bool scriptInterrupted;   // a pause or a typed-out echo was interrupted; the script's runner clears it
-
-// History recall: the prefix, whether the arrows match it, and whether it has been taken from the entry.
-extern char matchstr[MATCH_SIZE];
-extern uint8_t matching_enable;
-extern uint8_t update_match_str;
-
-// The virtual key codes (those of macOS) of this key press and of the one before it.
-extern uint32_t keyCode;
-extern uint32_t prevKey;
 
 // The paths of the functions file and of the settings file; nil before start-up and after shut-down.
 extern NSString* funcFilePath;
@@ -55,8 +35,8 @@ extern NSString* prefFilePath;
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
     Keeper keeper; // of the settings file and the functions file
-    NSMutableArray*
-        entries; // those that ran since the console was cleared, each a line: what a script is saved from
+    EntryRecord record;  // what a script is saved from
+    ScriptTurns scripts;
     PelmoAppDelegate* myAppDelegate; // not retained
     NSTextField* answerStatus;       // the controls belong to the window
     NSSegmentedControl* ctrlBase;    // 0 binary, 1 decimal, 2 hexadecimal
@@ -66,8 +46,9 @@ extern NSString* prefFilePath;
     NSMenuItem* menuDispHex;
     NSPopUpButton* menuVars;
     NSPopUpButton* menuFuncs;
-    NSMutableArray* waitingScripts; // paths of scripts that came while another one or an entry ran; or nil
-    BOOL isAtWork;                  // an entry runs, or the command that it handed over
+    BOOL isAtWork;   // an entry runs, or the command that it handed over
+    int32_t prevgis; // the start of the entry and the base at the previous call of setDisplayBase
+    int prevbase;
 }
 
 // The start-up of the console in `window`: paths, settings, engine, functions file, menus, window; then the
@@ -134,9 +115,8 @@ extern NSString* prefFilePath;
 - (void)insertPrePrompt:(const char*)text:(int32_t)backCount;
 - (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount; // the same with any text
 
-// Copies the entry into `prompt`. Returns NO when it is not all ISO Latin-1 or does not fit: `prompt` then holds
-// what could be had.
-- (BOOL)getPromptText;
+- (Transcript)transcript; // what the view holds now
+- (BOOL)getPromptText;    // see Transcript::fetchPrompt()
 
 - (NSString*)typedEntry; // the entry in one line
 
@@ -214,13 +194,15 @@ extern NSString* prefFilePath;
 // and what stands at the prompt.
 - (NSString*)scriptText;
 
-// Writes that text to the file, in ASCII where it is ASCII and in UTF-8 otherwise. Returns NO when it is not there.
+// Writes that text to the file, in UTF-8. Returns NO when it is not there.
 - (BOOL)writeScript:(NSString*)path;
 - (BOOL)isReplaying; // a script is being replayed
 
 // Replays a script up to its end, an interruption or an "exit". A script that comes while an entry or another
 // script runs waits for the end of that. Returns NO when the file cannot be opened.
 - (BOOL)loadFile:(NSString*)path;
+
+- (void)forgetWaitingScripts; // the window closes
 @end
 
 @interface MainConsole (Menus)
@@ -247,8 +229,10 @@ extern NSString* prefFilePath;
 
 KeyPress keyPress(NSEvent* event);
 
-// Text from an 8-bit string, as it may be shown (ShownText.h), and back. latin1Bytes gives nil when the text has a character that is not ISO Latin-1.
+// Text from an 8-bit string, as it may be shown (ShownText.h).
 NSString* textFromBytes(const char* bytes);
-NSData* latin1Bytes(NSString* text);
+
+// The text in UTF-8; what has no place in it is a question mark.
+std::string utf8Bytes(NSString* text);
 
 #endif

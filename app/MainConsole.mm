@@ -14,15 +14,6 @@
 #include <chrono>
 #include <cmath>
 
-ZqCalculator calc;
-int32_t g_linestart = 0;
-char prompt[PROMPT_SIZE] = "";
-bool scriptInterrupted = false;
-char matchstr[MATCH_SIZE] = "";
-uint8_t matching_enable = 0;
-uint8_t update_match_str = 0;
-uint32_t keyCode = 0;
-uint32_t prevKey = 0;
 NSString* funcFilePath = nil;
 NSString* prefFilePath = nil;
 
@@ -47,8 +38,9 @@ NSString* textFromBytes(const char* bytes) {
                                    encoding:NSISOLatin1StringEncoding] autorelease];
 }
 
-NSData* latin1Bytes(NSString* text) {
-    return [text dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:NO];
+std::string utf8Bytes(NSString* text) {
+    NSData* const bytes = [text dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
+    return std::string(static_cast<const char*>([bytes bytes]), [bytes length]);
 }
 
 @implementation MainConsole
@@ -57,8 +49,6 @@ NSData* latin1Bytes(NSString* text) {
     if (interruptedConsole == self) interruptedConsole = nil;
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [settings release];
-    [waitingScripts release];
-    [entries release];
     [super dealloc];
 }
 

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "Transcript.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+
+ZqCalculator calc;
+int32_t g_linestart = 0;
+char prompt[PROMPT_SIZE] = "";
+bool scriptInterrupted = false;
+char matchstr[MATCH_SIZE] = "";
+uint8_t matching_enable = 0;
+uint8_t update_match_str = 0;
+uint32_t keyCode = 0;
+uint32_t prevKey = 0;
+
+using Edit = KeyEffect::Edit;
+using Then = KeyEffect::Then;
+
+bool Transcript::fetchPrompt() const {
+    const size_t length = std::min(entry.size(), PROMPT_SIZE - 1);
+    bool isWhole = length == entry.size();
+    for (size_t i = 0; i < length; i++) {
+        if (entry[i] == 0 || entry[i] > 0xff) isWhole = false; // no NUL in an 8-bit string
+        prompt[i] = entry[i] > 0xff ? '?' : static_cast<char>(entry[i]);
+    }
+    prompt[length] = '\0';
+    return isWhole;
+}
+
+TextRange Transcript::selectedInEntry() const {
+    const size_t from = std::max(selection.location, start());
+    return {from, selection.end() > from ? selection.end() - from : 0};
+}
+
+TextRange Transcript::partialWord() const {
+    size_t from = selection.location;
+    while (from > start()) {
+        const char16_t c = entry[from - 1 - start()];
+        if (c >= 0x80 || (!isalnum(c) && c != '_')) break;
+        from--;
+    }
+    return {from, selection.location - from};
+}
+
+bool Transcript::hasRoomFor(size_t characters) const {
+    return entry.size() - selectedInEntry().length + characters < PROMPT_SIZE;
+}
+
+KeyEffect Transcript::press(const KeyPress& key, bool minusIsSign) const {
+    prevKey = keyCode;
+    keyCode = key.code & 0xffffU;
+    // Control-A goes to the start of the entry, as Control with the left arrow does.
+    if (keyCode == KEY_A && (key.held & CONTROL_KEY)) keyCode = KEY_LEFT;
+    return act(actionOf(key), key, minusIsSign);
+}
+
+KeyEffect Transcript::act(KeyAction action, const KeyPress& key, bool minusIsSign) const {
+    const bool extends = (key.held & SHIFT_KEY) != 0;
+    KeyEffect effect;
+    switch (action) {
+    case KeyAction::Commit:
+        update_match_str = 0;
+        effect.then = Then::Commit;
+        return effect;
+    case KeyAction::Complete: return complete();
+    case KeyAction::Escape: return escape();
+    case KeyAction::Backspace: return erase(false);
+    case KeyAction::Delete: return erase(true);
+    case KeyAction::Home: return goHome(extends);
+    case KeyAction::End: return goToEnd(extends);
+    case KeyAction::Left: return goLeft();
+    case KeyAction::Right: effect.then = Then::Pass; return effect;
+    case KeyAction::Up: return walkHistory(true);
+    case KeyAction::Down: return walkHistory(false);
+    default: return type(action, key, minusIsSign);
+    }
+}
+
+// The rest of the next name goes in place of the selection and is selected, so that the next Tab replaces it.
+KeyEffect Transcript::complete() const {
+    KeyEffect effect;
+    const size_t place = selection.location;
+    if (place <= start()) return effect;
+    if (prevKey != KEY_TAB) funcs.TabCompleteReset();
+    const TextRange word = partialWord();
+    size_t length = 0;
+    for (; length < std::min(word.length, PROMPT_SIZE - 1); length++)
+        prompt[length] = static_cast<char>(entry[word.location - start() + length]);
+    prompt[length] = '\0';
+    const Function* const candidate = funcs.FindTabComplete(prompt);
+    effect.edit = Edit::Replace;
+    if (candidate)
+        effect.text = std::string(candidate->name + std::min(length, strlen(candidate->name))) + "()";
+    effect.selectAfter = TextRange{place, effect.text.size()};
+    return effect;
+}
+
+KeyEffect Transcript::escape() const {
+    KeyEffect effect;
+    fetchPrompt();
+    if (entry.empty() && selection.length == 0) {
+        effect.then = Then::Hide;
+        return effect;
+    }
+    effect.edit = Edit::Clear;
+    calc.history.HistLocReset();
+    update_match_str = 0;
+    return effect;
+}
+
+// The guard of the prompt. With nothing to delete the cursor goes into the entry; forwards there may then be something.
+KeyEffect Transcript::erase(bool isForward) const {
+    KeyEffect effect;
+    effect.then = Then::Pass;
+    const bool isInEntry =
+        selection.location > start() || (selection.location == start() && selection.length > 0);
+    if (isInEntry) return effect;
+    if (selection.end() > start()) {
+        effect.select = selectedInEntry();
+        return effect;
+    }
+    effect.goesToEnd = selection.location != start();
+    const bool passes = isForward && (!effect.goesToEnd || !entry.empty());
+    if (!passes) effect.then = Then::Preview;
+    return effect;
+}
+
+KeyEffect Transcript::goHome(bool extends) const {
+    KeyEffect effect;
+    const bool selects = extends && selection.end() > start();
+    effect.select = TextRange{start(), selects ? selection.end() - start() : 0};
+    effect.then = Then::Nothing;
+    return effect;
+}
+
+KeyEffect Transcript::goToEnd(bool extends) const {
+    KeyEffect effect;
+    effect.then = Then::Nothing;
+    if (extends)
+        effect.select = TextRange{selection.location, end() - selection.location};
+    else
+        effect.goesToEnd = true;
+    return effect;
+}
+
+// The cursor does not enter the prompt.
+KeyEffect Transcript::goLeft() const {
+    KeyEffect effect;
+    const size_t place = selection.location;
+    const bool isAtPrompt = place + 2 >= start() && place <= start();
+    effect.then = isAtPrompt ? Then::Preview : Then::Pass;
+    return effect;
+}
+
+// With the cursor at the start of the entry the arrows walk through the whole history, behind it through the lines
+// that begin with what was typed.
+KeyEffect Transcript::walkHistory(bool isUp) const {
+    KeyEffect effect;
+    CHistory& history = calc.history;
+    if (selection.location <= start()) {
+        matching_enable = 0;
+    } else if (matching_enable && !update_match_str) {
+        fetchPrompt();
+        snprintf(matchstr, sizeof matchstr, "%s", prompt);
+        history.HistLocReset();
+        update_match_str = 1;
+    }
+    bool isFound = false;
+    if (matching_enable)
+        isFound = isUp ? history.HistLocUpWithMatch(matchstr) : history.HistLocDownWithMatch(matchstr);
+    else
+        isFound = isUp ? history.HistLocUp() : history.HistLocDown();
+    if (isFound)
+        effect.edit = Edit::Recall;
+    else if (!isUp && !matching_enable)
+        effect.edit = Edit::Clear; // past the newest
+    return effect;
+}
+
+KeyEffect Transcript::type(KeyAction action, const KeyPress& key, bool minusIsSign) const {
+    update_match_str = 0;
+    matching_enable = 1;
+    KeyEffect effect;
+    if (action == KeyAction::Copy && selection.length == 0) {
+        effect.then = Then::Copy;
+        return effect;
+    }
+    // No menu item has the key, and GNUstep would type its character.
+    if ((key.held & COMMAND_KEY) && !(key.held & FUNCTION_KEY)) return effect;
+    effect.then = Then::Pass;
+    effect.goesToEnd =
+        selection.location < start() && !(key.held & (COMMAND_KEY | CONTROL_KEY | FUNCTION_KEY));
+    applyAnsRules(effect, action, minusIsSign);
+    return effect;
+}
+
+// An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes over
+// between "-" and "ans-", and which comes first is a setting.
+void Transcript::applyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const {
+    const bool isMinus = action == KeyAction::Minus;
+    if (!isMinus && action != KeyAction::Operator) return;
+    if (selection.length > 0 && !effect.goesToEnd) return;
+    if (selection.location < start() && !effect.goesToEnd) return;
+    const size_t place = effect.goesToEnd ? entry.size() : selection.location - start();
+    const auto replaceHead = [&](size_t length, const char* text) {
+        effect.select = TextRange{start(), length};
+        effect.edit = Edit::Replace;
+        effect.text = text;
+        effect.selectAfter = TextRange{start() + effect.text.size(), 0};
+    };
+    if (place == 0) {
+        if (isMinus && minusIsSign) return;
+        effect.edit = Edit::Type;
+        effect.text = "ans";
+    } else if (isMinus && place == 1) {
+        fetchPrompt();
+        if (prompt[0] == '-') replaceHead(1, "ans");
+    } else if (isMinus && place == 4) {
+        fetchPrompt();
+        if (strncmp(prompt, "ans-", 4) == 0) replaceHead(4, "");
+    }
+}
