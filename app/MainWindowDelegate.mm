@@ -210,6 +210,7 @@ static std::vector<NSRect> visibleFrames() {
 
 - (void)windowWillClose:(NSNotification*)notification {
     (void)notification;
+    [mainConsole forgetWaitingScripts];
     [mainConsole storeFrame];
 }
 

@@ -456,6 +456,17 @@ TEST_F(Scripts, aScriptThatComesDuringAnotherWaitsForItsEnd) {
     EXPECT_EQ(variable("y"), "6");
 }
 
+TEST_F(Scripts, aScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
+    const std::string other = home + "/other.script";
+    write(other, "y=1\n");
+    [console performSelector:@selector(loadFile:) withObject:string(other) afterDelay:0];
+    replay("pause 50\nexit\n");
+    EXPECT_FALSE([window isVisible]);
+    run(0.3); // it would have run after a tenth of a second
+    EXPECT_EQ(calc.VariableExists("y"), nullptr);
+    EXPECT_EQ(text().find("y = 1"), std::string::npos);
+}
+
 TEST_F(Scripts, aScriptThatComesDuringAnEntryWaitsForItsEnd) {
     write(path(), "y=1\n");
     [console entryWillRun];
