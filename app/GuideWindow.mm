@@ -15,9 +15,6 @@ static const CGFloat COLUMN_GAP = 20;
 // What a heading is known by, as a link names it: "how-answers-look".
 static NSString* const ANCHOR = @"GuideAnchor";
 
-// Around a link within the text of a line: its target, and its text.
-static const unichar LINK = 2, LINK_TEXT = 3, LINK_END = 4;
-
 static NSColor* ink(CGFloat white) {
     return [NSColor colorWithCalibratedWhite:white alpha:1];
 }
@@ -43,101 +40,48 @@ static void append(NSMutableAttributedString* out, NSString* text, NSDictionary*
                                                                  attributes:look] autorelease]];
 }
 
-// Where the next "[" is that stands in no `code`, from `start` on.
-static NSUInteger bracket(NSString* line, NSUInteger start) {
-    bool isCode = false;
-    for (NSUInteger i = start; i < [line length]; i++) {
-        const unichar c = [line characterAtIndex:i];
-        if (c == '`') isCode = !isCode;
-        if (c == '[' && !isCode) return i;
-    }
-    return NSNotFound;
-}
-
-// A link within the guide, as appendText() reads it; of any other one the text alone.
-static NSString* markedLink(NSString* text, NSString* target) {
-    const bool isPlain =
-        [text rangeOfString:@"`"].location == NSNotFound && [text rangeOfString:@"**"].location == NSNotFound;
-    if (![target hasPrefix:@"#"] || !isPlain) return text;
-    return [NSString
-        stringWithFormat:@"%C%@%C%@%C", LINK, [target substringFromIndex:1], LINK_TEXT, text, LINK_END];
-}
-
-// Leaves of "![x](y)" nothing and marks "[x](y)" as a link.
-static NSString* withMarkedLinks(NSString* line) {
-    NSMutableString* const text = [NSMutableString string];
-    NSUInteger i = 0;
-    while (i < [line length]) {
-        const NSRange open = NSMakeRange(bracket(line, i), 1);
-        const NSRange middle =
-            open.location == NSNotFound
-                ? open
-                : [line rangeOfString:@"]("
-                              options:0
-                                range:NSMakeRange(open.location, [line length] - open.location)];
-        const NSRange close =
-            middle.location == NSNotFound
-                ? middle
-                : [line rangeOfString:@")"
-                              options:0
-                                range:NSMakeRange(middle.location, [line length] - middle.location)];
-        if (close.location == NSNotFound) break;
-        const bool isImage = open.location > i && [line characterAtIndex:open.location - 1] == '!';
-        [text appendString:[line substringWithRange:NSMakeRange(i, open.location - i - (isImage ? 1 : 0))]];
-        const NSUInteger start = open.location + 1;
-        const NSUInteger target = NSMaxRange(middle);
-        if (!isImage)
-            [text appendString:markedLink(
-                                   [line substringWithRange:NSMakeRange(start, middle.location - start)],
-                                   [line substringWithRange:NSMakeRange(target, close.location - target)])];
-        i = close.location + 1;
-    }
-    [text appendString:[line substringFromIndex:i]];
-    return text;
-}
-
-// Appends text that may have marked links in it.
-static void appendText(NSMutableAttributedString* out, NSString* text, NSDictionary* look) {
-    NSScanner* const scanner = [NSScanner scannerWithString:text];
-    [scanner setCharactersToBeSkipped:nil];
-    NSString* const marks[] = {[NSString stringWithCharacters:&LINK length:1],
-                               [NSString stringWithCharacters:&LINK_TEXT length:1],
-                               [NSString stringWithCharacters:&LINK_END length:1]};
-    NSMutableDictionary* const linked = [NSMutableDictionary dictionaryWithDictionary:look];
-    NSString* part = nil;
-    while (![scanner isAtEnd]) {
-        if ([scanner scanUpToString:marks[0] intoString:&part]) append(out, part, look);
-        if (![scanner scanString:marks[0] intoString:NULL]) continue;
-        if ([scanner scanUpToString:marks[1] intoString:&part])
-            [linked setObject:part forKey:NSLinkAttributeName];
-        [scanner scanString:marks[1] intoString:NULL];
-        if ([scanner scanUpToString:marks[2] intoString:&part]) append(out, part, linked);
-        [scanner scanString:marks[2] intoString:NULL];
-    }
-}
-
-// Appends a part of a line, turning `code`, **strong** and links into their looks.
-static void appendPart(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
-    NSFont* const plain = [NSFont systemFontOfSize:TEXT_SIZE_POINTS];
-    NSFont* const strong = [NSFont boldSystemFontOfSize:TEXT_SIZE_POINTS];
-    NSFont* const mono = [NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS];
-    NSArray* const pieces = [withMarkedLinks(line) componentsSeparatedByString:@"`"];
-    for (NSUInteger i = 0; i < [pieces count]; i++) {
-        if (i % 2 == 1) {
-            append(out, [pieces objectAtIndex:i], attributes(mono, codeColor(), style));
-            continue;
-        }
-        NSArray* const parts = [[pieces objectAtIndex:i] componentsSeparatedByString:@"**"];
-        for (NSUInteger j = 0; j < [parts count]; j++) {
-            appendText(out, [parts objectAtIndex:j],
-                       attributes(j % 2 == 1 ? strong : plain, ink(0.86), style));
+// Appends a part of a line, turning `code`, **strong** and [links](#to-sections) into their looks. Of other links the text
+// alone stays, and of ![images](y) nothing.
+static void appendPart(NSMutableAttributedString* out, NSString* line, NSDictionary* look) {
+    enum { CODE = 1, STRONG, LINK_TEXT, LINK_TARGET };
+    NSString* const marks =
+        @"`([^`]*)`|\\*\\*(.+?)\\*\\*|!\\[[^\\]]*\\]\\([^)]*\\)|\\[([^\\]]*)\\]\\(([^)]*)\\)";
+    NSRegularExpression* const finder = [NSRegularExpression regularExpressionWithPattern:marks
+                                                                                  options:0
+                                                                                    error:NULL];
+    const NSRange all = NSMakeRange(0, [line length]);
+    NSUInteger place = 0;
+    for (NSTextCheckingResult* const match in [finder matchesInString:line options:0 range:all]) {
+        const auto part = [&](NSUInteger group) -> NSString* {
+            const NSRange range = [match rangeAtIndex:group];
+            return range.location < all.length ? [line substringWithRange:range] : nil;
+        };
+        append(out, [line substringWithRange:NSMakeRange(place, [match range].location - place)], look);
+        place = NSMaxRange([match range]);
+        NSMutableDictionary* const inner = [NSMutableDictionary dictionaryWithDictionary:look];
+        if (part(CODE)) {
+            [inner setObject:[NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS] forKey:NSFontAttributeName];
+            [inner setObject:codeColor() forKey:NSForegroundColorAttributeName];
+            append(out, part(CODE), inner);
+        } else if (part(STRONG)) {
+            [inner setObject:[NSFont boldSystemFontOfSize:TEXT_SIZE_POINTS] forKey:NSFontAttributeName];
+            appendPart(out, part(STRONG), inner);
+        } else if (part(LINK_TEXT)) {
+            if ([part(LINK_TARGET) hasPrefix:@"#"])
+                [inner setObject:[part(LINK_TARGET) substringFromIndex:1] forKey:NSLinkAttributeName];
+            appendPart(out, part(LINK_TEXT), inner);
         }
     }
+    append(out, [line substringFromIndex:place], look);
+}
+
+static NSDictionary* plainLook(NSParagraphStyle* style) {
+    return attributes([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86), style);
 }
 
 static void appendLine(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
-    appendPart(out, line, style);
-    append(out, @"\n", attributes([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86), style));
+    appendPart(out, line, plainLook(style));
+    append(out, @"\n", plainLook(style));
 }
 
 // A little space between what stands above and what follows.
@@ -169,7 +113,7 @@ static NSArray* cellsOf(NSString* line) {
 
 static CGFloat widthOf(NSString* cell) {
     NSMutableAttributedString* const text = [[[NSMutableAttributedString alloc] init] autorelease];
-    appendPart(text, cell, paragraph(0));
+    appendPart(text, cell, plainLook(paragraph(0)));
     return std::ceil([text size].width);
 }
 
