@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The guide, in a window of its own.
-#ifndef TALLYQUILL_GUIDEWINDOW_H
-#define TALLYQUILL_GUIDEWINDOW_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -13,5 +12,3 @@ bool showGuideWindow();
 // A text in the guide's notation, a small part of Markdown, laid out: headings ("#" to "###"), tables, fenced code,
 // items ("- "), `code` and **strong**; a link shows its text, an image nothing. Anything else stands as it is.
 NSAttributedString* guideText(NSString* markdown);
-
-#endif

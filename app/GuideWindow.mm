@@ -248,7 +248,6 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
 
 // To the heading of that name, at the top of what is in sight.
 - (void)clickedOnLink:(id)link atIndex:(NSUInteger)index {
-    (void)index;
     NSTextStorage* const text = [self textStorage];
     NSRange run = {0, 0};
     for (NSUInteger i = 0; i < [text length]; i = NSMaxRange(run)) {

@@ -2,8 +2,7 @@
 //
 // The window's content view: paints the translucent background behind the console. A press of the mouse where no
 // control is goes to the window's delegate, which drags the window.
-#ifndef TALLYQUILL_HUDVIEWWITHBLUR_H
-#define TALLYQUILL_HUDVIEWWITHBLUR_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -12,11 +11,9 @@
 @interface HUDViewWithBlur : NSView {
     MainConsole* mainConsole; // not retained
 }
-- (void)setMainConsole:(MainConsole*)console;
+@property(nonatomic, assign) MainConsole* mainConsole;
 
 // Fills the band between the status line and the controls, as far as it lies in `dirty`, with the console's
 // background colour at an alpha of 1 - 0.004 x the setting `trans`.
 - (void)drawRect:(NSRect)dirty;
 @end
-
-#endif

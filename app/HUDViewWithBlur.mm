@@ -6,9 +6,7 @@
 
 @implementation HUDViewWithBlur
 
-- (void)setMainConsole:(MainConsole*)console {
-    mainConsole = console;
-}
+@synthesize mainConsole;
 
 // The superclass keeps a press to itself and hands the drags on, which would then begin nowhere.
 - (NSResponder*)dragger {

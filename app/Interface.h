@@ -4,8 +4,7 @@
 //
 // The content view from bottom to top: the status line (20 points), the console in its scroll view, the controls
 // (27 points): display base, angle mode, variables, functions.
-#ifndef TALLYQUILL_INTERFACE_H
-#define TALLYQUILL_INTERFACE_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -27,5 +26,3 @@ void buildPreferences(PelmoAppDelegate* delegate);
 
 // The menu bar (InterfaceMenus.mm). Items of the first responder have no target.
 void buildMenus(PelmoAppDelegate* delegate);
-
-#endif

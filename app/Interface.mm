@@ -112,7 +112,8 @@ static void buildControls(NSView* content, MainConsole* console) {
     placeControls(content, [NSArray arrayWithObjects:base, mode, vars, functions, nil], widths);
     [console setCtrlBase:base];
     [console setCtrlDegMode:mode];
-    [console setMenuVars:vars funcs:functions];
+    [console setMenuVars:vars];
+    [console setMenuFuncs:functions];
 }
 
 NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {

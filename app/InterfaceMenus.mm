@@ -53,9 +53,10 @@ void buildMenus(PelmoAppDelegate* delegate) {
         addRow(menu, row, delegate);
     }
     NSMenu* const display = [[bar itemWithTitle:@"Display"] submenu];
-    [[delegate mainConsole] setMenuDispBin:[display itemAtIndex:0]
-                                       dec:[display itemAtIndex:1]
-                                       hex:[display itemAtIndex:2]];
+    MainConsole* const console = [delegate mainConsole];
+    [console setMenuDispBin:[display itemAtIndex:0]];
+    [console setMenuDispDec:[display itemAtIndex:1]];
+    [console setMenuDispHex:[display itemAtIndex:2]];
     [NSApp setWindowsMenu:[[bar itemWithTitle:@"Window"] submenu]];
     [NSApp setMainMenu:bar];
 }

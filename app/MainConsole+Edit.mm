@@ -35,7 +35,6 @@ static const useconds_t FLASH = 80000; // microseconds
 // --- Copy ---
 
 - (void)copy:(id)sender {
-    (void)sender;
     const NSRange selection = [self selectedRange];
     if (selection.length == 0) {
         [self copyAnswer];
@@ -70,7 +69,6 @@ static const useconds_t FLASH = 80000; // microseconds
 }
 
 - (void)copyAnswer:(id)sender {
-    (void)sender;
     [self copyAnswer];
 }
 
@@ -95,7 +93,6 @@ static const useconds_t FLASH = 80000; // microseconds
 
 // In place of the text view's own menu, which is about spelling.
 - (NSMenu*)menuForEvent:(NSEvent*)event {
-    (void)event;
     const struct {
         NSString* title;
         SEL action;
@@ -145,7 +142,6 @@ static const useconds_t FLASH = 80000; // microseconds
 
 // Of what lies in the transcript nothing is removed: it is copied. A selection inside the entry stays as it is.
 - (void)cut:(id)sender {
-    (void)sender;
     const NSRange selection = [self selectedRange];
     const TextRange inEntry = [self transcript].selectedInEntry();
     if (selection.location < static_cast<NSUInteger>(g_linestart)) {
@@ -166,10 +162,9 @@ static NSString* asOneLine(NSString* text) {
     [lineEnds addCharactersInString:@"\u2028\u2029"]; // GNUstep's set has them not
     if ([text rangeOfCharacterFromSet:lineEnds].location == NSNotFound) return text;
     NSMutableArray* const lines = [NSMutableArray array];
-    NSArray* const pieces = [text componentsSeparatedByCharactersInSet:lineEnds];
-    for (NSUInteger i = 0; i < [pieces count]; i++) {
-        NSString* const line = [[pieces objectAtIndex:i]
-            stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
+    for (NSString* const piece in [text componentsSeparatedByCharactersInSet:lineEnds]) {
+        NSString* const line =
+            [piece stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
         if ([line length] > 0) [lines addObject:line];
     }
     return [lines componentsJoinedByString:@"; "];
@@ -192,7 +187,6 @@ static NSString* asOneLine(NSString* text) {
 
 // Whatever brings text in, a paste, a drop, a service or the middle button of the mouse: it comes in plain.
 - (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
-    (void)type;
     NSString* const text = [board stringForType:NSStringPboardType];
     if (!text && [board availableTypeFromArray:[NSArray arrayWithObject:NSStringPboardType]]) {
         [self updateStatusbar:"The text could not be fetched."]; // so much of it, say, that its owner gave up
@@ -201,12 +195,10 @@ static NSString* asOneLine(NSString* text) {
 }
 
 - (void)paste:(id)sender {
-    (void)sender;
     [self readSelectionFromPasteboard:[NSPasteboard generalPasteboard] type:NSStringPboardType];
 }
 
 - (void)undo:(id)sender {
-    (void)sender;
     const NSUInteger place = [self selectedRange].location;
     const bool isEmpty = place == static_cast<NSUInteger>(g_linestart) && place == [[self string] length];
     if (isEmpty) return;

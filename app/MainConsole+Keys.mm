@@ -68,15 +68,12 @@ static NSRange rangeOf(const TextRange& range) {
 
 // An entry is one line: Control-O and its like open no other.
 - (void)insertNewline:(id)sender {
-    (void)sender;
 }
 
 - (void)insertNewlineIgnoringFieldEditor:(id)sender {
-    (void)sender;
 }
 
 - (void)insertLineBreak:(id)sender {
-    (void)sender;
 }
 
 @end

@@ -109,7 +109,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
 }
 
 - (void)populateVarsMenu {
-    static char value[FORMAT_SIZE];
+    char value[FORMAT_SIZE];
     NSMutableArray* const titles = [NSMutableArray arrayWithObject:@"Vars"];
     for (const node* variable = calc.vars.first; variable; variable = variable->next) {
         qtoascii(*variable->value, value, 10, calc.sciMode, '\0');
@@ -120,7 +120,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
 }
 
 - (void)populateFuncMenu {
-    static char text[TEXT_SIZE];
+    char text[TEXT_SIZE];
     NSMutableArray* const titles = [NSMutableArray array]; // the last one first, the separator empty
     bool isSeparated = false;
     for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {

@@ -18,7 +18,6 @@ static NSString* textFromPath(const std::string& path) {
 @implementation MainConsole (Scripts)
 
 - (void)newDocument:(id)sender {
-    (void)sender;
     [self clearConsole];
     [self ProcessResult:nullptr:YES];
 }
@@ -30,7 +29,6 @@ static NSString* textFromPath(const std::string& path) {
 }
 
 - (void)saveDocument:(id)sender {
-    (void)sender;
     NSSavePanel* const panel = [NSSavePanel savePanel];
     [panel setTitle:@"Save to script file..."];
     [panel setPrompt:@"Save Script"];
@@ -52,7 +50,6 @@ static NSString* textFromPath(const std::string& path) {
 // --- Replaying ---
 
 - (void)openDocument:(id)sender {
-    (void)sender;
     NSOpenPanel* const panel = [NSOpenPanel openPanel];
     [panel setCanChooseFiles:YES];
     [panel setCanChooseDirectories:NO];
@@ -140,7 +137,6 @@ static NSString* textFromPath(const std::string& path) {
 }
 
 - (void)tutorial:(id)sender {
-    (void)sender;
     NSString* const path = [[NSBundle mainBundle] pathForResource:@"tutorial" ofType:@"script"];
     [self clearPrompt];
     if (path) [self loadFile:path];

@@ -15,8 +15,7 @@
 //
 // Main thread only. Positions count the characters (UTF-16 units) of the text. "8-bit string" is text in ISO
 // Latin-1, of which ASCII is a part, ended by a NUL.
-#ifndef TALLYQUILL_MAINCONSOLE_H
-#define TALLYQUILL_MAINCONSOLE_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -24,23 +23,28 @@
 #include "Script.h"
 #include "Transcript.h"
 
+#include <chrono>
 #include <string>
 
+@class MainConsole;
 @class PelmoAppDelegate;
 
 // The paths of the functions file and of the settings file; nil before start-up and after shut-down.
 extern NSString* funcFilePath;
 extern NSString* prefFilePath;
 
+extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not retained
+
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
     Keeper keeper; // of the settings file and the functions file
-    EntryRecord record;  // what a script is saved from
+    EntryRecord record; // what a script is saved from
     ScriptTurns scripts;
-    PelmoAppDelegate* myAppDelegate; // not retained
-    NSTextField* answerStatus;       // the controls belong to the window
-    NSSegmentedControl* ctrlBase;    // 0 binary, 1 decimal, 2 hexadecimal
-    NSSegmentedControl* ctrlDegMode; // 0 degrees, 1 radians
+    std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
+    PelmoAppDelegate* myAppDelegate;                          // not retained
+    NSTextField* answerStatus;                                // the controls belong to the window
+    NSSegmentedControl* ctrlBase;                             // 0 binary, 1 decimal, 2 hexadecimal
+    NSSegmentedControl* ctrlDegMode;                          // 0 degrees, 1 radians
     NSMenuItem* menuDispBin;
     NSMenuItem* menuDispDec;
     NSMenuItem* menuDispHex;
@@ -77,6 +81,7 @@ extern NSString* prefFilePath;
 
 // An entry begins: key presses that wait are taken for interruptions from now on, though not at once.
 - (void)watchInterrupts;
+- (BOOL)isInterrupted;
 
 // The ends of the sheets of start-up; return code 1 is the default button.
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
@@ -84,13 +89,15 @@ extern NSString* prefFilePath;
 
 - (void)redo:(id)sender; // what undo took back from the entry
 
-- (PelmoAppDelegate*)myAppDelegate;
-- (void)setMyAppDelegate:(PelmoAppDelegate*)delegate;
-- (void)setAnswerStatus:(NSTextField*)field;
-- (void)setCtrlBase:(NSSegmentedControl*)control;
-- (void)setCtrlDegMode:(NSSegmentedControl*)control;
-- (void)setMenuDispBin:(NSMenuItem*)bin dec:(NSMenuItem*)dec hex:(NSMenuItem*)hex;
-- (void)setMenuVars:(NSPopUpButton*)vars funcs:(NSPopUpButton*)functions;
+@property(nonatomic, assign) PelmoAppDelegate* myAppDelegate;
+@property(nonatomic, assign) NSTextField* answerStatus;
+@property(nonatomic, assign) NSSegmentedControl* ctrlBase;
+@property(nonatomic, assign) NSSegmentedControl* ctrlDegMode;
+@property(nonatomic, assign) NSMenuItem* menuDispBin;
+@property(nonatomic, assign) NSMenuItem* menuDispDec;
+@property(nonatomic, assign) NSMenuItem* menuDispHex;
+@property(nonatomic, assign) NSPopUpButton* menuVars;
+@property(nonatomic, assign) NSPopUpButton* menuFuncs;
 @end
 
 @interface MainConsole (View)
@@ -234,5 +241,3 @@ NSString* textFromBytes(const char* bytes);
 
 // The text in UTF-8; what has no place in it is a question mark.
 std::string utf8Bytes(NSString* text);
-
-#endif

@@ -11,7 +11,6 @@
 #import <objc/runtime.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 NSString* funcFilePath = nil;
@@ -28,8 +27,7 @@ static const NSSize REACHABLE = {100, 40};
 // short entries leave what is typed ahead alone.
 static const std::chrono::milliseconds INTERRUPT_INTERVAL(50);
 
-static MainConsole* interruptedConsole = nil; // not retained
-static std::chrono::steady_clock::time_point lastInterruptCheck;
+MainConsole* interruptedConsole = nil;
 
 NSString* textFromBytes(const char* bytes) {
     const std::string shown = ShownLatin1(bytes);
@@ -45,6 +43,9 @@ std::string utf8Bytes(NSString* text) {
 
 @implementation MainConsole
 
+@synthesize myAppDelegate, answerStatus, ctrlBase, ctrlDegMode, menuDispBin, menuDispDec, menuDispHex,
+    menuVars, menuFuncs;
+
 - (void)dealloc {
     if (interruptedConsole == self) interruptedConsole = nil;
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
@@ -52,46 +53,19 @@ std::string utf8Bytes(NSString* text) {
     [super dealloc];
 }
 
-- (PelmoAppDelegate*)myAppDelegate {
-    return myAppDelegate;
-}
-
-- (void)setMyAppDelegate:(PelmoAppDelegate*)delegate {
-    myAppDelegate = delegate;
-}
-
-- (void)setAnswerStatus:(NSTextField*)field {
-    answerStatus = field;
-}
-
-- (void)setCtrlBase:(NSSegmentedControl*)control {
-    ctrlBase = control;
-}
-
-- (void)setCtrlDegMode:(NSSegmentedControl*)control {
-    ctrlDegMode = control;
-}
-
-- (void)setMenuDispBin:(NSMenuItem*)bin dec:(NSMenuItem*)dec hex:(NSMenuItem*)hex {
-    menuDispBin = bin;
-    menuDispDec = dec;
-    menuDispHex = hex;
-}
-
-- (void)setMenuVars:(NSPopUpButton*)vars funcs:(NSPopUpButton*)functions {
-    menuVars = vars;
-    menuFuncs = functions;
-}
-
 // --- Start-up ---
 
 static bool isInterrupted() {
+    return [interruptedConsole isInterrupted];
+}
+
+- (BOOL)isInterrupted {
     const auto now = std::chrono::steady_clock::now();
-    if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return false;
+    if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return NO;
     lastInterruptCheck = now;
     NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    [interruptedConsole writeDueFiles];
-    const bool isStopped = [interruptedConsole checkInterruptEvent] != 0;
+    [self writeDueFiles];
+    const BOOL isStopped = [self checkInterruptEvent] != 0;
     [pool release];
     return isStopped;
 }
@@ -180,9 +154,8 @@ static NSSize scaledSize(NSSize points) {
     const NSSize least = scaledSize(SMALLEST_WINDOW);
     frame.size.width = std::max(frame.size.width, least.width);
     frame.size.height = std::max(frame.size.height, least.height);
-    NSArray* const screens = [NSScreen screens];
-    for (NSUInteger i = 0; i < [screens count]; i++) {
-        const NSRect shown = NSIntersectionRect(frame, [[screens objectAtIndex:i] visibleFrame]);
+    for (NSScreen* const screen in [NSScreen screens]) {
+        const NSRect shown = NSIntersectionRect(frame, [screen visibleFrame]);
         if (shown.size.width >= REACHABLE.width && shown.size.height >= REACHABLE.height) return frame;
     }
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
@@ -273,14 +246,12 @@ static bool writesDecimalComma() {
 }
 
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
-    (void)context;
     if (code != NSAlertDefaultReturn) return;
     [sheet orderOut:nil];
     [self tutorial:self];
 }
 
 - (void)reviewSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
-    (void)context;
     if (code != NSAlertDefaultReturn) return;
     [sheet orderOut:nil];
     if (platformOpenPage([[NSUserDefaults standardUserDefaults] stringForKey:@"ReviewPageURL"])) return;
@@ -322,7 +293,6 @@ static bool writesDecimalComma() {
 
 // What undo took back. Nothing can be redone once something was written above the entry.
 - (void)redo:(id)sender {
-    (void)sender;
     if ([[self undoManager] canRedo]) [[self undoManager] redo];
     [self ProcessResult:nullptr:YES];
 }

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Moves the main window: it snaps to the edges of the screens.
-#ifndef TALLYQUILL_MAINWINDOWDELEGATE_H
-#define TALLYQUILL_MAINWINDOWDELEGATE_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -52,5 +51,3 @@ extern float ddY;
 // The frame moved to the edges of a screen where it is near one, each axis by itself, by the first screen that
 // attracts it. An edge snaps from 18 points inside the screen's edge to 54 points beyond it.
 NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count);
-
-#endif

@@ -50,9 +50,7 @@ NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count) {
 
 static std::vector<NSRect> visibleFrames() {
     std::vector<NSRect> frames;
-    NSArray* const screens = [NSScreen screens];
-    for (NSUInteger i = 0; i < [screens count]; i++) {
-        NSScreen* const screen = [screens objectAtIndex:i];
+    for (NSScreen* const screen in [NSScreen screens]) {
         const bool isScreen = [screen isKindOfClass:[NSScreen class]];
         frames.push_back(isScreen ? [screen visibleFrame] : [screen frame]);
     }
@@ -143,7 +141,6 @@ static std::vector<NSRect> visibleFrames() {
 }
 
 - (void)windowWillMove:(NSNotification*)notification {
-    (void)notification;
     if (isPlacing) return;
     isDragging = true;
     snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
@@ -155,7 +152,6 @@ static std::vector<NSRect> visibleFrames() {
 
 // A drag of the window's background moves it, as one of the title bar does.
 - (void)mouseDown:(NSEvent*)event {
-    (void)event;
     [self windowWillMove:nil];
 }
 
@@ -172,12 +168,10 @@ static std::vector<NSRect> visibleFrames() {
 }
 
 - (void)mouseUp:(NSEvent*)event {
-    (void)event;
     isDragging = false;
 }
 
 - (void)windowDidMove:(NSNotification*)notification {
-    (void)notification;
     if (isPlacing) return;
     // A window manager that moves the window tells afterwards only.
     if (platformWindowManagerMoves()) snapEnabled = [mainConsole setting:@"snaptoscreen"] != 0;
@@ -204,19 +198,16 @@ static std::vector<NSRect> visibleFrames() {
 
 // Hidden or in the dock, a window's frame is not where it will be.
 - (void)windowWillMiniaturize:(NSNotification*)notification {
-    (void)notification;
     [mainConsole storeFrame];
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
-    (void)notification;
     [mainConsole forgetWaitingScripts];
     [mainConsole storeFrame];
 }
 
 // Brought back by the window manager instead of the status item.
 - (void)windowDidDeminiaturize:(NSNotification*)notification {
-    (void)notification;
     if (mainWinIsHidden) [[mainConsole myAppDelegate] applicationDidBecomeActive:nil];
 }
 

@@ -2,8 +2,7 @@
 //
 // A line of text that shows a number. What does not fit is left out where an ellipsis stands: a number that just ends
 // would be a wrong one. An exponent or a prefix at its end stays.
-#ifndef TALLYQUILL_NUMBERFIELD_H
-#define TALLYQUILL_NUMBERFIELD_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -11,5 +10,3 @@
 @interface NumberField : NSTextField
 - (NSString*)shownText; // what is seen of it in the field's width
 @end
-
-#endif

@@ -60,7 +60,6 @@ static NSString* fitting(NSString* text, CGFloat width, NSDictionary* attributes
 }
 
 - (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView*)view {
-    (void)view;
     NSString* const text = [self textShownIn:frame];
     NSDictionary* const attributes = [self attributes];
     const NSSize size = [text sizeWithAttributes:attributes];

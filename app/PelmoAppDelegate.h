@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The application: start and end, files handed over by the system, and showing and hiding the window.
-#ifndef TALLYQUILL_PELMOAPPDELEGATE_H
-#define TALLYQUILL_PELMOAPPDELEGATE_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -23,14 +22,10 @@ extern NSMutableArray* waitingToOpenFilenames; // handed over before that, in or
     MainWindowDelegate* windowDelegate;
     NSStatusItem* statusItem;
 }
-- (NSWindow*)window;
-- (void)setWindow:(NSWindow*)mainWindow;
-- (MainConsole*)mainConsole;
-- (void)setMainConsole:(MainConsole*)console;
-- (MainWindowDelegate*)windowDelegate;
-- (void)setWindowDelegate:(MainWindowDelegate*)mover;
-- (PrefController*)prefController;
-- (void)setPrefController:(PrefController*)controller;
+@property(nonatomic, retain) NSWindow* window;
+@property(nonatomic, retain) MainConsole* mainConsole;
+@property(nonatomic, retain) MainWindowDelegate* windowDelegate;
+@property(nonatomic, retain) PrefController* prefController;
 
 - (void)createAppStatusItem;                     // in the system's status bar
 - (void)createAppStatusItemIn:(NSStatusBar*)bar; // nothing when there is no bar, or an item already
@@ -54,5 +49,3 @@ extern NSMutableArray* waitingToOpenFilenames; // handed over before that, in or
 // The display is gone and the program about to end: writes what is due, without a word to the display.
 - (void)displayWasLost;
 @end
-
-#endif

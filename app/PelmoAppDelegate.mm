@@ -26,45 +26,7 @@ static NSImage* bundleImage(NSString* name) {
 
 @implementation PelmoAppDelegate
 
-- (NSWindow*)window {
-    return window;
-}
-
-- (void)setWindow:(NSWindow*)mainWindow {
-    [mainWindow retain];
-    [window release];
-    window = mainWindow;
-}
-
-- (MainConsole*)mainConsole {
-    return mainConsole;
-}
-
-- (void)setMainConsole:(MainConsole*)console {
-    [console retain];
-    [mainConsole release];
-    mainConsole = console;
-}
-
-- (MainWindowDelegate*)windowDelegate {
-    return windowDelegate;
-}
-
-- (void)setWindowDelegate:(MainWindowDelegate*)mover {
-    [mover retain];
-    [windowDelegate release];
-    windowDelegate = mover;
-}
-
-- (PrefController*)prefController {
-    return prefController;
-}
-
-- (void)setPrefController:(PrefController*)controller {
-    [controller retain];
-    [prefController release];
-    prefController = controller;
-}
+@synthesize window, mainConsole, windowDelegate, prefController;
 
 - (void)dealloc {
     [self removeAppStatusItem];
@@ -78,12 +40,10 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (void)applicationWillFinishLaunching:(NSNotification*)notification {
-    (void)notification;
     buildInterface(self);
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
-    (void)notification;
     [window makeFirstResponder:mainConsole];
     [mainConsole initializeConsole:window];
     statusItem = nil;
@@ -98,7 +58,6 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path {
-    (void)application;
     if (calcIsReady) return [mainConsole loadFile:path];
     if (!waitingToOpenFilenames) waitingToOpenFilenames = [[NSMutableArray alloc] init];
     [waitingToOpenFilenames addObject:path];
@@ -110,7 +69,6 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
-    (void)application;
     // GNUstep asks also when another window is closed while this one is minimised.
     return !mainWinIsHidden && ![window isMiniaturized];
 }
@@ -151,7 +109,6 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (void)hideMainWindow:(id)sender {
-    (void)sender;
     if ([self isShown]) [self fadeAway];
 }
 
@@ -160,7 +117,6 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (void)clickedAppStatusItem:(id)sender {
-    (void)sender;
     if (![window isMiniaturized] && [window isKeyWindow] && !mainWinIsHidden) {
         [self fadeAway];
         return;
@@ -176,43 +132,36 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)isAnyVisible {
-    (void)application;
     (void)isAnyVisible; // another one, such as the guide, may be
     if (![self isShown]) [self bringBack];
     return NO;
 }
 
 - (void)showAbout:(id)sender {
-    (void)sender;
     showAboutPanel();
 }
 
 - (void)showGuide:(id)sender {
-    (void)sender;
     if (!showGuideWindow())
         [mainConsole simpleAlert:@"The guide is missing.":@"This copy of Tallyquill lacks it."];
 }
 
 - (void)applicationDidResignActive:(NSNotification*)notification {
-    (void)notification;
     if (mainWinIsHidden || [mainConsole setting:@"transback"] == 0) return;
     [prefController fadeWindow:1 - 0.008f * static_cast<float>([mainConsole setting:@"trans"]) rate:-0.05f];
 }
 
 - (void)applicationWillBecomeActive:(NSNotification*)notification {
-    (void)notification;
     [window setCollectionBehavior:EVERY_SPACE];
 }
 
 - (void)applicationDidBecomeActive:(NSNotification*)notification {
-    (void)notification;
     [prefController fadeWindow:1.0f rate:mainWinIsHidden ? 0.25f : 0.15f];
     [window setCollectionBehavior:ONE_SPACE];
     mainWinIsHidden = 0;
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
-    (void)notification;
     [prefController closePanel];
     [mainConsole terminateConsole];
     [self removeAppStatusItem];

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What macOS and GNUstep do differently. One of the folders macos/ and gnustep/ is compiled, and nothing else asks which.
-#ifndef TALLYQUILL_PLATFORM_H
-#define TALLYQUILL_PLATFORM_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -89,5 +88,3 @@ NSColorWell* makeColorWell();
 // move in it, typed letters go to the first row that begins with them (after a pause of a second they begin anew),
 // Return chooses, Escape and a click elsewhere close it. Keys with Command close it and are carried out.
 NSPopUpButton* makeListPopUp(NSString* title);
-
-#endif

@@ -2,8 +2,7 @@
 //
 // The preferences panel's controller. Most changes act at once; all are stored and saved when the panel closes. It
 // also fades the main window.
-#ifndef TALLYQUILL_PREFCONTROLLER_H
-#define TALLYQUILL_PREFCONTROLLER_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -69,5 +68,3 @@ struct PrefControls {
 - (void)fadeWindow:(float)target rate:(float)rate;
 - (void)fadeWin:(NSTimer*)tick; // one step
 @end
-
-#endif

@@ -78,7 +78,6 @@ static int stateOf(NSButton* box) {
 // --- Opening ---
 
 - (void)menuPreferences:(id)sender {
-    (void)sender;
     for (const Setting& setting : SETTINGS) [self showSetting:setting];
     [controls.prefSlider setContinuous:YES];
     [controls.prefFGColor setColor:[mainConsole textColor]];
@@ -249,7 +248,6 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
 }
 
 - (void)windowWillClose:(NSNotification*)notification {
-    (void)notification;
     if (!prefWinIsOpen) return;
     [prefWindow makeFirstResponder:nil]; // what is being typed counts
     if (!hasNumber(controls.prefSigFigs)) [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];

@@ -2,8 +2,7 @@
 //
 // The end from outside: signals that ask the program to end (SIGTERM, SIGINT, and SIGHUP when a session ends), and the
 // loss of the display. What is due is written first.
-#ifndef TALLYQUILL_TERMINATION_H
-#define TALLYQUILL_TERMINATION_H
+#pragma once
 
 #include <vector>
 
@@ -17,5 +16,3 @@ void heedTerminationSignals(const std::vector<int>& signals);
 
 // Whether such a signal has come.
 bool isTerminationAsked();
-
-#endif

@@ -42,7 +42,6 @@ bool isTerminationAsked() {
 
 @implementation Terminator
 - (void)pipeIsReady:(NSNotification*)notification {
-    (void)notification;
     [self end];
 }
 

@@ -2,8 +2,7 @@
 //
 // For text fields of few characters: limits the length and turns letters into capitals. Each field needs a formatter
 // of its own.
-#ifndef TALLYQUILL_TEXTFORMATTER_H
-#define TALLYQUILL_TEXTFORMATTER_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -16,5 +15,3 @@
 - (void)setMaximumLength:(int32_t)length;
 - (int32_t)maximumLength;
 @end
-
-#endif

@@ -39,7 +39,6 @@
 }
 
 - (BOOL)getObjectValue:(id*)object forString:(NSString*)text errorDescription:(NSString**)error {
-    (void)error;
     [self rememberText:text];
     if (object) *object = text;
     return YES;
@@ -47,8 +46,6 @@
 
 - (NSAttributedString*)attributedStringForObjectValue:(id)object
                                 withDefaultAttributes:(NSDictionary*)attributes {
-    (void)object;
-    (void)attributes;
     return nil;
 }
 
@@ -57,10 +54,6 @@
               originalString:(NSString*)original
        originalSelectedRange:(NSRange)originalSelection
             errorDescription:(NSString**)error {
-    (void)selection;
-    (void)original;
-    (void)originalSelection;
-    (void)error;
     if (![self isWithinLimit:*partial]) return NO;
     NSString* const capitals = [*partial uppercaseString];
     if ([*partial isEqualToString:capitals]) return YES;

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The window's question to the online query service (Query.h).
-#ifndef TALLYQUILL_WEBQUERY_H
-#define TALLYQUILL_WEBQUERY_H
+#pragma once
 
 #import <Foundation/Foundation.h>
 
@@ -12,5 +11,3 @@
 // The wait takes 20 seconds at most, unless the default QuerySeconds (1 to 60) says otherwise. Escape ends it and
 // sets scriptInterrupted.
 NSString* askQueryService(NSString* query, MainConsole* console);
-
-#endif

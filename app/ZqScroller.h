@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The console's vertical scroller: narrow, drawn from images, without arrows.
-#ifndef TALLYQUILL_ZQSCROLLER_H
-#define TALLYQUILL_ZQSCROLLER_H
+#pragma once
 
 #import <AppKit/AppKit.h>
 
@@ -12,5 +11,3 @@
 
 // The rectangle of a knob image `width` points wide, centred in the knob's track.
 NSRect centeredKnob(NSRect knob, CGFloat width);
-
-#endif

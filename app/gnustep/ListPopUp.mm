@@ -275,7 +275,6 @@ static void drawText(NSString* text, NSPoint place, NSColor* color) {
 }
 
 - (void)drawRect:(NSRect)dirty {
-    (void)dirty;
     const NSRect bounds = [self bounds];
     [[NSColor windowBackgroundColor] set];
     NSRectFill(bounds);
@@ -474,7 +473,6 @@ static NSPoint placeOnScreen(NSEvent* event) {
 }
 
 - (void)performClick:(id)sender {
-    (void)sender;
     if ([self numberOfItems] < 2 || panel) return;
     isHeld = false;
     [self runList];

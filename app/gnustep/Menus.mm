@@ -33,7 +33,6 @@ static const NSUInteger BUTTONS = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRi
 
 // Follows the mouse up to a click, a drag that ends, or a key, which waits for the window behind.
 - (void)mouseDown:(NSEvent*)event {
-    (void)event;
     const NSPoint start = [NSEvent mouseLocation];
     bool isClick = true; // the click that opened the menu has not ended elsewhere
     chosen = -1;

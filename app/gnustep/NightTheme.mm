@@ -105,7 +105,6 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                         withFrame:(NSRect)bounds
                         dirtyRect:(NSRect)dirty
                        horizontal:(BOOL)horizontal {
-    (void)view;
     [gray(WINDOW) set];
     NSRectFill(NSIntersectionRect(bounds, dirty));
     if (horizontal) return;
@@ -128,16 +127,12 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
     const bool isLowest = NSMinY(frame) <= 1;
     if (isLowest && ![view isFlipped])
         NSRectFill(NSMakeRect(NSMinX(frame), NSMinY(frame), NSWidth(frame), 1));
-    (void)cell;
 }
 
 - (void)drawSeparatorItemForMenuItemCell:(NSMenuItemCell*)cell
                                withFrame:(NSRect)frame
                                   inView:(NSView*)view
                             isHorizontal:(BOOL)horizontal {
-    (void)cell;
-    (void)view;
-    (void)horizontal;
     [gray(EDGE) set];
     NSRectFill(NSMakeRect(NSMinX(frame) + 4, std::floor(NSMidY(frame)), NSWidth(frame) - 8, 1));
 }
@@ -160,16 +155,10 @@ static bool hasFocus(GSThemeControlState state) {
               view:(NSView*)view
              style:(int)style
              state:(GSThemeControlState)state {
-    (void)cell;
-    (void)view;
-    (void)style;
     fillRounded(frame, buttonFill(state), hasFocus(state) ? focus() : gray(EDGE));
 }
 
 - (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
-    (void)cell;
-    (void)view;
-    (void)frame;
 }
 
 // --- Sliders ---
@@ -178,15 +167,9 @@ static bool hasFocus(GSThemeControlState state) {
                                 frame:(NSRect)frame
                                inCell:(NSCell*)cell
                          isHorizontal:(BOOL)horizontal {
-    (void)type;
-    (void)frame;
-    (void)cell;
-    (void)horizontal;
 }
 
 - (void)drawBarInside:(NSRect)rect inCell:(NSCell*)cell flipped:(BOOL)flipped {
-    (void)cell;
-    (void)flipped;
     const NSRect bar =
         NSMakeRect(NSMinX(rect) + CORNER, std::floor(NSMidY(rect)) - 2, NSWidth(rect) - 2 * CORNER, 4);
     fillRounded(bar, gray(PRESSED), nil);
@@ -206,8 +189,6 @@ static bool hasFocus(GSThemeControlState state) {
 
 // GNUstep's own line between the scroller and the document is not drawn.
 - (void)drawScrollViewRect:(NSRect)rect inView:(NSView*)view {
-    (void)rect;
-    (void)view;
 }
 
 - (float)defaultScrollerWidth {
@@ -271,12 +252,10 @@ static bool hasFocus(GSThemeControlState state) {
     const NSSize size = [label sizeWithAttributes:attributes];
     const NSPoint corner = NSMakePoint(NSMidX(frame) - size.width / 2, NSMidY(frame) - size.height / 2);
     [label drawAtPoint:NSMakePoint(std::floor(corner.x), std::floor(corner.y)) withAttributes:attributes];
-    (void)view;
 }
 
 // GNUstep notes where a segment is when it draws it, which is done here instead.
 - (void)stopTracking:(NSPoint)last at:(NSPoint)stop inView:(NSView*)view mouseIsUp:(BOOL)isUp {
-    (void)last;
     if (!isUp || !NSPointInRect(stop, [view bounds])) return;
     CGFloat end = 0;
     for (NSInteger i = 0; i < [self segmentCount]; i++) {
@@ -319,7 +298,6 @@ static bool hasFocus(GSThemeControlState state) {
 }
 
 - (void)drawRect:(NSRect)dirty {
-    (void)dirty;
     const bool hasKeys = [[self window] firstResponder] == self;
     fillRounded([self bounds], gray(FIELD), hasKeys ? focus() : gray([self isActive] ? TEXT : EDGE));
     fillRounded(NSInsetRect([self bounds], 3, 3), [self color], nil);

@@ -180,8 +180,7 @@ static NSString* brokenLine(NSString* line) {
 
 NSString* platformSheetText(NSString* text) {
     NSMutableArray* const lines = [NSMutableArray array];
-    NSArray* const given = [text componentsSeparatedByString:@"\n"];
-    for (NSUInteger i = 0; i < [given count]; i++) [lines addObject:brokenLine([given objectAtIndex:i])];
+    for (NSString* const line in [text componentsSeparatedByString:@"\n"]) [lines addObject:brokenLine(line)];
     return [lines componentsJoinedByString:@"\n"];
 }
 
