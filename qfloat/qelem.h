@@ -3,8 +3,7 @@
 // Private to qfloat/: square root, exponential and logarithm of Extended values, for the routines that round
 // once at the end.  The arguments are magnitudes; signs are passed and returned beside them.  An Extended
 // with an all-zero mantissa is zero, whatever its exponent.  Outputs may be inputs.  Nothing sets merror.
-#ifndef TALLYQUILL_QELEM_H
-#define TALLYQUILL_QELEM_H
+#pragma once
 
 #include "qlimb.h"
 
@@ -37,5 +36,3 @@ inline bool isZero(const Extended& x) {
 void store(const Extended& x, uint32_t sign, uint32_t* q);
 
 } // namespace elem
-
-#endif

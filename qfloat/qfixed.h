@@ -2,8 +2,7 @@
 //
 // Private to qfloat/: fixed point with 384 fraction bits and one limb for the integer part, for the argument
 // reductions of the elementary functions.
-#ifndef TALLYQUILL_QFIXED_H
-#define TALLYQUILL_QFIXED_H
+#pragma once
 
 #include "qlimb.h"
 
@@ -85,5 +84,3 @@ inline Fixed timesLn2(uint64_t n) {
 }
 
 } // namespace elem
-
-#endif

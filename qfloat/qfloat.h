@@ -19,8 +19,7 @@
 //   - subtract, divide and remainder take the subtrahend or divisor FIRST;
 //   - nothing throws or allocates; failures are reported in `merror`, which no routine ever clears;
 //   - nothing is re-entrant (shared scratch state, one thread).
-#ifndef TALLYQUILL_QFLOAT_H
-#define TALLYQUILL_QFLOAT_H
+#pragma once
 
 #include <cstdint>
 
@@ -76,8 +75,8 @@ void qabs(qfloat a);        // a = |a|: clears the sign word
 int qisneg(const qfloat a); // 1 when the sign word is non-zero, else 0
 void qinfin(qfloat a);      // a = the overflow value; the sign word stays as it is
 
-// Normalises a in place.  An all-zero mantissa gives 0, as does an exponent that falls below 0; one that rises
-// above 0x10000 gives the overflow value and merror = 3.
+// Normalises a in place.  An all-zero mantissa gives 0, as does an exponent that falls below 0; one that
+// rises above 0x10000 gives the overflow value and merror = 3.
 void qnrmlz(qfloat a);
 
 // Returns -1, 0, +1 as a < b, a = b, a > b.  When both exponents are at most 352 the difference decides, so
@@ -156,7 +155,8 @@ void qlog(const qfloat x, qfloat y);
 // z = x^y.  A whole y below 415032 in magnitude goes through qpowi, anything else is e^(y ln x).
 // Within 0.52 over the whole range (measured below 0.501).
 // x = 0: 1 for y = 0, 0 for y > 0, the overflow value and merror = 3 for y < 0.
-// Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0).  y ln x above the range sets
+// Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0).  y ln x above the range
+// sets
 // merror = 3 also where the result is then 0.  An overflow value is positive.
 void qpow(const qfloat x, const qfloat y, qfloat z);
 
@@ -177,7 +177,8 @@ void qpowi(const qfloat x, const qfloat y, qfloat z);
 void qfac(const qfloat x, qfloat y);
 
 // c = b - k a for the integer k, towards zero, that leaves |c| < |a| (divisor first): exact for any
-// exponents, with b's sign, but 0 where it lies below the range; a zero remainder is a plain 0.  |b| < |a|: c = b.  The time grows with the
+// exponents, with b's sign, but 0 where it lies below the range; a zero remainder is a plain 0.  |b| < |a|: c
+// = b.  The time grows with the
 // difference of the exponents (64 bits a step).  a = 0: 0, merror = 2.
 void qremain(const qfloat a, const qfloat b, qfloat c);
 
@@ -236,7 +237,8 @@ void qround(const qfloat x, qfloat y); // y = the nearest integer, halves go up 
 void qfixintegers(qfloat x);
 
 // y = x * 2^n by exponent arithmetic.  Overflow, and any n above 131072: the overflow value with x's sign, no
-// code; underflow, and any n below -131072: 0, no code.  A zero is not special: its exponent word is raised too (a quirk that callers guard against).
+// code; underflow, and any n below -131072: 0, no code.  A zero is not special: its exponent word is raised
+// too (a quirk that callers guard against).
 void qldexp(const qfloat x, int64_t n, qfloat y);
 
 // y = x scaled into [0.5, 1), *e = the power of two removed; 0 gives y = 0, *e = 0.
@@ -244,5 +246,3 @@ void qfrexp(const qfloat x, int64_t* e, qfloat y);
 
 // Sets the shift count that the mantissa primitive `shift` consumes (qregister.h).
 void setshiftcount(int32_t n);
-
-#endif

@@ -5,8 +5,7 @@
 // The eleven mantissa words and the guard word of a working register are exactly six limbs, so a stored
 // number is loaded pairwise (the lower half of limb 0, the guard, is zero).  Internal steps that need more
 // than 352 bits (powers of ten, the elementary functions) keep all 384 and round once at the end.
-#ifndef TALLYQUILL_QLIMB_H
-#define TALLYQUILL_QLIMB_H
+#pragma once
 
 #include <cstdint>
 #include <cstring>
@@ -367,5 +366,3 @@ void scaleTen(Extended& x, int n);
 } // namespace portable
 #endif
 } // namespace limb
-
-#endif

@@ -56,8 +56,8 @@ void powerOfZero(const qfloat y, qfloat z) {
     merror = 3;
 }
 
-// z = e^(y ln x) with the special values and codes of qlog, qmul and qexp one after the other, but a power of 0
-// as powerOfZero has it.
+// z = e^(y ln x) with the special values and codes of qlog, qmul and qexp one after the other, but a power of
+// 0 as powerOfZero has it.
 void powerByLogarithm(const qfloat x, const qfloat y, qfloat z) {
     if (isZero(x)) {
         powerOfZero(y, z);

@@ -121,8 +121,8 @@ bool nearHalf(const uint64_t* rest, int digits) {
     return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
 }
 
-// Compares `value` with the midpoint "digits written so far, then 5", which is known within 2^-374 relative: what
-// is nearer is equal.
+// Compares `value` with the midpoint "digits written so far, then 5", which is known within 2^-374 relative:
+// what is nearer is equal.
 int compareMidpoint(const Extended& value, const char* text, int digits, int k) {
     Extended midpoint = {};
     midpoint.limb[0] = static_cast<uint64_t>(text[1] - '0');

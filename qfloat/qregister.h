@@ -5,8 +5,7 @@
 // A working register is a qfloat of 14 words followed by a guard word (word 14), which takes the bits shifted
 // out below the mantissa and decides rounding.  Word 2 receives the carries out of the mantissa.  The shifts
 // and sums work on words 2..14.
-#ifndef TALLYQUILL_QREGISTER_H
-#define TALLYQUILL_QREGISTER_H
+#pragma once
 
 #include <cstdint>
 
@@ -19,7 +18,8 @@ constexpr uint32_t negativeSign = 0xFFFFFFFF;
 extern uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
 extern int32_t SC; // shift count: left by normlz for its callers, consumed by shift
 
-// 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be added
+// 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be
+// added
 // up, 1 after qsub and 0 after qadd.  qlogic's rounding reads it.  The elementary and circular functions do
 // not add numbers up and leave it alone.
 extern char subflg;
@@ -63,5 +63,3 @@ void mdnorm(uint32_t* r);
 // Normalises the mantissa and leaves in SC what the caller subtracts from the exponent.  Returns 1 when the
 // mantissa is all zero.
 int normlz(uint32_t* r);
-
-#endif

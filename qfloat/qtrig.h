@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// The circular, inverse circular and hyperbolic functions of the number type.  Angles are in radians, but those of
-// qsindeg, qcosdeg and qtandeg in degrees.
+// The circular, inverse circular and hyperbolic functions of the number type.  Angles are in radians, but
+// those of qsindeg, qcosdeg and qtandeg in degrees.
 //
 // Every routine reads x and writes y; y may be the same array as x.  Work is done with 384-bit mantissas and
-// rounded once, half up: no result is further than 0.500001 units of the last place (ulp) from the true value,
+// rounded once, half up: no result is further than 0.500001 units of the last place (ulp) from the true
+// value,
 // also next to the zeros of a function and for huge arguments.  The worst error measured, over 150,000 random
 // and hard arguments each (bench/accuracy_trig.cpp), stands with each routine.
 //
 // Special results, all functions: sin, tan, arctan, arcsin and tanh of a zero are a zero with the sign of x;
 // sinh of a zero is a plain zero.  Only the conditions named below write merror; no routine clears it.
-#ifndef TALLYQUILL_QTRIG_H
-#define TALLYQUILL_QTRIG_H
+#pragma once
 
 #include "qfloat.h"
 
@@ -24,14 +24,17 @@ void qsin(const qfloat x, qfloat y);
 // Worst error measured: below 0.5000001 ulp.
 void qcos(const qfloat x, qfloat y);
 
-// y = tan x, for any x: no limit and no code.  A pole gives a huge value (tan of qpi/2 is about -2.3 * 10^106).
+// y = tan x, for any x: no limit and no code.  A pole gives a huge value (tan of qpi/2 is about -2.3 *
+// 10^106).
 // Worst error measured: below 0.5000001 ulp.
 void qtan(const qfloat x, qfloat y);
 
-// The same of x degrees, which are reduced exactly: whole multiples of 30 and 45 have exact results where there are
-// such, and the sine of 10^100 degrees is that of 280.  A sine or cosine that is exactly zero is a plain zero, a
-// pole of the tangent the overflow value without a code.  Refused like qsin and qcos of the angle in radians, from
-// about 10^102 degrees on.
+// The same of x degrees, which are reduced exactly: whole multiples of 30 and 45 have exact results where
+// there are
+// such, and the sine of 10^100 degrees is that of 280.  A sine or cosine that is exactly zero is a plain
+// zero, a
+// pole of the tangent the overflow value without a code.  Refused like qsin and qcos of the angle in radians,
+// from about 10^102 degrees on.
 // Rounded once like the others; the tests hold them below 0.5000001 ulp.
 void qsindeg(const qfloat x, qfloat y);
 void qcosdeg(const qfloat x, qfloat y);
@@ -61,5 +64,3 @@ void qcosh(const qfloat x, qfloat y);
 // y = tanh x; 1 or -1, and no code, from where the difference falls below half a unit on (|x| > 122.69).
 // Worst error measured: below 0.5000001 ulp.
 void qtanh(const qfloat x, qfloat y);
-
-#endif

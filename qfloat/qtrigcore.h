@@ -5,8 +5,7 @@
 // "Fixed" values are six limbs in units of 2^-384, hence below 1.  One unit of the last place of a stored
 // number is at least 2^31 units of an Extended mantissa, so errors of a few hundred of those shift the
 // rounding boundary by less than 2^-20 units of the last place.
-#ifndef TALLYQUILL_QTRIGCORE_H
-#define TALLYQUILL_QTRIGCORE_H
+#pragma once
 
 #include "qlimb.h"
 #include "qregister.h"
@@ -53,8 +52,8 @@ struct Reduced {
 // however close x comes to a multiple of pi/2.
 Reduced reduceAngle(const Extended& x);
 
-// An angle of x > 0 degrees = (quadrant + 4n) * 90 + d, |d| <= 45, reduced exactly: d in radians as sign and magnitude,
-// within 2^-379; an all-zero mantissa for a multiple of 90.
+// An angle of x > 0 degrees = (quadrant + 4n) * 90 + d, |d| <= 45, reduced exactly: d in radians as sign and
+// magnitude, within 2^-379; an all-zero mantissa for a multiple of 90.
 Reduced reduceDegrees(const uint32_t* x);
 
 // s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.  Either may be null.
@@ -71,5 +70,3 @@ void sinhCoshSeries(const Extended& x, Extended& s, Extended& c);
 void arctangent(const Extended& n, const Extended& d, Extended& y);
 
 } // namespace trig
-
-#endif

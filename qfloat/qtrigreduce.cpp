@@ -105,8 +105,8 @@ namespace {
 
 const qfloat fullTurn = {0, 0x8009, 0, 0xB4000000}; // 360
 
-// x = x - 90 n for x < 512 with 32 zero bits below, and n the nearest whole number or one of two. Returns whether the
-// difference is negative; `x` is its magnitude.
+// x = x - 90 n for x < 512 with 32 zero bits below, and n the nearest whole number or one of two. Returns
+// whether the difference is negative; `x` is its magnitude.
 bool subtractQuadrants(Extended& x, unsigned& n) {
     constexpr int places = 10; // before the point
     constexpr int point = 64 - places;

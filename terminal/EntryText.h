@@ -8,7 +8,7 @@
 #include <string_view>
 
 // The longest entry, in bytes without its line end.
-constexpr std::size_t kMaxEntryLength = 9999;
+constexpr std::size_t MAX_ENTRY_LENGTH = 9999;
 
 enum class EntryFault { None, TooLong, NotText };
 
@@ -17,8 +17,9 @@ enum class EntryFault { None, TooLong, NotText };
 // numbers became one, and it uses others as marks of its own.
 EntryFault checkEntry(std::string_view entry);
 
-// Whether a line holds nothing but blanks and tabs. Handed to the engine, an empty line is a person's Return on an
-// empty prompt, which repeats the last assignment; in a file, a pipe or a pasted text it only sets lines apart.
+// Whether a line holds nothing but blanks and tabs. Handed to the engine, an empty line is a person's Return
+// on an empty prompt, which repeats the last assignment; in a file, a pipe or a pasted text it only sets
+// lines apart.
 bool isBlank(std::string_view line);
 
 // The message for a fault, one line with its line feed; empty for None.

@@ -27,7 +27,7 @@ void forgetInterrupt() {
 
 InterruptCatcher::InterruptCatcher() {
     forgetInterrupt();
-    catcher_.start(SIGINT, raiseFlag);
+    catcher.Start(SIGINT, raiseFlag);
 }
 
 void dieOfInterrupt() {

@@ -10,9 +10,9 @@ bool isInterrupted();
 
 void forgetInterrupt();
 
-// Catches Ctrl-C for its lifetime, beginning with the flag cleared: it sets the flag and lets a blocking read fail
-// with EINTR. Then all is as it was, but for the flag. A process that was started with Ctrl-C ignored, as in the
-// background, goes on ignoring it.
+// Catches Ctrl-C for its lifetime, beginning with the flag cleared: it sets the flag and lets a blocking read
+// fail with EINTR. Then all is as it was, but for the flag. A process that was started with Ctrl-C ignored,
+// as in the background, goes on ignoring it.
 class InterruptCatcher {
 public:
     InterruptCatcher();
@@ -20,7 +20,7 @@ public:
     InterruptCatcher& operator=(const InterruptCatcher&) = delete;
 
 private:
-    SignalCatcher catcher_;
+    SignalCatcher catcher;
 };
 
 // Ends the program as an uncaught Ctrl-C does, so that the shell's loop around it ends too.

@@ -16,7 +16,7 @@ namespace {
 std::atomic<Keyboard*> current{nullptr};
 
 // Begins the two bytes of the characters U+0080 to U+00BF.
-constexpr char kLead = '\xC2';
+constexpr char LEAD = '\xC2';
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -27,8 +27,8 @@ bool isInBackground(int terminal) {
     return foreground > 0 && foreground != getpgrp();
 }
 
-// In the background the terminal has the modes of the shell's line editor. There the system stops whoever waits for
-// the output, which changes nothing, until the shell brings the program to the foreground.
+// In the background the terminal has the modes of the shell's line editor. There the system stops whoever
+// waits for the output, which changes nothing, until the shell brings the program to the foreground.
 void waitForForeground(int terminal) {
     while (isInBackground(terminal) && tcdrain(terminal) != 0 && errno == EINTR) {
     }
@@ -37,150 +37,150 @@ void waitForForeground(int terminal) {
 } // namespace
 
 // Before a signal ends or stops the program. What is behind the passing on happens only when it does not end.
-void Keyboard::giveBack(int signal) {
+void Keyboard::GiveBack(int signal) {
     const int saved = errno;
     Keyboard* const keyboard = current;
-    tcsetattr(keyboard->input_, TCSANOW, &keyboard->modes_);
-    for (const SignalCatcher& catcher : keyboard->catchers_) {
-        if (catcher.isCatching(signal)) catcher.passOn();
+    tcsetattr(keyboard->input, TCSANOW, &keyboard->modes);
+    for (const SignalCatcher& catcher : keyboard->catchers) {
+        if (catcher.IsCatching(signal)) catcher.PassOn();
     }
-    takeAgain(signal);
+    TakeAgain(signal);
     errno = saved;
 }
 
-// After a stop, whatever stopped the program. A person or the shell may have set other modes meanwhile; those without
-// lines are our own, after a stop that could not be caught.
-void Keyboard::takeAgain(int) {
+// After a stop, whatever stopped the program. A person or the shell may have set other modes meanwhile; those
+// without lines are our own, after a stop that could not be caught.
+void Keyboard::TakeAgain(int) {
     const int saved = errno;
     Keyboard* const keyboard = current;
-    waitForForeground(keyboard->input_);
+    waitForForeground(keyboard->input);
     termios found = {};
-    if (tcgetattr(keyboard->input_, &found) == 0 && (found.c_lflag & ICANON) != 0) keyboard->useModes(found);
-    tcsetattr(keyboard->input_, TCSANOW, &keyboard->byteModes_);
-    keyboard->isBack_ = 1;
+    if (tcgetattr(keyboard->input, &found) == 0 && (found.c_lflag & ICANON) != 0) keyboard->UseModes(found);
+    tcsetattr(keyboard->input, TCSANOW, &keyboard->byteModes);
+    keyboard->isBack = 1;
     errno = saved;
 }
 
-void Keyboard::useModes(const termios& found) {
-    modes_ = found;
-    echoes_ = (found.c_lflag & ECHO) != 0; // whoever turned it off wants it off
-    byteModes_ = found;
-    byteModes_.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
-    byteModes_.c_cc[VMIN] = 1;
-    byteModes_.c_cc[VTIME] = 0;
+void Keyboard::UseModes(const termios& found) {
+    modes = found;
+    echoes = (found.c_lflag & ECHO) != 0; // whoever turned it off wants it off
+    byteModes = found;
+    byteModes.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
+    byteModes.c_cc[VMIN] = 1;
+    byteModes.c_cc[VTIME] = 0;
 }
 
-Keyboard::Keyboard(int input, int screen, std::size_t keep) : input_(input), screen_(screen), keep_(keep) {
-    if (isatty(input_) == 0) return;
-    waitForForeground(input_);
+Keyboard::Keyboard(int input, int screen, std::size_t keep) : input(input), screen(screen), keep(keep) {
+    if (isatty(input) == 0) return;
+    waitForForeground(input);
     termios found = {};
-    if (tcgetattr(input_, &found) != 0) return;
-    isTerminal_ = true;
-    useModes(found);
+    if (tcgetattr(input, &found) != 0) return;
+    isTerminal = true;
+    UseModes(found);
     current = this;
-    constexpr std::array<int, 4> kGivingBack = {SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
-    for (std::size_t i = 0; i < kGivingBack.size(); ++i) catchers_[i].start(kGivingBack[i], giveBack);
-    catchers_.back().start(SIGCONT, takeAgain);
-    tcsetattr(input_, TCSADRAIN, &byteModes_);
+    constexpr std::array<int, 4> GIVING_BACK = {SIGTERM, SIGHUP, SIGQUIT, SIGTSTP};
+    for (std::size_t i = 0; i < GIVING_BACK.size(); ++i) catchers[i].Start(GIVING_BACK[i], GiveBack);
+    catchers.back().Start(SIGCONT, TakeAgain);
+    tcsetattr(input, TCSADRAIN, &byteModes);
 }
 
 Keyboard::~Keyboard() {
-    if (!isTerminal_) return;
-    for (SignalCatcher& catcher : catchers_) catcher.stop();
+    if (!isTerminal) return;
+    for (SignalCatcher& catcher : catchers) catcher.Stop();
     current = nullptr;
-    tcsetattr(input_, TCSADRAIN, &modes_);
+    tcsetattr(input, TCSADRAIN, &modes);
 }
 
-bool Keyboard::isKey(char byte, int key) const {
-    const cc_t code = modes_.c_cc[key];
+bool Keyboard::IsKey(char byte, int key) const {
+    const cc_t code = modes.c_cc[key];
     return code != _POSIX_VDISABLE && static_cast<cc_t>(byte) == code;
 }
 
-void Keyboard::flush() {
-    if (screen_ >= 0 && !shown_.empty()) writeAll(screen_, shown_);
-    shown_.clear();
+void Keyboard::Flush() {
+    if (screen >= 0 && !shown.empty()) writeAll(screen, shown);
+    shown.clear();
 }
 
-void Keyboard::append(char byte, std::string& line) {
-    if (line.size() >= keep_) return;
-    if (echoes_) show(byte, line.empty() ? '\0' : line.back());
+void Keyboard::Append(char byte, std::string& line) {
+    if (line.size() >= keep) return;
+    if (echoes) Show(byte, line.empty() ? '\0' : line.back());
     line += byte;
 }
 
-// A control character is refused later; here it must not move the cursor. 0xC2 may begin one: it is shown together
-// with the byte behind it.
-void Keyboard::show(char byte, char before) {
+// A control character is refused later; here it must not move the cursor. 0xC2 may begin one: it is shown
+// together with the byte behind it.
+void Keyboard::Show(char byte, char before) {
     const auto code = static_cast<unsigned char>(byte);
-    if (byte == kLead) return;
-    if (before == kLead && isContinuation(byte))
-        shown_ += ShownText(std::string{before, byte});
+    if (byte == LEAD) return;
+    if (before == LEAD && isContinuation(byte))
+        shown += ShownText(std::string{before, byte});
     else if (code >= 0x20 || byte == '\t')
-        shown_ += byte;
+        shown += byte;
     else
-        shown_.append({'^', static_cast<char>(code + '@')});
+        shown.append({'^', static_cast<char>(code + '@')});
 }
 
-void Keyboard::showAgain(std::string_view prompt, const std::string& line) {
-    shown_ = "\r";
-    shown_ += prompt;
+void Keyboard::ShowAgain(std::string_view prompt, const std::string& line) {
+    shown = "\r";
+    shown += prompt;
     char before = '\0';
     for (const char byte : line) {
-        if (echoes_) show(byte, before);
+        if (echoes) Show(byte, before);
         before = byte;
     }
-    flush();
+    Flush();
 }
 
-void Keyboard::eraseCharacter(std::string& line) {
+void Keyboard::EraseCharacter(std::string& line) {
     while (!line.empty() && isContinuation(line.back())) line.pop_back();
     if (line.empty()) return;
     line.pop_back();
-    if (echoes_) shown_ += "\b \b";
+    if (echoes) shown += "\b \b";
 }
 
-void Keyboard::eraseWord(std::string& line) {
-    while (!line.empty() && line.back() == ' ') eraseCharacter(line);
-    while (!line.empty() && line.back() != ' ') eraseCharacter(line);
+void Keyboard::EraseWord(std::string& line) {
+    while (!line.empty() && line.back() == ' ') EraseCharacter(line);
+    while (!line.empty() && line.back() != ' ') EraseCharacter(line);
 }
 
-bool Keyboard::take(char byte, std::string& line) {
-    if (escape_ == Escape::Started) { // arrow and function keys have no meaning yet
-        escape_ = byte == '[' || byte == 'O' ? Escape::Sequence : Escape::None;
+bool Keyboard::Take(char byte, std::string& line) {
+    if (escape == Escape::Started) { // arrow and function keys have no meaning yet
+        escape = byte == '[' || byte == 'O' ? Escape::Sequence : Escape::None;
         return false;
     }
-    if (escape_ == Escape::Sequence) {
-        if (byte >= '@' && byte <= '~') escape_ = Escape::None;
+    if (escape == Escape::Sequence) {
+        if (byte >= '@' && byte <= '~') escape = Escape::None;
         return false;
     }
     if (byte == '\n') {
-        if (echoes_) shown_ += '\n';
+        if (echoes) shown += '\n';
         return true;
     }
     if (byte == '\x1b') {
-        escape_ = Escape::Started;
-    } else if (isKey(byte, VERASE) || byte == '\b' || byte == '\x7f') {
-        eraseCharacter(line);
-    } else if (isKey(byte, VKILL)) {
-        while (!line.empty()) eraseCharacter(line);
-    } else if (isKey(byte, VWERASE)) {
-        eraseWord(line);
-    } else if (isKey(byte, VEOF)) {
-        atEnd_ = line.empty();
-        return atEnd_;
+        escape = Escape::Started;
+    } else if (IsKey(byte, VERASE) || byte == '\b' || byte == '\x7f') {
+        EraseCharacter(line);
+    } else if (IsKey(byte, VKILL)) {
+        while (!line.empty()) EraseCharacter(line);
+    } else if (IsKey(byte, VWERASE)) {
+        EraseWord(line);
+    } else if (IsKey(byte, VEOF)) {
+        atEnd = line.empty();
+        return atEnd;
     } else {
-        append(byte, line);
+        Append(byte, line);
     }
     return false;
 }
 
 // A key arrives by itself, a pasted text in large pieces.
-Keyboard::Status Keyboard::lineStatus(const std::string& line) const {
-    return line.empty() && end_ > 1 ? Status::Blank : Status::Line;
+Keyboard::Status Keyboard::LineStatus(const std::string& line) const {
+    return line.empty() && end > 1 ? Status::Blank : Status::Line;
 }
 
-// The signals that end the wait are held back between the question for their flags and the wait: one that came just
-// there would otherwise be noticed only after the next key.
-bool Keyboard::waitForByte() const {
+// The signals that end the wait are held back between the question for their flags and the wait: one that
+// came just there would otherwise be noticed only after the next key.
+bool Keyboard::WaitForByte() const {
     sigset_t signals;
     sigset_t found;
     sigemptyset(&signals);
@@ -188,11 +188,11 @@ bool Keyboard::waitForByte() const {
     sigprocmask(SIG_BLOCK, &signals, &found);
     fd_set inputs;
     FD_ZERO(&inputs);
-    FD_SET(input_, &inputs);
+    FD_SET(input, &inputs);
     int ready = -1;
     int error = EINTR;
-    if (!isInterrupted() && isBack_ == 0) {
-        ready = pselect(input_ + 1, &inputs, nullptr, nullptr, nullptr, &found);
+    if (!isInterrupted() && isBack == 0) {
+        ready = pselect(input + 1, &inputs, nullptr, nullptr, nullptr, &found);
         error = errno;
     }
     sigprocmask(SIG_SETMASK, &found, nullptr);
@@ -200,31 +200,31 @@ bool Keyboard::waitForByte() const {
     return ready >= 0;
 }
 
-bool Keyboard::fill() {
-    start_ = end_ = 0;
-    if (!waitForByte()) return false;
-    const ssize_t count = read(input_, block_, sizeof block_);
-    if (count > 0) end_ = static_cast<std::size_t>(count);
+bool Keyboard::Fill() {
+    start = end = 0;
+    if (!WaitForByte()) return false;
+    const ssize_t count = read(input, block, sizeof block);
+    if (count > 0) end = static_cast<std::size_t>(count);
     if (count == 0 || (count < 0 && errno == EIO)) errno = 0; // EIO: the terminal is gone
     return count > 0 || errno == EAGAIN || errno == EWOULDBLOCK;
 }
 
-Keyboard::Status Keyboard::next(std::string_view prompt, std::string& line) {
+Keyboard::Status Keyboard::Next(std::string_view prompt, std::string& line) {
     line.clear();
     forgetInterrupt(); // one that came during the entry before
-    isBack_ = 0;
-    shown_ = prompt;
+    isBack = 0;
+    shown = prompt;
     for (;;) {
-        while (start_ < end_) {
-            if (!take(block_[start_++], line)) continue;
-            flush();
-            return atEnd_ ? Status::End : lineStatus(line);
+        while (start < end) {
+            if (!Take(block[start++], line)) continue;
+            Flush();
+            return atEnd ? Status::End : LineStatus(line);
         }
-        flush();
-        if (fill()) continue;
+        Flush();
+        if (Fill()) continue;
         if (errno != EINTR) return errno == 0 ? Status::End : Status::Failed;
         if (isInterrupted()) return Status::Cancelled;
-        isBack_ = 0; // first: the next stop may come while this is shown
-        showAgain(prompt, line);
+        isBack = 0; // first: the next stop may come while this is shown
+        ShowAgain(prompt, line);
     }
 }

@@ -3,8 +3,9 @@
 // Lines typed at a terminal.
 //
 // A terminal's own line mode drops what a line has beyond 4,095 bytes without a word, which would turn a long
-// pasted sum into a wrong one. So the bytes are taken one by one, and the keys that the line mode knows (erase
-// a character, a word, the line; end of input) are carried out here. Ctrl-C and Ctrl-Z stay the terminal's.
+// pasted sum into a wrong one. So the bytes are taken one by one, and the keys that the line mode knows
+// (erase a character, a word, the line; end of input) are carried out here. Ctrl-C and Ctrl-Z stay the
+// terminal's.
 #pragma once
 
 #include "Signals.h"
@@ -26,61 +27,62 @@ public:
         Failed     // the terminal cannot be read; errno says why
     };
 
-    // Reads from the terminal `input` and shows prompts and what is typed on `screen` (-1: nowhere). Of each line at
-    // most `keep` bytes are kept. From here to the destructor the terminal hands over single bytes; its modes are
-    // given back at the end, also when a signal ends or stops the program. In the background this waits until the
-    // program comes to the foreground. One object at a time.
+    // Reads from the terminal `input` and shows prompts and what is typed on `screen` (-1: nowhere). Of each
+    // line at most `keep` bytes are kept. From here to the destructor the terminal hands over single bytes;
+    // its modes are given back at the end, also when a signal ends or stops the program. In the background
+    // this waits until the program comes to the foreground. One object at a time.
     Keyboard(int input, int screen, std::size_t keep);
     ~Keyboard();
     Keyboard(const Keyboard&) = delete;
     Keyboard& operator=(const Keyboard&) = delete;
 
-    // Shows the prompt and puts the next line into `line`, without its line feed. When the program goes on after a
-    // stop, the prompt and what was typed are shown again. A terminal that is set not to block is waited for.
-    Status next(std::string_view prompt, std::string& line);
+    // Shows the prompt and puts the next line into `line`, without its line feed. When the program goes on
+    // after a stop, the prompt and what was typed are shown again. A terminal that is set not to block is
+    // waited for.
+    Status Next(std::string_view prompt, std::string& line);
 
 private:
     enum class Escape { None, Started, Sequence };
 
     // Carries out one byte. Returns true when it ends the line.
-    bool take(char byte, std::string& line);
-    bool isKey(char byte, int key) const;
-    void append(char byte, std::string& line);
-    void show(char byte, char before);
-    void showAgain(std::string_view prompt, const std::string& line);
+    bool Take(char byte, std::string& line);
+    bool IsKey(char byte, int key) const;
+    void Append(char byte, std::string& line);
+    void Show(char byte, char before);
+    void ShowAgain(std::string_view prompt, const std::string& line);
 
     // Waits for input. False with EINTR when a signal came instead, with another errno when waiting failed.
-    bool waitForByte() const;
+    bool WaitForByte() const;
 
-    // Waits for bytes and takes them into the empty block. False when a signal came instead, at the end and on a
-    // failure; then errno says which, 0 at the end.
-    bool fill();
+    // Waits for bytes and takes them into the empty block. False when a signal came instead, at the end and
+    // on a failure; then errno says which, 0 at the end.
+    bool Fill();
 
     // Takes these modes for those of the terminal.
-    void useModes(const termios& found);
+    void UseModes(const termios& found);
 
-    static void giveBack(int signal);
-    static void takeAgain(int signal);
-    void eraseCharacter(std::string& line);
-    void eraseWord(std::string& line);
-    void flush();
+    static void GiveBack(int signal);
+    static void TakeAgain(int signal);
+    void EraseCharacter(std::string& line);
+    void EraseWord(std::string& line);
+    void Flush();
 
     // The status of the line whose line feed was just taken.
-    Status lineStatus(const std::string& line) const;
+    Status LineStatus(const std::string& line) const;
 
-    int input_;
-    int screen_;
-    std::size_t keep_;
-    bool echoes_ = false;     // shows what is typed
-    bool isTerminal_ = false; // the modes below are its
-    termios modes_ = {};      // as they were found in the foreground
-    termios byteModes_ = {};
-    std::array<SignalCatcher, 5> catchers_;
-    volatile std::sig_atomic_t isBack_ = 0; // the program was stopped and goes on
-    std::string shown_;                     // not yet written
-    Escape escape_ = Escape::None;
-    bool atEnd_ = false;
-    std::size_t start_ = 0; // block_[start_, end_) is unread
-    std::size_t end_ = 0;
-    char block_[4096] = {};
+    int input;
+    int screen;
+    std::size_t keep;
+    bool echoes = false;     // shows what is typed
+    bool isTerminal = false; // the modes below are its
+    termios modes = {};      // as they were found in the foreground
+    termios byteModes = {};
+    std::array<SignalCatcher, 5> catchers;
+    volatile std::sig_atomic_t isBack = 0; // the program was stopped and goes on
+    std::string shown;                     // not yet written
+    Escape escape = Escape::None;
+    bool atEnd = false;
+    std::size_t start = 0; // block[start, end) is unread
+    std::size_t end = 0;
+    char block[4096] = {};
 };

@@ -15,23 +15,23 @@ public:
     };
 
     // Reads from `descriptor`, which stays the caller's. Of each line at most `keep` bytes are kept.
-    LineReader(int descriptor, std::size_t keep) : descriptor_(descriptor), keep_(keep) {}
+    LineReader(int descriptor, std::size_t keep) : descriptor(descriptor), keep(keep) {}
 
     // Puts the next line into `line`, without its LF or CR LF. Of a line longer than `keep` its first `keep`
     // bytes are given and the rest is read and dropped, whatever its length. Bytes behind the last LF are a
     // line too.
-    Status next(std::string& line);
+    Status Next(std::string& line);
 
 private:
     // Makes at least one unread byte available.
-    Status fill();
+    Status Fill();
 
     // Drops the CR of a CR LF, unless it was the byte of an overlong line at which keeping stopped.
-    static void dropCarriageReturn(std::string& line, bool complete);
+    static void DropCarriageReturn(std::string& line, bool complete);
 
-    int descriptor_;
-    std::size_t keep_;
-    std::size_t start_ = 0; // block_[start_, end_) is unread
-    std::size_t end_ = 0;
-    char block_[65536] = {};
+    int descriptor;
+    std::size_t keep;
+    std::size_t start = 0; // block[start, end) is unread
+    std::size_t end = 0;
+    char block[65536] = {};
 };

@@ -39,83 +39,83 @@ std::size_t characterLength(std::string_view text) {
 
 } // namespace
 
-Session::Session(int answers, int errors) : answers_(answers), errors_(errors) {
-    calc_.InitializeFunctionsAndVars();
-    setDefaults(calc_);
-    calc_.interruptCheck = isInterrupted;
-    testUnits();
+Session::Session(int answers, int errors) : answers(answers), errors(errors) {
+    calc.InitializeFunctionsAndVars();
+    setDefaults(calc);
+    calc.interruptCheck = isInterrupted;
+    TestUnits();
 }
 
-void Session::testUnits() {
+void Session::TestUnits() {
     units_clear_exception();
     units_convert("m", "ft");
     const char* const error = units_check_exception();
     if (error == nullptr) return;
-    writeAll(errors_, ShownText("Units converter initialization error.\n" + asLine(error)));
+    writeAll(errors, ShownText("Units converter initialization error.\n" + asLine(error)));
     units_clear_exception();
 }
 
-Session::Outcome Session::run(std::string_view entry) {
+Session::Outcome Session::Run(std::string_view entry) {
     const EntryFault fault = checkEntry(entry);
-    if (fault != EntryFault::None) return refuse(faultMessage(fault));
+    if (fault != EntryFault::None) return Refuse(faultMessage(fault));
 
     Outcome outcome = Outcome::Answered;
     {
         const InterruptCatcher catcher;
-        outcome = evaluate(entry);
+        outcome = Evaluate(entry);
     }
     // A Ctrl-C that came too late for the entry still ends the run. From here on it ends the program itself.
     const bool isOver = outcome == Outcome::Answered || outcome == Outcome::Refused;
     return isOver && isInterrupted() ? Outcome::Interrupted : outcome;
 }
 
-Session::Outcome Session::evaluate(std::string_view entry) {
-    calc_.ProcessEntry(std::string(entry).c_str(), false);
+Session::Outcome Session::Evaluate(std::string_view entry) {
+    calc.ProcessEntry(std::string(entry).c_str(), false);
     std::fflush(stdout); // the trace of this entry comes before its answer
 
     // What a command for the console echoes is shown by that command alone.
-    if (calc_.status == STATUS_COMMAND) return carryOut(calc_.message);
+    if (calc.status == STATUS_COMMAND) return CarryOut(calc.message);
     // Otherwise collected echoes come first, also those of an entry that failed further on.
-    if (!show(calc_.echoText)) return Outcome::OutputLost;
-    if (calc_.overflowed) anyRefused_ = true;
-    switch (calc_.status) {
-    case STATUS_RESULT: return answer(calc_.resultLine);
-    case STATUS_MESSAGE: return answer(calc_.message);
-    default: return refuse(calc_.message);
+    if (!Show(calc.echoText)) return Outcome::OutputLost;
+    if (calc.overflowed) anyRefused = true;
+    switch (calc.status) {
+    case STATUS_RESULT: return Answer(calc.resultLine);
+    case STATUS_MESSAGE: return Answer(calc.message);
+    default: return Refuse(calc.message);
     }
 }
 
-Session::Outcome Session::refuse(std::string_view message) {
-    anyRefused_ = true;
+Session::Outcome Session::Refuse(std::string_view message) {
+    anyRefused = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
-    writeAll(errors_, ShownText(asLine(message)));
+    writeAll(errors, ShownText(asLine(message)));
     return Outcome::Refused;
 }
 
-Session::Outcome Session::carryOut(std::string_view command) {
+Session::Outcome Session::CarryOut(std::string_view command) {
     if (command == "exit") return Outcome::Ended;
     if (command == "clear") {
-        if (!canClear(answers_)) return Outcome::Answered;
-        return writeAll(answers_, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
+        if (!canClear(answers)) return Outcome::Answered;
+        return writeAll(answers, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
     long number = 0;
-    if (CommandHasNumber(command, "pause", number)) return pause(number);
-    if (command == "echorep") return answer(calc_.echoText);
-    if (CommandHasNumber(command, "echo", number)) return typeOut(ShownText(calc_.echoText), number);
-    if (command == "convert") return convert(calc_.echoText);
-    if (command == "gospel") return openWebPage();
-    return refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
+    if (CommandHasNumber(command, "pause", number)) return Pause(number);
+    if (command == "echorep") return Answer(calc.echoText);
+    if (CommandHasNumber(command, "echo", number)) return TypeOut(ShownText(calc.echoText), number);
+    if (command == "convert") return Convert(calc.echoText);
+    if (command == "gospel") return OpenWebPage();
+    return Refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
 }
 
-Session::Outcome Session::pause(long milliseconds) {
+Session::Outcome Session::Pause(long milliseconds) {
     return sleepUnlessInterrupted(PauseLength(milliseconds)) ? Outcome::Answered : Outcome::Interrupted;
 }
 
-Session::Outcome Session::typeOut(std::string_view text, long rate) {
+Session::Outcome Session::TypeOut(std::string_view text, long rate) {
     const long wait = WaitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (!writeAll(answers_, text.substr(0, length))) return Outcome::OutputLost;
+        if (!writeAll(answers, text.substr(0, length))) return Outcome::OutputLost;
         text.remove_prefix(length);
         if (wait > 0 && !text.empty()) sleepUnlessInterrupted(wait);
         if (isInterrupted()) return Outcome::Interrupted;
@@ -123,23 +123,23 @@ Session::Outcome Session::typeOut(std::string_view text, long rate) {
     return Outcome::Answered;
 }
 
-Session::Outcome Session::convert(std::string_view query) {
-    if (isatty(answers_) == 1 && !show("...checking...\n")) return Outcome::OutputLost;
+Session::Outcome Session::Convert(std::string_view query) {
+    if (isatty(answers) == 1 && !Show("...checking...\n")) return Outcome::OutputLost;
     const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
     const std::string found =
-        askService(service == nullptr ? "" : service, query, kQuerySeconds, isInterrupted);
+        askService(service == nullptr ? "" : service, query, QUERY_SECONDS, isInterrupted);
     if (isInterrupted()) return Outcome::Interrupted;
-    return answer(found.empty() ? "Not found." : found);
+    return Answer(found.empty() ? "Not found." : found);
 }
 
-Session::Outcome Session::openWebPage() {
-    return answer(openPage() ? "<<< opening URL >>>" : "There is no web page to open.");
+Session::Outcome Session::OpenWebPage() {
+    return Answer(openPage() ? "<<< opening URL >>>" : "There is no web page to open.");
 }
 
-Session::Outcome Session::answer(std::string_view text) {
-    return show(text) ? Outcome::Answered : Outcome::OutputLost;
+Session::Outcome Session::Answer(std::string_view text) {
+    return Show(text) ? Outcome::Answered : Outcome::OutputLost;
 }
 
-bool Session::show(std::string_view text) {
-    return writeAll(answers_, ShownText(asLine(text)));
+bool Session::Show(std::string_view text) {
+    return writeAll(answers, ShownText(asLine(text)));
 }

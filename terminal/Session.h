@@ -22,11 +22,12 @@ public:
     Session(int answers, int errors);
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
-    // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the program.
-    Outcome run(std::string_view entry);
+    // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the
+    // program.
+    Outcome Run(std::string_view entry);
 
     // Whether any entry so far was refused or has an answer beyond the range.
-    bool anyRefused() const { return anyRefused_; }
+    bool AnyRefused() const { return anyRefused; }
 
     // Carries out a command that the engine hands to its front end. Any other command is refused.
     //   exit
@@ -36,21 +37,21 @@ public:
     //   echo<n>      types it out, n characters a second; as fast as it can for 0 and above 100
     //   convert      asks the online service at TALLYQUILL_QUERY_URL (Query.h)
     //   gospel       opens the web page (WebPage.h), or says that none is set
-    Outcome carryOut(std::string_view command);
+    Outcome CarryOut(std::string_view command);
 
 private:
-    void testUnits();
-    Outcome refuse(std::string_view message);
-    Outcome evaluate(std::string_view entry);
-    Outcome pause(long milliseconds);
-    Outcome typeOut(std::string_view text, long rate);
-    Outcome convert(std::string_view query);
-    Outcome openWebPage();
-    Outcome answer(std::string_view text);
-    bool show(std::string_view text);
+    void TestUnits();
+    Outcome Refuse(std::string_view message);
+    Outcome Evaluate(std::string_view entry);
+    Outcome Pause(long milliseconds);
+    Outcome TypeOut(std::string_view text, long rate);
+    Outcome Convert(std::string_view query);
+    Outcome OpenWebPage();
+    Outcome Answer(std::string_view text);
+    bool Show(std::string_view text);
 
-    int answers_;
-    int errors_;
-    bool anyRefused_ = false;
-    ZqCalculator calc_;
+    int answers;
+    int errors;
+    bool anyRefused = false;
+    ZqCalculator calc;
 };

@@ -9,32 +9,32 @@ bool isIgnored(const struct sigaction& action) {
 
 } // namespace
 
-void SignalCatcher::start(int signal, void (*handler)(int)) {
-    stop();
-    struct sigaction found = {};
-    if (sigaction(signal, nullptr, &found) != 0 || isIgnored(found)) return;
-    found_ = found; // before the handler can ask for it
-    signal_ = signal;
+void SignalCatcher::Start(int toCatch, void (*handler)(int)) {
+    Stop();
+    struct sigaction present = {};
+    if (sigaction(toCatch, nullptr, &present) != 0 || isIgnored(present)) return;
+    found = present; // before the handler can ask for it
+    signal = toCatch;
     struct sigaction action = {};
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr); // without SA_RESTART
 }
 
-void SignalCatcher::stop() {
-    if (signal_ != 0) sigaction(signal_, &found_, nullptr);
-    signal_ = 0;
+void SignalCatcher::Stop() {
+    if (signal != 0) sigaction(signal, &found, nullptr);
+    signal = 0;
 }
 
-void SignalCatcher::passOn() const {
+void SignalCatcher::PassOn() const {
     struct sigaction ours = {};
-    sigaction(signal_, &found_, &ours);
-    raise(signal_);
+    sigaction(signal, &found, &ours);
+    raise(signal);
     sigset_t signals;
     sigset_t blocked;
     sigemptyset(&signals);
-    sigaddset(&signals, signal_);
+    sigaddset(&signals, signal);
     sigprocmask(SIG_UNBLOCK, &signals, &blocked); // it comes here
     sigprocmask(SIG_SETMASK, &blocked, nullptr);
-    sigaction(signal_, &ours, nullptr);
+    sigaction(signal, &ours, nullptr);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Signals that are caught for a while. A program that was started with a signal ignored, as nohup does, goes on
-// ignoring it, and so do the programs that it starts.
+// Signals that are caught for a while. A program that was started with a signal ignored, as nohup does, goes
+// on ignoring it, and so do the programs that it starts.
 #pragma once
 
 #include <csignal>
@@ -9,24 +9,25 @@
 class SignalCatcher {
 public:
     SignalCatcher() = default;
-    ~SignalCatcher() { stop(); }
+    ~SignalCatcher() { Stop(); }
     SignalCatcher(const SignalCatcher&) = delete;
     SignalCatcher& operator=(const SignalCatcher&) = delete;
 
     // From here on `handler` gets the signal, unless it is ignored. A blocking call then fails with EINTR.
-    void start(int signal, void (*handler)(int));
+    void Start(int toCatch, void (*handler)(int));
 
-    // What start found holds again.
-    void stop();
+    // What Start found holds again.
+    void Stop();
 
     // Whether the signal is one that this object catches.
-    bool isCatching(int signal) const { return signal == signal_; }
+    bool IsCatching(int asked) const { return asked == signal; }
 
-    // In the handler: does what the signal would have done had nobody caught it, as to end or to stop the program.
+    // In the handler: does what the signal would have done had nobody caught it, as to end or to stop the
+    // program.
     // Returns when that leaves the program running.
-    void passOn() const;
+    void PassOn() const;
 
 private:
-    int signal_ = 0; // none
-    struct sigaction found_ = {};
+    int signal = 0; // none
+    struct sigaction found = {};
 };

@@ -20,9 +20,9 @@
 
 namespace {
 
-enum ExitStatus { kAllAnswered = 0, kSomeRefused = 1, kBadUsage = 2 };
+enum ExitStatus { ALL_ANSWERED = 0, SOME_REFUSED = 1, BAD_USAGE = 2 };
 
-constexpr std::string_view kHelp =
+constexpr std::string_view HELP =
     "Usage: tallyquill [OPTION]... [--] [ENTRY]...\n"
     "Evaluate each ENTRY and print its answer. Without ENTRY, evaluate the lines of\n"
     "standard input; when that is a terminal, prompt for them.\n"
@@ -40,9 +40,9 @@ constexpr std::string_view kHelp =
     "Answers go to standard output, errors to standard error.\n"
     "Exit status: 0 all entries were answered, 1 some entry failed or overflowed, 2 bad usage.\n";
 
-constexpr std::string_view kVersion = "tallyquill " TALLYQUILL_VERSION "\n";
+constexpr std::string_view VERSION = "tallyquill " TALLYQUILL_VERSION "\n";
 
-constexpr std::string_view kPrompt = "> ";
+constexpr std::string_view PROMPT = "> ";
 
 void complain(const std::string& text) {
     writeAll(STDERR_FILENO, ShownText("tallyquill: " + text + "\n"));
@@ -51,30 +51,30 @@ void complain(const std::string& text) {
 // Ends a run whose answers cannot be delivered. A reader that has gone away, as head does, needs no message.
 int outputLost(int error) {
     if (error != EPIPE) complain(std::string("standard output: ") + std::strerror(error));
-    return kSomeRefused;
+    return SOME_REFUSED;
 }
 
 int showText(std::string_view text) {
-    return writeAll(STDOUT_FILENO, text) ? kAllAnswered : outputLost(errno);
+    return writeAll(STDOUT_FILENO, text) ? ALL_ANSWERED : outputLost(errno);
 }
 
 int refuseUsage(std::string_view argument) {
     complain("unknown option '" + std::string(argument) + "'");
     writeAll(STDERR_FILENO, ShownText("An entry that begins with '-' goes behind '--': tallyquill -- '" +
                                       std::string(argument) + "'\nTry 'tallyquill --help'.\n"));
-    return kBadUsage;
+    return BAD_USAGE;
 }
 
 // The status at the regular end of a run.
 int endStatus(const Session& session, int answers) {
     if (close(answers) != 0) return outputLost(errno);
-    return session.anyRefused() ? kSomeRefused : kAllAnswered;
+    return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
 }
 
 int evaluateArguments(Session& session, int answers, const Options& options) {
     for (const std::string_view entry : options.entries) {
         if (isBlank(entry)) continue;
-        const Session::Outcome outcome = session.run(entry);
+        const Session::Outcome outcome = session.Run(entry);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
         if (outcome == Session::Outcome::Ended) break;
@@ -89,22 +89,22 @@ int promptDescriptor(int answers) {
 }
 
 // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
-constexpr std::size_t kKeptLength = kMaxEntryLength + 1;
+constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
 int inputLost() {
     complain(std::string("standard input: ") + std::strerror(errno));
-    return kSomeRefused;
+    return SOME_REFUSED;
 }
 
 int evaluateFile(Session& session, int answers) {
-    static LineReader reader(STDIN_FILENO, kKeptLength);
+    static LineReader reader(STDIN_FILENO, KEPT_LENGTH);
     std::string line;
     for (;;) {
-        const LineReader::Status status = reader.next(line);
+        const LineReader::Status status = reader.Next(line);
         if (status == LineReader::Status::Failed) return inputLost();
         if (status == LineReader::Status::End) return endStatus(session, answers);
         if (isBlank(line)) continue;
-        const Session::Outcome outcome = session.run(line);
+        const Session::Outcome outcome = session.Run(line);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
         if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
@@ -115,17 +115,17 @@ int evaluateFile(Session& session, int answers) {
 int evaluateTyped(Session& session, int answers) {
     const InterruptCatcher catcher;
     const int prompts = promptDescriptor(answers);
-    Keyboard keyboard(STDIN_FILENO, prompts, kKeptLength);
+    Keyboard keyboard(STDIN_FILENO, prompts, KEPT_LENGTH);
     std::string line;
     for (;;) {
-        const Keyboard::Status status = keyboard.next(kPrompt, line);
+        const Keyboard::Status status = keyboard.Next(PROMPT, line);
         if (status == Keyboard::Status::Failed) return inputLost();
         if (status == Keyboard::Status::Blank) continue;
         // The shell's prompt, or the next one of ours, begins on a line of its own.
         if (status != Keyboard::Status::Line && prompts >= 0) writeAll(prompts, "\n");
         if (status == Keyboard::Status::Cancelled) continue;
         if (status == Keyboard::Status::End) return endStatus(session, answers);
-        const Session::Outcome outcome = session.run(line);
+        const Session::Outcome outcome = session.Run(line);
         if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
         if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
     }
@@ -138,14 +138,14 @@ int evaluateLines(Session& session, int answers) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Writing to a pipe that nobody reads is reported like any other failed write. Caught and not ignored: programs
-    // that this one starts get the signal as it was.
+    // Writing to a pipe that nobody reads is reported like any other failed write. Caught and not ignored:
+    // programs that this one starts get the signal as it was.
     static SignalCatcher brokenPipes;
-    brokenPipes.start(SIGPIPE, [](int) {});
+    brokenPipes.Start(SIGPIPE, [](int) {});
     const Options options = parseOptions(argc, argv);
     switch (options.action) {
-    case Options::Action::ShowHelp: return showText(kHelp);
-    case Options::Action::ShowVersion: return showText(kVersion);
+    case Options::Action::ShowHelp: return showText(HELP);
+    case Options::Action::ShowVersion: return showText(VERSION);
     case Options::Action::RefuseUsage: return refuseUsage(options.refused);
     case Options::Action::Evaluate: break;
     }

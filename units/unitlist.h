@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The known units and prefixes, and how a name is found among them.  Private to the unit library.
-#ifndef TALLYQUILL_UNITLIST_H
-#define TALLYQUILL_UNITLIST_H
+#pragma once
 
 #include "units.h"
 
@@ -47,7 +46,8 @@ struct UnitMatch {
     const UnitPrefix* prefix;
 };
 
-// All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed nothing.
+// All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed
+// nothing.
 class UnitTable {
 public:
     bool IsEmpty() const { return units.empty(); }
@@ -65,12 +65,13 @@ public:
     // The unit of exactly this name, or null.
     const Unit* Find(std::string_view name) const;
 
-    // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.  Of several readings
-    // with a prefix the unit that was defined first wins.
+    // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.  Of several
+    // readings with a prefix the unit that was defined first wins.
     UnitMatch FindFactor(std::string_view name) const;
 
-    // Calls visit(reading, prefix, ending) with each name that a factor's name may stand for, until it returns true:
-    // the name itself with a null prefix, what it has behind a prefix, then the same without a final s, and es.
+    // Calls visit(reading, prefix, ending) with each name that a factor's name may stand for, until it
+    // returns true: the name itself with a null prefix, what it has behind a prefix, then the same without a
+    // final s, and es.
     template <class Visit> void ForEachReading(std::string_view name, Visit visit) const {
         for (const std::string_view ending : {"", "s", "es"}) {
             const size_t length = name.size() - std::min(name.size(), ending.size());
@@ -86,7 +87,8 @@ public:
         }
     }
 
-    // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of look-ups.
+    // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of
+    // look-ups.
     mutable uint64_t compared = 0;
 
     UnitsUndo record; // see units_record_changes
@@ -112,7 +114,8 @@ constexpr int32_t maxExponent = 1000;
 
 bool isLettersOnly(std::string_view name); // false for an empty name
 
-// Reduces a unit expression with the units that exist at the moment; none, and the error state set, on failure.
+// Reduces a unit expression with the units that exist at the moment; none, and the error state set, on
+// failure.
 // Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
 
@@ -138,5 +141,3 @@ extern const CatalogueTables catalogueTables;
 // Appends the tables' entries to the lists in the order of the members above; a definition may only use names
 // that come earlier.  0 on success; at the first entry that fails it stops with 1 and the message set.
 int buildCatalogue(const CatalogueTables& tables);
-
-#endif

@@ -12,9 +12,10 @@
 // A separator is a blank, a tab, '*' or '-'.  At most one '/' moves the factors behind it into the divisor.
 // A factor is a unit name of ASCII letters, optionally with a prefix name before it, a plural "s" or "es"
 // behind it, and "^" with an exponent of 1 to 1000.  Behind the '/' a factor may also be a bare number, by
-// which the expression is divided; nothing may stand directly behind it.  Before the '/' only the leading number is accepted.  A number begins,
-// after an optional sign, with a digit or with a point and a digit; from there it is what strtod reads, in the
-// decimal notation of the process's LC_NUMERIC locale, which has to be "C" for the catalogue to be right.
+// which the expression is divided; nothing may stand directly behind it.  Before the '/' only the leading
+// number is accepted.  A number begins, after an optional sign, with a digit or with a point and a digit;
+// from there it is what strtod reads, in the decimal notation of the process's LC_NUMERIC locale, which has
+// to be "C" for the catalogue to be right.
 // Names, first success wins: the exact name, upper and lower case being different; a prefix and a name, of
 // several such pairs the one whose unit is earliest in the list; the same two without a final "s"; the same
 // two without a final "es".
@@ -68,8 +69,7 @@
 //
 // No text argument may be null.  Nothing is re-entrant (shared lists, one thread).  Nothing
 // throws, but what a caller's UnitsCharge throws passes through, std::bad_alloc apart.
-#ifndef TALLYQUILL_UNITS_H
-#define TALLYQUILL_UNITS_H
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -77,9 +77,10 @@
 #include <string>
 #include <vector>
 
-// Is told how much work comes next, before it is done; false gives the operation up.  A unit of work takes 0.05 to
-// 0.1 microseconds.  An ordinary conversion counts about 20, the most expensive some hundred thousand; between two
-// charges less than a millisecond passes.
+// Is told how much work comes next, before it is done; false gives the operation up.  A unit of work takes
+// 0.05 to
+// 0.1 microseconds.  An ordinary conversion counts about 20, the most expensive some hundred thousand;
+// between two charges less than a millisecond passes.
 using UnitsCharge = std::function<bool(uint64_t work)>;
 
 // What the steps count for, in these units.
@@ -109,13 +110,14 @@ double units_convert(const char* from, const char* to, const UnitsCharge& charge
 // valid until the next call.
 const char* units_reduce(const char* text);
 
-// The definition that makes the unit of exactly this name again, whatever became of the units it was defined from:
-// the factor with all its digits and the primitive names with their exponents ("12.5 meter^3 / second").  Empty
-// for no such unit, and where the factor has no digits to give (zero, infinite, subnormal).
+// The definition that makes the unit of exactly this name again, whatever became of the units it was defined
+// from:
+// the factor with all its digits and the primitive names with their exponents ("12.5 meter^3 / second").
+// Empty for no such unit, and where the factor has no digits to give (zero, infinite, subnormal).
 std::string units_definition(const char* name);
 
-// The names that a factor of this name may stand for, whether there are units of these names or not: the name itself
-// first, what it has behind a prefix, and the same without a final "s" or "es".
+// The names that a factor of this name may stand for, whether there are units of these names or not: the name
+// itself first, what it has behind a prefix, and the same without a final "s" or "es".
 std::vector<std::string> units_readings(const std::string& name);
 
 // Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
@@ -131,8 +133,9 @@ bool removeUnit(const char* name);
 // Is handed what takes a change back: it may be called once, the later ones first, and never fails.
 using UnitsUndo = std::function<void(std::function<void()> takeBack)>;
 
-// From now on `record` gets a function for each definition and removal by the two operations above.  Called, a unit
-// that was defined is gone, and one that was removed is there as before, at the same place in the order of
+// From now on `record` gets a function for each definition and removal by the two operations above.  Called,
+// a unit that was defined is gone, and one that was removed is there as before, at the same place in the
+// order of
 // definition.  A catalogue that was built meanwhile stays.  An empty `record` ends this.
 void units_record_changes(UnitsUndo record);
 
@@ -142,8 +145,8 @@ void units_clear_exception();
 // The message of the error state (at most 255 characters, valid until the next failure), or none (null).
 const char* units_check_exception();
 
-// Frees every unit and prefix.  The next operation that needs the catalogue builds it anew, without the user's
-// units.
+// Frees every unit and prefix.  The next operation that needs the catalogue builds it anew, without the
+// user's units.
 void unitFreeMemory();
 
 // ---------------------------------------------------------------------------------------------------------
@@ -163,5 +166,3 @@ int unitInitialize();
 // the format as it stands.
 void throw_exception1(const char* format, const char* text);
 void throw_exception2(const char* format, const char* text1, const char* text2);
-
-#endif

@@ -28,14 +28,14 @@ bool isWebAddress(std::string_view address) {
 }
 
 // What curl writes behind the page of a transfer that is complete: a status of 200 to 299 and no error.
-constexpr std::string_view kGoodEnd = "\n2?? 0";
+constexpr std::string_view GOOD_END = "\n2?? 0";
 
 // The length of the page in front of that; 0 when the output ends in another way.
 std::size_t pageLength(std::string_view output) {
-    if (output.size() < kGoodEnd.size()) return 0;
-    const std::size_t length = output.size() - kGoodEnd.size();
-    for (std::size_t i = 0; i < kGoodEnd.size(); ++i) {
-        if (kGoodEnd[i] != '?' && kGoodEnd[i] != output[length + i]) return 0;
+    if (output.size() < GOOD_END.size()) return 0;
+    const std::size_t length = output.size() - GOOD_END.size();
+    for (std::size_t i = 0; i < GOOD_END.size(); ++i) {
+        if (GOOD_END[i] != '?' && GOOD_END[i] != output[length + i]) return 0;
     }
     return length;
 }
@@ -45,7 +45,7 @@ bool readAll(int descriptor, Clock::time_point deadline, const std::function<boo
              std::string& output) {
     constexpr int interval = 20; // milliseconds
     char block[16384];
-    while (output.size() <= kLongestPage + kGoodEnd.size() && Clock::now() < deadline && !isGivenUp()) {
+    while (output.size() <= LONGEST_PAGE + GOOD_END.size() && Clock::now() < deadline && !isGivenUp()) {
         pollfd waiting = {descriptor, POLLIN, 0};
         const int ready = poll(&waiting, 1, interval);
         if (ready == 0 || (ready < 0 && errno == EINTR)) continue;

@@ -2,8 +2,7 @@
 //
 // The rules whose results are fixed to the last bit, written a second time over GMP integers, step by step
 // and without regard to speed.  Nothing of the number library is used here.
-#ifndef TALLYQUILL_TESTS_QFLOAT_MODEL_H
-#define TALLYQUILL_TESTS_QFLOAT_MODEL_H
+#pragma once
 
 #include "oracle.h"
 
@@ -44,5 +43,3 @@ Sum add(const Number& a, const Number& b, bool subtract, uint32_t outputSign);
 uint64_t toDouble(const Number& q, int& code);
 
 } // namespace model
-
-#endif

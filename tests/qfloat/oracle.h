@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the number type is tested against: exact values in MPFR and GMP, and random operands.
-#ifndef TALLYQUILL_TESTS_QFLOAT_ORACLE_H
-#define TALLYQUILL_TESTS_QFLOAT_ORACLE_H
+#pragma once
 
 #include "../seed.h"
 
@@ -122,5 +121,3 @@ Number randomOperand(Random& random);
 Number randomPartner(Random& random, const Number& a);
 
 } // namespace oracle
-
-#endif

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The routines of qlimb.h as they are where the compiler has no 128-bit integers.
-#ifndef TALLYQUILL_TESTS_PORTABLE_LIMB_H
-#define TALLYQUILL_TESTS_PORTABLE_LIMB_H
+#pragma once
 
 #include <cstdint>
 
@@ -19,5 +18,3 @@ void shiftDown(uint64_t* x, int n);
 void shiftUp(uint64_t* x, int n);
 
 } // namespace portable_limb
-
-#endif

@@ -4,8 +4,7 @@
 // Newton's square root, tanh's continued fraction for e^x, the artanh series for ln, squaring with a rounding
 // at every step.  They have the special values, codes and branch points that the library must have; their
 // accuracy is what the library must at least reach.
-#ifndef TALLYQUILL_TESTS_QFLOAT_REFERENCE_H
-#define TALLYQUILL_TESTS_QFLOAT_REFERENCE_H
+#pragma once
 
 #include "oracle.h"
 
@@ -46,5 +45,3 @@ oracle::Number negated(oracle::Number q);
 
 // A dense or patterned mantissa, value 0.m * 2^e with e in low .. high.
 oracle::Number randomWithin(oracle::Random& random, int64_t low, int64_t high, bool positive);
-
-#endif

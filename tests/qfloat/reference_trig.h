@@ -4,8 +4,7 @@
 // reduction with the stored pi, continued fractions of a fixed number of steps, exponentials in stored
 // precision.  They use only the public arithmetic.  The library's faster and sharper ways must give the same
 // special results and codes, and must never be further from the truth.
-#ifndef TALLYQUILL_TESTS_QFLOAT_REFERENCE_TRIG_H
-#define TALLYQUILL_TESTS_QFLOAT_REFERENCE_TRIG_H
+#pragma once
 
 #include "qfloat.h"
 
@@ -22,5 +21,3 @@ void hyperbolicCosine(const qfloat x, qfloat y);
 void hyperbolicTangent(const qfloat x, qfloat y);
 
 } // namespace reference
-
-#endif

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The circular functions of degrees: exact angles, and all others against MPFR, which reduces them exactly too.
+// The circular functions of degrees: exact angles, and all others against MPFR, which reduces them exactly
+// too.
 #include "oracle.h"
 #include "qtrig.h"
 #include "reference.h"

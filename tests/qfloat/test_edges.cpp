@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the routines do at the edges of the format: the flag that sums leave behind, exponent word 0, mantissas
-// that are not normalised, exponents that leave the range.
+// What the routines do at the edges of the format: the flag that sums leave behind, exponent word 0,
+// mantissas that are not normalised, exponents that leave the range.
 #include "oracle.h"
 
 #include "qfloat.h"

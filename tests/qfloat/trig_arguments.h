@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The functions under test with their oracles, and arguments for them: random ones and hard ones.
-#ifndef TALLYQUILL_TESTS_QFLOAT_TRIG_ARGUMENTS_H
-#define TALLYQUILL_TESTS_QFLOAT_TRIG_ARGUMENTS_H
+#pragma once
 
 #include "oracle.h"
 #include "qfloat.h"
@@ -53,5 +52,3 @@ std::vector<Number> closestToMultiples(const Function& f, int64_t lowestScale, i
                                        int64_t step);
 
 } // namespace trigtest
-
-#endif

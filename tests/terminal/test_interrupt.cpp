@@ -81,10 +81,10 @@ TEST(ControlC, EndsAPauseAndTypedText) {
     Session session(answers[1], answers[1]);
     {
         const Interrupter interrupter;
-        EXPECT_EQ(session.run("pause5000"), Session::Outcome::Interrupted);
-        EXPECT_EQ(session.run("echo1 abcdefgh"), Session::Outcome::Interrupted);
+        EXPECT_EQ(session.Run("pause5000"), Session::Outcome::Interrupted);
+        EXPECT_EQ(session.Run("echo1 abcdefgh"), Session::Outcome::Interrupted);
     }
-    EXPECT_EQ(session.run("1+1"), Session::Outcome::Answered);
+    EXPECT_EQ(session.Run("1+1"), Session::Outcome::Answered);
     close(answers[1]);
     char shown[100] = "";
     const ssize_t count = read(answers[0], shown, sizeof shown);

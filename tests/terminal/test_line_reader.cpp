@@ -27,8 +27,8 @@ Lines linesOf(const std::string& text, std::size_t keep, std::size_t step = 6553
     LineReader reader(ends[0], keep);
     Lines lines;
     std::string line;
-    LineReader::Status status = reader.next(line);
-    for (; status == LineReader::Status::Line; status = reader.next(line)) lines.push_back(line);
+    LineReader::Status status = reader.Next(line);
+    for (; status == LineReader::Status::Line; status = reader.Next(line)) lines.push_back(line);
     EXPECT_EQ(status, LineReader::Status::End);
     writer.join();
     close(ends[0]);
@@ -73,7 +73,7 @@ TEST(LineReader, LinesLongerThanItsBlockAreWhole) {
 TEST(LineReader, ADescriptorThatCannotBeReadFails) {
     LineReader reader(-1, 10);
     std::string line;
-    EXPECT_EQ(reader.next(line), LineReader::Status::Failed);
+    EXPECT_EQ(reader.Next(line), LineReader::Status::Failed);
     EXPECT_EQ(errno, EBADF);
 }
 

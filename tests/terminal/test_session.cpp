@@ -53,45 +53,45 @@ TEST_F(SessionTest, SaysAtTheStartWhenUnitsDoNotConvert) {
 }
 
 TEST_F(SessionTest, AnswersAndErrorsTakeTheirOwnWays) {
-    EXPECT_EQ(session_->run("2+3*4"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("2+3*4"), Outcome::Answered);
     EXPECT_EQ(answers(), "ans = 14\n");
     EXPECT_EQ(errors(), "");
-    EXPECT_FALSE(session_->anyRefused());
-    EXPECT_EQ(session_->run("()"), Outcome::Refused);
+    EXPECT_FALSE(session_->AnyRefused());
+    EXPECT_EQ(session_->Run("()"), Outcome::Refused);
     EXPECT_EQ(answers(), "");
     EXPECT_EQ(errors(), "** ERROR: empty parenthesis **\n");
-    EXPECT_TRUE(session_->anyRefused());
+    EXPECT_TRUE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, AnAnswerBeyondTheRangeIsShownAndCountsAsAFailure) {
-    EXPECT_EQ(session_->run("1e9000"), Outcome::Answered);
-    EXPECT_FALSE(session_->anyRefused());
-    EXPECT_EQ(session_->run("1e10000"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("1e9000"), Outcome::Answered);
+    EXPECT_FALSE(session_->AnyRefused());
+    EXPECT_EQ(session_->Run("1e10000"), Outcome::Answered);
     EXPECT_EQ(answers(), "ans = 1.0e9000\nans = +OVERFLOW\n");
     EXPECT_EQ(errors(), "");
-    EXPECT_TRUE(session_->anyRefused());
+    EXPECT_TRUE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, AValueBeyondTheRangeThatDispShowsCountsToo) {
-    EXPECT_EQ(session_->run("a=1e10000;b=1;disp b"), Outcome::Answered);
-    EXPECT_FALSE(session_->anyRefused());
-    EXPECT_EQ(session_->run("disp a"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("a=1e10000;b=1;disp b"), Outcome::Answered);
+    EXPECT_FALSE(session_->AnyRefused());
+    EXPECT_EQ(session_->Run("disp a"), Outcome::Answered);
     EXPECT_EQ(answers(), "b = 1\na = +OVERFLOW\n");
-    EXPECT_TRUE(session_->anyRefused());
+    EXPECT_TRUE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, AnEarlierRefusalIsNotForgotten) {
-    session_->run("1/0");
-    EXPECT_EQ(session_->run("1"), Outcome::Answered);
-    EXPECT_TRUE(session_->anyRefused());
+    session_->Run("1/0");
+    EXPECT_EQ(session_->Run("1"), Outcome::Answered);
+    EXPECT_TRUE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, ANewConsoleShowsTenSignificantDigitsInAutoModeWithoutGrouping) {
-    session_->run("1/3");
+    session_->Run("1/3");
     EXPECT_EQ(answers(), "ans = 0.3333333333\n");
-    session_->run("123456789");
+    session_->Run("123456789");
     EXPECT_EQ(answers(), "ans = 1.23456789e8\n");
-    session_->run("1234567");
+    session_->Run("1234567");
     EXPECT_EQ(answers(), "ans = 1234567\n");
 }
 
@@ -124,26 +124,26 @@ TEST_F(SessionTest, ControlCThatComesTooLateForAnEntryEndsTheRunBehindItsAnswer)
         kill(getpid(), SIGINT);
         while (shown.find('\n') == std::string::npos) shown += answers();
     });
-    EXPECT_EQ(session_->run("echo " + std::string(9900, 'x')), Outcome::Interrupted);
+    EXPECT_EQ(session_->Run("echo " + std::string(9900, 'x')), Outcome::Interrupted);
     reader.join();
     EXPECT_EQ(shown.substr(shown.find('x')), answer);
-    EXPECT_EQ(session_->run("1+1"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("1+1"), Outcome::Answered);
 }
 
 TEST_F(SessionTest, AnAnswerThatCannotBeWrittenIsReported) {
     Session session(-1, errors_[1]);
-    EXPECT_EQ(session.run("1"), Outcome::OutputLost);
+    EXPECT_EQ(session.Run("1"), Outcome::OutputLost);
 }
 
 TEST_F(SessionTest, ExitEndsTheSession) {
-    EXPECT_EQ(session_->carryOut("exit"), Outcome::Ended);
+    EXPECT_EQ(session_->CarryOut("exit"), Outcome::Ended);
     EXPECT_EQ(answers(), "");
-    EXPECT_FALSE(session_->anyRefused());
+    EXPECT_FALSE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, ClearWritesNothingIntoAPipe) {
     setenv("TERM", "xterm", 1);
-    EXPECT_EQ(session_->carryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(session_->CarryOut("clear"), Outcome::Answered);
     EXPECT_EQ(answers(), "");
 }
 
@@ -157,56 +157,56 @@ TEST_F(SessionTest, ClearClearsATerminalUnlessThatIsDumb) {
     fcntl(master, F_SETFL, O_NONBLOCK);
     Session session(slave, errors_[1]);
     setenv("TERM", "dumb", 1);
-    EXPECT_EQ(session.carryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
     EXPECT_EQ(take(master), "");
     setenv("TERM", "xterm", 1);
-    EXPECT_EQ(session.carryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
     EXPECT_EQ(take(master), "\x1b[H\x1b[2J");
     close(slave);
     close(master);
 }
 
 TEST_F(SessionTest, AnyOtherCommandIsRefusedByName) {
-    EXPECT_EQ(session_->carryOut("dance"), Outcome::Refused);
+    EXPECT_EQ(session_->CarryOut("dance"), Outcome::Refused);
     EXPECT_EQ(errors(), "** ERROR: 'dance' does not work in a terminal **\n");
-    EXPECT_EQ(session_->carryOut("pause"), Outcome::Refused);
+    EXPECT_EQ(session_->CarryOut("pause"), Outcome::Refused);
     EXPECT_EQ(errors(), "** ERROR: 'pause' does not work in a terminal **\n");
-    EXPECT_TRUE(session_->anyRefused());
+    EXPECT_TRUE(session_->AnyRefused());
 }
 
 TEST_F(SessionTest, ACommandIsQuotedWithoutControlCharacters) {
-    EXPECT_EQ(session_->carryOut("dance\x1b]0;x\x07"), Outcome::Refused);
+    EXPECT_EQ(session_->CarryOut("dance\x1b]0;x\x07"), Outcome::Refused);
     EXPECT_EQ(errors(), "** ERROR: 'dance?]0;x?' does not work in a terminal **\n");
 }
 
 TEST_F(SessionTest, EchoedTextComesBeforeTheAnswerOrTheError) {
-    session_->run("echo one; echo two; 1+1");
+    session_->Run("echo one; echo two; 1+1");
     EXPECT_EQ(answers(), "one\ntwo\nans = 2\n");
-    session_->run("echo one; 1/0");
+    session_->Run("echo one; 1/0");
     EXPECT_EQ(answers(), "one\n");
     EXPECT_EQ(errors(), "** ERROR: divide by zero **\n");
-    session_->run("echo");
+    session_->Run("echo");
     EXPECT_EQ(answers(), "\n");
-    session_->run("disp pi");
+    session_->Run("disp pi");
     EXPECT_EQ(answers(), "pi = 3.141592654\n");
 }
 
 TEST_F(SessionTest, OnlyTheCommandsThatShowTextShowWhatWasEchoed) {
-    EXPECT_EQ(session_->run("echo a; echo100 b"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("echo a; echo100 b"), Outcome::Answered);
     EXPECT_EQ(answers(), "a\nb\n");
-    EXPECT_EQ(session_->run("echorep Done: 50%"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("echorep Done: 50%"), Outcome::Answered);
     EXPECT_EQ(answers(), "Done: 50%\n");
-    EXPECT_EQ(session_->run("echo lost; pause1"), Outcome::Answered);
-    EXPECT_EQ(session_->run("echo lost; clear"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("echo lost; pause1"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("echo lost; clear"), Outcome::Answered);
     EXPECT_EQ(answers(), "");
-    EXPECT_EQ(session_->run("echo lost; exit"), Outcome::Ended);
+    EXPECT_EQ(session_->Run("echo lost; exit"), Outcome::Ended);
     EXPECT_EQ(answers(), "");
 }
 
 // No less time passes than was asked for; how much that is, the tests of ConsoleCommand.h say.
 void expectAtLeast(long milliseconds, Session& session, const char* entry) {
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(session.run(entry), Outcome::Answered) << entry;
+    EXPECT_EQ(session.Run(entry), Outcome::Answered) << entry;
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(milliseconds)) << entry;
 }
 
@@ -221,31 +221,31 @@ TEST_F(SessionTest, TypesTextOutAtItsRate) {
     expectAtLeast(100, *session_, "echo100 0123456789");
     EXPECT_EQ(answers(), "0123456789\n");
     for (const char* const entry : {"echo0 0123456789", "echo500 0123456789", "echo101 0123456789"}) {
-        EXPECT_EQ(session_->run(entry), Outcome::Answered) << entry;
+        EXPECT_EQ(session_->Run(entry), Outcome::Answered) << entry;
         EXPECT_EQ(answers(), "0123456789\n");
     }
-    EXPECT_EQ(session_->run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);
     EXPECT_EQ(answers(), "gr\xC3\xB6\xC3\x9F\n");
 }
 
 TEST_F(SessionTest, ConversionsAreNotFoundWithoutAService) {
     unsetenv("TALLYQUILL_QUERY_URL");
-    EXPECT_EQ(session_->run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("convert 5 miles to km"), Outcome::Answered);
     EXPECT_EQ(answers(), "Not found.\n");
     setenv("TALLYQUILL_QUERY_URL", "", 1);
-    EXPECT_EQ(session_->run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("convert 5 miles to km"), Outcome::Answered);
     EXPECT_EQ(answers(), "Not found.\n");
-    EXPECT_FALSE(session_->anyRefused());
+    EXPECT_FALSE(session_->AnyRefused());
     unsetenv("TALLYQUILL_QUERY_URL");
 }
 
 TEST_F(SessionTest, ThePageIsNotOpenedWithoutAnAddress) {
     unsetenv("TALLYQUILL_WEB_URL");
-    session_->run("gospel");
+    session_->Run("gospel");
     EXPECT_NE(answers().find("    << type 'gospel' for more >>\n"), std::string::npos);
-    EXPECT_EQ(session_->run("gospel"), Outcome::Answered);
+    EXPECT_EQ(session_->Run("gospel"), Outcome::Answered);
     EXPECT_EQ(answers(), "There is no web page to open.\n");
-    EXPECT_FALSE(session_->anyRefused());
+    EXPECT_FALSE(session_->AnyRefused());
 }
 
 } // namespace

@@ -73,7 +73,7 @@ TEST(Web, ControlCEndsAQueryThatNobodyAnswers) {
         asked.service.waitForRequest();
         kill(getpid(), SIGINT); // this process alone: curl has to be ended by it
     });
-    EXPECT_EQ(session.run("convert 5 miles to km"), Session::Outcome::Interrupted);
+    EXPECT_EQ(session.Run("convert 5 miles to km"), Session::Outcome::Interrupted);
     person.join();
     EXPECT_FALSE(hasChildren());
     close(answers[1]);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Memory that can run out: the test program's own operator new and delete.
-#ifndef TALLYQUILL_TESTS_UNITS_ALLOCATION_H
-#define TALLYQUILL_TESTS_UNITS_ALLOCATION_H
+#pragma once
 
 #include <cstddef>
 
@@ -16,5 +15,3 @@ void resetPeak();
 void failAfter(long count);
 
 } // namespace allocation
-
-#endif

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Every test begins with no units at all and a clear error state.
-#ifndef TALLYQUILL_TESTS_UNITS_FIXTURE_H
-#define TALLYQUILL_TESTS_UNITS_FIXTURE_H
+#pragma once
 
 #include "unitlist.h"
 
@@ -101,5 +100,3 @@ template <class Operation> uint64_t workOf(Operation operation) {
     });
     return total;
 }
-
-#endif

@@ -2,8 +2,7 @@
 //
 // The unit library once more, written for clearness alone: strings, vectors and plain walks along the lists.
 // Built from the tests' own table.
-#ifndef TALLYQUILL_TESTS_UNITS_MODEL_H
-#define TALLYQUILL_TESTS_UNITS_MODEL_H
+#pragma once
 
 #include <optional>
 #include <string>
@@ -45,5 +44,3 @@ private:
     std::vector<std::pair<std::string, Reduced>> units;
     std::vector<std::pair<std::string, double>> prefixes;
 };
-
-#endif

@@ -2,8 +2,7 @@
 //
 // The catalogue a second time, typed for the tests: every unit with its definition, with its size as a
 // product of the defining decimals, and with its dimension.
-#ifndef TALLYQUILL_TESTS_UNITS_TABLE_H
-#define TALLYQUILL_TESTS_UNITS_TABLE_H
+#pragma once
 
 #include <gmpxx.h>
 
@@ -35,5 +34,3 @@ mpq_class exactDecimal(const std::string& text);
 
 // True if the double lies within 4 units of its last place of the exact value.
 bool isWithinFourUlps(double value, const mpq_class& exact);
-
-#endif

@@ -96,7 +96,7 @@ TEST(Query, APageThatIsNotUtf8HoldsNoAnswer) {
 
 TEST(Query, APageIsReadUpToItsLimit) {
     const std::string result = kResult;
-    const std::string longest = result + std::string(kLongestPage - result.size(), 'x');
+    const std::string longest = result + std::string(LONGEST_PAGE - result.size(), 'x');
     EXPECT_EQ(answerTo(response("200 OK", longest)), kResultTitle);
     EXPECT_EQ(answerTo(response("200 OK", longest + "x")), "");
 }
