@@ -158,15 +158,12 @@ static bool hasNumber(NSTextField* field) {
 }
 
 // What its control says, if that is possible: entries run and files are written while the panel is open.
-- (void)storeSetting:(const Setting&)setting {
+- (void)store:(const char*)key {
+    const Setting& setting = *findSetting(key);
     NSControl* const control = controls.of(setting);
     if (!control || (setting.kind != Setting::FLAG && setting.kind != Setting::NUMBER)) return;
     const int value = [self valueOf:control];
-    if (setting.IsPossible(value)) [mainConsole setSetting:@(setting.key) to:value];
-}
-
-- (void)store:(const char*)key {
-    [self storeSetting:*findSetting(key)];
+    if (setting.IsPossible(value)) [mainConsole setSetting:@(key) to:value];
 }
 
 - (void)showColors {
@@ -254,7 +251,7 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
     keepPossible(controls.prefSigFigs, "sigfigs", USUAL_FIGURES);
     keepPossible(controls.prefHistSize, "histsz", USUAL_LINES);
     NSMutableDictionary* const settings = [mainConsole settings];
-    for (const Setting& setting : SETTINGS) [self storeSetting:setting];
+    for (const Setting& setting : SETTINGS) [self store:setting.key];
     [settings setObject:[controls.prefFGColor color] forKey:@"fgcolor"];
     [settings setObject:[controls.prefBGColor color] forKey:@"bgcolor"];
     [self storeSeparator];

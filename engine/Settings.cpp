@@ -16,13 +16,17 @@ const Setting* findSetting(std::string_view key) {
     return row == std::end(SETTINGS) ? nullptr : row;
 }
 
+// The first choice with the value; the end when there is none.
+static const SettingChoice* choiceOf(int value, const SettingChoices& choices) {
+    return std::find_if(choices.begin(), choices.end(),
+                        [value](const SettingChoice& one) { return one.value == value; });
+}
+
 bool Setting::IsPossible(double number) const {
     if (!IsNumber() || !(number >= least && number <= most && number == std::floor(number))) return false;
     const int value = static_cast<int>(number);
     if (kind == CHARACTER) return groupingMarkFault(value).empty();
-    return choices.begin() == choices.end() ||
-           std::any_of(choices.begin(), choices.end(),
-                       [value](const SettingChoice& one) { return one.value == value; });
+    return choices.begin() == choices.end() || choiceOf(value, choices) != choices.end();
 }
 
 bool Setting::IsPossible(const std::string& description) const {
@@ -57,12 +61,9 @@ const SettingChoice* Setting::ChoiceIn(const std::string& argument) const {
 }
 
 std::string Setting::CommandFor(int value) const {
-    const SettingChoice* chosen = nullptr;
-    for (const SettingChoice& one : choices) {
-        if (one.value == value || (!chosen && one.value == standard)) chosen = &one;
-        if (one.value == value) break;
-    }
-    return command.word + (" " + (chosen ? chosen->word : std::to_string(value)));
+    const SettingChoice* one = choiceOf(value, choices);
+    if (one == choices.end()) one = choiceOf(standard, choices);
+    return command.word + (" " + (one == choices.end() ? std::to_string(value) : one->word));
 }
 
 bool readColor(const std::string& text, double (&parts)[4]) {

@@ -124,7 +124,7 @@ std::string settingsText(const KeptSettings& kept, const std::string& present) {
     char* xml = nullptr;
     uint32_t length = 0;
     plist_to_xml(list.get(), &xml, &length);
-    const std::string text(xml ? xml : "", xml ? length : 0);
+    std::string text(xml ? xml : "", xml ? length : 0);
     plist_to_xml_free(xml);
     return text;
 }
