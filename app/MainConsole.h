@@ -37,7 +37,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
-    Keeper keeper; // of the settings file and the functions file
+    Keeper keeper;      // of the settings file and the functions file
     EntryRecord record; // what a script is saved from
     ScriptTurns scripts;
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry

@@ -72,8 +72,7 @@ TEST_F(PreferencesInput, WhileThePanelIsOpenOnlyPossibleFiguresAreStored) {
         enter("1/3");
         EXPECT_NE(text().rfind("ans = 0.33333333\n"), std::string::npos) << typed;
         [console saveSettings];
-        EXPECT_NE(read(settingsPath()).find("<key>sigfigs</key>\n\t<integer>8</integer>"),
-                  std::string::npos);
+        EXPECT_NE(read(settingsPath()).find("<key>sigfigs</key>\n\t<integer>8</integer>"), std::string::npos);
     }
     enterInto(controls.prefSigFigs, @"3");
     EXPECT_EQ(setting("sigfigs"), 3);

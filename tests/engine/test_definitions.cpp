@@ -113,7 +113,7 @@ TEST_F(Functions, aKeptDefinitionMayCallWhatIsNotThere) {
     EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("f(x)=g(x,1)+h(x)", true));
     EXPECT_STREQ("f(x)=g(x,1)+h(x)\n", calc.message);
     EXPECT_EQ("** Unrecognized function: h **\n", Answer("g(x,y)=x-y;f(5)"));
-    EXPECT_EQ("ans = 14\n", Answer("h(x)=2*x;f(5)"));                 // 5-1+10
+    EXPECT_EQ("ans = 14\n", Answer("h(x)=2*x;f(5)")); // 5-1+10
     EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("f(x)=k(x,1)+", true));
     EXPECT_EQ("ans = 14\n", Answer("f(5)"));
 }
