@@ -45,8 +45,10 @@ std::string BackgroundWriter::TakeNews() {
         text += (text.empty() ? "" : ", ") + path.substr(path.rfind('/') + 1);
     }
     std::string news;
-    for (const auto& [reason, text] : names)
-        news += (news.empty() ? "Not saved: " : ", ") + text + " (" + reason + ")";
+    for (const auto& [reason, text] : names) {
+        news += news.empty() ? "Not saved: " : ", ";
+        news.append(text).append(" (").append(reason).append(")");
+    }
     return news;
 }
 

@@ -9,7 +9,7 @@ static std::string absolute(const char* path) {
 }
 
 static std::string homeFolder() {
-    const std::string home = absolute(getenv("HOME"));
+    std::string home = absolute(getenv("HOME"));
     if (!home.empty()) return home;
     const passwd* const person =
         getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): before there is a thread
