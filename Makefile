@@ -25,7 +25,7 @@ define build_and_test
 endef
 
 .NOTPARALLEL:
-.PHONY: help deps build run test gcc sanitize lint lint-program format bench install clean
+.PHONY: help deps build terminal run test gcc sanitize lint lint-program format bench install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' Makefile
@@ -37,6 +37,11 @@ build: ## build every program into build/release/bin
 	@scripts/deps.sh run
 	$(configure_plain) </dev/null
 	$(call compile,release) </dev/null
+
+terminal: ## build the program for terminals alone, which needs no window, into build/terminal/bin
+	@scripts/deps.sh terminal
+	$(configure_plain) -B build/terminal -DTALLYQUILL_WINDOW=OFF </dev/null
+	cmake --build build/terminal -j $(JOBS) </dev/null
 
 run: ## build and open the calculator: its window, or the console in this terminal where there is no display
 	@scripts/deps.sh run

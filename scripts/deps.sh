@@ -3,8 +3,9 @@
 #
 # Installs what this project needs and the machine lacks. The only place that names packages.
 #
-#   scripts/deps.sh run    what building and running the calculator takes
-#   scripts/deps.sh test   that, and what the tests, the linters and the benchmarks take
+#   scripts/deps.sh terminal    what the program for terminals alone takes
+#   scripts/deps.sh run         that, and what the window takes
+#   scripts/deps.sh test        that, and what the tests, the linters and the benchmarks take
 #
 # When everything is there it says nothing, asks for nothing and calls no package manager.
 set -eu
@@ -12,19 +13,22 @@ set -eu
 # Debian 12 packages. The window: AppKit is GNUstep's, its back end draws on the X server, its runtime packages hold
 # the pasteboard server, the fonts are those it falls back on, xdg-open shows web
 # pages, and curl asks the online service.
-debian_run="clang cmake ninja-build libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
-    libx11-dev libplist-dev fonts-dejavu-core xdg-utils curl"
+debian_terminal="clang cmake ninja-build xdg-utils curl"
+debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
+    libx11-dev libplist-dev fonts-dejavu-core"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales
     python3 xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
 # on a Mac yet.
-brew_run="cmake ninja libplist"
+brew_terminal="cmake ninja"
+brew_run="$brew_terminal libplist"
 brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck git"
 
 # Elsewhere only the presence of these programs is checked.
-programs_run="clang++ cmake ninja gnustep-config curl"
+programs_terminal="clang++ cmake ninja curl"
+programs_run="$programs_terminal gnustep-config"
 programs_test="$programs_run g++ pkg-config clang-format clang-tidy cppcheck valgrind git
     python3 Xvfb openbox xdotool xclip xprop import"
 
@@ -82,9 +86,10 @@ check_programs() {
 
 group=${1:-test}
 case $group in
+terminal) debian=$debian_terminal brew=$brew_terminal programs=$programs_terminal ;;
 run) debian=$debian_run brew=$brew_run programs=$programs_run ;;
 test) debian=$debian_test brew=$brew_test programs=$programs_test ;;
-*) fail "unknown group '$group' (run or test)" ;;
+*) fail "unknown group '$group' (terminal, run or test)" ;;
 esac
 
 # shellcheck disable=SC2086 # the lists are meant to be split
