@@ -12,7 +12,7 @@ static std::string utf8(NSString* text) {
 
 static int secondsToWait() {
     const NSInteger seconds = [[NSUserDefaults standardUserDefaults] integerForKey:@"QuerySeconds"];
-    return seconds >= 1 && seconds <= 60 ? static_cast<int>(seconds) : kQuerySeconds;
+    return seconds >= 1 && seconds <= 60 ? static_cast<int>(seconds) : QUERY_SECONDS;
 }
 
 NSString* askQueryService(NSString* query, MainConsole* console) {

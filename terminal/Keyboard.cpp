@@ -70,7 +70,7 @@ void Keyboard::UseModes(const termios& found) {
     byteModes.c_cc[VTIME] = 0;
 }
 
-Keyboard::Keyboard(int input, int screen, std::size_t keep) : input(input), screen(screen), keep(keep) {
+Keyboard::Keyboard(int from, int to, std::size_t length) : input(from), screen(to), keep(length) {
     if (isatty(input) == 0) return;
     waitForForeground(input);
     termios found = {};

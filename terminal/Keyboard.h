@@ -27,11 +27,11 @@ public:
         Failed     // the terminal cannot be read; errno says why
     };
 
-    // Reads from the terminal `input` and shows prompts and what is typed on `screen` (-1: nowhere). Of each
-    // line at most `keep` bytes are kept. From here to the destructor the terminal hands over single bytes;
+    // Reads from the terminal `from` and shows prompts and what is typed on `to` (-1: nowhere). Of each
+    // line at most `length` bytes are kept. From here to the destructor the terminal hands over single bytes;
     // its modes are given back at the end, also when a signal ends or stops the program. In the background
     // this waits until the program comes to the foreground. One object at a time.
-    Keyboard(int input, int screen, std::size_t keep);
+    Keyboard(int from, int to, std::size_t length);
     ~Keyboard();
     Keyboard(const Keyboard&) = delete;
     Keyboard& operator=(const Keyboard&) = delete;

@@ -14,10 +14,10 @@ public:
         Failed // the descriptor cannot be read; errno says why
     };
 
-    // Reads from `descriptor`, which stays the caller's. Of each line at most `keep` bytes are kept.
-    LineReader(int descriptor, std::size_t keep) : descriptor(descriptor), keep(keep) {}
+    // Reads from `from`, which stays the caller's. Of each line at most `length` bytes are kept.
+    LineReader(int from, std::size_t length) : descriptor(from), keep(length) {}
 
-    // Puts the next line into `line`, without its LF or CR LF. Of a line longer than `keep` its first `keep`
+    // Puts the next line into `line`, without its LF or CR LF. Of a line longer than that its first
     // bytes are given and the rest is read and dropped, whatever its length. Bytes behind the last LF are a
     // line too.
     Status Next(std::string& line);

@@ -39,7 +39,7 @@ std::size_t characterLength(std::string_view text) {
 
 } // namespace
 
-Session::Session(int answers, int errors) : answers(answers), errors(errors) {
+Session::Session(int out, int err) : answers(out), errors(err) {
     calc.InitializeFunctionsAndVars();
     setDefaults(calc);
     calc.interruptCheck = isInterrupted;

@@ -17,9 +17,9 @@ public:
         OutputLost   // the answer could not be written; errno says why
     };
 
-    // Answers are written to the descriptor `answers`, errors to `errors`. Both stay the caller's. Builds the
-    // catalogue of units and says so on `errors` when a conversion from m to ft fails.
-    Session(int answers, int errors);
+    // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's. Builds the
+    // catalogue of units and says so on `err` when a conversion from m to ft fails.
+    Session(int out, int err);
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
     // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the

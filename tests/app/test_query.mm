@@ -84,7 +84,7 @@ TEST_F(Query, anAddressThatIsNoneIsNoAnswer) {
 }
 
 TEST_F(Query, aServiceThatNeverAnswersIsWaitedForSoLong) {
-    static_assert(kQuerySeconds == 20, "as documented");
+    static_assert(QUERY_SECONDS == 20, "as documented");
     setDefault(@"QuerySeconds", @"1");
     const Service service("", Service::Manner::NeverAnswers);
     EXPECT_EQ(ask(service.address()), "(nil)"); // nothing else ends the wait

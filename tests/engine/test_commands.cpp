@@ -81,15 +81,27 @@ std::string rowOf(const std::string& usage, const std::string& help) {
     return "| `" + std::regex_replace(usage, std::regex(", "), "`, `") + "` | " + help + " |";
 }
 
+// Of more choices than fit into a cell the first one has the command in front, and the others stand behind the help.
+std::string rowOf(const Setting& setting) {
+    const std::string word = setting.command.word;
+    std::string usage;
+    std::string help = setting.command.help;
+    const bool isLong = std::distance(setting.choices.begin(), setting.choices.end()) > 3;
+    for (const SettingChoice& choice : setting.choices) {
+        if (usage.empty() || !isLong)
+            usage += (usage.empty() ? "" : ", ") + word + " " + choice.word;
+        else
+            help += (&choice == setting.choices.begin() + 1 ? ": also `" : ", `") + std::string(choice.word) +
+                    "`";
+    }
+    if (usage.empty()) usage = word + " " + std::to_string(setting.standard);
+    return rowOf(usage, help);
+}
+
 std::vector<std::string> rowsOfSettings() {
     std::vector<std::string> rows;
     for (const Setting& setting : SETTINGS) {
-        if (!setting.command.word) continue;
-        std::string usage;
-        for (const SettingChoice& choice : setting.choices)
-            usage += (usage.empty() ? "" : ", ") + std::string(setting.command.word) + " " + choice.word;
-        if (usage.empty()) usage = setting.command.word + (" " + std::to_string(setting.standard));
-        rows.push_back(rowOf(usage, setting.command.help));
+        if (setting.command.word) rows.push_back(rowOf(setting));
     }
     return rows;
 }

@@ -32,9 +32,9 @@ TEST_F(SettingsTable, everyKeyIsThereOnceAndItsDefaultIsPossible) {
     for (const Setting& setting : SETTINGS) {
         EXPECT_TRUE(keys.insert(setting.key).second) << setting.key;
         EXPECT_EQ(findSetting(setting.key), &setting);
-        if (setting.IsNumber()) EXPECT_TRUE(setting.IsPossible(setting.standard)) << setting.key;
-        if (setting.kind == Setting::COLOR)
-            EXPECT_TRUE(setting.IsPossible(std::string(setting.text))) << setting.key;
+        EXPECT_TRUE(!setting.IsNumber() || setting.IsPossible(setting.standard)) << setting.key;
+        EXPECT_TRUE(setting.kind != Setting::COLOR || setting.IsPossible(std::string(setting.text)))
+            << setting.key;
     }
     EXPECT_EQ(findSetting("no such key"), nullptr);
 }
