@@ -18,6 +18,12 @@
 - (void)undo:(id)sender; // the menu's action
 @end
 
+// What the console does not tell anybody else.
+@interface MainConsole (ForTests)
+- (BOOL)isWritingDue;
+- (BOOL)hasWaitingScripts;
+@end
+
 struct RecordedSheet {
     std::string message;
     std::string yes;
@@ -53,6 +59,9 @@ protected:
 
     // The run loop for so long: timers fire.
     void run(double seconds);
+
+    // Waits, without a turn of the run loop, until what was entered is due to be written.
+    void waitForWriting();
 
     // Writes what was entered, as the timer does a second after the entry. It is written, or has failed, at the end.
     void writeWhatIsDue();

@@ -41,6 +41,16 @@ static void recordSheetsAndAlerts() {
     class_replaceMethod([MainConsole class], alert, reinterpret_cast<IMP>(recordAlert), "v@:@@");
 }
 
+@implementation MainConsole (ForTests)
+- (BOOL)isWritingDue {
+    return keeper.IsDue();
+}
+
+- (BOOL)hasWaitingScripts {
+    return !scripts.waiting.empty();
+}
+@end
+
 @interface TestDelegate : PelmoAppDelegate {
 @public
     int clicks;
@@ -194,8 +204,12 @@ void ConsoleTest::selectEntry(NSUInteger from, NSUInteger length) {
     select(static_cast<NSUInteger>(g_linestart) + from, length);
 }
 
+void ConsoleTest::waitForWriting() {
+    while (![console isWritingDue]) usleep(10000);
+}
+
 void ConsoleTest::writeWhatIsDue() {
-    usleep(1000000); // longer does no harm
+    waitForWriting();
     [console writeDueFiles];
     [console saveSettings]; // waits for the writer
     run(0.01);              // news of a failure come at the run loop's next turn

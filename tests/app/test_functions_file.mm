@@ -281,16 +281,13 @@ TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptPauses) {
     bool isSeen = false;
     std::thread watch([&] {
         while (!isOver && !isSeen) {
-            isSeen = holds("side=12.5");
+            isSeen = holds("side=12.5") && !holds("other=1");
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     });
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:script.c_str()]]);
     isOver = true;
     watch.join();
-    // On a busy machine it takes longer.
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(2400));
     EXPECT_TRUE(isSeen);
 }
 

@@ -200,7 +200,7 @@ TEST_F(Settings, whatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
 // The write that is due when an entry ends comes before its settings are taken over.
 TEST_F(Settings, anEntryAtTheMomentOfTheWriteIsNotForgotten) {
     enter("1+1");
-    usleep(950000); // the write is due then, or later; the run loop has no turn
+    waitForWriting(); // the run loop has no turn
     enter("sigfigs 20");
     for (int i = 0; i < 100 && storedNumber("sigfigs") != 20; i++) run(0.05);
     EXPECT_EQ(storedNumber("sigfigs"), 20);
