@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Shows the console. When its size changes the end of the text stays in sight if it was, otherwise the line at the top
-// stays where it is.
+// Shows the console. When its size changes the end of the text stays in sight if it was, otherwise the line
+// at the top stays where it is.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -9,6 +9,7 @@
 // application has none.
 bool showGuideWindow();
 
-// A text in the guide's notation, a small part of Markdown, laid out: headings ("#" to "###"), tables, fenced code,
-// items ("- "), `code` and **strong**; a link shows its text, an image nothing. Anything else stands as it is.
+// A text in the guide's notation, a small part of Markdown, laid out: headings ("#" to "###"), tables, fenced
+// code, items ("- "), `code` and **strong**; a link shows its text, an image nothing. Anything else stands as
+// it is.
 NSAttributedString* guideText(NSString* markdown);

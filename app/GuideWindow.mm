@@ -40,8 +40,8 @@ static void append(NSMutableAttributedString* out, NSString* text, NSDictionary*
                                                                  attributes:look] autorelease]];
 }
 
-// Appends a part of a line, turning `code`, **strong** and [links](#to-sections) into their looks. Of other links the text
-// alone stays, and of ![images](y) nothing.
+// Appends a part of a line, turning `code`, **strong** and [links](#to-sections) into their looks. Of other
+// links the text alone stays, and of ![images](y) nothing.
 static void appendPart(NSMutableAttributedString* out, NSString* line, NSDictionary* look) {
     enum { CODE = 1, STRONG, LINK_TEXT, LINK_TARGET };
     NSString* const marks =
@@ -117,8 +117,8 @@ static CGFloat widthOf(NSString* cell) {
     return std::ceil([text size].width);
 }
 
-// The rows of a table, each a paragraph with its cells at tab stops. A column is as wide as the widest cell that has
-// another one behind it.
+// The rows of a table, each a paragraph with its cells at tab stops. A column is as wide as the widest cell
+// that has another one behind it.
 static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
     std::vector<CGFloat> widths;
     for (NSArray* const cells in rows) {
@@ -207,8 +207,8 @@ NSAttributedString* guideText(NSString* markdown) {
 
 // --- The window ---
 
-// The narrowest window in which the last column of a table has room: GNUstep lays out no text at all behind a tab
-// stop that lies beyond the edge.
+// The narrowest window in which the last column of a table has room: GNUstep lays out no text at all behind a
+// tab stop that lies beyond the edge.
 static const NSSize SMALLEST_CONTENT = {612, 200};
 
 @interface GuideView : NSTextView

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The window's content view: paints the translucent background behind the console. A press of the mouse where no
-// control is goes to the window's delegate, which drags the window.
+// The window's content view: paints the translucent background behind the console. A press of the mouse where
+// no control is goes to the window's delegate, which drags the window.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -2,8 +2,8 @@
 //
 // The window, its controls and the menus, built in code.
 //
-// The content view from bottom to top: the status line (20 points), the console in its scroll view, the controls
-// (27 points): display base, angle mode, variables, functions.
+// The content view from bottom to top: the status line (20 points), the console in its scroll view, the
+// controls (27 points): display base, angle mode, variables, functions.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -14,8 +14,8 @@
 constexpr CGFloat STATUS_HEIGHT = 20;
 constexpr CGFloat CONTROLS_HEIGHT = 27;
 
-// Builds everything and hands it to the delegate: the window (not shown yet), the console, the controllers and the
-// main menu.
+// Builds everything and hands it to the delegate: the window (not shown yet), the console, the controllers
+// and the main menu.
 void buildInterface(PelmoAppDelegate* delegate);
 
 // The window with its console alone, without menus. The console's outlets are set.

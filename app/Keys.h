@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What the keys do, in the console and in the menus: one table, a row for each key and for each item of a menu. To add
-// one, add a row, and for a new action its code in Transcript.cpp. docs/guide.md has the same table; a test compares.
+// What the keys do, in the console and in the menus: one table, a row for each key and for each item of a
+// menu. To add one, add a row, and for a new action its code in Transcript.cpp. docs/guide.md has the same
+// table; a test compares.
 #pragma once
 
 #include <cstddef>

@@ -119,7 +119,8 @@ static const useconds_t FLASH = 80000; // microseconds
         [self superMouseDown:event];
 }
 
-// What a click does whose button is up again already: the cursor, a word or a line, as often as it was clicked.
+// What a click does whose button is up again already: the cursor, a word or a line, as often as it was
+// clicked.
 - (void)click:(NSEvent*)event {
     NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
     const NSPoint origin = [self textContainerOrigin];
@@ -140,7 +141,8 @@ static const useconds_t FLASH = 80000; // microseconds
 
 // --- Cut, paste, undo ---
 
-// Of what lies in the transcript nothing is removed: it is copied. A selection inside the entry stays as it is.
+// Of what lies in the transcript nothing is removed: it is copied. A selection inside the entry stays as it
+// is.
 - (void)cut:(id)sender {
     const NSRange selection = [self selectedRange];
     const TextRange inEntry = [self transcript].selectedInEntry();
@@ -155,8 +157,8 @@ static const useconds_t FLASH = 80000; // microseconds
     [self ProcessResult:nullptr:YES];
 }
 
-// An entry is one line, in the history and in scripts: line ends between the lines of a text separate statements,
-// and those around them are left out.
+// An entry is one line, in the history and in scripts: line ends between the lines of a text separate
+// statements, and those around them are left out.
 static NSString* asOneLine(NSString* text) {
     NSMutableCharacterSet* const lineEnds = [[[NSCharacterSet newlineCharacterSet] mutableCopy] autorelease];
     [lineEnds addCharactersInString:@"\u2028\u2029"]; // GNUstep's set has them not
@@ -170,8 +172,8 @@ static NSString* asOneLine(NSString* text) {
     return [lines componentsJoinedByString:@"; "];
 }
 
-// Text from another place, in place of the selection or, when that is read only, at the end of the entry. NO when
-// the entry has no room for all of it.
+// Text from another place, in place of the selection or, when that is read only, at the end of the entry. NO
+// when the entry has no room for all of it.
 - (BOOL)insertForeignText:(NSString*)text {
     NSString* const line = asOneLine(text);
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];

@@ -140,7 +140,8 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
     setTitles(menuFuncs, [[titles reverseObjectEnumerator] allObjects]);
 }
 
-// In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be undone.
+// In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be
+// undone.
 - (void)putIn:(NSString*)text {
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     [self insertText:text];
@@ -165,8 +166,8 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
     calc.ProcessStringEuropean(typed.data());
     [self putIn:textFromBytes(typed.c_str())];
     if (open == NSNotFound || end == NSNotFound || end <= open) return;
-    // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry that
-    // the call begins.
+    // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry
+    // that the call begins.
     [self setSelectedRange:NSMakeRange(static_cast<NSUInteger>(g_linestart) + open + 1, end - open - 1)];
 }
 

@@ -33,8 +33,8 @@ static void copyBounded(char* out, size_t size, const char* text) {
     }
 }
 
-// What the entry's commands changed. Storing angle mode and base shows them, which runs previews with the stored
-// settings.
+// What the entry's commands changed. Storing angle mode and base shows them, which runs previews with the
+// stored settings.
 - (void)copySettingsFromEngine {
     const EntrySettings entered = calc;
     for (const Setting& setting : SETTINGS) {

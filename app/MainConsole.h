@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The console: one text view that is the transcript of earlier entries and, behind the last prompt "> ", the
-// entry that is being typed. Everything in front of `g_linestart` is read only, everything from there to the end
-// of the text is the entry.
+// entry that is being typed. Everything in front of `g_linestart` is read only, everything from there to the
+// end of the text is the entry.
 //
 //   MainConsole.mm         the state, start-up and shut-down
 //   MainConsole+View.mm    writing into the transcript, the prompt
@@ -59,8 +59,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // first-run or the review sheet. `calc` must not have been initialised before.
 - (void)initializeConsole:(NSWindow*)window;
 
-// The shut-down: stores the window's frame, writes the settings and the functions file, lets go of the paths and
-// of the settings.
+// The shut-down: stores the window's frame, writes the settings and the functions file, lets go of the paths
+// and of the settings.
 - (void)terminateConsole;
 
 - (void)initWindowProperties; // the smallest size, 400 x 150 points
@@ -69,14 +69,15 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // Makes the text at least as high as the part of it that is seen, and no higher than it needs to be then.
 - (void)fitToScrollView;
 
-// The window's frame into the settings x, y, cx, cy. Nothing while it is hidden or minimised: its frame is then not
-// where it will be.
+// The window's frame into the settings x, y, cx, cy. Nothing while it is hidden or minimised: its frame is
+// then not where it will be.
 - (void)storeFrame;
 
 // A modal alert with the button "OK".
 - (void)simpleAlert:(NSString*)title:(NSString*)detail;
 
-// A sheet on the window with one button or, with `no`, two. The selector, which may be null, is that of a sheet's end.
+// A sheet on the window with one button or, with `no`, two. The selector, which may be null, is that of a
+// sheet's end.
 - (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector;
 
 // An entry begins: key presses that wait are taken for interruptions from now on, though not at once.
@@ -114,11 +115,12 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // Appends the 8-bit string; the entry's start stays where it was.
 - (void)insertWithoutPrompt:(const char*)text;
 
-// A script's output does not stand behind the prompt that "clear" or "gospel" left: it begins a line of its own.
+// A script's output does not stand behind the prompt that "clear" or "gospel" left: it begins a line of its
+// own.
 - (void)leaveEmptyPrompt;
 
-// Inserts the 8-bit string `backCount` characters in front of the entry, 3 being in front of "\n> ", and moves the
-// entry's start along.
+// Inserts the 8-bit string `backCount` characters in front of the entry, 3 being in front of "\n> ", and
+// moves the entry's start along.
 - (void)insertPrePrompt:(const char*)text:(int32_t)backCount;
 - (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount; // the same with any text
 
@@ -130,8 +132,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)recallHistory:(int)index; // the line of the history becomes the entry, see CHistory::GetHistoryStr
 - (void)recallHistory;            // that of the walk's position
 
-// Whether something waits that interrupts: a press of Escape, Command-q or Control-c, or the close of the window,
-// which comes afterwards. Any other key press that waits is consumed. Returns 1 to interrupt, 0 to go on.
+// Whether something waits that interrupts: a press of Escape, Command-q or Control-c, or the close of the
+// window, which comes afterwards. Any other key press that waits is consumed. Returns 1 to interrupt, 0 to go
+// on.
 - (int)checkInterruptEvent;
 
 // The result of the entry as it is typed, in the status line. A line feed at its end is left out.
@@ -139,9 +142,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 @end
 
 @interface MainConsole (Runner)
-// Sends a line to the engine with the settings of the console and shows what comes back. A null `line` stands for
-// the entry at the prompt. `quick` is the live preview: only the status line changes. Nothing happens while an entry is
-// at work: timers and windows may send this while it looks for interruptions.
+// Sends a line to the engine with the settings of the console and shows what comes back. A null `line` stands
+// for the entry at the prompt. `quick` is the live preview: only the status line changes. Nothing happens
+// while an entry is at work: timers and windows may send this while it looks for interruptions.
 - (void)ProcessResult:(const char*)line:(BOOL)quick;
 
 // An entry is being evaluated or its command, such as a pause, carried out.
@@ -153,7 +156,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // The value of the line in base 2, 10 or 16 with a line feed behind it, or "error". Nothing is stored.
 - (NSString*)QuickResult:(const char*)line:(int)base;
 
-// Carries out a command that the engine handed over (status 2): clear, exit, pause, echorep, echo, convert, gospel.
+// Carries out a command that the engine handed over (status 2): clear, exit, pause, echorep, echo, convert,
+// gospel.
 - (void)RunGUICommand:(const char*)command;
 
 // What the service at the default QueryServiceURL answers to a query such as "convert+5+miles+to+km", or nil.
@@ -170,8 +174,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)loadSettings;          // reads them and shows the console with their colours and font
 - (void)applyColors;           // the console's colours and font from the settings
 - (void)showTextColor:(NSColor*)text background:(NSColor*)back; // in the console alone; nil changes nothing
-// What cannot be written is said once in the status line, with the reason, and is written with the next change or at
-// the end of the program.
+// What cannot be written is said once in the status line, with the reason, and is written with the next
+// change or at the end of the program.
 - (void)saveFuncFile; // functions, variables, units and history to funcFilePath
 - (void)loadFuncFile;
 
@@ -179,8 +183,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (int)setting:(NSString*)key;
 - (void)setSetting:(NSString*)key to:(int)value;
 
-// Before and after a full entry, and now and then while one runs: what an entry changed is in the files a second
-// later, also when the program is killed after that.
+// Before and after a full entry, and now and then while one runs: what an entry changed is in the files a
+// second later, also when the program is killed after that.
 - (void)entryWillRun;
 - (void)entryDidRun;
 - (BOOL)isEntryRunning; // between the two: the engine is at work
@@ -197,8 +201,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)openDocument:(id)sender;
 - (void)tutorial:(id)sender;
 
-// The text of a script that repeats what was typed: a header, the entries that ran since the console was cleared,
-// and what stands at the prompt.
+// The text of a script that repeats what was typed: a header, the entries that ran since the console was
+// cleared, and what stands at the prompt.
 - (NSString*)scriptText;
 
 // Writes that text to the file, in UTF-8. Returns NO when it is not there.

@@ -23,8 +23,8 @@ static const NSTimeInterval SHEET_DELAY = 0.4;
 // So much of a window has to be on a screen for it to be caught by the mouse.
 static const NSSize REACHABLE = {100, 40};
 
-// The engine asks often; the event queue is asked this often, and not before an entry has run this long, so that
-// short entries leave what is typed ahead alone.
+// The engine asks often; the event queue is asked this often, and not before an entry has run this long, so
+// that short entries leave what is typed ahead alone.
 static const std::chrono::milliseconds INTERRUPT_INTERVAL(50);
 
 MainConsole* interruptedConsole = nil;
@@ -121,8 +121,8 @@ static bool isInterrupted() {
     [self copySettingsToEngine];
 }
 
-// The place of the window is stored in whole points, without their fractions, so that it grows with what is in it when
-// the scale changes. Rounded away from zero, what was stored gives the same points again.
+// The place of the window is stored in whole points, without their fractions, so that it grows with what is
+// in it when the scale changes. Rounded away from zero, what was stored gives the same points again.
 static CGFloat fromPoints(int points) {
     const CGFloat length = std::ceil(std::abs(points) * platformScale());
     return points < 0 ? -length : length;
@@ -227,8 +227,8 @@ static bool writesDecimalComma() {
 - (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector {
     NSArray* const sheet = [NSArray
         arrayWithObjects:message, yes, no ? no : @"", selector ? NSStringFromSelector(selector) : @"", nil];
-    // A sheet may keep the program until it is answered, and a window that is only now appearing has not got the
-    // keyboard yet.
+    // A sheet may keep the program until it is answered, and a window that is only now appearing has not got
+    // the keyboard yet.
     [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
 }
 

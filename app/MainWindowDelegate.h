@@ -48,6 +48,6 @@ extern float ddY;
 - (void)placeWindow:(NSRect)frame;
 @end
 
-// The frame moved to the edges of a screen where it is near one, each axis by itself, by the first screen that
-// attracts it. An edge snaps from 18 points inside the screen's edge to 54 points beyond it.
+// The frame moved to the edges of a screen where it is near one, each axis by itself, by the first screen
+// that attracts it. An edge snaps from 18 points inside the screen's edge to 54 points beyond it.
 NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count);

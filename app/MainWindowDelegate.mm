@@ -59,8 +59,8 @@ static std::vector<NSRect> visibleFrames() {
 
 @implementation MainWindow
 
-// GNUstep would keep all of a titled window on the screen: a drag stopped at every edge, and a window that stood
-// partly outside came back elsewhere. Where a window may go is left to the window manager.
+// GNUstep would keep all of a titled window on the screen: a drag stopped at every edge, and a window that
+// stood partly outside came back elsewhere. Where a window may go is left to the window manager.
 - (NSRect)constrainFrameRect:(NSRect)frame toScreen:(NSScreen*)screen {
     if (platformWindowManagerMoves()) return frame;
     return [super constrainFrameRect:frame toScreen:screen];

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A line of text that shows a number. What does not fit is left out where an ellipsis stands: a number that just ends
-// would be a wrong one. An exponent or a prefix at its end stays.
+// A line of text that shows a number. What does not fit is left out where an ellipsis stands: a number that
+// just ends would be a wrong one. An exponent or a prefix at its end stays.
 #pragma once
 
 #import <AppKit/AppKit.h>

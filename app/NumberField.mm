@@ -7,7 +7,8 @@ static bool isDigit(unichar c) {
     return c >= '0' && c <= '9';
 }
 
-// Where the exponent or the metric prefix of a number at the end begins; the text's length when there is none.
+// Where the exponent or the metric prefix of a number at the end begins; the text's length when there is
+// none.
 static NSUInteger startOfScale(NSString* text) {
     const NSUInteger length = [text length];
     if (length < 2 || [text rangeOfString:@"0x"].location != NSNotFound)

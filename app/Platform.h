@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
-// What macOS and GNUstep do differently. One of the folders macos/ and gnustep/ is compiled, and nothing else asks which.
+// What macOS and GNUstep do differently. One of the folders macos/ and gnustep/ is compiled, and nothing else
+// asks which.
 #pragma once
 
 #import <AppKit/AppKit.h>
 
 #include "Keys.h"
 
-// Whether the window manager has asked for this window to be closed, which waits in the queue of events and stays
-// there. Other windows are closed at once. On macOS a click does that, which is not looked for.
+// Whether the window manager has asked for this window to be closed, which waits in the queue of events and
+// stays there. Other windows are closed at once. On macOS a click does that, which is not looked for.
 bool platformCloseIsWaiting(NSWindow* window);
 
-// Takes the release of the left button from the queue of events when it has come already, as that of a touchpad may
-// when its press is looked at. GNUstep's text view would forget it and wait for another one for ever. False on macOS.
+// Takes the release of the left button from the queue of events when it has come already, as that of a
+// touchpad may when its press is looked at. GNUstep's text view would forget it and wait for another one for
+// ever. False on macOS.
 bool platformTakeEarlyRelease();
 
 // The virtual key code of a key press.
@@ -24,11 +26,12 @@ void platformRegisterDefaults();
 // Whether windows can be shown: where an X server does that, whether it answers.
 bool platformHasDisplay();
 
-// After it: LC_NUMERIC is "C" again, as the engine expects, and when the X server goes away the delegate is told by
-// displayWasLost before the program ends with status 1.
+// After it: LC_NUMERIC is "C" again, as the engine expects, and when the X server goes away the delegate is
+// told by displayWasLost before the program ends with status 1.
 void platformAfterLaunch();
 
-// The paths of the files that the command line names, in order. On macOS the system hands files over by itself.
+// The paths of the files that the command line names, in order. On macOS the system hands files over by
+// itself.
 NSArray* platformFileArguments(int argc, const char* const* argv);
 
 // Opens a page in the browser. False when the address is none or nothing can be started.
@@ -37,29 +40,30 @@ bool platformOpenPage(NSString* address);
 // The bar for status items, or nil where there is none.
 NSStatusBar* platformStatusBar();
 
-// Hides the application, whose main window has been faded away. Where no status item brings it back (GNUstep) the
-// window is put among the minimised ones instead, from where the window manager does.
+// Hides the application, whose main window has been faded away. Where no status item brings it back (GNUstep)
+// the window is put among the minimised ones instead, from where the window manager does.
 void platformHide(NSWindow* window);
 
-// Asks the window manager to keep a window that is shown above the others, in front of those that are kept there
-// already, or no longer to (GNUstep). It keeps its place in the lists of windows, which a level of GNUstep's own would
-// cost it. Nothing on macOS, where a level does it.
+// Asks the window manager to keep a window that is shown above the others, in front of those that are kept
+// there already, or no longer to (GNUstep). It keeps its place in the lists of windows, which a level of
+// GNUstep's own would cost it. Nothing on macOS, where a level does it.
 void platformKeepAbove(NSWindow* window, bool isAbove);
 
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
 NSString* platformSheetText(NSString* text);
 
-// Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape only closes
-// it. On macOS the keys select in menus.
+// Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape
+// only closes it. On macOS the keys select in menus.
 void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);
 
-// To be called before a panel for files is opened, which there is one of for all of a run. GNUstep's loses its size
-// between two openings.
+// To be called before a panel for files is opened, which there is one of for all of a run. GNUstep's loses
+// its size between two openings.
 void platformWillOpenPanel(NSSavePanel* panel);
 
-// How many units of a window's frame make one point within the window: more than 1 on a dense screen under GNUstep,
-// whose default GSScaleFactor says it. A new window is made larger by it, and so is a smallest content; frames that
-// are set later and the smallest size of the frame are to be multiplied. 1 on macOS, where frames are in points.
+// How many units of a window's frame make one point within the window: more than 1 on a dense screen under
+// GNUstep, whose default GSScaleFactor says it. A new window is made larger by it, and so is a smallest
+// content; frames that are set later and the smallest size of the frame are to be multiplied. 1 on macOS,
+// where frames are in points.
 CGFloat platformScale();
 
 // Whether the window manager moves windows and tells afterwards only (GNUstep).
@@ -68,23 +72,24 @@ bool platformWindowManagerMoves();
 // Draws a vertical three-part image in a flipped view, `top` at the top as it is seen: source over, opaque.
 void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom);
 
-// Makes controls, menus and panels dark, like the console. Call it after [NSApplication sharedApplication]. Nothing on
-// GNUstep when the person has chosen a theme with the default GSTheme.
+// Makes controls, menus and panels dark, like the console. Call it after [NSApplication sharedApplication].
+// Nothing on GNUstep when the person has chosen a theme with the default GSTheme.
 void useNightTheme();
 
-// Centres the labels of a segmented control; GNUstep's own stand a little to the right. To be called before the labels
-// are set.
+// Centres the labels of a segmented control; GNUstep's own stand a little to the right. To be called before
+// the labels are set.
 void centerSegmentLabels(NSSegmentedControl* control);
 
-// A colour well that shows whether it has the keyboard's focus and opens the color panel with the space bar and with
-// Return, which GNUstep's own does not.
+// A colour well that shows whether it has the keyboard's focus and opens the color panel with the space bar
+// and with Return, which GNUstep's own does not.
 NSColorWell* makeColorWell();
 
-// A pull-down button with this title as its first item, whose list may be longer than the screen: the lists of
-// variables and functions have thousands of rows. Items are added to its menu; what stands behind a tab in an item's
-// title is a second column. macOS' own menus do that; on GNUstep:
+// A pull-down button with this title as its first item, whose list may be longer than the screen: the lists
+// of variables and functions have thousands of rows. Items are added to its menu; what stands behind a tab in
+// an item's title is a second column. macOS' own menus do that; on GNUstep:
 //
-// The list scrolls with the wheel and while the pointer is at its ends. Up, Down, Page Up, Page Down, Home and End
-// move in it, typed letters go to the first row that begins with them (after a pause of a second they begin anew),
-// Return chooses, Escape and a click elsewhere close it. Keys with Command close it and are carried out.
+// The list scrolls with the wheel and while the pointer is at its ends. Up, Down, Page Up, Page Down, Home
+// and End move in it, typed letters go to the first row that begins with them (after a pause of a second they
+// begin anew), Return chooses, Escape and a click elsewhere close it. Keys with Command close it and are
+// carried out.
 NSPopUpButton* makeListPopUp(NSString* title);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The preferences panel's controller. Most changes act at once; all are stored and saved when the panel closes. It
-// also fades the main window.
+// The preferences panel's controller. Most changes act at once; all are stored and saved when the panel
+// closes. It also fades the main window.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -62,9 +62,9 @@ struct PrefControls {
 - (void)windowWillClose:(NSNotification*)notification;
 - (void)closePanel; // closes the panel when it is open
 
-// Changes the window's opacity to `target` in steps of `rate` every 0.03 seconds; at once when the rate is 0 or
-// its magnitude 1 or more. A target of 0 then takes the window away, a negative one hides the application. A new
-// fade ends the one that runs.
+// Changes the window's opacity to `target` in steps of `rate` every 0.03 seconds; at once when the rate is 0
+// or its magnitude 1 or more. A target of 0 then takes the window away, a negative one hides the application.
+// A new fade ends the one that runs.
 - (void)fadeWindow:(float)target rate:(float)rate;
 - (void)fadeWin:(NSTimer*)tick; // one step
 @end

@@ -127,8 +127,9 @@ static bool hasNumber(NSTextField* field) {
     return [scanner scanInteger:NULL];
 }
 
-// The first character of the field; none stands for the usual mark, and so do a point and a comma: of the two the one
-// that is no decimal mark is shown. One that cannot group digits is refused: the mark stays what it was.
+// The first character of the field; none stands for the usual mark, and so do a point and a comma: of the two
+// the one that is no decimal mark is shown. One that cannot group digits is refused: the mark stays what it
+// was.
 - (void)storeSeparator {
     NSString* const text = [controls.prefSepChar stringValue];
     const unichar mark = [text length] > 0 ? [text characterAtIndex:0] : ',';

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Scripts, text files of entries, a line each: reading one, taking turns, and the record that one is saved from.
+// Scripts, text files of entries, a line each: reading one, taking turns, and the record that one is saved
+// from.
 #pragma once
 
 #include "Calculator.h"
@@ -16,8 +17,9 @@ public:
     // The bytes of the file. Each line is UTF-8 or, when it is not, ISO Latin-1.
     explicit Script(std::string bytes);
 
-    // The next entry, in ISO Latin-1 without its line feed; what that lacks is a question mark. Comments are left out, and
-    // so are blank lines, which are there for the eye: as entries they would repeat the one before. False at the end.
+    // The next entry, in ISO Latin-1 without its line feed; what that lacks is a question mark. Comments are
+    // left out, and so are blank lines, which are there for the eye: as entries they would repeat the one
+    // before. False at the end.
     bool next(std::string& entry);
 
 private:
@@ -25,22 +27,22 @@ private:
     size_t place = 0; // of the next line
 };
 
-// One script is replayed at a time. Those that come meanwhile wait and run in their order; when the window closes, none
-// of them does.
+// One script is replayed at a time. Those that come meanwhile wait and run in their order; when the window
+// closes, none of them does.
 struct ScriptTurns {
     bool isReplaying = false;
     std::deque<std::string> waiting; // paths
 };
 
-// The entries that ran since the console was cleared. Told by its look, a line of output that begins like a prompt would
-// be taken for one.
+// The entries that ran since the console was cleared. Told by its look, a line of output that begins like a
+// prompt would be taken for one.
 class EntryRecord {
 public:
     void add(const std::string& entry); // a line in UTF-8; an empty one is left out
     void clear() { entries.clear(); }
 
-    // A script that repeats them, in UTF-8: a header that can set the engine's settings, the entries, and `typed`, which
-    // stands at the prompt.
+    // A script that repeats them, in UTF-8: a header that can set the engine's settings, the entries, and
+    // `typed`, which stands at the prompt.
     std::string script(const ZqCalculator& engine, const std::string& typed) const;
 
 private:

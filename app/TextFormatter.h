@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// For text fields of few characters: limits the length and turns letters into capitals. Each field needs a formatter
-// of its own.
+// For text fields of few characters: limits the length and turns letters into capitals. Each field needs a
+// formatter of its own.
 #pragma once
 
 #import <AppKit/AppKit.h>

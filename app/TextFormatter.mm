@@ -67,7 +67,8 @@
             errorDescription:(NSString**)error {
     NSString* proposed = partial;
     NSRange selection = NSMakeRange([partial length], 0);
-    // Without a replacement these fields keep what was typed too much. They do not tell what they held before.
+    // Without a replacement these fields keep what was typed too much. They do not tell what they held
+    // before.
     if (![self isWithinLimit:partial]) {
         if (replacement) *replacement = [self isWithinLimit:lastText] && lastText ? lastText : @"";
         return NO;

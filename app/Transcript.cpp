@@ -111,7 +111,8 @@ KeyEffect Transcript::escape() const {
     return effect;
 }
 
-// The guard of the prompt. With nothing to delete the cursor goes into the entry; forwards there may then be something.
+// The guard of the prompt. With nothing to delete the cursor goes into the entry; forwards there may then be
+// something.
 KeyEffect Transcript::erase(bool isForward) const {
     KeyEffect effect;
     effect.then = Then::Pass;
@@ -155,8 +156,8 @@ KeyEffect Transcript::goLeft() const {
     return effect;
 }
 
-// With the cursor at the start of the entry the arrows walk through the whole history, behind it through the lines
-// that begin with what was typed.
+// With the cursor at the start of the entry the arrows walk through the whole history, behind it through the
+// lines that begin with what was typed.
 KeyEffect Transcript::walkHistory(bool isUp) const {
     KeyEffect effect;
     CHistory& history = calc.history;
@@ -197,8 +198,8 @@ KeyEffect Transcript::type(KeyAction action, const KeyPress& key, bool minusIsSi
     return effect;
 }
 
-// An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes over
-// between "-" and "ans-", and which comes first is a setting.
+// An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes
+// over between "-" and "ans-", and which comes first is a setting.
 void Transcript::applyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const {
     const bool isMinus = action == KeyAction::Minus;
     if (!isMinus && action != KeyAction::Operator) return;

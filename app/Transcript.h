@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The text of the console as its keys see it, without AppKit: in front of `g_linestart` the transcript, which is read
-// only, and from there to the end the entry. The text view says what it holds, asks what a key press does, and carries
-// that out.
+// The text of the console as its keys see it, without AppKit: in front of `g_linestart` the transcript, which
+// is read only, and from there to the end the entry. The text view says what it holds, asks what a key press
+// does, and carries that out.
 //
-// Main thread only. Positions count the characters (UTF-16 units) of the whole text. "8-bit string" is text in ISO
-// Latin-1, of which ASCII is a part, ended by a NUL.
+// Main thread only. Positions count the characters (UTF-16 units) of the whole text. "8-bit string" is text
+// in ISO Latin-1, of which ASCII is a part, ended by a NUL.
 #pragma once
 
 #include "Calculator.h"
@@ -72,12 +72,12 @@ public:
     Transcript(std::u16string typedText, TextRange selected)
         : entry(std::move(typedText)), selection(selected) {}
 
-    // What the key press does. Sets the globals above and moves in the history. With `minusIsSign` a first minus is a
-    // sign and the second one puts "ans" in front of it; without, the first one does.
+    // What the key press does. Sets the globals above and moves in the history. With `minusIsSign` a first
+    // minus is a sign and the second one puts "ans" in front of it; without, the first one does.
     KeyEffect press(const KeyPress& key, bool minusIsSign) const;
 
-    // Copies the entry into `prompt`. False when it is not all ISO Latin-1 or does not fit: `prompt` then holds what
-    // could be had.
+    // Copies the entry into `prompt`. False when it is not all ISO Latin-1 or does not fit: `prompt` then
+    // holds what could be had.
     bool fetchPrompt() const;
 
     // What of the selection lies in the entry, empty when nothing does.
@@ -86,7 +86,8 @@ public:
     // The letters, digits and '_' of the entry before the cursor: "1+si" completes "si".
     TextRange partialWord() const;
 
-    // Whether the entry may have so many characters more in place of its selected part: a longer one could not be run.
+    // Whether the entry may have so many characters more in place of its selected part: a longer one could
+    // not be run.
     bool hasRoomFor(size_t characters) const;
 
 private:

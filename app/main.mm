@@ -12,8 +12,8 @@
 
 static const int STATUS_NO_DISPLAY = 1;
 
-// The engine writes the trace of its evaluation to standard output, where it would fill a desktop's log. With the
-// option of the terminal's program, --trace, it goes to standard error as it does there.
+// The engine writes the trace of its evaluation to standard output, where it would fill a desktop's log. With
+// the option of the terminal's program, --trace, it goes to standard error as it does there.
 static void directTrace(int argc, const char* const* argv) {
     bool isWanted = false;
     for (int i = 1; i < argc; i++) isWanted = isWanted || strcmp(argv[i], "--trace") == 0;

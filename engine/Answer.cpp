@@ -11,8 +11,8 @@
 constexpr size_t DIGITS_READ = 104;
 constexpr int32_t ALL_FIGURES = 100;
 
-// The digits of a shown number behind its leading zeros, as they are counted when it is read: zeros behind the
-// point are digits, those of the exponent are none.
+// The digits of a shown number behind its leading zeros, as they are counted when it is read: zeros behind
+// the point are digits, those of the exponent are none.
 static size_t countDigits(std::string_view text) {
     text.remove_prefix(text.substr(0, 1) == "-" ? 1 : 0);
     const bool isRadix = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0b";

@@ -22,9 +22,9 @@ struct Answer {
     // The value in base 10, 16 or 2, otherwise in the settings of now. Empty when there is none.
     std::string In(int base, const EntrySettings& now) const;
 
-    // The value as it was shown, but so that it reads back in the settings of now: with their decimal mark, in
-    // adding-machine entry with the sign behind it, without grouping marks and without two's complement, which reads
-    // as another number. Where it would have more than the 104 digits that are read, it is decimal with an exponent.
-    // Empty when there is none.
+    // The value as it was shown, but so that it reads back in the settings of now: with their decimal mark,
+    // in adding-machine entry with the sign behind it, without grouping marks and without two's complement,
+    // which reads as another number. Where it would have more than the 104 digits that are read, it is
+    // decimal with an exponent. Empty when there is none.
     std::string Plain(const EntrySettings& now) const;
 };

@@ -162,7 +162,8 @@ int Builtins::DivideByBase(const char* name, qfloat value) {
     return 0;
 }
 
-// What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is one.
+// What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is
+// one.
 int Builtins::RoundCircular(const Builtin& builtin, qfloat value) {
     if (isTiny(value)) {
         qclear(value);

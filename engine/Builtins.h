@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The predefined functions: one table. A row adds a function, to be called, listed and completed; the guide's list has
-// the same rows.
+// The predefined functions: one table. A row adds a function, to be called, listed and completed; the guide's
+// list has the same rows.
 #pragma once
 
 #include "WorkBudget.h"
@@ -43,8 +43,8 @@ public:
     Builtins(Outcome& theOutcome, const EntrySettings& theSettings, Spending& theSpending)
         : outcome(theOutcome), settings(theSettings), spending(theSpending) {}
 
-    // The row that computes a call of one argument with this name, in lower case: log2 and the like are the row of
-    // log. Null when there is none.
+    // The row that computes a call of one argument with this name, in lower case: log2 and the like are the
+    // row of log. Null when there is none.
     static const Builtin* Find(const char* name);
 
     // Computes the function of a name that Find answered with this row. Returns 0, or -1 with a message.

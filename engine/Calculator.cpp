@@ -167,8 +167,8 @@ int ZqCalculator::Calculate(const char* statement) {
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {
-        // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is reported by
-        // the first operation.
+        // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is
+        // reported by the first operation.
         if (merror == MATH_UNDERFLOW) merror = 0;
         const std::unique_ptr<node*[]> order(new node*[static_cast<size_t>(opCount) + 1]);
         opOrder = order.get();

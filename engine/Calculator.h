@@ -46,9 +46,10 @@ public:
     double entryCount = 0; // full entries so far
 
     bool initialized = false; // InitializeFunctionsAndVars has run
-    // Asked before each statement of a full entry and every 1,000 units of work, a few milliseconds apart at most.
-    // True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings are then as
-    // they were before it, also those that earlier statements of the line had changed. The history keeps the line.
+    // Asked before each statement of a full entry and every 1,000 units of work, a few milliseconds apart at
+    // most. True stops the entry with "** ERROR: interrupted **\n"; variables, functions, units and settings
+    // are then as they were before it, also those that earlier statements of the line had changed. The
+    // history keeps the line.
     bool (*interruptCheck)() = nullptr;
 
     WorkCounters work;
@@ -63,15 +64,15 @@ public:
 
     // Processes one typed line of any length; `quick` is the live preview. Returns the status of the last
     // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
-    // reads; `resultLine` and `message` hold its answer until then. A preview that takes more than its share of
-    // work (WorkBudget.h), some milliseconds, is given up: status -1.
+    // reads; `resultLine` and `message` hold its answer until then. A preview that takes more than its share
+    // of work (WorkBudget.h), some milliseconds, is given up: status -1.
     int ProcessEntry(const char* line, bool quick);
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
     int Calculate(const char* statement);
 
-    // The same with a limit: a statement that takes more than so many units of work (WorkBudget.h) is an error. What
-    // is left of the units comes back, 0 when they did not suffice.
+    // The same with a limit: a statement that takes more than so many units of work (WorkBudget.h) is an
+    // error. What is left of the units comes back, 0 when they did not suffice.
     int CalculateWithin(const char* statement, uint64_t& units);
 
     // Formats `result` into `out` (FORMAT_SIZE bytes) in base 10, 16 or 2; another base writes nothing.
@@ -113,9 +114,9 @@ public:
     // message.
     int ProcTermsLoop() { return evaluator.ProcTermsLoop(); }
 
-    // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term. Sets
-    // `reorder` when the call of a user function was replaced by its body: the body's operators come next.
-    // Returns the number of pairs removed, or -1 with a message.
+    // Evaluates the call in front of an open parenthesis, if any, and removes a pair that encloses one term.
+    // Sets `reorder` when the call of a user function was replaced by its body: the body's operators come
+    // next. Returns the number of pairs removed, or -1 with a message.
     int ProcParenth(node* open) { return evaluator.ProcParenth(open); }
 
     // Applies one operator. Returns the term that holds the result, or null with a message.
@@ -126,15 +127,15 @@ public:
 
     // --- Names and functions (Calls.h, Definitions.h, Variables.h) ---
 
-    // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its body.
-    // A call whose arguments are not all single terms is left as it is. Returns the term to go on from, or null
-    // with a message. Angles are in degrees or radians by `degreeMode`.
+    // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its
+    // body. A call whose arguments are not all single terms is left as it is. Returns the term to go on from,
+    // or null with a message. Angles are in degrees or radians by `degreeMode`.
     node* ProcFunction(node* functionTerm) { return evaluator.ProcFunction(functionTerm); }
 
     // Defines a function from "name(args)=expression", white space allowed. Returns 1 and the definition in
     // `message`, or -1 with an error. A name has fewer than 50 characters.
-    // One that was kept from an earlier run takes the place of a predefined function, and may call functions that
-    // are still to come or were deleted.
+    // One that was kept from an earlier run takes the place of a predefined function, and may call functions
+    // that are still to come or were deleted.
     int DefineFunction(const char* text, bool isKept) { return definitions.Define(text, isKept); }
     int DefineFunction(const char* text) { return DefineFunction(text, false); }
 

@@ -122,8 +122,8 @@ int Calls::PayForBody(const Call& call, const Function& function) {
     return spending.Spend(static_cast<uint64_t>(number) * Cost::COPIED_TERM);
 }
 
-// Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its operators
-// before those that are still to be applied. An argument's own name is no parameter any more.
+// Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its
+// operators before those that are still to be applied. An argument's own name is no parameter any more.
 int Calls::CopyBody(const Call& call, const Function& function) {
     bodyTerms.clear();
     for (const node* term = function.body->first; term; term = term->next) {
@@ -141,8 +141,8 @@ int Calls::CopyBody(const Call& call, const Function& function) {
     return 0;
 }
 
-// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been applied, so
-// what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
+// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been
+// applied, so what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
 node* Calls::Expand(const Call& call, const Function* function) {
     if (call.open->level > WorkLimit::CALL_LEVEL) {
         SuspectCircle(call);

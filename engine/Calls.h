@@ -26,13 +26,13 @@ public:
     // Forgets the calls of the statement before.
     void Begin();
 
-    // Evaluates a call: that of a predefined function in place; that of a person's function is replaced by its body,
-    // whose operators come next. A call whose arguments are not all single terms is left as it is. Returns the term to
-    // go on from, or null with a message.
+    // Evaluates a call: that of a predefined function in place; that of a person's function is replaced by
+    // its body, whose operators come next. A call whose arguments are not all single terms is left as it is.
+    // Returns the term to go on from, or null with a message.
     node* ProcFunction(node* functionTerm);
 
-    // The next operator of the bodies that were put in, that of the latest one first; null when none is left. Behind
-    // those of a body comes the '(' of its call.
+    // The next operator of the bodies that were put in, that of the latest one first; null when none is left.
+    // Behind those of a body comes the '(' of its call.
     node* NextOperator();
 
     // The '(' is not to come again, because its parenthesis has been removed.

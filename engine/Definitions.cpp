@@ -80,7 +80,8 @@ int Definitions::Define(const char* text, bool isKept) {
     return state;
 }
 
-// A name with a '=' in it never computes, and read again the definition would be another: x=y is an assignment.
+// A name with a '=' in it never computes, and read again the definition would be another: x=y is an
+// assignment.
 int Definitions::CheckNamesInBody() {
     for (const node* term = statement.terms.first; term; term = term->next) {
         if (term->type != TERM_NAME || !term->text || !strchr(term->text, '=')) continue;

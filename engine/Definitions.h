@@ -26,10 +26,10 @@ public:
         : statement(theStatement), outcome(theOutcome), settings(theSettings), variables(theVariables),
           scanner(theScanner), syntax(theSyntax), spending(theSpending), work(theWork) {}
 
-    // Defines a function from "name(args)=expression", white space allowed: its body is scanned, checked and ordered
-    // here, and by no call. Returns 1 and the definition in the message, or -1 with an error. One that was kept from
-    // an earlier run takes the place of a predefined function, and may call functions that are still to come or were
-    // deleted.
+    // Defines a function from "name(args)=expression", white space allowed: its body is scanned, checked and
+    // ordered here, and by no call. Returns 1 and the definition in the message, or -1 with an error. One
+    // that was kept from an earlier run takes the place of a predefined function, and may call functions that
+    // are still to come or were deleted.
     int Define(const char* text, bool isKept);
 
     // Whether each piece between the commas is a valid name; the first that is not goes into the message.
@@ -38,8 +38,8 @@ public:
     // The definition as text. An interruption cuts it, with a message.
     std::string TextOf(const Function& function);
 
-    // Makes the definition the message, one line, cut in front of the line feed where it does not fit. Returns 1, or -1
-    // when it was interrupted.
+    // Makes the definition the message, one line, cut in front of the line feed where it does not fit.
+    // Returns 1, or -1 when it was interrupted.
     int Show(const Function& function);
 
 private:

@@ -81,8 +81,8 @@ std::string exponentForm(const Decimal& decimal, ExponentKind kind, int scimode)
     return text + 'e' + std::to_string(e);
 }
 
-// A value below the last decimal shown rounds to one unit of it or to zero. The value's own digits decide, not
-// its rounded ones: with two decimals 0.00096 is 0.00 although it rounds to 0.001.
+// A value below the last decimal shown rounds to one unit of it or to zero. The value's own digits decide,
+// not its rounded ones: with two decimals 0.00096 is 0.00 although it rounds to 0.001.
 std::string tinyFixedForm(const Decimal& all, size_t decimals) {
     std::string text = "0." + std::string(decimals, '0');
     const bool isNext =

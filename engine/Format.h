@@ -21,6 +21,7 @@ void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char sepa
 void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,
                   char separator);
 
-// The number in base, notation and punctuation of the settings, so that it fits into a line behind a name of so many
-// characters: where its digits would not, it is shown with an exponent, for a cut number would be a wrong one.
+// The number in base, notation and punctuation of the settings, so that it fits into a line behind a name of
+// so many characters: where its digits would not, it is shown with an exponent, for a cut number would be a
+// wrong one.
 std::string shownNumber(const qfloat value, const EntrySettings& settings, size_t nameLength);

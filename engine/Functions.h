@@ -22,8 +22,9 @@ struct Function {
     int32_t argCount = 0; // number of parameters
     Deq* body = nullptr;  // owned; the parsed right-hand side, null for a predefined function
 
-    // What a call knows of the body without reading it again: for every term the position of the parameter that it
-    // names, or -1; and the positions of the operators in the order in which they are applied. Filled by AddFunction.
+    // What a call knows of the body without reading it again: for every term the position of the parameter
+    // that it names, or -1; and the positions of the operators in the order in which they are applied. Filled
+    // by AddFunction.
     std::vector<int32_t> parameters;
     std::vector<int32_t> order;
 
@@ -32,11 +33,11 @@ struct Function {
     Function(const Function&) = delete;
     Function& operator=(const Function&) = delete;
 
-    // The definition as text that can be typed again: "mod(x,d)=x%d", "g()=5"; the head alone for a predefined
-    // function. Numbers are those typed as 0x..., others are shown in auto mode with 100 digits, without
-    // separator and with a '.'; the overflow value is 1e9999; the start of a unit is a blank and a conversion "->".
-    // `mayGoOn` is asked before each term of the body, for a number takes some 10 microseconds; the text ends
-    // where it answers false.
+    // The definition as text that can be typed again: "mod(x,d)=x%d", "g()=5"; the head alone for a
+    // predefined function. Numbers are those typed as 0x..., others are shown in auto mode with 100 digits,
+    // without separator and with a '.'; the overflow value is 1e9999; the start of a unit is a blank and a
+    // conversion "->". `mayGoOn` is asked before each term of the body, for a number takes some 10
+    // microseconds; the text ends where it answers false.
     std::string ToString(const std::function<bool()>& mayGoOn = {}) const;
 
     // The same into a buffer of 10,000 bytes, cut at 9,999 characters.
@@ -53,7 +54,8 @@ public:
     // Adds a function. `argText` is a comma-separated list of parameter names, read up to an empty piece;
     // each comma read is overwritten with a terminator. `body` is copied; null makes a predefined function.
     // A definition with the same name and number of parameters is replaced. Returns the function, or null
-    // when that definition is predefined. One that was kept from an earlier run takes its place: it had been deleted.
+    // when that definition is predefined. One that was kept from an earlier run takes its place: it had been
+    // deleted.
     Function* AddFunction(const char* name, char* argText, const Deq* body, bool isKept);
     Function* AddFunction(const char* name, char* argText, const Deq* body) {
         return AddFunction(name, argText, body, false);
@@ -64,11 +66,12 @@ public:
 
     // The first function with the name (case ignored) and the number of parameters; -1 means any number.
     // A name that begins with "log" is answered with the first predefined function of that many parameters:
-    // log2, log1.5 and the like are logarithms to a base. One that was kept goes before it. Null when there is none.
+    // log2, log1.5 and the like are logarithms to a base. One that was kept goes before it. Null when there
+    // is none.
     Function* FunctionExists(const char* name, int32_t argCount) const;
 
-    // The first function with exactly this name (case ignored) and the number of parameters, -1 for any number, or
-    // null.
+    // The first function with exactly this name (case ignored) and the number of parameters, -1 for any
+    // number, or null.
     Function* FindByName(const char* name, int32_t argCount) const;
 
     // Walks the list: Get goes to a position from 0 (the first function when it is below 1) and gives its
@@ -82,8 +85,8 @@ public:
     Function* FindTabComplete(const char* prefix);
     void TabCompleteReset();
 
-    // Where completion stands: the position of the last match. 99 plus the number of functions, like any number
-    // above the list's length, means that the next search starts at the newest.
+    // Where completion stands: the position of the last match. 99 plus the number of functions, like any
+    // number above the list's length, means that the next search starts at the newest.
     int32_t tabIndex = 99;
 
     // The functions that look-ups by name compared so far. Tests hold it against the number of look-ups.
@@ -103,7 +106,8 @@ private:
     // The functions with this name, case ignored.
     const Row& Namesakes(const char* name) const;
 
-    // Every function gets a greater number than those before it; with it, it is found, taken out and put back.
+    // Every function gets a greater number than those before it; with it, it is found, taken out and put
+    // back.
     std::map<uint64_t, std::shared_ptr<Function>> functions;
     std::unordered_map<const Function*, uint64_t> numbers;
     uint64_t lastNumber = 0;

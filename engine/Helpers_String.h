@@ -38,6 +38,7 @@ constexpr char LowerCase(char c) { // A to Z become a to z
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-// Whether the text is the name of a variable, a function or a parameter: a letter, then letters, digits and '_'.
+// Whether the text is the name of a variable, a function or a parameter: a letter, then letters, digits and
+// '_'.
 bool IsValidName(std::string_view text);
 constexpr int MAX_NAME = 50; // names have fewer characters

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A list of terms whose names are looked up: the variables, the lines of the user's units. It finds a name without a
-// walk.
+// A list of terms whose names are looked up: the variables, the lines of the user's units. It finds a name
+// without a walk.
 #pragma once
 
 #include "Undo.h"
@@ -18,9 +18,9 @@ public:
     // The name in a term's text; an empty one is not found.
     using NameOf = std::string_view (*)(std::string_view text);
 
-    // The list stays its owner's, who may change it in other ways too, but not while an entry runs. What is put in or
-    // taken out there is noticed by the list's numbers, and the index is then built anew.
-    // `work` counts the terms that were put into the index or taken out of it.
+    // The list stays its owner's, who may change it in other ways too, but not while an entry runs. What is
+    // put in or taken out there is noticed by the list's numbers, and the index is then built anew. `work`
+    // counts the terms that were put into the index or taken out of it.
     NamedTerms(Deq& terms, NameOf name, Undo& changes, uint64_t& work)
         : list(terms), nameOf(name), undo(changes), visited(work) {}
 
@@ -29,15 +29,16 @@ public:
     // The first term of exactly this name, or null.
     node* Find(std::string_view name);
 
-    // Append a term, which the list then owns; give a term a value; remove and free a term, or all. Taken back, the
-    // same terms stand at the same places with the same values. All terms are removed in one step however many they
-    // are; the look-ups that follow free them, a few each.
+    // Append a term, which the list then owns; give a term a value; remove and free a term, or all. Taken
+    // back, the same terms stand at the same places with the same values. All terms are removed in one step
+    // however many they are; the look-ups that follow free them, a few each.
     node* Append(node* term);
     void SetValue(node* term, const qfloat value);
     void Delete(node* term);
     void DeleteAll();
 
-    // The list has had terms that came in otherwise than by Append. Whoever has looked at them sets it to false.
+    // The list has had terms that came in otherwise than by Append. Whoever has looked at them sets it to
+    // false.
     bool isForeign = false;
 
 private:

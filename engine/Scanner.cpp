@@ -105,8 +105,8 @@ static std::string_view lastOperand(std::string_view text) {
     return text.substr(start);
 }
 
-// The first sign at or behind `from` that is none of a conversion's units, as in N-m: these reach from the mark
-// to the next ')'.
+// The first sign at or behind `from` that is none of a conversion's units, as in N-m: these reach from the
+// mark to the next ')'.
 static size_t findSign(const std::string& text, size_t from) {
     for (size_t pos = from; pos < text.size(); pos++) {
         if (text[pos] == CVSstr[0]) pos = std::min(text.find(')', pos), text.size());
@@ -137,7 +137,8 @@ std::string Scanner::MoveSignsForward(const std::string& text) {
     return moved;
 }
 
-// Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to the next
+// Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to
+// the next
 // ')'.
 static bool isArrowInUnit(const std::string& text) {
     const size_t mark = text.find(CVSstr[0]);
@@ -233,7 +234,8 @@ bool Scanner::IsFunctionName(const std::string& name) const {
     return funcs.FunctionExists(name.c_str(), -1) || strIsEqualI(name.c_str(), functionInDefinition.c_str());
 }
 
-// A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a thousandth.
+// A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a
+// thousandth.
 void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
     if (text.empty()) return;
     work.looked += text.size();

@@ -27,15 +27,17 @@ public:
     // Names, exactly as they are written.
     using Names = std::set<std::string, std::less<>>;
 
-    // Reads an expression, or name=expression, of which markConversion has seen the text, into the statement's terms
-    // and its target: "ans" without a name, a new one where no variable has the name. Returns 0, or -1 with a message.
+    // Reads an expression, or name=expression, of which markConversion has seen the text, into the
+    // statement's terms and its target: "ans" without a name, a new one where no variable has the name.
+    // Returns 0, or -1 with a message.
     int Scan(std::string text);
 
-    // The same for the right-hand side of a definition: the function and its parameters are known in it, and when it
-    // was kept from an earlier run every name in front of a parenthesis is that of a function.
+    // The same for the right-hand side of a definition: the function and its parameters are known in it, and
+    // when it was kept from an earlier run every name in front of a parenthesis is that of a function.
     int ScanBody(std::string text, const std::string& function, const Names& parameters, bool isKept);
 
-    // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a value).
+    // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a
+    // value).
     int Str2Num(const char* text, qfloat value);
 
 private:
@@ -60,8 +62,8 @@ private:
     std::string lookedUp; // the last operand
 };
 
-// The statement without leading white space, without what follows its first ';', and without trailing blanks and line
-// ends.
+// The statement without leading white space, without what follows its first ';', and without trailing blanks
+// and line ends.
 std::string trimStatement(const char* statement);
 
 // Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi, of the same length.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Every setting is a row of the table SETTINGS. Command words, the settings file, both front ends and the preferences
-// take what they need from there.
+// Every setting is a row of the table SETTINGS. Command words, the settings file, both front ends and the
+// preferences take what they need from there.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,8 @@
 
 enum SciMode : int32_t { SCI_AUTO, SCI_NEVER, SCI_ALWAYS, SCI_ENGINEERING, SCI_PREFIX, SCI_FIXED };
 
-// What an entry is read and answered with. A front end sets them before each entry; commands change some of them.
+// What an entry is read and answered with. A front end sets them before each entry; commands change some of
+// them.
 struct EntrySettings {
     bool degreeMode = false;    // angles in degrees
     int32_t sciMode = SCI_AUTO; // a SciMode
@@ -64,8 +65,8 @@ struct SettingCommand {
 };
 
 struct Setting {
-    // A number, up to CHARACTER; or a text: of a color its calibrated red, green, blue and alpha, "0.1 0.9 0.9 1", and
-    // of a font its points and name, "13 DejaVuSansMono".
+    // A number, up to CHARACTER; or a text: of a color its calibrated red, green, blue and alpha, "0.1 0.9
+    // 0.9 1", and of a font its points and name, "13 DejaVuSansMono".
     enum Kind { FLAG, NUMBER, CHARACTER, COLOR, FONT };
 
     const char* key; // in the file
@@ -87,8 +88,8 @@ struct Setting {
     // What a number that is missing in the file reads as: 0, or the default where that is no value.
     int WhenMissing() const { return least > 0 ? standard : 0; }
 
-    // Sets the field that an entry uses, if there is one. As the grouping mark a point counts as a comma: a decimal
-    // comma makes a point of it.
+    // Sets the field that an entry uses, if there is one. As the grouping mark a point counts as a comma: a
+    // decimal comma makes a point of it.
     void Apply(int value, EntrySettings& settings) const;
 
     // The value of that field; the default when there is none.
@@ -166,7 +167,7 @@ std::string colorText(const double (&parts)[4]);
 bool readFont(const std::string& text, double& points, std::string& name);
 std::string fontText(double points, const std::string& name);
 
-// Why a character, an ISO Latin-1 one if any, cannot be the mark between groups of digits, such as "# begins a
-// comment."; empty when it can. What the engine reads as part of a number or beside one would make another number of
-// an answer.
+// Why a character, an ISO Latin-1 one if any, cannot be the mark between groups of digits, such as "# begins
+// a comment."; empty when it can. What the engine reads as part of a number or beside one would make another
+// number of an answer.
 std::string groupingMarkFault(int character);

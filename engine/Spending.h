@@ -23,8 +23,8 @@ public:
 
     WorkBudget budget;
 
-    // Counts work before it is done, and asks for an interruption now and then. Returns 0, or -1 with a message when
-    // the evaluation has to stop: a preview at its limit, an entry that is interrupted.
+    // Counts work before it is done, and asks for an interruption now and then. Returns 0, or -1 with a
+    // message when the evaluation has to stop: a preview at its limit, an entry that is interrupted.
     int Spend(uint64_t units) {
         const WorkBudget::Next next = budget.Spend(units);
         return next == WorkBudget::Next::GO_ON ? 0 : Stop(next);
@@ -33,8 +33,8 @@ public:
     // Asks now. Returns 0, or -1 with a message.
     int AskForInterruption();
 
-    // What the unit library asks before it works; `isStopped` is set, with a message, when it must not go on. The flag
-    // has to live longer.
+    // What the unit library asks before it works; `isStopped` is set, with a message, when it must not go on.
+    // The flag has to live longer.
     std::function<bool(uint64_t)> ForUnits(bool& isStopped);
 
 private:

@@ -77,8 +77,8 @@ int Syntax::Check(const Deq& terms) {
     return 0;
 }
 
-// Counts how many operators each level and precedence has, and deals them out: the work grows with the number of
-// terms, whatever their levels.
+// Counts how many operators each level and precedence has, and deals them out: the work grows with the number
+// of terms, whatever their levels.
 std::vector<int32_t> orderOperators(const Deq& terms) {
     constexpr int32_t ROWS = MAX_PRECEDENCE + 1;
     struct Operator {

@@ -13,8 +13,8 @@
 
 class Variables {
 public:
-    // The list holds them; its owner may change it in other ways too, but not while an entry runs. A variable that is
-    // deleted is no statement's target any more, and not the one that was last assigned.
+    // The list holds them; its owner may change it in other ways too, but not while an entry runs. A variable
+    // that is deleted is no statement's target any more, and not the one that was last assigned.
     Variables(Deq& theList, Statement& theStatement, Outcome& theOutcome, Undo& theUndo,
               WorkCounters& theWork)
         : list(theList), statement(theStatement), outcome(theOutcome), work(theWork),
@@ -33,8 +33,9 @@ public:
     // Leaves "ans" = 0 and "pi".
     void Reset();
 
-    // Whether all have valid names: someone may have put others into the list. Returns 0, or -1 with a message; then the
-    // full entry deletes the first that has not. It walks only a list that was changed in another way.
+    // Whether all have valid names: someone may have put others into the list. Returns 0, or -1 with a
+    // message; then the full entry deletes the first that has not. It walks only a list that was changed in
+    // another way.
     int CheckNames();
 
 private:

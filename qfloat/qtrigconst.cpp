@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Tables of the trigonometric functions.  Written by scripts/make_trig_constants.py; change that, not this file.
+// Tables of the trigonometric functions.  Written by scripts/make_trig_constants.py; change that, not this
+// file.
 // clang-format off
 #include "qtrigcore.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Writes files without letting the person wait for the disk: flushing one takes milliseconds, at times tenths of a
-// second. It remembers which of them could not be written.
+// Writes files without letting the person wait for the disk: flushing one takes milliseconds, at times tenths
+// of a second. It remembers which of them could not be written.
 #pragma once
 
 #include "System.h"
@@ -18,8 +18,8 @@ class DefinitionsMerge;
 struct FileToWrite {
     std::string path;
     std::string text;
-    // The definitions file: what other programs defined stays in it. Used until Finish, and not to be used elsewhere
-    // before that. Null: the text alone.
+    // The definitions file: what other programs defined stays in it. Used until Finish, and not to be used
+    // elsewhere before that. Null: the text alone.
     DefinitionsMerge* merge = nullptr;
 };
 
@@ -39,12 +39,13 @@ public:
     // Whether something is still being written.
     bool IsBusy() const { return isBusy; }
 
-    // Takes note of a file that could not be written for another reason, or waits for that, too. Finish first.
+    // Takes note of a file that could not be written for another reason, or waits for that, too. Finish
+    // first.
     void SetFailed(const std::string& path, std::error_code reason);
 
-    // The failures that nobody was told of, as one line without an end, "Not saved: NAME, NAME (reason), NAME (other
-    // reason)" in UTF-8, or nothing. They count as told then, until the file has been written or fails for another
-    // reason. Finish first.
+    // The failures that nobody was told of, as one line without an end, "Not saved: NAME, NAME (reason), NAME
+    // (other reason)" in UTF-8, or nothing. They count as told then, until the file has been written or fails
+    // for another reason. Finish first.
     std::string TakeNews();
 
     // The same for all files whose last write failed, which are forgotten then.

@@ -122,8 +122,8 @@ private:
         return found != positions.end();
     }
 
-    // A number may stand directly in front of a unit, an exponent behind it. A unit of exactly this name goes before
-    // what the name may else stand for.
+    // A number may stand directly in front of a unit, an exponent behind it. A unit of exactly this name goes
+    // before what the name may else stand for.
     void UseUnits(std::string_view text) {
         while (!text.empty()) {
             const auto start = std::find_if(text.begin(), text.end(), IsLetter);

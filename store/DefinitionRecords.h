@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The text of the definitions file, line by line: what each line defines, and in which order they can be read.
+// The text of the definitions file, line by line: what each line defines, and in which order they can be
+// read.
 #pragma once
 
 #include <array>
@@ -25,13 +26,13 @@ struct DefinitionRecord {
     Section section = NO_SECTION;
     size_t line = 0; // its position in the text
 
-    // Equal for two records that define the same: a function of this name, whatever its case, and this number of
-    // parameters; a variable; a unit. Empty without a '='.
+    // Equal for two records that define the same: a function of this name, whatever its case, and this number
+    // of parameters; a variable; a unit. Empty without a '='.
     std::string Key() const;
 };
 
-// "f(x)=...", "a=..." or "unit u=...". Anything else, a command word say, or a line with a ';' or a control character
-// other than a tab, is Nothing.
+// "f(x)=...", "a=..." or "unit u=...". Anything else, a command word say, or a line with a ';' or a control
+// character other than a tab, is Nothing.
 DefinitionRecord recordOf(const std::string& line);
 
 struct DefinitionsText {
@@ -49,9 +50,9 @@ struct DefinitionsText {
 };
 
 // The positions of the records that define something, in the order in which they can be read: the units, the
-// functions, the variables; units and variables behind those that they use, also through functions. Otherwise, and
-// of records that use each other in a circle, the order stays. Of records with the same key the first counts as used.
-// What is too long for an entry counts as using nothing.
+// functions, the variables; units and variables behind those that they use, also through functions.
+// Otherwise, and of records that use each other in a circle, the order stays. Of records with the same key
+// the first counts as used. What is too long for an entry counts as using nothing.
 std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records);
 
 bool isControl(char c); // one that is not a tab

@@ -117,8 +117,8 @@ class Reader {
 public:
     explicit Reader(ZqCalculator& into) : calc(into) {}
 
-    // What became of each record. What one that takes too long would have defined is not known, so whatever is
-    // refused then may need it and counts as such, too.
+    // What became of each record. What one that takes too long would have defined is not known, so whatever
+    // is refused then may need it and counts as such, too.
     std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
         // A person may have any number of definitions: the limit is for evaluations and for long lines.
         for (const DefinitionRecord& record : records) left += IsLong(record) ? 0 : CostOf(record);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The definitions file, pelmo_functions.txt: a person's functions, variables, units and history, from one run to the next. A front
-// end writes and reads it here, which only the window does so far. It is text, one definition or entry a line:
+// The definitions file, pelmo_functions.txt: a person's functions, variables, units and history, from one run
+// to the next. A front end writes and reads it here, which only the window does so far. It is text, one
+// definition or entry a line:
 //
 //   ### FUNCTIONS ###
 //   square(x)=x^2
@@ -23,43 +24,47 @@
 
 class ZqCalculator;
 
-// The text of the file. The functions that have a body, in the order of the list, however long; the variables with
-// 100 digits, without those that hold the overflow value; the units by the lines that defined them; the history,
-// the oldest line first, control characters other than tabs written as blanks.
-// A unit whose line no longer says what the unit is, since a unit in it was deleted or defined anew, is written
-// with its value ("unit b=10 meter").
-// The engine stays as it is, but that it ends a walk with funcs.GetNext and clears the unit library's error state.
+// The text of the file. The functions that have a body, in the order of the list, however long; the variables
+// with 100 digits, without those that hold the overflow value; the units by the lines that defined them; the
+// history, the oldest line first, control characters other than tabs written as blanks. A unit whose line no
+// longer says what the unit is, since a unit in it was deleted or defined anew, is written with its value
+// ("unit b=10 meter"). The engine stays as it is, but that it ends a walk with funcs.GetNext and clears the
+// unit library's error state.
 std::string definitionsText(const ZqCalculator& calc);
 
 struct DefinitionsRead {
     bool opened = false; // it was there and could be read
-    // Something in it was not as it is written: it is empty, lacks its first or the history header, does not end
-    // with a line feed, holds control characters or lines that define nothing, or a line was refused. Everything
-    // else in it was read.
+    // Something in it was not as it is written: it is empty, lacks its first or the history header, does not
+    // end with a line feed, holds control characters or lines that define nothing, or a line was refused.
+    // Everything else in it was read.
     bool damaged = false;
-    // So many definitions were left alone, since reading them takes too long, and these are the other lines. When
-    // there is one, definitions that were refused count among them and not as damage: they may use it. To
-    // whoever knows only these, the definitions are another program's: DefinitionsMerge keeps them in the file.
+    // So many definitions were left alone, since reading them takes too long, and these are the other lines.
+    // When there is one, definitions that were refused count among them and not as damage: they may use it.
+    // To whoever knows only these, the definitions are another program's: DefinitionsMerge keeps them in the
+    // file.
     size_t unread = 0;
     std::string text;
-    // Those of the lines left alone that define what the calculator has all the same, since a name is in the file
-    // twice, say; with the line of what it has.
+    // Those of the lines left alone that define what the calculator has all the same, since a name is in the
+    // file twice, say; with the line of what it has.
     std::map<std::string, std::string> twins;
 };
 
-// Reads the file into a calculator after InitializeFunctionsAndVars. The first line is left out; each further one
-// up to the one that begins with "### HISTORY" is evaluated without its comment ('#' and what follows), and the
-// lines behind that one join the history.
-// - A line defines a function ("f(x)=..."), a variable ("a=...") or a unit ("unit u=..."). Anything else, a command
+// Reads the file into a calculator after InitializeFunctionsAndVars. The first line is left out; each further
+// one up to the one that begins with "### HISTORY" is evaluated without its comment ('#' and what follows),
+// and the lines behind that one join the history.
+// - A line defines a function ("f(x)=..."), a variable ("a=...") or a unit ("unit u=..."). Anything else, a
+// command
 //   word or an expression, has no effect.
-// - Lines may be in any order: a definition is read after those that it uses. Functions may use those that were
+// - Lines may be in any order: a definition is read after those that it uses. Functions may use those that
+// were
 //   deleted, and each other in a circle.
 // - A function that carries the name of a predefined one takes its place: its owner had deleted that one.
 // - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
 // - A unit that was defined by the same line before is not defined again.
-// - The work of evaluating lines is counted and has a limit, for one line and for all of them: some tenths of a
+// - The work of evaluating lines is counted and has a limit, for one line and for all of them: some tenths of
+// a
 //   second. Reading each line of fewer than TEXT_SIZE characters once has none. A variable or
 //   a unit whose line is longer takes too long, whatever it says.
-// Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the texts,
-// the result, the status and the interrupted flag are what they were before; target is "ans".
+// Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the
+// texts, the result, the status and the interrupted flag are what they were before; target is "ans".
 DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, System& system = System::Real());

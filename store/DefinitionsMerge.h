@@ -13,18 +13,20 @@
 
 class DefinitionsMerge {
 public:
-    // The definitions in this text, whatever their values, are no other program's: they were read or written here.
-    // `unread` are lines that were not read, for which we have another line: they stay as long as we have that.
+    // The definitions in this text, whatever their values, are no other program's: they were read or written
+    // here. `unread` are lines that were not read, for which we have another line: they stay as long as we
+    // have that.
     void Know(const std::string& text, std::map<std::string, std::string> unread = {});
 
-    // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were never
-    // known here. Each stands at the end of its section. What was deleted here stays deleted, of a name in both our
-    // line stays, and the history is ours. `ours` is as definitionsText makes it and is known from now on.
+    // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were
+    // never known here. Each stands at the end of its section. What was deleted here stays deleted, of a name
+    // in both our line stays, and the history is ours. `ours` is as definitionsText makes it and is known
+    // from now on.
     std::string Merge(const std::string& ours, const std::string& theirs);
 
-    // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the same
-    // moment one waits for the other. Returns whether it is there now; otherwise the file is as it was, and `reason`
-    // says why.
+    // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the
+    // same moment one waits for the other. Returns whether it is there now; otherwise the file is as it was,
+    // and `reason` says why.
     bool Write(const std::string& path, const std::string& ours, std::error_code& reason,
                System& system = System::Real());
 

@@ -27,8 +27,8 @@ public:
     int Number() const { return number; }
     bool IsOpen() const { return number >= 0; }
 
-    // Whether closing worked: some file systems report only here that a write failed. An interrupted close has
-    // closed, or cannot be repeated safely.
+    // Whether closing worked: some file systems report only here that a write failed. An interrupted close
+    // has closed, or cannot be repeated safely.
     bool Close() {
         const int closing = number;
         number = -1;
@@ -78,7 +78,8 @@ std::string folderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-// A new name is on the disk when its folder is. Where that cannot be asked for, the file is in place all the same.
+// A new name is on the disk when its folder is. Where that cannot be asked for, the file is in place all the
+// same.
 void flushFolder(System& system, const std::string& path) {
     const std::string folder = folderOf(path);
     const Descriptor opened(
@@ -101,8 +102,8 @@ bool readLink(System& system, const std::string& path, std::string& destination)
     return true;
 }
 
-// Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for links
-// in a circle.
+// Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for
+// links in a circle.
 bool followLinks(System& system, std::string& path) {
     for (int links = 0; links <= MAX_LINKS; links++) {
         struct stat info;
@@ -127,9 +128,9 @@ bool isGone(System& system, int file) {
     return system.StatusOf(file, info) == 0 && info.st_nlink == 0;
 }
 
-// Makes a file that did not exist, for its owner alone, and locks it: one without a lock was left by a program that
-// is gone. Another program that starts may remove it before it is locked; then another one is made. Returns the
-// open file, or -1 with errno set.
+// Makes a file that did not exist, for its owner alone, and locks it: one without a lock was left by a
+// program that is gone. Another program that starts may remove it before it is locked; then another one is
+// made. Returns the open file, or -1 with errno set.
 int makeTemporary(System& system, std::string& name) {
     const std::string pattern = name;
     for (;;) {
@@ -193,8 +194,8 @@ void removeUnlocked(System& system, const std::string& path) {
     if (system.Lock(file.Number(), LOCK_EX | LOCK_NB) == 0) system.Remove(path.c_str());
 }
 
-// Beside the file itself, so that programs that reach it through different links have one lock. Links in a circle
-// have one of their own.
+// Beside the file itself, so that programs that reach it through different links have one lock. Links in a
+// circle have one of their own.
 std::string lockName(System& system, std::string path) {
     followLinks(system, path);
     const std::string folder = folderOf(path);

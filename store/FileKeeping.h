@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Files that must not be lost: written in one step, and kept beside when they cannot be read.
-// It needs POSIX (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of memory.
+// It needs POSIX (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of
+// memory.
 #pragma once
 
 #include "System.h"
@@ -13,20 +14,22 @@
 // anything else: no such file, no permission, a folder, a device, a pipe, more than 256 MiB. Never waits.
 bool readWholeFile(const std::string& path, std::string& text, System& system = System::Real());
 
-// Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner alone,
-// is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file that it leads
-// to is written. Returns whether the text is there now; on a failure the old file is as it was and no other is
-// left. What is there but no regular file (a folder, a device), or may not be written, is not replaced. `reason`,
-// when given, receives why it failed; it stays as it is otherwise.
+// Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner
+// alone, is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file
+// that it leads to is written. Returns whether the text is there now; on a failure the old file is as it was
+// and no other is left. What is there but no regular file (a folder, a device), or may not be written, is not
+// replaced. `reason`, when given, receives why it failed; it stays as it is otherwise.
 bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr,
                          System& system = System::Real());
 
-// Removes what programs left that were killed while they wrote the file or one that is kept beside it: the files
-// "NAME.tallyquill-XXXXXX" in its folder, X being a letter or a digit. One that a program is just writing stays.
+// Removes what programs left that were killed while they wrote the file or one that is kept beside it: the
+// files "NAME.tallyquill-XXXXXX" in its folder, X being a letter or a digit. One that a program is just
+// writing stays.
 void removeLeftovers(const std::string& path, System& system = System::Real());
 
-// As long as it lives, no other program has the lock of the same file: to read the file, change what was read and
-// write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of its own,
+// As long as it lives, no other program has the lock of the same file: to read the file, change what was read
+// and write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of
+// its own,
 // ".NAME.lock" in the same folder, which stays. The lock of a symbolic link is that of the file it leads to.
 class FileLock {
 public:
@@ -36,8 +39,8 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // Whether another program still has it. Where no lock can be had at all, as in a folder that cannot be written
-    // or on a file system that has none, nobody is kept out and it is false.
+    // Whether another program still has it. Where no lock can be had at all, as in a folder that cannot be
+    // written or on a file system that has none, nobody is kept out and it is false.
     bool IsTaken() const { return isTaken; }
 
     static constexpr int LOCK_SECONDS = 2;
@@ -48,10 +51,11 @@ private:
     bool isTaken = false;
 };
 
-// Keeps a file that is damaged or cannot be read from being overwritten: it is copied to `path`.unreadable, or
-// moved there when it cannot be read (no permission, a folder). When other content stands there already the names
-// .unreadable.1 to .unreadable.9 follow; a copy that is already there is not made twice. Returns the path of the
-// copy. Empty when there is nothing at `path`, when all ten names are taken, or when the copy could not be made:
-// what is still at `path` is then the only one, and `reason`, when given, receives why no copy could be made.
+// Keeps a file that is damaged or cannot be read from being overwritten: it is copied to `path`.unreadable,
+// or moved there when it cannot be read (no permission, a folder). When other content stands there already
+// the names .unreadable.1 to .unreadable.9 follow; a copy that is already there is not made twice. Returns
+// the path of the copy. Empty when there is nothing at `path`, when all ten names are taken, or when the copy
+// could not be made: what is still at `path` is then the only one, and `reason`, when given, receives why no
+// copy could be made.
 std::string keepUnreadable(const std::string& path, std::error_code* reason = nullptr,
                            System& system = System::Real());

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What a front end keeps from one run to the next: the settings and the definitions, in two files of one folder. It
-// knows what is due to be written, writes it while the person goes on, and what could not be written, and why.
+// What a front end keeps from one run to the next: the settings and the definitions, in two files of one
+// folder. It knows what is due to be written, writes it while the person goes on, and what could not be
+// written, and why.
 #pragma once
 
 #include "BackgroundWriter.h"
@@ -17,8 +18,8 @@ class Keeper {
 public:
     explicit Keeper(System& calls = System::Real()) : system(calls), writer(calls) {}
 
-    // The files are in this folder now, which is made when it is missing, then and before each write. What killed
-    // programs left of the files is removed.
+    // The files are in this folder now, which is made when it is missing, then and before each write. What
+    // killed programs left of the files is removed.
     void Open(const std::string& path);
 
     // Returns when all is written. There are no files any more.
@@ -29,12 +30,13 @@ public:
     // The bytes of the settings file, or nothing when it cannot be read.
     std::string Settings();
 
-    // It could be read but not understood, or not be read: it is kept beside (FileKeeping.h). Where that fails, it is
-    // tried again before the file is written, which waits for it. Nothing happens when there is none.
+    // It could be read but not understood, or not be read: it is kept beside (FileKeeping.h). Where that
+    // fails, it is tried again before the file is written, which waits for it. Nothing happens when there is
+    // none.
     void KeepSettingsBeside();
 
-    // Reads the definitions file into a calculator (DefinitionsFile.h). A damaged one is kept beside in the same way.
-    // Returns what is to be said to the person, or nothing.
+    // Reads the definitions file into a calculator (DefinitionsFile.h). A damaged one is kept beside in the
+    // same way. Returns what is to be said to the person, or nothing.
     std::string ReadDefinitions(ZqCalculator& calc);
 
     // --- Writing ---
@@ -46,8 +48,8 @@ public:
     // Starts to write both. While an entry runs the definitions are those before it, if they are known.
     void SaveBoth(const ZqCalculator& calc, const std::string& settings);
 
-    // Before and after an entry, which may change what is kept. `isReplaying`: one of many, so that no more than a
-    // twentieth of the time goes into keeping what there was before it.
+    // Before and after an entry, which may change what is kept. `isReplaying`: one of many, so that no more
+    // than a twentieth of the time goes into keeping what there was before it.
     void EntryWillRun(const ZqCalculator& calc, bool isReplaying);
     void EntryDidRun() { isRunning = false; }
     bool IsEntryRunning() const { return isRunning; }

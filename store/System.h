@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The system's calls for files and the clock. Whatever is kept goes through one object of this class, so that a test can put another
-// one in its place and let each of the calls fail.
+// The system's calls for files and the clock. Whatever is kept goes through one object of this class, so that
+// a test can put another one in its place and let each of the calls fail.
 #pragma once
 
 #include <cerrno>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The seed of all random tests. It is named with each of their failures, and given back it draws the same again.
+// The seed of all random tests. It is named with each of their failures, and given back it draws the same
+// again.
 #pragma once
 
 #include <cstdint>

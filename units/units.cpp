@@ -53,7 +53,8 @@ double convert(const char* from, const char* to, const UnitsCharge& charge) {
     return source->factor / target->factor;
 }
 
-// Appends the names of one side, each after a blank: with exponents up to the greatest, or each by itself for 1.
+// Appends the names of one side, each after a blank: with exponents up to the greatest, or each by itself
+// for 1.
 void appendNames(std::string& text, const std::vector<UnitPower>& powers, int sign, int32_t greatest) {
     for (const UnitPower& power : powers) {
         for (int32_t left = sign * power.count; left > 0; left -= greatest) {

@@ -49,8 +49,8 @@
 //   non-alphabetic characters in unit name '%s'
 //       name: also for an empty name
 //   '%s' cannot be reduced to primitive units
-//       definition: replaces the message of its reduction, also where memory ends and where all units together
-//       would have more than 1,000,000 names, a square being one, above and below their '/'
+//       definition: replaces the message of its reduction, also where memory ends and where all units
+//       together would have more than 1,000,000 names, a square being one, above and below their '/'
 //   not enough memory for unit string '%s'
 //       text
 //   unit string '%s' takes too long

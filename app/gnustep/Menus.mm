@@ -87,8 +87,8 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
 
 // --- How keys are written ---
 
-// As they stand on the keyboard: "Alt+Shift+S" where GNUstep would write "Alt+S", and "Alt+S" for "Alt+s". The names of
-// the modifiers are GNUstep's defaults (platformRegisterDefaults()).
+// As they stand on the keyboard: "Alt+Shift+S" where GNUstep would write "Alt+S", and "Alt+S" for "Alt+s".
+// The names of the modifiers are GNUstep's defaults (platformRegisterDefaults()).
 
 static NSString* nameOfModifier(NSString* setting, NSString* usual) {
     NSString* const name = [[NSUserDefaults standardUserDefaults] stringForKey:setting];

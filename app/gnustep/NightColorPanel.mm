@@ -32,7 +32,8 @@ static void drawSlider(id cell, SEL selector, NSRect frame, NSView* view) {
     drawTitle(title, NSMakePoint(NSMinX(frame) + 4, NSMidY(frame) - height / 2));
 }
 
-// GNUstep's cell writes its title in black or white, whatever is behind. It comes with the bundle of the sliders.
+// GNUstep's cell writes its title in black or white, whatever is behind. It comes with the bundle of the
+// sliders.
 static void makeTitlesLegible() {
     const Class cells = NSClassFromString(@"GSColorSliderCell");
     if (!cells || drawSliderWithoutTitle) return;
@@ -57,8 +58,8 @@ static void makeTitlesLegible() {
                         method_getTypeEncoding(ours));
 }
 
-// The theme's image of a picker's tab where it has one, else that of the picker's bundle. Both are named for the
-// picker's class.
+// The theme's image of a picker's tab where it has one, else that of the picker's bundle. Both are named for
+// the picker's class.
 - (NSImage*)provideNewButtonImage {
     makeTitlesLegible();
     NSString* const name = NSStringFromClass([self class]);

@@ -313,8 +313,8 @@ void useNightTheme() {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
     NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
     [GSTheme setTheme:theme];
-    // With every change of the defaults, its own periodic reading included, GNUstep would go back to the theme that
-    // they name.
+    // With every change of the defaults, its own periodic reading included, GNUstep would go back to the
+    // theme that they name.
     [[NSNotificationCenter defaultCenter] removeObserver:(id)[GSTheme class]
                                                     name:NSUserDefaultsDidChangeNotification
                                                   object:nil];

@@ -64,9 +64,9 @@ uint32_t platformKeyCode(NSEvent* event) {
 }
 
 void platformRegisterDefaults() {
-    // The menu in the window, the scroller at its right, no icon of the application on the desktop, a minimised
-    // window in the hands of the window manager, and in menus the
-    // names of the keys as they stand on the keyboards here.
+    // The menu in the window, the scroller at its right, no icon of the application on the desktop, a
+    // minimised window in the hands of the window manager, and in menus the names of the keys as they stand
+    // on the keyboards here.
     NSDictionary* const defaults = [NSDictionary
         dictionaryWithObjectsAndKeys:@"NSWindows95InterfaceStyle", @"NSMenuInterfaceStyle",
                                      @"NSMacintoshInterfaceStyle", @"NSScrollViewInterfaceStyle", @"YES",
@@ -83,8 +83,8 @@ bool platformHasDisplay() {
     return display != nullptr;
 }
 
-// Xlib calls it where it notices, which is never in a signal handler, and would exit behind it, with all that libraries
-// do then on a connection that is gone.
+// Xlib calls it where it notices, which is never in a signal handler, and would exit behind it, with all that
+// libraries do then on a connection that is gone.
 static int endWithoutDisplay(Display*) {
     fputs("Tallyquill: the display has gone away.\n", stderr);
     [(PelmoAppDelegate*)[NSApp delegate] displayWasLost];
@@ -140,7 +140,8 @@ void platformKeepAbove(NSWindow* window, bool isAbove) {
     GSDisplayServer* const server = GSServerForWindow(window);
     Display* const display = static_cast<Display*>([server serverDevice]);
     if (!display) return;
-    // The "Extended Window Manager Hints": a message to the root window, 1 to add the state and 0 to remove it.
+    // The "Extended Window Manager Hints": a message to the root window, 1 to add the state and 0 to remove
+    // it.
     XEvent message = {};
     message.xclient.type = ClientMessage;
     message.xclient.window = reinterpret_cast<Window>([server windowDevice:number]);
@@ -156,8 +157,9 @@ void platformKeepAbove(NSWindow* window, bool isAbove) {
     XFlush(display);
 }
 
-// The window manager's frame is not told from the window's own once that was taken away: shown again it would be
-// larger by the frame, with nothing painted there. A window made anew for every opening has the size of the first.
+// The window manager's frame is not told from the window's own once that was taken away: shown again it would
+// be larger by the frame, with nothing painted there. A window made anew for every opening has the size of
+// the first.
 void platformWillOpenPanel(NSSavePanel* panel) {
     [panel setOneShot:YES];
 }

@@ -2,8 +2,8 @@
 //
 // usage: preview_bench
 //
-// Prints what the preview of a line costs the engine at each key press: milliseconds of processor time for lines of
-// up to 10, 100 and 1,000 characters. An empty column: the line is longer.
+// Prints what the preview of a line costs the engine at each key press: milliseconds of processor time for
+// lines of up to 10, 100 and 1,000 characters. An empty column: the line is longer.
 #include "lines.h"
 
 #include <cstdio>

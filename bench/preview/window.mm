@@ -3,8 +3,8 @@
 // usage: tests/app/with_display.sh --limit 600 key_press_bench
 //
 // Prints what a key press at the end of an entry costs: milliseconds of this process's processor time for the
-// preview, the layout of the text and its drawing; what the X server takes is not in it. The transcript above the
-// entry is empty, then 1,000 entries long.
+// preview, the layout of the text and its drawing; what the X server takes is not in it. The transcript above
+// the entry is empty, then 1,000 entries long.
 #include "lines.h"
 
 #import "Interface.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A console in a real window, as a first start leaves it, with its files in a folder of its own. Sheets and alerts
-// are recorded instead of shown, for they would wait for a person.
+// A console in a real window, as a first start leaves it, with its files in a folder of its own. Sheets and
+// alerts are recorded instead of shown, for they would wait for a person.
 #pragma once
 
 #import "MainConsole.h"
@@ -36,8 +36,8 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // Starts the console anew over the same files, as the next start of the program does. The old one is gone,
-    // as after a crash unless terminate() was called.
+    // Starts the console anew over the same files, as the next start of the program does. The old one is
+    // gone, as after a crash unless terminate() was called.
     void restart();
 
     void terminate(); // the regular end of the program
@@ -63,7 +63,8 @@ protected:
     // Waits, without a turn of the run loop, until what was entered is due to be written.
     void waitForWriting();
 
-    // Writes what was entered, as the timer does a second after the entry. It is written, or has failed, at the end.
+    // Writes what was entered, as the timer does a second after the entry. It is written, or has failed, at
+    // the end.
     void writeWhatIsDue();
 
     std::string text() const;         // the whole text, in UTF-8

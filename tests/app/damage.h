@@ -6,8 +6,8 @@
 #include <random>
 #include <string>
 
-// The text, which is not empty, with one to eight bytes changed, cut off somewhere, or with a piece of it missing
-// or doubled.
+// The text, which is not empty, with one to eight bytes changed, cut off somewhere, or with a piece of it
+// missing or doubled.
 inline std::string damaged(std::string text, std::mt19937& random) {
     const auto below = [&random](size_t end) { return static_cast<size_t>(random() % end); };
     const size_t place = below(text.size());

@@ -4,11 +4,12 @@
 //
 //   app_tests [--file test_x.mm] [GoogleTest's flags]
 //
-// --file  only the tests of that source file, and it must have some: this is how CTest runs them, one entry for
+// --file  only the tests of that source file, and it must have some: this is how CTest runs them, one entry
+// for
 //         each file.
 //
-// Every test lives in a file test_*.mm; the program refuses to run when one does not, because CTest would miss
-// it. Listing the tests (--gtest_list_tests) needs no display.
+// Every test lives in a file test_*.mm; the program refuses to run when one does not, because CTest would
+// miss it. Listing the tests (--gtest_list_tests) needs no display.
 #import "Platform.h"
 
 #import <AppKit/AppKit.h>
@@ -28,7 +29,8 @@ static std::string fileOf(const testing::TestInfo& test) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// Joins with ':' the names of the tests that live in `file`. False when some test lives where CTest does not look.
+// Joins with ':' the names of the tests that live in `file`. False when some test lives where CTest does not
+// look.
 static bool findTests(const std::string& file, std::string* names) {
     const testing::UnitTest& all = *testing::UnitTest::GetInstance();
     for (int i = 0; i < all.total_test_suite_count(); i++) {

@@ -30,8 +30,8 @@ public:
     IMP implementation() const { return original; } // what it replaces
 
 private:
-    // The runtime of GNUstep changes the table of the class alone, and that of a subclass may be a copy. A method
-    // that is added has all of them made anew; it has to be a new one every time.
+    // The runtime of GNUstep changes the table of the class alone, and that of a subclass may be a copy. A
+    // method that is added has all of them made anew; it has to be a new one every time.
     void tellSubclasses() const {
         static int count = 0;
         const std::string name = "replacement" + std::to_string(++count);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The console with what stands around it: the controller that fades the window and, if asked for, the menu bar.
+// The console with what stands around it: the controller that fades the window and, if asked for, the menu
+// bar.
 #pragma once
 
 #include "console_fixture.h"

@@ -289,8 +289,8 @@ protected:
     }
 };
 
-// What is copied reads back, by the engine in the settings of the copy, as the answer with the figures it was shown
-// with: every value in every writing, copied in every other one.
+// What is copied reads back, by the engine in the settings of the copy, as the answer with the figures it was
+// shown with: every value in every writing, copied in every other one.
 TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
     const char* const values[] = {"1234.5",        "0-5",         "255",   "1234567", "0-1234567.25",
                                   "0.015625",      "0-0.0078125", "1e12",  "3e-7",    "0",

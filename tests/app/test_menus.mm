@@ -168,8 +168,8 @@ TEST_F(Menus, onlyShiftMeansOnce) {
     EXPECT_EQ(setting("dispbase"), 16);
 }
 
-// Without an entry in between, a base other than that of the call before shows the answer; after an entry, one
-// other than the stored base.
+// Without an entry in between, a base other than that of the call before shows the answer; after an entry,
+// one other than the stored base.
 TEST_F(Menus, whetherTheAnswerIsShownAgainFollowsTheCallBefore) {
     enter("5");
     const std::string head = "> 5\nans = 5\n";

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The online query, against a service of our own on the loopback interface. The page is the subject of tests/web.
+// The online query, against a service of our own on the loopback interface. The page is the subject of
+// tests/web.
 #import "console_fixture.h"
 
 #include "Query.h"

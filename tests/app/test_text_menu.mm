@@ -45,8 +45,8 @@ protected:
         [NSApp sendAction:[chosen action] to:[chosen target] from:chosen];
     }
 
-    // Opens the menu with a click, as the mouse does, and has this done while it is open. Clicks that come seconds
-    // later close it in any case. Returns whether it closed before them.
+    // Opens the menu with a click, as the mouse does, and has this done while it is open. Clicks that come
+    // seconds later close it in any case. Returns whether it closed before them.
     bool openMenuAnd(std::function<void()> act) {
         bool isForced = false;
         int calls = 0;

@@ -71,7 +71,8 @@ TEST_F(TextViewKeys, noKeyOpensASecondLineInTheEntry) {
     }
 }
 
-// Every key with every combination of modifiers, at every place, alone and with a selection, and after it undo.
+// Every key with every combination of modifiers, at every place, alone and with a selection, and after it
+// undo.
 TEST_F(TextViewKeys, noKeyChangesTheTranscript) {
     const uint32_t keys[] = {KEY_TAB,  KEY_ESCAPE, KEY_BACKSPACE, KEY_FORWARD_DELETE,
                              KEY_HOME, KEY_END,    KEY_LEFT,      KEY_RIGHT,

@@ -310,8 +310,8 @@ protected:
         formatter = [[[TextFormatter alloc] init] autorelease];
     }
 
-    // What a text field with the formatter holds after each of the characters was typed; "<" stands for the key that
-    // moves the cursor to the left.
+    // What a text field with the formatter holds after each of the characters was typed; "<" stands for the
+    // key that moves the cursor to the left.
     std::string typed(const char* characters, NSString* begin = @"") {
         NSTextField* const field =
             [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 30, 80, 22)] autorelease];

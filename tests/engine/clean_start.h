@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Functions and units belong to the process: a test that wants to begin like a new calculator removes them first.
+// Functions and units belong to the process: a test that wants to begin like a new calculator removes them
+// first.
 #pragma once
 
 #include "Functions.h"

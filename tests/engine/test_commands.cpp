@@ -81,7 +81,8 @@ std::string rowOf(const std::string& usage, const std::string& help) {
     return "| `" + std::regex_replace(usage, std::regex(", "), "`, `") + "` | " + help + " |";
 }
 
-// Of more choices than fit into a cell the first one has the command in front, and the others stand behind the help.
+// Of more choices than fit into a cell the first one has the command in front, and the others stand behind
+// the help.
 std::string rowOf(const Setting& setting) {
     const std::string word = setting.command.word;
     std::string usage;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// An interrupted entry and a preview change nothing: a line of every kind of statement is stopped at each of them, and
-// each is previewed, and all that an entry can change is compared. A new setting or command word is a row of these
-// tables.
+// An interrupted entry and a preview change nothing: a line of every kind of statement is stopped at each of
+// them, and each is previewed, and all that an entry can change is compared. A new setting or command word is
+// a row of these tables.
 #include "functions_fixture.h"
 
 #include <cstdio>
@@ -147,7 +147,8 @@ protected:
         return text;
     }
 
-    // All that a later entry or a front end finds, but for the texts of the entry and its place in the history.
+    // All that a later entry or a front end finds, but for the texts of the entry and its place in the
+    // history.
     std::string State() {
         std::string text;
         for (const auto& setting : settings)
@@ -205,8 +206,8 @@ protected:
         if (line.rfind("histstack off", 0) != 0 && line != "exit") history.push_back(line); // are not kept
         EXPECT_EQ(history, History());
         EXPECT_EQ(name, LastName());
-        // The target of a single statement says what was to be assigned. Of several, variables may be gone that earlier
-        // ones assigned.
+        // The target of a single statement says what was to be assigned. Of several, variables may be gone
+        // that earlier ones assigned.
         if (line.find(';') != std::string::npos) {
             EXPECT_EQ(target, calc->target);
         }

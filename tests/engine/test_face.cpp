@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The names that programs are compiled against: each is still there, public, with its type. What does not hold does
-// not compile.
+// The names that programs are compiled against: each is still there, public, with its type. What does not
+// hold does not compile.
 #include "Calculator.h"
 
 #include <gtest/gtest.h>

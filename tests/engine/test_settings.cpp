@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The table of settings: what a row says is what entries, command words and files get. A new row is tested here
-// without being named.
+// The table of settings: what a row says is what entries, command words and files get. A new row is tested
+// here without being named.
 #include "Settings.h"
 #include "functions_fixture.h"
 

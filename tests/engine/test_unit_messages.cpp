@@ -5,8 +5,8 @@
 
 namespace {
 
-// "invalid unit name '%s' in '%s'" has 30 characters, and each of its two texts is the name: 112 letters make 254
-// characters, which are formatted. With one letter more the format stands alone.
+// "invalid unit name '%s' in '%s'" has 30 characters, and each of its two texts is the name: 112 letters make
+// 254 characters, which are formatted. With one letter more the format stands alone.
 TEST_F(Functions, aLongUnitMessageIsItsFormatAlone) {
     const std::string name(112, 'w');
     EXPECT_EQ("** ERROR 13: invalid unit name '" + name + "' in '" + name + "' **\n",

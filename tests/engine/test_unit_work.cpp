@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Conversions count as the work they are, before it is done; an interrupted entry leaves the units as they were.
+// Conversions count as the work they are, before it is done; an interrupted entry leaves the units as they
+// were.
 #include "functions_fixture.h"
 
 #include <string>

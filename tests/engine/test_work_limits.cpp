@@ -50,8 +50,8 @@ TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Enter(repeated("1;", 999)));
 }
 
-// 2^32000 has 32,001 bits, 1,000 units beside the 150 of a result, the 3 of the operator and the 24 of the power:
-// 60,000 / 1,177 = 50.
+// 2^32000 has 32,001 bits, 1,000 units beside the 150 of a result, the 3 of the operator and the 24 of the
+// power: 60,000 / 1,177 = 50.
 TEST_F(Functions, aPreviewOfTooManyLongResultsShowsNothing) {
     for (const int base : {10, 16, 2}) {
         calc.displayBase = base;
@@ -209,7 +209,8 @@ TEST_F(Functions, theWorkBetweenTwoChecksIsShort) {
     Enter("wide(x)=x" + repeated("+x", 4900));
     stopAfter(calc, 1000000);
     Enter("0" + repeated("+sin(1e99)", 990));
-    // A sine counts 27 with its parentheses, a '+' 3. A question comes after 1,000 units, or with the sine behind them.
+    // A sine counts 27 with its parentheses, a '+' 3. A question comes after 1,000 units, or with the sine
+    // behind them.
     EXPECT_GE(checks, 1 + 990 * 30 / 1027);
     EXPECT_LE(checks, 1 + 990 * 30 / 1000);
     EXPECT_LE(longestWork, 1003u / 3); // the operators behind the sines
@@ -220,7 +221,8 @@ TEST_F(Functions, theWorkBetweenTwoChecksIsShort) {
     Enter("long(x)=x" + repeated("+1e-9000", 1200));
     stopAfter(calc, 1000000);
     Enter(repeated("long;list;", 20));
-    // A statement begins with a check. Listed are "x%d", "wide" and "long", though there is no room for the last.
+    // A statement begins with a check. Listed are "x%d", "wide" and "long", though there is no room for the
+    // last.
     const int wideTerms = 1 + 2 * 4900;
     const int longTerms = 1 + 2 * 1200;
     // A listed term counts 40, so that 26 are more than 1,000.

@@ -63,11 +63,13 @@ public:
 
     void type(const std::string& keys);
 
-    // Everything shown since the last call, read until it ends with `end` or so many milliseconds have passed.
+    // Everything shown since the last call, read until it ends with `end` or so many milliseconds have
+    // passed.
     std::string readUntil(const std::string& end, int patience = 10000);
 
-    // Presses Ctrl-C, again and again, until what is shown ends with `end`. Returns all of that. One key may come too
-    // early, before the entry that is to be interrupted runs; one more may come too late and show another prompt.
+    // Presses Ctrl-C, again and again, until what is shown ends with `end`. Returns all of that. One key may
+    // come too early, before the entry that is to be interrupted runs; one more may come too late and show
+    // another prompt.
     std::string interruptUntil(const std::string& end);
 
     // Sends a signal to the program (to the shell, with one).

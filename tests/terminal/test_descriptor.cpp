@@ -78,7 +78,8 @@ TEST_F(DescriptorTest, WritesEverythingIntoAPipeThatFillsUp) {
 TEST_F(DescriptorTest, WaitsForInputThatIsNotThereYet) {
     setNonBlocking(0);
     std::thread writer([&] {
-        // Time for the read to begin. When that comes later, the byte is there already, and the read has it too.
+        // Time for the read to begin. When that comes later, the byte is there already, and the read has it
+        // too.
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_EQ(write(ends_[1], "x", 1), 1);
     });

@@ -21,8 +21,8 @@ Lines linesOf(const char* path) {
     return lines;
 }
 
-// Evaluates the rows of tables that begin with an entry and its answer, both between backquotes. Returns how many
-// there are.
+// Evaluates the rows of tables that begin with an entry and its answer, both between backquotes. Returns how
+// many there are.
 int evaluateRows(const char* path) {
     static const std::regex row("\\| `([^`]+)` \\| `([^`]+)` \\|.*");
     int rows = 0;
@@ -49,8 +49,8 @@ int rowsOfEntries(const char* path) {
     return rows;
 }
 
-// Types the transcript that begins at the line and reaches to the end of the block: entries behind "> ", and what
-// they show.
+// Types the transcript that begins at the line and reaches to the end of the block: entries behind "> ", and
+// what they show.
 void evaluateTranscript(const Lines& lines, std::size_t start) {
     Terminal terminal({});
     terminal.readUntil("> ");
