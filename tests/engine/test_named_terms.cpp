@@ -4,12 +4,11 @@
 #include "Helpers_String.h"
 #include "NamedTerms.h"
 #include "functions_fixture.h"
+#include "held_bytes.h"
 
 #include <random>
 #include <string>
 #include <vector>
-
-#include <malloc.h>
 
 namespace {
 
@@ -95,15 +94,15 @@ TEST_F(NamedTermsTest, deletingAllIsOneStep) {
 // Freeing all at once would take longer than an entry may go without a question.
 TEST_F(NamedTermsTest, deletedTermsAreFreedAFewWithEachLookUp) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
-    const size_t before = mallinfo2().uordblks;
+    const size_t before = heldBytes();
     terms.DeleteAll();
     constexpr size_t bytesOfTerm = 300; // the node, its text, its value and the entry of the index
-    EXPECT_LT(before, mallinfo2().uordblks + 2 * bytesOfTerm);
+    EXPECT_LT(before, heldBytes() + 2 * bytesOfTerm);
     for (int i = 1; i <= 200; i++) {
         terms.Find("v0");
-        EXPECT_LT(before, mallinfo2().uordblks + static_cast<size_t>(i) * 40 * bytesOfTerm);
+        EXPECT_LT(before, heldBytes() + static_cast<size_t>(i) * 40 * bytesOfTerm);
     }
-    EXPECT_GT(before, mallinfo2().uordblks + 5000 * 100);
+    EXPECT_GT(before, heldBytes() + 5000 * 100);
 }
 
 TEST_F(NamedTermsTest, deletedTermsComeBackWithTheirIndex) {
@@ -177,7 +176,7 @@ int asked = 0;
 
 bool weigh() {
     asked++;
-    mostBytes = std::max(mostBytes, mallinfo2().uordblks);
+    mostBytes = std::max(mostBytes, heldBytes());
     return false;
 }
 
@@ -185,7 +184,7 @@ bool weigh() {
 TEST_F(CostOfChanges, anEntryOfTwoStatementsCopiesNoVariables) {
     calc.interruptCheck = weigh;
     Enter("v1=2;v2=3");
-    bytesBefore = mostBytes = mallinfo2().uordblks;
+    bytesBefore = mostBytes = heldBytes();
     asked = 0;
     Enter("v1=2;v2=3");
     EXPECT_EQ(2, asked);
