@@ -4,9 +4,9 @@
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"
-#include "Keyboard.h"
 #include "LineReader.h"
 #include "Options.h"
+#include "Prompt.h"
 #include "Session.h"
 #include "ShownText.h"
 #include "Signals.h"
@@ -41,8 +41,6 @@ constexpr std::string_view HELP =
     "Exit status: 0 all entries were answered, 1 some entry failed or overflowed, 2 bad usage.\n";
 
 constexpr std::string_view VERSION = "tallyquill " TALLYQUILL_VERSION "\n";
-
-constexpr std::string_view PROMPT = "> ";
 
 void complain(const std::string& text) {
     writeAll(STDERR_FILENO, ShownText("tallyquill: " + text + "\n"));
@@ -82,12 +80,6 @@ int evaluateArguments(Session& session, int answers, const Options& options) {
     return endStatus(session, answers);
 }
 
-// Where prompts go when a person types: not into a file that collects the answers, else nowhere (-1).
-int promptDescriptor(int answers) {
-    if (isatty(answers) == 1) return answers;
-    return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
-}
-
 // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
@@ -111,24 +103,13 @@ int evaluateFile(Session& session, int answers) {
     }
 }
 
-// Ctrl-C drops what is typed or ends what is evaluated, and the next prompt follows.
 int evaluateTyped(Session& session, int answers) {
-    const InterruptCatcher catcher;
-    const int prompts = promptDescriptor(answers);
-    Keyboard keyboard(STDIN_FILENO, prompts, KEPT_LENGTH);
-    std::string line;
-    for (;;) {
-        const Keyboard::Status status = keyboard.Next(PROMPT, line);
-        if (status == Keyboard::Status::Failed) return inputLost();
-        if (status == Keyboard::Status::Blank) continue;
-        // The shell's prompt, or the next one of ours, begins on a line of its own.
-        if (status != Keyboard::Status::Line && prompts >= 0) writeAll(prompts, "\n");
-        if (status == Keyboard::Status::Cancelled) continue;
-        if (status == Keyboard::Status::End) return endStatus(session, answers);
-        const Session::Outcome outcome = session.Run(line);
-        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
-        if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
+    switch (runPrompt(session, answers, PromptOptions())) {
+    case PromptEnd::InputLost: return inputLost();
+    case PromptEnd::OutputLost: return outputLost(errno);
+    case PromptEnd::Ended: break;
     }
+    return endStatus(session, answers);
 }
 
 int evaluateLines(Session& session, int answers) {
