@@ -38,20 +38,35 @@ static std::string_view unitName(std::string_view text) {
 
 // The statements between the semicolons, without their comments. What stands behind the last semicolon is no
 // statement when it is blank.
-static std::vector<std::string> splitStatements(const std::string& line) {
-    std::vector<std::string> statements;
+static std::vector<std::string_view> splitStatements(std::string_view line) {
+    std::vector<std::string_view> statements;
     size_t start = 0;
     while (statements.size() < MAX_STATEMENTS) {
         const size_t end = line.find(';', start);
         const bool isLast = end == std::string::npos;
-        std::string statement = line.substr(start, isLast ? end : end - start);
-        statement.resize(std::min(statement.size(), statement.find('#')));
+        std::string_view statement = line.substr(start, isLast ? end : end - start);
+        statement = statement.substr(0, statement.find('#'));
         const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string::npos;
-        if (!(isLast && isBlank && start > 0)) statements.push_back(std::move(statement));
+        if (!(isLast && isBlank && start > 0)) statements.push_back(statement);
         if (isLast) break;
         start = end + 1;
     }
     return statements;
+}
+
+// From a place counted without blanks, in one of the entry's statements, to the place in the entry's text.
+static TextRange rangeInEntry(TextRange range, std::string_view statement, std::string_view entry) {
+    if (range.start < 0) return {};
+    const size_t offset = static_cast<size_t>(statement.data() - entry.data());
+    TextRange found;
+    int32_t count = 0;
+    for (size_t i = 0; i < statement.size() && count < range.start + range.length; i++) {
+        if (IsBlank(statement[i])) continue;
+        if (count == range.start) found.start = static_cast<int32_t>(offset + i);
+        count++;
+        found.length = static_cast<int32_t>(offset + i) + 1 - found.start;
+    }
+    return found;
 }
 
 // Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
@@ -92,11 +107,11 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
-    const std::vector<std::string> statements = splitStatements(entry);
+    const std::vector<std::string_view> statements = splitStatements(entry);
     if (fullEntry && interruptCheck)
-        RunOrTakeBack(statements);
+        RunOrTakeBack(entry, statements);
     else
-        RunStatements(statements);
+        RunStatements(entry, statements);
     spending.budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
@@ -121,7 +136,7 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 }
 
 // An interrupted entry changes nothing.
-void ZqCalculator::RunOrTakeBack(const std::vector<std::string>& statements) {
+void ZqCalculator::RunOrTakeBack(std::string_view entry, const std::vector<std::string_view>& statements) {
     undo.Begin();
     undo.Keep<EntrySettings>(*this);
     undo.Keep(target);
@@ -130,20 +145,21 @@ void ZqCalculator::RunOrTakeBack(const std::vector<std::string>& statements) {
     undo.Add([this, text = std::string(lastAnswer)] { copyText(lastAnswer, text); });
     funcs.RecordIn(&undo);
     units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
-    RunStatements(statements);
+    RunStatements(entry, statements);
     funcs.RecordIn(nullptr);
     units_record_changes({});
     if (interrupted) undo.TakeBack();
     undo.End();
 }
 
-void ZqCalculator::RunStatements(const std::vector<std::string>& statements) {
-    for (const std::string& statement : statements) {
+void ZqCalculator::RunStatements(std::string_view entry, const std::vector<std::string_view>& statements) {
+    for (const std::string_view statement : statements) {
         resultLine[0] = '\0';
         overflowed = false;
         status = spending.AskForInterruption();
-        if (status == STATUS_RESULT) status = Calculate(statement.c_str());
+        if (status == STATUS_RESULT) status = Calculate(std::string(statement).c_str());
         if (status == STATUS_RESULT) status = ShowResult();
+        errorRange = status == STATUS_ERROR ? rangeInEntry(errorRange, statement, entry) : TextRange();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
     }
 }
@@ -163,6 +179,8 @@ int ZqCalculator::ShowResult() {
 
 int ZqCalculator::Calculate(const char* statement) {
     work = WorkCounters();
+    errorRange = TextRange();
+    skipped = 0;
     merror = 0;
     int state = ProcessStr(statement);
     if (state == 0) state = VerifyTermsSyntax();

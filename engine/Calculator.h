@@ -161,9 +161,9 @@ private:
     mutable Variables variables{vars, *this, *this, undo, work};
     mutable NamedTerms unitLines;
 
-    void RunOrTakeBack(const std::vector<std::string>& statements);
+    void RunOrTakeBack(std::string_view entry, const std::vector<std::string_view>& statements);
     void BeginEntry(std::string& entry);
-    void RunStatements(const std::vector<std::string>& statements);
+    void RunStatements(std::string_view entry, const std::vector<std::string_view>& statements);
     int ShowResult();
 
     Syntax syntax{*this, work};

@@ -72,9 +72,10 @@ const qfloat* Calls::ArgumentOf(const Call& call) {
     const node* argument = call.arguments[0];
     const qfloat* value = valueOf(argument, variables);
     if (!value && argument->text) {
-        outcome.Fail("** ERROR 5: invalid argument '%s' in function %s **\n", {argument->text, call.Name()});
+        outcome.FailAt(argument, "** ERROR 5: invalid argument '%s' in function %s **\n",
+                       {argument->text, call.Name()});
     } else if (!value) {
-        outcome.Fail("** ERROR 5: invalid argument in function %s **\n", {call.Name()});
+        outcome.FailAt(argument, "** ERROR 5: invalid argument in function %s **\n", {call.Name()});
     }
     return value;
 }
@@ -103,6 +104,8 @@ static node* copyTerm(const node* term, int32_t level) {
     node* copy = new node;
     copy->type = term->type;
     copy->level = level;
+    copy->start = term->start;
+    copy->length = term->length;
     const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
     if (term->text && !isLongNumber) copy->text = StrDuplicate(term->text);
     if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
@@ -110,7 +113,7 @@ static node* copyTerm(const node* term, int32_t level) {
 }
 
 int Calls::SuspectCircle(const Call& call) {
-    return outcome.Fail("** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+    return outcome.FailAt(call.function, "** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
 }
 
 int Calls::PayForBody(const Call& call, const Function& function) {
@@ -149,7 +152,7 @@ node* Calls::Expand(const Call& call, const Function* function) {
         return nullptr;
     }
     if (!function || !function->body) {
-        outcome.Fail("** Unrecognized function: %s **\n", {call.Name()});
+        outcome.FailAt(call.function, "** Unrecognized function: %s **\n", {call.Name()});
         return nullptr;
     }
     if (PayForBody(call, *function) != 0) return nullptr;

@@ -22,6 +22,7 @@ struct DefinitionText {
     std::string name;
     std::string parameters;
     std::string body;
+    size_t bodyStart = 0;
 };
 
 // name()=body or name(parameters)=body. False when a part is missing; the parts before it are read.
@@ -32,7 +33,8 @@ bool splitDefinition(const std::string& text, DefinitionText& parts) {
     if (close == std::string::npos || text.compare(close, 2, ")=") != 0) return false;
     parts.name = text.substr(0, open);
     parts.parameters = text.substr(open + 1, close - open - 1);
-    parts.body = text.substr(close + 2);
+    parts.bodyStart = close + 2;
+    parts.body = text.substr(parts.bodyStart);
     return !parts.body.empty();
 }
 
@@ -70,10 +72,12 @@ int Definitions::Define(const char* text, bool isKept) {
                             {std::to_string(MAX_NAME)});
     }
     if (!IsValidName(parts.name)) {
-        return outcome.Fail("** ERROR: invalid function name: %s **\n", {parts.name});
+        return outcome.FailAt({0, static_cast<int32_t>(parts.name.size())},
+                              "** ERROR: invalid function name: %s **\n", {parts.name});
     }
     if (settings.european) StrSwapChars(parts.parameters.data(), '.', ',');
     if (!parts.parameters.empty() && !CheckParameters(parts.parameters)) return STATUS_ERROR;
+    statement.skipped = static_cast<int32_t>(parts.bodyStart);
     const int state = Add(parts.name, parts.parameters, parts.body, isKept);
     statement.DiscardNewTarget(); // of an assignment in the body
     statement.terms.Clear();
@@ -85,7 +89,7 @@ int Definitions::Define(const char* text, bool isKept) {
 int Definitions::CheckNamesInBody() {
     for (const node* term = statement.terms.first; term; term = term->next) {
         if (term->type != TERM_NAME || !term->text || !strchr(term->text, '=')) continue;
-        return outcome.Fail("** ERROR 7: invalid term = %s **\n", {term->text});
+        return outcome.FailAt(term, "** ERROR 7: invalid term = %s **\n", {term->text});
     }
     return 0;
 }

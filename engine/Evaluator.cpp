@@ -10,6 +10,7 @@
 #include "WorkCounters.h"
 #include "units.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -49,7 +50,7 @@ int Evaluator::ProcParenth(node* open) {
         from = calls.ProcFunction(before);
         if (!from) return -1;
     } else if (before && before->type == TERM_NAME) {
-        return outcome.Fail("** ERROR: unrecognized function '%s' **\n", {before->text});
+        return outcome.FailAt(before, "** ERROR: unrecognized function '%s' **\n", {before->text});
     }
     node* enclosed = from->next;
     if (!enclosed || !enclosed->next || enclosed->next->type != OP_CLOSE) return 0;
@@ -76,7 +77,7 @@ const qfloat* Evaluator::ValueOf(const node* term) {
     } else if (strncmp(text, "0o", 2) == 0) {
         format = "** ERROR 7: %s is not a valid octal term **\n";
     }
-    outcome.Fail(format, {text});
+    outcome.FailAt(term, format, {text});
     return nullptr;
 }
 
@@ -96,7 +97,7 @@ node* Evaluator::ProcPair(node* op, int32_t code) {
     const qfloat* leftValue = left ? ValueOf(left) : &NO_OPERAND;
     if (!leftValue) return nullptr;
     if (!right && code != OP_FACTORIAL) {
-        outcome.Fail("** ERROR 3: operator '%s' missing argument **\n", {name});
+        outcome.FailAt(op, "** ERROR 3: operator '%s' missing argument **\n", {name});
         return nullptr;
     }
     const qfloat* rightValue = right ? ValueOf(right) : &NO_OPERAND;
@@ -122,17 +123,30 @@ static bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
 
-// How many of the unit `to` are in one `from`. Returns 0, or -1 with a message.
-int Evaluator::ConversionFactor(const char* from, const char* to, qfloat value) {
+// The unit that the unit library's message ends with; the target when that is both or none.
+static const node* wrongUnit(std::string_view error, const node* source, const node* destination) {
+    const size_t end = std::min(error.rfind('\''), error.size());
+    const std::string_view quoted = error.substr(0, end);
+    const std::string_view named = quoted.substr(quoted.rfind('\'') + 1);
+    return named == source->text && named != destination->text ? source : destination;
+}
+
+// How many of the target units are in one source unit. Returns 0, or -1 with a message.
+int Evaluator::ConversionFactor(const node* source, const node* destination, qfloat value) {
+    const char* from = source->text;
+    const char* to = destination->text;
     if (spending.Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
     bool isStopped = false;
     units_clear_exception();
     const double factor = units_convert(from, to, spending.ForUnits(isStopped));
     if (isStopped) return STATUS_ERROR;
-    if (const char* error = units_check_exception()) return outcome.Fail("** ERROR 13: %s **\n", {error});
+    if (const char* error = units_check_exception()) {
+        return outcome.FailAt(wrongUnit(error, source, destination), "** ERROR 13: %s **\n", {error});
+    }
     // The unit library works in doubles; beyond their range it has no digits to give.
     if (!std::isnormal(factor)) {
-        return outcome.Fail("** ERROR 13: the factor from '%s' to '%s' is out of range **\n", {from, to});
+        return outcome.FailAt(destination, "** ERROR 13: the factor from '%s' to '%s' is out of range **\n",
+                              {from, to});
     }
     char digits[40] = "";
     snprintf(digits, sizeof digits, "%.16g", factor);
@@ -145,11 +159,11 @@ node* Evaluator::ProcConversion(node* arrow) {
     node* source = arrow->prev;
     node* destination = arrow->next;
     if (!source || !source->text || !destination || !destination->text) {
-        outcome.Fail("** ERROR 12: missing conversion unit **");
+        outcome.FailAt(arrow, "** ERROR 12: missing conversion unit **");
         return nullptr;
     }
     qfloat value;
-    if (ConversionFactor(source->text, destination->text, value) != 0) return nullptr;
+    if (ConversionFactor(source, destination, value) != 0) return nullptr;
     source->type = TERM_NUMBER;
     source->DropText();
     source->SetValue(value);

@@ -23,7 +23,7 @@ public:
 private:
     const qfloat* ValueOf(const node* term); // null with a message
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
-    int ConversionFactor(const char* from, const char* to, qfloat value);
+    int ConversionFactor(const node* source, const node* destination, qfloat value);
     node* ProcConversion(node* arrow);
 
     Statement& statement;

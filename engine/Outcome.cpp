@@ -17,6 +17,16 @@ int Outcome::Tell(std::string_view text) {
     return STATUS_MESSAGE;
 }
 
+int Outcome::FailAt(TextRange range, std::string_view format, std::initializer_list<std::string_view> texts) {
+    errorRange = range;
+    return Fail(format, texts);
+}
+
+int Outcome::FailAt(const node* term, std::string_view format,
+                    std::initializer_list<std::string_view> texts) {
+    return FailAt(TextRange{term->start, term->length}, format, texts);
+}
+
 int Outcome::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {
     const size_t room = (sizeof message - 1 - format.size()) / std::max<size_t>(texts.size(), 1);
     std::string text;

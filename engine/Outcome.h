@@ -3,6 +3,7 @@
 // What an entry has answered: texts, values and a status.
 #pragma once
 
+#include "deq.h"
 #include "qfloat.h"
 
 #include <cstddef>
@@ -21,6 +22,12 @@ enum Status : int32_t {
     STATUS_COMMAND = 2  // `message` holds a command for the front end
 };
 
+// A part of a text: its first character, counted from 0, and the number of characters. -1: it is not known.
+struct TextRange {
+    int32_t start = -1;
+    int32_t length = 0;
+};
+
 struct Outcome {
     int32_t status = STATUS_RESULT;  // of the last full entry's last statement, a Status
     char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
@@ -30,6 +37,7 @@ struct Outcome {
     qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
     char* lastName = nullptr;        // its name, owned by the variable
     char lastAnswer[TEXT_SIZE] = ""; // the last full entry's result as shown; "name = value" by disp
+    TextRange errorRange;            // what the error in `message` is about, in bytes of the entry
     bool interrupted = false;        // the last entry was stopped by interruptCheck
     bool overflowed = false; // what the last statement showed, a preview's and disp's included, is beyond
                              // the range, "+OVERFLOW" in decimal: no error
@@ -41,6 +49,11 @@ struct Outcome {
     // Internal characters are shown as "->"; texts too long for the message are cut, its frame never.
     // Returns -1.
     int Fail(std::string_view format, std::initializer_list<std::string_view> texts = {});
+
+    // The same about a part of the statement, counted without blanks: when the statement has ended its place
+    // in the entry is known (errorRange).
+    int FailAt(TextRange range, std::string_view format, std::initializer_list<std::string_view> texts = {});
+    int FailAt(const node* term, std::string_view format, std::initializer_list<std::string_view> texts = {});
 };
 
 // Copies the text into a buffer of TEXT_SIZE bytes, cut where it would not fit.

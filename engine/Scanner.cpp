@@ -175,7 +175,10 @@ int Scanner::ScanAssignment(std::string& text) {
     if (name.size() >= MAX_NAME) {
         return outcome.Fail("** ERROR: %i max characters for variables **\n", {std::to_string(MAX_NAME)});
     }
-    if (!IsValidName(name)) return outcome.Fail("** ERROR: invalid variable name: %s **\n", {name});
+    if (!IsValidName(name)) {
+        return outcome.FailAt({statement.skipped, static_cast<int32_t>(equals)},
+                              "** ERROR: invalid variable name: %s **\n", {name});
+    }
     if (statement.fullEntry) {
         statement.target = variables.Find(name);
         if (!statement.target) {
@@ -184,7 +187,16 @@ int Scanner::ScanAssignment(std::string& text) {
         }
     }
     text.erase(0, equals + 1);
+    statement.skipped += static_cast<int32_t>(equals) + 1;
     return 0;
+}
+
+// The place of a term in the statement. The mark in front of a source unit is not in the statement; the arrow
+// takes two characters there. Adding-machine entry has moved the signs, so that no place is known.
+void Scanner::Locate(node* term, size_t start, size_t length, bool inSource) const {
+    if (settings.tenKey) return;
+    term->start = statement.skipped + static_cast<int32_t>(start) - (inSource ? 1 : 0);
+    term->length = static_cast<int32_t>(length) + (term->type == OP_CONVERT ? 1 : 0);
 }
 
 void Scanner::ScanTerms(const std::string& text) {
@@ -192,6 +204,7 @@ void Scanner::ScanTerms(const std::string& text) {
     const std::string_view view = text;
     std::vector<bool> isCall; // for every open '(': whether it opens the arguments of a function
     bool inUnit = false;      // from the mark to the next ')': km/h and m^2 are one term
+    bool inSource = false;    // from the mark to the arrow
     bool hasSign = false;     // of an exponent: the operand is no name then, and is not looked up again
     size_t start = 0;
     size_t pos = 0;
@@ -210,16 +223,22 @@ void Scanner::ScanTerms(const std::string& text) {
             continue;
         }
         AppendOperand(operand, inUnit, code == OP_OPEN);
+        if (!operand.empty()) Locate(terms.last, start, operand.size(), inSource);
         if (code == OP_OPEN) isCall.push_back(terms.last && terms.last->type == TERM_FUNC);
         if (code == OP_CLOSE && !isCall.empty()) isCall.pop_back();
         if (code == OP_UNIT_MARK) inUnit = true;
         if (code == OP_CLOSE) inUnit = false;
-        terms.Push(new node)->type = code;
+        node* const term = terms.Push(new node);
+        term->type = code;
+        Locate(term, pos, strlen(getOp(code).text), inSource);
+        if (code == OP_UNIT_MARK) inSource = true;
+        if (code == OP_CONVERT) inSource = false;
         pos += strlen(getOp(code).text);
         start = pos;
         hasSign = false;
     }
     AppendOperand(view.substr(start), inUnit, false);
+    if (start < view.size()) Locate(terms.last, start, view.size() - start, inSource);
 }
 
 // Whether the name stands for a number, here or where the function is called whose body is read.

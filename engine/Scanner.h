@@ -13,6 +13,7 @@
 class Variables;
 struct EntrySettings;
 struct Outcome;
+struct node;
 struct Statement;
 struct WorkCounters;
 
@@ -44,6 +45,7 @@ private:
     int ScanAssignment(std::string& text);
     void ScanTerms(const std::string& text);
     std::string MoveSignsForward(const std::string& text);
+    void Locate(node* term, size_t start, size_t length, bool inSource) const;
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
     bool ReadNumber(const std::string& text, qfloat value);
     bool IsFunctionName(const std::string& name) const;

@@ -15,6 +15,7 @@ struct Statement {
     Deq terms;                // what is still to be evaluated
     int32_t opCount = 0;      // number of operator terms in `terms`
     int32_t reorder = 0;      // set by a function call that rewrote `terms`
+    int32_t skipped = 0;      // characters in front of the terms, blanks not counted: "name=" or "f(x)="
     node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
 
     std::string entryLine; // the full entry that it is in, or that ran last

@@ -8,19 +8,21 @@
 #include <numeric>
 
 int Syntax::CheckDepths(const Deq& terms) {
-    int32_t depth = 0;
-    for (node* term = terms.first; term && depth >= 0; term = term->next) {
+    std::vector<const node*> open;
+    for (node* term = terms.first; term; term = term->next) {
         work.checked++;
         if (term->type == OP_OPEN) {
             if (term->next && term->next->type == OP_CLOSE) {
-                return outcome.Fail("** ERROR: empty parenthesis **\n");
+                return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
             }
-            depth++;
+            open.push_back(term);
         }
-        term->level = depth;
-        if (term->type == OP_CLOSE) depth--;
+        term->level = static_cast<int32_t>(open.size());
+        if (term->type != OP_CLOSE) continue;
+        if (open.empty()) return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
+        open.pop_back();
     }
-    return depth == 0 ? 0 : outcome.Fail("** ERROR: missing parenthesis **\n");
+    return open.empty() ? 0 : outcome.FailAt(open.back(), "** ERROR: missing parenthesis **\n");
 }
 
 // Whether an operand is still to come: what follows '!' or ')' has its left operand.
@@ -39,7 +41,9 @@ int Syntax::CheckOperands(const node* term) {
         number = "3";
     else if (op.needsRight && term->next->type == OP_CLOSE)
         number = "4";
-    return number ? outcome.Fail("** ERROR %s: operator '%s' missing argument **\n", {number, op.text}) : 0;
+    return number
+               ? outcome.FailAt(term, "** ERROR %s: operator '%s' missing argument **\n", {number, op.text})
+               : 0;
 }
 
 // Whether a '-' behind this term negates before the term's operator is applied. Operators of precedence 0

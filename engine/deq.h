@@ -80,8 +80,10 @@ struct node {
     node* prev = nullptr;
     node* next = nullptr;
     int32_t type = 0;        // an OperatorCode or a TermType
+    int32_t start = -1;      // its first character in the statement, blanks not counted; -1: not known
     char* text = nullptr;    // owned, from new char[]; operators have none
     int32_t level = 0;       // parenthesis depth
+    int32_t length = 0;      // the number of its characters there
     qfloat* value = nullptr; // owned, from new qfloat[1]; numbers and variables have one
 
     node() = default;
