@@ -60,6 +60,23 @@ const SettingChoice* Setting::ChoiceIn(const std::string& argument) const {
     return nullptr;
 }
 
+bool Setting::Read(const std::string& word, int& value) const {
+    const bool hasChoices = choices.begin() != choices.end();
+    for (const SettingChoice& one : kind == FLAG && !hasChoices ? SettingChoices(ON_OFF) : choices) {
+        if (word == one.word) {
+            value = one.value;
+            return true;
+        }
+    }
+    if (hasChoices || !IsNumber() || word.empty()) return false;
+    char* end = nullptr;
+    const bool isCharacter = kind == CHARACTER && word.size() == 1;
+    const double number = isCharacter ? static_cast<unsigned char>(word[0]) : strtod(word.c_str(), &end);
+    if ((!isCharacter && *end != '\0') || !IsPossible(number)) return false;
+    value = static_cast<int>(number);
+    return true;
+}
+
 std::string Setting::CommandFor(int value) const {
     const SettingChoice* one = choiceOf(value, choices);
     if (one == choices.end()) one = choiceOf(standard, choices);

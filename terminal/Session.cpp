@@ -39,7 +39,7 @@ std::size_t characterLength(std::string_view text) {
 
 } // namespace
 
-Session::Session(int out, int err) : answers(out), errors(err) {
+Session::Session(int out, int err, Style how) : answers(out), errors(err), style(how) {
     calc.InitializeFunctionsAndVars();
     setDefaults(calc);
     calc.interruptCheck = isInterrupted;
@@ -70,25 +70,53 @@ Session::Outcome Session::Run(std::string_view entry) {
 }
 
 Session::Outcome Session::Evaluate(std::string_view entry) {
+    if (style.preview) return AnswerPreview(entry);
     calc.ProcessEntry(std::string(entry).c_str(), false);
     std::fflush(stdout); // the trace of this entry comes before its answer
 
     // What a command for the console echoes is shown by that command alone.
     if (calc.status == STATUS_COMMAND) return CarryOut(calc.message);
     // Otherwise collected echoes come first, also those of an entry that failed further on.
-    if (!Show(calc.echoText)) return Outcome::OutputLost;
-    if (calc.overflowed) anyRefused = true;
+    if (Remark(calc.echoText) == Outcome::OutputLost) return Outcome::OutputLost;
     switch (calc.status) {
-    case STATUS_RESULT: return Answer(calc.resultLine);
-    case STATUS_MESSAGE: return Answer(calc.message);
+    case STATUS_RESULT: return AnswerValue();
+    case STATUS_MESSAGE: anyRefused = anyRefused || calc.overflowed; return Remark(calc.message);
     default: return Refuse(calc.message);
     }
+}
+
+// A command word is no command here, and a definition has no answer.
+Session::Outcome Session::AnswerPreview(std::string_view entry) {
+    switch (calc.ProcessEntry(std::string(entry).c_str(), true)) {
+    case STATUS_RESULT: return AnswerValue();
+    case STATUS_ERROR: return Refuse(calc.message);
+    default: return Outcome::Answered;
+    }
+}
+
+// A value beyond the range is shown, and counts as a failure.
+Session::Outcome Session::AnswerValue() {
+    std::string_view text = calc.resultLine;
+    anyRefused = anyRefused || calc.overflowed;
+    if (style.quiet) text.remove_prefix(text.find(" = ") + 3);
+    if (!style.last) return Answer(text);
+    lastValue = text;
+    return Outcome::Answered;
+}
+
+bool Session::End() {
+    return Show(lastValue);
+}
+
+// A text that is no value.
+Session::Outcome Session::Remark(std::string_view text) {
+    return style.quiet || style.last ? Outcome::Answered : Answer(text);
 }
 
 Session::Outcome Session::Refuse(std::string_view message) {
     anyRefused = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
-    writeAll(errors, ShownText(asLine(message)));
+    writeAll(errors, ShownText(place + asLine(message)));
     return Outcome::Refused;
 }
 
@@ -100,7 +128,7 @@ Session::Outcome Session::CarryOut(std::string_view command) {
     }
     long number = 0;
     if (CommandHasNumber(command, "pause", number)) return Pause(number);
-    if (command == "echorep") return Answer(calc.echoText);
+    if (command == "echorep") return Remark(calc.echoText);
     if (CommandHasNumber(command, "echo", number)) return TypeOut(ShownText(calc.echoText), number);
     if (command == "convert") return Convert(calc.echoText);
     if (command == "gospel") return OpenWebPage();
@@ -112,6 +140,7 @@ Session::Outcome Session::Pause(long milliseconds) {
 }
 
 Session::Outcome Session::TypeOut(std::string_view text, long rate) {
+    if (style.quiet || style.last) return Outcome::Answered;
     const long wait = WaitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);

@@ -5,6 +5,7 @@
 
 #include "Calculator.h"
 
+#include <string>
 #include <string_view>
 
 class Session {
@@ -17,14 +18,31 @@ public:
         OutputLost   // the answer could not be written; errno says why
     };
 
+    // How entries are evaluated and answered.
+    struct Style {
+        bool quiet = false;   // values alone: no names, nothing for messages and echoed texts
+        bool last = false;    // of all values only the last one, which End writes; no other text
+        bool preview = false; // as a preview: within its limit of work, and nothing is stored
+    };
+
     // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's. Builds the
     // catalogue of units and says so on `err` when a conversion from m to ft fails.
-    Session(int out, int err);
+    Session(int out, int err, Style how);
+    Session(int out, int err) : Session(out, err, Style()) {}
+
+    // A setting of the entries to come.
+    void Set(const Setting& setting, int value) { setting.Apply(value, calc); }
+
+    // What is written in front of an error, such as the place of its line.
+    void SetPlace(const std::string& text) { place = text; }
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
     // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the
     // program.
     Outcome Run(std::string_view entry);
+
+    // Writes what was held back. False when that failed; errno says why.
+    bool End();
 
     // Whether any entry so far was refused or has an answer beyond the range.
     bool AnyRefused() const { return anyRefused; }
@@ -47,11 +65,17 @@ private:
     Outcome TypeOut(std::string_view text, long rate);
     Outcome Convert(std::string_view query);
     Outcome OpenWebPage();
+    Outcome AnswerPreview(std::string_view entry);
+    Outcome AnswerValue();
+    Outcome Remark(std::string_view text);
     Outcome Answer(std::string_view text);
     bool Show(std::string_view text);
 
     int answers;
     int errors;
+    Style style;
+    std::string place;
+    std::string lastValue; // held back
     bool anyRefused = false;
     ZqCalculator calc;
 };

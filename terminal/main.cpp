@@ -15,30 +15,15 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <optional>
 #include <string>
 #include <unistd.h>
 
 namespace {
 
-enum ExitStatus { ALL_ANSWERED = 0, SOME_REFUSED = 1, BAD_USAGE = 2 };
-
-constexpr std::string_view HELP =
-    "Usage: tallyquill [OPTION]... [--] [ENTRY]...\n"
-    "Evaluate each ENTRY and print its answer. Without ENTRY, evaluate the lines of\n"
-    "standard input; when that is a terminal, prompt for them.\n"
-    "\n"
-    "      --trace    show the trace of the evaluation on standard error\n"
-    "      --help     show this help and exit\n"
-    "      --version  show the version and exit\n"
-    "\n"
-    "An ENTRY that begins with a minus sign goes behind --, as in:\n"
-    "  tallyquill -- -2^2\n"
-    "\n"
-    "The entry convert TEXT asks the service at TALLYQUILL_QUERY_URL, the second gospel\n"
-    "opens TALLYQUILL_WEB_URL; without these variables nothing is asked or opened.\n"
-    "\n"
-    "Answers go to standard output, errors to standard error.\n"
-    "Exit status: 0 all entries were answered, 1 some entry failed or overflowed, 2 bad usage.\n";
+enum ExitStatus { ALL_ANSWERED = 0, SOME_REFUSED = 1, BAD_USAGE = 2, FILE_LOST = 3 };
 
 constexpr std::string_view VERSION = "tallyquill " TALLYQUILL_VERSION "\n";
 
@@ -49,71 +34,99 @@ void complain(const std::string& text) {
 // Ends a run whose answers cannot be delivered. A reader that has gone away, as head does, needs no message.
 int outputLost(int error) {
     if (error != EPIPE) complain(std::string("standard output: ") + std::strerror(error));
-    return SOME_REFUSED;
+    return FILE_LOST;
 }
 
 int showText(std::string_view text) {
     return writeAll(STDOUT_FILENO, text) ? ALL_ANSWERED : outputLost(errno);
 }
 
-int refuseUsage(std::string_view argument) {
-    complain("unknown option '" + std::string(argument) + "'");
-    writeAll(STDERR_FILENO, ShownText("An entry that begins with '-' goes behind '--': tallyquill -- '" +
-                                      std::string(argument) + "'\nTry 'tallyquill --help'.\n"));
+int refuseUsage(const std::string& refusal) {
+    complain(refusal + "\nTry 'tallyquill --help'.");
     return BAD_USAGE;
 }
 
 // The status at the regular end of a run.
-int endStatus(const Session& session, int answers) {
-    if (close(answers) != 0) return outputLost(errno);
+int endStatus(Session& session, int answers) {
+    if (!session.End() || close(answers) != 0) return outputLost(errno);
     return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
-}
-
-int evaluateArguments(Session& session, int answers, const Options& options) {
-    for (const std::string_view entry : options.entries) {
-        if (isBlank(entry)) continue;
-        const Session::Outcome outcome = session.Run(entry);
-        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
-        if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
-        if (outcome == Session::Outcome::Ended) break;
-    }
-    return endStatus(session, answers);
 }
 
 // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
-int inputLost() {
-    complain(std::string("standard input: ") + std::strerror(errno));
-    return SOME_REFUSED;
+int inputLost(const std::string& name) {
+    complain(name + ": " + std::strerror(errno));
+    return FILE_LOST;
 }
 
-int evaluateFile(Session& session, int answers) {
-    static LineReader reader(STDIN_FILENO, KEPT_LENGTH);
-    std::string line;
-    for (;;) {
-        const LineReader::Status status = reader.Next(line);
-        if (status == LineReader::Status::Failed) return inputLost();
-        if (status == LineReader::Status::End) return endStatus(session, answers);
-        if (isBlank(line)) continue;
-        const Session::Outcome outcome = session.Run(line);
-        if (outcome == Session::Outcome::OutputLost) return outputLost(errno);
-        if (outcome == Session::Outcome::Interrupted) dieOfInterrupt();
-        if (outcome == Session::Outcome::Ended) return endStatus(session, answers);
+// What comes of one input: the run goes on, or is over with this status.
+using Ending = std::optional<int>;
+
+Ending evaluateEntry(Session& session, int answers, std::string_view entry, bool failFast) {
+    if (isBlank(entry)) return {};
+    switch (session.Run(entry)) {
+    case Session::Outcome::Answered: return {};
+    case Session::Outcome::Refused: return failFast ? Ending(endStatus(session, answers)) : Ending();
+    case Session::Outcome::Ended: return endStatus(session, answers);
+    case Session::Outcome::OutputLost: return outputLost(errno);
+    case Session::Outcome::Interrupted: break;
     }
+    dieOfInterrupt();
+}
+
+// A first line such as "#!/usr/bin/env -S tallyquill -f" is no entry. Each error is told with the file's name
+// and the line's number, but those of standard input.
+Ending evaluateLines(Session& session, int answers, int descriptor, const std::string& name, bool failFast) {
+    const auto reader = std::make_unique<LineReader>(descriptor, KEPT_LENGTH);
+    const bool isFile = descriptor != STDIN_FILENO;
+    std::string line;
+    for (std::size_t number = 1;; ++number) {
+        const LineReader::Status status = reader->Next(line);
+        if (status == LineReader::Status::Failed) return inputLost(name);
+        if (status == LineReader::Status::End) break;
+        if (number == 1 && line.compare(0, 2, "#!") == 0) continue;
+        if (isFile) session.SetPlace(name + ":" + std::to_string(number) + ": ");
+        const Ending ending = evaluateEntry(session, answers, line, failFast);
+        if (ending) return ending;
+    }
+    session.SetPlace("");
+    return {};
+}
+
+Ending evaluateFile(Session& session, int answers, const std::string& name, bool failFast) {
+    if (name == "-") return evaluateLines(session, answers, STDIN_FILENO, "standard input", failFast);
+    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return inputLost(name);
+    const Ending ending = evaluateLines(session, answers, file, name, failFast);
+    close(file);
+    return ending;
+}
+
+int evaluateInputs(Session& session, int answers, const Options& options) {
+    for (const Options::Input& input : options.inputs) {
+        const Ending ending = input.isFile
+                                  ? evaluateFile(session, answers, std::string(input.text), options.failFast)
+                                  : evaluateEntry(session, answers, input.text, options.failFast);
+        if (ending) return *ending;
+    }
+    return endStatus(session, answers);
 }
 
 int evaluateTyped(Session& session, int answers) {
     switch (runPrompt(session, answers, PromptOptions())) {
-    case PromptEnd::InputLost: return inputLost();
+    case PromptEnd::InputLost: return inputLost("standard input");
     case PromptEnd::OutputLost: return outputLost(errno);
     case PromptEnd::Ended: break;
     }
     return endStatus(session, answers);
 }
 
-int evaluateLines(Session& session, int answers) {
-    return isatty(STDIN_FILENO) == 1 ? evaluateTyped(session, answers) : evaluateFile(session, answers);
+// Without inputs: standard input.
+int evaluateStandardInput(Session& session, int answers, const Options& options) {
+    if (isatty(STDIN_FILENO) == 1) return evaluateTyped(session, answers);
+    const Ending ending = evaluateFile(session, answers, "-", options.failFast);
+    return ending ? *ending : endStatus(session, answers);
 }
 
 } // namespace
@@ -125,14 +138,15 @@ int main(int argc, char** argv) {
     brokenPipes.Start(SIGPIPE, [](int) {});
     const Options options = parseOptions(argc, argv);
     switch (options.action) {
-    case Options::Action::ShowHelp: return showText(HELP);
+    case Options::Action::ShowHelp: return showText(helpText());
     case Options::Action::ShowVersion: return showText(VERSION);
-    case Options::Action::RefuseUsage: return refuseUsage(options.refused);
+    case Options::Action::RefuseUsage: return refuseUsage(options.refusal);
     case Options::Action::Evaluate: break;
     }
     const int answers = setAnswersAside(options.trace);
     if (answers < 0) return outputLost(errno);
-    static Session session(answers, STDERR_FILENO);
-    return options.entries.empty() ? evaluateLines(session, answers)
-                                   : evaluateArguments(session, answers, options);
+    static Session session(answers, STDERR_FILENO, {options.quiet, options.last, options.preview});
+    for (const auto& [setting, value] : options.settings) session.Set(*setting, value);
+    return options.inputs.empty() ? evaluateStandardInput(session, answers, options)
+                                  : evaluateInputs(session, answers, options);
 }

@@ -117,6 +117,33 @@ TEST_F(SettingsTable, everyChoiceHasACommandThatSaysItInItsAnswer) {
     }
 }
 
+TEST_F(SettingsTable, aValueIsReadAsAPersonWritesIt) {
+    const auto read = [](const char* key, const char* word) {
+        int value = -1;
+        return findSetting(key)->Read(word, value) ? value : -1;
+    };
+    for (const Setting& setting : SETTINGS) {
+        for (const SettingChoice& choice : setting.choices)
+            EXPECT_EQ(read(setting.key, choice.word), choice.value);
+    }
+    EXPECT_EQ(read("twoscomp", "on"), 1);
+    EXPECT_EQ(read("twoscomp", "off"), 0);
+    EXPECT_EQ(read("sigfigs", "33"), 33);
+    EXPECT_EQ(read("schar", "'"), '\'');
+    for (const auto& [key, word] : {std::pair("degmode", "degrees"),
+                                    {"degmode", "1"},
+                                    {"dispbase", "8"},
+                                    {"twoscomp", "yes"},
+                                    {"sigfigs", "0"},
+                                    {"sigfigs", "3.5"},
+                                    {"sigfigs", ""},
+                                    {"sigfigs", "3x"},
+                                    {"schar", "5"},
+                                    {"schar", "ab"},
+                                    {"bgcolor", "1"}})
+        EXPECT_EQ(read(key, word), -1) << key << ' ' << word;
+}
+
 TEST_F(SettingsTable, aScriptNamesAngleModeExponentsAndBase) {
     EXPECT_EQ(findSetting("degmode")->CommandFor(0), "mode rad");
     EXPECT_EQ(findSetting("scimode")->CommandFor(SCI_FIXED), "scimode finance");

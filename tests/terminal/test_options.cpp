@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 #include <initializer_list>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -12,29 +14,45 @@ Options parse(std::initializer_list<const char*> arguments) {
     return parseOptions(static_cast<int>(argv.size()), argv.data());
 }
 
-using Entries = std::vector<std::string_view>;
+using Texts = std::vector<std::string_view>;
+
+// The inputs, all of which are entries.
+Texts entriesOf(const Options& options) {
+    Texts entries;
+    for (const Options::Input& input : options.inputs) {
+        EXPECT_FALSE(input.isFile) << input.text;
+        entries.push_back(input.text);
+    }
+    return entries;
+}
+
+std::string refusalOf(std::initializer_list<const char*> arguments) {
+    const Options options = parse(arguments);
+    EXPECT_EQ(options.action, Options::Action::RefuseUsage);
+    return options.refusal;
+}
 
 TEST(Options, NothingGivenMeansEvaluateNothing) {
     const Options options = parse({});
     EXPECT_EQ(options.action, Options::Action::Evaluate);
-    EXPECT_TRUE(options.entries.empty());
+    EXPECT_TRUE(options.inputs.empty());
     EXPECT_FALSE(options.trace);
 }
 
 TEST(Options, EveryOperandIsAnEntry) {
-    EXPECT_EQ(parse({"1+1", "", "x=2"}).entries, (Entries{"1+1", "", "x=2"}));
+    EXPECT_EQ(entriesOf(parse({"1+1", "", "x=2"})), (Texts{"1+1", "", "x=2"}));
 }
 
 TEST(Options, OptionsMayFollowEntries) {
     const Options options = parse({"1+1", "--trace", "2+2"});
     EXPECT_TRUE(options.trace);
-    EXPECT_EQ(options.entries, (Entries{"1+1", "2+2"}));
+    EXPECT_EQ(entriesOf(options), (Texts{"1+1", "2+2"}));
 }
 
 TEST(Options, BehindTwoDashesEverythingIsAnEntry) {
     const Options options = parse({"--", "-2^2", "--help", "--"});
     EXPECT_EQ(options.action, Options::Action::Evaluate);
-    EXPECT_EQ(options.entries, (Entries{"-2^2", "--help", "--"}));
+    EXPECT_EQ(entriesOf(options), (Texts{"-2^2", "--help", "--"}));
 }
 
 TEST(Options, HelpAndVersion) {
@@ -49,12 +67,87 @@ TEST(Options, TheFirstDecidingOptionWins) {
 }
 
 TEST(Options, AnUnknownOptionIsRefusedByName) {
-    for (const char* const wrong :
-         {"-5+3", "-", "-h", "--hel", "--help=1", "--trace=yes", "--no-files", "---"}) {
-        const Options options = parse({wrong});
-        EXPECT_EQ(options.action, Options::Action::RefuseUsage) << wrong;
-        EXPECT_EQ(options.refused, wrong);
+    for (const char* const wrong : {"-5+3", "-", "-h", "--hel", "--trac=yes", "---", "-q5", "-\xff"}) {
+        EXPECT_EQ(refusalOf({wrong}).rfind("unknown option '" + std::string(wrong) + "'\n", 0), 0U) << wrong;
     }
+}
+
+TEST(Options, AFlagTakesNoValueAndAnArgumentMayNotLack) {
+    EXPECT_EQ(refusalOf({"--help=1"}), "option '--help' takes no value");
+    EXPECT_EQ(refusalOf({"1", "--figures"}), "option '--figures' needs a value: N");
+    EXPECT_EQ(refusalOf({"-qf"}), "option '-qf' needs a value: FILE");
+}
+
+TEST(Options, AValueStandsBehindAnEqualsSignOrIsTheNextArgument) {
+    for (const Options& options : {parse({"--file=-", "1"}), parse({"--file", "-", "1"}), parse({"-f-", "1"}),
+                                   parse({"-f", "-", "1"}), parse({"-qf-", "1"}), parse({"-qf", "-", "1"})}) {
+        ASSERT_EQ(options.inputs.size(), 2U) << options.refusal;
+        EXPECT_TRUE(options.inputs[0].isFile);
+        EXPECT_EQ(options.inputs[0].text, "-");
+        EXPECT_FALSE(options.inputs[1].isFile);
+        EXPECT_EQ(options.inputs[1].text, "1");
+    }
+    EXPECT_EQ(parse({"--file=a=b"}).inputs.at(0).text, "a=b");
+}
+
+TEST(Options, EveryNameAndLetterIsThereOnceAndHelpShowsIt) {
+    std::set<std::string> names;
+    const std::string help = helpText();
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+        EXPECT_TRUE(names.insert(row->name).second) << row->name;
+        EXPECT_TRUE(row->letter == 0 || names.insert(std::string(1, row->letter)).second) << row->name;
+        const std::string letter = row->letter == 0 ? "      --" : std::string("  -") + row->letter + ", --";
+        EXPECT_NE(help.find("\n" + letter + row->name), std::string::npos) << row->name;
+        EXPECT_NE(help.find(row->help), std::string::npos) << row->name;
+    }
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+}
+
+// The fields that an entry uses, but whether it is recorded, which means nothing to a script.
+TEST(Options, EverySettingOfAnEntryHasAnOption) {
+    for (const Setting& setting : SETTINGS) {
+        bool isThere = setting.entry.field.index() == 0;
+        for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+            const auto* const one = std::get_if<SettingOption>(&row->use);
+            isThere = isThere || (one != nullptr && one->key == std::string(setting.key));
+        }
+        EXPECT_TRUE(isThere) << setting.key;
+    }
+}
+
+TEST(Options, ASettingTakesTheWordsThatItsCommandTakes) {
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+        const auto* const one = std::get_if<SettingOption>(&row->use);
+        if (one == nullptr || row->argument == nullptr || findSetting(one->key)->choices.begin() == nullptr)
+            continue;
+        std::set<std::string> offered;
+        std::istringstream words(row->argument);
+        for (std::string word; std::getline(words, word, '|');) offered.insert(word);
+        std::set<std::string> known;
+        for (const SettingChoice& choice : findSetting(one->key)->choices) known.insert(choice.word);
+        EXPECT_EQ(offered, known) << row->name;
+    }
+}
+
+TEST(Options, SettingsAreReadFromTheTableOfSettings) {
+    const Options options = parse({"--rad", "--base", "hex", "--figures=50", "--mark", "'"});
+    ASSERT_EQ(options.settings.size(), 4U) << options.refusal;
+    const std::vector<std::pair<std::string, int>> expected = {
+        {"degmode", 0}, {"dispbase", 16}, {"sigfigs", 50}, {"schar", '\''}};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(options.settings[i].first->key, expected[i].first);
+        EXPECT_EQ(options.settings[i].second, expected[i].second);
+    }
+}
+
+TEST(Options, AValueThatASettingCannotHaveIsRefused) {
+    EXPECT_EQ(refusalOf({"--base=8"}), "'8' is no value of option '--base': bin|dec|hex");
+    for (const char* const wrong : {"0", "101", "ten", "", "1.5", "10x", "nan"}) {
+        EXPECT_EQ(refusalOf({"--figures", wrong}),
+                  "'" + std::string(wrong) + "' is no value of option '--figures': N");
+    }
+    for (const char* const wrong : {"", "5", "a", "(", "ab"}) refusalOf({"--mark", wrong});
 }
 
 } // namespace

@@ -228,7 +228,7 @@ TEST(StandardInput, WhenItIsClosedTheRunFails) {
     Invocation invocation;
     invocation.closeInput = true;
     const Result run = runProgram(invocation);
-    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find("tallyquill: standard input: "), std::string::npos) << run.err;
 }
@@ -240,7 +240,7 @@ TEST(StandardOutput, WhenItIsClosedTheRunFails) {
         invocation.input = "1+1\n";
         invocation.closeOutput = true;
         const Result run = runProgram(invocation);
-        EXPECT_EQ(run.status, 1);
+        EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.out, "");
         EXPECT_NE(run.err.find("tallyquill: standard output: "), std::string::npos) << run.err;
     }
@@ -251,7 +251,7 @@ TEST(StandardOutput, WhenInputAndOutputAreClosedTheRunFails) {
     invocation.arguments = {"1+1"};
     invocation.closeInput = true;
     invocation.closeOutput = true;
-    EXPECT_EQ(runProgram(invocation).status, 1);
+    EXPECT_EQ(runProgram(invocation).status, 3);
 }
 
 #ifdef __linux__
@@ -263,7 +263,7 @@ TEST(StandardOutput, WhenItIsFullTheRunFails) {
         invocation.arguments = arguments;
         invocation.outputFile = "/dev/full";
         const Result run = runProgram(invocation);
-        EXPECT_EQ(run.status, 1) << arguments.front();
+        EXPECT_EQ(run.status, 3) << arguments.front();
         EXPECT_EQ(run.err, "tallyquill: standard output: No space left on device\n");
     }
 }
@@ -275,7 +275,7 @@ TEST(StandardOutput, WhenNobodyReadsItTheRunEndsQuietlyWithAFailure) {
     invocation.inputTimes = 100000;
     invocation.abandonOutput = true;
     const Result run = runProgram(invocation);
-    EXPECT_EQ(run.status, 1); // and not -1: no signal
+    EXPECT_EQ(run.status, 3); // and not -1: no signal
     EXPECT_EQ(run.err, "");
 }
 
