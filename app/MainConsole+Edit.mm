@@ -22,14 +22,15 @@ static const useconds_t FLASH = 80000; // microseconds
     for (const SEL one : own) {
         if (sel_isEqual(action, one)) return YES;
     }
-    return [self superValidateMenuItem:item];
+    if (sel_isEqual(action, @selector(redo:))) return [[self undoManager] canRedo];
+    return [super validateMenuItem:item];
 }
 
 // However a change comes about, by a key, a drag or a service: the transcript is read only. What the console
 // itself writes does not ask.
 - (BOOL)shouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text {
     if (text && range.location < static_cast<NSUInteger>(g_linestart)) return NO;
-    return [self superShouldChangeTextInRange:range replacementString:text];
+    return [super shouldChangeTextInRange:range replacementString:text];
 }
 
 // --- Copy ---
@@ -40,7 +41,7 @@ static const useconds_t FLASH = 80000; // microseconds
         [self copyAnswer];
         return;
     }
-    [self superCopy];
+    [super copy:nil];
     const bool isInTranscript = selection.location + 4 < static_cast<NSUInteger>(g_linestart);
     if (isInTranscript && !([self setting:@"tipscode"] & 1)) [self showCopyTip];
 }
@@ -116,7 +117,7 @@ static const useconds_t FLASH = 80000; // microseconds
     if (platformTakeEarlyRelease())
         [self click:event];
     else
-        [self superMouseDown:event];
+        [super mouseDown:event];
 }
 
 // What a click does whose button is up again already: the cursor, a word or a line, as often as it was
@@ -149,9 +150,9 @@ static const useconds_t FLASH = 80000; // microseconds
     if (selection.location < static_cast<NSUInteger>(g_linestart)) {
         if (inEntry.length > 0) {
             [self setSelectedRange:NSMakeRange(inEntry.location, inEntry.length)];
-            [self superCut];
+            [super cut:nil];
         } else if (selection.length > 0) {
-            [self superCopy];
+            [super copy:nil];
         }
     }
     [self ProcessResult:nullptr:YES];

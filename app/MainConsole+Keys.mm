@@ -56,7 +56,7 @@ static NSRange rangeOf(const TextRange& range) {
     case KeyEffect::Then::Commit: [self ProcessResult:nullptr:NO]; return;
     case KeyEffect::Then::Copy: [self copy:self]; return;
     case KeyEffect::Then::Hide: [myAppDelegate clickedAppStatusItem:self]; break;
-    case KeyEffect::Then::Pass: [self superKeyDown:event]; break;
+    case KeyEffect::Then::Pass: [super keyDown:event]; break;
     case KeyEffect::Then::Preview: break;
     }
     [self live];

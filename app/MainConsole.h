@@ -228,16 +228,6 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)clickedFuncMenu:(id)sender;
 @end
 
-// What the superclass would do, for the methods that MainConsole overrides.
-@interface MainConsole (Superclass)
-- (void)superKeyDown:(NSEvent*)event;
-- (void)superMouseDown:(NSEvent*)event;
-- (void)superCopy;
-- (void)superCut;
-- (BOOL)superValidateMenuItem:(NSMenuItem*)item;
-- (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text;
-@end
-
 KeyPress keyPress(NSEvent* event);
 
 // Text from an 8-bit string, as it may be shown (ShownText.h).

@@ -297,31 +297,4 @@ static bool writesDecimalComma() {
     [self ProcessResult:nullptr:YES];
 }
 
-// --- What the superclass would do ---
-
-- (void)superKeyDown:(NSEvent*)event {
-    [super keyDown:event];
-}
-
-- (void)superMouseDown:(NSEvent*)event {
-    [super mouseDown:event];
-}
-
-- (void)superCopy {
-    [super copy:nil];
-}
-
-- (void)superCut {
-    [super cut:nil];
-}
-
-- (BOOL)superValidateMenuItem:(NSMenuItem*)item {
-    if (sel_isEqual([item action], @selector(redo:))) return [[self undoManager] canRedo];
-    return [super validateMenuItem:item];
-}
-
-- (BOOL)superShouldChangeTextInRange:(NSRange)range replacementString:(NSString*)text {
-    return [super shouldChangeTextInRange:range replacementString:text];
-}
-
 @end

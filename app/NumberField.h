@@ -6,6 +6,10 @@
 
 #import <AppKit/AppKit.h>
 
+// The text, or as much of its start as fits a width (points) with an ellipsis and `tail`, an end of the text,
+// behind it; the ellipsis and `tail` at least.
+NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes);
+
 // Not editable, without border and background. Its string value is always the whole text.
 @interface NumberField : NSTextField
 - (NSString*)shownText; // what is seen of it in the field's width

@@ -1,48 +1,38 @@
 // SPDX-License-Identifier: MIT
 #import "NumberField.h"
 
-static NSString* const ELLIPSIS = @"\u2026";
-
 static bool isDigit(unichar c) {
     return c >= '0' && c <= '9';
 }
 
-// Where the exponent or the metric prefix of a number at the end begins; the text's length when there is
-// none.
-static NSUInteger startOfScale(NSString* text) {
+// The exponent or the metric prefix of a number at the end of the text, or nothing.
+static NSString* scaleOf(NSString* text) {
     const NSUInteger length = [text length];
-    if (length < 2 || [text rangeOfString:@"0x"].location != NSNotFound)
-        return length; // an e is a digit there
+    if (length < 2 || [text rangeOfString:@"0x"].location != NSNotFound) return @""; // an e is a digit there
     NSUInteger start = length - 1;
     NSCharacterSet* const prefixes = [NSCharacterSet characterSetWithCharactersInString:@"afpnumckMGTP"];
     if (![prefixes characterIsMember:[text characterAtIndex:start]]) {
         while (start > 0 && isDigit([text characterAtIndex:start])) start--;
         if (start > 0 && [text characterAtIndex:start] == '-') start--;
-        if (start == length - 1 || [text characterAtIndex:start] != 'e') return length;
+        if (start == length - 1 || [text characterAtIndex:start] != 'e') return @"";
     }
     const unichar before = start > 0 ? [text characterAtIndex:start - 1] : ' ';
-    return isDigit(before) || before == '.' || before == ',' ? start : length;
+    return isDigit(before) || before == '.' || before == ',' ? [text substringFromIndex:start] : @"";
 }
 
-static NSString* shortened(NSString* text, NSUInteger kept, NSUInteger scale) {
-    return [NSString
-        stringWithFormat:@"%@%@%@", [text substringToIndex:kept], ELLIPSIS, [text substringFromIndex:scale]];
-}
-
-// The text, or as much of its beginning as fits with the ellipsis and its scale.
-static NSString* fitting(NSString* text, CGFloat width, NSDictionary* attributes) {
+NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes) {
     if ([text sizeWithAttributes:attributes].width <= width) return text;
-    const NSUInteger scale = startOfScale(text);
-    NSUInteger fits = 0;
-    NSUInteger tooMuch = scale;
+    NSString* shown = [@"\u2026" stringByAppendingString:tail];
+    NSUInteger fits = 0, tooMuch = [text length] - [tail length];
     while (fits + 1 < tooMuch) {
         const NSUInteger middle = fits + (tooMuch - fits) / 2;
-        if ([shortened(text, middle, scale) sizeWithAttributes:attributes].width <= width)
-            fits = middle;
-        else
-            tooMuch = middle;
+        NSString* const head =
+            [NSString stringWithFormat:@"%@\u2026%@", [text substringToIndex:middle], tail];
+        const bool doesFit = [head sizeWithAttributes:attributes].width <= width;
+        if (doesFit) shown = head;
+        (doesFit ? fits : tooMuch) = middle;
     }
-    return shortened(text, fits, scale);
+    return shown;
 }
 
 @interface NumberCell : NSTextFieldCell
@@ -52,12 +42,12 @@ static NSString* fitting(NSString* text, CGFloat width, NSDictionary* attributes
 @implementation NumberCell
 
 - (NSDictionary*)attributes {
-    return [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, [self textColor],
-                                                      NSForegroundColorAttributeName, nil];
+    return @{NSFontAttributeName : [self font], NSForegroundColorAttributeName : [self textColor]};
 }
 
 - (NSString*)textShownIn:(NSRect)frame {
-    return fitting([self stringValue], [self titleRectForBounds:frame].size.width, [self attributes]);
+    NSString* const text = [self stringValue];
+    return headThatFits(text, scaleOf(text), [self titleRectForBounds:frame].size.width, [self attributes]);
 }
 
 - (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView*)view {
