@@ -23,8 +23,11 @@ const TextPair prefixList[] = {
 };
 
 // Mass is primitive in grams; the kilogram is the gram with a prefix.
-const TextPair baseUnits[] = {{"meter", ""},  {"gram", ""}, {"second", ""},  {"ampere", ""},
-                              {"kelvin", ""}, {"mole", ""}, {"candela", ""}, {nullptr, nullptr}};
+const TextPair baseUnits[] = {
+    {"meter", primitivestring},   {"gram", primitivestring},   {"second", primitivestring},
+    {"ampere", primitivestring},  {"kelvin", primitivestring}, {"mole", primitivestring},
+    {"candela", primitivestring}, {nullptr, nullptr},
+};
 
 const TextPair derivedUnits[] = {
     {"radian", "meter/meter"},
@@ -137,33 +140,23 @@ const TextPair nonSIabbreviations[] = {
     {nullptr, nullptr},
 };
 
-// Takes the step for each entry; at the first that fails, also where memory ends, the message is set.
-template <class Step> bool addAll(const TextPair* entries, const char* failure, Step step) {
-    for (const TextPair* e = entries; e->name != nullptr; ++e) {
-        bool isAdded = false;
-        try {
-            isAdded = step(*e);
-        } catch (const std::bad_alloc&) {
-        }
-        if (isAdded) continue;
-        throw_exception2(failure, e->name, e->text);
+constexpr const char* FAILURES[] = {
+    "units failure initializing prefix '%s' (%s)",
+    "units failure initializing primitive unit '%s'",
+    "units failure initializing derived unit '%s' (%s)",
+    "units failure initializing non-SI unit '%s' (%s)",
+    "units failure initializing abbreviation '%s' (%s)",
+    "units failure initializing non-SI abbreviation '%s' (%s)",
+};
+
+bool add(size_t table, const TextPair& entry) {
+    try {
+        if (table != PREFIXES) return unitTable.Define(entry.name, entry.text);
+        unitTable.prefixes.push_back({entry.name, std::atof(entry.text)});
+        return true;
+    } catch (const std::bad_alloc&) {
         return false;
     }
-    return true;
-}
-
-bool addPrefix(const TextPair& entry) {
-    unitTable.AddPrefix(entry.name, std::atof(entry.text));
-    return true;
-}
-
-bool addBaseUnit(const TextPair& entry) {
-    return unitTable.AddPrimitive(entry.name);
-}
-
-bool addUnit(const TextPair& entry) {
-    std::optional<ReducedUnit> reduced = reduceUnit(entry.text);
-    return reduced && unitTable.Add(entry.name, std::move(*reduced));
 }
 
 } // namespace
@@ -172,15 +165,14 @@ const CatalogueTables catalogueTables = {prefixList, baseUnits,     derivedUnits
                                          nonSIUnits, abbreviations, nonSIabbreviations};
 
 int buildCatalogue(const CatalogueTables& tables) {
-    const bool isBuilt =
-        addAll(tables.prefixList, "units failure initializing prefix '%s' (%s)", addPrefix) &&
-        addAll(tables.baseUnits, "units failure initializing primitive unit '%s'", addBaseUnit) &&
-        addAll(tables.derivedUnits, "units failure initializing derived unit '%s' (%s)", addUnit) &&
-        addAll(tables.nonSIUnits, "units failure initializing non-SI unit '%s' (%s)", addUnit) &&
-        addAll(tables.abbreviations, "units failure initializing abbreviation '%s' (%s)", addUnit) &&
-        addAll(tables.nonSIabbreviations, "units failure initializing non-SI abbreviation '%s' (%s)",
-               addUnit);
-    return isBuilt ? 0 : 1;
+    for (size_t table = 0; table < tables.size(); ++table) {
+        for (const TextPair* entry = tables[table]; entry->name != nullptr; ++entry) {
+            if (add(table, *entry)) continue;
+            throw_exception2(FAILURES[table], entry->name, entry->text);
+            return 1;
+        }
+    }
+    return 0;
 }
 
 int unitInitialize() {

@@ -3,14 +3,11 @@
 // The table of units and prefixes.
 #include "unitlist.h"
 
+#include <algorithm>
+#include <cstring>
 #include <utility>
 
-namespace {
-
-constexpr size_t maxPowers = 1000000; // 16 MB
-constexpr size_t firstCapacity = 256; // room for the catalogue and as many again
-
-} // namespace
+constexpr size_t MAX_POWERS = 1000000; // 16 MB
 
 UnitTable unitTable;
 
@@ -18,65 +15,72 @@ bool isLettersOnly(std::string_view name) {
     return !name.empty() && name.find_first_not_of(unitNameCharacters) == std::string_view::npos;
 }
 
-void UnitTable::AddPrefix(std::string_view name, double factor) {
-    prefixes.push_back({std::string(name), factor});
-}
-
-bool UnitTable::Add(std::string_view name, ReducedUnit reduced) {
-    const size_t powers = reduced.powers.size();
-    if (powersHeld + powers > maxPowers) return false;
-    if (units.empty()) units.reserve(firstCapacity);
-    auto unit = std::make_unique<Unit>(Unit{std::string(name), std::move(reduced), defined});
-    const Unit& added = *unit;
+bool UnitTable::Define(std::string_view name, const char* definition, const UnitsCharge& charge) {
+    std::optional<ReducedUnit> reduced = reduceUnit(definition, charge);
+    if (!reduced) return false;
+    if (std::strcmp(definition, primitivestring) == 0)
+        reduced->powers = {{&*primitiveNames.emplace(name).first, 1}};
+    const size_t powers = reduced->powers.size();
+    if (powersHeld + powers > MAX_POWERS) return false;
     // First what needs memory: without the unit there is nothing to take back.
-    if (record) record([this, holder = MakeHolder(), own = added.name] { *holder = units.extract(own); });
-    units.emplace(added.name, std::move(unit));
+    if (record) record([this, own = std::string(name)] { Free(units.extract(own)); });
+    units.emplace(name, Unit{std::move(*reduced), defined});
     ++defined;
     powersHeld += powers;
     return true;
 }
 
-bool UnitTable::AddPrimitive(std::string_view name) {
-    const std::string* const own = &*primitiveNames.emplace(name).first;
-    return Add(name, {1.0, {{own, 1}}});
-}
-
-// For a unit that is taken out.  The last who has it frees the unit.
-std::shared_ptr<UnitTable::Index::node_type> UnitTable::MakeHolder() {
-    const auto release = [this](const Index::node_type* unit) {
-        if (!unit->empty()) powersHeld -= unit->mapped()->reduced.powers.size();
-        delete unit;
-    };
-    return {new Index::node_type, release};
+void UnitTable::Free(const Units::node_type& unit) {
+    if (!unit.empty()) powersHeld -= unit.mapped().reduced.powers.size();
 }
 
 bool UnitTable::Remove(std::string_view name) {
+    using Node = Units::node_type;
     const auto found = units.find(name);
     if (found == units.end()) return false;
-    // A unit that comes back finds room, since the index never shrinks.
-    const auto holder = MakeHolder();
-    if (record) record([this, holder] { units.insert(std::move(*holder)); });
-    *holder = units.extract(found);
+    const auto free = [this](const Node* unit) {
+        Free(*unit);
+        delete unit;
+    };
+    const std::shared_ptr<Node> removed(new Node, free); // while it can come back
+    if (record) record([this, removed] { units.insert(std::move(*removed)); });
+    *removed = units.extract(found);
     return true;
 }
 
 const Unit* UnitTable::Find(std::string_view name) const {
     ++compared;
     const auto found = units.find(name);
-    return found != units.end() ? found->second.get() : nullptr;
+    return found != units.end() ? &found->second : nullptr;
 }
 
-UnitMatch UnitTable::FindFactor(std::string_view name) const {
-    UnitMatch best = {nullptr, nullptr};
-    std::string_view endingOfBest;
-    ForEachReading(name, [&](std::string_view reading, const UnitPrefix* prefix, std::string_view ending) {
-        if (best.found != nullptr && ending != endingOfBest) return true;
-        const Unit* const unit = Find(reading);
-        if (unit != nullptr && (best.found == nullptr || unit->position < best.found->position)) {
-            best = {unit, prefix};
-            endingOfBest = ending;
+std::vector<UnitReading> UnitTable::Readings(std::string_view name) const {
+    std::vector<UnitReading> readings;
+    readings.reserve(8);
+    for (const std::string_view ending : {"", "s", "es"}) {
+        const size_t length = name.size() - std::min(name.size(), ending.size());
+        if (length == 0 || name.substr(length) != ending) continue;
+        const std::string_view singular = name.substr(0, length);
+        readings.push_back({nullptr, singular, ending});
+        compared += prefixes.size();
+        for (const UnitPrefix& prefix : prefixes) {
+            const size_t behind = prefix.name.size();
+            if (length > behind && singular[0] == prefix.name[0] &&
+                singular.compare(0, behind, prefix.name) == 0)
+                readings.push_back({&prefix, singular.substr(behind), ending});
         }
-        return best.found != nullptr && best.prefix == nullptr;
-    });
+    }
+    return readings;
+}
+
+UnitReading UnitTable::FindFactor(std::string_view name) const {
+    UnitReading best = {nullptr, name, "", Find(name)};
+    if (best.found != nullptr) return best;
+    for (UnitReading& reading : Readings(name)) {
+        const bool isLater = best.found != nullptr && (!best.prefix || reading.ending != best.ending);
+        if (isLater) break;
+        reading.found = Find(reading.name);
+        if (reading.found && (!best.found || reading.found->position < best.found->position)) best = reading;
+    }
     return best;
 }

@@ -5,13 +5,13 @@
 
 #include "units.h"
 
-#include <algorithm>
+#include <array>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 // A primitive name and how often it occurs: above the '/', or below it with a negative count; never 0.  Each
@@ -30,7 +30,6 @@ struct ReducedUnit {
 };
 
 struct Unit {
-    std::string name;
     ReducedUnit reduced; // a primitive unit is itself once
     size_t position;     // in the order of definition
 };
@@ -40,104 +39,88 @@ struct UnitPrefix {
     double factor;
 };
 
-// A unit found under a name, and the prefix (or null) that stood before it.
-struct UnitMatch {
-    const Unit* found;
+// What a factor's name may stand for: a prefix (or null), a unit's name, and a plural's ending.
+struct UnitReading {
     const UnitPrefix* prefix;
+    std::string_view name;
+    std::string_view ending;
+    const Unit* found = nullptr; // the unit of the name, where it was looked for and there is one
 };
 
 // All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed
 // nothing.
 class UnitTable {
 public:
+    std::vector<UnitPrefix> prefixes;
+    UnitsUndo record;              // see units_record_changes
+    mutable uint64_t compared = 0; // look-ups and prefixes compared.  Tests hold it against the look-ups
+
     bool IsEmpty() const { return units.empty(); }
 
-    void AddPrefix(std::string_view name, double factor);
-    const std::vector<UnitPrefix>& Prefixes() const { return prefixes; }
+    // Adds a unit under a name that none has.  False, with a message, when the definition cannot be reduced,
+    // and without one when all units together would have too many names.
+    bool Define(std::string_view name, const char* definition, const UnitsCharge& charge = {});
 
-    // Adds a unit under a name that none has.  False: all units together would have too many names.
-    bool Add(std::string_view name, ReducedUnit reduced);
-    bool AddPrimitive(std::string_view name);
+    bool Remove(std::string_view name); // false when there is none of exactly this name
 
-    // False when there is none of exactly this name.
-    bool Remove(std::string_view name);
+    const Unit* Find(std::string_view name) const; // the unit of exactly this name, or null
 
-    // The unit of exactly this name, or null.
-    const Unit* Find(std::string_view name) const;
-
-    // The unit of a factor's name: exact, with a prefix, as a plural in s, as a plural in es.  Of several
-    // readings with a prefix the unit that was defined first wins.
-    UnitMatch FindFactor(std::string_view name) const;
-
-    // Calls visit(reading, prefix, ending) with each name that a factor's name may stand for, until it
-    // returns true: the name itself with a null prefix, what it has behind a prefix, then the same without a
+    // All readings of a factor's name: the name itself, what it has behind a prefix, then the same without a
     // final s, and es.
-    template <class Visit> void ForEachReading(std::string_view name, Visit visit) const {
-        for (const std::string_view ending : {"", "s", "es"}) {
-            const size_t length = name.size() - std::min(name.size(), ending.size());
-            if (length == 0 || name.substr(length) != ending) continue;
-            const std::string_view singular = name.substr(0, length);
-            if (visit(singular, nullptr, ending)) return;
-            for (const UnitPrefix& prefix : prefixes) {
-                ++compared;
-                const size_t behind = prefix.name.size();
-                if (length <= behind || singular.compare(0, behind, prefix.name) != 0) continue;
-                if (visit(singular.substr(behind), &prefix, ending)) return;
-            }
-        }
-    }
+    std::vector<UnitReading> Readings(std::string_view name) const;
 
-    // Names that look-ups compared so far, by hash or one by one.  Tests hold it against the number of
-    // look-ups.
-    mutable uint64_t compared = 0;
-
-    UnitsUndo record; // see units_record_changes
-
-    void Clear() { *this = UnitTable(); }
+    // The first of them that has a unit, but of several with a prefix that of the unit that was defined
+    // first.
+    UnitReading FindFactor(std::string_view name) const;
 
 private:
-    // By a view of the unit's own name.
-    using Index = std::unordered_map<std::string_view, std::unique_ptr<Unit>>;
+    // Most names differ in their lengths.
+    struct ByLength {
+        using is_transparent = void;
+        bool operator()(std::string_view a, std::string_view b) const {
+            return a.size() != b.size() ? a.size() < b.size() : a < b;
+        }
+    };
+    using Units = std::map<std::string, Unit, ByLength>;
 
-    std::shared_ptr<Index::node_type> MakeHolder();
+    void Free(const Units::node_type& unit);
 
-    Index units;
-    std::vector<UnitPrefix> prefixes;
-    std::unordered_set<std::string> primitiveNames; // all there ever were: units defined from them stay
-    size_t defined = 0;                             // units ever added
-    size_t powersHeld = 0;                          // by all units, those that can come back included
+    Units units;
+    std::set<std::string, std::less<>> primitiveNames; // all there ever were: units defined from them stay
+    size_t defined = 0;                                // units ever added
+    size_t powersHeld = 0;                             // by all units, those that can come back included
 };
 
 extern UnitTable unitTable;
 
-constexpr int32_t maxExponent = 1000;
+constexpr int32_t MAX_EXPONENT = 1000;
 
 bool isLettersOnly(std::string_view name); // false for an empty name
 
 // Reduces a unit expression with the units that exist at the moment; none, and the error state set, on
-// failure.
-// Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
+// failure.  Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
 
 // --- The catalogue ---
 
-// A name and its factor, definition or full name.  A table ends with a pair of nulls.
+// A name and its factor, definition or full name.
 struct TextPair {
     const char* name;
     const char* text;
 };
 
-struct CatalogueTables {
-    const TextPair* prefixList;
-    const TextPair* baseUnits; // without texts
-    const TextPair* derivedUnits;
-    const TextPair* nonSIUnits;
-    const TextPair* abbreviations;
-    const TextPair* nonSIabbreviations;
+// Lists of entries, each ending with a pair of nulls.
+enum CatalogueTable {
+    PREFIXES,
+    BASE_UNITS,
+    DERIVED_UNITS,
+    NON_SI_UNITS,
+    ABBREVIATIONS,
+    NON_SI_ABBREVIATIONS
 };
-
+using CatalogueTables = std::array<const TextPair*, NON_SI_ABBREVIATIONS + 1>;
 extern const CatalogueTables catalogueTables;
 
-// Appends the tables' entries to the lists in the order of the members above; a definition may only use names
-// that come earlier.  0 on success; at the first entry that fails it stops with 1 and the message set.
+// Adds the tables' entries in their order; a definition may only use names that come earlier.  0 on success;
+// at the first entry that fails, also where memory ends, it stops with 1 and the message set.
 int buildCatalogue(const CatalogueTables& tables);

@@ -26,7 +26,7 @@ std::vector<std::string> namesOfDimension(const Dimension& dimension, int sign) 
 }
 
 TEST_F(Catalogue, HoldsThePrefixesInTheirOrder) {
-    const std::vector<UnitPrefix>& prefixes = unitTable.Prefixes();
+    const std::vector<UnitPrefix>& prefixes = unitTable.prefixes;
     ASSERT_EQ(prefixes.size(), 41U);
     ASSERT_EQ(tablePrefixes().size(), 41U);
     for (size_t i = 0; i < prefixes.size(); ++i) {
@@ -67,7 +67,7 @@ TEST_F(Catalogue, AnAbbreviationIsAUnitOfItsOwn) {
 
 TEST_F(Catalogue, IsBuiltOnceOnly) {
     EXPECT_EQ(unitInitialize(), 0);
-    EXPECT_EQ(unitTable.Prefixes().size(), tablePrefixes().size());
+    EXPECT_EQ(unitTable.prefixes.size(), tablePrefixes().size());
 }
 
 TEST_F(UnitsTest, EveryPublicOperationBuildsTheCatalogue) {
@@ -75,7 +75,7 @@ TEST_F(UnitsTest, EveryPublicOperationBuildsTheCatalogue) {
     EXPECT_FALSE(unitTable.IsEmpty());
     unitFreeMemory();
     EXPECT_TRUE(unitTable.IsEmpty());
-    EXPECT_TRUE(unitTable.Prefixes().empty());
+    EXPECT_TRUE(unitTable.prefixes.empty());
     EXPECT_EQ(reduced("m"), "1.0 meter");
     unitFreeMemory();
     EXPECT_EQ(define("foot", "meter"), "unit 'foot' is already defined");
@@ -167,9 +167,9 @@ TEST_F(Catalogue, DegreeInRadians) {
 class BrokenCatalogue : public UnitsTest {
 protected:
     // What building the catalogue with one table replaced gives; empty for success.
-    static std::string build(const TextPair* CatalogueTables::*table, const TextPair* entries) {
+    static std::string build(CatalogueTable table, const TextPair* entries) {
         CatalogueTables tables = catalogueTables;
-        tables.*table = entries;
+        tables[table] = entries;
         const int status = buildCatalogue(tables);
         const std::string message = takeMessage();
         EXPECT_EQ(status, message.empty() ? 0 : 1);
@@ -181,27 +181,24 @@ const TextPair wrongUnit[] = {
     {"good", "meter"}, {"bad", "2 foo"}, {"unreached", "meter"}, {nullptr, nullptr}};
 
 TEST_F(BrokenCatalogue, ADerivedUnit) {
-    EXPECT_EQ(build(&CatalogueTables::derivedUnits, wrongUnit),
-              "units failure initializing derived unit 'bad' (2 foo)");
+    EXPECT_EQ(build(DERIVED_UNITS, wrongUnit), "units failure initializing derived unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIUnit) {
-    EXPECT_EQ(build(&CatalogueTables::nonSIUnits, wrongUnit),
-              "units failure initializing non-SI unit 'bad' (2 foo)");
+    EXPECT_EQ(build(NON_SI_UNITS, wrongUnit), "units failure initializing non-SI unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, AnAbbreviation) {
-    EXPECT_EQ(build(&CatalogueTables::abbreviations, wrongUnit),
-              "units failure initializing abbreviation 'bad' (2 foo)");
+    EXPECT_EQ(build(ABBREVIATIONS, wrongUnit), "units failure initializing abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIAbbreviation) {
-    EXPECT_EQ(build(&CatalogueTables::nonSIabbreviations, wrongUnit),
+    EXPECT_EQ(build(NON_SI_ABBREVIATIONS, wrongUnit),
               "units failure initializing non-SI abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
-    build(&CatalogueTables::derivedUnits, wrongUnit);
+    build(DERIVED_UNITS, wrongUnit);
     EXPECT_NE(unitTable.Find("candela"), nullptr);
     EXPECT_EQ(unitTable.Find("bad"), nullptr);
     EXPECT_EQ(unitTable.Find("unreached"), nullptr);
@@ -210,7 +207,7 @@ TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
 
 TEST_F(BrokenCatalogue, ADefinitionMayOnlyUseEarlierUnits) {
     const TextPair late[] = {{"newtonmeter", "newton-meter"}, {"newton", "meter"}, {nullptr, nullptr}};
-    EXPECT_EQ(build(&CatalogueTables::derivedUnits, late),
+    EXPECT_EQ(build(DERIVED_UNITS, late),
               "units failure initializing derived unit 'newtonmeter' (newton-meter)");
 }
 

@@ -86,14 +86,14 @@ TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
             }
         }
         const UnitModel::Meaning expected = model.lookUp(name);
-        const UnitMatch actual = unitTable.FindFactor(name);
+        const UnitReading actual = unitTable.FindFactor(name);
         ASSERT_EQ(actual.found != nullptr, expected.unit >= 0) << name;
         if (actual.found == nullptr) continue;
         ++found;
         ASSERT_EQ(actual.prefix != nullptr, expected.prefix >= 0) << name;
         ASSERT_EQ(actual.found->reduced.factor, model.unit(expected.unit).factor) << name;
         const Reduced& unit = model.unit(expected.unit);
-        const std::vector<std::string> itself = {actual.found->name};
+        const std::vector<std::string> itself = {std::string(actual.name)};
         ASSERT_EQ(namesOf(actual.found->reduced, 1), unit.isPrimitive ? itself : unit.numerator) << name;
         if (actual.prefix != nullptr) {
             ASSERT_EQ(actual.prefix->factor, model.prefix(expected.prefix)) << name;
