@@ -146,7 +146,7 @@ static const useconds_t FLASH = 80000; // microseconds
 // is.
 - (void)cut:(id)sender {
     const NSRange selection = [self selectedRange];
-    const TextRange inEntry = [self transcript].selectedInEntry();
+    const EntryRange inEntry = [self transcript].selectedInEntry();
     if (selection.location < static_cast<NSUInteger>(g_linestart)) {
         if (inEntry.length > 0) {
             [self setSelectedRange:NSMakeRange(inEntry.location, inEntry.length)];

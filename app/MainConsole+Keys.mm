@@ -18,7 +18,7 @@ KeyPress keyPress(NSEvent* event) {
             [typed length] > 0 ? [typed characterAtIndex:0] : static_cast<unichar>(0), [event modifierFlags]};
 }
 
-static NSRange rangeOf(const TextRange& range) {
+static NSRange rangeOf(const EntryRange& range) {
     return NSMakeRange(range.location, range.length);
 }
 

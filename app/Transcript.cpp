@@ -30,12 +30,12 @@ bool Transcript::fetchPrompt() const {
     return isWhole;
 }
 
-TextRange Transcript::selectedInEntry() const {
+EntryRange Transcript::selectedInEntry() const {
     const size_t from = std::max(selection.location, start());
     return {from, selection.end() > from ? selection.end() - from : 0};
 }
 
-TextRange Transcript::partialWord() const {
+EntryRange Transcript::partialWord() const {
     size_t from = selection.location;
     while (from > start()) {
         const char16_t c = entry[from - 1 - start()];
@@ -85,7 +85,7 @@ KeyEffect Transcript::complete() const {
     const size_t place = selection.location;
     if (place <= start()) return effect;
     if (prevKey != KEY_TAB) funcs.TabCompleteReset();
-    const TextRange word = partialWord();
+    const EntryRange word = partialWord();
     size_t length = 0;
     for (; length < std::min(word.length, PROMPT_SIZE - 1); length++)
         prompt[length] = static_cast<char>(entry[word.location - start() + length]);
@@ -94,7 +94,7 @@ KeyEffect Transcript::complete() const {
     effect.edit = Edit::Replace;
     if (candidate)
         effect.text = std::string(candidate->name + std::min(length, strlen(candidate->name))) + "()";
-    effect.selectAfter = TextRange{place, effect.text.size()};
+    effect.selectAfter = EntryRange{place, effect.text.size()};
     return effect;
 }
 
@@ -132,7 +132,7 @@ KeyEffect Transcript::erase(bool isForward) const {
 KeyEffect Transcript::goHome(bool extends) const {
     KeyEffect effect;
     const bool selects = extends && selection.end() > start();
-    effect.select = TextRange{start(), selects ? selection.end() - start() : 0};
+    effect.select = EntryRange{start(), selects ? selection.end() - start() : 0};
     effect.then = Then::Nothing;
     return effect;
 }
@@ -141,7 +141,7 @@ KeyEffect Transcript::goToEnd(bool extends) const {
     KeyEffect effect;
     effect.then = Then::Nothing;
     if (extends)
-        effect.select = TextRange{selection.location, end() - selection.location};
+        effect.select = EntryRange{selection.location, end() - selection.location};
     else
         effect.goesToEnd = true;
     return effect;
@@ -207,10 +207,10 @@ void Transcript::applyAnsRules(KeyEffect& effect, KeyAction action, bool minusIs
     if (selection.location < start() && !effect.goesToEnd) return;
     const size_t place = effect.goesToEnd ? entry.size() : selection.location - start();
     const auto replaceHead = [&](size_t length, const char* text) {
-        effect.select = TextRange{start(), length};
+        effect.select = EntryRange{start(), length};
         effect.edit = Edit::Replace;
         effect.text = text;
-        effect.selectAfter = TextRange{start() + effect.text.size(), 0};
+        effect.selectAfter = EntryRange{start() + effect.text.size(), 0};
     };
     if (place == 0) {
         if (isMinus && minusIsSign) return;

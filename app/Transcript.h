@@ -34,7 +34,7 @@ extern uint8_t update_match_str;
 extern uint32_t keyCode;
 extern uint32_t prevKey;
 
-struct TextRange {
+struct EntryRange {
     size_t location = 0;
     size_t length = 0;
     size_t end() const { return location + length; }
@@ -58,10 +58,10 @@ struct KeyEffect {
         Copy
     };
     bool goesToEnd = false; // the cursor, and into view
-    std::optional<TextRange> select = std::nullopt;
+    std::optional<EntryRange> select = std::nullopt;
     Edit edit = Edit::None;
     std::string text = ""; // an 8-bit string
-    std::optional<TextRange> selectAfter = std::nullopt;
+    std::optional<EntryRange> selectAfter = std::nullopt;
     Then then = Then::Preview;
 };
 
@@ -69,7 +69,7 @@ struct KeyEffect {
 class Transcript {
 public:
     // The text from `g_linestart` on, and what is selected in the whole text.
-    Transcript(std::u16string typedText, TextRange selected)
+    Transcript(std::u16string typedText, EntryRange selected)
         : entry(std::move(typedText)), selection(selected) {}
 
     // What the key press does. Sets the globals above and moves in the history. With `minusIsSign` a first
@@ -81,10 +81,10 @@ public:
     bool fetchPrompt() const;
 
     // What of the selection lies in the entry, empty when nothing does.
-    TextRange selectedInEntry() const;
+    EntryRange selectedInEntry() const;
 
     // The letters, digits and '_' of the entry before the cursor: "1+si" completes "si".
-    TextRange partialWord() const;
+    EntryRange partialWord() const;
 
     // Whether the entry may have so many characters more in place of its selected part: a longer one could
     // not be run.
@@ -105,5 +105,5 @@ private:
     size_t end() const { return start() + entry.size(); }
 
     std::u16string entry;
-    TextRange selection;
+    EntryRange selection;
 };

@@ -39,7 +39,7 @@ protected:
         return press(KeyPress{KEY_OTHER, c, c, 0}, entry, place, length);
     }
 
-    static void expectSelected(const std::optional<TextRange>& range, int place, size_t length) {
+    static void expectSelected(const std::optional<EntryRange>& range, int place, size_t length) {
         ASSERT_TRUE(range);
         EXPECT_EQ(static_cast<int>(range->location) - START, place);
         EXPECT_EQ(range->length, length);
