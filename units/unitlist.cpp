@@ -34,6 +34,13 @@ void UnitTable::Free(const Units::node_type& unit) {
     if (!unit.empty()) powersHeld -= unit.mapped().reduced.powers.size();
 }
 
+std::vector<std::string> UnitTable::Names() const {
+    std::vector<std::string> names;
+    for (const auto& unit : units) names.push_back(unit.first);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 bool UnitTable::Remove(std::string_view name) {
     using Node = Units::node_type;
     const auto found = units.find(name);

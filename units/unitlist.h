@@ -63,6 +63,7 @@ public:
 
     bool Remove(std::string_view name); // false when there is none of exactly this name
 
+    std::vector<std::string> Names() const;        // of all units, in byte order
     const Unit* Find(std::string_view name) const; // the unit of exactly this name, or null
 
     // All readings of a factor's name: the name itself, what it has behind a prefix, then the same without a

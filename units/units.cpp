@@ -86,6 +86,17 @@ std::string units_definition(const char* name) {
     });
 }
 
+std::vector<std::string> units_names() {
+    return unitInitialize() == 0 ? unitTable.Names() : std::vector<std::string>();
+}
+
+std::vector<std::string> units_prefix_names() {
+    std::vector<std::string> names;
+    unitInitialize();
+    for (const UnitPrefix& prefix : unitTable.prefixes) names.push_back(prefix.name);
+    return names;
+}
+
 std::vector<std::string> units_readings(const std::string& name) {
     std::vector<std::string> readings;
     unitInitialize(); // for the prefixes

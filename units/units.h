@@ -101,6 +101,10 @@ std::string units_definition(const char* name);
 // itself first, what it has behind a prefix, and the same without a final "s" or "es".
 std::vector<std::string> units_readings(const std::string& name);
 
+// The names of all units in byte order, and those of the prefixes.  Empty where the catalogue fails.
+std::vector<std::string> units_names();
+std::vector<std::string> units_prefix_names();
+
 // Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
 // expression, or as a new primitive unit if the definition is exactly "-primitive".  On failure the error
 // state is set and nothing is defined.

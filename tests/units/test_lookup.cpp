@@ -6,7 +6,10 @@
 #include "model.h"
 #include "table.h"
 
+#include <algorithm>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -25,6 +28,20 @@ TEST_F(UnitsTest, TheReadingsOfANameAreItselfAndWhatStandsBehindAPrefixAndBefore
     EXPECT_EQ((Names{"kqs", "qs", "kq", "q"}), units_readings("kqs"));
     EXPECT_EQ((Names{"s"}), units_readings("s")); // no empty name
     EXPECT_EQ(Names(), units_readings(""));
+}
+
+TEST_F(UnitsTest, AllNamesAreListedInByteOrderWithAPersonsOwn) {
+    EXPECT_EQ(define("smoot", "1.7018 meter"), "");
+    const std::vector<std::string> names = units_names();
+    EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+    for (const char* name : {"A", "meter", "teaspoon", "smoot"}) {
+        EXPECT_TRUE(std::binary_search(names.begin(), names.end(), name)) << name;
+    }
+    EXPECT_FALSE(removeUnit("smoot"));
+    EXPECT_EQ(names.size() - 1, units_names().size());
+    const std::vector<std::string> prefixes = units_prefix_names();
+    EXPECT_EQ("yotta", prefixes.front());
+    EXPECT_EQ("y", prefixes.back());
 }
 
 TEST_F(UnitsTest, OfTwoReadingsWithAPrefixTheEarlierUnitWins) {

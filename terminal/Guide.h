@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// The guide (docs/guide.md, which is compiled in) as plain text for a terminal.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The titles of the guide's sections, in their order.
+std::vector<std::string> guideTopics();
+
+// The first section whose title contains the topic, in any case of letters, with its title: without the marks
+// of the source, tables in columns. Empty when there is none.
+std::string guideSection(std::string_view topic);
+
+// Markdown as plain text: `marks`, **bold** and [links](#there) without their signs, the lines between
+// fences set in by two blanks, a table's columns side by side.
+std::string plainText(std::string_view markdown);

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+#include "Hints.h"
+
+#include "Commands.h"
+#include "Functions.h"
+#include "Helpers_String.h"
+#include "units.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+// Columns of UTF-8 text whose characters take one each.
+std::size_t widthOf(std::string_view text) {
+    return static_cast<std::size_t>(std::count_if(
+        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
+}
+
+bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+std::string withoutBlanks(std::string_view text) {
+    std::string joined;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !IsBlank(c); });
+    return joined;
+}
+
+// How many letters have to be changed, put in, taken out or exchanged with their neighbour to make `b` of
+// `a`. (Damerau's distance in its restricted form; the rows of the usual table.)
+std::size_t distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j) last[j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t change = a[i - 1] == b[j - 1] ? 0 : 1;
+            row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                row[j] = std::min(row[j], beforeLast[j - 2] + 1);
+            }
+        }
+        beforeLast = last;
+        last = row;
+    }
+    return last[b.size()];
+}
+
+std::string lowered(std::string_view text) {
+    std::string lower(text);
+    std::transform(lower.begin(), lower.end(), lower.begin(), LowerCase);
+    return lower;
+}
+
+std::vector<std::string> namesOfVariables(const ZqCalculator& calc) {
+    std::vector<std::string> names;
+    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
+        names.emplace_back(variable->text);
+    }
+    return names;
+}
+
+std::vector<std::string> namesOfFunctions() {
+    std::vector<std::string> names;
+    for (int i = 0; const Function* function = funcs.Get(i); ++i) names.emplace_back(function->name);
+    return names;
+}
+
+// What an error is about: the entry, the part of it that is marked, and the message.
+struct Trouble {
+    std::string_view entry;
+    std::string_view before; // the part of the entry before the marked one, without blanks at its end
+    std::string part;        // the marked one without blanks
+    std::string_view behind; // what follows, without blanks at its start
+    std::string_view message;
+    ZqCalculator& calc;
+};
+
+// The lines, each for one trap: empty when it is another.
+
+std::string signBehindSign(const Trouble& trouble) {
+    const bool isSign = trouble.part == "-" || trouble.part == "+";
+    if (!isSign || trouble.before.empty()) return "";
+    const char left = trouble.before.back();
+    if (left != '+' && left != '-') return "";
+    const std::string number =
+        withoutBlanks(trouble.behind.substr(0, trouble.behind.find_first_of("+-*/)^ ")));
+    const std::string operand = !number.empty() && number.find('(') == std::string::npos ? number : "3";
+    return std::string("a sign directly behind + or - needs parentheses: write 2") + left + "(" +
+           trouble.part + operand + ")";
+}
+
+std::string percent(const Trouble& trouble) {
+    const bool isPercent = trouble.part == "%" || (!trouble.before.empty() && trouble.before.back() == '%');
+    return isPercent ? "% is the remainder of a division here: 12 percent are 12/100" : "";
+}
+
+std::string starredPower(const Trouble& trouble) {
+    return contains(trouble.entry, "**") ? "a power is written with ^: write 2^3" : "";
+}
+
+// 2pi, 3x4
+std::string missingStar(const Trouble& trouble) {
+    const std::string& part = trouble.part;
+    const std::size_t letters = part.find_first_not_of("0123456789.,");
+    if (letters == 0 || letters == std::string::npos) return "";
+    const std::string number = part.substr(0, letters);
+    std::string factor = part.substr(letters);
+    if (factor.size() > 1 && (factor[0] == 'x' || factor[0] == 'X') && IsDigit(factor[1])) factor.erase(0, 1);
+    const auto variables = namesOfVariables(trouble.calc);
+    const bool isKnown = std::find(variables.begin(), variables.end(), factor) != variables.end();
+    if (!isKnown && !IsDigit(factor[0]) && factor.size() > 1) return "";
+    return "a multiplication needs its sign: write " + number + "*" + factor;
+}
+
+// 3(4), (3)(4), 2(3+4)
+std::string missingStarBeforeParenthesis(const Trouble& trouble) {
+    if (!startsWith(trouble.message, "** ERROR: could not compute")) return "";
+    const std::string entry = withoutBlanks(trouble.entry);
+    for (std::size_t i = 1; i < entry.size(); ++i) {
+        const bool isGlued = (entry[i] == '(' && (IsDigit(entry[i - 1]) || entry[i - 1] == ')')) ||
+                             (entry[i - 1] == ')' && (IsDigit(entry[i]) || IsLetter(entry[i])));
+        if (isGlued)
+            return "a multiplication needs its sign: write " + entry.substr(0, i) + "*" + entry.substr(i);
+    }
+    return "";
+}
+
+// sin 30, sqrt4
+std::string missingParentheses(const Trouble& trouble) {
+    const std::string& part = trouble.part;
+    const std::size_t digits = part.find_first_of("0123456789.");
+    if (digits == 0 || digits == std::string::npos) return "";
+    const std::string name = part.substr(0, digits);
+    if (!funcs.FunctionExists(name.c_str(), 1)) return "";
+    return "a function's argument stands in parentheses: write " + name + "(" + part.substr(digits) + ")";
+}
+
+std::string temperature(const Trouble& trouble) {
+    if (!contains(trouble.message, "ERROR 13")) return "";
+    const std::string entry = withoutBlanks(trouble.entry);
+    const std::size_t arrow = entry.find("->");
+    if (arrow == std::string::npos || arrow == 0) return "";
+    const char from = entry[arrow - 1];
+    const std::string to = entry.substr(arrow + 2);
+    const bool toCelsius = from == 'F' && (to == "C" || to == "degC" || to == "K");
+    const bool toFahrenheit = (from == 'C' || from == 'K') && (to == "F" || to == "degF");
+    if (!toCelsius && !toFahrenheit) return "";
+    return std::string("F and C are farad and coulomb here; temperatures have no common zero: write ") +
+           (toCelsius ? "(72-32)/1.8 for 72 F in C" : "20*1.8+32 for 20 C in F");
+}
+
+std::string unknownUnit(const Trouble& trouble) {
+    constexpr std::string_view TEXT = "invalid unit name '";
+    const std::size_t start = trouble.message.find(TEXT);
+    if (start == std::string_view::npos) return "";
+    const std::string_view behind = trouble.message.substr(start + TEXT.size());
+    const std::string nearest = nearestName(behind.substr(0, behind.find('\'')), units_names());
+    return nearest.empty() ? ":units lists the units" : "the nearest unit is " + nearest;
+}
+
+std::string frontEndWord(const Trouble& trouble) {
+    static constexpr std::string_view WORDS[] = {"help",  "?",     "quit",    "vars",
+                                                 "funcs", "units", "history", "set"};
+    const std::string entry = withoutBlanks(trouble.entry);
+    if (std::find(std::begin(WORDS), std::end(WORDS), entry) == std::end(WORDS)) return "";
+    return ":help explains the calculator, :vars lists the variables, :quit ends the program";
+}
+
+std::string eulersNumber(const Trouble& trouble) {
+    return trouble.part == "e" ? "the base of natural logarithms is exp(1)" : "";
+}
+
+// A name that nobody knows: of a variable, of a function, or of a command word at the start.
+std::string unknownName(const Trouble& trouble) {
+    if (trouble.part.empty() || !IsLetter(trouble.part[0])) return "";
+    const bool isCall = startsWith(trouble.behind, "(");
+    const std::vector<std::string> variables = namesOfVariables(trouble.calc);
+    if (isCall && std::find(variables.begin(), variables.end(), trouble.part) != variables.end()) {
+        return trouble.part + " is a variable; a multiplication needs its sign: write " + trouble.part +
+               "*(...)";
+    }
+    std::vector<std::string> names = namesOfFunctions();
+    if (!isCall) names.insert(names.begin(), variables.begin(), variables.end());
+    const std::string nearest = nearestName(trouble.part, names);
+    return nearest.empty() ? "" : "the nearest name is " + nearest;
+}
+
+constexpr std::string (*HINTS[])(const Trouble&) = {
+    frontEndWord, signBehindSign,     starredPower, percent,      missingStarBeforeParenthesis,
+    missingStar,  missingParentheses, temperature,  eulersNumber, unknownUnit,
+    unknownName};
+
+} // namespace
+
+std::string markUnder(std::string_view entry, TextRange range, std::size_t promptWidth, std::size_t columns) {
+    if (range.start < 0 || columns == 0) return "";
+    const auto start = static_cast<std::size_t>(range.start);
+    const auto length = static_cast<std::size_t>(range.length);
+    const std::size_t lastRow = (promptWidth + widthOf(entry)) / columns * columns;
+    const std::size_t from = promptWidth + widthOf(entry.substr(0, start));
+    const std::size_t carets = widthOf(entry.substr(start, length));
+    if (from < lastRow || contains(entry, "\t")) return "";
+    return std::string(from - lastRow, ' ') + std::string(carets, '^') + "\n";
+}
+
+std::string nearestName(std::string_view name, const std::vector<std::string>& names) {
+    const std::string wanted = lowered(name);
+    const std::string* nearest = nullptr;
+    std::size_t least = wanted.size() > 4 ? 3 : 2;
+    if (wanted.size() < 3) least = 1; // of a letter or two every name is near
+    for (const std::string& candidate : names) {
+        if (candidate.size() > wanted.size() + 2 || candidate.size() + 2 < wanted.size()) continue;
+        const std::size_t changes = distance(wanted, lowered(candidate));
+        if (changes >= least) continue;
+        least = changes;
+        nearest = &candidate;
+    }
+    return nearest ? *nearest : "";
+}
+
+std::string hintAfterError(std::string_view entry, ZqCalculator& calc) {
+    const TextRange range = calc.errorRange;
+    const std::size_t start = range.start < 0 ? entry.size() : static_cast<std::size_t>(range.start);
+    const std::size_t end = start + static_cast<std::size_t>(range.length);
+    const std::string_view before = entry.substr(0, start);
+    const std::string_view behind = entry.substr(end);
+    const Trouble trouble = {entry,
+                             before.substr(0, before.find_last_not_of(" \t") + 1),
+                             withoutBlanks(entry.substr(start, end - start)),
+                             behind.substr(std::min(behind.find_first_not_of(" \t"), behind.size())),
+                             calc.message,
+                             calc};
+    for (const auto hint : HINTS) {
+        const std::string line = hint(trouble);
+        if (!line.empty()) return line + "\n";
+    }
+    return "";
+}
+
+// An operand between two powers, and a minus between a product's sign and a power.
+std::string Notes::For(std::string_view text) {
+    const std::string entry = withoutBlanks(text.substr(0, text.find('#')));
+    constexpr std::string_view OPERAND = "0123456789.abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+    for (std::size_t at = 0; (at = entry.find('^', at)) != std::string::npos; ++at) {
+        const std::size_t end = entry.find_first_not_of(OPERAND, at + 1);
+        if (!toldPowers && end != std::string::npos && end > at + 1 && entry[end] == '^') {
+            toldPowers = true;
+            return "powers are taken from left to right: 2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512\n";
+        }
+    }
+    for (std::size_t at = 1; (at = entry.find('-', at)) != std::string::npos; ++at) {
+        const std::size_t end = std::min(entry.find_first_not_of(OPERAND, at + 1), entry.size());
+        const bool isFactor = entry[at - 1] == '*' || entry[at - 1] == '/';
+        if (!toldMinus && isFactor && end < entry.size() && entry[end] == '^') {
+            toldMinus = true;
+            return "a minus behind * or / is taken first: 2*-3^2 is 2*(-3)^2 = 18; 2*(-(3^2)) is -18\n";
+        }
+    }
+    return "";
+}

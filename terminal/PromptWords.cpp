@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: MIT
+#include "PromptWords.h"
+
+#include "Builtins.h"
+#include "Format.h"
+#include "Functions.h"
+#include "Guide.h"
+#include "Helpers_String.h"
+#include "Hints.h"
+#include "units.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+PromptReply refuse(const std::string& text) {
+    return {PromptReply::ERROR, text + "\n"};
+}
+
+bool containsI(std::string_view text, std::string_view part) {
+    return std::search(text.begin(), text.end(), part.begin(), part.end(),
+                       [](char a, char b) { return LowerCase(a) == LowerCase(b); }) != text.end();
+}
+
+// "  left      right", the right texts below each other.
+std::string twoColumns(std::string_view left, std::string_view right) {
+    constexpr std::size_t WIDTH = 26;
+    if (right.empty()) return "  " + std::string(left) + "\n";
+    const std::size_t padding = left.size() < WIDTH ? WIDTH - left.size() : 2;
+    return "  " + std::string(left) + std::string(padding, ' ') + std::string(right) + "\n";
+}
+
+std::string callOf(const Builtin& builtin) {
+    return std::string(builtin.name) + "(" + builtin.arguments + ")";
+}
+
+// --- :help ---
+
+std::string helpOfWords() {
+    std::string text = "Type an expression and press Return. Words of the prompt:\n";
+    for (const PromptWord& word : promptWords()) {
+        const std::string left = word.word + std::string(*word.argument ? " " : "") + word.argument;
+        text += twoColumns(left, word.help);
+    }
+    text += "Topics for :help:\n ";
+    for (const std::string& topic : guideTopics())
+        text += " " + topic + (topic == guideTopics().back() ? "" : ",");
+    return text + "\n";
+}
+
+// The lines about a function, a command word or a setting of this name.
+std::string helpOfName(const std::string& name) {
+    std::string text;
+    for (const Builtin& builtin : builtinTable()) {
+        if (name == builtin.name && builtin.help) text += twoColumns(callOf(builtin), builtin.help);
+    }
+    for (const Command& command : commandTable()) {
+        if (command.usage && command.help && command.word && strIsEqualI(command.word, name.c_str())) {
+            text += twoColumns(command.usage, command.help);
+        }
+    }
+    for (const Setting& setting : SETTINGS) {
+        if (setting.command.word && name == setting.command.word) {
+            text += twoColumns(setting.command.word, setting.command.help);
+        }
+    }
+    return text;
+}
+
+PromptReply help(const PromptState&, const std::string& topic) {
+    if (topic.empty()) return {PromptReply::TEXT, helpOfWords()};
+    std::string text = helpOfName(topic);
+    if (text.empty()) text = guideSection(topic);
+    if (text.empty()) return refuse("no help on '" + topic + "'; :help lists the topics");
+    return {PromptReply::TEXT, text};
+}
+
+// --- :vars, :funcs, :units ---
+
+PromptReply variables(const PromptState& state, const std::string&) {
+    std::string text;
+    for (const node* variable = state.calc.vars.first; variable; variable = variable->next) {
+        const std::string value = shownNumber(*variable->value, state.calc, strlen(variable->text));
+        text += std::string(variable->text) + " = " + value + "\n";
+    }
+    return {PromptReply::TEXT, text};
+}
+
+PromptReply functions(const PromptState&, const std::string&) {
+    std::string text;
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        if (function->body) text += function->ToString([] { return true; }) + "\n";
+    }
+    if (!text.empty()) text += "\n";
+    for (const Builtin& builtin : builtinTable()) {
+        const bool isThere = funcs.FindByName(builtin.name, -1) != nullptr;
+        if (builtin.help && isThere) text += twoColumns(callOf(builtin), builtin.help);
+    }
+    return {PromptReply::TEXT, text};
+}
+
+bool canConvert(const std::string& from, const std::string& to) {
+    units_clear_exception();
+    const double factor = units_convert(from.c_str(), to.c_str());
+    const bool isDone = units_check_exception() == nullptr && factor != 0.0;
+    units_clear_exception();
+    return isDone;
+}
+
+// The definition with ten digits of its factor, which are all that a person reads.
+std::string unitLine(const std::string& name) {
+    const std::string definition = units_definition(name.c_str());
+    char* names = nullptr;
+    char factor[40];
+    snprintf(factor, sizeof factor, "%.10g", strtod(definition.c_str(), &names));
+    return twoColumns(name, definition.empty() ? "" : factor + std::string(names));
+}
+
+PromptReply units(const PromptState&, const std::string& part) {
+    std::string named;
+    std::string related;
+    const bool isUnit = !part.empty() && canConvert(part, part);
+    for (const std::string& name : units_names()) {
+        if (containsI(name, part))
+            named += unitLine(name);
+        else if (isUnit && canConvert(part, name))
+            related += unitLine(name);
+    }
+    if (!related.empty()) related = "Units that " + part + " can be converted to:\n" + related;
+    if (named.empty() && related.empty()) return refuse("no unit's name contains '" + part + "'");
+    if (!part.empty()) return {PromptReply::TEXT, named + related};
+    std::string prefixes = "Prefixes:";
+    for (const std::string& prefix : units_prefix_names()) prefixes += " " + prefix;
+    return {PromptReply::TEXT, named + prefixes + "\n"};
+}
+
+// --- :set ---
+
+std::string valueText(const Setting& setting, const KeptSettings& settings) {
+    if (!setting.IsNumber()) {
+        const auto text = settings.texts.find(setting.key);
+        return text == settings.texts.end() ? setting.text : text->second;
+    }
+    const auto found = settings.numbers.find(setting.key);
+    const int value = found == settings.numbers.end() ? setting.standard : found->second;
+    for (const SettingChoice& choice : setting.choices) {
+        if (choice.value == value) return choice.word;
+    }
+    if (setting.kind == Setting::FLAG) return value != 0 ? "on" : "off";
+    if (setting.kind == Setting::CHARACTER) return {static_cast<char>(value)};
+    return std::to_string(value);
+}
+
+const char* meaningOf(const Setting& setting) {
+    if (setting.command.help) return setting.command.help;
+    return setting.title ? setting.title : "";
+}
+
+std::string settingLine(const Setting& setting, const KeptSettings& settings) {
+    return twoColumns(std::string(setting.key) + " = " + valueText(setting, settings), meaningOf(setting));
+}
+
+// The number that a text stands for. False when the setting has no such value.
+bool readValue(const Setting& setting, const std::string& text, int& value) {
+    if (setting.choices.begin() != setting.choices.end() && setting.kind != Setting::FLAG) {
+        const SettingChoice* choice = setting.ChoiceIn(text);
+        if (choice) value = choice->value;
+        return choice != nullptr;
+    }
+    if (setting.kind == Setting::FLAG) {
+        const SettingChoice* choice = setting.ChoiceIn(text);
+        value = choice ? choice->value : text == "on" || text == "1" ? 1 : 0;
+        return choice || text == "on" || text == "off" || text == "1" || text == "0";
+    }
+    if (setting.kind == Setting::CHARACTER) {
+        value = static_cast<unsigned char>(text[0]);
+        return text.size() == 1 && groupingMarkFault(value).empty();
+    }
+    char* end = nullptr;
+    const long number = strtol(text.c_str(), &end, 10);
+    value = static_cast<int>(number);
+    return end != text.c_str() && *end == '\0' && setting.IsPossible(static_cast<double>(number));
+}
+
+// The setting of this key, or of the command with this word.
+const Setting* settingNamed(const std::string& name) {
+    for (const Setting& setting : SETTINGS) {
+        if (name == setting.key || (setting.command.word && name == setting.command.word)) return &setting;
+    }
+    return nullptr;
+}
+
+PromptReply set(const PromptState& state, const std::string& argument) {
+    if (argument.empty()) {
+        std::string text;
+        for (const Setting& setting : SETTINGS) text += settingLine(setting, state.settings);
+        return {PromptReply::TEXT, text};
+    }
+    const std::size_t blank = std::min(argument.find_first_of(" \t="), argument.size());
+    const std::string name = argument.substr(0, blank);
+    const std::string text =
+        argument.substr(std::min(argument.find_first_not_of(" \t=", blank), argument.size()));
+    const Setting* setting = settingNamed(name);
+    if (!setting) return refuse("no setting is called '" + name + "'; :set lists them");
+    if (!text.empty() && setting->IsNumber()) {
+        int value = 0;
+        if (!readValue(*setting, text, value)) return refuse("'" + text + "' is no value of " + name);
+        state.settings.numbers[setting->key] = value;
+        setting->Apply(value, state.calc);
+        if (strcmp(setting->key, "histsz") == 0) state.calc.history.SetMaxEntries(value);
+    } else if (!text.empty()) {
+        if (!setting->IsPossible(text)) return refuse("'" + text + "' is no value of " + name);
+        state.settings.texts[setting->key] = text;
+    }
+    return {PromptReply::TEXT, settingLine(*setting, state.settings)};
+}
+
+// --- The others ---
+
+PromptReply history(const PromptState& state, const std::string& part) {
+    std::string text;
+    for (const std::string& entry : state.history) {
+        if (containsI(entry, part)) text += entry + "\n";
+    }
+    return {PromptReply::TEXT, text};
+}
+
+PromptReply base(const PromptState& state, const std::string& argument) {
+    const Setting& setting = *findSetting("dispbase");
+    const SettingChoice* choice = setting.ChoiceIn(argument);
+    if (!choice) return refuse(":base takes bin, dec or hex");
+    const Answer& answer = state.calc.answer;
+    const std::string value = answer.In(choice->value, state.calc);
+    if (value.empty()) return refuse("there is no answer yet");
+    return {PromptReply::TEXT, answer.name + " = " + value + "\n"};
+}
+
+PromptReply quit(const PromptState&, const std::string&) {
+    return {PromptReply::END, ""};
+}
+
+} // namespace
+
+const std::vector<PromptWord>& promptWords() {
+    static const std::vector<PromptWord> table = {
+        {":help", "[TOPIC]", "this list; a part of the guide; what a function or a command does", help},
+        {":vars", "", "the variables and their values", variables},
+        {":funcs", "", "your functions, and those that are always there", functions},
+        {":units", "[PART or UNIT]", "the units; those with PART in their names, and those UNIT converts to",
+         units},
+        {":set", "[NAME [VALUE]]", "the settings; one of them; gives it a value that is kept", set},
+        {":history", "[PART]", "the entries; those that contain PART", history},
+        {":base", "bin|dec|hex", "the last answer again in this base", base},
+        {":quit", "", "ends the program", quit},
+    };
+    return table;
+}
+
+PromptReply runPromptWord(const PromptState& state, std::string_view line) {
+    const std::size_t end = std::min(line.find_first_of(" \t"), line.size());
+    const std::string_view typed = line.substr(0, end);
+    const std::size_t start = std::min(line.find_first_not_of(" \t", end), line.size());
+    const std::string argument(line.substr(start, line.find_last_not_of(" \t") + 1 - start));
+    const PromptWord* found = nullptr;
+    for (const PromptWord& word : promptWords()) {
+        if (std::string_view(word.word).substr(0, typed.size()) != typed || typed.size() < 2) continue;
+        if (found) return refuse("'" + std::string(typed) + "' may be " + found->word + " or " + word.word);
+        found = &word;
+    }
+    if (!found)
+        return refuse("no word of the prompt is called '" + std::string(typed) + "'; :help lists them");
+    if (!argument.empty() && !*found->argument)
+        return refuse(std::string(found->word) + " takes nothing behind it");
+    return found->run(state, argument);
+}

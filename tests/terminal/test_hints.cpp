@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "Hints.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+class HintAfterError : public testing::Test {
+protected:
+    HintAfterError() { calc->InitializeFunctionsAndVars(); }
+
+    std::string Hint(const std::string& entry) {
+        EXPECT_EQ(calc->ProcessEntry(entry.c_str(), false), STATUS_ERROR) << entry;
+        return hintAfterError(entry, *calc);
+    }
+
+    std::unique_ptr<ZqCalculator> calc = std::make_unique<ZqCalculator>();
+};
+
+TEST_F(HintAfterError, ShowsHowASignBehindPlusOrMinusIsWritten) {
+    EXPECT_EQ(Hint("2+-3"), "a sign directly behind + or - needs parentheses: write 2+(-3)\n");
+    EXPECT_EQ(Hint("10 - -45*2"), "a sign directly behind + or - needs parentheses: write 2-(-45)\n");
+    EXPECT_EQ(Hint("2--sin(3)"), "a sign directly behind + or - needs parentheses: write 2-(-3)\n");
+}
+
+TEST_F(HintAfterError, SaysWhatThePercentSignIs) {
+    EXPECT_EQ(Hint("12%"), "% is the remainder of a division here: 12 percent are 12/100\n");
+    EXPECT_EQ(Hint("12% + 1"), "% is the remainder of a division here: 12 percent are 12/100\n");
+}
+
+TEST_F(HintAfterError, WritesTheSignOfAMultiplication) {
+    EXPECT_EQ(Hint("1+2pi"), "a multiplication needs its sign: write 2*pi\n");
+    EXPECT_EQ(Hint("3 x 4"), "a multiplication needs its sign: write 3*4\n");
+    EXPECT_EQ(Hint("3(4)"), "a multiplication needs its sign: write 3*(4)\n");
+    EXPECT_EQ(Hint("(1+2)(4)"), "a multiplication needs its sign: write (1+2)*(4)\n");
+    EXPECT_EQ(Hint("(1+2)4"), "a multiplication needs its sign: write (1+2)*4\n");
+    EXPECT_EQ(Hint("pi(3)"), "pi is a variable; a multiplication needs its sign: write pi*(...)\n");
+}
+
+TEST_F(HintAfterError, ShowsHowAPowerIsWritten) {
+    EXPECT_EQ(Hint("2**3"), "a power is written with ^: write 2^3\n");
+}
+
+TEST_F(HintAfterError, PutsAnArgumentIntoParentheses) {
+    EXPECT_EQ(Hint("sin 30"), "a function's argument stands in parentheses: write sin(30)\n");
+}
+
+TEST_F(HintAfterError, ConvertsTemperaturesByHand) {
+    EXPECT_EQ(Hint("72 F->C"), "F and C are farad and coulomb here; temperatures have no common zero: "
+                               "write (72-32)/1.8 for 72 F in C\n");
+    EXPECT_EQ(Hint("20 C -> F"), "F and C are farad and coulomb here; temperatures have no common zero: "
+                                 "write 20*1.8+32 for 20 C in F\n");
+}
+
+TEST_F(HintAfterError, NamesTheNearestUnit) {
+    EXPECT_EQ(Hint("5 km->mete"), "the nearest unit is meter\n");
+    EXPECT_EQ(Hint("5 galons->m^3"), "the nearest unit is gallon\n");
+    EXPECT_EQ(Hint("5 qqqqq->m"), ":units lists the units\n");
+}
+
+TEST_F(HintAfterError, NamesTheNearestNameOfAVariableOrFunction) {
+    calc->ProcessEntry("width=5", false);
+    EXPECT_EQ(Hint("2*wdth"), "the nearest name is width\n");
+    EXPECT_EQ(Hint("2*widht"), "the nearest name is width\n");
+    EXPECT_EQ(Hint("PI"), "the nearest name is pi\n");
+    EXPECT_EQ(Hint("sqr(4)"), "the nearest name is sqrt\n");
+    EXPECT_EQ(Hint("unheardof+1"), "");
+}
+
+TEST_F(HintAfterError, NamesTheWordsOfThePrompt) {
+    for (const char* entry : {"help", "?", "quit", "vars"}) {
+        EXPECT_EQ(Hint(entry),
+                  ":help explains the calculator, :vars lists the variables, :quit ends the program\n");
+    }
+}
+
+TEST_F(HintAfterError, IsEmptyWhereNoTrapIsKnown) {
+    EXPECT_EQ(Hint("1/0"), "");
+    EXPECT_EQ(Hint("2*(3+4"), "");
+}
+
+TEST(Notes, TellOnceHowChainsOfPowersAreRead) {
+    Notes notes;
+    EXPECT_EQ(notes.For("2^3"), "");
+    EXPECT_EQ(notes.For("a^2+b^2"), "");
+    EXPECT_EQ(notes.For("1 + 2^3 ^2"),
+              "powers are taken from left to right: 2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512\n");
+    EXPECT_EQ(notes.For("2^3^2"), "");
+}
+
+TEST(Notes, TellOnceThatAMinusBehindAProductIsTakenFirst) {
+    Notes notes;
+    EXPECT_EQ(notes.For("2-3^2"), "");
+    EXPECT_EQ(notes.For("2*-3"), "");
+    EXPECT_EQ(notes.For("2*-3^2"),
+              "a minus behind * or / is taken first: 2*-3^2 is 2*(-3)^2 = 18; 2*(-(3^2)) is -18\n");
+    EXPECT_EQ(notes.For("2*-3^2"), "");
+}
+
+TEST(NearestName, IsTheOneWithTheFewestWrongLetters) {
+    EXPECT_EQ(nearestName("sqtr", {"sin", "sqrt", "sqr"}), "sqrt");
+    EXPECT_EQ(nearestName("KM", {"m", "km"}), "km");
+    EXPECT_EQ(nearestName("meeterr", {"meter"}), "meter");
+    EXPECT_EQ(nearestName("x", {"y", "z"}), "");
+    EXPECT_EQ(nearestName("kilo", {"pico"}), "");
+}
+
+TEST(MarkUnder, PutsCaretsBelowTheTerm) {
+    EXPECT_EQ(markUnder("2*wdth+1", {2, 4}, 2, 80), "    ^^^^\n");
+    EXPECT_EQ(markUnder("2*wdth+1", TextRange(), 2, 80), "");
+}
+
+TEST(MarkUnder, CountsACharacterOfSeveralBytesAsOne) {
+    EXPECT_EQ(markUnder("\xC3\xA4*wdth", {3, 4}, 2, 80), "    ^^^^\n");
+}
+
+TEST(MarkUnder, IsThereWhereTheTermIsInTheLastRow) {
+    EXPECT_EQ(markUnder("123456789+wdth", {10, 4}, 2, 10), "  ^^^^\n");
+    EXPECT_EQ(markUnder("wdth+123456789", {0, 4}, 2, 10), "");
+}
+
+} // namespace
