@@ -83,6 +83,12 @@ std::string Setting::CommandFor(int value) const {
     return command.word + (" " + (one == choices.end() ? std::to_string(value) : one->word));
 }
 
+EntrySettings standardSettings() {
+    EntrySettings settings;
+    for (const Setting& setting : SETTINGS) setting.Apply(setting.standard, settings);
+    return settings;
+}
+
 bool readColor(const std::string& text, double (&parts)[4]) {
     const bool isRead =
         sscanf(text.c_str(), "%lf %lf %lf %lf", &parts[0], &parts[1], &parts[2], &parts[3]) == 4;

@@ -164,6 +164,9 @@ inline constexpr Setting SETTINGS[] = {
 // The row of the key; null when there is none.
 const Setting* findSetting(std::string_view key);
 
+// The settings of a console that nobody has changed yet.
+EntrySettings standardSettings();
+
 // A color's parts, each from 0 to 1. False when the text is none.
 bool readColor(const std::string& text, double (&parts)[4]);
 std::string colorText(const double (&parts)[4]);

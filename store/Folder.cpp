@@ -16,21 +16,32 @@ static std::string homeFolder() {
     return person ? absolute(person->pw_dir) : "";
 }
 
-// With a '/' at its end, or nothing.
-static std::string dataFolder() {
-#ifndef __APPLE__
-    const std::string data = absolute(getenv("XDG_DATA_HOME"));
-    if (!data.empty()) return data + "/";
-    const std::string below = "/.local/share/";
-#else
-    const std::string below = "/Library/Application Support/";
-#endif
+// The folder that the variable names or the one below the home folder, with a '/' at its end; or nothing.
+static std::string chosenFolder(const char* variable, const std::string& below) {
+    const std::string chosen = variable ? absolute(getenv(variable)) : "";
+    if (!chosen.empty()) return chosen + "/";
     const std::string home = homeFolder();
     return home.empty() ? "" : home + below;
 }
 
 std::string ownFolder() {
-    return dataFolder() + "Tallyquill";
+#ifndef __APPLE__
+    return chosenFolder("XDG_DATA_HOME", "/.local/share/") + "Tallyquill";
+#else
+    return chosenFolder(nullptr, "/Library/Application Support/") + "Tallyquill";
+#endif
+}
+
+std::string settingsPath(const std::string& folder) {
+    return folder + "/pelmo_settings.plist";
+}
+
+std::string definitionsPath(const std::string& folder) {
+    return folder + "/pelmo_functions.txt";
+}
+
+std::string configFolder() {
+    return chosenFolder("XDG_CONFIG_HOME", "/.config/") + "tallyquill";
 }
 
 void makeFolder(const std::string& path, System& system) {

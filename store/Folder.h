@@ -13,6 +13,14 @@
 // none of them it is "Tallyquill", in the current folder.
 std::string ownFolder();
 
+// The files in that folder.
+std::string settingsPath(const std::string& folder);
+std::string definitionsPath(const std::string& folder);
+
+// The folder of what a person has written to configure the terminal's program: $XDG_CONFIG_HOME/tallyquill
+// when that begins with '/', or ~/.config/tallyquill, as above. It is never made.
+std::string configFolder();
+
 // Makes a folder and those above it that are missing, readable and writable by their owner alone. Whether
 // there is one now shows when something is written there.
 void makeFolder(const std::string& path, System& system = System::Real());

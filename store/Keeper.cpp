@@ -10,8 +10,8 @@
 void Keeper::Open(const std::string& path) {
     Close();
     folder = path;
-    settingsFile.path = folder + "/pelmo_settings.plist";
-    definitionsFile.path = folder + "/pelmo_functions.txt";
+    settingsFile.path = settingsPath(folder);
+    definitionsFile.path = definitionsPath(folder);
     makeFolder(folder, system);
     removeLeftovers(settingsFile.path, system);
     removeLeftovers(definitionsFile.path, system);

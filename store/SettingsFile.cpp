@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "SettingsFile.h"
 
+#include "PlistLibrary.h"
+
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <plist/plist.h>
 #include <string_view>
 
 namespace {
@@ -12,8 +13,13 @@ namespace {
 constexpr size_t MOST_BYTES = 256 * 1024;
 constexpr size_t MOST_LISTS = 1000; // the library takes stack for each list inside another one
 
+// Only where the library is there.
+const PlistLibrary& plist() {
+    return *PlistLibrary::Get();
+}
+
 struct FreeList {
-    void operator()(void* list) const { plist_free(list); }
+    void operator()(void* list) const { plist().free(list); }
 };
 using List = std::unique_ptr<void, FreeList>;
 
@@ -36,39 +42,37 @@ size_t countOf(const std::string& text, std::string_view piece) {
 // The dictionary in the bytes, or null.
 List dictionaryIn(const std::string& bytes) {
     plist_t list = nullptr;
+    if (!PlistLibrary::Get()) return {};
     if (isWholeXml(bytes) && countOf(bytes, "<dict") + countOf(bytes, "<array") <= MOST_LISTS) {
-        plist_from_xml(bytes.data(), static_cast<uint32_t>(bytes.size()), &list);
+        plist().fromXml(bytes.data(), static_cast<uint32_t>(bytes.size()), &list);
     }
     List owned(list);
-    return list && plist_get_node_type(list) == PLIST_DICT ? std::move(owned) : List();
+    return list && plist().getType(list) == PLIST_DICT ? std::move(owned) : List();
 }
 
 double numberIn(plist_t item) {
     uint64_t number = 0;
     uint8_t flag = 0;
     double real = NAN;
-    switch (plist_get_node_type(item)) {
-    case PLIST_UINT:
-        plist_get_uint_val(item, &number);
-        return static_cast<double>(static_cast<int64_t>(number));
-    case PLIST_BOOLEAN: plist_get_bool_val(item, &flag); return flag;
-    case PLIST_REAL: plist_get_real_val(item, &real); return real;
+    switch (plist().getType(item)) {
+    case PLIST_UINT: plist().getUint(item, &number); return static_cast<double>(static_cast<int64_t>(number));
+    case PLIST_BOOLEAN: plist().getBool(item, &flag); return flag;
+    case PLIST_REAL: plist().getReal(item, &real); return real;
     default: return NAN;
     }
 }
 
 std::string dataIn(plist_t item) {
     uint64_t length = 0;
-    const char* const bytes =
-        plist_get_node_type(item) == PLIST_DATA ? plist_get_data_ptr(item, &length) : nullptr;
+    const char* const bytes = plist().getType(item) == PLIST_DATA ? plist().getData(item, &length) : nullptr;
     return bytes ? std::string(bytes, static_cast<size_t>(length)) : "";
 }
 
 plist_t newNumber(int number) {
-#ifdef PLIST_UINT // newer versions of the library tell negative numbers from large ones
-    return plist_new_int(number);
+#ifdef PLIST_UINT
+    return plist().newInt(number);
 #else
-    return plist_new_uint(static_cast<uint64_t>(static_cast<int64_t>(number)));
+    return plist().newUint(static_cast<uint64_t>(static_cast<int64_t>(number)));
 #endif
 }
 
@@ -78,7 +82,7 @@ plist_t newItem(const Setting& setting, const KeptSettings& kept) {
     if (number != kept.numbers.end()) return newNumber(number->second);
     const auto text = kept.texts.find(setting.key);
     if (text == kept.texts.end() || text->second.empty()) return nullptr;
-    return plist_new_data(text->second.data(), text->second.size());
+    return plist().newData(text->second.data(), text->second.size());
 }
 
 } // namespace
@@ -99,7 +103,7 @@ bool readSettings(const std::string& bytes, KeptSettings& kept) {
     const List list = dictionaryIn(bytes);
     if (!list) return false;
     for (const Setting& setting : SETTINGS) {
-        plist_t item = plist_dict_get_item(list.get(), setting.key);
+        plist_t item = plist().dictGetItem(list.get(), setting.key);
         if (!item) continue;
         const double number = numberIn(item);
         const std::string text = dataIn(item);
@@ -113,18 +117,19 @@ bool readSettings(const std::string& bytes, KeptSettings& kept) {
 }
 
 std::string settingsText(const KeptSettings& kept, const std::string& present) {
+    if (!PlistLibrary::Get()) return "";
     List list = dictionaryIn(present);
-    if (!list) list.reset(plist_new_dict());
+    if (!list) list.reset(plist().newDict());
     for (const Setting& setting : SETTINGS) {
         if (plist_t item = newItem(setting, kept))
-            plist_dict_set_item(list.get(), setting.key, item);
-        else if (plist_dict_get_item(list.get(), setting.key))
-            plist_dict_remove_item(list.get(), setting.key);
+            plist().dictSetItem(list.get(), setting.key, item);
+        else if (plist().dictGetItem(list.get(), setting.key))
+            plist().dictRemoveItem(list.get(), setting.key);
     }
     char* xml = nullptr;
     uint32_t length = 0;
-    plist_to_xml(list.get(), &xml, &length);
+    plist().toXml(list.get(), &xml, &length);
     std::string text(xml ? xml : "", xml ? length : 0);
-    plist_to_xml_free(xml);
+    plist().toXmlFree(xml);
     return text;
 }

@@ -12,6 +12,8 @@ constexpr OptionRow TABLE[] = {
     {"last", 0, nullptr, "print the last value only", &Options::last},
     {"fail-fast", 0, nullptr, "stop at the first error", &Options::failFast},
     {"preview", 0, nullptr, "evaluate as while one types: briefly, storing nothing", &Options::preview},
+    {"no-files", 0, nullptr, "read none of your own definitions", &Options::noFiles},
+    {"user", 0, nullptr, "take your own settings too, as the window has them", &Options::user},
     {"deg", 0, nullptr, "angles in degrees, as without it", SettingOption{"degmode", "deg"}},
     {"rad", 0, nullptr, "angles in radians", SettingOption{"degmode", "rad"}},
     {"figures", 0, "N", "significant figures, 1 to 100; of fixed, decimals", SettingOption{"sigfigs"}},

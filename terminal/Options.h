@@ -28,9 +28,11 @@ struct Options {
     bool last = false;         // the last value alone
     bool failFast = false;     // the first error ends the run
     bool preview = false;      // as while one types: within a limit of work, and nothing is stored
+    bool noFiles = false;      // no file of the person's is read
+    bool user = false;         // the person's settings are taken too
     bool trace = false;        // the engine's trace goes to standard error
 
-    std::vector<std::pair<const Setting*, int>> settings; // what differs from the defaults
+    std::vector<std::pair<const Setting*, int>> settings; // what differs from those
 };
 
 // What an option does: it sets a flag, decides the action, or adds an input. Or it sets a setting, to the

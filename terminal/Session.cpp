@@ -18,12 +18,6 @@
 
 namespace {
 
-// The settings of a console that nobody has changed yet.
-void setDefaults(ZqCalculator& calc) {
-    for (const Setting& setting : SETTINGS) setting.Apply(setting.standard, calc);
-    calc.history.SetMaxEntries(findSetting("histsz")->standard);
-}
-
 // Whether `descriptor` is a terminal that understands escape sequences.
 bool canClear(int descriptor) {
     const char* const kind = std::getenv("TERM");
@@ -41,7 +35,8 @@ std::size_t characterLength(std::string_view text) {
 
 Session::Session(int out, int err, Style how) : answers(out), errors(err), style(how) {
     calc.InitializeFunctionsAndVars();
-    setDefaults(calc);
+    static_cast<EntrySettings&>(calc) = standardSettings();
+    calc.history.SetMaxEntries(findSetting("histsz")->standard);
     calc.interruptCheck = isInterrupted;
     TestUnits();
 }

@@ -30,8 +30,8 @@ public:
     Session(int out, int err, Style how);
     Session(int out, int err) : Session(out, err, Style()) {}
 
-    // A setting of the entries to come.
-    void Set(const Setting& setting, int value) { setting.Apply(value, calc); }
+    // The calculator that evaluates the entries.
+    ZqCalculator& Calculator() { return calc; }
 
     // What is written in front of an error, such as the place of its line.
     void SetPlace(const std::string& text) { place = text; }

@@ -69,6 +69,16 @@ TEST(Folder, mayHaveANameThatIsNoText) {
 
 #endif
 
+TEST(Folder, ofConfigurationIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
+    const Environment home("HOME", "/home/someone");
+    for (const char* chosen : {static_cast<const char*>(nullptr), "", "relative"}) {
+        const Environment config("XDG_CONFIG_HOME", chosen);
+        EXPECT_EQ("/home/someone/.config/tallyquill", configFolder());
+    }
+    const Environment config("XDG_CONFIG_HOME", "/elsewhere/config");
+    EXPECT_EQ("/elsewhere/config/tallyquill", configFolder());
+}
+
 TEST(Folder, isMadeWithThoseAboveItForItsOwnerAlone) {
     const TemporaryFolder folder;
     makeFolder(folder.File("one/two/three"));

@@ -149,6 +149,15 @@ int exitStatus(int waited) {
 
 } // namespace
 
+void cleanEnvironment(const std::vector<std::string>& changes) {
+    for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) unsetenv(name);
+    setenv("HOME", "/nonexistent", 1);
+    for (const std::string& change : changes) {
+        const std::size_t equals = change.find('=');
+        setenv(change.substr(0, equals).c_str(), change.substr(equals + 1).c_str(), 1);
+    }
+}
+
 Result runProgram(const Invocation& invocation) {
     std::signal(SIGPIPE, SIG_IGN);
     Pipe in;
@@ -158,6 +167,7 @@ Result runProgram(const Invocation& invocation) {
     const pid_t child = fork();
     if (child == 0) {
         arrangeDescriptors(invocation, in, out, err);
+        cleanEnvironment(invocation.environment);
         becomeProgram(invocation.arguments, invocation.ignoredSignal);
     }
     Pipe::shut(in.readEnd);
@@ -206,6 +216,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
         if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
         if (!setup.inputFile.empty()) dup2(open(setup.inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         if (setup.nonBlocking) setNonBlocking(STDIN_FILENO);
+        cleanEnvironment(setup.environment);
         if (!setup.shellScript.empty())
             become("/bin/sh", {"sh", "-mc", setup.shellScript, TALLYQUILL_PROGRAM}, setup.ignoredSignal);
         becomeProgram(arguments, setup.ignoredSignal);

@@ -20,7 +20,12 @@ struct Invocation {
     bool joinErrors = false;    // descriptor 2 goes where descriptor 1 goes
     bool abandonOutput = false; // standard output is a pipe that nobody reads
     int ignoredSignal = 0; // the program starts with this signal ignored; all others do what they usually do
+    std::vector<std::string> environment; // "NAME=value"; see cleanEnvironment
 };
+
+// The environment of the program is this one's, but for what tells where a person's files are: there are
+// none unless `changes`, each a "NAME=value", says where. Call it in the child.
+void cleanEnvironment(const std::vector<std::string>& changes);
 
 // What came of it. `status` is the exit status, -1 when the program was ended by a signal (a run that takes
 // more than a minute is).
@@ -41,12 +46,13 @@ Result pipeThrough(const std::string& input);
 
 // How one run behind a pseudo-terminal is set up.
 struct TerminalSetup {
-    std::string outputFile;   // standard output goes there instead of to the terminal
-    std::string inputFile;    // standard input comes from there instead of from the terminal
-    bool echo = false;        // the terminal shows what is typed
-    bool nonBlocking = false; // reading from the terminal does not wait
-    std::string shellScript;  // a shell with job control runs this, in which "$0" is the program
-    int ignoredSignal = 0;    // the program starts with this signal ignored
+    std::string outputFile;               // standard output goes there instead of to the terminal
+    std::string inputFile;                // standard input comes from there instead of from the terminal
+    bool echo = false;                    // the terminal shows what is typed
+    bool nonBlocking = false;             // reading from the terminal does not wait
+    std::string shellScript;              // a shell with job control runs this, in which "$0" is the program
+    int ignoredSignal = 0;                // the program starts with this signal ignored
+    std::vector<std::string> environment; // "NAME=value"; see cleanEnvironment
 };
 
 // A terminal that shows what is typed.

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: MIT
+#include "Run.h"
+
+#include "Ending.h"
+#include "EntryText.h"
+#include "Interrupt.h"
+#include "LineReader.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+constexpr const char* STANDARD_INPUT = "-"; // as the name of a file
+
+// One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
+constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
+
+} // namespace
+
+void Run::Prepare(bool withDefinitions) {
+    ZqCalculator& calc = session.Calculator();
+    if (!options.noFiles) {
+        if (withDefinitions) Tell(takeOwnDefinitions(calc));
+        Tell(takeInitFile(calc));
+        if (options.user) Tell(takeOwnSettings(calc));
+    }
+    for (const auto& [setting, value] : options.settings) setting->Apply(value, calc);
+}
+
+void Run::Tell(const FileReading& reading) {
+    isFileLost = isFileLost || reading.isLost;
+    if (!reading.complaint.empty()) complain(reading.complaint);
+}
+
+int Run::Evaluate() {
+    if (options.inputs.empty()) {
+        const Over over = EvaluateFile(STANDARD_INPUT);
+        return over ? *over : End();
+    }
+    for (const Options::Input& input : options.inputs) {
+        const Over over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
+        if (over) return *over;
+    }
+    return End();
+}
+
+int Run::End() {
+    if (!session.End() || close(answers) != 0) return outputLost(errno);
+    if (isFileLost) return FILE_LOST;
+    return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
+}
+
+Run::Over Run::EvaluateEntry(std::string_view entry) {
+    if (isBlank(entry)) return {};
+    switch (session.Run(entry)) {
+    case Session::Outcome::Answered: return {};
+    case Session::Outcome::Refused: return options.failFast ? Over(End()) : Over();
+    case Session::Outcome::Ended: return End();
+    case Session::Outcome::OutputLost: return outputLost(errno);
+    case Session::Outcome::Interrupted: break;
+    }
+    dieOfInterrupt();
+}
+
+Run::Over Run::EvaluateFile(const std::string& name) {
+    if (name == STANDARD_INPUT) return EvaluateLines(STDIN_FILENO, "standard input");
+    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return inputLost(name);
+    const Over over = EvaluateLines(file, name);
+    close(file);
+    return over;
+}
+
+// A first line such as "#!/usr/bin/env -S tallyquill -f" is no entry. Each error is told with the file's name
+// and the line's number, but those of standard input.
+Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
+    const auto reader = std::make_unique<LineReader>(descriptor, KEPT_LENGTH);
+    const bool isFile = descriptor != STDIN_FILENO;
+    std::string line;
+    for (std::size_t number = 1;; ++number) {
+        const LineReader::Status status = reader->Next(line);
+        if (status == LineReader::Status::Failed) return inputLost(name);
+        if (status == LineReader::Status::End) break;
+        if (number == 1 && line.compare(0, 2, "#!") == 0) continue;
+        if (isFile) session.SetPlace(name + ":" + std::to_string(number) + ": ");
+        const Over over = EvaluateEntry(line);
+        if (over) return over;
+    }
+    session.SetPlace("");
+    return {};
+}

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+//
+// A run of the program over files, entries and standard input, without a prompt.
+#pragma once
+
+#include "Options.h"
+#include "OwnFiles.h"
+#include "Session.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+class Run {
+public:
+    // Answers go to the descriptor `out`, which End closes.
+    Run(Session& with, int out, const Options& how) : session(with), answers(out), options(how) {}
+
+    // Takes what the person's files hold (OwnFiles.h), the definitions file only `withDefinitions`, and then
+    // the settings of the options.
+    void Prepare(bool withDefinitions);
+
+    // Evaluates the inputs of the options in their order, standard input without any. Returns the exit
+    // status. Ctrl-C ends the program as if nobody caught it.
+    int Evaluate();
+
+    // Writes what was held back. Returns the exit status.
+    int End();
+
+private:
+    // The run goes on, or is over with this exit status.
+    using Over = std::optional<int>;
+
+    void Tell(const FileReading& reading);
+    Over EvaluateEntry(std::string_view entry);
+    Over EvaluateFile(const std::string& name);
+    Over EvaluateLines(int descriptor, const std::string& name);
+
+    Session& session;
+    int answers;
+    const Options& options;
+    bool isFileLost = false; // one of the person's
+};
