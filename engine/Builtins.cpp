@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Builtins.h"
 
+#include "EntryContext.h"
 #include "Helpers_String.h"
-#include "MathError.h"
-#include "Outcome.h"
 #include "Scanner.h"
-#include "Settings.h"
-#include "Spending.h"
 #include "qtrig.h"
 
 #include <cstdio>
@@ -115,7 +112,7 @@ static const char* logBase(const char* name) {
     return hasDigit && findDecString(base, rest) == 1 ? base : nullptr;
 }
 
-const Builtin* Builtins::Find(const char* name) {
+const Builtin* findBuiltin(const char* name) {
     const char* row = logBase(name) ? "log" : name;
     for (const Builtin& builtin : builtinTable()) {
         if (builtin.compute && strIsEqual(builtin.name, row)) return &builtin;
@@ -123,7 +120,7 @@ const Builtin* Builtins::Find(const char* name) {
     return nullptr;
 }
 
-int Builtins::CheckArgument(const Builtin& builtin, const char* name, const qfloat x) {
+static int checkArgument(const Builtin& builtin, const char* name, const qfloat x, Outcome& outcome) {
     if (isNegative(x) && builtin.ofNegative) {
         char number[40];
         snprintf(number, sizeof number, "%g", asDouble(x));
@@ -132,24 +129,8 @@ int Builtins::CheckArgument(const Builtin& builtin, const char* name, const qflo
     return isZero(x) && builtin.ofZero ? outcome.Fail(builtin.ofZero, {name}) : 0;
 }
 
-int Builtins::Call(const Builtin& builtin, const char* name, const qfloat x, qfloat value) {
-    if (spending.Spend(builtin.cost) != 0 || CheckArgument(builtin, name, x) != 0) return STATUS_ERROR;
-    qclear(value);
-    const bool ofDegrees = settings.degreeMode && builtin.ofDegrees;
-    (ofDegrees ? builtin.ofDegrees : builtin.compute)(x, value);
-    switch (builtin.kind) {
-    case BuiltinKind::PLAIN: return 0;
-    case BuiltinKind::LOGARITHM: return DivideByBase(name, value);
-    case BuiltinKind::OF_ANGLE: return RoundCircular(builtin, value);
-    case BuiltinKind::GIVES_ANGLE:
-        if (merror != 0) return outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
-        if (settings.degreeMode) qmul(qrad2deg, value, value);
-    }
-    return 0;
-}
-
 // A base so small that a machine number holds it as zero counts as zero.
-int Builtins::DivideByBase(const char* name, qfloat value) {
+static int divideByBase(const char* name, qfloat value, Outcome& outcome) {
     qfloat base;
     qmov(qten, base);
     if (const char* text = logBase(name)) {
@@ -164,7 +145,7 @@ int Builtins::DivideByBase(const char* name, qfloat value) {
 
 // What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is
 // one.
-int Builtins::RoundCircular(const Builtin& builtin, qfloat value) {
+static int roundCircular(const Builtin& builtin, qfloat value, Outcome& outcome) {
     if (isTiny(value)) {
         qclear(value);
         return 0;
@@ -173,6 +154,24 @@ int Builtins::RoundCircular(const Builtin& builtin, qfloat value) {
     qfloat reciprocal;
     qdiv(value, qone, reciprocal);
     return isTiny(reciprocal) ? outcome.Fail("** ERROR: tan result undefined **\n") : 0;
+}
+
+int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfloat value,
+                   const EntryContext& entry) {
+    if (entry.spending.Spend(builtin.cost) != 0 || checkArgument(builtin, name, x, entry.outcome) != 0)
+        return STATUS_ERROR;
+    qclear(value);
+    const bool ofDegrees = entry.settings.degreeMode && builtin.ofDegrees;
+    (ofDegrees ? builtin.ofDegrees : builtin.compute)(x, value);
+    switch (builtin.kind) {
+    case BuiltinKind::PLAIN: return 0;
+    case BuiltinKind::LOGARITHM: return divideByBase(name, value, entry.outcome);
+    case BuiltinKind::OF_ANGLE: return roundCircular(builtin, value, entry.outcome);
+    case BuiltinKind::GIVES_ANGLE:
+        if (merror != 0) return entry.outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
+        if (entry.settings.degreeMode) qmul(qrad2deg, value, value);
+    }
+    return 0;
 }
 
 double factorial(int n) {

@@ -10,9 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-class Spending;
-struct EntrySettings;
-struct Outcome;
+struct EntryContext;
 
 enum class BuiltinKind {
     PLAIN,
@@ -37,28 +35,13 @@ struct Builtin {
 // In the order in which they are registered. Tab completion goes from the last to the first.
 const std::vector<Builtin>& builtinTable();
 
-class Builtins {
-public:
-    // All of them have to live longer.
-    Builtins(Outcome& theOutcome, const EntrySettings& theSettings, Spending& theSpending)
-        : outcome(theOutcome), settings(theSettings), spending(theSpending) {}
+// The row that computes a call of one argument with this name, in lower case: log2 and the like are the row
+// of log. Null when there is none.
+const Builtin* findBuiltin(const char* name);
 
-    // The row that computes a call of one argument with this name, in lower case: log2 and the like are the
-    // row of log. Null when there is none.
-    static const Builtin* Find(const char* name);
-
-    // Computes the function of a name that Find answered with this row. Returns 0, or -1 with a message.
-    int Call(const Builtin& builtin, const char* name, const qfloat x, qfloat value);
-
-private:
-    int CheckArgument(const Builtin& builtin, const char* name, const qfloat x);
-    int DivideByBase(const char* name, qfloat value);
-    int RoundCircular(const Builtin& builtin, qfloat value);
-
-    Outcome& outcome;
-    const EntrySettings& settings;
-    Spending& spending;
-};
+// Computes the function of a name that findBuiltin answered with this row. Returns 0, or -1 with a message.
+int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfloat value,
+                   const EntryContext& entry);
 
 // n! as a double: n * (n - 1) * ... * 1 from n downwards, 1 when n is below 1.
 double factorial(int n);

@@ -3,6 +3,7 @@
 // One entry, statement by statement.
 #include "Calculator.h"
 
+#include "Builtins.h"
 #include "Helpers_String.h"
 #include "units.h"
 
@@ -234,7 +235,7 @@ int ZqCalculator::ProcessStr(const char* statement) {
 }
 
 int ZqCalculator::VerifyTermsSyntax() {
-    if (variables.CheckNames() != 0 || syntax.Check(terms) != 0) return STATUS_ERROR;
+    if (variables.CheckNames() != 0 || checkSyntax(terms, *this, work) != 0) return STATUS_ERROR;
     opCount = terms.CountNumberOfOperators();
     return 0;
 }

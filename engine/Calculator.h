@@ -11,24 +11,17 @@
 #pragma once
 
 #include "Answer.h"
+#include "Builtins.h"
 #include "Commands.h"
 #include "Definitions.h"
+#include "EntryContext.h"
 #include "Evaluator.h"
 #include "Format.h"
 #include "Functions.h"
 #include "Helpers_String.h"
 #include "History.h"
-#include "MathError.h"
-#include "NamedTerms.h"
-#include "Outcome.h"
 #include "Scanner.h"
-#include "Settings.h"
-#include "Spending.h"
-#include "Statement.h"
 #include "Syntax.h"
-#include "Undo.h"
-#include "Variables.h"
-#include "WorkCounters.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -125,7 +118,7 @@ public:
     // The value of a variable or number term. Returns 0, or -1 with a message.
     int Node2Num(const node* term, qfloat value) { return evaluator.Node2Num(term, value); }
 
-    // --- Names and functions (Calls.h, Definitions.h, Variables.h) ---
+    // --- Names and functions (Evaluator.h, Definitions.h, Variables.h) ---
 
     // Evaluates the call of a function: a predefined one in place; a user function's call is replaced by its
     // body. A call whose arguments are not all single terms is left as it is. Returns the term to go on from,
@@ -166,10 +159,10 @@ private:
     void RunStatements(std::string_view entry, const std::vector<std::string_view>& statements);
     int ShowResult();
 
-    Syntax syntax{*this, work};
-    Scanner scanner{*this, *this, *this, variables, work};
     Spending spending{*this, *this, interruptCheck, work};
-    Evaluator evaluator{*this, *this, *this, variables, spending, work};
-    Definitions definitions{*this, *this, *this, variables, scanner, syntax, spending, work};
-    Commands commands{*this, *this, *this, answer, variables, unitLines, definitions, spending, undo};
+    EntryContext context{*this, *this, *this, variables, spending, work};
+    Scanner scanner{context};
+    Evaluator evaluator{context};
+    Definitions definitions{context, scanner};
+    Commands commands{context, answer, unitLines, definitions, undo};
 };

@@ -1,44 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "Calls.h"
+#include "Evaluator.h"
 
+#include "Builtins.h"
 #include "Functions.h"
 #include "Helpers_String.h"
-#include "MathError.h"
-#include "Operators.h"
-#include "Outcome.h"
-#include "Spending.h"
-#include "Statement.h"
-#include "Variables.h"
-#include "WorkCounters.h"
 
 #include <cstring>
 
-const qfloat* valueOf(const node* term, Variables& variables) {
-    if (term->type == TERM_NAME && term->text)
-        term = variables.Find(term->text);
-    else if (term->type != TERM_NUMBER)
-        return nullptr;
-    return term ? term->value : nullptr;
-}
-
-void Calls::Begin() {
-    operators.clear();
-    longTexts = 0;
-}
-
-node* Calls::NextOperator() {
-    if (operators.empty()) return nullptr;
-    node* op = operators.back();
-    operators.pop_back();
-    return op;
-}
-
-void Calls::LeaveOut(const node* open) {
-    if (!operators.empty() && operators.back() == open) operators.pop_back();
-}
-
 // name(term,term,...) from the name on.
-bool Calls::Call::Read(node* functionTerm) {
+bool Evaluator::Call::Read(node* functionTerm) {
     function = functionTerm;
     open = function->next;
     if (!open || open->type != OP_OPEN) return false;
@@ -52,7 +22,7 @@ bool Calls::Call::Read(node* functionTerm) {
     return false;
 }
 
-node* Calls::ProcFunction(node* functionTerm) {
+node* Evaluator::ProcFunction(node* functionTerm) {
     Call call;
     if (!call.Read(functionTerm)) return functionTerm->next;
     for (char* c = functionTerm->text; *c; c++) *c = LowerCase(*c);
@@ -63,14 +33,14 @@ node* Calls::ProcFunction(node* functionTerm) {
     if (!x) return nullptr;
     // Once a predefined function is deleted its name is free, and the person's own function counts.
     const bool isOwn = function && function->body;
-    const Builtin* builtin = isOwn ? nullptr : Builtins::Find(call.Name());
+    const Builtin* builtin = isOwn ? nullptr : findBuiltin(call.Name());
     return builtin ? CallBuiltin(call, *builtin, *x) : Expand(call, function);
 }
 
 // The value of the only argument, or null with a message.
-const qfloat* Calls::ArgumentOf(const Call& call) {
+const qfloat* Evaluator::ArgumentOf(const Call& call) {
     const node* argument = call.arguments[0];
-    const qfloat* value = valueOf(argument, variables);
+    const qfloat* value = KnownValue(argument);
     if (!value && argument->text) {
         outcome.FailAt(argument, "** ERROR 5: invalid argument '%s' in function %s **\n",
                        {argument->text, call.Name()});
@@ -81,11 +51,11 @@ const qfloat* Calls::ArgumentOf(const Call& call) {
 }
 
 // The argument becomes the result; the evaluator removes the parentheses that are left around it.
-node* Calls::CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x) {
+node* Evaluator::CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x) {
     noteOverflow(x);
     if (checkMathError(call.Name(), outcome.message) != 0) return nullptr;
     qfloat value = {};
-    if (builtins.Call(builtin, call.Name(), x, value) != 0) return nullptr;
+    if (computeBuiltin(builtin, call.Name(), x, value, *this) != 0) return nullptr;
     node* argument = call.open->next;
     argument->type = TERM_NUMBER;
     argument->DropText();
@@ -112,11 +82,11 @@ static node* copyTerm(const node* term, int32_t level) {
     return copy;
 }
 
-int Calls::SuspectCircle(const Call& call) {
+int Evaluator::SuspectCircle(const Call& call) {
     return outcome.FailAt(call.function, "** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
 }
 
-int Calls::PayForBody(const Call& call, const Function& function) {
+int Evaluator::PayForBody(const Call& call, const Function& function) {
     const int32_t number = function.body->count;
     if (statement.terms.count + number > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
         return SuspectCircle(call);
@@ -127,7 +97,7 @@ int Calls::PayForBody(const Call& call, const Function& function) {
 
 // Puts the body in front of the call's ')', with the arguments in the places of the parameters, and its
 // operators before those that are still to be applied. An argument's own name is no parameter any more.
-int Calls::CopyBody(const Call& call, const Function& function) {
+int Evaluator::CopyBody(const Call& call, const Function& function) {
     bodyTerms.clear();
     for (const node* term = function.body->first; term; term = term->next) {
         const int32_t parameter = function.parameters[bodyTerms.size()];
@@ -146,7 +116,7 @@ int Calls::CopyBody(const Call& call, const Function& function) {
 
 // Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been
 // applied, so what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
-node* Calls::Expand(const Call& call, const Function* function) {
+node* Evaluator::Expand(const Call& call, const Function* function) {
     if (call.open->level > WorkLimit::CALL_LEVEL) {
         SuspectCircle(call);
         return nullptr;

@@ -5,9 +5,6 @@
 #include "Definitions.h"
 #include "Functions.h"
 #include "Helpers_String.h"
-#include "MathError.h"
-#include "Spending.h"
-#include "Variables.h"
 #include "units.h"
 
 #include <algorithm>

@@ -3,31 +3,19 @@
 // The command words: statements that are carried out instead of computed.
 #pragma once
 
-#include "Undo.h"
+#include "EntryContext.h"
 
 #include <string>
 #include <vector>
 
 class Definitions;
-class NamedTerms;
-class Spending;
-class Variables;
 struct Answer;
 struct CommandText;
-struct EntrySettings;
-struct Outcome;
-struct Statement;
 
-// What the commands work on. All of it has to live longer.
-struct Commands {
-    Statement& statement;
-    Outcome& outcome;
-    EntrySettings& settings;
+struct Commands : EntryContext {
     Answer& answer;
-    Variables& variables;
     NamedTerms& unitLines;
     Definitions& definitions;
-    Spending& spending;
     Undo& undo;
 
     bool isGospelShown = false; // the next "gospel" opens the page

@@ -3,14 +3,8 @@
 
 #include "Functions.h"
 #include "Helpers_String.h"
-#include "Outcome.h"
 #include "Scanner.h"
-#include "Settings.h"
-#include "Spending.h"
-#include "Statement.h"
 #include "Syntax.h"
-#include "Variables.h"
-#include "WorkCounters.h"
 
 #include <algorithm>
 #include <cstring>
@@ -98,7 +92,7 @@ int Definitions::Add(const std::string& name, std::string& parameters, const std
     const std::vector<std::string> names = splitAtCommas(parameters);
     Deq& terms = statement.terms;
     if (scanner.ScanBody(body, name, {names.begin(), names.end()}, isKept) != 0) return STATUS_ERROR;
-    if (variables.CheckNames() != 0 || syntax.Check(terms) != 0 || CheckNamesInBody() != 0)
+    if (variables.CheckNames() != 0 || checkSyntax(terms, outcome, work) != 0 || CheckNamesInBody() != 0)
         return STATUS_ERROR;
     if (!terms.first) return outcome.Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms, isKept);

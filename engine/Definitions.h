@@ -3,28 +3,17 @@
 // The functions that a person defines: from text to a definition and back.
 #pragma once
 
-#include "qfloat.h"
+#include "EntryContext.h"
 
 #include <string>
 
 class Scanner;
-class Spending;
-class Syntax;
-class Variables;
-struct EntrySettings;
 struct Function;
-struct Outcome;
-struct Statement;
-struct WorkCounters;
 
-class Definitions {
+class Definitions : EntryContext {
 public:
-    // All of them have to live longer.
-    Definitions(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
-                Variables& theVariables, Scanner& theScanner, Syntax& theSyntax, Spending& theSpending,
-                WorkCounters& theWork)
-        : statement(theStatement), outcome(theOutcome), settings(theSettings), variables(theVariables),
-          scanner(theScanner), syntax(theSyntax), spending(theSpending), work(theWork) {}
+    Definitions(const EntryContext& context, Scanner& theScanner)
+        : EntryContext(context), scanner(theScanner) {}
 
     // Defines a function from "name(args)=expression", white space allowed: its body is scanned, checked and
     // ordered here, and by no call. Returns 1 and the definition in the message, or -1 with an error. One
@@ -46,12 +35,5 @@ private:
     int CheckNamesInBody();
     int Add(const std::string& name, std::string& parameters, const std::string& body, bool isKept);
 
-    Statement& statement;
-    Outcome& outcome;
-    const EntrySettings& settings;
-    Variables& variables;
     Scanner& scanner;
-    Syntax& syntax;
-    Spending& spending;
-    WorkCounters& work;
 };

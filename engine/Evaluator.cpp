@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Evaluator.h"
 
-#include "MathError.h"
-#include "Operators.h"
-#include "Outcome.h"
-#include "Spending.h"
-#include "Statement.h"
-#include "Variables.h"
-#include "WorkCounters.h"
 #include "units.h"
 
 #include <algorithm>
@@ -18,12 +11,12 @@
 
 int Evaluator::ProcTermsLoop() {
     qclear(outcome.result);
-    calls.Begin();
+    operators.clear();
+    longTexts = 0;
     node** next = statement.opOrder;
-    for (;;) {
-        node* op = calls.NextOperator();
-        if (!op) op = *next++;
-        if (!op) break;
+    while (!operators.empty() || *next) {
+        node* const op = operators.empty() ? *next++ : operators.back();
+        if (!operators.empty()) operators.pop_back();
         work.reduced++;
         if (spending.Spend(Cost::OPERATOR) != 0) return STATUS_ERROR;
         if (op->type == OP_OPEN) {
@@ -47,14 +40,14 @@ int Evaluator::ProcParenth(node* open) {
     node* from = open;
     node* before = open->prev;
     if (before && before->type == TERM_FUNC) {
-        from = calls.ProcFunction(before);
+        from = ProcFunction(before);
         if (!from) return -1;
     } else if (before && before->type == TERM_NAME) {
         return outcome.FailAt(before, "** ERROR: unrecognized function '%s' **\n", {before->text});
     }
     node* enclosed = from->next;
     if (!enclosed || !enclosed->next || enclosed->next->type != OP_CLOSE) return 0;
-    if (enclosed->prev == open) calls.LeaveOut(open);
+    if (enclosed->prev == open && !operators.empty() && operators.back() == open) operators.pop_back();
     statement.terms.Del(enclosed->next);
     statement.terms.Del(enclosed->prev);
     enclosed->level--;
@@ -63,8 +56,16 @@ int Evaluator::ProcParenth(node* open) {
 
 static const qfloat NO_OPERAND = {};
 
+const qfloat* Evaluator::KnownValue(const node* term) {
+    if (term->type == TERM_NAME && term->text)
+        term = variables.Find(term->text);
+    else if (term->type != TERM_NUMBER)
+        return nullptr;
+    return term ? term->value : nullptr;
+}
+
 const qfloat* Evaluator::ValueOf(const node* term) {
-    if (const qfloat* value = valueOf(term, variables)) return value;
+    if (const qfloat* value = KnownValue(term)) return value;
     const char* format = "** ERROR 7: invalid term = %s **\n";
     const char* text = term->text ? term->text : "";
     if (isOp(term->type)) {

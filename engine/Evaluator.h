@@ -1,35 +1,72 @@
 // SPDX-License-Identifier: MIT
 //
-// Evaluation in place: each operator replaces itself and its operands by one number term.
+// Evaluation in place: each operator replaces itself and its operands by one number term, and each call of a
+// function itself by its value or its body (Calls.cpp).
 #pragma once
 
-#include "Calls.h"
+#include "EntryContext.h"
 
-class Evaluator {
+#include <vector>
+
+struct Builtin;
+struct Function;
+
+class Evaluator : EntryContext {
 public:
-    // All of them have to live longer.
-    Evaluator(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
-              Variables& theVariables, Spending& theSpending, WorkCounters& theWork)
-        : statement(theStatement), outcome(theOutcome), variables(theVariables), spending(theSpending),
-          work(theWork), calls(theStatement, theOutcome, theSettings, theVariables, theSpending, theWork) {}
+    explicit Evaluator(const EntryContext& context) : EntryContext(context) {}
 
     // The methods of the same names of the calculator.
     int ProcTermsLoop();
     int ProcParenth(node* open);
     node* ProcPair(node* op, int32_t code);
     int Node2Num(const node* term, qfloat value);
-    node* ProcFunction(node* functionTerm) { return calls.ProcFunction(functionTerm); }
+    node* ProcFunction(node* functionTerm);
 
 private:
-    const qfloat* ValueOf(const node* term); // null with a message
+    // The value of a number, or of the variable that a name stands for; null for any other term. ValueOf does
+    // so with a message.
+    const qfloat* KnownValue(const node* term);
+    const qfloat* ValueOf(const node* term);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
     int ConversionFactor(const node* source, const node* destination, qfloat value);
     node* ProcConversion(node* arrow);
 
-    Statement& statement;
-    Outcome& outcome;
-    Variables& variables;
-    Spending& spending;
-    WorkCounters& work;
-    Calls calls;
+    // --- Calls ---
+
+    // A call: the '(' and ')' of its arguments and the terms between the commas.
+    struct Call {
+        node* function = nullptr; // the name, in lower case
+        node* open = nullptr;
+        node* close = nullptr;
+        std::vector<const node*> arguments;
+
+        bool Read(node* functionTerm); // false when the arguments are no flat list
+        const char* Name() const { return function->text; }
+    };
+
+    const qfloat* ArgumentOf(const Call& call);
+    node* CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x);
+    node* Expand(const Call& call, const Function* function);
+    int PayForBody(const Call& call, const Function& function);
+    int SuspectCircle(const Call& call);
+    int CopyBody(const Call& call, const Function& function);
+
+    // Of the bodies that were put in, still to be applied, the next one last. Behind those of a body comes
+    // the '(' of its call.
+    std::vector<node*> operators;
+    std::vector<node*> bodyTerms; // the copies of the terms of the body that is put in
+    size_t longTexts = 0;         // characters of the long names that the statement's calls copied
 };
+
+// --- What the operators compute (Operators.cpp) ---
+
+// What applying the operator takes beyond others, in units of work.
+uint64_t extraWork(int32_t code, const qfloat left, const qfloat right);
+
+// Applies the operator of the code; a factorial has no right operand. Returns 0 and the value, or -1 with a
+// message. An error of the number library is left in `merror`, an overflow too where an operand is the
+// overflow value.
+int applyOperator(int32_t code, const qfloat left, const qfloat right, qfloat value, Outcome& outcome);
+
+// What computes with the overflow value overflows, wherever that came from: sets `merror` then.
+void noteOverflow(const qfloat operand);

@@ -2,7 +2,6 @@
 #include "Format.h"
 
 #include "Helpers_String.h"
-#include "MathError.h"
 #include "Outcome.h"
 
 #include <algorithm>

@@ -3,7 +3,6 @@
 
 #include "Format.h"
 #include "Helpers_String.h"
-#include "MathError.h"
 #include "Outcome.h"
 #include "Syntax.h"
 

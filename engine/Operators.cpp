@@ -1,10 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Operators.h"
-
-#include "MathError.h"
-#include "Outcome.h"
-#include "WorkBudget.h"
-#include "deq.h"
+#include "Evaluator.h"
 
 #include <cstring>
 #include <string>

@@ -4,6 +4,7 @@
 #include "Helpers_String.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 void copyText(char* out, std::string_view text) {
@@ -41,4 +42,17 @@ int Outcome::Fail(std::string_view format, std::initializer_list<std::string_vie
     }
     copyText(message, text);
     return STATUS_ERROR;
+}
+
+int checkMathError(const char* name, char* out) {
+    const int code = merror;
+    if (code == 0) return 0;
+    merror = 0;
+    const char* text = mathErrorTexts[code >= 0 && code < 7 ? code : 0];
+    if (!out) return code;
+    if (name)
+        snprintf(out, TEXT_SIZE, "** ERROR: '%.1000s' %s **\n", StrShown(name).c_str(), text);
+    else
+        snprintf(out, TEXT_SIZE, "** ERROR: %s **\n", text);
+    return code;
 }

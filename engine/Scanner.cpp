@@ -3,12 +3,6 @@
 
 #include "Functions.h"
 #include "Helpers_String.h"
-#include "MathError.h"
-#include "Outcome.h"
-#include "Settings.h"
-#include "Statement.h"
-#include "Variables.h"
-#include "WorkCounters.h"
 
 #include <algorithm>
 #include <cstring>

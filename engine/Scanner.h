@@ -3,27 +3,15 @@
 // From the text of a statement to its terms.
 #pragma once
 
-#include "qfloat.h"
+#include "EntryContext.h"
 
-#include <functional>
 #include <set>
 #include <string>
 #include <string_view>
 
-class Variables;
-struct EntrySettings;
-struct Outcome;
-struct node;
-struct Statement;
-struct WorkCounters;
-
-class Scanner {
+class Scanner : EntryContext {
 public:
-    // All of them have to live longer.
-    Scanner(Statement& theStatement, Outcome& theOutcome, const EntrySettings& theSettings,
-            Variables& theVariables, WorkCounters& theWork)
-        : statement(theStatement), outcome(theOutcome), settings(theSettings), variables(theVariables),
-          work(theWork) {}
+    explicit Scanner(const EntryContext& context) : EntryContext(context) {}
 
     // Names, exactly as they are written.
     using Names = std::set<std::string, std::less<>>;
@@ -50,12 +38,6 @@ private:
     bool ReadNumber(const std::string& text, qfloat value);
     bool IsFunctionName(const std::string& name) const;
     bool IsValueName(std::string_view name);
-
-    Statement& statement;
-    Outcome& outcome;
-    const EntrySettings& settings;
-    Variables& variables;
-    WorkCounters& work;
 
     // While a body is read: the function that it belongs to, and its parameters.
     std::string functionInDefinition;

@@ -2,12 +2,12 @@
 #include "Syntax.h"
 
 #include "Outcome.h"
-#include "WorkCounters.h"
+#include "WorkBudget.h"
 
 #include <algorithm>
 #include <numeric>
 
-int Syntax::CheckDepths(const Deq& terms) {
+static int checkDepths(const Deq& terms, Outcome& outcome, WorkCounters& work) {
     std::vector<const node*> open;
     for (node* term = terms.first; term; term = term->next) {
         work.checked++;
@@ -30,7 +30,7 @@ static bool isOpenEnded(const node* term) {
     return isOp(term->type) && term->type != OP_FACTORIAL && term->type != OP_CLOSE;
 }
 
-int Syntax::CheckOperands(const node* term) {
+static int checkOperands(const node* term, Outcome& outcome) {
     const OpEntry& op = getOp(term->type);
     const char* number = nullptr;
     if (op.needsLeft && !term->prev)
@@ -61,8 +61,8 @@ static const node* groupBehind(const node* minus) {
     return term && term->type == OP_OPEN ? term : nullptr;
 }
 
-int Syntax::Check(const Deq& terms) {
-    if (CheckDepths(terms) != 0) return STATUS_ERROR;
+int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
+    if (checkDepths(terms, outcome, work) != 0) return STATUS_ERROR;
     std::vector<int32_t> raised; // the depths of the raised groups that are open
     const node* toRaise = nullptr;
     for (node* term = terms.first; term; term = term->next) {
@@ -71,7 +71,7 @@ int Syntax::Check(const Deq& terms) {
         if (term == toRaise) raised.push_back(depth);
         term->level += static_cast<int32_t>(raised.size());
         if (!isOp(term->type)) continue;
-        if (CheckOperands(term) != 0) return STATUS_ERROR;
+        if (checkOperands(term, outcome) != 0) return STATUS_ERROR;
         if (term->type == OP_CLOSE && !raised.empty() && raised.back() == depth) raised.pop_back();
         if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
             term->level++;

@@ -11,23 +11,10 @@
 struct Outcome;
 struct WorkCounters;
 
-class Syntax {
-public:
-    Syntax(Outcome& theOutcome, WorkCounters& theWork) : outcome(theOutcome), work(theWork) {}
-
-    // Checks that every parenthesis has its partner and every operator its operands, and sets the terms'
-    // levels: both parentheses of a pair carry the depth of what they enclose, and a '-' that acts before the
-    // operator on its left, as in 2^-3, stands a level higher, with the group behind it. Returns 0, or -1
-    // with a message.
-    int Check(const Deq& terms);
-
-private:
-    int CheckDepths(const Deq& terms);
-    int CheckOperands(const node* term);
-
-    Outcome& outcome;
-    WorkCounters& work;
-};
+// Checks that every parenthesis has its partner and every operator its operands, and sets the terms' levels:
+// both parentheses of a pair carry the depth of what they enclose, and a '-' that acts before the operator on
+// its left, as in 2^-3, stands a level higher, with the group behind it. Returns 0, or -1 with a message.
+int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work);
 
 // The positions of the operators among checked terms, in the order in which they are applied: highest level
 // first, then by precedence, then from left to right. It visits each term once.

@@ -6,7 +6,7 @@
 #include "NamedTerms.h"
 #include "Outcome.h"
 #include "Statement.h"
-#include "WorkCounters.h"
+#include "WorkBudget.h"
 
 #include <memory>
 #include <string_view>

@@ -5,6 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+
+struct Outcome;
+struct Statement;
 
 // What work costs. A unit takes 0.05 to 0.1 microseconds; the unit library counts in the same unit (units.h).
 namespace Cost {
@@ -73,4 +77,52 @@ private:
     uint64_t limit = WorkLimit::NONE;
     uint64_t spent = 0;
     uint64_t nextStop = WorkLimit::BETWEEN_QUESTIONS;
+};
+
+// How much work the last statement took. Tests hold these against the number of terms.
+struct WorkCounters {
+    uint64_t checked = 0; // terms visited by the check, in statements and definitions
+    uint64_t ordered = 0; // terms visited to order operators, in statements and definitions
+    uint64_t reduced = 0; // operators applied by ProcTermsLoop
+    uint64_t copied = 0;  // terms copied by expanding the calls of functions
+    uint64_t listed = 0;  // terms of definitions that commands wrote out
+    uint64_t units = 0;   // units of work that conversions and definitions of units took
+    uint64_t names = 0;   // variables whose names were checked
+    uint64_t indexed = 0; // variables and units' lines put into the index of their names or taken out
+    uint64_t looked = 0;  // characters of operands that the scanner copied or looked up
+};
+
+// Spends the work of the entry that runs, and says in the message why it has to stop.
+class Spending {
+public:
+    using InterruptCheck = bool (*)();
+
+    // All of them have to live longer.
+    Spending(const Statement& theStatement, Outcome& theOutcome, const InterruptCheck& theCheck,
+             WorkCounters& theWork)
+        : statement(theStatement), outcome(theOutcome), interruptCheck(theCheck), work(theWork) {}
+
+    WorkBudget budget;
+
+    // Counts work before it is done, and asks for an interruption now and then. Returns 0, or -1 with a
+    // message when the evaluation has to stop: a preview at its limit, an entry that is interrupted.
+    int Spend(uint64_t units) {
+        const WorkBudget::Next next = budget.Spend(units);
+        return next == WorkBudget::Next::GO_ON ? 0 : Stop(next);
+    }
+
+    // Asks now. Returns 0, or -1 with a message.
+    int AskForInterruption();
+
+    // What the unit library asks before it works; `isStopped` is set, with a message, when it must not go on.
+    // The flag has to live longer.
+    std::function<bool(uint64_t)> ForUnits(bool& isStopped);
+
+private:
+    int Stop(WorkBudget::Next next);
+
+    const Statement& statement;
+    Outcome& outcome;
+    const InterruptCheck& interruptCheck;
+    WorkCounters& work;
 };

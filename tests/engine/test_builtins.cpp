@@ -47,14 +47,14 @@ TEST_F(Functions, eachRowOfTheTableIsAFunctionInItsOrder) {
 
 TEST(Builtins, areFoundByTheirNamesAndLogarithmsByTheirBase) {
     for (const Builtin& builtin : builtinTable()) {
-        EXPECT_EQ(builtin.compute ? &builtin : nullptr, Builtins::Find(builtin.name)) << builtin.name;
+        EXPECT_EQ(builtin.compute ? &builtin : nullptr, findBuiltin(builtin.name)) << builtin.name;
     }
-    const Builtin* const log = Builtins::Find("log");
+    const Builtin* const log = findBuiltin("log");
     ASSERT_TRUE(log);
     for (const char* name : {"log2", "log1.5", "log.5", "log1e2"})
-        EXPECT_EQ(log, Builtins::Find(name)) << name;
+        EXPECT_EQ(log, findBuiltin(name)) << name;
     for (const char* name : {"logx", "log2x", "log.", "sine", ""})
-        EXPECT_EQ(nullptr, Builtins::Find(name)) << name;
+        EXPECT_EQ(nullptr, findBuiltin(name)) << name;
 }
 
 TEST_F(Functions, aPreviewPaysTheCostOfItsRow) {

@@ -4,13 +4,8 @@
 #include "Definitions.h"
 #include "Evaluator.h"
 #include "Functions.h"
-#include "MathError.h"
-#include "Operators.h"
 #include "Scanner.h"
-#include "Settings.h"
-#include "Spending.h"
 #include "Syntax.h"
-#include "Variables.h"
 #include "clean_start.h"
 
 #include <gtest/gtest.h>
@@ -48,16 +43,16 @@ protected:
     Undo undo;
     Spending::InterruptCheck interruptCheck = nullptr;
     Variables variables{list, statement, outcome, undo, work};
-    Syntax syntax{outcome, work};
-    Scanner scanner{statement, outcome, settings, variables, work};
     Spending spending{statement, outcome, interruptCheck, work};
-    Evaluator evaluator{statement, outcome, settings, variables, spending, work};
-    Definitions definitions{statement, outcome, settings, variables, scanner, syntax, spending, work};
+    EntryContext context{statement, outcome, settings, variables, spending, work};
+    Scanner scanner{context};
+    Evaluator evaluator{context};
+    Definitions definitions{context, scanner};
 
     // The terms as they are scanned and checked.
     int Read(const char* text) {
         statement.terms.Clear();
-        return scanner.Scan(text) != 0 ? STATUS_ERROR : syntax.Check(statement.terms);
+        return scanner.Scan(text) != 0 ? STATUS_ERROR : checkSyntax(statement.terms, outcome, work);
     }
 
     std::vector<int32_t> Levels() const {

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "Spending.h"
+#include "WorkBudget.h"
 
 #include "Outcome.h"
 #include "Statement.h"
-#include "WorkCounters.h"
 
 int Spending::Stop(WorkBudget::Next next) {
     if (next == WorkBudget::Next::ASK) return AskForInterruption();
