@@ -8,6 +8,8 @@ using Action = Options::Action;
 // clang-format off
 constexpr OptionRow TABLE[] = {
     {"file", 'f', "FILE", "evaluate the lines of FILE; - is standard input", FileOption{}},
+    {"each", 0, "ENTRY", "evaluate ENTRY for each line of standard input, whose\nfields are the numbers x (the first), x1, x2, ...", &Options::each},
+    {"separator", 'F', "SEP", "with --each, fields stand between SEPs and not blanks", &Options::separator},
     {"quiet", 'q', nullptr, "print values alone, no names and no messages", &Options::quiet},
     {"last", 0, nullptr, "print the last value only", &Options::last},
     {"fail-fast", 0, nullptr, "stop at the first error", &Options::failFast},
@@ -117,6 +119,10 @@ private:
         if (const auto* const flag = std::get_if<bool Options::*>(&use)) options.** flag = true;
         if (const auto* const action = std::get_if<Action>(&use)) options.action = *action;
         if (std::get_if<FileOption>(&use) != nullptr) options.inputs.push_back({value, true});
+        if (const auto* const text = std::get_if<std::string_view Options::*>(&use)) {
+            options.** text = value;
+            return !value.empty();
+        }
         const auto* const one = std::get_if<SettingOption>(&use);
         if (one == nullptr) return true;
         const Setting* const setting = findSetting(one->key);
@@ -143,7 +149,11 @@ std::string helpOf(const OptionRow& row) {
         line += '\n' + std::string(HELP_COLUMN, ' ');
     else
         line.resize(HELP_COLUMN, ' ');
-    return line + row.help + '\n';
+    for (const char* c = row.help; *c != '\0'; ++c) {
+        line += *c;
+        if (*c == '\n') line.append(HELP_COLUMN, ' ');
+    }
+    return line + '\n';
 }
 
 } // namespace

@@ -18,6 +18,12 @@ constexpr const char* STANDARD_INPUT = "-"; // as the name of a file
 // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
+// Of a line of data for --each.
+constexpr std::size_t MAX_DATA_LENGTH = 1 << 20;
+
+// Some programs begin a file with it.
+constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
+
 } // namespace
 
 void Run::Prepare(bool withDefinitions) {
@@ -36,15 +42,18 @@ void Run::Tell(const FileReading& reading) {
 }
 
 int Run::Evaluate() {
-    if (options.inputs.empty()) {
-        const Over over = EvaluateFile(STANDARD_INPUT);
-        return over ? *over : End();
-    }
+    std::optional<Each> each; // before the inputs, which may set other values to begin with
+    if (!options.each.empty()) each.emplace(session.Calculator(), options.each, options.separator);
+    Over over;
     for (const Options::Input& input : options.inputs) {
-        const Over over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
+        over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
         if (over) return *over;
     }
-    return End();
+    if (each)
+        over = EvaluateEach(*each);
+    else if (options.inputs.empty())
+        over = EvaluateFile(STANDARD_INPUT);
+    return over ? *over : End();
 }
 
 int Run::End() {
@@ -54,8 +63,11 @@ int Run::End() {
 }
 
 Run::Over Run::EvaluateEntry(std::string_view entry) {
-    if (isBlank(entry)) return {};
-    switch (session.Run(entry)) {
+    return isBlank(entry) ? Over() : Answer(session.Run(entry));
+}
+
+Run::Over Run::Answer(Session::Outcome outcome) {
+    switch (outcome) {
     case Session::Outcome::Answered: return {};
     case Session::Outcome::Refused: return options.failFast ? Over(End()) : Over();
     case Session::Outcome::Ended: return End();
@@ -63,6 +75,25 @@ Run::Over Run::EvaluateEntry(std::string_view entry) {
     case Session::Outcome::Interrupted: break;
     }
     dieOfInterrupt();
+}
+
+Run::Over Run::EvaluateEach(Each& each) {
+    const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1);
+    std::string line;
+    for (std::size_t number = 1;; ++number) {
+        const LineReader::Status status = reader->Next(line);
+        if (status == LineReader::Status::Failed) return inputLost("standard input");
+        if (status == LineReader::Status::End) return {};
+        if (number == 1 && line.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0)
+            line.erase(0, BYTE_ORDER_MARK.size());
+        if (isBlank(line)) continue;
+        session.SetPlace("line " + std::to_string(number) + ": ");
+        const std::string error = line.size() > MAX_DATA_LENGTH
+                                      ? "** ERROR: " + std::to_string(MAX_DATA_LENGTH) + " max characters **"
+                                      : each.Take(line);
+        const Over over = error.empty() ? EvaluateEntry(options.each) : Answer(session.Refuse(error));
+        if (over) return over;
+    }
 }
 
 Run::Over Run::EvaluateFile(const std::string& name) {

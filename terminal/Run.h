@@ -3,6 +3,7 @@
 // A run of the program over files, entries and standard input, without a prompt.
 #pragma once
 
+#include "Each.h"
 #include "Options.h"
 #include "OwnFiles.h"
 #include "Session.h"
@@ -21,7 +22,8 @@ public:
     // the settings of the options.
     void Prepare(bool withDefinitions);
 
-    // Evaluates the inputs of the options in their order, standard input without any. Returns the exit
+    // Evaluates the inputs of the options in their order, then the entry for each line of standard input.
+    // Without both the lines of standard input are the entries. Returns the exit
     // status. Ctrl-C ends the program as if nobody caught it.
     int Evaluate();
 
@@ -34,6 +36,8 @@ private:
 
     void Tell(const FileReading& reading);
     Over EvaluateEntry(std::string_view entry);
+    Over EvaluateEach(Each& each);
+    Over Answer(Session::Outcome outcome);
     Over EvaluateFile(const std::string& name);
     Over EvaluateLines(int descriptor, const std::string& name);
 

@@ -41,6 +41,9 @@ public:
     // program.
     Outcome Run(std::string_view entry);
 
+    // Shows an error, and counts it as that of an entry.
+    Outcome Refuse(std::string_view message);
+
     // Writes what was held back. False when that failed; errno says why.
     bool End();
 
@@ -59,7 +62,6 @@ public:
 
 private:
     void TestUnits();
-    Outcome Refuse(std::string_view message);
     Outcome Evaluate(std::string_view entry);
     Outcome Pause(long milliseconds);
     Outcome TypeOut(std::string_view text, long rate);

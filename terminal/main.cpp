@@ -54,7 +54,7 @@ int main(int argc, char** argv) {
     if (answers < 0) return outputLost(errno);
     static Session session(answers, STDERR_FILENO, {options.quiet, options.last, options.preview});
     Run run(session, answers, options);
-    const bool isTyped = options.inputs.empty() && isatty(STDIN_FILENO) == 1;
+    const bool isTyped = options.inputs.empty() && options.each.empty() && isatty(STDIN_FILENO) == 1;
     run.Prepare(!isTyped);
     return isTyped ? evaluateTyped(session, answers, run) : run.Evaluate();
 }
