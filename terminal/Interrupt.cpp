@@ -10,15 +10,24 @@
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t endAsked = 0;
 
 void raiseFlag(int) {
     interrupted = 1;
 }
 
+void askForEnd(int signal) {
+    endAsked = signal;
+}
+
 } // namespace
 
 bool isInterrupted() {
-    return interrupted != 0;
+    return interrupted != 0 || endAsked != 0;
+}
+
+int endSignal() {
+    return endAsked;
 }
 
 void forgetInterrupt() {
@@ -30,10 +39,19 @@ InterruptCatcher::InterruptCatcher() {
     catcher.Start(SIGINT, raiseFlag);
 }
 
+EndCatcher::EndCatcher() {
+    hangUp.Start(SIGHUP, askForEnd);
+    termination.Start(SIGTERM, askForEnd);
+}
+
+void dieOf(int signal) {
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+    _exit(128 + signal); // where the signal is blocked
+}
+
 void dieOfInterrupt() {
-    std::signal(SIGINT, SIG_DFL);
-    raise(SIGINT);
-    _exit(130); // where the signal is blocked
+    dieOf(SIGINT);
 }
 
 bool sleepUnlessInterrupted(long milliseconds) {

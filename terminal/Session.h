@@ -31,8 +31,6 @@ public:
     Session(int out, int err) : Session(out, err, Style()) {}
 
     // The calculator that evaluates the entries.
-    ZqCalculator& Calculator() { return calc; }
-
     // What is written in front of an error, such as the place of its line.
     void SetPlace(const std::string& text) { place = text; }
 
@@ -46,6 +44,8 @@ public:
 
     // Writes what was held back. False when that failed; errno says why.
     bool End();
+
+    ZqCalculator& Calculator() { return calc; }
 
     // Whether any entry so far was refused or has an answer beyond the range.
     bool AnyRefused() const { return anyRefused; }

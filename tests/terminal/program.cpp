@@ -213,6 +213,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
     child_ = fork();
     if (child_ == 0) {
         login_tty(slave);
+        setenv("TERM", "dumb", 1); // without the editor, whose screens tests/terminal/screen compares
         if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
         if (!setup.inputFile.empty()) dup2(open(setup.inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         if (setup.nonBlocking) setNonBlocking(STDIN_FILENO);

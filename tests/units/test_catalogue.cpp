@@ -36,6 +36,15 @@ TEST_F(Catalogue, HoldsThePrefixesInTheirOrder) {
     }
 }
 
+TEST_F(Catalogue, TellsItsNames) {
+    std::vector<std::string> names = units_names();
+    EXPECT_EQ(names.size(), 123U);
+    EXPECT_EQ(std::count(names.begin(), names.end(), "meter"), 1);
+    names = units_prefix_names();
+    EXPECT_EQ(names.size(), 41U);
+    EXPECT_EQ(std::count(names.begin(), names.end(), "kilo"), 1);
+}
+
 TEST_F(Catalogue, HoldsTheUnitsInTheirOrderWithTheirPrimitives) {
     size_t position = 0;
     for (const TableUnit& expected : tableUnits()) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Keyboard.h"
+#include "TerminalModes.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -21,17 +21,17 @@ struct sigaction actionOf(int signal) {
     return action;
 }
 
-// A pseudo-terminal whose near end is a keyboard's.
-class KeyboardTest : public testing::Test {
+// A pseudo-terminal whose near end has the modes.
+class TerminalModesTest : public testing::Test {
 protected:
-    KeyboardTest() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
+    TerminalModesTest() : master_(posix_openpt(O_RDWR | O_NOCTTY)) {
         EXPECT_EQ(grantpt(master_), 0);
         EXPECT_EQ(unlockpt(master_), 0);
         near_ = open(ptsname(master_), O_RDWR | O_NOCTTY);
         EXPECT_GE(near_, 0);
         received = 0;
     }
-    ~KeyboardTest() override {
+    ~TerminalModesTest() override {
         close(near_);
         close(master_);
     }
@@ -46,9 +46,9 @@ protected:
     int near_ = -1;
 };
 
-constexpr int kSignals[] = {SIGTERM, SIGHUP, SIGQUIT, SIGTSTP, SIGCONT};
+constexpr int kSignals[] = {SIGQUIT, SIGTSTP, SIGCONT, SIGWINCH};
 
-TEST_F(KeyboardTest, GivesBackTheActionsThatItFound) {
+TEST_F(TerminalModesTest, GivesBackTheActionsThatItFound) {
     struct sigaction found = {};
     found.sa_handler = receive;
     found.sa_flags = SA_RESTART;
@@ -56,7 +56,7 @@ TEST_F(KeyboardTest, GivesBackTheActionsThatItFound) {
     struct sigaction before[std::size(kSignals)];
     for (std::size_t i = 0; i < std::size(kSignals); ++i) sigaction(kSignals[i], &found, &before[i]);
     {
-        const Keyboard keyboard(near_, -1, 100);
+        const TerminalModes terminal(near_, -1, TerminalModes::Use::Plain);
         for (const int signal : kSignals) EXPECT_NE(actionOf(signal).sa_handler, receive) << signal;
     }
     for (std::size_t i = 0; i < std::size(kSignals); ++i) {
@@ -68,32 +68,32 @@ TEST_F(KeyboardTest, GivesBackTheActionsThatItFound) {
     }
 }
 
-TEST_F(KeyboardTest, LeavesIgnoredSignalsIgnored) {
+TEST_F(TerminalModesTest, LeavesIgnoredSignalsIgnored) {
     for (const int signal : kSignals) {
         const auto before = std::signal(signal, SIG_IGN);
         {
-            const Keyboard keyboard(near_, -1, 100);
+            const TerminalModes terminal(near_, -1, TerminalModes::Use::Plain);
             EXPECT_EQ(actionOf(signal).sa_handler, SIG_IGN) << signal;
         }
         EXPECT_EQ(std::signal(signal, before), SIG_IGN) << signal;
     }
 }
 
-// Whoever handles the signal sees the terminal as it was; afterwards the keyboard goes on.
-TEST_F(KeyboardTest, PassesASignalOnToWhoeverWasThereBefore) {
+// Whoever handles the signal sees the terminal as it was; afterwards its modes hold again.
+TEST_F(TerminalModesTest, PassesASignalOnToWhoeverWasThereBefore) {
     const tcflag_t found = modes().c_lflag;
-    const auto before = std::signal(SIGTERM, receive);
+    const auto before = std::signal(SIGQUIT, receive);
     {
-        const Keyboard keyboard(near_, -1, 100);
+        const TerminalModes terminal(near_, -1, TerminalModes::Use::Plain);
         EXPECT_EQ(modes().c_lflag & ICANON, 0U);
-        std::raise(SIGTERM);
-        EXPECT_EQ(received, SIGTERM);
+        std::raise(SIGQUIT);
+        EXPECT_EQ(received, SIGQUIT);
         EXPECT_EQ(modes().c_lflag & ICANON, 0U);
         received = 0;
-        std::raise(SIGTERM);
-        EXPECT_EQ(received, SIGTERM);
+        std::raise(SIGQUIT);
+        EXPECT_EQ(received, SIGQUIT);
     }
-    std::signal(SIGTERM, before);
+    std::signal(SIGQUIT, before);
     EXPECT_EQ(modes().c_lflag, found);
 }
 

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "TypedSigns.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(TypedSigns, whatPagesWriteBecomesWhatTheEngineReads) {
+    const struct {
+        const char* typed;
+        const char* read;
+    } rows[] = {
+        {"3 − 4", "3 - 4"},
+        {"3–4", "3-4"},
+        {"2×3·4⋅5∙6∗7", "2*3*4*5*6*7"},
+        {"8÷4∕2⁄1", "8/4/2/1"},
+        {"x²+y³", "x^2+y^3"},
+        {"10²³", "10^23"}, // one exponent of two digits, not a power of a power
+        {"10⁻¹⁹·2⁴⁰", "10^-19*2^40"},
+        {"2π", "2pi"},
+        {"1\u00a0000\u202f000\u2009+\u30001", "1 000 000 + 1"},
+        {"\ufeff1\u200b2", "12"},
+        {"１２．５＋（３＊４）～", "12.5+(3*4)~"},
+        {"5 km->mi # é €", "5 km->mi # é €"}, // the others stay
+        {"", ""},
+    };
+    for (const auto& row : rows) EXPECT_EQ(TypedSigns().Read(row.typed), row.read) << row.typed;
+}
+
+TEST(TypedSigns, bytesThatAreNoTextStay) {
+    for (const char* const bytes : {"\xff", "1\xc3", "\xe2\x88", "\xc2\xc2\xb2", "\xb2"})
+        EXPECT_EQ(TypedSigns().Read(bytes).find('^') == std::string::npos,
+                  std::string(bytes) != "\xc2\xc2\xb2");
+}
+
+TEST(TypedSigns, raisedDigitsThatComeOneByOneAreOneExponent) {
+    TypedSigns signs;
+    EXPECT_EQ(signs.Read("10²"), "10^2");
+    EXPECT_EQ(signs.Read("³"), "3");
+    EXPECT_EQ(signs.Read("+x"), "+x");
+    EXPECT_EQ(signs.Read("²"), "^2");
+}
+
+// What an entry becomes when the character is typed at the place.
+std::string typeInto(const std::string& entry, std::size_t place, char typed, bool minusIsSign) {
+    const auto change = changeByOperator(entry, place, typed, minusIsSign);
+    if (!change) return entry.substr(0, place) + typed + entry.substr(place);
+    return change->text + std::string(1, typed) + entry.substr(change->length);
+}
+
+TEST(ChangeByOperator, anOperatorThatIsTypedFirstAppliesToTheLastAnswer) {
+    for (const char typed : {'+', '*', '/'}) {
+        EXPECT_EQ(typeInto("", 0, typed, true), std::string("ans") + typed);
+        EXPECT_EQ(typeInto("5", 0, typed, true), std::string("ans") + typed + "5");
+        EXPECT_EQ(typeInto("5", 1, typed, true), std::string("5") + typed);
+    }
+    for (const char typed : {'1', 'x', '(', '^', '%', '!'})
+        EXPECT_EQ(typeInto("", 0, typed, false), std::string(1, typed));
+}
+
+TEST(ChangeByOperator, minusChangesOverBetweenASignAndTheLastAnswer) {
+    EXPECT_EQ(typeInto("", 0, '-', true), "-");
+    EXPECT_EQ(typeInto("-", 1, '-', true), "ans-");
+    EXPECT_EQ(typeInto("ans-", 4, '-', true), "-");
+    EXPECT_EQ(typeInto("", 0, '-', false), "ans-");
+    EXPECT_EQ(typeInto("ans-2", 5, '-', false), "ans-2-");
+    EXPECT_EQ(typeInto("x", 1, '-', true), "x-");
+}
+
+} // namespace
