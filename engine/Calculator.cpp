@@ -242,6 +242,7 @@ int ZqCalculator::VerifyTermsSyntax() {
 
 void ZqCalculator::OrderOperatorStack() {
     std::vector<node*> nodes;
+    nodes.reserve(static_cast<size_t>(terms.count));
     for (node* term = terms.first; term; term = term->next) nodes.push_back(term);
     work.ordered += nodes.size();
     node** next = opOrder;

@@ -30,13 +30,32 @@ Decimal toDecimal(const qfloat value, int fractionDigits) {
     char text[160];
     qtoasc(value, text, std::clamp(fractionDigits, 0, MOST_FRACTION));
     Decimal decimal;
-    const char* p = text;
-    for (; *p && *p != 'E'; p++) {
-        if (*p == '-') decimal.negative = true;
-        if (IsDigit(*p)) decimal.digits += *p;
+    decimal.negative = text[0] == '-' && value[1] != 0; // zero has no sign
+    const char* const first = text + strcspn(text, "0123456789");
+    const char* const end = first + strcspn(first, "E");
+    decimal.digits.assign(first, 1).append(std::min(first + 2, end), end); // behind the point
+    if (*end == 'E') decimal.exponent = atoi(end + 1);
+    return decimal;
+}
+
+// The number with so many digits, of which `all` has ALL_DIGITS behind the point: these decide, unless they
+// end in a tie, which rounding may have made.
+Decimal withDigits(const Decimal& all, const qfloat value, size_t digits) {
+    if (digits >= all.digits.size()) return toDecimal(value, static_cast<int>(digits) - 1);
+    const char next = all.digits[digits];
+    const bool isTie = next == '5' && all.digits.find_first_not_of('0', digits + 1) == std::string::npos;
+    if (isTie) return toDecimal(value, static_cast<int>(digits) - 1);
+    Decimal decimal = all;
+    decimal.digits.resize(digits);
+    if (next < '5') return decimal;
+    const size_t place = decimal.digits.find_last_not_of('9');
+    std::fill(decimal.digits.begin() + static_cast<std::ptrdiff_t>(place + 1), decimal.digits.end(), '0');
+    if (place != std::string::npos) {
+        decimal.digits[place]++;
+    } else { // 9.99 becomes 1.00 with the next exponent
+        decimal.digits[0] = '1';
+        decimal.exponent++;
     }
-    if (*p == 'E') decimal.exponent = atoi(p + 1);
-    if (value[1] == 0) decimal.negative = false; // zero has no sign
     return decimal;
 }
 
@@ -127,7 +146,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
         return grouped(text.substr(0, text.find('.')), separator);
     }
     const int digitsShown = scimode == SCI_FIXED ? std::max(sigfigs + e + 1, 1) : sigfigs;
-    const Decimal decimal = toDecimal(value, digitsShown - 1);
+    const Decimal decimal = withDigits(all, value, static_cast<size_t>(digitsShown));
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);
     if (scimode == SCI_FIXED) {
         const std::string text = fixedForm(all, decimal, static_cast<size_t>(sigfigs));
@@ -150,8 +169,9 @@ void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char sepa
     }
     bool negative = false;
     sigfigs = std::clamp(sigfigs, scimode == SCI_FIXED ? 0 : 1, ALL_DIGITS);
-    const std::string text = formatFinite(value, sigfigs, scimode, separator, negative);
-    snprintf(out, FORMAT_SIZE, "%s%s", negative ? "-" : "", text.c_str());
+    std::string text = formatFinite(value, sigfigs, scimode, separator, negative);
+    if (negative) text.insert(0, 1, '-');
+    out[text.copy(out, FORMAT_SIZE - 1)] = '\0';
 }
 
 void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ShownText.h"
 
+#include <algorithm>
+
 static uint32_t byteAt(std::string_view text, std::size_t i) {
     return static_cast<unsigned char>(text[i]);
 }
@@ -73,10 +75,15 @@ static void appendShown(std::string& shown, std::string_view character, bool isS
         shown += character == "\t" ? ' ' : '?';
 }
 
+// Most texts are nothing else.
+static bool isPrintableAscii(char c) {
+    return (c >= ' ' && c <= '~') || c == '\n';
+}
+
 std::string ShownText(std::string_view text) {
-    std::string shown;
-    shown.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
+    const auto end = std::find_if_not(text.begin(), text.end(), isPrintableAscii);
+    std::string shown(text.begin(), end);
+    for (std::size_t i = shown.size(); i < text.size();) {
         const std::size_t length = Utf8Length(text, i);
         const std::size_t step = length == 0 ? 1 : length;
         appendShown(shown, text.substr(i, step), length > 0 && !isHiddenAt(text, i, length));

@@ -90,6 +90,7 @@ std::vector<int32_t> orderOperators(const Deq& terms) {
         int32_t key; // greater for what is applied earlier, but for the places in the list
     };
     std::vector<Operator> operators;
+    operators.reserve(static_cast<size_t>(terms.count));
     int32_t position = 0;
     int32_t highest = 0;
     for (const node* term = terms.first; term; term = term->next, position++) {
@@ -99,6 +100,7 @@ std::vector<int32_t> orderOperators(const Deq& terms) {
         operators.push_back({position, key});
         highest = std::max(highest, key);
     }
+    if (operators.size() == 1) return {operators[0].position};
     std::vector<size_t> places(static_cast<size_t>(highest) + 2);
     const auto place = [&](const Operator& op) { return places.begin() + (highest - op.key); };
     for (const Operator& op : operators) place(op)[1]++;

@@ -129,6 +129,20 @@ TEST(Format, qtoasciiByTable) {
     }
 }
 
+// 0.1234 and 100 nines: shown with 100 decimals it is 0.1235, which is a tie for three figures and above it.
+TEST(Format, aTieThatRoundingMadeIsNoTie) {
+    qfloat value;
+    asctoq(("0.1234" + std::string(100, '9')).c_str(), value);
+    char text[FORMAT_SIZE];
+    qtoascii(value, text, 3, SCI_AUTO, '\0');
+    EXPECT_STREQ("0.123", text);
+    qtoascii(value, text, 4, SCI_AUTO, '\0');
+    EXPECT_STREQ("0.1235", text);
+    asctoq("0.125", value); // exactly; a tie goes to the even digit
+    qtoascii(value, text, 2, SCI_AUTO, '\0');
+    EXPECT_STREQ("0.12", text);
+}
+
 TEST(Format, overflowHasASignAndNoDigits) {
     qfloat value = {};
     qinfin(value);
