@@ -5,5 +5,5 @@
 
 #import <AppKit/AppKit.h>
 
-// Shows the panel in front of the other windows, with the keys: Escape and the menu's Close close it.
-void showAboutPanel();
+// The panel, not shown yet. Escape and the menu's Close close it.
+NSPanel* buildAboutPanel();

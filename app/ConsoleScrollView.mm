@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "ConsoleScrollView.h"
 
+#import "Controls.h"
 #import "MainConsole.h"
 
 // A place in the text: its end, or a character at the top and how far its line is scrolled out.
@@ -10,14 +11,6 @@ struct Place {
     CGFloat out = 0;
 };
 
-static CGFloat topOfLine(NSTextView* text, NSUInteger character) {
-    NSLayoutManager* const layout = [text layoutManager];
-    const NSRange glyphs = [layout glyphRangeForCharacterRange:NSMakeRange(character, 1)
-                                          actualCharacterRange:NULL];
-    const NSRect line = [layout lineFragmentRectForGlyphAtIndex:glyphs.location effectiveRange:NULL];
-    return NSMinY(line) + [text textContainerOrigin].y;
-}
-
 @implementation ConsoleScrollView
 
 - (Place)place {
@@ -26,12 +19,9 @@ static CGFloat topOfLine(NSTextView* text, NSUInteger character) {
     const NSUInteger length = [[text string] length];
     // The half of the last line is as good as all of it.
     if (!text || length == 0 || NSMaxY(seen) + [[text font] pointSize] / 2 >= NSMaxY([text frame])) return {};
-    const NSPoint top = NSMakePoint(1, NSMinY(seen) - [text textContainerOrigin].y + 1);
-    NSLayoutManager* const layout = [text layoutManager];
-    const NSUInteger glyph = [layout glyphIndexForPoint:top inTextContainer:[text textContainer]];
     Place place;
     place.isEnd = false;
-    place.character = [layout characterIndexForGlyphAtIndex:static_cast<unsigned>(glyph)];
+    place.character = characterAt(text, NSMakePoint(1, NSMinY(seen) + 1), NULL);
     place.out = NSMinY(seen) - topOfLine(text, place.character);
     return place;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #import "GuideWindow.h"
 
+#import "Controls.h"
 #import "Platform.h"
-#import "ZqScroller.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,20 +19,20 @@ static NSColor* ink(CGFloat white) {
     return [NSColor colorWithCalibratedWhite:white alpha:1];
 }
 
-static NSColor* codeColor() {
-    return [NSColor colorWithCalibratedRed:0.35 green:0.85 blue:0.85 alpha:1];
+static NSDictionary* codeLook() {
+    return textLook([NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS], [NSColor colorWithCalibratedRed:0.35
+                                                                                                  green:0.85
+                                                                                                   blue:0.85
+                                                                                                  alpha:1]);
 }
 
-static NSParagraphStyle* paragraph(CGFloat indent) {
+static NSDictionary* plainLook(CGFloat indent, NSArray* tabStops) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     [style setHeadIndent:indent];
-    return style;
-}
-
-static NSDictionary* attributes(NSFont* font, NSColor* color, NSParagraphStyle* style) {
-    return [NSDictionary dictionaryWithObjectsAndKeys:font, NSFontAttributeName, color,
-                                                      NSForegroundColorAttributeName, style,
-                                                      NSParagraphStyleAttributeName, nil];
+    if (tabStops) [style setTabStops:tabStops];
+    NSMutableDictionary* const look = textLook([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86));
+    [look setObject:style forKey:NSParagraphStyleAttributeName];
+    return look;
 }
 
 static void append(NSMutableAttributedString* out, NSString* text, NSDictionary* look) {
@@ -60,8 +60,7 @@ static void appendPart(NSMutableAttributedString* out, NSString* line, NSDiction
         place = NSMaxRange([match range]);
         NSMutableDictionary* const inner = [NSMutableDictionary dictionaryWithDictionary:look];
         if (part(CODE)) {
-            [inner setObject:[NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS] forKey:NSFontAttributeName];
-            [inner setObject:codeColor() forKey:NSForegroundColorAttributeName];
+            [inner addEntriesFromDictionary:codeLook()];
             append(out, part(CODE), inner);
         } else if (part(STRONG)) {
             [inner setObject:[NSFont boldSystemFontOfSize:TEXT_SIZE_POINTS] forKey:NSFontAttributeName];
@@ -75,33 +74,26 @@ static void appendPart(NSMutableAttributedString* out, NSString* line, NSDiction
     append(out, [line substringFromIndex:place], look);
 }
 
-static NSDictionary* plainLook(NSParagraphStyle* style) {
-    return attributes([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86), style);
-}
-
-static void appendLine(NSMutableAttributedString* out, NSString* line, NSParagraphStyle* style) {
-    appendPart(out, line, plainLook(style));
-    append(out, @"\n", plainLook(style));
+static void appendLine(NSMutableAttributedString* out, NSString* line, NSDictionary* look) {
+    appendPart(out, line, look);
+    append(out, @"\n", look);
 }
 
 // A little space between what stands above and what follows.
 static void appendSpace(NSMutableAttributedString* out) {
-    append(out, @"\n", attributes([NSFont systemFontOfSize:6], ink(1), paragraph(0)));
-}
-
-static bool isRule(NSString* line) {
-    NSCharacterSet* const others = [[NSCharacterSet characterSetWithCharactersInString:@"|-: "] invertedSet];
-    return [line rangeOfCharacterFromSet:others].location == NSNotFound;
+    append(out, @"\n", textLook([NSFont systemFontOfSize:6], ink(1)));
 }
 
 static NSString* trimmed(NSString* text) {
     return [text stringByTrimmingCharactersInSet:[NSCharacterSet whitespaceCharacterSet]];
 }
 
-// The cells of a row, without empty ones at its end.
+// The cells of a row, without empty ones at its end. None of a line that is but a rule.
 static NSArray* cellsOf(NSString* line) {
-    NSString* const marked = [line stringByReplacingOccurrencesOfString:@"\\|" withString:@"\x01"];
     NSMutableArray* const cells = [NSMutableArray array];
+    NSCharacterSet* const others = [[NSCharacterSet characterSetWithCharactersInString:@"|-: "] invertedSet];
+    if ([line rangeOfCharacterFromSet:others].location == NSNotFound) return cells;
+    NSString* const marked = [line stringByReplacingOccurrencesOfString:@"\\|" withString:@"\x01"];
     NSArray* const pieces = [marked componentsSeparatedByString:@"|"];
     for (NSUInteger i = 1; i + 1 < [pieces count]; i++) {
         NSString* const cell = trimmed([pieces objectAtIndex:i]);
@@ -113,7 +105,7 @@ static NSArray* cellsOf(NSString* line) {
 
 static CGFloat widthOf(NSString* cell) {
     NSMutableAttributedString* const text = [[[NSMutableAttributedString alloc] init] autorelease];
-    appendPart(text, cell, plainLook(paragraph(0)));
+    appendPart(text, cell, plainLook(0, nil));
     return std::ceil([text size].width);
 }
 
@@ -133,75 +125,65 @@ static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
         stop += width + COLUMN_GAP;
         [stops addObject:[[[NSTextTab alloc] initWithType:NSLeftTabStopType location:stop] autorelease]];
     }
-    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    [style setTabStops:stops];
-    [style setHeadIndent:stop]; // the last column alone may be too long for its line
-    for (NSArray* const cells in rows) appendLine(out, [cells componentsJoinedByString:@"\t"], style);
+    // The last column alone may be too long for its line.
+    NSDictionary* const look = plainLook(stop, stops);
+    for (NSArray* const cells in rows) appendLine(out, [cells componentsJoinedByString:@"\t"], look);
 }
 
-// "How answers look" is known as "how-answers-look".
-static NSString* anchorOf(NSString* heading) {
-    return [[heading lowercaseString] stringByReplacingOccurrencesOfString:@" " withString:@"-"];
-}
-
-static void appendHeading(NSMutableAttributedString* out, NSString* line, NSUInteger level) {
+// Known by its text: "How answers look" by "how-answers-look".
+static void appendHeading(NSMutableAttributedString* out, NSString* heading, NSUInteger level) {
     const CGFloat sizes[] = {20, 16, 14};
-    NSFont* const font = [NSFont boldSystemFontOfSize:sizes[level - 1]];
-    NSString* const heading = [line substringFromIndex:level + 1];
-    NSMutableDictionary* const look =
-        [NSMutableDictionary dictionaryWithDictionary:attributes(font, ink(1), paragraph(0))];
-    [look setObject:anchorOf(heading) forKey:ANCHOR];
+    NSMutableDictionary* const look = textLook([NSFont boldSystemFontOfSize:sizes[level - 1]], ink(1));
+    NSString* const words = [heading lowercaseString];
+    [look setObject:[words stringByReplacingOccurrencesOfString:@" " withString:@"-"] forKey:ANCHOR];
     appendSpace(out);
     append(out, [heading stringByAppendingString:@"\n"], look);
 }
 
+// 1 to 3, or 0 for a line that is no heading.
 static NSUInteger headingLevel(NSString* line) {
-    NSUInteger level = 0;
-    while (level < [line length] && [line characterAtIndex:level] == '#') level++;
-    const bool isHeading =
-        level >= 1 && level <= 3 && [line length] > level && [line characterAtIndex:level] == ' ';
+    const NSUInteger level = [line rangeOfString:@" "].location;
+    const bool isHeading = level >= 1 && level <= 3 && [@"### " hasSuffix:[line substringToIndex:level + 1]];
     return isHeading ? level : 0;
+}
+
+// Appends what was collected, the lines of a paragraph or the rows of a table, and empties it.
+static void appendCollected(NSMutableAttributedString* out, NSMutableString* text, NSMutableArray* rows) {
+    if ([text length] > 0) appendLine(out, text, plainLook([text hasPrefix:@"\u2022"] ? MARGIN : 0, nil));
+    if ([rows count] > 0) appendTable(out, rows);
+    [text setString:@""];
+    [rows removeAllObjects];
 }
 
 NSAttributedString* guideText(NSString* markdown) {
     NSMutableAttributedString* const out = [[[NSMutableAttributedString alloc] init] autorelease];
-    NSFont* const mono = [NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS];
-    NSArray* const lines = [markdown componentsSeparatedByString:@"\n"];
-    bool isCode = false;
-    NSMutableString* const text = [NSMutableString string]; // lines of one paragraph
+    NSMutableString* const text = [NSMutableString string]; // of one paragraph
     NSMutableArray* const rows = [NSMutableArray array];    // of one table
-    for (NSUInteger i = 0; i <= [lines count]; i++) {
-        NSString* const whole = i < [lines count] ? [lines objectAtIndex:i] : @"";
-        NSString* const line = isCode && i < [lines count] ? whole : trimmed(whole);
+    bool isCode = false;
+    for (NSString* const whole in [markdown componentsSeparatedByString:@"\n"]) {
+        NSString* const line = isCode ? whole : trimmed(whole);
         const NSUInteger level = headingLevel(line);
-        const bool isFence = [line hasPrefix:@"```"];
-        const bool isItem = [line hasPrefix:@"- "];
-        const bool isRow = [line hasPrefix:@"|"];
-        const bool isPlain = !isCode && !isFence && !isRow && level == 0 && [line length] > 0;
-        if ((!isPlain || isItem) && [text length] > 0) {
-            const bool isListed = [text hasPrefix:@"\u2022"];
-            appendLine(out, text, paragraph(isListed ? MARGIN : 0));
-            [text setString:@""];
-        }
-        if ((!isRow || isCode) && [rows count] > 0) {
-            appendTable(out, rows);
-            [rows removeAllObjects];
-        }
-        if ([line length] == 0 && !isCode) appendSpace(out);
-        if (isFence) {
+        const bool isItem = [line hasPrefix:@"- "], isRow = [line hasPrefix:@"|"];
+        const bool goesOn = isRow ? [text length] == 0 : [rows count] == 0 && !isItem && level == 0;
+        if ([line hasPrefix:@"```"] || [line length] == 0 || !goesOn) appendCollected(out, text, rows);
+        if ([line hasPrefix:@"```"]) {
             isCode = !isCode;
         } else if (isCode) {
-            append(out, [line stringByAppendingString:@"\n"], attributes(mono, codeColor(), paragraph(0)));
+            append(out, [line stringByAppendingString:@"\n"], codeLook());
+        } else if ([line length] == 0) {
+            appendSpace(out);
         } else if (level > 0) {
-            appendHeading(out, line, level);
+            appendHeading(out, [line substringFromIndex:level + 1], level);
         } else if (isRow) {
-            if (!isRule(line) && [cellsOf(line) count] > 0) [rows addObject:cellsOf(line)];
-        } else if (isPlain) {
+            if ([cellsOf(line) count] > 0) [rows addObject:cellsOf(line)];
+        } else {
             if ([text length] > 0) [text appendString:@" "];
             [text appendString:isItem ? [@"\u2022 " stringByAppendingString:[line substringFromIndex:2]]
                                       : line];
         }
     }
+    appendCollected(out, text, rows);
+    appendSpace(out);
     return out;
 }
 
@@ -226,20 +208,21 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
         [super keyDown:event];
 }
 
+- (NSRect)inkOf:(NSUInteger)character {
+    NSLayoutManager* const layout = [self layoutManager];
+    const NSRange glyph = [layout glyphRangeForCharacterRange:NSMakeRange(character, 1)
+                                         actualCharacterRange:NULL];
+    const NSRect ink = [layout boundingRectForGlyphRange:glyph inTextContainer:[self textContainer]];
+    return NSOffsetRect(ink, [self textContainerOrigin].x, [self textContainerOrigin].y);
+}
+
 // GNUstep's text view looks for no links.
 - (void)mouseDown:(NSEvent*)event {
     const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
-    const NSPoint origin = [self textContainerOrigin];
-    const NSPoint inText = NSMakePoint(place.x - origin.x, place.y - origin.y);
-    NSLayoutManager* const layout = [self layoutManager];
-    const NSUInteger glyph = [layout glyphIndexForPoint:inText inTextContainer:[self textContainer]];
-    const NSRect ink = [layout boundingRectForGlyphRange:NSMakeRange(glyph, 1)
-                                         inTextContainer:[self textContainer]];
-    const NSUInteger index =
-        [layout characterRangeForGlyphRange:NSMakeRange(glyph, 1) actualGlyphRange:NULL].location;
-    const bool isInText = index < [[self textStorage] length] && NSPointInRect(inText, ink);
-    const id link =
-        isInText ? [[self textStorage] attribute:NSLinkAttributeName atIndex:index effectiveRange:NULL] : nil;
+    const NSUInteger index = characterAt(self, place, NULL);
+    id link = nil;
+    if (index < [[self textStorage] length] && NSPointInRect(place, [self inkOf:index]))
+        link = [[self textStorage] attribute:NSLinkAttributeName atIndex:index effectiveRange:NULL];
     if (link)
         [self clickedOnLink:link atIndex:index];
     else
@@ -252,74 +235,41 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
     NSRange run = {0, 0};
     for (NSUInteger i = 0; i < [text length]; i = NSMaxRange(run)) {
         if (![link isEqual:[text attribute:ANCHOR atIndex:i effectiveRange:&run]]) continue;
-        NSLayoutManager* const layout = [self layoutManager];
-        const NSRange glyphs = [layout glyphRangeForCharacterRange:run actualCharacterRange:NULL];
-        const NSRect place = [layout lineFragmentRectForGlyphAtIndex:glyphs.location effectiveRange:NULL];
-        [self scrollPoint:NSMakePoint(0, NSMinY(place) + [self textContainerOrigin].y - MARGIN / 2)];
+        [self scrollPoint:NSMakePoint(0, topOfLine(self, run.location) - MARGIN / 2)];
         return;
     }
 }
 
 @end
 
-// A panel, because it is no main window: it does not keep the calculator running once that is closed.
-static NSWindow* buildGuideWindow(NSAttributedString* text) {
-    const NSRect frame = NSMakeRect(0, 0, 720, 560);
-    NSPanel* const window =
-        [[NSPanel alloc] initWithContentRect:frame
-                                   styleMask:NSTitledWindowMask | NSClosableWindowMask |
-                                             NSMiniaturizableWindowMask | NSResizableWindowMask
-                                     backing:NSBackingStoreBuffered
-                                       defer:YES];
-    [window setHidesOnDeactivate:NO];
-    [window setExcludedFromWindowsMenu:NO];
-    [window setContentMinSize:SMALLEST_CONTENT];
-    [window setTitle:@"Tallyquill Guide"];
-    [window setReleasedWhenClosed:NO];
-    NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:frame] autorelease];
-    [scroll
-        setVerticalScroller:[[[ZqScroller alloc] initWithFrame:NSMakeRect(0, 0, [ZqScroller scrollerWidth],
-                                                                          NSHeight(frame))] autorelease]];
-    [scroll setHasVerticalScroller:YES];
-    [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
-    const NSSize inside = [scroll contentSize];
-    GuideView* const view =
-        [[[GuideView alloc] initWithFrame:NSMakeRect(0, 0, inside.width, inside.height)] autorelease];
-    [view setMinSize:inside];
-    [view setMaxSize:NSMakeSize(1e7, 1e7)];
-    [view setVerticallyResizable:YES];
-    [view setAutoresizingMask:NSViewWidthSizable];
-    [[view textContainer] setWidthTracksTextView:YES];
+static GuideView* buildView(NSAttributedString* text) {
+    GuideView* const view = [[[GuideView alloc] initWithFrame:NSZeroRect] autorelease];
     [view setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
     [view setBackgroundColor:ink(0.11)];
-    [view setLinkTextAttributes:[NSDictionary
-                                    dictionaryWithObjectsAndKeys:codeColor(), NSForegroundColorAttributeName,
-                                                                 [NSNumber
-                                                                     numberWithInt:NSUnderlineStyleSingle],
-                                                                 NSUnderlineStyleAttributeName,
-                                                                 [NSCursor pointingHandCursor],
-                                                                 NSCursorAttributeName, nil]];
+    [view setLinkTextAttributes:@{
+        NSForegroundColorAttributeName : [codeLook() objectForKey:NSForegroundColorAttributeName],
+        NSUnderlineStyleAttributeName : @(NSUnderlineStyleSingle),
+        NSCursorAttributeName : [NSCursor pointingHandCursor]
+    }];
     [[view textStorage] setAttributedString:text];
     [view setEditable:NO];
-    [scroll setDocumentView:view];
-    [window setContentView:scroll];
-    [window setInitialFirstResponder:view];
-    [window center];
-    return window;
+    return view;
 }
 
-bool showGuideWindow() {
-    static NSWindow* window = nil; // one for as long as the application runs
+NSPanel* buildGuideWindow() {
     NSString* const path = [[NSBundle mainBundle] pathForResource:@"guide" ofType:@"md"];
-    if (!path) return false;
-    if (!window) {
-        NSData* const bytes = [NSData dataWithContentsOfFile:path];
-        if (!bytes) return false;
-        NSString* const text = [[[NSString alloc] initWithData:bytes
-                                                      encoding:NSUTF8StringEncoding] autorelease];
-        if (!text) return false;
-        window = buildGuideWindow(guideText(text));
-    }
-    [window makeKeyAndOrderFront:nil];
-    return true;
+    NSString* const text =
+        path ? [NSString stringWithContentsOfFile:path encoding:NSUTF8StringEncoding error:NULL] : nil;
+    if (!text) return nil;
+    const NSSize size = {720, 560};
+    NSPanel* const window = makePanel([NSPanel class], @"Tallyquill Guide", size,
+                                      NSMiniaturizableWindowMask | NSResizableWindowMask);
+    [window setExcludedFromWindowsMenu:NO];
+    [window setContentMinSize:SMALLEST_CONTENT];
+    NSScrollView* const scroll =
+        [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, size.width, size.height)] autorelease];
+    scrollText(scroll, buildView(guideText(text)));
+    [window setContentView:scroll];
+    [window setInitialFirstResponder:[scroll documentView]];
+    return window;
 }

@@ -2,13 +2,13 @@
 #import "Interface.h"
 
 #import "ConsoleScrollView.h"
+#import "Controls.h"
 #import "HUDViewWithBlur.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"
 #import "NumberField.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
-#import "ZqScroller.h"
 
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
 static const CGFloat MARGIN = 6;
@@ -17,23 +17,9 @@ static const CGFloat WHEEL_STEP = 48; // points a notch: three lines of the usua
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     NSScrollView* const scroll = [[[ConsoleScrollView alloc] initWithFrame:frame] autorelease];
-    ZqScroller* const scroller = [[[ZqScroller alloc]
-        initWithFrame:NSMakeRect(0, 0, [ZqScroller scrollerWidth], NSHeight(frame))] autorelease];
-    [scroll setVerticalScroller:scroller];
-    [scroll setHasVerticalScroller:YES];
     [scroll setBorderType:NSNoBorder];
     [scroll setVerticalLineScroll:WHEEL_STEP];
-    [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
-    const NSSize inside = [scroll contentSize];
-    [console setFrame:NSMakeRect(0, 0, inside.width, inside.height)];
-    [console setMinSize:inside];
-    [console setMaxSize:NSMakeSize(1e7, 1e7)];
-    [console setVerticallyResizable:YES];
-    [console setHorizontallyResizable:NO];
-    [console setAutoresizingMask:NSViewWidthSizable];
-    [[console textContainer] setContainerSize:NSMakeSize(inside.width, 1e7)];
-    [[console textContainer] setWidthTracksTextView:YES];
-    [scroll setDocumentView:console];
+    scrollText(scroll, console);
     return scroll;
 }
 
@@ -119,10 +105,10 @@ static void buildControls(NSView* content, MainConsole* console) {
 NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
     const NSUInteger style =
         NSTitledWindowMask | NSClosableWindowMask | NSMiniaturizableWindowMask | NSResizableWindowMask;
-    NSWindow* const window = [[[MainWindow alloc] initWithContentRect:FIRST_FRAME
-                                                            styleMask:style
-                                                              backing:NSBackingStoreBuffered
-                                                                defer:NO] autorelease];
+    NSWindow* const window = [[[mainWindowClass() alloc] initWithContentRect:FIRST_FRAME
+                                                                   styleMask:style
+                                                                     backing:NSBackingStoreBuffered
+                                                                       defer:NO] autorelease];
     [window setTitle:@"Tallyquill"];
     [window setReleasedWhenClosed:NO];
     [window setBackgroundColor:[NSColor colorWithCalibratedWhite:0.16 alpha:1]];

@@ -3,6 +3,7 @@
 // The preferences panel, on a grid: right-aligned labels, the controls in one column behind them.
 #import "Interface.h"
 
+#import "Controls.h"
 #import "MainConsole.h"
 #import "NumberField.h"
 #import "PelmoAppDelegate.h"
@@ -19,14 +20,8 @@ static const CGFloat ROW = 28;
 static const CGFloat SECTION = 12; // the space between sections
 static const CGFloat HIGH = 22;    // a control's height
 static const CGFloat SLIDER = 170;
-
-static void makeLabel(NSTextField* field) {
-    [field setEditable:NO];
-    [field setSelectable:NO];
-    [field setBezeled:NO];
-    [field setBordered:NO];
-    [field setDrawsBackground:NO];
-}
+static const CGFloat COLUMN = EDGE + LABELS + GAP; // where the controls begin
+static const CGFloat REST = WIDTH - EDGE - COLUMN; // what is free from there
 
 // A slider from 0 to 100 with its value beside it.
 @interface PercentSlider : NSSlider {
@@ -84,38 +79,36 @@ struct Grid {
     NSView* first;
     NSView* last;
 
-    CGFloat column() const { return EDGE + LABELS + GAP; }
-    void nextRow() { y -= ROW; }
-    void nextSection() { y -= SECTION; }
-
-    void label(NSString* title) {
-        NSTextField* const field = text(EDGE, LABELS);
-        [field setStringValue:title];
-        [field setAlignment:NSRightTextAlignment];
+    // Text that is not a control, beside the controls.
+    NSTextField* text(NSString* content, CGFloat x, CGFloat width) {
+        return labelIn(view, content, NSMakeRect(x, y - 3, width, HIGH));
     }
 
-    // The control of a setting, behind its title.
-    void addSetting(const char* key, NSControl* control, CGFloat width) {
-        made.of(*findSetting(key)) = control;
-        label(@(findSetting(key)->title));
-        add(control, column(), width);
-    }
+    void label(NSString* title) { [text(title, EDGE, LABELS) setAlignment:NSRightTextAlignment]; }
 
-    void add(NSControl* control, CGFloat x, CGFloat width) {
-        [control setFrame:NSMakeRect(x, y, width, HIGH)];
+    template <typename Control> Control* add(Control* control, CGFloat width) {
+        [control setFrame:NSMakeRect(COLUMN, y, width, HIGH)];
         [control setTarget:target];
         [control setAction:@selector(prefCallback:)];
         [view addSubview:control];
         if (last) [last setNextKeyView:control];
         if (!first) first = control;
         last = control;
+        y -= ROW;
+        return control;
+    }
+
+    // The control of a setting, behind its title.
+    template <typename Control> Control* addSetting(const char* key, Control* control, CGFloat width) {
+        made.of(*findSetting(key)) = control;
+        label(@(findSetting(key)->title));
+        return add(control, width);
     }
 
     NSTextField* field(const char* key, CGFloat width) {
         NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
         [[field cell] setSendsActionOnEndEditing:YES]; // leaving the field counts as well
-        addSetting(key, field, width);
-        return field;
+        return addSetting(key, field, width);
     }
 
     NSButton* box(const char* key) {
@@ -130,25 +123,7 @@ struct Grid {
         [button setTitle:title];
         [button setImagePosition:NSImageLeft];
         [button setAlignment:NSLeftTextAlignment];
-        add(button, column(), WIDTH - EDGE - column());
-        nextRow();
-        return button;
-    }
-
-    // Text that is not a control, beside the controls.
-    NSTextField* text(CGFloat x, CGFloat width) {
-        NSTextField* const field =
-            [[[NSTextField alloc] initWithFrame:NSMakeRect(x, y - 3, width, HIGH)] autorelease];
-        makeLabel(field);
-        [view addSubview:field];
-        return field;
-    }
-
-    NSColorWell* well(const char* key) {
-        NSColorWell* const colors = makeColorWell();
-        addSetting(key, colors, 60);
-        nextRow();
-        return colors;
+        return add(button, REST);
     }
 };
 
@@ -158,49 +133,38 @@ static void addNumbers(Grid& grid, PrefControls& made) {
         if (mode.title) [made.prefSciMode addItemWithTitle:@(mode.title)];
     }
     grid.addSetting("scimode", made.prefSciMode, 170);
-    grid.nextRow();
     made.prefSigFigs = grid.field("sigfigs", 60);
-    grid.nextRow();
+    made.prefSepReason = grid.text(@"", COLUMN + 28 + GAP, REST - 28 - GAP);
     made.prefSepChar = grid.field("schar", 28);
     TextFormatter* const oneCharacter = [[[TextFormatter alloc] init] autorelease];
     [oneCharacter setMaximumLength:1];
     [made.prefSepChar setFormatter:oneCharacter];
     [made.prefSepChar setAlignment:NSCenterTextAlignment];
-    const CGFloat besideMark = grid.column() + 28 + GAP;
-    made.prefSepReason = grid.text(besideMark, WIDTH - EDGE - besideMark);
-    grid.nextRow();
     made.prefSeparator = grid.box("separator");
     made.prefEuropean = grid.box("european");
     made.prefTwosComp = grid.box("twoscomp");
     grid.label(@"Sample:");
-    made.prefNumPreview = [[[NumberField alloc]
-        initWithFrame:NSMakeRect(grid.column(), grid.y, WIDTH - EDGE - grid.column(), HIGH)] autorelease];
-    [grid.view addSubview:made.prefNumPreview];
+    const NSRect frame = NSMakeRect(COLUMN, grid.y, REST, HIGH);
+    made.prefNumPreview = [[[NumberField alloc] initWithFrame:frame] autorelease];
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
-    grid.nextRow();
-}
-
-static void addHistory(Grid& grid, PrefControls& made) {
+    [grid.view addSubview:made.prefNumPreview];
+    grid.y -= ROW + SECTION;
     made.prefHistSize = grid.field("histsz", 60);
     [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
-    grid.nextRow();
 }
 
 static void addColors(Grid& grid, PrefControls& made) {
-    made.prefFGColor = grid.well("fgcolor");
-    made.prefBGColor = grid.well("bgcolor");
+    made.prefFGColor = grid.addSetting("fgcolor", makeColorWell(), 60);
+    made.prefBGColor = grid.addSetting("bgcolor", makeColorWell(), 60);
     PercentSlider* const slider = [[[PercentSlider alloc] initWithFrame:NSZeroRect] autorelease];
     [slider setMinValue:0];
     [slider setMaxValue:100];
-    grid.addSetting("trans", slider, SLIDER);
-    [slider setShown:grid.text(grid.column() + SLIDER + GAP, 60)];
-    made.prefSlider = slider;
-    grid.nextRow();
+    [slider setShown:grid.text(@"", COLUMN + SLIDER + GAP, 60)];
+    made.prefSlider = grid.addSetting("trans", slider, SLIDER);
     made.prefResetColors = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
     [made.prefResetColors setTitle:@"Reset Colors"];
     [made.prefResetColors setBezelStyle:NSRoundedBezelStyle];
-    grid.add(made.prefResetColors, grid.column(), 120);
-    grid.nextRow();
+    grid.add(made.prefResetColors, 120);
 }
 
 // GNUstep draws the tick of a disabled box as bright as that of the others.
@@ -231,26 +195,18 @@ void buildPreferences(PelmoAppDelegate* delegate) {
     [controller setMainConsole:[delegate mainConsole]];
     [controller setAppDelegate:delegate];
     MyPrefPanel* const panel =
-        [[[MyPrefPanel alloc] initWithContentRect:NSMakeRect(0, 0, WIDTH, HEIGHT)
-                                        styleMask:NSTitledWindowMask | NSClosableWindowMask
-                                          backing:NSBackingStoreBuffered
-                                            defer:YES] autorelease];
-    [panel setTitle:@"Tallyquill Preferences"];
-    [panel setReleasedWhenClosed:NO];
-    [panel setHidesOnDeactivate:NO];
+        makePanel([MyPrefPanel class], @"Tallyquill Preferences", NSMakeSize(WIDTH, HEIGHT), 0);
     PrefControls made = {};
     Grid grid = {[panel contentView], controller, made, HEIGHT - EDGE - HIGH, nil, nil};
     addNumbers(grid, made);
-    grid.nextSection();
-    addHistory(grid, made);
-    grid.nextSection();
+    grid.y -= SECTION;
     addColors(grid, made);
-    grid.nextSection();
+    grid.y -= SECTION;
     addWindow(grid, made);
     [grid.last setNextKeyView:grid.first];
     [panel setInitialFirstResponder:grid.first];
-    [panel center];
     [panel setDelegate:(id)controller];
-    [controller setPrefWindow:panel controls:made];
+    [controller setPrefWindow:panel];
+    [controller setControls:made];
     [delegate setPrefController:controller];
 }

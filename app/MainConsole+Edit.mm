@@ -3,6 +3,7 @@
 // Copy, cut, paste and undo, and the guard of the transcript.
 #import "MainConsole.h"
 
+#import "Controls.h"
 #import "Platform.h"
 
 #import <objc/runtime.h>
@@ -123,14 +124,9 @@ static const useconds_t FLASH = 80000; // microseconds
 // What a click does whose button is up again already: the cursor, a word or a line, as often as it was
 // clicked.
 - (void)click:(NSEvent*)event {
-    NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
-    const NSPoint origin = [self textContainerOrigin];
-    place = NSMakePoint(place.x - origin.x, place.y - origin.y);
     CGFloat fraction = 0;
-    const NSUInteger glyph = [[self layoutManager] glyphIndexForPoint:place
-                                                      inTextContainer:[self textContainer]
-                                       fractionOfDistanceThroughGlyph:&fraction];
-    NSUInteger character = [[self layoutManager] characterIndexForGlyphAtIndex:static_cast<unsigned>(glyph)];
+    const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
+    NSUInteger character = characterAt(self, place, &fraction);
     if (fraction > 0.5) character++;
     character = std::min(character, [[self string] length]);
     const NSSelectionGranularity units[] = {NSSelectByCharacter, NSSelectByWord, NSSelectByParagraph};

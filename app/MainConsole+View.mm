@@ -135,7 +135,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (int)findInterruptEvent {
-    if (isTerminationAsked()) return 1;
+    if (terminationRequest.isAsked) return 1;
     if (platformCloseIsWaiting([self window])) return 1; // the window closes when what runs has ended
     NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
                                               untilDate:[NSDate date]

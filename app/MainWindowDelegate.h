@@ -18,19 +18,6 @@ extern NSPoint windLocOrig;
 extern float ddX;
 extern float ddY;
 
-// The main window. It may stand partly outside the screens, as the person or a snap leaves it.
-@interface MainWindow : NSWindow {
-    NSRect unzoomed; // where it stood before it was zoomed
-    NSRect zoomed;   // where that put it; empty before the first time
-    bool isKeptAbove;
-}
-- (void)zoom:(id)sender; // to the whole screen, and back as long as nothing else has changed its size
-
-// A floating level keeps the window above the others of all programs, also after it was hidden.
-- (void)setLevel:(NSInteger)level;
-- (NSInteger)level;
-@end
-
 // The window's next responder too, so that the drags arrive that no view takes.
 @interface MainWindowDelegate : NSResponder {
     NSWindow* window;         // not retained

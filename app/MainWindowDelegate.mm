@@ -18,32 +18,22 @@ float ddY = 0;
 static const CGFloat BAND = 36;
 static const CGFloat SHIFT = 18;
 
-// A window manager's frame takes up to so much of a zoomed window.
-static const CGFloat FRAME_ROOM = 48;
-
 // Moves one axis of a window (its start and length) to an end of a screen's. False when it is near neither.
 static bool snapAxis(CGFloat* start, CGFloat length, CGFloat screenStart, CGFloat screenLength) {
-    if (std::fabs(screenStart - *start - SHIFT) <= BAND) {
-        *start = screenStart;
-        return true;
-    }
     const CGFloat gap = screenStart + screenLength - (*start + length);
-    if (std::fabs(gap + SHIFT) > BAND) return false;
-    *start += gap;
+    const bool isAtStart = std::fabs(screenStart - *start - SHIFT) <= BAND;
+    if (!isAtStart && std::fabs(gap + SHIFT) > BAND) return false;
+    *start = isAtStart ? screenStart : *start + gap;
     return true;
 }
 
 NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count) {
-    bool isSnappedX = false;
-    bool isSnappedY = false;
+    bool isSnappedX = false, isSnappedY = false;
+    NSPoint& origin = frame.origin;
     for (size_t i = 0; i < count; i++) {
         const NSRect& screen = screens[i];
-        if (!isSnappedX) {
-            isSnappedX = snapAxis(&frame.origin.x, frame.size.width, screen.origin.x, screen.size.width);
-        }
-        if (!isSnappedY) {
-            isSnappedY = snapAxis(&frame.origin.y, frame.size.height, screen.origin.y, screen.size.height);
-        }
+        isSnappedX = isSnappedX || snapAxis(&origin.x, NSWidth(frame), NSMinX(screen), NSWidth(screen));
+        isSnappedY = isSnappedY || snapAxis(&origin.y, NSHeight(frame), NSMinY(screen), NSHeight(screen));
     }
     return frame;
 }
@@ -56,82 +46,6 @@ static std::vector<NSRect> visibleFrames() {
     }
     return frames;
 }
-
-@implementation MainWindow
-
-// GNUstep would keep all of a titled window on the screen: a drag stopped at every edge, and a window that
-// stood partly outside came back elsewhere. Where a window may go is left to the window manager.
-- (NSRect)constrainFrameRect:(NSRect)frame toScreen:(NSScreen*)screen {
-    if (platformWindowManagerMoves()) return frame;
-    return [super constrainFrameRect:frame toScreen:screen];
-}
-
-// GNUstep zooms, but does not go back.
-- (void)zoom:(id)sender {
-    if (!platformWindowManagerMoves()) {
-        [super zoom:sender];
-        return;
-    }
-    MainWindowDelegate* const mover = (MainWindowDelegate*)[self delegate];
-    if ([self isZoomed]) {
-        [mover placeWindow:unzoomed];
-        return;
-    }
-    unzoomed = [self frame];
-    [mover placeWindow:[[self screen] visibleFrame]];
-    zoomed = [self frame];
-}
-
-// The window manager may have moved it a little, to make room for its frame.
-- (BOOL)isZoomed {
-    if (!platformWindowManagerMoves()) return [super isZoomed];
-    const NSSize size = [self frame].size;
-    return std::fabs(size.width - zoomed.size.width) <= FRAME_ROOM &&
-           std::fabs(size.height - zoomed.size.height) <= FRAME_ROOM;
-}
-
-- (void)setLevel:(NSInteger)level {
-    if (!platformWindowManagerMoves()) {
-        [super setLevel:level];
-        return;
-    }
-    isKeptAbove = level >= NSFloatingWindowLevel;
-    NSNotificationCenter* const center = [NSNotificationCenter defaultCenter];
-    [center removeObserver:self name:NSWindowDidBecomeKeyNotification object:nil];
-    if (isKeptAbove) {
-        [center addObserver:self
-                   selector:@selector(anyWindowDidBecomeKey:)
-                       name:NSWindowDidBecomeKeyNotification
-                     object:nil];
-    }
-    for (NSWindow* const one in [NSApp windows]) {
-        if ([one isVisible] && ([one styleMask] & NSTitledWindowMask)) platformKeepAbove(one, isKeptAbove);
-    }
-}
-
-// A question, or another window of ours, must not disappear behind this one.
-- (void)anyWindowDidBecomeKey:(NSNotification*)notification {
-    platformKeepAbove([notification object], true);
-}
-
-- (void)dealloc {
-    [[NSNotificationCenter defaultCenter] removeObserver:self
-                                                    name:NSWindowDidBecomeKeyNotification
-                                                  object:nil];
-    [super dealloc];
-}
-
-- (NSInteger)level {
-    return isKeptAbove ? static_cast<NSInteger>(NSFloatingWindowLevel) : [super level];
-}
-
-// A window manager forgets it of a window that goes away.
-- (void)orderWindow:(NSWindowOrderingMode)place relativeTo:(NSInteger)other {
-    [super orderWindow:place relativeTo:other];
-    if (isKeptAbove && place == NSWindowAbove) platformKeepAbove(self, true);
-}
-
-@end
 
 @implementation MainWindowDelegate
 

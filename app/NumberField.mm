@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #import "NumberField.h"
 
+#import "Controls.h"
+
 static bool isDigit(unichar c) {
     return c >= '0' && c <= '9';
 }
@@ -42,7 +44,7 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
 @implementation NumberCell
 
 - (NSDictionary*)attributes {
-    return @{NSFontAttributeName : [self font], NSForegroundColorAttributeName : [self textColor]};
+    return textLook([self font], [self textColor]);
 }
 
 - (NSString*)textShownIn:(NSRect)frame {
@@ -69,11 +71,7 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
     NumberCell* const cell = [[[NumberCell alloc] initTextCell:@""] autorelease];
     [cell setFont:[NSFont systemFontOfSize:0]];
     [self setCell:cell];
-    [self setEditable:NO];
-    [self setSelectable:NO];
-    [self setBezeled:NO];
-    [self setBordered:NO];
-    [self setDrawsBackground:NO];
+    makeLabel(self);
     return self;
 }
 

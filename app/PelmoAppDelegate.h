@@ -21,6 +21,8 @@ extern NSMutableArray* waitingToOpenFilenames; // handed over before that, in or
     PrefController* prefController;
     MainWindowDelegate* windowDelegate;
     NSStatusItem* statusItem;
+    NSPanel* aboutPanel;  // nil until it is asked for
+    NSPanel* guideWindow; // likewise
 }
 @property(nonatomic, retain) NSWindow* window;
 @property(nonatomic, retain) MainConsole* mainConsole;

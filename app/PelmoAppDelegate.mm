@@ -2,6 +2,7 @@
 #import "PelmoAppDelegate.h"
 
 #import "AboutPanel.h"
+#import "Controls.h"
 #import "GuideWindow.h"
 #import "Interface.h"
 #import "MainConsole.h"
@@ -19,11 +20,6 @@ NSMutableArray* waitingToOpenFilenames = nil;
 static const NSUInteger EVERY_SPACE = 1;
 static const NSUInteger ONE_SPACE = 0;
 
-static NSImage* bundleImage(NSString* name) {
-    NSString* const path = [[NSBundle mainBundle] pathForResource:name ofType:@"png"];
-    return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
-}
-
 @implementation PelmoAppDelegate
 
 @synthesize window, mainConsole, windowDelegate, prefController;
@@ -31,6 +27,8 @@ static NSImage* bundleImage(NSString* name) {
 - (void)dealloc {
     [self removeAppStatusItem];
     [prefController release];
+    [aboutPanel release];
+    [guideWindow release];
     [window setDelegate:nil];
     [window setNextResponder:nil];
     [windowDelegate release];
@@ -138,12 +136,14 @@ static NSImage* bundleImage(NSString* name) {
 }
 
 - (void)showAbout:(id)sender {
-    showAboutPanel();
+    if (!aboutPanel) aboutPanel = [buildAboutPanel() retain];
+    [aboutPanel makeKeyAndOrderFront:nil];
 }
 
 - (void)showGuide:(id)sender {
-    if (!showGuideWindow())
-        [mainConsole simpleAlert:@"The guide is missing.":@"This copy of Tallyquill lacks it."];
+    if (!guideWindow) guideWindow = [buildGuideWindow() retain];
+    [guideWindow makeKeyAndOrderFront:nil];
+    if (!guideWindow) [mainConsole simpleAlert:@"The guide is missing.":@"This copy of Tallyquill lacks it."];
 }
 
 - (void)applicationDidResignActive:(NSNotification*)notification {

@@ -44,10 +44,9 @@ NSStatusBar* platformStatusBar();
 // the window is put among the minimised ones instead, from where the window manager does.
 void platformHide(NSWindow* window);
 
-// Asks the window manager to keep a window that is shown above the others, in front of those that are kept
-// there already, or no longer to (GNUstep). It keeps its place in the lists of windows, which a level of
-// GNUstep's own would cost it. Nothing on macOS, where a level does it.
-void platformKeepAbove(NSWindow* window, bool isAbove);
+// The class of the main window. It may stand partly outside the screens, as the person or a snap leaves it,
+// is zoomed to the whole screen and back, and with a floating level stays above the windows of all programs.
+Class mainWindowClass();
 
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
 NSString* platformSheetText(NSString* text);

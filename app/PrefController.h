@@ -4,7 +4,7 @@
 // closes. It also fades the main window.
 #pragma once
 
-#import <AppKit/AppKit.h>
+#import "Controls.h"
 
 #include "Settings.h"
 
@@ -16,7 +16,7 @@
 
 extern uint8_t prefWinIsOpen; // 1 while the panel is open
 
-@interface MyPrefPanel : NSPanel
+@interface MyPrefPanel : EscapePanel
 @end
 
 // The controls, made by Interface (InterfacePanel.mm). They belong to the panel.
@@ -51,11 +51,10 @@ struct PrefControls {
     PelmoAppDelegate* appDelegate; // not retained
     NSTimer* timer;                // of the running fade, or nil
 }
-- (void)setMainConsole:(MainConsole*)console;
-- (void)setAppDelegate:(PelmoAppDelegate*)delegate;
-- (void)setPrefWindow:(MyPrefPanel*)panel controls:(const PrefControls&)made;
-- (MyPrefPanel*)prefWindow;
-- (const PrefControls&)controls;
+@property(nonatomic, assign) MainConsole* mainConsole;
+@property(nonatomic, assign) PelmoAppDelegate* appDelegate;
+@property(nonatomic, retain) MyPrefPanel* prefWindow;
+@property(nonatomic, assign) PrefControls controls; // those of the panel
 
 - (void)menuPreferences:(id)sender; // shows the panel with the settings as they are
 - (void)prefCallback:(id)sender;    // a control has changed

@@ -21,58 +21,17 @@ static const int USUAL_LINES = 99;
 static const NSUInteger MANAGED = 4;
 
 @implementation MyPrefPanel
-
-- (id)initWithContentRect:(NSRect)frame
-                styleMask:(NSUInteger)style
-                  backing:(NSBackingStoreType)backing
-                    defer:(BOOL)isDeferred {
-    return [super initWithContentRect:frame styleMask:style backing:backing defer:isDeferred];
-}
-
-// Escape closes the panel, also from within a field.
-- (void)sendEvent:(NSEvent*)event {
-    if ([event type] == NSKeyDown && platformKeyCode(event) == KEY_ESCAPE)
-        [self performClose:nil];
-    else
-        [super sendEvent:event];
-}
-
 @end
 
 @implementation PrefController
 
-- (void)setMainConsole:(MainConsole*)console {
-    mainConsole = console;
-}
-
-- (void)setAppDelegate:(PelmoAppDelegate*)delegate {
-    appDelegate = delegate;
-}
-
-- (void)setPrefWindow:(MyPrefPanel*)panel controls:(const PrefControls&)made {
-    [panel retain];
-    [prefWindow release];
-    prefWindow = panel;
-    controls = made;
-}
-
-- (MyPrefPanel*)prefWindow {
-    return prefWindow;
-}
-
-- (const PrefControls&)controls {
-    return controls;
-}
+@synthesize mainConsole, appDelegate, prefWindow, controls;
 
 - (void)dealloc {
     [self stopFade];
     [prefWindow setDelegate:nil];
     [prefWindow release];
     [super dealloc];
-}
-
-static int stateOf(NSButton* box) {
-    return [box state] == NSOnState ? 1 : 0;
 }
 
 // --- Opening ---
@@ -102,7 +61,7 @@ static int stateOf(NSButton* box) {
 // The grouping mark follows the decimal mark, so that the two never coincide.
 - (NSString*)separatorShown {
     const int separator = [mainConsole setting:@"schar"];
-    if (separator == ',' || separator == '.') return stateOf(controls.prefEuropean) ? @"." : @",";
+    if (separator == ',' || separator == '.') return [controls.prefEuropean intValue] ? @"." : @",";
     const char text[] = {static_cast<char>(separator), '\0'};
     return textFromBytes(text);
 }
@@ -121,12 +80,6 @@ static int numberIn(NSTextField* field) {
     return static_cast<int>(std::min<long long>(std::max<long long>(number, INT_MIN), INT_MAX));
 }
 
-// Whether the field's text begins with a number, possible or not.
-static bool hasNumber(NSTextField* field) {
-    NSScanner* const scanner = [NSScanner scannerWithString:[field stringValue]];
-    return [scanner scanInteger:NULL];
-}
-
 // The first character of the field; none stands for the usual mark, and so do a point and a comma: of the two
 // the one that is no decimal mark is shown. One that cannot group digits is refused: the mark stays what it
 // was.
@@ -136,26 +89,19 @@ static bool hasNumber(NSTextField* field) {
     const std::string reason = groupingMarkFault(mark);
     NSString* const fault = reason.empty() ? nil : @(reason.c_str());
     if (!fault) [mainConsole setSetting:@"schar" to:mark == '.' ? ',' : mark];
-    if (![text isEqualToString:[self separatorShown]]) {
-        const bool isDecimal = !fault && [text length] > 0 && (mark == '.' || mark == ',');
-        [self refuseMark:isDecimal ? [NSString stringWithFormat:@"%C is the decimal mark.", mark] : fault];
-    } else {
-        [controls.prefSepReason setStringValue:@""];
-    }
-}
-
-- (void)refuseMark:(NSString*)reason {
-    [controls.prefSepReason setStringValue:reason ? reason : @""];
-    [controls.prefSepChar setStringValue:[self separatorShown]];
+    NSString* const shown = [self separatorShown];
+    const bool isDecimal = !fault && [text length] > 0 && (mark == '.' || mark == ',');
+    NSString* const news = isDecimal ? [NSString stringWithFormat:@"%C is the decimal mark.", mark] : fault;
+    [controls.prefSepReason setStringValue:[text isEqualToString:shown] || !news ? @"" : news];
+    if (![text isEqualToString:shown]) [controls.prefSepChar setStringValue:shown];
 }
 
 // A control's number or state.
 - (int)valueOf:(NSControl*)control {
     if (control == controls.prefSciMode)
         return std::max(static_cast<int>([controls.prefSciMode indexOfSelectedItem]), 0);
-    if (control == controls.prefSlider) return static_cast<int>([control doubleValue]);
-    if ([control isKindOfClass:[NSButton class]]) return stateOf(static_cast<NSButton*>(control));
-    return numberIn(static_cast<NSTextField*>(control));
+    const bool isField = [control isKindOfClass:[NSTextField class]];
+    return isField ? numberIn(static_cast<NSTextField*>(control)) : [control intValue];
 }
 
 // What its control says, if that is possible: entries run and files are written while the panel is open.
@@ -182,22 +128,13 @@ static bool hasNumber(NSTextField* field) {
     if (sender == controls.prefStatusIcon) [self applyStatusIcon];
     const id ofNumbers[] = {controls.prefSciMode, controls.prefSigFigs, controls.prefSeparator,
                             controls.prefSepChar, controls.prefEuropean};
-    for (const id control : ofNumbers) {
-        if (sender == control) [self applyNumbers];
-    }
-    if (sender == controls.prefTransBGOnly) {
-        [self store:"transback"];
-        [self redraw];
-    }
-    if (sender == controls.prefSlider) {
-        [self store:"trans"];
-        [self redraw];
-    }
+    if (std::find(std::begin(ofNumbers), std::end(ofNumbers), sender) != std::end(ofNumbers))
+        [self applyNumbers];
+    if (sender == controls.prefTransBGOnly) [self store:"transback"];
+    if (sender == controls.prefSlider) [self store:"trans"];
     if (sender == controls.prefAlwaysTop) [self applyAlwaysTop];
-    if (sender == controls.prefFGColor || sender == controls.prefBGColor) {
-        [self showColors];
-        [self redraw];
-    }
+    if (sender == controls.prefFGColor || sender == controls.prefBGColor) [self showColors];
+    [self redraw];
 }
 
 - (void)resetColors {
@@ -207,11 +144,10 @@ static bool hasNumber(NSTextField* field) {
     [controls.prefBGColor setColor:[settings objectForKey:@"bgcolor"]];
     [controls.prefSlider setIntValue:[mainConsole setting:@"trans"]];
     [self showColors];
-    [self redraw];
 }
 
 - (void)applyStatusIcon {
-    if (stateOf(controls.prefStatusIcon))
+    if ([controls.prefStatusIcon intValue])
         [appDelegate createAppStatusItem];
     else
         [appDelegate removeAppStatusItem];
@@ -230,11 +166,9 @@ static bool hasNumber(NSTextField* field) {
 
 - (void)applyAlwaysTop {
     NSWindow* const window = [mainConsole window];
-    if (!stateOf(controls.prefAlwaysTop)) {
-        [window setLevel:NSNormalWindowLevel];
-        return;
-    }
-    [window setLevel:NSFloatingWindowLevel];
+    const bool isAbove = [controls.prefAlwaysTop intValue] != 0;
+    [window setLevel:isAbove ? NSFloatingWindowLevel : NSNormalWindowLevel];
+    if (!isAbove) return;
     [window setExcludedFromWindowsMenu:NO];
     [window setCollectionBehavior:MANAGED];
 }
@@ -248,7 +182,8 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
 - (void)windowWillClose:(NSNotification*)notification {
     if (!prefWinIsOpen) return;
     [prefWindow makeFirstResponder:nil]; // what is being typed counts
-    if (!hasNumber(controls.prefSigFigs)) [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
+    NSScanner* const scanner = [NSScanner scannerWithString:[controls.prefSigFigs stringValue]];
+    if (![scanner scanInteger:NULL]) [controls.prefSigFigs setIntValue:[mainConsole setting:@"sigfigs"]];
     keepPossible(controls.prefSigFigs, "sigfigs", USUAL_FIGURES);
     keepPossible(controls.prefHistSize, "histsz", USUAL_LINES);
     NSMutableDictionary* const settings = [mainConsole settings];
@@ -294,12 +229,10 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
         [self showAlpha:target];
         return;
     }
-    NSArray* const fade =
-        [NSArray arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
     timer = [[NSTimer timerWithTimeInterval:FADE_INTERVAL
                                      target:self
                                    selector:@selector(fadeWin:)
-                                   userInfo:fade
+                                   userInfo:@[ @(target), @(rate) ]
                                     repeats:YES] retain];
     // Also while a panel waits for its answer or a menu is open.
     for (NSString* const mode in

@@ -5,7 +5,12 @@
 
 #import <AppKit/AppKit.h>
 
-@interface ZqScroller : NSScroller
+@interface ZqScroller : NSScroller {
+    NSImage* knobTop;
+    NSImage* knobVerticalFill;
+    NSImage* knobBottom;
+    NSImage* slotVerticalFill;
+}
 + (CGFloat)scrollerWidth; // points
 @end
 

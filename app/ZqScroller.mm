@@ -7,12 +7,6 @@
 
 static const CGFloat WIDTH = 15;
 
-static NSImage* knobTop = nil;
-static NSImage* knobVerticalFill = nil;
-static NSImage* knobBottom = nil;
-static NSImage* slotVerticalFill = nil;
-static NSColor* backgroundColor = nil;
-
 static NSImage* scrollerImage(NSString* name) {
     NSString* const path = [[NSBundle bundleForClass:[ZqScroller class]]
         pathForResource:[@"TransparentScroller" stringByAppendingString:name]
@@ -28,37 +22,40 @@ NSRect centeredKnob(NSRect knob, CGFloat width) {
 
 @implementation ZqScroller
 
-+ (void)initialize {
-    if (self != [ZqScroller class] || backgroundColor) return;
-    knobTop = scrollerImage(@"KnobTop");
-    knobVerticalFill = scrollerImage(@"KnobVerticalFill");
-    knobBottom = scrollerImage(@"KnobBottom");
-    slotVerticalFill = scrollerImage(@"SlotVerticalFill");
-    backgroundColor = [[NSColor colorWithCalibratedWhite:0.13 alpha:0.855] retain];
-}
-
 + (CGFloat)scrollerWidth {
     return WIDTH;
 }
 
 - (id)initWithFrame:(NSRect)frame {
-    self = [super initWithFrame:frame];
-    if (self) [self setArrowsPosition:NSScrollerArrowsNone];
-    return self;
+    return [[super initWithFrame:frame] prepared];
 }
 
 - (id)initWithCoder:(NSCoder*)coder {
-    self = [super initWithCoder:coder];
-    if (self) [self setArrowsPosition:NSScrollerArrowsNone];
+    return [[super initWithCoder:coder] prepared];
+}
+
+- (id)prepared {
+    [self setArrowsPosition:NSScrollerArrowsNone];
+    knobTop = scrollerImage(@"KnobTop");
+    knobVerticalFill = scrollerImage(@"KnobVerticalFill");
+    knobBottom = scrollerImage(@"KnobBottom");
+    slotVerticalFill = scrollerImage(@"SlotVerticalFill");
     return self;
 }
 
-// The colour of the console, or the scroller's own where no text view is scrolled.
+- (void)dealloc {
+    [knobTop release];
+    [knobVerticalFill release];
+    [knobBottom release];
+    [slotVerticalFill release];
+    [super dealloc];
+}
+
+// The color of the console, or the scroller's own where no text view is scrolled.
 - (NSColor*)trackColor {
-    NSScrollView* const scroll = [self enclosingScrollView];
-    const id document = [scroll documentView];
-    return [document respondsToSelector:@selector(backgroundColor)] ? [(NSTextView*)document backgroundColor]
-                                                                    : backgroundColor;
+    const id document = [[self enclosingScrollView] documentView];
+    if ([document respondsToSelector:@selector(backgroundColor)]) return [document backgroundColor];
+    return [NSColor colorWithCalibratedWhite:0.13 alpha:0.855];
 }
 
 // GNUstep leaves the proportion as it was when a document begins to fit.

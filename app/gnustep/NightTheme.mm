@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // How controls, menus and panels look: flat and dark, like the console.
+#import "Controls.h"
 #import "Platform.h"
 
 #import "ZqScroller.h"
@@ -38,60 +39,44 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
     [path stroke];
 }
 
-@interface NightTheme : GSTheme
+@interface NightTheme : GSTheme {
+    NSColorList* list; // nil until it is asked for
+}
 @end
 
 @implementation NightTheme
 
+- (void)dealloc {
+    [list release];
+    [super dealloc];
+}
+
+- (void)setColor:(NSColor*)color forNames:(const char*)names {
+    for (NSString* const name in [@(names) componentsSeparatedByString:@" "])
+        [list setColor:color forKey:[name stringByAppendingString:@"Color"]];
+}
+
 - (NSColorList*)colors {
-    static NSColorList* list = nil;
     if (list) return list;
     list = [[NSColorList alloc] initWithName:@"System" fromFile:nil];
     const struct {
-        const char* name;
         CGFloat white;
+        const char* names; // of GNUstep's colors, without "Color"
     } shades[] = {
-        {"windowBackgroundColor", WINDOW},
-        {"windowFrameColor", EDGE},
-        {"windowFrameTextColor", TEXT},
-        {"controlBackgroundColor", FIELD},
-        {"controlColor", WINDOW},
-        {"controlHighlightColor", PRESSED},
-        {"controlLightHighlightColor", EDGE},
-        {"controlShadowColor", EDGE},
-        {"controlDarkShadowColor", FIELD},
-        {"controlTextColor", TEXT},
-        {"disabledControlTextColor", DIM},
-        {"gridColor", EDGE},
-        {"headerColor", CONTROL},
-        {"headerTextColor", TEXT},
-        {"highlightColor", EDGE},
-        {"shadowColor", FIELD},
-        {"knobColor", PRESSED},
-        {"scrollBarColor", FIELD},
-        {"selectedControlColor", PRESSED},
-        {"selectedControlTextColor", 1},
-        {"selectedKnobColor", EDGE},
-        {"selectedMenuItemTextColor", 1},
-        {"selectedTextColor", 1},
-        {"alternateSelectedControlTextColor", 1},
-        {"textBackgroundColor", FIELD},
-        {"textColor", TEXT},
-        {"rowBackgroundColor", FIELD},
-        {"alternateRowBackgroundColor", WINDOW},
-        {"menuBackgroundColor", WINDOW},
-        {"menuItemBackgroundColor", WINDOW},
-        {"menuBarBackgroundColor", WINDOW},
-        {"menuBarBorderColor", WINDOW},
-        {"menuBorderColor", EDGE},
-        {"menuSeparatorColor", EDGE},
+        {FIELD, "controlBackground controlDarkShadow shadow scrollBar textBackground rowBackground"},
+        {WINDOW, "windowBackground control alternateRowBackground menuBackground menuItemBackground "
+                 "menuBarBackground menuBarBorder"},
+        {CONTROL, "header"},
+        {PRESSED, "controlHighlight knob selectedControl"},
+        {EDGE, "windowFrame controlLightHighlight controlShadow grid highlight selectedKnob menuBorder "
+               "menuSeparator"},
+        {DIM, "disabledControlText"},
+        {TEXT, "windowFrameText controlText headerText text"},
+        {1, "selectedControlText selectedMenuItemText selectedText alternateSelectedControlText"},
     };
-    for (const auto& shade : shades) {
-        [list setColor:gray(shade.white) forKey:[NSString stringWithUTF8String:shade.name]];
-    }
-    NSString* const accents[] = {@"selectedMenuItemColor", @"selectedTextBackgroundColor",
-                                 @"alternateSelectedControlColor", @"keyboardFocusIndicatorColor"};
-    for (NSString* const name : accents) [list setColor:accent() forKey:name];
+    for (const auto& shade : shades) [self setColor:gray(shade.white) forNames:shade.names];
+    [self setColor:accent()
+          forNames:"selectedMenuItem selectedTextBackground alternateSelectedControl keyboardFocusIndicator"];
     return list;
 }
 
@@ -197,35 +182,31 @@ static bool hasFocus(GSThemeControlState state) {
 
 // --- Edges ---
 
-- (NSRect)drawEdge:(NSRect)border clip:(NSRect)clip {
+- (NSRect)drawGrayBezel:(NSRect)border withClip:(NSRect)clip {
     (void)clip; // at times empty, when all is to be drawn
     [gray(EDGE) set];
     NSFrameRect(border);
     return NSInsetRect(border, 1, 1);
 }
 
-- (NSRect)drawGrayBezel:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
-}
-
 - (NSRect)drawWhiteBezel:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
+    return [self drawGrayBezel:border withClip:clip];
 }
 
 - (NSRect)drawDarkBezel:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
+    return [self drawGrayBezel:border withClip:clip];
 }
 
 - (NSRect)drawLightBezel:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
+    return [self drawGrayBezel:border withClip:clip];
 }
 
 - (NSRect)drawGroove:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
+    return [self drawGrayBezel:border withClip:clip];
 }
 
 - (NSRect)drawButton:(NSRect)border withClip:(NSRect)clip {
-    return [self drawEdge:border clip:clip];
+    return [self drawGrayBezel:border withClip:clip];
 }
 
 - (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
@@ -245,13 +226,12 @@ static bool hasFocus(GSThemeControlState state) {
 - (void)drawSegment:(NSInteger)segment inFrame:(NSRect)frame withView:(NSView*)view {
     const bool isOn = [self isSelectedForSegment:segment];
     fillRounded(NSInsetRect(frame, 0.5, 0), isOn ? accent() : gray(CONTROL), nil);
-    NSDictionary* const attributes =
-        [NSDictionary dictionaryWithObjectsAndKeys:[self font], NSFontAttributeName, gray(isOn ? 1 : TEXT),
-                                                   NSForegroundColorAttributeName, nil];
+    NSDictionary* const attributes = textLook([self font], gray(isOn ? 1 : TEXT));
     NSString* const label = [self labelForSegment:segment];
     const NSSize size = [label sizeWithAttributes:attributes];
-    const NSPoint corner = NSMakePoint(NSMidX(frame) - size.width / 2, NSMidY(frame) - size.height / 2);
-    [label drawAtPoint:NSMakePoint(std::floor(corner.x), std::floor(corner.y)) withAttributes:attributes];
+    [label drawAtPoint:NSMakePoint(std::floor(NSMidX(frame) - size.width / 2),
+                                   std::floor(NSMidY(frame) - size.height / 2))
+        withAttributes:attributes];
 }
 
 // GNUstep notes where a segment is when it draws it, which is done here instead.

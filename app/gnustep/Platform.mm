@@ -9,7 +9,6 @@
 #include <cstring>
 #include <unistd.h>
 
-#include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
 
 // What waits in front of it, the focus coming and going, is dealt with.
@@ -134,29 +133,6 @@ void platformHide(NSWindow* window) {
     [window miniaturize:nil];
 }
 
-void platformKeepAbove(NSWindow* window, bool isAbove) {
-    const int number = static_cast<int>([window windowNumber]);
-    if (number <= 0) return;
-    GSDisplayServer* const server = GSServerForWindow(window);
-    Display* const display = static_cast<Display*>([server serverDevice]);
-    if (!display) return;
-    // The "Extended Window Manager Hints": a message to the root window, 1 to add the state and 0 to remove
-    // it.
-    XEvent message = {};
-    message.xclient.type = ClientMessage;
-    message.xclient.window = reinterpret_cast<Window>([server windowDevice:number]);
-    message.xclient.message_type = XInternAtom(display, "_NET_WM_STATE", False);
-    message.xclient.format = 32;
-    message.xclient.data.l[0] = isAbove ? 1 : 0;
-    message.xclient.data.l[1] = static_cast<long>(XInternAtom(display, "_NET_WM_STATE_ABOVE", False));
-    message.xclient.data.l[3] = 1; // an application asks
-    XSendEvent(display, DefaultRootWindow(display), False, SubstructureNotifyMask | SubstructureRedirectMask,
-               &message);
-    // A window that joins those above may come below the front one of them.
-    if (isAbove) XRaiseWindow(display, message.xclient.window);
-    XFlush(display);
-}
-
 // The window manager's frame is not told from the window's own once that was taken away: shown again it would
 // be larger by the frame, with nothing painted there. A window made anew for every opening has the size of
 // the first.
@@ -164,26 +140,21 @@ void platformWillOpenPanel(NSSavePanel* panel) {
     [panel setOneShot:YES];
 }
 
-// Breaks a line at blanks. A word that is longer than a line stays whole.
-static NSString* brokenLine(NSString* line) {
-    const NSUInteger most = 52; // characters, in a window of the first size
-    NSMutableString* const text = [NSMutableString string];
-    NSUInteger length = 0;
-    NSArray* const words = [line componentsSeparatedByString:@" "];
-    for (NSUInteger i = 0; i < [words count]; i++) {
-        NSString* const word = [words objectAtIndex:i];
-        const bool isBreak = i > 0 && length + 1 + [word length] > most;
-        if (i > 0) [text appendString:isBreak ? @"\n" : @" "];
-        [text appendString:word];
-        length = i == 0 || isBreak ? [word length] : length + 1 + [word length];
-    }
-    return text;
-}
-
+// Lines are broken at blanks. A word that is longer than a line stays whole.
 NSString* platformSheetText(NSString* text) {
-    NSMutableArray* const lines = [NSMutableArray array];
-    for (NSString* const line in [text componentsSeparatedByString:@"\n"]) [lines addObject:brokenLine(line)];
-    return [lines componentsJoinedByString:@"\n"];
+    const NSUInteger most = 52; // characters, in a window of the first size
+    NSMutableString* const broken = [NSMutableString string];
+    NSUInteger length = 0; // of the last line
+    for (NSString* const line in [text componentsSeparatedByString:@"\n"]) {
+        NSString* between = [broken length] > 0 ? @"\n" : @"";
+        for (NSString* const word in [line componentsSeparatedByString:@" "]) {
+            if ([between isEqualToString:@" "] && length + 1 + [word length] > most) between = @"\n";
+            length = [word length] + ([between isEqualToString:@" "] ? length + 1 : 0);
+            [broken appendFormat:@"%@%@", between, word];
+            between = @" ";
+        }
+    }
+    return broken;
 }
 
 CGFloat platformScale() {

@@ -44,7 +44,9 @@ void platformHide(NSWindow*) {
     [NSApp hide:nil];
 }
 
-void platformKeepAbove(NSWindow*, bool) {}
+Class mainWindowClass() {
+    return [NSWindow class];
+}
 
 void platformWillOpenPanel(NSSavePanel*) {}
 

@@ -14,7 +14,6 @@ NSDictionary* information(id, SEL) {
     return [NSDictionary dictionaryWithObject:@"1.2.3" forKey:@"ApplicationRelease"];
 }
 
-// One panel lasts as long as the program, so one test makes it.
 class About : public ShellTest {
 protected:
     void SetUp() override {
@@ -22,11 +21,10 @@ protected:
         [window makeKeyAndOrderFront:nil];
         const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
         const Replaced about([NSBundle class], @selector(infoDictionary), information);
-        showAboutPanel();
-        for (NSWindow* const one in [NSApp windows]) {
-            if ([[one title] isEqualToString:@"About Tallyquill"]) panel = one;
-        }
+        panel = buildAboutPanel();
         ASSERT_NE(panel, nil);
+        EXPECT_EQ(std::string([[panel title] UTF8String]), "About Tallyquill");
+        [panel makeKeyAndOrderFront:nil];
     }
     void TearDown() override {
         [panel orderOut:nil];

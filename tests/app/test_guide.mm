@@ -162,11 +162,10 @@ NSString* pathOfTests(id, SEL, NSString*, NSString*) {
 
 NSWindow* shownGuide() {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
-    EXPECT_TRUE(showGuideWindow());
-    for (NSWindow* const one in [NSApp windows]) {
-        if ([[one title] isEqualToString:@"Tallyquill Guide"]) return one;
-    }
-    return nil;
+    NSWindow* const window = buildGuideWindow();
+    EXPECT_EQ(std::string([[window title] UTF8String]), "Tallyquill Guide");
+    [window makeKeyAndOrderFront:nil];
+    return window;
 }
 
 TEST_F(Guide, ItsWindowShowsAllOfTheTextAtTheSmallestWidth) {
