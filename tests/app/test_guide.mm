@@ -313,7 +313,10 @@ TEST_F(Guide, AClickOnALinkGoesToItsSection) {
         EXPECT_LT(y, isAtEnd ? NSMaxY(sight) : NSMinY(sight) + 40) << [name UTF8String];
         sections.insert([link UTF8String]);
     }
-    EXPECT_EQ(sections.size(), 14u) << "every section is among the contents";
+    std::ifstream guide(TALLYQUILL_GUIDE);
+    size_t headings = 0;
+    for (std::string line; std::getline(guide, line);) headings += line.rfind("## ", 0) == 0;
+    EXPECT_EQ(sections.size(), headings) << "every section is among the contents";
     [window close];
 }
 
