@@ -37,9 +37,7 @@ static std::string_view unitName(std::string_view text) {
     return text.substr(head.size(), text.find('=') - head.size());
 }
 
-// The statements between the semicolons, without their comments. What stands behind the last semicolon is no
-// statement when it is blank.
-static std::vector<std::string_view> splitStatements(std::string_view line) {
+std::vector<std::string_view> splitStatements(std::string_view line) {
     std::vector<std::string_view> statements;
     size_t start = 0;
     while (statements.size() < MAX_STATEMENTS) {

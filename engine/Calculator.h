@@ -26,9 +26,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 constexpr int MAX_STATEMENTS = 999;
+
+// The statements between the semicolons of a line, without their comments. What stands behind the last
+// semicolon is no statement when it is blank.
+std::vector<std::string_view> splitStatements(std::string_view line);
 
 class ZqCalculator : public EntrySettings, public Statement, public Outcome {
 public:

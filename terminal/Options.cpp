@@ -12,6 +12,7 @@ constexpr OptionRow TABLE[] = {
     {"separator", 'F', "SEP", "with --each, fields stand between SEPs and not blanks", &Options::separator},
     {"quiet", 'q', nullptr, "print values alone, no names and no messages", &Options::quiet},
     {"last", 0, nullptr, "print the last value only", &Options::last},
+    {"json", 0, nullptr, "print a JSON object for each statement, errors too", &Options::json},
     {"fail-fast", 0, nullptr, "stop at the first error", &Options::failFast},
     {"preview", 0, nullptr, "evaluate as while one types: briefly, storing nothing", &Options::preview},
     {"no-files", 0, nullptr, "read none of your own definitions", &Options::noFiles},

@@ -26,6 +26,7 @@ struct Options {
     std::vector<Input> inputs;  // in the order in which they were given
     bool quiet = false;         // values alone
     bool last = false;          // the last value alone
+    bool json = false;          // an object for each statement (Json.h)
     bool failFast = false;      // the first error ends the run
     std::string_view each;      // the entry for every line of standard input; empty: none
     std::string_view separator; // what stands between the fields of these; empty: blanks

@@ -45,7 +45,9 @@ int Run::Evaluate() {
     std::optional<Each> each; // before the inputs, which may set other values to begin with
     if (!options.each.empty()) each.emplace(session.Calculator(), options.each, options.separator);
     Over over;
+    std::size_t number = 0;
     for (const Options::Input& input : options.inputs) {
+        session.SetPlace(++number);
         over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
         if (over) return *over;
     }
@@ -87,11 +89,12 @@ Run::Over Run::EvaluateEach(Each& each) {
         if (number == 1 && line.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0)
             line.erase(0, BYTE_ORDER_MARK.size());
         if (isBlank(line)) continue;
-        session.SetPlace("line " + std::to_string(number) + ": ");
+        session.SetPlace(number, "line " + std::to_string(number) + ": ");
         const std::string error = line.size() > MAX_DATA_LENGTH
                                       ? "** ERROR: " + std::to_string(MAX_DATA_LENGTH) + " max characters **"
                                       : each.Take(line);
-        const Over over = error.empty() ? EvaluateEntry(options.each) : Answer(session.Refuse(error));
+        const Over over =
+            error.empty() ? EvaluateEntry(options.each) : Answer(session.RefuseEntry(options.each, error));
         if (over) return over;
     }
 }
@@ -116,10 +119,9 @@ Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
         if (status == LineReader::Status::Failed) return inputLost(name);
         if (status == LineReader::Status::End) break;
         if (number == 1 && line.compare(0, 2, "#!") == 0) continue;
-        if (isFile) session.SetPlace(name + ":" + std::to_string(number) + ": ");
+        session.SetPlace(number, isFile ? name + ":" + std::to_string(number) + ": " : "");
         const Over over = EvaluateEntry(line);
         if (over) return over;
     }
-    session.SetPlace("");
     return {};
 }

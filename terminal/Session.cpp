@@ -5,11 +5,13 @@
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"
+#include "Json.h"
 #include "Query.h"
 #include "ShownText.h"
 #include "WebPage.h"
 #include "units.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +19,8 @@
 #include <unistd.h>
 
 namespace {
+
+constexpr std::string_view BLANKS = " \t";
 
 // Whether `descriptor` is a terminal that understands escape sequences.
 bool canClear(int descriptor) {
@@ -52,7 +56,7 @@ void Session::TestUnits() {
 
 Session::Outcome Session::Run(std::string_view entry) {
     const EntryFault fault = checkEntry(entry);
-    if (fault != EntryFault::None) return Refuse(faultMessage(fault));
+    if (fault != EntryFault::None) return RefuseEntry(entry, faultMessage(fault));
 
     Outcome outcome = Outcome::Answered;
     {
@@ -65,10 +69,45 @@ Session::Outcome Session::Run(std::string_view entry) {
 }
 
 Session::Outcome Session::Evaluate(std::string_view entry) {
-    if (style.preview) return AnswerPreview(entry);
-    calc.ProcessEntry(std::string(entry).c_str(), false);
+    if (style.json) return EvaluateStatements(entry);
+    const int status = calc.ProcessEntry(std::string(entry).c_str(), style.preview);
     std::fflush(stdout); // the trace of this entry comes before its answer
+    return style.preview ? AnswerPreview(status) : AnswerEntry();
+}
 
+// One by one, until one fails or is a command for the console, as the engine goes through an entry.
+Session::Outcome Session::EvaluateStatements(std::string_view entry) {
+    for (std::string_view statement : splitStatements(entry)) {
+        statement.remove_prefix(std::min(statement.find_first_not_of(BLANKS), statement.size()));
+        statement = statement.substr(0, statement.find_last_not_of(BLANKS) + 1);
+        if (statement.empty()) continue;
+        const Outcome outcome = EvaluateStatement(statement);
+        if (outcome != Outcome::Answered || calc.status == STATUS_COMMAND) return outcome;
+    }
+    return Outcome::Answered;
+}
+
+Session::Outcome Session::EvaluateStatement(std::string_view statement) {
+    shown.clear();
+    int status = calc.ProcessEntry(std::string(statement).c_str(), style.preview);
+    std::fflush(stdout);
+    const Outcome outcome = style.preview ? AnswerPreview(status) : AnswerEntry();
+    if (outcome == Outcome::Interrupted) return outcome;
+    if (outcome == Outcome::Refused) status = STATUS_ERROR;
+    JsonAnswer answer = jsonAnswer(calc, status, shown);
+    answer.entry = statement;
+    answer.line = line;
+    const bool isRemark = status == STATUS_MESSAGE || status == STATUS_COMMAND;
+    if (isRemark && (style.quiet || style.last)) return outcome;
+    const std::string object = jsonLine(answer);
+    if (status == STATUS_RESULT && style.last)
+        lastValue = object;
+    else if (!writeAll(answers, object))
+        return Outcome::OutputLost;
+    return outcome;
+}
+
+Session::Outcome Session::AnswerEntry() {
     // What a command for the console echoes is shown by that command alone.
     if (calc.status == STATUS_COMMAND) return CarryOut(calc.message);
     // Otherwise collected echoes come first, also those of an entry that failed further on.
@@ -81,8 +120,8 @@ Session::Outcome Session::Evaluate(std::string_view entry) {
 }
 
 // A command word is no command here, and a definition has no answer.
-Session::Outcome Session::AnswerPreview(std::string_view entry) {
-    switch (calc.ProcessEntry(std::string(entry).c_str(), true)) {
+Session::Outcome Session::AnswerPreview(int status) {
+    switch (status) {
     case STATUS_RESULT: return AnswerValue();
     case STATUS_ERROR: return Refuse(calc.message);
     default: return Outcome::Answered;
@@ -95,12 +134,12 @@ Session::Outcome Session::AnswerValue() {
     anyRefused = anyRefused || calc.overflowed;
     if (style.quiet) text.remove_prefix(text.find(" = ") + 3);
     if (!style.last) return Answer(text);
-    lastValue = text;
+    lastValue = ShownText(text);
     return Outcome::Answered;
 }
 
 bool Session::End() {
-    return Show(lastValue);
+    return writeAll(answers, lastValue);
 }
 
 // A text that is no value.
@@ -108,17 +147,31 @@ Session::Outcome Session::Remark(std::string_view text) {
     return style.quiet || style.last ? Outcome::Answered : Answer(text);
 }
 
+Session::Outcome Session::RefuseEntry(std::string_view entry, std::string_view message) {
+    shown.clear();
+    const Outcome outcome = Refuse(message);
+    if (!style.json) return outcome;
+    JsonAnswer answer = jsonAnswer(calc, STATUS_ERROR, shown);
+    answer.entry = entry;
+    answer.line = line;
+    answer.position = {};
+    return writeAll(answers, jsonLine(answer)) ? outcome : Outcome::OutputLost;
+}
+
 Session::Outcome Session::Refuse(std::string_view message) {
     anyRefused = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
-    writeAll(errors, ShownText(place + asLine(message)));
+    if (style.json)
+        shown = message;
+    else
+        writeAll(errors, ShownText(place + asLine(message)));
     return Outcome::Refused;
 }
 
 Session::Outcome Session::CarryOut(std::string_view command) {
     if (command == "exit") return Outcome::Ended;
     if (command == "clear") {
-        if (!canClear(answers)) return Outcome::Answered;
+        if (style.json || !canClear(answers)) return Outcome::Answered;
         return writeAll(answers, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
     long number = 0;
@@ -135,7 +188,7 @@ Session::Outcome Session::Pause(long milliseconds) {
 }
 
 Session::Outcome Session::TypeOut(std::string_view text, long rate) {
-    if (style.quiet || style.last) return Outcome::Answered;
+    if (style.quiet || style.last || style.json) return Remark(text);
     const long wait = WaitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
@@ -148,7 +201,7 @@ Session::Outcome Session::TypeOut(std::string_view text, long rate) {
 }
 
 Session::Outcome Session::Convert(std::string_view query) {
-    if (isatty(answers) == 1 && !Show("...checking...\n")) return Outcome::OutputLost;
+    if (isatty(answers) == 1 && !style.json && !Show("...checking...\n")) return Outcome::OutputLost;
     const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
     const std::string found =
         askService(service == nullptr ? "" : service, query, QUERY_SECONDS, isInterrupted);
@@ -165,5 +218,9 @@ Session::Outcome Session::Answer(std::string_view text) {
 }
 
 bool Session::Show(std::string_view text) {
+    if (style.json) {
+        shown += asLine(text);
+        return true;
+    }
     return writeAll(answers, ShownText(asLine(text)));
 }

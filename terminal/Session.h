@@ -23,6 +23,7 @@ public:
         bool quiet = false;   // values alone: no names, nothing for messages and echoed texts
         bool last = false;    // of all values only the last one, which End writes; no other text
         bool preview = false; // as a preview: within its limit of work, and nothing is stored
+        bool json = false;    // an object for each statement (Json.h), errors too, and nothing else
     };
 
     // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's. Builds the
@@ -30,17 +31,20 @@ public:
     Session(int out, int err, Style how);
     Session(int out, int err) : Session(out, err, Style()) {}
 
-    // The calculator that evaluates the entries.
-    // What is written in front of an error, such as the place of its line.
-    void SetPlace(const std::string& text) { place = text; }
+    // Where the next entry comes from: the line of the input or the number of the argument, and what is
+    // written in front of an error, such as "line 7: ".
+    void SetPlace(std::size_t number, const std::string& text = "") {
+        line = number;
+        place = text;
+    }
 
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
     // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the
     // program.
     Outcome Run(std::string_view entry);
 
-    // Shows an error, and counts it as that of an entry.
-    Outcome Refuse(std::string_view message);
+    // Shows an error about an entry that does not reach the engine.
+    Outcome RefuseEntry(std::string_view entry, std::string_view message);
 
     // Writes what was held back. False when that failed; errno says why.
     bool End();
@@ -63,11 +67,15 @@ public:
 private:
     void TestUnits();
     Outcome Evaluate(std::string_view entry);
+    Outcome EvaluateStatements(std::string_view entry);
+    Outcome EvaluateStatement(std::string_view statement);
+    Outcome Refuse(std::string_view message);
     Outcome Pause(long milliseconds);
     Outcome TypeOut(std::string_view text, long rate);
     Outcome Convert(std::string_view query);
     Outcome OpenWebPage();
-    Outcome AnswerPreview(std::string_view entry);
+    Outcome AnswerEntry();
+    Outcome AnswerPreview(int status);
     Outcome AnswerValue();
     Outcome Remark(std::string_view text);
     Outcome Answer(std::string_view text);
@@ -76,8 +84,10 @@ private:
     int answers;
     int errors;
     Style style;
+    std::size_t line = 0;
     std::string place;
-    std::string lastValue; // held back
+    std::string lastValue; // held back, as it will be written
+    std::string shown;     // with objects: what was shown, or the error
     bool anyRefused = false;
     ZqCalculator calc;
 };

@@ -52,9 +52,11 @@ int main(int argc, char** argv) {
     }
     const int answers = setAnswersAside(options.trace);
     if (answers < 0) return outputLost(errno);
-    static Session session(answers, STDERR_FILENO, {options.quiet, options.last, options.preview});
+    static Session session(answers, STDERR_FILENO,
+                           {options.quiet, options.last, options.preview, options.json});
     Run run(session, answers, options);
-    const bool isTyped = options.inputs.empty() && options.each.empty() && isatty(STDIN_FILENO) == 1;
+    const bool isScript = !options.inputs.empty() || !options.each.empty() || options.json;
+    const bool isTyped = !isScript && isatty(STDIN_FILENO) == 1;
     run.Prepare(!isTyped);
     return isTyped ? evaluateTyped(session, answers, run) : run.Evaluate();
 }
