@@ -6,7 +6,7 @@
 #import "Platform.h"
 #import "WebQuery.h"
 
-#include "ConsoleCommand.h"
+#include "Commands.h"
 
 #include <algorithm>
 #include <chrono>

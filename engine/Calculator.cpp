@@ -200,7 +200,7 @@ int ZqCalculator::Calculate(const char* statement) {
     }
     qfixintegers(result);
     if (fullEntry) {
-        if (newVariable) variables.Append(std::move(newVariable));
+        if (newVariable) variables.Append(newVariable.release());
         variables.SetValue(target, result);
     }
     return state;

@@ -117,14 +117,9 @@ int Evaluator::CopyBody(const Call& call, const Function& function) {
 // Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been
 // applied, so what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
 node* Evaluator::Expand(const Call& call, const Function* function) {
-    if (call.open->level > WorkLimit::CALL_LEVEL) {
-        SuspectCircle(call);
-        return nullptr;
-    }
-    if (!function || !function->body) {
-        outcome.FailAt(call.function, "** Unrecognized function: %s **\n", {call.Name()});
-        return nullptr;
-    }
+    if (call.open->level > WorkLimit::CALL_LEVEL) return SuspectCircle(call), nullptr;
+    if (!function || !function->body)
+        return outcome.FailAt(call.function, "** Unrecognized function: %s **\n", {call.Name()}), nullptr;
     if (PayForBody(call, *function) != 0) return nullptr;
     operators.push_back(call.open);
     const node* lastArgument = call.close->prev;

@@ -85,13 +85,9 @@ int echo(Commands& c, const std::string& text, const std::string& command) {
 
 // --- Deleting ---
 
-std::string nameIn(const std::string& text) {
-    const auto isOfName = [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; };
-    return {text.begin(), std::find_if_not(text.begin(), text.end(), isOfName)};
-}
-
 int deleteNamed(Commands& c, const CommandText& text) {
-    const std::string name = nameIn(text.argument);
+    const auto end = std::find_if_not(text.argument.begin(), text.argument.end(), IsOfName);
+    const std::string name(text.argument.begin(), end);
     if (const Function* function = funcs.FindByName(name.c_str(), -1)) {
         funcs.DeleteFunction(function);
         return c.outcome.Tell("** deleted " + name + "() **\n");
@@ -142,12 +138,8 @@ int pause(Commands& c, const CommandText& text) {
     return handOver(c, text.word == "pause" ? "pause" + std::to_string(text.number) : text.word);
 }
 
-int clear(Commands& c, const CommandText&) {
-    return handOver(c, "clear");
-}
-
-int exit(Commands& c, const CommandText&) {
-    return handOver(c, "exit");
+int clearOrExit(Commands& c, const CommandText& text) {
+    return handOver(c, text.word == "exit" ? "exit" : "clear");
 }
 
 int showGospel(Commands& c, const CommandText&) {
@@ -236,8 +228,7 @@ int showFunction(Commands& c, const CommandText& text) {
 CommandText readCommand(const std::string& statement) {
     CommandText text;
     text.statement = statement;
-    text.lower = statement.substr(0, COMMAND_LENGTH);
-    for (char& c : text.lower) c = LowerCase(c);
+    text.lower = LowerCased(statement.substr(0, COMMAND_LENGTH));
     text.word = text.lower.substr(0, text.lower.find_first_of(" \t\r\n"));
     const size_t start = statement.find_first_not_of(" \t", statement.find_first_of(" \t\r\n"));
     if (start != std::string::npos) {
@@ -303,9 +294,9 @@ const std::vector<Command>& commandTable() {
         {"histstack on", Command::EXACT, "histstack on", nullptr, recordEntries},
         {"histstack off", Command::EXACT, "histstack off", "whether entries are remembered", recordEntries},
         {"convert", Command::WORD, "convert TEXT", "asks an online service", convert},
-        {"clear", Command::EXACT, "clear", nullptr, clear},
-        {"cls", Command::EXACT, nullptr, nullptr, clear},
-        {"exit", Command::EXACT, "exit", nullptr, exit},
+        {"clear", Command::EXACT, "clear", nullptr, clearOrExit},
+        {"cls", Command::EXACT, nullptr, nullptr, clearOrExit},
+        {"exit", Command::EXACT, "exit", nullptr, clearOrExit},
         {"gospel", Command::EXACT, "gospel", "clears the console, ends the program, says why all this is right", showGospel},
         {"", Command::FUNCTION, "mod", "the definition of a function of this name", showFunction},
     };
@@ -320,4 +311,20 @@ int Commands::Run(const std::string& typed) {
         if (matches(command, text)) return command.run(*this, text);
     }
     return NO_COMMAND;
+}
+
+bool CommandHasNumber(std::string_view command, std::string_view word, long& number) {
+    if (command.substr(0, word.size()) != word) return false;
+    const std::string rest(command.substr(word.size()));
+    char* end = nullptr;
+    number = strtol(rest.c_str(), &end, 0);
+    return end != rest.c_str();
+}
+
+long PauseLength(long number) {
+    return number >= 0 && number <= 5000 ? number : 1000;
+}
+
+long WaitBetweenCharacters(long number) {
+    return number > 0 && number <= 100 ? 1000 / number : 0;
 }

@@ -91,7 +91,7 @@ int Definitions::CheckNamesInBody() {
 int Definitions::Add(const std::string& name, std::string& parameters, const std::string& body, bool isKept) {
     const std::vector<std::string> names = splitAtCommas(parameters);
     Deq& terms = statement.terms;
-    if (scanner.ScanBody(body, name, {names.begin(), names.end()}, isKept) != 0) return STATUS_ERROR;
+    if (scanner.ScanBody(body, {name, {names.begin(), names.end()}, isKept}) != 0) return STATUS_ERROR;
     if (variables.CheckNames() != 0 || checkSyntax(terms, outcome, work) != 0 || CheckNamesInBody() != 0)
         return STATUS_ERROR;
     if (!terms.first) return outcome.Fail("** ERROR: can't define an empty function **\n");

@@ -15,13 +15,9 @@ public:
     Definitions(const EntryContext& context, Scanner& theScanner)
         : EntryContext(context), scanner(theScanner) {}
 
-    // Defines a function from "name(args)=expression", white space allowed: its body is scanned, checked and
-    // ordered here, and by no call. Returns 1 and the definition in the message, or -1 with an error. One
-    // that was kept from an earlier run takes the place of a predefined function, and may call functions that
-    // are still to come or were deleted.
+    // The calculator's DefineFunction and IsValidArgList. A body is scanned, checked and ordered here, and by
+    // no call.
     int Define(const char* text, bool isKept);
-
-    // Whether each piece between the commas is a valid name; the first that is not goes into the message.
     bool CheckParameters(const std::string& list);
 
     // The definition as text. An interruption cuts it, with a message.

@@ -78,8 +78,7 @@ const qfloat* Evaluator::ValueOf(const node* term) {
     } else if (strncmp(text, "0o", 2) == 0) {
         format = "** ERROR 7: %s is not a valid octal term **\n";
     }
-    outcome.FailAt(term, format, {text});
-    return nullptr;
+    return outcome.FailAt(term, format, {text}), nullptr;
 }
 
 int Evaluator::Node2Num(const node* term, qfloat value) {
@@ -97,10 +96,8 @@ node* Evaluator::ProcPair(node* op, int32_t code) {
     node* right = code == OP_FACTORIAL ? nullptr : op->next;
     const qfloat* leftValue = left ? ValueOf(left) : &NO_OPERAND;
     if (!leftValue) return nullptr;
-    if (!right && code != OP_FACTORIAL) {
-        outcome.FailAt(op, "** ERROR 3: operator '%s' missing argument **\n", {name});
-        return nullptr;
-    }
+    if (!right && code != OP_FACTORIAL)
+        return outcome.FailAt(op, "** ERROR 3: operator '%s' missing argument **\n", {name}), nullptr;
     const qfloat* rightValue = right ? ValueOf(right) : &NO_OPERAND;
     if (!rightValue) return nullptr;
     qfloat value = {};
@@ -159,10 +156,8 @@ int Evaluator::ConversionFactor(const node* source, const node* destination, qfl
 node* Evaluator::ProcConversion(node* arrow) {
     node* source = arrow->prev;
     node* destination = arrow->next;
-    if (!source || !source->text || !destination || !destination->text) {
-        outcome.FailAt(arrow, "** ERROR 12: missing conversion unit **");
-        return nullptr;
-    }
+    if (!source || !source->text || !destination || !destination->text)
+        return outcome.FailAt(arrow, "** ERROR 12: missing conversion unit **"), nullptr;
     qfloat value;
     if (ConversionFactor(source, destination, value) != 0) return nullptr;
     source->type = TERM_NUMBER;

@@ -87,15 +87,13 @@ void removeTrailingZeros(std::string& text, size_t keep) {
     while (text.size() > shortest && text.back() == '0') text.pop_back();
 }
 
-// -18 a, -15 f, -12 p, -9 n, -6 u, -3 m, -2 c, 0 blank, 3 k, 6 M, 9 G, 12 T, 15 P
-const char prefixes[] = "a  f  p  n  u  mc    k  M  G  T  P";
-
 std::string exponentForm(const Decimal& decimal, ExponentKind kind, int scimode) {
     int e = decimal.exponent;
     if (kind == EXPONENT_OF_THREE) e = e >= 0 ? e / 3 * 3 : -((2 - e) / 3 * 3);
     std::string text = withPoint(decimal.digits, decimal.exponent - e);
     if (scimode == SCI_AUTO) removeTrailingZeros(text, 1);
-    if (scimode == SCI_PREFIX && e >= -18 && e <= 15) return text + prefixes[e + 18];
+    if (scimode == SCI_PREFIX && e >= LEAST_PREFIX && e <= 15)
+        return text + METRIC_PREFIXES[e - LEAST_PREFIX];
     return text + 'e' + std::to_string(e);
 }
 

@@ -13,6 +13,10 @@
 // characters, a point, 100 decimals and a sign.
 constexpr size_t FORMAT_SIZE = 13312;
 
+// The metric prefixes: the first is that of 10^LEAST_PREFIX, and so on; a blank is none.
+constexpr char METRIC_PREFIXES[] = "a  f  p  n  u  mc    k  M  G  T  P";
+constexpr int LEAST_PREFIX = -18;
+
 // Formats a number in decimal into `out` (FORMAT_SIZE bytes). `sigfigs` counts decimals in fixed mode;
 // `scimode` is a SciMode, any other number counts as never; `separator` 0 means no grouping. Never fails.
 void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator);

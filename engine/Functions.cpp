@@ -91,39 +91,24 @@ static void bindParameters(Function* function) {
     }
 }
 
-// The key of the index by name: names are compared without their case.
-static std::string folded(const char* name) {
-    std::string key = name;
-    for (char& c : key) c = LowerCase(c);
-    return key;
-}
-
 const CFunctionList::Row& CFunctionList::Namesakes(const char* name) const {
     static const Row none;
-    const auto found = byName.find(folded(name));
+    const auto found = byName.find(LowerCased(std::string(name)));
     return found == byName.end() ? none : found->second;
 }
 
 Function* CFunctionList::FindNamesake(const char* name, int32_t argCount, bool isPredefined) const {
-    for (Function* candidate : Namesakes(name)) {
+    for (const auto& [number, candidate] : Namesakes(name)) {
         visited++;
         if (argCount == candidate->argCount && isPredefined == (candidate->body == nullptr)) return candidate;
     }
     return nullptr;
 }
 
-// A function that comes back may belong in front of others.
-void CFunctionList::InsertInRow(Row& row, Function* function) const {
-    const auto isBefore = [this](const Function* a, const Function* b) {
-        return numbers.at(a) < numbers.at(b);
-    };
-    row.insert(std::upper_bound(row.begin(), row.end(), function, isBefore), function);
-}
-
 void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) {
     numbers.emplace(function.get(), number);
-    InsertInRow(byName[folded(function->name)], function.get());
-    if (!function->body) InsertInRow(predefined, function.get());
+    byName[LowerCased(std::string(function->name))].emplace(number, function.get());
+    if (!function->body) predefined.emplace(number, function.get());
     functions.emplace(number, std::move(function));
     TabCompleteReset();
 }
@@ -131,13 +116,10 @@ void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) 
 std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
     const auto place = functions.find(number);
     std::shared_ptr<Function> function = std::move(place->second);
-    const auto removeFrom = [&function](Row& row) {
-        row.erase(std::remove(row.begin(), row.end(), function.get()), row.end());
-    };
-    const auto namesakes = byName.find(folded(function->name));
-    removeFrom(namesakes->second);
+    const auto namesakes = byName.find(LowerCased(std::string(function->name)));
+    namesakes->second.erase(number);
     if (namesakes->second.empty()) byName.erase(namesakes);
-    if (!function->body) removeFrom(predefined);
+    predefined.erase(number);
     numbers.erase(function.get());
     functions.erase(place);
     TabCompleteReset();
@@ -187,17 +169,16 @@ Function* CFunctionList::FunctionExists(const char* name, int32_t argCount) cons
     const bool isOwn =
         named && named->body && argCount != -1; // it could be defined only without predefined ones
     if (!strIsEqualNI(name, "log", 3) || isOwn) return named;
-    const auto answers = [this, argCount](const Function* f) {
+    for (const auto& [number, function] : predefined) {
         visited++;
-        return argCount == -1 || f->argCount == argCount;
-    };
-    const auto found = std::find_if(predefined.begin(), predefined.end(), answers);
-    if (found == predefined.end()) return named;
-    return named && numbers.at(named) < numbers.at(*found) ? named : *found;
+        if (argCount == -1 || function->argCount == argCount)
+            return named && numbers.at(named) < number ? named : function;
+    }
+    return named;
 }
 
 Function* CFunctionList::FindByName(const char* name, int32_t argCount) const {
-    for (Function* candidate : Namesakes(name)) {
+    for (const auto& [number, candidate] : Namesakes(name)) {
         visited++;
         if (argCount == -1 || candidate->argCount == argCount) return candidate;
     }

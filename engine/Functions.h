@@ -96,12 +96,11 @@ public:
     void RecordIn(Undo* changes) { undo = changes; }
 
 private:
-    using Row = std::vector<Function*>; // some of the functions, in the order of the list
+    using Row = std::map<uint64_t, Function*>; // some of the functions, by their numbers
 
     Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
     void Insert(std::shared_ptr<Function> function, uint64_t number);
     std::shared_ptr<Function> Take(uint64_t number);
-    void InsertInRow(Row& row, Function* function) const;
 
     // The functions with this name, case ignored.
     const Row& Namesakes(const char* name) const;

@@ -58,16 +58,15 @@ char* StrDuplicate(std::string_view text) {
 std::string StrShown(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
-    for (char c : text) {
-        if (c == '\x10' || c == '\x11')
-            shown += "->";
-        else
-            shown += c;
-    }
+    for (char c : text) shown.append(c == '\x10' || c == '\x11' ? "->" : std::string_view(&c, 1));
     return shown;
 }
 
+std::string LowerCased(std::string text) {
+    for (char& c : text) c = LowerCase(c);
+    return text;
+}
+
 bool IsValidName(std::string_view text) {
-    const auto isOfName = [](char c) { return IsLetter(c) || IsDigit(c) || c == '_'; };
-    return !text.empty() && IsLetter(text[0]) && std::all_of(text.begin(), text.end(), isOfName);
+    return !text.empty() && IsLetter(text[0]) && std::all_of(text.begin(), text.end(), IsOfName);
 }

@@ -34,11 +34,14 @@ constexpr bool IsDigit(char c) {
 constexpr bool IsBlank(char c) { // or a line end
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
+constexpr bool IsOfName(char c) { // behind the first letter of a name
+    return IsLetter(c) || IsDigit(c) || c == '_';
+}
 constexpr char LowerCase(char c) { // A to Z become a to z
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
+std::string LowerCased(std::string text);
 
-// Whether the text is the name of a variable, a function or a parameter: a letter, then letters, digits and
-// '_'.
+// Whether the text is the name of a variable, a function or a parameter: a letter, then characters of a name.
 bool IsValidName(std::string_view text);
 constexpr int MAX_NAME = 50; // names have fewer characters

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 CHistory::~CHistory() {
     Clear();
@@ -65,32 +64,15 @@ bool CHistory::HistLocDown() {
     return location > 0;
 }
 
-static bool beginsWith(const char* line, const char* prefix) {
-    return line && strncmp(line, prefix, strlen(prefix)) == 0;
-}
-
-bool CHistory::HistLocUpWithMatch(const char* prefix) {
+bool CHistory::Browse(const char* prefix, int32_t step) {
     matching = true;
-    for (int32_t k = location + 1; k <= count; k++) {
-        if (!beginsWith(GetHistoryStr(k), prefix)) continue;
+    const int32_t from = step < 0 ? std::min(location, count + 1) : location; // it may be beyond the lines
+    for (int32_t k = from + step; k >= 1 && k <= count; k += step) {
+        if (strncmp(GetHistoryStr(k), prefix, strlen(prefix)) != 0) continue;
         location = k;
         return true;
     }
     return false;
-}
-
-bool CHistory::HistLocDownWithMatch(const char* prefix) {
-    matching = true;
-    for (int32_t k = location - 1; k >= 1; k--) {
-        if (!beginsWith(GetHistoryStr(k), prefix)) continue;
-        location = k;
-        return true;
-    }
-    return false;
-}
-
-void CHistory::HistLocReset() {
-    location = 0;
 }
 
 void CHistory::HistLocLast() {
@@ -100,12 +82,12 @@ void CHistory::HistLocLast() {
 
 void CHistory::SetMaxEntries(int n) {
     n = n < 1 ? HISTORY_DEFAULT_ENTRIES : std::min(n, HISTORY_SLOTS);
-    char* lines[HISTORY_SLOTS];
+    std::rotate(entries, entries + next, entries + maxEntries); // the newest line into the last slot
     const int32_t kept = std::min(count, n);
-    for (int32_t k = count; k > kept; k--) delete[] entries[SlotOf(k)];
-    for (int32_t k = kept; k >= 1; k--) lines[kept - k] = entries[SlotOf(k)];
-    std::fill(std::begin(entries), std::end(entries), nullptr);
-    std::copy(lines, lines + kept, entries);
+    std::for_each(entries + maxEntries - count, entries + maxEntries - kept,
+                  [](char*& line) { delete[] line; });
+    std::rotate(entries, entries + maxEntries - kept, entries + maxEntries);
+    std::fill(entries + kept, std::end(entries), nullptr);
     count = kept;
     next = kept % n; // a full ring goes on at its oldest line, slot 0
     location = std::min(location, n);

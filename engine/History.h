@@ -32,11 +32,11 @@ public:
 
     // To the next older or newer line that begins with the prefix (exactly, case counts). False, without a
     // move, when there is none; the line being typed is never reached.
-    bool HistLocUpWithMatch(const char* prefix);
-    bool HistLocDownWithMatch(const char* prefix);
+    bool HistLocUpWithMatch(const char* prefix) { return Browse(prefix, 1); }
+    bool HistLocDownWithMatch(const char* prefix) { return Browse(prefix, -1); }
 
-    void HistLocReset(); // to the line being typed
-    void HistLocLast();  // to the oldest line, out of prefix matching
+    void HistLocReset() { location = 0; } // to the line being typed
+    void HistLocLast();                   // to the oldest line, out of prefix matching
 
     // Changes the capacity: at most 999, a value below 1 means 99. The newest lines stay.
     void SetMaxEntries(int n);
@@ -52,5 +52,6 @@ public:
     bool matching = false; // in prefix-matching browsing
 
 private:
+    bool Browse(const char* prefix, int32_t step);
     int32_t SlotOf(int32_t k) const { return (next - k + maxEntries) % maxEntries; }
 };

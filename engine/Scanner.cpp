@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Scanner.h"
 
+#include "Format.h"
 #include "Functions.h"
 #include "Helpers_String.h"
 
@@ -139,16 +140,12 @@ static bool isArrowInUnit(const std::string& text) {
     return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
 }
 
-int Scanner::ScanBody(std::string text, const std::string& function, const Names& parameters, bool isKept) {
+int Scanner::ScanBody(std::string text, const Definition& definition) {
     statement.terms.Clear();
-    functionInDefinition = function;
-    parametersInDefinition = parameters;
-    isKeptDefinition = isKept;
     if (!isArrowInUnit(text)) markConversion(text);
+    inDefinition = &definition;
     const int state = Scan(std::move(text));
-    functionInDefinition.clear();
-    parametersInDefinition.clear();
-    isKeptDefinition = false;
+    inDefinition = nullptr;
     return state;
 }
 
@@ -238,13 +235,14 @@ void Scanner::ScanTerms(const std::string& text) {
 // Whether the name stands for a number, here or where the function is called whose body is read.
 bool Scanner::IsValueName(std::string_view name) {
     work.looked += name.size();
-    return variables.Find(name) || parametersInDefinition.count(name) != 0;
+    return variables.Find(name) || (inDefinition && inDefinition->parameters.count(name) != 0);
 }
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.
 bool Scanner::IsFunctionName(const std::string& name) const {
-    if (isKeptDefinition && name.size() < MAX_NAME && IsValidName(name)) return true;
-    return funcs.FunctionExists(name.c_str(), -1) || strIsEqualI(name.c_str(), functionInDefinition.c_str());
+    if (inDefinition && inDefinition->isKept && name.size() < MAX_NAME && IsValidName(name)) return true;
+    return funcs.FunctionExists(name.c_str(), -1) ||
+           (inDefinition && strIsEqualI(name.c_str(), inDefinition->function.c_str()));
 }
 
 // A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a
@@ -321,18 +319,6 @@ static std::string joinThousands(std::string_view text) {
     return findDecString(joined, rest) == 1 ? joined : "";
 }
 
-static int suffixExponent(char suffix) {
-    static const struct {
-        char letter;
-        int exponent;
-    } suffixes[] = {{'a', -18}, {'f', -15}, {'p', -12}, {'n', -9}, {'u', -6}, {'m', -3},
-                    {'c', -2},  {'k', 3},   {'M', 6},   {'G', 9},  {'T', 12}, {'P', 15}};
-    for (const auto& entry : suffixes) {
-        if (entry.letter == suffix) return entry.exponent;
-    }
-    return 0;
-}
-
 int Scanner::Str2Num(const char* text, qfloat value) {
     if (!text) return outcome.Fail("** crazy error **");
     const std::string_view view = text;
@@ -345,10 +331,11 @@ int Scanner::Str2Num(const char* text, qfloat value) {
         const std::string joined = joinThousands(view);
         return !joined.empty() && asctoq(joined.c_str(), value) == 0 ? 0 : -1;
     }
-    const int exponent = rest.size() == 1 ? suffixExponent(rest[0]) : 0;
-    if (exponent == 0) return -1;
+    const char* const prefix =
+        rest.size() == 1 && rest[0] != ' ' ? strchr(METRIC_PREFIXES, rest[0]) : nullptr;
+    if (!prefix) return -1;
     const std::string number(view.substr(0, view.size() - 1));
     if (asctoq(number.c_str(), value) != 0) return -1;
-    qdecexp(value, exponent);
+    qdecexp(value, static_cast<int>(prefix - METRIC_PREFIXES) + LEAST_PREFIX);
     return 0;
 }

@@ -13,8 +13,11 @@ class Scanner : EntryContext {
 public:
     explicit Scanner(const EntryContext& context) : EntryContext(context) {}
 
-    // Names, exactly as they are written.
-    using Names = std::set<std::string, std::less<>>;
+    struct Definition {
+        std::string function;
+        std::set<std::string, std::less<>> parameters;
+        bool isKept; // from an earlier run
+    };
 
     // Reads an expression, or name=expression, of which markConversion has seen the text, into the
     // statement's terms and its target: "ans" without a name, a new one where no variable has the name.
@@ -22,12 +25,10 @@ public:
     int Scan(std::string text);
 
     // The same for the right-hand side of a definition: the function and its parameters are known in it, and
-    // when it was kept from an earlier run every name in front of a parenthesis is that of a function.
-    int ScanBody(std::string text, const std::string& function, const Names& parameters, bool isKept);
+    // when it was kept every name in front of a parenthesis is that of a function.
+    int ScanBody(std::string text, const Definition& definition);
 
-    // Reads a number: 0 and the value, or -1 when the text is none (a variable's name gives 0 without a
-    // value).
-    int Str2Num(const char* text, qfloat value);
+    int Str2Num(const char* text, qfloat value); // the method of the same name of the calculator
 
 private:
     int ScanAssignment(std::string& text);
@@ -39,11 +40,8 @@ private:
     bool IsFunctionName(const std::string& name) const;
     bool IsValueName(std::string_view name);
 
-    // While a body is read: the function that it belongs to, and its parameters.
-    std::string functionInDefinition;
-    Names parametersInDefinition;
-    bool isKeptDefinition = false;
-    std::string lookedUp; // the last operand
+    const Definition* inDefinition = nullptr; // whose body is read
+    std::string lookedUp;                     // the last operand
 };
 
 // The statement without leading white space, without what follows its first ';', and without trailing blanks

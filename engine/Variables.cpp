@@ -13,7 +13,7 @@ std::unique_ptr<node> makeTerm(std::string_view name) {
 void Variables::Add(const char* name, const qfloat value) {
     auto variable = makeTerm(name);
     variable->SetValue(value);
-    Append(std::move(variable));
+    Append(variable.release());
 }
 
 void Variables::Delete(node* variable) {
@@ -22,11 +22,11 @@ void Variables::Delete(node* variable) {
         outcome.lastValue = nullptr;
     }
     if (statement.target == variable) statement.target = nullptr;
-    terms.Delete(variable);
+    NamedTerms::Delete(variable);
 }
 
 void Variables::Reset() {
-    terms.DeleteAll();
+    DeleteAll();
     statement.target = nullptr;
     outcome.lastValue = nullptr;
     outcome.lastName = nullptr;
@@ -35,15 +35,15 @@ void Variables::Reset() {
 }
 
 int Variables::CheckNames() {
-    terms.Find(""); // notices other changes
-    if (!terms.isForeign) return 0;
-    for (node* variable = list.first; variable; variable = variable->next) {
+    Find(""); // notices other changes
+    if (!isForeign) return 0;
+    for (node* variable = First(); variable; variable = variable->next) {
         work.names++;
         if (variable->text && IsValidName(variable->text)) continue;
         outcome.Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
         if (statement.fullEntry) Delete(variable);
         return STATUS_ERROR;
     }
-    terms.isForeign = false;
+    isForeign = false;
     return 0;
 }

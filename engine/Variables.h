@@ -11,23 +11,15 @@
 #include <memory>
 #include <string_view>
 
-class Variables {
+class Variables : public NamedTerms {
 public:
     // The list holds them; its owner may change it in other ways too, but not while an entry runs. A variable
     // that is deleted is no statement's target any more, and not the one that was last assigned.
-    Variables(Deq& theList, Statement& theStatement, Outcome& theOutcome, Undo& theUndo,
-              WorkCounters& theWork)
-        : list(theList), statement(theStatement), outcome(theOutcome), work(theWork),
-          terms(
-              theList, [](std::string_view text) { return text; }, theUndo, theWork.indexed) {}
+    Variables(Deq& terms, Statement& theStatement, Outcome& theOutcome, Undo& changes, WorkCounters& theWork)
+        : NamedTerms(
+              terms, [](std::string_view text) { return text; }, changes, theWork.indexed),
+          statement(theStatement), outcome(theOutcome), work(theWork) {}
 
-    node* First() const { return list.first; } // "ans"
-
-    // The variable with exactly this name, or null.
-    node* Find(std::string_view name) { return terms.Find(name); }
-
-    void Append(std::unique_ptr<node> variable) { terms.Append(variable.release()); }
-    void SetValue(node* variable, const qfloat value) { terms.SetValue(variable, value); }
     void Delete(node* variable);
 
     // Leaves "ans" = 0 and "pi".
@@ -41,11 +33,9 @@ public:
 private:
     void Add(const char* name, const qfloat value);
 
-    Deq& list;
     Statement& statement;
     Outcome& outcome;
     WorkCounters& work;
-    NamedTerms terms;
 };
 
 // A term of this name without a value.

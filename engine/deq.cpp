@@ -79,32 +79,6 @@ void node::DropText() {
     text = nullptr;
 }
 
-static node* newNode(char* text) {
-    node* term = new node;
-    term->text = text;
-    return term;
-}
-
-node* Deq::Push(node* term) {
-    return Insert(term, static_cast<node*>(nullptr));
-}
-
-node* Deq::Push(char* text) {
-    return Push(newNode(text));
-}
-
-node* Deq::Insert(node* term, int i) {
-    return Insert(term, i < 0 || i >= count ? last : Get(i));
-}
-
-node* Deq::Insert(char* text, int i) {
-    return Insert(newNode(text), i);
-}
-
-node* Deq::Insert(char* text, node* before) {
-    return Insert(newNode(text), before);
-}
-
 node* Deq::Insert(node* term, node* before) {
     node* after = before ? before->prev : last;
     term->prev = after;

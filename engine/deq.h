@@ -87,6 +87,7 @@ struct node {
     qfloat* value = nullptr; // owned, from new qfloat[1]; numbers and variables have one
 
     node() = default;
+    explicit node(char* owned) : text(owned) {}
     ~node(); // frees text and value; does not unlink
     node(const node&) = delete;
     node& operator=(const node&) = delete;
@@ -109,18 +110,18 @@ public:
     Deq& operator=(const Deq&) = delete;
 
     // Appends a node, which the list then owns. Returns it.
-    node* Push(node* term);
+    node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
     // caller sets its type. Returns it.
-    node* Push(char* text);
+    node* Push(char* text) { return Push(new node(text)); }
 
     // Inserts before position i, counted from 0. An index below 0 or past the end means before the last node.
-    node* Insert(node* term, int i);
-    node* Insert(char* text, int i);
+    node* Insert(node* term, int i) { return Insert(term, i < 0 || i >= count ? last : Get(i)); }
+    node* Insert(char* text, int i) { return Insert(new node(text), i); }
 
     // Inserts a new node before a node of this list; a null `before` appends.
-    node* Insert(char* text, node* before);
+    node* Insert(char* text, node* before) { return Insert(new node(text), before); }
     node* Insert(node* term, node* before);
 
     // The node at position i from 0: the first node when i is below 1, null past the end. An empty list

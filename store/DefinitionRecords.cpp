@@ -15,19 +15,6 @@ namespace {
 
 constexpr size_t HEADER_START = 11; // so many characters of a header tell which it is: "### HISTORY"
 
-bool isOfName(char c) {
-    return IsLetter(c) || IsDigit(c) || c == '_';
-}
-
-bool isVariableName(const std::string& name) {
-    return !name.empty() && IsLetter(name[0]) && std::all_of(name.begin(), name.end(), isOfName);
-}
-
-std::string lowerCase(std::string text) {
-    for (char& c : text) c = LowerCase(c);
-    return text;
-}
-
 std::string withoutBlanks(std::string text) {
     text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }),
                text.end());
@@ -70,7 +57,7 @@ Kind split(DefinitionRecord& record) {
     }
     if (splitFunction(record)) return Kind::Function;
     const std::string name = trimmed(record.name);
-    if (!isVariableName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
+    if (!IsValidName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
     record.name = name;
     return Kind::Variable;
 }
@@ -91,7 +78,7 @@ public:
         const std::string& text = record.body;
         for (size_t i = 0; i < text.size();) {
             const size_t start = i;
-            while (i < text.size() && (isOfName(text[i]) || text[i] == '.')) i++;
+            while (i < text.size() && (IsOfName(text[i]) || text[i] == '.')) i++;
             if (record.kind == Kind::Unit)
                 UseUnits(std::string_view(text).substr(start, i - start));
             else if (i > start && IsLetter(text[start]) &&
@@ -104,7 +91,7 @@ public:
 
 private:
     static std::string NameOf(Kind kind, const std::string& name) {
-        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? lowerCase(name) : name);
+        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? LowerCased(name) : name);
     }
 
     static bool IsCalled(const std::string& text, size_t end) {
@@ -160,7 +147,7 @@ std::string DefinitionRecord::Key() const {
     const auto commas = std::count(parameters.begin(), parameters.end(), ',');
     const std::string key = std::to_string(static_cast<int>(kind));
     if (kind != Kind::Function) return key + name;
-    return key + lowerCase(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
+    return key + LowerCased(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
 }
 
 DefinitionRecord recordOf(const std::string& line) {

@@ -76,39 +76,24 @@ std::string historyLines(const CHistory& history) {
 
 // --- Reading ---
 
-// Keeps what an entry leaves in the engine, sets it up for reading, and puts it back.
-class EngineState {
-public:
-    explicit EngineState(ZqCalculator& engine)
-        : calc(engine), settings(engine), outcome(std::make_unique<Outcome>(engine)), answer(engine.answer),
-          fullEntry(engine.fullEntry), interruptCheck(engine.interruptCheck), mathError(merror) {
-        calc.european = calc.tenKey = false;
-        calc.fullEntry = true;
-        calc.interruptCheck = nullptr; // an interrupted line would be a lost one
-    }
-    ~EngineState() {
-        static_cast<EntrySettings&>(calc) = settings;
-        static_cast<Outcome&>(calc) = *outcome;
-        calc.answer = answer;
-        calc.fullEntry = fullEntry;
-        calc.interruptCheck = interruptCheck;
+// Sets the engine up for reading. What an entry leaves in it is put back by the steps in `undo`.
+void prepare(ZqCalculator& calc, Undo& undo) {
+    undo.Begin();
+    undo.Add([&calc] {
         calc.terms.Clear();
         calc.target = calc.vars.first;
-        merror = mathError;
         units_clear_exception();
-    }
-    EngineState(const EngineState&) = delete;
-    EngineState& operator=(const EngineState&) = delete;
-
-private:
-    ZqCalculator& calc;
-    const EntrySettings settings;
-    const std::unique_ptr<Outcome> outcome;
-    const Answer answer;
-    const bool fullEntry;
-    bool (*const interruptCheck)();
-    const decltype(merror) mathError;
-};
+    });
+    undo.Keep<EntrySettings>(calc);
+    undo.Keep<Outcome>(calc);
+    undo.Keep(calc.answer);
+    undo.Keep(calc.fullEntry);
+    undo.Keep(calc.interruptCheck);
+    undo.Keep(merror);
+    calc.european = calc.tenKey = false;
+    calc.fullEntry = true;
+    calc.interruptCheck = nullptr; // an interrupted line would be a lost one
+}
 
 enum class Reading { Refused, Taken, TooLong };
 
@@ -121,7 +106,9 @@ public:
     // is refused then may need it and counts as such, too.
     std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
         // A person may have any number of definitions: the limit is for evaluations and for long lines.
-        for (const DefinitionRecord& record : records) left += IsLong(record) ? 0 : CostOf(record);
+        uint64_t limit = WorkLimit::FUNCTIONS_FILE;
+        for (const DefinitionRecord& record : records) limit += IsLong(record) ? 0 : CostOf(record);
+        budget.Begin(limit);
         std::vector<Reading> readings(records.size(), Reading::Refused);
         for (const size_t position : orderOfReading(records)) readings[position] = TakeOne(records[position]);
         if (std::count(readings.begin(), readings.end(), Reading::TooLong) == 0) return readings;
@@ -155,8 +142,8 @@ private:
     Reading TakeOne(const DefinitionRecord& record) {
         const bool isFunction = record.kind == Kind::Function;
         const uint64_t cost = CostOf(record);
-        if (cost > left || (IsLong(record) && !isFunction)) return Reading::TooLong;
-        left -= cost;
+        if (cost > budget.Left() || (IsLong(record) && !isFunction)) return Reading::TooLong;
+        budget.Spend(cost);
         if (isFunction) {
             const int state = calc.DefineFunction(record.statement.c_str(), true);
             return state == STATUS_ERROR ? Reading::Refused : Reading::Taken;
@@ -166,18 +153,18 @@ private:
 
     // A variable may have the name of a command, which would read what follows a blank.
     Reading Evaluate(const DefinitionRecord& record) {
-        const uint64_t allowed = std::min(left, WorkLimit::LINE_OF_FILE);
+        const uint64_t allowed = std::min(budget.Left(), WorkLimit::LINE_OF_FILE);
         uint64_t work = allowed;
         const std::string assignment = record.name + "=" + record.body;
         const bool isUnit = record.kind == Kind::Unit;
         const int state = calc.CalculateWithin(isUnit ? record.statement.c_str() : assignment.c_str(), work);
-        left -= allowed - work;
+        budget.Spend(allowed - work);
         if (state != STATUS_ERROR) return Reading::Taken;
         return work == 0 ? Reading::TooLong : Reading::Refused;
     }
 
     ZqCalculator& calc;
-    uint64_t left = WorkLimit::FUNCTIONS_FILE;
+    WorkBudget budget;
 };
 
 // Whether the history came through whole.
@@ -237,7 +224,9 @@ DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, Sys
     DefinitionsRead result;
     result.opened = readWholeFile(path, result.text, system);
     if (!result.opened) return result;
-    const EngineState state(calc);
+    Undo undo;
+    prepare(calc, undo);
     takeText(calc, result);
+    undo.TakeBack();
     return result;
 }

@@ -2,7 +2,7 @@
 #include "FileKeeping.h"
 
 #include <algorithm>
-#include <cctype>
+#include <fnmatch.h>
 #include <string_view>
 
 namespace {
@@ -12,8 +12,10 @@ constexpr size_t PIECE = size_t{1} << 16;  // bytes read at once
 constexpr size_t LARGEST_WRITE = 1U << 30; // some systems refuse more at once
 constexpr int MAX_LINKS = 40;              // symbolic links followed one after the other
 constexpr int KEPT_FILES = 10;
-constexpr std::string_view KEPT_NAME = ".unreadable";
-constexpr std::string_view TEMPORARY_NAME = ".tallyquill-XXXXXX";
+constexpr char KEPT_NAME[] = ".unreadable";
+constexpr char TEMPORARY_NAME[] = ".tallyquill-XXXXXX";
+constexpr char TEMPORARY_PATTERN[] =
+    ".tallyquill-[0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z]";
 constexpr useconds_t LOCK_PAUSE = 2000; // microseconds
 
 // An open file, closed at the end of its life.
@@ -87,11 +89,6 @@ void flushFolder(System& system, const std::string& path) {
     if (opened.IsOpen()) flush(system, opened.Number());
 }
 
-bool exists(System& system, const std::string& path) {
-    struct stat info;
-    return system.StatusOfLink(path.c_str(), info) == 0;
-}
-
 // Where the text of a symbolic link leads: the path, from the link's own folder.
 bool readLink(System& system, const std::string& path, std::string& destination) {
     std::string text(PIECE, '\0');
@@ -156,7 +153,7 @@ bool fill(System& system, Descriptor& file, const std::string& text) {
 // False with errno set.
 bool replaceFile(System& system, std::string destination, const std::string& text) {
     if (!followLinks(system, destination) || !isReplaceable(system, destination)) return false;
-    std::string temporary = destination + std::string(TEMPORARY_NAME);
+    std::string temporary = destination + TEMPORARY_NAME;
     Descriptor file(system, makeTemporary(system, temporary));
     if (!file.IsOpen()) return false;
     const Descriptor lock(system, system.Duplicate(file.Number()));
@@ -171,18 +168,11 @@ bool replaceFile(System& system, std::string destination, const std::string& tex
 }
 
 // Whether a name in a folder is that of a temporary file for `name` or for a file kept beside that.
-bool isTemporaryName(std::string_view entry, std::string_view name) {
-    const size_t letters = 6;
-    const std::string_view mark = TEMPORARY_NAME.substr(0, TEMPORARY_NAME.size() - letters);
-    if (entry.size() < name.size() + TEMPORARY_NAME.size() || entry.substr(0, name.size()) != name)
-        return false;
-    const std::string_view end = entry.substr(entry.size() - TEMPORARY_NAME.size());
-    if (end.substr(0, mark.size()) != mark) return false;
-    const std::string_view between =
-        entry.substr(name.size(), entry.size() - name.size() - TEMPORARY_NAME.size());
-    const bool isBeside = between.empty() || between.substr(0, KEPT_NAME.size()) == KEPT_NAME;
-    const auto isLetterOrDigit = [](unsigned char c) { return isalnum(c) != 0; };
-    return isBeside && std::all_of(end.begin() + static_cast<long>(mark.size()), end.end(), isLetterOrDigit);
+bool isTemporaryName(const std::string& entry, const std::string& name) {
+    if (entry.compare(0, name.size(), name) != 0) return false;
+    const char* const rest = entry.c_str() + name.size();
+    return fnmatch(TEMPORARY_PATTERN, rest, 0) == 0 ||
+           fnmatch((std::string(KEPT_NAME) + "*" + TEMPORARY_PATTERN).c_str(), rest, 0) == 0;
 }
 
 // Under its lock, which a living program would have.
@@ -200,33 +190,6 @@ std::string lockName(System& system, std::string path) {
     followLinks(system, path);
     const std::string folder = folderOf(path);
     return folder + "." + path.substr(folder.size()) + ".lock";
-}
-
-std::string keptName(const std::string& path, int number) {
-    const std::string name = path + std::string(KEPT_NAME);
-    return number == 0 ? name : name + "." + std::to_string(number);
-}
-
-std::string keepCopy(System& system, const std::string& path, const std::string& text,
-                     std::error_code* reason) {
-    for (int number = 0; number < KEPT_FILES; number++) {
-        std::string name = keptName(path, number);
-        std::string kept;
-        if (!exists(system, name)) return writeFileAtomically(name, text, reason, system) ? name : "";
-        if (readWholeFile(name, kept, system) && kept == text) return name;
-    }
-    return "";
-}
-
-std::string moveAside(System& system, const std::string& path, std::error_code* reason) {
-    for (int number = 0; number < KEPT_FILES; number++) {
-        std::string name = keptName(path, number);
-        if (exists(system, name)) continue;
-        if (system.Rename(path.c_str(), name.c_str()) == 0) return name;
-        if (reason) *reason = std::error_code(errno, std::generic_category());
-        return "";
-    }
-    return "";
 }
 
 } // namespace
@@ -282,6 +245,18 @@ std::string keepUnreadable(const std::string& path, std::error_code* reason, Sys
     // A link that leads nowhere holds nothing.
     if (system.Status(path.c_str(), info) != 0 && (errno == ENOENT || errno == ENOTDIR)) return "";
     std::string text;
-    return readWholeFile(path, text, system) ? keepCopy(system, path, text, reason)
-                                             : moveAside(system, path, reason);
+    std::string kept;
+    const bool isReadable = readWholeFile(path, text, system);
+    for (int number = 0; number < KEPT_FILES; number++) {
+        const std::string name = path + KEPT_NAME + (number == 0 ? "" : "." + std::to_string(number));
+        if (system.StatusOfLink(name.c_str(), info) == 0) {
+            if (isReadable && readWholeFile(name, kept, system) && kept == text) return name;
+            continue;
+        }
+        if (isReadable) return writeFileAtomically(name, text, reason, system) ? name : "";
+        if (system.Rename(path.c_str(), name.c_str()) == 0) return name;
+        if (reason) *reason = std::error_code(errno, std::generic_category());
+        return "";
+    }
+    return "";
 }

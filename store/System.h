@@ -14,6 +14,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+// To the disk itself where the system tells the disk's memory from the disk.
+inline int syncToDisk(int file) {
+#ifdef F_FULLFSYNC
+    if (fcntl(file, F_FULLFSYNC) == 0) return 0;
+#endif
+    return fsync(file);
+}
+
 // Each method is the system call of its name, with its results and `errno`.
 class System {
 public:
@@ -34,58 +42,22 @@ public:
     virtual int CloseOnExec(int file) { return fcntl(file, F_SETFD, FD_CLOEXEC); }
     virtual ssize_t Read(int file, void* bytes, size_t size) { return read(file, bytes, size); }
     virtual ssize_t Write(int file, const void* bytes, size_t size) { return write(file, bytes, size); }
-    // To the disk itself where the system tells the disk's memory from the disk.
-    virtual int Sync(int file) {
-#ifdef F_FULLFSYNC
-        if (fcntl(file, F_FULLFSYNC) == 0) return 0;
-#endif
-        return fsync(file);
-    }
-    virtual int Lock(int file, int operation) {
-        return flock(file, operation);
-    }
-    virtual int Close(int file) {
-        return close(file);
-    }
+    virtual int Sync(int file) { return syncToDisk(file); }
+    virtual int Lock(int file, int operation) { return flock(file, operation); }
+    virtual int Close(int file) { return close(file); }
 
-    virtual int StatusOf(int file, struct stat& info) {
-        return fstat(file, &info);
-    }
-    virtual int Status(const char* path, struct stat& info) {
-        return stat(path, &info);
-    }
-    virtual int StatusOfLink(const char* path, struct stat& info) {
-        return lstat(path, &info);
-    }
-    virtual ssize_t ReadLink(const char* path, char* text, size_t size) {
-        return readlink(path, text, size);
-    }
-    virtual int MayWrite(const char* path) {
-        return faccessat(AT_FDCWD, path, W_OK, AT_EACCESS);
-    }
-    virtual int Rename(const char* from, const char* to) {
-        return rename(from, to);
-    }
-    virtual int Remove(const char* path) {
-        return unlink(path);
-    }
-    virtual int MakeFolder(const char* path, mode_t mode) {
-        return mkdir(path, mode);
-    }
-    virtual DIR* OpenFolder(const char* path) {
-        return opendir(path);
-    }
-    virtual const dirent* NextEntry(DIR* folder) {
-        return readdir(folder);
-    } // NOLINT(concurrency-mt-unsafe)
-    virtual int CloseFolder(DIR* folder) {
-        return closedir(folder);
-    }
+    virtual int StatusOf(int file, struct stat& info) { return fstat(file, &info); }
+    virtual int Status(const char* path, struct stat& info) { return stat(path, &info); }
+    virtual int StatusOfLink(const char* path, struct stat& info) { return lstat(path, &info); }
+    virtual ssize_t ReadLink(const char* path, char* text, size_t size) { return readlink(path, text, size); }
+    virtual int MayWrite(const char* path) { return faccessat(AT_FDCWD, path, W_OK, AT_EACCESS); }
+    virtual int Rename(const char* from, const char* to) { return rename(from, to); }
+    virtual int Remove(const char* path) { return unlink(path); }
+    virtual int MakeFolder(const char* path, mode_t mode) { return mkdir(path, mode); }
+    virtual DIR* OpenFolder(const char* path) { return opendir(path); }
+    virtual const dirent* NextEntry(DIR* folder) { return readdir(folder); } // NOLINT(concurrency-mt-unsafe)
+    virtual int CloseFolder(DIR* folder) { return closedir(folder); }
     using Time = std::chrono::steady_clock::time_point;
-    virtual Time Now() {
-        return std::chrono::steady_clock::now();
-    }
-    virtual void Pause(useconds_t microseconds) {
-        usleep(microseconds);
-    }
+    virtual Time Now() { return std::chrono::steady_clock::now(); }
+    virtual void Pause(useconds_t microseconds) { usleep(microseconds); }
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
-#include "ConsoleCommand.h"
+#include "Commands.h"
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ConsoleCommand.h"
+#include "Commands.h"
 
 #include <gtest/gtest.h>
 
