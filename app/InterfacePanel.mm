@@ -80,13 +80,13 @@ struct Grid {
     NSView* last;
 
     // Text that is not a control, beside the controls.
-    NSTextField* text(NSString* content, CGFloat x, CGFloat width) {
+    NSTextField* Text(NSString* content, CGFloat x, CGFloat width) {
         return labelIn(view, content, NSMakeRect(x, y - 3, width, HIGH));
     }
 
-    void label(NSString* title) { [text(title, EDGE, LABELS) setAlignment:NSRightTextAlignment]; }
+    void Label(NSString* title) { [Text(title, EDGE, LABELS) setAlignment:NSRightTextAlignment]; }
 
-    template <typename Control> Control* add(Control* control, CGFloat width) {
+    template <typename Control> Control* Add(Control* control, CGFloat width) {
         [control setFrame:NSMakeRect(COLUMN, y, width, HIGH)];
         [control setTarget:target];
         [control setAction:@selector(prefCallback:)];
@@ -99,31 +99,31 @@ struct Grid {
     }
 
     // The control of a setting, behind its title.
-    template <typename Control> Control* addSetting(const char* key, Control* control, CGFloat width) {
-        made.of(*findSetting(key)) = control;
-        label(@(findSetting(key)->title));
-        return add(control, width);
+    template <typename Control> Control* AddSetting(const char* key, Control* control, CGFloat width) {
+        made.Of(*findSetting(key)) = control;
+        Label(@(findSetting(key)->title));
+        return Add(control, width);
     }
 
-    NSTextField* field(const char* key, CGFloat width) {
+    NSTextField* Field(const char* key, CGFloat width) {
         NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSZeroRect] autorelease];
         [[field cell] setSendsActionOnEndEditing:YES]; // leaving the field counts as well
-        return addSetting(key, field, width);
+        return AddSetting(key, field, width);
     }
 
-    NSButton* box(const char* key) {
-        NSButton* const button = box(@(findSetting(key)->title));
-        made.of(*findSetting(key)) = button;
+    NSButton* Box(const char* key) {
+        NSButton* const button = Box(@(findSetting(key)->title));
+        made.Of(*findSetting(key)) = button;
         return button;
     }
 
-    NSButton* box(NSString* title) {
+    NSButton* Box(NSString* title) {
         NSButton* const button = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
         [button setButtonType:NSSwitchButton];
         [button setTitle:title];
         [button setImagePosition:NSImageLeft];
         [button setAlignment:NSLeftTextAlignment];
-        return add(button, REST);
+        return Add(button, REST);
     }
 };
 
@@ -132,39 +132,39 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     for (const SettingChoice& mode : findSetting("scimode")->choices) {
         if (mode.title) [made.prefSciMode addItemWithTitle:@(mode.title)];
     }
-    grid.addSetting("scimode", made.prefSciMode, 170);
-    made.prefSigFigs = grid.field("sigfigs", 60);
-    made.prefSepReason = grid.text(@"", COLUMN + 28 + GAP, REST - 28 - GAP);
-    made.prefSepChar = grid.field("schar", 28);
+    grid.AddSetting("scimode", made.prefSciMode, 170);
+    made.prefSigFigs = grid.Field("sigfigs", 60);
+    made.prefSepReason = grid.Text(@"", COLUMN + 28 + GAP, REST - 28 - GAP);
+    made.prefSepChar = grid.Field("schar", 28);
     TextFormatter* const oneCharacter = [[[TextFormatter alloc] init] autorelease];
     [oneCharacter setMaximumLength:1];
     [made.prefSepChar setFormatter:oneCharacter];
     [made.prefSepChar setAlignment:NSCenterTextAlignment];
-    made.prefSeparator = grid.box("separator");
-    made.prefEuropean = grid.box("european");
-    made.prefTwosComp = grid.box("twoscomp");
-    grid.label(@"Sample:");
+    made.prefSeparator = grid.Box("separator");
+    made.prefEuropean = grid.Box("european");
+    made.prefTwosComp = grid.Box("twoscomp");
+    grid.Label(@"Sample:");
     const NSRect frame = NSMakeRect(COLUMN, grid.y, REST, HIGH);
     made.prefNumPreview = [[[NumberField alloc] initWithFrame:frame] autorelease];
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     [grid.view addSubview:made.prefNumPreview];
     grid.y -= ROW + SECTION;
-    made.prefHistSize = grid.field("histsz", 60);
+    made.prefHistSize = grid.Field("histsz", 60);
     [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
 }
 
 static void addColors(Grid& grid, PrefControls& made) {
-    made.prefFGColor = grid.addSetting("fgcolor", makeColorWell(), 60);
-    made.prefBGColor = grid.addSetting("bgcolor", makeColorWell(), 60);
+    made.prefFGColor = grid.AddSetting("fgcolor", makeColorWell(), 60);
+    made.prefBGColor = grid.AddSetting("bgcolor", makeColorWell(), 60);
     PercentSlider* const slider = [[[PercentSlider alloc] initWithFrame:NSZeroRect] autorelease];
     [slider setMinValue:0];
     [slider setMaxValue:100];
-    [slider setShown:grid.text(@"", COLUMN + SLIDER + GAP, 60)];
-    made.prefSlider = grid.addSetting("trans", slider, SLIDER);
+    [slider setShown:grid.Text(@"", COLUMN + SLIDER + GAP, 60)];
+    made.prefSlider = grid.AddSetting("trans", slider, SLIDER);
     made.prefResetColors = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
     [made.prefResetColors setTitle:@"Reset Colors"];
     [made.prefResetColors setBezelStyle:NSRoundedBezelStyle];
-    grid.add(made.prefResetColors, 120);
+    grid.Add(made.prefResetColors, 120);
 }
 
 // GNUstep draws the tick of a disabled box as bright as that of the others.
@@ -180,10 +180,10 @@ static void dimTick(NSButton* box) {
 }
 
 static void addWindow(Grid& grid, PrefControls& made) {
-    made.prefTransBGOnly = grid.box("transback");
-    made.prefSnapTo = grid.box("snaptoscreen");
-    made.prefAlwaysTop = grid.box(@"Keep above other windows");
-    made.prefStatusIcon = grid.box("statusicon");
+    made.prefTransBGOnly = grid.Box("transback");
+    made.prefSnapTo = grid.Box("snaptoscreen");
+    made.prefAlwaysTop = grid.Box(@"Keep above other windows");
+    made.prefStatusIcon = grid.Box("statusicon");
     if (platformStatusBar()) return;
     [made.prefStatusIcon setEnabled:NO];
     dimTick(made.prefStatusIcon);

@@ -142,7 +142,7 @@ static const useconds_t FLASH = 80000; // microseconds
 // is.
 - (void)cut:(id)sender {
     const NSRange selection = [self selectedRange];
-    const EntryRange inEntry = [self transcript].selectedInEntry();
+    const EntryRange inEntry = [self transcript].SelectedInEntry();
     if (selection.location < static_cast<NSUInteger>(g_linestart)) {
         if (inEntry.length > 0) {
             [self setSelectedRange:NSMakeRange(inEntry.location, inEntry.length)];
@@ -175,7 +175,7 @@ static NSString* asOneLine(NSString* text) {
     NSString* const line = asOneLine(text);
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     // Part of a text would be another calculation.
-    if (![self transcript].hasRoomFor([line length])) {
+    if (![self transcript].HasRoomFor([line length])) {
         [self updateStatusbar:"The text is too long for an entry."];
         return NO;
     }

@@ -31,7 +31,7 @@ static NSRange rangeOf(const EntryRange& range) {
 
 - (void)keyDown:(NSEvent*)event {
     const bool minusIsSign = [self setting:@"doublenegans"] != 0;
-    const KeyEffect effect = [self transcript].press(keyPress(event), minusIsSign);
+    const KeyEffect effect = [self transcript].Press(keyPress(event), minusIsSign);
     if (effect.goesToEnd) [self gotoEnd];
     if (effect.select) [self setSelectedRange:rangeOf(*effect.select)];
     [self edit:effect];
@@ -63,7 +63,7 @@ static NSRange rangeOf(const EntryRange& range) {
 }
 
 - (NSRange)rangeForUserCompletion {
-    return rangeOf([self transcript].partialWord());
+    return rangeOf([self transcript].PartialWord());
 }
 
 // An entry is one line: Control-O and its like open no other.

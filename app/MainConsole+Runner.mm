@@ -73,7 +73,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
     if (isAtWork) return;
     [self copySettingsToEngine];
-    if (!line && !quick) record.add(utf8Bytes([self typedEntry]));
+    if (!line && !quick) record.Add(utf8Bytes([self typedEntry]));
     isAtWork = !quick;
     const int status = [self processLine:line quick:quick];
     isAtWork = NO;
@@ -112,7 +112,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
     const std::string command = calc.message; // a preview meanwhile would empty it
     long number = 0;
     const bool isTimed =
-        CommandHasNumber(command, "pause", number) || CommandHasNumber(command, "echo", number);
+        commandHasNumber(command, "pause", number) || commandHasNumber(command, "echo", number);
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
     if (line && isTimed && [self isReplaying]) [self leaveEmptyPrompt];
     isAtWork = YES;
@@ -139,12 +139,12 @@ static void copyBounded(char* out, size_t size, const char* text) {
     long number = 0;
     if (strcmp(command, "clear") == 0) [self clearConsole];
     if (strcmp(command, "exit") == 0) [[self window] close];
-    if (CommandHasNumber(command, "pause", number)) [self pause:number];
+    if (commandHasNumber(command, "pause", number)) [self pause:number];
     if (strcmp(command, "echorep") == 0) {
         [self replacePrompt:calc.echoText];
         [self displayIfNeeded];
     }
-    if (CommandHasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
+    if (commandHasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
     if (strcmp(command, "convert") == 0) [self askService:std::string(calc.echoText)];
     if (strcmp(command, "gospel") == 0) [self openWebPage];
 }
@@ -164,11 +164,11 @@ static void copyBounded(char* out, size_t size, const char* text) {
 
 - (void)pause:(long)milliseconds {
     [self displayIfNeeded];
-    [self waitMilliseconds:PauseLength(milliseconds)];
+    [self waitMilliseconds:pauseLength(milliseconds)];
 }
 
 - (void)typeOut:(const std::string&)text rate:(long)rate {
-    const long wait = WaitBetweenCharacters(rate);
+    const long wait = waitBetweenCharacters(rate);
     for (size_t i = 0; i < text.size(); i++) {
         if (i > 0 && wait > 0 && ![self waitMilliseconds:wait]) break;
         const char character[] = {text[i], '\0'};

@@ -25,7 +25,7 @@ static NSString* textFromPath(const std::string& path) {
 // --- Saving ---
 
 - (NSString*)scriptText {
-    return [NSString stringWithUTF8String:record.script(calc, utf8Bytes([self typedEntry])).c_str()];
+    return [NSString stringWithUTF8String:record.Script(calc, utf8Bytes([self typedEntry])).c_str()];
 }
 
 - (void)saveDocument:(id)sender {
@@ -123,7 +123,7 @@ static NSString* textFromPath(const std::string& path) {
 - (void)replay:(Script)script {
     std::string line;
     scriptInterrupted = false; // an earlier entry's
-    while (script.next(line)) {
+    while (script.Next(line)) {
         NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
         [self ProcessResult:line.c_str():NO];
         [pool release];

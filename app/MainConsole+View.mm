@@ -40,7 +40,7 @@ static NSString* const PROMPT = @"> ";
 
 - (void)clearConsole {
     [self setString:PROMPT];
-    record.clear();
+    record.Clear();
     [self forgetUndo];
     g_linestart = static_cast<int32_t>([PROMPT length]);
     [self setSelectedRange:NSMakeRange([PROMPT length], 0)];
@@ -111,7 +111,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (BOOL)getPromptText {
-    return [self transcript].fetchPrompt();
+    return [self transcript].FetchPrompt();
 }
 
 - (void)recallHistory:(int)index {

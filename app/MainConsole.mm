@@ -30,7 +30,7 @@ static const std::chrono::milliseconds INTERRUPT_INTERVAL(50);
 MainConsole* interruptedConsole = nil;
 
 NSString* textFromBytes(const char* bytes) {
-    const std::string shown = ShownLatin1(bytes);
+    const std::string shown = shownLatin1(bytes);
     return [[[NSString alloc] initWithBytes:shown.data()
                                      length:shown.size()
                                    encoding:NSISOLatin1StringEncoding] autorelease];

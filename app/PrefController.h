@@ -41,7 +41,7 @@ struct PrefControls {
     NSControl* ofSettings[std::size(SETTINGS)]; // those of them that edit one, in the order of the table
 
     // The control of a row of SETTINGS, or nil.
-    NSControl*& of(const Setting& setting) { return ofSettings[&setting - SETTINGS]; }
+    NSControl*& Of(const Setting& setting) { return ofSettings[&setting - SETTINGS]; }
 };
 
 @interface PrefController : NSObject {

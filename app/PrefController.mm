@@ -50,7 +50,7 @@ static const NSUInteger MANAGED = 4;
 
 // Colors and the grouping mark are not shown as numbers.
 - (void)showSetting:(const Setting&)setting {
-    NSControl* const control = controls.of(setting);
+    NSControl* const control = controls.Of(setting);
     const int value = [mainConsole setting:@(setting.key)];
     if (control == controls.prefSciMode)
         [controls.prefSciMode selectItemAtIndex:value];
@@ -107,7 +107,7 @@ static int numberIn(NSTextField* field) {
 // What its control says, if that is possible: entries run and files are written while the panel is open.
 - (void)store:(const char*)key {
     const Setting& setting = *findSetting(key);
-    NSControl* const control = controls.of(setting);
+    NSControl* const control = controls.Of(setting);
     if (!control || (setting.kind != Setting::FLAG && setting.kind != Setting::NUMBER)) return;
     const int value = [self valueOf:control];
     if (setting.IsPossible(value)) [mainConsole setSetting:@(key) to:value];

@@ -20,17 +20,17 @@ static char latin1Of(const std::string& line, size_t start, size_t length) {
 
 static std::string asLatin1(std::string line) {
     std::replace(line.begin(), line.end(), '\0', '?'); // it would hide what follows it
-    if (!IsUtf8(line)) return line;
+    if (!isUtf8(line)) return line;
     std::string latin1;
     for (size_t i = 0; i < line.size();) {
-        const size_t length = Utf8Length(line, i);
+        const size_t length = utf8Length(line, i);
         latin1 += latin1Of(line, i, length);
         i += length;
     }
     return latin1;
 }
 
-bool Script::next(std::string& entry) {
+bool Script::Next(std::string& entry) {
     while (place < text.size()) {
         const size_t end = std::min(text.find('\n', place), text.size());
         const std::string line = text.substr(place, end - place);
@@ -42,11 +42,11 @@ bool Script::next(std::string& entry) {
     return false;
 }
 
-void EntryRecord::add(const std::string& entry) {
+void EntryRecord::Add(const std::string& entry) {
     if (!entry.empty()) entries.push_back(entry);
 }
 
-std::string EntryRecord::script(const ZqCalculator& engine, const std::string& typed) const {
+std::string EntryRecord::Script(const ZqCalculator& engine, const std::string& typed) const {
     std::string text = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n#";
     for (const char* const key : {"degmode", "sigfigs", "scimode", "dispbase"}) {
         const Setting& setting = *findSetting(key);

@@ -20,7 +20,7 @@ public:
     // The next entry, in ISO Latin-1 without its line feed; what that lacks is a question mark. Comments are
     // left out, and so are blank lines, which are there for the eye: as entries they would repeat the one
     // before. False at the end.
-    bool next(std::string& entry);
+    bool Next(std::string& entry);
 
 private:
     std::string text;
@@ -38,12 +38,12 @@ struct ScriptTurns {
 // prompt would be taken for one.
 class EntryRecord {
 public:
-    void add(const std::string& entry); // a line in UTF-8; an empty one is left out
-    void clear() { entries.clear(); }
+    void Add(const std::string& entry); // a line in UTF-8; an empty one is left out
+    void Clear() { entries.clear(); }
 
     // A script that repeats them, in UTF-8: a header that can set the engine's settings, the entries, and
     // `typed`, which stands at the prompt.
-    std::string script(const ZqCalculator& engine, const std::string& typed) const;
+    std::string Script(const ZqCalculator& engine, const std::string& typed) const;
 
 private:
     std::vector<std::string> entries;

@@ -19,7 +19,7 @@ uint32_t prevKey = 0;
 using Edit = KeyEffect::Edit;
 using Then = KeyEffect::Then;
 
-bool Transcript::fetchPrompt() const {
+bool Transcript::FetchPrompt() const {
     const size_t length = std::min(entry.size(), PROMPT_SIZE - 1);
     bool isWhole = length == entry.size();
     for (size_t i = 0; i < length; i++) {
@@ -30,34 +30,34 @@ bool Transcript::fetchPrompt() const {
     return isWhole;
 }
 
-EntryRange Transcript::selectedInEntry() const {
-    const size_t from = std::max(selection.location, start());
+EntryRange Transcript::SelectedInEntry() const {
+    const size_t from = std::max(selection.location, Start());
     return {from, selection.end() > from ? selection.end() - from : 0};
 }
 
-EntryRange Transcript::partialWord() const {
+EntryRange Transcript::PartialWord() const {
     size_t from = selection.location;
-    while (from > start()) {
-        const char16_t c = entry[from - 1 - start()];
+    while (from > Start()) {
+        const char16_t c = entry[from - 1 - Start()];
         if (c >= 0x80 || (!isalnum(c) && c != '_')) break;
         from--;
     }
     return {from, selection.location - from};
 }
 
-bool Transcript::hasRoomFor(size_t characters) const {
-    return entry.size() - selectedInEntry().length + characters < PROMPT_SIZE;
+bool Transcript::HasRoomFor(size_t characters) const {
+    return entry.size() - SelectedInEntry().length + characters < PROMPT_SIZE;
 }
 
-KeyEffect Transcript::press(const KeyPress& key, bool minusIsSign) const {
+KeyEffect Transcript::Press(const KeyPress& key, bool minusIsSign) const {
     prevKey = keyCode;
     keyCode = key.code & 0xffffU;
     // Control-A goes to the start of the entry, as Control with the left arrow does.
     if (keyCode == KEY_A && (key.held & CONTROL_KEY)) keyCode = KEY_LEFT;
-    return act(actionOf(key), key, minusIsSign);
+    return Act(actionOf(key), key, minusIsSign);
 }
 
-KeyEffect Transcript::act(KeyAction action, const KeyPress& key, bool minusIsSign) const {
+KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSign) const {
     const bool extends = (key.held & SHIFT_KEY) != 0;
     KeyEffect effect;
     switch (action) {
@@ -65,30 +65,30 @@ KeyEffect Transcript::act(KeyAction action, const KeyPress& key, bool minusIsSig
         update_match_str = 0;
         effect.then = Then::Commit;
         return effect;
-    case KeyAction::Complete: return complete();
-    case KeyAction::Escape: return escape();
-    case KeyAction::Backspace: return erase(false);
-    case KeyAction::Delete: return erase(true);
-    case KeyAction::Home: return goHome(extends);
-    case KeyAction::End: return goToEnd(extends);
-    case KeyAction::Left: return goLeft();
+    case KeyAction::Complete: return Complete();
+    case KeyAction::Escape: return Escape();
+    case KeyAction::Backspace: return Erase(false);
+    case KeyAction::Delete: return Erase(true);
+    case KeyAction::Home: return GoHome(extends);
+    case KeyAction::End: return GoToEnd(extends);
+    case KeyAction::Left: return GoLeft();
     case KeyAction::Right: effect.then = Then::Pass; return effect;
-    case KeyAction::Up: return walkHistory(true);
-    case KeyAction::Down: return walkHistory(false);
-    default: return type(action, key, minusIsSign);
+    case KeyAction::Up: return WalkHistory(true);
+    case KeyAction::Down: return WalkHistory(false);
+    default: return Type(action, key, minusIsSign);
     }
 }
 
 // The rest of the next name goes in place of the selection and is selected, so that the next Tab replaces it.
-KeyEffect Transcript::complete() const {
+KeyEffect Transcript::Complete() const {
     KeyEffect effect;
     const size_t place = selection.location;
-    if (place <= start()) return effect;
+    if (place <= Start()) return effect;
     if (prevKey != KEY_TAB) funcs.TabCompleteReset();
-    const EntryRange word = partialWord();
+    const EntryRange word = PartialWord();
     size_t length = 0;
     for (; length < std::min(word.length, PROMPT_SIZE - 1); length++)
-        prompt[length] = static_cast<char>(entry[word.location - start() + length]);
+        prompt[length] = static_cast<char>(entry[word.location - Start() + length]);
     prompt[length] = '\0';
     const Function* const candidate = funcs.FindTabComplete(prompt);
     effect.edit = Edit::Replace;
@@ -98,9 +98,9 @@ KeyEffect Transcript::complete() const {
     return effect;
 }
 
-KeyEffect Transcript::escape() const {
+KeyEffect Transcript::Escape() const {
     KeyEffect effect;
-    fetchPrompt();
+    FetchPrompt();
     if (entry.empty() && selection.length == 0) {
         effect.then = Then::Hide;
         return effect;
@@ -113,31 +113,31 @@ KeyEffect Transcript::escape() const {
 
 // The guard of the prompt. With nothing to delete the cursor goes into the entry; forwards there may then be
 // something.
-KeyEffect Transcript::erase(bool isForward) const {
+KeyEffect Transcript::Erase(bool isForward) const {
     KeyEffect effect;
     effect.then = Then::Pass;
     const bool isInEntry =
-        selection.location > start() || (selection.location == start() && selection.length > 0);
+        selection.location > Start() || (selection.location == Start() && selection.length > 0);
     if (isInEntry) return effect;
-    if (selection.end() > start()) {
-        effect.select = selectedInEntry();
+    if (selection.end() > Start()) {
+        effect.select = SelectedInEntry();
         return effect;
     }
-    effect.goesToEnd = selection.location != start();
+    effect.goesToEnd = selection.location != Start();
     const bool passes = isForward && (!effect.goesToEnd || !entry.empty());
     if (!passes) effect.then = Then::Preview;
     return effect;
 }
 
-KeyEffect Transcript::goHome(bool extends) const {
+KeyEffect Transcript::GoHome(bool extends) const {
     KeyEffect effect;
-    const bool selects = extends && selection.end() > start();
-    effect.select = EntryRange{start(), selects ? selection.end() - start() : 0};
+    const bool selects = extends && selection.end() > Start();
+    effect.select = EntryRange{Start(), selects ? selection.end() - Start() : 0};
     effect.then = Then::Nothing;
     return effect;
 }
 
-KeyEffect Transcript::goToEnd(bool extends) const {
+KeyEffect Transcript::GoToEnd(bool extends) const {
     KeyEffect effect;
     effect.then = Then::Nothing;
     if (extends)
@@ -148,23 +148,23 @@ KeyEffect Transcript::goToEnd(bool extends) const {
 }
 
 // The cursor does not enter the prompt.
-KeyEffect Transcript::goLeft() const {
+KeyEffect Transcript::GoLeft() const {
     KeyEffect effect;
     const size_t place = selection.location;
-    const bool isAtPrompt = place + 2 >= start() && place <= start();
+    const bool isAtPrompt = place + 2 >= Start() && place <= Start();
     effect.then = isAtPrompt ? Then::Preview : Then::Pass;
     return effect;
 }
 
 // With the cursor at the start of the entry the arrows walk through the whole history, behind it through the
 // lines that begin with what was typed.
-KeyEffect Transcript::walkHistory(bool isUp) const {
+KeyEffect Transcript::WalkHistory(bool isUp) const {
     KeyEffect effect;
     CHistory& history = calc.history;
-    if (selection.location <= start()) {
+    if (selection.location <= Start()) {
         matching_enable = 0;
     } else if (matching_enable && !update_match_str) {
-        fetchPrompt();
+        FetchPrompt();
         snprintf(matchstr, sizeof matchstr, "%s", prompt);
         history.HistLocReset();
         update_match_str = 1;
@@ -181,7 +181,7 @@ KeyEffect Transcript::walkHistory(bool isUp) const {
     return effect;
 }
 
-KeyEffect Transcript::type(KeyAction action, const KeyPress& key, bool minusIsSign) const {
+KeyEffect Transcript::Type(KeyAction action, const KeyPress& key, bool minusIsSign) const {
     update_match_str = 0;
     matching_enable = 1;
     KeyEffect effect;
@@ -193,34 +193,34 @@ KeyEffect Transcript::type(KeyAction action, const KeyPress& key, bool minusIsSi
     if ((key.held & COMMAND_KEY) && !(key.held & FUNCTION_KEY)) return effect;
     effect.then = Then::Pass;
     effect.goesToEnd =
-        selection.location < start() && !(key.held & (COMMAND_KEY | CONTROL_KEY | FUNCTION_KEY));
-    applyAnsRules(effect, action, minusIsSign);
+        selection.location < Start() && !(key.held & (COMMAND_KEY | CONTROL_KEY | FUNCTION_KEY));
+    ApplyAnsRules(effect, action, minusIsSign);
     return effect;
 }
 
 // An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes
 // over between "-" and "ans-", and which comes first is a setting.
-void Transcript::applyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const {
+void Transcript::ApplyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const {
     const bool isMinus = action == KeyAction::Minus;
     if (!isMinus && action != KeyAction::Operator) return;
     if (selection.length > 0 && !effect.goesToEnd) return;
-    if (selection.location < start() && !effect.goesToEnd) return;
-    const size_t place = effect.goesToEnd ? entry.size() : selection.location - start();
+    if (selection.location < Start() && !effect.goesToEnd) return;
+    const size_t place = effect.goesToEnd ? entry.size() : selection.location - Start();
     const auto replaceHead = [&](size_t length, const char* text) {
-        effect.select = EntryRange{start(), length};
+        effect.select = EntryRange{Start(), length};
         effect.edit = Edit::Replace;
         effect.text = text;
-        effect.selectAfter = EntryRange{start() + effect.text.size(), 0};
+        effect.selectAfter = EntryRange{Start() + effect.text.size(), 0};
     };
     if (place == 0) {
         if (isMinus && minusIsSign) return;
         effect.edit = Edit::Type;
         effect.text = "ans";
     } else if (isMinus && place == 1) {
-        fetchPrompt();
+        FetchPrompt();
         if (prompt[0] == '-') replaceHead(1, "ans");
     } else if (isMinus && place == 4) {
-        fetchPrompt();
+        FetchPrompt();
         if (strncmp(prompt, "ans-", 4) == 0) replaceHead(4, "");
     }
 }

@@ -74,35 +74,35 @@ public:
 
     // What the key press does. Sets the globals above and moves in the history. With `minusIsSign` a first
     // minus is a sign and the second one puts "ans" in front of it; without, the first one does.
-    KeyEffect press(const KeyPress& key, bool minusIsSign) const;
+    KeyEffect Press(const KeyPress& key, bool minusIsSign) const;
 
     // Copies the entry into `prompt`. False when it is not all ISO Latin-1 or does not fit: `prompt` then
     // holds what could be had.
-    bool fetchPrompt() const;
+    bool FetchPrompt() const;
 
     // What of the selection lies in the entry, empty when nothing does.
-    EntryRange selectedInEntry() const;
+    EntryRange SelectedInEntry() const;
 
     // The letters, digits and '_' of the entry before the cursor: "1+si" completes "si".
-    EntryRange partialWord() const;
+    EntryRange PartialWord() const;
 
     // Whether the entry may have so many characters more in place of its selected part: a longer one could
     // not be run.
-    bool hasRoomFor(size_t characters) const;
+    bool HasRoomFor(size_t characters) const;
 
 private:
-    KeyEffect act(KeyAction action, const KeyPress& key, bool minusIsSign) const;
-    KeyEffect complete() const;
-    KeyEffect escape() const;
-    KeyEffect erase(bool isForward) const;
-    KeyEffect goHome(bool extends) const;
-    KeyEffect goToEnd(bool extends) const;
-    KeyEffect goLeft() const;
-    KeyEffect walkHistory(bool isUp) const;
-    KeyEffect type(KeyAction action, const KeyPress& key, bool minusIsSign) const;
-    void applyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const;
-    size_t start() const { return g_linestart > 0 ? static_cast<size_t>(g_linestart) : 0; }
-    size_t end() const { return start() + entry.size(); }
+    KeyEffect Act(KeyAction action, const KeyPress& key, bool minusIsSign) const;
+    KeyEffect Complete() const;
+    KeyEffect Escape() const;
+    KeyEffect Erase(bool isForward) const;
+    KeyEffect GoHome(bool extends) const;
+    KeyEffect GoToEnd(bool extends) const;
+    KeyEffect GoLeft() const;
+    KeyEffect WalkHistory(bool isUp) const;
+    KeyEffect Type(KeyAction action, const KeyPress& key, bool minusIsSign) const;
+    void ApplyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const;
+    size_t Start() const { return g_linestart > 0 ? static_cast<size_t>(g_linestart) : 0; }
+    size_t end() const { return Start() + entry.size(); }
 
     std::u16string entry;
     EntryRange selection;

@@ -16,8 +16,8 @@ namespace accuracy {
 
 namespace {
 
-constexpr int mantissaBits = 352;
-constexpr int64_t bias = 0x8000;
+constexpr int MANTISSA_BITS = 352;
+constexpr int64_t BIAS = 0x8000;
 
 std::vector<Row>& rows() {
     static std::vector<Row> list;
@@ -34,12 +34,12 @@ struct Value {
 
 // The error of z in units of the last place of `exact`, or of 2^-352.
 double errorOf(const qfloat z, mpfr_srcptr exact, bool absolute) {
-    Value got(mantissaBits), difference(precision);
+    Value got(MANTISSA_BITS), difference(PRECISION);
     toMpfr(z, got.m);
     mpfr_sub(difference.m, got.m, exact, MPFR_RNDN);
     if (mpfr_zero_p(difference.m)) return 0;
     const mpfr_exp_t size = absolute || mpfr_zero_p(exact) ? 0 : mpfr_get_exp(exact);
-    mpfr_mul_2si(difference.m, difference.m, mantissaBits - size, MPFR_RNDN);
+    mpfr_mul_2si(difference.m, difference.m, MANTISSA_BITS - size, MPFR_RNDN);
     return std::fabs(mpfr_get_d(difference.m, MPFR_RNDA));
 }
 
@@ -48,12 +48,12 @@ bool isInRange(mpfr_srcptr exact) {
     if (!mpfr_number_p(exact)) return false;
     if (mpfr_zero_p(exact)) return true;
     const mpfr_exp_t exponent = mpfr_get_exp(exact);
-    return exponent > -bias && exponent < bias;
+    return exponent > -BIAS && exponent < BIAS;
 }
 
 void measure(const Row& row, uint64_t seed) {
     Random random(seed);
-    Value x(mantissaBits), y(mantissaBits), exact(precision);
+    Value x(MANTISSA_BITS), y(MANTISSA_BITS), exact(PRECISION);
     double worst = 0, sum = 0;
     long used = 0;
     for (long i = 0; i < row.count; ++i) {
@@ -81,21 +81,21 @@ void add(const Row& row) {
 }
 
 void drawNumber(Random& random, int64_t lowest, int64_t highest, bool positive, qfloat q) {
-    q[0] = positive || random.next() % 2 != 0 ? 0 : 0xFFFFFFFF;
-    q[1] = static_cast<uint32_t>(bias + random.between(lowest, highest));
+    q[0] = positive || random.Next() % 2 != 0 ? 0 : 0xFFFFFFFF;
+    q[1] = static_cast<uint32_t>(BIAS + random.Between(lowest, highest));
     q[2] = 0;
-    for (int i = 3; i < 14; ++i) q[i] = static_cast<uint32_t>(random.next() >> 32);
+    for (int i = 3; i < 14; ++i) q[i] = static_cast<uint32_t>(random.Next() >> 32);
     q[3] |= 0x80000000;
 }
 
 void fromMpfr(mpfr_srcptr m, qfloat q) {
     qclear(q);
     if (mpfr_zero_p(m)) return;
-    Value rounded(mantissaBits);
+    Value rounded(MANTISSA_BITS);
     mpfr_set(rounded.m, m, MPFR_RNDN);
     const mpfr_exp_t exponent = mpfr_get_exp(rounded.m);
     q[0] = mpfr_signbit(rounded.m) ? 0xFFFFFFFF : 0;
-    q[1] = static_cast<uint32_t>(exponent + bias);
+    q[1] = static_cast<uint32_t>(exponent + BIAS);
     mpfr_abs(rounded.m, rounded.m, MPFR_RNDN);
     mpfr_set_exp(rounded.m, 32);
     for (int i = 3; i < 14; ++i) {
@@ -112,7 +112,7 @@ void toMpfr(const qfloat q, mpfr_ptr m) {
         mpfr_mul_2ui(m, m, 32, MPFR_RNDN);
         mpfr_add_ui(m, m, q[i], MPFR_RNDN);
     }
-    mpfr_mul_2si(m, m, static_cast<int64_t>(q[1]) - bias - mantissaBits, MPFR_RNDN);
+    mpfr_mul_2si(m, m, static_cast<int64_t>(q[1]) - BIAS - MANTISSA_BITS, MPFR_RNDN);
     if (q[0] != 0) mpfr_neg(m, m, MPFR_RNDN);
 }
 

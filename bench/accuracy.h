@@ -16,13 +16,13 @@
 
 namespace accuracy {
 
-constexpr mpfr_prec_t precision = 700;
+constexpr mpfr_prec_t PRECISION = 700;
 
 class Random {
 public:
     explicit Random(uint64_t seed) : engine(seed) {}
-    uint64_t next() { return engine(); }
-    int64_t between(int64_t low, int64_t high) {
+    uint64_t Next() { return engine(); }
+    int64_t Between(int64_t low, int64_t high) {
         return low + static_cast<int64_t>(engine() % (static_cast<uint64_t>(high - low) + 1));
     }
 

@@ -8,7 +8,7 @@ namespace {
 using accuracy::drawNumber;
 using accuracy::Random;
 
-constexpr long many = 50000;
+constexpr long MANY = 50000;
 
 using Unary = void (*)(const qfloat, qfloat);
 using Binary = void (*)(const qfloat, const qfloat, qfloat);
@@ -16,13 +16,13 @@ using UnaryTruth = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 using Draw = std::function<void(Random&, qfloat, qfloat)>;
 
 void addUnary(const char* name, Unary ours, UnaryTruth truth, const char* arguments, const Draw& draw) {
-    accuracy::add({name, arguments, many, draw,
+    accuracy::add({name, arguments, MANY, draw,
                    [ours](const qfloat x, const qfloat, qfloat z) { ours(x, z); },
                    [truth](mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr) { truth(z, x, MPFR_RNDN); }});
 }
 
 void addPower(const char* name, Binary ours, const char* arguments, const Draw& draw) {
-    accuracy::add({name, arguments, many, draw,
+    accuracy::add({name, arguments, MANY, draw,
                    [ours](const qfloat x, const qfloat y, qfloat z) { ours(x, y, z); },
                    [](mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr y) { mpfr_pow(z, x, y, MPFR_RNDN); }});
 }
@@ -40,14 +40,14 @@ void drawNearOne(Random& random, int64_t lowest, int64_t highest, qfloat x) {
 
 // The nearest numbers to k times a constant, and up to two units beside them.
 void drawNearMultiple(Random& random, const qfloat constant, int64_t largest, qfloat x) {
-    const int64_t k = random.between(1, largest) * (random.next() % 2 != 0 ? 1 : -1);
+    const int64_t k = random.Between(1, largest) * (random.Next() % 2 != 0 ? 1 : -1);
     ltoq(&k, x);
     qmul(constant, x, x);
-    x[13] += static_cast<uint32_t>(random.between(0, 4)) - 2; // a wrap in the last word is as good
+    x[13] += static_cast<uint32_t>(random.Between(0, 4)) - 2; // a wrap in the last word is as good
 }
 
 void drawInteger(Random& random, int64_t low, int64_t high, qfloat x) {
-    const int64_t n = random.between(low, high);
+    const int64_t n = random.Between(low, high);
     ltoq(&n, x);
 }
 
@@ -66,7 +66,7 @@ void addRoots() {
         drawNumber(random, -40, 40, true, x);
         for (int i = 8; i < 14; ++i) x[i] = 0;
         qmul(x, x, x);
-        x[13] += static_cast<uint32_t>(random.between(0, 2)) - 1;
+        x[13] += static_cast<uint32_t>(random.Between(0, 2)) - 1;
     });
 }
 
@@ -90,8 +90,8 @@ void addLogarithms() {
              [](Random& random, qfloat x, qfloat) { drawNearOne(random, -8, -3, x); });
     addUnary("qlog", qlog, mpfr_log, "next to sqrt(2) 2^n", [](Random& random, qfloat x, qfloat) {
         qmov(qsqrt2, x);
-        x[1] += static_cast<uint32_t>(random.between(0, 3)) - 2;
-        x[static_cast<size_t>(random.between(4, 13))] += static_cast<uint32_t>(random.next());
+        x[1] += static_cast<uint32_t>(random.Between(0, 3)) - 2;
+        x[static_cast<size_t>(random.Between(4, 13))] += static_cast<uint32_t>(random.Next());
     });
 }
 
@@ -102,7 +102,7 @@ void addPowers() {
     });
     addPower("qpow", qpow, "results next to the limits, any y", [](Random& random, qfloat x, qfloat y) {
         drawNumber(random, -20, 300, false, y);
-        drawBase(random.between(30000, 32700) * (random.next() % 2 != 0 ? 1 : -1), y, x);
+        drawBase(random.Between(30000, 32700) * (random.Next() % 2 != 0 ? 1 : -1), y, x);
     });
     addPower("qpow", qpow, "x next to 1, y large", [](Random& random, qfloat x, qfloat y) {
         drawNearOne(random, -300, -3, x);
@@ -111,7 +111,7 @@ void addPowers() {
     addPower("qpow", qpow, "whole y up to 415031", [](Random& random, qfloat x, qfloat y) {
         drawInteger(random, -415031, 415031, y);
         if (y[1] == 0) qmov(qone, y);
-        drawBase(random.between(-32000, 32000), y, x);
+        drawBase(random.Between(-32000, 32000), y, x);
     });
     addPower("qpowi", qpowi, "n up to 2^10", [](Random& random, qfloat x, qfloat y) {
         drawNumber(random, -20, 20, false, x);
@@ -120,7 +120,7 @@ void addPowers() {
     addPower("qpowi", qpowi, "n up to 2^31", [](Random& random, qfloat x, qfloat y) {
         drawInteger(random, -2147483646, 2147483646, y);
         if (y[1] == 0) qmov(qone, y);
-        drawBase(random.between(-32000, 32000), y, x);
+        drawBase(random.Between(-32000, 32000), y, x);
     });
 }
 
@@ -138,7 +138,7 @@ void addFactorial() {
 }
 
 void addDecimalScaling() {
-    accuracy::add({"qdecexp", "x 2^-100 to 2^100, n up to 9800", many,
+    accuracy::add({"qdecexp", "x 2^-100 to 2^100, n up to 9800", MANY,
                    [](Random& random, qfloat x, qfloat y) {
                        drawNumber(random, -100, 100, false, x);
                        drawInteger(random, -9800, 9800, y);
@@ -167,7 +167,7 @@ void addDecimalScaling() {
 
 void addRemainder() {
     const auto add = [](const char* arguments, int64_t reach) {
-        accuracy::add({"qremain", arguments, many,
+        accuracy::add({"qremain", arguments, MANY,
                        [reach](Random& random, qfloat x, qfloat y) {
                            drawNumber(random, -reach, reach, false, x);
                            drawNumber(random, -reach, reach, false, y);
@@ -179,7 +179,7 @@ void addRemainder() {
     add("2^-16000 to 2^16000", 16000);
 }
 
-const accuracy::Rows rows([] {
+const accuracy::Rows ROWS([] {
     addRoots();
     addExponentials();
     addLogarithms();

@@ -10,14 +10,14 @@ using accuracy::drawNumber;
 using accuracy::fromMpfr;
 using accuracy::Random;
 
-constexpr long many = 50000;
+constexpr long MANY = 50000;
 
 using Function = void (*)(const qfloat, qfloat);
 using Truth = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 using Draw = std::function<void(Random&, qfloat)>;
 
 void add(const char* name, Function ours, Truth truth, const char* arguments, const Draw& draw) {
-    accuracy::add({name, arguments, many, [draw](Random& random, qfloat x, qfloat) { draw(random, x); },
+    accuracy::add({name, arguments, MANY, [draw](Random& random, qfloat x, qfloat) { draw(random, x); },
                    [ours](const qfloat x, const qfloat, qfloat z) { ours(x, z); },
                    [truth](mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr) { truth(z, x, MPFR_RNDN); }});
 }
@@ -28,7 +28,7 @@ Draw within(int64_t lowest, int64_t highest) {
 
 // Up to two units of the last place to either side; a wrap in the last word is as good.
 void disturb(Random& random, qfloat x) {
-    x[13] += static_cast<uint32_t>(random.between(0, 4)) - 2;
+    x[13] += static_cast<uint32_t>(random.Between(0, 4)) - 2;
 }
 
 // The number nearest to k pi/2 for a random integer k of up to `bits` bits, and its neighbours.
@@ -37,10 +37,10 @@ void drawNearMultiple(Random& random, int64_t bits, qfloat x) {
     mpfr_init2(m, 1300);
     mpfr_init2(pi, 1300);
     mpfr_set_zero(m, 1);
-    for (int64_t left = random.between(1, bits); left > 0; left -= 32) {
+    for (int64_t left = random.Between(1, bits); left > 0; left -= 32) {
         const auto step = static_cast<unsigned long>(left < 32 ? left : 32);
         mpfr_mul_2ui(m, m, step, MPFR_RNDN);
-        mpfr_add_ui(m, m, random.next() >> (64 - step), MPFR_RNDN);
+        mpfr_add_ui(m, m, random.Next() >> (64 - step), MPFR_RNDN);
     }
     mpfr_add_ui(m, m, 1, MPFR_RNDN);
     mpfr_const_pi(pi, MPFR_RNDN);
@@ -48,7 +48,7 @@ void drawNearMultiple(Random& random, int64_t bits, qfloat x) {
     mpfr_div_2ui(m, m, 1, MPFR_RNDN);
     fromMpfr(m, x);
     disturb(random, x);
-    if (random.next() % 2 != 0) qneg(x);
+    if (random.Next() % 2 != 0) qneg(x);
     mpfr_clear(m);
     mpfr_clear(pi);
 }
@@ -59,7 +59,7 @@ void drawBeside(Random& random, const qfloat constant, qfloat x) {
     drawNumber(random, -340, -4, false, offset);
     qadd(constant, offset, x);
     disturb(random, x);
-    if (random.next() % 2 != 0) qneg(x);
+    if (random.Next() % 2 != 0) qneg(x);
 }
 
 Draw beside(const uint32_t* constant) {
@@ -71,7 +71,7 @@ void drawBelowOne(Random& random, qfloat x) {
     qfloat d;
     drawNumber(random, -344, -2, true, d);
     qsub(d, qone, x);
-    if (random.next() % 2 != 0) qneg(x);
+    if (random.Next() % 2 != 0) qneg(x);
 }
 
 void addCircular() {
@@ -125,7 +125,7 @@ void addHyperbolic() {
     }
 }
 
-const accuracy::Rows rows([] {
+const accuracy::Rows ROWS([] {
     addCircular();
     addInverse();
     addHyperbolic();

@@ -5,7 +5,7 @@
 
 namespace {
 
-using bench::operandCount;
+using bench::OPERAND_COUNT;
 using bench::Operands;
 
 struct Workspace {
@@ -16,9 +16,9 @@ struct Workspace {
     char buffer[160] = {};
 
     Workspace() {
-        mpfr_init2(peerResult, bench::precision);
+        mpfr_init2(peerResult, bench::PRECISION);
         std::mt19937 random(3);
-        for (size_t i = 0; i < operandCount; ++i) {
+        for (size_t i = 0; i < OPERAND_COUNT; ++i) {
             std::string text = {static_cast<char>('1' + random() % 9), '.'};
             for (int digit = 0; digit < 99; ++digit) text += static_cast<char>('0' + random() % 10);
             texts.push_back(text);
@@ -31,40 +31,40 @@ struct Workspace {
 
 void addRows() {
     const auto w = std::make_shared<Workspace>();
-    constexpr unsigned long oneWord = 4000000007UL;
+    constexpr unsigned long ONE_WORD = 4000000007UL;
     static qfloat divisor, multiplier;
     asctoq("4000000007", divisor);
     asctoq("7", multiplier);
 
     bench::addRow(
-        "add", 1.0, [w](size_t i) { qadd(w->a.ours(i), w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_add(w->peerResult, w->a.peer(i), w->b.peer(i), MPFR_RNDN); });
+        "add", 1.0, [w](size_t i) { qadd(w->a.Ours(i), w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_add(w->peerResult, w->a.Peer(i), w->b.Peer(i), MPFR_RNDN); });
     bench::addRow(
-        "subtract", 1.0, [w](size_t i) { qsub(w->a.ours(i), w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_sub(w->peerResult, w->b.peer(i), w->a.peer(i), MPFR_RNDN); });
+        "subtract", 1.0, [w](size_t i) { qsub(w->a.Ours(i), w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_sub(w->peerResult, w->b.Peer(i), w->a.Peer(i), MPFR_RNDN); });
     bench::addRow(
-        "multiply", 0.65, [w](size_t i) { qmul(w->a.ours(i), w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_mul(w->peerResult, w->a.peer(i), w->b.peer(i), MPFR_RNDN); });
+        "multiply", 0.65, [w](size_t i) { qmul(w->a.Ours(i), w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_mul(w->peerResult, w->a.Peer(i), w->b.Peer(i), MPFR_RNDN); });
     bench::addRow(
-        "multiply by one word", 0.65, [w](size_t i) { qmuli(multiplier, w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_mul_ui(w->peerResult, w->b.peer(i), 7, MPFR_RNDN); });
+        "multiply by one word", 0.65, [w](size_t i) { qmuli(multiplier, w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_mul_ui(w->peerResult, w->b.Peer(i), 7, MPFR_RNDN); });
     bench::addRow(
-        "divide", 0.85, [w](size_t i) { qdiv(w->a.ours(i), w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_div(w->peerResult, w->b.peer(i), w->a.peer(i), MPFR_RNDN); });
+        "divide", 0.85, [w](size_t i) { qdiv(w->a.Ours(i), w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_div(w->peerResult, w->b.Peer(i), w->a.Peer(i), MPFR_RNDN); });
     bench::addRow(
-        "divide by one word", 1.0, [w](size_t i) { qdiv(divisor, w->b.ours(i), w->result); },
-        [w](size_t i) { mpfr_div_ui(w->peerResult, w->b.peer(i), oneWord, MPFR_RNDN); });
+        "divide by one word", 1.0, [w](size_t i) { qdiv(divisor, w->b.Ours(i), w->result); },
+        [w](size_t i) { mpfr_div_ui(w->peerResult, w->b.Peer(i), ONE_WORD, MPFR_RNDN); });
     bench::addRow(
         "parse 100 digits", 0.8, [w](size_t i) { asctoq(w->texts[i].c_str(), w->result); },
         [w](size_t i) { mpfr_set_str(w->peerResult, w->texts[i].c_str(), 10, MPFR_RNDN); });
     bench::addRow(
-        "print 100 digits", 0.8, [w](size_t i) { qtoasc(w->a.ours(i), w->buffer, 99); },
+        "print 100 digits", 0.8, [w](size_t i) { qtoasc(w->a.Ours(i), w->buffer, 99); },
         [w](size_t i) {
             mpfr_exp_t exponent;
-            mpfr_get_str(w->buffer, &exponent, 10, 100, w->a.peer(i), MPFR_RNDN);
+            mpfr_get_str(w->buffer, &exponent, 10, 100, w->a.Peer(i), MPFR_RNDN);
         });
 }
 
-const bench::RowGroup group(addRows);
+const bench::RowGroup GROUP(addRows);
 
 } // namespace

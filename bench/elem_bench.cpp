@@ -9,8 +9,8 @@ namespace {
 
 using bench::Operands;
 
-constexpr unsigned long factorialOf = 1000;
-constexpr int quotientBits = 50; // fifteen digits
+constexpr unsigned long FACTORIAL_OF = 1000;
+constexpr int QUOTIENT_BITS = 50; // fifteen digits
 
 struct Workspace {
     Operands roots{11, -100, 100, true};
@@ -18,14 +18,14 @@ struct Workspace {
     Operands logarithms{13, -100, 100, true};
     Operands nearOne{14, 1, 1, true}; // 1 .. 2
     Operands bases{15, -20, 20, true}, powers{16, -5, 9};
-    Operands divisors{17, 0, 0}, dividends{18, quotientBits, quotientBits};
+    Operands divisors{17, 0, 0}, dividends{18, QUOTIENT_BITS, QUOTIENT_BITS};
     Operands hugeDividends{19, 20000, 20000};
     qfloat result = {}, whole = {};
     mpfr_t peerResult;
 
     Workspace() {
-        mpfr_init2(peerResult, bench::precision);
-        const int64_t n = factorialOf;
+        mpfr_init2(peerResult, bench::PRECISION);
+        const int64_t n = FACTORIAL_OF;
         ltoq(&n, whole);
     }
     ~Workspace() { mpfr_clear(peerResult); }
@@ -38,14 +38,14 @@ using Shared = std::shared_ptr<Workspace>;
 void addUnary(const Shared& w, const char* name, double bar, Operands Workspace::*operands,
               void (*ours)(const qfloat, qfloat), int (*peer)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t)) {
     bench::addRow(
-        name, bar, [=](size_t i) { ours((*w.*operands).ours(i), w->result); },
-        [=](size_t i) { peer(w->peerResult, (*w.*operands).peer(i), MPFR_RNDN); });
+        name, bar, [=](size_t i) { ours((*w.*operands).Ours(i), w->result); },
+        [=](size_t i) { peer(w->peerResult, (*w.*operands).Peer(i), MPFR_RNDN); });
 }
 
 void addRemainder(const Shared& w, const char* name, double bar, Operands Workspace::*dividends) {
     bench::addRow(
-        name, bar, [=](size_t i) { qremain(w->divisors.ours(i), (*w.*dividends).ours(i), w->result); },
-        [=](size_t i) { mpfr_fmod(w->peerResult, (*w.*dividends).peer(i), w->divisors.peer(i), MPFR_RNDN); });
+        name, bar, [=](size_t i) { qremain(w->divisors.Ours(i), (*w.*dividends).Ours(i), w->result); },
+        [=](size_t i) { mpfr_fmod(w->peerResult, (*w.*dividends).Peer(i), w->divisors.Peer(i), MPFR_RNDN); });
 }
 
 void addRows() {
@@ -55,15 +55,15 @@ void addRows() {
     addUnary(w, "ln", 1.3, &Workspace::logarithms, qlog, mpfr_log);
     addUnary(w, "ln of 1 to 2", 1.3, &Workspace::nearOne, qlog, mpfr_log);
     bench::addRow(
-        "power", 1.5, [w](size_t i) { qpow(w->bases.ours(i), w->powers.ours(i), w->result); },
-        [w](size_t i) { mpfr_pow(w->peerResult, w->bases.peer(i), w->powers.peer(i), MPFR_RNDN); });
+        "power", 1.5, [w](size_t i) { qpow(w->bases.Ours(i), w->powers.Ours(i), w->result); },
+        [w](size_t i) { mpfr_pow(w->peerResult, w->bases.Peer(i), w->powers.Peer(i), MPFR_RNDN); });
     bench::addRow(
         "factorial of 1000", 0.6, [w](size_t) { qfac(w->whole, w->result); },
-        [w](size_t) { mpfr_fac_ui(w->peerResult, factorialOf, MPFR_RNDN); });
+        [w](size_t) { mpfr_fac_ui(w->peerResult, FACTORIAL_OF, MPFR_RNDN); });
     addRemainder(w, "remainder, 15-digit quotient", 2.0, &Workspace::dividends);
     addRemainder(w, "remainder, 6000-digit quotient", 10.0, &Workspace::hugeDividends);
 }
 
-const bench::RowGroup group(addRows);
+const bench::RowGroup GROUP(addRows);
 
 } // namespace

@@ -36,7 +36,7 @@ void registerSide(const std::string& name, std::function<void(size_t)> operation
                                      size_t i = 0;
                                      for (auto _ : state) {
                                          operation(i);
-                                         i = (i + 1) % bench::operandCount;
+                                         i = (i + 1) % bench::OPERAND_COUNT;
                                      }
                                  })
         ->Unit(benchmark::kNanosecond)
@@ -103,18 +103,18 @@ void toPeer(const qfloat q, mpfr_ptr m) {
 }
 
 Operands::Operands(unsigned seed, int lowest, int highest, bool positive)
-    : numbers(operandCount * 14), peers(operandCount) {
+    : numbers(OPERAND_COUNT * 14), peers(OPERAND_COUNT) {
     std::mt19937 random(seed);
     std::uniform_int_distribution<int> exponent(lowest, highest);
-    for (size_t i = 0; i < operandCount; ++i) {
-        uint32_t* q = ours(i);
+    for (size_t i = 0; i < OPERAND_COUNT; ++i) {
+        uint32_t* q = Ours(i);
         q[0] = !positive && (random() & 1) != 0 ? 0xFFFFFFFF : 0;
         q[1] = static_cast<uint32_t>(0x8000 + exponent(random));
         q[2] = 0;
         for (int word = 3; word < 14; ++word) q[word] = static_cast<uint32_t>(random());
         q[3] |= 0x80000000;
-        mpfr_init2(peer(i), precision);
-        toPeer(q, peer(i));
+        mpfr_init2(Peer(i), PRECISION);
+        toPeer(q, Peer(i));
     }
 }
 

@@ -22,8 +22,8 @@ namespace bench {
 void addRow(const std::string& name, double bar, std::function<void(size_t i)> ours,
             std::function<void(size_t i)> peer);
 
-constexpr size_t operandCount = 256;
-constexpr mpfr_prec_t precision = 352;
+constexpr size_t OPERAND_COUNT = 256;
+constexpr mpfr_prec_t PRECISION = 352;
 
 // A list of operands in both forms.
 class Operands {
@@ -34,8 +34,8 @@ public:
     Operands(const Operands&) = delete;
     Operands& operator=(const Operands&) = delete;
 
-    uint32_t* ours(size_t i) { return &numbers[i * 14]; }
-    mpfr_ptr peer(size_t i) { return &peers[i]; }
+    uint32_t* Ours(size_t i) { return &numbers[i * 14]; }
+    mpfr_ptr Peer(size_t i) { return &peers[i]; }
 
 private:
     std::vector<uint32_t> numbers;

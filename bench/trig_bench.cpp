@@ -13,7 +13,7 @@ using Peer = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 
 struct Workspace {
     Workspace(unsigned seed, int lowest, int highest) : x(seed, lowest, highest) {
-        mpfr_init2(peerResult, bench::precision);
+        mpfr_init2(peerResult, bench::PRECISION);
     }
     ~Workspace() { mpfr_clear(peerResult); }
     Workspace(const Workspace&) = delete;
@@ -28,8 +28,8 @@ struct Workspace {
 void addRow(const char* name, double bar, Function ours, Peer peer, int lowest, int highest) {
     const auto w = std::make_shared<Workspace>(31, lowest, highest);
     bench::addRow(
-        name, bar, [w, ours](size_t i) { ours(w->x.ours(i), w->result); },
-        [w, peer](size_t i) { peer(w->peerResult, w->x.peer(i), MPFR_RNDN); });
+        name, bar, [w, ours](size_t i) { ours(w->x.Ours(i), w->result); },
+        [w, peer](size_t i) { peer(w->peerResult, w->x.Peer(i), MPFR_RNDN); });
 }
 
 void addRows() {
@@ -45,6 +45,6 @@ void addRows() {
     addRow("tanh", 1.4, qtanh, mpfr_tanh, -4, 5);
 }
 
-const bench::RowGroup group(addRows);
+const bench::RowGroup GROUP(addRows);
 
 } // namespace

@@ -19,7 +19,7 @@ static size_t countDigits(std::string_view text) {
     text = isRadix ? text.substr(2) : text.substr(0, text.find('e'));
     text.remove_prefix(std::min(text.find_first_not_of("0 "), text.size()));
     return static_cast<size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return IsDigit(c) || (c >= 'A' && c <= 'F'); }));
+        std::count_if(text.begin(), text.end(), [](char c) { return isDigit(c) || (c >= 'A' && c <= 'F'); }));
 }
 
 const std::string& Answer::Keep(const std::string& line, const char* variable, const qfloat number,

@@ -86,12 +86,12 @@ const std::vector<Builtin>& builtinTable() {
         {"round", "x", "the nearest whole number; halves go away from zero", qround},
         {"ceil", "x", "the smallest whole number that is not below x", qceil},
         {"abs", "x", "x without its sign", qabsolute},
-        {"atan", "x", "inverse tangent, an angle", qatn, Kind::GIVES_ANGLE},
-        {"acos", "x", "inverse cosine, an angle", qacos, Kind::GIVES_ANGLE},
-        {"asin", "x", "inverse sine, an angle", qasin, Kind::GIVES_ANGLE},
-        {"tan", "x", "tangent of the angle x", qtan, Kind::OF_ANGLE, qtandeg},
-        {"cos", "x", "cosine of the angle x", qcos, Kind::OF_ANGLE, qcosdeg},
-        {"sin", "x", "sine of the angle x", qsin, Kind::OF_ANGLE, qsindeg},
+        {"atan", "x", "inverse tangent, an angle", qatn, Kind::GivesAngle},
+        {"acos", "x", "inverse cosine, an angle", qacos, Kind::GivesAngle},
+        {"asin", "x", "inverse sine, an angle", qasin, Kind::GivesAngle},
+        {"tan", "x", "tangent of the angle x", qtan, Kind::OfAngle, qtandeg},
+        {"cos", "x", "cosine of the angle x", qcos, Kind::OfAngle, qcosdeg},
+        {"sin", "x", "sine of the angle x", qsin, Kind::OfAngle, qsindeg},
         {"exp", "x", "e to the power x", qexp},
         {"ln", "x", "natural logarithm", qlog, Kind::PLAIN, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO},
         {"log", "x", "logarithm to base 10; log2(x), log1.5(x) and the like to their base", qlog,
@@ -108,7 +108,7 @@ static const char* logBase(const char* name) {
     if (strncmp(name, "log", 3) != 0) return nullptr;
     const char* base = name + 3;
     std::string_view rest;
-    const bool hasDigit = IsDigit(base[0]) || (base[0] == '.' && IsDigit(base[1]));
+    const bool hasDigit = isDigit(base[0]) || (base[0] == '.' && isDigit(base[1]));
     return hasDigit && findDecString(base, rest) == 1 ? base : nullptr;
 }
 
@@ -166,8 +166,8 @@ int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfl
     switch (builtin.kind) {
     case BuiltinKind::PLAIN: return 0;
     case BuiltinKind::LOGARITHM: return divideByBase(name, value, entry.outcome);
-    case BuiltinKind::OF_ANGLE: return roundCircular(builtin, value, entry.outcome);
-    case BuiltinKind::GIVES_ANGLE:
+    case BuiltinKind::OfAngle: return roundCircular(builtin, value, entry.outcome);
+    case BuiltinKind::GivesAngle:
         if (merror != 0) return entry.outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
         if (entry.settings.degreeMode) qmul(qrad2deg, value, value);
     }

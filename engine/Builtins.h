@@ -14,9 +14,9 @@ struct EntryContext;
 
 enum class BuiltinKind {
     PLAIN,
-    OF_ANGLE,    // of an angle in degrees or radians; what is next to zero is zero, next to a pole an error
-    GIVES_ANGLE, // an angle in degrees or radians
-    LOGARITHM    // to base 10, or to the base that the name ends in
+    OfAngle,    // of an angle in degrees or radians; what is next to zero is zero, next to a pole an error
+    GivesAngle, // an angle in degrees or radians
+    LOGARITHM   // to base 10, or to the base that the name ends in
 };
 
 struct Builtin {
@@ -25,7 +25,7 @@ struct Builtin {
     const char* help; // its line in the guide; null: it has none
     void (*compute)(const qfloat x, qfloat y);
     BuiltinKind kind = BuiltinKind::PLAIN;
-    void (*ofDegrees)(const qfloat x, qfloat y) = nullptr; // OF_ANGLE
+    void (*ofDegrees)(const qfloat x, qfloat y) = nullptr; // OfAngle
     const char* ofNegative = nullptr; // the error for a negative argument, its name and value to be put in
     const char* ofZero = nullptr;
     uint64_t cost = Cost::EXPENSIVE;

@@ -60,7 +60,7 @@ static TextRange rangeInEntry(TextRange range, std::string_view statement, std::
     TextRange found;
     int32_t count = 0;
     for (size_t i = 0; i < statement.size() && count < range.start + range.length; i++) {
-        if (IsBlank(statement[i])) continue;
+        if (isBlank(statement[i])) continue;
         if (count == range.start) found.start = static_cast<int32_t>(offset + i);
         count++;
         found.length = static_cast<int32_t>(offset + i) + 1 - found.start;

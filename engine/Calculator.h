@@ -138,7 +138,7 @@ public:
     int DefineFunction(const char* text) { return DefineFunction(text, false); }
 
     // Whether the text is a letter followed by letters, digits and '_'.
-    bool IsValidVariable(const char* text) const { return IsValidName(text); }
+    bool IsValidVariable(const char* text) const { return isValidName(text); }
 
     // Whether each piece between the commas is a valid name; the first that is not goes into `message`.
     bool IsValidArgList(const char* text) { return definitions.CheckParameters(text); }

@@ -25,7 +25,7 @@ bool Evaluator::Call::Read(node* functionTerm) {
 node* Evaluator::ProcFunction(node* functionTerm) {
     Call call;
     if (!call.Read(functionTerm)) return functionTerm->next;
-    for (char* c = functionTerm->text; *c; c++) *c = LowerCase(*c);
+    for (char* c = functionTerm->text; *c; c++) *c = lowerCase(*c);
     const auto number = static_cast<int32_t>(call.arguments.size());
     const Function* function = funcs.FunctionExists(call.Name(), number);
     if (number != 1) return Expand(call, function);
@@ -77,7 +77,7 @@ static node* copyTerm(const node* term, int32_t level) {
     copy->start = term->start;
     copy->length = term->length;
     const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
-    if (term->text && !isLongNumber) copy->text = StrDuplicate(term->text);
+    if (term->text && !isLongNumber) copy->text = strDuplicate(term->text);
     if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
     return copy;
 }

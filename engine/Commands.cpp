@@ -27,7 +27,7 @@ namespace {
 constexpr size_t COMMAND_LENGTH = 20; // characters in which command words are looked for
 constexpr size_t QUERY_LENGTH = 1000;
 
-const char* const gospel =
+const char* const GOSPEL =
     "In the beginning was the prompt, and the prompt was patient.\n"
     "It did not ask you to hunt for a cosine among forty little buttons; it let you write cos and went on.\n"
     "A console remembers what you asked, so that you may be wrong cheaply and right a moment later.\n"
@@ -145,7 +145,7 @@ int clearOrExit(Commands& c, const CommandText& text) {
 int showGospel(Commands& c, const CommandText&) {
     c.undo.Keep(c.isGospelShown);
     c.isGospelShown = !c.isGospelShown;
-    return c.isGospelShown ? c.outcome.Tell(gospel) : handOver(c, "gospel");
+    return c.isGospelShown ? c.outcome.Tell(GOSPEL) : handOver(c, "gospel");
 }
 
 // --- Variables and units ---
@@ -306,14 +306,14 @@ const std::vector<Command>& commandTable() {
 
 int Commands::Run(const std::string& typed) {
     CommandText text = readCommand(typed);
-    if (!IsValidName(text.word)) return NO_COMMAND;
+    if (!isValidName(text.word)) return NO_COMMAND;
     for (const Command& command : commandTable()) {
         if (matches(command, text)) return command.run(*this, text);
     }
     return NO_COMMAND;
 }
 
-bool CommandHasNumber(std::string_view command, std::string_view word, long& number) {
+bool commandHasNumber(std::string_view command, std::string_view word, long& number) {
     if (command.substr(0, word.size()) != word) return false;
     const std::string rest(command.substr(word.size()));
     char* end = nullptr;
@@ -321,10 +321,10 @@ bool CommandHasNumber(std::string_view command, std::string_view word, long& num
     return end != rest.c_str();
 }
 
-long PauseLength(long number) {
+long pauseLength(long number) {
     return number >= 0 && number <= 5000 ? number : 1000;
 }
 
-long WaitBetweenCharacters(long number) {
+long waitBetweenCharacters(long number) {
     return number > 0 && number <= 100 ? 1000 / number : 0;
 }

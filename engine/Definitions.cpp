@@ -46,7 +46,7 @@ std::vector<std::string> splitAtCommas(const std::string& text) {
 
 bool Definitions::CheckParameters(const std::string& list) {
     for (const std::string& name : splitAtCommas(list)) {
-        if (IsValidName(name)) continue;
+        if (isValidName(name)) continue;
         outcome.Fail("** ERROR: invalid argument: %s **\n", {name});
         return false;
     }
@@ -57,7 +57,7 @@ int Definitions::Define(const char* text, bool isKept) {
     DefinitionText parts;
     std::string definition = text;
     if (definition.find(CVSstr) == std::string::npos) markConversion(definition);
-    definition.erase(std::remove_if(definition.begin(), definition.end(), IsBlank), definition.end());
+    definition.erase(std::remove_if(definition.begin(), definition.end(), isBlank), definition.end());
     if (!splitDefinition(definition, parts)) {
         return outcome.Fail("** ERROR: can't define an empty function **\n");
     }
@@ -65,7 +65,7 @@ int Definitions::Define(const char* text, bool isKept) {
         return outcome.Fail("** ERROR: %i max characters for function names **\n",
                             {std::to_string(MAX_NAME)});
     }
-    if (!IsValidName(parts.name)) {
+    if (!isValidName(parts.name)) {
         return outcome.FailAt({0, static_cast<int32_t>(parts.name.size())},
                               "** ERROR: invalid function name: %s **\n", {parts.name});
     }

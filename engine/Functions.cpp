@@ -72,7 +72,7 @@ static void addParameters(Function* function, char* argText) {
     while (argText && *argText && *argText != ',') {
         char* comma = strchr(argText, ',');
         if (comma) *comma = '\0';
-        function->args.Push(StrDuplicate(argText))->type = TERM_NAME;
+        function->args.Push(strDuplicate(argText))->type = TERM_NAME;
         function->argCount++;
         argText = comma ? comma + 1 : nullptr;
     }
@@ -130,7 +130,7 @@ std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
 // these names from being defined.
 Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq* body, bool isKept) {
     auto function = std::make_shared<Function>();
-    function->name = StrDuplicate(name);
+    function->name = strDuplicate(name);
     addParameters(function.get(), argText);
     const Function* builtin = FindNamesake(name, function->argCount, true);
     if (isKept) {

@@ -9,13 +9,13 @@ bool strIsEqual(const char* a, const char* b) {
 }
 
 bool strIsEqualI(const char* a, const char* b) {
-    while (*a && LowerCase(*a) == LowerCase(*b)) a++, b++;
-    return LowerCase(*a) == LowerCase(*b);
+    while (*a && lowerCase(*a) == lowerCase(*b)) a++, b++;
+    return lowerCase(*a) == lowerCase(*b);
 }
 
 bool strIsEqualNI(const char* a, const char* b, size_t n) {
     for (size_t i = 0; i < n; i++) {
-        if (LowerCase(a[i]) != LowerCase(b[i])) return false;
+        if (lowerCase(a[i]) != lowerCase(b[i])) return false;
         if (a[i] == '\0') return true;
     }
     return true;
@@ -48,14 +48,14 @@ const char* FindStrAfterLastChar(const char* text, char c) {
     return found ? found + 1 : text;
 }
 
-char* StrDuplicate(std::string_view text) {
+char* strDuplicate(std::string_view text) {
     char* copy = new char[text.size() + 1];
     if (!text.empty()) memcpy(copy, text.data(), text.size());
     copy[text.size()] = '\0';
     return copy;
 }
 
-std::string StrShown(std::string_view text) {
+std::string strShown(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
     for (char c : text) shown.append(c == '\x10' || c == '\x11' ? "->" : std::string_view(&c, 1));
@@ -63,10 +63,10 @@ std::string StrShown(std::string_view text) {
 }
 
 std::string LowerCased(std::string text) {
-    for (char& c : text) c = LowerCase(c);
+    for (char& c : text) c = lowerCase(c);
     return text;
 }
 
-bool IsValidName(std::string_view text) {
-    return !text.empty() && IsLetter(text[0]) && std::all_of(text.begin(), text.end(), IsOfName);
+bool isValidName(std::string_view text) {
+    return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), IsOfName);
 }

@@ -19,29 +19,29 @@ void StrRemoveNewlineChars(char* text);        // removes every carriage return 
 const char* FindStrAfterLastChar(const char* text, char c);
 
 // A copy from new char[].
-char* StrDuplicate(std::string_view text);
+char* strDuplicate(std::string_view text);
 
 // The text as people read it: the internal characters of a unit conversion (0x10, 0x11) become "->".
-std::string StrShown(std::string_view text);
+std::string strShown(std::string_view text);
 
 // ASCII characters; any char value is allowed.
-constexpr bool IsLetter(char c) {
+constexpr bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
-constexpr bool IsDigit(char c) {
+constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
-constexpr bool IsBlank(char c) { // or a line end
+constexpr bool isBlank(char c) { // or a line end
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 constexpr bool IsOfName(char c) { // behind the first letter of a name
-    return IsLetter(c) || IsDigit(c) || c == '_';
+    return isLetter(c) || isDigit(c) || c == '_';
 }
-constexpr char LowerCase(char c) { // A to Z become a to z
+constexpr char lowerCase(char c) { // A to Z become a to z
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 std::string LowerCased(std::string text);
 
 // Whether the text is the name of a variable, a function or a parameter: a letter, then characters of a name.
-bool IsValidName(std::string_view text);
+bool isValidName(std::string_view text);
 constexpr int MAX_NAME = 50; // names have fewer characters

@@ -12,7 +12,7 @@ CHistory::~CHistory() {
 
 void CHistory::InsertNewEntry(const char* text) {
     if (!text) return;
-    char* copy = StrDuplicate(text); // before the slot is freed: the text may be a stored line
+    char* copy = strDuplicate(text); // before the slot is freed: the text may be a stored line
     if (count >= maxEntries)
         delete[] entries[next];
     else

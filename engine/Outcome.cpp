@@ -34,7 +34,7 @@ int Outcome::Fail(std::string_view format, std::initializer_list<std::string_vie
     auto next = texts.begin();
     for (size_t i = 0; i < format.size(); i++) {
         if (format[i] == '%' && i + 1 < format.size() && next != texts.end()) {
-            text += StrShown(*next++).substr(0, room);
+            text += strShown(*next++).substr(0, room);
             i++;
         } else {
             text += format[i];
@@ -48,10 +48,10 @@ int checkMathError(const char* name, char* out) {
     const int code = merror;
     if (code == 0) return 0;
     merror = 0;
-    const char* text = mathErrorTexts[code >= 0 && code < 7 ? code : 0];
+    const char* text = MATH_ERROR_TEXTS[code >= 0 && code < 7 ? code : 0];
     if (!out) return code;
     if (name)
-        snprintf(out, TEXT_SIZE, "** ERROR: '%.1000s' %s **\n", StrShown(name).c_str(), text);
+        snprintf(out, TEXT_SIZE, "** ERROR: '%.1000s' %s **\n", strShown(name).c_str(), text);
     else
         snprintf(out, TEXT_SIZE, "** ERROR: %s **\n", text);
     return code;

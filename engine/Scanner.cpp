@@ -22,7 +22,7 @@ static bool isSpaceOrTab(char c) {
 
 // Whether the digits that end at `end` (exclusive) are the exponent of a unit, as in m^2.
 static bool endsUnitExponent(const std::string& text, size_t end) {
-    while (end > 0 && IsDigit(text[end - 1])) end--;
+    while (end > 0 && isDigit(text[end - 1])) end--;
     return end > 0 && text[end - 1] == '^';
 }
 
@@ -34,8 +34,8 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     while (start > 0) {
         const char c = text[start - 1];
         if (isSpaceOrTab(c) || strchr("()[]{}=,", c)) break;
-        if (c == '.' && start > 1 && IsDigit(text[start - 2])) break; // 5.km
-        if (!IsDigit(c))
+        if (c == '.' && start > 1 && isDigit(text[start - 2])) break; // 5.km
+        if (!isDigit(c))
             inExponent = false;
         else if (!inExponent && !(inExponent = endsUnitExponent(text, start)))
             break;
@@ -73,7 +73,7 @@ bool isDefinition(const std::string& text) {
 static void normalize(std::string& text, bool european) {
     size_t length = 0;
     for (char c : text) {
-        if (IsBlank(c)) continue;
+        if (isBlank(c)) continue;
         if (c == '{' || c == '[') c = '(';
         if (c == '}' || c == ']') c = ')';
         text[length++] = c;
@@ -86,7 +86,7 @@ static void normalize(std::string& text, bool european) {
 static bool isExponentSign(std::string_view operand) {
     const size_t n = operand.size();
     if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
-    if (!IsDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
+    if (!isDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
     return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
 }
 
@@ -166,7 +166,7 @@ int Scanner::ScanAssignment(std::string& text) {
     if (name.size() >= MAX_NAME) {
         return outcome.Fail("** ERROR: %i max characters for variables **\n", {std::to_string(MAX_NAME)});
     }
-    if (!IsValidName(name)) {
+    if (!isValidName(name)) {
         return outcome.FailAt({statement.skipped, static_cast<int32_t>(equals)},
                               "** ERROR: invalid variable name: %s **\n", {name});
     }
@@ -240,7 +240,7 @@ bool Scanner::IsValueName(std::string_view name) {
 
 // A function knows itself while its body is read, so that a recursion is found when it is called.
 bool Scanner::IsFunctionName(const std::string& name) const {
-    if (inDefinition && inDefinition->isKept && name.size() < MAX_NAME && IsValidName(name)) return true;
+    if (inDefinition && inDefinition->isKept && name.size() < MAX_NAME && isValidName(name)) return true;
     return funcs.FunctionExists(name.c_str(), -1) ||
            (inDefinition && strIsEqualI(name.c_str(), inDefinition->function.c_str()));
 }
@@ -253,16 +253,16 @@ void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParen
     node* term = statement.terms.Push(new node);
     lookedUp = text;
     qfloat value;
-    const bool isName = (isUnit && std::any_of(text.begin(), text.end(), IsLetter)) ||
-                        (IsLetter(text[0]) && variables.Find(text));
+    const bool isName = (isUnit && std::any_of(text.begin(), text.end(), isLetter)) ||
+                        (isLetter(text[0]) && variables.Find(text));
     if (!isName && ReadNumber(lookedUp, value)) {
         term->type = TERM_NUMBER;
         term->SetValue(value);
-        if (text.substr(0, 2) == "0x") term->text = StrDuplicate(text);
+        if (text.substr(0, 2) == "0x") term->text = strDuplicate(text);
     } else {
         const bool isCall = !isName && beforeParenthesis && IsFunctionName(lookedUp);
         term->type = isCall ? TERM_FUNC : TERM_NAME;
-        term->text = StrDuplicate(text);
+        term->text = strDuplicate(text);
     }
 }
 
@@ -280,7 +280,7 @@ int findDecString(std::string_view text, std::string_view& rest) {
     size_t i = 0;
     for (; i < text.size(); i++) {
         const char c = text[i];
-        if (IsDigit(c)) continue;
+        if (isDigit(c)) continue;
         if (c == '.' && !hasPoint && !hasExponent) {
             hasPoint = true;
         } else if ((c == 'e' || c == 'E') && !hasExponent && i > 0) {
@@ -305,11 +305,11 @@ static bool isRadixText(std::string_view text) {
 static std::string joinThousands(std::string_view text) {
     std::string joined;
     size_t i = 0;
-    while (i < text.size() && IsDigit(text[i])) i++;
+    while (i < text.size() && isDigit(text[i])) i++;
     joined.append(text.substr(0, i));
     while (i < text.size() && text[i] == ',') {
         const std::string_view group = text.substr(i + 1, 3);
-        if (group.size() < 3 || !std::all_of(group.begin(), group.end(), IsDigit)) return "";
+        if (group.size() < 3 || !std::all_of(group.begin(), group.end(), isDigit)) return "";
         joined.append(group);
         i += 4;
     }

@@ -23,14 +23,14 @@ static std::size_t readUtf8(std::string_view text, std::size_t start, uint32_t& 
     return code < LEAST[length] || code > 0x10FFFF || isSurrogate ? 0 : length;
 }
 
-std::size_t Utf8Length(std::string_view text, std::size_t start) {
+std::size_t utf8Length(std::string_view text, std::size_t start) {
     uint32_t code = 0;
     return readUtf8(text, start, code);
 }
 
-bool IsUtf8(std::string_view text) {
+bool isUtf8(std::string_view text) {
     for (std::size_t i = 0, length = 0; i < text.size(); i += length) {
-        length = Utf8Length(text, i);
+        length = utf8Length(text, i);
         if (length == 0) return false;
     }
     return true;
@@ -54,23 +54,23 @@ static bool isPrintableAscii(char c) {
     return (c >= ' ' && c <= '~') || c == '\n';
 }
 
-std::string ShownText(std::string_view text) {
+std::string shownText(std::string_view text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isPrintableAscii);
     std::string shown(text.begin(), end);
     for (std::size_t i = shown.size(); i < text.size();) {
         uint32_t code = 0;
         const std::size_t length = readUtf8(text, i, code);
         const std::string_view character = text.substr(i, length == 0 ? 1 : length);
-        appendShown(shown, character, length > 0 && !IsControlCharacter(code) && !isLayout(code));
+        appendShown(shown, character, length > 0 && !isControlCharacter(code) && !isLayout(code));
         i += character.size();
     }
     return shown;
 }
 
-std::string ShownLatin1(std::string_view text) {
+std::string shownLatin1(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i)
-        appendShown(shown, text.substr(i, 1), !IsControlCharacter(byteAt(text, i)));
+        appendShown(shown, text.substr(i, 1), !isControlCharacter(byteAt(text, i)));
     return shown;
 }

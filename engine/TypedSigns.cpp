@@ -68,7 +68,7 @@ const SignRow* findSign(uint32_t code) {
 std::string TypedSigns::Read(std::string_view text) {
     std::string read;
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = std::max<std::size_t>(Utf8Length(text, i), 1);
+        const std::size_t length = std::max<std::size_t>(utf8Length(text, i), 1);
         const std::string_view character = text.substr(i, length);
         const uint32_t code = codeOf(character);
         const SignRow* const row = length > 1 ? findSign(code) : nullptr;

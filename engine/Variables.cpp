@@ -6,7 +6,7 @@
 std::unique_ptr<node> makeTerm(std::string_view name) {
     auto variable = std::make_unique<node>();
     variable->type = TERM_NAME;
-    variable->text = StrDuplicate(name);
+    variable->text = strDuplicate(name);
     return variable;
 }
 
@@ -39,7 +39,7 @@ int Variables::CheckNames() {
     if (!isForeign) return 0;
     for (node* variable = First(); variable; variable = variable->next) {
         work.names++;
-        if (variable->text && IsValidName(variable->text)) continue;
+        if (variable->text && isValidName(variable->text)) continue;
         outcome.Fail("** ERROR: invalid variable name: %s **\n", {variable->text ? variable->text : ""});
         if (statement.fullEntry) Delete(variable);
         return STATUS_ERROR;

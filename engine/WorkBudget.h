@@ -46,9 +46,9 @@ constexpr size_t LONG_TEXTS = 16 << 20; // the characters that one statement may
 class WorkBudget {
 public:
     enum class Next {
-        GO_ON,
-        ASK,    // it is time to ask for an interruption, and to tell Asked
-        GIVE_UP // the limit does not allow this
+        GoOn,
+        ASK,   // it is time to ask for an interruption, and to tell Asked
+        GiveUp // the limit does not allow this
     };
 
     // A new account, of nothing yet, with a limit of units.
@@ -61,8 +61,8 @@ public:
     // Counts work, before it is done.
     Next Spend(uint64_t units) {
         spent += units;
-        if (spent <= nextStop) return Next::GO_ON;
-        return spent > limit ? Next::GIVE_UP : Next::ASK;
+        if (spent <= nextStop) return Next::GoOn;
+        return spent > limit ? Next::GiveUp : Next::ASK;
     }
 
     // The next question is due in WorkLimit::BETWEEN_QUESTIONS.
@@ -108,7 +108,7 @@ public:
     // message when the evaluation has to stop: a preview at its limit, an entry that is interrupted.
     int Spend(uint64_t units) {
         const WorkBudget::Next next = budget.Spend(units);
-        return next == WorkBudget::Next::GO_ON ? 0 : Stop(next);
+        return next == WorkBudget::Next::GoOn ? 0 : Stop(next);
     }
 
     // Asks now. Returns 0, or -1 with a message.

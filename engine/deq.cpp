@@ -46,16 +46,16 @@ constexpr Index makeIndex() {
     return made;
 }
 
-constexpr Index operatorIndex = makeIndex();
+constexpr Index OPERATOR_INDEX = makeIndex();
 
 } // namespace
 
 const OpEntry& getOp(int32_t code) {
-    return ops[code < 0 || code > OP_LOGICAL_OR ? OPERATOR_COUNT : operatorIndex.byCode[code]];
+    return ops[code < 0 || code > OP_LOGICAL_OR ? OPERATOR_COUNT : OPERATOR_INDEX.byCode[code]];
 }
 
 int isOp(const char* text) {
-    if (!operatorIndex.begins[static_cast<uint8_t>(text[0])]) return 0;
+    if (!OPERATOR_INDEX.begins[static_cast<uint8_t>(text[0])]) return 0;
     for (const OpEntry* entry = ops; entry->code != 0; entry++) {
         if (entry->text[0] != text[0]) continue;
         if (entry->code == OP_NOT_EQUAL && text[1] == '=' && text[2] == '=') continue; // 3!==6: a factorial
@@ -139,7 +139,7 @@ void Deq::CopyTo(Deq* target) const {
     const int32_t number = count;
     const node* term = first;
     for (int32_t i = 0; i < number; i++, term = term->next) {
-        node* copy = target->Push(term->text ? StrDuplicate(term->text) : nullptr);
+        node* copy = target->Push(term->text ? strDuplicate(term->text) : nullptr);
         copy->type = term->type;
         copy->level = term->level;
         if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);

@@ -7,7 +7,7 @@
 
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 
 void qmov(const qfloat a, qfloat b) {
     std::memmove(b, a, sizeof(qfloat));
@@ -22,7 +22,7 @@ void qclear(qfloat a) {
     std::memset(a, 0, sizeof(qfloat));
 }
 void qneg(qfloat a) {
-    a[0] = a[0] != 0 ? 0 : negativeSign;
+    a[0] = a[0] != 0 ? 0 : NEGATIVE_SIGN;
 }
 void qabs(qfloat a) {
     a[0] = 0;
@@ -32,7 +32,7 @@ int qisneg(const qfloat a) {
 }
 
 void qinfin(qfloat a) {
-    a[1] = overflowExponent;
+    a[1] = OVERFLOW_EXPONENT;
     a[2] = 0;
     std::memset(a + 3, 0xFF, 11 * sizeof *a);
 }
@@ -44,7 +44,7 @@ void qnrmlz(qfloat a) {
         return;
     }
     const int64_t exponent = int64_t{ac1[1]} - SC;
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         qinfin(a);
         merror = 3;
     } else if (exponent < 0) {
@@ -65,7 +65,7 @@ void overflow(qfloat c) {
 // The mantissa of a number as limbs: all zero when the exponent says that it is zero.
 inline void loadValue(const qfloat a, uint64_t* x) {
     if (a[1] == 0) {
-        std::memset(x, 0, count * sizeof *x);
+        std::memset(x, 0, COUNT * sizeof *x);
     } else {
         limb::load(a, x);
     }
@@ -73,21 +73,21 @@ inline void loadValue(const qfloat a, uint64_t* x) {
 
 // Shifts x up until its top bit is set; returns the shift, or 384 when x is zero.
 inline int normalise(uint64_t* x) {
-    if (x[count - 1] & limb::topBit) return 0;
+    if (x[COUNT - 1] & limb::TOP_BIT) return 0;
     const int n = limb::leadingZeros(x);
-    if (n < 64 * count) limb::shiftUp(x, n);
+    if (n < 64 * COUNT) limb::shiftUp(x, n);
     return n;
 }
 
 // Halves a mantissa whose carry went out above the top.
 inline void takeCarry(uint64_t* x) {
     limb::shiftDown(x, 1);
-    x[count - 1] |= limb::topBit;
+    x[COUNT - 1] |= limb::TOP_BIT;
 }
 
 // The end of a sum: exponent and mantissa into c, unless out of range.
 inline void storeSum(uint32_t sign, int64_t exponent, const uint64_t* x, qfloat c) {
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         overflow(c); // c's sign word stays
     } else if (exponent < 0) {
         qclear(c);
@@ -107,13 +107,13 @@ void addMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t 
         ++exponent;
     } else {
         const int n = normalise(big);
-        if (n == 64 * count) {
+        if (n == 64 * COUNT) {
             qclear(c);
             return;
         }
         exponent -= n;
     }
-    if (exponent <= overflowExponent && exponent >= 0) exponent += limb::roundHalfUp(big);
+    if (exponent <= OVERFLOW_EXPONENT && exponent >= 0) exponent += limb::roundHalfUp(big);
     storeSum(sign, exponent, big, c);
 }
 
@@ -122,8 +122,8 @@ void subtractMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int
     subflg = 1;
     if (limb::subtract(small, big) != 0) {
         // Only for a mantissa that was not normalised.
-        for (int i = 0; i < count; ++i) big[i] = ~big[i];
-        sign = sign != 0 ? 0 : negativeSign;
+        for (int i = 0; i < COUNT; ++i) big[i] = ~big[i];
+        sign = sign != 0 ? 0 : NEGATIVE_SIGN;
     }
     // A remainder below 4095 units of the last mantissa word is what rounding left of equal numbers.
     if ((big[5] | big[4] | big[3] | big[2] | big[1]) == 0 && (big[0] >> 32) < 0xFFF) {
@@ -138,7 +138,7 @@ void subtractMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int
 void addEqual(uint32_t signA, uint32_t signB, const qfloat b, qfloat c) {
     if ((signA != 0) != (signB != 0) || b[1] == 0) {
         qclear(c);
-    } else if (b[1] < overflowExponent) {
+    } else if (b[1] < OVERFLOW_EXPONENT) {
         qmov(b, c);
         c[0] = signB;
         ++c[1];
@@ -161,7 +161,7 @@ void qadd1(const qfloat a, uint32_t signA, const qfloat b, qfloat c) {
         c[0] = signA;
         return;
     }
-    uint64_t x[count], y[count];
+    uint64_t x[COUNT], y[COUNT];
     loadValue(a, x);
     loadValue(b, y);
     uint64_t *small = x, *big = y;
@@ -194,11 +194,11 @@ void qadd(const qfloat a, const qfloat b, qfloat c) {
 
 void qsub(const qfloat a, const qfloat b, qfloat c) {
     subflg = 1;
-    qadd1(a, a[0] != 0 ? 0 : negativeSign, b, c);
+    qadd1(a, a[0] != 0 ? 0 : NEGATIVE_SIGN, b, c);
 }
 
 int qcmp(const qfloat a, const qfloat b) {
-    if (a[1] <= mantissaBits && b[1] <= mantissaBits) {
+    if (a[1] <= MANTISSA_BITS && b[1] <= MANTISSA_BITS) {
         qfloat d = {};
         qsub(b, a, d);
         if (d[1] == 0) return 0;
@@ -215,7 +215,7 @@ int qcmp(const qfloat a, const qfloat b) {
 namespace {
 
 inline uint32_t productSign(const qfloat a, const qfloat b) {
-    return (a[0] != 0) == (b[0] != 0) ? 0 : negativeSign;
+    return (a[0] != 0) == (b[0] != 0) ? 0 : NEGATIVE_SIGN;
 }
 
 inline bool hasOneWord(const uint64_t* x) {
@@ -225,13 +225,13 @@ inline bool hasOneWord(const uint64_t* x) {
 // Normalises and rounds the product or quotient x, whose exponent is biased.  Returns false when x is zero.
 inline bool finish(uint64_t* x, int64_t& exponent) {
     // Normalised operands need a shift by one bit at most; without a branch, as it is a toss-up.
-    const int one = static_cast<int>(~x[count - 1] >> 63);
-    for (int i = count - 1; i > 0; --i) x[i] = limb::joinUp(x[i], x[i - 1], one);
+    const int one = static_cast<int>(~x[COUNT - 1] >> 63);
+    for (int i = COUNT - 1; i > 0; --i) x[i] = limb::joinUp(x[i], x[i - 1], one);
     x[0] <<= one;
     exponent -= one;
-    if (!(x[count - 1] & limb::topBit)) {
+    if (!(x[COUNT - 1] & limb::TOP_BIT)) {
         const int n = limb::leadingZeros(x);
-        if (n == 64 * count) return false;
+        if (n == 64 * COUNT) return false;
         limb::shiftUp(x, n);
         exponent -= n;
     }
@@ -241,7 +241,7 @@ inline bool finish(uint64_t* x, int64_t& exponent) {
 
 // Stores a product or quotient; exponents below `lowest` give zero.
 inline void storeProduct(uint32_t sign, int64_t exponent, int64_t lowest, const uint64_t* x, qfloat c) {
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         c[0] = sign;
         overflow(c);
     } else if (exponent < lowest) {
@@ -261,7 +261,7 @@ void qmul(const qfloat a, const qfloat b, qfloat c) {
         qclear(c);
         return;
     }
-    uint64_t x[count], y[count];
+    uint64_t x[COUNT], y[COUNT];
     limb::load(a, x);
     limb::load(b, y);
     if (hasOneWord(x)) {
@@ -271,7 +271,7 @@ void qmul(const qfloat a, const qfloat b, qfloat c) {
     } else {
         limb::multiply(x, y, x);
     }
-    int64_t exponent = int64_t{a[1]} + b[1] - exponentBias;
+    int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
     if (finish(x, exponent)) {
         storeProduct(sign, exponent, 1, x, c);
@@ -285,10 +285,10 @@ void qmuli(const qfloat a, const qfloat b, qfloat c) {
         qclear(c);
         return;
     }
-    uint64_t x[count];
+    uint64_t x[COUNT];
     limb::load(b, x);
     limb::multiplyLimb(x, uint64_t{a[3]} << 32, x);
-    int64_t exponent = int64_t{a[1]} + b[1] - exponentBias;
+    int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
     if (finish(x, exponent)) {
         storeProduct(sign, exponent, 0, x, c); // an exponent of 0 is stored as it is
@@ -302,7 +302,7 @@ void qdiv(const qfloat a, const qfloat b, qfloat c) {
         qclear(c);
         return;
     }
-    uint64_t x[count], y[count];
+    uint64_t x[COUNT], y[COUNT];
     loadValue(a, x);
     if (limb::isZero(x)) {
         qinfin(c); // c's sign word stays
@@ -310,7 +310,7 @@ void qdiv(const qfloat a, const qfloat b, qfloat c) {
         return;
     }
     limb::load(b, y);
-    int64_t exponent = int64_t{b[1]} - a[1] + exponentBias;
+    int64_t exponent = int64_t{b[1]} - a[1] + EXPONENT_BIAS;
     exponent += normalise(x); // 0 for a normalised divisor
     if (limb::compare(y, x) >= 0) {
         limb::shiftDown(y, 1); // below the divisor; the bit goes into the guard

@@ -20,16 +20,16 @@ namespace {
 
 // y = arctan t for 0 <= t < 2^-31: t (1 - w/3 + w^2/5 - ...), w = t^2.
 void shortSeries(const Extended& t, Extended& y) {
-    uint64_t w[count], sum[count];
+    uint64_t w[COUNT], sum[COUNT];
     y = t;
-    if (t.exponent < -32 * count || isZero(t.limb)) return;
+    if (t.exponent < -32 * COUNT || isZero(t.limb)) return;
     square(t.limb, w);
     shiftDown(w, static_cast<int>(-2 * t.exponent));
-    copy(inverseOdd[inverseOddCount - 1], sum);
-    for (int k = inverseOddCount - 2; k > 0; --k) {
+    copy(INVERSE_ODD[INVERSE_ODD_COUNT - 1], sum);
+    for (int k = INVERSE_ODD_COUNT - 2; k > 0; --k) {
         multiply(sum, w, sum);
         uint64_t borrow = 0;
-        for (int i = 0; i < count; ++i) sum[i] = subtractBorrow(inverseOdd[k][i], sum[i], borrow);
+        for (int i = 0; i < COUNT; ++i) sum[i] = subtractBorrow(INVERSE_ODD[k][i], sum[i], borrow);
     }
     multiply(sum, w, sum);
     if (isZero(sum)) return;
@@ -44,7 +44,7 @@ void shortSeries(const Extended& t, Extended& y) {
 
 // The double nearest to x, or nearly so; x is in a double's range.
 double toDouble(const Extended& x) {
-    return std::ldexp(static_cast<double>(x.limb[count - 1]), static_cast<int>(x.exponent) - 64);
+    return std::ldexp(static_cast<double>(x.limb[COUNT - 1]), static_cast<int>(x.exponent) - 64);
 }
 
 // y = arctan v for 0 < v <= 1.
@@ -88,8 +88,8 @@ void refuse(const char* name, qfloat y) {
 // y = the square root of (1 - a)(1 + a), 0 < a < 1.
 void cosineOf(const Extended& a, Extended& y) {
     Extended less, more;
-    subtract(one, a, less);
-    add(one, a, more);
+    subtract(ONE, a, less);
+    add(ONE, a, more);
     multiply(less, more, y);
     elem::sqrt(y, y);
 }
@@ -104,7 +104,7 @@ void arctangent(const Extended& n, const Extended& d, Extended& y) {
     } else {
         divide(d, n, v);
         principal(v, v);
-        subtract(halfPi, v, y);
+        subtract(HALF_PI, v, y);
     }
 }
 
@@ -119,7 +119,7 @@ void qatn(const qfloat x, qfloat y) {
         storeZero(signWord(negative), y);
         return;
     }
-    arctangent(a, limb::one, a);
+    arctangent(a, limb::ONE, a);
     limb::store(a, signWord(negative), 0, y);
 }
 
@@ -130,7 +130,7 @@ void qasin(const qfloat x, qfloat y) {
         storeZero(sign, y);
         return;
     }
-    const int order = limb::compare(a, limb::one);
+    const int order = limb::compare(a, limb::ONE);
     if (order > 0) {
         refuse("qasin", y);
     } else if (order == 0) {
@@ -150,7 +150,7 @@ void qacos(const qfloat x, qfloat y) {
         storePi(1, 0, y);
         return;
     }
-    const int order = limb::compare(a, limb::one);
+    const int order = limb::compare(a, limb::ONE);
     if (order > 0) {
         refuse("qacos", y);
     } else if (order == 0 && negative) {
@@ -161,7 +161,7 @@ void qacos(const qfloat x, qfloat y) {
         Extended c;
         cosineOf(a, c);
         arctangent(c, a, a);
-        if (negative) limb::subtract(limb::wholePi, a, a);
+        if (negative) limb::subtract(limb::WHOLE_PI, a, a);
         limb::store(a, 0, 0, y);
     }
 }

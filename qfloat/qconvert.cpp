@@ -7,17 +7,17 @@
 
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 
 int merror;
 
-const char* const mathErrorTexts[7] = {"unknown",
-                                       "result is imaginary",
-                                       "singularity",
-                                       "overflow",
-                                       "underflow",
-                                       "total loss of precision",
-                                       "partial loss of precision"};
+const char* const MATH_ERROR_TEXTS[7] = {"unknown",
+                                         "result is imaginary",
+                                         "singularity",
+                                         "overflow",
+                                         "underflow",
+                                         "total loss of precision",
+                                         "partial loss of precision"};
 
 void mtherr(const char* /*name*/, int code) {
     merror = code;
@@ -26,12 +26,12 @@ void mtherr(const char* /*name*/, int code) {
 void ltoq(const int64_t* n, qfloat q) {
     const uint64_t magnitude = *n < 0 ? -static_cast<uint64_t>(*n) : static_cast<uint64_t>(*n);
     const auto low = static_cast<uint32_t>(magnitude);
-    const uint32_t sign = *n < 0 ? negativeSign : 0;
+    const uint32_t sign = *n < 0 ? NEGATIVE_SIGN : 0;
     qclear(q);
     if (low == 0) return;
     const int zeros = limb::leadingZeros(uint64_t{low}) - 32;
     q[0] = sign;
-    q[1] = exponentBias + 32 - static_cast<uint32_t>(zeros);
+    q[1] = EXPONENT_BIAS + 32 - static_cast<uint32_t>(zeros);
     q[3] = low << zeros;
 }
 
@@ -41,7 +41,7 @@ void ltoq(const int64_t* n, qfloat q) {
 
 namespace {
 
-constexpr int64_t doubleBias = 31746;
+constexpr int64_t DOUBLE_BIAS = 31746;
 
 void fromDoubleBits(uint64_t bits, qfloat q) {
     const uint64_t fraction = bits & ((uint64_t{1} << 52) - 1);
@@ -50,8 +50,8 @@ void fromDoubleBits(uint64_t bits, qfloat q) {
     qclear(q);
     if (mantissa == 0) return;
     const int shift = field != 0 ? 0 : limb::leadingZeros(mantissa);
-    const int64_t exponent = doubleBias + (field != 0 ? field : 1) - shift;
-    q[0] = bits >> 63 != 0 ? negativeSign : 0;
+    const int64_t exponent = DOUBLE_BIAS + (field != 0 ? field : 1) - shift;
+    q[0] = bits >> 63 != 0 ? NEGATIVE_SIGN : 0;
     q[1] = static_cast<uint32_t>(exponent);
     q[3] = static_cast<uint32_t>(mantissa << shift >> 32);
     q[4] = static_cast<uint32_t>(mantissa << shift);
@@ -68,11 +68,11 @@ bool roundsUpToDouble(const uint64_t* x) {
 
 uint64_t toDoubleBits(const qfloat q) {
     const uint64_t sign = uint64_t{q[0] != 0} << 63;
-    uint64_t x[count];
+    uint64_t x[COUNT];
     limb::load(q, x);
-    int64_t field = int64_t{q[1]} - doubleBias;
+    int64_t field = int64_t{q[1]} - DOUBLE_BIAS;
     const int zeros = limb::leadingZeros(x);
-    if (q[1] == 0 || zeros == 64 * count) return sign;
+    if (q[1] == 0 || zeros == 64 * COUNT) return sign;
     limb::shiftUp(x, zeros);
     field -= zeros;
     if (field < -52) return sign;
@@ -122,22 +122,22 @@ void qtoe(const qfloat q, uint16_t e[4]) {
 // Integer, fraction, rounding
 
 void qifrac(const qfloat x, int64_t* i, qfloat f) {
-    const int64_t bits = int64_t{x[1]} - exponentBias; // of the integer part
+    const int64_t bits = int64_t{x[1]} - EXPONENT_BIAS; // of the integer part
     if (bits < 1) {
         *i = 0;
         qmov(x, f);
         return;
     }
-    uint64_t m[count];
+    uint64_t m[COUNT];
     limb::load(x, m);
     const int64_t magnitude = bits < 32 ? static_cast<int64_t>(m[5] >> (64 - bits)) : 2147483647;
     *i = x[0] != 0 ? -magnitude : magnitude;
-    limb::shiftUp(m, bits > 64 * count ? 64 * count : static_cast<int>(bits));
+    limb::shiftUp(m, bits > 64 * COUNT ? 64 * COUNT : static_cast<int>(bits));
     qclear(f);
     const int zeros = limb::leadingZeros(m);
-    if (zeros == 64 * count) return;
+    if (zeros == 64 * COUNT) return;
     limb::shiftUp(m, zeros);
-    f[1] = exponentBias - static_cast<uint32_t>(zeros);
+    f[1] = EXPONENT_BIAS - static_cast<uint32_t>(zeros);
     limb::store(m, f);
 }
 
@@ -146,7 +146,7 @@ void qfloor(const qfloat x, qfloat y) {
         qclear(y);
         return;
     }
-    const int64_t bits = int64_t{x[1]} - exponentBias;
+    const int64_t bits = int64_t{x[1]} - EXPONENT_BIAS;
     const bool negative = x[0] != 0;
     if (bits <= 0) {
         qmov(negative ? qone : qzero, y);
@@ -156,7 +156,7 @@ void qfloor(const qfloat x, qfloat y) {
     qmov(x, y);
     uint32_t cut = 0;
     int word = 13;
-    int64_t k = mantissaBits - bits;
+    int64_t k = MANTISSA_BITS - bits;
     for (; k >= 32; k -= 32, --word) {
         cut |= y[word];
         y[word] = 0;
@@ -202,14 +202,14 @@ void qfixintegers(qfloat x) {
 }
 
 void qldexp(const qfloat x, int64_t n, qfloat y) {
-    constexpr int64_t limit = 0x20000;
-    if (n < -limit) {
+    constexpr int64_t LIMIT = 0x20000;
+    if (n < -LIMIT) {
         qclear(y);
         return;
     }
-    const int64_t exponent = n > limit ? int64_t{overflowExponent} + 1 : int64_t{x[1]} + n;
+    const int64_t exponent = n > LIMIT ? int64_t{OVERFLOW_EXPONENT} + 1 : int64_t{x[1]} + n;
     qmov(x, y);
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         qinfin(y);
     } else if (exponent < 1) {
         qclear(y);
@@ -224,7 +224,7 @@ void qfrexp(const qfloat x, int64_t* e, qfloat y) {
         qclear(y);
         return;
     }
-    *e = int64_t{x[1]} - exponentBias;
+    *e = int64_t{x[1]} - EXPONENT_BIAS;
     qmov(x, y);
-    y[1] = exponentBias;
+    y[1] = EXPONENT_BIAS;
 }

@@ -16,25 +16,25 @@
 
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 
 namespace elem {
 
 namespace {
 
-constexpr int halvings = 16;
-constexpr int lastTerm = 20; // 1 / 20! is the last coefficient
+constexpr int HALVINGS = 16;
+constexpr int LAST_TERM = 20; // 1 / 20! is the last coefficient
 
 // 1 / n! as fractions, cut, n = 2 .. lastTerm.
 struct InverseFactorials {
-    uint64_t entry[lastTerm + 1][count];
+    uint64_t entry[LAST_TERM + 1][COUNT];
 
     InverseFactorials() : entry{} {
-        uint64_t x[count] = {0, 0, 0, 0, 0, limb::topBit};
-        for (int n = 2; n <= lastTerm; ++n) {
+        uint64_t x[COUNT] = {0, 0, 0, 0, 0, limb::TOP_BIT};
+        for (int n = 2; n <= LAST_TERM; ++n) {
             limb::copy(x, entry[n]);
             uint64_t rest = 0;
-            for (int i = count - 1; i >= 0; --i) {
+            for (int i = COUNT - 1; i >= 0; --i) {
                 x[i] = limb::divideWide(rest, x[i], static_cast<uint64_t>(n) + 1, rest);
             }
         }
@@ -45,21 +45,21 @@ struct InverseFactorials {
 
 void expFraction(const uint64_t* r, uint64_t* s) {
     static const InverseFactorials inverse;
-    uint64_t small[count], sum[count];
+    uint64_t small[COUNT], sum[COUNT];
     limb::copy(r, small);
-    limb::shiftDown(small, halvings);
-    limb::copy(inverse.entry[lastTerm], sum);
-    for (int n = lastTerm - 1; n >= 2; --n) {
+    limb::shiftDown(small, HALVINGS);
+    limb::copy(inverse.entry[LAST_TERM], sum);
+    for (int n = LAST_TERM - 1; n >= 2; --n) {
         limb::multiply(small, sum, sum);
         limb::add(inverse.entry[n], sum);
     }
     limb::multiply(small, sum, sum);
     limb::multiply(r, sum, sum);
     uint64_t carry = limb::add(r, sum);
-    for (int j = 0; j < halvings; ++j) {
-        uint64_t step[count];
+    for (int j = 0; j < HALVINGS; ++j) {
+        uint64_t step[COUNT];
         limb::square(sum, step);
-        limb::shiftDown(step, halvings - j + 1);
+        limb::shiftDown(step, HALVINGS - j + 1);
         carry |= limb::add(step, sum);
     }
     // e^r - 1 < 1: only errors can carry, for an r next to ln 2.
@@ -71,20 +71,20 @@ namespace {
 
 // Splits x = n ln 2 + r, 0 <= r < ln 2, leaving r in x.
 uint64_t reduceByLn2(Fixed& x) {
-    constexpr double log2OfE = 1.4426950408889634;
+    constexpr double LOG2_OF_E = 1.4426950408889634;
     const Fixed ln2 = timesLn2(1);
-    const double estimate = static_cast<double>(x.limb[count]) +
-                            static_cast<double>(x.limb[count - 1] >> 11) * (1.0 / (uint64_t{1} << 53));
-    auto n = static_cast<uint64_t>(estimate * log2OfE);
+    const double estimate = static_cast<double>(x.limb[COUNT]) +
+                            static_cast<double>(x.limb[COUNT - 1] >> 11) * (1.0 / (uint64_t{1} << 53));
+    auto n = static_cast<uint64_t>(estimate * LOG2_OF_E);
     subtract(timesLn2(n), x);
-    while (x.isNegative()) { // the estimate is off by one at most
+    while (x.IsNegative()) { // the estimate is off by one at most
         add(ln2, x);
         --n;
     }
     for (;;) {
         Fixed less = x;
         subtract(ln2, less);
-        if (less.isNegative()) return n;
+        if (less.IsNegative()) return n;
         x = less;
         ++n;
     }
@@ -106,16 +106,16 @@ void exp(const Extended& x, bool negative, Extended& y) {
     }
     expFraction(r.limb, y.limb);
     limb::shiftDown(y.limb, 1); // (1 + s) / 2
-    y.limb[count - 1] |= limb::topBit;
+    y.limb[COUNT - 1] |= limb::TOP_BIT;
     y.exponent = n + 1;
 }
 
 void store(const Extended& x, uint32_t sign, uint32_t* q) {
-    uint64_t mantissa[count];
+    uint64_t mantissa[COUNT];
     limb::copy(x.limb, mantissa);
-    const int64_t exponent = x.exponent + limb::roundHalfUp(mantissa) + exponentBias;
+    const int64_t exponent = x.exponent + limb::roundHalfUp(mantissa) + EXPONENT_BIAS;
     qclear(q);
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         q[0] = sign;
         qinfin(q);
         merror = 3;

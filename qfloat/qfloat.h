@@ -31,7 +31,7 @@ typedef uint32_t qfloat[14];
 extern int merror;
 
 // The texts of the codes, index = code (7 entries).
-extern const char* const mathErrorTexts[7];
+extern const char* const MATH_ERROR_TEXTS[7];
 
 // Sets merror = code.  The routine's name is accepted for the caller's record only.
 void mtherr(const char* name, int code);
@@ -187,7 +187,7 @@ void qremain(const qfloat a, const qfloat b, qfloat c);
 
 // The size of the buffers that qtohex and qtobin write to: they stop at the first chunk of 32 bits that
 // brings the text to 9,001 characters or more and then append " . . .".
-constexpr int radixTextSize = 10000;
+constexpr int RADIX_TEXT_SIZE = 10000;
 
 // Writes the integer part of x (towards zero) in hexadecimal: "0x00FF", "-0x0001", "0x000100000000".
 // Groups of eight digits, the first of four when it fits.  With `twos` a negative number above -2^31 is

@@ -15,10 +15,10 @@ using namespace limb;
 namespace {
 
 // 1/16 <= x has at least this exponent.
-constexpr int64_t exponentialFrom = -3;
+constexpr int64_t EXPONENTIAL_FROM = -3;
 
 // e^x for x of this exponent, 2^15 or more, is far above the range.
-constexpr int64_t hopeless = 16;
+constexpr int64_t HOPELESS = 16;
 
 void overflow(uint32_t sign, uint32_t* y) {
     qclear(y);
@@ -30,7 +30,7 @@ void overflow(uint32_t sign, uint32_t* y) {
 // The exponential and its reciprocal.
 void exponentials(const Extended& x, Extended& grown, Extended& shrunk) {
     elem::exp(x, false, grown);
-    divide(one, grown, shrunk);
+    divide(ONE, grown, shrunk);
 }
 
 } // namespace
@@ -43,11 +43,11 @@ void qsinh(const qfloat x, qfloat y) {
     Extended a;
     if (x[1] < 2 || !loadMagnitude(x, a)) {
         qclear(y);
-    } else if (a.exponent >= hopeless) {
+    } else if (a.exponent >= HOPELESS) {
         overflow(sign, y);
     } else {
         Extended s, c;
-        if (a.exponent < exponentialFrom) {
+        if (a.exponent < EXPONENTIAL_FROM) {
             sinhCoshSeries(a, s, c);
         } else {
             Extended grown, shrunk;
@@ -63,11 +63,11 @@ void qcosh(const qfloat x, qfloat y) {
     Extended a;
     if (!loadMagnitude(x, a)) {
         qmov(qone, y);
-    } else if (a.exponent >= hopeless) {
+    } else if (a.exponent >= HOPELESS) {
         overflow(0, y);
     } else {
         Extended s, c;
-        if (a.exponent < exponentialFrom) {
+        if (a.exponent < EXPONENTIAL_FROM) {
             sinhCoshSeries(a, s, c);
         } else {
             Extended grown, shrunk;
@@ -87,17 +87,17 @@ void qtanh(const qfloat x, qfloat y) {
         return;
     }
     Extended s, c;
-    if (a.exponent < exponentialFrom) {
+    if (a.exponent < EXPONENTIAL_FROM) {
         sinhCoshSeries(a, s, c);
         limb::divide(s, c, a);
     } else if (a.exponent > 8) { // from 256 on 1 - tanh x lies below 2^-700
-        a = limb::one;
+        a = limb::ONE;
     } else {
         // (e^2x - 1) / (e^2x + 1)
         ++a.exponent;
         elem::exp(a, false, a);
-        limb::subtract(a, limb::one, s);
-        limb::add(a, limb::one, c);
+        limb::subtract(a, limb::ONE, s);
+        limb::add(a, limb::ONE, c);
         limb::divide(s, c, a);
     }
     limb::store(a, sign, 0, y);

@@ -15,7 +15,7 @@ namespace {
 struct Column {
     uint64_t low = 0, middle = 0, high = 0;
 
-    void add(uint64_t x, uint64_t y) {
+    void Add(uint64_t x, uint64_t y) {
         uint64_t above;
         uint64_t carry = 0;
         low = addCarry(low, multiply(x, y, above), carry);
@@ -24,7 +24,7 @@ struct Column {
     }
 
     // Takes the finished lowest limb off.
-    uint64_t next() {
+    uint64_t Next() {
         const uint64_t done = low;
         low = middle;
         middle = high;
@@ -32,13 +32,13 @@ struct Column {
         return done;
     }
 
-    void twice() {
+    void Twice() {
         high = (high << 1) | (middle >> 63);
         middle = (middle << 1) | (low >> 63);
         low <<= 1;
     }
 
-    void add(const Column& other) {
+    void Add(const Column& other) {
         uint64_t carry = 0;
         low = addCarry(low, other.low, carry);
         middle = addCarry(middle, other.middle, carry);
@@ -52,45 +52,45 @@ void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
     const uint64_t y0 = y[0], y1 = y[1], y2 = y[2], y3 = y[3], y4 = y[4], y5 = y[5];
     Column c;
-    c.add(x0, y5), c.add(x1, y4), c.add(x2, y3), c.add(x3, y2), c.add(x4, y1), c.add(x5, y0);
-    c.next();
-    c.add(x1, y5), c.add(x2, y4), c.add(x3, y3), c.add(x4, y2), c.add(x5, y1);
-    z[0] = c.next();
-    c.add(x2, y5), c.add(x3, y4), c.add(x4, y3), c.add(x5, y2);
-    z[1] = c.next();
-    c.add(x3, y5), c.add(x4, y4), c.add(x5, y3);
-    z[2] = c.next();
-    c.add(x4, y5), c.add(x5, y4);
-    z[3] = c.next();
-    c.add(x5, y5);
-    z[4] = c.next();
-    z[5] = c.next();
+    c.Add(x0, y5), c.Add(x1, y4), c.Add(x2, y3), c.Add(x3, y2), c.Add(x4, y1), c.Add(x5, y0);
+    c.Next();
+    c.Add(x1, y5), c.Add(x2, y4), c.Add(x3, y3), c.Add(x4, y2), c.Add(x5, y1);
+    z[0] = c.Next();
+    c.Add(x2, y5), c.Add(x3, y4), c.Add(x4, y3), c.Add(x5, y2);
+    z[1] = c.Next();
+    c.Add(x3, y5), c.Add(x4, y4), c.Add(x5, y3);
+    z[2] = c.Next();
+    c.Add(x4, y5), c.Add(x5, y4);
+    z[3] = c.Next();
+    c.Add(x5, y5);
+    z[4] = c.Next();
+    z[5] = c.Next();
 }
 
 void square(const uint64_t* x, uint64_t* z) {
     const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
     Column sum;
     const auto finish = [&sum](Column cross) {
-        cross.twice();
-        sum.add(cross);
-        return sum.next();
+        cross.Twice();
+        sum.Add(cross);
+        return sum.Next();
     };
     Column c5, c6, c7, c8, c9;
-    c5.add(x0, x5), c5.add(x1, x4), c5.add(x2, x3);
+    c5.Add(x0, x5), c5.Add(x1, x4), c5.Add(x2, x3);
     finish(c5);
-    c6.add(x1, x5), c6.add(x2, x4);
-    sum.add(x3, x3);
+    c6.Add(x1, x5), c6.Add(x2, x4);
+    sum.Add(x3, x3);
     z[0] = finish(c6);
-    c7.add(x2, x5), c7.add(x3, x4);
+    c7.Add(x2, x5), c7.Add(x3, x4);
     z[1] = finish(c7);
-    c8.add(x3, x5);
-    sum.add(x4, x4);
+    c8.Add(x3, x5);
+    sum.Add(x4, x4);
     z[2] = finish(c8);
-    c9.add(x4, x5);
+    c9.Add(x4, x5);
     z[3] = finish(c9);
-    sum.add(x5, x5);
-    z[4] = sum.next();
-    z[5] = sum.next();
+    sum.Add(x5, x5);
+    z[4] = sum.Next();
+    z[5] = sum.Next();
 }
 
 namespace {
@@ -148,9 +148,9 @@ uint64_t reciprocal(uint64_t d1, uint64_t d0) {
 }
 
 // r (n + 1 limbs from r[0]) -= q * d (n limbs); gives d back once where q was one too large.  Returns q.
-template <int n> inline uint64_t reduce(uint64_t* r, const uint64_t* d, uint64_t q) {
+template <int N> inline uint64_t reduce(uint64_t* r, const uint64_t* d, uint64_t q) {
     uint64_t high = 0;
-    for (int i = 0; i < n; ++i) {
+    for (int i = 0; i < N; ++i) {
         uint64_t above;
         uint64_t carry = 0;
         const uint64_t low = addCarry(multiply(d[i], q, above), high, carry);
@@ -160,13 +160,13 @@ template <int n> inline uint64_t reduce(uint64_t* r, const uint64_t* d, uint64_t
         high += borrow;
     }
     uint64_t borrow = 0;
-    r[n] = subtractBorrow(r[n], high, borrow);
+    r[N] = subtractBorrow(r[N], high, borrow);
     while (borrow != 0) {
         --q;
         uint64_t carry = 0;
-        for (int i = 0; i < n; ++i) r[i] = addCarry(r[i], d[i], carry);
-        r[n] += carry;
-        if (carry != 0 && r[n] == 0) borrow = 0;
+        for (int i = 0; i < N; ++i) r[i] = addCarry(r[i], d[i], carry);
+        r[N] += carry;
+        if (carry != 0 && r[N] == 0) borrow = 0;
     }
     return q;
 }
@@ -178,10 +178,10 @@ void divide(const uint64_t* x, const uint64_t* y, uint64_t* z) {
         divideLimb(x, y[5], z);
         return;
     }
-    const uint64_t d[count] = {y[0], y[1], y[2], y[3], y[4], y[5]};
-    uint64_t r[count + 1] = {0, x[0], x[1], x[2], x[3], x[4], x[5]};
+    const uint64_t d[COUNT] = {y[0], y[1], y[2], y[3], y[4], y[5]};
+    uint64_t r[COUNT + 1] = {0, x[0], x[1], x[2], x[3], x[4], x[5]};
     const uint64_t v = reciprocal(d[5], d[4]);
-    std::memset(z, 0xFF, count * sizeof *z);
+    std::memset(z, 0xFF, COUNT * sizeof *z);
     z[5] = reduce<6>(r, d, quotientDigit(r[6], r[5], r[4], d[5], d[4], v));
     z[4] = reduce<5>(r, d + 1, quotientDigit(r[5], r[4], r[3], d[5], d[4], v));
     // A cut divisor of almost all ones may leave a remainder above it: the digits that follow are all ones.
@@ -199,7 +199,7 @@ void divide(const uint64_t* x, const uint64_t* y, uint64_t* z) {
 void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z) {
     const uint64_t v = limb::reciprocal(y);
     uint64_t rest = x[5];
-    for (int i = count - 1; i > 0; --i) z[i] = divideBy(rest, x[i - 1], y, v, rest);
+    for (int i = COUNT - 1; i > 0; --i) z[i] = divideBy(rest, x[i - 1], y, v, rest);
     z[0] = divideBy(rest, 0, y, v, rest);
 }
 
@@ -207,14 +207,14 @@ void multiply(const Extended& x, const Extended& y, Extended& z) {
     const int64_t exponent = x.exponent + y.exponent;
     multiply(x.limb, y.limb, z.limb);
     z.exponent = exponent;
-    if (!(z.limb[count - 1] & topBit)) {
+    if (!(z.limb[COUNT - 1] & TOP_BIT)) {
         shiftUp(z.limb, 1);
         --z.exponent;
     }
 }
 
 void divide(const Extended& x, const Extended& y, Extended& z) {
-    uint64_t n[count];
+    uint64_t n[COUNT];
     copy(x.limb, n);
     z.exponent = x.exponent - y.exponent;
     if (compare(n, y.limb) >= 0) {
@@ -222,7 +222,7 @@ void divide(const Extended& x, const Extended& y, Extended& z) {
         ++z.exponent;
     }
     divide(n, y.limb, z.limb);
-    if (!(z.limb[count - 1] & topBit)) { // the cut bit of n made the quotient fall just below one half
+    if (!(z.limb[COUNT - 1] & TOP_BIT)) { // the cut bit of n made the quotient fall just below one half
         shiftUp(z.limb, 1);
         --z.exponent;
     }
@@ -232,7 +232,7 @@ namespace {
 
 // x >>= n for any n >= 0.
 void alignDown(uint64_t* x, int64_t n) {
-    shiftDown(x, n < 64 * count ? static_cast<int>(n) : 64 * count);
+    shiftDown(x, n < 64 * COUNT ? static_cast<int>(n) : 64 * COUNT);
 }
 
 void normalise(Extended& x) {
@@ -249,7 +249,7 @@ void add(const Extended& x, const Extended& y, Extended& z) {
     alignDown(small.limb, big.exponent - small.exponent);
     if (add(small.limb, big.limb) != 0) {
         shiftDown(big.limb, 1);
-        big.limb[count - 1] |= topBit;
+        big.limb[COUNT - 1] |= TOP_BIT;
         ++big.exponent;
     }
     z = big;
@@ -271,14 +271,14 @@ int compare(const Extended& x, const Extended& y) {
 
 void load(const uint32_t* q, Extended& x) {
     load(q, x.limb);
-    x.exponent = int64_t{q[1]} - exponentBias;
+    x.exponent = int64_t{q[1]} - EXPONENT_BIAS;
     normalise(x);
 }
 
 void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {
-    uint64_t mantissa[count];
+    uint64_t mantissa[COUNT];
     copy(x.limb, mantissa);
-    const int64_t exponent = x.exponent + roundHalfUp(mantissa) + exponentBias;
+    const int64_t exponent = x.exponent + roundHalfUp(mantissa) + EXPONENT_BIAS;
     qclear(q);
     if (exponent > 0xFFFF) {
         q[0] = sign;
@@ -294,14 +294,14 @@ void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {
 }
 
 void powerOfTen(int n, Extended& p) {
-    p = Extended{{0, 0, 0, 0, 0, topBit}, 1};
+    p = Extended{{0, 0, 0, 0, 0, TOP_BIT}, 1};
     bool first = true;
     for (int k = 0; k < 14; ++k) {
         if (!(n >> k & 1)) continue;
         if (first) {
-            p = tens[k];
+            p = TENS[k];
         } else {
-            multiply(p, tens[k], p);
+            multiply(p, TENS[k], p);
         }
         first = false;
     }

@@ -24,17 +24,17 @@ namespace limb {
 inline namespace portable {
 #endif
 
-constexpr int count = 6;
-constexpr uint64_t topBit = uint64_t{1} << 63;
+constexpr int COUNT = 6;
+constexpr uint64_t TOP_BIT = uint64_t{1} << 63;
 
 // A value 0.m * 2^exponent with the mantissa m of 384 bits, normalised (top bit of limb[5] set).
 struct Extended {
-    uint64_t limb[count];
+    uint64_t limb[COUNT];
     int64_t exponent;
 };
 
 // 10^(2^k), k = 0 .. 13, to the nearest 384-bit mantissa.
-extern const Extended tens[14];
+extern const Extended TENS[14];
 
 // ---------------------------------------------------------------------------------------------------------
 // Single limbs
@@ -204,7 +204,7 @@ inline void store(const uint64_t* x, uint32_t* q) {
 }
 
 inline void copy(const uint64_t* x, uint64_t* y) {
-    std::memcpy(y, x, count * sizeof *x);
+    std::memcpy(y, x, COUNT * sizeof *x);
 }
 
 inline bool isZero(const uint64_t* x) {
@@ -214,20 +214,20 @@ inline bool isZero(const uint64_t* x) {
 // y += x; returns the carry.
 inline uint64_t add(const uint64_t* x, uint64_t* y) {
     uint64_t carry = 0;
-    for (int i = 0; i < count; ++i) y[i] = addCarry(y[i], x[i], carry);
+    for (int i = 0; i < COUNT; ++i) y[i] = addCarry(y[i], x[i], carry);
     return carry;
 }
 
 // y -= x; returns the borrow.
 inline uint64_t subtract(const uint64_t* x, uint64_t* y) {
     uint64_t borrow = 0;
-    for (int i = 0; i < count; ++i) y[i] = subtractBorrow(y[i], x[i], borrow);
+    for (int i = 0; i < COUNT; ++i) y[i] = subtractBorrow(y[i], x[i], borrow);
     return borrow;
 }
 
 // -1, 0, 1 as x < y, x = y, x > y.
 inline int compare(const uint64_t* x, const uint64_t* y) {
-    for (int i = count - 1; i >= 0; --i) {
+    for (int i = COUNT - 1; i >= 0; --i) {
         if (x[i] != y[i]) return x[i] < y[i] ? -1 : 1;
     }
     return 0;
@@ -253,31 +253,31 @@ inline uint64_t joinUp(uint64_t high, uint64_t low, int n) {
 // x >>= n, 0 <= n; bits shifted out below are lost.
 inline void shiftDown(uint64_t* x, int n) {
     if (n >= 64) {
-        const int limbs = n >> 6 < count ? n >> 6 : count;
-        for (int i = 0; i < count; ++i) x[i] = i + limbs < count ? x[i + limbs] : 0;
+        const int limbs = n >> 6 < COUNT ? n >> 6 : COUNT;
+        for (int i = 0; i < COUNT; ++i) x[i] = i + limbs < COUNT ? x[i + limbs] : 0;
         n &= 63;
     }
-    for (int i = 0; i < count - 1; ++i) x[i] = joinDown(x[i + 1], x[i], n);
-    x[count - 1] >>= n;
+    for (int i = 0; i < COUNT - 1; ++i) x[i] = joinDown(x[i + 1], x[i], n);
+    x[COUNT - 1] >>= n;
 }
 
 // x <<= n, 0 <= n; bits shifted out above are lost.
 inline void shiftUp(uint64_t* x, int n) {
     if (n >= 64) {
-        const int limbs = n >> 6 < count ? n >> 6 : count;
-        for (int i = count - 1; i >= 0; --i) x[i] = i - limbs >= 0 ? x[i - limbs] : 0;
+        const int limbs = n >> 6 < COUNT ? n >> 6 : COUNT;
+        for (int i = COUNT - 1; i >= 0; --i) x[i] = i - limbs >= 0 ? x[i - limbs] : 0;
         n &= 63;
     }
-    for (int i = count - 1; i > 0; --i) x[i] = joinUp(x[i], x[i - 1], n);
+    for (int i = COUNT - 1; i > 0; --i) x[i] = joinUp(x[i], x[i - 1], n);
     x[0] <<= n;
 }
 
 // The count of zero bits above the highest one; 384 when x is zero.
 inline int leadingZeros(const uint64_t* x) {
-    for (int i = count - 1; i >= 0; --i) {
-        if (x[i] != 0) return 64 * (count - 1 - i) + leadingZeros(x[i]);
+    for (int i = COUNT - 1; i >= 0; --i) {
+        if (x[i] != 0) return 64 * (COUNT - 1 - i) + leadingZeros(x[i]);
     }
-    return 64 * count;
+    return 64 * COUNT;
 }
 
 // Rounds to 352 bits, half up on the top bit of the guard, and clears the guard.  Returns 1 when the
@@ -286,10 +286,10 @@ inline int roundHalfUp(uint64_t* x) {
     const bool wasHigh = x[0] >> 63 != 0;
     x[0] = (x[0] + (uint64_t{1} << 31)) & ~uint64_t{0xFFFFFFFF};
     if (x[0] != 0 || !wasHigh) return 0;
-    for (int i = 1; i < count; ++i) {
+    for (int i = 1; i < COUNT; ++i) {
         if (++x[i] != 0) return 0;
     }
-    x[count - 1] = topBit;
+    x[COUNT - 1] = TOP_BIT;
     return 1;
 }
 
@@ -304,18 +304,18 @@ void square(const uint64_t* x, uint64_t* z);
 inline void multiplyLimb(const uint64_t* x, uint64_t y, uint64_t* z) {
     uint64_t high;
     multiply(x[0], y, high);
-    for (int i = 1; i < count; ++i) {
+    for (int i = 1; i < COUNT; ++i) {
         uint64_t next;
         uint64_t carry = 0;
         z[i - 1] = addCarry(multiply(x[i], y, next), high, carry);
         high = next + carry;
     }
-    z[count - 1] = high;
+    z[COUNT - 1] = high;
 }
 
 // x = x * y + addend for integers; returns the limb carried out above.
 inline uint64_t multiplyAdd(uint64_t* x, uint64_t y, uint64_t addend) {
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < COUNT; ++i) {
         uint64_t high;
         uint64_t carry = 0;
         x[i] = addCarry(multiply(x[i], y, high), addend, carry);

@@ -13,26 +13,26 @@
 
 #include <cmath>
 
-using limb::count;
+using limb::COUNT;
 
 namespace elem {
 
 namespace {
 
-const Extended one = {{0, 0, 0, 0, 0, limb::topBit}, 1};
+const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
 // The direct series is used for arguments of artanh below 2^directExponent: then 32 terms reach 2^-384.
-constexpr int directExponent = -6;
-constexpr int terms = 32;
+constexpr int DIRECT_EXPONENT = -6;
+constexpr int TERMS = 32;
 
 // 1 / (2n + 1) as fractions, cut, n = 1 .. terms.
 struct OddReciprocals {
-    uint64_t entry[terms + 1][count];
+    uint64_t entry[TERMS + 1][COUNT];
 
     OddReciprocals() : entry{} {
-        for (int n = 1; n <= terms; ++n) {
+        for (int n = 1; n <= TERMS; ++n) {
             uint64_t rest = 1;
-            for (int i = count - 1; i >= 0; --i) {
+            for (int i = COUNT - 1; i >= 0; --i) {
                 entry[n][i] = limb::divideWide(rest, 0, 2 * static_cast<uint64_t>(n) + 1, rest);
             }
         }
@@ -51,16 +51,16 @@ void doubleArtanh(const Extended& z, Extended& y) {
     limb::multiply(z, z, square);
     const Fixed w = toFixed(square);
     const int zeros = limb::leadingZeros(w.limb); // w < 2^-zeros
-    const int needed = 64 * count / zeros;
-    int n = needed < terms ? needed : terms;
-    uint64_t sum[count] = {};
+    const int needed = 64 * COUNT / zeros;
+    int n = needed < TERMS ? needed : TERMS;
+    uint64_t sum[COUNT] = {};
     for (; n >= 1; --n) {
         limb::add(reciprocal.entry[n], sum);
         limb::multiply(w.limb, sum, sum);
     }
     Fixed bracket;
     limb::copy(sum, bracket.limb);
-    bracket.limb[count] = 1;
+    bracket.limb[COUNT] = 1;
     limb::multiply(z, toExtended(bracket), y);
     ++y.exponent;
 }
@@ -83,14 +83,14 @@ bool ratio(const Extended& a, const Extended& b, Extended& z) {
 void correctedLog(const Extended& m, bool below, double t, Extended& y) {
     // Above 1 compare m with e^t; below 1 compare 1 with m e^t.
     Fixed start = {};
-    start.limb[count - 1] = static_cast<uint64_t>(t * 9007199254740992.0) << 11; // t 2^53
+    start.limb[COUNT - 1] = static_cast<uint64_t>(t * 9007199254740992.0) << 11; // t 2^53
     Extended power;
     exp(toExtended(start), false, power);
     Extended correction;
     bool less;
     if (below) {
         limb::multiply(m, power, power);
-        less = ratio(one, power, correction);
+        less = ratio(ONE, power, correction);
     } else {
         less = ratio(m, power, correction);
     }
@@ -107,12 +107,12 @@ void correctedLog(const Extended& m, bool below, double t, Extended& y) {
 // y = |ln m| for sqrt(1/2) <= m < sqrt(2); returns whether m < 1.
 bool logOfMantissa(const Extended& m, Extended& y) {
     Extended z;
-    const bool below = ratio(m, one, z);
-    if (z.exponent <= directExponent || isZero(z)) { // z < 2^directExponent
+    const bool below = ratio(m, ONE, z);
+    if (z.exponent <= DIRECT_EXPONENT || isZero(z)) { // z < 2^directExponent
         doubleArtanh(z, y);
     } else {
         const double approximate =
-            std::ldexp(static_cast<double>(m.limb[count - 1]), static_cast<int>(m.exponent) - 64);
+            std::ldexp(static_cast<double>(m.limb[COUNT - 1]), static_cast<int>(m.exponent) - 64);
         correctedLog(m, below, std::fabs(std::log(approximate)), y);
     }
     return below;
@@ -121,9 +121,9 @@ bool logOfMantissa(const Extended& m, Extended& y) {
 } // namespace
 
 bool log(const Extended& x, Extended& y) {
-    constexpr uint64_t sqrtHalf = 0xB504F333F9DE6484; // the top limb of sqrt(1/2)
+    constexpr uint64_t SQRT_HALF = 0xB504F333F9DE6484; // the top limb of sqrt(1/2)
     Extended m = x;
-    m.exponent = x.limb[count - 1] < sqrtHalf ? 1 : 0;
+    m.exponent = x.limb[COUNT - 1] < SQRT_HALF ? 1 : 0;
     const int64_t e = x.exponent - m.exponent;
     const bool below = logOfMantissa(m, m);
     if (e == 0) {
@@ -152,7 +152,7 @@ void qlog(const qfloat x, qfloat y) {
     limb::load(x, value);
     if (x[1] == 0 || elem::isZero(value)) {
         qinfin(y);
-        y[0] = negativeSign;
+        y[0] = NEGATIVE_SIGN;
         merror = 2;
         return;
     }
@@ -160,6 +160,6 @@ void qlog(const qfloat x, qfloat y) {
     if (elem::isZero(value)) {
         qclear(y);
     } else {
-        elem::store(value, negative ? negativeSign : 0, y);
+        elem::store(value, negative ? NEGATIVE_SIGN : 0, y);
     }
 }

@@ -9,27 +9,27 @@ using elem::Extended;
 
 namespace {
 
-constexpr int64_t saturated = 2147483647;    // |qifrac|'s integer part of anything from 2^31 upward
-constexpr int64_t logarithmFrom = 415032;    // |y| from which x^y goes through the logarithm
-constexpr uint32_t hugeExponent = 0x8010;    // of 2^15: e^x leaves the range
-constexpr int64_t beyond = int64_t{1} << 40; // an exponent outside the range in any further step
+constexpr int64_t SATURATED = 2147483647;    // |qifrac|'s integer part of anything from 2^31 upward
+constexpr int64_t LOGARITHM_FROM = 415032;   // |y| from which x^y goes through the logarithm
+constexpr uint32_t HUGE_EXPONENT = 0x8010;   // of 2^15: e^x leaves the range
+constexpr int64_t BEYOND = int64_t{1} << 40; // an exponent outside the range in any further step
 
-const Extended one = {{0, 0, 0, 0, 0, limb::topBit}, 1};
+const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
 // The exponent word that x has after rounding.
 int64_t exponentWord(const Extended& x) {
-    uint64_t mantissa[limb::count];
+    uint64_t mantissa[limb::COUNT];
     limb::copy(x.limb, mantissa);
-    return x.exponent + limb::roundHalfUp(mantissa) + exponentBias;
+    return x.exponent + limb::roundHalfUp(mantissa) + EXPONENT_BIAS;
 }
 
 // z = e^x for a signed exponent that still has to pass qexp's limits, x = 0 included.
 void expOfProduct(Extended& x, bool negative, qfloat z) {
     const int64_t word = elem::isZero(x) ? 0 : exponentWord(x);
-    if (word > overflowExponent) merror = 3; // the product's own overflow, also where e^x is then 0
+    if (word > OVERFLOW_EXPONENT) merror = 3; // the product's own overflow, also where e^x is then 0
     if (word < 1) {
         qmov(qone, z);
-    } else if (word < hugeExponent) {
+    } else if (word < HUGE_EXPONENT) {
         elem::exp(x, negative, x);
         elem::store(x, 0, z);
     } else if (negative) {
@@ -67,7 +67,7 @@ void powerByLogarithm(const qfloat x, const qfloat y, qfloat z) {
     limb::load(x, base);
     if (x[0] != 0) {
         merror = 1;
-        base = one; // the logarithm fails as 0
+        base = ONE; // the logarithm fails as 0
     }
     const bool below = elem::log(base, base);
     limb::load(y, product);
@@ -99,22 +99,22 @@ void powerBySquaring(Extended x, int64_t n, Extended& z) {
 // z = x^n for x > 0, n >= 1.  From `logarithmFrom` upward the errors of the products would add up to whole
 // units; the logarithm's do not.
 void powerOfMagnitude(const Extended& x, int64_t n, Extended& z) {
-    if (n < logarithmFrom) {
+    if (n < LOGARITHM_FROM) {
         powerBySquaring(x, n, z);
         return;
     }
     Extended logarithm;
     const bool below = elem::log(x, logarithm);
     if (elem::isZero(logarithm)) {
-        z = one;
+        z = ONE;
         return;
     }
     const int zeros = limb::leadingZeros(static_cast<uint64_t>(n));
     const Extended factor = {{0, 0, 0, 0, 0, static_cast<uint64_t>(n) << zeros}, 64 - zeros};
     limb::multiply(logarithm, factor, logarithm);
     if (logarithm.exponent > 16) {
-        z = one;
-        z.exponent = below ? -beyond : beyond;
+        z = ONE;
+        z.exponent = below ? -BEYOND : BEYOND;
     } else {
         elem::exp(logarithm, below, z);
     }
@@ -124,7 +124,7 @@ void powerOfMagnitude(const Extended& x, int64_t n, Extended& z) {
 void powerOfTwo(int64_t n, qfloat z) {
     const int64_t word = 0x8002 + n - 1;
     qclear(z);
-    if (word > overflowExponent) {
+    if (word > OVERFLOW_EXPONENT) {
         qinfin(z);
         merror = 3;
     } else if (word > 0) {
@@ -139,7 +139,7 @@ void storeReciprocal(Extended& x, uint32_t sign, qfloat z) {
     const int64_t word = exponentWord(x);
     qclear(z);
     z[0] = sign;
-    if (word > overflowExponent) {
+    if (word > OVERFLOW_EXPONENT) {
         merror = 3;
         qinfin(z);
         qdiv(z, qone, z);
@@ -147,7 +147,7 @@ void storeReciprocal(Extended& x, uint32_t sign, qfloat z) {
         merror = 3;
         qinfin(z);
     } else {
-        limb::divide(one, x, x);
+        limb::divide(ONE, x, x);
         elem::store(x, sign, z);
     }
 }
@@ -163,7 +163,7 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
         return;
     }
     const int64_t magnitude = n < 0 ? -n : n;
-    if (magnitude == saturated) {
+    if (magnitude == SATURATED) {
         powerByLogarithm(x, y, z);
         return;
     }
@@ -179,7 +179,7 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
     }
     Extended base;
     limb::load(x, base);
-    const uint32_t sign = x[0] != 0 && magnitude % 2 != 0 ? negativeSign : 0;
+    const uint32_t sign = x[0] != 0 && magnitude % 2 != 0 ? NEGATIVE_SIGN : 0;
     powerOfMagnitude(base, magnitude, base);
     if (n < 0) {
         storeReciprocal(base, sign, z);
@@ -195,7 +195,7 @@ void qpow(const qfloat x, const qfloat y, qfloat z) {
         return;
     }
     qfloat whole, limit;
-    const int64_t from = logarithmFrom;
+    const int64_t from = LOGARITHM_FROM;
     qfloor(y, whole);
     ltoq(&from, limit);
     qfloat magnitude;
@@ -214,7 +214,7 @@ namespace {
 
 // y = n! for n >= 2, within 2^-374: the factors are gathered into limbs first.
 void factorial(int n, Extended& y) {
-    y = one;
+    y = ONE;
     uint64_t gathered = 1;
     const auto take = [&y, &gathered] {
         const int zeros = limb::leadingZeros(gathered);
@@ -238,11 +238,11 @@ void factorial(int n, Extended& y) {
 } // namespace
 
 void qfac(const qfloat x, qfloat y) {
-    constexpr double limit = 1754.0;
+    constexpr double LIMIT = 1754.0;
     const bool negative = x[0] != 0;
     double value = 0;
     if (!negative) qtoe(x, &value);
-    if (negative || value > limit) {
+    if (negative || value > LIMIT) {
         y[0] = 0;
         qinfin(y);
         merror = negative ? 1 : 3;

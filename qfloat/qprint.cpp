@@ -8,38 +8,38 @@
 #include <cmath>
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 using limb::Extended;
 
 namespace {
 
-constexpr int maxDigits = 104;
-constexpr int chunkDigits = 19;
+constexpr int MAX_DIGITS = 104;
+constexpr int CHUNK_DIGITS = 19;
 
-constexpr uint64_t chunkScale[chunkDigits + 1] = {1,
-                                                  10,
-                                                  100,
-                                                  1000,
-                                                  10000,
-                                                  100000,
-                                                  1000000,
-                                                  10000000,
-                                                  100000000,
-                                                  1000000000,
-                                                  10000000000,
-                                                  100000000000,
-                                                  1000000000000,
-                                                  10000000000000,
-                                                  100000000000000,
-                                                  1000000000000000,
-                                                  10000000000000000,
-                                                  100000000000000000,
-                                                  1000000000000000000,
-                                                  10000000000000000000U};
+constexpr uint64_t CHUNK_SCALE[CHUNK_DIGITS + 1] = {1,
+                                                    10,
+                                                    100,
+                                                    1000,
+                                                    10000,
+                                                    100000,
+                                                    1000000,
+                                                    10000000,
+                                                    100000000,
+                                                    1000000000,
+                                                    10000000000,
+                                                    100000000000,
+                                                    1000000000000,
+                                                    10000000000000,
+                                                    100000000000000,
+                                                    1000000000000000,
+                                                    10000000000000000,
+                                                    100000000000000000,
+                                                    1000000000000000000,
+                                                    10000000000000000000U};
 
 // floor(log10 x), at most one off, from the top 64 bits.
 int estimateExponent(const Extended& x) {
-    const double top = std::ldexp(static_cast<double>(x.limb[count - 1]), -64);
+    const double top = std::ldexp(static_cast<double>(x.limb[COUNT - 1]), -64);
     return static_cast<int>(
         std::floor(static_cast<double>(x.exponent) * 0.30102999566398119521 + std::log10(top)));
 }
@@ -73,7 +73,7 @@ bool findMantissa(const Extended& x, int& k, Extended& y) {
             ++k;
         } else {
             toFixed(y);
-            if (y.limb[count - 1] >> 60 < 10) return exact;
+            if (y.limb[COUNT - 1] >> 60 < 10) return exact;
             ++k;
         }
     }
@@ -86,8 +86,8 @@ void putChunk(uint64_t value, int n, char* out) {
 // Writes the first `digits` digits of the fraction; it is left as what remains.
 void putFraction(uint64_t* fraction, int digits, char* out) {
     while (digits > 0) {
-        const int n = digits < chunkDigits ? digits : chunkDigits;
-        putChunk(limb::multiplyAdd(fraction, chunkScale[n], 0), n, out);
+        const int n = digits < CHUNK_DIGITS ? digits : CHUNK_DIGITS;
+        putChunk(limb::multiplyAdd(fraction, CHUNK_SCALE[n], 0), n, out);
         out += n;
         digits -= n;
     }
@@ -100,7 +100,7 @@ char* putExponent(int k, char* out) {
         k = -k;
     }
     int n = 1;
-    while (k >= static_cast<int>(chunkScale[n])) ++n;
+    while (k >= static_cast<int>(CHUNK_SCALE[n])) ++n;
     putChunk(static_cast<uint64_t>(k), n, out);
     out[n] = '\0';
     return out + n;
@@ -108,7 +108,7 @@ char* putExponent(int k, char* out) {
 
 // -1, 0, 1 as the rest of the fraction is below, at or above one half.
 int compareHalf(const uint64_t* rest) {
-    const uint64_t half[count] = {0, 0, 0, 0, 0, limb::topBit};
+    const uint64_t half[COUNT] = {0, 0, 0, 0, 0, limb::TOP_BIT};
     return limb::compare(rest, half);
 }
 
@@ -116,8 +116,8 @@ int compareHalf(const uint64_t* rest) {
 // below 2^-368, has been multiplied by 10^digits.
 bool nearHalf(const uint64_t* rest, int digits) {
     const int boundary = 366 - (10 * digits + 2) / 3; // the top bits that must differ from a half
-    const uint64_t top = rest[count - 1];
-    const uint64_t distance = top >= limb::topBit ? top - limb::topBit : limb::topBit - top;
+    const uint64_t top = rest[COUNT - 1];
+    const uint64_t distance = top >= limb::TOP_BIT ? top - limb::TOP_BIT : limb::TOP_BIT - top;
     return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
 }
 
@@ -132,7 +132,7 @@ int compareMidpoint(const Extended& value, const char* text, int digits, int k) 
     limb::multiplyAdd(midpoint.limb, 10, 5);
     const int zeros = limb::leadingZeros(midpoint.limb);
     limb::shiftUp(midpoint.limb, zeros);
-    midpoint.exponent = 64 * count - zeros;
+    midpoint.exponent = 64 * COUNT - zeros;
     limb::scaleTen(midpoint, k - digits - 1);
     const int order = limb::compare(value, midpoint);
     if (order == 0) return 0;
@@ -162,18 +162,18 @@ int roundUp(char* text, int digits) {
 } // namespace
 
 void qtoasc(const qfloat q, char* buffer, int digits) {
-    if (digits > maxDigits) digits = maxDigits;
+    if (digits > MAX_DIGITS) digits = MAX_DIGITS;
     if (digits < 0) digits = 0;
     int k = 0;
     Extended value, y = {};
     limb::load(q, value);
     // The buffer is sized for the exponents of numbers, so a larger word counts as the overflow value's.
-    constexpr int64_t highest = overflowExponent - exponentBias;
-    if (value.exponent > highest) value.exponent = highest;
+    constexpr int64_t HIGHEST = OVERFLOW_EXPONENT - EXPONENT_BIAS;
+    if (value.exponent > HIGHEST) value.exponent = HIGHEST;
     const bool zero = q[1] == 0 || limb::isZero(value.limb);
     const bool exact = zero || findMantissa(value, k, y);
     buffer[0] = q[0] != 0 ? '-' : ' ';
-    buffer[1] = static_cast<char>('0' + (y.limb[count - 1] >> 60));
+    buffer[1] = static_cast<char>('0' + (y.limb[COUNT - 1] >> 60));
     buffer[2] = '.';
     limb::shiftUp(y.limb, 4);
     putFraction(y.limb, digits, buffer + 3);

@@ -10,9 +10,9 @@
 
 namespace {
 
-constexpr int highWord = 2, lastWord = 13, guardWord = 14;
-constexpr int cutLength = 9001; // a text that has reached this length is cut
-constexpr int smallestShown = -31;
+constexpr int HIGH_WORD = 2, LAST_WORD = 13, GUARD_WORD = 14;
+constexpr int CUT_LENGTH = 9001; // a text that has reached this length is cut
+constexpr int SMALLEST_SHOWN = -31;
 
 // Appends to a caller's buffer of radixTextSize characters.
 class TextWriter {
@@ -20,7 +20,7 @@ public:
     explicit TextWriter(char* buffer) : text(buffer) { text[0] = '\0'; }
 
     void append(char c) {
-        if (length + 1 >= radixTextSize) return;
+        if (length + 1 >= RADIX_TEXT_SIZE) return;
         text[length++] = c;
         text[length] = '\0';
     }
@@ -29,14 +29,14 @@ public:
         for (; *s != '\0'; ++s) append(*s);
     }
 
-    void replace(const char* s) {
+    void Replace(const char* s) {
         length = 0;
         append(s);
     }
 
     // Marks the text as cut when it has become too long; returns whether it did.
-    bool cut() {
-        if (length < cutLength) return false;
+    bool Cut() {
+        if (length < CUT_LENGTH) return false;
         append(" . . .");
         return true;
     }
@@ -59,7 +59,7 @@ int64_t shiftInteger(const qfloat x, bool twos, bool& negative) {
         negative = false;
     }
     qmovz(ac4, ac1);
-    const int64_t top = int64_t{ac1[1]} - exponentBias - 1;
+    const int64_t top = int64_t{ac1[1]} - EXPONENT_BIAS - 1;
     setshiftcount(static_cast<int32_t>(top % 32) + 1);
     shift(ac1);
     return top;
@@ -71,7 +71,7 @@ int chunkCount(int64_t top) {
 
 // Chunk k of the integer in ac1; behind the register's words there are only zeros.
 uint32_t chunk(int k) {
-    return k <= guardWord - highWord ? ac1[highWord + k] : 0;
+    return k <= GUARD_WORD - HIGH_WORD ? ac1[HIGH_WORD + k] : 0;
 }
 
 // Appends the bits of a chunk in groups of four, without the zero groups in front of the first digit.
@@ -94,7 +94,7 @@ void qtohex(const qfloat x, char* buffer, bool twos) {
     bool negative;
     const int64_t top = shiftInteger(x, twos, negative);
     TextWriter out(buffer);
-    if (top < smallestShown) {
+    if (top < SMALLEST_SHOWN) {
         out.append("0x0000");
         return;
     }
@@ -105,27 +105,27 @@ void qtohex(const qfloat x, char* buffer, bool twos) {
         const bool isShort = k == 0 && chunk(k) < 0x10000;
         std::snprintf(digits, sizeof digits, isShort ? "%04X" : "%08X", static_cast<unsigned>(chunk(k)));
         out.append(digits);
-        if (out.cut()) return;
+        if (out.Cut()) return;
     }
 }
 
 void qtobin(const qfloat x, char* buffer, bool twos) {
     // No number has an exponent above the overflow value's; a broken word must not count chunks without end.
-    const int64_t ownTop = int64_t{std::min(x[1], overflowExponent)} - exponentBias - 1;
+    const int64_t ownTop = int64_t{std::min(x[1], OVERFLOW_EXPONENT)} - EXPONENT_BIAS - 1;
     const bool minus = x[0] != 0 && !twos; // lost here also where no complement is taken
     bool negative;
     shiftInteger(x, twos, negative);
     TextWriter out(buffer);
     out.append(minus ? "-0b" : "0b");
     bool started = false;
-    if (ownTop >= smallestShown) {
+    if (ownTop >= SMALLEST_SHOWN) {
         const int chunks = chunkCount(ownTop);
         for (int k = 0; k < chunks; ++k) {
             appendBits(chunk(k), started, out);
-            if (out.cut()) return;
+            if (out.Cut()) return;
         }
     }
-    if (!started) out.replace("0b0000");
+    if (!started) out.Replace("0b0000");
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -140,7 +140,7 @@ bool settle(qfloat c) {
         return false;
     }
     const int64_t exponent = int64_t{ac2[1]} - SC;
-    if (exponent > overflowExponent) {
+    if (exponent > OVERFLOW_EXPONENT) {
         qinfin(c); // c's sign word stays
         merror = 3;
         return false;
@@ -156,7 +156,7 @@ bool settle(qfloat c) {
 // A register with the mantissa of a; all zero when the exponent says that a is zero.
 void loadRegister(const qfloat a, uint32_t* r) {
     qmovz(a, r);
-    if (a[1] == 0) std::memset(r + highWord, 0, (guardWord - highWord + 1) * sizeof *r);
+    if (a[1] == 0) std::memset(r + HIGH_WORD, 0, (GUARD_WORD - HIGH_WORD + 1) * sizeof *r);
 }
 
 } // namespace
@@ -180,8 +180,8 @@ void qlogic(const qfloat a, const qfloat b, qfloat c, char op) {
     default: break;
     }
     if (!settle(c)) return;
-    if ((ac2[guardWord] & 0x80000000) != 0 && subflg == 0) {
-        for (int i = lastWord; i >= highWord; --i) {
+    if ((ac2[GUARD_WORD] & 0x80000000) != 0 && subflg == 0) {
+        for (int i = LAST_WORD; i >= HIGH_WORD; --i) {
             if (++ac2[i] != 0) break;
         }
         if (!settle(c)) return;

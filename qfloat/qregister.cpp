@@ -4,17 +4,17 @@
 #include "qfloat.h"
 #include "qlimb.h"
 
-uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
+uint32_t ac1[REGISTER_WORDS], ac2[REGISTER_WORDS], ac3[REGISTER_WORDS], ac4[REGISTER_WORDS];
 int32_t SC;
 char subflg;
 
 namespace {
 
-constexpr int highWord = 2, firstWord = 3, lastWord = 13, guardWord = 14;
+constexpr int HIGH_WORD = 2, FIRST_WORD = 3, LAST_WORD = 13, GUARD_WORD = 14;
 
 void shiftRight(uint32_t* r, int bits) {
     uint32_t in = 0;
-    for (int i = highWord; i <= guardWord; ++i) {
+    for (int i = HIGH_WORD; i <= GUARD_WORD; ++i) {
         const uint32_t out = r[i] << (32 - bits);
         r[i] = (r[i] >> bits) | in;
         in = out;
@@ -23,7 +23,7 @@ void shiftRight(uint32_t* r, int bits) {
 
 void shiftLeft(uint32_t* r, int bits) {
     uint32_t in = 0;
-    for (int i = guardWord; i >= highWord; --i) {
+    for (int i = GUARD_WORD; i >= HIGH_WORD; --i) {
         const uint32_t out = r[i] >> (32 - bits);
         r[i] = (r[i] << bits) | in;
         in = out;
@@ -33,13 +33,13 @@ void shiftLeft(uint32_t* r, int bits) {
 // Words 3..14 of a register as limbs and back.
 void loadRegister(const uint32_t* r, uint64_t* x) {
     limb::load(r, x);
-    x[0] |= r[guardWord];
+    x[0] |= r[GUARD_WORD];
 }
 
 void storeRegister(const uint64_t* x, uint32_t* r) {
     limb::store(x, r);
-    r[guardWord] = static_cast<uint32_t>(x[0]);
-    r[highWord] = 0;
+    r[GUARD_WORD] = static_cast<uint32_t>(x[0]);
+    r[HIGH_WORD] = 0;
 }
 
 } // namespace
@@ -81,7 +81,7 @@ void shift(uint32_t* r) {
 
 void addm(const uint32_t* x, uint32_t* y) {
     uint64_t carry = 0;
-    for (int i = guardWord; i >= highWord; --i) {
+    for (int i = GUARD_WORD; i >= HIGH_WORD; --i) {
         carry += uint64_t{y[i]} + x[i];
         y[i] = static_cast<uint32_t>(carry);
         carry >>= 32;
@@ -90,7 +90,7 @@ void addm(const uint32_t* x, uint32_t* y) {
 
 void subm(const uint32_t* x, uint32_t* y) {
     uint64_t borrow = 0;
-    for (int i = guardWord; i >= highWord; --i) {
+    for (int i = GUARD_WORD; i >= HIGH_WORD; --i) {
         const uint64_t d = uint64_t{y[i]} - x[i] - borrow;
         y[i] = static_cast<uint32_t>(d);
         borrow = d >> 63;
@@ -98,26 +98,26 @@ void subm(const uint32_t* x, uint32_t* y) {
 }
 
 void andm(const uint32_t* x, uint32_t* y) {
-    for (int i = highWord; i <= guardWord; ++i) y[i] &= x[i];
+    for (int i = HIGH_WORD; i <= GUARD_WORD; ++i) y[i] &= x[i];
 }
 
 void orm(const uint32_t* x, uint32_t* y) {
-    for (int i = highWord; i <= guardWord; ++i) y[i] |= x[i];
+    for (int i = HIGH_WORD; i <= GUARD_WORD; ++i) y[i] |= x[i];
 }
 
 void xorm(const uint32_t* x, uint32_t* y) {
-    for (int i = highWord; i <= guardWord; ++i) y[i] ^= x[i];
+    for (int i = HIGH_WORD; i <= GUARD_WORD; ++i) y[i] ^= x[i];
 }
 
 int cmpm(const uint32_t* x, const uint32_t* y) {
-    for (int i = highWord; i <= lastWord; ++i) {
+    for (int i = HIGH_WORD; i <= LAST_WORD; ++i) {
         if (x[i] != y[i]) return x[i] > y[i] ? 1 : -1;
     }
     return 0;
 }
 
 void mulm(const uint32_t* x, uint32_t* y) {
-    uint64_t a[limb::count], b[limb::count];
+    uint64_t a[limb::COUNT], b[limb::COUNT];
     limb::load(x, a);
     limb::load(y, b);
     limb::multiply(a, b, b);
@@ -126,18 +126,18 @@ void mulm(const uint32_t* x, uint32_t* y) {
 }
 
 void mulin(const uint32_t* x, uint32_t* y) {
-    uint64_t b[limb::count];
+    uint64_t b[limb::COUNT];
     limb::load(y, b);
-    limb::multiplyLimb(b, uint64_t{x[firstWord]} << 32, b);
+    limb::multiplyLimb(b, uint64_t{x[FIRST_WORD]} << 32, b);
     storeRegister(b, y);
     mdnorm(y);
 }
 
 void divm(const uint32_t* x, uint32_t* y) {
-    uint64_t d[limb::count], n[limb::count];
+    uint64_t d[limb::COUNT], n[limb::COUNT];
     limb::load(x, d);
     const int zeros = limb::leadingZeros(d);
-    if (zeros == 64 * limb::count) return;
+    if (zeros == 64 * limb::COUNT) return;
     limb::shiftUp(d, zeros);
     loadRegister(y, n);
     limb::shiftDown(n, 2); // now below the divisor
@@ -151,7 +151,7 @@ namespace {
 // One unit more in the exponent, unless that leaves the range.
 void raiseExponent(uint32_t* r) {
     if (r[1] > 0xFFFF) {
-        r[1] = overflowExponent;
+        r[1] = OVERFLOW_EXPONENT;
         merror = 3;
     } else {
         ++r[1];
@@ -161,11 +161,11 @@ void raiseExponent(uint32_t* r) {
 } // namespace
 
 void mdnorm(uint32_t* r) {
-    for (int i = 0; i < 3 && r[highWord] != 0; ++i) {
+    for (int i = 0; i < 3 && r[HIGH_WORD] != 0; ++i) {
         shdn1(r);
         raiseExponent(r);
     }
-    for (int i = 0; i < 3 && !(r[firstWord] & 0x80000000); ++i) {
+    for (int i = 0; i < 3 && !(r[FIRST_WORD] & 0x80000000); ++i) {
         if (r[1] == 0) {
             merror = 4;
             break;
@@ -173,32 +173,32 @@ void mdnorm(uint32_t* r) {
         shup1(r);
         --r[1];
     }
-    if (r[guardWord] & 0x80000000) {
-        for (int i = lastWord; i >= highWord; --i) {
+    if (r[GUARD_WORD] & 0x80000000) {
+        for (int i = LAST_WORD; i >= HIGH_WORD; --i) {
             if (++r[i] != 0) break;
         }
     }
-    if (r[highWord] != 0) {
+    if (r[HIGH_WORD] != 0) {
         shdn1(r);
         raiseExponent(r);
     }
-    r[guardWord] = 0;
+    r[GUARD_WORD] = 0;
 }
 
 int normlz(uint32_t* r) {
     SC = 0;
-    if (r[highWord] != 0) {
-        for (; r[highWord] > 0xFF; SC -= 8) shdn8(r);
-        for (; r[highWord] != 0; --SC) shdn1(r);
+    if (r[HIGH_WORD] != 0) {
+        for (; r[HIGH_WORD] > 0xFF; SC -= 8) shdn8(r);
+        for (; r[HIGH_WORD] != 0; --SC) shdn1(r);
         return 0;
     }
-    if (r[firstWord] & 0x80000000) return 0;
-    while (r[firstWord] == 0) {
+    if (r[FIRST_WORD] & 0x80000000) return 0;
+    while (r[FIRST_WORD] == 0) {
         shup16(r);
         SC += 16;
-        if (SC > mantissaBits) return 1;
+        if (SC > MANTISSA_BITS) return 1;
     }
-    for (; r[firstWord] < 0x01000000; SC += 8) shup8(r);
-    for (; !(r[firstWord] & 0x80000000); ++SC) shup1(r);
+    for (; r[FIRST_WORD] < 0x01000000; SC += 8) shup8(r);
+    for (; !(r[FIRST_WORD] & 0x80000000); ++SC) shup1(r);
     return 0;
 }

@@ -9,13 +9,13 @@
 
 #include <cstdint>
 
-constexpr int registerWords = 15;
-constexpr int mantissaBits = 352;
-constexpr uint32_t exponentBias = 0x8000;
-constexpr uint32_t overflowExponent = 0x10000;
-constexpr uint32_t negativeSign = 0xFFFFFFFF;
+constexpr int REGISTER_WORDS = 15;
+constexpr int MANTISSA_BITS = 352;
+constexpr uint32_t EXPONENT_BIAS = 0x8000;
+constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;
+constexpr uint32_t NEGATIVE_SIGN = 0xFFFFFFFF;
 
-extern uint32_t ac1[registerWords], ac2[registerWords], ac3[registerWords], ac4[registerWords];
+extern uint32_t ac1[REGISTER_WORDS], ac2[REGISTER_WORDS], ac3[REGISTER_WORDS], ac4[REGISTER_WORDS];
 extern int32_t SC; // shift count: left by normlz for its callers, consumed by shift
 
 // 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be

@@ -8,29 +8,29 @@
 #include <cstring>
 
 using elem::Extended;
-using limb::count;
+using limb::COUNT;
 
 namespace {
 
 // r = r * 2^bits mod d, 0 < bits <= 64, for r < d and d with its top bit set; v is the reciprocal of d's top
 // limb.  The quotient digit, estimated from that limb alone, is at most two too large.
 void reduceStep(uint64_t* r, int bits, const uint64_t* d, uint64_t v) {
-    uint64_t wide[count + 1]; // r * 2^bits
+    uint64_t wide[COUNT + 1]; // r * 2^bits
     wide[0] = bits < 64 ? r[0] << bits : 0;
-    for (int i = 1; i < count; ++i) wide[i] = bits < 64 ? limb::joinUp(r[i], r[i - 1], bits) : r[i - 1];
-    wide[count] = r[count - 1] >> (64 - bits);
+    for (int i = 1; i < COUNT; ++i) wide[i] = bits < 64 ? limb::joinUp(r[i], r[i - 1], bits) : r[i - 1];
+    wide[COUNT] = r[COUNT - 1] >> (64 - bits);
 
     uint64_t digit = ~uint64_t{0}, rest;
-    if (wide[count] < d[count - 1])
-        digit = limb::divideBy(wide[count], wide[count - 1], d[count - 1], v, rest);
+    if (wide[COUNT] < d[COUNT - 1])
+        digit = limb::divideBy(wide[COUNT], wide[COUNT - 1], d[COUNT - 1], v, rest);
     uint64_t carried = 0, borrow = 0;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < COUNT; ++i) {
         uint64_t high, carry = 0;
         const uint64_t low = limb::addCarry(limb::multiply(d[i], digit, high), carried, carry);
         carried = high + carry;
         r[i] = limb::subtractBorrow(wide[i], low, borrow);
     }
-    uint64_t top = limb::subtractBorrow(wide[count], carried, borrow);
+    uint64_t top = limb::subtractBorrow(wide[COUNT], carried, borrow);
     while (top != 0) top += limb::add(d, r); // negative: the digit was too large
 }
 
@@ -53,7 +53,7 @@ void qremain(const qfloat a, const qfloat b, qfloat c) {
         qmov(b, c);
         return;
     }
-    const uint64_t v = limb::reciprocal(divisor.limb[count - 1]);
+    const uint64_t v = limb::reciprocal(divisor.limb[COUNT - 1]);
     int64_t left = rest.exponent - divisor.exponent; // bits still to bring down
     if (limb::compare(rest.limb, divisor.limb) >= 0) limb::subtract(divisor.limb, rest.limb);
     while (left > 0 && !elem::isZero(rest)) {
@@ -61,7 +61,7 @@ void qremain(const qfloat a, const qfloat b, qfloat c) {
         reduceStep(rest.limb, bits, divisor.limb, v);
         left -= bits;
     }
-    const uint32_t sign = b[0] != 0 ? negativeSign : 0;
+    const uint32_t sign = b[0] != 0 ? NEGATIVE_SIGN : 0;
     if (elem::isZero(rest)) {
         qclear(c);
         return;

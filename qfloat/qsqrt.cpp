@@ -13,7 +13,7 @@
 #include <cmath>
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 
 namespace elem {
 
@@ -28,16 +28,16 @@ uint64_t reciprocalRootEstimate(uint64_t m) {
 } // namespace
 
 void sqrt(const Extended& x, Extended& y) {
-    uint64_t m[count];
+    uint64_t m[COUNT];
     limb::copy(x.limb, m);
     int64_t exponent = x.exponent;
     if (exponent % 2 != 0) {
         limb::shiftDown(m, 1);
         ++exponent;
     }
-    uint64_t root[count] = {0, 0, 0, 0, 0, reciprocalRootEstimate(m[count - 1])};
+    uint64_t root[COUNT] = {0, 0, 0, 0, 0, reciprocalRootEstimate(m[COUNT - 1])};
     for (int step = 0; step < 2; ++step) {
-        uint64_t square[count], rest[count] = {0, 0, 0, 0, 0, limb::topBit >> 1};
+        uint64_t square[COUNT], rest[COUNT] = {0, 0, 0, 0, 0, limb::TOP_BIT >> 1};
         limb::square(root, square);
         limb::multiply(m, square, square);
         limb::subtract(square, rest);
@@ -45,7 +45,7 @@ void sqrt(const Extended& x, Extended& y) {
         limb::shiftUp(rest, 1);
         limb::add(rest, root);
     }
-    uint64_t s[count], square[count];
+    uint64_t s[COUNT], square[COUNT];
     limb::multiply(m, root, s);
     limb::shiftUp(s, 1);
     limb::square(s, square);
@@ -66,7 +66,7 @@ void qsqrt(const qfloat x, qfloat y) {
     const bool negative = x[0] != 0;
     if (x[1] == 0 || elem::isZero(value)) {
         qclear(y);
-        if (negative) y[0] = negativeSign; // the root of a negative zero is a negative zero
+        if (negative) y[0] = NEGATIVE_SIGN; // the root of a negative zero is a negative zero
         return;
     }
     if (negative) {

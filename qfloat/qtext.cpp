@@ -8,16 +8,16 @@
 #include <cstdio>
 #include <cstring>
 
-using limb::count;
+using limb::COUNT;
 using limb::Extended;
 
 namespace {
 
-constexpr int maxDigits = 104; // 10^104 < 2^346: the digits are an exact integer of six limbs
+constexpr int MAX_DIGITS = 104; // 10^104 < 2^346: the digits are an exact integer of six limbs
 
 // What is known of a number after its mantissa has been read.
 struct Mantissa {
-    uint64_t integer[count] = {}; // all digits as one integer
+    uint64_t integer[COUNT] = {}; // all digits as one integer
     int fractionDigits = 0;
     int bitsBelow = 0; // radix digits that no longer fit the integer, in bits
     uint32_t sign = 0;
@@ -30,15 +30,15 @@ public:
     MantissaReader(const char* text, int base, int bits) : p(text), radix(base), bitsPerDigit(bits) {}
 
     // Returns false on a syntax error.  Afterwards `position` is behind the mantissa (and its 'e').
-    bool read(Mantissa& m);
-    const char* position() const { return p; }
+    bool Read(Mantissa& m);
+    const char* Position() const { return p; }
 
 private:
-    int digit(char c) const;
-    bool mark(char c, Mantissa& m);
-    void take(int value, Mantissa& m);
-    void takeDecimalRun(Mantissa& m);
-    void flush(Mantissa& m);
+    int Digit(char c) const;
+    bool Mark(char c, Mantissa& m);
+    void Take(int value, Mantissa& m);
+    void TakeDecimalRun(Mantissa& m);
+    void Flush(Mantissa& m);
 
     const char* p;
     const int radix, bitsPerDigit;
@@ -50,7 +50,7 @@ private:
 };
 
 // The value of a digit, -1 when c is none in this radix.
-int MantissaReader::digit(char c) const {
+int MantissaReader::Digit(char c) const {
     int value = -1;
     if (c >= '0' && c <= '9') {
         value = c - '0';
@@ -62,22 +62,22 @@ int MantissaReader::digit(char c) const {
     return value < radix ? value : -1;
 }
 
-void MantissaReader::flush(Mantissa& m) {
+void MantissaReader::Flush(Mantissa& m) {
     limb::multiplyAdd(m.integer, pendingScale, pending);
     pending = 0;
     pendingScale = 1;
 }
 
-void MantissaReader::take(int value, Mantissa& m) {
+void MantissaReader::Take(int value, Mantissa& m) {
     if (!significant && !point && value == 0) return; // leading zeros
     significant = significant || value != 0;
-    if (taken == maxDigits) return;
+    if (taken == MAX_DIGITS) return;
     ++taken;
     if (point) ++m.fractionDigits;
     if (bitsPerDigit != 0) {
         // Leading zeros of a fraction take no room.
         if (bitsUsed == 0 && value == 0) return;
-        if (bitsUsed + bitsPerDigit > 64 * count) {
+        if (bitsUsed + bitsPerDigit > 64 * COUNT) {
             m.bitsBelow += bitsPerDigit;
             return;
         }
@@ -85,11 +85,11 @@ void MantissaReader::take(int value, Mantissa& m) {
     }
     pending = pending * static_cast<uint64_t>(radix) + static_cast<uint64_t>(value);
     pendingScale *= static_cast<uint64_t>(radix);
-    if (pendingScale >= UINT64_C(100000000000000000)) flush(m);
+    if (pendingScale >= UINT64_C(100000000000000000)) Flush(m);
 }
 
 // A character that is no digit, sign and point included; false when it has no business here.
-bool MantissaReader::mark(char c, Mantissa& m) {
+bool MantissaReader::Mark(char c, Mantissa& m) {
     switch (c) {
     case ' ': return true;
     case '.':
@@ -100,17 +100,17 @@ bool MantissaReader::mark(char c, Mantissa& m) {
     case '-':
         if (signSeen) return false;
         signSeen = true;
-        if (c == '-') m.sign = negativeSign;
+        if (c == '-') m.sign = NEGATIVE_SIGN;
         return true;
     default: return false;
     }
 }
 
 // The digits of a decimal number up to the next other character, once a significant digit has been seen.
-void MantissaReader::takeDecimalRun(Mantissa& m) {
+void MantissaReader::TakeDecimalRun(Mantissa& m) {
     const char* const start = p;
     uint64_t value = pending, scale = pendingScale;
-    for (int room = maxDigits - taken; room > 0; --room, ++p) {
+    for (int room = MAX_DIGITS - taken; room > 0; --room, ++p) {
         const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
         if (d > 9) break;
         value = value * 10 + d;
@@ -127,24 +127,24 @@ void MantissaReader::takeDecimalRun(Mantissa& m) {
     if (point) m.fractionDigits += static_cast<int>(p - start);
 }
 
-bool MantissaReader::read(Mantissa& m) {
+bool MantissaReader::Read(Mantissa& m) {
     for (;; ++p) {
-        if (significant && bitsPerDigit == 0) takeDecimalRun(m);
+        if (significant && bitsPerDigit == 0) TakeDecimalRun(m);
         const char c = *p;
-        const int value = digit(c);
+        const int value = Digit(c);
         if (value >= 0) {
-            take(value, m);
+            Take(value, m);
         } else if (c == 'e' || c == 'E') {
             m.exponentFollows = true;
             ++p;
             break;
         } else if (c == '\0' || c == '\n' || c == '\r') {
             break;
-        } else if (!mark(c, m)) {
+        } else if (!Mark(c, m)) {
             return false;
         }
     }
-    flush(m);
+    Flush(m);
     return true;
 }
 
@@ -166,7 +166,7 @@ int readExponent(const char* p, int& exponent) {
 // A radix number is cut to 352 bits; its exponent is a power of two.
 void finishRadix(Mantissa& m, int bitsPerDigit, int exponent, qfloat q) {
     const int zeros = limb::leadingZeros(m.integer);
-    const int biased = 0x8000 + 64 * count - zeros + m.bitsBelow - bitsPerDigit * m.fractionDigits + exponent;
+    const int biased = 0x8000 + 64 * COUNT - zeros + m.bitsBelow - bitsPerDigit * m.fractionDigits + exponent;
     if (biased < 1) return;
     q[0] = m.sign;
     if (biased > 0x10000) {
@@ -195,7 +195,7 @@ void finishDecimal(Mantissa& m, int exponent, qfloat q) {
     const int zeros = limb::leadingZeros(m.integer);
     limb::shiftUp(m.integer, zeros);
     limb::copy(m.integer, x.limb);
-    x.exponent = 64 * count - zeros;
+    x.exponent = 64 * COUNT - zeros;
     limb::scaleTen(x, n);
     limb::store(x, m.sign, 4, q);
 }
@@ -223,7 +223,7 @@ int asctoq(const char* text, qfloat q) {
     }
     Mantissa m;
     MantissaReader reader(text, bitsPerDigit != 0 ? 1 << bitsPerDigit : 10, bitsPerDigit);
-    if (!reader.read(m)) {
+    if (!reader.Read(m)) {
         std::puts("asctoq conversion error");
         return -1;
     }
@@ -232,7 +232,7 @@ int asctoq(const char* text, qfloat q) {
         return 0;
     }
     int exponent = 0;
-    const int range = m.exponentFollows ? readExponent(reader.position(), exponent) : 0;
+    const int range = m.exponentFollows ? readExponent(reader.Position(), exponent) : 0;
     if (range > 0) {
         q[0] = m.sign;
         qinfin(q);

@@ -29,9 +29,9 @@ void storePi(int halvings, uint32_t sign, uint32_t* y) {
 namespace {
 
 // The exponent word from which on sine and cosine are refused: 2^333.
-constexpr uint32_t sineLimit = 33102;
+constexpr uint32_t SINE_LIMIT = 33102;
 
-constexpr int64_t largestExponent = int64_t{overflowExponent} - exponentBias;
+constexpr int64_t LARGEST_EXPONENT = int64_t{OVERFLOW_EXPONENT} - EXPONENT_BIAS;
 
 void refuse(qfloat y) {
     qclear(y);
@@ -41,7 +41,7 @@ void refuse(qfloat y) {
 // y = sin(r + turns * pi/2), negated on demand. A sine that is exactly zero is a plain zero.
 void storeSine(const Reduced& r, unsigned turns, bool negate, qfloat y) {
     const unsigned quadrant = r.quadrant + turns;
-    Extended value = limb::one;
+    Extended value = limb::ONE;
     bool negative = (quadrant & 2) != 0;
     if (isZero(r.magnitude.limb)) {
         if ((quadrant & 1) == 0) {
@@ -78,11 +78,11 @@ void storeTangent(const Reduced& r, bool negate, qfloat y) {
 // Whether the cosine of x is refused: it is the sine of pi/2 - x, whose limit applies to the rounded
 // difference.
 bool cosineRefused(const qfloat x) {
-    if (x[1] < sineLimit - 1) return false;
+    if (x[1] < SINE_LIMIT - 1) return false;
     qfloat quarterTurn, difference;
     storePi(1, 0, quarterTurn);
     qsub(x, quarterTurn, difference);
-    return difference[1] >= sineLimit;
+    return difference[1] >= SINE_LIMIT;
 }
 
 } // namespace
@@ -93,7 +93,7 @@ using namespace trig;
 void qsin(const qfloat x, qfloat y) {
     const bool negative = qisneg(x) != 0;
     Extended a;
-    if (x[1] >= sineLimit) {
+    if (x[1] >= SINE_LIMIT) {
         refuse(y);
     } else if (!loadMagnitude(x, a)) {
         storeZero(signWord(negative), y);
@@ -121,7 +121,7 @@ void qtan(const qfloat x, qfloat y) {
         return;
     }
     // No number has a larger exponent; broken words must not reach beyond the table.
-    if (a.exponent > largestExponent) a.exponent = largestExponent;
+    if (a.exponent > LARGEST_EXPONENT) a.exponent = LARGEST_EXPONENT;
     storeTangent(reduceAngle(a), negative, y);
 }
 
@@ -130,7 +130,7 @@ void qsindeg(const qfloat x, qfloat y) {
     qfloat radians;
     qdiv(qrad2deg, x, radians);
     Extended a;
-    if (radians[1] >= sineLimit) {
+    if (radians[1] >= SINE_LIMIT) {
         refuse(y);
     } else if (!loadMagnitude(x, a)) {
         storeZero(signWord(negative), y);

@@ -13,16 +13,16 @@
 namespace limb {
 
 // Tables (qtrigconst.cpp, written by scripts/make_trig_constants.py).
-constexpr int inverseFactorialCount = 80;
-constexpr int inverseOddCount = 7;
-constexpr int twoOverPiLimbs = 528;
-extern const Extended wholePi, halfPi, quarterPi;                     // nearest 384-bit mantissas
-extern const Extended radiansPerDegree;                               // the same
-extern const uint64_t inverseFactorial[inverseFactorialCount][count]; // fixed 1/n!, n >= 2
-extern const uint64_t inverseOdd[inverseOddCount][count];             // fixed 1/(2k + 1), k >= 1
-extern const uint64_t twoOverPi[twoOverPiLimbs];                      // fraction of 2/pi, top limb first
+constexpr int INVERSE_FACTORIAL_COUNT = 80;
+constexpr int INVERSE_ODD_COUNT = 7;
+constexpr int TWO_OVER_PI_LIMBS = 528;
+extern const Extended WHOLE_PI, HALF_PI, quarterPi;                      // nearest 384-bit mantissas
+extern const Extended RADIANS_PER_DEGREE;                                // the same
+extern const uint64_t INVERSE_FACTORIAL[INVERSE_FACTORIAL_COUNT][COUNT]; // fixed 1/n!, n >= 2
+extern const uint64_t INVERSE_ODD[INVERSE_ODD_COUNT][COUNT];             // fixed 1/(2k + 1), k >= 1
+extern const uint64_t TWO_OVER_PI[TWO_OVER_PI_LIMBS];                    // fraction of 2/pi, top limb first
 
-constexpr Extended one = {{0, 0, 0, 0, 0, topBit}, 1};
+constexpr Extended ONE = {{0, 0, 0, 0, 0, TOP_BIT}, 1};
 
 } // namespace limb
 
@@ -31,7 +31,7 @@ namespace trig {
 using limb::Extended;
 
 inline uint32_t signWord(bool negative) {
-    return negative ? negativeSign : 0;
+    return negative ? NEGATIVE_SIGN : 0;
 }
 
 // |q| into x; false for a zero, whose mantissa or exponent word is zero.

@@ -15,18 +15,18 @@ namespace {
 
 // An operand of 352 bits comes no closer to a multiple of pi/2 than about 2^-(352 + 16), so that this many
 // bits of the fraction may cancel; limbs of the table and of the product for the worst case.
-constexpr int64_t worstCancellation = 376;
-constexpr int windowLimbs = 20;
-constexpr int productLimbs = windowLimbs + count + 1;
-constexpr int guardBits = 16;
+constexpr int64_t WORST_CANCELLATION = 376;
+constexpr int WINDOW_LIMBS = 20;
+constexpr int PRODUCT_LIMBS = WINDOW_LIMBS + COUNT + 1;
+constexpr int GUARD_BITS = 16;
 
 // p (n + 7 limbs, least significant first) = m * (n limbs of the table from `first` on), top limb zero.
 void multiplyWindow(const uint64_t* m, int64_t first, int n, uint64_t* p) {
-    std::memset(p, 0, static_cast<size_t>(n + count + 1) * sizeof *p);
+    std::memset(p, 0, static_cast<size_t>(n + COUNT + 1) * sizeof *p);
     for (int i = 0; i < n; ++i) {
-        const uint64_t w = twoOverPi[first + n - 1 - i];
+        const uint64_t w = TWO_OVER_PI[first + n - 1 - i];
         uint64_t above = 0;
-        for (int k = 0; k < count; ++k) {
+        for (int k = 0; k < COUNT; ++k) {
             uint64_t high;
             uint64_t carry = 0;
             const uint64_t low = addCarry(multiply(m[k], w, high), above, carry);
@@ -35,7 +35,7 @@ void multiplyWindow(const uint64_t* m, int64_t first, int n, uint64_t* p) {
             p[i + k] = addCarry(p[i + k], low, carry);
             above = high + carry;
         }
-        p[i + count] = above;
+        p[i + COUNT] = above;
     }
 }
 
@@ -73,7 +73,7 @@ int splitQuadrant(uint64_t* p, int length, int integerBits, Reduced& f) {
     if (f.negative) negateLong(p, length);
     const int zeros = leadingZerosLong(p, length);
     shiftUpLong(p, length, zeros);
-    std::memcpy(f.magnitude.limb, p + length - count, sizeof f.magnitude.limb);
+    std::memcpy(f.magnitude.limb, p + length - COUNT, sizeof f.magnitude.limb);
     f.magnitude.exponent = 2 - zeros;
     return zeros - 2;
 }
@@ -90,34 +90,34 @@ Reduced reduceAngle(const Extended& x) {
     // The cut table leaves an error below 2^(integerBits - 64 n) in the fraction.
     int64_t cancelled = 8;
     for (;;) {
-        const int n = static_cast<int>((integerBits + 64 * count + guardBits + cancelled + 63) / 64);
-        uint64_t p[productLimbs];
+        const int n = static_cast<int>((integerBits + 64 * COUNT + GUARD_BITS + cancelled + 63) / 64);
+        uint64_t p[PRODUCT_LIMBS];
         multiplyWindow(x.limb, skipped, n, p);
-        const int zeros = splitQuadrant(p, n + count + 1, integerBits, r);
-        if (zeros <= cancelled || cancelled == worstCancellation) break;
-        cancelled = zeros < worstCancellation ? zeros : worstCancellation;
+        const int zeros = splitQuadrant(p, n + COUNT + 1, integerBits, r);
+        if (zeros <= cancelled || cancelled == WORST_CANCELLATION) break;
+        cancelled = zeros < WORST_CANCELLATION ? zeros : WORST_CANCELLATION;
     }
-    multiply(r.magnitude, halfPi, r.magnitude);
+    multiply(r.magnitude, HALF_PI, r.magnitude);
     return r;
 }
 
 namespace {
 
-const qfloat fullTurn = {0, 0x8009, 0, 0xB4000000}; // 360
+const qfloat FULL_TURN = {0, 0x8009, 0, 0xB4000000}; // 360
 
 // x = x - 90 n for x < 512 with 32 zero bits below, and n the nearest whole number or one of two. Returns
 // whether the difference is negative; `x` is its magnitude.
 bool subtractQuadrants(Extended& x, unsigned& n) {
-    constexpr int places = 10; // before the point
-    constexpr int point = 64 - places;
-    shiftDown(x.limb, static_cast<int>(places - x.exponent));
-    uint64_t& top = x.limb[count - 1];
-    n = static_cast<unsigned>(((top + (uint64_t{45} << point)) >> point) / 90);
-    top -= uint64_t{90 * n} << point;
-    const bool isNegative = (top & topBit) != 0;
-    if (isNegative) negateLong(x.limb, count);
+    constexpr int PLACES = 10; // before the point
+    constexpr int POINT = 64 - PLACES;
+    shiftDown(x.limb, static_cast<int>(PLACES - x.exponent));
+    uint64_t& top = x.limb[COUNT - 1];
+    n = static_cast<unsigned>(((top + (uint64_t{45} << POINT)) >> POINT) / 90);
+    top -= uint64_t{90 * n} << POINT;
+    const bool isNegative = (top & TOP_BIT) != 0;
+    if (isNegative) negateLong(x.limb, COUNT);
     const int zeros = leadingZeros(x.limb);
-    x.exponent = places - zeros;
+    x.exponent = PLACES - zeros;
     shiftUp(x.limb, zeros);
     return isNegative;
 }
@@ -128,11 +128,11 @@ Reduced reduceDegrees(const uint32_t* x) {
     qfloat magnitude, degrees;
     qmov(x, magnitude);
     qabs(magnitude);
-    qremain(fullTurn, magnitude, degrees);
+    qremain(FULL_TURN, magnitude, degrees);
     Reduced r = {{}, false, 0};
     if (!loadMagnitude(degrees, r.magnitude)) return r;
     if (r.magnitude.exponent > 5) r.negative = subtractQuadrants(r.magnitude, r.quadrant); // 32 and more
-    if (!isZero(r.magnitude.limb)) multiply(r.magnitude, radiansPerDegree, r.magnitude);
+    if (!isZero(r.magnitude.limb)) multiply(r.magnitude, RADIANS_PER_DEGREE, r.magnitude);
     return r;
 }
 

@@ -17,25 +17,25 @@ namespace {
 // The number n of terms after which the next, z^(n + 1) / (2n + 2)!, lies below 2^-388; z < 2^exponent.
 // The last row of the table suffices for z < 0.62, where that term is below 2^-400.
 int termCount(int64_t exponent) {
-    constexpr int most = (inverseFactorialCount - 3) / 2;
+    constexpr int MOST = (INVERSE_FACTORIAL_COUNT - 3) / 2;
     int n = 1;
-    while (n < most && -exponent * (n + 1) + leadingZeros(inverseFactorial[2 * n + 2]) <= 388) ++n;
+    while (n < MOST && -exponent * (n + 1) + leadingZeros(INVERSE_FACTORIAL[2 * n + 2]) <= 388) ++n;
     return n;
 }
 
-enum class Signs { alternating, equal };
+enum class Signs { Alternating, Equal };
 
 // sum = z (1/first! -+ z (1/(first + 2)! -+ ...)), n terms; first is 2 or 3.
-template <Signs signs, typename Multiply> void sumSeries(int first, int n, Multiply timesZ, uint64_t* sum) {
-    copy(inverseFactorial[first + 2 * (n - 1)], sum);
+template <Signs Signs, typename Multiply> void sumSeries(int first, int n, Multiply timesZ, uint64_t* sum) {
+    copy(INVERSE_FACTORIAL[first + 2 * (n - 1)], sum);
     for (int k = n - 2; k >= 0; --k) {
         timesZ(sum);
-        const uint64_t* c = inverseFactorial[first + 2 * k];
-        if (signs == Signs::equal) {
+        const uint64_t* c = INVERSE_FACTORIAL[first + 2 * k];
+        if (Signs == Signs::Equal) {
             add(c, sum);
         } else {
             uint64_t borrow = 0;
-            for (int i = 0; i < count; ++i) sum[i] = subtractBorrow(c[i], sum[i], borrow);
+            for (int i = 0; i < COUNT; ++i) sum[i] = subtractBorrow(c[i], sum[i], borrow);
         }
     }
     timesZ(sum);
@@ -44,11 +44,11 @@ template <Signs signs, typename Multiply> void sumSeries(int first, int n, Multi
 // y = 1 - f for a fixed f < 1/2.
 void oneMinus(const uint64_t* f, Extended& y) {
     if (isZero(f)) {
-        y = one;
+        y = ONE;
         return;
     }
     uint64_t carry = 1;
-    for (int i = 0; i < count; ++i) y.limb[i] = addCarry(~f[i], 0, carry);
+    for (int i = 0; i < COUNT; ++i) y.limb[i] = addCarry(~f[i], 0, carry);
     y.exponent = 0;
 }
 
@@ -56,13 +56,13 @@ void oneMinus(const uint64_t* f, Extended& y) {
 void onePlus(const uint64_t* f, Extended& y) {
     copy(f, y.limb);
     shiftDown(y.limb, 1);
-    y.limb[count - 1] |= topBit;
+    y.limb[COUNT - 1] |= TOP_BIT;
     y.exponent = 1;
 }
 
 // z = x^2 as a fixed value and the number of terms that it needs; 0 when z vanishes.
 int squareFixed(const Extended& x, uint64_t* z) {
-    if (x.exponent < -32 * count) return 0;
+    if (x.exponent < -32 * COUNT) return 0;
     square(x.limb, z);
     const auto down = static_cast<int>(-2 * x.exponent);
     shiftDown(z, down);
@@ -72,20 +72,20 @@ int squareFixed(const Extended& x, uint64_t* z) {
 } // namespace
 
 void sinCos(const Extended& r, Extended* s, Extended* c) {
-    uint64_t z[count], sum[count];
+    uint64_t z[COUNT], sum[COUNT];
     const int n = squareFixed(r, z);
     if (n == 0) {
         if (s != nullptr) *s = r;
-        if (c != nullptr) *c = one;
+        if (c != nullptr) *c = ONE;
         return;
     }
     const auto timesZ = [&z](uint64_t* y) { multiply(y, z, y); };
     if (c != nullptr) {
-        sumSeries<Signs::alternating>(2, n, timesZ, sum);
+        sumSeries<Signs::Alternating>(2, n, timesZ, sum);
         oneMinus(sum, *c);
     }
     if (s != nullptr) {
-        sumSeries<Signs::alternating>(3, n, timesZ, sum);
+        sumSeries<Signs::Alternating>(3, n, timesZ, sum);
         Extended part;
         oneMinus(sum, part);
         multiply(r, part, *s);
@@ -96,32 +96,32 @@ void sinCosShort(uint64_t n, Extended& s, Extended& c) {
     const uint64_t z = n * n;
     const int terms = termCount(-leadingZeros(z));
     const auto timesZ = [z](uint64_t* y) { multiplyLimb(y, z, y); };
-    uint64_t sum[count];
-    sumSeries<Signs::alternating>(2, terms, timesZ, sum);
+    uint64_t sum[COUNT];
+    sumSeries<Signs::Alternating>(2, terms, timesZ, sum);
     oneMinus(sum, c);
-    sumSeries<Signs::alternating>(3, terms, timesZ, sum);
+    sumSeries<Signs::Alternating>(3, terms, timesZ, sum);
     oneMinus(sum, s);
     const int zeros = leadingZeros(n);
     multiplyLimb(s.limb, n << zeros, s.limb);
     s.exponent += 32 - zeros;
-    if (!(s.limb[count - 1] & topBit)) {
+    if (!(s.limb[COUNT - 1] & TOP_BIT)) {
         shiftUp(s.limb, 1);
         --s.exponent;
     }
 }
 
 void sinhCoshSeries(const Extended& x, Extended& s, Extended& c) {
-    uint64_t z[count], sum[count];
+    uint64_t z[COUNT], sum[COUNT];
     const int n = squareFixed(x, z);
     if (n == 0) {
         s = x;
-        c = one;
+        c = ONE;
         return;
     }
     const auto timesZ = [&z](uint64_t* y) { multiply(y, z, y); };
-    sumSeries<Signs::equal>(2, n, timesZ, sum);
+    sumSeries<Signs::Equal>(2, n, timesZ, sum);
     onePlus(sum, c);
-    sumSeries<Signs::equal>(3, n, timesZ, sum);
+    sumSeries<Signs::Equal>(3, n, timesZ, sum);
     Extended part;
     onePlus(sum, part);
     multiply(x, part, s);

@@ -57,7 +57,7 @@ Kind split(DefinitionRecord& record) {
     }
     if (splitFunction(record)) return Kind::Function;
     const std::string name = trimmed(record.name);
-    if (!IsValidName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
+    if (!isValidName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
     record.name = name;
     return Kind::Variable;
 }
@@ -81,7 +81,7 @@ public:
             while (i < text.size() && (IsOfName(text[i]) || text[i] == '.')) i++;
             if (record.kind == Kind::Unit)
                 UseUnits(std::string_view(text).substr(start, i - start));
-            else if (i > start && IsLetter(text[start]) &&
+            else if (i > start && isLetter(text[start]) &&
                      !IsParameter(record, text.substr(start, i - start)))
                 Use(IsCalled(text, i) ? Kind::Function : Kind::Variable, text.substr(start, i - start));
             i += i == start ? 1 : 0;
@@ -113,8 +113,8 @@ private:
     // before what the name may else stand for.
     void UseUnits(std::string_view text) {
         while (!text.empty()) {
-            const auto start = std::find_if(text.begin(), text.end(), IsLetter);
-            const auto end = std::find_if_not(start, text.end(), IsLetter);
+            const auto start = std::find_if(text.begin(), text.end(), isLetter);
+            const auto end = std::find_if_not(start, text.end(), isLetter);
             const std::string word(start, end);
             for (const std::string& name : units_readings(word)) {
                 const bool isKnown = Use(Kind::Unit, name) || !units_definition(name.c_str()).empty();

@@ -18,7 +18,7 @@ bool isOfName(char c) {
 
 std::string inLowerCase(std::string_view text) {
     std::string lower(text);
-    for (char& c : lower) c = LowerCase(c);
+    for (char& c : lower) c = lowerCase(c);
     return lower;
 }
 

@@ -226,7 +226,7 @@ std::vector<std::string> namesAssignedIn(std::string_view entry) {
         const std::size_t equals = statement.substr(0, statement.find('#')).find('=');
         if (equals == std::string_view::npos || startsWith(statement.substr(equals), "==")) continue;
         const std::string name(trimmed(statement.substr(0, equals)));
-        if (IsValidName(name) && name != "ans" && fieldsNamedIn(name).empty()) names.push_back(name);
+        if (isValidName(name) && name != "ans" && fieldsNamedIn(name).empty()) names.push_back(name);
     }
     return names;
 }

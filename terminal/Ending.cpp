@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 void complain(const std::string& text) {
-    writeAll(STDERR_FILENO, ShownText("tallyquill: " + text + "\n"));
+    writeAll(STDERR_FILENO, shownText("tallyquill: " + text + "\n"));
 }
 
 int outputLost(int error) {

@@ -15,7 +15,7 @@ bool isControl(char byte) {
 EntryFault checkEntry(std::string_view entry) {
     if (entry.size() > MAX_ENTRY_LENGTH) return EntryFault::TooLong;
     for (std::size_t i = 0; i < entry.size();) {
-        const std::size_t length = Utf8Length(entry, i);
+        const std::size_t length = utf8Length(entry, i);
         if (length == 0 || isControl(entry[i])) return EntryFault::NotText;
         i += length;
     }

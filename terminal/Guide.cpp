@@ -22,7 +22,7 @@ std::vector<std::string_view> linesOf(std::string_view text) {
 
 std::string lowered(std::string_view text) {
     std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), LowerCase);
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase);
     return lower;
 }
 

@@ -27,7 +27,7 @@ bool startsWith(std::string_view text, std::string_view start) {
 
 std::string withoutBlanks(std::string_view text) {
     std::string joined;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !IsBlank(c); });
+    std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !isBlank(c); });
     return joined;
 }
 
@@ -53,7 +53,7 @@ std::size_t distance(std::string_view a, std::string_view b) {
 
 std::string lowered(std::string_view text) {
     std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), LowerCase);
+    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase);
     return lower;
 }
 
@@ -111,10 +111,10 @@ std::string missingStar(const Trouble& trouble) {
     if (letters == 0 || letters == std::string::npos) return "";
     const std::string number = part.substr(0, letters);
     std::string factor = part.substr(letters);
-    if (factor.size() > 1 && (factor[0] == 'x' || factor[0] == 'X') && IsDigit(factor[1])) factor.erase(0, 1);
+    if (factor.size() > 1 && (factor[0] == 'x' || factor[0] == 'X') && isDigit(factor[1])) factor.erase(0, 1);
     const auto variables = namesOfVariables(trouble.calc);
     const bool isKnown = std::find(variables.begin(), variables.end(), factor) != variables.end();
-    if (!isKnown && !IsDigit(factor[0]) && factor.size() > 1) return "";
+    if (!isKnown && !isDigit(factor[0]) && factor.size() > 1) return "";
     return "a multiplication needs its sign: write " + number + "*" + factor;
 }
 
@@ -123,8 +123,8 @@ std::string missingStarBeforeParenthesis(const Trouble& trouble) {
     if (!startsWith(trouble.message, "** ERROR: could not compute")) return "";
     const std::string entry = withoutBlanks(trouble.entry);
     for (std::size_t i = 1; i < entry.size(); ++i) {
-        const bool isGlued = (entry[i] == '(' && (IsDigit(entry[i - 1]) || entry[i - 1] == ')')) ||
-                             (entry[i - 1] == ')' && (IsDigit(entry[i]) || IsLetter(entry[i])));
+        const bool isGlued = (entry[i] == '(' && (isDigit(entry[i - 1]) || entry[i - 1] == ')')) ||
+                             (entry[i - 1] == ')' && (isDigit(entry[i]) || isLetter(entry[i])));
         if (isGlued)
             return "a multiplication needs its sign: write " + entry.substr(0, i) + "*" + entry.substr(i);
     }
@@ -178,7 +178,7 @@ std::string eulersNumber(const Trouble& trouble) {
 
 // A name that nobody knows: of a variable, of a function, or of a command word at the start.
 std::string unknownName(const Trouble& trouble) {
-    if (trouble.part.empty() || !IsLetter(trouble.part[0])) return "";
+    if (trouble.part.empty() || !isLetter(trouble.part[0])) return "";
     const bool isCall = startsWith(trouble.behind, "(");
     const std::vector<std::string> variables = namesOfVariables(trouble.calc);
     if (isCall && std::find(variables.begin(), variables.end(), trouble.part) != variables.end()) {

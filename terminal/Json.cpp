@@ -107,7 +107,7 @@ JsonAnswer jsonAnswer(const Outcome& outcome, int status, std::string_view shown
 std::string jsonString(std::string_view text) {
     std::string json = "\"";
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = Utf8Length(text, i);
+        const std::size_t length = utf8Length(text, i);
         appendCode(json, length == 0 ? REPLACEMENT : codeOf(text.substr(i, length)));
         i += length == 0 ? 1 : length;
     }

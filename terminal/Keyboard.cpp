@@ -35,7 +35,7 @@ void Keyboard::Show(char byte, char before) {
     const auto code = static_cast<unsigned char>(byte);
     if (byte == LEAD) return;
     if (before == LEAD && isContinuation(byte))
-        shown += ShownText(std::string{before, byte});
+        shown += shownText(std::string{before, byte});
     else if (code >= 0x20 || byte == '\t')
         shown += byte;
     else

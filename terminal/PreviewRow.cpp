@@ -11,7 +11,7 @@ namespace {
 
 // Bytes that are no UTF-8 count as a character each.
 std::size_t lengthAt(std::string_view text, std::size_t start) {
-    return std::max<std::size_t>(Utf8Length(text, start), 1);
+    return std::max<std::size_t>(utf8Length(text, start), 1);
 }
 
 int widthOf(std::string_view character) {

@@ -22,7 +22,7 @@ PromptReply refuse(const std::string& text) {
 
 bool containsI(std::string_view text, std::string_view part) {
     return std::search(text.begin(), text.end(), part.begin(), part.end(),
-                       [](char a, char b) { return LowerCase(a) == LowerCase(b); }) != text.end();
+                       [](char a, char b) { return lowerCase(a) == lowerCase(b); }) != text.end();
 }
 
 // "  left      right", the right texts below each other.

@@ -198,7 +198,7 @@ LineSource::Status ReadlineEditor::GivePasted(std::string& line) {
     if (isInterrupted()) return Cancel();
     line = std::move(pasted.front());
     pasted.pop_front();
-    const std::string shown = host.PromptText(false) + ShownText(line) + "\n";
+    const std::string shown = host.PromptText(false) + shownText(line) + "\n";
     std::fwrite(shown.data(), 1, shown.size(), screen);
     std::fflush(screen);
     return line.empty() ? Status::Blank : Status::Pasted;

@@ -50,7 +50,7 @@ void Session::TestUnits() {
     units_convert("m", "ft");
     const char* const error = units_check_exception();
     if (error == nullptr) return;
-    writeAll(errors, ShownText("Units converter initialization error.\n" + asLine(error)));
+    writeAll(errors, shownText("Units converter initialization error.\n" + asLine(error)));
     units_clear_exception();
 }
 
@@ -134,7 +134,7 @@ Session::Outcome Session::AnswerValue() {
     anyRefused = anyRefused || calc.overflowed;
     if (style.quiet) text.remove_prefix(text.find(" = ") + 3);
     if (!style.last) return Answer(text);
-    lastValue = ShownText(text);
+    lastValue = shownText(text);
     return Outcome::Answered;
 }
 
@@ -164,7 +164,7 @@ Session::Outcome Session::Refuse(std::string_view message) {
     if (style.json)
         shown = message;
     else
-        writeAll(errors, ShownText(place + asLine(message)));
+        writeAll(errors, shownText(place + asLine(message)));
     return Outcome::Refused;
 }
 
@@ -175,21 +175,21 @@ Session::Outcome Session::CarryOut(std::string_view command) {
         return writeAll(answers, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
     long number = 0;
-    if (CommandHasNumber(command, "pause", number)) return Pause(number);
+    if (commandHasNumber(command, "pause", number)) return Pause(number);
     if (command == "echorep") return Remark(calc.echoText);
-    if (CommandHasNumber(command, "echo", number)) return TypeOut(ShownText(calc.echoText), number);
+    if (commandHasNumber(command, "echo", number)) return TypeOut(shownText(calc.echoText), number);
     if (command == "convert") return Convert(calc.echoText);
     if (command == "gospel") return OpenWebPage();
     return Refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
 }
 
 Session::Outcome Session::Pause(long milliseconds) {
-    return sleepUnlessInterrupted(PauseLength(milliseconds)) ? Outcome::Answered : Outcome::Interrupted;
+    return sleepUnlessInterrupted(pauseLength(milliseconds)) ? Outcome::Answered : Outcome::Interrupted;
 }
 
 Session::Outcome Session::TypeOut(std::string_view text, long rate) {
     if (style.quiet || style.last || style.json) return Remark(text);
-    const long wait = WaitBetweenCharacters(rate);
+    const long wait = waitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
         if (!writeAll(answers, text.substr(0, length))) return Outcome::OutputLost;
@@ -222,5 +222,5 @@ bool Session::Show(std::string_view text) {
         shown += asLine(text);
         return true;
     }
-    return writeAll(answers, ShownText(asLine(text)));
+    return writeAll(answers, shownText(asLine(text)));
 }

@@ -161,8 +161,8 @@ bool add(size_t table, const TextPair& entry) {
 
 } // namespace
 
-const CatalogueTables catalogueTables = {prefixList, baseUnits,     derivedUnits,
-                                         nonSIUnits, abbreviations, nonSIabbreviations};
+const CatalogueTables CATALOGUE_TABLES = {prefixList, baseUnits,     derivedUnits,
+                                          nonSIUnits, abbreviations, nonSIabbreviations};
 
 int buildCatalogue(const CatalogueTables& tables) {
     for (size_t table = 0; table < tables.size(); ++table) {
@@ -178,7 +178,7 @@ int buildCatalogue(const CatalogueTables& tables) {
 int unitInitialize() {
     if (!unitTable.IsEmpty()) return 0;
     UnitsUndo record = std::exchange(unitTable.record, {}); // these are no changes of a person
-    const int status = buildCatalogue(catalogueTables);
+    const int status = buildCatalogue(CATALOGUE_TABLES);
     unitTable.record = std::move(record);
     return status;
 }

@@ -120,7 +120,7 @@ enum CatalogueTable {
     NON_SI_ABBREVIATIONS
 };
 using CatalogueTables = std::array<const TextPair*, NON_SI_ABBREVIATIONS + 1>;
-extern const CatalogueTables catalogueTables;
+extern const CatalogueTables CATALOGUE_TABLES;
 
 // Adds the tables' entries in their order; a definition may only use names that come earlier.  0 on success;
 // at the first entry that fails, also where memory ends, it stops with 1 and the message set.

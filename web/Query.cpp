@@ -43,11 +43,11 @@ std::size_t pageLength(std::string_view output) {
 // Reads to the end. False when that does not come in time, is given up, or lies beyond the longest page.
 bool readAll(int descriptor, Clock::time_point deadline, const std::function<bool()>& isGivenUp,
              std::string& output) {
-    constexpr int interval = 20; // milliseconds
+    constexpr int INTERVAL = 20; // milliseconds
     char block[16384];
     while (output.size() <= LONGEST_PAGE + GOOD_END.size() && Clock::now() < deadline && !isGivenUp()) {
         pollfd waiting = {descriptor, POLLIN, 0};
-        const int ready = poll(&waiting, 1, interval);
+        const int ready = poll(&waiting, 1, INTERVAL);
         if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
         const ssize_t count = read(descriptor, block, sizeof block);
         if (count < 0 && errno == EINTR) continue;
@@ -107,7 +107,7 @@ std::string queryAddress(std::string_view service, std::string_view query) {
 
 std::string answerInPage(std::string_view page) {
     const std::size_t pod = page.find("pod_0200");
-    if (pod == std::string_view::npos || !IsUtf8(page)) return "";
+    if (pod == std::string_view::npos || !isUtf8(page)) return "";
     const std::size_t title = page.find("title", pod);
     if (title == std::string_view::npos) return "";
     const std::size_t open = page.find('"', title);
@@ -116,7 +116,7 @@ std::string answerInPage(std::string_view page) {
     std::string answer(page.substr(open + 1, close == std::string_view::npos ? close : close - open - 1));
     std::replace_if(
         answer.begin(), answer.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    return ShownText(answer);
+    return shownText(answer);
 }
 
 std::string askService(std::string_view service, std::string_view query, int seconds,

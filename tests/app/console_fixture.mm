@@ -75,7 +75,7 @@ void ConsoleTest::SetUp() {
     ASSERT_NE(mkdtemp(name), nullptr);
     home = name;
     setenv("XDG_DATA_HOME", name, 1);
-    start();
+    Start();
 }
 
 void ConsoleTest::TearDown() {
@@ -102,7 +102,7 @@ static void forgetEverything() {
     scriptInterrupted = false;
 }
 
-void ConsoleTest::start() {
+void ConsoleTest::Start() {
     forgetEverything();
     delegate = [[TestDelegate alloc] init];
     window = [buildMainWindow(delegate) retain];
@@ -111,16 +111,16 @@ void ConsoleTest::start() {
     [window makeFirstResponder:console];
 }
 
-void ConsoleTest::restart() {
+void ConsoleTest::Restart() {
     [console finishWriting];
     [NSObject cancelPreviousPerformRequestsWithTarget:console];
     [window close];
     [window release];
     [delegate release];
-    start();
+    Start();
 }
 
-void ConsoleTest::terminate() {
+void ConsoleTest::Terminate() {
     [console terminateConsole];
 }
 
@@ -165,133 +165,133 @@ static NSEvent* keyEvent(NSWindow* window, NSString* characters, NSString* plain
                              keyCode:static_cast<unsigned short>(code)];
 }
 
-void ConsoleTest::press(uint32_t virtualKey, NSUInteger flags) {
+void ConsoleTest::Press(uint32_t virtualKey, NSUInteger flags) {
     NSString* const characters = charactersOf(virtualKey);
     const bool isFunctionKey = [characters length] > 0 && [characters characterAtIndex:0] >= 0xF700;
     if (isFunctionKey) flags |= NSFunctionKeyMask;
     [console keyDown:keyEvent(window, characters, characters, flags, virtualKey)];
 }
 
-void ConsoleTest::press(NSString* characters, NSUInteger flags) {
+void ConsoleTest::Press(NSString* characters, NSUInteger flags) {
     [console keyDown:keyEvent(window, characters, characters, flags, 0xff)];
 }
 
-void ConsoleTest::press(NSString* characters, NSString* plain, NSUInteger flags) {
+void ConsoleTest::Press(NSString* characters, NSString* plain, NSUInteger flags) {
     [console keyDown:keyEvent(window, characters, plain, flags, 0xff)];
 }
 
-void ConsoleTest::post(NSString* characters, NSUInteger flags) {
+void ConsoleTest::Post(NSString* characters, NSUInteger flags) {
     [NSApp postEvent:keyEvent(window, characters, characters, flags, 0xff) atStart:NO];
 }
 
-void ConsoleTest::type(const char* text) {
+void ConsoleTest::Type(const char* text) {
     for (; *text; text++) {
         const char character[] = {*text, '\0'};
-        press(textFromBytes(character));
+        Press(textFromBytes(character));
     }
 }
 
-void ConsoleTest::enter(const char* line) {
-    type(line);
-    press(KEY_RETURN);
+void ConsoleTest::Enter(const char* line) {
+    Type(line);
+    Press(KEY_RETURN);
 }
 
-void ConsoleTest::select(NSUInteger location, NSUInteger length) {
+void ConsoleTest::Select(NSUInteger location, NSUInteger length) {
     [console setSelectedRange:NSMakeRange(location, length)];
 }
 
-void ConsoleTest::selectEntry(NSUInteger from, NSUInteger length) {
-    select(static_cast<NSUInteger>(g_linestart) + from, length);
+void ConsoleTest::SelectEntry(NSUInteger from, NSUInteger length) {
+    Select(static_cast<NSUInteger>(g_linestart) + from, length);
 }
 
-void ConsoleTest::waitForWriting() {
+void ConsoleTest::WaitForWriting() {
     while (![console isWritingDue]) usleep(10000);
 }
 
-void ConsoleTest::writeWhatIsDue() {
-    waitForWriting();
+void ConsoleTest::WriteWhatIsDue() {
+    WaitForWriting();
     [console writeDueFiles];
     [console saveSettings]; // waits for the writer
-    run(0.01);              // news of a failure come at the run loop's next turn
+    Run(0.01);              // news of a failure come at the run loop's next turn
 }
 
-void ConsoleTest::run(double seconds) {
+void ConsoleTest::Run(double seconds) {
     [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:seconds]];
 }
 
 // --- What is there ---
 
-std::string ConsoleTest::text() const {
+std::string ConsoleTest::Text() const {
     return utf8([console string]);
 }
 
-std::string ConsoleTest::entry() const {
+std::string ConsoleTest::Entry() const {
     return utf8([[console string] substringFromIndex:static_cast<NSUInteger>(g_linestart)]);
 }
 
-std::string ConsoleTest::transcript() const {
+std::string ConsoleTest::Transcript() const {
     return utf8([[console string] substringToIndex:static_cast<NSUInteger>(g_linestart)]);
 }
 
-std::string ConsoleTest::selected() const {
+std::string ConsoleTest::Selected() const {
     return utf8([[console string] substringWithRange:[console selectedRange]]);
 }
 
-NSUInteger ConsoleTest::cursor() const {
+NSUInteger ConsoleTest::Cursor() const {
     return [console selectedRange].location;
 }
 
-NSUInteger ConsoleTest::cursorInEntry() const {
-    return cursor() - static_cast<NSUInteger>(g_linestart);
+NSUInteger ConsoleTest::CursorInEntry() const {
+    return Cursor() - static_cast<NSUInteger>(g_linestart);
 }
 
-std::string ConsoleTest::status() const {
+std::string ConsoleTest::StatusLine() const {
     Ivar const field = class_getInstanceVariable([MainConsole class], "answerStatus");
     return utf8([object_getIvar(console, field) stringValue]);
 }
 
-std::string ConsoleTest::pasteboard() const {
+std::string ConsoleTest::Pasteboard() const {
     return utf8([[NSPasteboard generalPasteboard] stringForType:NSStringPboardType]);
 }
 
-void ConsoleTest::setPasteboard(const char* text) const {
+void ConsoleTest::SetPasteboard(const char* text) const {
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:[NSArray arrayWithObject:NSStringPboardType] owner:nil];
     [board setString:[NSString stringWithUTF8String:text] forType:NSStringPboardType];
 }
 
-int ConsoleTest::hideRequests() const {
+int ConsoleTest::HideRequests() const {
     return delegate->clicks;
 }
 
 // --- Files ---
 
-std::string ConsoleTest::folder() const {
+std::string ConsoleTest::Folder() const {
     return home + "/Tallyquill";
 }
 
-std::string ConsoleTest::functionsPath() const {
-    return folder() + "/pelmo_functions.txt";
+std::string ConsoleTest::FunctionsPath() const {
+    return Folder() + "/pelmo_functions.txt";
 }
 
-std::string ConsoleTest::settingsPath() const {
-    return folder() + "/pelmo_settings.plist";
+std::string ConsoleTest::SettingsPath() const {
+    return Folder() + "/pelmo_settings.plist";
 }
 
-std::string ConsoleTest::read(const std::string& path) {
+std::string ConsoleTest::Read(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream bytes;
     bytes << file.rdbuf();
     return bytes.str();
 }
 
-void ConsoleTest::write(const std::string& path, const std::string& bytes) {
+void ConsoleTest::Write(const std::string& path, const std::string& bytes) {
     std::ofstream file(path, std::ios::binary);
     file << bytes;
     ASSERT_TRUE(file.good());
 }
 
-bool ConsoleTest::exists(const std::string& path) {
+bool ConsoleTest::Exists(const std::string& path) {
     struct stat kind = {};
     return stat(path.c_str(), &kind) == 0;
 }

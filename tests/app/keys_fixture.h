@@ -12,31 +12,31 @@ protected:
     // A transcript of one entry and an open entry, nothing selected, the cursor at the end.
     void SetUp() override {
         ConsoleTest::SetUp();
-        enter("1+2");
-        type("4+5");
+        Enter("1+2");
+        Type("4+5");
         begin = static_cast<NSUInteger>(g_linestart);
-        first = transcript();
+        first = Transcript();
         [console updateStatusbar:UNTOUCHED];
     }
 
-    void setEntry(NSString* text) {
+    void SetEntry(NSString* text) {
         [console replaceCharactersInRange:NSMakeRange(begin, [[console string] length] - begin)
                                withString:text];
     }
 
-    void expectSelection(NSUInteger location, NSUInteger length) {
-        EXPECT_EQ(location, cursor());
+    void ExpectSelection(NSUInteger location, NSUInteger length) {
+        EXPECT_EQ(location, Cursor());
         EXPECT_EQ(length, [console selectedRange].length);
     }
 
     // The transcript and the entry are these, and the preview is that of the entry or has not run.
-    void expect(const char* wanted, bool previewed = true) {
-        EXPECT_EQ(first, transcript());
-        EXPECT_EQ(wanted, entry());
+    void Expect(const char* wanted, bool previewed = true) {
+        EXPECT_EQ(first, Transcript());
+        EXPECT_EQ(wanted, Entry());
         if (previewed)
-            EXPECT_NE(UNTOUCHED, status());
+            EXPECT_NE(UNTOUCHED, StatusLine());
         else
-            EXPECT_EQ(UNTOUCHED, status());
+            EXPECT_EQ(UNTOUCHED, StatusLine());
     }
 
     NSUInteger begin = 0;

@@ -14,7 +14,7 @@ class PanelTest : public ConsoleTest {
 protected:
     void SetUp() override {
         ConsoleTest::SetUp();
-        buildPanel();
+        BuildPanel();
     }
 
     void TearDown() override {
@@ -23,28 +23,28 @@ protected:
         ConsoleTest::TearDown();
     }
 
-    void buildPanel() {
-        buildPreferences(application());
-        controller = [application() prefController];
+    void BuildPanel() {
+        buildPreferences(Application());
+        controller = [Application() prefController];
         panel = [controller prefWindow];
         controls = [controller controls];
     }
 
     // The next start of the program.
-    void restartAll() {
+    void RestartAll() {
         [panel orderOut:nil];
-        restart();
-        buildPanel();
+        Restart();
+        BuildPanel();
     }
 
-    PelmoAppDelegate* application() const { return (PelmoAppDelegate*)delegate; }
+    PelmoAppDelegate* Application() const { return (PelmoAppDelegate*)delegate; }
 
-    void open() { [controller menuPreferences:nil]; }
-    void close() { [panel close]; }
-    void quit() { [(id)application() applicationWillTerminate:nil]; }
+    void Open() { [controller menuPreferences:nil]; }
+    void Close() { [panel close]; }
+    void Quit() { [(id)Application() applicationWillTerminate:nil]; }
 
     // What is typed replaces what the field holds; Tab ends it.
-    void enterInto(NSTextField* field, NSString* characters) {
+    void EnterInto(NSTextField* field, NSString* characters) {
         [panel makeFirstResponder:nil];
         ASSERT_TRUE([panel makeFirstResponder:field]);
         NSTextView* const editor = static_cast<NSTextView*>([field currentEditor]);
@@ -60,31 +60,31 @@ protected:
     }
 
     // As the person's doing is reported to the controller.
-    void choose(NSInteger mode) {
+    void Choose(NSInteger mode) {
         [controls.prefSciMode selectItemAtIndex:mode];
         [controller prefCallback:controls.prefSciMode];
     }
-    void tick(NSButton* box, bool isOn) {
+    void Tick(NSButton* box, bool isOn) {
         [box setState:isOn ? NSOnState : NSOffState];
         [controller prefCallback:box];
     }
-    void slide(double place) {
+    void Slide(double place) {
         [controls.prefSlider setDoubleValue:place];
         [controller prefCallback:controls.prefSlider];
     }
-    void pick(NSColorWell* well, double red, double green, double blue) {
+    void Pick(NSColorWell* well, double red, double green, double blue) {
         [well setColor:[NSColor colorWithCalibratedRed:red green:green blue:blue alpha:1]];
         [controller prefCallback:well];
     }
 
-    int setting(const char* key) const { return [console setting:[NSString stringWithUTF8String:key]]; }
-    void set(const char* key, int value) {
+    int SettingOf(const char* key) const { return [console setting:[NSString stringWithUTF8String:key]]; }
+    void Set(const char* key, int value) {
         [console setSetting:[NSString stringWithUTF8String:key] to:value];
     }
-    static std::string shown(NSTextField* field) { return [[field stringValue] UTF8String]; }
-    static bool isTicked(NSButton* box) { return [box state] == NSOnState; }
+    static std::string Shown(NSTextField* field) { return [[field stringValue] UTF8String]; }
+    static bool IsTicked(NSButton* box) { return [box state] == NSOnState; }
 
-    static void expectColor(NSColor* color, double red, double green, double blue) {
+    static void ExpectColor(NSColor* color, double red, double green, double blue) {
         NSColor* const rgb = [color colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
         ASSERT_NE(rgb, nil);
         EXPECT_NEAR([rgb redComponent], red, 1e-5);

@@ -18,21 +18,21 @@ public:
     Replaced(Class type, SEL selector, Function* replacement)
         : method(class_getInstanceMethod(type, selector)),
           original(method_setImplementation(method, reinterpret_cast<IMP>(replacement))), owner(type) {
-        tellSubclasses();
+        TellSubclasses();
     }
     ~Replaced() {
         method_setImplementation(method, original);
-        tellSubclasses();
+        TellSubclasses();
     }
     Replaced(const Replaced&) = delete;
     Replaced& operator=(const Replaced&) = delete;
 
-    IMP implementation() const { return original; } // what it replaces
+    IMP Implementation() const { return original; } // what it replaces
 
 private:
     // The runtime of GNUstep changes the table of the class alone, and that of a subclass may be a copy. A
     // method that is added has all of them made anew; it has to be a new one every time.
-    void tellSubclasses() const {
+    void TellSubclasses() const {
         static int count = 0;
         const std::string name = "replacement" + std::to_string(++count);
         class_addMethod(owner, sel_registerName(name.c_str()), original, method_getTypeEncoding(method));

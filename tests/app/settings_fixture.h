@@ -76,9 +76,9 @@ inline void expectColor(NSColor* color, double red, double green, double blue, d
 
 class Settings : public ConsoleTest {
 protected:
-    NSDictionary* stored() const {
+    NSDictionary* Stored() const {
         NSPropertyListFormat format = NSPropertyListOpenStepFormat;
-        const id list = [NSPropertyListSerialization propertyListFromData:data(read(settingsPath()))
+        const id list = [NSPropertyListSerialization propertyListFromData:data(Read(SettingsPath()))
                                                          mutabilityOption:NSPropertyListImmutable
                                                                    format:&format
                                                          errorDescription:NULL];
@@ -87,33 +87,33 @@ protected:
         return list;
     }
 
-    int storedNumber(const char* key) const { return [[stored() objectForKey:string(key)] intValue]; }
-    id setting(const char* key) const { return [[console settings] objectForKey:string(key)]; }
+    int StoredNumber(const char* key) const { return [[Stored() objectForKey:string(key)] intValue]; }
+    id SettingOf(const char* key) const { return [[console settings] objectForKey:string(key)]; }
 
     // The program starts over this text and can be used.
-    void startOver(const std::string& text) {
-        write(settingsPath(), text);
-        restart();
-        expectUsable();
+    void StartOver(const std::string& text) {
+        Write(SettingsPath(), text);
+        Restart();
+        ExpectUsable();
     }
 
-    void expectUsable() {
-        enter("mode deg; 40+2");
-        EXPECT_EQ(qtod(calc.answer.value), 42);
+    void ExpectUsable() {
+        Enter("mode deg; 40+2");
+        EXPECT_EQ(Qtod(calc.answer.value), 42);
     }
 
-    void expectDefaults() {
+    void ExpectDefaults() {
         for (const KnownSetting& one : NUMBERS) {
             SCOPED_TRACE(one.key);
             const bool isFirstRun = strcmp(one.key, "firstrun") == 0; // counted by the start
-            EXPECT_EQ([setting(one.key) intValue], isFirstRun ? 2 : one.standard);
+            EXPECT_EQ([SettingOf(one.key) intValue], isFirstRun ? 2 : one.standard);
         }
-        expectColor(setting("bgcolor"), 0.1, 0.1, 0.1, 1);
-        expectColor(setting("fgcolor"), 0.1, 0.9, 0.9, 1);
-        EXPECT_TRUE([setting("nsfont") isEqual:[console font]]);
+        expectColor(SettingOf("bgcolor"), 0.1, 0.1, 0.1, 1);
+        expectColor(SettingOf("fgcolor"), 0.1, 0.9, 0.9, 1);
+        EXPECT_TRUE([SettingOf("nsfont") isEqual:[console font]]);
     }
 
-    static double qtod(const qfloat value) {
+    static double Qtod(const qfloat value) {
         double number = 0;
         qtoe(value, &number);
         return number;

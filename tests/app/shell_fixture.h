@@ -17,16 +17,16 @@ protected:
     void TearDown() override;
 
     // The regular end of the program and its next start over the same files.
-    void startAgain();
+    void StartAgain();
 
-    void setSetting(const char* key, int value);
-    int setting(const char* key) const;
-    std::map<std::string, int> storedSettings() const; // the numbers in the settings' file
+    void SetSetting(const char* key, int value);
+    int SettingOf(const char* key) const;
+    std::map<std::string, int> StoredSettings() const; // the numbers in the settings' file
 
-    id outlet(const char* name) const; // an instance variable of the console
-    PrefController* preferences() const;
-    double alpha() const { return [window alphaValue]; }
+    id Outlet(const char* name) const; // an instance variable of the console
+    PrefController* Preferences() const;
+    double Alpha() const { return [window alphaValue]; }
 
     // The delegate's own clickedAppStatusItem:, which the tests' delegate only counts.
-    void clickStatusItem();
+    void ClickStatusItem();
 };

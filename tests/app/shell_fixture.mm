@@ -14,31 +14,31 @@ void ShellTest::SetUp() {
 }
 
 void ShellTest::TearDown() {
-    [preferences() fadeWindow:1 rate:0]; // ends a fade that runs
-    [[preferences() prefWindow] orderOut:nil];
+    [Preferences() fadeWindow:1 rate:0]; // ends a fade that runs
+    [[Preferences() prefWindow] orderOut:nil];
     prefWinIsOpen = 0;
     mainWinIsHidden = 0;
     calcIsReady = 0;
     ConsoleTest::TearDown();
 }
 
-void ShellTest::startAgain() {
-    terminate();
+void ShellTest::StartAgain() {
+    Terminate();
     sheets.clear();
-    restart();
+    Restart();
     buildPreferences(reinterpret_cast<PelmoAppDelegate*>(delegate));
 }
 
-void ShellTest::setSetting(const char* key, int value) {
+void ShellTest::SetSetting(const char* key, int value) {
     [console setSetting:[NSString stringWithUTF8String:key] to:value];
 }
 
-int ShellTest::setting(const char* key) const {
+int ShellTest::SettingOf(const char* key) const {
     return [console setting:[NSString stringWithUTF8String:key]];
 }
 
-std::map<std::string, int> ShellTest::storedSettings() const {
-    const std::string bytes = read(settingsPath());
+std::map<std::string, int> ShellTest::StoredSettings() const {
+    const std::string bytes = Read(SettingsPath());
     const id list = [NSPropertyListSerialization propertyListFromData:[NSData dataWithBytes:bytes.data()
                                                                                      length:bytes.size()]
                                                      mutabilityOption:NSPropertyListImmutable
@@ -54,15 +54,15 @@ std::map<std::string, int> ShellTest::storedSettings() const {
     return numbers;
 }
 
-id ShellTest::outlet(const char* name) const {
+id ShellTest::Outlet(const char* name) const {
     return object_getIvar(console, class_getInstanceVariable([MainConsole class], name));
 }
 
-PrefController* ShellTest::preferences() const {
+PrefController* ShellTest::Preferences() const {
     return [reinterpret_cast<PelmoAppDelegate*>(delegate) prefController];
 }
 
-void ShellTest::clickStatusItem() {
+void ShellTest::ClickStatusItem() {
     const SEL click = @selector(clickedAppStatusItem:);
     const IMP own = class_getMethodImplementation([PelmoAppDelegate class], click);
     reinterpret_cast<void (*)(id, SEL, id)>(own)(delegate, click, nil);

@@ -32,15 +32,15 @@ protected:
         ConsoleTest::SetUp();
         class_addMethod([MainConsole class], @selector(setSelectedRange:),
                         reinterpret_cast<IMP>(recordSelection), "v@:{_NSRange=QQ}");
-        setPasteboard("what was there");
+        SetPasteboard("what was there");
         sheets.clear(); // that of the first start
     }
 
     // The pasteboard after a copy of the answer of the line.
-    std::string copiedAnswer(const char* line) {
-        enter(line);
+    std::string CopiedAnswer(const char* line) {
+        Enter(line);
         [console copy:nil];
-        return pasteboard();
+        return Pasteboard();
     }
 
     const NSUInteger command = NSCommandKeyMask;
@@ -49,22 +49,22 @@ protected:
 // --- Copying a selection ---
 
 TEST_F(Clipboard, copyTakesTheSelection) {
-    enter("1+2");
-    select(2, 3);
+    Enter("1+2");
+    Select(2, 3);
     [console copy:nil];
-    EXPECT_EQ("1+2", pasteboard());
-    EXPECT_EQ("1+2", selected());
-    type("7*8");
-    selectEntry(1, 2);
-    press(@"c", command);
-    EXPECT_NE("7*8", pasteboard()); // with a selection the key is the menu's
+    EXPECT_EQ("1+2", Pasteboard());
+    EXPECT_EQ("1+2", Selected());
+    Type("7*8");
+    SelectEntry(1, 2);
+    Press(@"c", command);
+    EXPECT_NE("7*8", Pasteboard()); // with a selection the key is the menu's
     [console copy:nil];
-    EXPECT_EQ("*8", pasteboard());
+    EXPECT_EQ("*8", Pasteboard());
 }
 
 TEST_F(Clipboard, copyingFromTheTranscriptShowsATipOnce) {
-    enter("1+2");
-    select(2, 3);
+    Enter("1+2");
+    Select(2, 3);
     [console copy:nil];
     ASSERT_EQ(1U, sheets.size());
     EXPECT_EQ(
@@ -78,36 +78,36 @@ TEST_F(Clipboard, copyingFromTheTranscriptShowsATipOnce) {
 }
 
 TEST_F(Clipboard, theTipIsShownOncePerSettingsFile) {
-    enter("1+2");
-    select(2, 3);
+    Enter("1+2");
+    Select(2, 3);
     [console copy:nil];
-    terminate();
-    restart();
+    Terminate();
+    Restart();
     sheets.clear();
-    enter("1+2");
-    select(2, 3);
+    Enter("1+2");
+    Select(2, 3);
     [console copy:nil];
     EXPECT_EQ(0U, sheets.size());
 }
 
 TEST_F(Clipboard, theTipNeedsASelectionThatBeginsMoreThanFourCharactersBeforeTheEntry) {
-    enter("1+2");
-    type("45");
-    selectEntry(0, 2);
+    Enter("1+2");
+    Type("45");
+    SelectEntry(0, 2);
     [console copy:nil];
-    select(static_cast<NSUInteger>(g_linestart) - 4, 5);
+    Select(static_cast<NSUInteger>(g_linestart) - 4, 5);
     [console copy:nil];
     EXPECT_EQ(0U, sheets.size());
     EXPECT_EQ(0, [console setting:@"tipscode"]);
-    select(static_cast<NSUInteger>(g_linestart) - 5, 5);
+    Select(static_cast<NSUInteger>(g_linestart) - 5, 5);
     [console copy:nil];
     EXPECT_EQ(1U, sheets.size());
 }
 
 TEST_F(Clipboard, otherTipsAreKept) {
     [console setSetting:@"tipscode" to:6];
-    enter("1+2");
-    select(2, 3);
+    Enter("1+2");
+    Select(2, 3);
     [console copy:nil];
     EXPECT_EQ(1U, sheets.size());
     EXPECT_EQ(7, [console setting:@"tipscode"]);
@@ -116,17 +116,17 @@ TEST_F(Clipboard, otherTipsAreKept) {
 // --- Copying the answer ---
 
 TEST_F(Clipboard, withoutASelectionTheAnswerIsCopied) {
-    EXPECT_EQ("3", copiedAnswer("1+2"));
+    EXPECT_EQ("3", CopiedAnswer("1+2"));
     EXPECT_EQ(0U, sheets.size());
 }
 
 TEST_F(Clipboard, commandCCopiesTheAnswer) {
-    enter("1+2");
-    type("45");
-    press(@"c", command);
-    EXPECT_EQ("3", pasteboard());
-    EXPECT_EQ("45", entry());
-    EXPECT_EQ(2U, cursorInEntry());
+    Enter("1+2");
+    Type("45");
+    Press(@"c", command);
+    EXPECT_EQ("3", Pasteboard());
+    EXPECT_EQ("45", Entry());
+    EXPECT_EQ(2U, CursorInEntry());
 }
 
 TEST_F(Clipboard, theCopyItemIsEnabledWithoutASelection) {
@@ -145,8 +145,8 @@ TEST_F(Clipboard, theAnswerIsCopiedWithoutItsSeparators) {
     } separators[] = {{',', "1,234,567.5"}, {' ', "1 234 567.5"}, {'\'', "1'234'567.5"}};
     for (const auto& one : separators) {
         [console setSetting:@"schar" to:one.character];
-        EXPECT_EQ("1234567.5", copiedAnswer("1234567.5"));
-        EXPECT_NE(std::string::npos, text().find(std::string("= ") + one.shown + "\n")) << one.shown;
+        EXPECT_EQ("1234567.5", CopiedAnswer("1234567.5"));
+        EXPECT_NE(std::string::npos, Text().find(std::string("= ") + one.shown + "\n")) << one.shown;
     }
 }
 
@@ -155,35 +155,35 @@ TEST_F(Clipboard, theDecimalCommaIsCopied) {
     [console setSetting:@"european" to:1];
     for (const char separator : {',', '.'}) { // either stands for the grouping mark
         [console setSetting:@"schar" to:separator];
-        EXPECT_EQ("1234567,5", copiedAnswer("1234567,5"));
-        EXPECT_NE(std::string::npos, text().find("= 1.234.567,5\n"));
+        EXPECT_EQ("1234567,5", CopiedAnswer("1234567,5"));
+        EXPECT_NE(std::string::npos, Text().find("= 1.234.567,5\n"));
     }
     [console setSetting:@"separator" to:0];
-    EXPECT_EQ("1234567,5", copiedAnswer("1234567,5"));
+    EXPECT_EQ("1234567,5", CopiedAnswer("1234567,5"));
 }
 
 TEST_F(Clipboard, anotherBaseIsCopiedAsItIsShown) {
     [console setSetting:@"separator" to:0];
     [console setSetting:@"dispbase" to:16];
-    enter("255");
+    Enter("255");
     [console copy:nil];
-    const std::string copied = pasteboard();
-    EXPECT_NE(std::string::npos, text().find("= " + copied + "\n"));
+    const std::string copied = Pasteboard();
+    EXPECT_NE(std::string::npos, Text().find("= " + copied + "\n"));
     EXPECT_EQ("0x00FF", copied);
 }
 
 TEST_F(Clipboard, withoutAnAnswerThePasteboardStays) {
     [console copy:nil];
-    EXPECT_EQ("what was there", pasteboard());
+    EXPECT_EQ("what was there", Pasteboard());
 }
 
 TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
-    enter("3");
-    enter("1+2");
-    type("45");
-    selectEntry(1);
-    const NSUInteger place = cursor();
-    const auto answer = static_cast<NSUInteger>(text().rfind("= 3") + 2);
+    Enter("3");
+    Enter("1+2");
+    Type("45");
+    SelectEntry(1);
+    const NSUInteger place = Cursor();
+    const auto answer = static_cast<NSUInteger>(Text().rfind("= 3") + 2);
     selections.clear();
     [console copy:nil];
     ASSERT_EQ(6U, selections.size());
@@ -194,27 +194,27 @@ TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
         // A busy machine only makes it longer.
         if (i < 5) EXPECT_LE(std::chrono::milliseconds(80), selections[i + 1].when - selections[i].when);
     }
-    EXPECT_EQ(place, cursor());
-    EXPECT_EQ("", selected());
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ(place, Cursor());
+    EXPECT_EQ("", Selected());
+    EXPECT_EQ("45", Entry());
 }
 
 TEST_F(Clipboard, theAnswerIsFoundWithItsSeparators) {
     [console setSetting:@"separator" to:1];
-    enter("1234567");
+    Enter("1234567");
     selections.clear();
     [console copy:nil];
     ASSERT_EQ(6U, selections.size());
-    EXPECT_EQ(text().find("1,234,567"), selections[0].range.location);
+    EXPECT_EQ(Text().find("1,234,567"), selections[0].range.location);
     EXPECT_EQ(9U, selections[0].range.length);
 }
 
 TEST_F(Clipboard, anAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
-    enter("1+2");
+    Enter("1+2");
     [console clearConsole];
     selections.clear();
     [console copy:nil];
-    EXPECT_EQ("3", pasteboard());
+    EXPECT_EQ("3", Pasteboard());
     EXPECT_EQ(0U, selections.size());
 }
 
@@ -222,23 +222,23 @@ TEST_F(Clipboard, anAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
 
 TEST_F(Clipboard, theAnswerIsCopiedInTheDecimalMarkOfNow) {
     [console setSetting:@"separator" to:1];
-    enter("1234.5");
-    enter("european on");
+    Enter("1234.5");
+    Enter("european on");
     [console copy:nil];
-    EXPECT_EQ("1234,5", pasteboard());
-    enter("european off");
+    EXPECT_EQ("1234,5", Pasteboard());
+    Enter("european off");
     [console copy:nil];
-    EXPECT_EQ("1234.5", pasteboard());
+    EXPECT_EQ("1234.5", Pasteboard());
 }
 
 TEST_F(Clipboard, anAnswerThatDispShowedIsCopiedAsItsNumber) {
-    enter("x=1/4");
-    enter("disp pi");
+    Enter("x=1/4");
+    Enter("disp pi");
     selections.clear();
     [console copy:nil];
-    EXPECT_EQ("3.141592654", pasteboard());
+    EXPECT_EQ("3.141592654", Pasteboard());
     ASSERT_EQ(6U, selections.size());
-    EXPECT_EQ(text().find("3.141592654"), selections[0].range.location);
+    EXPECT_EQ(Text().find("3.141592654"), selections[0].range.location);
 }
 
 // The settings that decide how a number is written.
@@ -257,7 +257,7 @@ const Writing WRITINGS[] = {
 
 class CopiedAnswer : public Clipboard {
 protected:
-    void use(const Writing& one) {
+    void Use(const Writing& one) {
         const struct {
             NSString* key;
             int value;
@@ -267,14 +267,14 @@ protected:
         for (const auto& setting : settings) [console setSetting:setting.key to:setting.value];
     }
 
-    static double number(const qfloat value) {
+    static double Number(const qfloat value) {
         double out = 0;
         qtoe(value, &out);
         return out;
     }
 
     // Half a unit of the last place that the writing shows, beside what no writing shows.
-    static bool isNear(const Writing& one, const qfloat wanted, const qfloat read) {
+    static bool IsNear(const Writing& one, const qfloat wanted, const qfloat read) {
         qfloat difference;
         qfloat relative = {};
         qsub(wanted, read, difference);
@@ -282,10 +282,10 @@ protected:
         if (wanted[1] == 0) return false;
         qdiv(wanted, difference, relative);
         const double own = 1e-30;
-        if (one.dispbase != 10) return std::fabs(number(relative)) <= own;
-        if (std::fabs(number(relative)) <= own) return true;
-        if (one.scimode == 5) return std::fabs(number(difference)) <= 0.5 * std::pow(10, -one.sigfigs);
-        return std::fabs(number(relative)) <= 5 * std::pow(10, -one.sigfigs);
+        if (one.dispbase != 10) return std::fabs(Number(relative)) <= own;
+        if (std::fabs(Number(relative)) <= own) return true;
+        if (one.scimode == 5) return std::fabs(Number(difference)) <= 0.5 * std::pow(10, -one.sigfigs);
+        return std::fabs(Number(relative)) <= 5 * std::pow(10, -one.sigfigs);
     }
 };
 
@@ -301,7 +301,7 @@ TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
             typed.tenkey = 0;
             std::string line = std::string("x=") + value;
             if (shown.european) std::replace(line.begin(), line.end(), '.', ',');
-            use(typed);
+            Use(typed);
             [console ProcessResult:line.c_str():NO];
             qfloat wanted;
             qmov(calc.answer.value, wanted);
@@ -312,11 +312,11 @@ TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
                 wanted[0] = sign;
             }
             for (const Writing& now : WRITINGS) {
-                use(now);
+                Use(now);
                 [console copySettingsToEngine];
                 const std::string copied = calc.PlainAnswer();
                 ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(copied.c_str(), true)) << copied;
-                EXPECT_TRUE(isNear(shown, wanted, calc.result)) << copied << " of " << line;
+                EXPECT_TRUE(IsNear(shown, wanted, calc.result)) << copied << " of " << line;
             }
         }
     }

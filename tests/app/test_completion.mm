@@ -9,175 +9,175 @@ class Completion : public ConsoleTest {
 protected:
     void SetUp() override {
         ConsoleTest::SetUp();
-        for (const char* const line : {"zzoo(x)=x", "zzap(x)=2*x", "zzip9_a(x)=3*x"}) enter(line);
-        first = transcript();
+        for (const char* const line : {"zzoo(x)=x", "zzap(x)=2*x", "zzip9_a(x)=3*x"}) Enter(line);
+        first = Transcript();
     }
 
     // The entry and the proposal in it after Tab.
-    void expectTab(const char* wantedEntry, const char* wantedSelection) {
-        press(KEY_TAB);
-        EXPECT_EQ(first, transcript());
-        EXPECT_EQ(wantedEntry, entry());
-        EXPECT_EQ(wantedSelection, selected());
+    void ExpectTab(const char* wantedEntry, const char* wantedSelection) {
+        Press(KEY_TAB);
+        EXPECT_EQ(first, Transcript());
+        EXPECT_EQ(wantedEntry, Entry());
+        EXPECT_EQ(wantedSelection, Selected());
     }
 
     std::string first;
 };
 
 TEST_F(Completion, proposesTheRestOfTheNewestNameAndSelectsIt) {
-    type("zz");
-    expectTab("zzip9_a()", "ip9_a()");
-    EXPECT_EQ(2U, cursorInEntry());
+    Type("zz");
+    ExpectTab("zzip9_a()", "ip9_a()");
+    EXPECT_EQ(2U, CursorInEntry());
 }
 
 TEST_F(Completion, eachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
-    type("zz");
-    expectTab("zzip9_a()", "ip9_a()");
-    expectTab("zzap()", "ap()");
-    expectTab("zzoo()", "oo()");
-    expectTab("zz", "");
-    expectTab("zzip9_a()", "ip9_a()");
+    Type("zz");
+    ExpectTab("zzip9_a()", "ip9_a()");
+    ExpectTab("zzap()", "ap()");
+    ExpectTab("zzoo()", "oo()");
+    ExpectTab("zz", "");
+    ExpectTab("zzip9_a()", "ip9_a()");
 }
 
 TEST_F(Completion, builtInNamesAreProposedToo) {
-    type("s");
+    Type("s");
     std::string seen;
     for (int i = 0; i < 40; i++) {
-        press(KEY_TAB);
-        if (entry() == "s") break;
-        EXPECT_EQ("s", entry().substr(0, 1));
-        EXPECT_EQ("()", entry().substr(entry().size() - 2));
-        seen += entry() + " ";
+        Press(KEY_TAB);
+        if (Entry() == "s") break;
+        EXPECT_EQ("s", Entry().substr(0, 1));
+        EXPECT_EQ("()", Entry().substr(Entry().size() - 2));
+        seen += Entry() + " ";
     }
     EXPECT_NE(std::string::npos, seen.find("sin() "));
     EXPECT_NE(std::string::npos, seen.find("sqrt() "));
-    EXPECT_EQ("s", entry());
+    EXPECT_EQ("s", Entry());
 }
 
 TEST_F(Completion, anotherKeyStartsANewCycle) {
-    type("zz");
-    press(KEY_TAB);
-    press(KEY_TAB);
-    press(KEY_BACKSPACE);
-    EXPECT_EQ("zz", entry());
-    expectTab("zzip9_a()", "ip9_a()");
+    Type("zz");
+    Press(KEY_TAB);
+    Press(KEY_TAB);
+    Press(KEY_BACKSPACE);
+    EXPECT_EQ("zz", Entry());
+    ExpectTab("zzip9_a()", "ip9_a()");
 }
 
 TEST_F(Completion, typingReplacesTheProposalAndMovingKeepsIt) {
-    type("zzo");
-    press(KEY_TAB);
-    type("p");
-    EXPECT_EQ("zzop", entry());
-    press(KEY_ESCAPE);
-    type("zzo");
-    press(KEY_TAB);
-    press(KEY_RIGHT);
-    EXPECT_EQ("zzoo()", entry());
-    EXPECT_EQ("", selected());
+    Type("zzo");
+    Press(KEY_TAB);
+    Type("p");
+    EXPECT_EQ("zzop", Entry());
+    Press(KEY_ESCAPE);
+    Type("zzo");
+    Press(KEY_TAB);
+    Press(KEY_RIGHT);
+    EXPECT_EQ("zzoo()", Entry());
+    EXPECT_EQ("", Selected());
 }
 
 TEST_F(Completion, takesOnlyTheWordInFrontOfTheCursor) {
-    type("1+zza");
-    expectTab("1+zzap()", "p()");
-    press(KEY_ESCAPE);
-    type("2*(zzip9_");
-    expectTab("2*(zzip9_a()", "a()");
-    press(KEY_ESCAPE);
-    type("a zzo");
-    expectTab("a zzoo()", "o()");
+    Type("1+zza");
+    ExpectTab("1+zzap()", "p()");
+    Press(KEY_ESCAPE);
+    Type("2*(zzip9_");
+    ExpectTab("2*(zzip9_a()", "a()");
+    Press(KEY_ESCAPE);
+    Type("a zzo");
+    ExpectTab("a zzoo()", "o()");
 }
 
 TEST_F(Completion, keepsWhatFollowsTheCursor) {
-    type("zza+1");
-    selectEntry(3);
-    expectTab("zzap()+1", "p()");
+    Type("zza+1");
+    SelectEntry(3);
+    ExpectTab("zzap()+1", "p()");
 }
 
 TEST_F(Completion, replacesASelectionBehindTheWord) {
-    type("zza+1");
-    selectEntry(3, 2);
-    expectTab("zzap()", "p()");
+    Type("zza+1");
+    SelectEntry(3, 2);
+    ExpectTab("zzap()", "p()");
 }
 
 TEST_F(Completion, casesDoNotMatterAndTheTypedOnesStay) {
-    type("ZZA");
-    expectTab("ZZAp()", "p()");
+    Type("ZZA");
+    ExpectTab("ZZAp()", "p()");
 }
 
 TEST_F(Completion, aWordThatNoNameBeginsWithIsLeftAlone) {
-    type("zzapper");
-    expectTab("zzapper", "");
-    press(KEY_ESCAPE);
+    Type("zzapper");
+    ExpectTab("zzapper", "");
+    Press(KEY_ESCAPE);
     [console replacePrompt:std::string(9000, 'z').c_str()];
-    expectTab(std::string(9000, 'z').c_str(), "");
+    ExpectTab(std::string(9000, 'z').c_str(), "");
 }
 
 TEST_F(Completion, aWholeNameGetsItsParentheses) {
-    type("zzoo");
-    expectTab("zzoo()", "()");
+    Type("zzoo");
+    ExpectTab("zzoo()", "()");
 }
 
 TEST_F(Completion, theWordBeginsBehindACharacterThatIsNotAscii) {
-    press(@"\u00e9");
-    type("zza");
-    expectTab("\u00e9zzap()", "p()");
-    press(KEY_ESCAPE);
-    press(@"\u20ac");
-    type("zza");
-    expectTab("\u20aczzap()", "p()");
+    Press(@"\u00e9");
+    Type("zza");
+    ExpectTab("\u00e9zzap()", "p()");
+    Press(KEY_ESCAPE);
+    Press(@"\u20ac");
+    Type("zza");
+    ExpectTab("\u20aczzap()", "p()");
 }
 
 TEST_F(Completion, atTheStartOfTheEntryTabDoesNothing) {
-    expectTab("", "");
-    type("zza");
-    selectEntry(0);
-    expectTab("zza", "");
-    EXPECT_EQ(0U, cursorInEntry());
-    selectEntry(0, 3);
-    expectTab("zza", "zza");
+    ExpectTab("", "");
+    Type("zza");
+    SelectEntry(0);
+    ExpectTab("zza", "");
+    EXPECT_EQ(0U, CursorInEntry());
+    SelectEntry(0, 3);
+    ExpectTab("zza", "zza");
 }
 
 TEST_F(Completion, inTheTranscriptTabDoesNothing) {
-    type("zza");
+    Type("zza");
     for (const NSRange place : {NSMakeRange(4, 0), NSMakeRange(0, 5), NSMakeRange(first.size() - 2, 4)}) {
-        select(place.location, place.length);
-        press(KEY_TAB);
-        EXPECT_EQ(first + "zza", text());
-        EXPECT_EQ(place.location, cursor());
+        Select(place.location, place.length);
+        Press(KEY_TAB);
+        EXPECT_EQ(first + "zza", Text());
+        EXPECT_EQ(place.location, Cursor());
         EXPECT_EQ(place.length, [console selectedRange].length);
     }
 }
 
 TEST_F(Completion, neverInsertsATab) {
-    type("1+");
+    Type("1+");
     for (const NSUInteger flag : {NSUInteger(0), NSUInteger(NSShiftKeyMask), NSUInteger(NSControlKeyMask)}) {
-        press(KEY_TAB, flag);
-        EXPECT_EQ(std::string::npos, text().find('\t'));
-        EXPECT_EQ("1+", entry().substr(0, 2));
+        Press(KEY_TAB, flag);
+        EXPECT_EQ(std::string::npos, Text().find('\t'));
+        EXPECT_EQ("1+", Entry().substr(0, 2));
     }
 }
 
 TEST_F(Completion, previewsTheEntry) {
-    type("zza");
+    Type("zza");
     [console updateStatusbar:"no preview so far"];
-    press(KEY_TAB);
-    EXPECT_NE("no preview so far", status());
+    Press(KEY_TAB);
+    EXPECT_NE("no preview so far", StatusLine());
 }
 
 TEST_F(Completion, undoTakesProposalsBackOneByOne) {
-    type("zz");
-    run(0.01);
-    press(KEY_TAB);
-    run(0.01);
-    press(KEY_TAB);
-    run(0.01);
+    Type("zz");
+    Run(0.01);
+    Press(KEY_TAB);
+    Run(0.01);
+    Press(KEY_TAB);
+    Run(0.01);
     [console undo:nil];
-    EXPECT_EQ("zzip9_a()", entry());
+    EXPECT_EQ("zzip9_a()", Entry());
     [console undo:nil];
-    EXPECT_EQ("zz", entry());
+    EXPECT_EQ("zz", Entry());
     [console undo:nil];
-    EXPECT_EQ("", entry());
-    EXPECT_EQ(first, transcript());
+    EXPECT_EQ("", Entry());
+    EXPECT_EQ(first, Transcript());
 }
 
 } // namespace

@@ -25,29 +25,29 @@ TEST_F(DamagedSettings, aMissingKeyStaysMissingAndNothingBreaks) {
             const int value = strcmp(one.key, "firstrun") == 0 ? 5 : one.standard;
             if (one.key != left.key) text += pair(one.key, integer(value));
         }
-        write(settingsPath(), text + END);
-        restart();
+        Write(SettingsPath(), text + END);
+        Restart();
         const std::string key = left.key;
         // A start counts itself, and it shows base and angle mode, which stores them.
         const bool isStored = key == "firstrun" || key == "dispbase" || key == "degmode";
-        EXPECT_EQ(setting(left.key) != nil, isStored);
+        EXPECT_EQ(SettingOf(left.key) != nil, isStored);
         if (key == "cx") EXPECT_EQ([window frame].size.width, 450);
         if (key == "cy") EXPECT_EQ([window frame].size.height, 250);
         if (key == "sigfigs") EXPECT_EQ(calc.sigFigs, 10);
         if (key == "dispbase") EXPECT_EQ(calc.displayBase, 10);
         if (key == "schar") EXPECT_EQ(calc.separatorChar, ',');
         if (key == "histsz") EXPECT_EQ(calc.history.maxEntries, 30);
-        expectUsable();
+        ExpectUsable();
     }
 }
 
 TEST_F(DamagedSettings, anEmptyDictionaryStarts) {
-    startOver(std::string(HEAD) + END);
-    enter("1/3");
+    StartOver(std::string(HEAD) + END);
+    Enter("1/3");
     EXPECT_STREQ(calc.lastAnswer, "0.3333333333");
-    terminate();
-    restart();
-    expectUsable();
+    Terminate();
+    Restart();
+    ExpectUsable();
 }
 
 TEST_F(DamagedSettings, aValueOfAnotherKindGivesTheKeysDefault) {
@@ -157,7 +157,7 @@ TEST_F(DamagedSettings, aDamagedFontGivesTheDefault) {
 }
 
 TEST_F(DamagedSettings, aFileThatCannotBeReadGivesDefaultsAndIsKeptBeside) {
-    const std::string whole = read(settingsPath());
+    const std::string whole = Read(SettingsPath());
     const std::string files[] = {"",
                                  "\n",
                                  whole.substr(0, whole.size() / 2),
@@ -170,76 +170,76 @@ TEST_F(DamagedSettings, aFileThatCannotBeReadGivesDefaultsAndIsKeptBeside) {
     for (const std::string& text : files) {
         SCOPED_TRACE(text);
         [console setSetting:@"sigfigs" to:20];
-        write(settingsPath(), text);
-        restart();
-        expectDefaults();
-        EXPECT_EQ(read(settingsPath() + ".unreadable"), text);
-        EXPECT_EQ(storedNumber("sigfigs"), 10); // the defaults are written at once
-        expectUsable();
-        unlink((settingsPath() + ".unreadable").c_str());
+        Write(SettingsPath(), text);
+        Restart();
+        ExpectDefaults();
+        EXPECT_EQ(Read(SettingsPath() + ".unreadable"), text);
+        EXPECT_EQ(StoredNumber("sigfigs"), 10); // the defaults are written at once
+        ExpectUsable();
+        unlink((SettingsPath() + ".unreadable").c_str());
     }
 }
 
 TEST_F(DamagedSettings, aFolderInTheFilesPlaceIsMovedAside) {
-    unlink(settingsPath().c_str());
-    [[NSFileManager defaultManager] createDirectoryAtPath:string(settingsPath().c_str()) attributes:nil];
-    restart();
-    expectDefaults();
-    EXPECT_TRUE(exists(settingsPath() + ".unreadable"));
-    EXPECT_EQ(storedNumber("sigfigs"), 10);
-    expectUsable();
+    unlink(SettingsPath().c_str());
+    [[NSFileManager defaultManager] createDirectoryAtPath:string(SettingsPath().c_str()) attributes:nil];
+    Restart();
+    ExpectDefaults();
+    EXPECT_TRUE(Exists(SettingsPath() + ".unreadable"));
+    EXPECT_EQ(StoredNumber("sigfigs"), 10);
+    ExpectUsable();
 }
 
 TEST_F(DamagedSettings, aPipeInTheFilesPlaceDoesNotHang) {
-    unlink(settingsPath().c_str());
-    ASSERT_EQ(mkfifo(settingsPath().c_str(), 0600), 0);
-    restart();
-    expectDefaults();
-    expectUsable();
+    unlink(SettingsPath().c_str());
+    ASSERT_EQ(mkfifo(SettingsPath().c_str(), 0600), 0);
+    Restart();
+    ExpectDefaults();
+    ExpectUsable();
 }
 
 // --- Folders that cannot be had ---
 
 TEST_F(DamagedSettings, aFileInTheFoldersPlaceLetsTheProgramWorkWithoutSaving) {
-    ASSERT_EQ(std::system(("rm -r '" + folder() + "'").c_str()), 0);
-    write(folder(), "mine");
-    restart();
-    expectDefaults();
-    expectUsable();
-    writeWhatIsDue();
-    terminate();
-    EXPECT_EQ(read(folder()), "mine");
+    ASSERT_EQ(std::system(("rm -r '" + Folder() + "'").c_str()), 0);
+    Write(Folder(), "mine");
+    Restart();
+    ExpectDefaults();
+    ExpectUsable();
+    WriteWhatIsDue();
+    Terminate();
+    EXPECT_EQ(Read(Folder()), "mine");
 }
 
 TEST_F(DamagedSettings, aFolderWhereNothingCanBeMadeLetsTheProgramWorkWithoutSaving) {
-    ASSERT_EQ(std::system(("rm -r '" + folder() + "'").c_str()), 0);
-    ASSERT_EQ(symlink("/proc/self", folder().c_str()), 0); // refuses new files to everybody
-    restart();
-    expectDefaults();
-    expectUsable();
-    writeWhatIsDue();
-    terminate();
-    EXPECT_FALSE(exists(settingsPath()));
+    ASSERT_EQ(std::system(("rm -r '" + Folder() + "'").c_str()), 0);
+    ASSERT_EQ(symlink("/proc/self", Folder().c_str()), 0); // refuses new files to everybody
+    Restart();
+    ExpectDefaults();
+    ExpectUsable();
+    WriteWhatIsDue();
+    Terminate();
+    EXPECT_FALSE(Exists(SettingsPath()));
 }
 
 TEST_F(DamagedSettings, aHomeThatDoesNotExistLetsTheProgramWorkWithoutSaving) {
     const std::string before = getenv("HOME") ? getenv("HOME") : "/";
     unsetenv("XDG_DATA_HOME");
     setenv("HOME", "/proc/nowhere", 1);
-    restart();
-    expectDefaults();
-    expectUsable();
-    terminate();
+    Restart();
+    ExpectDefaults();
+    ExpectUsable();
+    Terminate();
     setenv("HOME", before.c_str(), 1);
 }
 
 TEST_F(DamagedSettings, aFolderWhoseNameIsNoTextLetsTheProgramWork) {
     setenv("XDG_DATA_HOME", (home + "/\xff\xfe").c_str(), 1);
     ASSERT_EQ(chdir(home.c_str()), 0);
-    restart();
-    expectDefaults();
-    expectUsable();
-    terminate();
+    Restart();
+    ExpectDefaults();
+    ExpectUsable();
+    Terminate();
     ASSERT_EQ(chdir("/"), 0);
 }
 
@@ -247,11 +247,11 @@ TEST_F(DamagedSettings, theFolderIsMadeInTheHomeFolder) {
     const std::string before = getenv("HOME") ? getenv("HOME") : "/";
     setenv("HOME", (home + "/person").c_str(), 1);
     setenv("XDG_DATA_HOME", "relative", 1); // counts for nothing
-    restart();
-    terminate();
+    Restart();
+    Terminate();
     setenv("HOME", before.c_str(), 1);
-    EXPECT_TRUE(exists(home + "/person/.local/share/Tallyquill/pelmo_settings.plist"));
-    EXPECT_FALSE(exists("relative"));
+    EXPECT_TRUE(Exists(home + "/person/.local/share/Tallyquill/pelmo_settings.plist"));
+    EXPECT_FALSE(Exists("relative"));
 }
 
 // --- Chance ---
@@ -275,13 +275,13 @@ static void expectSound(NSDictionary* settings) {
 TEST_F(DamagedSettings, damageByChanceNeverKeepsTheProgramFromStarting) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
-    const std::string whole = read(settingsPath());
+    const std::string whole = Read(SettingsPath());
     for (int round = 0; round < 2000; round++) {
         SCOPED_TRACE("round " + std::to_string(round));
         NSAutoreleasePool* const inner = [[NSAutoreleasePool alloc] init];
         const std::string text = damaged(whole, random);
         expectSound(settingsOf(text));
-        if (round % 20 == 0) startOver(text);
+        if (round % 20 == 0) StartOver(text);
         [inner release];
         if (HasFailure()) break;
     }

@@ -26,19 +26,19 @@ protected:
     }
 
     // The next start with that scale.
-    void startAt(CGFloat factor) {
+    void StartAt(CGFloat factor) {
         scale = factor;
-        restart();
+        Restart();
     }
 
-    int stored(NSString* key) { return [console setting:key]; }
+    int Stored(NSString* key) { return [console setting:key]; }
 
     const Replaced ofScreen { [NSScreen class], @selector(userSpaceScaleFactor), scaleOfScreen };
 };
 
 TEST_F(DenseScreen, theFirstFrameAndTheSmallestSizeGrow) {
     for (const CGFloat each : {1.0, 1.5, 2.0}) {
-        startAt(each);
+        StartAt(each);
         EXPECT_TRUE(NSEqualSizes([window frame].size, NSMakeSize(450 * each, 250 * each))) << each;
         EXPECT_TRUE(NSEqualSizes([window minSize], NSMakeSize(400 * each, 150 * each))) << each;
     }
@@ -46,7 +46,7 @@ TEST_F(DenseScreen, theFirstFrameAndTheSmallestSizeGrow) {
 
 TEST_F(DenseScreen, theControlsLieInTheWindow) {
     for (const CGFloat each : {1.0, 1.5, 2.0}) {
-        startAt(each);
+        StartAt(each);
         NSView* const content = [window contentView];
         for (NSView* const view in [content subviews]) {
             EXPECT_TRUE(NSContainsRect([content bounds], [view frame]))
@@ -58,17 +58,17 @@ TEST_F(DenseScreen, theControlsLieInTheWindow) {
 
 TEST_F(DenseScreen, theFrameIsTheSameAtEveryStart) {
     for (const CGFloat each : {1.0, 1.1, 1.25, 1.5, 2.0}) {
-        startAt(each);
+        StartAt(each);
         [window setFrame:NSMakeRect(-101, 77, 901, 603) display:NO];
-        terminate();
-        startAt(each);
+        Terminate();
+        StartAt(each);
         // A place is stored in whole points: it may lie a point beside, once.
         const NSRect first = [window frame];
         EXPECT_NEAR(NSWidth(first), 901, each);
         EXPECT_NEAR(NSHeight(first), 603, each);
         for (int run = 0; run < 5; run++) {
-            terminate();
-            startAt(each);
+            Terminate();
+            StartAt(each);
             EXPECT_TRUE(NSEqualRects([window frame], first)) << each << " " << run;
         }
     }
@@ -76,10 +76,10 @@ TEST_F(DenseScreen, theFrameIsTheSameAtEveryStart) {
 
 TEST_F(DenseScreen, aWindowGrowsWithTheScaleFromOneStartToTheNext) {
     [window setFrame:NSMakeRect(100, 100, 500, 300) display:NO];
-    terminate();
-    startAt(2);
+    Terminate();
+    StartAt(2);
     EXPECT_TRUE(NSEqualSizes([window frame].size, NSMakeSize(1000, 600)));
-    EXPECT_EQ(stored(@"cx"), 500);
+    EXPECT_EQ(Stored(@"cx"), 500);
 }
 
 } // namespace

@@ -35,13 +35,13 @@ static void leaveOneWithEveryEntry(id, SEL) {
 
 class EventsInEntries : public ConsoleTest {
 protected:
-    using ConsoleTest::run;
-    void load(const std::string& script) {
+    using ConsoleTest::Run;
+    void Load(const std::string& script) {
         const std::string path = home + "/a.script";
-        write(path, script);
+        Write(path, script);
         EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:path.c_str()]]);
     }
-    void later(SEL selector, id object = nil) {
+    void Later(SEL selector, id object = nil) {
         [console performSelector:selector withObject:object afterDelay:0];
     }
 };
@@ -63,7 +63,7 @@ TEST_F(EventsInEntries, aScriptKeepsNothingOfWhatItsLinesLeave) {
     const Replaced after([MainConsole class], @selector(entryDidRun), leaveOneWithEveryEntry);
     std::string lines;
     for (int i = 0; i < 50; i++) lines += "x=" + std::to_string(i) + "\n";
-    load(lines);
+    Load(lines);
     EXPECT_EQ(most, 1);
     EXPECT_EQ(living, 0);
 }
@@ -88,8 +88,8 @@ TEST_F(EventsInEntries, aScriptKeepsNothingOfWhatItsLinesLeave) {
 @end
 
 TEST_F(EventsInEntries, aTimerStartsNoEntryInAnother) {
-    later(@selector(enterInTheMiddle));
-    load("pause 100\nx=1\n");
+    Later(@selector(enterInTheMiddle));
+    Load("pause 100\nx=1\n");
     EXPECT_EQ(calc.VariableExists("inside"), nullptr);
     EXPECT_NE(calc.VariableExists("x"), nullptr);
     [console enterInTheMiddle];
@@ -97,23 +97,23 @@ TEST_F(EventsInEntries, aTimerStartsNoEntryInAnother) {
 }
 
 TEST_F(EventsInEntries, aTimerStartsNoPreviewInAnEntry) {
-    later(@selector(previewInTheMiddle));
-    enter("pause 100");
-    EXPECT_EQ(text(), "> pause 100\n\n> ");
-    type("2+3");
-    EXPECT_NE(status().find("5"), std::string::npos);
+    Later(@selector(previewInTheMiddle));
+    Enter("pause 100");
+    EXPECT_EQ(Text(), "> pause 100\n\n> ");
+    Type("2+3");
+    EXPECT_NE(StatusLine().find("5"), std::string::npos);
 }
 
 TEST_F(EventsInEntries, scriptsThatComeInAPauseRunBehindItInTheirOrder) {
     NSMutableArray* const paths = [NSMutableArray array];
     for (const char* const line : {"x=2\n", "x=x*10\n", "x=x+1\n"}) {
         const std::string path = home + "/" + std::to_string([paths count]) + ".script";
-        write(path, line);
+        Write(path, line);
         [paths addObject:[NSString stringWithUTF8String:path.c_str()]];
-        later(@selector(loadFile:), [paths lastObject]);
+        Later(@selector(loadFile:), [paths lastObject]);
     }
-    enter("pause 100");
+    Enter("pause 100");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    for (int i = 0; i < 100 && text().find("x = 21") == std::string::npos; i++) run(0.05);
-    EXPECT_NE(text().find("x = 21"), std::string::npos) << text();
+    for (int i = 0; i < 100 && Text().find("x = 21") == std::string::npos; i++) Run(0.05);
+    EXPECT_NE(Text().find("x = 21"), std::string::npos) << Text();
 }

@@ -26,39 +26,39 @@ protected:
         miniaturized = redrawn = 0;
     }
 
-    NSTimer* timer() const {
-        return object_getIvar(preferences(), class_getInstanceVariable([PrefController class], "timer"));
+    NSTimer* Timer() const {
+        return object_getIvar(Preferences(), class_getInstanceVariable([PrefController class], "timer"));
     }
 
-    bool isFading() const { return timer() != nil; }
+    bool IsFading() const { return Timer() != nil; }
 
-    void fade(float target, float rate) { [preferences() fadeWindow:target rate:rate]; }
+    void Fade(float target, float rate) { [Preferences() fadeWindow:target rate:rate]; }
 
     // One step of a fade, as its timer would take it.
-    void tick(float target, float rate) {
+    void Tick(float target, float rate) {
         NSArray* const pair = [NSArray
             arrayWithObjects:[NSNumber numberWithFloat:target], [NSNumber numberWithFloat:rate], nil];
         NSTimer* const timer = [NSTimer timerWithTimeInterval:1000
-                                                       target:preferences()
+                                                       target:Preferences()
                                                      selector:@selector(fadeWin:)
                                                      userInfo:pair
                                                       repeats:NO];
-        [preferences() fadeWin:timer];
+        [Preferences() fadeWin:timer];
         [timer invalidate];
     }
 
     // The opacities of the steps, from where the window is, until the fade rests.
-    std::vector<double> steps(float target, float rate) {
-        fade(target, rate);
+    std::vector<double> Steps(float target, float rate) {
+        Fade(target, rate);
         std::vector<double> seen;
-        while (isFading() && seen.size() < 100) {
-            tick(target, rate);
-            seen.push_back(alpha());
+        while (IsFading() && seen.size() < 100) {
+            Tick(target, rate);
+            seen.push_back(Alpha());
         }
         return seen;
     }
 
-    void expectSteps(const std::vector<double>& seen, const std::vector<double>& expected) {
+    void ExpectSteps(const std::vector<double>& seen, const std::vector<double>& expected) {
         ASSERT_EQ(seen.size(), expected.size());
         for (size_t i = 0; i < seen.size(); i++) EXPECT_NEAR(seen[i], expected[i], 1e-5) << i;
     }
@@ -69,98 +69,98 @@ protected:
 TEST_F(Fading, toANegativeTargetHidesTheApplication) {
     [window setAlphaValue:1];
     // The step below zero shows as zero.
-    expectSteps(steps(-1.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
+    ExpectSteps(Steps(-1.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
     EXPECT_EQ(miniaturized, platformStatusBar() ? 0 : 1) << "from where the window manager brings it back";
     EXPECT_TRUE([window isVisible]);
 }
 
 TEST_F(Fading, toZeroTakesTheWindowAway) {
     [window setAlphaValue:1];
-    expectSteps(steps(0.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
+    ExpectSteps(Steps(0.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
     EXPECT_FALSE([window isVisible]);
     EXPECT_EQ(miniaturized, 0);
 }
 
 TEST_F(Fading, toALevelStopsThere) {
     [window setAlphaValue:1];
-    expectSteps(steps(0.8f, -0.07f), {0.93, 0.86, 0.79, 0.8});
+    ExpectSteps(Steps(0.8f, -0.07f), {0.93, 0.86, 0.79, 0.8});
     EXPECT_TRUE([window isVisible]);
     EXPECT_EQ(miniaturized, 0);
 }
 
 TEST_F(Fading, risesToOpaque) {
     [window setAlphaValue:0];
-    expectSteps(steps(1.0f, 0.25f), {0.25, 0.5, 0.75, 1, 1});
+    ExpectSteps(Steps(1.0f, 0.25f), {0.25, 0.5, 0.75, 1, 1});
     [window setAlphaValue:0.8];
-    expectSteps(steps(1.0f, 0.15f), {0.95, 1, 1});
+    ExpectSteps(Steps(1.0f, 0.15f), {0.95, 1, 1});
 }
 
 TEST_F(Fading, thatIsThereAlreadyEndsWithTheFirstStep) {
     [window setAlphaValue:0.8];
-    expectSteps(steps(0.8f, -0.05f), {0.8});
+    ExpectSteps(Steps(0.8f, -0.05f), {0.8});
     [window setAlphaValue:1];
-    expectSteps(steps(1.0f, 0.15f), {1});
+    ExpectSteps(Steps(1.0f, 0.15f), {1});
     [window setAlphaValue:0.3];
-    expectSteps(steps(0.8f, -0.05f), {0.8}); // falling, and below it already
+    ExpectSteps(Steps(0.8f, -0.05f), {0.8}); // falling, and below it already
 }
 
 TEST_F(Fading, itsEndDrawsTheWindowAnew) {
     [window setAlphaValue:1];
-    fade(0.9f, -0.05f);
+    Fade(0.9f, -0.05f);
     const Replaced redraw([NSView class], @selector(setNeedsDisplay:), recordRedraw);
-    tick(0.9f, -0.06f);
+    Tick(0.9f, -0.06f);
     EXPECT_EQ(redrawn, 0);
-    tick(0.9f, -0.06f);
-    tick(0.9f, -0.06f);
+    Tick(0.9f, -0.06f);
+    Tick(0.9f, -0.06f);
     EXPECT_GT(redrawn, 0);
-    EXPECT_FALSE(isFading());
+    EXPECT_FALSE(IsFading());
 }
 
 TEST_F(Fading, withARateOfZeroOrOfOneAndMoreIsDoneAtOnce) {
     for (const float rate : {0.0f, 1.0f, -1.0f, 2.5f, -7.0f}) {
         [window setAlphaValue:1];
-        fade(0.4f, rate);
-        EXPECT_NEAR(alpha(), 0.4, 1e-6) << rate;
-        EXPECT_FALSE(isFading()) << rate;
+        Fade(0.4f, rate);
+        EXPECT_NEAR(Alpha(), 0.4, 1e-6) << rate;
+        EXPECT_FALSE(IsFading()) << rate;
     }
-    fade(0.5f, 0.99f);
-    EXPECT_TRUE(isFading());
-    EXPECT_NEAR(alpha(), 0.4, 1e-6);
+    Fade(0.5f, 0.99f);
+    EXPECT_TRUE(IsFading());
+    EXPECT_NEAR(Alpha(), 0.4, 1e-6);
 }
 
 TEST_F(Fading, runsOnATimer) {
     [window setAlphaValue:1];
-    fade(0.8f, -0.05f);
-    EXPECT_TRUE(isFading());
-    EXPECT_EQ(alpha(), 1);
-    for (int i = 0; i < 1000 && isFading(); i++) run(0.01);
-    EXPECT_FALSE(isFading());
-    EXPECT_NEAR(alpha(), 0.8, 1e-6);
+    Fade(0.8f, -0.05f);
+    EXPECT_TRUE(IsFading());
+    EXPECT_EQ(Alpha(), 1);
+    for (int i = 0; i < 1000 && IsFading(); i++) Run(0.01);
+    EXPECT_FALSE(IsFading());
+    EXPECT_NEAR(Alpha(), 0.8, 1e-6);
 }
 
 TEST_F(Fading, goesOnWhileAPanelWaitsOrAMenuIsOpen) {
     for (NSString* const mode in @[ NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
         [window setAlphaValue:1];
-        fade(0.8f, -0.1f);
-        for (int i = 0; i < 100 && isFading(); i++) {
+        Fade(0.8f, -0.1f);
+        for (int i = 0; i < 100 && IsFading(); i++) {
             [[NSRunLoop currentRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
         }
-        EXPECT_FALSE(isFading()) << [mode UTF8String];
-        EXPECT_NEAR(alpha(), 0.8, 1e-6) << [mode UTF8String];
-        [preferences() fadeWindow:1 rate:0];
+        EXPECT_FALSE(IsFading()) << [mode UTF8String];
+        EXPECT_NEAR(Alpha(), 0.8, 1e-6) << [mode UTF8String];
+        [Preferences() fadeWindow:1 rate:0];
     }
 }
 
 TEST_F(Fading, aNewOneEndsTheOld) {
     for (const float rate : {0.25f, 0.0f}) {
         [window setAlphaValue:1];
-        fade(-1.0f, -0.3f);
-        NSTimer* const old = [[timer() retain] autorelease];
+        Fade(-1.0f, -0.3f);
+        NSTimer* const old = [[Timer() retain] autorelease];
         EXPECT_TRUE([old isValid]);
-        fade(1.0f, rate);
+        Fade(1.0f, rate);
         EXPECT_FALSE([old isValid]);
-        for (int i = 0; i < 1000 && isFading(); i++) run(0.01);
-        EXPECT_NEAR(alpha(), 1, 1e-6);
+        for (int i = 0; i < 1000 && IsFading(); i++) Run(0.01);
+        EXPECT_NEAR(Alpha(), 1, 1e-6);
         EXPECT_EQ(miniaturized, 0);
     }
 }

@@ -21,12 +21,12 @@ protected:
     void SetUp() override { pool = [[NSAutoreleasePool alloc] init]; }
     void TearDown() override { [pool release]; }
 
-    static NSAttributedString* laidOut(const std::string& text) {
+    static NSAttributedString* LaidOut(const std::string& text) {
         return guideText([NSString stringWithUTF8String:text.c_str()]);
     }
 
     // The text without the empty lines that are the space between its parts.
-    static std::string lines(NSAttributedString* text) {
+    static std::string Lines(NSAttributedString* text) {
         std::istringstream all([[text string] UTF8String]);
         std::string result, line;
         while (std::getline(all, line)) {
@@ -34,9 +34,9 @@ protected:
         }
         return result;
     }
-    static std::string lines(const std::string& text) { return lines(laidOut(text)); }
+    static std::string Lines(const std::string& text) { return Lines(LaidOut(text)); }
 
-    static NSFont* fontAt(NSAttributedString* text, const char* part) {
+    static NSFont* FontAt(NSAttributedString* text, const char* part) {
         const NSRange place = [[text string] rangeOfString:[NSString stringWithUTF8String:part]];
         EXPECT_NE(place.location, static_cast<NSUInteger>(NSNotFound)) << part;
         if (place.location == NSNotFound) return nil;
@@ -45,11 +45,11 @@ protected:
         return font;
     }
 
-    static bool isCode(NSFont* font) {
+    static bool IsCode(NSFont* font) {
         return [[font fontName] isEqualToString:[[NSFont userFixedPitchFontOfSize:13] fontName]];
     }
 
-    static bool isBold(NSFont* font) {
+    static bool IsBold(NSFont* font) {
         return ([[NSFontManager sharedFontManager] traitsOfFont:font] & NSBoldFontMask) != 0;
     }
 
@@ -57,77 +57,77 @@ protected:
 };
 
 TEST_F(Guide, ParagraphsAreJoinedAndSetApart) {
-    EXPECT_EQ(lines("One line\nand another.\n\nA second one.\n"), "One line and another.\nA second one.\n");
+    EXPECT_EQ(Lines("One line\nand another.\n\nA second one.\n"), "One line and another.\nA second one.\n");
 }
 
 TEST_F(Guide, HeadingsAreBoldAndTheSmallerTheDeeper) {
-    NSAttributedString* const text = laidOut("# First\nplain\n## Second\n### Third\n");
-    EXPECT_EQ(lines(text), "First\nplain\nSecond\nThird\n");
-    EXPECT_TRUE(isBold(fontAt(text, "First")));
-    EXPECT_TRUE(isBold(fontAt(text, "Third")));
-    EXPECT_FALSE(isBold(fontAt(text, "plain")));
-    EXPECT_GT([fontAt(text, "First") pointSize], [fontAt(text, "Second") pointSize]);
-    EXPECT_GT([fontAt(text, "Second") pointSize], [fontAt(text, "Third") pointSize]);
-    EXPECT_GT([fontAt(text, "Third") pointSize], [fontAt(text, "plain") pointSize]);
+    NSAttributedString* const text = LaidOut("# First\nplain\n## Second\n### Third\n");
+    EXPECT_EQ(Lines(text), "First\nplain\nSecond\nThird\n");
+    EXPECT_TRUE(IsBold(FontAt(text, "First")));
+    EXPECT_TRUE(IsBold(FontAt(text, "Third")));
+    EXPECT_FALSE(IsBold(FontAt(text, "plain")));
+    EXPECT_GT([FontAt(text, "First") pointSize], [FontAt(text, "Second") pointSize]);
+    EXPECT_GT([FontAt(text, "Second") pointSize], [FontAt(text, "Third") pointSize]);
+    EXPECT_GT([FontAt(text, "Third") pointSize], [FontAt(text, "plain") pointSize]);
 }
 
 TEST_F(Guide, NoHeadingWithoutABlankOrBelowTheThirdLevel) {
-    EXPECT_EQ(lines("#first\n"), "#first\n");
-    EXPECT_EQ(lines("#### fourth\n"), "#### fourth\n");
-    EXPECT_EQ(lines("#\n"), "#\n");
+    EXPECT_EQ(Lines("#first\n"), "#first\n");
+    EXPECT_EQ(Lines("#### fourth\n"), "#### fourth\n");
+    EXPECT_EQ(Lines("#\n"), "#\n");
 }
 
 TEST_F(Guide, CodeAndStrongWordsHaveTheirFonts) {
-    NSAttributedString* const text = laidOut("Type `1+1` for **two** now.\n");
-    EXPECT_EQ(lines(text), "Type 1+1 for two now.\n");
-    EXPECT_TRUE(isCode(fontAt(text, "1+1")));
-    EXPECT_TRUE(isBold(fontAt(text, "two")));
-    EXPECT_FALSE(isCode(fontAt(text, "Type")));
-    EXPECT_FALSE(isBold(fontAt(text, "now")));
+    NSAttributedString* const text = LaidOut("Type `1+1` for **two** now.\n");
+    EXPECT_EQ(Lines(text), "Type 1+1 for two now.\n");
+    EXPECT_TRUE(IsCode(FontAt(text, "1+1")));
+    EXPECT_TRUE(IsBold(FontAt(text, "two")));
+    EXPECT_FALSE(IsCode(FontAt(text, "Type")));
+    EXPECT_FALSE(IsBold(FontAt(text, "now")));
 }
 
 TEST_F(Guide, StarsInCodeAreNoMarks) {
-    EXPECT_EQ(lines("The power `2**3` and `a**b`.\n"), "The power 2**3 and a**b.\n");
+    EXPECT_EQ(Lines("The power `2**3` and `a**b`.\n"), "The power 2**3 and a**b.\n");
 }
 
 TEST_F(Guide, BracketsInCodeAreNoLinks) {
-    EXPECT_EQ(lines("Write `[a](b)` so.\n"), "Write [a](b) so.\n");
+    EXPECT_EQ(Lines("Write `[a](b)` so.\n"), "Write [a](b) so.\n");
 }
 
 TEST_F(Guide, FencedCodeIsLeftAsItIs) {
     NSAttributedString* const text =
-        laidOut("```\n# no heading\n- no item\n\n| no | row |\n  two blanks\n[a](b) `c` **d**\n```\nafter\n");
-    EXPECT_EQ(lines(text), "# no heading\n- no item\n| no | row |\n  two blanks\n[a](b) `c` **d**\nafter\n");
-    EXPECT_TRUE(isCode(fontAt(text, "no heading")));
-    EXPECT_FALSE(isCode(fontAt(text, "after")));
+        LaidOut("```\n# no heading\n- no item\n\n| no | row |\n  two blanks\n[a](b) `c` **d**\n```\nafter\n");
+    EXPECT_EQ(Lines(text), "# no heading\n- no item\n| no | row |\n  two blanks\n[a](b) `c` **d**\nafter\n");
+    EXPECT_TRUE(IsCode(FontAt(text, "no heading")));
+    EXPECT_FALSE(IsCode(FontAt(text, "after")));
 }
 
 TEST_F(Guide, AFenceThatIsNeverClosedShowsItsCode) {
-    EXPECT_EQ(lines("```\n1+1\n"), "1+1\n");
+    EXPECT_EQ(Lines("```\n1+1\n"), "1+1\n");
 }
 
 TEST_F(Guide, ItemsHaveBulletsAndTakeTheirNextLines) {
-    EXPECT_EQ(lines("Before\n- one\n  and more\n- two\n\nAfter\n"),
+    EXPECT_EQ(Lines("Before\n- one\n  and more\n- two\n\nAfter\n"),
               "Before\n\u2022 one and more\n\u2022 two\nAfter\n");
 }
 
 TEST_F(Guide, RowsOfTablesHaveTheirCellsAtTabs) {
-    EXPECT_EQ(lines("| Key | What |\n|---|:---:|\n| a | `b` |\n"), "Key\tWhat\na\tb\n");
+    EXPECT_EQ(Lines("| Key | What |\n|---|:---:|\n| a | `b` |\n"), "Key\tWhat\na\tb\n");
 }
 
 TEST_F(Guide, AnEscapedBarIsPartOfItsCell) {
-    EXPECT_EQ(lines("| or | `a \\| b` |\n"), "or\ta | b\n");
+    EXPECT_EQ(Lines("| or | `a \\| b` |\n"), "or\ta | b\n");
 }
 
 TEST_F(Guide, AnEmptyCellKeepsItsColumn) {
-    EXPECT_EQ(lines("| a |  | c |\n"), "a\t\tc\n");
+    EXPECT_EQ(Lines("| a |  | c |\n"), "a\t\tc\n");
 }
 
 TEST_F(Guide, LinksShowTheirTextAndImagesNothing) {
-    EXPECT_EQ(lines("See [the list](list.md) and [that](x).\n"), "See the list and that.\n");
-    EXPECT_EQ(lines("Look: ![a picture](p.png) there.\n"), "Look:  there.\n");
-    EXPECT_EQ(lines("A vector [1;2] and (3).\n"), "A vector [1;2] and (3).\n");
-    EXPECT_EQ(lines("Half [a link](x\n"), "Half [a link](x\n");
+    EXPECT_EQ(Lines("See [the list](list.md) and [that](x).\n"), "See the list and that.\n");
+    EXPECT_EQ(Lines("Look: ![a picture](p.png) there.\n"), "Look:  there.\n");
+    EXPECT_EQ(Lines("A vector [1;2] and (3).\n"), "A vector [1;2] and (3).\n");
+    EXPECT_EQ(Lines("Half [a link](x\n"), "Half [a link](x\n");
 }
 
 std::string linkAt(NSAttributedString* text, const char* part) {
@@ -139,21 +139,21 @@ std::string linkAt(NSAttributedString* text, const char* part) {
 
 TEST_F(Guide, OnlyLinksToItsOwnSectionsAreLinks) {
     NSAttributedString* const text =
-        laidOut("See [the list](#all-words), **[strong](#b)** or [that](x.md).\n");
-    EXPECT_EQ(lines(text), "See the list, strong or that.\n");
+        LaidOut("See [the list](#all-words), **[strong](#b)** or [that](x.md).\n");
+    EXPECT_EQ(Lines(text), "See the list, strong or that.\n");
     EXPECT_EQ(linkAt(text, "the list"), "all-words");
     EXPECT_EQ(linkAt(text, "strong"), "b");
-    EXPECT_TRUE(isBold(fontAt(text, "strong")));
+    EXPECT_TRUE(IsBold(FontAt(text, "strong")));
     EXPECT_EQ(linkAt(text, "See"), "");
     EXPECT_EQ(linkAt(text, ", "), "");
     EXPECT_EQ(linkAt(text, "that"), "");
-    EXPECT_EQ(lines("A [`word`](#b) here.\n"), "A word here.\n");
+    EXPECT_EQ(Lines("A [`word`](#b) here.\n"), "A word here.\n");
 }
 
 TEST_F(Guide, NothingGivesNothing) {
-    EXPECT_EQ(lines(""), "");
-    EXPECT_EQ(lines("\n\n\n"), "");
-    EXPECT_EQ(lines("|\n||\n"), "");
+    EXPECT_EQ(Lines(""), "");
+    EXPECT_EQ(Lines("\n\n\n"), "");
+    EXPECT_EQ(Lines("|\n||\n"), "");
 }
 
 NSString* pathOfTests(id, SEL, NSString*, NSString*) {
@@ -335,7 +335,7 @@ TEST_F(Guide, OurGuideIsLaidOutWithoutLeftovers) {
     std::ostringstream bytes;
     bytes << file.rdbuf();
     ASSERT_GT(bytes.str().size(), 1000U);
-    NSAttributedString* const text = laidOut(bytes.str());
+    NSAttributedString* const text = LaidOut(bytes.str());
     ASSERT_GT([text length], 1000U);
     NSUInteger i = 0;
     while (i < [text length]) {
@@ -344,7 +344,7 @@ TEST_F(Guide, OurGuideIsLaidOutWithoutLeftovers) {
         ASSERT_NE(font, nil);
         const std::string part = [[[text string] substringWithRange:run] UTF8String];
         i = NSMaxRange(run);
-        if (isCode(font)) continue; // code may hold anything
+        if (IsCode(font)) continue; // code may hold anything
         for (const char* const mark : {"**", "`", "](", "|", "\x01"}) {
             EXPECT_EQ(part.find(mark), std::string::npos) << part;
         }

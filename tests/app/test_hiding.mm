@@ -50,10 +50,10 @@ protected:
         stand = Stand();
     }
 
-    id application() const { return reinterpret_cast<id>(delegate); }
+    id Application() const { return reinterpret_cast<id>(delegate); }
 
     // What the window, the application and the fades are told meanwhile.
-    template <typename Action> Told toldBy(Action action) {
+    template <typename Action> Told ToldBy(Action action) {
         const Class type = [NSWindow class];
         const Replaced key(type, @selector(isKeyWindow), isKey);
         const Replaced miniaturized(type, @selector(isMiniaturized), isMiniaturized);
@@ -67,20 +67,20 @@ protected:
         return stand.told;
     }
 
-    Told click() {
-        return toldBy([this] { clickStatusItem(); });
+    Told Click() {
+        return ToldBy([this] { ClickStatusItem(); });
     }
-    Told hideByMenu() {
-        return toldBy([this] { [application() hideMainWindow:nil]; });
+    Told HideByMenu() {
+        return ToldBy([this] { [Application() hideMainWindow:nil]; });
     }
-    Told resign() {
-        return toldBy([this] { [application() applicationDidResignActive:nil]; });
+    Told Resign() {
+        return ToldBy([this] { [Application() applicationDidResignActive:nil]; });
     }
-    Told willBecomeActive() {
-        return toldBy([this] { [application() applicationWillBecomeActive:nil]; });
+    Told WillBecomeActive() {
+        return ToldBy([this] { [Application() applicationWillBecomeActive:nil]; });
     }
-    Told becomeActive() {
-        return toldBy([this] { [application() applicationDidBecomeActive:nil]; });
+    Told BecomeActive() {
+        return ToldBy([this] { [Application() applicationDidBecomeActive:nil]; });
     }
 
     const Told fadesAway = {"fade -1 -0.3", "behaviour 1"};
@@ -90,21 +90,21 @@ protected:
 // --- The status item ---
 
 TEST_F(Hiding, aClickFadesTheKeyWindowAway) {
-    EXPECT_EQ(click(), fadesAway);
+    EXPECT_EQ(Click(), fadesAway);
     EXPECT_EQ(mainWinIsHidden, 1);
 }
 
 TEST_F(Hiding, aClickBringsAHiddenWindowBack) {
     mainWinIsHidden = 1;
-    EXPECT_EQ(click(), comesBack);
+    EXPECT_EQ(Click(), comesBack);
     EXPECT_EQ(mainWinIsHidden, 1) << "until the application is active";
-    EXPECT_EQ(becomeActive(), Told({"fade 1 0.25", "behaviour 0"}));
+    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.25", "behaviour 0"}));
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
 TEST_F(Hiding, aClickBringsAWindowToTheFrontThatIsNotKey) {
     stand.isKey = NO;
-    EXPECT_EQ(click(), comesBack);
+    EXPECT_EQ(Click(), comesBack);
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
@@ -112,89 +112,89 @@ TEST_F(Hiding, aClickTakesTheWindowOutOfTheDock) {
     for (const BOOL key : {NO, YES}) {
         stand.isKey = key;
         stand.isMiniaturized = YES;
-        EXPECT_EQ(click(), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
+        EXPECT_EQ(Click(), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
         EXPECT_EQ(mainWinIsHidden, 0);
     }
 }
 
 TEST_F(Hiding, escapeOnAnEmptyEntryIsAClick) {
-    type("1");
-    press(KEY_ESCAPE);
-    EXPECT_EQ(hideRequests(), 0);
-    press(KEY_ESCAPE);
-    EXPECT_EQ(hideRequests(), 1);
+    Type("1");
+    Press(KEY_ESCAPE);
+    EXPECT_EQ(HideRequests(), 0);
+    Press(KEY_ESCAPE);
+    EXPECT_EQ(HideRequests(), 1);
 }
 
 TEST_F(Hiding, theFrameIsStoredBeforeTheWindowGoes) {
-    setSetting("snaptoscreen", 0);
+    SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(300, 200, 444, 222) display:YES];
-    click();
-    EXPECT_EQ(setting("x"), 300);
-    EXPECT_EQ(setting("y"), 200);
-    EXPECT_EQ(setting("cx"), 444);
-    EXPECT_EQ(setting("cy"), 222);
+    Click();
+    EXPECT_EQ(SettingOf("x"), 300);
+    EXPECT_EQ(SettingOf("y"), 200);
+    EXPECT_EQ(SettingOf("cx"), 444);
+    EXPECT_EQ(SettingOf("cy"), 222);
 }
 
 // --- The menu ---
 
 TEST_F(Hiding, theMenuHidesAlsoWhileAnotherWindowIsKey) {
     stand.isKey = NO;
-    EXPECT_EQ(hideByMenu(), fadesAway);
+    EXPECT_EQ(HideByMenu(), fadesAway);
     EXPECT_EQ(mainWinIsHidden, 1);
-    EXPECT_EQ(hideByMenu(), Told()) << "it is hidden";
+    EXPECT_EQ(HideByMenu(), Told()) << "it is hidden";
 }
 
 TEST_F(Hiding, theMenuLeavesAMiniaturizedWindowWhereItIs) {
     stand.isMiniaturized = YES;
-    EXPECT_EQ(hideByMenu(), Told());
+    EXPECT_EQ(HideByMenu(), Told());
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
 // --- The focus ---
 
 TEST_F(Hiding, losingTheFocusFadesToTheTransparency) {
-    EXPECT_EQ(resign(), Told{"fade 0.8 -0.05"});
-    setSetting("trans", 100);
-    EXPECT_EQ(resign(), Told{"fade 0.2 -0.05"});
-    setSetting("trans", 0);
-    EXPECT_EQ(resign(), Told{"fade 1 -0.05"});
+    EXPECT_EQ(Resign(), Told{"fade 0.8 -0.05"});
+    SetSetting("trans", 100);
+    EXPECT_EQ(Resign(), Told{"fade 0.2 -0.05"});
+    SetSetting("trans", 0);
+    EXPECT_EQ(Resign(), Told{"fade 1 -0.05"});
 }
 
 TEST_F(Hiding, withTheSettingOffTheWindowNeverFadesOnLosingTheFocus) {
-    setSetting("transback", 0);
-    EXPECT_EQ(resign(), Told());
+    SetSetting("transback", 0);
+    EXPECT_EQ(Resign(), Told());
 }
 
 TEST_F(Hiding, aHiddenWindowDoesNotFadeOnLosingTheFocus) {
     mainWinIsHidden = 1;
-    EXPECT_EQ(resign(), Told());
+    EXPECT_EQ(Resign(), Told());
 }
 
 TEST_F(Hiding, gainingTheFocusFadesBackToOpaque) {
-    EXPECT_EQ(willBecomeActive(), Told{"behaviour 1"});
-    EXPECT_EQ(becomeActive(), Told({"fade 1 0.15", "behaviour 0"}));
+    EXPECT_EQ(WillBecomeActive(), Told{"behaviour 1"});
+    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.15", "behaviour 0"}));
 }
 
 // --- The ways back ---
 
 TEST_F(Hiding, theIconOfTheApplicationBringsTheWindowBack) {
     const auto reopen = [this] {
-        EXPECT_FALSE([application() applicationShouldHandleReopen:NSApp hasVisibleWindows:YES]);
+        EXPECT_FALSE([Application() applicationShouldHandleReopen:NSApp hasVisibleWindows:YES]);
     };
-    EXPECT_EQ(toldBy(reopen), Told()) << "it is there";
+    EXPECT_EQ(ToldBy(reopen), Told()) << "it is there";
     mainWinIsHidden = 1;
-    EXPECT_EQ(toldBy(reopen), comesBack);
+    EXPECT_EQ(ToldBy(reopen), comesBack);
     mainWinIsHidden = 0;
     stand.isMiniaturized = YES;
-    EXPECT_EQ(toldBy(reopen), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
+    EXPECT_EQ(ToldBy(reopen), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
 }
 
 // --- The end ---
 
 TEST_F(Hiding, theLastWindowEndsTheProgramUnlessItIsHidden) {
-    EXPECT_TRUE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    EXPECT_TRUE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
     mainWinIsHidden = 1;
-    EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }
 
 TEST_F(Hiding, aHiddenWindowThatIsTakenOutOfTheDockIsShown) {
@@ -202,9 +202,9 @@ TEST_F(Hiding, aHiddenWindowThatIsTakenOutOfTheDockIsShown) {
     const auto deminiaturized = [this] {
         [reinterpret_cast<id>([window delegate]) windowDidDeminiaturize:nil];
     };
-    EXPECT_EQ(toldBy(deminiaturized), Told({"fade 1 0.25", "behaviour 0"}));
+    EXPECT_EQ(ToldBy(deminiaturized), Told({"fade 1 0.25", "behaviour 0"}));
     EXPECT_EQ(mainWinIsHidden, 0);
-    EXPECT_EQ(toldBy(deminiaturized), Told()) << "it was not hidden";
+    EXPECT_EQ(ToldBy(deminiaturized), Told()) << "it was not hidden";
 }
 
 } // namespace

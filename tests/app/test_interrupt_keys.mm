@@ -8,7 +8,7 @@ namespace {
 class InterruptKeys : public ConsoleTest {
 protected:
     // What waits in the application's queue.
-    static std::string nextKey() {
+    static std::string NextKey() {
         NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask
                                                   untilDate:[NSDate date]
                                                      inMode:NSDefaultRunLoopMode
@@ -17,13 +17,13 @@ protected:
     }
 
     void TearDown() override {
-        while (!nextKey().empty()) {
+        while (!NextKey().empty()) {
         }
         ConsoleTest::TearDown();
     }
 
     // d0 calls a built-in function, d1 calls d0 ten times, and so on up to d7.
-    void defineSlowFunctions() {
+    void DefineSlowFunctions() {
         [console ProcessResult:"d0(x)=sin(x)":NO];
         for (char level = '1'; level <= '7'; level++) {
             std::string line = std::string("d") + level + "(x)=";
@@ -36,10 +36,10 @@ protected:
         }
     }
 
-    void runAlone(const std::string& line) {
+    void RunAlone(const std::string& line) {
         [console clearConsole];
         [console replacePrompt:line.c_str()];
-        press(KEY_RETURN);
+        Press(KEY_RETURN);
     }
 };
 
@@ -48,70 +48,70 @@ TEST_F(InterruptKeys, nothingWaiting) {
 }
 
 TEST_F(InterruptKeys, escapeInterrupts) {
-    post(@"\033");
+    Post(@"\033");
     EXPECT_EQ(1, [console checkInterruptEvent]);
     EXPECT_EQ(0, [console checkInterruptEvent]);
 }
 
 TEST_F(InterruptKeys, commandQInterrupts) {
-    post(@"q", NSCommandKeyMask);
+    Post(@"q", NSCommandKeyMask);
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
 TEST_F(InterruptKeys, controlCInterrupts) {
-    post(@"c", NSControlKeyMask);
+    Post(@"c", NSControlKeyMask);
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
 TEST_F(InterruptKeys, otherKeysAreConsumedOneByOne) {
-    post(@"q");
-    post(@"c");
-    post(@"c", NSCommandKeyMask);
-    post(@"q", NSControlKeyMask);
-    post(@"\r");
-    post(@"7");
+    Post(@"q");
+    Post(@"c");
+    Post(@"c", NSCommandKeyMask);
+    Post(@"q", NSControlKeyMask);
+    Post(@"\r");
+    Post(@"7");
     for (int i = 0; i < 6; i++) EXPECT_EQ(0, [console checkInterruptEvent]) << i;
-    EXPECT_EQ("", nextKey());
-    EXPECT_EQ("> ", text());
-    post(@"7");
-    post(@"\033");
+    EXPECT_EQ("", NextKey());
+    EXPECT_EQ("> ", Text());
+    Post(@"7");
+    Post(@"\033");
     EXPECT_EQ(0, [console checkInterruptEvent]);
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
 TEST_F(InterruptKeys, eachOfThemEndsALongEntry) {
-    defineSlowFunctions();
+    DefineSlowFunctions();
     const struct {
         NSString* key;
         NSUInteger flags;
     } keys[] = {{@"\033", 0}, {@"q", NSCommandKeyMask}, {@"c", NSControlKeyMask}};
     for (const auto& one : keys) {
-        post(one.key, one.flags);
-        runAlone("d7(1)");
-        EXPECT_EQ("> d7(1)\n** ERROR: interrupted **\n\n> ", text());
-        EXPECT_EQ("", nextKey());
+        Post(one.key, one.flags);
+        RunAlone("d7(1)");
+        EXPECT_EQ("> d7(1)\n** ERROR: interrupted **\n\n> ", Text());
+        EXPECT_EQ("", NextKey());
     }
-    enter("1+2");
-    EXPECT_NE(std::string::npos, text().find("ans = 3\n"));
+    Enter("1+2");
+    EXPECT_NE(std::string::npos, Text().find("ans = 3\n"));
 }
 
 // The entry looked at them, for it came to the Escape behind them, and went on.
 TEST_F(InterruptKeys, otherKeysDuringALongEntryAreLost) {
-    defineSlowFunctions();
-    post(@"7");
-    post(@"\r");
-    post(@"\033");
-    runAlone("d7(1)");
-    EXPECT_EQ("> d7(1)\n** ERROR: interrupted **\n\n> ", text());
-    EXPECT_EQ("", nextKey());
+    DefineSlowFunctions();
+    Post(@"7");
+    Post(@"\r");
+    Post(@"\033");
+    RunAlone("d7(1)");
+    EXPECT_EQ("> d7(1)\n** ERROR: interrupted **\n\n> ", Text());
+    EXPECT_EQ("", NextKey());
 }
 
 TEST_F(InterruptKeys, whatIsTypedAheadOfAShortEntrysEndStays) {
     [console replacePrompt:"1+2"];
-    post(@"7");
-    press(KEY_RETURN);
-    EXPECT_EQ("> 1+2\nans = 3\n\n> ", text());
-    EXPECT_EQ("7", nextKey());
+    Post(@"7");
+    Press(KEY_RETURN);
+    EXPECT_EQ("> 1+2\nans = 3\n\n> ", Text());
+    EXPECT_EQ("7", NextKey());
 }
 
 } // namespace

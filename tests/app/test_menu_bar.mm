@@ -11,7 +11,7 @@
 
 namespace {
 
-struct Entry {
+struct MenuEntry {
     std::string menu;
     NSMenuItem* item;
 };
@@ -61,26 +61,26 @@ protected:
         ShellTest::TearDown();
     }
 
-    static NSMenuItem* at(NSMenu* menu, NSInteger place) { return [menu itemAtIndex:place]; }
+    static NSMenuItem* At(NSMenu* menu, NSInteger place) { return [menu itemAtIndex:place]; }
 
     // All but the separators.
-    std::vector<Entry> items() const {
-        std::vector<Entry> found;
+    std::vector<MenuEntry> Items() const {
+        std::vector<MenuEntry> found;
         NSMenu* const bar = [NSApp mainMenu];
         for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
-            NSMenu* const menu = [at(bar, i) submenu];
+            NSMenu* const menu = [At(bar, i) submenu];
             for (NSInteger j = 0; j < [menu numberOfItems]; j++) {
-                if ([at(menu, j) isSeparatorItem]) continue;
-                if (sel_isEqual([at(menu, j) action], @selector(makeKeyAndOrderFront:)))
+                if ([At(menu, j) isSeparatorItem]) continue;
+                if (sel_isEqual([At(menu, j) action], @selector(makeKeyAndOrderFront:)))
                     continue; // a window's own
-                found.push_back({[[menu title] UTF8String], at(menu, j)});
+                found.push_back({[[menu title] UTF8String], At(menu, j)});
             }
         }
         return found;
     }
 
-    NSMenuItem* item(const char* title) const {
-        for (const Entry& entry : items()) {
+    NSMenuItem* Item(const char* title) const {
+        for (const MenuEntry& entry : Items()) {
             if (strcmp([[entry.item title] UTF8String], title) == 0) return entry.item;
         }
         ADD_FAILURE() << "no item " << title;
@@ -88,7 +88,7 @@ protected:
     }
 
     // Who carries the item out when the console has the keys.
-    id taker(NSMenuItem* item) const {
+    id Taker(NSMenuItem* item) const {
         if ([item target]) return [[item target] respondsToSelector:[item action]] ? [item target] : nil;
         for (NSResponder* one = console; one; one = [one nextResponder]) {
             if ([one respondsToSelector:[item action]]) return one;
@@ -96,14 +96,14 @@ protected:
         return [NSApp respondsToSelector:[item action]] ? NSApp : nil;
     }
 
-    bool isEnabled(NSMenuItem* item) const {
-        const id one = taker(item);
+    bool IsEnabled(NSMenuItem* item) const {
+        const id one = Taker(item);
         return ![one respondsToSelector:@selector(validateMenuItem:)] || [one validateMenuItem:item];
     }
 
-    void choose(const char* title) {
-        NSMenuItem* const chosen = item(title);
-        [taker(chosen) performSelector:[chosen action] withObject:chosen];
+    void Choose(const char* title) {
+        NSMenuItem* const chosen = Item(title);
+        [Taker(chosen) performSelector:[chosen action] withObject:chosen];
     }
 };
 
@@ -112,15 +112,15 @@ TEST_F(MenuBar, hasTheUsualMenus) {
     NSMenu* const bar = [NSApp mainMenu];
     for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
         // GNUstep wants a menu of the program's name, which is another one here.
-        if (![[at(bar, i) title] isEqualToString:[[NSProcessInfo processInfo] processName]])
-            titles.push_back([[at(bar, i) title] UTF8String]);
+        if (![[At(bar, i) title] isEqualToString:[[NSProcessInfo processInfo] processName]])
+            titles.push_back([[At(bar, i) title] UTF8String]);
     }
     EXPECT_EQ(titles, std::vector<std::string>({"Tallyquill", "File", "Edit", "Display", "Window", "Help"}));
 }
 
 TEST_F(MenuBar, itsItemsHaveTheUsualKeys) {
     std::vector<std::string> found;
-    for (const Entry& entry : items()) {
+    for (const MenuEntry& entry : Items()) {
         found.push_back(entry.menu + " / " + [[entry.item title] UTF8String] + " / " +
                         [[entry.item keyEquivalent] UTF8String]);
     }
@@ -152,7 +152,7 @@ TEST_F(MenuBar, itsItemsHaveTheUsualKeys) {
 
 TEST_F(MenuBar, noKeyStandsForTwoItems) {
     std::set<std::string> keys;
-    for (const Entry& entry : items()) {
+    for (const MenuEntry& entry : Items()) {
         const std::string key = [[entry.item keyEquivalent] UTF8String];
         if (key.empty()) continue;
         EXPECT_TRUE(keys.insert(key).second) << key;
@@ -160,121 +160,121 @@ TEST_F(MenuBar, noKeyStandsForTwoItems) {
 }
 
 TEST_F(MenuBar, everyItemIsTakenBySomeone) {
-    for (const Entry& entry : items()) {
-        EXPECT_NE(taker(entry.item), nil) << entry.menu << " / " << [[entry.item title] UTF8String];
+    for (const MenuEntry& entry : Items()) {
+        EXPECT_NE(Taker(entry.item), nil) << entry.menu << " / " << [[entry.item title] UTF8String];
     }
 }
 
 TEST_F(MenuBar, onlyRedoAndAHiddenWindowAreDisabled) {
-    for (const Entry& entry : items()) {
+    for (const MenuEntry& entry : Items()) {
         const std::string title = [[entry.item title] UTF8String];
-        EXPECT_EQ(isEnabled(entry.item), title != "Redo") << title;
+        EXPECT_EQ(IsEnabled(entry.item), title != "Redo") << title;
     }
     mainWinIsHidden = 1;
-    EXPECT_FALSE(isEnabled(item("Hide Tallyquill")));
+    EXPECT_FALSE(IsEnabled(Item("Hide Tallyquill")));
 }
 
 // --- Edit ---
 
 TEST_F(MenuBar, undoAndRedoWalkThroughTheEntry) {
-    type("12");
+    Type("12");
     [[console undoManager] endUndoGrouping];
-    EXPECT_EQ(status(), "ans = 12");
-    choose("Undo");
-    EXPECT_EQ(entry(), "");
-    EXPECT_TRUE(isEnabled(item("Redo")));
-    choose("Redo");
-    EXPECT_EQ(entry(), "12");
-    EXPECT_EQ(status(), "ans = 12");
-    EXPECT_FALSE(isEnabled(item("Redo")));
-    choose("Redo"); // nothing to redo: harmless
-    EXPECT_EQ(text(), "> 12");
+    EXPECT_EQ(StatusLine(), "ans = 12");
+    Choose("Undo");
+    EXPECT_EQ(Entry(), "");
+    EXPECT_TRUE(IsEnabled(Item("Redo")));
+    Choose("Redo");
+    EXPECT_EQ(Entry(), "12");
+    EXPECT_EQ(StatusLine(), "ans = 12");
+    EXPECT_FALSE(IsEnabled(Item("Redo")));
+    Choose("Redo"); // nothing to redo: harmless
+    EXPECT_EQ(Text(), "> 12");
 }
 
 TEST_F(MenuBar, anAnsweredEntryIsNeitherUndoneNorRedone) {
-    enter("1+1");
-    const std::string shown = text();
-    choose("Undo");
-    EXPECT_EQ(text(), shown);
-    EXPECT_FALSE(isEnabled(item("Redo")));
-    choose("Redo");
-    EXPECT_EQ(text(), shown);
+    Enter("1+1");
+    const std::string shown = Text();
+    Choose("Undo");
+    EXPECT_EQ(Text(), shown);
+    EXPECT_FALSE(IsEnabled(Item("Redo")));
+    Choose("Redo");
+    EXPECT_EQ(Text(), shown);
 }
 
 TEST_F(MenuBar, selectAllAndCopyTakeTheWholeText) {
-    enter("1+1");
-    choose("Select All");
-    EXPECT_EQ(selected(), text());
-    choose("Copy");
-    EXPECT_EQ(pasteboard(), text());
+    Enter("1+1");
+    Choose("Select All");
+    EXPECT_EQ(Selected(), Text());
+    Choose("Copy");
+    EXPECT_EQ(Pasteboard(), Text());
 }
 
 TEST_F(MenuBar, pasteInserts) {
-    setPasteboard("6*7");
-    choose("Paste");
-    EXPECT_EQ(entry(), "6*7");
-    EXPECT_EQ(status(), "ans = 42");
+    SetPasteboard("6*7");
+    Choose("Paste");
+    EXPECT_EQ(Entry(), "6*7");
+    EXPECT_EQ(StatusLine(), "ans = 42");
 }
 
 // --- The others ---
 
 TEST_F(MenuBar, newClearsTheConsole) {
-    enter("1+1");
-    choose("New");
-    EXPECT_EQ(text(), "> ");
+    Enter("1+1");
+    Choose("New");
+    EXPECT_EQ(Text(), "> ");
 }
 
 TEST_F(MenuBar, displayChangesTheBaseAndChecksItsItem) {
     const char* const titles[] = {"Binary", "Decimal", "Hexadecimal"};
     const int bases[] = {2, 10, 16};
     for (int i = 0; i < 3; i++) {
-        choose(titles[i]);
-        EXPECT_EQ(setting("dispbase"), bases[i]);
-        for (int j = 0; j < 3; j++) EXPECT_EQ([item(titles[j]) state], i == j ? NSOnState : NSOffState);
+        Choose(titles[i]);
+        EXPECT_EQ(SettingOf("dispbase"), bases[i]);
+        for (int j = 0; j < 3; j++) EXPECT_EQ([Item(titles[j]) state], i == j ? NSOnState : NSOffState);
     }
 }
 
 TEST_F(MenuBar, preferencesOpenThePanel) {
-    choose("Preferences...");
-    EXPECT_TRUE([[preferences() prefWindow] isVisible]);
+    Choose("Preferences...");
+    EXPECT_TRUE([[Preferences() prefWindow] isVisible]);
     EXPECT_EQ(prefWinIsOpen, 1);
 }
 
 TEST_F(MenuBar, hideFadesTheWindowAway) {
-    [[preferences() prefWindow] makeKeyAndOrderFront:nil];
-    choose("Hide Tallyquill");
+    [[Preferences() prefWindow] makeKeyAndOrderFront:nil];
+    Choose("Hide Tallyquill");
     EXPECT_EQ(mainWinIsHidden, 1);
 }
 
 TEST_F(MenuBar, zoomFillsTheScreenAndGoesBack) {
     const NSRect before = [window frame];
-    choose("Zoom");
+    Choose("Zoom");
     const NSRect screen = [[window screen] visibleFrame];
     EXPECT_TRUE(NSEqualRects([window frame], screen)) << [NSStringFromRect([window frame]) UTF8String];
-    choose("Zoom");
+    Choose("Zoom");
     EXPECT_TRUE(NSEqualRects([window frame], before)) << [NSStringFromRect([window frame]) UTF8String];
-    choose("Zoom");
+    Choose("Zoom");
     const NSRect changed = NSMakeRect(200, 150, 500, 400);
     [window setFrame:changed display:YES];
-    choose("Zoom");
+    Choose("Zoom");
     EXPECT_TRUE(NSEqualRects([window frame], screen)) << "its size was changed: it is not zoomed any more";
-    choose("Zoom");
+    Choose("Zoom");
     EXPECT_TRUE(NSEqualRects([window frame], changed)) << [NSStringFromRect([window frame]) UTF8String];
 }
 
 TEST_F(MenuBar, closeClosesTheWindow) {
-    choose("Close");
+    Choose("Close");
     EXPECT_FALSE([window isVisible]);
 }
 
 TEST_F(MenuBar, helpOpensTheGuide) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
     guidePath = nil;
-    choose("Tallyquill Guide");
+    Choose("Tallyquill Guide");
     ASSERT_EQ(alerts.size(), 1u);
     EXPECT_EQ(alerts[0].find("The guide is missing."), 0u);
     guidePath = [NSString stringWithUTF8String:TALLYQUILL_GUIDE];
-    choose("Tallyquill Guide");
+    Choose("Tallyquill Guide");
     EXPECT_EQ(alerts.size(), 1u);
     NSWindow* guide = nil;
     NSArray* const windows = [NSApp windows];
@@ -288,7 +288,7 @@ TEST_F(MenuBar, helpOpensTheGuide) {
 }
 
 TEST_F(MenuBar, aboutShowsThePanel) {
-    choose("About Tallyquill");
+    Choose("About Tallyquill");
     NSWindow* panel = nil;
     for (NSWindow* const one in [NSApp windows]) {
         if ([[one title] isEqualToString:@"About Tallyquill"]) panel = one;
@@ -301,63 +301,63 @@ TEST_F(MenuBar, aboutShowsThePanel) {
 TEST_F(MenuBar, quitAsksTheProgramToEnd) {
     requests = 0;
     const Replaced end([NSApp class], @selector(terminate:), countRequest);
-    choose("Quit Tallyquill");
+    Choose("Quit Tallyquill");
     EXPECT_EQ(requests, 1);
 }
 
 TEST_F(MenuBar, bringAllToFrontAsksTheProgramForIt) {
     requests = 0;
     const Replaced arrange([NSApp class], @selector(arrangeInFront:), countRequest);
-    choose("Bring All to Front");
+    Choose("Bring All to Front");
     EXPECT_EQ(requests, 1);
 }
 
 TEST_F(MenuBar, minimizeMinimisesTheWindow) {
     requests = 0;
     const Replaced minimise([NSWindow class], @selector(miniaturize:), countRequest);
-    choose("Minimize");
+    Choose("Minimize");
     EXPECT_EQ(requests, 1);
 }
 
 TEST_F(MenuBar, cutTakesWhatOfTheSelectionIsInTheEntry) {
-    type("12345");
-    select(0, 4); // from the prompt on
-    choose("Cut");
-    EXPECT_EQ(text(), "> 345");
-    EXPECT_EQ(pasteboard(), "12");
-    EXPECT_EQ(status(), "ans = 345");
+    Type("12345");
+    Select(0, 4); // from the prompt on
+    Choose("Cut");
+    EXPECT_EQ(Text(), "> 345");
+    EXPECT_EQ(Pasteboard(), "12");
+    EXPECT_EQ(StatusLine(), "ans = 345");
 }
 
 TEST_F(MenuBar, openReplaysTheScriptThatIsChosen) {
     const std::string script = home + "/chosen.script";
-    write(script, "x=6*7\n");
+    Write(script, "x=6*7\n");
     fileOfPanel = [NSString stringWithUTF8String:script.c_str()];
     const Replaced panel([NSOpenPanel class], @selector(runModalForTypes:), pressOpen);
     const Replaced name([NSOpenPanel class], @selector(filename), chosenFile);
-    choose("Open Script...");
-    EXPECT_EQ(text(), "> \nx = 42\n\n> ");
+    Choose("Open Script...");
+    EXPECT_EQ(Text(), "> \nx = 42\n\n> ");
 }
 
 TEST_F(MenuBar, saveWritesTheScriptThatIsNamed) {
-    enter("x=6*7");
+    Enter("x=6*7");
     for (const char* title : {"Save Script...", "Save Script As..."}) {
         const std::string script = home + "/" + title + ".script";
         fileOfPanel = [NSString stringWithUTF8String:script.c_str()];
         const Replaced panel([NSSavePanel class], @selector(runModal), pressSave);
         const Replaced name([NSSavePanel class], @selector(filename), chosenFile);
-        choose(title);
-        EXPECT_NE(read(script).find("\nx=6*7\n"), std::string::npos) << title;
+        Choose(title);
+        EXPECT_NE(Read(script).find("\nx=6*7\n"), std::string::npos) << title;
     }
 }
 
 TEST_F(MenuBar, tutorialReplaysItsScript) {
     const std::string script = home + "/tutorial.script";
-    write(script, "x=6*7\n");
+    Write(script, "x=6*7\n");
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTutorial);
     tutorialPath = [NSString stringWithUTF8String:script.c_str()];
-    type("12");
-    choose("Tutorial");
-    EXPECT_EQ(text(), "> \nx = 42\n\n> "); // what was typed is gone
+    Type("12");
+    Choose("Tutorial");
+    EXPECT_EQ(Text(), "> \nx = 42\n\n> "); // what was typed is gone
 }
 
 } // namespace

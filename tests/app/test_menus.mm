@@ -29,32 +29,32 @@ NSString* titleOfTests(id, SEL) {
 
 class Menus : public ShellTest {
 protected:
-    void clickBase(NSInteger segment, NSUInteger keys = 0) {
+    void ClickBase(NSInteger segment, NSUInteger keys = 0) {
         const Replaced event([NSApplication class], @selector(currentEvent), eventOfTests);
         heldKeys = keys;
-        [outlet("ctrlBase") setSelectedSegment:segment];
-        [console clickedChangeBase:outlet("ctrlBase")];
+        [Outlet("ctrlBase") setSelectedSegment:segment];
+        [console clickedChangeBase:Outlet("ctrlBase")];
     }
 
-    void shiftClickBase(NSInteger segment) { clickBase(segment, NSShiftKeyMask); }
+    void ShiftClickBase(NSInteger segment) { ClickBase(segment, NSShiftKeyMask); }
 
-    void chooseBase(NSInteger tag) {
+    void ChooseBase(NSInteger tag) {
         NSMenuItem* const item = [[[NSMenuItem alloc] init] autorelease];
         [item setTag:tag];
         [console menuChangeBase:item];
     }
 
-    void clickMode(NSInteger segment) {
-        [outlet("ctrlDegMode") setSelectedSegment:segment];
-        [console clickedChangeMode:outlet("ctrlDegMode")];
+    void ClickMode(NSInteger segment) {
+        [Outlet("ctrlDegMode") setSelectedSegment:segment];
+        [console clickedChangeMode:Outlet("ctrlDegMode")];
     }
 
-    NSInteger baseSegment() const { return [outlet("ctrlBase") selectedSegment]; }
-    NSInteger modeSegment() const { return [outlet("ctrlDegMode") selectedSegment]; }
+    NSInteger BaseSegment() const { return [Outlet("ctrlBase") selectedSegment]; }
+    NSInteger ModeSegment() const { return [Outlet("ctrlDegMode") selectedSegment]; }
 
-    std::vector<std::string> titles(const char* popUp) const {
+    std::vector<std::string> Titles(const char* popUp) const {
         std::vector<std::string> found;
-        NSMenu* const menu = [outlet(popUp) menu];
+        NSMenu* const menu = [Outlet(popUp) menu];
         for (NSInteger i = 0; i < [menu numberOfItems]; i++) {
             NSMenuItem* const item = [menu itemAtIndex:i];
             found.push_back([item isSeparatorItem] ? "---" : [[item title] UTF8String]);
@@ -63,22 +63,22 @@ protected:
     }
 
     // The titles of the user's definitions and of what stands around them: predefined functions are many.
-    std::vector<std::string> functionTitles(size_t count) const {
-        std::vector<std::string> all = titles("menuFuncs");
+    std::vector<std::string> FunctionTitles(size_t count) const {
+        std::vector<std::string> all = Titles("menuFuncs");
         all.resize(std::min(count, all.size()));
         return all;
     }
 
-    void chooseVariable(const char* title) {
+    void ChooseVariable(const char* title) {
         const Replaced titleOf([NSPopUpButton class], @selector(titleOfSelectedItem), titleOfTests);
         chosenTitle = title;
-        [console clickedVarsMenu:outlet("menuVars")];
+        [console clickedVarsMenu:Outlet("menuVars")];
     }
 
-    void chooseFunction(const char* title) {
+    void ChooseFunction(const char* title) {
         const Replaced titleOf([NSPopUpButton class], @selector(titleOfSelectedItem), titleOfTests);
         chosenTitle = title;
-        [console clickedFuncMenu:outlet("menuFuncs")];
+        [console clickedFuncMenu:Outlet("menuFuncs")];
     }
 };
 
@@ -86,9 +86,9 @@ protected:
 
 TEST_F(Menus, theStatusLineShowsTheText) {
     [console updateStatusbar:"ans = 12"];
-    EXPECT_EQ(status(), "ans = 12");
+    EXPECT_EQ(StatusLine(), "ans = 12");
     [console updateStatusbar:""];
-    EXPECT_EQ(status(), "");
+    EXPECT_EQ(StatusLine(), "");
 }
 
 // --- Display base ---
@@ -96,119 +96,119 @@ TEST_F(Menus, theStatusLineShowsTheText) {
 TEST_F(Menus, theBaseItemsChangeTheBase) {
     const int bases[] = {2, 10, 16};
     for (const int i : {0, 2, 1}) {
-        chooseBase(i);
-        EXPECT_EQ(setting("dispbase"), bases[i]);
-        EXPECT_EQ(storedSettings().at("dispbase"), bases[i]);
-        EXPECT_EQ(baseSegment(), i);
+        ChooseBase(i);
+        EXPECT_EQ(SettingOf("dispbase"), bases[i]);
+        EXPECT_EQ(StoredSettings().at("dispbase"), bases[i]);
+        EXPECT_EQ(BaseSegment(), i);
     }
 }
 
 TEST_F(Menus, anUnknownTagChangesNothing) {
-    enter("255");
-    const std::string shown = text();
-    for (const NSInteger tag : {3, -1, 16, 1000}) chooseBase(tag);
-    EXPECT_EQ(setting("dispbase"), 10);
-    EXPECT_EQ(baseSegment(), 1);
-    EXPECT_EQ(text(), shown);
+    Enter("255");
+    const std::string shown = Text();
+    for (const NSInteger tag : {3, -1, 16, 1000}) ChooseBase(tag);
+    EXPECT_EQ(SettingOf("dispbase"), 10);
+    EXPECT_EQ(BaseSegment(), 1);
+    EXPECT_EQ(Text(), shown);
 }
 
 TEST_F(Menus, anUnknownSegmentChangesNothing) {
-    enter("255");
-    const std::string shown = text();
+    Enter("255");
+    const std::string shown = Text();
     NSSegmentedControl* const other = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
     [other setSegmentCount:5];
     [other setSelectedSegment:3];
     [console clickedChangeBase:other];
     [console clickedChangeMode:other];
-    EXPECT_EQ(setting("dispbase"), 10);
-    EXPECT_EQ(setting("degmode"), 1);
-    EXPECT_EQ(text(), shown);
+    EXPECT_EQ(SettingOf("dispbase"), 10);
+    EXPECT_EQ(SettingOf("degmode"), 1);
+    EXPECT_EQ(Text(), shown);
 }
 
 TEST_F(Menus, hexAfterAnEntryShowsItsAnswerAgainOnce) {
-    enter("200+55");
-    clickBase(2);
-    EXPECT_EQ(text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
-    EXPECT_EQ(setting("dispbase"), 16);
-    EXPECT_EQ(baseSegment(), 2);
-    clickBase(2);
-    EXPECT_EQ(text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
+    Enter("200+55");
+    ClickBase(2);
+    EXPECT_EQ(Text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
+    EXPECT_EQ(SettingOf("dispbase"), 16);
+    EXPECT_EQ(BaseSegment(), 2);
+    ClickBase(2);
+    EXPECT_EQ(Text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
 }
 
 TEST_F(Menus, aBaseChangeShowsTheResultOfTheEntryAnew) {
-    type("255");
-    EXPECT_EQ(status(), "ans = 255");
-    clickBase(2);
-    EXPECT_EQ(status(), "ans = 0x00FF");
-    EXPECT_EQ(text(), "> 255") << "there is no last answer";
+    Type("255");
+    EXPECT_EQ(StatusLine(), "ans = 255");
+    ClickBase(2);
+    EXPECT_EQ(StatusLine(), "ans = 0x00FF");
+    EXPECT_EQ(Text(), "> 255") << "there is no last answer";
 }
 
 TEST_F(Menus, whatIsBeingTypedStaysBelowTheLine) {
-    enter("5");
-    type("1+2");
-    clickBase(0);
-    EXPECT_EQ(text(), "> 5\nans = 5\n5 = 0b 0101\n\n> 1+2");
-    EXPECT_EQ(entry(), "1+2");
+    Enter("5");
+    Type("1+2");
+    ClickBase(0);
+    EXPECT_EQ(Text(), "> 5\nans = 5\n5 = 0b 0101\n\n> 1+2");
+    EXPECT_EQ(Entry(), "1+2");
 }
 
 TEST_F(Menus, shiftClickShowsTheAnswerAndChangesNothing) {
-    enter("5");
-    shiftClickBase(0);
-    EXPECT_EQ(text(), "> 5\nans = 5\n5 = 0b 0101\n\n> ");
-    EXPECT_EQ(setting("dispbase"), 10);
-    EXPECT_EQ(storedSettings().at("dispbase"), 10);
-    EXPECT_EQ(baseSegment(), 1);
-    enter("6");
-    EXPECT_NE(text().find("> 6\nans = 6\n"), std::string::npos);
+    Enter("5");
+    ShiftClickBase(0);
+    EXPECT_EQ(Text(), "> 5\nans = 5\n5 = 0b 0101\n\n> ");
+    EXPECT_EQ(SettingOf("dispbase"), 10);
+    EXPECT_EQ(StoredSettings().at("dispbase"), 10);
+    EXPECT_EQ(BaseSegment(), 1);
+    Enter("6");
+    EXPECT_NE(Text().find("> 6\nans = 6\n"), std::string::npos);
 }
 
 TEST_F(Menus, onlyShiftMeansOnce) {
-    enter("5");
-    clickBase(2, NSAlternateKeyMask | NSControlKeyMask | NSCommandKeyMask);
-    EXPECT_EQ(setting("dispbase"), 16);
+    Enter("5");
+    ClickBase(2, NSAlternateKeyMask | NSControlKeyMask | NSCommandKeyMask);
+    EXPECT_EQ(SettingOf("dispbase"), 16);
 }
 
 // Without an entry in between, a base other than that of the call before shows the answer; after an entry,
 // one other than the stored base.
 TEST_F(Menus, whetherTheAnswerIsShownAgainFollowsTheCallBefore) {
-    enter("5");
+    Enter("5");
     const std::string head = "> 5\nans = 5\n";
     std::string shown = head;
     const auto expectShown = [&](const char* line) {
         shown += line;
-        EXPECT_EQ(text(), shown + "\n> ");
+        EXPECT_EQ(Text(), shown + "\n> ");
     };
-    shiftClickBase(1); // an entry since, and the stored base
+    ShiftClickBase(1); // an entry since, and the stored base
     expectShown("");
-    shiftClickBase(1); // the same as before
+    ShiftClickBase(1); // the same as before
     expectShown("");
-    shiftClickBase(0);
+    ShiftClickBase(0);
     expectShown("5 = 0b 0101\n");
-    shiftClickBase(0);
+    ShiftClickBase(0);
     expectShown("");
-    shiftClickBase(2);
+    ShiftClickBase(2);
     expectShown("5 = 0x0005\n");
-    clickBase(2); // stored now, but the same as before
+    ClickBase(2); // stored now, but the same as before
     expectShown("");
-    clickBase(1);
+    ClickBase(1);
     expectShown("5 = 5\n");
-    clickBase(2);
+    ClickBase(2);
     expectShown("5 = 0x0005\n");
-    enter("7");
+    Enter("7");
     const std::string seven = "> 7\nans = 0x0007\n";
     shown += "\n" + seven;
     expectShown("");
-    clickBase(2); // an entry since, and the stored base
+    ClickBase(2); // an entry since, and the stored base
     expectShown("");
-    clickBase(1);
+    ClickBase(1);
     expectShown("7 = 7\n");
 }
 
 TEST_F(Menus, withoutAnAnswerNothingIsShownAgain) {
-    enter("sigfigs 5");
-    const std::string shown = text();
-    clickBase(2);
-    EXPECT_EQ(text(), shown);
+    Enter("sigfigs 5");
+    const std::string shown = Text();
+    ClickBase(2);
+    EXPECT_EQ(Text(), shown);
 }
 
 // A statement that was evaluated has answered, whatever its line ended with, and so has disp.
@@ -221,103 +221,103 @@ TEST_F(Menus, whatIsShownAgainWasAnswered) {
                  {"y=6; disp y", "y=6; disp y = 0x0006\n"},
                  {"9; echo text", "9; echo text = 0x0009\n"}};
     for (const auto& one : cases) {
-        startAgain();
-        enter(one.entry);
-        const std::string before = text().substr(0, text().size() - 3); // without "\n> "
-        clickBase(2);
-        EXPECT_EQ(text(), before + one.line + "\n> ");
-        clickBase(1);
+        StartAgain();
+        Enter(one.entry);
+        const std::string before = Text().substr(0, Text().size() - 3); // without "\n> "
+        ClickBase(2);
+        EXPECT_EQ(Text(), before + one.line + "\n> ");
+        ClickBase(1);
     }
 }
 
 TEST_F(Menus, whatDispShowedIsShownAgain) {
-    enter("disp pi");
-    clickBase(2);
-    EXPECT_EQ(text(), "> disp pi\npi = 3.141592654\ndisp pi = 0x0003\n\n> ");
+    Enter("disp pi");
+    ClickBase(2);
+    EXPECT_EQ(Text(), "> disp pi\npi = 3.141592654\ndisp pi = 0x0003\n\n> ");
 }
 
 TEST_F(Menus, anEntryThatOnlyFailsOrConfirmsHasNoAnswerToShow) {
     for (const char* const entry : {"mode deg", "1/0", "disp nothing", "echo 5"}) {
-        startAgain();
-        enter(entry);
-        const std::string before = text();
-        clickBase(2);
-        EXPECT_EQ(text(), before);
-        clickBase(1);
+        StartAgain();
+        Enter(entry);
+        const std::string before = Text();
+        ClickBase(2);
+        EXPECT_EQ(Text(), before);
+        ClickBase(1);
     }
 }
 
 TEST_F(Menus, theAnswerOfADeletedVariableIsShownAgain) {
-    enter("x=40+2");
-    enter("del x");
-    clickBase(2);
-    EXPECT_NE(text().find("\nx=40+2 = 0x002A\n"), std::string::npos) << text();
+    Enter("x=40+2");
+    Enter("del x");
+    ClickBase(2);
+    EXPECT_NE(Text().find("\nx=40+2 = 0x002A\n"), std::string::npos) << Text();
 }
 
 TEST_F(Menus, onAClearedConsoleNothingIsShownAgain) {
-    enter("5");
-    enter("clear");
-    clickBase(2);
-    EXPECT_EQ(text(), "> ");
+    Enter("5");
+    Enter("clear");
+    ClickBase(2);
+    EXPECT_EQ(Text(), "> ");
     EXPECT_EQ(g_linestart, 2);
 }
 
 TEST_F(Menus, theLineIsWrittenInTheCurrentNotation) {
-    setSetting("european", 1);
-    setSetting("separator", 1);
-    setSetting("sigfigs", 8);
-    setSetting("dispbase", 16);
-    enter("12345,5*1");
-    clickBase(1);
-    EXPECT_NE(text().find("\n12345,5*1 = 12.345,5\n\n> "), std::string::npos) << text();
+    SetSetting("european", 1);
+    SetSetting("separator", 1);
+    SetSetting("sigfigs", 8);
+    SetSetting("dispbase", 16);
+    Enter("12345,5*1");
+    ClickBase(1);
+    EXPECT_NE(Text().find("\n12345,5*1 = 12.345,5\n\n> "), std::string::npos) << Text();
 }
 
 TEST_F(Menus, aPreviewDoesNotChangeWhatIsShownAgain) {
-    enter("5");
-    type("99");
-    clickBase(0);
-    EXPECT_NE(text().find("\n5 = 0b 0101\n"), std::string::npos);
+    Enter("5");
+    Type("99");
+    ClickBase(0);
+    EXPECT_NE(Text().find("\n5 = 0b 0101\n"), std::string::npos);
 }
 
 TEST_F(Menus, theStartSetsTheBaseAndShowsNothing) {
-    setSetting("dispbase", 16);
-    startAgain();
-    EXPECT_EQ(text(), "> ");
-    EXPECT_EQ(baseSegment(), 2);
-    EXPECT_EQ(setting("dispbase"), 16);
+    SetSetting("dispbase", 16);
+    StartAgain();
+    EXPECT_EQ(Text(), "> ");
+    EXPECT_EQ(BaseSegment(), 2);
+    EXPECT_EQ(SettingOf("dispbase"), 16);
 }
 
 // --- Angle mode ---
 
 TEST_F(Menus, theModeControlChangesTheMode) {
-    type("sin(90)");
-    EXPECT_EQ(status(), "ans = 1");
-    clickMode(1);
-    EXPECT_EQ(setting("degmode"), 0);
-    EXPECT_EQ(storedSettings().at("degmode"), 0);
-    EXPECT_EQ(modeSegment(), 1);
-    EXPECT_EQ(status().substr(0, 12), "ans = 0.8939"); // sin of 90 radians
-    clickMode(0);
-    EXPECT_EQ(setting("degmode"), 1);
-    EXPECT_EQ(modeSegment(), 0);
-    EXPECT_EQ(status(), "ans = 1");
+    Type("sin(90)");
+    EXPECT_EQ(StatusLine(), "ans = 1");
+    ClickMode(1);
+    EXPECT_EQ(SettingOf("degmode"), 0);
+    EXPECT_EQ(StoredSettings().at("degmode"), 0);
+    EXPECT_EQ(ModeSegment(), 1);
+    EXPECT_EQ(StatusLine().substr(0, 12), "ans = 0.8939"); // sin of 90 radians
+    ClickMode(0);
+    EXPECT_EQ(SettingOf("degmode"), 1);
+    EXPECT_EQ(ModeSegment(), 0);
+    EXPECT_EQ(StatusLine(), "ans = 1");
 }
 
 TEST_F(Menus, anEntryMovesTheControls) {
-    enter("mode rad");
-    EXPECT_EQ(modeSegment(), 1);
-    enter("mode deg");
-    EXPECT_EQ(modeSegment(), 0);
-    enter("display hex");
-    EXPECT_EQ(baseSegment(), 2);
+    Enter("mode rad");
+    EXPECT_EQ(ModeSegment(), 1);
+    Enter("mode deg");
+    EXPECT_EQ(ModeSegment(), 0);
+    Enter("display hex");
+    EXPECT_EQ(BaseSegment(), 2);
 }
 
 // --- Variables ---
 
 TEST_F(Menus, theVariablesAreListedWithTheirValues) {
-    enter("width=7");
-    enter("height=1/3");
-    const std::vector<std::string> found = titles("menuVars");
+    Enter("width=7");
+    Enter("height=1/3");
+    const std::vector<std::string> found = Titles("menuVars");
     ASSERT_GE(found.size(), 3u);
     EXPECT_EQ(found[0], "Vars");
     std::vector<std::string> expected = {"Vars"};
@@ -332,52 +332,52 @@ TEST_F(Menus, theVariablesAreListedWithTheirValues) {
 }
 
 TEST_F(Menus, theVariablesFollowTheDecimalMark) {
-    setSetting("european", 1);
-    enter("half=0,5");
-    const std::vector<std::string> found = titles("menuVars");
+    SetSetting("european", 1);
+    Enter("half=0,5");
+    const std::vector<std::string> found = Titles("menuVars");
     EXPECT_NE(std::find(found.begin(), found.end(), "half\t0,5"), found.end());
 }
 
 TEST_F(Menus, choosingAVariableInsertsItsName) {
-    enter("width=7");
-    type("2*+1");
-    selectEntry(2);
-    chooseVariable("width\t7");
-    EXPECT_EQ(entry(), "2*width+1");
-    EXPECT_EQ(status(), "ans = 15") << "the live answer follows";
-    selectEntry(0, 7);
-    chooseVariable("width\t7");
-    EXPECT_EQ(entry(), "width+1");
+    Enter("width=7");
+    Type("2*+1");
+    SelectEntry(2);
+    ChooseVariable("width\t7");
+    EXPECT_EQ(Entry(), "2*width+1");
+    EXPECT_EQ(StatusLine(), "ans = 15") << "the live answer follows";
+    SelectEntry(0, 7);
+    ChooseVariable("width\t7");
+    EXPECT_EQ(Entry(), "width+1");
 }
 
 TEST_F(Menus, inTheTranscriptTheCursorGoesToTheEndFirst) {
-    enter("width=7");
-    type("3*");
-    select(2, 3);
-    chooseVariable("width\t7");
-    EXPECT_EQ(entry(), "3*width");
-    EXPECT_EQ(transcript().find("> width=7\n"), 0u);
-    select(0);
-    chooseFunction("f(x,y)=x+y");
-    EXPECT_EQ(entry(), "3*widthf(x,y)");
+    Enter("width=7");
+    Type("3*");
+    Select(2, 3);
+    ChooseVariable("width\t7");
+    EXPECT_EQ(Entry(), "3*width");
+    EXPECT_EQ(Transcript().find("> width=7\n"), 0u);
+    Select(0);
+    ChooseFunction("f(x,y)=x+y");
+    EXPECT_EQ(Entry(), "3*widthf(x,y)");
 }
 
 TEST_F(Menus, whatWasChosenCanBeUndone) {
-    enter("width=7");
-    chooseVariable("width\t7");
-    EXPECT_EQ(entry(), "width");
-    type("+");
+    Enter("width=7");
+    ChooseVariable("width\t7");
+    EXPECT_EQ(Entry(), "width");
+    Type("+");
     [static_cast<id>(console) undo:nil];
     [static_cast<id>(console) undo:nil];
-    EXPECT_EQ(entry(), "");
-    EXPECT_EQ(transcript().substr(0, 8), "> width=");
+    EXPECT_EQ(Entry(), "");
+    EXPECT_EQ(Transcript().substr(0, 8), "> width=");
 }
 
 // --- Functions ---
 
 TEST_F(Menus, theFunctionsAreListedInTheReverseOrder) {
-    enter("f(x,y)=x+y");
-    enter("g(x)=2*x");
+    Enter("f(x,y)=x+y");
+    Enter("g(x)=2*x");
     std::vector<std::string> expected;
     bool isSeparated = false;
     static char line[TEXT_SIZE];
@@ -389,13 +389,13 @@ TEST_F(Menus, theFunctionsAreListedInTheReverseOrder) {
         expected.insert(expected.begin(), line);
     }
     expected.insert(expected.begin(), "Func");
-    EXPECT_EQ(titles("menuFuncs"), expected);
-    const std::vector<std::string> top = functionTitles(3);
+    EXPECT_EQ(Titles("menuFuncs"), expected);
+    const std::vector<std::string> top = FunctionTitles(3);
     EXPECT_EQ(top, std::vector<std::string>({"Func", "g(x)=2*x", "f(x,y)=x+y"}));
 }
 
 TEST_F(Menus, theSeparatorStandsBehindTheDefinedFunctions) {
-    const std::vector<std::string> found = titles("menuFuncs");
+    const std::vector<std::string> found = Titles("menuFuncs");
     EXPECT_EQ(found[0], "Func");
     EXPECT_EQ(std::count(found.begin(), found.end(), "---"), 1);
     const auto separator = std::find(found.begin(), found.end(), "---");
@@ -406,73 +406,73 @@ TEST_F(Menus, theSeparatorStandsBehindTheDefinedFunctions) {
 }
 
 TEST_F(Menus, definitionsOf33CharactersShowAsTheirHeads) {
-    enter("f(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+x"); // 32 characters
-    enter("g(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+12");
-    const std::vector<std::string> top = functionTitles(3);
+    Enter("f(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+x"); // 32 characters
+    Enter("g(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+12");
+    const std::vector<std::string> top = FunctionTitles(3);
     EXPECT_EQ(top, std::vector<std::string>({"Func", "g(x)= ...", "f(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+x"}));
 }
 
 TEST_F(Menus, choosingAFunctionSelectsItsFirstParameter) {
-    enter("f(x,y)=x+y");
-    chooseFunction("f(x,y)=x+y");
-    EXPECT_EQ(entry(), "f(x,y)");
-    EXPECT_EQ(selected(), "x");
-    EXPECT_EQ(cursorInEntry(), 2u);
-    type("5");
-    EXPECT_EQ(entry(), "f(5,y)");
+    Enter("f(x,y)=x+y");
+    ChooseFunction("f(x,y)=x+y");
+    EXPECT_EQ(Entry(), "f(x,y)");
+    EXPECT_EQ(Selected(), "x");
+    EXPECT_EQ(CursorInEntry(), 2u);
+    Type("5");
+    EXPECT_EQ(Entry(), "f(5,y)");
 }
 
 TEST_F(Menus, aSingleParameterIsSelectedToo) {
-    chooseFunction("sqrt(value)");
-    EXPECT_EQ(entry(), "sqrt(value)");
-    EXPECT_EQ(selected(), "value");
-    press(KEY_ESCAPE);
-    chooseFunction("longer(a)= ...");
-    EXPECT_EQ(entry(), "longer(a)");
-    EXPECT_EQ(selected(), "a");
+    ChooseFunction("sqrt(value)");
+    EXPECT_EQ(Entry(), "sqrt(value)");
+    EXPECT_EQ(Selected(), "value");
+    Press(KEY_ESCAPE);
+    ChooseFunction("longer(a)= ...");
+    EXPECT_EQ(Entry(), "longer(a)");
+    EXPECT_EQ(Selected(), "a");
 }
 
 // A quirk that is kept: right where the call begins the entry, and beside the parameter elsewhere.
 TEST_F(Menus, theSelectionIsCountedFromTheStartOfTheEntry) {
-    type("12345+");
-    chooseFunction("f(x,y)=x+y");
-    EXPECT_EQ(entry(), "12345+f(x,y)");
-    EXPECT_EQ(cursorInEntry(), 2u);
-    EXPECT_EQ(selected(), "3");
+    Type("12345+");
+    ChooseFunction("f(x,y)=x+y");
+    EXPECT_EQ(Entry(), "12345+f(x,y)");
+    EXPECT_EQ(CursorInEntry(), 2u);
+    EXPECT_EQ(Selected(), "3");
 }
 
 TEST_F(Menus, choosingReplacesTheSelection) {
-    type("12345");
-    selectEntry(0, 5);
-    chooseFunction("f(x,y)=x+y");
-    EXPECT_EQ(entry(), "f(x,y)");
-    EXPECT_EQ(selected(), "x");
+    Type("12345");
+    SelectEntry(0, 5);
+    ChooseFunction("f(x,y)=x+y");
+    EXPECT_EQ(Entry(), "f(x,y)");
+    EXPECT_EQ(Selected(), "x");
 }
 
 TEST_F(Menus, choosingNothingChangesNothing) {
-    type("12");
-    chooseVariable(nullptr);
-    chooseFunction(nullptr);
-    EXPECT_EQ(text(), "> 12");
+    Type("12");
+    ChooseVariable(nullptr);
+    ChooseFunction(nullptr);
+    EXPECT_EQ(Text(), "> 12");
 }
 
 TEST_F(Menus, afterAControlTheKeysGoToTheConsole) {
     for (int i = 0; i < 4; i++) {
         [window makeFirstResponder:nil];
-        if (i == 0) clickBase(2);
-        if (i == 1) clickMode(1);
-        if (i == 2) chooseVariable("width\t7");
-        if (i == 3) chooseFunction("f(x)=x");
+        if (i == 0) ClickBase(2);
+        if (i == 1) ClickMode(1);
+        if (i == 2) ChooseVariable("width\t7");
+        if (i == 3) ChooseFunction("f(x)=x");
         EXPECT_EQ([window firstResponder], console) << i;
     }
 }
 
 TEST_F(Menus, aClickSelectsTheSegmentUnderTheMouse) {
-    NSSegmentedControl* const control = outlet("ctrlBase");
+    NSSegmentedControl* const control = Outlet("ctrlBase");
     const auto click = [&](CGFloat x, CGFloat y) {
         const NSPoint place = NSMakePoint(x, y);
         [[control cell] stopTracking:place at:place inView:control mouseIsUp:YES];
-        return baseSegment();
+        return BaseSegment();
     };
     EXPECT_EQ(click(10, 10), 0);
     EXPECT_EQ(click(60, 10), 1);
@@ -482,13 +482,13 @@ TEST_F(Menus, aClickSelectsTheSegmentUnderTheMouse) {
 
 // The lists are those of the engine after every entry.
 TEST_F(Menus, anEntryFillsTheListsAnew) {
-    enter("width=7");
-    enter("f(x)=x");
-    enter("del width");
-    enter("del f");
-    const std::vector<std::string> variables = titles("menuVars");
+    Enter("width=7");
+    Enter("f(x)=x");
+    Enter("del width");
+    Enter("del f");
+    const std::vector<std::string> variables = Titles("menuVars");
     EXPECT_EQ(std::find(variables.begin(), variables.end(), "width\t7"), variables.end());
-    const std::vector<std::string> functions = titles("menuFuncs");
+    const std::vector<std::string> functions = Titles("menuFuncs");
     EXPECT_EQ(std::find(functions.begin(), functions.end(), "f(x)=x"), functions.end());
 }
 
@@ -496,27 +496,27 @@ TEST_F(Menus, anEntryFillsTheListsAnew) {
 
 // A person may have thousands of names, and the lists are refreshed after every entry.
 TEST_F(Menus, itemsThatStayTheSameAreLeftAlone) {
-    enter("a=1");
-    enter("b=2");
-    NSMenu* const vars = [outlet("menuVars") menu];
+    Enter("a=1");
+    Enter("b=2");
+    NSMenu* const vars = [Outlet("menuVars") menu];
     NSMenuItem* const a = [vars itemAtIndex:3];
-    enter("b=3");
-    EXPECT_EQ(titles("menuVars"),
+    Enter("b=3");
+    EXPECT_EQ(Titles("menuVars"),
               (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "a\t1", "b\t3"}));
     EXPECT_EQ([vars itemAtIndex:3], a);
-    enter("del a");
-    EXPECT_EQ(titles("menuVars"), (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "b\t3"}));
+    Enter("del a");
+    EXPECT_EQ(Titles("menuVars"), (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "b\t3"}));
 }
 
 TEST_F(Menus, withADecimalCommaACallIsPutInAsItHasToBeTyped) {
-    enter("g(a,b)=a+b");
-    enter("european on");
+    Enter("g(a,b)=a+b");
+    Enter("european on");
     chosenTitle = "g(a,b)=a+b";
     const Replaced title([NSPopUpButton class], @selector(titleOfSelectedItem), titleOfTests);
-    [console clickedFuncMenu:outlet("menuFuncs")];
-    EXPECT_EQ(entry(), "g(a.b)");
-    EXPECT_EQ(selected(), "a");
-    press(KEY_ESCAPE);
-    enter("g(1.2,5)");
-    EXPECT_NE(text().find("ans = 3,5\n"), std::string::npos);
+    [console clickedFuncMenu:Outlet("menuFuncs")];
+    EXPECT_EQ(Entry(), "g(a.b)");
+    EXPECT_EQ(Selected(), "a");
+    Press(KEY_ESCAPE);
+    Enter("g(1.2,5)");
+    EXPECT_NE(Text().find("ans = 3,5\n"), std::string::npos);
 }

@@ -10,49 +10,49 @@ namespace {
 
 const std::string ELLIPSIS = "\u2026";
 
-class StatusLine : public ConsoleTest {
+class NumberInStatusLine : public ConsoleTest {
 protected:
-    NumberField* field() const {
+    NumberField* Field() const {
         Ivar const variable = class_getInstanceVariable([MainConsole class], "answerStatus");
         return object_getIvar(console, variable);
     }
 
-    std::string seen() const { return [[field() shownText] UTF8String]; }
+    std::string Seen() const { return [[Field() shownText] UTF8String]; }
 
-    CGFloat widthOf(const std::string& text) const {
-        NSDictionary* const font = [NSDictionary dictionaryWithObject:[field() font]
+    CGFloat WidthOf(const std::string& text) const {
+        NSDictionary* const font = [NSDictionary dictionaryWithObject:[Field() font]
                                                                forKey:NSFontAttributeName];
         return [[NSString stringWithUTF8String:text.c_str()] sizeWithAttributes:font].width;
     }
 
-    static bool endsWith(const std::string& text, const std::string& end) {
+    static bool EndsWith(const std::string& text, const std::string& end) {
         return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
     }
 
-    void resize(CGFloat width) {
+    void Resize(CGFloat width) {
         NSRect frame = [window frame];
         frame.size.width = width;
         [window setFrame:frame display:YES];
     }
 };
 
-TEST_F(StatusLine, showsAllOfWhatFits) {
-    type("2+3");
-    EXPECT_EQ(seen(), "ans = 5");
+TEST_F(NumberInStatusLine, showsAllOfWhatFits) {
+    Type("2+3");
+    EXPECT_EQ(Seen(), "ans = 5");
 }
 
-TEST_F(StatusLine, marksWhereDigitsAreLeftOut) {
-    enter("sigfigs 100");
-    type("1/3");
-    EXPECT_EQ(status(), "ans = 0." + std::string(100, '3'));
-    const std::string cut = seen();
-    EXPECT_TRUE(endsWith(cut, "3" + ELLIPSIS)) << cut;
-    EXPECT_EQ(status().find(cut.substr(0, cut.size() - ELLIPSIS.size())), 0U);
-    EXPECT_LE(widthOf(cut), [field() bounds].size.width);
-    EXPECT_GT(widthOf(cut), [field() bounds].size.width * 0.8);
+TEST_F(NumberInStatusLine, marksWhereDigitsAreLeftOut) {
+    Enter("sigfigs 100");
+    Type("1/3");
+    EXPECT_EQ(StatusLine(), "ans = 0." + std::string(100, '3'));
+    const std::string cut = Seen();
+    EXPECT_TRUE(EndsWith(cut, "3" + ELLIPSIS)) << cut;
+    EXPECT_EQ(StatusLine().find(cut.substr(0, cut.size() - ELLIPSIS.size())), 0U);
+    EXPECT_LE(WidthOf(cut), [Field() bounds].size.width);
+    EXPECT_GT(WidthOf(cut), [Field() bounds].size.width * 0.8);
 }
 
-TEST_F(StatusLine, keepsTheScaleOfANumber) {
+TEST_F(NumberInStatusLine, keepsTheScaleOfANumber) {
     const struct {
         const char* mode;
         const char* entry;
@@ -62,31 +62,31 @@ TEST_F(StatusLine, keepsTheScaleOfANumber) {
                  {"scimode prefix", "10^5/3", "3\u2026k"},
                  {"european on", "10^400/3", "3\u2026e399"},
                  {"display hex", "0x123456789^40-1", "\u2026"}};
-    enter("sigfigs 100");
+    Enter("sigfigs 100");
     for (const auto& one : cases) {
-        enter(one.mode);
-        type(one.entry);
-        EXPECT_TRUE(endsWith(seen(), one.end)) << seen();
-        EXPECT_LE(widthOf(seen()), [field() bounds].size.width);
+        Enter(one.mode);
+        Type(one.entry);
+        EXPECT_TRUE(EndsWith(Seen(), one.end)) << Seen();
+        EXPECT_LE(WidthOf(Seen()), [Field() bounds].size.width);
         [console clearPrompt];
     }
 }
 
-TEST_F(StatusLine, followsTheSizeOfTheWindow) {
-    enter("sigfigs 80");
-    type("1/3");
-    resize(450);
-    const std::string whole = seen();
-    resize(400);
-    const size_t narrow = seen().size();
-    resize(1200);
-    EXPECT_EQ(seen(), status());
-    EXPECT_LT(narrow, status().size());
-    resize(450);
-    EXPECT_EQ(seen(), whole);
+TEST_F(NumberInStatusLine, followsTheSizeOfTheWindow) {
+    Enter("sigfigs 80");
+    Type("1/3");
+    Resize(450);
+    const std::string whole = Seen();
+    Resize(400);
+    const size_t narrow = Seen().size();
+    Resize(1200);
+    EXPECT_EQ(Seen(), StatusLine());
+    EXPECT_LT(narrow, StatusLine().size());
+    Resize(450);
+    EXPECT_EQ(Seen(), whole);
 }
 
-TEST_F(StatusLine, keepsTheScaleWhereNothingElseFits) {
+TEST_F(NumberInStatusLine, keepsTheScaleWhereNothingElseFits) {
     NumberField* const narrow = [[[NumberField alloc] initWithFrame:NSMakeRect(0, 0, 12, 20)] autorelease];
     [narrow setStringValue:@"ans = 1.234e56"];
     EXPECT_EQ(std::string([[narrow shownText] UTF8String]), ELLIPSIS + "e56");

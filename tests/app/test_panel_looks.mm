@@ -11,7 +11,7 @@ namespace {
 class PanelLooks : public PanelTest {
 protected:
     // The text beside the slider.
-    std::string percentage() const {
+    std::string Percentage() const {
         NSArray* const views = [[panel contentView] subviews];
         const NSRect slider = [controls.prefSlider frame];
         for (NSUInteger i = 0; i < [views count]; i++) {
@@ -26,27 +26,27 @@ protected:
 };
 
 TEST_F(PanelLooks, TheTransparencyIsShownInPercent) {
-    set("trans", 60);
-    open();
-    EXPECT_EQ(percentage(), "60 %");
+    Set("trans", 60);
+    Open();
+    EXPECT_EQ(Percentage(), "60 %");
 }
 
 TEST_F(PanelLooks, ThePercentageFollowsTheSlider) {
-    open();
+    Open();
     [controls.prefSlider setDoubleValue:12.9];
-    EXPECT_EQ(percentage(), "12 %");                // as it is stored
+    EXPECT_EQ(Percentage(), "12 %");                // as it is stored
     [[controls.prefSlider cell] setDoubleValue:70]; // as the mouse and the arrows do
     [controls.prefSlider sendAction:[controls.prefSlider action] to:[controls.prefSlider target]];
-    EXPECT_EQ(percentage(), "70 %");
-    EXPECT_EQ(setting("trans"), 70);
+    EXPECT_EQ(Percentage(), "70 %");
+    EXPECT_EQ(SettingOf("trans"), 70);
     [controls.prefResetColors performClick:nil];
-    EXPECT_EQ(percentage(), "25 %");
+    EXPECT_EQ(Percentage(), "25 %");
 }
 
 TEST_F(PanelLooks, ALongSampleEndsWithinThePanel) {
-    set("scimode", 5);
-    set("sigfigs", 100);
-    open();
+    Set("scimode", 5);
+    Set("sigfigs", 100);
+    Open();
     const std::string seen = [[static_cast<NumberField*>(controls.prefNumPreview) shownText] UTF8String];
     EXPECT_EQ(seen.substr(0, 10), "12345.6000");
     EXPECT_NE(seen.find("\u2026"), std::string::npos);

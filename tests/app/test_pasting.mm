@@ -10,12 +10,12 @@ class Pasting : public ConsoleTest {
 protected:
     void SetUp() override {
         ConsoleTest::SetUp();
-        setPasteboard("what was there");
+        SetPasteboard("what was there");
         sheets.clear(); // that of the first start
     }
 
-    void pasteText(const char* string) {
-        setPasteboard(string);
+    void PasteText(const char* string) {
+        SetPasteboard(string);
         [console paste:nil];
     }
 
@@ -25,104 +25,104 @@ protected:
 // --- Cut ---
 
 TEST_F(Pasting, cutAcrossThePromptTakesWhatIsInTheEntry) {
-    enter("1+2");
-    type("45");
-    const std::string before = transcript();
-    select(static_cast<NSUInteger>(g_linestart) - 4, 5);
+    Enter("1+2");
+    Type("45");
+    const std::string before = Transcript();
+    Select(static_cast<NSUInteger>(g_linestart) - 4, 5);
     [console cut:nil];
-    EXPECT_EQ("4", pasteboard());
-    EXPECT_EQ(before + "5", text());
-    EXPECT_EQ("ans = 5", status());
+    EXPECT_EQ("4", Pasteboard());
+    EXPECT_EQ(before + "5", Text());
+    EXPECT_EQ("ans = 5", StatusLine());
 }
 
 TEST_F(Pasting, cutInTheTranscriptCopies) {
-    enter("1+2");
-    type("45");
-    const std::string before = text();
-    select(2, 3);
+    Enter("1+2");
+    Type("45");
+    const std::string before = Text();
+    Select(2, 3);
     [console cut:nil];
-    EXPECT_EQ("1+2", pasteboard());
-    EXPECT_EQ(before, text());
-    select(2);
-    setPasteboard("kept");
+    EXPECT_EQ("1+2", Pasteboard());
+    EXPECT_EQ(before, Text());
+    Select(2);
+    SetPasteboard("kept");
     [console cut:nil];
-    EXPECT_EQ("kept", pasteboard());
+    EXPECT_EQ("kept", Pasteboard());
 }
 
 // Users know that Cut leaves the line they type alone.
 TEST_F(Pasting, cutInsideTheEntryDoesNothing) {
-    type("45");
-    selectEntry(0, 1);
+    Type("45");
+    SelectEntry(0, 1);
     [console updateStatusbar:""];
     [console cut:nil];
-    EXPECT_EQ("what was there", pasteboard());
-    EXPECT_EQ("45", entry());
-    EXPECT_EQ("4", selected());
-    EXPECT_EQ("ans = 45", status());
+    EXPECT_EQ("what was there", Pasteboard());
+    EXPECT_EQ("45", Entry());
+    EXPECT_EQ("4", Selected());
+    EXPECT_EQ("ans = 45", StatusLine());
 }
 
 // --- Paste ---
 
 TEST_F(Pasting, pasteInsertsAtTheCursorAndPreviews) {
-    type("45");
-    selectEntry(1);
-    pasteText("+1*");
-    EXPECT_EQ("4+1*5", entry());
-    EXPECT_EQ("ans = 9", status());
-    EXPECT_EQ(4U, cursorInEntry());
-    selectEntry(0, 4);
-    pasteText("7");
-    EXPECT_EQ("75", entry());
+    Type("45");
+    SelectEntry(1);
+    PasteText("+1*");
+    EXPECT_EQ("4+1*5", Entry());
+    EXPECT_EQ("ans = 9", StatusLine());
+    EXPECT_EQ(4U, CursorInEntry());
+    SelectEntry(0, 4);
+    PasteText("7");
+    EXPECT_EQ("75", Entry());
 }
 
 TEST_F(Pasting, pasteInTheTranscriptGoesToTheEndOfTheEntry) {
-    enter("1+2");
-    type("45");
-    const std::string before = text();
-    select(0);
-    pasteText("6");
-    EXPECT_EQ(before + "6", text());
-    select(2, 3);
-    pasteText("7");
-    EXPECT_EQ(before + "67", text());
+    Enter("1+2");
+    Type("45");
+    const std::string before = Text();
+    Select(0);
+    PasteText("6");
+    EXPECT_EQ(before + "6", Text());
+    Select(2, 3);
+    PasteText("7");
+    EXPECT_EQ(before + "67", Text());
     [console selectAll:nil];
-    pasteText("8");
-    EXPECT_EQ(before + "678", text());
+    PasteText("8");
+    EXPECT_EQ(before + "678", Text());
 }
 
 TEST_F(Pasting, pastedLinesBecomeStatementsOfOneEntry) {
-    pasteText("1+2\n3*4\r\n5\n");
-    EXPECT_EQ("1+2; 3*4; 5", entry());
-    EXPECT_EQ("ans = 5", status());
+    PasteText("1+2\n3*4\r\n5\n");
+    EXPECT_EQ("1+2; 3*4; 5", Entry());
+    EXPECT_EQ("ans = 5", StatusLine());
     [console clearPrompt];
-    pasteText("7\n");
-    EXPECT_EQ("7", entry());
+    PasteText("7\n");
+    EXPECT_EQ("7", Entry());
     [console clearPrompt];
-    pasteText("\n\n 7 \n\n\t8\n");
-    EXPECT_EQ("7; 8", entry());
+    PasteText("\n\n 7 \n\n\t8\n");
+    EXPECT_EQ("7; 8", Entry());
     [console clearPrompt];
-    pasteText("7\u2028"
+    PasteText("7\u2028"
               "8\u0085"
               "9");
-    EXPECT_EQ("7; 8; 9", entry());
+    EXPECT_EQ("7; 8; 9", Entry());
     [console clearPrompt];
-    pasteText("\n");
-    EXPECT_EQ("", entry());
+    PasteText("\n");
+    EXPECT_EQ("", Entry());
 }
 
 TEST_F(Pasting, pastedBlanksStay) {
-    pasteText(" 1\t+ 2 ");
-    EXPECT_EQ(" 1\t+ 2 ", entry());
-    EXPECT_EQ("ans = 3", status());
+    PasteText(" 1\t+ 2 ");
+    EXPECT_EQ(" 1\t+ 2 ", Entry());
+    EXPECT_EQ("ans = 3", StatusLine());
 }
 
 TEST_F(Pasting, pastingNoTextChangesNothing) {
-    type("45");
+    Type("45");
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:[NSArray arrayWithObject:NSColorPboardType] owner:nil];
     [[NSColor redColor] writeToPasteboard:board];
     [console paste:nil];
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ("45", Entry());
 }
 
 TEST_F(Pasting, stylesAreNotPasted) {
@@ -135,10 +135,10 @@ TEST_F(Pasting, stylesAreNotPasted) {
     [board declareTypes:types owner:nil];
     [board setData:[styled RTFFromRange:NSMakeRange(0, 1) documentAttributes:nil] forType:NSRTFPboardType];
     [board setString:@"7" forType:NSStringPboardType];
-    type("4");
+    Type("4");
     NSFont* const font = [[console textStorage] attribute:NSFontAttributeName atIndex:0 effectiveRange:NULL];
     [console paste:nil];
-    EXPECT_EQ("47", entry());
+    EXPECT_EQ("47", Entry());
     NSFont* const pasted = [[console textStorage] attribute:NSFontAttributeName
                                                     atIndex:3
                                              effectiveRange:NULL];
@@ -146,48 +146,48 @@ TEST_F(Pasting, stylesAreNotPasted) {
 }
 
 TEST_F(Pasting, pastedTextThatLatin1HasNotIsKeptAndReportedOnReturn) {
-    pasteText("3\u20ac\u4e2d");
-    EXPECT_EQ("3\u20ac\u4e2d", entry());
-    EXPECT_EQ("", status());
-    press(KEY_RETURN);
-    EXPECT_EQ("> 3\u20ac\u4e2d\n** Invalid character/encoding used. **\n\n> ", text());
+    PasteText("3\u20ac\u4e2d");
+    EXPECT_EQ("3\u20ac\u4e2d", Entry());
+    EXPECT_EQ("", StatusLine());
+    Press(KEY_RETURN);
+    EXPECT_EQ("> 3\u20ac\u4e2d\n** Invalid character/encoding used. **\n\n> ", Text());
 }
 
 TEST_F(Pasting, whatFitsIntoAnEntryIsPasted) {
-    pasteText(std::string(9999, '1').c_str());
-    EXPECT_EQ(9999U, entry().size());
+    PasteText(std::string(9999, '1').c_str());
+    EXPECT_EQ(9999U, Entry().size());
     [console clearPrompt];
-    type("2");
-    pasteText(std::string(9998, '1').c_str());
-    EXPECT_EQ(9999U, entry().size());
-    selectEntry(0, 9999);
-    pasteText(std::string(9999, '3').c_str());
-    EXPECT_EQ(std::string(9999, '3'), entry());
+    Type("2");
+    PasteText(std::string(9998, '1').c_str());
+    EXPECT_EQ(9999U, Entry().size());
+    SelectEntry(0, 9999);
+    PasteText(std::string(9999, '3').c_str());
+    EXPECT_EQ(std::string(9999, '3'), Entry());
 }
 
 TEST_F(Pasting, moreIsRefusedAtOnceAndNothingIsLost) {
-    type("45");
+    Type("45");
     for (const size_t size : {size_t(9998), size_t(1) << 20}) {
-        pasteText(std::string(size, '1').c_str());
-        EXPECT_EQ("45", entry());
-        EXPECT_EQ("The text is too long for an entry.", status());
-        EXPECT_EQ(size, pasteboard().size());
+        PasteText(std::string(size, '1').c_str());
+        EXPECT_EQ("45", Entry());
+        EXPECT_EQ("The text is too long for an entry.", StatusLine());
+        EXPECT_EQ(size, Pasteboard().size());
         EXPECT_FALSE([console readSelectionFromPasteboard:[NSPasteboard generalPasteboard]]);
     }
-    type("6");
-    EXPECT_EQ("ans = 456", status());
+    Type("6");
+    EXPECT_EQ("ans = 456", StatusLine());
 }
 
 // Between two statements stand two characters, where a line end was one.
 TEST_F(Pasting, theLengthCountsAsOneLine) {
     std::string lines;
     for (int i = 0; i < 4000; i++) lines += "1\n";
-    pasteText(lines.c_str());
-    EXPECT_TRUE(entry().empty());
-    EXPECT_EQ("The text is too long for an entry.", status());
+    PasteText(lines.c_str());
+    EXPECT_TRUE(Entry().empty());
+    EXPECT_EQ("The text is too long for an entry.", StatusLine());
     for (int i = 0; i < 500000; i++) lines += "1\n";
-    pasteText(lines.c_str());
-    EXPECT_TRUE(entry().empty());
+    PasteText(lines.c_str());
+    EXPECT_TRUE(Entry().empty());
 }
 
 NSString* noText(id, SEL, NSString*) {
@@ -195,45 +195,45 @@ NSString* noText(id, SEL, NSString*) {
 }
 
 TEST_F(Pasting, aTextThatItsOwnerDoesNotHandOutIsSaid) {
-    type("45");
-    setPasteboard("6*7");
+    Type("45");
+    SetPasteboard("6*7");
     {
         const Replaced gone([[NSPasteboard generalPasteboard] class], @selector(stringForType:), noText);
         EXPECT_FALSE([console readSelectionFromPasteboard:[NSPasteboard generalPasteboard]
                                                      type:NSStringPboardType]);
-        EXPECT_EQ("The text could not be fetched.", status());
+        EXPECT_EQ("The text could not be fetched.", StatusLine());
         [console updateStatusbar:""];
         [console paste:nil];
-        EXPECT_EQ("The text could not be fetched.", status());
-        EXPECT_EQ("45", entry());
+        EXPECT_EQ("The text could not be fetched.", StatusLine());
+        EXPECT_EQ("45", Entry());
     }
     // A pasteboard without a text is nothing to speak of.
     [console updateStatusbar:""];
     [[NSPasteboard generalPasteboard] declareTypes:[NSArray arrayWithObject:NSColorPboardType] owner:nil];
     [console paste:nil];
-    EXPECT_EQ("", status());
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ("", StatusLine());
+    EXPECT_EQ("45", Entry());
 }
 
 // --- Other ways in ---
 
 TEST_F(Pasting, textFromServicesComesInAsPastedTextDoes) {
-    enter("1+2");
-    const std::string before = text();
-    setPasteboard("4\n5");
-    select(0, 3);
+    Enter("1+2");
+    const std::string before = Text();
+    SetPasteboard("4\n5");
+    Select(0, 3);
     EXPECT_TRUE([console readSelectionFromPasteboard:[NSPasteboard generalPasteboard]]);
-    EXPECT_EQ(before + "4; 5", text());
-    EXPECT_EQ("ans = 5", status());
+    EXPECT_EQ(before + "4; 5", Text());
+    EXPECT_EQ("ans = 5", StatusLine());
 }
 
 TEST_F(Pasting, pasteboardTextComesInPlainByEveryCommand) {
-    setPasteboard("4\n5");
+    SetPasteboard("4\n5");
     [console pasteAsPlainText:nil];
-    EXPECT_EQ("4; 5", entry());
+    EXPECT_EQ("4; 5", Entry());
     [console clearPrompt];
     [console pasteAsRichText:nil];
-    EXPECT_EQ("4; 5", entry());
+    EXPECT_EQ("4; 5", Entry());
 }
 
 } // namespace
@@ -272,34 +272,34 @@ namespace {
 
 // Drops what is on the pasteboard at each line of the view, from there or from elsewhere.
 TEST_F(Pasting, dropsNeverChangeTheTranscript) {
-    enter("1+2");
-    type("45");
-    const std::string before = transcript();
+    Enter("1+2");
+    Type("45");
+    const std::string before = Transcript();
     TestDrag* const drag = [[[TestDrag alloc] init] autorelease];
     drag->window = window;
     const NSRect visible = [console convertRect:[console visibleRect] toView:nil];
     for (const bool isOwn : {false, true}) {
-        setPasteboard("7\n8");
+        SetPasteboard("7\n8");
         drag->source = isOwn ? console : nil;
         for (CGFloat y = NSMinY(visible) + 1; y < NSMaxY(visible); y += 10) {
             drag->place = NSMakePoint(NSMinX(visible) + 20, y);
-            if (isOwn) select(2, 3);
+            if (isOwn) Select(2, 3);
             [console draggingEntered:static_cast<id>(drag)];
             [console draggingUpdated:static_cast<id>(drag)];
             [console prepareForDragOperation:static_cast<id>(drag)];
             [console performDragOperation:static_cast<id>(drag)];
             [console concludeDragOperation:static_cast<id>(drag)];
-            ASSERT_EQ(before, transcript());
-            ASSERT_EQ(std::string::npos, entry().find('\n'));
+            ASSERT_EQ(before, Transcript());
+            ASSERT_EQ(std::string::npos, Entry().find('\n'));
         }
     }
-    EXPECT_NE(std::string::npos, entry().find("7; 8"));
+    EXPECT_NE(std::string::npos, Entry().find("7; 8"));
 }
 
 TEST_F(Pasting, textDraggedInsideTheEntryMoves) {
-    type("12+34");
-    selectEntry(0, 3);
-    setPasteboard("12+");
+    Type("12+34");
+    SelectEntry(0, 3);
+    SetPasteboard("12+");
     TestDrag* const drag = [[[TestDrag alloc] init] autorelease];
     drag->window = window;
     drag->source = console;
@@ -307,7 +307,7 @@ TEST_F(Pasting, textDraggedInsideTheEntryMoves) {
     drag->place = NSMakePoint(NSMaxX(visible) - 5, NSMaxY(visible) - 10);
     [console draggingEntered:static_cast<id>(drag)];
     [console performDragOperation:static_cast<id>(drag)];
-    EXPECT_EQ("> 3412+", text());
+    EXPECT_EQ("> 3412+", Text());
 }
 
 } // namespace

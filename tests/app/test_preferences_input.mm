@@ -11,7 +11,7 @@ namespace {
 class PreferencesInput : public PanelTest {
 protected:
     // What is said beside the grouping mark.
-    std::string reason() const { return shown(controls.prefSepReason); }
+    std::string Reason() const { return Shown(controls.prefSepReason); }
 };
 
 NSString* string(const std::string& text) {
@@ -42,40 +42,40 @@ TEST_F(PreferencesInput, FiguresFromOneToHundredAreKeptOthersBecomeSix) {
         int stored;
     } cases[] = {{"1", 1}, {"100", 100}, {"0", 6}, {"101", 6}, {"-5", 6}, {"12abc", 12}};
     for (const auto& one : cases) {
-        open();
-        enterInto(controls.prefSigFigs, string(one.typed));
-        close();
-        EXPECT_EQ(setting("sigfigs"), one.stored) << one.typed;
-        EXPECT_EQ(shown(controls.prefSigFigs), one.stored == 12 ? "12abc" : std::to_string(one.stored));
+        Open();
+        EnterInto(controls.prefSigFigs, string(one.typed));
+        Close();
+        EXPECT_EQ(SettingOf("sigfigs"), one.stored) << one.typed;
+        EXPECT_EQ(Shown(controls.prefSigFigs), one.stored == 12 ? "12abc" : std::to_string(one.stored));
     }
 }
 
 TEST_F(PreferencesInput, LettersOrNothingKeepTheFigures) {
-    set("sigfigs", 8);
+    Set("sigfigs", 8);
     for (const char* const typed : {"", " ", "abc", "-", "\u00e4", "nan"}) {
-        open();
-        enterInto(controls.prefSigFigs, string(typed));
-        EXPECT_EQ(setting("sigfigs"), 8) << typed;
-        close();
-        EXPECT_EQ(setting("sigfigs"), 8) << typed;
-        EXPECT_EQ(shown(controls.prefSigFigs), "8") << typed;
+        Open();
+        EnterInto(controls.prefSigFigs, string(typed));
+        EXPECT_EQ(SettingOf("sigfigs"), 8) << typed;
+        Close();
+        EXPECT_EQ(SettingOf("sigfigs"), 8) << typed;
+        EXPECT_EQ(Shown(controls.prefSigFigs), "8") << typed;
     }
 }
 
 // The file is written while the panel is open, too: an entry has it written.
 TEST_F(PreferencesInput, WhileThePanelIsOpenOnlyPossibleFiguresAreStored) {
-    set("sigfigs", 8);
-    open();
+    Set("sigfigs", 8);
+    Open();
     for (const char* const typed : NO_NUMBERS) {
-        enterInto(controls.prefSigFigs, string(typed));
-        EXPECT_EQ(setting("sigfigs"), 8) << typed;
-        enter("1/3");
-        EXPECT_NE(text().rfind("ans = 0.33333333\n"), std::string::npos) << typed;
+        EnterInto(controls.prefSigFigs, string(typed));
+        EXPECT_EQ(SettingOf("sigfigs"), 8) << typed;
+        Enter("1/3");
+        EXPECT_NE(Text().rfind("ans = 0.33333333\n"), std::string::npos) << typed;
         [console saveSettings];
-        EXPECT_NE(read(settingsPath()).find("<key>sigfigs</key>\n\t<integer>8</integer>"), std::string::npos);
+        EXPECT_NE(Read(SettingsPath()).find("<key>sigfigs</key>\n\t<integer>8</integer>"), std::string::npos);
     }
-    enterInto(controls.prefSigFigs, @"3");
-    EXPECT_EQ(setting("sigfigs"), 3);
+    EnterInto(controls.prefSigFigs, @"3");
+    EXPECT_EQ(SettingOf("sigfigs"), 3);
 }
 
 TEST_F(PreferencesInput, LinesOfHistoryFromOneToNineHundredNinetyNineAreKeptOthersBecomeNinetyNine) {
@@ -84,57 +84,57 @@ TEST_F(PreferencesInput, LinesOfHistoryFromOneToNineHundredNinetyNineAreKeptOthe
         int stored;
     } cases[] = {{"1", 1}, {"999", 999}, {"0", 99}, {"1000", 99}, {"-5", 99}, {"abc", 99}, {"", 99}};
     for (const auto& one : cases) {
-        open();
-        enterInto(controls.prefHistSize, string(one.typed));
-        close();
-        EXPECT_EQ(setting("histsz"), one.stored) << one.typed;
+        Open();
+        EnterInto(controls.prefHistSize, string(one.typed));
+        Close();
+        EXPECT_EQ(SettingOf("histsz"), one.stored) << one.typed;
     }
 }
 
 TEST_F(PreferencesInput, NoTextInANumberFieldGetsIntoTheSettings) {
     for (const char* const text : NO_NUMBERS) {
-        open();
-        enterInto(controls.prefSigFigs, string(text));
-        enterInto(controls.prefHistSize, string(text));
-        EXPECT_FALSE(shown(controls.prefNumPreview).empty()) << text;
-        close();
-        EXPECT_TRUE(setting("sigfigs") == 6 || setting("sigfigs") == 10) << text;
-        EXPECT_EQ(setting("histsz"), 99) << text;
-        enter("1/4");
-        EXPECT_NE(this->text().find("0.25"), std::string::npos) << text;
+        Open();
+        EnterInto(controls.prefSigFigs, string(text));
+        EnterInto(controls.prefHistSize, string(text));
+        EXPECT_FALSE(Shown(controls.prefNumPreview).empty()) << text;
+        Close();
+        EXPECT_TRUE(SettingOf("sigfigs") == 6 || SettingOf("sigfigs") == 10) << text;
+        EXPECT_EQ(SettingOf("histsz"), 99) << text;
+        Enter("1/4");
+        EXPECT_NE(this->Text().find("0.25"), std::string::npos) << text;
     }
 }
 
 TEST_F(PreferencesInput, AHugeNumberIsNotTakenForItsLastBits) {
-    open();
-    enterInto(controls.prefSigFigs, @"4294967306");            // 2^32 + 10
-    enterInto(controls.prefHistSize, @"18446744073709551626"); // 2^64 + 10
-    close();
-    EXPECT_EQ(setting("sigfigs"), 6);
-    EXPECT_EQ(setting("histsz"), 99);
+    Open();
+    EnterInto(controls.prefSigFigs, @"4294967306");            // 2^32 + 10
+    EnterInto(controls.prefHistSize, @"18446744073709551626"); // 2^64 + 10
+    Close();
+    EXPECT_EQ(SettingOf("sigfigs"), 6);
+    EXPECT_EQ(SettingOf("histsz"), 99);
 }
 
 TEST_F(PreferencesInput, ALongTextInANumberFieldIsSurvived) {
-    open();
+    Open();
     [controls.prefSigFigs setStringValue:string(std::string(100000, '9'))];
     [controller prefCallback:controls.prefSigFigs];
     [controls.prefHistSize setStringValue:string(std::string(100000, 'x'))];
-    close();
-    EXPECT_EQ(setting("sigfigs"), 6);
-    EXPECT_EQ(setting("histsz"), 99);
+    Close();
+    EXPECT_EQ(SettingOf("sigfigs"), 6);
+    EXPECT_EQ(SettingOf("histsz"), 99);
 }
 
 // The console works with what is stored while the panel is open.
 TEST_F(PreferencesInput, EntriesWorkWhileAFieldHoldsNoPossibleNumber) {
     for (const char* const typed : {"0", "-1", "2147483647"}) {
-        open();
-        enterInto(controls.prefSigFigs, string(typed));
-        enter("3/4");
-        EXPECT_EQ(text().find("rror"), std::string::npos) << text();
-        close();
-        enter("3/4");
-        EXPECT_NE(text().rfind("0.75"), std::string::npos);
-        EXPECT_EQ(setting("sigfigs"), 6);
+        Open();
+        EnterInto(controls.prefSigFigs, string(typed));
+        Enter("3/4");
+        EXPECT_EQ(Text().find("rror"), std::string::npos) << Text();
+        Close();
+        Enter("3/4");
+        EXPECT_NE(Text().rfind("0.75"), std::string::npos);
+        EXPECT_EQ(SettingOf("sigfigs"), 6);
     }
 }
 
@@ -154,50 +154,50 @@ TEST_F(PreferencesInput, AMarkThatTheEngineReadsOtherwiseIsRefusedWithTheReason)
                  {"<", "< is an operator."},   {">", "> is an operator."}, {"&", "& is an operator."},
                  {"|", "| is an operator."},   {"@", "@ is an operator."}, {"=", "= assigns and compares."},
                  {"#", "# begins a comment."}};
-    set("separator", 1);
-    set("schar", '\'');
+    Set("separator", 1);
+    Set("schar", '\'');
     for (const auto& one : cases) {
-        open();
-        enterInto(controls.prefSepChar, string(one.typed));
-        EXPECT_EQ(setting("schar"), '\'') << one.typed;
-        EXPECT_EQ(shown(controls.prefSepChar), "'") << one.typed; // what counts is what is seen
-        EXPECT_EQ(reason(), one.reason);
-        enterInto(controls.prefSepChar, @" ");
-        EXPECT_EQ(reason(), "") << "a mark that is taken";
-        enterInto(controls.prefSepChar, @"'");
-        close();
-        EXPECT_EQ(setting("schar"), '\'') << one.typed;
+        Open();
+        EnterInto(controls.prefSepChar, string(one.typed));
+        EXPECT_EQ(SettingOf("schar"), '\'') << one.typed;
+        EXPECT_EQ(Shown(controls.prefSepChar), "'") << one.typed; // what counts is what is seen
+        EXPECT_EQ(Reason(), one.reason);
+        EnterInto(controls.prefSepChar, @" ");
+        EXPECT_EQ(Reason(), "") << "a mark that is taken";
+        EnterInto(controls.prefSepChar, @"'");
+        Close();
+        EXPECT_EQ(SettingOf("schar"), '\'') << one.typed;
     }
 }
 
 TEST_F(PreferencesInput, ARefusedMarkIsNotStoredWhenThePanelClosesEither) {
-    set("schar", '\'');
-    open();
+    Set("schar", '\'');
+    Open();
     [controls.prefSepChar setStringValue:@"+"];
-    close();
-    EXPECT_EQ(setting("schar"), '\'');
-    open();
-    EXPECT_EQ(reason(), "") << "of the time before";
+    Close();
+    EXPECT_EQ(SettingOf("schar"), '\'');
+    Open();
+    EXPECT_EQ(Reason(), "") << "of the time before";
 }
 
 TEST_F(PreferencesInput, TheDecimalMarkGivesWayToTheOtherOne) {
-    set("schar", '\'');
-    open();
-    enterInto(controls.prefSepChar, @".");
-    EXPECT_EQ(setting("schar"), ',');
-    EXPECT_EQ(shown(controls.prefSepChar), ",");
-    EXPECT_EQ(reason(), ". is the decimal mark.");
-    tick(controls.prefEuropean, true);
-    enterInto(controls.prefSepChar, @",");
-    EXPECT_EQ(shown(controls.prefSepChar), ".");
-    EXPECT_EQ(reason(), ", is the decimal mark.");
+    Set("schar", '\'');
+    Open();
+    EnterInto(controls.prefSepChar, @".");
+    EXPECT_EQ(SettingOf("schar"), ',');
+    EXPECT_EQ(Shown(controls.prefSepChar), ",");
+    EXPECT_EQ(Reason(), ". is the decimal mark.");
+    Tick(controls.prefEuropean, true);
+    EnterInto(controls.prefSepChar, @",");
+    EXPECT_EQ(Shown(controls.prefSepChar), ".");
+    EXPECT_EQ(Reason(), ", is the decimal mark.");
 }
 
 TEST_F(PreferencesInput, NoMarkIsTheUsualOne) {
-    open();
-    enterInto(controls.prefSepChar, @"");
-    EXPECT_EQ(setting("schar"), ',');
-    EXPECT_EQ(shown(controls.prefSepChar), ",");
+    Open();
+    EnterInto(controls.prefSepChar, @"");
+    EXPECT_EQ(SettingOf("schar"), ',');
+    EXPECT_EQ(Shown(controls.prefSepChar), ",");
 }
 
 // However a mark came to be: what it groups is read as the same number or not at all, never as another one.
@@ -205,12 +205,12 @@ TEST_F(PreferencesInput, NoMarkMakesAnotherNumber) {
     for (int code = 32; code < 256; code++) {
         if (code == ';') continue; // separates statements, and has always been allowed
         const unichar character = static_cast<unichar>(code);
-        open();
+        Open();
         [controls.prefSepChar setStringValue:[NSString stringWithCharacters:&character length:1]];
-        tick(controls.prefSeparator, true);
-        close();
-        enter("7");
-        enter("1234567");
+        Tick(controls.prefSeparator, true);
+        Close();
+        Enter("7");
+        Enter("1234567");
         const std::string shownAnswer = calc.answer.shown;
         if (calc.ProcessEntry(shownAnswer.c_str(), true) != STATUS_RESULT) continue;
         double read = 0;
@@ -221,56 +221,56 @@ TEST_F(PreferencesInput, NoMarkMakesAnotherNumber) {
 
 TEST_F(PreferencesInput, ASeparatorThatTheConsoleCannotShowIsTakenForTheUsualOne) {
     for (const char* const typed : {"\U0001F600", "\u20ac", "\u4e2d", "\n", "\t"}) {
-        open();
+        Open();
         [controls.prefSepChar setStringValue:string(typed)];
         [controller prefCallback:controls.prefSepChar];
-        EXPECT_EQ(setting("schar"), ',') << typed;
-        close();
-        EXPECT_EQ(setting("schar"), ',') << typed;
+        EXPECT_EQ(SettingOf("schar"), ',') << typed;
+        Close();
+        EXPECT_EQ(SettingOf("schar"), ',') << typed;
         EXPECT_TRUE([[console string] canBeConvertedToEncoding:NSISOLatin1StringEncoding]);
     }
 }
 
 TEST_F(PreferencesInput, TheUsualMarkThatReplacesAnotherFollowsTheDecimalMark) {
-    set("european", 1);
-    open();
-    enterInto(controls.prefSepChar, @"");
-    EXPECT_EQ(shown(controls.prefSepChar), ".");
-    EXPECT_EQ(setting("schar"), ',');
+    Set("european", 1);
+    Open();
+    EnterInto(controls.prefSepChar, @"");
+    EXPECT_EQ(Shown(controls.prefSepChar), ".");
+    EXPECT_EQ(SettingOf("schar"), ',');
 }
 
 TEST_F(PreferencesInput, TheSeparatorFieldHoldsOneCharacter) {
-    open();
-    enterInto(controls.prefSepChar, @";'");
-    EXPECT_EQ(shown(controls.prefSepChar), ";");
-    EXPECT_EQ(setting("schar"), ';');
+    Open();
+    EnterInto(controls.prefSepChar, @";'");
+    EXPECT_EQ(Shown(controls.prefSepChar), ";");
+    EXPECT_EQ(SettingOf("schar"), ';');
 }
 
 TEST_F(PreferencesInput, OfTwoCharactersTheFirstCounts) {
-    open();
+    Open();
     [controls.prefSepChar setStringValue:@"'_"];
-    close();
-    EXPECT_EQ(setting("schar"), '\'');
+    Close();
+    EXPECT_EQ(SettingOf("schar"), '\'');
 }
 
 TEST_F(PreferencesInput, EverySeparatorThatIsTakenShowsItselfAgain) {
-    set("separator", 1);
+    Set("separator", 1);
     int before = ',';
     for (int code = 33; code < 256; code++) {
         const unichar character = static_cast<unichar>(code);
         NSString* const typed = [NSString stringWithCharacters:&character length:1];
-        open();
+        Open();
         [controls.prefSepChar setStringValue:typed];
         [controller prefCallback:controls.prefSepChar];
-        close();
-        const int taken = setting("schar");
+        Close();
+        const int taken = SettingOf("schar");
         const bool isPoint = code == '.' && taken == ',';
         EXPECT_TRUE(taken == code || taken == before || isPoint) << code;
         before = taken;
-        open();
+        Open();
         EXPECT_EQ([[controls.prefSepChar stringValue] characterAtIndex:0], static_cast<unichar>(taken));
-        close();
-        EXPECT_EQ(setting("schar"), taken) << code;
+        Close();
+        EXPECT_EQ(SettingOf("schar"), taken) << code;
     }
 }
 
@@ -283,62 +283,62 @@ TEST_F(PreferencesInput, SettingsOfWrongKindsOpenAndCloseAPanelThatIsSound) {
                                 "statusicon", "trans",     "schar"};
     for (const id value : wrong) {
         for (const char* const key : keys) [[console settings] setObject:value forKey:string(key)];
-        open();
+        Open();
         EXPECT_GE([controls.prefSciMode indexOfSelectedItem], 0);
-        EXPECT_EQ(shown(controls.prefSepChar), ",");
-        EXPECT_EQ(shown(controls.prefSigFigs), "10");
-        EXPECT_EQ(shown(controls.prefHistSize), "30");
-        EXPECT_EQ(shown(controls.prefNumPreview), "12345.6");
-        close();
-        EXPECT_EQ(setting("sigfigs"), 10);
-        EXPECT_EQ(setting("histsz"), 30);
-        EXPECT_EQ(setting("schar"), ',');
+        EXPECT_EQ(Shown(controls.prefSepChar), ",");
+        EXPECT_EQ(Shown(controls.prefSigFigs), "10");
+        EXPECT_EQ(Shown(controls.prefHistSize), "30");
+        EXPECT_EQ(Shown(controls.prefNumPreview), "12345.6");
+        Close();
+        EXPECT_EQ(SettingOf("sigfigs"), 10);
+        EXPECT_EQ(SettingOf("histsz"), 30);
+        EXPECT_EQ(SettingOf("schar"), ',');
     }
 }
 
 TEST_F(PreferencesInput, NumbersThatNoSettingCanHaveOpenAndCloseAPanelThatIsSound) {
     for (const int value : {-1, 6, 1000000, INT32_MIN, INT32_MAX}) {
         for (const char* const key : {"scimode", "sigfigs", "histsz", "snaptoscreen", "separator", "trans"}) {
-            set(key, value);
+            Set(key, value);
         }
-        open();
-        close();
-        EXPECT_GE(setting("scimode"), 0) << value;
-        EXPECT_LE(setting("scimode"), 5) << value;
-        EXPECT_GE(setting("sigfigs"), 1) << value;
-        EXPECT_LE(setting("sigfigs"), 100) << value;
-        EXPECT_GE(setting("histsz"), 1) << value;
-        EXPECT_LE(setting("histsz"), 999) << value;
-        EXPECT_GE(setting("trans"), 0) << value;
-        EXPECT_LE(setting("trans"), 100) << value;
-        EXPECT_TRUE(setting("separator") == 0 || setting("separator") == 1) << value;
+        Open();
+        Close();
+        EXPECT_GE(SettingOf("scimode"), 0) << value;
+        EXPECT_LE(SettingOf("scimode"), 5) << value;
+        EXPECT_GE(SettingOf("sigfigs"), 1) << value;
+        EXPECT_LE(SettingOf("sigfigs"), 100) << value;
+        EXPECT_GE(SettingOf("histsz"), 1) << value;
+        EXPECT_LE(SettingOf("histsz"), 999) << value;
+        EXPECT_GE(SettingOf("trans"), 0) << value;
+        EXPECT_LE(SettingOf("trans"), 100) << value;
+        EXPECT_TRUE(SettingOf("separator") == 0 || SettingOf("separator") == 1) << value;
     }
 }
 
 TEST_F(PreferencesInput, AFileWithWrongKindsForEveryKeyStartsWithTheDefaults) {
-    terminate();
+    Terminate();
     std::string file = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n";
     for (const char* const key : {"scimode", "sigfigs", "histsz", "snaptoscreen", "transback", "separator",
                                   "twoscomp", "european", "statusicon", "trans", "schar", "fgcolor",
                                   "bgcolor", "nsfont", "firstrun", "degmode", "dispbase"}) {
         file += std::string("<key>") + key + "</key><string>wrong</string>\n";
     }
-    write(settingsPath(), file + "</dict>\n</plist>\n");
-    restartAll();
-    open();
+    Write(SettingsPath(), file + "</dict>\n</plist>\n");
+    RestartAll();
+    Open();
     EXPECT_EQ([controls.prefSciMode indexOfSelectedItem], 0);
-    EXPECT_EQ(shown(controls.prefSigFigs), "10");
-    EXPECT_EQ(shown(controls.prefHistSize), "30");
-    EXPECT_EQ(shown(controls.prefSepChar), ",");
+    EXPECT_EQ(Shown(controls.prefSigFigs), "10");
+    EXPECT_EQ(Shown(controls.prefHistSize), "30");
+    EXPECT_EQ(Shown(controls.prefSepChar), ",");
     EXPECT_EQ([controls.prefSlider intValue], 25);
-    EXPECT_TRUE(isTicked(controls.prefSnapTo));
-    EXPECT_TRUE(isTicked(controls.prefTransBGOnly));
-    EXPECT_TRUE(isTicked(controls.prefStatusIcon));
-    EXPECT_FALSE(isTicked(controls.prefSeparator));
-    EXPECT_FALSE(isTicked(controls.prefTwosComp));
-    EXPECT_FALSE(isTicked(controls.prefEuropean));
-    expectColor([controls.prefFGColor color], 0.1, 0.9, 0.9);
-    expectColor([controls.prefBGColor color], 0.1, 0.1, 0.1);
+    EXPECT_TRUE(IsTicked(controls.prefSnapTo));
+    EXPECT_TRUE(IsTicked(controls.prefTransBGOnly));
+    EXPECT_TRUE(IsTicked(controls.prefStatusIcon));
+    EXPECT_FALSE(IsTicked(controls.prefSeparator));
+    EXPECT_FALSE(IsTicked(controls.prefTwosComp));
+    EXPECT_FALSE(IsTicked(controls.prefEuropean));
+    ExpectColor([controls.prefFGColor color], 0.1, 0.9, 0.9);
+    ExpectColor([controls.prefBGColor color], 0.1, 0.1, 0.1);
 }
 
 } // namespace

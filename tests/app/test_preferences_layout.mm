@@ -11,7 +11,7 @@ namespace {
 
 class PreferencesLayout : public PanelTest {
 protected:
-    NSEvent* keyPress(NSString* characters, uint32_t code) const {
+    NSEvent* KeyPress(NSString* characters, uint32_t code) const {
         return [NSEvent keyEventWithType:NSKeyDown
                                 location:NSZeroPoint
                            modifierFlags:0
@@ -25,7 +25,7 @@ protected:
     }
 
     // The controls that take keys, from top to bottom.
-    std::vector<NSView*> inOrder() const {
+    std::vector<NSView*> InOrder() const {
         return {controls.prefSciMode,   controls.prefSigFigs,     controls.prefSepChar,
                 controls.prefSeparator, controls.prefEuropean,    controls.prefTwosComp,
                 controls.prefHistSize,  controls.prefFGColor,     controls.prefBGColor,
@@ -35,36 +35,36 @@ protected:
 };
 
 TEST_F(PreferencesLayout, TheSpaceBarOpensTheColorPanelForTheWellWithTheFocus) {
-    open();
+    Open();
     [panel makeFirstResponder:controls.prefBGColor];
-    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
+    [panel sendEvent:KeyPress(@" ", KEY_OTHER)];
     EXPECT_TRUE([controls.prefBGColor isActive]);
     EXPECT_FALSE([controls.prefFGColor isActive]);
     EXPECT_TRUE([[NSColorPanel sharedColorPanel] isVisible]);
-    close();
+    Close();
     EXPECT_FALSE([[NSColorPanel sharedColorPanel] isVisible]);
 }
 
 TEST_F(PreferencesLayout, TheArrowsMoveTheSlider) {
-    open();
+    Open();
     [panel makeFirstResponder:controls.prefSlider];
     const unichar right = NSRightArrowFunctionKey;
-    [panel sendEvent:keyPress([NSString stringWithCharacters:&right length:1], KEY_RIGHT)];
-    EXPECT_GT(setting("trans"), 25);
-    EXPECT_EQ(setting("trans"), [controls.prefSlider intValue]);
+    [panel sendEvent:KeyPress([NSString stringWithCharacters:&right length:1], KEY_RIGHT)];
+    EXPECT_GT(SettingOf("trans"), 25);
+    EXPECT_EQ(SettingOf("trans"), [controls.prefSlider intValue]);
 }
 
 TEST_F(PreferencesLayout, TheSpaceBarTicksABox) {
-    open();
+    Open();
     [panel makeFirstResponder:controls.prefSeparator];
-    [panel sendEvent:keyPress(@" ", KEY_OTHER)];
-    EXPECT_EQ(setting("separator"), 1);
-    EXPECT_EQ(shown(controls.prefNumPreview), "12,345.6");
+    [panel sendEvent:KeyPress(@" ", KEY_OTHER)];
+    EXPECT_EQ(SettingOf("separator"), 1);
+    EXPECT_EQ(Shown(controls.prefNumPreview), "12,345.6");
 }
 
 TEST_F(PreferencesLayout, TabGoesFromTopToBottom) {
-    open();
-    const std::vector<NSView*> order = inOrder();
+    Open();
+    const std::vector<NSView*> order = InOrder();
     EXPECT_EQ([panel initialFirstResponder], order.front());
     for (size_t i = 0; i < order.size(); i++) {
         EXPECT_TRUE([order[i] acceptsFirstResponder]) << i;
@@ -99,7 +99,7 @@ TEST_F(PreferencesLayout, NoTextIsClipped) {
 }
 
 TEST_F(PreferencesLayout, EveryControlSendsPrefCallback) {
-    std::vector<NSView*> all = inOrder();
+    std::vector<NSView*> all = InOrder();
     all.push_back(controls.prefStatusIcon);
     for (NSView* const view : all) {
         NSControl* const control = static_cast<NSControl*>(view);
@@ -109,9 +109,9 @@ TEST_F(PreferencesLayout, EveryControlSendsPrefCallback) {
 }
 
 TEST_F(PreferencesLayout, EscapeClosesAlsoFromWithinAField) {
-    open();
+    Open();
     [panel makeFirstResponder:controls.prefHistSize];
-    [panel sendEvent:keyPress(@"\033", KEY_ESCAPE)];
+    [panel sendEvent:KeyPress(@"\033", KEY_ESCAPE)];
     EXPECT_FALSE([panel isVisible]);
     EXPECT_EQ(prefWinIsOpen, 0);
 }

@@ -8,215 +8,215 @@ namespace {
 class Prompt : public ConsoleTest {
 protected:
     // The entry without a preview.
-    void setEntry(NSString* text) {
+    void SetEntry(NSString* text) {
         const auto start = static_cast<NSUInteger>(g_linestart);
         [console replaceCharactersInRange:NSMakeRange(start, [[console string] length] - start)
                                withString:text];
     }
 
-    void setEntry(size_t length) {
-        setEntry([@"" stringByPaddingToLength:length withString:@"7" startingAtIndex:0]);
+    void SetEntry(size_t length) {
+        SetEntry([@"" stringByPaddingToLength:length withString:@"7" startingAtIndex:0]);
     }
 
-    bool endIsVisible() const { return NSMaxY([console visibleRect]) >= NSMaxY([console bounds]) - 1; }
+    bool EndIsVisible() const { return NSMaxY([console visibleRect]) >= NSMaxY([console bounds]) - 1; }
 
-    NSUInteger length() const { return [[console string] length]; }
+    NSUInteger Length() const { return [[console string] length]; }
 };
 
 TEST_F(Prompt, startsWithAnEmptyEntryBehindThePrompt) {
-    EXPECT_EQ("> ", text());
+    EXPECT_EQ("> ", Text());
     EXPECT_EQ(2, g_linestart);
-    EXPECT_EQ(2U, cursor());
+    EXPECT_EQ(2U, Cursor());
 }
 
 TEST_F(Prompt, gotoEndPutsTheCursorBehindTheLastCharacterAndShowsIt) {
     for (int i = 0; i < 30; i++) [console insertWithNewPrompt:"one more line"];
-    select(0, 5);
+    Select(0, 5);
     [console scrollRangeToVisible:NSMakeRange(0, 1)];
-    ASSERT_FALSE(endIsVisible());
+    ASSERT_FALSE(EndIsVisible());
     [console gotoEnd];
-    EXPECT_EQ(length(), cursor());
-    EXPECT_EQ("", selected());
-    EXPECT_TRUE(endIsVisible());
+    EXPECT_EQ(Length(), Cursor());
+    EXPECT_EQ("", Selected());
+    EXPECT_TRUE(EndIsVisible());
 }
 
 TEST_F(Prompt, replaceSelectionPutsTextInPlaceOfTheSelection) {
-    type("1+2+3");
-    selectEntry(1, 3);
+    Type("1+2+3");
+    SelectEntry(1, 3);
     [console replaceSelection:@"*"];
-    EXPECT_EQ("> 1*3", text());
-    selectEntry(1);
+    EXPECT_EQ("> 1*3", Text());
+    SelectEntry(1);
     [console replaceSelection:@"0"];
-    EXPECT_EQ("> 10*3", text());
+    EXPECT_EQ("> 10*3", Text());
 }
 
 TEST_F(Prompt, replaceSelectionLeavesTheTranscriptAlone) {
-    enter("1+2");
-    const std::string before = text();
-    select(0, 4);
+    Enter("1+2");
+    const std::string before = Text();
+    Select(0, 4);
     [console replaceSelection:@"other"];
-    EXPECT_EQ(before, text());
+    EXPECT_EQ(before, Text());
 }
 
 TEST_F(Prompt, clearConsoleLeavesOnlyThePrompt) {
-    enter("1+2");
-    type("45");
+    Enter("1+2");
+    Type("45");
     [console clearConsole];
-    EXPECT_EQ("> ", text());
+    EXPECT_EQ("> ", Text());
     EXPECT_EQ(2, g_linestart);
-    EXPECT_EQ(2U, cursor());
-    EXPECT_EQ("", selected());
+    EXPECT_EQ(2U, Cursor());
+    EXPECT_EQ("", Selected());
 }
 
 TEST_F(Prompt, clearPromptEmptiesTheEntryFromAnywhere) {
-    enter("1+2");
-    const std::string before = text();
+    Enter("1+2");
+    const std::string before = Text();
     for (const NSUInteger place : {NSUInteger(0), NSUInteger(g_linestart), NSUInteger(g_linestart) + 1}) {
-        setEntry(@"789");
-        select(place);
+        SetEntry(@"789");
+        Select(place);
         [console clearPrompt];
-        EXPECT_EQ(before, text());
-        EXPECT_EQ(0U, cursorInEntry());
+        EXPECT_EQ(before, Text());
+        EXPECT_EQ(0U, CursorInEntry());
     }
 }
 
 TEST_F(Prompt, clearPromptOfAnEmptyEntryOnlyMovesTheCursorThere) {
-    enter("1+2");
-    const std::string before = text();
-    select(0, 5);
+    Enter("1+2");
+    const std::string before = Text();
+    Select(0, 5);
     [console clearPrompt];
-    EXPECT_EQ(before, text());
-    EXPECT_EQ(0U, cursorInEntry());
+    EXPECT_EQ(before, Text());
+    EXPECT_EQ(0U, CursorInEntry());
 }
 
 TEST_F(Prompt, replacePromptTakesLatin1AndPutsTheCursorBehindIt) {
-    enter("1+2");
-    setEntry(@"789");
-    select(0, 5);
+    Enter("1+2");
+    SetEntry(@"789");
+    Select(0, 5);
     [console replacePrompt:"\xe9+1"];
-    EXPECT_EQ("\u00e9+1", entry());
-    EXPECT_EQ(3U, cursorInEntry());
-    EXPECT_EQ("> 1+2\nans = 3\n\n> ", transcript());
+    EXPECT_EQ("\u00e9+1", Entry());
+    EXPECT_EQ(3U, CursorInEntry());
+    EXPECT_EQ("> 1+2\nans = 3\n\n> ", Transcript());
     [console replacePrompt:""];
-    EXPECT_EQ("", entry());
+    EXPECT_EQ("", Entry());
 }
 
 TEST_F(Prompt, insertPromptEndsTheEntryAndOpensAnother) {
-    setEntry(@"12");
-    select(0);
+    SetEntry(@"12");
+    Select(0);
     [console insertPrompt];
-    EXPECT_EQ("> 12\n> ", text());
+    EXPECT_EQ("> 12\n> ", Text());
     EXPECT_EQ(7, g_linestart);
-    EXPECT_EQ(7U, cursor());
+    EXPECT_EQ(7U, Cursor());
 }
 
 TEST_F(Prompt, insertWithNewPromptWritesAnAnswerBelowTheEntry) {
-    setEntry(@"12");
-    select(1);
+    SetEntry(@"12");
+    Select(1);
     [console insertWithNewPrompt:"ans = 12\n"];
-    EXPECT_EQ("> 12\nans = 12\n\n> ", text());
-    EXPECT_EQ(length(), NSUInteger(g_linestart));
-    EXPECT_EQ(length(), cursor());
-    EXPECT_TRUE(endIsVisible());
+    EXPECT_EQ("> 12\nans = 12\n\n> ", Text());
+    EXPECT_EQ(Length(), NSUInteger(g_linestart));
+    EXPECT_EQ(Length(), Cursor());
+    EXPECT_TRUE(EndIsVisible());
 }
 
 TEST_F(Prompt, insertWithoutPromptLeavesTheEntrysStart) {
-    setEntry(@"12");
-    select(0);
+    SetEntry(@"12");
+    Select(0);
     [console insertWithoutPrompt:"\nmore"];
-    EXPECT_EQ("> 12\nmore", text());
+    EXPECT_EQ("> 12\nmore", Text());
     EXPECT_EQ(2, g_linestart);
-    EXPECT_EQ(length(), cursor());
+    EXPECT_EQ(Length(), Cursor());
 }
 
 TEST_F(Prompt, insertPrePromptWritesAboveAnOpenEntry) {
-    enter("1+2");
-    setEntry(@"45");
-    select(0);
+    Enter("1+2");
+    SetEntry(@"45");
+    Select(0);
     [console insertPrePrompt:"note\n":3];
-    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n> 45", text());
-    EXPECT_EQ("45", entry());
-    EXPECT_EQ(length(), cursor());
+    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n> 45", Text());
+    EXPECT_EQ("45", Entry());
+    EXPECT_EQ(Length(), Cursor());
     [console insertPrePrompt:"(2)":2]; // in front of the prompt
-    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n(2)> 45", text());
+    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n(2)> 45", Text());
     [console insertPrePrompt:"x":0];
-    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n(2)> x45", text());
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ("> 1+2\nans = 3\nnote\n\n(2)> x45", Text());
+    EXPECT_EQ("45", Entry());
 }
 
 TEST_F(Prompt, insertPrePromptFurtherBackThanTheTextWritesAtItsStart) {
-    setEntry(@"45");
+    SetEntry(@"45");
     [console insertPrePrompt:"note\n":3];
-    EXPECT_EQ("note\n> 45", text());
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ("note\n> 45", Text());
+    EXPECT_EQ("45", Entry());
 }
 
 TEST_F(Prompt, getPromptTextCopiesTheEntryInLatin1) {
-    enter("1+2");
-    setEntry(@"");
+    Enter("1+2");
+    SetEntry(@"");
     EXPECT_TRUE([console getPromptText]);
     EXPECT_STREQ("", prompt);
-    setEntry(@"3+\u00e9");
+    SetEntry(@"3+\u00e9");
     EXPECT_TRUE([console getPromptText]);
     EXPECT_STREQ("3+\xe9", prompt);
 }
 
 TEST_F(Prompt, getPromptTextFailsForWhatLatin1HasNot) {
-    setEntry(@"3\u20ac"); // a euro sign
+    SetEntry(@"3\u20ac"); // a euro sign
     EXPECT_FALSE([console getPromptText]);
-    setEntry(@"3\u0301"); // a combining accent
+    SetEntry(@"3\u0301"); // a combining accent
     EXPECT_FALSE([console getPromptText]);
     const unichar withNul[] = {'1', 0, '2'};
-    setEntry([NSString stringWithCharacters:withNul length:3]);
+    SetEntry([NSString stringWithCharacters:withNul length:3]);
     EXPECT_FALSE([console getPromptText]);
     EXPECT_STREQ("1", prompt);
-    setEntry(@"3\U0001F600"); // two UTF-16 units
+    SetEntry(@"3\U0001F600"); // two UTF-16 units
     EXPECT_FALSE([console getPromptText]);
 }
 
 TEST_F(Prompt, anEntryFitsUpToTheBuffersTerminator) {
-    setEntry(PROMPT_SIZE - 1);
+    SetEntry(PROMPT_SIZE - 1);
     EXPECT_TRUE([console getPromptText]);
     EXPECT_EQ(9999U, strlen(prompt));
-    setEntry(PROMPT_SIZE);
+    SetEntry(PROMPT_SIZE);
     EXPECT_FALSE([console getPromptText]);
     EXPECT_EQ(9999U, strlen(prompt));
 }
 
 TEST_F(Prompt, recallHistoryFetchesALine) {
-    enter("1+2");
-    enter("3*4");
+    Enter("1+2");
+    Enter("3*4");
     [console recallHistory:1];
-    EXPECT_EQ("3*4", entry());
+    EXPECT_EQ("3*4", Entry());
     [console recallHistory:2];
-    EXPECT_EQ("1+2", entry());
-    EXPECT_EQ(3U, cursorInEntry());
+    EXPECT_EQ("1+2", Entry());
+    EXPECT_EQ(3U, CursorInEntry());
     calc.history.HistLocUp();
     [console recallHistory]; // where the walk stands
-    EXPECT_EQ("3*4", entry());
+    EXPECT_EQ("3*4", Entry());
 }
 
 TEST_F(Prompt, recallHistoryWithoutALineEmptiesTheEntryAndAnEmptyLineChangesNothing) {
-    enter("1+2");
-    setEntry(@"45");
+    Enter("1+2");
+    SetEntry(@"45");
     [console recallHistory:7];
-    EXPECT_EQ("", entry());
-    setEntry(@"45");
+    EXPECT_EQ("", Entry());
+    SetEntry(@"45");
     [console recallHistory:0];
-    EXPECT_EQ("", entry());
+    EXPECT_EQ("", Entry());
     calc.history.InsertNewEntry("");
-    setEntry(@"45");
+    SetEntry(@"45");
     [console recallHistory:1];
-    EXPECT_EQ("45", entry());
+    EXPECT_EQ("45", Entry());
 }
 
 TEST_F(Prompt, theStatusLineLeavesOutALineFeedAtTheEnd) {
     [console updateStatusbar:"ans = 3\n"];
-    EXPECT_EQ("ans = 3", status());
+    EXPECT_EQ("ans = 3", StatusLine());
     [console updateStatusbar:"a\nb"];
-    EXPECT_EQ("a\nb", status());
+    EXPECT_EQ("a\nb", StatusLine());
     [console updateStatusbar:""];
-    EXPECT_EQ("", status());
+    EXPECT_EQ("", StatusLine());
 }
 
 } // namespace

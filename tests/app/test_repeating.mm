@@ -9,17 +9,17 @@ class Repeating : public PanelTest {
 protected:
     void SetUp() override {
         PanelTest::SetUp();
-        enter("x=1");
-        enter("x=x*2");
+        Enter("x=1");
+        Enter("x=x*2");
     }
 
-    void expectRepeats(const char* answer = "x = 4\n") {
-        ASSERT_EQ("", entry());
-        press(KEY_RETURN);
-        EXPECT_NE(text().find(answer), std::string::npos) << text();
+    void ExpectRepeats(const char* answer = "x = 4\n") {
+        ASSERT_EQ("", Entry());
+        Press(KEY_RETURN);
+        EXPECT_NE(Text().find(answer), std::string::npos) << Text();
     }
 
-    NSSegmentedControl* control(NSInteger segment) {
+    NSSegmentedControl* Control(NSInteger segment) {
         NSSegmentedControl* const made = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
         [made setSegmentCount:3];
         [made setSelectedSegment:segment];
@@ -28,45 +28,45 @@ protected:
 };
 
 TEST_F(Repeating, afterWhatWasTypedIsDeleted) {
-    type("3");
-    press(KEY_BACKSPACE);
-    expectRepeats();
+    Type("3");
+    Press(KEY_BACKSPACE);
+    ExpectRepeats();
 }
 
 TEST_F(Repeating, afterEscape) {
-    type("3");
-    press(KEY_ESCAPE);
-    expectRepeats();
+    Type("3");
+    Press(KEY_ESCAPE);
+    ExpectRepeats();
 }
 
 TEST_F(Repeating, afterAClickOnABase) {
-    [console clickedChangeBase:control(2)];
-    expectRepeats("x = 0x0004\n");
+    [console clickedChangeBase:Control(2)];
+    ExpectRepeats("x = 0x0004\n");
 }
 
 TEST_F(Repeating, afterAClickOnAnAngleMode) {
     for (const NSInteger segment : {1, 0}) {
-        [console clickedChangeMode:control(segment)];
-        expectRepeats(segment == 1 ? "x = 4\n" : "x = 8\n");
+        [console clickedChangeMode:Control(segment)];
+        ExpectRepeats(segment == 1 ? "x = 4\n" : "x = 8\n");
     }
 }
 
 TEST_F(Repeating, afterThePreferencesAreClosed) {
-    open();
-    close();
-    expectRepeats();
+    Open();
+    Close();
+    ExpectRepeats();
 }
 
 TEST_F(Repeating, afterAPreviewThatFailsOrIsNoText) {
     for (const char* const typed : {"1/0", "mode deg", "nothing("}) {
-        type(typed);
+        Type(typed);
         [console clearPrompt];
         [console ProcessResult:nullptr:YES];
     }
-    setPasteboard("\u20ac");
+    SetPasteboard("\u20ac");
     [console paste:nil];
-    press(KEY_BACKSPACE);
-    expectRepeats();
+    Press(KEY_BACKSPACE);
+    ExpectRepeats();
 }
 
 } // namespace

@@ -13,38 +13,38 @@
 
 class Scripts : public ConsoleTest {
 protected:
-    const char* const HEADER = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n";
+    const char* const header = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n";
 
-    std::string script() const { return [[console scriptText] UTF8String]; }
+    std::string Script() const { return [[console scriptText] UTF8String]; }
     // What is saved, without the header.
-    std::string savedEntries() const {
-        const std::string text = script();
-        return text.substr(text.find('\n', strlen(HEADER)) + 1);
+    std::string SavedEntries() const {
+        const std::string text = Script();
+        return text.substr(text.find('\n', strlen(header)) + 1);
     }
 
-    std::string path() const { return home + "/test.script"; }
-    static NSString* string(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
+    std::string Path() const { return home + "/test.script"; }
+    static NSString* String(const std::string& text) { return [NSString stringWithUTF8String:text.c_str()]; }
 
     // Replays lines; the transcript is what it adds.
-    std::string replay(const std::string& lines) {
-        write(path(), lines);
-        const size_t before = text().size();
-        EXPECT_TRUE([console loadFile:string(path())]);
-        const std::string all = text();
+    std::string Replay(const std::string& lines) {
+        Write(Path(), lines);
+        const size_t before = Text().size();
+        EXPECT_TRUE([console loadFile:String(Path())]);
+        const std::string all = Text();
         return all.size() < before ? all : all.substr(before);
     }
 
-    std::string variable(const char* name) {
+    std::string Variable(const char* name) {
         const std::string line = "display dec; ans=" + std::string(name);
         EXPECT_EQ(calc.ProcessEntry(line.c_str(), false), STATUS_RESULT) << name;
         return calc.lastAnswer;
     }
 
-    void waitForVariable(const char* name) {
-        for (int i = 0; i < 200 && !calc.VariableExists(name); i++) run(0.05);
+    void WaitForVariable(const char* name) {
+        for (int i = 0; i < 200 && !calc.VariableExists(name); i++) Run(0.05);
     }
 
-    static double seconds(std::chrono::steady_clock::time_point since) {
+    static double Seconds(std::chrono::steady_clock::time_point since) {
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
     }
 };
@@ -52,7 +52,7 @@ protected:
 // --- Saving ---
 
 TEST_F(Scripts, theHeaderIsTwoComments) {
-    EXPECT_EQ(script(), HEADER + std::string("#mode deg;sigfigs 10;scimode auto;display dec;\n"));
+    EXPECT_EQ(Script(), header + std::string("#mode deg;sigfigs 10;scimode auto;display dec;\n"));
 }
 
 TEST_F(Scripts, theHeaderNamesTheSettings) {
@@ -62,145 +62,145 @@ TEST_F(Scripts, theHeaderNamesTheSettings) {
     for (int mode = -1; mode <= 6; mode++) {
         calc.sciMode = mode;
         const char* const word = mode >= 0 && mode <= 5 ? modes[mode] : "auto";
-        EXPECT_EQ(script(),
-                  HEADER + ("#mode rad;sigfigs 33;scimode " + std::string(word)) + ";display dec;\n");
+        EXPECT_EQ(Script(),
+                  header + ("#mode rad;sigfigs 33;scimode " + std::string(word)) + ";display dec;\n");
     }
     calc.sciMode = 0;
     calc.displayBase = 2;
-    EXPECT_NE(script().find(";display bin;\n"), std::string::npos);
+    EXPECT_NE(Script().find(";display bin;\n"), std::string::npos);
     calc.displayBase = 16;
-    EXPECT_NE(script().find(";display hex;\n"), std::string::npos);
+    EXPECT_NE(Script().find(";display hex;\n"), std::string::npos);
     calc.displayBase = 7;
-    EXPECT_NE(script().find(";display dec;\n"), std::string::npos);
+    EXPECT_NE(Script().find(";display dec;\n"), std::string::npos);
 }
 
 TEST_F(Scripts, theHeadersSettingsCanBeUncommented) {
-    enter("sigfigs 22");
-    enter("mode rad");
-    const std::string text = script();
+    Enter("sigfigs 22");
+    Enter("mode rad");
+    const std::string text = Script();
     const std::string settings = text.substr(text.find("\n#") + 2);
-    enter("sigfigs 10");
-    enter("mode deg");
-    replay(settings.substr(0, settings.find('\n') + 1));
+    Enter("sigfigs 10");
+    Enter("mode deg");
+    Replay(settings.substr(0, settings.find('\n') + 1));
     EXPECT_EQ(calc.sigFigs, 22);
     EXPECT_FALSE(calc.degreeMode);
     EXPECT_EQ([console setting:@"sigfigs"], 22);
 }
 
 TEST_F(Scripts, onlyTheEntriesAreSaved) {
-    enter("1+2");
-    enter("x=5");
-    enter("1/0");
-    enter("list");
-    const std::string text = script();
-    EXPECT_EQ(text.substr(text.find('\n', strlen(HEADER)) + 1), "1+2\nx=5\n1/0\nlist\n");
+    Enter("1+2");
+    Enter("x=5");
+    Enter("1/0");
+    Enter("list");
+    const std::string text = Script();
+    EXPECT_EQ(text.substr(text.find('\n', strlen(header)) + 1), "1+2\nx=5\n1/0\nlist\n");
 }
 
 TEST_F(Scripts, emptyPromptsAreLeftOut) {
-    press(KEY_RETURN);
-    enter("1");
-    press(KEY_RETURN);
-    enter("x=4");
-    press(KEY_RETURN); // repeats
-    EXPECT_EQ(savedEntries(), "1\nx=4\n");
+    Press(KEY_RETURN);
+    Enter("1");
+    Press(KEY_RETURN);
+    Enter("x=4");
+    Press(KEY_RETURN); // repeats
+    EXPECT_EQ(SavedEntries(), "1\nx=4\n");
 }
 
 TEST_F(Scripts, whatIsBeingTypedIsSavedToo) {
-    enter("1");
-    type("2+3");
-    EXPECT_EQ(savedEntries(), "1\n2+3\n");
+    Enter("1");
+    Type("2+3");
+    EXPECT_EQ(SavedEntries(), "1\n2+3\n");
     [console clearPrompt];
-    EXPECT_EQ(savedEntries(), "1\n");
+    EXPECT_EQ(SavedEntries(), "1\n");
 }
 
 // Entries are not told by their look.
 TEST_F(Scripts, outputThatLooksLikeAnEntryIsNoEntry) {
-    enter("echo > exit");
-    EXPECT_EQ(savedEntries(), "echo > exit\n");
-    replay("echo > x=1\necho50 > x=2\n> x=3\n");
-    EXPECT_EQ(savedEntries(), "echo > exit\n");
+    Enter("echo > exit");
+    EXPECT_EQ(SavedEntries(), "echo > exit\n");
+    Replay("echo > x=1\necho50 > x=2\n> x=3\n");
+    EXPECT_EQ(SavedEntries(), "echo > exit\n");
 }
 
 TEST_F(Scripts, aSavedScriptOfSuchOutputDoesNotCloseTheWindow) {
-    enter("echo > exit");
-    ASSERT_TRUE([console writeScript:string(path())]);
-    EXPECT_TRUE([console loadFile:string(path())]);
+    Enter("echo > exit");
+    ASSERT_TRUE([console writeScript:String(Path())]);
+    EXPECT_TRUE([console loadFile:String(Path())]);
     EXPECT_TRUE([window isVisible]);
-    EXPECT_NE(text().rfind("\n> exit\n"), std::string::npos);
+    EXPECT_NE(Text().rfind("\n> exit\n"), std::string::npos);
 }
 
 TEST_F(Scripts, theEntriesOfAScriptThatIsReplayedAreNotTyped) {
-    enter("1+1");
-    replay("2+2\nclear\n3+3\n");
-    EXPECT_EQ(savedEntries(), "");
-    EXPECT_EQ(text(), "> \nans = 6\n\n> ");
-    enter("4+4");
-    EXPECT_EQ(savedEntries(), "4+4\n");
+    Enter("1+1");
+    Replay("2+2\nclear\n3+3\n");
+    EXPECT_EQ(SavedEntries(), "");
+    EXPECT_EQ(Text(), "> \nans = 6\n\n> ");
+    Enter("4+4");
+    EXPECT_EQ(SavedEntries(), "4+4\n");
 }
 
 TEST_F(Scripts, behindAPromptOfAScriptAnswersBeginALine) {
-    replay("clear\necho50 typed\n1+1\n");
-    EXPECT_EQ(text(), "> \ntyped\nans = 2\n\n> ");
-    replay("clear\nx=1\n");
-    EXPECT_EQ(text(), "> \nx = 1\n\n> ");
-    replay("gospel\ngospel\n5\n"); // the second one shows a prompt
-    EXPECT_EQ(text().find("> ans = 5"), std::string::npos) << text();
-    EXPECT_NE(text().find("> \nans = 5\n"), std::string::npos) << text();
+    Replay("clear\necho50 typed\n1+1\n");
+    EXPECT_EQ(Text(), "> \ntyped\nans = 2\n\n> ");
+    Replay("clear\nx=1\n");
+    EXPECT_EQ(Text(), "> \nx = 1\n\n> ");
+    Replay("gospel\ngospel\n5\n"); // the second one shows a prompt
+    EXPECT_EQ(Text().find("> ans = 5"), std::string::npos) << Text();
+    EXPECT_NE(Text().find("> \nans = 5\n"), std::string::npos) << Text();
 }
 
 TEST_F(Scripts, newForgetsTheEntries) {
-    enter("1+1");
+    Enter("1+1");
     [console newDocument:nil];
-    EXPECT_EQ(savedEntries(), "");
-    enter("2+2");
-    enter("clear");
-    EXPECT_EQ(savedEntries(), "");
-    enter("3+3");
-    EXPECT_EQ(savedEntries(), "3+3\n");
+    EXPECT_EQ(SavedEntries(), "");
+    Enter("2+2");
+    Enter("clear");
+    EXPECT_EQ(SavedEntries(), "");
+    Enter("3+3");
+    EXPECT_EQ(SavedEntries(), "3+3\n");
 }
 
 TEST_F(Scripts, anEntryIsSavedAsItWasWhenItRan) {
-    type("1+");
-    type("2");
+    Type("1+");
+    Type("2");
     [static_cast<id>(console) undo:nil]; // of what was typed
     [console clearPrompt];
-    setPasteboard("> 7\n8");
+    SetPasteboard("> 7\n8");
     [console paste:nil];
-    press(KEY_RETURN);
-    enter("16");
+    Press(KEY_RETURN);
+    Enter("16");
     [console setDisplayBase:16:NO]; // shows the answer again in front of the prompt
     [static_cast<id>(console) undo:nil];
-    enter("17");
-    EXPECT_EQ(savedEntries(), "> 7; 8\n16\n17\n");
+    Enter("17");
+    EXPECT_EQ(SavedEntries(), "> 7; 8\n16\n17\n");
 }
 
 TEST_F(Scripts, aSavedScriptReplaysTheEntriesInOrder) {
-    enter("x=5");
-    enter("x=x*3");
-    ASSERT_TRUE([console writeScript:string(path())]);
-    EXPECT_EQ(read(path()), script());
-    restart();
-    EXPECT_TRUE([console loadFile:string(path())]);
-    EXPECT_EQ(variable("x"), "15");
+    Enter("x=5");
+    Enter("x=x*3");
+    ASSERT_TRUE([console writeScript:String(Path())]);
+    EXPECT_EQ(Read(Path()), Script());
+    Restart();
+    EXPECT_TRUE([console loadFile:String(Path())]);
+    EXPECT_EQ(Variable("x"), "15");
 }
 
 TEST_F(Scripts, writingReplacesAFileAndFailsWithoutHarm) {
-    write(path(), std::string(5000, 'x'));
-    EXPECT_TRUE([console writeScript:string(path())]);
-    EXPECT_EQ(read(path()), script());
-    EXPECT_FALSE([console writeScript:string(home + "/nowhere/test.script")]);
-    EXPECT_FALSE([console writeScript:string(home)]);
+    Write(Path(), std::string(5000, 'x'));
+    EXPECT_TRUE([console writeScript:String(Path())]);
+    EXPECT_EQ(Read(Path()), Script());
+    EXPECT_FALSE([console writeScript:String(home + "/nowhere/test.script")]);
+    EXPECT_FALSE([console writeScript:String(home)]);
 }
 
 // Letters that ASCII lacks can only be in texts; they go through a file as UTF-8.
 TEST_F(Scripts, otherLettersComeThroughAFile) {
-    enter("echo \xe9t\xe9"); // ISO Latin-1
-    ASSERT_NE(script().find("echo \u00e9t\u00e9\n"), std::string::npos);
-    ASSERT_TRUE([console writeScript:string(path())]);
-    const size_t before = text().size();
-    EXPECT_TRUE([console loadFile:string(path())]);
-    EXPECT_NE(text().find("\u00e9t\u00e9", before), std::string::npos);
-    EXPECT_EQ(text().find("\u00c3", before), std::string::npos);
+    Enter("echo \xe9t\xe9"); // ISO Latin-1
+    ASSERT_NE(Script().find("echo \u00e9t\u00e9\n"), std::string::npos);
+    ASSERT_TRUE([console writeScript:String(Path())]);
+    const size_t before = Text().size();
+    EXPECT_TRUE([console loadFile:String(Path())]);
+    EXPECT_NE(Text().find("\u00e9t\u00e9", before), std::string::npos);
+    EXPECT_EQ(Text().find("\u00c3", before), std::string::npos);
 }
 
 // --- The panels ---
@@ -234,11 +234,11 @@ protected:
     void SetUp() override {
         Scripts::SetUp();
         panelCalls.clear();
-        panelFile = string(path());
+        panelFile = String(Path());
         panelAnswer = NSOKButton;
-        replace([NSSavePanel class], @selector(runModal), reinterpret_cast<IMP>(runSavePanel));
-        replace([NSSavePanel class], @selector(filename), reinterpret_cast<IMP>(fileOfPanel));
-        replace([NSOpenPanel class], @selector(runModalForTypes:), reinterpret_cast<IMP>(runOpenPanel));
+        Replace([NSSavePanel class], @selector(runModal), reinterpret_cast<IMP>(runSavePanel));
+        Replace([NSSavePanel class], @selector(filename), reinterpret_cast<IMP>(fileOfPanel));
+        Replace([NSOpenPanel class], @selector(runModalForTypes:), reinterpret_cast<IMP>(runOpenPanel));
     }
 
     void TearDown() override {
@@ -253,7 +253,7 @@ private:
     };
     std::vector<Replaced> replaced;
 
-    void replace(Class panel, SEL selector, IMP implementation) {
+    void Replace(Class panel, SEL selector, IMP implementation) {
         Method const method = class_getInstanceMethod(panel, selector);
         ASSERT_NE(method, nullptr);
         replaced.push_back({method, method_setImplementation(method, implementation)});
@@ -261,110 +261,110 @@ private:
 };
 
 TEST_F(ScriptPanels, savingAsksForAScriptOrATextFile) {
-    enter("1+2");
+    Enter("1+2");
     [console saveDocument:nil];
     const std::vector<std::string> expected = {"Save to script file...", "Save Script", "script,txt"};
     EXPECT_EQ(panelCalls, expected);
-    EXPECT_EQ(read(path()), script());
+    EXPECT_EQ(Read(Path()), Script());
     EXPECT_TRUE(alerts.empty());
 }
 
 TEST_F(ScriptPanels, saveAsDoesTheSame) {
     [console saveDocumentAs:nil];
     EXPECT_EQ(panelCalls.size(), 3U);
-    EXPECT_EQ(read(path()), script());
+    EXPECT_EQ(Read(Path()), Script());
 }
 
 TEST_F(ScriptPanels, anyOtherAnswerSavesAndOpensNothing) {
     panelAnswer = NSCancelButton;
     [console saveDocument:nil];
-    EXPECT_FALSE(exists(path()));
-    write(path(), "x=5\n");
+    EXPECT_FALSE(Exists(Path()));
+    Write(Path(), "x=5\n");
     [console openDocument:nil];
-    EXPECT_EQ(text(), "> ");
+    EXPECT_EQ(Text(), "> ");
 }
 
 TEST_F(ScriptPanels, aScriptThatCannotBeSavedIsReported) {
-    panelFile = string(home + "/nowhere/x.script");
+    panelFile = String(home + "/nowhere/x.script");
     [console saveDocument:nil];
     ASSERT_EQ(alerts.size(), 1U);
     EXPECT_EQ(alerts[0], "The script could not be saved.\n" + home + "/nowhere/x.script");
 }
 
 TEST_F(ScriptPanels, openingAsksForOneFileAndReplaysIt) {
-    write(path(), "x=5\n");
+    Write(Path(), "x=5\n");
     [console openDocument:nil];
     const std::vector<std::string> expected = {"files", "", "", "txt,script"};
     EXPECT_EQ(panelCalls, expected);
-    EXPECT_EQ(variable("x"), "5");
+    EXPECT_EQ(Variable("x"), "5");
 }
 
 // --- Replaying ---
 
 TEST_F(Scripts, aReplayShowsAnswersAndEndsWithAPrompt) {
-    EXPECT_EQ(replay("x=5\nx*2\n"), "\nx = 5\nans = 10\n\n> ");
-    EXPECT_EQ(entry(), "");
+    EXPECT_EQ(Replay("x=5\nx*2\n"), "\nx = 5\nans = 10\n\n> ");
+    EXPECT_EQ(Entry(), "");
     EXPECT_EQ(g_linestart, static_cast<int32_t>([[console string] length]));
 }
 
 TEST_F(Scripts, linesThatBeginWithANumberSignAreNeverExecuted) {
-    replay("# x=1\n#x=2\n###\n### HISTORY ###\n#");
+    Replay("# x=1\n#x=2\n###\n### HISTORY ###\n#");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
     EXPECT_EQ(calc.history.count, 0);
 }
 
 TEST_F(Scripts, aCommentBehindAnEntryIsLeftOut) {
-    replay("x=5 # five\n");
-    EXPECT_EQ(variable("x"), "5");
+    Replay("x=5 # five\n");
+    EXPECT_EQ(Variable("x"), "5");
 }
 
 TEST_F(Scripts, aBlankLineIsNoEntry) {
-    replay("x=5\nx=x+1\n\n  \t\n\r\n");
-    EXPECT_EQ(variable("x"), "6");
+    Replay("x=5\nx=x+1\n\n  \t\n\r\n");
+    EXPECT_EQ(Variable("x"), "6");
 }
 
 TEST_F(Scripts, lineEndsOfOtherSystemsAndTheLastLineWithoutOne) {
-    replay("x=5\r\nclear\r\ny=7");
-    EXPECT_EQ(variable("x"), "5");
-    EXPECT_EQ(variable("y"), "7");
+    Replay("x=5\r\nclear\r\ny=7");
+    EXPECT_EQ(Variable("x"), "5");
+    EXPECT_EQ(Variable("y"), "7");
 }
 
 TEST_F(Scripts, aByteOrderMarkIsNoText) {
-    EXPECT_EQ(replay("\xEF\xBB\xBF# note\nx=5\n"), "\nx = 5\n\n> ");
-    EXPECT_EQ(replay("\xEF\xBB\xBFx=6\n"), "\nx = 6\n\n> ");
-    EXPECT_EQ(replay("\xEF\xBB\xBF"), "\n\n> ");
-    replay("x=x+1\n");
-    replay("\xEF\xBB\xBF\n");
-    EXPECT_EQ(variable("x"), "7"); // the blank line repeated nothing
+    EXPECT_EQ(Replay("\xEF\xBB\xBF# note\nx=5\n"), "\nx = 5\n\n> ");
+    EXPECT_EQ(Replay("\xEF\xBB\xBFx=6\n"), "\nx = 6\n\n> ");
+    EXPECT_EQ(Replay("\xEF\xBB\xBF"), "\n\n> ");
+    Replay("x=x+1\n");
+    Replay("\xEF\xBB\xBF\n");
+    EXPECT_EQ(Variable("x"), "7"); // the blank line repeated nothing
 }
 
 TEST_F(Scripts, anEmptyFileGivesANewPrompt) {
-    EXPECT_EQ(replay(""), "\n\n> ");
-    EXPECT_EQ(replay("\n"), "\n\n> ");
+    EXPECT_EQ(Replay(""), "\n\n> ");
+    EXPECT_EQ(Replay("\n"), "\n\n> ");
 }
 
 TEST_F(Scripts, whatCannotBeOpenedIsRefusedWithoutAMessage) {
-    EXPECT_FALSE([console loadFile:string(home + "/none.script")]);
-    EXPECT_FALSE([console loadFile:string(home)]);
+    EXPECT_FALSE([console loadFile:String(home + "/none.script")]);
+    EXPECT_FALSE([console loadFile:String(home)]);
     EXPECT_FALSE([console loadFile:@""]);
     EXPECT_FALSE([console loadFile:nil]);
     ASSERT_EQ(mkfifo((home + "/pipe").c_str(), 0600), 0);
-    EXPECT_FALSE([console loadFile:string(home + "/pipe")]);
-    EXPECT_EQ(text(), "> ");
+    EXPECT_FALSE([console loadFile:String(home + "/pipe")]);
+    EXPECT_EQ(Text(), "> ");
     EXPECT_TRUE(alerts.empty());
 }
 
 TEST_F(Scripts, nothingHidesBehindANul) {
-    replay(std::string("x=5\0+1\ny=7\n", 12));
+    Replay(std::string("x=5\0+1\ny=7\n", 12));
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    EXPECT_EQ(variable("y"), "7");
+    EXPECT_EQ(Variable("y"), "7");
 }
 
 TEST_F(Scripts, bytesOfChanceAreErrorsAndNothingWorse) {
     std::string bytes;
     for (int i = 0; i < 4000; i++) bytes += static_cast<char>(i * 7919 % 251 + (i % 40 == 0 ? 4 : 0));
-    replay(bytes);
-    enter("40+2");
+    Replay(bytes);
+    Enter("40+2");
     EXPECT_STREQ(calc.lastAnswer, "42");
 }
 
@@ -372,118 +372,118 @@ TEST_F(Scripts, bytesOfChanceAreErrorsAndNothingWorse) {
 TEST_F(Scripts, linesOfMoreThan998CharactersAreReadWhole) {
     std::string line = "x=0";
     for (int i = 0; i < 2000; i++) line += "+1";
-    replay(line + "\n");
-    EXPECT_EQ(variable("x"), "2000");
+    Replay(line + "\n");
+    EXPECT_EQ(Variable("x"), "2000");
 }
 
 TEST_F(Scripts, aLineThatIsTooLongForAnEntryIsAnErrorAndTheNextOneRuns) {
     std::string line = "x=0";
     while (line.size() < 20000) line += "+1";
-    const std::string output = replay(line + "\ny=7\n");
+    const std::string output = Replay(line + "\ny=7\n");
     EXPECT_NE(output.find("ERROR"), std::string::npos);
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    EXPECT_EQ(variable("y"), "7");
+    EXPECT_EQ(Variable("y"), "7");
 }
 
 TEST_F(Scripts, clearEmptiesTheConsoleAndTheScriptGoesOn) {
-    const std::string output = replay("x=5\nclear\ny=7\n");
+    const std::string output = Replay("x=5\nclear\ny=7\n");
     EXPECT_EQ(output.find("x = 5"), std::string::npos);
     EXPECT_NE(output.find("y = 7"), std::string::npos);
     EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
 }
 
 TEST_F(Scripts, exitClosesTheWindowAndEndsTheScript) {
-    replay("x=5\nexit\nx=6\n");
+    Replay("x=5\nexit\nx=6\n");
     EXPECT_FALSE([window isVisible]);
-    EXPECT_EQ(variable("x"), "5");
+    EXPECT_EQ(Variable("x"), "5");
 }
 
 TEST_F(Scripts, aPauseWaits) {
     const auto start = std::chrono::steady_clock::now();
-    replay("pause 300\nx=5\n");
-    EXPECT_GE(seconds(start), 0.3); // on a busy machine it takes longer
-    EXPECT_EQ(variable("x"), "5");
+    Replay("pause 300\nx=5\n");
+    EXPECT_GE(Seconds(start), 0.3); // on a busy machine it takes longer
+    EXPECT_EQ(Variable("x"), "5");
 }
 
 TEST_F(Scripts, escapeWhileALinePausesEndsTheReplayBehindThatLine) {
-    post(@"\033");
-    const std::string output = replay("x=5\npause 5000\nx=6\n");
-    EXPECT_EQ(variable("x"), "5");
+    Post(@"\033");
+    const std::string output = Replay("x=5\npause 5000\nx=6\n");
+    EXPECT_EQ(Variable("x"), "5");
     EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
     EXPECT_FALSE(scriptInterrupted);
 }
 
 TEST_F(Scripts, anInterruptionTellsTheEngine) {
-    post(@"\033");
-    replay("pause 5000\nx=6\n");
+    Post(@"\033");
+    Replay("pause 5000\nx=6\n");
     EXPECT_TRUE(calc.interrupted);
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
 }
 
 TEST_F(Scripts, escapeWhileATextIsTypedOutEndsTheReplay) {
-    post(@"\033");
-    replay("echo5 a long text that takes its time\nx=6\n");
+    Post(@"\033");
+    Replay("echo5 a long text that takes its time\nx=6\n");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
 }
 
 TEST_F(Scripts, otherKeysDoNotEndIt) {
-    post(@"x");
-    replay("pause 200\nx=6\n");
-    EXPECT_EQ(variable("x"), "6");
+    Post(@"x");
+    Replay("pause 200\nx=6\n");
+    EXPECT_EQ(Variable("x"), "6");
 }
 
 TEST_F(Scripts, anEarlierEntrysInterruptionDoesNotEndTheNextScript) {
     scriptInterrupted = true;
-    replay("x=5\nx=6\n");
-    EXPECT_EQ(variable("x"), "6");
+    Replay("x=5\nx=6\n");
+    EXPECT_EQ(Variable("x"), "6");
 }
 
 TEST_F(Scripts, theNextScriptRunsWholeAfterAnInterruption) {
-    post(@"\033");
-    replay("pause 5000\nx=5\n");
-    replay("x=6\nx=x+1\n");
-    EXPECT_EQ(variable("x"), "7");
+    Post(@"\033");
+    Replay("pause 5000\nx=5\n");
+    Replay("x=6\nx=x+1\n");
+    EXPECT_EQ(Variable("x"), "7");
 }
 
 // The system hands over a file whenever the run loop turns, also while a script pauses.
 TEST_F(Scripts, aScriptThatComesDuringAnotherWaitsForItsEnd) {
     const std::string other = home + "/other.script";
-    write(other, "y=x\n");
-    [console performSelector:@selector(loadFile:) withObject:string(other) afterDelay:0.05];
-    replay("x=5\npause 400\nx=6\n");
+    Write(other, "y=x\n");
+    [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0.05];
+    Replay("x=5\npause 400\nx=6\n");
     EXPECT_EQ(calc.VariableExists("y"), nullptr);
-    waitForVariable("y");
-    EXPECT_EQ(variable("y"), "6");
+    WaitForVariable("y");
+    EXPECT_EQ(Variable("y"), "6");
 }
 
 TEST_F(Scripts, aScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
     const std::string other = home + "/other.script";
-    write(other, "y=1\n");
-    [console performSelector:@selector(loadFile:) withObject:string(other) afterDelay:0];
-    replay("pause 50\nexit\n");
+    Write(other, "y=1\n");
+    [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0];
+    Replay("pause 50\nexit\n");
     EXPECT_FALSE([window isVisible]);
     EXPECT_FALSE([console hasWaitingScripts]);
     EXPECT_EQ(calc.VariableExists("y"), nullptr);
-    EXPECT_EQ(text().find("y = 1"), std::string::npos);
+    EXPECT_EQ(Text().find("y = 1"), std::string::npos);
 }
 
 TEST_F(Scripts, aScriptThatComesDuringAnEntryWaitsForItsEnd) {
-    write(path(), "y=1\n");
+    Write(Path(), "y=1\n");
     [console entryWillRun];
-    EXPECT_TRUE([console loadFile:string(path())]);
+    EXPECT_TRUE([console loadFile:String(Path())]);
     EXPECT_EQ(calc.VariableExists("y"), nullptr);
-    EXPECT_EQ(text(), "> ");
+    EXPECT_EQ(Text(), "> ");
     [console entryDidRun];
-    waitForVariable("y");
-    EXPECT_EQ(variable("y"), "1");
+    WaitForVariable("y");
+    EXPECT_EQ(Variable("y"), "1");
 }
 
 // --- New, the tutorial, files from the system ---
 
 TEST_F(Scripts, aNewDocumentIsAClearConsole) {
-    enter("1+2");
+    Enter("1+2");
     [console newDocument:nil];
-    EXPECT_EQ(text(), "> ");
+    EXPECT_EQ(Text(), "> ");
     EXPECT_EQ(g_linestart, 2);
 }
 
@@ -506,32 +506,32 @@ static void runTutorial(MainConsole* console, NSString* path) {
 }
 
 TEST_F(Scripts, theTutorialClearsTheEntryAndReplaysItsResource) {
-    type("half an entry");
-    write(path(), "x=5\n");
-    runTutorial(console, string(path()));
+    Type("half an entry");
+    Write(Path(), "x=5\n");
+    runTutorial(console, String(Path()));
     EXPECT_EQ(askedResources.at(0), "tutorial.script");
-    EXPECT_EQ(text(), "> \nx = 5\n\n> ");
+    EXPECT_EQ(Text(), "> \nx = 5\n\n> ");
 }
 
 TEST_F(Scripts, withoutItsResourceTheTutorialOnlyClearsTheEntry) {
-    type("half an entry");
+    Type("half an entry");
     runTutorial(console, nil);
-    EXPECT_EQ(text(), "> ");
+    EXPECT_EQ(Text(), "> ");
 }
 
 // --- Files from the system ---
 
 TEST_F(Scripts, aFileFromTheSystemIsReplayedOnceTheConsoleIsReady) {
-    write(path(), "x=5\n");
+    Write(Path(), "x=5\n");
     calcIsReady = 0;
-    EXPECT_TRUE([delegate application:NSApp openFile:string(path())]);
+    EXPECT_TRUE([delegate application:NSApp openFile:String(Path())]);
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    EXPECT_TRUE([waitingToOpenFilenames isEqual:@[ string(path()) ]]);
+    EXPECT_TRUE([waitingToOpenFilenames isEqual:@[ String(Path()) ]]);
     [waitingToOpenFilenames release];
     waitingToOpenFilenames = nil;
     calcIsReady = 1;
-    EXPECT_TRUE([delegate application:NSApp openFile:string(path())]);
-    EXPECT_EQ(variable("x"), "5");
-    EXPECT_FALSE([delegate application:NSApp openFile:string(home + "/none")]);
+    EXPECT_TRUE([delegate application:NSApp openFile:String(Path())]);
+    EXPECT_EQ(Variable("x"), "5");
+    EXPECT_FALSE([delegate application:NSApp openFile:String(home + "/none")]);
     calcIsReady = 0;
 }

@@ -8,8 +8,8 @@
 // --- Defaults ---
 
 TEST_F(Settings, firstStartMakesTheFolderAndWritesEveryDefault) {
-    EXPECT_TRUE(exists(folder()));
-    NSDictionary* const file = stored();
+    EXPECT_TRUE(Exists(Folder()));
+    NSDictionary* const file = Stored();
     EXPECT_EQ([file count], std::size(NUMBERS) + std::size(OBJECTS));
     for (const KnownSetting& one : NUMBERS) {
         SCOPED_TRACE(one.key);
@@ -24,7 +24,7 @@ TEST_F(Settings, firstStartMakesTheFolderAndWritesEveryDefault) {
 
 TEST_F(Settings, settingsInMemoryHaveEveryDefault) {
     EXPECT_EQ([[console settings] count], std::size(NUMBERS) + std::size(OBJECTS));
-    expectDefaults();
+    ExpectDefaults();
 }
 
 TEST_F(Settings, initSettingsDefaultDiscardsWhatWasThere) {
@@ -32,8 +32,8 @@ TEST_F(Settings, initSettingsDefaultDiscardsWhatWasThere) {
     [[console settings] setObject:@"x" forKey:@"unknown"];
     [console initSettingsDefault];
     [console setSetting:@"firstrun" to:2];
-    expectDefaults();
-    EXPECT_EQ(setting("unknown"), nil);
+    ExpectDefaults();
+    EXPECT_EQ(SettingOf("unknown"), nil);
 }
 
 TEST_F(Settings, initColorsDefaultSetsColorsAndTransparencyAlone) {
@@ -41,8 +41,8 @@ TEST_F(Settings, initColorsDefaultSetsColorsAndTransparencyAlone) {
     [[console settings] setObject:[NSColor redColor] forKey:@"fgcolor"];
     [[console settings] setObject:[NSColor redColor] forKey:@"bgcolor"];
     [console initColorsDefault];
-    expectColor(setting("bgcolor"), 0.1, 0.1, 0.1, 1);
-    expectColor(setting("fgcolor"), 0.1, 0.9, 0.9, 1);
+    expectColor(SettingOf("bgcolor"), 0.1, 0.1, 0.1, 1);
+    expectColor(SettingOf("fgcolor"), 0.1, 0.9, 0.9, 1);
     EXPECT_EQ([console setting:@"trans"], 25);
     EXPECT_EQ([console setting:@"sigfigs"], 33);
 }
@@ -52,16 +52,16 @@ TEST_F(Settings, initColorsDefaultSetsColorsAndTransparencyAlone) {
 TEST_F(Settings, everyNumberComesBackAtTheNextStart) {
     for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
     [console saveSettings];
-    for (const KnownSetting& one : NUMBERS) EXPECT_EQ(storedNumber(one.key), one.other) << one.key;
-    restart();
+    for (const KnownSetting& one : NUMBERS) EXPECT_EQ(StoredNumber(one.key), one.other) << one.key;
+    Restart();
     for (const KnownSetting& one : NUMBERS) {
         const bool isFirstRun = strcmp(one.key, "firstrun") == 0; // counted by the start
-        EXPECT_EQ([setting(one.key) intValue], isFirstRun ? one.other + 1 : one.other) << one.key;
+        EXPECT_EQ([SettingOf(one.key) intValue], isFirstRun ? one.other + 1 : one.other) << one.key;
     }
 }
 
 TEST_F(Settings, theEngineAndTheWindowStartWithWhatTheFileSays) {
-    startOver(HEAD + pair("firstrun", integer(5)) + pair("degmode", integer(0)) +
+    StartOver(HEAD + pair("firstrun", integer(5)) + pair("degmode", integer(0)) +
               pair("dispbase", integer(16)) + pair("european", integer(1)) + pair("sigfigs", integer(5)) +
               pair("separator", integer(1)) + pair("schar", integer(39)) + pair("twoscomp", integer(1)) +
               pair("histsz", integer(7)) + pair("x", integer(60)) + pair("y", integer(70)) +
@@ -83,9 +83,9 @@ TEST_F(Settings, everySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
         const Setting& row = *findSetting(one.key);
         EXPECT_EQ(row.standard, one.standard);
         [console setSetting:string(one.key) to:one.other];
-        enter("1");
+        Enter("1");
         if (row.entry.IsOfEachEntry()) EXPECT_EQ(row.ValueIn(calc), one.other);
-        if (row.command.word) enter(row.CommandFor(one.standard).c_str());
+        if (row.command.word) Enter(row.CommandFor(one.standard).c_str());
         EXPECT_EQ([console setting:string(one.key)], row.command.word ? one.standard : one.other);
         if (strcmp(one.key, "tenkey") != 0)
             EXPECT_EQ(row.entry.field.index() != 0, row.entry.IsOfEachEntry());
@@ -98,12 +98,12 @@ TEST_F(Settings, savingTakesFontAndColorsFromTheView) {
     NSFont* const font = [NSFont userFixedPitchFontOfSize:21];
     [console setFont:font];
     [console saveSettings];
-    expectColor(setting("bgcolor"), 0.2, 0.3, 0.4, 0.5);
-    expectColor(setting("fgcolor"), 0.6, 0.7, 0.8, 1);
-    EXPECT_TRUE([setting("nsfont") isEqual:font]);
-    restart();
-    expectColor(setting("bgcolor"), 0.2, 0.3, 0.4, 0.5);
-    expectColor(setting("fgcolor"), 0.6, 0.7, 0.8, 1);
+    expectColor(SettingOf("bgcolor"), 0.2, 0.3, 0.4, 0.5);
+    expectColor(SettingOf("fgcolor"), 0.6, 0.7, 0.8, 1);
+    EXPECT_TRUE([SettingOf("nsfont") isEqual:font]);
+    Restart();
+    expectColor(SettingOf("bgcolor"), 0.2, 0.3, 0.4, 0.5);
+    expectColor(SettingOf("fgcolor"), 0.6, 0.7, 0.8, 1);
     EXPECT_EQ([[console font] pointSize], 21);
     EXPECT_TRUE([[[console font] fontName] isEqualToString:[font fontName]]);
 }
@@ -112,7 +112,7 @@ TEST_F(Settings, loadingShowsTheConsoleInColorsAndFont) {
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.2 green:0.4 blue:0.6 alpha:1]];
     [console setTextColor:[NSColor colorWithCalibratedRed:0.5 green:0.5 blue:0.5 alpha:1]];
     [console saveSettings];
-    restart();
+    Restart();
     expectColor([console backgroundColor], 0.2, 0.4, 0.6, 1);
     expectColor([console textColor], 0.5, 0.5, 0.5, 1);
     expectColor([console insertionPointColor], 0.5, 0.5, 0.5, 1);
@@ -122,17 +122,17 @@ TEST_F(Settings, loadingShowsTheConsoleInColorsAndFont) {
 }
 
 TEST_F(Settings, colorsAndFontAreDataThatSpellThemOut) {
-    EXPECT_EQ(bytes([stored() objectForKey:@"fgcolor"]), "0.1 0.9 0.9 1");
-    EXPECT_EQ(bytes([stored() objectForKey:@"bgcolor"]), "0.1 0.1 0.1 1");
+    EXPECT_EQ(bytes([Stored() objectForKey:@"fgcolor"]), "0.1 0.9 0.9 1");
+    EXPECT_EQ(bytes([Stored() objectForKey:@"bgcolor"]), "0.1 0.1 0.1 1");
     const std::string font = std::string("13 ") + [[[console font] fontName] UTF8String];
-    EXPECT_EQ(bytes([stored() objectForKey:@"nsfont"]), font);
+    EXPECT_EQ(bytes([Stored() objectForKey:@"nsfont"]), font);
 }
 
 TEST_F(Settings, missingColorsAndFontLeaveTheViewAsItWas) {
     [console setTextColor:[NSColor colorWithCalibratedRed:1 green:0.5 blue:0 alpha:1]];
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0 green:0 blue:1 alpha:1]];
     [console setFont:[NSFont userFixedPitchFontOfSize:21]];
-    write(settingsPath(), fileWith("sigfigs", integer(3)));
+    Write(SettingsPath(), fileWith("sigfigs", integer(3)));
     [console loadSettings];
     EXPECT_EQ([[console settings] count], 1U);
     EXPECT_EQ([console setting:@"sigfigs"], 3);
@@ -142,26 +142,26 @@ TEST_F(Settings, missingColorsAndFontLeaveTheViewAsItWas) {
 }
 
 TEST_F(Settings, withoutSettingsNothingIsSaved) {
-    terminate();
-    const std::string before = read(settingsPath());
+    Terminate();
+    const std::string before = Read(SettingsPath());
     [console saveSettings];
-    EXPECT_EQ(read(settingsPath()), before);
+    EXPECT_EQ(Read(SettingsPath()), before);
     EXPECT_EQ([console settings], nil);
 }
 
 TEST_F(Settings, theEndOfTheProgramStoresTheFrame) {
     [window setFrame:NSMakeRect(33, 44, 555, 333) display:YES];
-    terminate();
-    EXPECT_EQ(storedNumber("x"), 33);
-    EXPECT_EQ(storedNumber("y"), 44);
-    EXPECT_EQ(storedNumber("cx"), 555);
-    EXPECT_EQ(storedNumber("cy"), 333);
+    Terminate();
+    EXPECT_EQ(StoredNumber("x"), 33);
+    EXPECT_EQ(StoredNumber("y"), 44);
+    EXPECT_EQ(StoredNumber("cx"), 555);
+    EXPECT_EQ(StoredNumber("cy"), 333);
 }
 
 TEST_F(Settings, keysOfOtherVersionsStay) {
-    startOver(HEAD + pair("later", "<array><string>a</string></array>") + pair("firstrun", integer(3)) + END);
-    terminate();
-    EXPECT_TRUE([[stored() objectForKey:@"later"] isEqual:[NSArray arrayWithObject:@"a"]]);
+    StartOver(HEAD + pair("later", "<array><string>a</string></array>") + pair("firstrun", integer(3)) + END);
+    Terminate();
+    EXPECT_TRUE([[Stored() objectForKey:@"later"] isEqual:[NSArray arrayWithObject:@"a"]]);
 }
 
 TEST_F(Settings, theDecimalPointOfTheFileIsNotTheLocales) {
@@ -175,33 +175,33 @@ TEST_F(Settings, theDecimalPointOfTheFileIsNotTheLocales) {
     unsetenv("LOCPATH");
     EXPECT_STREQ(localeconv()->decimal_point, ".");
     [console saveSettings];
-    EXPECT_EQ(bytes([stored() objectForKey:@"fgcolor"]), "0.1 0.9 0.9 1");
-    restart();
+    EXPECT_EQ(bytes([Stored() objectForKey:@"fgcolor"]), "0.1 0.9 0.9 1");
+    Restart();
     expectColor([console textColor], 0.1, 0.9, 0.9, 1);
-    enter("x=1.5");
-    terminate();
-    EXPECT_NE(read(functionsPath()).find("\nx=1.5\n"), std::string::npos);
+    Enter("x=1.5");
+    Terminate();
+    EXPECT_NE(Read(FunctionsPath()).find("\nx=1.5\n"), std::string::npos);
 }
 
 // --- Written soon after an entry ---
 
 TEST_F(Settings, whatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
-    enter("sigfigs 20");
-    enter("mode rad");
-    enter("scimode eng");
-    enter("display hex");
-    for (int i = 0; i < 100 && storedNumber("dispbase") != 16; i++) run(0.05);
-    EXPECT_EQ(storedNumber("sigfigs"), 20);
-    EXPECT_EQ(storedNumber("degmode"), 0);
-    EXPECT_EQ(storedNumber("scimode"), 3);
-    EXPECT_EQ(storedNumber("dispbase"), 16);
+    Enter("sigfigs 20");
+    Enter("mode rad");
+    Enter("scimode eng");
+    Enter("display hex");
+    for (int i = 0; i < 100 && StoredNumber("dispbase") != 16; i++) Run(0.05);
+    EXPECT_EQ(StoredNumber("sigfigs"), 20);
+    EXPECT_EQ(StoredNumber("degmode"), 0);
+    EXPECT_EQ(StoredNumber("scimode"), 3);
+    EXPECT_EQ(StoredNumber("dispbase"), 16);
 }
 
 // The write that is due when an entry ends comes before its settings are taken over.
 TEST_F(Settings, anEntryAtTheMomentOfTheWriteIsNotForgotten) {
-    enter("1+1");
-    waitForWriting(); // the run loop has no turn
-    enter("sigfigs 20");
-    for (int i = 0; i < 100 && storedNumber("sigfigs") != 20; i++) run(0.05);
-    EXPECT_EQ(storedNumber("sigfigs"), 20);
+    Enter("1+1");
+    WaitForWriting(); // the run loop has no turn
+    Enter("sigfigs 20");
+    for (int i = 0; i < 100 && StoredNumber("sigfigs") != 20; i++) Run(0.05);
+    EXPECT_EQ(StoredNumber("sigfigs"), 20);
 }

@@ -17,36 +17,36 @@ class Shutdown : public ShellTest {
 protected:
     using Frame = std::vector<int>;
 
-    Frame storedFrame() const {
-        const auto stored = storedSettings();
+    Frame StoredFrame() const {
+        const auto stored = StoredSettings();
         return {stored.at("x"), stored.at("y"), stored.at("cx"), stored.at("cy")};
     }
 
-    void expectStored(const NSRect& frame) {
-        EXPECT_EQ(storedFrame(),
+    void ExpectStored(const NSRect& frame) {
+        EXPECT_EQ(StoredFrame(),
                   Frame({static_cast<int>(NSMinX(frame)), static_cast<int>(NSMinY(frame)),
                          static_cast<int>(NSWidth(frame)), static_cast<int>(NSHeight(frame))}));
     }
 
-    id application() const { return reinterpret_cast<id>(delegate); }
+    id Application() const { return reinterpret_cast<id>(delegate); }
 };
 
 TEST_F(Shutdown, theFrameIsTruncatedToIntegers) {
     fakeFrame = NSMakeRect(100.9, -3.7, 512.5, 301.99);
     {
         const Replaced frame([NSWindow class], @selector(frame), frameOfTests);
-        terminate();
+        Terminate();
     }
-    EXPECT_EQ(storedFrame(), Frame({100, -3, 512, 301}));
+    EXPECT_EQ(StoredFrame(), Frame({100, -3, 512, 301}));
 }
 
 TEST_F(Shutdown, withoutAWindowTheFrameIsZero) {
     [[console retain] autorelease];
     [[[[console enclosingScrollView] retain] autorelease] removeFromSuperview];
     ASSERT_EQ([console window], nil);
-    terminate();
-    EXPECT_EQ(storedFrame(), Frame({0, 0, 0, 0}));
-    restart();
+    Terminate();
+    EXPECT_EQ(StoredFrame(), Frame({0, 0, 0, 0}));
+    Restart();
     EXPECT_TRUE([window isVisible]);
     EXPECT_GE(NSWidth([window frame]), 400);
     EXPECT_GE(NSHeight([window frame]), 150);
@@ -54,42 +54,42 @@ TEST_F(Shutdown, withoutAWindowTheFrameIsZero) {
 
 TEST_F(Shutdown, aHiddenWindowKeepsTheFrameThatItHad) {
     [window setFrame:NSMakeRect(200, 200, 480, 320) display:YES];
-    clickStatusItem();
+    ClickStatusItem();
     mainWinIsHidden = 1;
     [window setFrame:NSMakeRect(0, 0, 480, 320) display:YES]; // what the window manager says of it
-    const int before[] = {setting("x"), setting("y")};
-    terminate();
-    EXPECT_EQ(storedFrame()[0], before[0]);
-    EXPECT_EQ(storedFrame()[1], before[1]);
+    const int before[] = {SettingOf("x"), SettingOf("y")};
+    Terminate();
+    EXPECT_EQ(StoredFrame()[0], before[0]);
+    EXPECT_EQ(StoredFrame()[1], before[1]);
 }
 
 TEST_F(Shutdown, aClosedWindowKeepsTheFrameThatItHad) {
-    setSetting("snaptoscreen", 0);
+    SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(210, 220, 490, 330) display:YES];
     [window close];
-    terminate();
-    expectStored(NSMakeRect(210, 220, 490, 330));
+    Terminate();
+    ExpectStored(NSMakeRect(210, 220, 490, 330));
 }
 
 TEST_F(Shutdown, exitKeepsTheFrame) {
-    setSetting("snaptoscreen", 0);
+    SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(230, 240, 470, 310) display:YES];
-    enter("exit");
-    terminate();
-    expectStored(NSMakeRect(230, 240, 470, 310));
+    Enter("exit");
+    Terminate();
+    ExpectStored(NSMakeRect(230, 240, 470, 310));
 }
 
 TEST_F(Shutdown, theFilesAreWrittenAndThePathsLetGo) {
-    enter("width=7");
-    setSetting("sigfigs", 23);
-    terminate();
-    EXPECT_EQ(storedSettings().at("sigfigs"), 23);
-    EXPECT_NE(read(functionsPath()).find("width=7"), std::string::npos);
+    Enter("width=7");
+    SetSetting("sigfigs", 23);
+    Terminate();
+    EXPECT_EQ(StoredSettings().at("sigfigs"), 23);
+    EXPECT_NE(Read(FunctionsPath()).find("width=7"), std::string::npos);
     EXPECT_EQ(funcFilePath, nil);
     EXPECT_EQ(prefFilePath, nil);
     EXPECT_EQ([console settings], nil);
-    terminate(); // a second end does nothing
-    EXPECT_EQ(storedSettings().at("sigfigs"), 23);
+    Terminate(); // a second end does nothing
+    EXPECT_EQ(StoredSettings().at("sigfigs"), 23);
 }
 
 // --- The application's end ---
@@ -107,26 +107,26 @@ TEST_F(Shutdown, thePreferencesCloseFirstAndTheStatusItemGoesLast) {
     const Replaced close([PrefController class], @selector(closePanel), record);
     const Replaced terminated([MainConsole class], @selector(terminateConsole), record);
     const Replaced removed([PelmoAppDelegate class], @selector(removeAppStatusItem), record);
-    originals = {{"closePanel", close.implementation()},
-                 {"terminateConsole", terminated.implementation()},
-                 {"removeAppStatusItem", removed.implementation()}};
-    [application() applicationWillTerminate:nil];
+    originals = {{"closePanel", close.Implementation()},
+                 {"terminateConsole", terminated.Implementation()},
+                 {"removeAppStatusItem", removed.Implementation()}};
+    [Application() applicationWillTerminate:nil];
     EXPECT_EQ(sent, std::vector<std::string>({"closePanel", "terminateConsole", "removeAppStatusItem"}));
 }
 
 TEST_F(Shutdown, whatOpenPreferencesSayIsStored) {
-    [preferences() menuPreferences:nil];
+    [Preferences() menuPreferences:nil];
     ASSERT_EQ(prefWinIsOpen, 1);
-    [[preferences() controls].prefSigFigs setIntValue:17];
-    [application() applicationWillTerminate:nil];
+    [[Preferences() controls].prefSigFigs setIntValue:17];
+    [Application() applicationWillTerminate:nil];
     EXPECT_EQ(prefWinIsOpen, 0);
-    EXPECT_EQ(storedSettings().at("sigfigs"), 17);
+    EXPECT_EQ(StoredSettings().at("sigfigs"), 17);
 }
 
 TEST_F(Shutdown, theLastWindowEndsTheProgramUnlessItIsHidden) {
-    EXPECT_TRUE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    EXPECT_TRUE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
     mainWinIsHidden = 1;
-    EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }
 
 BOOL yes(id, SEL) {
@@ -135,7 +135,7 @@ BOOL yes(id, SEL) {
 
 TEST_F(Shutdown, aMiniaturizedWindowKeepsTheProgramAlive) {
     const Replaced miniaturized([NSWindow class], @selector(isMiniaturized), yes);
-    EXPECT_FALSE([application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
+    EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }
 
 } // namespace

@@ -90,27 +90,27 @@ protected:
     void SetUp() override {
         ShellTest::SetUp();
         screen = [[NSScreen mainScreen] visibleFrame];
-        place(300, 200);
+        Place(300, 200);
     }
 
-    MainWindowDelegate* mover() const {
+    MainWindowDelegate* Mover() const {
         return [reinterpret_cast<PelmoAppDelegate*>(delegate) windowDelegate];
     }
 
-    void place(CGFloat x, CGFloat y) {
+    void Place(CGFloat x, CGFloat y) {
         const NSRect frame = {{NSMinX(screen) + x, NSMinY(screen) + y}, {WIDTH, HEIGHT}};
-        [mover() placeWindow:frame];
+        [Mover() placeWindow:frame];
     }
 
     // Relative to the screen.
-    NSPoint origin() const {
+    NSPoint Origin() const {
         const NSPoint place = [window frame].origin;
         return NSMakePoint(place.x - NSMinX(screen), place.y - NSMinY(screen));
     }
 
-    void dragTo(CGFloat x, CGFloat y, NSUInteger flags = 0, NSEventType type = NSLeftMouseDragged) {
+    void DragTo(CGFloat x, CGFloat y, NSUInteger flags = 0, NSEventType type = NSLeftMouseDragged) {
         mouse = NSMakePoint(x, y);
-        [mover() mouseDragged:[NSEvent mouseEventWithType:type
+        [Mover() mouseDragged:[NSEvent mouseEventWithType:type
                                                  location:NSZeroPoint
                                             modifierFlags:flags
                                                 timestamp:0
@@ -135,15 +135,15 @@ protected:
     }
 
     // In the strip of the controls, right of them.
-    NSPoint freePlace() const {
+    NSPoint FreePlace() const {
         NSView* const content = [window contentView];
         const NSRect bounds = [content bounds];
         return [content convertPoint:NSMakePoint(NSMaxX(bounds) - 5, NSMaxY(bounds) - 10) toView:nil];
     }
 
-    void expectOrigin(CGFloat x, CGFloat y) {
-        EXPECT_NEAR(origin().x, x, 1e-3);
-        EXPECT_NEAR(origin().y, y, 1e-3);
+    void ExpectOrigin(CGFloat x, CGFloat y) {
+        EXPECT_NEAR(Origin().x, x, 1e-3);
+        EXPECT_NEAR(Origin().y, y, 1e-3);
     }
 
     NSRect screen = NSZeroRect;
@@ -153,135 +153,135 @@ protected:
 TEST_F(Snapping, theBeginOfAMoveIsRecorded) {
     mouse = NSMakePoint(310.5, 205.25);
     const NSPoint place = [window frame].origin;
-    [mover() windowWillMove:nil];
+    [Mover() windowWillMove:nil];
     EXPECT_EQ(snapEnabled, 1);
     EXPECT_TRUE(NSEqualPoints(mouseLocOrig, mouse));
     EXPECT_TRUE(NSEqualPoints(windLocOrig, place));
     EXPECT_EQ(ddX, static_cast<float>(place.x - 310.5));
     EXPECT_EQ(ddY, static_cast<float>(place.y - 205.25));
-    setSetting("snaptoscreen", 0);
-    [mover() windowWillMove:nil];
+    SetSetting("snaptoscreen", 0);
+    [Mover() windowWillMove:nil];
     EXPECT_EQ(snapEnabled, 0);
 }
 
 TEST_F(Snapping, theWindowFollowsTheMouseStepByStep) {
     mouse = NSMakePoint(310, 210);
-    [mover() windowWillMove:nil];
-    dragTo(320, 215);
-    expectOrigin(310, 205);
-    dragTo(330, 220);
-    expectOrigin(320, 210);
-    dragTo(350, 220);
-    expectOrigin(340, 210);
+    [Mover() windowWillMove:nil];
+    DragTo(320, 215);
+    ExpectOrigin(310, 205);
+    DragTo(330, 220);
+    ExpectOrigin(320, 210);
+    DragTo(350, 220);
+    ExpectOrigin(340, 210);
 }
 
 TEST_F(Snapping, theStripOfTheControlsDragsTheWindow) {
     mouse = NSMakePoint(690, 490);
-    send(NSLeftMouseDown, freePlace());
+    send(NSLeftMouseDown, FreePlace());
     for (int step = 2; step <= 10; step += 2) {
         mouse = NSMakePoint(690 + step, 490 - step);
-        send(NSLeftMouseDragged, freePlace());
-        expectOrigin(300 + step, 200 - step);
+        send(NSLeftMouseDragged, FreePlace());
+        ExpectOrigin(300 + step, 200 - step);
     }
-    send(NSLeftMouseUp, freePlace());
-    expectOrigin(310, 190);
+    send(NSLeftMouseUp, FreePlace());
+    ExpectOrigin(310, 190);
     // The next one begins where this one has ended.
     mouse = NSMakePoint(100, 100);
-    send(NSLeftMouseDown, freePlace());
+    send(NSLeftMouseDown, FreePlace());
     mouse = NSMakePoint(101, 103);
-    send(NSLeftMouseDragged, freePlace());
-    expectOrigin(311, 193);
-    send(NSLeftMouseUp, freePlace());
+    send(NSLeftMouseDragged, FreePlace());
+    ExpectOrigin(311, 193);
+    send(NSLeftMouseUp, FreePlace());
 }
 
 TEST_F(Snapping, aDragWithoutABeginMovesNothing) {
-    dragTo(50, 60);
-    expectOrigin(300, 200);
+    DragTo(50, 60);
+    ExpectOrigin(300, 200);
     mouse = NSMakePoint(310, 210);
-    [mover() mouseDown:nil];
-    [mover() mouseUp:nil];
-    dragTo(50, 60);
-    expectOrigin(300, 200);
+    [Mover() mouseDown:nil];
+    [Mover() mouseUp:nil];
+    DragTo(50, 60);
+    ExpectOrigin(300, 200);
 }
 
 TEST_F(Snapping, aDragSnapsAndLetsGoAgain) {
-    place(60, 200);
+    Place(60, 200);
     mouse = NSMakePoint(100, 300);
-    [mover() windowWillMove:nil];
-    dragTo(55, 300); // 15 points inside
-    expectOrigin(0, 200);
-    dragTo(50, 300);
-    expectOrigin(0, 200);
-    dragTo(62, 300); // 22 points inside: out of the band, and beside the mouse as at the begin
-    expectOrigin(22, 200);
+    [Mover() windowWillMove:nil];
+    DragTo(55, 300); // 15 points inside
+    ExpectOrigin(0, 200);
+    DragTo(50, 300);
+    ExpectOrigin(0, 200);
+    DragTo(62, 300); // 22 points inside: out of the band, and beside the mouse as at the begin
+    ExpectOrigin(22, 200);
 }
 
 TEST_F(Snapping, optionHoldsTheWindow) {
     mouse = NSMakePoint(310, 210);
-    [mover() windowWillMove:nil];
-    dragTo(350, 250, NSAlternateKeyMask);
-    expectOrigin(300, 200);
-    dragTo(350, 250, NSShiftKeyMask);
-    expectOrigin(340, 240);
+    [Mover() windowWillMove:nil];
+    DragTo(350, 250, NSAlternateKeyMask);
+    ExpectOrigin(300, 200);
+    DragTo(350, 250, NSShiftKeyMask);
+    ExpectOrigin(340, 240);
 }
 
 TEST_F(Snapping, aDragGoesPartlyOutOfTheScreen) {
     mouse = NSMakePoint(310, 210);
-    [mover() windowWillMove:nil];
-    dragTo(-50, 60);
-    expectOrigin(-60, 50);
+    [Mover() windowWillMove:nil];
+    DragTo(-50, 60);
+    ExpectOrigin(-60, 50);
 }
 
 TEST_F(Snapping, onlyTheLeftButtonDrags) {
     mouse = NSMakePoint(310, 210);
-    [mover() windowWillMove:nil];
-    dragTo(350, 250, 0, NSRightMouseDragged);
-    dragTo(350, 250, 0, NSOtherMouseDragged);
-    expectOrigin(300, 200);
+    [Mover() windowWillMove:nil];
+    DragTo(350, 250, 0, NSRightMouseDragged);
+    DragTo(350, 250, 0, NSOtherMouseDragged);
+    ExpectOrigin(300, 200);
 }
 
 TEST_F(Snapping, withTheSettingOffNothingIsDraggedOrSnapped) {
-    setSetting("snaptoscreen", 0);
+    SetSetting("snaptoscreen", 0);
     mouse = NSMakePoint(310, 210);
-    [mover() windowWillMove:nil];
-    dragTo(350, 250);
-    expectOrigin(300, 200);
-    place(-10, 200);
-    [mover() windowDidMove:nil];
-    expectOrigin(-10, 200);
+    [Mover() windowWillMove:nil];
+    DragTo(350, 250);
+    ExpectOrigin(300, 200);
+    Place(-10, 200);
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(-10, 200);
 }
 
 TEST_F(Snapping, theEndOfAMoveSnaps) {
-    place(-50, 200);
-    [mover() windowWillMove:nil];
-    [mover() windowDidMove:nil];
-    expectOrigin(0, 200);
-    place(-60, 200);
-    [mover() windowWillMove:nil];
-    [mover() windowDidMove:nil];
-    expectOrigin(-60, 200);
+    Place(-50, 200);
+    [Mover() windowWillMove:nil];
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(0, 200);
+    Place(-60, 200);
+    [Mover() windowWillMove:nil];
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(-60, 200);
     const CGFloat right = NSWidth(screen) - WIDTH, top = NSHeight(screen) - HEIGHT;
-    place(right + 40, top + 40);
-    [mover() windowWillMove:nil];
-    [mover() windowDidMove:nil];
-    expectOrigin(right, top);
+    Place(right + 40, top + 40);
+    [Mover() windowWillMove:nil];
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(right, top);
     EXPECT_EQ(NSWidth([window frame]), WIDTH);
     EXPECT_EQ(NSHeight([window frame]), HEIGHT);
 }
 
 TEST_F(Snapping, aMoveThatTheWindowManagerTellsOfAfterwardsSnapsToo) {
-    place(-50, 200);
+    Place(-50, 200);
     snapEnabled = 0;
-    [mover() windowDidMove:nil];
-    expectOrigin(platformWindowManagerMoves() ? 0 : -50, 200);
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(platformWindowManagerMoves() ? 0 : -50, 200);
 }
 
 TEST_F(Snapping, aHiddenWindowIsLeftAlone) {
-    place(-50, 200);
+    Place(-50, 200);
     mainWinIsHidden = 1;
-    [mover() windowWillMove:nil];
-    [mover() windowDidMove:nil];
-    expectOrigin(-50, 200);
+    [Mover() windowWillMove:nil];
+    [Mover() windowDidMove:nil];
+    ExpectOrigin(-50, 200);
 }
 
 int moves = 0;
@@ -293,13 +293,13 @@ void countFrames(id self, SEL, NSRect, BOOL) {
 }
 
 TEST_F(Snapping, itsOwnMoveDoesNotSnapAgain) {
-    place(-50, 200);
+    Place(-50, 200);
     moves = 0;
     const float before = ddX = 123;
     {
         const Replaced frames([NSWindow class], @selector(setFrame:display:), countFrames);
         snapEnabled = 1;
-        [mover() windowDidMove:nil];
+        [Mover() windowDidMove:nil];
     }
     EXPECT_EQ(moves, 1);
     EXPECT_EQ(ddX, before) << "nor does a drag begin";

@@ -27,11 +27,11 @@ template <typename... Arguments> void record(id self, SEL selector, Arguments...
 
 class Recorder {
 public:
-    template <typename Function> void watch(Class type, const char* name, Function* replacement) {
+    template <typename Function> void Watch(Class type, const char* name, Function* replacement) {
         replaced.push_back(std::make_unique<Replaced>(type, sel_registerName(name), replacement));
-        originals[name] = replaced.back()->implementation();
+        originals[name] = replaced.back()->Implementation();
     }
-    void watch(Class type, const char* name) { watch(type, name, &record<>); }
+    void Watch(Class type, const char* name) { Watch(type, name, &record<>); }
 
     Recorder() { sent.clear(); }
     ~Recorder() {
@@ -115,28 +115,28 @@ protected:
     }
 
     // A start whose counter stood at this.
-    void startAfter(int starts) {
-        setSetting("firstrun", starts);
-        startAgain();
+    void StartAfter(int starts) {
+        SetSetting("firstrun", starts);
+        StartAgain();
     }
 
     // What the application's launch does around the console's own start-up.
-    void launch() {
+    void Launch() {
         const Replaced initialize([MainConsole class], @selector(initializeConsole:), recordInitialize);
         const Replaced load([MainConsole class], @selector(loadFile:), recordLoad);
         const Replaced create([PelmoAppDelegate class], @selector(createAppStatusItem), recordCreateItem);
         [window makeFirstResponder:nil];
-        [application() applicationDidFinishLaunching:nil];
+        [Application() applicationDidFinishLaunching:nil];
     }
 
-    id application() const { return reinterpret_cast<id>(delegate); }
+    id Application() const { return reinterpret_cast<id>(delegate); }
 
-    BOOL openFile(NSString* path) {
+    BOOL OpenFile(NSString* path) {
         const Replaced load([MainConsole class], @selector(loadFile:), recordLoad);
-        return [application() application:NSApp openFile:path];
+        return [Application() application:NSApp openFile:path];
     }
 
-    SheetProbe* sheet() { return [[[SheetProbe alloc] init] autorelease]; }
+    SheetProbe* Sheet() { return [[[SheetProbe alloc] init] autorelease]; }
 };
 
 // --- The console's order ---
@@ -157,21 +157,21 @@ void recordFunctions(id self, SEL selector) {
 }
 
 TEST_F(Startup, goesInOrder) {
-    setSetting("histsz", 3);
-    terminate();
+    SetSetting("histsz", 3);
+    Terminate();
     {
         Recorder recorder;
         const char* const plain[] = {"clearConsole",       "findFiles",        "testUnits",
                                      "populateVarsMenu",   "populateFuncMenu", "initWindowProperties",
                                      "initWindowLocation", "countStart"};
-        for (const char* const name : plain) recorder.watch([MainConsole class], name);
+        for (const char* const name : plain) recorder.Watch([MainConsole class], name);
         // The engine is no object; what it has become when the next message is sent tells its place.
-        recorder.watch([MainConsole class], "loadSettings", recordSettings);
-        recorder.watch([MainConsole class], "loadFuncFile", recordFunctions);
-        recorder.watch([MainConsole class], "showWindow:", &record<NSWindow*>);
-        recorder.watch([MainConsole class], "setDegreeMode:", &record<int>);
-        recorder.watch([MainConsole class], "setDisplayBase::", &record<int, BOOL>);
-        restart();
+        recorder.Watch([MainConsole class], "loadSettings", recordSettings);
+        recorder.Watch([MainConsole class], "loadFuncFile", recordFunctions);
+        recorder.Watch([MainConsole class], "showWindow:", &record<NSWindow*>);
+        recorder.Watch([MainConsole class], "setDegreeMode:", &record<int>);
+        recorder.Watch([MainConsole class], "setDisplayBase::", &record<int, BOOL>);
+        Restart();
     }
     const std::vector<std::string> expected = {
         "clearConsole",       "findFiles",
@@ -192,8 +192,8 @@ TEST_F(Startup, handsTheSettingsToTheEngine) {
     const std::map<std::string, int> chosen = {{"european", 1},  {"sigfigs", 7},  {"schar", '\''},
                                                {"separator", 1}, {"twoscomp", 1}, {"degmode", 0},
                                                {"dispbase", 16}, {"histsz", 3},   {"statusicon", 1}};
-    for (const auto& [key, value] : chosen) setSetting(key.c_str(), value);
-    startAfter(5);
+    for (const auto& [key, value] : chosen) SetSetting(key.c_str(), value);
+    StartAfter(5);
     EXPECT_TRUE(calc.initialized);
     EXPECT_TRUE(calc.european);
     EXPECT_EQ(calc.sigFigs, 7);
@@ -201,31 +201,31 @@ TEST_F(Startup, handsTheSettingsToTheEngine) {
     EXPECT_TRUE(calc.useSeparator);
     EXPECT_TRUE(calc.twosComp);
     EXPECT_FALSE(calc.degreeMode);
-    EXPECT_EQ([outlet("ctrlBase") selectedSegment], 2);
-    EXPECT_EQ([outlet("ctrlDegMode") selectedSegment], 1);
-    for (const char* const line : {"1", "2", "3", "4"}) enter(line);
+    EXPECT_EQ([Outlet("ctrlBase") selectedSegment], 2);
+    EXPECT_EQ([Outlet("ctrlDegMode") selectedSegment], 1);
+    for (const char* const line : {"1", "2", "3", "4"}) Enter(line);
     EXPECT_NE(calc.history.GetHistoryStr(3), nullptr);
     EXPECT_EQ(calc.history.GetHistoryStr(4), nullptr);
-    for (const auto& [key, value] : chosen) EXPECT_EQ(setting(key.c_str()), value) << key;
+    for (const auto& [key, value] : chosen) EXPECT_EQ(SettingOf(key.c_str()), value) << key;
 }
 
 TEST_F(Startup, leavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
-    EXPECT_EQ(text(), "> ");
+    EXPECT_EQ(Text(), "> ");
     EXPECT_TRUE([window isVisible]);
     EXPECT_FALSE([window isOpaque]);
     EXPECT_FALSE([console drawsBackground]);
     EXPECT_FALSE([[console enclosingScrollView] drawsBackground]);
     EXPECT_EQ([window minSize].width, 400);
     EXPECT_EQ([window minSize].height, 150);
-    EXPECT_GT([outlet("menuFuncs") numberOfItems], 1);
+    EXPECT_GT([Outlet("menuFuncs") numberOfItems], 1);
     EXPECT_TRUE(alerts.empty());
 }
 
 TEST_F(Startup, theSavedPlaceComesBackWithoutSnapping) {
-    setSetting("snaptoscreen", 1);
-    [[application() windowDelegate]
+    SetSetting("snaptoscreen", 1);
+    [[Application() windowDelegate]
         placeWindow:NSMakeRect(10, 300, 512, 301)]; // 10 points inside: near enough
-    startAgain();
+    StartAgain();
     EXPECT_TRUE(NSEqualRects([window frame], NSMakeRect(10, 300, 512, 301)))
         << [NSStringFromRect([window frame]) UTF8String];
 }
@@ -234,8 +234,8 @@ TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
     for (const NSRect& lost : {NSMakeRect(5000, 300, 500, 300), NSMakeRect(-490, 300, 500, 300),
                                NSMakeRect(-405, 300, 500, 300), // 95 points are left
                                NSMakeRect(300, -3000, 500, 300)}) {
-        terminate();
-        std::string file = read(settingsPath());
+        Terminate();
+        std::string file = Read(SettingsPath());
         const auto put = [&file](const char* key, CGFloat value) {
             const std::string tag = std::string("<key>") + key + "</key>";
             const size_t from = file.find("<integer>", file.find(tag)) + 9;
@@ -245,8 +245,8 @@ TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
         put("y", NSMinY(lost));
         put("cx", NSWidth(lost));
         put("cy", NSHeight(lost));
-        write(settingsPath(), file);
-        restart();
+        Write(SettingsPath(), file);
+        Restart();
         const NSRect screen = [[NSScreen mainScreen] visibleFrame];
         EXPECT_TRUE(NSContainsRect(screen, [window frame])) << [NSStringFromRect(lost) UTF8String];
         EXPECT_EQ(NSWidth([window frame]), 500);
@@ -256,10 +256,10 @@ TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
 
 TEST_F(Startup, aPlaceThatIsPartlySeenStays) {
     const NSRect place = NSMakeRect(-400, 300, 500, 300);
-    setSetting("x", -400);
-    setSetting("y", 300);
-    setSetting("cx", 500);
-    setSetting("cy", 300);
+    SetSetting("x", -400);
+    SetSetting("y", 300);
+    SetSetting("cx", 500);
+    SetSetting("cy", 300);
     [console initWindowLocation];
     EXPECT_TRUE(NSEqualRects([window frame], place)) << [NSStringFromRect([window frame]) UTF8String];
 }
@@ -273,17 +273,17 @@ void clearWithoutFeet(id self, SEL selector) {
 }
 
 TEST_F(Startup, aFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
-    terminate();
+    Terminate();
     {
         Recorder recorder;
-        recorder.watch([MainConsole class], "clearConsole", clearWithoutFeet);
-        restart();
+        recorder.Watch([MainConsole class], "clearConsole", clearWithoutFeet);
+        Restart();
     }
     EXPECT_EQ(alerts, std::vector<std::string>{
                           "Units converter initialization error.\ninvalid unit name 'ft' in 'ft'"});
     EXPECT_EQ(units_check_exception(), nullptr);
-    enter("2+3");
-    EXPECT_EQ(text(), "> 2+3\nans = 5\n\n> ");
+    Enter("2+3");
+    EXPECT_EQ(Text(), "> 2+3\nans = 5\n\n> ");
 }
 
 // --- The start counter and its sheets ---
@@ -294,63 +294,63 @@ TEST_F(Startup, theFirstRunOffersTheTutorial) {
     EXPECT_EQ(sheets[0].yes, "Run Tutorial");
     EXPECT_EQ(sheets[0].no, "No thanks.");
     EXPECT_EQ(sheets[0].selector, "tutorialSheetDidEnd:returnCode:contextInfo:");
-    EXPECT_EQ(setting("firstrun"), 2);
-    startAgain();
+    EXPECT_EQ(SettingOf("firstrun"), 2);
+    StartAgain();
     EXPECT_TRUE(sheets.empty());
-    EXPECT_EQ(setting("firstrun"), 3);
+    EXPECT_EQ(SettingOf("firstrun"), 3);
 }
 
 TEST_F(Startup, aCounterOfZeroIsAFirstRunToo) {
-    startAfter(0);
+    StartAfter(0);
     EXPECT_EQ(sheets.size(), 1u);
-    EXPECT_EQ(setting("firstrun"), 2);
+    EXPECT_EQ(SettingOf("firstrun"), 2);
 }
 
 TEST_F(Startup, theTwentiethAndTheHundredthStartAskForAReview) {
     for (const int starts : {2, 17, 18, 20, 98, 100, 199, 1000}) {
-        startAfter(starts);
+        StartAfter(starts);
         EXPECT_TRUE(sheets.empty()) << starts;
-        EXPECT_EQ(setting("firstrun"), starts + 1);
+        EXPECT_EQ(SettingOf("firstrun"), starts + 1);
     }
     for (const int starts : {19, 99}) {
-        startAfter(starts);
+        StartAfter(starts);
         ASSERT_EQ(sheets.size(), 1u) << starts;
         EXPECT_EQ(sheets[0].message, "If you like Tallyquill, please consider leaving a review.");
         EXPECT_EQ(sheets[0].yes, "Leave Review");
         EXPECT_EQ(sheets[0].no, "No thanks.");
         EXPECT_EQ(sheets[0].selector, "reviewSheetDidEnd:returnCode:contextInfo:");
-        EXPECT_EQ(setting("firstrun"), starts + 1);
+        EXPECT_EQ(SettingOf("firstrun"), starts + 1);
     }
 }
 
 TEST_F(Startup, aLocaleWithADecimalCommaDecidesTheMarksOfTheFirstRun) {
     const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
-    startAfter(1);
-    EXPECT_EQ(setting("european"), 1);
-    EXPECT_EQ(setting("schar"), '.');
+    StartAfter(1);
+    EXPECT_EQ(SettingOf("european"), 1);
+    EXPECT_EQ(SettingOf("schar"), '.');
     EXPECT_TRUE(calc.european);
-    enter("1,5*3");
-    EXPECT_EQ(text(), "> 1,5*3\nans = 4,5\n\n> ");
+    Enter("1,5*3");
+    EXPECT_EQ(Text(), "> 1,5*3\nans = 4,5\n\n> ");
 }
 
 TEST_F(Startup, theLocaleCountsInTheFirstRunAlone) {
     {
         const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
-        startAfter(2);
-        EXPECT_EQ(setting("european"), 0);
-        EXPECT_EQ(setting("schar"), ',');
+        StartAfter(2);
+        EXPECT_EQ(SettingOf("european"), 0);
+        EXPECT_EQ(SettingOf("schar"), ',');
     }
     const Replaced point([NSNumberFormatter class], @selector(stringFromNumber:), pointNumber);
-    startAfter(1);
-    EXPECT_EQ(setting("european"), 0);
-    EXPECT_EQ(setting("schar"), ',');
+    StartAfter(1);
+    EXPECT_EQ(SettingOf("european"), 0);
+    EXPECT_EQ(SettingOf("schar"), ',');
 }
 
 // --- The ends of the sheets ---
 
 TEST_F(Startup, theTutorialRunsOnTheDefaultButtonOnly) {
     const Replaced tutorial([MainConsole class], @selector(tutorial:), recordTutorial);
-    NSWindow* const probe = reinterpret_cast<NSWindow*>(sheet());
+    NSWindow* const probe = reinterpret_cast<NSWindow*>(Sheet());
     [console tutorialSheetDidEnd:probe returnCode:0 contextInfo:nullptr];
     [console tutorialSheetDidEnd:probe returnCode:-1 contextInfo:nullptr];
     EXPECT_EQ(closedSheets + tutorials, 0);
@@ -370,13 +370,13 @@ id environmentOfPrograms(id, SEL) {
 // Opening a page starts a program, which is a script of ours here.
 TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
     const std::string opened = home + "/opened";
-    write(home + "/xdg-open", "#!/bin/sh\nprintf %s \"$1\" >'" + opened + "'\n");
+    Write(home + "/xdg-open", "#!/bin/sh\nprintf %s \"$1\" >'" + opened + "'\n");
     ASSERT_EQ(chmod((home + "/xdg-open").c_str(), 0700), 0);
     NSString* const path = [NSString stringWithFormat:@"%s:/usr/bin:/bin", home.c_str()];
     environment = [NSDictionary dictionaryWithObject:path forKey:@"PATH"];
     programsSought = 0;
     const Replaced programs([NSProcessInfo class], @selector(environment), environmentOfPrograms);
-    NSWindow* const probe = reinterpret_cast<NSWindow*>(sheet());
+    NSWindow* const probe = reinterpret_cast<NSWindow*>(Sheet());
     [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
     EXPECT_EQ(closedSheets, 1);
     EXPECT_EQ(alerts, std::vector<std::string>{"Leave Review\nThere is no web page to open."});
@@ -389,15 +389,15 @@ TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
     [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
     EXPECT_EQ(closedSheets, 2);
     EXPECT_GT(programsSought, 0);
-    for (int i = 0; i < 100 && read(opened).empty(); i++) run(0.05);
-    EXPECT_EQ(read(opened), "https://example.org/review");
+    for (int i = 0; i < 100 && Read(opened).empty(); i++) Run(0.05);
+    EXPECT_EQ(Read(opened), "https://example.org/review");
     EXPECT_EQ(alerts.size(), 1u);
 }
 
 // --- The application's launch ---
 
 TEST_F(Startup, theLaunchGivesTheConsoleTheKeysAndStartsIt) {
-    launch();
+    Launch();
     EXPECT_TRUE(consoleHadKeys);
     EXPECT_EQ(initializedWith, window);
     EXPECT_EQ(readyWhenInitialized, 0);
@@ -406,59 +406,59 @@ TEST_F(Startup, theLaunchGivesTheConsoleTheKeysAndStartsIt) {
 }
 
 TEST_F(Startup, theStatusItemIsMadeWhenTheSettingIsOne) {
-    setSetting("statusicon", 0);
-    launch();
+    SetSetting("statusicon", 0);
+    Launch();
     EXPECT_EQ(itemsCreated, 0);
-    setSetting("statusicon", 1);
-    launch();
+    SetSetting("statusicon", 1);
+    Launch();
     EXPECT_EQ(itemsCreated, 1);
 }
 
 TEST_F(Startup, theStatusItemIsThereWhereThereIsABarAndTheSettingStays) {
-    setSetting("statusicon", 1);
-    [application() createAppStatusItem];
+    SetSetting("statusicon", 1);
+    [Application() createAppStatusItem];
     Ivar const item = class_getInstanceVariable([PelmoAppDelegate class], "statusItem");
-    EXPECT_EQ(object_getIvar(application(), item) != nil, platformStatusBar() != nil);
-    [application() removeAppStatusItem];
-    EXPECT_EQ(setting("statusicon"), 1);
+    EXPECT_EQ(object_getIvar(Application(), item) != nil, platformStatusBar() != nil);
+    [Application() removeAppStatusItem];
+    EXPECT_EQ(SettingOf("statusicon"), 1);
 }
 
 TEST_F(Startup, aFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
-    EXPECT_TRUE(openFile(@"/a.script"));
-    EXPECT_TRUE(openFile(@"/b.script"));
+    EXPECT_TRUE(OpenFile(@"/a.script"));
+    EXPECT_TRUE(OpenFile(@"/b.script"));
     EXPECT_TRUE(loaded.empty());
-    launch();
+    Launch();
     EXPECT_EQ(loaded, (std::vector<std::string>{"/a.script", "/b.script"}));
     EXPECT_EQ(readyWhenLoading, 1);
     EXPECT_EQ(waitingToOpenFilenames, nil);
-    launch();
+    Launch();
     EXPECT_EQ(loaded.size(), 2u);
 }
 
 TEST_F(Startup, aFileThatCannotBeOpenedIsToldOnce) {
-    openFile(@"/missing.script");
+    OpenFile(@"/missing.script");
     loadResult = NO;
-    launch();
+    Launch();
     EXPECT_EQ(alerts, std::vector<std::string>{"The script could not be opened.\n/missing.script"});
     EXPECT_EQ(calcIsReady, 1);
 }
 
 TEST_F(Startup, aFileHandedOverLaterIsLoadedAtOnce) {
     calcIsReady = 1;
-    EXPECT_TRUE(openFile(@"/c.script"));
+    EXPECT_TRUE(OpenFile(@"/c.script"));
     EXPECT_EQ(loaded, std::vector<std::string>{"/c.script"});
     EXPECT_EQ(waitingToOpenFilenames, nil);
     loadResult = NO;
-    EXPECT_FALSE(openFile(@"/missing.script"));
+    EXPECT_FALSE(OpenFile(@"/missing.script"));
 }
 
 TEST_F(Startup, aFileHandedOverIsReplayed) {
     const std::string path = home + "/x.script";
-    write(path, "6*7\n");
+    Write(path, "6*7\n");
     calcIsReady = 1;
-    EXPECT_TRUE([application() application:NSApp openFile:[NSString stringWithUTF8String:path.c_str()]]);
-    EXPECT_NE(text().find("ans = 42"), std::string::npos);
-    EXPECT_FALSE([application() application:NSApp openFile:@"/nowhere/x.script"]);
+    EXPECT_TRUE([Application() application:NSApp openFile:[NSString stringWithUTF8String:path.c_str()]]);
+    EXPECT_NE(Text().find("ans = 42"), std::string::npos);
+    EXPECT_FALSE([Application() application:NSApp openFile:@"/nowhere/x.script"]);
 }
 
 } // namespace

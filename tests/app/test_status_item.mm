@@ -107,21 +107,21 @@ protected:
         bar = [[FakeStatusBar alloc] init];
     }
     void TearDown() override {
-        [application() removeAppStatusItem];
+        [Application() removeAppStatusItem];
         [bar release];
         ShellTest::TearDown();
     }
 
-    PelmoAppDelegate* application() const { return reinterpret_cast<PelmoAppDelegate*>(delegate); }
+    PelmoAppDelegate* Application() const { return reinterpret_cast<PelmoAppDelegate*>(delegate); }
 
-    void create() { [application() createAppStatusItemIn:reinterpret_cast<NSStatusBar*>(bar)]; }
+    void Create() { [Application() createAppStatusItemIn:reinterpret_cast<NSStatusBar*>(bar)]; }
 
     FakeStatusBar* bar = nil;
 };
 
 TEST_F(StatusItem, isMadeWithItsImagesAndIsAButtonOfTheApplication) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
-    create();
+    Create();
     EXPECT_EQ(told.made, 1);
     EXPECT_EQ(told.length, NSVariableStatusItemLength);
     EXPECT_TRUE(told.isHighlighting);
@@ -132,35 +132,35 @@ TEST_F(StatusItem, isMadeWithItsImagesAndIsAButtonOfTheApplication) {
     EXPECT_TRUE(told.isEnabled);
     EXPECT_EQ(told.toolTip, "PelmoStatus");
     EXPECT_TRUE(sel_isEqual(told.action, @selector(clickedAppStatusItem:)));
-    EXPECT_EQ(told.target, application());
+    EXPECT_EQ(told.target, Application());
 }
 
 TEST_F(StatusItem, withoutItsImagesThereIsOneAllTheSame) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), noPath);
-    create();
+    Create();
     EXPECT_EQ(told.made, 1);
     EXPECT_EQ(told.image.width, 0);
     EXPECT_EQ(told.alternate.width, 0);
     EXPECT_TRUE(told.isEnabled);
-    EXPECT_EQ(told.target, application());
+    EXPECT_EQ(told.target, Application());
 }
 
 TEST_F(StatusItem, isMadeOnceAndTakenAwayOnce) {
-    [application() removeAppStatusItem];
+    [Application() removeAppStatusItem];
     EXPECT_EQ(told.removed, 0);
-    create();
-    create();
+    Create();
+    Create();
     EXPECT_EQ(told.made, 1);
-    [application() removeAppStatusItem];
-    [application() removeAppStatusItem];
+    [Application() removeAppStatusItem];
+    [Application() removeAppStatusItem];
     EXPECT_EQ(told.removed, 1);
-    create();
+    Create();
     EXPECT_EQ(told.made, 2);
 }
 
 TEST_F(StatusItem, goesWithTheProgram) {
-    create();
-    [reinterpret_cast<id>(application()) applicationWillTerminate:nil];
+    Create();
+    [reinterpret_cast<id>(Application()) applicationWillTerminate:nil];
     EXPECT_EQ(told.removed, 1);
 }
 

@@ -11,55 +11,55 @@ class TextViewKeys : public Keys {};
 
 TEST_F(TextViewKeys, pageKeysScrollAndChangeNothing) {
     for (int i = 0; i < 40; i++) [console insertWithNewPrompt:"a line"];
-    first = text();
+    first = Text();
     const CGFloat bottom = NSMinY([console visibleRect]);
     const unichar keys[] = {NSPageUpFunctionKey, NSPageDownFunctionKey};
-    press([NSString stringWithCharacters:&keys[0] length:1], NSFunctionKeyMask);
+    Press([NSString stringWithCharacters:&keys[0] length:1], NSFunctionKeyMask);
     EXPECT_LT(NSMinY([console visibleRect]), bottom);
-    press([NSString stringWithCharacters:&keys[1] length:1], NSFunctionKeyMask);
+    Press([NSString stringWithCharacters:&keys[1] length:1], NSFunctionKeyMask);
     EXPECT_EQ(bottom, NSMinY([console visibleRect]));
-    EXPECT_EQ(first, text());
+    EXPECT_EQ(first, Text());
 }
 
 TEST_F(TextViewKeys, functionKeysTypeNothing) {
     const unichar keys[] = {NSF1FunctionKey, NSF5FunctionKey, NSF12FunctionKey, NSInsertFunctionKey,
                             NSMenuFunctionKey};
     for (const unichar key : keys) {
-        press([NSString stringWithCharacters:&key length:1], NSFunctionKeyMask);
-        expect("4+5");
+        Press([NSString stringWithCharacters:&key length:1], NSFunctionKeyMask);
+        Expect("4+5");
     }
 }
 
 TEST_F(TextViewKeys, aKeyWithoutCharactersChangesNothing) {
-    press(@"");
-    expect("4+5");
+    Press(@"");
+    Expect("4+5");
 }
 
 TEST_F(TextViewKeys, aKeyWithCommandThatNoMenuHasTypesNothing) {
     const NSUInteger places[] = {0, begin, begin + 3};
     for (const NSUInteger place : places) {
         for (NSString* key in @[ @"k", @"*", @"-", @"7" ]) {
-            select(place);
-            press(key, NSCommandKeyMask);
-            expect("4+5");
-            expectSelection(place, 0);
+            Select(place);
+            Press(key, NSCommandKeyMask);
+            Expect("4+5");
+            ExpectSelection(place, 0);
         }
     }
 }
 
 TEST_F(TextViewKeys, aKeyWithControlTypesNothing) {
     for (NSString* key in @[ @"*", @"-", @"/", @"q", @"z", @"j", @"m" ]) {
-        selectEntry(0);
-        press(key, NSControlKeyMask);
-        expect("4+5");
+        SelectEntry(0);
+        Press(key, NSControlKeyMask);
+        Expect("4+5");
     }
-    press(@"\003", @"c", NSControlKeyMask);
-    expect("4+5");
+    Press(@"\003", @"c", NSControlKeyMask);
+    Expect("4+5");
 }
 
 TEST_F(TextViewKeys, noKeyOpensASecondLineInTheEntry) {
-    press(@"\017", @"o", NSControlKeyMask); // what text views open a line with
-    expect("4+5");
+    Press(@"\017", @"o", NSControlKeyMask); // what text views open a line with
+    Expect("4+5");
     const SEL commands[] = {
         @selector(insertNewline:),
         @selector(insertNewlineIgnoringFieldEditor:),
@@ -67,7 +67,7 @@ TEST_F(TextViewKeys, noKeyOpensASecondLineInTheEntry) {
     };
     for (const SEL command : commands) {
         [console doCommandBySelector:command];
-        expect("4+5");
+        Expect("4+5");
     }
 }
 
@@ -90,14 +90,14 @@ TEST_F(TextViewKeys, noKeyChangesTheTranscript) {
     for (const uint32_t key : keys) {
         for (const NSUInteger flag : flags) {
             for (const NSRange place : places) {
-                setEntry(@"4+5");
+                SetEntry(@"4+5");
                 [[console undoManager] removeAllActions];
-                select(place.location, place.length);
-                press(key, flag);
-                ASSERT_EQ(first, transcript())
+                Select(place.location, place.length);
+                Press(key, flag);
+                ASSERT_EQ(first, Transcript())
                     << "key " << key << " flags " << flag << " at " << place.location;
                 [console undo:nil];
-                ASSERT_EQ(first, transcript())
+                ASSERT_EQ(first, Transcript())
                     << "undo, key " << key << " flags " << flag << " at " << place.location;
             }
         }
@@ -132,28 +132,28 @@ TEST_F(TextViewKeys, noEditingCommandChangesTheTranscript) {
                                     "insertTabIgnoringFieldEditor:",
                                     "insertNewline:",
                                     "insertParagraphSeparator:"};
-    setPasteboard("8");
+    SetPasteboard("8");
     for (const char* const command : commands) {
         const SEL selector = NSSelectorFromString([NSString stringWithUTF8String:command]);
         if (![console respondsToSelector:selector]) continue; // which there are depends on the system
         for (const NSRange place :
              {NSMakeRange(0, 0), NSMakeRange(3, 2), NSMakeRange(begin - 2, 4), NSMakeRange(0, begin + 3),
               NSMakeRange(begin, 0), NSMakeRange(begin - 1, 0)}) {
-            setEntry(@"4+5");
+            SetEntry(@"4+5");
             [[console undoManager] removeAllActions];
-            select(place.location, place.length);
+            Select(place.location, place.length);
             [console performSelector:selector withObject:nil];
-            ASSERT_EQ(first, transcript()) << command << " at " << place.location;
+            ASSERT_EQ(first, Transcript()) << command << " at " << place.location;
             [console undo:nil];
-            ASSERT_EQ(first, transcript()) << "undo of " << command << " at " << place.location;
+            ASSERT_EQ(first, Transcript()) << "undo of " << command << " at " << place.location;
         }
     }
 }
 
 TEST_F(TextViewKeys, textInsertedBySystemServicesStaysOutOfTheTranscript) {
-    select(0, 4);
+    Select(0, 4);
     [console insertText:@"x"];
-    expect("4+5", false);
+    Expect("4+5", false);
     EXPECT_FALSE([console shouldChangeTextInRange:NSMakeRange(begin - 1, 2) replacementString:@""]);
     EXPECT_TRUE([console shouldChangeTextInRange:NSMakeRange(begin, 2) replacementString:@""]);
 }

@@ -74,22 +74,22 @@ std::string silent(const std::string& line) {
 class TutorialTest : public ConsoleTest {
 protected:
     // Replays the script and returns what the console then shows in addition.
-    std::string replay(const std::string& script) {
+    std::string Replay(const std::string& script) {
         const std::string path = home + "/hurried.script";
-        write(path, script);
-        const size_t before = text().size();
+        Write(path, script);
+        const size_t before = Text().size();
         EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:path.c_str()]]);
-        return text().substr(before);
+        return Text().substr(before);
     }
 
-    std::string replayTutorial() {
+    std::string ReplayTutorial() {
         std::string script;
         for (const std::string& line : tutorialLines()) script += hurried(line) + "\n";
-        return replay(script);
+        return Replay(script);
     }
 
     // Functions, variables besides ans, units, history and settings.
-    std::string whatIsKept() {
+    std::string WhatIsKept() {
         std::string kept = definitionsText(calc);
         const size_t ans = kept.find("\nans=");
         EXPECT_NE(ans, std::string::npos);
@@ -102,9 +102,9 @@ protected:
     }
 
     // Definitions, history and settings of a person's own.
-    void enterOwnThings() {
+    void EnterOwnThings() {
         for (const char* const line : {"side=7", "cube(x)=x*x*x", "unit smoot=67 inch", "cube(side)"})
-            enter(line);
+            Enter(line);
     }
 };
 
@@ -132,7 +132,7 @@ TEST(TutorialScript, TheTestsTakeTheWaitingOutOfIt) {
 }
 
 TEST_F(TutorialTest, ItShowsEntriesWithTheirAnswers) {
-    const std::string shown = replayTutorial();
+    const std::string shown = ReplayTutorial();
     for (const char* const part :
          {"\n> 2+3*4\nans = 14\n", "\n> ans/7\nans = 2\n", "\n> demo_side = 3*4\ndemo_side = 12\n",
           "\n> demo_side^2\nans = 144\n", "\n> demo_cube(x) = x^3\ndemo_cube(x)=x^3\n",
@@ -144,22 +144,22 @@ TEST_F(TutorialTest, ItShowsEntriesWithTheirAnswers) {
         << "an arrow, a new prompt, no others: " << shown;
     EXPECT_EQ(shown.find("**"), std::string::npos) << "neither an error nor a confirmation: " << shown;
     EXPECT_EQ(shown.substr(shown.size() - 3), "\n> ");
-    EXPECT_EQ(entry(), "");
+    EXPECT_EQ(Entry(), "");
 }
 
 // Escape ends it behind any line that waits.
 TEST_F(TutorialTest, WhereverItEndsItLeavesNothingBehind) {
-    enterOwnThings();
-    const std::string before = whatIsKept();
+    EnterOwnThings();
+    const std::string before = WhatIsKept();
     ASSERT_NE(before.find("cube(side)\n"), std::string::npos);
     std::string script;
     int ends = 0;
     for (const std::string& line : tutorialLines()) {
         script += silent(line) + "\n";
         if (timingOf(line).milliseconds == 0) continue;
-        replay(script);
+        Replay(script);
         [console clearConsole];
-        ASSERT_EQ(whatIsKept(), before) << line;
+        ASSERT_EQ(WhatIsKept(), before) << line;
         ends++;
     }
     EXPECT_GT(ends, 30);
@@ -167,25 +167,25 @@ TEST_F(TutorialTest, WhereverItEndsItLeavesNothingBehind) {
 
 TEST_F(TutorialTest, ItKeepsToThePersonsSettings) {
     for (const char* const line : {"european on", "mode rad", "sigfigs 20", "scimode eng", "display hex"})
-        enter(line);
-    const std::string before = whatIsKept();
-    const std::string shown = replayTutorial();
+        Enter(line);
+    const std::string before = WhatIsKept();
+    const std::string shown = ReplayTutorial();
     EXPECT_EQ(shown.find("**"), std::string::npos) << shown;
     EXPECT_NE(shown.find("\n> 0xFF + 0b1\nans = 0x0100\n"), std::string::npos) << shown;
-    EXPECT_EQ(whatIsKept(), before);
+    EXPECT_EQ(WhatIsKept(), before);
 }
 
 TEST_F(TutorialTest, EscapeEndsItAtOnceWithANewPrompt) {
-    post(@"\033");
+    Post(@"\033");
     EXPECT_TRUE([console loadFile:@TALLYQUILL_RESOURCES "/tutorial.script"]);
-    EXPECT_EQ(text(), "> \nW\n> ");
+    EXPECT_EQ(Text(), "> \nW\n> ");
 }
 
 // The button Hex shows the last answer again with the entry as the tutorial showed it.
 TEST_F(TutorialTest, ItsLastAnswerCanBeShownInAnotherBase) {
-    replayTutorial();
+    ReplayTutorial();
     [console setDisplayBase:16:YES];
-    EXPECT_NE(text().find("\n0xFF + 0b1 = 0x0100\n"), std::string::npos) << text();
+    EXPECT_NE(Text().find("\n0xFF + 0b1 = 0x0100\n"), std::string::npos) << Text();
 }
 
 } // namespace

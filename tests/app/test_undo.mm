@@ -9,135 +9,135 @@ class Undo : public ConsoleTest {
 protected:
     void SetUp() override {
         ConsoleTest::SetUp();
-        enter("1+2");
-        first = transcript();
+        Enter("1+2");
+        first = Transcript();
     }
 
     // Undo groups what one event did.
-    void nextEvent() { run(0.01); }
+    void NextEvent() { Run(0.01); }
 
-    std::string undone() {
+    std::string Undone() {
         [console undo:nil];
-        nextEvent();
-        EXPECT_EQ(first, transcript());
-        return entry();
+        NextEvent();
+        EXPECT_EQ(first, Transcript());
+        return Entry();
     }
 
     std::string first;
 };
 
 TEST_F(Undo, takesTypingBackAndPreviews) {
-    type("45");
-    nextEvent();
-    type("+6");
-    nextEvent();
-    EXPECT_EQ("45", undone());
-    EXPECT_EQ("ans = 45", status());
-    EXPECT_EQ("", undone());
-    EXPECT_EQ("", undone());
+    Type("45");
+    NextEvent();
+    Type("+6");
+    NextEvent();
+    EXPECT_EQ("45", Undone());
+    EXPECT_EQ("ans = 45", StatusLine());
+    EXPECT_EQ("", Undone());
+    EXPECT_EQ("", Undone());
 }
 
 TEST_F(Undo, restoresWhatWasDeleted) {
-    type("45");
-    nextEvent();
-    selectEntry(0, 1);
-    press(KEY_BACKSPACE);
-    nextEvent();
-    ASSERT_EQ("5", entry());
-    EXPECT_EQ("45", undone());
-    EXPECT_EQ("ans = 45", status());
+    Type("45");
+    NextEvent();
+    SelectEntry(0, 1);
+    Press(KEY_BACKSPACE);
+    NextEvent();
+    ASSERT_EQ("5", Entry());
+    EXPECT_EQ("45", Undone());
+    EXPECT_EQ("ans = 45", StatusLine());
 }
 
 TEST_F(Undo, doesNothingInAnEmptyEntry) {
-    type("45");
-    nextEvent();
-    press(KEY_ESCAPE);
-    nextEvent();
-    EXPECT_EQ("", undone());
+    Type("45");
+    NextEvent();
+    Press(KEY_ESCAPE);
+    NextEvent();
+    EXPECT_EQ("", Undone());
 }
 
 TEST_F(Undo, withTheCursorElsewhereRestoresAnEmptiedEntry) {
-    type("45");
-    nextEvent();
-    press(KEY_ESCAPE);
-    nextEvent();
-    select(1);
-    EXPECT_EQ("45", undone());
+    Type("45");
+    NextEvent();
+    Press(KEY_ESCAPE);
+    NextEvent();
+    Select(1);
+    EXPECT_EQ("45", Undone());
 }
 
 TEST_F(Undo, takesAPasteBack) {
-    type("45");
-    nextEvent();
-    setPasteboard("+1\n2");
+    Type("45");
+    NextEvent();
+    SetPasteboard("+1\n2");
     [console paste:nil];
-    nextEvent();
-    EXPECT_EQ("45", undone());
+    NextEvent();
+    EXPECT_EQ("45", Undone());
 }
 
 TEST_F(Undo, takesBackWhatOperatorsInsert) {
     for (const char* const keys : {"*", "-", "--", "---", "----", "---5"}) {
         for (const char* key = keys; *key; key++) {
             const char one[] = {*key, '\0'};
-            type(one);
-            nextEvent();
+            Type(one);
+            NextEvent();
         }
-        ASSERT_NE("", entry());
-        for (int i = 0; i < 9; i++) undone();
-        EXPECT_EQ("", entry()) << keys;
+        ASSERT_NE("", Entry());
+        for (int i = 0; i < 9; i++) Undone();
+        EXPECT_EQ("", Entry()) << keys;
         [[console undoManager] removeAllActions];
     }
 }
 
 TEST_F(Undo, stepsThroughTheFormsOfAMinus) {
-    type("-");
-    nextEvent();
-    type("-");
-    nextEvent();
-    ASSERT_EQ("ans-", entry());
-    EXPECT_EQ("-", undone());
-    EXPECT_EQ("", undone());
+    Type("-");
+    NextEvent();
+    Type("-");
+    NextEvent();
+    ASSERT_EQ("ans-", Entry());
+    EXPECT_EQ("-", Undone());
+    EXPECT_EQ("", Undone());
 }
 
 TEST_F(Undo, knowsNothingOfEarlierEntries) {
-    type("45");
-    nextEvent();
-    press(KEY_RETURN);
-    first = transcript();
-    nextEvent();
-    type("6");
-    nextEvent();
-    EXPECT_EQ("", undone());
-    select(3); // where undo is asked although the entry is empty
-    EXPECT_EQ("", undone());
+    Type("45");
+    NextEvent();
+    Press(KEY_RETURN);
+    first = Transcript();
+    NextEvent();
+    Type("6");
+    NextEvent();
+    EXPECT_EQ("", Undone());
+    Select(3); // where undo is asked although the entry is empty
+    EXPECT_EQ("", Undone());
 }
 
 TEST_F(Undo, afterClearingKnowsNothing) {
-    type("45");
-    nextEvent();
+    Type("45");
+    NextEvent();
     [console clearConsole];
     first = "> ";
-    type("6");
-    nextEvent();
-    EXPECT_EQ("", undone());
-    select(0);
-    EXPECT_EQ("", undone());
+    Type("6");
+    NextEvent();
+    EXPECT_EQ("", Undone());
+    Select(0);
+    EXPECT_EQ("", Undone());
 }
 
 TEST_F(Undo, afterOutputAboveTheEntryKnowsNothing) {
-    type("45");
-    nextEvent();
+    Type("45");
+    NextEvent();
     [console insertPrePrompt:"note\n":3];
-    first = transcript();
-    EXPECT_EQ("45", undone());
+    first = Transcript();
+    EXPECT_EQ("45", Undone());
 }
 
 TEST_F(Undo, redoRestoresTheEntry) {
-    type("45");
-    nextEvent();
-    undone();
+    Type("45");
+    NextEvent();
+    Undone();
     [[console undoManager] redo];
-    EXPECT_EQ("45", entry());
-    EXPECT_EQ(first, transcript());
+    EXPECT_EQ("45", Entry());
+    EXPECT_EQ(first, Transcript());
 }
 
 // Any mixture of editing, undo and redo.
@@ -147,32 +147,32 @@ TEST_F(Undo, noSequenceHarmsTheTranscript) {
         state = state * 1103515245U + 12345U;
         return (state >> 16) % sides;
     };
-    setPasteboard("8\n9");
+    SetPasteboard("8\n9");
     for (int i = 0; i < 600; i++) {
         const auto length = static_cast<unsigned>([[console string] length]);
         switch (dice(14)) {
-        case 0: type("-"); break;
-        case 1: type("s"); break;
-        case 2: press(KEY_TAB); break;
-        case 3: press(KEY_BACKSPACE); break;
-        case 4: press(KEY_FORWARD_DELETE); break;
-        case 5: press(KEY_UP); break;
-        case 6: press(KEY_DOWN); break;
+        case 0: Type("-"); break;
+        case 1: Type("s"); break;
+        case 2: Press(KEY_TAB); break;
+        case 3: Press(KEY_BACKSPACE); break;
+        case 4: Press(KEY_FORWARD_DELETE); break;
+        case 5: Press(KEY_UP); break;
+        case 6: Press(KEY_DOWN); break;
         case 7: [console paste:nil]; break;
         case 8: [console cut:nil]; break;
         case 9: [console undo:nil]; break;
         case 10: [[console undoManager] redo]; break;
-        case 11: select(dice(length), dice(6)); break;
-        case 12: nextEvent(); break;
+        case 11: Select(dice(length), dice(6)); break;
+        case 12: NextEvent(); break;
         default:
             if (dice(8) > 0) break;
-            press(KEY_RETURN);
+            Press(KEY_RETURN);
             // What an empty entry repeats is answered in front of "\n> ".
             first.resize(first.size() - 3);
-            ASSERT_EQ(first, text().substr(0, first.size())) << "step " << i;
-            first = transcript();
+            ASSERT_EQ(first, Text().substr(0, first.size())) << "step " << i;
+            first = Transcript();
         }
-        ASSERT_EQ(first, transcript()) << "step " << i;
+        ASSERT_EQ(first, Transcript()) << "step " << i;
         ASSERT_EQ("> ", first.substr(first.size() - 2));
     }
 }

@@ -33,7 +33,7 @@ public:
     Picture& operator=(const Picture&) = delete;
     ~Picture() { [bits release]; }
 
-    Pixel at(NSInteger x, NSInteger y) const {
+    Pixel At(NSInteger x, NSInteger y) const {
         NSColor* const color =
             [[bits colorAtX:x y:[bits pixelsHigh] - 1 - y] colorUsingColorSpaceName:NSDeviceRGBColorSpace];
         return {[color redComponent], [color greenComponent], [color blueComponent], [color alphaComponent]};
@@ -54,10 +54,10 @@ protected:
         [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.2 green:0.4 blue:0.6 alpha:1]];
     }
 
-    Picture draw(NSRect dirty) {
+    Picture Draw(NSRect dirty) {
         return Picture(NSMakeSize(60, 120), [&] { [view drawRect:dirty]; });
     }
-    Picture draw() { return draw([view bounds]); }
+    Picture Draw() { return Draw([view bounds]); }
 
     HUDViewWithBlur* view = nil;
 };
@@ -65,18 +65,18 @@ protected:
 const double STEP = 1.5 / 255; // of a colour's component
 
 TEST_F(Background, TheBandLeavesTwentyPointsBelowAndTwentySevenAbove) {
-    const Picture picture = draw();
-    EXPECT_EQ(picture.at(30, 19).alpha, 0);
-    EXPECT_GT(picture.at(30, 20).alpha, 0);
-    EXPECT_GT(picture.at(0, 50).alpha, 0);
-    EXPECT_GT(picture.at(59, 50).alpha, 0);
-    EXPECT_GT(picture.at(30, 92).alpha, 0); // 120 - 27 - 1
-    EXPECT_EQ(picture.at(30, 93).alpha, 0);
+    const Picture picture = Draw();
+    EXPECT_EQ(picture.At(30, 19).alpha, 0);
+    EXPECT_GT(picture.At(30, 20).alpha, 0);
+    EXPECT_GT(picture.At(0, 50).alpha, 0);
+    EXPECT_GT(picture.At(59, 50).alpha, 0);
+    EXPECT_GT(picture.At(30, 92).alpha, 0); // 120 - 27 - 1
+    EXPECT_EQ(picture.At(30, 93).alpha, 0);
 }
 
 TEST_F(Background, TheBandHasTheColorOfTheConsole) {
     [console setSetting:@"trans" to:0];
-    const Pixel pixel = draw().at(30, 60);
+    const Pixel pixel = Draw().At(30, 60);
     EXPECT_NEAR(pixel.red, 0.2, STEP);
     EXPECT_NEAR(pixel.green, 0.4, STEP);
     EXPECT_NEAR(pixel.blue, 0.6, STEP);
@@ -89,17 +89,17 @@ TEST_F(Background, TheTransparencyGoesByTheSetting) {
     } cases[] = {{25, 0.9}, {0, 1.0}, {50, 0.8}, {100, 0.6}};
     for (const auto& one : cases) {
         [console setSetting:@"trans" to:one.setting];
-        EXPECT_NEAR(draw().at(30, 60).alpha, one.alpha, STEP) << one.setting;
+        EXPECT_NEAR(Draw().At(30, 60).alpha, one.alpha, STEP) << one.setting;
     }
 }
 
 TEST_F(Background, OnlyWhatIsDirtyIsFilled) {
-    const Picture picture = draw(NSMakeRect(10, 0, 20, 50));
-    EXPECT_GT(picture.at(10, 49).alpha, 0);
-    EXPECT_EQ(picture.at(9, 40).alpha, 0);
-    EXPECT_EQ(picture.at(30, 40).alpha, 0);
-    EXPECT_EQ(picture.at(20, 50).alpha, 0);
-    EXPECT_EQ(picture.at(20, 19).alpha, 0);
+    const Picture picture = Draw(NSMakeRect(10, 0, 20, 50));
+    EXPECT_GT(picture.At(10, 49).alpha, 0);
+    EXPECT_EQ(picture.At(9, 40).alpha, 0);
+    EXPECT_EQ(picture.At(30, 40).alpha, 0);
+    EXPECT_EQ(picture.At(20, 50).alpha, 0);
+    EXPECT_EQ(picture.At(20, 19).alpha, 0);
 }
 
 TEST_F(Background, ItReplacesWhatWasThere) {
@@ -108,15 +108,15 @@ TEST_F(Background, ItReplacesWhatWasThere) {
         NSRectFill(NSMakeRect(0, 0, 60, 120));
         [view drawRect:[view bounds]];
     });
-    EXPECT_NEAR(picture.at(30, 60).alpha, 0.9, STEP);
-    EXPECT_NEAR(picture.at(30, 60).red, 0.2, 2 * STEP);
+    EXPECT_NEAR(picture.At(30, 60).alpha, 0.9, STEP);
+    EXPECT_NEAR(picture.At(30, 60).red, 0.2, 2 * STEP);
 }
 
 TEST_F(Background, AWindowTooLowForABandIsSurvived) {
     [view setFrame:NSMakeRect(0, 0, 60, 30)];
-    const Picture picture = draw();
-    EXPECT_EQ(picture.at(30, 10).alpha, 0);
-    EXPECT_EQ(picture.at(30, 60).alpha, 0);
+    const Picture picture = Draw();
+    EXPECT_EQ(picture.At(30, 10).alpha, 0);
+    EXPECT_EQ(picture.At(30, 60).alpha, 0);
 }
 
 TEST_F(Background, TheContentOfTheWindowIsSuchAView) {
@@ -133,7 +133,7 @@ protected:
     }
 
     // As it is seen; the scroller is flipped, and so is the picture.
-    Pixel seen(NSInteger x, NSInteger fromTop) {
+    Pixel Seen(NSInteger x, NSInteger fromTop) {
         [window display];
         [scroller lockFocus];
         NSBitmapImageRep* const bits =
@@ -143,7 +143,7 @@ protected:
         return {[color redComponent], [color greenComponent], [color blueComponent], [color alphaComponent]};
     }
 
-    void fillConsole() {
+    void FillConsole() {
         for (int i = 0; i < 100; i++) [console insertWithoutPrompt:"line\n"];
         [console sizeToFit];
     }
@@ -197,42 +197,42 @@ TEST_F(Scroller, TheKnobIsCentredAtTheWidthOfItsImage) {
 TEST_F(Scroller, ADocumentThatFitsHasNoKnob) {
     const NSInteger middle = static_cast<NSInteger>(NSWidth([scroller bounds]) / 2);
     const NSInteger height = static_cast<NSInteger>(NSHeight([scroller bounds]));
-    const Pixel first = seen(middle, height / 2);
-    for (NSInteger y = 1; y < height - 1; y++) EXPECT_NEAR(seen(middle, y).red, first.red, STEP) << y;
+    const Pixel first = Seen(middle, height / 2);
+    for (NSInteger y = 1; y < height - 1; y++) EXPECT_NEAR(Seen(middle, y).red, first.red, STEP) << y;
 }
 
 TEST_F(Scroller, ALongDocumentHasAKnobAtItsEnd) {
-    fillConsole();
+    FillConsole();
     [console gotoEnd];
     const NSRect knob = [scroller rectForPart:NSScrollerKnob];
     ASSERT_GT(NSHeight(knob), 6);
     const NSInteger middle = static_cast<NSInteger>(NSMidX(knob));
     const NSInteger y = static_cast<NSInteger>(NSMidY(knob));
-    EXPECT_GT(seen(middle, y).red, seen(middle, 3).red + 0.1);
+    EXPECT_GT(Seen(middle, y).red, Seen(middle, 3).red + 0.1);
     // Beside the image there is the track.
     const NSInteger left = static_cast<NSInteger>(NSMinX(knob));
     const NSInteger right = static_cast<NSInteger>(NSMaxX(knob)) - 1;
-    EXPECT_NEAR(seen(left, y).red, seen(left, 3).red, STEP);
-    EXPECT_NEAR(seen(right, y).red, seen(right, 3).red, STEP);
+    EXPECT_NEAR(Seen(left, y).red, Seen(left, 3).red, STEP);
+    EXPECT_NEAR(Seen(right, y).red, Seen(right, 3).red, STEP);
     // The knob is drawn to its ends.
-    EXPECT_GT(seen(middle, static_cast<NSInteger>(NSMinY(knob)) + 1).red, seen(middle, 3).red + 0.1);
-    EXPECT_GT(seen(middle, static_cast<NSInteger>(NSMaxY(knob)) - 2).red, seen(middle, 3).red + 0.1);
+    EXPECT_GT(Seen(middle, static_cast<NSInteger>(NSMinY(knob)) + 1).red, Seen(middle, 3).red + 0.1);
+    EXPECT_GT(Seen(middle, static_cast<NSInteger>(NSMaxY(knob)) - 2).red, Seen(middle, 3).red + 0.1);
 }
 
 TEST_F(Scroller, TheKnobGoesWhenTheDocumentFitsAgain) {
-    fillConsole();
+    FillConsole();
     [console gotoEnd];
     const NSRect knob = [scroller rectForPart:NSScrollerKnob];
     const NSInteger x = static_cast<NSInteger>(NSMidX(knob)), y = static_cast<NSInteger>(NSMidY(knob));
-    const Pixel before = seen(x, y);
+    const Pixel before = Seen(x, y);
     [console clearConsole];
     [console fitToScrollView];
-    EXPECT_LT(seen(x, y).red, before.red - 0.1);
+    EXPECT_LT(Seen(x, y).red, before.red - 0.1);
 }
 
 TEST_F(Scroller, TheTrackHasTheColorOfTheConsole) {
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.6 green:0.1 blue:0.1 alpha:1]];
-    const Pixel track = seen(1, 5);
+    const Pixel track = Seen(1, 5);
     EXPECT_GT(track.red, 0.5);
     EXPECT_LT(track.green, 0.2);
 }
@@ -248,7 +248,7 @@ TEST_F(Scroller, ANotchOfTheWheelIsAboutThreeLines) {
 class LongLines : public ConsoleTest {
 protected:
     // Whether the character stands on the line of the prompt's first one.
-    bool isBesideThePrompt(NSUInteger character) {
+    bool IsBesideThePrompt(NSUInteger character) {
         NSLayoutManager* const layout = [console layoutManager];
         const NSUInteger start = static_cast<NSUInteger>(g_linestart) - 2;
         const NSRect first = [layout lineFragmentRectForGlyphAtIndex:start effectiveRange:NULL];
@@ -257,32 +257,32 @@ protected:
         return NSMinY(first) == NSMinY(other);
     }
 
-    void expectEntryBesideThePrompt() {
+    void ExpectEntryBesideThePrompt() {
         [console replacePrompt:std::string(200, '7').c_str()];
-        EXPECT_TRUE(isBesideThePrompt(0));
-        EXPECT_FALSE(isBesideThePrompt(199));
+        EXPECT_TRUE(IsBesideThePrompt(0));
+        EXPECT_FALSE(IsBesideThePrompt(199));
     }
 };
 
 TEST_F(LongLines, AnEntryBeginsBesideItsPrompt) {
-    expectEntryBesideThePrompt();
+    ExpectEntryBesideThePrompt();
     [console clearPrompt];
     [console insertWithNewPrompt:"ans = 2\n"];
-    expectEntryBesideThePrompt();
+    ExpectEntryBesideThePrompt();
 }
 
 TEST_F(LongLines, AlsoWithOtherFontsAndColorsAndInAClearedConsole) {
     [console setFont:[NSFont userFixedPitchFontOfSize:15]];
-    expectEntryBesideThePrompt();
+    ExpectEntryBesideThePrompt();
     [console showTextColor:[NSColor redColor] background:[NSColor blackColor]];
-    expectEntryBesideThePrompt();
+    ExpectEntryBesideThePrompt();
     [console setString:@""];
     [console clearConsole];
     [console setFont:[NSFont userFixedPitchFontOfSize:11]];
-    expectEntryBesideThePrompt();
+    ExpectEntryBesideThePrompt();
     [console clearPrompt];
     [console insertText:[@"" stringByPaddingToLength:200 withString:@"x" startingAtIndex:0]];
-    EXPECT_TRUE(isBesideThePrompt(0));
+    EXPECT_TRUE(IsBesideThePrompt(0));
 }
 
 // --- The formatter ---
@@ -312,7 +312,7 @@ protected:
 
     // What a text field with the formatter holds after each of the characters was typed; "<" stands for the
     // key that moves the cursor to the left.
-    std::string typed(const char* characters, NSString* begin = @"") {
+    std::string Typed(const char* characters, NSString* begin = @"") {
         NSTextField* const field =
             [[[NSTextField alloc] initWithFrame:NSMakeRect(0, 30, 80, 22)] autorelease];
         [field setFormatter:formatter];
@@ -395,25 +395,25 @@ TEST_F(Formatter, TheShortQuestionHasTheSameAnswers) {
 }
 
 TEST_F(Formatter, AFieldShowsCapitals) {
-    EXPECT_EQ(typed("a"), "A");
-    EXPECT_EQ(typed("abC1"), "ABC1");
+    EXPECT_EQ(Typed("a"), "A");
+    EXPECT_EQ(Typed("abC1"), "ABC1");
 }
 
 TEST_F(Formatter, AFieldOfOneCharacterKeepsTheFirst) {
     [formatter setMaximumLength:1];
-    EXPECT_EQ(typed(";"), ";");
-    EXPECT_EQ(typed(";'"), ";");
-    EXPECT_EQ(typed("ab"), "A");
+    EXPECT_EQ(Typed(";"), ";");
+    EXPECT_EQ(Typed(";'"), ";");
+    EXPECT_EQ(Typed("ab"), "A");
 }
 
 TEST_F(Formatter, AFullFieldRefusesWhatIsTypedInFrontOfItsText) {
     [formatter setMaximumLength:1];
-    EXPECT_EQ(typed(";<'"), ";");
-    EXPECT_EQ(typed("<'", @";"), ";"); // what it held when the typing began
-    EXPECT_EQ(typed("<<B", @"A"), "A");
+    EXPECT_EQ(Typed(";<'"), ";");
+    EXPECT_EQ(Typed("<'", @";"), ";"); // what it held when the typing began
+    EXPECT_EQ(Typed("<<B", @"A"), "A");
     [formatter setMaximumLength:3];
-    EXPECT_EQ(typed("abc<<xy"), "ABC");
-    EXPECT_EQ(typed("ab<c<xy"), "ACB");
+    EXPECT_EQ(Typed("abc<<xy"), "ABC");
+    EXPECT_EQ(Typed("ab<c<xy"), "ACB");
 }
 
 TEST_F(Formatter, AFieldThatWasNeverFullRefusesATextTooLong) {

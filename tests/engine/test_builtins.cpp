@@ -51,8 +51,7 @@ TEST(Builtins, areFoundByTheirNamesAndLogarithmsByTheirBase) {
     }
     const Builtin* const log = findBuiltin("log");
     ASSERT_TRUE(log);
-    for (const char* name : {"log2", "log1.5", "log.5", "log1e2"})
-        EXPECT_EQ(log, findBuiltin(name)) << name;
+    for (const char* name : {"log2", "log1.5", "log.5", "log1e2"}) EXPECT_EQ(log, findBuiltin(name)) << name;
     for (const char* name : {"logx", "log2x", "log.", "sine", ""})
         EXPECT_EQ(nullptr, findBuiltin(name)) << name;
 }

@@ -14,8 +14,8 @@
 namespace {
 
 TEST_F(Functions, unitsAreFoundByTheirDefinitionsHead) {
-    calc.unitDefs.Push(StrDuplicate("unit furlong=220 yard"));
-    calc.unitDefs.Push(StrDuplicate("unit fur=1 furlong"));
+    calc.unitDefs.Push(strDuplicate("unit furlong=220 yard"));
+    calc.unitDefs.Push(strDuplicate("unit fur=1 furlong"));
     EXPECT_STREQ("unit furlong=220 yard", calc.UnitExists("furlong")->text);
     EXPECT_STREQ("unit fur=1 furlong", calc.UnitExists("fur")->text);
     EXPECT_EQ(nullptr, calc.UnitExists("Furlong"));

@@ -7,30 +7,30 @@ namespace {
 
 TEST(ConsoleCommand, aNumberStandsBehindTheWord) {
     long number = -1;
-    EXPECT_TRUE(CommandHasNumber("pause500", "pause", number));
+    EXPECT_TRUE(commandHasNumber("pause500", "pause", number));
     EXPECT_EQ(500, number);
-    EXPECT_TRUE(CommandHasNumber("pause-5", "pause", number));
+    EXPECT_TRUE(commandHasNumber("pause-5", "pause", number));
     EXPECT_EQ(-5, number);
-    EXPECT_TRUE(CommandHasNumber("echo0x10", "echo", number));
+    EXPECT_TRUE(commandHasNumber("echo0x10", "echo", number));
     EXPECT_EQ(16, number);
     for (const char* command : {"pause", "pausex", "paus5", "echorep", ""}) {
-        EXPECT_FALSE(CommandHasNumber(command, "pause", number)) << command;
+        EXPECT_FALSE(commandHasNumber(command, "pause", number)) << command;
     }
 }
 
 TEST(ConsoleCommand, aPauseOutsideOfZeroToFiveSecondsIsOneSecond) {
-    EXPECT_EQ(0, PauseLength(0));
-    EXPECT_EQ(100, PauseLength(100));
-    EXPECT_EQ(5000, PauseLength(5000));
-    for (const long number : {5001L, 7000L, -1L, -5L}) EXPECT_EQ(1000, PauseLength(number)) << number;
+    EXPECT_EQ(0, pauseLength(0));
+    EXPECT_EQ(100, pauseLength(100));
+    EXPECT_EQ(5000, pauseLength(5000));
+    for (const long number : {5001L, 7000L, -1L, -5L}) EXPECT_EQ(1000, pauseLength(number)) << number;
 }
 
 TEST(ConsoleCommand, charactersComeAtTheirRate) {
-    EXPECT_EQ(1000, WaitBetweenCharacters(1));
-    EXPECT_EQ(100, WaitBetweenCharacters(10));
-    EXPECT_EQ(33, WaitBetweenCharacters(30));
-    EXPECT_EQ(10, WaitBetweenCharacters(100));
-    for (const long number : {0L, 101L, 500L, -5L}) EXPECT_EQ(0, WaitBetweenCharacters(number)) << number;
+    EXPECT_EQ(1000, waitBetweenCharacters(1));
+    EXPECT_EQ(100, waitBetweenCharacters(10));
+    EXPECT_EQ(33, waitBetweenCharacters(30));
+    EXPECT_EQ(10, waitBetweenCharacters(100));
+    for (const long number : {0L, 101L, 500L, -5L}) EXPECT_EQ(0, waitBetweenCharacters(number)) << number;
 }
 
 } // namespace

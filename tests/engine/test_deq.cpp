@@ -14,7 +14,7 @@ namespace {
 
 node* named(const char* text, int32_t type = TERM_NAME) {
     node* term = new node;
-    term->text = StrDuplicate(text);
+    term->text = strDuplicate(text);
     term->type = type;
     return term;
 }
@@ -49,7 +49,7 @@ TEST(Deq, pushAppendsAndReturnsTheNode) {
     Deq list;
     node* a = named("a");
     EXPECT_EQ(a, list.Push(a));
-    node* b = list.Push(StrDuplicate("b"));
+    node* b = list.Push(strDuplicate("b"));
     EXPECT_EQ(b, list.last);
     EXPECT_EQ(0, b->level);
     EXPECT_EQ(nullptr, b->value);
@@ -61,7 +61,7 @@ TEST(Deq, insertGoesBeforeThePosition) {
     fill(list, "abc");
     list.Insert(named("x"), 0);
     EXPECT_EQ("xabc", texts(list));
-    list.Insert(StrDuplicate("y"), 2);
+    list.Insert(strDuplicate("y"), 2);
     EXPECT_EQ("xaybc", texts(list));
 }
 
@@ -87,8 +87,8 @@ TEST(Deq, insertIntoAnEmptyList) {
 TEST(Deq, insertBeforeANode) {
     Deq list;
     fill(list, "abc");
-    list.Insert(StrDuplicate("x"), list.first);
-    list.Insert(StrDuplicate("y"), list.last);
+    list.Insert(strDuplicate("x"), list.first);
+    list.Insert(strDuplicate("y"), list.last);
     EXPECT_EQ("xabyc", texts(list));
 }
 
@@ -167,7 +167,7 @@ TEST(Deq, printsTextsAndIsBounded) {
     memset(out, '!', sizeof out);
     list.SPrint(out);
     EXPECT_STREQ("ab", out);
-    list.Push(StrDuplicate(std::string(20000, 'c')));
+    list.Push(strDuplicate(std::string(20000, 'c')));
     list.SPrint(out);
     EXPECT_EQ("ab" + std::string(9997, 'c'), std::string(out));
     EXPECT_EQ('!', out[10000]);
@@ -214,7 +214,7 @@ TEST(Deq, behavesAsAPlainListUnderRandomOperations) {
 }
 
 // The table, written out once more: text, code, precedence, needs left, needs right.
-const OpEntry expectedOps[] = {
+const OpEntry EXPECTED_OPS[] = {
     {"&&", 26, 13, 1, 1}, {"||", 27, 14, 1, 1}, {">>", 13, 7, 1, 1},   {"<<", 14, 7, 1, 1},
     {">=", 22, 8, 1, 1},  {"<=", 23, 8, 1, 1},  {"==", 24, 9, 1, 1},   {"!=", 25, 9, 1, 1},
     {"!", 15, 3, 1, 0},   {"^", 12, 4, 1, 1},   {"*", 5, 5, 1, 1},     {"/", 6, 5, 1, 1},
@@ -226,7 +226,7 @@ const OpEntry expectedOps[] = {
 
 TEST(Operators, tableHoldsEveryOperatorInOrder) {
     size_t i = 0;
-    for (const OpEntry& expected : expectedOps) {
+    for (const OpEntry& expected : EXPECTED_OPS) {
         SCOPED_TRACE(expected.text);
         EXPECT_STREQ(expected.text, ops[i].text);
         EXPECT_EQ(expected.code, ops[i].code);
@@ -239,7 +239,7 @@ TEST(Operators, tableHoldsEveryOperatorInOrder) {
 }
 
 TEST(Operators, getOpFindsTheEntryOfACode) {
-    for (const OpEntry& expected : expectedOps) EXPECT_STREQ(expected.text, getOp(expected.code).text);
+    for (const OpEntry& expected : EXPECTED_OPS) EXPECT_STREQ(expected.text, getOp(expected.code).text);
     for (int32_t code : {-1, 0, 1, 10, 28, 128, 129, 130, 131, 1 << 30})
         EXPECT_EQ(0, getOp(code).code) << code;
 }
@@ -254,11 +254,11 @@ TEST(Operators, isOpTakesTheFirstEntryThatBeginsTheText) {
     EXPECT_EQ(OP_CONVERT, isOp("\x11mi"));
     EXPECT_EQ(OP_UNIT_MARK, isOp("\x10"));
     for (const char* text : {"", "=", "3+", "a", " +", "\xff"}) EXPECT_EQ(0, isOp(text)) << text;
-    for (const OpEntry& expected : expectedOps) EXPECT_EQ(expected.code, isOp(expected.text));
+    for (const OpEntry& expected : EXPECTED_OPS) EXPECT_EQ(expected.code, isOp(expected.text));
 }
 
 TEST(Operators, isOpOfATermType) {
-    for (const OpEntry& expected : expectedOps) EXPECT_TRUE(isOp(int32_t{expected.code}));
+    for (const OpEntry& expected : EXPECTED_OPS) EXPECT_TRUE(isOp(int32_t{expected.code}));
     EXPECT_TRUE(isOp(TERM_DONE));
     for (int32_t type : {+TERM_NAME, +TERM_FUNC, +TERM_NUMBER, 0, 1, 10, 28, -1})
         EXPECT_FALSE(isOp(type)) << type;

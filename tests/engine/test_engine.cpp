@@ -198,7 +198,7 @@ TEST_F(Engine, errorsKeepTheirFrameHoweverLongTheTermIs) {
 }
 
 TEST_F(Engine, aVariableWithABadNameIsDeletedAndReported) {
-    node* variable = calc.vars.Push(StrDuplicate("a-b"));
+    node* variable = calc.vars.Push(strDuplicate("a-b"));
     variable->type = TERM_NAME;
     variable->SetValue(qone);
     EXPECT_EQ("** ERROR: invalid variable name: a-b **\n", Answer("1"));

@@ -12,7 +12,7 @@
 namespace {
 
 // What is there before the entry.
-const char* const before[] = {"mode deg",         "x=1.5",    "y=2",        "z=3",
+const char* const BEFORE[] = {"mode deg",         "x=1.5",    "y=2",        "z=3",
                               "f(p)=p*x",         "g(p)=p^2", "g(p,q)=p+q", "unit smoot=1.7018 m",
                               "unit span=9 inch", "del sinc", "y=4"};
 
@@ -78,14 +78,14 @@ std::vector<Row> rows() {
 }
 
 // These end a line.
-const char* const handedOver[] = {
+const char* const HANDED_OVER[] = {
     "convert 5 miles to km", "echo20 text", "echorep text", "pause 7", "clear", "cls", "exit"};
 
 // The settings of the engine, also those that no command word changes.
 const struct {
     const char* name;
     int (*value)(const ZqCalculator& calc);
-} settings[] = {
+} SETTING_VALUES[] = {
     {"degreeMode", [](const ZqCalculator& c) -> int { return c.degreeMode; }},
     {"sciMode", [](const ZqCalculator& c) -> int { return c.sciMode; }},
     {"sigFigs", [](const ZqCalculator& c) -> int { return c.sigFigs; }},
@@ -118,7 +118,7 @@ protected:
         deleteAllUnits();
         calc = std::make_unique<ZqCalculator>();
         calc->InitializeFunctionsAndVars();
-        for (const char* line : before) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(line, false)) << line;
+        for (const char* line : BEFORE) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(line, false)) << line;
     }
 
     ~EntryState() override { deleteAllFunctions(); }
@@ -151,7 +151,7 @@ protected:
     // history.
     std::string State() {
         std::string text;
-        for (const auto& setting : settings)
+        for (const auto& setting : SETTING_VALUES)
             text += std::string(setting.name) + " " + std::to_string(setting.value(*calc)) + "\n";
         for (const node* variable = calc->vars.first; variable; variable = variable->next) {
             EXPECT_EQ(variable, calc->VariableExists(variable->text));
@@ -255,12 +255,12 @@ TEST_F(EntryState, isThatBeforeAnInterruptedEntryWhereverItWasStopped) {
 TEST_F(EntryState, isThatBeforeAnInterruptedEntryOfOneStatement) {
     for (const Row& row : rows()) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(row.statement, 1));
     ASSERT_NO_FATAL_FAILURE(ExpectUnchanged("new1=0" + repeated("+1", 900), 3));
-    for (const char* statement : handedOver) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(statement, 1));
+    for (const char* statement : HANDED_OVER) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(statement, 1));
 }
 
 // A command word or a value of a setting that stands in no row would not be tested.
 TEST_F(EntryState, theRowsHaveEveryCommandWord) {
-    std::vector<std::string> statements(std::begin(handedOver), std::end(handedOver));
+    std::vector<std::string> statements(std::begin(HANDED_OVER), std::end(HANDED_OVER));
     for (const Row& row : rows()) statements.push_back(row.statement);
     const auto isThere = [&statements](const std::string& word) {
         for (const std::string& statement : statements)

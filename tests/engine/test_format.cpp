@@ -26,7 +26,7 @@ struct FormatCase {
     const char* text;
 };
 
-const FormatCase formatCases[] = {
+const FormatCase FORMAT_CASES[] = {
     // auto: where the exponent starts
     {"12345678", 10, SCI_AUTO, 0, "12345678"},
     {"123456789", 10, SCI_AUTO, 0, "1.23456789e8"},
@@ -123,7 +123,7 @@ const FormatCase formatCases[] = {
 };
 
 TEST(Format, qtoasciiByTable) {
-    for (const FormatCase& test : formatCases) {
+    for (const FormatCase& test : FORMAT_CASES) {
         EXPECT_EQ(test.text, formatted(test.number, test.sigfigs, test.scimode, test.separator))
             << test.number << " sigfigs " << test.sigfigs << " mode " << test.scimode;
     }

@@ -23,13 +23,13 @@ std::string allNames() {
     return names;
 }
 
-const char* const predefinedNames =
+const char* const PREDEFINED_NAMES =
     "sinc tanh cosh sinh rand floor round ceil abs atan acos asin tan cos sin "
     "exp ln log sqrt ";
 // --- The list ---
 
 TEST_F(Functions, areRegisteredInTheirOrder) {
-    EXPECT_EQ(std::string(predefinedNames) + "mod ", allNames());
+    EXPECT_EQ(std::string(PREDEFINED_NAMES) + "mod ", allNames());
     for (int i = 0; i < 19; i++) {
         const Function* function = funcs.Get(i);
         EXPECT_EQ(1, function->argCount);
@@ -49,7 +49,7 @@ TEST_F(Functions, mayBeInitializedAgainForAnotherCalculator) {
     another.european = true;
     another.tenKey = true;
     another.InitializeFunctionsAndVars();
-    EXPECT_EQ(std::string(predefinedNames) + "f mod ", allNames());
+    EXPECT_EQ(std::string(PREDEFINED_NAMES) + "f mod ", allNames());
     EXPECT_EQ("mod(x,d)=x%d", funcs.FindByName("mod", 2)->ToString());
     EXPECT_TRUE(another.european);
     EXPECT_TRUE(another.tenKey);
@@ -120,13 +120,13 @@ TEST_F(Functions, aRedefinitionMovesToTheEndAndAPredefinedOneStays) {
     Enter("f(x)=x");
     Enter("g(x)=x");
     Enter("f(x)=x+1");
-    EXPECT_EQ(std::string(predefinedNames) + "mod g f ", allNames());
+    EXPECT_EQ(std::string(PREDEFINED_NAMES) + "mod g f ", allNames());
     char parameter[] = "x";
     Deq body;
-    body.Push(StrDuplicate("x"))->type = TERM_NAME;
+    body.Push(strDuplicate("x"))->type = TERM_NAME;
     EXPECT_EQ(nullptr, funcs.AddFunction("Sqrt", parameter, &body));
     EXPECT_EQ(nullptr, funcs.AddFunction("log7", parameter, &body));
-    EXPECT_EQ(std::string(predefinedNames) + "mod g f ", allNames());
+    EXPECT_EQ(std::string(PREDEFINED_NAMES) + "mod g f ", allNames());
 }
 
 const Function* walkFor(const std::string& name, int32_t argCount) {
@@ -175,7 +175,7 @@ TEST_F(Functions, variablesAreCheckedWhenSomeWerePutInAlone) {
     EXPECT_EQ("ans = 2\n", Answer("x+1"));
     EXPECT_EQ(0u, calc.work.names);
     Enter("del x");
-    calc.vars.Push(StrDuplicate("2bad"))->SetValue(qone); // perhaps where x was
+    calc.vars.Push(strDuplicate("2bad"))->SetValue(qone); // perhaps where x was
     EXPECT_EQ("** ERROR: invalid variable name: 2bad **\n", Answer("1+1"));
     EXPECT_EQ("ans = 2\n", Answer("1+1"));
 }

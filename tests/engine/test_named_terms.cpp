@@ -14,7 +14,7 @@ namespace {
 
 node* makeTerm(const std::string& name, double value) {
     node* term = new node;
-    term->text = StrDuplicate(name);
+    term->text = strDuplicate(name);
     qfloat number;
     etoq(&value, number);
     term->SetValue(number);
@@ -96,11 +96,11 @@ TEST_F(NamedTermsTest, deletedTermsAreFreedAFewWithEachLookUp) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     const size_t before = heldBytes();
     terms.DeleteAll();
-    constexpr size_t bytesOfTerm = 300; // the node, its text, its value and the entry of the index
-    EXPECT_LT(before, heldBytes() + 2 * bytesOfTerm);
+    constexpr size_t BYTES_OF_TERM = 300; // the node, its text, its value and the entry of the index
+    EXPECT_LT(before, heldBytes() + 2 * BYTES_OF_TERM);
     for (int i = 1; i <= 200; i++) {
         terms.Find("v0");
-        EXPECT_LT(before, heldBytes() + static_cast<size_t>(i) * 40 * bytesOfTerm);
+        EXPECT_LT(before, heldBytes() + static_cast<size_t>(i) * 40 * BYTES_OF_TERM);
     }
     EXPECT_GT(before, heldBytes() + 5000 * 100);
 }
@@ -122,15 +122,15 @@ TEST_F(NamedTermsTest, deletedTermsComeBackWithTheirIndex) {
 }
 
 TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
-    constexpr unsigned seed = 20261122;
-    std::mt19937 random(seed);
+    constexpr unsigned SEED = 20261122;
+    std::mt19937 random(SEED);
     for (int round = 0; round < 300; round++) {
         const auto before = contentsOf(list);
         undo.Begin();
         for (auto n = static_cast<unsigned>(random() % 12); n > 0; n--) {
             const std::string name = "v" + std::to_string(random() % 30);
             node* const term = terms.Find(name);
-            ASSERT_EQ(FirstOf(name), term) << "seed " << seed;
+            ASSERT_EQ(FirstOf(name), term) << "seed " << SEED;
             const auto kind = random() % 8;
             if (kind == 0 && n % 4 == 0)
                 terms.DeleteAll();
@@ -145,11 +145,11 @@ TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
             undo.End();
         } else {
             undo.TakeBack();
-            ASSERT_EQ(before, contentsOf(list)) << "seed " << seed;
+            ASSERT_EQ(before, contentsOf(list)) << "seed " << SEED;
         }
         for (int i = 0; i < 30; i++) {
             const std::string name = "v" + std::to_string(i);
-            ASSERT_EQ(FirstOf(name), terms.Find(name)) << "seed " << seed;
+            ASSERT_EQ(FirstOf(name), terms.Find(name)) << "seed " << SEED;
         }
     }
 }

@@ -29,19 +29,19 @@ protected:
     }
 };
 
-const char* const interrupted = "** ERROR: interrupted **\n";
+const char* const INTERRUPTED = "** ERROR: interrupted **\n";
 
-const char* const tooMuch = "** ERROR: too much work for a preview **\n";
+const char* const TOO_MUCH = "** ERROR: too much work for a preview **\n";
 
 // 832 times a power of 1,000: 1,664,000 multiplications, which count as 208,000 of a preview's 60,000.
-const std::string expensive = repeated("k^1000*", 832) + "k^1000";
+const std::string EXPENSIVE = repeated("k^1000*", 832) + "k^1000";
 
 TEST_F(UnitWork, anExpensiveConversionEndsAPreviewBeforeItIsDone) {
     Enter("unit k=1.0000001 radian");
-    EXPECT_EQ(STATUS_ERROR, Preview("1 " + expensive + "->radian"));
-    EXPECT_STREQ(tooMuch, calc.message);
+    EXPECT_EQ(STATUS_ERROR, Preview("1 " + EXPENSIVE + "->radian"));
+    EXPECT_STREQ(TOO_MUCH, calc.message);
     EXPECT_LE(calc.work.units, 60000u + 500u);
-    EXPECT_EQ(STATUS_RESULT, Enter("1 " + expensive + "->radian"));
+    EXPECT_EQ(STATUS_RESULT, Enter("1 " + EXPENSIVE + "->radian"));
 }
 
 // A hundred thousand meters are counted, not listed.
@@ -74,7 +74,7 @@ TEST_F(UnitWork, theNamesOfAUnitAreWork) {
     EXPECT_EQ(STATUS_RESULT, Preview("g(1)+g(1)+g(1)+g(1)"));
     EXPECT_GE(calc.work.units, 4 * 2 * 1500 * 4u);
     EXPECT_EQ(STATUS_ERROR, Preview("g(1)" + repeated("+g(1)", 1900)));
-    EXPECT_STREQ(tooMuch, calc.message);
+    EXPECT_STREQ(TOO_MUCH, calc.message);
     checks = 0;
     checksUntilStop = 1000000;
     calc.interruptCheck = countChecks;
@@ -113,7 +113,7 @@ TEST_F(UnitWork, longTextsAreWork) {
     Enter("f(x)=x*(1 m" + repeated("*", 9900) + "->m)");
     EXPECT_EQ(STATUS_RESULT, Preview("f(1)"));
     EXPECT_EQ(STATUS_ERROR, Preview("f(1)" + repeated("+f(1)", 500)));
-    EXPECT_STREQ(tooMuch, calc.message);
+    EXPECT_STREQ(TOO_MUCH, calc.message);
 }
 
 TEST_F(UnitWork, ordinaryConversionsArePreviewed) {
@@ -125,16 +125,16 @@ TEST_F(UnitWork, ordinaryConversionsArePreviewed) {
 
 TEST_F(UnitWork, aFailedConversionCountsToo) {
     Enter("unit k=1.0000001 radian");
-    EXPECT_EQ(STATUS_ERROR, Preview("1 " + expensive + "->s*"));
-    EXPECT_STREQ(tooMuch, calc.message);
-    EXPECT_EQ(STATUS_ERROR, Enter("1 " + expensive + "*s->m"));
+    EXPECT_EQ(STATUS_ERROR, Preview("1 " + EXPENSIVE + "->s*"));
+    EXPECT_STREQ(TOO_MUCH, calc.message);
+    EXPECT_EQ(STATUS_ERROR, Enter("1 " + EXPENSIVE + "*s->m"));
     EXPECT_GT(calc.work.units, 200000u);
 }
 
 // Within one conversion and within one definition.
 TEST_F(UnitWork, longUnitsAskOften) {
     Enter("unit k=1.0000001 radian");
-    for (const std::string& entry : {"1 " + expensive + "->radian", "unit q=" + expensive}) {
+    for (const std::string& entry : {"1 " + EXPENSIVE + "->radian", "unit q=" + EXPENSIVE}) {
         checks = 0;
         checksUntilStop = 1000000;
         calc.interruptCheck = countChecks;
@@ -143,7 +143,7 @@ TEST_F(UnitWork, longUnitsAskOften) {
         checks = 0;
         checksUntilStop = 100;
         Enter("del q");
-        EXPECT_EQ(interrupted, Answer(entry));
+        EXPECT_EQ(INTERRUPTED, Answer(entry));
         EXPECT_EQ(100, checks);
         calc.interruptCheck = nullptr;
     }
@@ -154,7 +154,7 @@ TEST_F(UnitWork, longUnitsAskOften) {
 TEST_F(UnitWork, aUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q");
-    EXPECT_EQ(interrupted, Interrupted("del B; f25(1)", 2));
+    EXPECT_EQ(INTERRUPTED, Interrupted("del B; f25(1)", 2));
     EXPECT_EQ("unit B=12 Q\n", Answer("list units"));
     EXPECT_EQ("ans = 24\n", Answer("1 B->m"));
     EXPECT_EQ("** deleted unit B **\n", Answer("del B"));
@@ -164,7 +164,7 @@ TEST_F(UnitWork, aUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {
 TEST_F(UnitWork, aUnitIsTheSameThoughOneItWasDefinedFromHasChanged) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q; unit Q=5 m");
-    EXPECT_EQ(interrupted, Interrupted("del B; f25(1)", 2));
+    EXPECT_EQ(INTERRUPTED, Interrupted("del B; f25(1)", 2));
     EXPECT_EQ("ans = 24\n", Answer("1 B->m"));
     EXPECT_EQ("ans = 5\n", Answer("1 Q->m"));
 }
@@ -172,7 +172,7 @@ TEST_F(UnitWork, aUnitIsTheSameThoughOneItWasDefinedFromHasChanged) {
 TEST_F(UnitWork, aUnitRedefinedIdenticallyIsTakenBack) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q; unit Q=5 m");
-    EXPECT_EQ(interrupted, Interrupted("del B; unit B=12 Q; unit D=m; f25(1)", 4));
+    EXPECT_EQ(INTERRUPTED, Interrupted("del B; unit B=12 Q; unit D=m; f25(1)", 4));
     EXPECT_EQ("ans = 24\n", Answer("1 B->m"));
     EXPECT_EQ("unit B=12 Q\nunit Q=5 m\n", Answer("list units"));
     EXPECT_EQ(STATUS_MESSAGE, Enter("unit D=3 m"));
@@ -182,7 +182,7 @@ TEST_F(UnitWork, aUnitRedefinedIdenticallyIsTakenBack) {
 TEST_F(UnitWork, theCatalogueBuiltByAnInterruptedEntryStays) {
     DefineChain(25);
     unitFreeMemory();
-    EXPECT_EQ(interrupted, Interrupted("1 km->m; unit smoot=1.7018 m; f25(1)", 3));
+    EXPECT_EQ(INTERRUPTED, Interrupted("1 km->m; unit smoot=1.7018 m; f25(1)", 3));
     EXPECT_EQ("ans = 5000\n", Answer("5 km->m"));
     EXPECT_EQ(STATUS_ERROR, Enter("1 smoot->m"));
 }

@@ -12,13 +12,13 @@ using Next = WorkBudget::Next;
 TEST(Budget, asksAfterEveryThousandUnits) {
     WorkBudget budget;
     budget.Begin();
-    EXPECT_EQ(Next::GO_ON, budget.Spend(1000));
+    EXPECT_EQ(Next::GoOn, budget.Spend(1000));
     EXPECT_EQ(Next::ASK, budget.Spend(1));
     EXPECT_EQ(Next::ASK, budget.Spend(1)); // nobody has asked yet
     budget.Asked();
-    EXPECT_EQ(Next::GO_ON, budget.Spend(999));
+    EXPECT_EQ(Next::GoOn, budget.Spend(999));
     budget.Asked(); // as in front of a statement
-    EXPECT_EQ(Next::GO_ON, budget.Spend(1000));
+    EXPECT_EQ(Next::GoOn, budget.Spend(1000));
     EXPECT_EQ(Next::ASK, budget.Spend(5000000));
 }
 
@@ -26,17 +26,17 @@ TEST(Budget, allowsItsLimitAndNoMore) {
     WorkBudget budget;
     budget.Begin(WorkLimit::PREVIEW);
     for (int i = 0; i < 60; i++) {
-        EXPECT_NE(Next::GIVE_UP, budget.Spend(1000));
+        EXPECT_NE(Next::GiveUp, budget.Spend(1000));
         budget.Asked();
     }
     EXPECT_EQ(0u, budget.Left());
-    EXPECT_EQ(Next::GIVE_UP, budget.Spend(1));
+    EXPECT_EQ(Next::GiveUp, budget.Spend(1));
     budget.Asked();
-    EXPECT_EQ(Next::GIVE_UP, budget.Spend(0));
+    EXPECT_EQ(Next::GiveUp, budget.Spend(0));
     budget.Begin(10);
-    EXPECT_EQ(Next::GO_ON, budget.Spend(4));
+    EXPECT_EQ(Next::GoOn, budget.Spend(4));
     EXPECT_EQ(6u, budget.Left());
-    EXPECT_EQ(Next::GIVE_UP, budget.Spend(7));
+    EXPECT_EQ(Next::GiveUp, budget.Spend(7));
     EXPECT_EQ(0u, budget.Left());
 }
 

@@ -124,8 +124,8 @@ TEST_F(Functions, variablesAreFoundAfterEveryChange) {
         const std::string name = "v" + std::to_string((random >> 16) % 40);
         switch ((random >> 8) % 8) {
         case 0: Enter("del " + name); break;
-        case 1: calc.vars.Push(StrDuplicate(name))->SetValue(qone); break;
-        case 2: calc.vars.Insert(StrDuplicate(name), 1)->SetValue(qone); break;
+        case 1: calc.vars.Push(strDuplicate(name))->SetValue(qone); break;
+        case 2: calc.vars.Insert(strDuplicate(name), 1)->SetValue(qone); break;
         case 3:
             if (step % 50 == 0) Enter("del all");
             break;
@@ -265,7 +265,7 @@ TEST_F(Functions, theStatementsOfAnInterruptedEntryAreTakenBack) {
     Enter("a=1;b=2;del2=3;sigfigs 7;mode deg;5");
     Enter("keep(x)=x+1");
     Enter("gone(x)=x+2");
-    calc.unitDefs.Push(StrDuplicate("unit fur=220 yard"));
+    calc.unitDefs.Push(strDuplicate("unit fur=220 yard"));
     const std::string functionsBefore = Answer("list");
     Enter("b=2");
     stopAfter(calc, 18 + 3); // in the last of the 18 statements

@@ -9,8 +9,8 @@ using namespace oracle;
 
 namespace {
 
-constexpr unsigned long registerBits = 416;
-constexpr unsigned long belowHighWord = 384; // bits of the mantissa and the guard word
+constexpr unsigned long REGISTER_BITS = 416;
+constexpr unsigned long BELOW_HIGH_WORD = 384; // bits of the mantissa and the guard word
 
 bool bit(const mpz_class& z, unsigned long index) {
     return mpz_tstbit(z.get_mpz_t(), index) != 0;
@@ -21,7 +21,7 @@ mpz_class lowBits(const mpz_class& z, unsigned long count) {
 }
 
 mpz_class highWord(const mpz_class& words) {
-    return words >> belowHighWord;
+    return words >> BELOW_HIGH_WORD;
 }
 
 } // namespace
@@ -45,7 +45,7 @@ Register toRegister(const Work& w) {
 int64_t normalise(Work& w) {
     if (w.words == 0) return 0;
     const auto length = static_cast<int64_t>(mpz_sizeinbase(w.words.get_mpz_t(), 2));
-    const int64_t left = static_cast<int64_t>(belowHighWord) - length;
+    const int64_t left = static_cast<int64_t>(BELOW_HIGH_WORD) - length;
     if (left >= 0) {
         w.words <<= static_cast<unsigned long>(left);
     } else {
@@ -58,18 +58,18 @@ void normaliseAndRound(Work& w, int& code) {
     const auto halve = [&w, &code] {
         w.words >>= 1;
         if (w.exponent > 0xFFFF) {
-            w.exponent = overflowExponent;
+            w.exponent = OVERFLOW_EXPONENT;
             code = 3;
         } else {
             ++w.exponent;
         }
     };
     for (int i = 0; i < 3 && highWord(w.words) != 0; ++i) halve();
-    for (int i = 0; i < 3 && !bit(w.words, belowHighWord - 1); ++i) {
+    for (int i = 0; i < 3 && !bit(w.words, BELOW_HIGH_WORD - 1); ++i) {
         if (w.exponent == 0) {
             code = 4;
         } else {
-            w.words = lowBits(w.words << 1, registerBits);
+            w.words = lowBits(w.words << 1, REGISTER_BITS);
             --w.exponent;
         }
     }
@@ -97,7 +97,7 @@ Sum overflow(uint32_t sign) {
 // Equal exponents and equal mantissas.
 Sum addEqual(const Work& x, const Work& y) {
     if (x.sign != y.sign || x.exponent == 0) return Sum{Number{}};
-    if (x.exponent >= overflowExponent) return overflow(x.sign);
+    if (x.exponent >= OVERFLOW_EXPONENT) return overflow(x.sign);
     Sum s{numberOf(y)};
     ++s.result[1];
     return s;
@@ -106,7 +106,7 @@ Sum addEqual(const Work& x, const Work& y) {
 // Normalises, takes the shift off the exponent; false when the result left the range (then `s` holds it).
 bool settle(Work& w, uint32_t outputSign, Sum& s) {
     w.exponent -= normalise(w);
-    if (w.exponent > overflowExponent) {
+    if (w.exponent > OVERFLOW_EXPONENT) {
         s = overflow(outputSign);
         return false;
     }
@@ -154,7 +154,7 @@ Sum add(const Number& a, const Number& b, bool subtract, uint32_t outputSign) {
 }
 
 uint64_t toDouble(const Number& q, int& code) {
-    constexpr unsigned long word4 = 320; // the lowest bit of mantissa word 4
+    constexpr unsigned long WORD4 = 320; // the lowest bit of mantissa word 4
     const uint64_t sign = q[0] != 0 ? uint64_t{1} << 63 : 0;
     Work w = load(q);
     int64_t e = w.exponent - 31746;
@@ -163,15 +163,15 @@ uint64_t toDouble(const Number& q, int& code) {
         w.words >>= static_cast<unsigned long>(31747 - w.exponent);
         e = 0;
     }
-    const mpz_class below = lowBits(w.words >> word4, 11);
+    const mpz_class below = lowBits(w.words >> WORD4, 11);
     const bool above = below > 0x400;
     const bool atHalf = below == 0x400;
-    if (above || (atHalf && bit(w.words, word4 + 11) && lowBits(w.words, word4) != 0)) {
-        w.words += power2(word4 + 11);
+    if (above || (atHalf && bit(w.words, WORD4 + 11) && lowBits(w.words, WORD4) != 0)) {
+        w.words += power2(WORD4 + 11);
         if (highWord(w.words) != 0) {
             w.words >>= 1;
             ++e;
-        } else if (e == 0 && bit(w.words, belowHighWord - 1)) {
+        } else if (e == 0 && bit(w.words, BELOW_HIGH_WORD - 1)) {
             e = 1;
         }
     }
@@ -179,7 +179,7 @@ uint64_t toDouble(const Number& q, int& code) {
         code = 3;
         return sign | 0x7FEFFFFFFFFFFFFF;
     }
-    const mpz_class fraction = lowBits(w.words >> (belowHighWord - 53), 52);
+    const mpz_class fraction = lowBits(w.words >> (BELOW_HIGH_WORD - 53), 52);
     return sign | (static_cast<uint64_t>(e) << 52) | fraction.get_ui();
 }
 

@@ -17,7 +17,7 @@ public:
     }
 };
 
-const auto* const printer = ::testing::AddGlobalTestEnvironment(new SeedPrinter);
+const auto* const PRINTER = ::testing::AddGlobalTestEnvironment(new SeedPrinter);
 
 std::string testName() {
     const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
@@ -38,13 +38,14 @@ Seeded::Seeded() : random(hash(testName())), trace(__FILE__, __LINE__, seedText(
 }
 
 Real::Real(const Number& q) {
-    mpfr_init2(value, mantissaBits + 32);
+    mpfr_init2(value, MANTISSA_BITS + 32);
     if (q[1] == 0) {
         mpfr_set_zero(value, 1);
         return;
     }
     const mpz_class mantissa = wordsToInteger(q.data(), 2, 13);
-    mpfr_set_z_2exp(value, mantissa.get_mpz_t(), static_cast<int64_t>(q[1]) - bias - mantissaBits, MPFR_RNDN);
+    mpfr_set_z_2exp(value, mantissa.get_mpz_t(), static_cast<int64_t>(q[1]) - BIAS - MANTISSA_BITS,
+                    MPFR_RNDN);
     if (q[0] != 0) mpfr_neg(value, value, MPFR_RNDN);
 }
 
@@ -71,11 +72,11 @@ Rounded roundHalfUp(const Real& value) {
     const mpfr_exp_t exponent = mpfr_get_exp(value);
     Real t(mpfr_get_prec(value) + 4);
     mpfr_abs(t, value, MPFR_RNDN);
-    mpfr_mul_2si(t, t, mantissaBits - exponent, MPFR_RNDN);
+    mpfr_mul_2si(t, t, MANTISSA_BITS - exponent, MPFR_RNDN);
     mpfr_add_d(t, t, 0.5, MPFR_RNDN);
-    Rounded r{mpfr_sgn(value) < 0, exponent + bias, 0};
+    Rounded r{mpfr_sgn(value) < 0, exponent + BIAS, 0};
     mpfr_get_z(r.mantissa.get_mpz_t(), t, MPFR_RNDD);
-    if (r.mantissa == power2(mantissaBits)) {
+    if (r.mantissa == power2(MANTISSA_BITS)) {
         r.mantissa >>= 1;
         ++r.exponent;
     }
@@ -83,14 +84,14 @@ Rounded roundHalfUp(const Real& value) {
 }
 
 Rounded roundToEven(const Real& value) {
-    Real t(mantissaBits);
+    Real t(MANTISSA_BITS);
     mpfr_set(t, value, MPFR_RNDN);
     return roundHalfUp(t);
 }
 
 Number store(const Rounded& value) {
     Number q{};
-    q[0] = value.negative ? negativeSign : 0;
+    q[0] = value.negative ? NEGATIVE_SIGN : 0;
     q[1] = static_cast<uint32_t>(value.exponent);
     integerToWords(value.mantissa, q.data(), 3, 13);
     return q;
@@ -100,7 +101,7 @@ Number overflowValue(uint32_t sign) {
     Number q;
     q.fill(0xFFFFFFFF);
     q[0] = sign;
-    q[1] = static_cast<uint32_t>(overflowExponent);
+    q[1] = static_cast<uint32_t>(OVERFLOW_EXPONENT);
     q[2] = 0;
     return q;
 }
@@ -109,15 +110,15 @@ Number exactly(const Real& value) {
     if (mpfr_zero_p(value)) return Number{};
     const Rounded r = roundHalfUp(value);
     const Number q = store(r);
-    const bool same = r.exponent >= 1 && r.exponent <= overflowExponent && mpfr_equal_p(Real(q), value) != 0;
+    const bool same = r.exponent >= 1 && r.exponent <= OVERFLOW_EXPONENT && mpfr_equal_p(Real(q), value) != 0;
     EXPECT_TRUE(same) << "the expected value is no number of this format";
     return q;
 }
 
 Number withinRange(const Rounded& value, int& code) {
-    if (value.exponent > overflowExponent) {
+    if (value.exponent > OVERFLOW_EXPONENT) {
         code = 3;
-        return overflowValue(value.negative ? negativeSign : 0);
+        return overflowValue(value.negative ? NEGATIVE_SIGN : 0);
     }
     return value.exponent < 1 ? Number{} : store(value);
 }
@@ -126,7 +127,7 @@ double errorInUlps(const Number& got, const Real& exact) {
     Real difference(mpfr_get_prec(exact) + 400);
     mpfr_sub(difference, Real(got), exact, MPFR_RNDA);
     if (mpfr_zero_p(difference)) return 0;
-    mpfr_mul_2si(difference, difference, mantissaBits - mpfr_get_exp(exact), MPFR_RNDA);
+    mpfr_mul_2si(difference, difference, MANTISSA_BITS - mpfr_get_exp(exact), MPFR_RNDA);
     mpfr_abs(difference, difference, MPFR_RNDA);
     return mpfr_get_d(difference, MPFR_RNDA);
 }
@@ -157,12 +158,12 @@ std::string showWords(const uint32_t* words, size_t count) {
 }
 
 void setRuns(Random& random, Number& q) {
-    bool one = random.chance(50);
+    bool one = random.Chance(50);
     int64_t left = 0;
-    for (int bit = 0; bit < mantissaBits; ++bit) {
+    for (int bit = 0; bit < MANTISSA_BITS; ++bit) {
         if (left-- == 0) {
             one = !one;
-            left = random.between(1, 80);
+            left = random.Between(1, 80);
         }
         const auto mask = uint32_t{1} << (31 - bit % 32);
         auto& word = q[static_cast<size_t>(3 + bit / 32)];
@@ -181,32 +182,32 @@ std::string show(const Register& r) {
 
 Number randomMantissa(Random& random) {
     Number q{};
-    switch (random.between(0, 7)) {
+    switch (random.Between(0, 7)) {
     case 0:
     case 1: // dense
-        for (size_t i = 3; i < 14; ++i) q[i] = random.word();
+        for (size_t i = 3; i < 14; ++i) q[i] = random.Word();
         break;
     case 2: // sparse
         for (int n = 0; n < 6; ++n)
-            q[static_cast<size_t>(random.between(3, 13))] |= 1U << random.between(0, 31);
+            q[static_cast<size_t>(random.Between(3, 13))] |= 1U << random.Between(0, 31);
         break;
     case 3: // one word
-        q[3] = random.word();
+        q[3] = random.Word();
         break;
     case 4: // short: the leading words only
-        for (int64_t left = random.between(1, 9); left > 0; --left)
-            q[static_cast<size_t>(2 + left)] = random.word();
+        for (int64_t left = random.Between(1, 9); left > 0; --left)
+            q[static_cast<size_t>(2 + left)] = random.Word();
         break;
     case 5: // long runs of equal bits
         setRuns(random, q);
         break;
     case 6: // all ones but the last word, or with a few bits missing
         for (size_t i = 3; i < 14; ++i) q[i] = 0xFFFFFFFF;
-        if (random.chance(50)) q[13] = random.word();
-        if (random.chance(50)) q[static_cast<size_t>(random.between(3, 13))] ^= 1U << random.between(0, 31);
+        if (random.Chance(50)) q[13] = random.Word();
+        if (random.Chance(50)) q[static_cast<size_t>(random.Between(3, 13))] ^= 1U << random.Between(0, 31);
         break;
     default: // a power of two, or just above one
-        if (random.chance(50)) q[13] = static_cast<uint32_t>(random.between(0, 8192));
+        if (random.Chance(50)) q[13] = static_cast<uint32_t>(random.Between(0, 8192));
         break;
     }
     q[3] |= 0x80000000;
@@ -214,20 +215,20 @@ Number randomMantissa(Random& random) {
 }
 
 int64_t randomExponent(Random& random) {
-    switch (random.between(0, 9)) {
-    case 0: return random.between(1, 400);
-    case 1: return random.between(0xFE00, 0xFFFF);
-    case 2: return random.chance(50) ? 1 : 0xFFFF;
+    switch (random.Between(0, 9)) {
+    case 0: return random.Between(1, 400);
+    case 1: return random.Between(0xFE00, 0xFFFF);
+    case 2: return random.Chance(50) ? 1 : 0xFFFF;
     case 3:
-    case 4: return random.between(1, 0xFFFF);
-    default: return random.between(bias - 400, bias + 400);
+    case 4: return random.Between(1, 0xFFFF);
+    default: return random.Between(BIAS - 400, BIAS + 400);
     }
 }
 
 Number randomOperand(Random& random) {
-    if (random.chance(2)) return Number{};
-    const uint32_t sign = random.chance(50) ? negativeSign : 0;
-    if (random.chance(2)) return overflowValue(sign);
+    if (random.Chance(2)) return Number{};
+    const uint32_t sign = random.Chance(50) ? NEGATIVE_SIGN : 0;
+    if (random.Chance(2)) return overflowValue(sign);
     Number q = randomMantissa(random);
     q[0] = sign;
     q[1] = static_cast<uint32_t>(randomExponent(random));
@@ -235,37 +236,37 @@ Number randomOperand(Random& random) {
 }
 
 Number randomPartner(Random& random, const Number& a) {
-    const auto kind = random.between(0, 9);
+    const auto kind = random.Between(0, 9);
     if (kind <= 2 || a[1] == 0) return randomOperand(random);
     if (kind == 3) {
         Number same = a;
-        if (random.chance(50)) same[0] = ~same[0];
+        if (random.Chance(50)) same[0] = ~same[0];
         return same;
     }
     if (kind <= 6) { // of similar size
         Number b = randomMantissa(random);
-        b[0] = random.chance(50) ? negativeSign : 0;
-        const int64_t reach = random.chance(30) ? 3 : 360;
-        const int64_t exponent = static_cast<int64_t>(a[1]) + random.between(-reach, reach);
+        b[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        const int64_t reach = random.Chance(30) ? 3 : 360;
+        const int64_t exponent = static_cast<int64_t>(a[1]) + random.Between(-reach, reach);
         b[1] = static_cast<uint32_t>(exponent < 1 ? 1 : exponent > 0xFFFF ? 0xFFFF : exponent);
         return b;
     }
     // Close to a or -a: a few thousand units of the last place away, or a few units of some higher bit.
     mpz_class mantissa = wordsToInteger(a.data(), 3, 13);
     mpz_class offset =
-        static_cast<long>(random.between(0, 3) == 0 ? random.between(4090, 4100) : random.between(1, 9000));
-    if (random.chance(25)) offset <<= static_cast<unsigned long>(random.between(0, 330));
-    mantissa += random.chance(50) ? offset : mpz_class(-offset);
+        static_cast<long>(random.Between(0, 3) == 0 ? random.Between(4090, 4100) : random.Between(1, 9000));
+    if (random.Chance(25)) offset <<= static_cast<unsigned long>(random.Between(0, 330));
+    mantissa += random.Chance(50) ? offset : mpz_class(-offset);
     int64_t exponent = a[1];
-    if (mantissa >= power2(mantissaBits)) {
+    if (mantissa >= power2(MANTISSA_BITS)) {
         mantissa >>= 1;
         exponent = exponent < 0xFFFF ? exponent + 1 : exponent;
-    } else if (mantissa < power2(mantissaBits - 1)) {
-        mantissa = mantissa * 2 + static_cast<long>(random.between(0, 1));
-        if (mantissa < power2(mantissaBits - 1)) mantissa = power2(mantissaBits - 1);
+    } else if (mantissa < power2(MANTISSA_BITS - 1)) {
+        mantissa = mantissa * 2 + static_cast<long>(random.Between(0, 1));
+        if (mantissa < power2(MANTISSA_BITS - 1)) mantissa = power2(MANTISSA_BITS - 1);
         exponent = exponent > 1 ? exponent - 1 : exponent;
     }
-    return store(Rounded{random.chance(50), exponent, mantissa});
+    return store(Rounded{random.Chance(50), exponent, mantissa});
 }
 
 } // namespace oracle

@@ -22,24 +22,24 @@ namespace oracle {
 using Number = std::array<uint32_t, 14>;   // a stored number
 using Register = std::array<uint32_t, 15>; // a working register
 
-constexpr int64_t bias = 0x8000;
-constexpr int64_t overflowExponent = 0x10000;
-constexpr int mantissaBits = 352;
-constexpr uint32_t negativeSign = 0xFFFFFFFF;
+constexpr int64_t BIAS = 0x8000;
+constexpr int64_t OVERFLOW_EXPONENT = 0x10000;
+constexpr int MANTISSA_BITS = 352;
+constexpr uint32_t NEGATIVE_SIGN = 0xFFFFFFFF;
 
 // How far a rounded result may be from the true value, in units of the last place: what is cut below the
 // guard word shifts the rounding boundary by much less than this excess over one half.
-constexpr double almostHalf = 0.5000001;
+constexpr double ALMOST_HALF = 0.5000001;
 
 class Random {
 public:
     explicit Random(uint64_t salt) : engine(testSeed() + salt) {}
-    uint64_t next() { return engine(); }
-    uint32_t word() { return static_cast<uint32_t>(engine() >> 32); }
-    int64_t between(int64_t low, int64_t high) {
+    uint64_t Next() { return engine(); }
+    uint32_t Word() { return static_cast<uint32_t>(engine() >> 32); }
+    int64_t Between(int64_t low, int64_t high) {
         return low + static_cast<int64_t>(engine() % (static_cast<uint64_t>(high - low) + 1));
     }
-    bool chance(int percent) { return between(1, 100) <= percent; }
+    bool Chance(int percent) { return Between(1, 100) <= percent; }
 
 private:
     std::mt19937_64 engine;

@@ -7,7 +7,7 @@
 #include "portable_limb.h"
 
 // Only powers of ten read the table; they are not part of the comparison.
-const limb::Extended limb::portable::tens[14] = {};
+const limb::Extended limb::portable::TENS[14] = {};
 
 namespace portable_limb {
 

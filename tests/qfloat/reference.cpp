@@ -142,7 +142,7 @@ void logarithm(const qfloat x, qfloat y) {
     }
     if (x[1] == 0) {
         qinfin(y);
-        y[0] = negativeSign;
+        y[0] = NEGATIVE_SIGN;
         merror = 2;
         return;
     }
@@ -331,11 +331,11 @@ Number number(double d) {
 Number neighbour(const Number& q, int units) {
     Number n = q;
     const mpz_class mantissa = wordsToInteger(q.data(), 3, 13) + units;
-    if (mantissa >= power2(mantissaBits)) {
+    if (mantissa >= power2(MANTISSA_BITS)) {
         integerToWords(mantissa >> 1, n.data(), 3, 13);
         ++n[1];
-    } else if (mantissa < power2(mantissaBits - 1)) { // the places below are half as large
-        integerToWords(power2(mantissaBits) + (mantissa - power2(mantissaBits - 1)), n.data(), 3, 13);
+    } else if (mantissa < power2(MANTISSA_BITS - 1)) { // the places below are half as large
+        integerToWords(power2(MANTISSA_BITS) + (mantissa - power2(MANTISSA_BITS - 1)), n.data(), 3, 13);
         --n[1];
     } else {
         integerToWords(mantissa, n.data(), 3, 13);
@@ -350,7 +350,7 @@ Number negated(Number q) {
 
 Number randomWithin(Random& random, int64_t low, int64_t high, bool positive) {
     Number q = randomMantissa(random);
-    q[0] = positive || random.chance(50) ? 0 : negativeSign;
-    q[1] = static_cast<uint32_t>(bias + random.between(low, high));
+    q[0] = positive || random.Chance(50) ? 0 : NEGATIVE_SIGN;
+    q[1] = static_cast<uint32_t>(BIAS + random.Between(low, high));
     return q;
 }

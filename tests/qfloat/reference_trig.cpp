@@ -5,7 +5,7 @@ namespace reference {
 
 namespace {
 
-constexpr uint32_t allOnes = 0xFFFFFFFF;
+constexpr uint32_t ALL_ONES = 0xFFFFFFFF;
 
 void integer(int64_t n, qfloat q) {
     ltoq(&n, q);
@@ -143,7 +143,7 @@ void sine(const qfloat x, qfloat y) {
     qneg(z);
     oddSeries(z, sum);
     qmul(r, sum, y);
-    if (negative != (k >= 2)) y[0] = allOnes;
+    if (negative != (k >= 2)) y[0] = ALL_ONES;
 }
 
 void cosine(const qfloat x, qfloat y) {
@@ -290,7 +290,7 @@ void hyperbolicTangent(const qfloat x, qfloat y) {
         qadd(z, e, lower);
         qdiv(lower, upper, y);
     }
-    if (negative) y[0] = allOnes;
+    if (negative) y[0] = ALL_ONES;
 }
 
 } // namespace reference

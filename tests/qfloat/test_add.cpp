@@ -10,7 +10,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 using Routine = void (*)(const qfloat, const qfloat, qfloat);
 
@@ -51,7 +51,7 @@ bool nearExact(const Number& a, const Number& b, bool subtract, const model::Sum
     }
     if (expected.result[1] == 0) {
         // A sum of exponent 0 lies just below the range.
-        return mpfr_zero_p(sum) || mpfr_get_exp(sum) + bias < 1;
+        return mpfr_zero_p(sum) || mpfr_get_exp(sum) + BIAS < 1;
     }
     return errorInUlps(expected.result, sum) <= 1;
 }
@@ -59,32 +59,32 @@ bool nearExact(const Number& a, const Number& b, bool subtract, const model::Sum
 class Addition : public Seeded {
 protected:
     // All ways to place the output for one pair of operands.
-    void checkPair(Routine routine, bool subtract, const Number& a, const Number& b) {
-        const uint32_t oldSign = random.chance(50) ? negativeSign : 0;
+    void CheckPair(Routine routine, bool subtract, const Number& a, const Number& b) {
+        const uint32_t oldSign = random.Chance(50) ? NEGATIVE_SIGN : 0;
         Number c = overflowValue(oldSign);
-        check(routine, subtract, a, b, a.data(), b.data(), c);
+        Check(routine, subtract, a, b, a.data(), b.data(), c);
         EXPECT_TRUE(nearExact(a, b, subtract, model::add(a, b, subtract, oldSign))) << show(a) << show(b);
         Number first = a;
-        check(routine, subtract, a, b, first.data(), b.data(), first);
+        Check(routine, subtract, a, b, first.data(), b.data(), first);
         Number second = b;
-        check(routine, subtract, a, b, a.data(), second.data(), second);
+        Check(routine, subtract, a, b, a.data(), second.data(), second);
         Number both = a;
         c = overflowValue(oldSign);
-        check(routine, subtract, a, a, both.data(), both.data(), c);
-        check(routine, subtract, a, a, both.data(), both.data(), both);
+        Check(routine, subtract, a, a, both.data(), both.data(), c);
+        Check(routine, subtract, a, a, both.data(), both.data(), both);
     }
 
-    void checkMany(Routine routine, bool subtract) {
-        for (int i = 0; i < cases && !HasFailure(); ++i) {
+    void CheckMany(Routine routine, bool subtract) {
+        for (int i = 0; i < CASES && !HasFailure(); ++i) {
             const Number a = randomOperand(random);
             const Number b = randomPartner(random, a);
-            checkPair(routine, subtract, a, b);
+            CheckPair(routine, subtract, a, b);
         }
     }
 
 private:
     // c may be the array that a or b points to.
-    static void check(Routine routine, bool subtract, const Number& a, const Number& b, const uint32_t* pa,
+    static void Check(Routine routine, bool subtract, const Number& a, const Number& b, const uint32_t* pa,
                       const uint32_t* pb, Number& c) {
         const model::Sum expected = model::add(a, b, subtract, c[0]);
         const Outcome got = run(routine, pa, pb, c.data());
@@ -93,19 +93,19 @@ private:
 };
 
 TEST_F(Addition, SumsMatchTheRuleBitForBit) {
-    checkMany(qadd, false);
+    CheckMany(qadd, false);
 }
 TEST_F(Addition, DifferencesMatchTheRuleBitForBit) {
-    checkMany(qsub, true);
+    CheckMany(qsub, true);
 }
 
 TEST_F(Addition, DifferencesNearTheCancellationThresholdMatchTheRule) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number a = randomMantissa(random);
         a[1] = static_cast<uint32_t>(randomExponent(random));
-        mpz_class mantissa = wordsToInteger(a.data(), 3, 13) - static_cast<long>(random.between(4080, 4110));
-        if (mantissa < power2(mantissaBits - 1)) continue;
-        checkPair(qsub, true, a, store({false, a[1], mantissa}));
+        mpz_class mantissa = wordsToInteger(a.data(), 3, 13) - static_cast<long>(random.Between(4080, 4110));
+        if (mantissa < power2(MANTISSA_BITS - 1)) continue;
+        CheckPair(qsub, true, a, store({false, a[1], mantissa}));
     }
 }
 
@@ -169,7 +169,7 @@ TEST(Add, OfTheLargestExponentToItselfKeepsItsMantissa) {
 }
 
 TEST(Add, OfTheOverflowValueToItselfOverflowsWithItsSign) {
-    for (const uint32_t sign : {uint32_t{0}, negativeSign}) {
+    for (const uint32_t sign : {uint32_t{0}, NEGATIVE_SIGN}) {
         merror = 0;
         Number c{};
         c[0] = ~sign;
@@ -184,7 +184,7 @@ TEST(Add, OfTheOverflowValueToItselfOverflowsWithItsSign) {
 TEST(Add, OverflowDoesNotWriteTheSignWordOfTheOutput) {
     const Number a = store({false, 0x10000, power2(351) + 1});
     const Number b = store({false, 0x10000, power2(351) + 2});
-    for (const uint32_t sign : {uint32_t{0}, negativeSign, uint32_t{7}}) {
+    for (const uint32_t sign : {uint32_t{0}, NEGATIVE_SIGN, uint32_t{7}}) {
         merror = 0;
         Number c{};
         c[0] = sign;
@@ -242,9 +242,9 @@ TEST(Rounding, AnAdditionOfMagnitudesRoundsHalfUp) {
     const Number belowHalf = store({false, 0x8001 - 353, power2(352) - 1});
     EXPECT_EQ(sum(belowHalf, integer(1)), onePlusUnits(0));
     Number minusHalf = half;
-    minusHalf[0] = negativeSign;
+    minusHalf[0] = NEGATIVE_SIGN;
     Number expected = onePlusUnits(1);
-    expected[0] = negativeSign;
+    expected[0] = NEGATIVE_SIGN;
     EXPECT_EQ(sum(minusHalf, integer(-1)), expected) << "away from zero";
 }
 
@@ -253,7 +253,7 @@ TEST(Rounding, ASubtractionOfMagnitudesIsCut) {
     const Number quarter = store({false, 0x8001 - 353, power2(351)});
     EXPECT_EQ(difference(quarter, onePlusUnits(3)), onePlusUnits(2));
     Number minus = quarter;
-    minus[0] = negativeSign;
+    minus[0] = NEGATIVE_SIGN;
     EXPECT_EQ(sum(minus, onePlusUnits(3)), onePlusUnits(2));
 }
 
@@ -264,7 +264,7 @@ TEST(ExponentDistance, Beyond353TheLargerOperandIsTheSumUnchanged) {
     EXPECT_EQ(difference(integer(1), tiny), integer(-1));
     EXPECT_EQ(sum(tiny, integer(-1)), integer(-1));
     merror = 0;
-    EXPECT_EQ(sum(integer(1), overflowValue(negativeSign)), overflowValue(negativeSign));
+    EXPECT_EQ(sum(integer(1), overflowValue(NEGATIVE_SIGN)), overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 0);
 }
 

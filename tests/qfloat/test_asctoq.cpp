@@ -224,7 +224,7 @@ TEST(AsctoqRadix, EndsOfTheExponentRange) {
     expectNumber("0b1111e32759", scaled("F", 32759));
     expectNumber("0b111111111e32759", scaled("1FF", 32759)); // exponent word 0x10000
     expectNumber("0b1111111111e32759", overflowValue(0), 3);
-    expectNumber("0b-1111111111e32759", overflowValue(negativeSign), 3);
+    expectNumber("0b-1111111111e32759", overflowValue(NEGATIVE_SIGN), 3);
     expectNumber("0b0.00000001e-32759", scaled("1", -32767));
 }
 
@@ -268,10 +268,10 @@ TEST(AsctoqDigits, AnIntegerOf104DigitsIsExact) {
 
 TEST(AsctoqRange, AnExponentDigitBehind3276OrMoreOverflowsOrUnderflows) {
     expectNumber("1e32767", overflowValue(0), 3);
-    expectNumber("-1e32760", overflowValue(negativeSign), 3);
+    expectNumber("-1e32760", overflowValue(NEGATIVE_SIGN), 3);
     expectNumber("1e3276000000000000000000000", overflowValue(0), 3);
     expectNumber("0b1e32760", overflowValue(0), 3);
-    expectNumber("0b-1e99999", overflowValue(negativeSign), 3);
+    expectNumber("0b-1e99999", overflowValue(NEGATIVE_SIGN), 3);
     expectZero("1e-32767", 4);
     expectZero("-1e-99999999999999999999", 4);
     expectZero("0b1e-32760", 4);
@@ -292,7 +292,7 @@ TEST(AsctoqRange, LargeAndSmallPowersOfTen) {
 TEST(AsctoqRange, AboveTheRangeIsTheOverflowValueWithCode3) {
     for (const char* text : {"1e9865", "1e10000", "1e16383", "1e16384", "1e32759", "1.5e9900"}) {
         expectNumber(text, overflowValue(0), 3);
-        expectNumber(std::string("-") + text, overflowValue(negativeSign), 3);
+        expectNumber(std::string("-") + text, overflowValue(NEGATIVE_SIGN), 3);
     }
     expectNumber(digits('9', 104) + "e9761", overflowValue(0), 3);
 }

@@ -10,7 +10,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 // Numbers of exponents up to 352 are compared by their difference, which may be flushed to zero.
 int expectedOrder(const Number& a, const Number& b) {
@@ -24,7 +24,7 @@ int expectedOrder(const Number& a, const Number& b) {
 
 class Compare : public Seeded {
 protected:
-    static void check(const Number& a, const Number& b) {
+    static void Check(const Number& a, const Number& b) {
         const Number copyOfA = a;
         EXPECT_EQ(qcmp(a.data(), b.data()), expectedOrder(a, b)) << show(a) << show(b);
         EXPECT_EQ(qcmp(b.data(), a.data()), expectedOrder(b, a)) << show(a) << show(b);
@@ -35,21 +35,21 @@ protected:
 
 TEST_F(Compare, OrdersRandomNumbers) {
     merror = 0;
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number a = randomOperand(random);
-        check(a, randomPartner(random, a));
+        Check(a, randomPartner(random, a));
     }
     EXPECT_EQ(merror, 0);
 }
 
 TEST_F(Compare, TinyNumbersFollowTheirFlushedDifference) {
     merror = 0;
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number a = randomOperand(random);
-        if (a[1] != 0) a[1] = static_cast<uint32_t>(random.between(1, 354));
+        if (a[1] != 0) a[1] = static_cast<uint32_t>(random.Between(1, 354));
         Number b = randomPartner(random, a);
-        if (b[1] > 400) b[1] = static_cast<uint32_t>(random.between(1, 354));
-        check(a, b);
+        if (b[1] > 400) b[1] = static_cast<uint32_t>(random.Between(1, 354));
+        Check(a, b);
     }
     EXPECT_EQ(merror, 0);
 }
@@ -64,14 +64,14 @@ TEST(CompareByHand, SignsZerosAndTheOverflowValue) {
     EXPECT_EQ(order(Number{}, decimal("-1e-9000")), 1);
     EXPECT_EQ(order(Number{}, decimal("1e-9864")), -1);
     EXPECT_EQ(order(overflowValue(0), decimal("1e9863")), 1);
-    EXPECT_EQ(order(overflowValue(negativeSign), decimal("-1e9863")), -1);
+    EXPECT_EQ(order(overflowValue(NEGATIVE_SIGN), decimal("-1e9863")), -1);
     EXPECT_EQ(order(overflowValue(0), overflowValue(0)), 0);
-    EXPECT_EQ(order(overflowValue(0), overflowValue(negativeSign)), 1);
+    EXPECT_EQ(order(overflowValue(0), overflowValue(NEGATIVE_SIGN)), 1);
 }
 
 TEST(CompareByHand, ZeroWithTheNegativeSignEqualsZero) {
     Number zero{};
-    zero[0] = negativeSign;
+    zero[0] = NEGATIVE_SIGN;
     EXPECT_EQ(qcmp(zero.data(), Number{}.data()), 0);
     EXPECT_EQ(qcmp(Number{}.data(), zero.data()), 0);
 }
@@ -148,13 +148,13 @@ TEST(Sign, QnegOfAnyNegativeSignWordGivesAPositiveNumber) {
     qneg(a.data());
     EXPECT_EQ(a[0], 0U);
     qneg(a.data());
-    EXPECT_EQ(a[0], negativeSign);
+    EXPECT_EQ(a[0], NEGATIVE_SIGN);
 }
 
 TEST(Sign, AnyNonZeroSignWordCountsAsNegative) {
     Number a = decimal("3");
     EXPECT_EQ(qisneg(a.data()), 0);
-    for (const uint32_t sign : {uint32_t{1}, uint32_t{0x80000000}, negativeSign}) {
+    for (const uint32_t sign : {uint32_t{1}, uint32_t{0x80000000}, NEGATIVE_SIGN}) {
         a[0] = sign;
         EXPECT_EQ(qisneg(a.data()), 1);
     }
@@ -172,7 +172,7 @@ TEST(Sign, QabsClearsTheSignWord) {
 }
 
 TEST(OverflowValue, QinfinLeavesTheSignWord) {
-    for (const uint32_t sign : {uint32_t{0}, uint32_t{1}, negativeSign}) {
+    for (const uint32_t sign : {uint32_t{0}, uint32_t{1}, NEGATIVE_SIGN}) {
         Number a = decimal("3");
         a[0] = sign;
         merror = 0;

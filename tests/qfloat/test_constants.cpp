@@ -206,13 +206,13 @@ TEST(ErrorCodes, NoRoutineClearsTheCode) {
 }
 
 TEST(ErrorCodes, TextsStandInTheOrderOfTheCodes) {
-    EXPECT_STREQ(mathErrorTexts[0], "unknown");
-    EXPECT_STREQ(mathErrorTexts[1], "result is imaginary");
-    EXPECT_STREQ(mathErrorTexts[2], "singularity");
-    EXPECT_STREQ(mathErrorTexts[3], "overflow");
-    EXPECT_STREQ(mathErrorTexts[4], "underflow");
-    EXPECT_STREQ(mathErrorTexts[5], "total loss of precision");
-    EXPECT_STREQ(mathErrorTexts[6], "partial loss of precision");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[0], "unknown");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[1], "result is imaginary");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[2], "singularity");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[3], "overflow");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[4], "underflow");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[5], "total loss of precision");
+    EXPECT_STREQ(MATH_ERROR_TEXTS[6], "partial loss of precision");
 }
 
 } // namespace

@@ -12,26 +12,26 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 class Convert : public Seeded {
 protected:
     // Integers, halves, integers with a tiny offset, and anything.
-    Number nearAnInteger() {
-        if (random.chance(25)) return randomOperand(random);
+    Number NearAnInteger() {
+        if (random.Chance(25)) return randomOperand(random);
         Number q = randomMantissa(random);
-        q[0] = random.chance(50) ? negativeSign : 0;
-        q[1] = static_cast<uint32_t>(bias + random.between(-3, 356));
-        if (random.chance(50)) return q;
+        q[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        q[1] = static_cast<uint32_t>(BIAS + random.Between(-3, 356));
+        if (random.Chance(50)) return q;
         Real value(800);
         mpfr_rint(value, Real(q), MPFR_RNDZ);
-        if (random.chance(40)) mpfr_add_d(value, value, random.chance(50) ? 0.5 : -0.5, MPFR_RNDN);
-        if (random.chance(40)) {
+        if (random.Chance(40)) mpfr_add_d(value, value, random.Chance(50) ? 0.5 : -0.5, MPFR_RNDN);
+        if (random.Chance(40)) {
             Real offset;
-            mpfr_set_si_2exp(offset, random.chance(50) ? 1 : -1, -random.between(1, 351), MPFR_RNDN);
+            mpfr_set_si_2exp(offset, random.Chance(50) ? 1 : -1, -random.Between(1, 351), MPFR_RNDN);
             mpfr_add(value, value, offset, MPFR_RNDN);
         }
-        Real cut(mantissaBits);
+        Real cut(MANTISSA_BITS);
         mpfr_set(cut, value, MPFR_RNDZ);
         return exactly(cut);
     }
@@ -41,7 +41,7 @@ protected:
 using Unary = void (*)(const qfloat, qfloat);
 
 void expectUnary(Unary routine, const Number& x, const Number& expected) {
-    Number y = overflowValue(negativeSign);
+    Number y = overflowValue(NEGATIVE_SIGN);
     merror = 0;
     routine(x.data(), y.data());
     EXPECT_EQ(y, expected) << show(x);
@@ -52,8 +52,8 @@ void expectUnary(Unary routine, const Number& x, const Number& expected) {
 }
 
 TEST_F(Convert, FloorIsExact) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number x = nearAnInteger();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number x = NearAnInteger();
         Real expected;
         mpfr_floor(expected, Real(x));
         expectUnary(qfloor, x, exactly(expected));
@@ -70,41 +70,41 @@ TEST(Floor, ByHand) {
     expectUnary(qfloor, decimal("3.99"), decimal("3"));
     expectUnary(qfloor, decimal("-1.5"), decimal("-2"));
     expectUnary(qfloor, decimal("1e300"), decimal("1e300"));
-    expectUnary(qfloor, overflowValue(negativeSign), overflowValue(negativeSign));
+    expectUnary(qfloor, overflowValue(NEGATIVE_SIGN), overflowValue(NEGATIVE_SIGN));
 }
 
 TEST(Floor, WithoutFractionBitsIsTheNumberItself) {
     for (const int64_t integerBits : {351, 352, 353, 384, 32767}) {
-        const Number x = store({true, bias + integerBits, power2(352) - 1});
+        const Number x = store({true, BIAS + integerBits, power2(352) - 1});
         if (integerBits >= 352) expectUnary(qfloor, x, x);
     }
-    const Number half = store({true, bias + 351, power2(352) - 1});
-    expectUnary(qfloor, half, store({true, bias + 352, power2(351)}));
+    const Number half = store({true, BIAS + 351, power2(352) - 1});
+    expectUnary(qfloor, half, store({true, BIAS + 352, power2(351)}));
 }
 
 TEST_F(Convert, RoundIsTheFloorOfXPlusOneHalf) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number x = nearAnInteger();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number x = NearAnInteger();
         Real floor;
         mpfr_floor(floor, Real(x));
         // Rounding the sum down keeps its floor: every integer below 2^1000 is representable here.
         Real expected(1200);
         mpfr_add_d(expected, Real(x), 0.5, MPFR_RNDD);
         mpfr_floor(expected, expected);
-        if (x[1] > bias + 352) mpfr_set(expected, Real(x), MPFR_RNDN);
+        if (x[1] > BIAS + 352) mpfr_set(expected, Real(x), MPFR_RNDN);
         expectUnary(qround, x, exactly(expected));
     }
 }
 
 TEST(Round, FractionsThatASubtractionWouldFlushStillCount) {
     const mpz_class integer = power2(351); // 2^340 with eleven fraction bits
-    expectUnary(qround, store({false, bias + 341, integer + 2047}),
-                store({false, bias + 341, integer + 2048}));
-    expectUnary(qround, store({false, bias + 341, integer + 1024}),
-                store({false, bias + 341, integer + 2048}));
-    expectUnary(qround, store({false, bias + 341, integer + 1023}), store({false, bias + 341, integer}));
-    expectUnary(qround, store({true, bias + 341, integer + 1024}), store({true, bias + 341, integer}));
-    expectUnary(qround, store({true, bias + 341, integer + 1025}), store({true, bias + 341, integer + 2048}));
+    expectUnary(qround, store({false, BIAS + 341, integer + 2047}),
+                store({false, BIAS + 341, integer + 2048}));
+    expectUnary(qround, store({false, BIAS + 341, integer + 1024}),
+                store({false, BIAS + 341, integer + 2048}));
+    expectUnary(qround, store({false, BIAS + 341, integer + 1023}), store({false, BIAS + 341, integer}));
+    expectUnary(qround, store({true, BIAS + 341, integer + 1024}), store({true, BIAS + 341, integer}));
+    expectUnary(qround, store({true, BIAS + 341, integer + 1025}), store({true, BIAS + 341, integer + 2048}));
 }
 
 TEST(Round, HalvesGoUp) {
@@ -129,16 +129,16 @@ struct Parts {
 };
 
 Parts split(const Number& x) {
-    Parts p{-77, overflowValue(negativeSign)};
+    Parts p{-77, overflowValue(NEGATIVE_SIGN)};
     qifrac(x.data(), &p.integer, p.fraction.data());
     return p;
 }
 
 TEST_F(Convert, QifracSplitsExactly) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number x = nearAnInteger();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number x = NearAnInteger();
         Parts p = split(x);
-        const int64_t integerBits = static_cast<int64_t>(x[1]) - bias;
+        const int64_t integerBits = static_cast<int64_t>(x[1]) - BIAS;
         Number same = x;
         int64_t sameInteger = -1;
         qifrac(same.data(), &sameInteger, same.data());
@@ -231,24 +231,24 @@ TEST_F(Convert, QfixintegersComparesWithTheConstantExactly) {
     for (int i = 0; i < 20000 && !HasFailure(); ++i) {
         // An integer of at most 70 bits and an offset around 10^-80.
         Real value;
-        mpfr_set_si(value, random.between(1, 1000000000), MPFR_RNDN);
-        mpfr_mul_2si(value, value, random.between(0, 40), MPFR_RNDN);
+        mpfr_set_si(value, random.Between(1, 1000000000), MPFR_RNDN);
+        mpfr_mul_2si(value, value, random.Between(0, 40), MPFR_RNDN);
         mpfr_floor(value, value);
         const Number integer = exactly(value);
         Real offset;
-        mpfr_set_d(offset, static_cast<double>(random.between(1, 3000)) / 1000, MPFR_RNDN);
+        mpfr_set_d(offset, static_cast<double>(random.Between(1, 3000)) / 1000, MPFR_RNDN);
         mpfr_mul(offset, offset, Real(limit), MPFR_RNDN);
-        if (random.chance(30)) mpfr_mul_2si(offset, offset, random.between(-40, 40), MPFR_RNDN);
-        if (random.chance(50)) mpfr_neg(offset, offset, MPFR_RNDN);
+        if (random.Chance(30)) mpfr_mul_2si(offset, offset, random.Between(-40, 40), MPFR_RNDN);
+        if (random.Chance(50)) mpfr_neg(offset, offset, MPFR_RNDN);
         mpfr_add(value, value, offset, MPFR_RNDN);
-        Real rounded(mantissaBits);
+        Real rounded(MANTISSA_BITS);
         mpfr_set(rounded, value, MPFR_RNDN);
         Number x = exactly(rounded);
         Number expected = integer;
         Real distance;
         mpfr_sub(distance, Real(x), Real(integer), MPFR_RNDN);
         if (mpfr_cmpabs(distance, Real(limit)) >= 0) expected = x;
-        if (random.chance(50)) x[0] = expected[0] = negativeSign;
+        if (random.Chance(50)) x[0] = expected[0] = NEGATIVE_SIGN;
         EXPECT_EQ(snapped(x), expected) << show(x);
     }
 }
@@ -265,8 +265,8 @@ Number fromInteger(int64_t n) {
 }
 
 TEST_F(Convert, LtoqTakesTheMagnitudeModulo2To32) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const auto n = static_cast<int64_t>(random.next()) >> random.between(0, 63);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const auto n = static_cast<int64_t>(random.Next()) >> random.Between(0, 63);
         const uint64_t magnitude = n < 0 ? -static_cast<uint64_t>(n) : static_cast<uint64_t>(n);
         Real expected;
         mpfr_set_ui(expected, magnitude & 0xFFFFFFFF, MPFR_RNDN);
@@ -301,10 +301,10 @@ Number ldexp(const Number& x, int64_t n) {
 }
 
 TEST_F(Convert, QldexpAddsToTheExponent) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomOperand(random);
         if (x[1] == 0) continue;
-        const int64_t n = random.chance(70) ? random.between(-70000, 70000) : random.between(-200000, 200000);
+        const int64_t n = random.Chance(70) ? random.Between(-70000, 70000) : random.Between(-200000, 200000);
         const int64_t e = static_cast<int64_t>(x[1]) + n;
         Number expected = x;
         expected[1] = static_cast<uint32_t>(e);
@@ -322,7 +322,7 @@ TEST(Qldexp, EndsOfTheRange) {
     EXPECT_EQ(ldexp(decimal("-3"), 4), decimal("-48"));
     EXPECT_EQ(ldexp(one, -40000), Number{});
     EXPECT_EQ(ldexp(one, 40000), overflowValue(0));
-    EXPECT_EQ(ldexp(decimal("-1"), 40000), overflowValue(negativeSign)) << "the sign is kept";
+    EXPECT_EQ(ldexp(decimal("-1"), 40000), overflowValue(NEGATIVE_SIGN)) << "the sign is kept";
     EXPECT_EQ(ldexp(one, 0x7FFF), store({false, 0x10000, power2(351)})) << "exponent 0x10000 stands";
     EXPECT_EQ(ldexp(one, 0x8000), overflowValue(0));
     EXPECT_EQ(ldexp(one, -0x8000), store({false, 1, power2(351)}));
@@ -332,7 +332,7 @@ TEST(Qldexp, EndsOfTheRange) {
 TEST(Qldexp, CountsBeyond131072AreOutOfRangeWhateverTheNumber) {
     const Number one = decimal("-1");
     for (const int64_t n : {int64_t{131073}, int64_t{1} << 40, std::numeric_limits<int64_t>::max()}) {
-        EXPECT_EQ(ldexp(one, n), overflowValue(negativeSign)) << n;
+        EXPECT_EQ(ldexp(one, n), overflowValue(NEGATIVE_SIGN)) << n;
         EXPECT_EQ(ldexp(one, -n), Number{}) << -n;
     }
     EXPECT_EQ(ldexp(one, std::numeric_limits<int64_t>::min()), Number{});
@@ -350,15 +350,15 @@ TEST(Qldexp, OfZeroRaisesTheExponentOverAnAllZeroMantissa) {
 }
 
 TEST_F(Convert, QfrexpTakesThePowerOfTwoOff) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomOperand(random);
         Number expected = x;
         int64_t e = -77;
-        Number y = overflowValue(negativeSign);
+        Number y = overflowValue(NEGATIVE_SIGN);
         qfrexp(x.data(), &e, y.data());
         if (x[1] != 0) expected[1] = 0x8000;
         EXPECT_EQ(y, expected);
-        EXPECT_EQ(e, x[1] == 0 ? 0 : static_cast<int64_t>(x[1]) - bias);
+        EXPECT_EQ(e, x[1] == 0 ? 0 : static_cast<int64_t>(x[1]) - BIAS);
         Number same = x;
         qfrexp(same.data(), &e, same.data());
         EXPECT_EQ(same, expected) << "in place";

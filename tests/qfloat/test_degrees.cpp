@@ -17,7 +17,7 @@ struct DegreeFunction {
     int64_t highest; // exponents below it are computed
 };
 
-const DegreeFunction functions[] = {
+const DegreeFunction FUNCTIONS[] = {
     {"sin", qsindeg, mpfr_sinu, 338}, {"cos", qcosdeg, mpfr_cosu, 338}, {"tan", qtandeg, mpfr_tanu, 3000}};
 
 Number degrees(const std::string& text) {
@@ -34,14 +34,14 @@ void expectAccurate(const DegreeFunction& f, const Number& x) {
     } else if (mpfr_inf_p(mpfr_srcptr(exact)) != 0) {
         EXPECT_EQ(got.value[1], 0x10000U) << f.name << show(x);
     } else {
-        EXPECT_LE(errorInUlps(got.value, exact), almostHalf) << f.name << show(x);
+        EXPECT_LE(errorInUlps(got.value, exact), ALMOST_HALF) << f.name << show(x);
         EXPECT_EQ(got.value[0] != 0, mpfr_sgn(mpfr_srcptr(exact)) < 0) << f.name << show(x);
     }
 }
 
-const Number zero{};
-const Number one = number(1);
-const Number half = number(0.5);
+const Number ZERO{};
+const Number ONE = number(1);
+const Number HALF = number(0.5);
 
 } // namespace
 
@@ -64,8 +64,8 @@ TEST(Degrees, HaveExactSinesAndCosinesWhereThereAreSuch) {
 TEST(Degrees, HaveExactTangentsAndPolesWithoutACode) {
     for (int turn = -3; turn <= 3; ++turn) {
         const auto tangent = [turn](double x) { return run(qtandeg, number(180.0 * turn + x)); };
-        EXPECT_EQ(tangent(45), (Outcome{one, 0}));
-        EXPECT_EQ(tangent(-45), (Outcome{negated(one), 0}));
+        EXPECT_EQ(tangent(45), (Outcome{ONE, 0}));
+        EXPECT_EQ(tangent(-45), (Outcome{negated(ONE), 0}));
         EXPECT_EQ(tangent(0).value[1], 0U);
         EXPECT_EQ(tangent(90).value[1], 0x10000U);
         EXPECT_EQ(tangent(90).code, 0);
@@ -77,29 +77,29 @@ TEST(Degrees, OfHugeAnglesAreThoseOfTheirRemainder) {
     EXPECT_EQ(run(qsindeg, degrees("1e100")), run(qsindeg, number(280)));
     EXPECT_EQ(run(qcosdeg, degrees("1e101")), run(qcosdeg, number(280)));
     EXPECT_EQ(run(qtandeg, degrees("-1e101")), run(qtandeg, number(-280)));
-    EXPECT_EQ(run(qsindeg, degrees("36e99")), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qsindeg, degrees("360000000030")), (Outcome{half, 0}));
+    EXPECT_EQ(run(qsindeg, degrees("36e99")), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qsindeg, degrees("360000000030")), (Outcome{HALF, 0}));
 }
 
 TEST(Degrees, OfTwoToThe333RadiansAndMoreAreRefusedBySineAndCosine) {
     Number limit = scaled("1", 333);
     qmul(qrad2deg, limit.data(), limit.data());
     for (const Unary f : {qsindeg, qcosdeg}) {
-        EXPECT_EQ(run(f, degrees("1e200")), (Outcome{zero, 3}));
-        EXPECT_EQ(run(f, degrees("-1e200")), (Outcome{zero, 3}));
-        EXPECT_EQ(run(f, neighbour(limit, 2000000)), (Outcome{zero, 3})); // some 244 degrees more
+        EXPECT_EQ(run(f, degrees("1e200")), (Outcome{ZERO, 3}));
+        EXPECT_EQ(run(f, degrees("-1e200")), (Outcome{ZERO, 3}));
+        EXPECT_EQ(run(f, neighbour(limit, 2000000)), (Outcome{ZERO, 3})); // some 244 degrees more
         EXPECT_EQ(run(f, neighbour(limit, -4)).code, 0);
     }
-    expectAccurate(functions[2], degrees("1e200"));
-    expectAccurate(functions[2], degrees("1e9000"));
+    expectAccurate(FUNCTIONS[2], degrees("1e200"));
+    expectAccurate(FUNCTIONS[2], degrees("1e9000"));
 }
 
 class RandomDegrees : public Seeded {};
 
 TEST_F(RandomDegrees, AreRoundedOnce) {
-    for (const DegreeFunction& f : functions) {
+    for (const DegreeFunction& f : FUNCTIONS) {
         for (int i = 0; i < 3000 && !HasFailure(); ++i) {
-            const int64_t highest = random.chance(70) ? 12 : f.highest;
+            const int64_t highest = random.Chance(70) ? 12 : f.highest;
             expectAccurate(f, randomWithin(random, -200, highest, false));
         }
     }
@@ -107,12 +107,12 @@ TEST_F(RandomDegrees, AreRoundedOnce) {
 
 // Where the reduced angle is as small as it can be: next to multiples of 15 degrees.
 TEST_F(RandomDegrees, NextToExactAnglesAreRoundedOnce) {
-    for (const DegreeFunction& f : functions) {
+    for (const DegreeFunction& f : FUNCTIONS) {
         for (int i = 0; i < 3000 && !HasFailure(); ++i) {
             const int64_t step =
-                random.chance(50) ? random.between(-60, 60) : random.between(-(1LL << 40), 1LL << 40);
+                random.Chance(50) ? random.Between(-60, 60) : random.Between(-(1LL << 40), 1LL << 40);
             const Number exactly = number(15.0 * static_cast<double>(step == 0 ? 1 : step));
-            expectAccurate(f, neighbour(exactly, static_cast<int>(random.between(-5000, 5000))));
+            expectAccurate(f, neighbour(exactly, static_cast<int>(random.Between(-5000, 5000))));
         }
     }
 }
@@ -120,13 +120,13 @@ TEST_F(RandomDegrees, NextToExactAnglesAreRoundedOnce) {
 TEST_F(RandomDegrees, ThatAreTinyAreRoundedOnce) {
     for (int i = 0; i < 1000 && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -32000, -200, false);
-        expectAccurate(functions[0], x);
-        expectAccurate(functions[1], x);
-        expectAccurate(functions[2], x);
+        expectAccurate(FUNCTIONS[0], x);
+        expectAccurate(FUNCTIONS[1], x);
+        expectAccurate(FUNCTIONS[2], x);
     }
-    for (const Number& nothing : {zero, negated(zero)}) {
+    for (const Number& nothing : {ZERO, negated(ZERO)}) {
         EXPECT_EQ(run(qsindeg, nothing), (Outcome{nothing, 0}));
-        EXPECT_EQ(run(qcosdeg, nothing), (Outcome{one, 0}));
+        EXPECT_EQ(run(qcosdeg, nothing), (Outcome{ONE, 0}));
         EXPECT_EQ(run(qtandeg, nothing), (Outcome{nothing, 0}));
     }
 }

@@ -14,7 +14,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 double doubleOf(uint64_t bits) {
     double d;
@@ -51,39 +51,39 @@ Number withTail(uint64_t mantissa53, int64_t exponent, const mpz_class& tail299,
 class Doubles : public Seeded {
 protected:
     // Any bit pattern with an exponent field below 2047; often subnormal or at the ends of the range.
-    uint64_t finiteBits() {
-        uint64_t bits = random.next();
-        uint64_t field = static_cast<uint64_t>(random.between(0, 2046));
-        if (random.chance(15)) field = 0;
-        if (random.chance(10)) field = static_cast<uint64_t>(random.chance(50) ? 1 : 2046);
-        if (random.chance(15)) bits &= ~uint64_t{0} << random.between(0, 52);
-        if (random.chance(15)) bits &= ~uint64_t{0} >> random.between(12, 63);
+    uint64_t FiniteBits() {
+        uint64_t bits = random.Next();
+        uint64_t field = static_cast<uint64_t>(random.Between(0, 2046));
+        if (random.Chance(15)) field = 0;
+        if (random.Chance(10)) field = static_cast<uint64_t>(random.Chance(50) ? 1 : 2046);
+        if (random.Chance(15)) bits &= ~uint64_t{0} << random.Between(0, 52);
+        if (random.Chance(15)) bits &= ~uint64_t{0} >> random.Between(12, 63);
         return (bits & 0x800FFFFFFFFFFFFF) | (field << 52);
     }
 
     // A number whose 54th bit decides: tails at, just below and just above a half.
-    Number nearADouble() {
-        uint64_t mantissa = (random.next() >> 11) | (uint64_t{1} << 52);
-        if (random.chance(15)) mantissa = (uint64_t{1} << 53) - 1;
-        if (random.chance(10)) mantissa = uint64_t{1} << 52;
+    Number NearADouble() {
+        uint64_t mantissa = (random.Next() >> 11) | (uint64_t{1} << 52);
+        if (random.Chance(15)) mantissa = (uint64_t{1} << 53) - 1;
+        if (random.Chance(10)) mantissa = uint64_t{1} << 52;
         mpz_class tail;
-        switch (random.between(0, 4)) {
+        switch (random.Between(0, 4)) {
         case 0: break;
         case 1: tail = power2(298); break;
-        case 2: tail = power2(298) + power2(static_cast<unsigned long>(random.between(0, 290))); break;
+        case 2: tail = power2(298) + power2(static_cast<unsigned long>(random.Between(0, 290))); break;
         case 3: tail = power2(298) - 1; break;
         default: tail = wordsToInteger(randomMantissa(random).data(), 3, 13) % power2(299); break;
         }
-        int64_t exponent = random.between(31747, 31746 + 2046);
-        if (random.chance(35)) exponent = random.between(31746 - 60, 31748); // subnormal and around
-        if (random.chance(10)) exponent = random.between(31746 + 2040, 31746 + 2050);
-        return withTail(mantissa, exponent, tail, random.chance(50));
+        int64_t exponent = random.Between(31747, 31746 + 2046);
+        if (random.Chance(35)) exponent = random.Between(31746 - 60, 31748); // subnormal and around
+        if (random.Chance(10)) exponent = random.Between(31746 + 2040, 31746 + 2050);
+        return withTail(mantissa, exponent, tail, random.Chance(50));
     }
 };
 
 TEST_F(Doubles, EtoqIsExactForEveryFiniteDouble) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const double d = doubleOf(finiteBits());
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const double d = doubleOf(FiniteBits());
         Real exact(64);
         mpfr_set_d(exact, d, MPFR_RNDN);
         const Number q = fromDouble(d);
@@ -96,7 +96,7 @@ TEST_F(Doubles, EtoqIsExactForEveryFiniteDouble) {
 
 TEST_F(Doubles, EtoqOfFourWordsIsTheSame) {
     for (int i = 0; i < 10000 && !HasFailure(); ++i) {
-        const uint64_t bits = random.next();
+        const uint64_t bits = random.Next();
         uint16_t words[4];
         for (int k = 0; k < 4; ++k) words[k] = static_cast<uint16_t>(bits >> (16 * k));
         Number q;
@@ -108,7 +108,7 @@ TEST_F(Doubles, EtoqOfFourWordsIsTheSame) {
 
 TEST_F(Doubles, EtoqOfInfinitiesAndNansIsALargeFiniteNumber) {
     for (int i = 0; i < 1000; ++i) {
-        uint64_t bits = random.next() | 0x7FF0000000000000;
+        uint64_t bits = random.Next() | 0x7FF0000000000000;
         if (i < 2) bits = i == 0 ? 0x7FF0000000000000 : 0xFFF0000000000000;
         uint64_t mantissa = (bits & 0xFFFFFFFFFFFFF) | (uint64_t{1} << 52);
         uint16_t words[4];
@@ -121,7 +121,7 @@ TEST_F(Doubles, EtoqOfInfinitiesAndNansIsALargeFiniteNumber) {
 
 TEST(Etoq, HandWrittenValues) {
     EXPECT_EQ(fromDouble(1), (Number{0, 0x8001, 0, 0x80000000}));
-    EXPECT_EQ(fromDouble(-2.5), (Number{negativeSign, 0x8002, 0, 0xA0000000}));
+    EXPECT_EQ(fromDouble(-2.5), (Number{NEGATIVE_SIGN, 0x8002, 0, 0xA0000000}));
     EXPECT_EQ(fromDouble(0), Number{});
     EXPECT_EQ(fromDouble(-0.0), Number{});
     EXPECT_EQ(fromDouble(DBL_MIN), scaled("1", -1022));
@@ -131,8 +131,8 @@ TEST(Etoq, HandWrittenValues) {
 }
 
 TEST_F(Doubles, QtoeFollowsItsRuleBitForBit) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number q = random.chance(70) ? nearADouble() : randomOperand(random);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number q = random.Chance(70) ? NearADouble() : randomOperand(random);
         int code = 0;
         const uint64_t expected = model::toDouble(q, code);
         merror = 0;
@@ -147,10 +147,10 @@ TEST_F(Doubles, QtoeFollowsItsRuleBitForBit) {
 
 // Away from halves the rule is plain rounding to the nearest.
 TEST_F(Doubles, QtoeIsTheNearestDoubleWhereNoTieIsNear) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number q = randomMantissa(random);
-        q[0] = random.chance(50) ? negativeSign : 0;
-        q[1] = static_cast<uint32_t>(random.between(31747, 31746 + 2045));
+        q[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        q[1] = static_cast<uint32_t>(random.Between(31747, 31746 + 2045));
         if ((q[4] & 0x7FF) == 0x400) continue;
         EXPECT_EQ(toBits(q), bitsOf(mpfr_get_d(Real(q), MPFR_RNDN))) << show(q);
     }
@@ -185,7 +185,7 @@ TEST(Qtoe, ZeroAndBelowTheSubnormalRangeAreSignedZeros) {
     merror = 0;
     EXPECT_EQ(toBits(Number{}), bitsOf(0));
     Number negativeZero{};
-    negativeZero[0] = negativeSign;
+    negativeZero[0] = NEGATIVE_SIGN;
     EXPECT_EQ(toBits(negativeZero), bitsOf(-0.0));
     EXPECT_EQ(toBits(scaled("1", -1076)), bitsOf(0));
     EXPECT_EQ(toBits(scaled("-1", -1076)), bitsOf(-0.0));
@@ -212,7 +212,7 @@ TEST(Qtoe, OverflowGivesTheLargestFiniteDoubleAndCode3) {
         EXPECT_EQ(merror, 3);
     }
     merror = 0;
-    EXPECT_EQ(toBits(overflowValue(negativeSign)), bitsOf(-DBL_MAX));
+    EXPECT_EQ(toBits(overflowValue(NEGATIVE_SIGN)), bitsOf(-DBL_MAX));
     EXPECT_EQ(merror, 3);
     merror = 0;
     EXPECT_EQ(toBits(fromDouble(DBL_MAX)), bitsOf(DBL_MAX));

@@ -7,14 +7,14 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 8000;
-constexpr int referenceCases = 1500;
+constexpr int CASES = 8000;
+constexpr int REFERENCE_CASES = 1500;
 
-const Number zero{};
-const Number negativeZero = negated(zero);
-const Number one = number(1);
-const Number overflow = overflowValue(0);
-const Number minusOverflow = overflowValue(negativeSign);
+const Number ZERO{};
+const Number NEGATIVE_ZERO = negated(ZERO);
+const Number ONE = number(1);
+const Number OVERFLOW = overflowValue(0);
+const Number MINUS_OVERFLOW = overflowValue(NEGATIVE_SIGN);
 
 using Truth = int (*)(mpfr_ptr, mpfr_srcptr, mpfr_rnd_t);
 
@@ -24,16 +24,16 @@ struct Function {
     Truth truth;
 };
 
-const Function squareRoot{qsqrt, reference::squareRoot, mpfr_sqrt};
-const Function exponential{qexp, reference::exponential, mpfr_exp};
-const Function logarithm{qlog, reference::logarithm, mpfr_log};
+const Function SQUARE_ROOT{qsqrt, reference::squareRoot, mpfr_sqrt};
+const Function EXPONENTIAL{qexp, reference::exponential, mpfr_exp};
+const Function LOGARITHM{qlog, reference::logarithm, mpfr_log};
 
 void checkError(const Function& f, const Number& x) {
     Real exact;
     f.truth(exact, Real(x), MPFR_RNDN);
     const Outcome got = run(f.routine, x);
     EXPECT_EQ(got.code, 0) << show(x);
-    EXPECT_LE(errorInUlps(got.value, exact), almostHalf) << show(x);
+    EXPECT_LE(errorInUlps(got.value, exact), ALMOST_HALF) << show(x);
 }
 
 // The plain algorithm's special results and codes; inside the range no larger error than the plain one.
@@ -46,7 +46,7 @@ void checkAgainstPlain(const Function& f, const Number& x) {
         << show(x) << "\n got   " << got << "\n plain " << plain;
     Real exact;
     f.truth(exact, Real(x), MPFR_RNDN);
-    EXPECT_LE(errorInUlps(got.value, exact), std::max(almostHalf, errorInUlps(plain.value, exact)))
+    EXPECT_LE(errorInUlps(got.value, exact), std::max(ALMOST_HALF, errorInUlps(plain.value, exact)))
         << show(x);
 }
 
@@ -78,27 +78,27 @@ TEST_F(SquareRoot, OfFourIsTwoAndOfTwoTheConstant) {
 }
 
 TEST_F(SquareRoot, OfZeroIsZeroAndOfNegativeZeroNegativeZero) {
-    EXPECT_EQ(run(qsqrt, zero), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qsqrt, negativeZero), (Outcome{negativeZero, 0}));
+    EXPECT_EQ(run(qsqrt, ZERO), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qsqrt, NEGATIVE_ZERO), (Outcome{NEGATIVE_ZERO, 0}));
 }
 
 TEST_F(SquareRoot, OfANegativeNumberIsZeroWithCodeOne) {
-    EXPECT_EQ(run(qsqrt, number(-4)), (Outcome{zero, 1}));
-    EXPECT_EQ(run(qsqrt, minusOverflow), (Outcome{zero, 1}));
-    EXPECT_EQ(run(qsqrt, negated(scaled("1", -32768))), (Outcome{zero, 1}));
+    EXPECT_EQ(run(qsqrt, number(-4)), (Outcome{ZERO, 1}));
+    EXPECT_EQ(run(qsqrt, MINUS_OVERFLOW), (Outcome{ZERO, 1}));
+    EXPECT_EQ(run(qsqrt, negated(scaled("1", -32768))), (Outcome{ZERO, 1}));
 }
 
 TEST_F(SquareRoot, AtTheEndsOfTheRange) {
     EXPECT_EQ(run(qsqrt, scaled("1", -32768)), (Outcome{scaled("1", -16384), 0}));
     EXPECT_EQ(run(qsqrt, scaled("1", 32766)), (Outcome{scaled("1", 16383), 0}));
-    checkError(squareRoot, overflow);
-    checkError(squareRoot, neighbour(one, -1));
-    checkError(squareRoot, neighbour(number(0.25), -1));
-    checkError(squareRoot, neighbour(one, 1));
+    checkError(SQUARE_ROOT, OVERFLOW);
+    checkError(SQUARE_ROOT, neighbour(ONE, -1));
+    checkError(SQUARE_ROOT, neighbour(number(0.25), -1));
+    checkError(SQUARE_ROOT, neighbour(ONE, 1));
 }
 
 TEST_F(SquareRoot, OfAnExactSquareIsExact) {
-    for (int i = 0; i < cases; ++i) {
+    for (int i = 0; i < CASES; ++i) {
         Number x = randomWithin(random, -16000, 16000, true);
         std::fill(x.begin() + 8, x.end(), 0); // 160 bits
         Number square{};
@@ -108,24 +108,24 @@ TEST_F(SquareRoot, OfAnExactSquareIsExact) {
 }
 
 TEST_F(SquareRoot, IsRoundedToHalfAUnit) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        checkError(squareRoot, randomWithin(random, -32767, 32767, true));
-        checkError(squareRoot, randomWithin(random, -1, 2, true));
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        checkError(SQUARE_ROOT, randomWithin(random, -32767, 32767, true));
+        checkError(SQUARE_ROOT, randomWithin(random, -1, 2, true));
     }
 }
 
 TEST_F(SquareRoot, AgreesWithThePlainAlgorithm) {
     for (const Number& x :
-         {zero, negativeZero, one, number(-1), overflow, minusOverflow, number(4), number(2)}) {
-        checkAgainstPlain(squareRoot, x);
+         {ZERO, NEGATIVE_ZERO, ONE, number(-1), OVERFLOW, MINUS_OVERFLOW, number(4), number(2)}) {
+        checkAgainstPlain(SQUARE_ROOT, x);
     }
-    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
-        checkAgainstPlain(squareRoot, randomWithin(random, -32767, 32767, false));
+    for (int i = 0; i < REFERENCE_CASES && !HasFailure(); ++i) {
+        checkAgainstPlain(SQUARE_ROOT, randomWithin(random, -32767, 32767, false));
     }
 }
 
 TEST_F(SquareRoot, SquaresBackToItsArgument) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -30000, 30000, true);
         const Number root = call(qsqrt, x);
         Number square{};
@@ -138,7 +138,7 @@ TEST_F(SquareRoot, SquaresBackToItsArgument) {
 }
 
 TEST_F(SquareRoot, NeverFallsFromOneNumberToTheNext) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -300, 300, true);
         EXPECT_LE(compare(call(qsqrt, x), call(qsqrt, neighbour(x, 1))), 0) << show(x);
     }
@@ -147,47 +147,47 @@ TEST_F(SquareRoot, NeverFallsFromOneNumberToTheNext) {
 // ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Exponential, OfZeroIsExactlyOne) {
-    EXPECT_EQ(run(qexp, zero), (Outcome{one, 0}));
-    EXPECT_EQ(run(qexp, negativeZero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qexp, ZERO), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qexp, NEGATIVE_ZERO), (Outcome{ONE, 0}));
 }
 
 TEST_F(Exponential, OfATinyNumberIsOneOrItsNeighbour) {
-    EXPECT_EQ(run(qexp, scaled("1", -32768)), (Outcome{one, 0}));
-    EXPECT_EQ(run(qexp, scaled("-1", -32768)), (Outcome{one, 0}));
-    EXPECT_EQ(run(qexp, scaled("1", -351)), (Outcome{neighbour(one, 1), 0}));
-    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbour(one, -1), 0}));
+    EXPECT_EQ(run(qexp, scaled("1", -32768)), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -32768)), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qexp, scaled("1", -351)), (Outcome{neighbour(ONE, 1), 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbour(ONE, -1), 0}));
 }
 
 TEST_F(Exponential, From32768UpwardOverflowsWithCodeThree) {
-    for (const Number& x : {number(32768), number(40000), number(1e300), overflow}) {
-        EXPECT_EQ(run(qexp, x), (Outcome{overflow, 3})) << show(x);
+    for (const Number& x : {number(32768), number(40000), number(1e300), OVERFLOW}) {
+        EXPECT_EQ(run(qexp, x), (Outcome{OVERFLOW, 3})) << show(x);
     }
 }
 
 TEST_F(Exponential, From32768UpwardKeepsTheSignWordOfTheOutput) {
     Number y = number(-7);
     qexp(number(32768).data(), y.data());
-    EXPECT_EQ(y, minusOverflow);
+    EXPECT_EQ(y, MINUS_OVERFLOW);
     merror = 0;
 }
 
 TEST_F(Exponential, FromMinus32768DownwardIsZeroWithoutACode) {
-    for (const Number& x : {number(-32768), number(-40000), number(-1e300), minusOverflow}) {
-        EXPECT_EQ(run(qexp, x), (Outcome{zero, 0})) << show(x);
+    for (const Number& x : {number(-32768), number(-40000), number(-1e300), MINUS_OVERFLOW}) {
+        EXPECT_EQ(run(qexp, x), (Outcome{ZERO, 0})) << show(x);
     }
 }
 
 // e^22713 is below 2^32768 = e^22713.04..., e^22714 above; e^-22713.8 is above 2^-32769 = e^-22713.7....
 TEST_F(Exponential, BelowThatLimitTheResultsRangeDecides) {
-    EXPECT_EQ(run(qexp, number(22714)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qexp, number(32767)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qexp, number(-22714)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qexp, number(-32767)), (Outcome{zero, 0}));
-    checkError(exponential, number(22713));
-    checkError(exponential, number(-22713));
+    EXPECT_EQ(run(qexp, number(22714)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qexp, number(32767)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qexp, number(-22714)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qexp, number(-32767)), (Outcome{ZERO, 0}));
+    checkError(EXPONENTIAL, number(22713));
+    checkError(EXPONENTIAL, number(-22713));
     Number y = number(-7);
     qexp(number(22714).data(), y.data());
-    EXPECT_EQ(y, overflow) << "here the sign is written";
+    EXPECT_EQ(y, OVERFLOW) << "here the sign is written";
     merror = 0;
 }
 
@@ -196,50 +196,50 @@ TEST_F(Exponential, StoresTheExponentWordAboveTheLargestFiniteOne) {
     const Outcome got = run(qexp, decimal("22712.8"));
     EXPECT_EQ(got.code, 0);
     EXPECT_EQ(got.value[1], 0x10000U);
-    checkError(exponential, decimal("22712.8"));
+    checkError(EXPONENTIAL, decimal("22712.8"));
 }
 
 TEST_F(Exponential, IsRoundedToHalfAUnit) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        checkError(exponential, randomWithin(random, -359, 0, false));
-        checkError(exponential, randomWithin(random, 1, 14, false));
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        checkError(EXPONENTIAL, randomWithin(random, -359, 0, false));
+        checkError(EXPONENTIAL, randomWithin(random, 1, 14, false));
     }
 }
 
 // Where the reduced argument is next to 0 or to ln 2.
 TEST_F(Exponential, IsRoundedToHalfAUnitNextToMultiplesOfLn2) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number n = number(static_cast<double>(random.between(-65000, 65000)) / 2);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number n = number(static_cast<double>(random.Between(-65000, 65000)) / 2);
         if (n[1] == 0) continue;
         Number x{};
         qmul(n.data(), qlog2, x.data());
         if (x[1] > 0x8000 + 14) continue;
-        checkError(exponential, neighbour(x, static_cast<int>(random.between(-2, 2))));
+        checkError(EXPONENTIAL, neighbour(x, static_cast<int>(random.Between(-2, 2))));
     }
 }
 
 TEST_F(Exponential, AgreesWithThePlainAlgorithm) {
     for (const double d : {0.0, -0.0, 1.0, -1.0, 32767.0, 32768.0, -32767.0, -32768.0, 22712.0, 22713.0,
                            22714.0, 1e9, -1e9, 1e-300, -1e-300, -22713.0, -22714.0}) {
-        checkAgainstPlain(exponential, number(d));
+        checkAgainstPlain(EXPONENTIAL, number(d));
     }
-    checkAgainstPlain(exponential, overflow);
-    checkAgainstPlain(exponential, minusOverflow);
-    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
-        checkAgainstPlain(exponential, randomWithin(random, -10, 16, false));
-        checkAgainstPlain(exponential, randomWithin(random, -400, 20, false));
+    checkAgainstPlain(EXPONENTIAL, OVERFLOW);
+    checkAgainstPlain(EXPONENTIAL, MINUS_OVERFLOW);
+    for (int i = 0; i < REFERENCE_CASES && !HasFailure(); ++i) {
+        checkAgainstPlain(EXPONENTIAL, randomWithin(random, -10, 16, false));
+        checkAgainstPlain(EXPONENTIAL, randomWithin(random, -400, 20, false));
     }
 }
 
 TEST_F(Exponential, IsUndoneByTheLogarithm) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, 1, 14, false); // |x| >= 1
         EXPECT_LE(errorInUlps(call(qlog, call(qexp, x)), Real(x)), 1.6) << show(x);
     }
 }
 
 TEST_F(Exponential, NeverFallsFromOneNumberToTheNext) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -20, 14, true);
         EXPECT_LE(compare(call(qexp, x), call(qexp, neighbour(x, 1))), 0) << show(x);
         const Number below = negated(x);
@@ -250,7 +250,7 @@ TEST_F(Exponential, NeverFallsFromOneNumberToTheNext) {
 // ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Logarithm, OfOneIsExactlyZero) {
-    EXPECT_EQ(run(qlog, one), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qlog, ONE), (Outcome{ZERO, 0}));
 }
 
 TEST_F(Logarithm, OfTwoIsTheConstant) {
@@ -261,12 +261,12 @@ TEST_F(Logarithm, OfTwoIsTheConstant) {
 }
 
 TEST_F(Logarithm, OfZeroIsMinusTheOverflowValueWithCodeTwo) {
-    EXPECT_EQ(run(qlog, zero), (Outcome{minusOverflow, 2}));
+    EXPECT_EQ(run(qlog, ZERO), (Outcome{MINUS_OVERFLOW, 2}));
 }
 
 TEST_F(Logarithm, OfANegativeNumberIsZeroWithCodeOne) {
-    for (const Number& x : {number(-1), number(-0.5), minusOverflow, negativeZero}) {
-        EXPECT_EQ(run(qlog, x), (Outcome{zero, 1})) << show(x);
+    for (const Number& x : {number(-1), number(-0.5), MINUS_OVERFLOW, NEGATIVE_ZERO}) {
+        EXPECT_EQ(run(qlog, x), (Outcome{ZERO, 1})) << show(x);
     }
 }
 
@@ -274,69 +274,69 @@ TEST_F(Logarithm, AtTheEndsOfTheRangeAndOfTheReduction) {
     Number root;
     qmov(qsqrt2, root.data());
     for (int units = -2; units <= 2; ++units) {
-        checkError(logarithm, neighbour(root, units));
+        checkError(LOGARITHM, neighbour(root, units));
         Number half = neighbour(root, units);
         --half[1];
-        checkError(logarithm, half);
+        checkError(LOGARITHM, half);
     }
-    checkError(logarithm, overflow);
-    checkError(logarithm, scaled("1", -32768));
-    checkError(logarithm, neighbour(one, 1));
-    checkError(logarithm, neighbour(one, -1));
+    checkError(LOGARITHM, OVERFLOW);
+    checkError(LOGARITHM, scaled("1", -32768));
+    checkError(LOGARITHM, neighbour(ONE, 1));
+    checkError(LOGARITHM, neighbour(ONE, -1));
 }
 
 TEST_F(Logarithm, IsRoundedToHalfAUnit) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        checkError(logarithm, randomWithin(random, -32767, 32767, true));
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        checkError(LOGARITHM, randomWithin(random, -32767, 32767, true));
         const Number x = randomWithin(random, -1, 2, true);
-        if (x != one) checkError(logarithm, x);
+        if (x != ONE) checkError(LOGARITHM, x);
     }
 }
 
 TEST_F(Logarithm, IsRoundedToHalfAUnitNextToOne) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Number d = randomWithin(random, random.chance(50) ? -352 : -8, -2, false);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Number d = randomWithin(random, random.Chance(50) ? -352 : -8, -2, false);
         Number x{};
         qadd(d.data(), qone, x.data());
-        if (x != one) checkError(logarithm, x);
+        if (x != ONE) checkError(LOGARITHM, x);
     }
 }
 
 TEST_F(Logarithm, AgreesWithThePlainAlgorithm) {
     for (const Number& x :
-         {zero, negativeZero, one, number(-1), number(2), number(0.5), overflow, minusOverflow}) {
-        checkAgainstPlain(logarithm, x);
+         {ZERO, NEGATIVE_ZERO, ONE, number(-1), number(2), number(0.5), OVERFLOW, MINUS_OVERFLOW}) {
+        checkAgainstPlain(LOGARITHM, x);
     }
-    for (int i = 0; i < referenceCases / 2 && !HasFailure(); ++i) {
-        checkAgainstPlain(logarithm, randomWithin(random, -32767, 32767, false));
+    for (int i = 0; i < REFERENCE_CASES / 2 && !HasFailure(); ++i) {
+        checkAgainstPlain(LOGARITHM, randomWithin(random, -32767, 32767, false));
         const Number x = randomWithin(random, -1, 2, true);
         // The plain algorithm takes the first 4095 numbers beside 1 for 1, by qsub's cancellation rule.
-        if (x == one || difference(x, one)[1] != 0) checkAgainstPlain(logarithm, x);
+        if (x == ONE || difference(x, ONE)[1] != 0) checkAgainstPlain(LOGARITHM, x);
     }
 }
 
 TEST_F(Logarithm, IsUndoneByTheExponential) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -1, 1, true); // |ln x| < 1: no error is magnified
         EXPECT_LE(errorInUlps(call(qexp, call(qlog, x)), Real(x)), 1.6) << show(x);
     }
 }
 
 TEST_F(Logarithm, NeverFallsFromOneNumberToTheNext) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -3, 3, true);
         EXPECT_LE(compare(call(qlog, x), call(qlog, neighbour(x, 1))), 0) << show(x);
     }
 }
 
 TEST_F(Logarithm, OfAProductIsTheSum) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
         const Number x = randomWithin(random, 2, 8000, true), y = randomWithin(random, 2, 8000, true);
         Number product{};
         qmul(x.data(), y.data(), product.data());
         const Number rest = difference(difference(call(qlog, product), call(qlog, x)), call(qlog, y));
         // Three roundings of numbers below 2^14, and the product's own.
-        EXPECT_TRUE(rest[1] == 0 || static_cast<int64_t>(rest[1]) - bias < 14 - mantissaBits + 3)
+        EXPECT_TRUE(rest[1] == 0 || static_cast<int64_t>(rest[1]) - BIAS < 14 - MANTISSA_BITS + 3)
             << show(rest);
     }
 }

@@ -12,20 +12,20 @@ using limb::Extended;
 
 namespace {
 
-constexpr int cases = 4000;
+constexpr int CASES = 4000;
 
 Extended randomExtended(Random& random, int64_t low, int64_t high) {
     Extended x;
-    for (auto& limb : x.limb) limb = random.next();
-    x.limb[limb::count - 1] |= limb::topBit;
-    x.exponent = random.between(low, high);
+    for (auto& limb : x.limb) limb = random.Next();
+    x.limb[limb::COUNT - 1] |= limb::TOP_BIT;
+    x.exponent = random.Between(low, high);
     return x;
 }
 
 void toReal(const Extended& x, Real& r) {
     mpz_class z;
-    mpz_import(z.get_mpz_t(), limb::count, -1, sizeof(uint64_t), 0, 0, x.limb);
-    mpfr_set_z_2exp(r, z.get_mpz_t(), x.exponent - 64 * limb::count, MPFR_RNDN);
+    mpz_import(z.get_mpz_t(), limb::COUNT, -1, sizeof(uint64_t), 0, 0, x.limb);
+    mpfr_set_z_2exp(r, z.get_mpz_t(), x.exponent - 64 * limb::COUNT, MPFR_RNDN);
 }
 
 // The binary logarithm of |got / exact - 1|.
@@ -43,8 +43,8 @@ double relativeError(const Extended& got, const Real& exact) {
 class ElementaryCores : public Seeded {};
 
 TEST_F(ElementaryCores, ExponentialIsWithin2ToMinus377) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Extended x = randomExtended(random, random.chance(50) ? -380 : -3, random.chance(50) ? 0 : 20);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Extended x = randomExtended(random, random.Chance(50) ? -380 : -3, random.Chance(50) ? 0 : 20);
         for (const bool negative : {false, true}) {
             Extended y;
             elem::exp(x, negative, y);
@@ -58,9 +58,9 @@ TEST_F(ElementaryCores, ExponentialIsWithin2ToMinus377) {
 }
 
 TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Extended x =
-            randomExtended(random, random.chance(50) ? -32768 : -1, random.chance(50) ? 1 : 32768);
+            randomExtended(random, random.Chance(50) ? -32768 : -1, random.Chance(50) ? 1 : 32768);
         Extended y;
         const bool negative = elem::log(x, y);
         Real exact;
@@ -73,8 +73,8 @@ TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373) {
 }
 
 TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373NextToOne) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        Number d = randomWithin(random, random.chance(50) ? -340 : -8, -2, false), q{};
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        Number d = randomWithin(random, random.Chance(50) ? -340 : -8, -2, false), q{};
         qadd(d.data(), qone, q.data());
         if (q == number(1)) continue;
         Extended x, y;
@@ -89,11 +89,11 @@ TEST_F(ElementaryCores, LogarithmIsWithin2ToMinus373NextToOne) {
 }
 
 TEST_F(ElementaryCores, SquareRootIsWithin2ToMinus379) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Extended x = randomExtended(random, -40000, 40000);
-        if (random.chance(10)) { // next to a power of two
-            for (auto& limb : x.limb) limb = random.chance(50) ? ~uint64_t{0} : 0;
-            x.limb[limb::count - 1] |= limb::topBit;
+        if (random.Chance(10)) { // next to a power of two
+            for (auto& limb : x.limb) limb = random.Chance(50) ? ~uint64_t{0} : 0;
+            x.limb[limb::COUNT - 1] |= limb::TOP_BIT;
         }
         Extended y;
         elem::sqrt(x, y);
@@ -101,21 +101,21 @@ TEST_F(ElementaryCores, SquareRootIsWithin2ToMinus379) {
         toReal(x, exact);
         mpfr_sqrt(exact, exact, MPFR_RNDN);
         EXPECT_LE(relativeError(y, exact), -379) << x.exponent;
-        EXPECT_NE(y.limb[limb::count - 1] & limb::topBit, 0U);
+        EXPECT_NE(y.limb[limb::COUNT - 1] & limb::TOP_BIT, 0U);
     }
 }
 
 // All fractions in [0, ln 2), their ends included: e^r - 1 must not wrap at 1.
 TEST_F(ElementaryCores, ExpFractionIsWithin64Units) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Extended r = randomExtended(random, -1, 0);
         Real value, ln2;
         toReal(r, value);
         mpfr_const_log2(ln2, MPFR_RNDN);
-        if (random.chance(10)) limb::load(qlog2, r); // the constant is rounded down
+        if (random.Chance(10)) limb::load(qlog2, r); // the constant is rounded down
         toReal(r, value);
         if (mpfr_cmp(value, ln2) >= 0) continue;
-        uint64_t fraction[limb::count], s[limb::count];
+        uint64_t fraction[limb::COUNT], s[limb::COUNT];
         limb::copy(r.limb, fraction);
         limb::shiftDown(fraction, static_cast<int>(-r.exponent));
         elem::expFraction(fraction, s);

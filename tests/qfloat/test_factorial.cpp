@@ -5,8 +5,8 @@ using namespace oracle;
 
 namespace {
 
-const Number one = number(1);
-const Number overflow = overflowValue(0);
+const Number ONE = number(1);
+const Number OVERFLOW = overflowValue(0);
 
 Real& factorialOf(unsigned long n, Real& exact) {
     mpfr_fac_ui(exact, n, MPFR_RNDN);
@@ -14,9 +14,9 @@ Real& factorialOf(unsigned long n, Real& exact) {
 }
 
 TEST(Factorial, OfZeroAndOneIsOne) {
-    EXPECT_EQ(run(qfac, Number{}), (Outcome{one, 0}));
-    EXPECT_EQ(run(qfac, one), (Outcome{one, 0}));
-    EXPECT_EQ(run(qfac, number(1.99)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qfac, Number{}), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qfac, ONE), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qfac, number(1.99)), (Outcome{ONE, 0}));
 }
 
 TEST(Factorial, OfEighteenAndNineteenIsExact) {
@@ -37,7 +37,7 @@ TEST(Factorial, OfEveryNumberIsRoundedToHalfAUnit) {
         const Outcome got = run(qfac, number(static_cast<double>(n)));
         Real exact(700);
         EXPECT_EQ(got.code, 0) << n;
-        EXPECT_LE(errorInUlps(got.value, factorialOf(n, exact)), almostHalf) << n;
+        EXPECT_LE(errorInUlps(got.value, factorialOf(n, exact)), ALMOST_HALF) << n;
     }
 }
 
@@ -48,7 +48,7 @@ TEST(Factorial, IsNoWorseThanThePlainProduct) {
         Real exact(700);
         factorialOf(static_cast<unsigned long>(n), exact);
         EXPECT_EQ(got.code, plain.code);
-        EXPECT_LE(errorInUlps(got.value, exact), std::max(almostHalf, errorInUlps(plain.value, exact))) << n;
+        EXPECT_LE(errorInUlps(got.value, exact), std::max(ALMOST_HALF, errorInUlps(plain.value, exact))) << n;
     }
     for (const double d : {-1.0, -0.0, -1e300, 0.0, 0.5, 1.0, 2.0, 5.7, 1754.0, 1754.5, 1755.0, 1e300}) {
         EXPECT_EQ(run(qfac, number(d)).code, run(reference::factorial, number(d)).code) << d;
@@ -66,15 +66,15 @@ TEST(Factorial, OfANumberJustBelowAnIntegerIsThatIntegersFactorial) {
 }
 
 TEST(Factorial, OfANegativeNumberIsTheOverflowValueWithCodeOne) {
-    EXPECT_EQ(run(qfac, number(-1)), (Outcome{overflow, 1}));
-    EXPECT_EQ(run(qfac, number(-1e300)), (Outcome{overflow, 1}));
-    EXPECT_EQ(run(qfac, overflowValue(negativeSign)), (Outcome{overflow, 1}));
+    EXPECT_EQ(run(qfac, number(-1)), (Outcome{OVERFLOW, 1}));
+    EXPECT_EQ(run(qfac, number(-1e300)), (Outcome{OVERFLOW, 1}));
+    EXPECT_EQ(run(qfac, overflowValue(NEGATIVE_SIGN)), (Outcome{OVERFLOW, 1}));
 }
 
 TEST(Factorial, Above1754IsTheOverflowValueWithCodeThree) {
     EXPECT_EQ(run(qfac, number(1754)).code, 0);
-    for (const Number& x : {number(1754.5), number(1755), number(1e9), decimal("1e400"), overflow}) {
-        EXPECT_EQ(run(qfac, x), (Outcome{overflow, 3})) << show(x);
+    for (const Number& x : {number(1754.5), number(1755), number(1e9), decimal("1e400"), OVERFLOW}) {
+        EXPECT_EQ(run(qfac, x), (Outcome{OVERFLOW, 3})) << show(x);
     }
 }
 

@@ -14,15 +14,15 @@
 
 namespace {
 
-using limb::count;
+using limb::COUNT;
 using Limbs = std::vector<uint64_t>;
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 // Limbs of dense, sparse, all-zero and all-one bits: the patterns that carry far and divide badly.
 class Source {
 public:
-    uint64_t one() {
+    uint64_t One() {
         switch (random() % 6) {
         case 0: return 0;
         case 1: return ~uint64_t{0};
@@ -31,11 +31,11 @@ public:
         default: return random();
         }
     }
-    Limbs six(bool normalised) {
-        Limbs x(count);
+    Limbs Six(bool normalised) {
+        Limbs x(COUNT);
         const bool dense = (random() & 1) != 0;
-        for (uint64_t& l : x) l = dense ? random() : one();
-        if (normalised) x[count - 1] |= limb::topBit;
+        for (uint64_t& l : x) l = dense ? random() : One();
+        if (normalised) x[COUNT - 1] |= limb::TOP_BIT;
         return x;
     }
     std::mt19937_64 random{testSeed()};
@@ -64,18 +64,18 @@ bool within(const Integer& a, const Integer& b, unsigned long limit) {
 
 TEST(Limb, ProductIsTheTopHalfLessAtMostSixUnits) {
     Source source;
-    for (int i = 0; i < cases; ++i) {
-        const Limbs x = source.six(true), y = source.six(true);
-        Limbs z(count), squared(count);
+    for (int i = 0; i < CASES; ++i) {
+        const Limbs x = source.Six(true), y = source.Six(true);
+        Limbs z(COUNT), squared(COUNT);
         limb::multiply(x.data(), y.data(), z.data());
         limb::square(x.data(), squared.data());
         Integer product;
         mpz_mul(product.z, Integer(x).z, Integer(y).z);
-        mpz_fdiv_q_2exp(product.z, product.z, 64 * count);
+        mpz_fdiv_q_2exp(product.z, product.z, 64 * COUNT);
         ASSERT_TRUE(within(product, Integer(z), 6)) << "case " << i;
         ASSERT_GE(mpz_cmp(product.z, Integer(z).z), 0) << "case " << i;
         mpz_mul(product.z, Integer(x).z, Integer(x).z);
-        mpz_fdiv_q_2exp(product.z, product.z, 64 * count);
+        mpz_fdiv_q_2exp(product.z, product.z, 64 * COUNT);
         ASSERT_TRUE(within(product, Integer(squared), 6)) << "case " << i;
     }
 }
@@ -85,28 +85,28 @@ TEST(Limb, QuotientIsWithinSixteenUnitsForOperandsThatCutBadly) {
                0xe037b6e9e7d93830, 0xfffffffffffffffa, 0x7fffffffffffffff};
     const Limbs y = {0xf7b5aa3b2e5762f3, 0xffffffffffffffff, 0xffffffffffffffff,
                      0xfffffffffffffffd, 0xfffffffffffffffd, 0x8000000000000000};
-    Limbs z(count);
+    Limbs z(COUNT);
     limb::divide(x.data(), y.data(), z.data());
     Integer quotient;
-    mpz_mul_2exp(quotient.z, Integer(x).z, 64 * count);
+    mpz_mul_2exp(quotient.z, Integer(x).z, 64 * COUNT);
     mpz_fdiv_q(quotient.z, quotient.z, Integer(y).z);
     EXPECT_TRUE(within(quotient, Integer(z), 16));
 }
 
 TEST(Limb, QuotientIsWithinSixteenUnits) {
     Source source;
-    for (int i = 0; i < cases; ++i) {
-        Limbs x = source.six(false), y = source.six(true);
+    for (int i = 0; i < CASES; ++i) {
+        Limbs x = source.Six(false), y = source.Six(true);
         if (source.random() % 8 == 0) { // dividend just below the divisor: quotient digits of all ones
             x = y;
             x[0] -= 1;
         }
         if (limb::compare(x.data(), y.data()) >= 0) std::swap(x, y);
-        if (!(y[count - 1] & limb::topBit) || limb::compare(x.data(), y.data()) >= 0) continue;
-        Limbs z(count);
+        if (!(y[COUNT - 1] & limb::TOP_BIT) || limb::compare(x.data(), y.data()) >= 0) continue;
+        Limbs z(COUNT);
         limb::divide(x.data(), y.data(), z.data());
         Integer quotient;
-        mpz_mul_2exp(quotient.z, Integer(x).z, 64 * count);
+        mpz_mul_2exp(quotient.z, Integer(x).z, 64 * COUNT);
         mpz_fdiv_q(quotient.z, quotient.z, Integer(y).z);
         ASSERT_TRUE(within(quotient, Integer(z), 16)) << "case " << i;
     }
@@ -114,13 +114,13 @@ TEST(Limb, QuotientIsWithinSixteenUnits) {
 
 TEST(Limb, QuotientByOneLimbIsExact) {
     Source source;
-    for (int i = 0; i < cases; ++i) {
-        Limbs x = source.six(false), y(count), z(count);
-        y[count - 1] = source.one() | limb::topBit;
-        if (x[count - 1] >= y[count - 1]) x[count - 1] = y[count - 1] - 1;
+    for (int i = 0; i < CASES; ++i) {
+        Limbs x = source.Six(false), y(COUNT), z(COUNT);
+        y[COUNT - 1] = source.One() | limb::TOP_BIT;
+        if (x[COUNT - 1] >= y[COUNT - 1]) x[COUNT - 1] = y[COUNT - 1] - 1;
         limb::divide(x.data(), y.data(), z.data());
         Integer quotient;
-        mpz_mul_2exp(quotient.z, Integer(x).z, 64 * count);
+        mpz_mul_2exp(quotient.z, Integer(x).z, 64 * COUNT);
         mpz_fdiv_q(quotient.z, quotient.z, Integer(y).z);
         ASSERT_TRUE(within(quotient, Integer(z), 0)) << "case " << i;
     }
@@ -128,8 +128,8 @@ TEST(Limb, QuotientByOneLimbIsExact) {
 
 TEST(Limb, ShiftsMatchIntegerShiftsForEveryCount) {
     Source source;
-    for (int n = 0; n <= 64 * count + 70; ++n) {
-        const Limbs x = source.six(false);
+    for (int n = 0; n <= 64 * COUNT + 70; ++n) {
+        const Limbs x = source.Six(false);
         Limbs down = x, up = x;
         limb::shiftDown(down.data(), n);
         limb::shiftUp(up.data(), n);
@@ -137,15 +137,15 @@ TEST(Limb, ShiftsMatchIntegerShiftsForEveryCount) {
         mpz_fdiv_q_2exp(expected.z, Integer(x).z, static_cast<mp_bitcnt_t>(n));
         ASSERT_TRUE(within(expected, Integer(down), 0)) << n;
         mpz_mul_2exp(expected.z, Integer(x).z, static_cast<mp_bitcnt_t>(n));
-        mpz_fdiv_r_2exp(expected.z, expected.z, 64 * count);
+        mpz_fdiv_r_2exp(expected.z, expected.z, 64 * COUNT);
         ASSERT_TRUE(within(expected, Integer(up), 0)) << n;
     }
 }
 
 TEST(Limb, PortableSingleLimbArithmeticIsTheSame) {
     Source source;
-    for (int i = 0; i < cases; ++i) {
-        const uint64_t x = source.one(), y = source.one();
+    for (int i = 0; i < CASES; ++i) {
+        const uint64_t x = source.One(), y = source.One();
         uint64_t high = 0, portableHigh = 0;
         ASSERT_EQ(limb::multiply(x, y, high), portable_limb::multiply(x, y, portableHigh));
         ASSERT_EQ(high, portableHigh);
@@ -157,7 +157,7 @@ TEST(Limb, PortableSingleLimbArithmeticIsTheSame) {
             ASSERT_EQ(limb::subtractBorrow(x, y, ours), portable_limb::subtractBorrow(x, y, portable));
             ASSERT_EQ(ours, portable);
         }
-        const uint64_t d = std::max<uint64_t>(1, source.one());
+        const uint64_t d = std::max<uint64_t>(1, source.One());
         uint64_t rest = 0, portableRest = 0;
         ASSERT_EQ(limb::divideWide(y % d, x, d, rest), portable_limb::divideWide(y % d, x, d, portableRest));
         ASSERT_EQ(rest, portableRest);
@@ -166,8 +166,8 @@ TEST(Limb, PortableSingleLimbArithmeticIsTheSame) {
 
 TEST(Limb, PortableMantissaArithmeticIsTheSame) {
     Source source;
-    for (int i = 0; i < cases; ++i) {
-        Limbs x = source.six(true), y = source.six(true), ours(count), portable(count);
+    for (int i = 0; i < CASES; ++i) {
+        Limbs x = source.Six(true), y = source.Six(true), ours(COUNT), portable(COUNT);
         limb::multiply(x.data(), y.data(), ours.data());
         portable_limb::multiply(x.data(), y.data(), portable.data());
         ASSERT_EQ(ours, portable);
@@ -195,7 +195,7 @@ TEST(Limb, PowersOfTenAreRightToTheirBound) {
         mpz_ui_pow_ui(exact.z, 10, static_cast<unsigned long>(n));
         const size_t bits = mpz_sizeinbase(exact.z, 2);
         ASSERT_EQ(static_cast<size_t>(p.exponent), bits) << n;
-        Integer ours(Limbs(p.limb, p.limb + count));
+        Integer ours(Limbs(p.limb, p.limb + COUNT));
         if (bits > 384) {
             mpz_fdiv_q_2exp(exact.z, exact.z, bits - 384);
         } else {

@@ -10,13 +10,13 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 20000;
+constexpr int CASES = 20000;
 
-const Number zero{};
-const Number overflow = overflowValue(0);
+const Number ZERO{};
+const Number OVERFLOW = overflowValue(0);
 
-template <char op> void logic(const qfloat a, const qfloat b, qfloat c) {
-    qlogic(a, b, c, op);
+template <char Op> void logic(const qfloat a, const qfloat b, qfloat c) {
+    qlogic(a, b, c, Op);
 }
 
 double value(Binary routine, double a, double b) {
@@ -38,9 +38,9 @@ TEST(Logic, CombinesIntegers) {
 }
 
 TEST(Logic, OfEqualNumbersWithExclusiveOrIsZero) {
-    EXPECT_EQ(run(logic<'^'>, number(6), number(6)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(logic<'^'>, number(-6), number(6)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(logic<'&'>, number(8), number(7)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(logic<'^'>, number(6), number(6)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(logic<'^'>, number(-6), number(6)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(logic<'&'>, number(8), number(7)), (Outcome{ZERO, 0}));
 }
 
 TEST(Logic, TakesFractionBitsToo) {
@@ -52,8 +52,8 @@ TEST(Logic, WithZero) {
     EXPECT_EQ(value(logic<'|'>, 5, 0), 5);
     EXPECT_EQ(value(logic<'|'>, 0, -5), -5);
     EXPECT_EQ(value(logic<'^'>, 0, 5), 5);
-    EXPECT_EQ(run(logic<'&'>, number(5), zero), (Outcome{zero, 0}));
-    EXPECT_EQ(run(logic<'|'>, zero, zero), (Outcome{zero, 0}));
+    EXPECT_EQ(run(logic<'&'>, number(5), ZERO), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(logic<'|'>, ZERO, ZERO), (Outcome{ZERO, 0}));
     Number odd = number(3);
     odd[1] = 0; // exponent 0 is zero whatever the other words hold
     EXPECT_EQ(run(logic<'|'>, odd, number(4)), (Outcome{number(4), 0}));
@@ -98,13 +98,13 @@ TEST(Logic, OverflowsByRoundingWithCodeThreeAndKeepsTheOutputsSignWord) {
         c[0] = sign;
         subflg = 0;
         merror = 0;
-        qlogic(low.data(), overflow.data(), c.data(), '|');
+        qlogic(low.data(), OVERFLOW.data(), c.data(), '|');
         EXPECT_EQ(c, overflowValue(sign));
         EXPECT_EQ(merror, 3);
     }
     merror = 0;
     subflg = 1;
-    EXPECT_EQ(run(logic<'|'>, low, overflow), (Outcome{overflow, 0})) << "not rounded";
+    EXPECT_EQ(run(logic<'|'>, low, OVERFLOW), (Outcome{OVERFLOW, 0})) << "not rounded";
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -119,10 +119,10 @@ Outcome expected(const Number& a, const Number& b, char op, bool rounds, uint32_
     if (op == '|') words |= x.words;
     if (op == '^') words ^= x.words;
     for (int pass = 0; pass < 2; ++pass) {
-        if (words == 0) return {zero, 0};
+        if (words == 0) return {ZERO, 0};
         y.exponent -= model::normalise(y);
-        if (y.exponent > oracle::overflowExponent) return {overflowValue(outputSign), 3};
-        if (y.exponent < 0) return {zero, 0};
+        if (y.exponent > oracle::OVERFLOW_EXPONENT) return {overflowValue(outputSign), 3};
+        if (y.exponent < 0) return {ZERO, 0};
         if (pass == 0 && rounds && mpz_tstbit(words.get_mpz_t(), 31)) words += power2(32);
     }
     const Register r = model::toRegister(y);
@@ -133,7 +133,7 @@ Outcome expected(const Number& a, const Number& b, char op, bool rounds, uint32_
 
 class RandomLogic : public Seeded {
 protected:
-    static void check(const Number& a, const Number& b, char op, bool rounds) {
+    static void Check(const Number& a, const Number& b, char op, bool rounds) {
         Number separate = number(-1), first = a, second = b;
         const auto call = [&](const Number& x, const Number& y, Number& c) {
             const Outcome wanted = expected(a, b, op, rounds, c[0]);
@@ -151,13 +151,13 @@ protected:
 };
 
 TEST_F(RandomLogic, IsExactToTheLastBit) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number a = randomOperand(random);
         const Number b = randomPartner(random, a);
         for (const char op : {'&', '|', '^', '+'}) {
-            check(a, b, op, true);
-            check(a, b, op, false);
-            check(a, a, op, true);
+            Check(a, b, op, true);
+            Check(a, b, op, false);
+            Check(a, a, op, true);
         }
     }
 }

@@ -9,7 +9,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 using Routine = void (*)(const qfloat, const qfloat, qfloat);
 
@@ -60,14 +60,14 @@ class Product : public Seeded {
 protected:
     using Oracle = void (*)(const Number&, const Number&, Expectation&);
 
-    static void check(Routine routine, Oracle oracle, const Number& a, const Number& b, const uint32_t* pa,
+    static void Check(Routine routine, Oracle oracle, const Number& a, const Number& b, const uint32_t* pa,
                       const uint32_t* pb, Number& c) {
         Expectation e;
         oracle(a, b, e);
         if (e.keepSign) e.result[0] = c[0];
         merror = 0;
         routine(pa, pb, c.data());
-        const bool same = e.free             ? c[0] == e.result[0] && errorInUlps(c, e.exact) <= almostHalf
+        const bool same = e.free             ? c[0] == e.result[0] && errorInUlps(c, e.exact) <= ALMOST_HALF
                           : e.result[1] == 0 ? c[1] == 0
                                              : c == e.result;
         EXPECT_TRUE(same && merror == e.code)
@@ -75,67 +75,67 @@ protected:
             << merror << "\n expected " << show(e.result) << " code " << e.code;
     }
 
-    void checkPair(Routine routine, Oracle oracle, const Number& a, const Number& b) {
-        Number c = overflowValue(random.chance(50) ? negativeSign : 0);
-        check(routine, oracle, a, b, a.data(), b.data(), c);
+    void CheckPair(Routine routine, Oracle oracle, const Number& a, const Number& b) {
+        Number c = overflowValue(random.Chance(50) ? NEGATIVE_SIGN : 0);
+        Check(routine, oracle, a, b, a.data(), b.data(), c);
         Number first = a;
-        check(routine, oracle, a, b, first.data(), b.data(), first);
+        Check(routine, oracle, a, b, first.data(), b.data(), first);
         Number second = b;
-        check(routine, oracle, a, b, a.data(), second.data(), second);
+        Check(routine, oracle, a, b, a.data(), second.data(), second);
         Number both = a;
-        check(routine, oracle, a, a, both.data(), both.data(), c);
-        check(routine, oracle, a, a, both.data(), both.data(), both);
+        Check(routine, oracle, a, a, both.data(), both.data(), c);
+        Check(routine, oracle, a, a, both.data(), both.data(), both);
     }
 
     // Half of the pairs have a result inside the range or at its ends.
-    void checkMany(Routine routine, Oracle oracle, bool divide) {
-        for (int i = 0; i < cases && !HasFailure(); ++i) {
+    void CheckMany(Routine routine, Oracle oracle, bool divide) {
+        for (int i = 0; i < CASES && !HasFailure(); ++i) {
             const Number a = randomOperand(random);
             Number b = randomPartner(random, a);
-            if (a[1] != 0 && b[1] != 0 && random.chance(60)) {
-                const int64_t e = random.chance(50)   ? random.between(1, 0xFFFF)
-                                  : random.chance(50) ? random.between(-3, 4)
-                                                      : random.between(0xFFFC, 0x10002);
-                const int64_t own = divide ? e - bias + a[1] : e + bias - a[1];
+            if (a[1] != 0 && b[1] != 0 && random.Chance(60)) {
+                const int64_t e = random.Chance(50)   ? random.Between(1, 0xFFFF)
+                                  : random.Chance(50) ? random.Between(-3, 4)
+                                                      : random.Between(0xFFFC, 0x10002);
+                const int64_t own = divide ? e - BIAS + a[1] : e + BIAS - a[1];
                 b[1] = static_cast<uint32_t>(own < 1 ? 1 : own > 0xFFFF ? 0xFFFF : own);
             }
-            checkPair(routine, oracle, a, b);
+            CheckPair(routine, oracle, a, b);
         }
         merror = 0;
     }
 };
 
 TEST_F(Product, QmulIsWithinHalfAUnitAndExactlyRoundedForOneWord) {
-    checkMany(qmul, expectProduct, false);
+    CheckMany(qmul, expectProduct, false);
 }
 TEST_F(Product, QmuliUsesTheFirstWordAndIsExactlyRounded) {
-    checkMany(qmuli, expectShortProduct, false);
+    CheckMany(qmuli, expectShortProduct, false);
 }
 TEST_F(Product, QdivIsWithinHalfAUnitAndExactlyRoundedForOneWord) {
-    checkMany(qdiv, expectQuotient, true);
+    CheckMany(qdiv, expectQuotient, true);
 }
 
 // Divisors and dividends whose leading limbs agree strain the digit estimates of a long division.
 TEST_F(Product, QdivOfNearlyEqualLeadingBits) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
         Number a = randomMantissa(random);
         Number b = a;
         a[1] = b[1] = 0x8001;
-        for (auto k = static_cast<size_t>(random.between(4, 13)); k < 14; ++k) {
-            b[k] = random.chance(40) ? 0 : random.chance(50) ? 0xFFFFFFFF : random.word();
-            if (random.chance(30)) a[k] = random.chance(50) ? 0 : 0xFFFFFFFF;
+        for (auto k = static_cast<size_t>(random.Between(4, 13)); k < 14; ++k) {
+            b[k] = random.Chance(40) ? 0 : random.Chance(50) ? 0xFFFFFFFF : random.Word();
+            if (random.Chance(30)) a[k] = random.Chance(50) ? 0 : 0xFFFFFFFF;
         }
-        checkPair(qdiv, expectQuotient, a, b);
+        CheckPair(qdiv, expectQuotient, a, b);
     }
 }
 
 TEST_F(Product, QuotientsThatAreExactComeOutExact) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
         // b = a * q with two mantissas of at most 176 bits.
         Number a = randomMantissa(random);
         Number q = randomMantissa(random);
         for (size_t k = 8; k < 14; ++k) a[k] = q[k] = 0;
-        a[8] = q[8] = random.word() & 0xFFFF0000;
+        a[8] = q[8] = random.Word() & 0xFFFF0000;
         a[1] = q[1] = 0x8003;
         Real product;
         mpfr_mul(product, Real(a), Real(q), MPFR_RNDN);
@@ -191,16 +191,16 @@ TEST(Qmul, AResultOfExponent10000IsKept) {
     const Number x = withExponent(0xFFFF, true);
     EXPECT_EQ(product(decimal("2"), x), withExponent(0x10000, true));
     EXPECT_EQ(merror, 0);
-    EXPECT_EQ(product(one(), overflowValue(negativeSign)), overflowValue(negativeSign));
+    EXPECT_EQ(product(one(), overflowValue(NEGATIVE_SIGN)), overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 0);
 }
 
 TEST(Qmul, AboveExponent10000IsTheOverflowValueWithTheProductsSign) {
-    EXPECT_EQ(product(decimal("-4"), withExponent(0xFFFF)), overflowValue(negativeSign));
+    EXPECT_EQ(product(decimal("-4"), withExponent(0xFFFF)), overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 3);
-    EXPECT_EQ(product(decimal("-2"), overflowValue(negativeSign)), overflowValue(0));
+    EXPECT_EQ(product(decimal("-2"), overflowValue(NEGATIVE_SIGN)), overflowValue(0));
     EXPECT_EQ(merror, 3);
-    EXPECT_EQ(product(overflowValue(0), overflowValue(negativeSign)), overflowValue(negativeSign));
+    EXPECT_EQ(product(overflowValue(0), overflowValue(NEGATIVE_SIGN)), overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 3);
     merror = 0;
 }
@@ -221,7 +221,7 @@ TEST(Qmuli, EndsOfTheExponentRange) {
     EXPECT_EQ(c, Number{});
     EXPECT_EQ(merror, 0);
     qmuli(decimal("-10").data(), withExponent(0xFFFF).data(), c.data());
-    EXPECT_EQ(c, overflowValue(negativeSign));
+    EXPECT_EQ(c, overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 3);
     merror = 0;
 }
@@ -235,7 +235,7 @@ TEST(Qdiv, TakesTheDivisorFirst) {
 }
 
 TEST(Qdiv, ByZeroIsASingularityAndDoesNotWriteTheSignWord) {
-    for (const uint32_t sign : {uint32_t{0}, negativeSign, uint32_t{7}}) {
+    for (const uint32_t sign : {uint32_t{0}, NEGATIVE_SIGN, uint32_t{7}}) {
         Number c{};
         c[0] = sign;
         merror = 0;
@@ -246,7 +246,7 @@ TEST(Qdiv, ByZeroIsASingularityAndDoesNotWriteTheSignWord) {
     Number x = decimal("-3");
     merror = 0;
     qdiv(Number{}.data(), x.data(), x.data());
-    EXPECT_EQ(x, overflowValue(negativeSign)) << "the output is the dividend and keeps its sign";
+    EXPECT_EQ(x, overflowValue(NEGATIVE_SIGN)) << "the output is the dividend and keeps its sign";
     EXPECT_EQ(merror, 2);
     merror = 0;
 }
@@ -261,7 +261,7 @@ TEST(Qdiv, ZeroByAnythingIsZeroAlsoZeroByZero) {
 TEST(Qdiv, EndsOfTheExponentRange) {
     EXPECT_EQ(quotient(decimal("0.5"), withExponent(0xFFFF)), withExponent(0x10000));
     EXPECT_EQ(merror, 0);
-    EXPECT_EQ(quotient(decimal("-0.25"), withExponent(0xFFFF)), overflowValue(negativeSign));
+    EXPECT_EQ(quotient(decimal("-0.25"), withExponent(0xFFFF)), overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 3);
     EXPECT_EQ(quotient(decimal("2"), withExponent(2)), withExponent(1));
     EXPECT_EQ(quotient(decimal("2"), withExponent(1)), Number{});
@@ -271,12 +271,12 @@ TEST(Qdiv, EndsOfTheExponentRange) {
 // ---------------------------------------------------------------------------------------------------------
 
 TEST_F(Product, QdecexpScalesByPowersOfTen) {
-    for (int i = 0; i < cases / 10 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
         Number q = randomMantissa(random);
-        q[0] = random.chance(50) ? negativeSign : 0;
-        q[1] = static_cast<uint32_t>(random.between(1, 0xFFFF));
+        q[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        q[1] = static_cast<uint32_t>(random.Between(1, 0xFFFF));
         const auto n =
-            static_cast<long>(random.chance(50) ? random.between(-120, 120) : random.between(-9800, 9800));
+            static_cast<long>(random.Chance(50) ? random.Between(-120, 120) : random.Between(-9800, 9800));
         Real exact;
         mpfr_ui_pow_ui(exact, 10, static_cast<unsigned long>(n < 0 ? -n : n), MPFR_RNDN);
         const Number before = q;
@@ -287,12 +287,12 @@ TEST_F(Product, QdecexpScalesByPowersOfTen) {
         }
         int code = 0;
         Rounded rounded = roundHalfUp(exact);
-        if (rounded.exponent == overflowExponent) ++rounded.exponent; // the range ends with 0xFFFF
+        if (rounded.exponent == OVERFLOW_EXPONENT) ++rounded.exponent; // the range ends with 0xFFFF
         const Number expected = withinRange(rounded, code);
         merror = 0;
         qdecexp(q.data(), n);
         EXPECT_EQ(merror, code) << show(before) << n;
-        EXPECT_TRUE(code == 0 && expected[1] != 0 ? errorInUlps(q, exact) <= almostHalf : q == expected)
+        EXPECT_TRUE(code == 0 && expected[1] != 0 ? errorInUlps(q, exact) <= ALMOST_HALF : q == expected)
             << show(before) << " * 10^" << n << " gave " << show(q);
     }
     merror = 0;
@@ -302,7 +302,7 @@ TEST(Qdecexp, EndsOfTheRange) {
     Number q = decimal("-2");
     merror = 0;
     qdecexp(q.data(), 20000);
-    EXPECT_EQ(q, overflowValue(negativeSign));
+    EXPECT_EQ(q, overflowValue(NEGATIVE_SIGN));
     EXPECT_EQ(merror, 3);
     merror = 0;
     q = decimal("-2");

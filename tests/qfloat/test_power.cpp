@@ -7,17 +7,17 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 5000;
-constexpr int referenceCases = 1000;
-constexpr double bound = 0.52; // as qfloat.h states
+constexpr int CASES = 5000;
+constexpr int REFERENCE_CASES = 1000;
+constexpr double BOUND = 0.52; // as qfloat.h states
 
-const Number zero{};
-const Number negativeZero = negated(zero);
-const Number one = number(1);
-const Number two = number(2);
-const Number half = number(0.5);
-const Number overflow = overflowValue(0);
-const Number minusOverflow = overflowValue(negativeSign);
+const Number ZERO{};
+const Number NEGATIVE_ZERO = negated(ZERO);
+const Number ONE = number(1);
+const Number TWO = number(2);
+const Number HALF = number(0.5);
+const Number OVERFLOW = overflowValue(0);
+const Number MINUS_OVERFLOW = overflowValue(NEGATIVE_SIGN);
 
 Number third() {
     Number q{};
@@ -29,41 +29,41 @@ Number third() {
 
 // 2 has its own way: exponent arithmetic for any n.
 TEST(IntegerPowerOfTwo, IsExact) {
-    EXPECT_EQ(run(qpowi, two, number(10)), (Outcome{number(1024), 0}));
-    EXPECT_EQ(run(qpowi, two, zero), (Outcome{one, 0}));
-    EXPECT_EQ(run(qpowi, two, number(-3)), (Outcome{number(0.125), 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(10)), (Outcome{number(1024), 0}));
+    EXPECT_EQ(run(qpowi, TWO, ZERO), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(-3)), (Outcome{number(0.125), 0}));
     for (int n = -32768; n < 32767; n += 97) {
-        EXPECT_EQ(run(qpowi, two, number(n)), (Outcome{scaled("1", n), 0})) << n;
+        EXPECT_EQ(run(qpowi, TWO, number(n)), (Outcome{scaled("1", n), 0})) << n;
     }
 }
 
 TEST(IntegerPowerOfTwo, AtTheEndsOfTheExponentWord) {
-    Number largest = one;
+    Number largest = ONE;
     largest[1] = 0x10000; // stored with its mantissa, as products store it
-    EXPECT_EQ(run(qpowi, two, number(32767)), (Outcome{largest, 0}));
-    EXPECT_EQ(run(qpowi, two, number(32768)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, two, number(-32768)), (Outcome{scaled("1", -32768), 0}));
-    EXPECT_EQ(run(qpowi, two, number(-32769)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, two, number(1e30)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, two, number(-1e30)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(32767)), (Outcome{largest, 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(32768)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, TWO, number(-32768)), (Outcome{scaled("1", -32768), 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(-32769)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, TWO, number(1e30)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, TWO, number(-1e30)), (Outcome{ZERO, 0}));
 }
 
 TEST(IntegerPower, UsesTheIntegerPartOfTheExponent) {
     EXPECT_EQ(run(qpowi, number(3), number(2.9)), (Outcome{number(9), 0}));
     EXPECT_EQ(run(qpowi, number(4), number(-2.9)), (Outcome{number(0.0625), 0}));
-    EXPECT_EQ(run(qpowi, number(3), number(0.9)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpowi, number(3), number(0.9)), (Outcome{ONE, 0}));
 }
 
 TEST(IntegerPower, OfZero) {
-    EXPECT_EQ(run(qpowi, zero, zero), (Outcome{one, 0}));
-    EXPECT_EQ(run(qpowi, zero, number(5)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, zero, number(-1)), (Outcome{overflow, 0})) << "without a code";
-    EXPECT_EQ(run(qpowi, negativeZero, number(3)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, ZERO, ZERO), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qpowi, ZERO, number(5)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, ZERO, number(-1)), (Outcome{OVERFLOW, 0})) << "without a code";
+    EXPECT_EQ(run(qpowi, NEGATIVE_ZERO, number(3)), (Outcome{ZERO, 0}));
 }
 
 TEST(IntegerPower, WithExponentZeroIsOne) {
-    for (const Number& x : {one, number(-7.5), overflow, minusOverflow, scaled("1", -32768)}) {
-        EXPECT_EQ(run(qpowi, x, zero), (Outcome{one, 0})) << show(x);
+    for (const Number& x : {ONE, number(-7.5), OVERFLOW, MINUS_OVERFLOW, scaled("1", -32768)}) {
+        EXPECT_EQ(run(qpowi, x, ZERO), (Outcome{ONE, 0})) << show(x);
     }
 }
 
@@ -72,31 +72,31 @@ TEST(IntegerPower, OfANegativeBaseHasTheSignOfOddExponents) {
     EXPECT_EQ(run(qpowi, number(-2), number(4)), (Outcome{number(16), 0}));
     EXPECT_EQ(run(qpowi, number(-2), number(-3)), (Outcome{number(-0.125), 0}));
     EXPECT_EQ(run(qpowi, number(-1), number(2147483645)), (Outcome{number(-1), 0}));
-    EXPECT_EQ(run(qpowi, number(-1), number(2147483646)), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpowi, number(-1), number(2147483646)), (Outcome{ONE, 0}));
 }
 
 TEST(IntegerPower, OverflowHasCodeThree) {
-    EXPECT_EQ(run(qpowi, number(10), number(9865)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, number(-10), number(9865)), (Outcome{minusOverflow, 3}));
-    EXPECT_EQ(run(qpowi, number(-10), number(9866)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, number(10), number(2000000000)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, overflow, two), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, overflow, one), (Outcome{overflow, 0})) << "nothing is multiplied";
+    EXPECT_EQ(run(qpowi, number(10), number(9865)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, number(-10), number(9865)), (Outcome{MINUS_OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, number(-10), number(9866)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, number(10), number(2000000000)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, OVERFLOW, TWO), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, OVERFLOW, ONE), (Outcome{OVERFLOW, 0})) << "nothing is multiplied";
 }
 
 TEST(IntegerPower, UnderflowIsZeroWithTheSignOfAnOddPowerAndNoCode) {
-    EXPECT_EQ(run(qpowi, number(0.1), number(9866)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, number(-0.5), number(99999)), (Outcome{negativeZero, 0}));
-    EXPECT_EQ(run(qpowi, number(-0.5), number(99998)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, half, number(2000000000)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpowi, number(0.1), number(9866)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(99999)), (Outcome{NEGATIVE_ZERO, 0}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(99998)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, HALF, number(2000000000)), (Outcome{ZERO, 0}));
 }
 
 // x^|n| comes first: what underflows there has no reciprocal.
 TEST(IntegerPower, OfANegativeExponentWhosePowerUnderflowsOverflows) {
-    EXPECT_EQ(run(qpowi, half, number(-40000)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, number(-0.5), number(-40001)), (Outcome{minusOverflow, 3}));
-    EXPECT_EQ(run(qpowi, half, number(-32769)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, half, number(-32768)), (Outcome{overflow, 3}))
+    EXPECT_EQ(run(qpowi, HALF, number(-40000)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, number(-0.5), number(-40001)), (Outcome{MINUS_OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, HALF, number(-32769)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, HALF, number(-32768)), (Outcome{OVERFLOW, 3}))
         << "0.5^32768 is stored, 2^32768 is not";
 }
 
@@ -123,27 +123,27 @@ TEST(IntegerPower, OfExactPowersIsExact) {
 
 // From |n| = 2147483647 upward the integer part says nothing: e^(y ln x) takes over.
 TEST(IntegerPower, WithASaturatedExponentGoesThroughTheLogarithm) {
-    EXPECT_EQ(run(qpowi, number(-1), number(2147483647)), (Outcome{one, 1})) << "the logarithm fails as 0";
-    EXPECT_EQ(run(qpowi, one, number(1e30)), (Outcome{one, 0}));
-    EXPECT_EQ(run(qpowi, number(3), number(1e30)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpowi, number(3), number(-1e30)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, zero, number(1e30)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpowi, zero, number(-1e30)), (Outcome{overflow, 3}));
+    EXPECT_EQ(run(qpowi, number(-1), number(2147483647)), (Outcome{ONE, 1})) << "the logarithm fails as 0";
+    EXPECT_EQ(run(qpowi, ONE, number(1e30)), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qpowi, number(3), number(1e30)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpowi, number(3), number(-1e30)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, ZERO, number(1e30)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpowi, ZERO, number(-1e30)), (Outcome{OVERFLOW, 3}));
 }
 
 // ---------------------------------------------------------------------------------------------------------
 
 TEST(Power, OfANegativeBaseAndAFractionFailsWithCodeOne) {
     EXPECT_EQ(run(qpow, number(-8), third()).code, 1);
-    EXPECT_EQ(run(qpow, number(-8), third()).value, one) << "e^(y * 0)";
-    EXPECT_EQ(run(qpow, number(-2), half).code, 1);
-    EXPECT_EQ(run(qpow, minusOverflow, half).code, 1);
+    EXPECT_EQ(run(qpow, number(-8), third()).value, ONE) << "e^(y * 0)";
+    EXPECT_EQ(run(qpow, number(-2), HALF).code, 1);
+    EXPECT_EQ(run(qpow, MINUS_OVERFLOW, HALF).code, 1);
 }
 
 TEST(Power, OfAWholeExponentTakesTheIntegerPath) {
     EXPECT_EQ(run(qpow, number(-2), number(3)), (Outcome{number(-8), 0}));
     EXPECT_EQ(run(qpow, number(-1), number(415031)), (Outcome{number(-1), 0}));
-    EXPECT_EQ(run(qpow, number(-7), negativeZero), (Outcome{one, 0}));
+    EXPECT_EQ(run(qpow, number(-7), NEGATIVE_ZERO), (Outcome{ONE, 0}));
 }
 
 TEST(Power, OfAWholeExponentFrom415032TakesTheLogarithm) {
@@ -153,48 +153,48 @@ TEST(Power, OfAWholeExponentFrom415032TakesTheLogarithm) {
 }
 
 TEST(Power, OfZeroIsZeroOneOrAnOverflowByTheExponentsSign) {
-    for (const Number& nothing : {zero, negativeZero}) {
-        for (const Number& y : {half, one, number(5), number(415032), number(1000000.5), number(1e30),
-                                overflow, scaled("1", -32760)}) {
-            EXPECT_EQ(run(qpow, nothing, y), (Outcome{zero, 0})) << show(y);
-            EXPECT_EQ(run(qpow, nothing, negated(y)), (Outcome{overflow, 3})) << show(y);
+    for (const Number& nothing : {ZERO, NEGATIVE_ZERO}) {
+        for (const Number& y : {HALF, ONE, number(5), number(415032), number(1000000.5), number(1e30),
+                                OVERFLOW, scaled("1", -32760)}) {
+            EXPECT_EQ(run(qpow, nothing, y), (Outcome{ZERO, 0})) << show(y);
+            EXPECT_EQ(run(qpow, nothing, negated(y)), (Outcome{OVERFLOW, 3})) << show(y);
         }
-        EXPECT_EQ(run(qpow, nothing, zero), (Outcome{one, 0}));
-        EXPECT_EQ(run(qpow, nothing, negativeZero), (Outcome{one, 0}));
+        EXPECT_EQ(run(qpow, nothing, ZERO), (Outcome{ONE, 0}));
+        EXPECT_EQ(run(qpow, nothing, NEGATIVE_ZERO), (Outcome{ONE, 0}));
     }
 }
 
 TEST(Power, OverflowIsPositiveWithCodeThreeAndUnderflowZeroWithoutACode) {
-    EXPECT_EQ(run(qpow, number(10), number(9864.5)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpow, number(10), number(-9864.5)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qpow, number(10), number(1e9)), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpow, number(0.1), number(1e9)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qpow, number(10), number(9864.5)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpow, number(10), number(-9864.5)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qpow, number(10), number(1e9)), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpow, number(0.1), number(1e9)), (Outcome{ZERO, 0}));
     Number z = number(-7);
     qpow(number(10).data(), number(9864.5).data(), z.data());
-    EXPECT_EQ(z, overflow);
+    EXPECT_EQ(z, OVERFLOW);
     merror = 0;
 }
 
 // The product y ln x sets its own code, though e^-(huge) would not.
 TEST(Power, WithAnOverflowingProductHasCodeThreeAlsoWhereTheResultIsZero) {
-    EXPECT_EQ(run(qpow, number(10), overflow), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpow, number(10), minusOverflow), (Outcome{zero, 3}));
-    EXPECT_EQ(run(qpow, number(0.1), overflow), (Outcome{zero, 3}));
-    EXPECT_EQ(run(qpow, half, minusOverflow), (Outcome{overflow, 3}));
-    EXPECT_EQ(run(qpow, number(0.75), overflow), (Outcome{zero, 0})) << "|ln 0.75| < 1/2: no overflow";
+    EXPECT_EQ(run(qpow, number(10), OVERFLOW), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpow, number(10), MINUS_OVERFLOW), (Outcome{ZERO, 3}));
+    EXPECT_EQ(run(qpow, number(0.1), OVERFLOW), (Outcome{ZERO, 3}));
+    EXPECT_EQ(run(qpow, HALF, MINUS_OVERFLOW), (Outcome{OVERFLOW, 3}));
+    EXPECT_EQ(run(qpow, number(0.75), OVERFLOW), (Outcome{ZERO, 0})) << "|ln 0.75| < 1/2: no overflow";
 }
 
 TEST(Power, OfOneIsOne) {
-    for (const Number& y : {half, number(-0.3), number(1e9), overflow, minusOverflow}) {
-        EXPECT_EQ(run(qpow, one, y), (Outcome{one, 0})) << show(y);
+    for (const Number& y : {HALF, number(-0.3), number(1e9), OVERFLOW, MINUS_OVERFLOW}) {
+        EXPECT_EQ(run(qpow, ONE, y), (Outcome{ONE, 0})) << show(y);
     }
 }
 
 TEST(Power, OfExactRootsIsExact) {
-    EXPECT_EQ(run(qpow, number(4), half), (Outcome{two, 0}));
+    EXPECT_EQ(run(qpow, number(4), HALF), (Outcome{TWO, 0}));
     EXPECT_EQ(run(qpow, number(625), number(0.25)), (Outcome{number(5), 0}));
     EXPECT_EQ(run(qpow, number(0.0625), number(-1.5)), (Outcome{number(64), 0}));
-    EXPECT_EQ(run(qpow, two, number(0.5)), (Outcome{run(qsqrt, two).value, 0}));
+    EXPECT_EQ(run(qpow, TWO, number(0.5)), (Outcome{run(qsqrt, TWO).value, 0}));
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -203,7 +203,7 @@ class RandomPower : public Seeded {
 protected:
     // Within the range the error is bounded, and no larger than the plain algorithm's where that is asked
     // for.
-    static void check(Binary routine, Binary plain, const Number& x, const Number& y) {
+    static void Check(Binary routine, Binary plain, const Number& x, const Number& y) {
         Real exact, exponent(y);
         if (routine == qpowi && y[1] < 0x8000 + 31) mpfr_trunc(exponent, exponent);
         mpfr_pow(exact, Real(x), exponent, MPFR_RNDN);
@@ -215,12 +215,12 @@ protected:
         }
         ASSERT_TRUE(got.code == 0 && mpfr_number_p(exact) != 0) << show(x) << show(y) << got;
         const int64_t size = mpfr_get_exp(exact);
-        ASSERT_TRUE(size > -bias && size <= bias && got.value[1] != 0) << show(x) << show(y) << got;
-        EXPECT_LE(errorInUlps(got.value, exact), bound) << show(x) << show(y);
+        ASSERT_TRUE(size > -BIAS && size <= BIAS && got.value[1] != 0) << show(x) << show(y) << got;
+        EXPECT_LE(errorInUlps(got.value, exact), BOUND) << show(x) << show(y);
     }
 
     // y, and x such that x^y is about 2^bits.
-    void drawNear(double bits, const Number& y, Number& x) {
+    void DrawNear(double bits, const Number& y, Number& x) {
         x = number(bits);
         qmul(x.data(), qlog2, x.data());
         qdiv(y.data(), x.data(), x.data());
@@ -229,41 +229,41 @@ protected:
 };
 
 TEST_F(RandomPower, FractionsAreWithinTheStatedError) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        check(qpow, nullptr, randomWithin(random, -20, 20, true), randomWithin(random, -20, 10, false));
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        Check(qpow, nullptr, randomWithin(random, -20, 20, true), randomWithin(random, -20, 10, false));
     }
 }
 
 TEST_F(RandomPower, UpToTheLimitsIsWithinTheStatedError) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number y = randomWithin(random, -15, 280, false);
         Number x;
-        drawNear(static_cast<double>(random.between(-32700, 32700)), y, x);
+        DrawNear(static_cast<double>(random.Between(-32700, 32700)), y, x);
         if (x[1] == 0 || x[1] > 0xFFFF) continue;
         Real exact;
         mpfr_pow(exact, Real(x), Real(y), MPFR_RNDN);
-        if (mpfr_get_exp(exact) < 1 - bias || mpfr_get_exp(exact) > bias) continue;
-        check(qpow, nullptr, x, y);
+        if (mpfr_get_exp(exact) < 1 - BIAS || mpfr_get_exp(exact) > BIAS) continue;
+        Check(qpow, nullptr, x, y);
     }
 }
 
 TEST_F(RandomPower, WholeExponentsAreWithinTheStatedError) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        check(qpowi, nullptr, randomWithin(random, -20, 20, false),
-              number(static_cast<double>(random.between(-1000, 1000))));
-        const int64_t n = random.between(1, 2147483646);
-        const Number y = number(static_cast<double>(random.chance(50) ? n : -(n >> 11) - 1));
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        Check(qpowi, nullptr, randomWithin(random, -20, 20, false),
+              number(static_cast<double>(random.Between(-1000, 1000))));
+        const int64_t n = random.Between(1, 2147483646);
+        const Number y = number(static_cast<double>(random.Chance(50) ? n : -(n >> 11) - 1));
         Number x;
-        drawNear(static_cast<double>(random.between(-32000, 32000)), y, x);
-        check(qpowi, nullptr, x, y);
+        DrawNear(static_cast<double>(random.Between(-32000, 32000)), y, x);
+        Check(qpowi, nullptr, x, y);
     }
 }
 
 TEST_F(RandomPower, AgreesWithThePlainAlgorithms) {
-    const Number specials[] = {zero,
-                               one,
-                               two,
-                               half,
+    const Number specials[] = {ZERO,
+                               ONE,
+                               TWO,
+                               HALF,
                                third(),
                                number(-1),
                                number(-2),
@@ -275,35 +275,35 @@ TEST_F(RandomPower, AgreesWithThePlainAlgorithms) {
                                number(415032),
                                number(-415031),
                                number(-9.5),
-                               overflow,
-                               minusOverflow,
+                               OVERFLOW,
+                               MINUS_OVERFLOW,
                                scaled("1", -32768),
                                number(40001),
                                number(-40001),
                                number(2147483647),
                                number(-2147483648.0),
                                number(1e30),
-                               negativeZero};
+                               NEGATIVE_ZERO};
     for (const Number& x : specials) {
         for (const Number& y : specials) {
-            check(qpow, reference::power, x, y);
-            check(qpowi, reference::integerPower, x, y);
+            Check(qpow, reference::power, x, y);
+            Check(qpowi, reference::integerPower, x, y);
         }
     }
-    for (int i = 0; i < referenceCases && !HasFailure(); ++i) {
-        check(qpow, reference::power, randomWithin(random, -20, 20, false),
+    for (int i = 0; i < REFERENCE_CASES && !HasFailure(); ++i) {
+        Check(qpow, reference::power, randomWithin(random, -20, 20, false),
               randomWithin(random, -20, 10, false));
-        check(qpow, reference::power, randomWithin(random, -2000, 2000, false),
+        Check(qpow, reference::power, randomWithin(random, -2000, 2000, false),
               randomWithin(random, -20, 40, false));
-        check(qpowi, reference::integerPower, randomWithin(random, -300, 300, false),
+        Check(qpowi, reference::integerPower, randomWithin(random, -300, 300, false),
               randomWithin(random, 0, 20, false));
     }
 }
 
 TEST_F(RandomPower, IsUndoneByTheReciprocalExponent) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -300, 300, true);
-        const Number n = number(static_cast<double>(random.between(2, 60)));
+        const Number n = number(static_cast<double>(random.Between(2, 60)));
         Number inverse{};
         qdiv(n.data(), qone, inverse.data());
         const Number root = run(qpow, x, inverse).value;
@@ -314,14 +314,14 @@ TEST_F(RandomPower, IsUndoneByTheReciprocalExponent) {
 
 TEST_F(RandomPower, NeverFallsFromOneNumberToTheNext) {
     const auto notAbove = [](const Number& a, const Number& b) { return qcmp(a.data(), b.data()) <= 0; };
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number x = randomWithin(random, 1, 40, true); // at least 1
         const Number y = randomWithin(random, -20, 8, true);
         EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, neighbour(x, 1), y).value))
             << show(x) << show(y);
         EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, x, neighbour(y, 1)).value))
             << show(x) << show(y);
-        const Number n = number(static_cast<double>(random.between(1, 500)));
+        const Number n = number(static_cast<double>(random.Between(1, 500)));
         EXPECT_TRUE(notAbove(run(qpowi, x, n).value, run(qpowi, neighbour(x, 1), n).value))
             << show(x) << show(n);
     }

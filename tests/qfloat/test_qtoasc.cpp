@@ -11,7 +11,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 100000;
+constexpr int CASES = 100000;
 
 // Prints into a buffer of exactly the promised size, with guard bytes behind it.
 std::string print(const Number& q, int digits) {
@@ -69,73 +69,73 @@ std::string expectedText(const Number& q, int digits) {
 
 class Printing : public Seeded {
 protected:
-    int randomDigits() {
-        if (random.chance(20)) return static_cast<int>(random.between(0, 3));
-        if (random.chance(20)) return static_cast<int>(random.between(95, 110));
-        return static_cast<int>(random.between(0, 104));
+    int RandomDigits() {
+        if (random.Chance(20)) return static_cast<int>(random.Between(0, 3));
+        if (random.Chance(20)) return static_cast<int>(random.Between(95, 110));
+        return static_cast<int>(random.Between(0, 104));
     }
 
-    void check(const Number& q, int digits) {
+    void Check(const Number& q, int digits) {
         EXPECT_EQ(print(q, digits), expectedText(q, digits)) << show(q) << " digits " << digits;
     }
 };
 
 TEST_F(Printing, RandomNumbersOverTheWholeRangeAreCorrectlyRounded) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number q = randomOperand(random);
-        if (q[1] != 0 && random.chance(50)) q[1] = static_cast<uint32_t>(random.between(1, 0xFFFF));
-        check(q, randomDigits());
+        if (q[1] != 0 && random.Chance(50)) q[1] = static_cast<uint32_t>(random.Between(1, 0xFFFF));
+        Check(q, RandomDigits());
     }
 }
 
 // Numbers of few decimal digits, which end in zeros or need a carry.
 TEST_F(Printing, ShortDecimalNumbersAreCorrectlyRounded) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
-        std::string text = random.chance(50) ? "-" : "";
-        const bool nines = random.chance(30);
-        for (int64_t n = random.between(1, 100); n > 0; --n) {
-            text += nines ? '9' : static_cast<char>('0' + random.between(0, 9));
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
+        std::string text = random.Chance(50) ? "-" : "";
+        const bool nines = random.Chance(30);
+        for (int64_t n = random.Between(1, 100); n > 0; --n) {
+            text += nines ? '9' : static_cast<char>('0' + random.Between(0, 9));
         }
         text +=
-            "e" + std::to_string(random.chance(50) ? random.between(-120, 20) : random.between(-9700, 9700));
+            "e" + std::to_string(random.Chance(50) ? random.Between(-120, 20) : random.Between(-9700, 9700));
         const Number q = decimal(text);
         if (q[1] == 0) continue;
-        check(q, randomDigits());
+        Check(q, RandomDigits());
     }
 }
 
 // m / 2^j with odd m has j fraction digits, of which the last is a 5: printed with one digit less it is a
 // tie.
 TEST_F(Printing, ExactTiesGoToTheEvenDigit) {
-    for (int i = 0; i < cases / 4 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 4 && !HasFailure(); ++i) {
         Real value(200);
-        mpfr_set_ui(value, (random.next() >> random.between(1, 62)) | 1, MPFR_RNDN);
-        mpfr_div_2ui(value, value, static_cast<unsigned long>(random.between(1, 60)), MPFR_RNDN);
-        if (random.chance(50)) mpfr_neg(value, value, MPFR_RNDN);
+        mpfr_set_ui(value, (random.Next() >> random.Between(1, 62)) | 1, MPFR_RNDN);
+        mpfr_div_2ui(value, value, static_cast<unsigned long>(random.Between(1, 60)), MPFR_RNDN);
+        if (random.Chance(50)) mpfr_neg(value, value, MPFR_RNDN);
         const Number q = exactly(value);
         long exponent = 0;
         std::string digits = decimalDigits(value, 105, MPFR_RNDN, exponent);
         const auto significant = static_cast<int>(digits.find_last_not_of('0')) + 1;
         for (int less = 0; less < 4; ++less) {
-            if (significant - 1 - less >= 0) check(q, significant - 1 - less);
+            if (significant - 1 - less >= 0) Check(q, significant - 1 - less);
         }
     }
 }
 
 // Integers beyond 2^64 that end in 5 and zeros are ties as well.
 TEST_F(Printing, ExactTiesOfLargeIntegersGoToTheEvenDigit) {
-    for (int i = 0; i < cases / 10 && !HasFailure(); ++i) {
-        mpz_class n = static_cast<unsigned long>(random.next() >> random.between(0, 60));
+    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
+        mpz_class n = static_cast<unsigned long>(random.Next() >> random.Between(0, 60));
         n = n * 10 + 5;
         mpz_class power;
-        mpz_ui_pow_ui(power.get_mpz_t(), 10, static_cast<unsigned long>(random.between(0, 80)));
+        mpz_ui_pow_ui(power.get_mpz_t(), 10, static_cast<unsigned long>(random.Between(0, 80)));
         n *= power;
         Real value(400);
         mpfr_set_z(value, n.get_mpz_t(), MPFR_RNDN);
-        if (mpz_sizeinbase(n.get_mpz_t(), 2) > mantissaBits) continue;
+        if (mpz_sizeinbase(n.get_mpz_t(), 2) > MANTISSA_BITS) continue;
         const std::string digits = n.get_str();
         const auto significant = static_cast<int>(digits.find_last_not_of('0')) + 1;
-        if (significant >= 2) check(exactly(value), significant - 2);
+        if (significant >= 2) Check(exactly(value), significant - 2);
     }
 }
 
@@ -204,7 +204,7 @@ TEST(Qtoasc, AtMost104FractionDigits) {
 
 TEST(Qtoasc, TheOverflowValueAndTheSmallestNumberPrintAsNumbers) {
     EXPECT_EQ(print(overflowValue(0), 10), expectedText(overflowValue(0), 10));
-    EXPECT_EQ(print(overflowValue(negativeSign), 3), "-1.415E9864");
+    EXPECT_EQ(print(overflowValue(NEGATIVE_SIGN), 3), "-1.415E9864");
     const Number smallest = store({true, 1, power2(351)});
     EXPECT_EQ(print(smallest, 3), "-7.065E-9865");
 }
@@ -229,9 +229,9 @@ TEST(Qtoasc, AnExactTieAtThe104thFractionDigitGoesToTheEvenDigit) {
 
 // Text to number and back with enough digits is the same number.
 TEST_F(Printing, ANumberSurvivesTextOf104FractionDigitsUpToAFewUnits) {
-    for (int i = 0; i < cases / 10 && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
         Number q = randomMantissa(random);
-        q[1] = static_cast<uint32_t>(random.between(2, 0xFFFE));
+        q[1] = static_cast<uint32_t>(random.Between(2, 0xFFFE));
         const std::string text = print(q, 103);
         Number back{};
         merror = 0;

@@ -14,13 +14,13 @@ using Writer = void (*)(const qfloat, char*, bool);
 
 // The text, written into a buffer of the promised size whose end is watched.
 std::string text(Writer writer, const Number& x, bool twos) {
-    std::vector<char> buffer(radixTextSize + 16, '\x7F');
+    std::vector<char> buffer(RADIX_TEXT_SIZE + 16, '\x7F');
     const Number before = x;
     merror = 0;
     writer(x.data(), buffer.data(), twos);
     EXPECT_EQ(merror, 0);
     EXPECT_EQ(x, before);
-    for (size_t i = radixTextSize; i < buffer.size(); ++i)
+    for (size_t i = RADIX_TEXT_SIZE; i < buffer.size(); ++i)
         EXPECT_EQ(buffer[i], '\x7F') << "written past the end";
     return buffer.data();
 }
@@ -121,12 +121,12 @@ TEST(Binary, CountsThePrefixTowardsTheLimit) {
 }
 
 TEST(Hexadecimal, OfTheLargestNumberIsWhole) {
-    const std::string all = text(qtohex, overflowValue(negativeSign), false);
+    const std::string all = text(qtohex, overflowValue(NEGATIVE_SIGN), false);
     EXPECT_EQ(all, "-0x" + std::string(88, 'F') + std::string(8192 - 88, '0'));
 }
 
 TEST(Binary, OfTheOverflowValueIsCut) {
-    const std::string all = text(qtobin, overflowValue(negativeSign), true);
+    const std::string all = text(qtobin, overflowValue(NEGATIVE_SIGN), true);
     EXPECT_EQ(all.size(), 2U + 225 * 40 + 6);
     EXPECT_EQ(all.substr(0, 7), "0b 1111");
 }
@@ -177,9 +177,9 @@ class RandomRadix : public Seeded {};
 
 TEST_F(RandomRadix, TextsHaveTheDigitsOfTheInteger) {
     for (int i = 0; i < 6000 && !HasFailure(); ++i) {
-        const int64_t reach = random.chance(5) ? 0x7FFF : random.chance(50) ? 40 : 400;
-        const Number x = randomWithin(random, random.chance(20) ? -40 : 1, reach, false);
-        const bool twos = random.chance(50);
+        const int64_t reach = random.Chance(5) ? 0x7FFF : random.Chance(50) ? 40 : 400;
+        const Number x = randomWithin(random, random.Chance(20) ? -40 : 1, reach, false);
+        const bool twos = random.Chance(50);
         EXPECT_EQ(text(qtohex, x, twos), expectedHex(x, twos)) << show(x);
         EXPECT_EQ(text(qtobin, x, twos), expectedBinary(x, twos)) << show(x);
     }

@@ -17,31 +17,31 @@ using oracle::wordsToInteger;
 
 namespace {
 
-constexpr int cases = 20000;
-constexpr unsigned long registerBits = 416; // words 2..14
+constexpr int CASES = 20000;
+constexpr unsigned long REGISTER_BITS = 416; // words 2..14
 
 class Registers : public oracle::Seeded {
 protected:
     // Any bits in words 2..14; often long stretches of zeros.
-    Register anyRegister() {
+    Register AnyRegister() {
         Register r{};
-        for (auto& word : r) word = random.word();
-        if (random.chance(50)) {
-            const auto from = static_cast<size_t>(random.between(2, 14));
-            const auto to = static_cast<size_t>(random.between(2, 14));
-            for (size_t i = from; i <= to; ++i) r[i] = random.chance(80) ? 0 : 0xFFFFFFFF;
+        for (auto& word : r) word = random.Word();
+        if (random.Chance(50)) {
+            const auto from = static_cast<size_t>(random.Between(2, 14));
+            const auto to = static_cast<size_t>(random.Between(2, 14));
+            for (size_t i = from; i <= to; ++i) r[i] = random.Chance(80) ? 0 : 0xFFFFFFFF;
         }
-        if (random.chance(30)) r[2] = 0;
+        if (random.Chance(30)) r[2] = 0;
         return r;
     }
 
     // A normalised mantissa with a zero guard word.
-    Register normalised(int64_t lowExponent, int64_t highExponent) {
+    Register Normalised(int64_t lowExponent, int64_t highExponent) {
         const Number q = oracle::randomMantissa(random);
         Register r{};
         std::copy(q.begin(), q.end(), r.begin());
-        r[0] = random.chance(50) ? oracle::negativeSign : 0;
-        r[1] = static_cast<uint32_t>(random.between(lowExponent, highExponent));
+        r[0] = random.Chance(50) ? oracle::NEGATIVE_SIGN : 0;
+        r[1] = static_cast<uint32_t>(random.Between(lowExponent, highExponent));
         return r;
     }
 };
@@ -52,7 +52,7 @@ mpz_class value(const Register& r) {
 
 mpz_class wrapped(const mpz_class& z) {
     mpz_class r;
-    mpz_fdiv_r_2exp(r.get_mpz_t(), z.get_mpz_t(), registerBits);
+    mpz_fdiv_r_2exp(r.get_mpz_t(), z.get_mpz_t(), REGISTER_BITS);
     return r;
 }
 
@@ -70,9 +70,9 @@ TEST_F(Registers, ShiftsBy1And8And16) {
         void (*shift)(uint32_t*);
         int left;
     } const table[] = {{shdn1, -1}, {shdn8, -8}, {shdn16, -16}, {shup1, 1}, {shup8, 8}, {shup16, 16}};
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         for (const auto& entry : table) {
-            const Register before = anyRegister();
+            const Register before = AnyRegister();
             Register r = before;
             entry.shift(r.data());
             const mpz_class expected = entry.left < 0
@@ -84,11 +84,11 @@ TEST_F(Registers, ShiftsBy1And8And16) {
 }
 
 TEST_F(Registers, ShiftByACountBothWaysConsumesTheCount) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register before = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register before = AnyRegister();
         Register r = before;
         const auto count =
-            static_cast<int32_t>(random.chance(10) ? random.between(-1000, 1000) : random.between(-420, 420));
+            static_cast<int32_t>(random.Chance(10) ? random.Between(-1000, 1000) : random.Between(-420, 420));
         setshiftcount(count);
         EXPECT_EQ(SC, count);
         shift(r.data());
@@ -100,9 +100,9 @@ TEST_F(Registers, ShiftByACountBothWaysConsumesTheCount) {
 }
 
 TEST_F(Registers, SumsAndDifferencesCarryThroughAllThirteenWords) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = anyRegister();
-        const Register before = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = AnyRegister();
+        const Register before = AnyRegister();
         Register y = before;
         addm(x.data(), y.data());
         EXPECT_TRUE(holds(y, wrapped(value(before) + value(x)), before));
@@ -133,9 +133,9 @@ TEST(RegistersByHand, CarryRunsFromTheGuardIntoTheHighWord) {
 }
 
 TEST_F(Registers, BitwiseOperationsOnMantissas) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = anyRegister();
-        const Register before = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = AnyRegister();
+        const Register before = AnyRegister();
         Register y = before;
         andm(x.data(), y.data());
         EXPECT_TRUE(holds(y, value(before) & value(x), before));
@@ -149,17 +149,17 @@ TEST_F(Registers, BitwiseOperationsOnMantissas) {
 }
 
 TEST_F(Registers, CompareLooksAtWords2To13Only) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = AnyRegister();
         Register y = x;
         y[0] = ~y[0];
         y[1] = ~y[1];
-        y[14] = random.word();
+        y[14] = random.Word();
         EXPECT_EQ(cmpm(x.data(), y.data()), 0) << "sign, exponent and guard word are not compared";
-        const auto place = static_cast<size_t>(random.between(2, 13));
-        y[place] ^= 1U << random.between(0, 31);
+        const auto place = static_cast<size_t>(random.Between(2, 13));
+        y[place] ^= 1U << random.Between(0, 31);
         const int expected = x[place] > y[place] ? 1 : -1;
-        for (size_t k = place + 1; k < 14; ++k) y[k] = random.word();
+        for (size_t k = place + 1; k < 14; ++k) y[k] = random.Word();
         EXPECT_EQ(cmpm(x.data(), y.data()), expected);
         EXPECT_EQ(cmpm(y.data(), x.data()), -expected);
     }
@@ -169,8 +169,8 @@ TEST_F(Registers, CompareLooksAtWords2To13Only) {
 // Normalising
 
 TEST_F(Registers, NormaliseSetsTheTopBitAndLeavesTheShift) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register before = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register before = AnyRegister();
         if (value(before) == 0) continue;
         Register r = before;
         SC = 12345;
@@ -228,8 +228,8 @@ TEST(Normalise, AnAllZeroMantissaAnswersOne) {
 }
 
 TEST_F(Registers, QnrmlzNormalisesAStoredNumberAndItsExponent) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register r = anyRegister();
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register r = AnyRegister();
         Number q;
         std::copy(r.begin(), r.begin() + 14, q.begin());
         q[1] = 0x8000;
@@ -254,7 +254,7 @@ TEST(Qnrmlz, OfALowBitAndOfACarry) {
     EXPECT_EQ(q, one);
 
     Number carry{};
-    carry[0] = oracle::negativeSign;
+    carry[0] = oracle::NEGATIVE_SIGN;
     carry[1] = 0x8000;
     carry[2] = 5;
     qnrmlz(carry.data());
@@ -270,13 +270,13 @@ Register afterMdnorm(Register r) {
 }
 
 TEST_F(Registers, MdnormMatchesItsFiveSteps) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        Register r = anyRegister();
-        r[2] = static_cast<uint32_t>(random.chance(50) ? 0 : random.between(0, 7));
-        if (random.chance(70)) r[3] |= 0x80000000U >> random.between(0, 4);
-        if (random.chance(20)) std::fill(r.begin() + 3, r.begin() + 14, 0xFFFFFFFF);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        Register r = AnyRegister();
+        r[2] = static_cast<uint32_t>(random.Chance(50) ? 0 : random.Between(0, 7));
+        if (random.Chance(70)) r[3] |= 0x80000000U >> random.Between(0, 4);
+        if (random.Chance(20)) std::fill(r.begin() + 3, r.begin() + 14, 0xFFFFFFFF);
         const int64_t exponents[] = {0, 1, 2, 3, 0xFFFD, 0xFFFE, 0xFFFF, 0x10000, 0x8000};
-        r[1] = static_cast<uint32_t>(exponents[random.between(0, 8)]);
+        r[1] = static_cast<uint32_t>(exponents[random.Between(0, 8)]);
         model::Work work = model::load(r);
         int code = 0;
         model::normaliseAndRound(work, code);
@@ -352,7 +352,7 @@ Number firstWords(const Register& r) {
 void mantissaOf(const Register& r, Real& m) {
     Number q = firstWords(r);
     q[0] = 0;
-    q[1] = oracle::bias;
+    q[1] = oracle::BIAS;
     mpfr_set(m, Real(q), MPFR_RNDN);
 }
 
@@ -361,9 +361,9 @@ bool normalisedAndRounded(const Register& got, const Register& before) {
 }
 
 TEST_F(Registers, MulmMultipliesMantissasWithinALastPlace) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = normalised(1, 0xFFFF);
-        const Register before = normalised(10, 0xFFF0);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = Normalised(1, 0xFFFF);
+        const Register before = Normalised(10, 0xFFF0);
         Register y = before;
         mulm(x.data(), y.data());
         Real product;
@@ -379,9 +379,9 @@ TEST_F(Registers, MulmMultipliesMantissasWithinALastPlace) {
 }
 
 TEST_F(Registers, MulinMultipliesByWord3AloneExactlyRounded) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = normalised(1, 0xFFFF);
-        const Register before = normalised(10, 0xFFF0);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = Normalised(1, 0xFFFF);
+        const Register before = Normalised(10, 0xFFF0);
         Register y = before;
         mulin(x.data(), y.data());
         Number expected = firstWords(before);
@@ -398,9 +398,9 @@ TEST_F(Registers, MulinMultipliesByWord3AloneExactlyRounded) {
 
 // y / x on the scale where equal mantissas give 1/4.
 TEST_F(Registers, DivmDividesMantissasWithinALastPlace) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
-        const Register x = normalised(1, 0xFFFF);
-        const Register before = normalised(10, 0xFFF0);
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const Register x = Normalised(1, 0xFFFF);
+        const Register before = Normalised(10, 0xFFF0);
         Register y = before;
         divm(x.data(), y.data());
         Real divisor;
@@ -422,9 +422,9 @@ TEST_F(Registers, DivmDividesMantissasWithinALastPlace) {
 
 TEST(Divm, EqualMantissasGiveAQuarter) {
     Register x{0, 0x8000, 0, 0xC0000000};
-    Register y{oracle::negativeSign, 4, 0, 0xC0000000};
+    Register y{oracle::NEGATIVE_SIGN, 4, 0, 0xC0000000};
     divm(x.data(), y.data());
-    EXPECT_EQ(y, (Register{oracle::negativeSign, 3, 0, 0x80000000}));
+    EXPECT_EQ(y, (Register{oracle::NEGATIVE_SIGN, 3, 0, 0x80000000}));
 }
 
 } // namespace

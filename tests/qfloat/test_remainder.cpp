@@ -7,10 +7,10 @@ using namespace oracle;
 
 namespace {
 
-constexpr int cases = 20000;
+constexpr int CASES = 20000;
 
-const Number zero{};
-const Number overflow = overflowValue(0);
+const Number ZERO{};
+const Number OVERFLOW = overflowValue(0);
 
 Number remainder(double divisor, double dividend) {
     const Outcome o = run(qremain, number(divisor), number(dividend));
@@ -30,25 +30,25 @@ TEST(Remainder, OfASmallerDividendIsTheDividend) {
     EXPECT_EQ(remainder(3, 2), number(2));
     EXPECT_EQ(remainder(3, -2), number(-2));
     EXPECT_EQ(remainder(1e300, 1e-300), number(1e-300));
-    EXPECT_EQ(run(qremain, overflow, number(-7)), (Outcome{number(-7), 0}));
+    EXPECT_EQ(run(qremain, OVERFLOW, number(-7)), (Outcome{number(-7), 0}));
 }
 
 TEST(Remainder, OfZeroIsAPlainZero) {
-    EXPECT_EQ(run(qremain, number(3), zero), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qremain, number(3), negated(zero)), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qremain, number(3), ZERO), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qremain, number(3), negated(ZERO)), (Outcome{ZERO, 0}));
 }
 
 TEST(Remainder, ThatIsZeroIsAPlainZero) {
-    EXPECT_EQ(run(qremain, number(3), number(-9)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qremain, number(-7), number(-7)), (Outcome{zero, 0}));
-    EXPECT_EQ(run(qremain, number(0.5), overflow), (Outcome{zero, 0}));
+    EXPECT_EQ(run(qremain, number(3), number(-9)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qremain, number(-7), number(-7)), (Outcome{ZERO, 0}));
+    EXPECT_EQ(run(qremain, number(0.5), OVERFLOW), (Outcome{ZERO, 0}));
 }
 
 TEST(Remainder, ByZeroIsZeroWithCodeTwo) {
-    EXPECT_EQ(run(qremain, zero, number(7)), (Outcome{zero, 2}));
-    EXPECT_EQ(run(qremain, negated(zero), number(-7)), (Outcome{zero, 2}));
-    EXPECT_EQ(run(qremain, zero, zero), (Outcome{zero, 2}));
-    EXPECT_EQ(run(qremain, zero, overflow), (Outcome{zero, 2}));
+    EXPECT_EQ(run(qremain, ZERO, number(7)), (Outcome{ZERO, 2}));
+    EXPECT_EQ(run(qremain, negated(ZERO), number(-7)), (Outcome{ZERO, 2}));
+    EXPECT_EQ(run(qremain, ZERO, ZERO), (Outcome{ZERO, 2}));
+    EXPECT_EQ(run(qremain, ZERO, OVERFLOW), (Outcome{ZERO, 2}));
 }
 
 TEST(Remainder, OfHugePowersIsExact) {
@@ -67,59 +67,59 @@ TEST(Remainder, OfHugePowersIsExact) {
 
 TEST(Remainder, OverTheWholeRangeOfExponents) {
     const Number smallest = neighbour(scaled("1", -32768), 12345);
-    const Outcome got = run(qremain, smallest, overflow);
+    const Outcome got = run(qremain, smallest, OVERFLOW);
     Real exact;
-    mpfr_fmod(exact, Real(overflow), Real(smallest), MPFR_RNDN);
+    mpfr_fmod(exact, Real(OVERFLOW), Real(smallest), MPFR_RNDN);
     // Below 2^-32768 there is no number but zero.
-    const bool stored = mpfr_zero_p(exact) == 0 && mpfr_get_exp(exact) > -bias;
-    EXPECT_EQ(got, (Outcome{stored ? exactly(exact) : zero, 0}));
+    const bool stored = mpfr_zero_p(exact) == 0 && mpfr_get_exp(exact) > -BIAS;
+    EXPECT_EQ(got, (Outcome{stored ? exactly(exact) : ZERO, 0}));
 }
 
 class RandomRemainder : public Seeded {
 protected:
-    static void check(const Number& a, const Number& b) {
+    static void Check(const Number& a, const Number& b) {
         const Outcome got = run(qremain, a, b);
         if (a[1] == 0) {
-            EXPECT_EQ(got, (Outcome{zero, 2}));
+            EXPECT_EQ(got, (Outcome{ZERO, 2}));
             return;
         }
         Real exact;
         mpfr_fmod(exact, Real(b), Real(a), MPFR_RNDN);
-        const bool stored = mpfr_zero_p(exact) == 0 && mpfr_get_exp(exact) > -bias;
-        EXPECT_EQ(got, (Outcome{stored ? exactly(exact) : zero, 0})) << show(a) << show(b);
+        const bool stored = mpfr_zero_p(exact) == 0 && mpfr_get_exp(exact) > -BIAS;
+        EXPECT_EQ(got, (Outcome{stored ? exactly(exact) : ZERO, 0})) << show(a) << show(b);
     }
 };
 
 TEST_F(RandomRemainder, IsExact) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number a = randomOperand(random);
-        check(a, randomPartner(random, a));
+        Check(a, randomPartner(random, a));
     }
 }
 
 TEST_F(RandomRemainder, IsExactForQuotientsOfAFewWords) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number a = randomWithin(random, -300, 300, false);
         Number b = randomMantissa(random);
-        b[0] = random.chance(50) ? negativeSign : 0;
-        b[1] = static_cast<uint32_t>(static_cast<int64_t>(a[1]) + random.between(-1, 260));
-        check(a, b);
+        b[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        b[1] = static_cast<uint32_t>(static_cast<int64_t>(a[1]) + random.Between(-1, 260));
+        Check(a, b);
     }
 }
 
 // Divisors whose leading limb is all ones or a single one strain the estimate of the quotient's digits.
 TEST_F(RandomRemainder, IsExactForAwkwardDivisors) {
-    for (int i = 0; i < cases && !HasFailure(); ++i) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number a = randomMantissa(random);
-        const uint32_t fill = random.chance(50) ? 0xFFFFFFFF : 0;
-        for (auto k = static_cast<size_t>(3); k < static_cast<size_t>(random.between(4, 14)); ++k)
+        const uint32_t fill = random.Chance(50) ? 0xFFFFFFFF : 0;
+        for (auto k = static_cast<size_t>(3); k < static_cast<size_t>(random.Between(4, 14)); ++k)
             a[k] = fill;
         a[3] |= 0x80000000;
-        Number b = random.chance(50) ? a : randomMantissa(random);
-        b[13] += static_cast<uint32_t>(random.between(0, 2)) - 1;
+        Number b = random.Chance(50) ? a : randomMantissa(random);
+        b[13] += static_cast<uint32_t>(random.Between(0, 2)) - 1;
         a[1] = 0x8001;
-        b[1] = 0x8001 + static_cast<uint32_t>(random.between(0, 700));
-        check(a, b);
+        b[1] = 0x8001 + static_cast<uint32_t>(random.Between(0, 700));
+        Check(a, b);
     }
 }
 

@@ -12,7 +12,7 @@ namespace {
 
 Number number(const std::string& text) {
     Number x = decimal(text);
-    if (text[0] == '-') x[0] = negativeSign;
+    if (text[0] == '-') x[0] = NEGATIVE_SIGN;
     return x;
 }
 
@@ -21,13 +21,13 @@ Number power(int64_t exponent) {
 }
 
 Number negative(Number x) {
-    x[0] = negativeSign;
+    x[0] = NEGATIVE_SIGN;
     return x;
 }
 
 // pi * 2^-halvings to the last bit.
 Number piOver(int halvings) {
-    Real pi(mantissaBits);
+    Real pi(MANTISSA_BITS);
     mpfr_const_pi(pi, MPFR_RNDN);
     mpfr_div_2ui(pi, pi, static_cast<unsigned long>(halvings), MPFR_RNDN);
     return exactly(pi);
@@ -46,23 +46,23 @@ void expectClose(const char* name, const Number& x, double ulps) {
     EXPECT_EQ(merror, 0) << name << " of " << show(x);
 }
 
-const Number zero{};
+const Number ZERO{};
 
 } // namespace
 
 TEST(Trig, ZeroKeepsItsSignInOddFunctions) {
     for (const char* name : {"sin", "tan", "atan", "asin", "tanh"}) {
-        expectResult(name, zero, zero);
-        expectResult(name, negative(zero), negative(zero));
+        expectResult(name, ZERO, ZERO);
+        expectResult(name, negative(ZERO), negative(ZERO));
     }
-    expectResult("sinh", zero, zero);
-    expectResult("sinh", negative(zero), zero);
+    expectResult("sinh", ZERO, ZERO);
+    expectResult("sinh", negative(ZERO), ZERO);
     for (const char* name : {"cos", "cosh"}) {
-        expectResult(name, zero, number("1"));
-        expectResult(name, negative(zero), number("1"));
+        expectResult(name, ZERO, number("1"));
+        expectResult(name, negative(ZERO), number("1"));
     }
-    expectResult("acos", zero, piOver(1));
-    expectResult("acos", negative(zero), piOver(1));
+    expectResult("acos", ZERO, piOver(1));
+    expectResult("acos", negative(ZERO), piOver(1));
 }
 
 // An exponent word of zero is the number zero whatever the other words hold; so is an all-zero mantissa.
@@ -71,8 +71,8 @@ TEST(Trig, OddlyWrittenZerosCountAsZero) {
     noExponent[1] = 0;
     noMantissa[1] = 0x8001;
     for (const char* name : {"sin", "tan", "atan", "asin", "sinh", "tanh"}) {
-        expectResult(name, noExponent, zero);
-        expectResult(name, noMantissa, zero);
+        expectResult(name, noExponent, ZERO);
+        expectResult(name, noMantissa, ZERO);
     }
     for (const char* name : {"cos", "cosh"}) {
         expectResult(name, noExponent, number("1"));
@@ -82,9 +82,9 @@ TEST(Trig, OddlyWrittenZerosCountAsZero) {
 }
 
 TEST(Trig, AnyNonZeroSignWordIsNegative) {
-    for (const Function& f : functions) {
+    for (const Function& f : FUNCTIONS) {
         Number x = number("0.7"), odd = x;
-        x[0] = negativeSign;
+        x[0] = NEGATIVE_SIGN;
         odd[0] = 1;
         const Number expected = valueOf(f, x);
         Number got = valueOf(f, odd);
@@ -96,10 +96,10 @@ TEST(Trig, AnyNonZeroSignWordIsNegative) {
 
 TEST(Trig, SineIsRefusedFromTwoToThe333On) {
     for (const int exponent : {333, 334, 340, 32766}) {
-        expectResult("sin", power(exponent), zero, 3);
-        expectResult("sin", negative(power(exponent)), zero, 3);
+        expectResult("sin", power(exponent), ZERO, 3);
+        expectResult("sin", negative(power(exponent)), ZERO, 3);
     }
-    expectResult("sin", overflowValue(0), zero, 3);
+    expectResult("sin", overflowValue(0), ZERO, 3);
     Number below = power(332);
     for (size_t i = 3; i < 14; ++i) below[i] = 0xFFFFFFFF;
     expectClose("sin", below, 0.500001);
@@ -117,12 +117,12 @@ TEST(Trig, CosineIsRefusedHalfPiBehindTheSinesLimit) {
     };
     expectClose("cos", beside(0), 0.500001);
     expectClose("cos", beside(1.5625), 0.500001);
-    expectResult("cos", beside(1.578125), zero, 3);
+    expectResult("cos", beside(1.578125), ZERO, 3);
     expectClose("cos", negative(beside(-1.578125)), 0.500001);
-    expectResult("cos", negative(beside(-1.5625)), zero, 3);
-    expectResult("cos", negative(beside(0)), zero, 3);
-    expectResult("cos", power(340), zero, 3);
-    expectResult("cos", overflowValue(negativeSign), zero, 3);
+    expectResult("cos", negative(beside(-1.5625)), ZERO, 3);
+    expectResult("cos", negative(beside(0)), ZERO, 3);
+    expectResult("cos", power(340), ZERO, 3);
+    expectResult("cos", overflowValue(NEGATIVE_SIGN), ZERO, 3);
 }
 
 TEST(Trig, TangentHasNoLimit) {
@@ -137,11 +137,11 @@ TEST(Trig, ExponentWordsBeyondTheFormatDoNoHarm) {
     Number broken = overflowValue(0);
     broken[1] = 0xFFFFFFFF;
     expectResult("tan", broken, valueOf(find("tan"), overflowValue(0)));
-    expectResult("sin", broken, zero, 3);
-    expectResult("cos", broken, zero, 3);
+    expectResult("sin", broken, ZERO, 3);
+    expectResult("cos", broken, ZERO, 3);
     expectResult("atan", broken, piOver(1));
-    expectResult("asin", broken, zero, 1);
-    expectResult("acos", broken, zero, 1);
+    expectResult("asin", broken, ZERO, 1);
+    expectResult("acos", broken, ZERO, 1);
     expectResult("sinh", broken, overflowValue(0), 3);
     expectResult("cosh", broken, overflowValue(0), 3);
     expectResult("tanh", broken, number("1"));
@@ -176,7 +176,7 @@ TEST(Trig, ArcTangentOfOneIsAQuarterOfPi) {
 TEST(Trig, ArcSineAndArcCosineAtTheEnds) {
     expectResult("asin", number("1"), piOver(1));
     expectResult("asin", number("-1"), negative(piOver(1)));
-    expectResult("acos", number("1"), zero);
+    expectResult("acos", number("1"), ZERO);
     expectResult("acos", number("-1"), piOver(0));
     expectResult("asin", power(-32768), power(-32768));
     expectResult("acos", power(-32768), piOver(1));
@@ -188,8 +188,8 @@ TEST(Trig, ArcSineAndArcCosineAboveOneAreDomainErrors) {
     for (const char* name : {"asin", "acos"}) {
         for (const Number& x :
              {barely, number("1.0000001"), number("2"), number("1e9000"), overflowValue(0)}) {
-            expectResult(name, x, zero, 1);
-            expectResult(name, negative(x), zero, 1);
+            expectResult(name, x, ZERO, 1);
+            expectResult(name, negative(x), ZERO, 1);
         }
     }
 }
@@ -199,7 +199,7 @@ TEST(Trig, HyperbolicTangentGoesOverToOneWithoutACode) {
         expectResult("tanh", number(x), number("1"));
         expectResult("tanh", number(std::string("-") + x), number("-1"));
     }
-    expectResult("tanh", overflowValue(negativeSign), number("-1"));
+    expectResult("tanh", overflowValue(NEGATIVE_SIGN), number("-1"));
     Number below = number("1");
     --below[1];
     for (size_t i = 3; i < 14; ++i) below[i] = 0xFFFFFFFF;
@@ -209,7 +209,7 @@ TEST(Trig, HyperbolicTangentGoesOverToOneWithoutACode) {
 
 // The exponential is in range where it is below 2^32768, for x < 32768 ln 2 = 22713.0468...
 TEST(Trig, HyperbolicSineAndCosineOverflowWithTheExponential) {
-    Real limit(mantissaBits);
+    Real limit(MANTISSA_BITS);
     mpfr_const_log2(limit, MPFR_RNDD);
     mpfr_mul_2ui(limit, limit, 15, MPFR_RNDN);
     for (const Number& x : {number("22713.0468"), exactly(limit)}) {
@@ -222,24 +222,24 @@ TEST(Trig, HyperbolicSineAndCosineOverflowWithTheExponential) {
     for (const Number& x : {exactly(limit), number("22713.0469"), number("22714"), number("32767.9"),
                             number("32768"), number("1e10"), number("1e9000")}) {
         expectResult("sinh", x, overflowValue(0), 3);
-        expectResult("sinh", negative(x), overflowValue(negativeSign), 3);
+        expectResult("sinh", negative(x), overflowValue(NEGATIVE_SIGN), 3);
         expectResult("cosh", x, overflowValue(0), 3);
         expectResult("cosh", negative(x), overflowValue(0), 3);
     }
-    expectResult("sinh", overflowValue(negativeSign), overflowValue(negativeSign), 3);
-    expectResult("cosh", overflowValue(negativeSign), overflowValue(0), 3);
+    expectResult("sinh", overflowValue(NEGATIVE_SIGN), overflowValue(NEGATIVE_SIGN), 3);
+    expectResult("cosh", overflowValue(NEGATIVE_SIGN), overflowValue(0), 3);
 }
 
 TEST(Trig, HyperbolicSineTakesTheSmallestExponentForZero) {
-    expectResult("sinh", power(-32768), zero);
-    expectResult("sinh", negative(power(-32768)), zero);
+    expectResult("sinh", power(-32768), ZERO);
+    expectResult("sinh", negative(power(-32768)), ZERO);
     expectResult("sinh", power(-32767), power(-32767));
     expectClose("sinh", number("0.5"), 0.500001);
     expectClose("sinh", number("-0.4999"), 0.500001);
 }
 
 TEST(Trig, PendingCodesAreNotCleared) {
-    for (const Function& f : functions) {
+    for (const Function& f : FUNCTIONS) {
         const Number x = number("0.5");
         Number y;
         merror = 6;
@@ -251,13 +251,13 @@ TEST(Trig, PendingCodesAreNotCleared) {
 TEST(Trig, RefusedArgumentsMayBeWrittenOver) {
     Number x = power(340);
     qsin(x.data(), x.data());
-    EXPECT_EQ(x, zero);
+    EXPECT_EQ(x, ZERO);
     x = power(340);
     qcos(x.data(), x.data());
-    EXPECT_EQ(x, zero);
+    EXPECT_EQ(x, ZERO);
     x = number("-1e10");
     qsinh(x.data(), x.data());
-    EXPECT_EQ(x, overflowValue(negativeSign));
+    EXPECT_EQ(x, overflowValue(NEGATIVE_SIGN));
     x = number("-1");
     qacos(x.data(), x.data());
     EXPECT_EQ(x, piOver(0));
@@ -269,11 +269,11 @@ class TrigPairs : public Seeded {
 protected:
     // outer(inner(x)) against x for |x| <= 1.  One rounding is a relative error of at most 2^-352; the inner
     // one counts `condition` times, and 2^-352 is at most one unit of the last place.
-    void expectInverse(const char* inner, const char* outer, double condition, int64_t lowest) {
+    void ExpectInverse(const char* inner, const char* outer, double condition, int64_t lowest) {
         for (int i = 0; i < 5000; ++i) {
             Number x = randomMantissa(random);
-            x[0] = random.chance(50) ? negativeSign : 0;
-            x[1] = static_cast<uint32_t>(bias + random.between(lowest, 0));
+            x[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+            x[1] = static_cast<uint32_t>(BIAS + random.Between(lowest, 0));
             const Number back = valueOf(find(outer), valueOf(find(inner), x));
             EXPECT_LE(errorInUlps(back, Real(x)), condition + 1.001)
                 << outer << "(" << inner << ") of " << show(x);
@@ -284,20 +284,20 @@ protected:
 } // namespace
 
 TEST_F(TrigPairs, ArcSineUndoesSine) {
-    expectInverse("sin", "asin", 1.558, -400); // tan(1)
+    ExpectInverse("sin", "asin", 1.558, -400); // tan(1)
 }
 TEST_F(TrigPairs, SineUndoesArcSine) {
-    expectInverse("asin", "sin", 1, -400);
+    ExpectInverse("asin", "sin", 1, -400);
 }
 TEST_F(TrigPairs, ArcTangentUndoesTangent) {
-    expectInverse("tan", "atan", 1, -400);
+    ExpectInverse("tan", "atan", 1, -400);
 }
 TEST_F(TrigPairs, TangentUndoesArcTangent) {
-    expectInverse("atan", "tan", 1.571, -400); // 2 arctan 1
+    ExpectInverse("atan", "tan", 1.571, -400); // 2 arctan 1
 }
 TEST_F(TrigPairs, CosineUndoesArcCosine) {
     // y tan y for y = arccos x, |x| from 1/2 on: at most 2 pi/3 tan(pi/3)
-    expectInverse("acos", "cos", 3.63, 0);
+    ExpectInverse("acos", "cos", 3.63, 0);
 }
 
 TEST_F(TrigPairs, ArcCosineOfTheNegativeIsTheSupplement) {
@@ -318,7 +318,7 @@ TEST_F(TrigPairs, ArcCosineOfTheNegativeIsTheSupplement) {
 TEST_F(TrigPairs, HyperbolicTangentIsTheQuotient) {
     for (int i = 0; i < 5000; ++i) {
         Number x = randomMantissa(random);
-        x[1] = static_cast<uint32_t>(bias + random.between(-400, 14));
+        x[1] = static_cast<uint32_t>(BIAS + random.Between(-400, 14));
         Real quotient(1000);
         mpfr_div(quotient, Real(valueOf(find("sinh"), x)), Real(valueOf(find("cosh"), x)), MPFR_RNDN);
         EXPECT_LE(errorInUlps(valueOf(find("tanh"), x), quotient), 3.001) << show(x);

@@ -10,8 +10,8 @@ namespace {
 
 // Work is done with 32 bits beyond the mantissa: what it loses shifts the rounding boundary by less than a
 // millionth of a unit of the last place.
-constexpr double roundedOnce = 0.500001;
-constexpr int randomArguments = 50000;
+constexpr double ROUNDED_ONCE = 0.500001;
+constexpr int RANDOM_ARGUMENTS = 50000;
 
 void exactValue(const Function& f, const Number& x, Real& y) {
     f.exact(y, Real(x), MPFR_RNDN);
@@ -21,7 +21,7 @@ void expectAccurate(const Function& f, const Number& x) {
     Real exact(700);
     exactValue(f, x, exact);
     const Number y = valueOf(f, x);
-    const bool right = merror == 0 && y[2] == 0 && errorInUlps(y, exact) <= roundedOnce &&
+    const bool right = merror == 0 && y[2] == 0 && errorInUlps(y, exact) <= ROUNDED_ONCE &&
                        (y[0] != 0) == (mpfr_sgn(mpfr_srcptr(exact)) < 0);
     EXPECT_TRUE(right) << f.name << " of " << show(x) << "\n is " << show(y) << ", off by "
                        << errorInUlps(y, exact) << " ulp, code " << merror;
@@ -36,7 +36,7 @@ class TrigAccuracy : public Seeded, public ::testing::WithParamInterface<Functio
 } // namespace
 
 TEST_P(TrigAccuracy, IsRoundedOnceForRandomArguments) {
-    for (int i = 0; i < randomArguments; ++i) expectAccurate(GetParam(), randomArgument(random, GetParam()));
+    for (int i = 0; i < RANDOM_ARGUMENTS; ++i) expectAccurate(GetParam(), randomArgument(random, GetParam()));
 }
 
 TEST_P(TrigAccuracy, IsRoundedOnceWhereMethodsChangeAndAtTheEndsOfTheRange) {
@@ -52,7 +52,7 @@ TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbours) {
         const Number x = randomArgument(random, f);
         Real next(x);
         mpfr_nextabove(next);
-        mpfr_prec_round(next, mantissaBits, MPFR_RNDU);
+        mpfr_prec_round(next, MANTISSA_BITS, MPFR_RNDU);
         const Number above = store(roundHalfUp(next));
         if (above[1] != x[1]) continue;
         Real low(1200), high(1200);
@@ -74,19 +74,19 @@ TEST_P(TrigAccuracy, MayWriteOverItsArgument) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, TrigAccuracy, ::testing::ValuesIn(functions),
+INSTANTIATE_TEST_SUITE_P(Functions, TrigAccuracy, ::testing::ValuesIn(FUNCTIONS),
                          [](const auto& test) { return std::string(test.param.name); });
 
 class TrigSymmetry : public Seeded {};
 
 TEST_F(TrigSymmetry, OddAndEvenFunctionsAreSoToTheLastBit) {
-    for (const Function& f : functions) {
-        for (int i = 0; i < 5000 && f.symmetry != Symmetry::none; ++i) {
+    for (const Function& f : FUNCTIONS) {
+        for (int i = 0; i < 5000 && f.symmetry != Symmetry::None; ++i) {
             const Number x = randomArgument(random, f);
             Number opposite = x;
             opposite[0] = ~x[0];
             Number expected = valueOf(f, x);
-            if (f.symmetry == Symmetry::odd) expected[0] = ~expected[0];
+            if (f.symmetry == Symmetry::Odd) expected[0] = ~expected[0];
             EXPECT_EQ(valueOf(f, opposite), expected) << f.name << " of " << show(x);
         }
     }
@@ -109,11 +109,11 @@ TEST_F(TrigReduction, KeepsAllDigitsOfHugeTangents) {
 // Up to 352 bits cancel here.
 TEST_F(TrigReduction, KeepsAllDigitsOfTheNumbersClosestToMultiplesOfHalfPi) {
     for (const char* name : {"sin", "cos", "tan"}) {
-        const auto list = closestToMultiples(find(name), -352, 332 - mantissaBits, 1);
+        const auto list = closestToMultiples(find(name), -352, 332 - MANTISSA_BITS, 1);
         ASSERT_GT(list.size(), 300U);
         expectAllAccurate(find(name), list);
     }
-    const auto huge = closestToMultiples(find("tan"), 0, 32767 - mantissaBits, 331);
+    const auto huge = closestToMultiples(find("tan"), 0, 32767 - MANTISSA_BITS, 331);
     ASSERT_GT(huge.size(), 90U);
     expectAllAccurate(find("tan"), huge);
 }

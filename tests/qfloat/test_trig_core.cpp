@@ -10,11 +10,11 @@ using limb::Extended;
 
 namespace {
 
-constexpr int rounds = 10000;
+constexpr int ROUNDS = 10000;
 
 void toReal(const Extended& x, Real& value) {
     mpz_class mantissa;
-    mpz_import(mantissa.get_mpz_t(), limb::count, -1, sizeof x.limb[0], 0, 0, x.limb);
+    mpz_import(mantissa.get_mpz_t(), limb::COUNT, -1, sizeof x.limb[0], 0, 0, x.limb);
     mpfr_set_z_2exp(value, mantissa.get_mpz_t(), x.exponent - 384, MPFR_RNDN);
 }
 
@@ -22,7 +22,7 @@ void toReal(const Extended& x, Real& value) {
 void expectWithin(int bits, const Extended& got, const Real& exact, const char* what) {
     Real error(1000);
     toReal(got, error);
-    EXPECT_NE(got.limb[limb::count - 1] & limb::topBit, 0U) << what << " is not normalised";
+    EXPECT_NE(got.limb[limb::COUNT - 1] & limb::TOP_BIT, 0U) << what << " is not normalised";
     mpfr_sub(error, error, exact, MPFR_RNDN);
     mpfr_div(error, error, exact, MPFR_RNDN);
     EXPECT_LT(std::fabs(mpfr_get_d(error, MPFR_RNDA)), std::ldexp(1.0, -bits)) << what;
@@ -31,20 +31,20 @@ void expectWithin(int bits, const Extended& got, const Real& exact, const char* 
 class TrigCore : public Seeded {
 protected:
     // Dense mantissas, a third of them close to the upper end of their binade, where the series are longest.
-    Extended draw(int64_t exponent) {
+    Extended Draw(int64_t exponent) {
         Extended x{};
-        for (uint64_t& l : x.limb) l = random.next();
-        x.limb[limb::count - 1] |= random.chance(33) ? 0xFFF0000000000000 : limb::topBit;
+        for (uint64_t& l : x.limb) l = random.Next();
+        x.limb[limb::COUNT - 1] |= random.Chance(33) ? 0xFFF0000000000000 : limb::TOP_BIT;
         x.exponent = exponent;
         return x;
     }
 
     // Below 0.79.
-    Extended drawSmall() {
-        const bool near = random.chance(70);
+    Extended DrawSmall() {
+        const bool near = random.Chance(70);
         for (;;) {
-            const Extended x = draw(near ? random.between(-12, 0) : random.between(-500, 0));
-            if (x.exponent < 0 || x.limb[limb::count - 1] < 0xC9FFFFFFFFFFFFFF) return x;
+            const Extended x = Draw(near ? random.Between(-12, 0) : random.Between(-500, 0));
+            if (x.exponent < 0 || x.limb[limb::COUNT - 1] < 0xC9FFFFFFFFFFFFFF) return x;
         }
     }
 };
@@ -52,8 +52,8 @@ protected:
 } // namespace
 
 TEST_F(TrigCore, SineAndCosine) {
-    for (int i = 0; i < rounds; ++i) {
-        const Extended x = drawSmall();
+    for (int i = 0; i < ROUNDS; ++i) {
+        const Extended x = DrawSmall();
         Real value(384), exact(1500);
         toReal(x, value);
         Extended s, c, alone;
@@ -70,8 +70,8 @@ TEST_F(TrigCore, SineAndCosine) {
 }
 
 TEST_F(TrigCore, SineAndCosineOfShortArguments) {
-    for (int i = 0; i < rounds; ++i) {
-        const auto n = static_cast<uint64_t>(random.between(1, int64_t{1} << random.between(1, 31)));
+    for (int i = 0; i < ROUNDS; ++i) {
+        const auto n = static_cast<uint64_t>(random.Between(1, int64_t{1} << random.Between(1, 31)));
         const uint64_t longest = 0xC9FFFFFF; // 0.789
         for (const uint64_t m : {n, longest - n}) {
             if (m == 0 || m > longest) continue;
@@ -88,8 +88,8 @@ TEST_F(TrigCore, SineAndCosineOfShortArguments) {
 }
 
 TEST_F(TrigCore, HyperbolicSeries) {
-    for (int i = 0; i < rounds; ++i) {
-        const Extended x = drawSmall();
+    for (int i = 0; i < ROUNDS; ++i) {
+        const Extended x = DrawSmall();
         Real value(384), exact(1500);
         toReal(x, value);
         Extended s, c;
@@ -102,8 +102,8 @@ TEST_F(TrigCore, HyperbolicSeries) {
 }
 
 TEST_F(TrigCore, Reduction) {
-    for (int i = 0; i < rounds; ++i) {
-        const Extended x = draw(i % 50 == 0 ? random.between(1000, 32768) : random.between(-3, 400));
+    for (int i = 0; i < ROUNDS; ++i) {
+        const Extended x = Draw(i % 50 == 0 ? random.Between(1000, 32768) : random.Between(-3, 400));
         Real value(384), turns(34000), exact(34000);
         toReal(x, value);
         const trig::Reduced r = trig::reduceAngle(x);
@@ -122,10 +122,10 @@ TEST_F(TrigCore, Reduction) {
 }
 
 TEST_F(TrigCore, ArcTangent) {
-    for (int i = 0; i < rounds; ++i) {
-        const bool near = random.chance(70);
+    for (int i = 0; i < ROUNDS; ++i) {
+        const bool near = random.Chance(70);
         const int64_t reach = near ? 8 : 500;
-        const Extended n = draw(random.between(-reach, reach)), d = draw(random.between(-reach, reach));
+        const Extended n = Draw(random.Between(-reach, reach)), d = Draw(random.Between(-reach, reach));
         Real over(384), under(384), exact(1500);
         toReal(n, over);
         toReal(d, under);

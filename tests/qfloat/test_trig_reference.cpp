@@ -28,7 +28,7 @@ Result plainMethod(const Function& f, const Number& x) {
 }
 
 // Where the plain method has lost all digits its sign is chance.
-constexpr double meaningless = 1e90;
+constexpr double MEANINGLESS = 1e90;
 
 void expectNoWorse(const Function& f, const Number& x) {
     Real exact(700);
@@ -39,7 +39,7 @@ void expectNoWorse(const Function& f, const Number& x) {
     const double plain = errorInUlps(b.value, exact);
     EXPECT_LE(error, plain + 1e-6) << f.name << " of " << show(x);
     EXPECT_EQ(a.code, 0) << f.name << " of " << show(x);
-    if (plain < meaningless && b.value[1] != 0) {
+    if (plain < MEANINGLESS && b.value[1] != 0) {
         EXPECT_EQ(b.code, 0) << f.name << " of " << show(x);
         EXPECT_EQ(a.value[0], b.value[0]) << f.name << " of " << show(x);
     }
@@ -48,7 +48,7 @@ void expectNoWorse(const Function& f, const Number& x) {
 class TrigReference : public Seeded, public ::testing::WithParamInterface<Function> {};
 
 Number negative(Number x) {
-    x[0] = negativeSign;
+    x[0] = NEGATIVE_SIGN;
     return x;
 }
 
@@ -73,7 +73,7 @@ TEST_P(TrigReference, IsNeverFurtherFromTheTruth) {
     for (const Number& x : branchArguments(GetParam())) expectNoWorse(GetParam(), x);
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, TrigReference, ::testing::ValuesIn(functions),
+INSTANTIATE_TEST_SUITE_P(Functions, TrigReference, ::testing::ValuesIn(FUNCTIONS),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST(TrigReferenceSpecial, ZerosAreTheSame) {
@@ -140,7 +140,7 @@ TEST(TrigReferenceSpecial, LimitsOfSineAndCosineAreTheSame) {
         }
         for (const char* x : {"1e101", "-1e101", "1e9000", "-1e9000"}) expectSame(name, number(x));
         expectSame(name, overflowValue(0));
-        expectSame(name, overflowValue(negativeSign));
+        expectSame(name, overflowValue(NEGATIVE_SIGN));
     }
     EXPECT_GT(refused, 200);
     EXPECT_GT(computed, 200);

@@ -10,7 +10,7 @@ namespace {
 
 std::string fromLimbs(const uint64_t* limbs) {
     mpz_class z;
-    mpz_import(z.get_mpz_t(), limb::count, -1, sizeof *limbs, 0, 0, limbs);
+    mpz_import(z.get_mpz_t(), limb::COUNT, -1, sizeof *limbs, 0, 0, limbs);
     return z.get_str(16);
 }
 
@@ -31,8 +31,8 @@ void expectPi(const limb::Extended& x, int64_t exponent) {
 } // namespace
 
 TEST(TrigTables, PiAndItsHalves) {
-    expectPi(limb::wholePi, 2);
-    expectPi(limb::halfPi, 1);
+    expectPi(limb::WHOLE_PI, 2);
+    expectPi(limb::HALF_PI, 1);
     expectPi(limb::quarterPi, 0);
 }
 
@@ -43,32 +43,32 @@ TEST(TrigTables, RadiansPerDegree) {
     mpfr_div_ui(degree, pi, 180, MPFR_RNDN);
     mpz_class mantissa;
     mpfr_get_z_2exp(mantissa.get_mpz_t(), degree);
-    EXPECT_EQ(fromLimbs(limb::radiansPerDegree.limb), mantissa.get_str(16));
-    EXPECT_EQ(limb::radiansPerDegree.exponent, mpfr_get_exp(mpfr_srcptr(degree)));
+    EXPECT_EQ(fromLimbs(limb::RADIANS_PER_DEGREE.limb), mantissa.get_str(16));
+    EXPECT_EQ(limb::RADIANS_PER_DEGREE.exponent, mpfr_get_exp(mpfr_srcptr(degree)));
 }
 
 TEST(TrigTables, InverseFactorials) {
     mpz_class factorial = 1;
-    for (unsigned n = 2; n < limb::inverseFactorialCount; ++n) {
+    for (unsigned n = 2; n < limb::INVERSE_FACTORIAL_COUNT; ++n) {
         factorial *= n;
-        EXPECT_EQ(fromLimbs(limb::inverseFactorial[n]), inverse(factorial)) << n;
+        EXPECT_EQ(fromLimbs(limb::INVERSE_FACTORIAL[n]), inverse(factorial)) << n;
     }
 }
 
 TEST(TrigTables, InverseOddNumbers) {
-    for (unsigned k = 1; k < limb::inverseOddCount; ++k) {
-        EXPECT_EQ(fromLimbs(limb::inverseOdd[k]), inverse(2 * k + 1)) << k;
+    for (unsigned k = 1; k < limb::INVERSE_ODD_COUNT; ++k) {
+        EXPECT_EQ(fromLimbs(limb::INVERSE_ODD[k]), inverse(2 * k + 1)) << k;
     }
 }
 
 TEST(TrigTables, TwoOverPi) {
-    Real value(64 * limb::twoOverPiLimbs + 200);
+    Real value(64 * limb::TWO_OVER_PI_LIMBS + 200);
     mpfr_const_pi(value, MPFR_RNDN);
     mpfr_ui_div(value, 2, value, MPFR_RNDN);
-    for (int i = 0; i < limb::twoOverPiLimbs; ++i) {
+    for (int i = 0; i < limb::TWO_OVER_PI_LIMBS; ++i) {
         mpfr_mul_2ui(value, value, 64, MPFR_RNDN);
         const unsigned long whole = mpfr_get_ui(value, MPFR_RNDD);
         mpfr_sub_ui(value, value, whole, MPFR_RNDN);
-        ASSERT_EQ(limb::twoOverPi[i], whole) << i;
+        ASSERT_EQ(limb::TWO_OVER_PI[i], whole) << i;
     }
 }

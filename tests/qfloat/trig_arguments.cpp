@@ -11,28 +11,28 @@ namespace trigtest {
 
 using namespace oracle;
 
-const Function functions[9] = {
-    {"sin", qsin, reference::sine, mpfr_sin, Symmetry::odd, -32767, 8, 332},
-    {"cos", qcos, reference::cosine, mpfr_cos, Symmetry::even, -32767, 8, 332},
-    {"tan", qtan, reference::tangent, mpfr_tan, Symmetry::odd, -32767, 8, 32767},
-    {"atan", qatn, reference::arcTangent, mpfr_atan, Symmetry::odd, -32767, 10, 32767},
-    {"asin", qasin, reference::arcSine, mpfr_asin, Symmetry::odd, -32767, 0, 0},
-    {"acos", qacos, reference::arcCosine, mpfr_acos, Symmetry::none, -32767, 0, 0},
+const Function FUNCTIONS[9] = {
+    {"sin", qsin, reference::sine, mpfr_sin, Symmetry::Odd, -32767, 8, 332},
+    {"cos", qcos, reference::cosine, mpfr_cos, Symmetry::Even, -32767, 8, 332},
+    {"tan", qtan, reference::tangent, mpfr_tan, Symmetry::Odd, -32767, 8, 32767},
+    {"atan", qatn, reference::arcTangent, mpfr_atan, Symmetry::Odd, -32767, 10, 32767},
+    {"asin", qasin, reference::arcSine, mpfr_asin, Symmetry::Odd, -32767, 0, 0},
+    {"acos", qacos, reference::arcCosine, mpfr_acos, Symmetry::None, -32767, 0, 0},
     // An exponent word of 1 is a zero to sinh.
-    {"sinh", qsinh, reference::hyperbolicSine, mpfr_sinh, Symmetry::odd, -32766, 6, 15},
-    {"cosh", qcosh, reference::hyperbolicCosine, mpfr_cosh, Symmetry::even, -32767, 6, 15},
-    {"tanh", qtanh, reference::hyperbolicTangent, mpfr_tanh, Symmetry::odd, -32767, 7, 32767},
+    {"sinh", qsinh, reference::hyperbolicSine, mpfr_sinh, Symmetry::Odd, -32766, 6, 15},
+    {"cosh", qcosh, reference::hyperbolicCosine, mpfr_cosh, Symmetry::Even, -32767, 6, 15},
+    {"tanh", qtanh, reference::hyperbolicTangent, mpfr_tanh, Symmetry::Odd, -32767, 7, 32767},
 };
 
 const Function& find(const char* name) {
-    for (const Function& f : functions) {
+    for (const Function& f : FUNCTIONS) {
         if (std::strcmp(f.name, name) == 0) return f;
     }
     ADD_FAILURE() << "no function " << name;
-    return functions[0];
+    return FUNCTIONS[0];
 }
 
-void PrintTo(const Function& f, std::ostream* out) {
+void printTo(const Function& f, std::ostream* out) {
     *out << f.name;
 }
 
@@ -47,7 +47,7 @@ namespace {
 
 // Whether x lies in the range; the hyperbolic sine and cosine end below 32768 ln 2 = 22713.047.
 bool inRange(const Function& f, const Number& x) {
-    const int64_t exponent = static_cast<int64_t>(x[1]) - bias;
+    const int64_t exponent = static_cast<int64_t>(x[1]) - BIAS;
     if (exponent < f.lowest || exponent > f.highest) return false;
     return f.highest != 15 || mpfr_cmpabs(Real(x), Real(decimal("22713"))) < 0;
 }
@@ -61,12 +61,12 @@ Number nearest(const Real& value) {
 Number randomArgument(Random& random, const Function& f) {
     for (;;) {
         Number x = randomMantissa(random);
-        const auto kind = random.between(0, 9);
-        const int64_t exponent = kind < 6   ? random.between(-8, f.usual)
-                                 : kind < 9 ? random.between(-400, std::min<int64_t>(f.highest, 400))
-                                            : random.between(f.lowest, f.highest);
-        x[0] = random.chance(50) ? negativeSign : 0;
-        x[1] = static_cast<uint32_t>(bias + exponent);
+        const auto kind = random.Between(0, 9);
+        const int64_t exponent = kind < 6   ? random.Between(-8, f.usual)
+                                 : kind < 9 ? random.Between(-400, std::min<int64_t>(f.highest, 400))
+                                            : random.Between(f.lowest, f.highest);
+        x[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        x[1] = static_cast<uint32_t>(BIAS + exponent);
         if (inRange(f, x)) return x;
     }
 }
@@ -74,12 +74,12 @@ Number randomArgument(Random& random, const Function& f) {
 void addAround(const Function& f, const Real& value, std::vector<Number>& list) {
     for (const int offset : {-1000, -2, -1, 0, 1, 2, 1000}) {
         Real near(1000);
-        mpfr_set_si_2exp(near, offset, mpfr_get_exp(value) - mantissaBits, MPFR_RNDN);
+        mpfr_set_si_2exp(near, offset, mpfr_get_exp(value) - MANTISSA_BITS, MPFR_RNDN);
         mpfr_add(near, near, value, MPFR_RNDN);
         Number x = nearest(near);
         if (!inRange(f, x)) continue;
         list.push_back(x);
-        x[0] = x[0] != 0 ? 0 : negativeSign;
+        x[0] = x[0] != 0 ? 0 : NEGATIVE_SIGN;
         list.push_back(x);
     }
 }
@@ -122,10 +122,10 @@ std::vector<Number> branchArguments(const Function& f) {
 std::vector<Number> nearMultiples(Random& random, const Function& f, int n, int64_t highest) {
     std::vector<Number> list;
     for (int i = 0; i < n; ++i) {
-        const auto bits = static_cast<unsigned long>(random.between(1, highest - 1));
+        const auto bits = static_cast<unsigned long>(random.Between(1, highest - 1));
         mpz_class k = 1;
         for (unsigned long done = 0; done < bits && done < 1000; done += 64) {
-            k = (k << 64) + mpz_class(static_cast<unsigned long>(random.next()));
+            k = (k << 64) + mpz_class(static_cast<unsigned long>(random.Next()));
         }
         k >>= mpz_sizeinbase(k.get_mpz_t(), 2) - std::min(bits, mpz_sizeinbase(k.get_mpz_t(), 2));
         const auto missing = bits - mpz_sizeinbase(k.get_mpz_t(), 2);
@@ -151,7 +151,7 @@ std::vector<Number> closestToMultiples(const Function& f, int64_t lowestScale, i
         while (true) {
             mpfr_get_z(term.get_mpz_t(), ratio, MPFR_RNDD);
             const mpz_class next = term * m + before;
-            if (next >= power2(mantissaBits)) break;
+            if (next >= power2(MANTISSA_BITS)) break;
             before = m;
             m = next;
             mpfr_sub_z(ratio, ratio, term.get_mpz_t(), MPFR_RNDN);

@@ -13,7 +13,7 @@ namespace trigtest {
 
 using oracle::Number;
 
-enum class Symmetry { odd, even, none };
+enum class Symmetry { Odd, Even, None };
 
 struct Function {
     const char* name;
@@ -25,9 +25,9 @@ struct Function {
 };
 
 // For GoogleTest's messages.
-void PrintTo(const Function& f, std::ostream* out);
+void printTo(const Function& f, std::ostream* out);
 
-extern const Function functions[9]; // sin cos tan atan asin acos sinh cosh tanh
+extern const Function FUNCTIONS[9]; // sin cos tan atan asin acos sinh cosh tanh
 const Function& find(const char* name);
 
 // f(x), with merror = 0 before.

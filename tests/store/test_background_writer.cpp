@@ -16,39 +16,39 @@ protected:
     void TearDown() override {
         for (const std::string& name : folder.Names()) EXPECT_TRUE(name == "a" || name == "b") << name;
     }
-    std::string file(const char* name) const { return folder.File(name); }
+    std::string File(const char* name) const { return folder.File(name); }
     const TemporaryFolder folder;
 };
 
 TEST_F(WriterInTheBackground, hasWrittenEverythingWhenItHasFinished) {
     BackgroundWriter writer;
-    writer.Write({{file("a"), "one\n"}, {file("b"), "two\n"}});
+    writer.Write({{File("a"), "one\n"}, {File("b"), "two\n"}});
     writer.Finish();
-    EXPECT_EQ(contentOf(file("a")), "one\n");
-    EXPECT_EQ(contentOf(file("b")), "two\n");
+    EXPECT_EQ(contentOf(File("a")), "one\n");
+    EXPECT_EQ(contentOf(File("b")), "two\n");
 }
 
 TEST_F(WriterInTheBackground, leavesTheLastOfManyTexts) {
     BackgroundWriter writer;
-    for (int i = 0; i < 50; i++) writer.Write({{file("a"), std::to_string(i)}});
+    for (int i = 0; i < 50; i++) writer.Write({{File("a"), std::to_string(i)}});
     writer.Finish();
-    EXPECT_EQ(contentOf(file("a")), "49");
+    EXPECT_EQ(contentOf(File("a")), "49");
 }
 
 TEST_F(WriterInTheBackground, finishesWhenItGoesAway) {
     {
         BackgroundWriter writer;
-        writer.Write({{file("a"), std::string(1000000, 'x')}});
+        writer.Write({{File("a"), std::string(1000000, 'x')}});
     }
-    EXPECT_EQ(contentOf(file("a")).size(), 1000000u);
+    EXPECT_EQ(contentOf(File("a")).size(), 1000000u);
 }
 
 TEST_F(WriterInTheBackground, writesTheOthersWhenOneFails) {
     BackgroundWriter writer;
-    writer.Write({{file("missing/a"), "one"}, {file("b"), "two"}});
+    writer.Write({{File("missing/a"), "one"}, {File("b"), "two"}});
     writer.Finish();
     writer.Finish();
-    EXPECT_EQ(contentOf(file("b")), "two");
+    EXPECT_EQ(contentOf(File("b")), "two");
     EXPECT_EQ(writer.TakeFailures(), std::string("Not saved: a (") + strerror(ENOENT) + ")");
     EXPECT_EQ(writer.TakeFailures(), "");
 }
@@ -60,17 +60,17 @@ TEST_F(WriterInTheBackground, hasNewsOfAFailureOnceUntilTheFileWasWritten) {
         writer.Finish();
         return !writer.TakeNews().empty();
     };
-    const std::string below = file("a") + "/below";
+    const std::string below = File("a") + "/below";
     EXPECT_TRUE(hasNews(below)); // there is no folder
     EXPECT_FALSE(hasNews(below));
-    EXPECT_FALSE(hasNews(file("a")));
+    EXPECT_FALSE(hasNews(File("a")));
     EXPECT_TRUE(hasNews(below)); // there is a file in the folder's place: another reason
     EXPECT_FALSE(hasNews(below));
-    unlink(file("a").c_str());
-    ASSERT_EQ(mkdir(file("a").c_str(), 0700), 0);
+    unlink(File("a").c_str());
+    ASSERT_EQ(mkdir(File("a").c_str(), 0700), 0);
     EXPECT_FALSE(hasNews(below));
     EXPECT_EQ(writer.TakeFailures(), "");
     unlink(below.c_str());
-    ASSERT_EQ(rmdir(file("a").c_str()), 0);
+    ASSERT_EQ(rmdir(File("a").c_str()), 0);
     EXPECT_TRUE(hasNews(below));
 }

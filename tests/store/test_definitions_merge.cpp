@@ -17,21 +17,21 @@ std::string file(const std::string& functions, const std::string& variables, con
            units + "### HISTORY ###\n" + history;
 }
 
-const std::string start = file("f(x)=x\n", "ans=1\npi=3.14\n", "unit u=2 m\n", "1\n");
+const std::string START = file("f(x)=x\n", "ans=1\npi=3.14\n", "unit u=2 m\n", "1\n");
 
 } // namespace
 
 TEST(DefinitionsMerge, LeavesOursAloneWhenNobodyElseWrote) {
     DefinitionsMerge merge;
-    merge.Know(start);
+    merge.Know(START);
     const std::string ours = file("f(x)=x\ng(x)=2\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n2\n");
-    EXPECT_EQ(merge.Merge(ours, start), ours);
+    EXPECT_EQ(merge.Merge(ours, START), ours);
     EXPECT_EQ(merge.Merge(ours, ""), ours);
 }
 
 TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
     DefinitionsMerge merge;
-    merge.Know(start);
+    merge.Know(START);
     const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\nmine=1\n", "unit u=2 m\n", "mine=1\n");
     const std::string theirs =
         file("f(x)=x\nh(a,b)=a\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\nunit w=3 m\n", "yours=2\n");
@@ -41,32 +41,32 @@ TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
 
 TEST(DefinitionsMerge, KeepsItEveryTime) {
     DefinitionsMerge merge;
-    merge.Know(start);
+    merge.Know(START);
     const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", "");
-    const std::string once = merge.Merge(start, theirs);
-    EXPECT_EQ(merge.Merge(start, once), once);
+    const std::string once = merge.Merge(START, theirs);
+    EXPECT_EQ(merge.Merge(START, once), once);
 }
 
 TEST(DefinitionsMerge, WhatWasDeletedHereStaysDeleted) {
     DefinitionsMerge merge;
-    merge.Know(start);
+    merge.Know(START);
     const std::string ours = file("", "ans=1\npi=3.14\n", "", "");
-    EXPECT_EQ(merge.Merge(ours, start), ours);
+    EXPECT_EQ(merge.Merge(ours, START), ours);
 }
 
 TEST(DefinitionsMerge, WhatWasDefinedAndDeletedHereStaysDeleted) {
     DefinitionsMerge merge;
-    merge.Know(start);
+    merge.Know(START);
     const std::string defined = file("f(x)=x\n", "ans=1\npi=3.14\na=5\n", "unit u=2 m\n", "");
-    merge.Merge(defined, start);
-    EXPECT_EQ(merge.Merge(start, defined), start);
+    merge.Merge(defined, START);
+    EXPECT_EQ(merge.Merge(START, defined), START);
 }
 
 TEST(DefinitionsMerge, WhatTheOtherProgramDeletesAgainGoes) {
     DefinitionsMerge merge;
-    merge.Know(start);
-    merge.Merge(start, file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", ""));
-    EXPECT_EQ(merge.Merge(start, start), start);
+    merge.Know(START);
+    merge.Merge(START, file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", ""));
+    EXPECT_EQ(merge.Merge(START, START), START);
 }
 
 TEST(DefinitionsMerge, OurLineStaysOfANameInBoth) {
@@ -102,9 +102,9 @@ TEST(DefinitionsMerge, VariablesDifferByCase) {
 
 TEST(DefinitionsMerge, TakesNothingFromATextThatIsNoFunctionsFile) {
     DefinitionsMerge merge;
-    merge.Know(start);
-    EXPECT_EQ(merge.Merge(start, "x=1\nfoo(x)=3\n"), start);
-    EXPECT_EQ(merge.Merge(start, std::string("\0\1=\n", 4)), start);
+    merge.Know(START);
+    EXPECT_EQ(merge.Merge(START, "x=1\nfoo(x)=3\n"), START);
+    EXPECT_EQ(merge.Merge(START, std::string("\0\1=\n", 4)), START);
 }
 
 TEST(DefinitionsMerge, TheHistoryIsOursWhateverItHolds) {
@@ -118,11 +118,11 @@ TEST(DefinitionsMerge, AFailedWriteSaysWhyAndIsRepeatedLater) {
     const std::string path = folder.File("later/file");
     DefinitionsMerge merge;
     std::error_code reason;
-    EXPECT_FALSE(merge.Write(path, start, reason));
+    EXPECT_FALSE(merge.Write(path, START, reason));
     EXPECT_EQ(reason, std::errc::no_such_file_or_directory);
     ASSERT_TRUE(std::filesystem::create_directory(folder.File("later")));
-    EXPECT_TRUE(merge.Write(path, start, reason));
-    EXPECT_EQ(contentOf(path), start);
+    EXPECT_TRUE(merge.Write(path, START, reason));
+    EXPECT_EQ(contentOf(path), START);
 }
 
 namespace {

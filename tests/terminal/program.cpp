@@ -26,11 +26,11 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int kNoDescriptor = -1;
+constexpr int NO_DESCRIPTOR = -1;
 
 struct Pipe {
-    int readEnd = kNoDescriptor;
-    int writeEnd = kNoDescriptor;
+    int readEnd = NO_DESCRIPTOR;
+    int writeEnd = NO_DESCRIPTOR;
 
     Pipe() {
         int ends[2];
@@ -41,15 +41,15 @@ struct Pipe {
         fcntl(writeEnd, F_SETFD, FD_CLOEXEC);
     }
     ~Pipe() {
-        shut(readEnd);
-        shut(writeEnd);
+        Shut(readEnd);
+        Shut(writeEnd);
     }
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
 
-    static void shut(int& descriptor) {
-        if (descriptor != kNoDescriptor) close(descriptor);
-        descriptor = kNoDescriptor;
+    static void Shut(int& descriptor) {
+        if (descriptor != NO_DESCRIPTOR) close(descriptor);
+        descriptor = NO_DESCRIPTOR;
     }
 };
 
@@ -92,29 +92,29 @@ void arrangeDescriptors(const Invocation& invocation, const Pipe& in, const Pipe
 class Feeder {
 public:
     Feeder(const Invocation& invocation, int& descriptor)
-        : chunk_(invocation.input), times_(invocation.input.empty() ? 0 : invocation.inputTimes),
-          descriptor_(descriptor) {
-        setNonBlocking(descriptor_);
-        if (times_ == 0) Pipe::shut(descriptor_);
+        : chunk(invocation.input), times(invocation.input.empty() ? 0 : invocation.inputTimes),
+          descriptor(descriptor) {
+        setNonBlocking(descriptor);
+        if (times == 0) Pipe::Shut(descriptor);
     }
 
-    void feed() {
-        const ssize_t count = write(descriptor_, chunk_.data() + offset_, chunk_.size() - offset_);
+    void Feed() {
+        const ssize_t count = write(descriptor, chunk.data() + offset, chunk.size() - offset);
         if (count < 0) {
-            if (errno != EAGAIN && errno != EINTR) Pipe::shut(descriptor_); // the program has ended
+            if (errno != EAGAIN && errno != EINTR) Pipe::Shut(descriptor); // the program has ended
             return;
         }
-        offset_ += static_cast<std::size_t>(count);
-        if (offset_ < chunk_.size()) return;
-        offset_ = 0;
-        if (--times_ == 0) Pipe::shut(descriptor_);
+        offset += static_cast<std::size_t>(count);
+        if (offset < chunk.size()) return;
+        offset = 0;
+        if (--times == 0) Pipe::Shut(descriptor);
     }
 
 private:
-    const std::string& chunk_;
-    std::size_t times_;
-    int& descriptor_;
-    std::size_t offset_ = 0;
+    const std::string& chunk;
+    std::size_t times;
+    int& descriptor;
+    std::size_t offset = 0;
 };
 
 // Takes what is there; closes the descriptor at its end.
@@ -124,7 +124,7 @@ void collect(int& descriptor, std::string& to) {
     if (count > 0) {
         to.append(block, static_cast<std::size_t>(count));
     } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
-        Pipe::shut(descriptor);
+        Pipe::Shut(descriptor);
     }
 }
 
@@ -132,11 +132,11 @@ void collect(int& descriptor, std::string& to) {
 bool converse(const Invocation& invocation, Pipe& in, Pipe& out, Pipe& err, Result& result) {
     Feeder feeder(invocation, in.writeEnd);
     const auto deadline = Clock::now() + std::chrono::minutes(1);
-    while (out.readEnd != kNoDescriptor || err.readEnd != kNoDescriptor) {
+    while (out.readEnd != NO_DESCRIPTOR || err.readEnd != NO_DESCRIPTOR) {
         if (Clock::now() > deadline) return false;
         pollfd waiting[3] = {{in.writeEnd, POLLOUT, 0}, {out.readEnd, POLLIN, 0}, {err.readEnd, POLLIN, 0}};
         poll(waiting, 3, 1000); // negative descriptors are passed over
-        if (waiting[0].revents != 0) feeder.feed();
+        if (waiting[0].revents != 0) feeder.Feed();
         if (waiting[1].revents != 0) collect(out.readEnd, result.out);
         if (waiting[2].revents != 0) collect(err.readEnd, result.err);
     }
@@ -163,16 +163,16 @@ Result runProgram(const Invocation& invocation) {
     Pipe in;
     Pipe out;
     Pipe err;
-    if (invocation.abandonOutput) Pipe::shut(out.readEnd);
+    if (invocation.abandonOutput) Pipe::Shut(out.readEnd);
     const pid_t child = fork();
     if (child == 0) {
         arrangeDescriptors(invocation, in, out, err);
         cleanEnvironment(invocation.environment);
         becomeProgram(invocation.arguments, invocation.ignoredSignal);
     }
-    Pipe::shut(in.readEnd);
-    Pipe::shut(out.writeEnd);
-    Pipe::shut(err.writeEnd);
+    Pipe::Shut(in.readEnd);
+    Pipe::Shut(out.writeEnd);
+    Pipe::Shut(err.writeEnd);
     Result result;
     if (!converse(invocation, in, out, err, result)) kill(child, SIGKILL);
     int waited = 0;
@@ -202,16 +202,16 @@ TerminalSetup withEcho() {
 }
 
 Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetup& setup) {
-    int slave = kNoDescriptor;
-    if (openpty(&master_, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
-    fcntl(master_, F_SETFD, FD_CLOEXEC);
+    int slave = NO_DESCRIPTOR;
+    if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
+    fcntl(master, F_SETFD, FD_CLOEXEC);
     termios modes = {};
     tcgetattr(slave, &modes);
     if (!setup.echo) modes.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     modes.c_oflag &= ~static_cast<tcflag_t>(OPOST);
     tcsetattr(slave, TCSANOW, &modes);
-    child_ = fork();
-    if (child_ == 0) {
+    child = fork();
+    if (child == 0) {
         login_tty(slave);
         setenv("TERM", "dumb", 1); // without the editor, whose screens tests/terminal/screen compares
         if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
@@ -226,80 +226,80 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
 }
 
 Terminal::~Terminal() {
-    if (child_ > 0) {
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
+    if (child > 0) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
     }
-    close(master_);
+    close(master);
 }
 
-void Terminal::type(const std::string& keys) {
-    EXPECT_EQ(write(master_, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+void Terminal::Type(const std::string& keys) {
+    EXPECT_EQ(write(master, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
 }
 
-std::string Terminal::readUntil(const std::string& end, int patience) {
+std::string Terminal::ReadUntil(const std::string& end, int patience) {
     std::string shown;
     const auto deadline = Clock::now() + std::chrono::milliseconds(patience);
     const auto complete = [&] {
         return shown.size() >= end.size() && shown.compare(shown.size() - end.size(), end.size(), end) == 0;
     };
     while (!complete() && Clock::now() < deadline) {
-        pollfd waiting = {master_, POLLIN, 0};
+        pollfd waiting = {master, POLLIN, 0};
         if (poll(&waiting, 1, 20) <= 0) continue;
         char block[4096];
-        const ssize_t count = read(master_, block, sizeof block);
+        const ssize_t count = read(master, block, sizeof block);
         if (count <= 0) break; // the program has left the terminal
         shown.append(block, static_cast<std::size_t>(count));
     }
     return shown;
 }
 
-std::string Terminal::interruptUntil(const std::string& end) {
+std::string Terminal::InterruptUntil(const std::string& end) {
     std::string shown;
     for (int i = 0; i < 200 && shown.find(end) == std::string::npos; ++i) {
-        type("\x03");
-        shown += readUntil(end, 50);
+        Type("\x03");
+        shown += ReadUntil(end, 50);
     }
     return shown;
 }
 
-void Terminal::signal(int number) {
-    kill(child_, number);
+void Terminal::Signal(int number) {
+    kill(child, number);
 }
 
-void Terminal::stopAndContinue() {
-    kill(child_, SIGSTOP);
+void Terminal::StopAndContinue() {
+    kill(child, SIGSTOP);
     int waited = 0;
-    EXPECT_EQ(waitpid(child_, &waited, WUNTRACED), child_);
+    EXPECT_EQ(waitpid(child, &waited, WUNTRACED), child);
     EXPECT_TRUE(WIFSTOPPED(waited));
-    kill(child_, SIGCONT);
+    kill(child, SIGCONT);
 }
 
-int Terminal::wait() {
+int Terminal::Wait() {
     const auto deadline = Clock::now() + std::chrono::seconds(10);
     int waited = 0;
-    while (waitpid(child_, &waited, WNOHANG) == 0) {
+    while (waitpid(child, &waited, WNOHANG) == 0) {
         if (Clock::now() > deadline) return -1; // the destructor ends it
         usleep(5000);
     }
-    child_ = -1;
+    child = -1;
     return exitStatus(waited);
 }
 
 TemporaryFile::TemporaryFile() {
     const char* const folder = std::getenv("TMPDIR");
-    path_ = std::string(folder == nullptr ? "/tmp" : folder) + "/tallyquill-test-XXXXXX";
-    const int descriptor = mkstemp(path_.data());
+    path = std::string(folder == nullptr ? "/tmp" : folder) + "/tallyquill-test-XXXXXX";
+    const int descriptor = mkstemp(path.data());
     if (descriptor < 0) std::abort();
     close(descriptor);
 }
 
 TemporaryFile::~TemporaryFile() {
-    std::remove(path_.c_str());
+    std::remove(path.c_str());
 }
 
-std::string TemporaryFile::content() const {
-    std::ifstream file(path_);
+std::string TemporaryFile::Content() const {
+    std::ifstream file(path);
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();

@@ -67,29 +67,29 @@ public:
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
-    void type(const std::string& keys);
+    void Type(const std::string& keys);
 
     // Everything shown since the last call, read until it ends with `end` or so many milliseconds have
     // passed.
-    std::string readUntil(const std::string& end, int patience = 10000);
+    std::string ReadUntil(const std::string& end, int patience = 10000);
 
     // Presses Ctrl-C, again and again, until what is shown ends with `end`. Returns all of that. One key may
     // come too early, before the entry that is to be interrupted runs; one more may come too late and show
     // another prompt.
-    std::string interruptUntil(const std::string& end);
+    std::string InterruptUntil(const std::string& end);
 
     // Sends a signal to the program (to the shell, with one).
-    void signal(int number);
+    void Signal(int number);
 
     // Stops the program from outside, waits until it stands still, and lets it go on.
-    void stopAndContinue();
+    void StopAndContinue();
 
     // Waits for the program's end; the exit status, -1 after a signal.
-    int wait();
+    int Wait();
 
 private:
-    int master_ = -1;
-    pid_t child_ = -1;
+    int master = -1;
+    pid_t child = -1;
 };
 
 // A new name for a file in the temporary folder; the file is removed when the object goes.
@@ -100,9 +100,9 @@ public:
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    const std::string& path() const { return path_; }
-    std::string content() const;
+    const std::string& Path() const { return path; }
+    std::string Content() const;
 
 private:
-    std::string path_;
+    std::string path;
 };

@@ -17,37 +17,37 @@ namespace {
 
 class DescriptorTest : public testing::Test {
 protected:
-    DescriptorTest() { EXPECT_EQ(pipe(ends_), 0); }
+    DescriptorTest() { EXPECT_EQ(pipe(ends), 0); }
     ~DescriptorTest() override {
-        closeEnd(0);
-        closeEnd(1);
+        CloseEnd(0);
+        CloseEnd(1);
     }
 
-    void closeEnd(int i) {
-        if (ends_[i] >= 0) close(ends_[i]);
-        ends_[i] = -1;
+    void CloseEnd(int i) {
+        if (ends[i] >= 0) close(ends[i]);
+        ends[i] = -1;
     }
-    void setNonBlocking(int i) const { fcntl(ends_[i], F_SETFL, O_NONBLOCK); }
+    void SetNonBlocking(int i) const { fcntl(ends[i], F_SETFL, O_NONBLOCK); }
 
     // Everything up to the end, each time as late as can be: when the pipe is full or nothing more comes.
-    std::string drainLate(const std::atomic<bool>& isOver) const {
+    std::string DrainLate(const std::atomic<bool>& isOver) const {
         std::string all;
         char block[40000];
         for (;;) {
-            while (!isOver && isWritable()) std::this_thread::yield();
-            const ssize_t count = read(ends_[0], block, sizeof block);
+            while (!isOver && IsWritable()) std::this_thread::yield();
+            const ssize_t count = read(ends[0], block, sizeof block);
             if (count <= 0) return all;
             all.append(block, static_cast<std::size_t>(count));
         }
     }
 
     // Whether the pipe has room.
-    bool isWritable() const {
-        pollfd end = {ends_[1], POLLOUT, 0};
+    bool IsWritable() const {
+        pollfd end = {ends[1], POLLOUT, 0};
         return poll(&end, 1, 0) == 1 && (end.revents & POLLOUT) != 0;
     }
 
-    int ends_[2] = {-1, -1};
+    int ends[2] = {-1, -1};
 };
 
 volatile std::sig_atomic_t signals = 0;
@@ -63,28 +63,28 @@ std::string manyDigits() {
 }
 
 TEST_F(DescriptorTest, WritesEverythingIntoAPipeThatFillsUp) {
-    setNonBlocking(1);
+    SetNonBlocking(1);
     const std::string text = manyDigits(); // a megabyte; a pipe takes 64 KiB
     std::string read;
     std::atomic<bool> isOver{false};
-    std::thread reader([&] { read = drainLate(isOver); });
-    EXPECT_TRUE(writeAll(ends_[1], text));
+    std::thread reader([&] { read = DrainLate(isOver); });
+    EXPECT_TRUE(writeAll(ends[1], text));
     isOver = true;
-    closeEnd(1);
+    CloseEnd(1);
     reader.join();
     EXPECT_TRUE(read == text);
 }
 
 TEST_F(DescriptorTest, WaitsForInputThatIsNotThereYet) {
-    setNonBlocking(0);
+    SetNonBlocking(0);
     std::thread writer([&] {
         // Time for the read to begin. When that comes later, the byte is there already, and the read has it
         // too.
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        EXPECT_EQ(write(ends_[1], "x", 1), 1);
+        EXPECT_EQ(write(ends[1], "x", 1), 1);
     });
     char byte = 0;
-    EXPECT_EQ(readSome(ends_[0], &byte, 1), 1);
+    EXPECT_EQ(readSome(ends[0], &byte, 1), 1);
     EXPECT_EQ(byte, 'x');
     writer.join();
 }
@@ -99,17 +99,17 @@ TEST_F(DescriptorTest, AnInterruptedReadGoesOn) {
             pthread_kill(reader, SIGUSR1);
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
-        EXPECT_EQ(write(ends_[1], "x", 1), 1);
+        EXPECT_EQ(write(ends[1], "x", 1), 1);
     });
     char byte = 0;
-    EXPECT_EQ(readSome(ends_[0], &byte, 1), 1);
+    EXPECT_EQ(readSome(ends[0], &byte, 1), 1);
     writer.join();
 }
 
 TEST_F(DescriptorTest, TheEndOfInputReadsAsZeroBytes) {
-    closeEnd(1);
+    CloseEnd(1);
     char byte = 0;
-    EXPECT_EQ(readSome(ends_[0], &byte, 1), 0);
+    EXPECT_EQ(readSome(ends[0], &byte, 1), 0);
 }
 
 TEST_F(DescriptorTest, FailuresAreReportedWithTheirReason) {

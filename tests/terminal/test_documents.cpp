@@ -53,15 +53,15 @@ int rowsOfEntries(const char* path) {
 // what they show.
 void evaluateTranscript(const Lines& lines, std::size_t start) {
     Terminal terminal({});
-    terminal.readUntil("> ");
+    terminal.ReadUntil("> ");
     std::size_t i = start;
     while (i < lines.size() && lines[i] != "```") {
         const std::string entry = lines[i].size() > 2 ? lines[i].substr(2) : "";
         std::string shown;
         for (++i; i < lines.size() && lines[i] != "```" && lines[i].rfind('>', 0) != 0; ++i)
             shown += lines[i] + "\n";
-        terminal.type(entry + "\n");
-        EXPECT_EQ(terminal.readUntil("> "), shown + "> ") << entry;
+        terminal.Type(entry + "\n");
+        EXPECT_EQ(terminal.ReadUntil("> "), shown + "> ") << entry;
         EXPECT_FALSE(shown.empty()) << entry;
     }
 }

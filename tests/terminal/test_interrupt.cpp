@@ -15,8 +15,8 @@
 
 namespace {
 
-const std::string kControlC = "\x03";
-const std::string kEndOfInput = "\x04";
+const std::string CONTROL_C = "\x03";
+const std::string END_OF_INPUT = "\x04";
 
 // A chain of functions that each call the one before twice: the last takes 2^length calls.
 std::string chain(int length) {
@@ -36,43 +36,43 @@ std::string repeated(const std::string& text, int times) {
 
 TEST(ControlC, EndsAnEntryAndThePromptReturns) {
     Terminal terminal({}, withEcho());
-    terminal.readUntil("> ");
-    terminal.type("x=7\n");
-    terminal.readUntil("> ");
-    terminal.type(chain(25));
-    terminal.readUntil("f25(x)=f24(x)+f24(x)\n> ");
-    terminal.type("x=8; f25(1)\n");
-    terminal.readUntil("f25(1)\n"); // the line is taken: from here on a key can only end its evaluation
-    EXPECT_NE(terminal.interruptUntil("** ERROR: interrupted **\n> ").find("** ERROR: interrupted **\n> "),
+    terminal.ReadUntil("> ");
+    terminal.Type("x=7\n");
+    terminal.ReadUntil("> ");
+    terminal.Type(chain(25));
+    terminal.ReadUntil("f25(x)=f24(x)+f24(x)\n> ");
+    terminal.Type("x=8; f25(1)\n");
+    terminal.ReadUntil("f25(1)\n"); // the line is taken: from here on a key can only end its evaluation
+    EXPECT_NE(terminal.InterruptUntil("** ERROR: interrupted **\n> ").find("** ERROR: interrupted **\n> "),
               std::string::npos);
-    terminal.type("x\n");
-    terminal.readUntil("ans = 7\n> ");
-    terminal.type(kEndOfInput);
-    terminal.readUntil("\n");
-    EXPECT_EQ(terminal.wait(), 1);
+    terminal.Type("x\n");
+    terminal.ReadUntil("ans = 7\n> ");
+    terminal.Type(END_OF_INPUT);
+    terminal.ReadUntil("\n");
+    EXPECT_EQ(terminal.Wait(), 1);
 }
 
 // Sends Ctrl-C's signal to this process, again and again, for as long as it lives.
 class Interrupter {
 public:
     Interrupter()
-        : thread_([this] {
-              while (!ends_) {
+        : thread([this] {
+              while (!ends) {
                   kill(getpid(), SIGINT);
                   std::this_thread::sleep_for(std::chrono::milliseconds(2));
               }
           }) {}
     ~Interrupter() {
-        ends_ = true;
-        thread_.join();
+        ends = true;
+        thread.join();
     }
     Interrupter(const Interrupter&) = delete;
     Interrupter& operator=(const Interrupter&) = delete;
 
 private:
-    const InterruptCatcher catcher_; // outside of entries it would end the tests
-    std::atomic<bool> ends_{false};
-    std::thread thread_;
+    const InterruptCatcher catcher; // outside of entries it would end the tests
+    std::atomic<bool> ends{false};
+    std::thread thread;
 };
 
 TEST(ControlC, EndsAPauseAndTypedText) {
@@ -94,21 +94,21 @@ TEST(ControlC, EndsAPauseAndTypedText) {
 
 TEST(ControlC, AtThePromptDropsWhatIsTyped) {
     Terminal terminal({}, withEcho());
-    terminal.readUntil("> ");
-    terminal.type("1/0");
-    EXPECT_EQ(terminal.readUntil("1/0"), "1/0");
-    terminal.type(kControlC);
-    EXPECT_EQ(terminal.readUntil("> "), "\n> ");
-    terminal.type("6*7\n");
-    EXPECT_EQ(terminal.readUntil("ans = 42\n> "), "6*7\nans = 42\n> ");
+    terminal.ReadUntil("> ");
+    terminal.Type("1/0");
+    EXPECT_EQ(terminal.ReadUntil("1/0"), "1/0");
+    terminal.Type(CONTROL_C);
+    EXPECT_EQ(terminal.ReadUntil("> "), "\n> ");
+    terminal.Type("6*7\n");
+    EXPECT_EQ(terminal.ReadUntil("ans = 42\n> "), "6*7\nans = 42\n> ");
 }
 
 TEST(ControlC, EndsARunOfArguments) {
     Terminal terminal({"1+1", "pause5000", "2+2"});
-    terminal.readUntil("ans = 2\n");
-    terminal.type(kControlC);
-    EXPECT_EQ(terminal.readUntil("ans = 4\n").find("ans = 4"), std::string::npos);
-    EXPECT_EQ(terminal.wait(), -1); // by the signal
+    terminal.ReadUntil("ans = 2\n");
+    terminal.Type(CONTROL_C);
+    EXPECT_EQ(terminal.ReadUntil("ans = 4\n").find("ans = 4"), std::string::npos);
+    EXPECT_EQ(terminal.Wait(), -1); // by the signal
 }
 
 TEST(ControlC, IsCaughtOnlyDuringAnEntry) {
@@ -133,18 +133,18 @@ TEST(ControlC, IsCaughtOnlyDuringAnEntry) {
 
 TEST(ControlC, OnceEndsAStreamOfShortLines) {
     const TemporaryFile lines;
-    std::ofstream(lines.path()) << repeated("sqrt(2)+sqrt(3)+sqrt(5)\n", 400000);
+    std::ofstream(lines.Path()) << repeated("sqrt(2)+sqrt(3)+sqrt(5)\n", 400000);
     TerminalSetup setup;
-    setup.inputFile = lines.path();
+    setup.inputFile = lines.Path();
     for (int i = 0; i < 5; ++i) {
         const TemporaryFile answers;
-        setup.outputFile = answers.path();
+        setup.outputFile = answers.Path();
         Terminal terminal({}, setup);
-        for (int wait = 0; wait < 20000 && answers.content().empty(); ++wait)
+        for (int wait = 0; wait < 20000 && answers.Content().empty(); ++wait)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        ASSERT_FALSE(answers.content().empty());
-        terminal.type(kControlC);
-        EXPECT_EQ(terminal.wait(), -1); // by the signal, not at the end of the lines
+        ASSERT_FALSE(answers.Content().empty());
+        terminal.Type(CONTROL_C);
+        EXPECT_EQ(terminal.Wait(), -1); // by the signal, not at the end of the lines
     }
 }
 
@@ -160,13 +160,13 @@ TEST(ControlC, OnceEndsAStreamOfShortLines) {
 #ifdef KEEPS_FREED_MEMORY
 constexpr long kMemoryLimit = 640L * 1024;
 #else
-constexpr long kMemoryLimit = 64L * 1024;
+constexpr long MEMORY_LIMIT = 64L * 1024;
 #endif
 
 void expectInMemory(const std::string& lines, const std::string& lastError) {
     const Result run = pipeThrough(lines);
     EXPECT_EQ(run.err, lastError);
-    EXPECT_LT(run.peakMemory, kMemoryLimit);
+    EXPECT_LT(run.peakMemory, MEMORY_LIMIT);
 }
 
 TEST(Memory, IsBoundedForRecursion) {
@@ -190,7 +190,7 @@ TEST(Memory, IsBoundedForCallsThatDouble) {
     const Result run = pipeThrough(chain(19) + "f19(1)\n");
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out.substr(run.out.rfind("ans")), "ans = 524288\n");
-    EXPECT_LT(run.peakMemory, kMemoryLimit);
+    EXPECT_LT(run.peakMemory, MEMORY_LIMIT);
 }
 
 } // namespace

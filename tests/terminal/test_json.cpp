@@ -49,7 +49,7 @@ TEST(JsonLine, CountsThePositionInCharacters) {
 // "MALFORMED" and the line when a line is no object with these fields in this order.
 std::string readByPython(const std::string& out) {
     const TemporaryFile file;
-    std::ofstream(file.path()) << out;
+    std::ofstream(file.Path()) << out;
     const std::string program =
         "import json, sys\n"
         "for line in open(sys.argv[1], \"rb\").read().decode(\"ascii\").split(\"\\n\")[:-1]:\n"
@@ -60,7 +60,7 @@ std::string readByPython(const std::string& out) {
         "    if p and list(p) != [\"start\", \"length\"]: print(\"MALFORMED\", line)\n"
         "    print(*[o[k] for k in list(o)[1:-1]], p and (p[\"start\"], p[\"length\"]), sep=\"|\")\n";
     // NOLINTNEXTLINE(cert-env33-c): a fixed command
-    FILE* const run = popen(("python3 -c '" + program + "' '" + file.path() + "' 2>&1").c_str(), "r");
+    FILE* const run = popen(("python3 -c '" + program + "' '" + file.Path() + "' 2>&1").c_str(), "r");
     std::string read;
     char block[4096];
     while (run != nullptr && std::fgets(block, sizeof block, run) != nullptr) read += block;
@@ -153,8 +153,8 @@ TEST(Json, WithoutAPlaceToWriteItIsAnError) {
 
 TEST(Json, IsNoPrompt) {
     Terminal terminal({"--json"});
-    terminal.type("1+1\n");
-    const std::string shown = terminal.readUntil("}\n");
+    terminal.Type("1+1\n");
+    const std::string shown = terminal.ReadUntil("}\n");
     EXPECT_EQ(shown.rfind("{\"entry\": \"1+1\", \"line\": 1, ", 0), 0U) << shown;
 }
 

@@ -146,9 +146,9 @@ TEST_F(OwnFiles, TheInitFileIsReadForThePromptToo) {
     TerminalSetup setup;
     setup.environment = {"XDG_DATA_HOME=" + folder.Path(), "XDG_CONFIG_HOME=" + folder.Path()};
     Terminal terminal({}, setup);
-    terminal.readUntil("> ");
-    terminal.type("a\n");
-    EXPECT_NE(terminal.readUntil("ans = 17\n> ").find("ans = 17"), std::string::npos);
+    terminal.ReadUntil("> ");
+    terminal.Type("a\n");
+    EXPECT_NE(terminal.ReadUntil("ans = 17\n> ").find("ans = 17"), std::string::npos);
 }
 
 } // namespace

@@ -10,8 +10,8 @@ namespace {
 
 using std::string_literals::operator""s;
 
-const std::string kTooLong = "** ERROR: 10000 max characters **\n";
-const std::string kNotText = "** Invalid character/encoding used. **\n";
+const std::string TOO_LONG = "** ERROR: 10000 max characters **\n";
+const std::string NOT_TEXT = "** Invalid character/encoding used. **\n";
 
 // A sum of ones that is `length` characters long (an odd number), and so (length + 1) / 2.
 std::string sumOfOnes(std::size_t length) {
@@ -57,7 +57,7 @@ TEST(Arguments, ABlankEntryIsAnsweredWithNothingAndRepeatsNothing) {
 
 TEST(Arguments, AnEntryThatIsTooLongOrNoTextIsRefused) {
     expectRun(evaluate({std::string(10000, '1'), "\xB5", "1\n+2", "3"}), 1, "ans = 3\n",
-              kTooLong + kNotText + kNotText);
+              TOO_LONG + NOT_TEXT + NOT_TEXT);
 }
 
 TEST(Usage, HelpGoesToStandardOutput) {
@@ -140,7 +140,7 @@ TEST(StandardInput, LinesMayEndInCarriageReturnAndLineFeed) {
 }
 
 TEST(StandardInput, ACarriageReturnInsideALineJoinsNoNumbers) {
-    expectRun(pipeThrough("1+1\r2+2\n3\n"), 1, "ans = 3\n", kNotText);
+    expectRun(pipeThrough("1+1\r2+2\n3\n"), 1, "ans = 3\n", NOT_TEXT);
 }
 
 TEST(StandardInput, AFailedLineGoesToStandardErrorAndTheNextOneIsAnswered) {
@@ -154,9 +154,9 @@ TEST(StandardInput, ALineOf9999CharactersIsAnswered) {
 
 TEST(StandardInput, ALongerLineIsRefusedAndTheNextOneIsAnswered) {
     for (const std::size_t length : {10000U, 10001U, 10002U, 10003U, 65536U, 300000U}) {
-        expectRun(pipeThrough(std::string(length, '1') + "\n1+1\n"), 1, "ans = 2\n", kTooLong);
-        expectRun(pipeThrough(std::string(length, '1') + "\r\n1+1\n"), 1, "ans = 2\n", kTooLong);
-        expectRun(pipeThrough(std::string(length, '1')), 1, "", kTooLong);
+        expectRun(pipeThrough(std::string(length, '1') + "\n1+1\n"), 1, "ans = 2\n", TOO_LONG);
+        expectRun(pipeThrough(std::string(length, '1') + "\r\n1+1\n"), 1, "ans = 2\n", TOO_LONG);
+        expectRun(pipeThrough(std::string(length, '1')), 1, "", TOO_LONG);
     }
 }
 
@@ -167,7 +167,7 @@ TEST(StandardInput, AHugeLineNeedsNoMoreMemoryThanAShortOne) {
     invocation.input = std::string(1 << 20, '1');
     invocation.inputTimes = 100;
     const Result run = runProgram(invocation);
-    expectRun(run, 1, "", kTooLong);
+    expectRun(run, 1, "", TOO_LONG);
     EXPECT_LT(run.peakMemory - small, 20L * 1024); // of 100 MiB
 }
 
@@ -176,7 +176,7 @@ TEST(StandardInput, ALineThatIsNoTextIsRefusedAndTheNextOneIsAnswered) {
                                     "gr\xF6\xDF"
                                     "e"s,
                                     "\xC3"s, "\xED\xA0\x80"s, "1\x1B[2J"s, "5 \x10km\x11mi"s}) {
-        expectRun(pipeThrough(line + "\n1+1\n"), 1, "ans = 2\n", kNotText);
+        expectRun(pipeThrough(line + "\n1+1\n"), 1, "ans = 2\n", NOT_TEXT);
     }
 }
 
@@ -283,9 +283,9 @@ TEST(StandardOutput, CollectsTheAnswersInAFile) {
     const TemporaryFile file;
     Invocation invocation;
     invocation.input = "1+1\n1/0\n2+2\n";
-    invocation.outputFile = file.path();
+    invocation.outputFile = file.Path();
     EXPECT_EQ(runProgram(invocation).status, 1);
-    EXPECT_EQ(file.content(), "ans = 2\nans = 4\n");
+    EXPECT_EQ(file.Content(), "ans = 2\nans = 4\n");
 }
 
 TEST(StandardError, WhenItIsClosedTheAnswersStillCome) {

@@ -27,8 +27,8 @@ Result evaluateLines(const std::vector<std::string>& arguments, const std::strin
 // A file of lines.
 class Script {
 public:
-    explicit Script(const std::string& text) { std::ofstream(file.path()) << text; }
-    const std::string& path() const { return file.path(); }
+    explicit Script(const std::string& text) { std::ofstream(file.Path()) << text; }
+    const std::string& Path() const { return file.Path(); }
 
 private:
     const TemporaryFile file;
@@ -36,13 +36,13 @@ private:
 
 TEST(File, EveryLineIsAnEntry) {
     const Script script("x=5\r\n\n  \nx*2 # twice\n3+4");
-    expectRun(evaluate({"-f", script.path()}), 0, "x = 5\nans = 10\nans = 7\n", "");
+    expectRun(evaluate({"-f", script.Path()}), 0, "x = 5\nans = 10\nans = 7\n", "");
 }
 
 TEST(File, FilesAndEntriesAreEvaluatedInTheirOrder) {
     const Script doubled("x=x*2\n");
     const Script added("x=x+1\n");
-    expectRun(evaluate({"x=5", "-f", doubled.path(), "--file=" + added.path(), "x*100"}), 0,
+    expectRun(evaluate({"x=5", "-f", doubled.Path(), "--file=" + added.Path(), "x*100"}), 0,
               "x = 5\nx = 10\nx = 11\nans = 1100\n", "");
 }
 
@@ -53,8 +53,8 @@ TEST(File, OfMinusIsStandardInput) {
 
 TEST(File, AnErrorIsToldWithItsPlace) {
     const Script script("1\n1/0\n2\n()\n");
-    expectRun(evaluate({"-f", script.path(), "1/0"}), 1, "ans = 1\nans = 2\n",
-              script.path() + ":2: ** ERROR: divide by zero **\n" + script.path() +
+    expectRun(evaluate({"-f", script.Path(), "1/0"}), 1, "ans = 1\nans = 2\n",
+              script.Path() + ":2: ** ERROR: divide by zero **\n" + script.Path() +
                   ":4: ** ERROR: empty parenthesis **\n** ERROR: divide by zero **\n");
 }
 
@@ -66,14 +66,14 @@ TEST(File, ThatCannotBeReadEndsTheRun) {
 
 TEST(File, AFirstLineThatNamesItsProgramIsNoEntry) {
     const Script script("#!/usr/bin/tallyquill -f; 1/0\n#!2;3\n");
-    expectRun(evaluate({"-f", script.path()}), 0, "ans = 3\n", "");
+    expectRun(evaluate({"-f", script.Path()}), 0, "ans = 3\n", "");
 }
 
 TEST(File, MayBeAProgramOfItsOwn) {
     const Script script("#!/usr/bin/env -S \"" + std::string(TALLYQUILL_PROGRAM) +
                         "\" -f\nhyp(a,b)=sqrt(a^2+b^2)\n");
-    ASSERT_EQ(chmod(script.path().c_str(), 0700), 0);
-    FILE* const run = popen(("'" + script.path() + "' -q 'hyp(3,4)'").c_str(), "r"); // NOLINT(cert-env33-c)
+    ASSERT_EQ(chmod(script.Path().c_str(), 0700), 0);
+    FILE* const run = popen(("'" + script.Path() + "' -q 'hyp(3,4)'").c_str(), "r"); // NOLINT(cert-env33-c)
     ASSERT_NE(run, nullptr);
     char out[100] = {};
     EXPECT_NE(fgets(out, sizeof out, run), nullptr);
@@ -103,8 +103,8 @@ TEST(FailFast, StopsAtTheFirstError) {
     expectRun(evaluateLines({"--fail-fast", "--last"}, "1\n1/0\n2\n"), 1, "ans = 1\n",
               "** ERROR: divide by zero **\n");
     const Script script("1/0\n2\n");
-    expectRun(evaluate({"--fail-fast", "-f", script.path(), "3"}), 1, "",
-              script.path() + ":1: ** ERROR: divide by zero **\n");
+    expectRun(evaluate({"--fail-fast", "-f", script.Path(), "3"}), 1, "",
+              script.Path() + ":1: ** ERROR: divide by zero **\n");
 }
 
 TEST(Preview, EvaluatesAndStoresNothing) {

@@ -22,77 +22,77 @@ using Outcome = Session::Outcome;
 class SessionTest : public testing::Test {
 protected:
     SessionTest() {
-        EXPECT_EQ(pipe(answers_), 0);
-        EXPECT_EQ(pipe(errors_), 0);
-        for (const int end : {answers_[0], errors_[0]}) fcntl(end, F_SETFL, O_NONBLOCK);
-        session_ = std::make_unique<Session>(answers_[1], errors_[1]);
+        EXPECT_EQ(pipe(answers), 0);
+        EXPECT_EQ(pipe(errors), 0);
+        for (const int end : {answers[0], errors[0]}) fcntl(end, F_SETFL, O_NONBLOCK);
+        session = std::make_unique<Session>(answers[1], errors[1]);
     }
     ~SessionTest() override {
-        for (const int end : {answers_[0], answers_[1], errors_[0], errors_[1]}) close(end);
+        for (const int end : {answers[0], answers[1], errors[0], errors[1]}) close(end);
     }
 
-    static std::string take(int descriptor) {
+    static std::string Take(int descriptor) {
         char text[4096];
         const ssize_t count = read(descriptor, text, sizeof text);
         return count > 0 ? std::string(text, static_cast<std::size_t>(count)) : std::string();
     }
-    std::string answers() const { return take(answers_[0]); }
-    std::string errors() const { return take(errors_[0]); }
+    std::string Answers() const { return Take(answers[0]); }
+    std::string Errors() const { return Take(errors[0]); }
 
-    int answers_[2] = {-1, -1};
-    int errors_[2] = {-1, -1};
-    std::unique_ptr<Session> session_;
+    int answers[2] = {-1, -1};
+    int errors[2] = {-1, -1};
+    std::unique_ptr<Session> session;
 };
 
 TEST_F(SessionTest, SaysAtTheStartWhenUnitsDoNotConvert) {
-    EXPECT_EQ(errors(), "");
+    EXPECT_EQ(Errors(), "");
     removeUnit("m");
-    const Session broken(answers_[1], errors_[1]);
-    EXPECT_EQ(errors(), "Units converter initialization error.\ninvalid unit name 'm' in 'm'\n");
+    const Session broken(answers[1], errors[1]);
+    EXPECT_EQ(Errors(), "Units converter initialization error.\ninvalid unit name 'm' in 'm'\n");
     unitFreeMemory();
 }
 
 TEST_F(SessionTest, AnswersAndErrorsTakeTheirOwnWays) {
-    EXPECT_EQ(session_->Run("2+3*4"), Outcome::Answered);
-    EXPECT_EQ(answers(), "ans = 14\n");
-    EXPECT_EQ(errors(), "");
-    EXPECT_FALSE(session_->AnyRefused());
-    EXPECT_EQ(session_->Run("()"), Outcome::Refused);
-    EXPECT_EQ(answers(), "");
-    EXPECT_EQ(errors(), "** ERROR: empty parenthesis **\n");
-    EXPECT_TRUE(session_->AnyRefused());
+    EXPECT_EQ(session->Run("2+3*4"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "ans = 14\n");
+    EXPECT_EQ(Errors(), "");
+    EXPECT_FALSE(session->AnyRefused());
+    EXPECT_EQ(session->Run("()"), Outcome::Refused);
+    EXPECT_EQ(Answers(), "");
+    EXPECT_EQ(Errors(), "** ERROR: empty parenthesis **\n");
+    EXPECT_TRUE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, AnAnswerBeyondTheRangeIsShownAndCountsAsAFailure) {
-    EXPECT_EQ(session_->Run("1e9000"), Outcome::Answered);
-    EXPECT_FALSE(session_->AnyRefused());
-    EXPECT_EQ(session_->Run("1e10000"), Outcome::Answered);
-    EXPECT_EQ(answers(), "ans = 1.0e9000\nans = +OVERFLOW\n");
-    EXPECT_EQ(errors(), "");
-    EXPECT_TRUE(session_->AnyRefused());
+    EXPECT_EQ(session->Run("1e9000"), Outcome::Answered);
+    EXPECT_FALSE(session->AnyRefused());
+    EXPECT_EQ(session->Run("1e10000"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "ans = 1.0e9000\nans = +OVERFLOW\n");
+    EXPECT_EQ(Errors(), "");
+    EXPECT_TRUE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, AValueBeyondTheRangeThatDispShowsCountsToo) {
-    EXPECT_EQ(session_->Run("a=1e10000;b=1;disp b"), Outcome::Answered);
-    EXPECT_FALSE(session_->AnyRefused());
-    EXPECT_EQ(session_->Run("disp a"), Outcome::Answered);
-    EXPECT_EQ(answers(), "b = 1\na = +OVERFLOW\n");
-    EXPECT_TRUE(session_->AnyRefused());
+    EXPECT_EQ(session->Run("a=1e10000;b=1;disp b"), Outcome::Answered);
+    EXPECT_FALSE(session->AnyRefused());
+    EXPECT_EQ(session->Run("disp a"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "b = 1\na = +OVERFLOW\n");
+    EXPECT_TRUE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, AnEarlierRefusalIsNotForgotten) {
-    session_->Run("1/0");
-    EXPECT_EQ(session_->Run("1"), Outcome::Answered);
-    EXPECT_TRUE(session_->AnyRefused());
+    session->Run("1/0");
+    EXPECT_EQ(session->Run("1"), Outcome::Answered);
+    EXPECT_TRUE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, ANewConsoleShowsTenSignificantDigitsInAutoModeWithoutGrouping) {
-    session_->Run("1/3");
-    EXPECT_EQ(answers(), "ans = 0.3333333333\n");
-    session_->Run("123456789");
-    EXPECT_EQ(answers(), "ans = 1.23456789e8\n");
-    session_->Run("1234567");
-    EXPECT_EQ(answers(), "ans = 1234567\n");
+    session->Run("1/3");
+    EXPECT_EQ(Answers(), "ans = 0.3333333333\n");
+    session->Run("123456789");
+    EXPECT_EQ(Answers(), "ans = 1.23456789e8\n");
+    session->Run("1234567");
+    EXPECT_EQ(Answers(), "ans = 1234567\n");
 }
 
 // Fills a pipe so that the next write to it waits.
@@ -113,38 +113,38 @@ int heldBy(int descriptor) {
 
 // The answer does not fit into the pipe, so the session waits in the middle of it when Ctrl-C comes.
 TEST_F(SessionTest, ControlCThatComesTooLateForAnEntryEndsTheRunBehindItsAnswer) {
-    fill(answers_[1]);
+    fill(answers[1]);
     char block[4096];
-    ASSERT_GT(read(answers_[0], block, sizeof block), 0);
-    const int held = heldBy(answers_[0]);
+    ASSERT_GT(read(answers[0], block, sizeof block), 0);
+    const int held = heldBy(answers[0]);
     const std::string answer = std::string(9900, 'x') + "\n";
     std::string shown;
     std::thread reader([&] {
-        while (heldBy(answers_[0]) <= held) std::this_thread::yield();
+        while (heldBy(answers[0]) <= held) std::this_thread::yield();
         kill(getpid(), SIGINT);
-        while (shown.find('\n') == std::string::npos) shown += answers();
+        while (shown.find('\n') == std::string::npos) shown += Answers();
     });
-    EXPECT_EQ(session_->Run("echo " + std::string(9900, 'x')), Outcome::Interrupted);
+    EXPECT_EQ(session->Run("echo " + std::string(9900, 'x')), Outcome::Interrupted);
     reader.join();
     EXPECT_EQ(shown.substr(shown.find('x')), answer);
-    EXPECT_EQ(session_->Run("1+1"), Outcome::Answered);
+    EXPECT_EQ(session->Run("1+1"), Outcome::Answered);
 }
 
 TEST_F(SessionTest, AnAnswerThatCannotBeWrittenIsReported) {
-    Session session(-1, errors_[1]);
+    Session session(-1, errors[1]);
     EXPECT_EQ(session.Run("1"), Outcome::OutputLost);
 }
 
 TEST_F(SessionTest, ExitEndsTheSession) {
-    EXPECT_EQ(session_->CarryOut("exit"), Outcome::Ended);
-    EXPECT_EQ(answers(), "");
-    EXPECT_FALSE(session_->AnyRefused());
+    EXPECT_EQ(session->CarryOut("exit"), Outcome::Ended);
+    EXPECT_EQ(Answers(), "");
+    EXPECT_FALSE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, ClearWritesNothingIntoAPipe) {
     setenv("TERM", "xterm", 1);
-    EXPECT_EQ(session_->CarryOut("clear"), Outcome::Answered);
-    EXPECT_EQ(answers(), "");
+    EXPECT_EQ(session->CarryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "");
 }
 
 TEST_F(SessionTest, ClearClearsATerminalUnlessThatIsDumb) {
@@ -155,52 +155,52 @@ TEST_F(SessionTest, ClearClearsATerminalUnlessThatIsDumb) {
     const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
     ASSERT_GE(slave, 0);
     fcntl(master, F_SETFL, O_NONBLOCK);
-    Session session(slave, errors_[1]);
+    Session session(slave, errors[1]);
     setenv("TERM", "dumb", 1);
     EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
-    EXPECT_EQ(take(master), "");
+    EXPECT_EQ(Take(master), "");
     setenv("TERM", "xterm", 1);
     EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
-    EXPECT_EQ(take(master), "\x1b[H\x1b[2J");
+    EXPECT_EQ(Take(master), "\x1b[H\x1b[2J");
     close(slave);
     close(master);
 }
 
 TEST_F(SessionTest, AnyOtherCommandIsRefusedByName) {
-    EXPECT_EQ(session_->CarryOut("dance"), Outcome::Refused);
-    EXPECT_EQ(errors(), "** ERROR: 'dance' does not work in a terminal **\n");
-    EXPECT_EQ(session_->CarryOut("pause"), Outcome::Refused);
-    EXPECT_EQ(errors(), "** ERROR: 'pause' does not work in a terminal **\n");
-    EXPECT_TRUE(session_->AnyRefused());
+    EXPECT_EQ(session->CarryOut("dance"), Outcome::Refused);
+    EXPECT_EQ(Errors(), "** ERROR: 'dance' does not work in a terminal **\n");
+    EXPECT_EQ(session->CarryOut("pause"), Outcome::Refused);
+    EXPECT_EQ(Errors(), "** ERROR: 'pause' does not work in a terminal **\n");
+    EXPECT_TRUE(session->AnyRefused());
 }
 
 TEST_F(SessionTest, ACommandIsQuotedWithoutControlCharacters) {
-    EXPECT_EQ(session_->CarryOut("dance\x1b]0;x\x07"), Outcome::Refused);
-    EXPECT_EQ(errors(), "** ERROR: 'dance?]0;x?' does not work in a terminal **\n");
+    EXPECT_EQ(session->CarryOut("dance\x1b]0;x\x07"), Outcome::Refused);
+    EXPECT_EQ(Errors(), "** ERROR: 'dance?]0;x?' does not work in a terminal **\n");
 }
 
 TEST_F(SessionTest, EchoedTextComesBeforeTheAnswerOrTheError) {
-    session_->Run("echo one; echo two; 1+1");
-    EXPECT_EQ(answers(), "one\ntwo\nans = 2\n");
-    session_->Run("echo one; 1/0");
-    EXPECT_EQ(answers(), "one\n");
-    EXPECT_EQ(errors(), "** ERROR: divide by zero **\n");
-    session_->Run("echo");
-    EXPECT_EQ(answers(), "\n");
-    session_->Run("disp pi");
-    EXPECT_EQ(answers(), "pi = 3.141592654\n");
+    session->Run("echo one; echo two; 1+1");
+    EXPECT_EQ(Answers(), "one\ntwo\nans = 2\n");
+    session->Run("echo one; 1/0");
+    EXPECT_EQ(Answers(), "one\n");
+    EXPECT_EQ(Errors(), "** ERROR: divide by zero **\n");
+    session->Run("echo");
+    EXPECT_EQ(Answers(), "\n");
+    session->Run("disp pi");
+    EXPECT_EQ(Answers(), "pi = 3.141592654\n");
 }
 
 TEST_F(SessionTest, OnlyTheCommandsThatShowTextShowWhatWasEchoed) {
-    EXPECT_EQ(session_->Run("echo a; echo100 b"), Outcome::Answered);
-    EXPECT_EQ(answers(), "a\nb\n");
-    EXPECT_EQ(session_->Run("echorep Done: 50%"), Outcome::Answered);
-    EXPECT_EQ(answers(), "Done: 50%\n");
-    EXPECT_EQ(session_->Run("echo lost; pause1"), Outcome::Answered);
-    EXPECT_EQ(session_->Run("echo lost; clear"), Outcome::Answered);
-    EXPECT_EQ(answers(), "");
-    EXPECT_EQ(session_->Run("echo lost; exit"), Outcome::Ended);
-    EXPECT_EQ(answers(), "");
+    EXPECT_EQ(session->Run("echo a; echo100 b"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "a\nb\n");
+    EXPECT_EQ(session->Run("echorep Done: 50%"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "Done: 50%\n");
+    EXPECT_EQ(session->Run("echo lost; pause1"), Outcome::Answered);
+    EXPECT_EQ(session->Run("echo lost; clear"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "");
+    EXPECT_EQ(session->Run("echo lost; exit"), Outcome::Ended);
+    EXPECT_EQ(Answers(), "");
 }
 
 // No less time passes than was asked for; how much that is, the tests of ConsoleCommand.h say.
@@ -211,41 +211,41 @@ void expectAtLeast(long milliseconds, Session& session, const char* entry) {
 }
 
 TEST_F(SessionTest, PausesAsLongAsAskedFor) {
-    expectAtLeast(100, *session_, "pause 100");
-    expectAtLeast(1000, *session_, "pause7000");
-    EXPECT_EQ(answers(), "");
+    expectAtLeast(100, *session, "pause 100");
+    expectAtLeast(1000, *session, "pause7000");
+    EXPECT_EQ(Answers(), "");
 }
 
 TEST_F(SessionTest, TypesTextOutAtItsRate) {
     // Ten characters and a line feed: ten waits of 10 milliseconds.
-    expectAtLeast(100, *session_, "echo100 0123456789");
-    EXPECT_EQ(answers(), "0123456789\n");
+    expectAtLeast(100, *session, "echo100 0123456789");
+    EXPECT_EQ(Answers(), "0123456789\n");
     for (const char* const entry : {"echo0 0123456789", "echo500 0123456789", "echo101 0123456789"}) {
-        EXPECT_EQ(session_->Run(entry), Outcome::Answered) << entry;
-        EXPECT_EQ(answers(), "0123456789\n");
+        EXPECT_EQ(session->Run(entry), Outcome::Answered) << entry;
+        EXPECT_EQ(Answers(), "0123456789\n");
     }
-    EXPECT_EQ(session_->Run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);
-    EXPECT_EQ(answers(), "gr\xC3\xB6\xC3\x9F\n");
+    EXPECT_EQ(session->Run("echo50 gr\xC3\xB6\xC3\x9F"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "gr\xC3\xB6\xC3\x9F\n");
 }
 
 TEST_F(SessionTest, ConversionsAreNotFoundWithoutAService) {
     unsetenv("TALLYQUILL_QUERY_URL");
-    EXPECT_EQ(session_->Run("convert 5 miles to km"), Outcome::Answered);
-    EXPECT_EQ(answers(), "Not found.\n");
+    EXPECT_EQ(session->Run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "Not found.\n");
     setenv("TALLYQUILL_QUERY_URL", "", 1);
-    EXPECT_EQ(session_->Run("convert 5 miles to km"), Outcome::Answered);
-    EXPECT_EQ(answers(), "Not found.\n");
-    EXPECT_FALSE(session_->AnyRefused());
+    EXPECT_EQ(session->Run("convert 5 miles to km"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "Not found.\n");
+    EXPECT_FALSE(session->AnyRefused());
     unsetenv("TALLYQUILL_QUERY_URL");
 }
 
 TEST_F(SessionTest, ThePageIsNotOpenedWithoutAnAddress) {
     unsetenv("TALLYQUILL_WEB_URL");
-    session_->Run("gospel");
-    EXPECT_NE(answers().find("    << type 'gospel' for more >>\n"), std::string::npos);
-    EXPECT_EQ(session_->Run("gospel"), Outcome::Answered);
-    EXPECT_EQ(answers(), "There is no web page to open.\n");
-    EXPECT_FALSE(session_->AnyRefused());
+    session->Run("gospel");
+    EXPECT_NE(Answers().find("    << type 'gospel' for more >>\n"), std::string::npos);
+    EXPECT_EQ(session->Run("gospel"), Outcome::Answered);
+    EXPECT_EQ(Answers(), "There is no web page to open.\n");
+    EXPECT_FALSE(session->AnyRefused());
 }
 
 } // namespace

@@ -27,7 +27,7 @@ class Asked {
 public:
     explicit Asked(const std::string& answer, Service::Manner manner = Service::Manner::Answers)
         : service(answer, manner) {
-        setenv("TALLYQUILL_QUERY_URL", service.address().c_str(), 1);
+        setenv("TALLYQUILL_QUERY_URL", service.Address().c_str(), 1);
     }
     ~Asked() { unsetenv("TALLYQUILL_QUERY_URL"); }
     Asked(const Asked&) = delete;
@@ -37,9 +37,9 @@ public:
 };
 
 TEST(Web, AsksTheServiceAndShowsItsAnswer) {
-    const Asked asked(page(kResult));
+    const Asked asked(page(RESULT));
     EXPECT_EQ(evaluate({"convert 5 miles to km"}).out, "8.047 km (kilometers)\n");
-    EXPECT_EQ(asked.service.request(), "GET /input/?i=convert+5+miles+to+km HTTP/1.1");
+    EXPECT_EQ(asked.service.Request(), "GET /input/?i=convert+5+miles+to+km HTTP/1.1");
 }
 
 TEST(Web, ShowsNoControlCharacterOfThePage) {
@@ -50,7 +50,7 @@ TEST(Web, ShowsNoControlCharacterOfThePage) {
 }
 
 TEST(Web, APageWithAnErrorStatusIsNoAnswer) {
-    const Asked asked(response("404 Not Found", kResult));
+    const Asked asked(response("404 Not Found", RESULT));
     EXPECT_EQ(evaluate({"convert 5 miles to km"}).out, "Not found.\n");
 }
 
@@ -70,7 +70,7 @@ TEST(Web, ControlCEndsAQueryThatNobodyAnswers) {
     ASSERT_EQ(pipe(answers), 0);
     Session session(answers[1], answers[1]);
     std::thread person([&] {
-        asked.service.waitForRequest();
+        asked.service.WaitForRequest();
         kill(getpid(), SIGINT); // this process alone: curl has to be ended by it
     });
     EXPECT_EQ(session.Run("convert 5 miles to km"), Session::Outcome::Interrupted);
@@ -85,80 +85,80 @@ TEST(Web, ControlCEndsAQueryThatNobodyAnswers) {
 TEST(Web, ATerminalSaysThatItChecksAndReturnsToThePromptOnControlC) {
     const Asked asked("", Service::Manner::NeverAnswers);
     Terminal terminal({});
-    terminal.readUntil("> ");
-    terminal.type("convert 5 miles to km\n");
-    EXPECT_EQ(terminal.readUntil("...checking...\n"), "...checking...\n");
-    asked.service.waitForRequest();
-    terminal.type("\x03");
-    EXPECT_EQ(terminal.readUntil("> "), "> ");
-    terminal.type("1+1\n");
-    EXPECT_EQ(terminal.readUntil("> "), "ans = 2\n> ");
+    terminal.ReadUntil("> ");
+    terminal.Type("convert 5 miles to km\n");
+    EXPECT_EQ(terminal.ReadUntil("...checking...\n"), "...checking...\n");
+    asked.service.WaitForRequest();
+    terminal.Type("\x03");
+    EXPECT_EQ(terminal.ReadUntil("> "), "> ");
+    terminal.Type("1+1\n");
+    EXPECT_EQ(terminal.ReadUntil("> "), "ans = 2\n> ");
 }
 
 TEST(Web, ATerminalSaysThatItChecksThenTheAnswer) {
-    const Asked asked(page(kResult));
+    const Asked asked(page(RESULT));
     Terminal terminal({});
-    terminal.readUntil("> ");
-    terminal.type("convert 5 miles to km\n");
-    EXPECT_EQ(terminal.readUntil("> "), "...checking...\n8.047 km (kilometers)\n> ");
+    terminal.ReadUntil("> ");
+    terminal.Type("convert 5 miles to km\n");
+    EXPECT_EQ(terminal.ReadUntil("> "), "...checking...\n8.047 km (kilometers)\n> ");
 }
 
 // A folder that is all of PATH's beginning, with a browser in it that writes down what it is given and the
 // signals that it ignores.
 class Browser {
 public:
-    explicit Browser(bool exists) : path_(getenv("PATH")) {
+    explicit Browser(bool exists) : path(getenv("PATH")) {
         std::string name = "/tmp/tallyquill-test-XXXXXX";
-        folder_ = mkdtemp(name.data());
+        folder = mkdtemp(name.data());
         if (exists) {
-            std::ofstream(program()) << "#!/bin/sh\nPATH='" << path_ << "'\n{ echo \"$@\"\n"
-                                     << "grep SigIgn /proc/$$/status; } >" << folder_ << "/new\n"
-                                     << "mv " << folder_ << "/new " << folder_ << "/opened\n";
-            chmod(program().c_str(), 0700);
+            std::ofstream(Program()) << "#!/bin/sh\nPATH='" << path << "'\n{ echo \"$@\"\n"
+                                     << "grep SigIgn /proc/$$/status; } >" << folder << "/new\n"
+                                     << "mv " << folder << "/new " << folder << "/opened\n";
+            chmod(Program().c_str(), 0700);
         }
-        setenv("PATH", folder_.c_str(), 1);
+        setenv("PATH", folder.c_str(), 1);
         setenv("TALLYQUILL_WEB_URL", "http://example.org/?a=1&b=$HOME", 1);
     }
     ~Browser() {
-        setenv("PATH", path_.c_str(), 1);
+        setenv("PATH", path.c_str(), 1);
         unsetenv("TALLYQUILL_WEB_URL");
-        std::remove(program().c_str());
-        std::remove((folder_ + "/opened").c_str());
-        rmdir(folder_.c_str());
+        std::remove(Program().c_str());
+        std::remove((folder + "/opened").c_str());
+        rmdir(folder.c_str());
     }
     Browser(const Browser&) = delete;
     Browser& operator=(const Browser&) = delete;
 
     // What it wrote down, at most ten seconds later.
-    std::string opened() const {
+    std::string Opened() const {
         const auto deadline = Clock::now() + std::chrono::seconds(10);
         std::ostringstream text;
         while (text.str().empty() && Clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
-            std::ifstream file(folder_ + "/opened");
+            std::ifstream file(folder + "/opened");
             if (file) text << file.rdbuf();
         }
         return text.str();
     }
 
 private:
-    std::string program() const {
+    std::string Program() const {
 #ifdef __APPLE__
         return folder_ + "/open";
 #else
-        return folder_ + "/xdg-open";
+        return folder + "/xdg-open";
 #endif
     }
 
-    std::string path_;
-    std::string folder_;
+    std::string path;
+    std::string folder;
 };
 
 TEST(Web, ABrowserIsNoChild) {
     const Browser browser(true);
     EXPECT_TRUE(openPage());
     EXPECT_FALSE(hasChildren());
-    const std::string opened = browser.opened();
+    const std::string opened = browser.Opened();
     EXPECT_EQ(opened.substr(0, opened.find('\n')), "http://example.org/?a=1&b=$HOME");
 }
 
@@ -170,7 +170,7 @@ bool ignoresBrokenPipes(int ignoredSignal) {
     invocation.arguments = {"gospel", "gospel"};
     invocation.ignoredSignal = ignoredSignal;
     EXPECT_EQ(runProgram(invocation).status, 0);
-    const std::string opened = browser.opened();
+    const std::string opened = browser.Opened();
     const std::size_t ignored = opened.find("SigIgn:");
     if (ignored == std::string::npos) ADD_FAILURE() << opened;
     const unsigned long signals = std::stoul(opened.substr(ignored + 7), nullptr, 16);
@@ -186,12 +186,12 @@ TEST(Web, ABrowserIgnoresBrokenPipesOnlyIfThisProgramWasToldTo) {
 TEST(Web, ATerminalSaysThatThePageIsBeingOpened) {
     const Browser browser(true);
     Terminal terminal({});
-    terminal.readUntil("> ");
-    terminal.type("gospel\n");
-    terminal.readUntil("> ");
-    terminal.type("gospel\n");
-    EXPECT_EQ(terminal.readUntil("> "), "<<< opening URL >>>\n> ");
-    EXPECT_NE(browser.opened(), "");
+    terminal.ReadUntil("> ");
+    terminal.Type("gospel\n");
+    terminal.ReadUntil("> ");
+    terminal.Type("gospel\n");
+    EXPECT_EQ(terminal.ReadUntil("> "), "<<< opening URL >>>\n> ");
+    EXPECT_NE(browser.Opened(), "");
 }
 
 TEST(Web, OpensNoPageWithoutABrowser) {

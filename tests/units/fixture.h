@@ -73,16 +73,16 @@ inline const ReducedUnit& known(const std::string& name) {
 // What takes changes back, as whoever uses the library keeps it.
 class Recording {
 public:
-    ~Recording() { keep(); }
+    ~Recording() { Keep(); }
 
     void begin() {
         units_record_changes([this](std::function<void()> step) { steps.push_back(std::move(step)); });
     }
-    void takeBack() {
+    void TakeBack() {
         for (; !steps.empty(); steps.pop_back()) steps.back()();
-        keep();
+        Keep();
     }
-    void keep() {
+    void Keep() {
         units_record_changes({});
         steps.clear();
     }

@@ -8,8 +8,8 @@
 
 namespace {
 
-const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-const std::string valid = letters + "0123456789. \t*^/+-";
+const std::string LETTERS = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+const std::string VALID = LETTERS + "0123456789. \t*^/+-";
 
 bool holdsOnly(const std::string& text, const std::string& set) {
     return text.find_first_not_of(set) == std::string::npos;
@@ -60,10 +60,10 @@ void cancel(Reduced& result) {
 
 UnitModel::UnitModel() {
     for (const TablePrefix& p : tablePrefixes()) prefixes.emplace_back(p.name, std::atof(p.factor.c_str()));
-    for (const TableUnit& u : tableUnits()) define(u.name, u.definition);
+    for (const TableUnit& u : tableUnits()) Define(u.name, u.definition);
 }
 
-void UnitModel::fail(const std::string& format, const std::string& first, const std::string& second) {
+void UnitModel::Fail(const std::string& format, const std::string& first, const std::string& second) {
     message = format;
     if (format.size() + first.size() + second.size() > 254) return;
     const size_t i = message.find("%s");
@@ -72,7 +72,7 @@ void UnitModel::fail(const std::string& format, const std::string& first, const 
     if (k != std::string::npos) message.replace(k, 2, second);
 }
 
-UnitModel::Meaning UnitModel::lookUpSingular(const std::string& name) const {
+UnitModel::Meaning UnitModel::LookUpSingular(const std::string& name) const {
     for (size_t u = 0; u < units.size(); ++u) {
         if (units[u].first == name) return {-1, static_cast<int>(u)};
     }
@@ -86,26 +86,26 @@ UnitModel::Meaning UnitModel::lookUpSingular(const std::string& name) const {
     return {};
 }
 
-UnitModel::Meaning UnitModel::lookUp(const std::string& name) const {
-    Meaning meaning = lookUpSingular(name);
+UnitModel::Meaning UnitModel::LookUp(const std::string& name) const {
+    Meaning meaning = LookUpSingular(name);
     const size_t size = name.size();
     if (meaning.unit < 0 && size >= 1 && name.substr(size - 1) == "s") {
-        meaning = lookUpSingular(name.substr(0, size - 1));
+        meaning = LookUpSingular(name.substr(0, size - 1));
     }
     if (meaning.unit < 0 && size >= 2 && name.substr(size - 2) == "es") {
-        meaning = lookUpSingular(name.substr(0, size - 2));
+        meaning = LookUpSingular(name.substr(0, size - 2));
     }
     return meaning;
 }
 
-bool UnitModel::apply(std::string token, bool isDivisor, const std::string& remainder, Reduced& result) {
+bool UnitModel::Apply(std::string token, bool isDivisor, const std::string& remainder, Reduced& result) {
     const auto multiply = [&](double factor) {
         result.factor = isDivisor ? result.factor / factor : result.factor * factor;
     };
     if (startsWithNumber(token)) {
         char* end = nullptr;
         const double number = std::strtod(token.c_str(), &end);
-        if (number == 0) return fail("illegal zero factor in '%s'", remainder), false;
+        if (number == 0) return Fail("illegal zero factor in '%s'", remainder), false;
         multiply(number);
         if (isDivisor && *end == '\0') return true;
     }
@@ -113,16 +113,16 @@ bool UnitModel::apply(std::string token, bool isDivisor, const std::string& rema
     const size_t caret = token.find('^');
     if (caret != std::string::npos) {
         exponent = exponentOf(token.substr(caret + 1));
-        if (exponent == 0) return fail("invalid integer exponent in '%s'", remainder), false;
+        if (exponent == 0) return Fail("invalid integer exponent in '%s'", remainder), false;
         token.resize(caret);
     }
-    if (token.empty() || !holdsOnly(token, letters)) {
-        return fail("invalid non-alphabetic unit name in '%s'", remainder), false;
+    if (token.empty() || !holdsOnly(token, LETTERS)) {
+        return Fail("invalid non-alphabetic unit name in '%s'", remainder), false;
     }
-    const Meaning meaning = lookUp(token);
-    if (meaning.unit < 0) return fail("invalid unit name '%s' in '%s'", token, remainder), false;
+    const Meaning meaning = LookUp(token);
+    if (meaning.unit < 0) return Fail("invalid unit name '%s' in '%s'", token, remainder), false;
     if (meaning.prefix >= 0) {
-        for (int i = 0; i < exponent; ++i) multiply(prefix(meaning.prefix));
+        for (int i = 0; i < exponent; ++i) multiply(Prefix(meaning.prefix));
     }
     const auto& [name, found] = units[static_cast<size_t>(meaning.unit)];
     std::vector<std::string>& side = isDivisor ? result.denominator : result.numerator;
@@ -137,21 +137,21 @@ bool UnitModel::apply(std::string token, bool isDivisor, const std::string& rema
         opposite.insert(opposite.end(), found.denominator.begin(), found.denominator.end());
     }
     if (side.size() > 100000 || opposite.size() > 100000) {
-        return fail("invalid integer exponent in '%s'", remainder), false;
+        return Fail("invalid integer exponent in '%s'", remainder), false;
     }
     return true;
 }
 
-std::optional<Reduced> UnitModel::reduce(const std::string& text) {
+std::optional<Reduced> UnitModel::Reduce(const std::string& text) {
     Reduced result;
     if (text == "-primitive") {
         result.isPrimitive = true;
         return result;
     }
     if (std::count(text.begin(), text.end(), '/') >= 2) {
-        return fail("invalid unit string '%s':  only one '%s' allowed", text, "/"), std::nullopt;
+        return Fail("invalid unit string '%s':  only one '%s' allowed", text, "/"), std::nullopt;
     }
-    if (!holdsOnly(text, valid)) return fail("invalid characters in unit string '%s'", text), std::nullopt;
+    if (!holdsOnly(text, VALID)) return Fail("invalid characters in unit string '%s'", text), std::nullopt;
     std::string remainder = text.substr(std::min(text.find_first_not_of(" \t"), text.size()));
     if (startsWithNumber(remainder)) {
         char* end = nullptr;
@@ -166,7 +166,7 @@ std::optional<Reduced> UnitModel::reduce(const std::string& text) {
     for (const std::string& token : split(copy)) {
         if (token == "/") {
             isDivisor = !isDivisor;
-        } else if (!apply(token, isDivisor, remainder, result)) {
+        } else if (!Apply(token, isDivisor, remainder, result)) {
             return std::nullopt;
         }
     }
@@ -176,34 +176,34 @@ std::optional<Reduced> UnitModel::reduce(const std::string& text) {
     return result;
 }
 
-double UnitModel::convert(const std::string& from, const std::string& to) {
-    const std::optional<Reduced> source = reduce(from);
-    const std::optional<Reduced> target = reduce(to);
+double UnitModel::Convert(const std::string& from, const std::string& to) {
+    const std::optional<Reduced> source = Reduce(from);
+    const std::optional<Reduced> target = Reduce(to);
     if (!source || !target) return 0.0;
     const bool isDimensionless = source->numerator.empty() && source->denominator.empty();
     if (!isDimensionless &&
         (source->numerator != target->numerator || source->denominator != target->denominator)) {
-        return fail("'%s' and '%s' have incompatible units", from, to), 0.0;
+        return Fail("'%s' and '%s' have incompatible units", from, to), 0.0;
     }
-    if (target->factor == 0) return fail("illegal zero factor in '%s'", to), 0.0;
+    if (target->factor == 0) return Fail("illegal zero factor in '%s'", to), 0.0;
     return source->factor / target->factor;
 }
 
-void UnitModel::define(const std::string& name, const std::string& definition) {
+void UnitModel::Define(const std::string& name, const std::string& definition) {
     for (const auto& known : units) {
-        if (known.first == name && name[0] != '#') return fail("unit '%s' is already defined", name);
+        if (known.first == name && name[0] != '#') return Fail("unit '%s' is already defined", name);
     }
-    if (name.empty() || !holdsOnly(name, letters)) {
-        return fail("non-alphabetic characters in unit name '%s'", name);
+    if (name.empty() || !holdsOnly(name, LETTERS)) {
+        return Fail("non-alphabetic characters in unit name '%s'", name);
     }
-    const std::optional<Reduced> reduced = reduce(definition);
-    if (!reduced) return fail("'%s' cannot be reduced to primitive units", definition);
+    const std::optional<Reduced> reduced = Reduce(definition);
+    if (!reduced) return Fail("'%s' cannot be reduced to primitive units", definition);
     units.emplace_back(name, *reduced);
 }
 
-bool UnitModel::remove(const std::string& name) {
+bool UnitModel::Remove(const std::string& name) {
     for (auto& known : units) {
-        if (known.first != name || name.empty() || !holdsOnly(name, letters)) continue;
+        if (known.first != name || name.empty() || !holdsOnly(name, LETTERS)) continue;
         known.first[0] = '#';
         return false;
     }

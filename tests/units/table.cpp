@@ -15,96 +15,96 @@ struct Row {
     Dimension dimension;
 };
 
-constexpr Dimension none = {};
-constexpr Dimension length = {1};
-constexpr Dimension area = {2};
-constexpr Dimension volume = {3};
-constexpr Dimension mass = {0, 1};
-constexpr Dimension duration = {0, 0, 1};
-constexpr Dimension frequency = {0, 0, -1};
-constexpr Dimension current = {0, 0, 0, 1};
-constexpr Dimension pressure = {-1, 1, -2};
-constexpr Dimension energy = {2, 1, -2};
-constexpr Dimension charge = {0, 0, 1, 1};
-constexpr Dimension flux = {2, 1, -2, -1};
-constexpr Dimension fluxDensity = {0, 1, -2, -1};
-constexpr Dimension conductance = {-2, -1, 3, 2};
-constexpr Dimension dose = {2, 0, -2};
+constexpr Dimension NONE = {};
+constexpr Dimension LENGTH = {1};
+constexpr Dimension AREA = {2};
+constexpr Dimension VOLUME = {3};
+constexpr Dimension MASS = {0, 1};
+constexpr Dimension DURATION = {0, 0, 1};
+constexpr Dimension FREQUENCY = {0, 0, -1};
+constexpr Dimension CURRENT = {0, 0, 0, 1};
+constexpr Dimension PRESSURE = {-1, 1, -2};
+constexpr Dimension ENERGY = {2, 1, -2};
+constexpr Dimension CHARGE = {0, 0, 1, 1};
+constexpr Dimension FLUX = {2, 1, -2, -1};
+constexpr Dimension FLUX_DENSITY = {0, 1, -2, -1};
+constexpr Dimension CONDUCTANCE = {-2, -1, 3, 2};
+constexpr Dimension DOSE = {2, 0, -2};
 
 // Mass counts in grams, so that every kilogram brings a factor of 1000.
-const Row rows[] = {
-    {"meter", "-primitive", "1", length},
-    {"gram", "-primitive", "1", mass},
-    {"second", "-primitive", "1", duration},
-    {"ampere", "-primitive", "1", current},
+const Row ROWS[] = {
+    {"meter", "-primitive", "1", LENGTH},
+    {"gram", "-primitive", "1", MASS},
+    {"second", "-primitive", "1", DURATION},
+    {"ampere", "-primitive", "1", CURRENT},
     {"kelvin", "-primitive", "1", {0, 0, 0, 0, 1}},
     {"mole", "-primitive", "1", {0, 0, 0, 0, 0, 1}},
     {"candela", "-primitive", "1", {0, 0, 0, 0, 0, 0, 1}},
 
-    {"radian", "meter/meter", "1", none},
-    {"steradian", "meter^2/meter^2", "1", none},
-    {"hertz", "/second", "1", frequency},
+    {"radian", "meter/meter", "1", NONE},
+    {"steradian", "meter^2/meter^2", "1", NONE},
+    {"hertz", "/second", "1", FREQUENCY},
     {"newton", "meter-kilogram/second^2", "1000", {1, 1, -2}},
-    {"pascal", "kilogram/meter-second^2", "1000", pressure},
-    {"joule", "meter^2-kilogram/second^2", "1000", energy},
+    {"pascal", "kilogram/meter-second^2", "1000", PRESSURE},
+    {"joule", "meter^2-kilogram/second^2", "1000", ENERGY},
     {"watt", "meter^2-kilogram/second^3", "1000", {2, 1, -3}},
-    {"coulomb", "second-ampere", "1", charge},
+    {"coulomb", "second-ampere", "1", CHARGE},
     {"volt", "meter^2-kilogram/second^3-ampere", "1000", {2, 1, -3, -1}},
     {"farad", "second^4-ampere^2/meter^2-kilogram", "1E-3", {-2, -1, 4, 2}},
     {"ohm", "meter^2-kilogram/second^3-ampere^2", "1000", {2, 1, -3, -2}},
-    {"siemens", "second^3-ampere^2/meter^2-kilogram", "1E-3", conductance},
-    {"weber", "meter^2-kilogram/second^2-ampere", "1000", flux},
-    {"tesla", "kilogram/second^2-ampere", "1000", fluxDensity},
+    {"siemens", "second^3-ampere^2/meter^2-kilogram", "1E-3", CONDUCTANCE},
+    {"weber", "meter^2-kilogram/second^2-ampere", "1000", FLUX},
+    {"tesla", "kilogram/second^2-ampere", "1000", FLUX_DENSITY},
     {"henry", "meter^2-kilogram/second^2-ampere^2", "1000", {2, 1, -2, -2}},
     {"lumen", "candela-steradian", "1", {0, 0, 0, 0, 0, 0, 1}},
     {"lux", "candela-steradian/meter^2", "1", {-2, 0, 0, 0, 0, 0, 1}},
-    {"becquerel", "/second", "1", frequency},
-    {"gray", "meter^2/second^2", "1", dose},
-    {"sievert", "meter^2/second^2", "1", dose},
+    {"becquerel", "/second", "1", FREQUENCY},
+    {"gray", "meter^2/second^2", "1", DOSE},
+    {"sievert", "meter^2/second^2", "1", DOSE},
 
-    {"acre", "4.04685642E3meter^2", "4.04685642E3", area},
-    {"angstrom", "1.0E-10meter", "1.0E-10", length},
-    {"astronomicalUnit", "1.495979E11meter", "1.495979E11", length},
-    {"atmosphere", "1.01325E5pascal", "1.01325E5 1000", pressure},
-    {"bar", "1.0E5pascal", "1.0E5 1000", pressure},
-    {"calorie", "4.1868joule", "4.1868 1000", energy},
-    {"curie", "3.7E10becquerel", "3.7E10", frequency},
-    {"day", "8.64E4second", "8.64E4", duration},
-    {"degree", "1.745329E-2radian", "1.745329E-2", none},
-    {"electronVolt", "1.60219E-19joule", "1.60219E-19 1000", energy},
-    {"erg", "1.0E-7joule", "1.0E-7 1000", energy},
-    {"faraday", "9.648531coulomb", "9.648531", charge},
-    {"fermi", "1.0E-15meter", "1.0E-15", length},
-    {"foot", "3.048E-1meter", "3.048E-1", length},
-    {"gauss", "1.0E-4tesla", "1.0E-4 1000", fluxDensity},
-    {"gilbert", "7.957747E-1ampere", "7.957747E-1", current},
-    {"grain", "6.479891E-5kilogram", "6.479891E-5 1000", mass},
-    {"hectare", "1.0E4meter^2", "1.0E4", area},
-    {"hour", "3.6E3second", "3.6E3", duration},
-    {"inch", "2.54E-2meter", "2.54E-2", length},
-    {"lightYear", "9.46073E15meter", "9.46073E15", length},
-    {"liter", "1.0E-3meter^3", "1.0E-3", volume},
-    {"maxwell", "1.0E-8weber", "1.0E-8 1000", flux},
-    {"mho", "1.0siemens", "1.0 1E-3", conductance},
-    {"micron", "1.0E-6meter", "1.0E-6", length},
-    {"mil", "2.54E-5meter", "2.54E-5", length},
-    {"mile", "1.609344E3meter", "1.609344E3", length},
-    {"minute", "6.0E1second", "6.0E1", duration},
-    {"ounce", "28.3495231gram", "28.3495231", mass},
-    {"parsec", "3.085E16meter", "3.085E16", length},
-    {"pica", "4.2333333E-3meter", "4.2333333E-3", length},
-    {"pound", "4.535924E-1kilogram", "4.535924E-1 1000", mass},
-    {"revolution", "6.283185radian", "6.283185", none},
-    {"revolutionPerMinute", "1.047198E-1radian/second", "1.047198E-1", frequency},
-    {"week", "6.048E5second", "6.048E5", duration},
-    {"yard", "9.144E-1meter", "9.144E-1", length},
-    {"year", "3.1536E7second", "3.1536E7", duration},
-    {"cup", "0.236588236liter", "0.236588236 1E-3", volume},
-    {"gallon", "16cup", "16 0.236588236 1E-3", volume},
-    {"quart", "4cup", "4 0.236588236 1E-3", volume},
-    {"pint", "2cup", "2 0.236588236 1E-3", volume},
-    {"tablespoon", "0.0625cup", "0.0625 0.236588236 1E-3", volume},
-    {"teaspoon", "0.0208333333333333cup", "0.0208333333333333 0.236588236 1E-3", volume},
+    {"acre", "4.04685642E3meter^2", "4.04685642E3", AREA},
+    {"angstrom", "1.0E-10meter", "1.0E-10", LENGTH},
+    {"astronomicalUnit", "1.495979E11meter", "1.495979E11", LENGTH},
+    {"atmosphere", "1.01325E5pascal", "1.01325E5 1000", PRESSURE},
+    {"bar", "1.0E5pascal", "1.0E5 1000", PRESSURE},
+    {"calorie", "4.1868joule", "4.1868 1000", ENERGY},
+    {"curie", "3.7E10becquerel", "3.7E10", FREQUENCY},
+    {"day", "8.64E4second", "8.64E4", DURATION},
+    {"degree", "1.745329E-2radian", "1.745329E-2", NONE},
+    {"electronVolt", "1.60219E-19joule", "1.60219E-19 1000", ENERGY},
+    {"erg", "1.0E-7joule", "1.0E-7 1000", ENERGY},
+    {"faraday", "9.648531coulomb", "9.648531", CHARGE},
+    {"fermi", "1.0E-15meter", "1.0E-15", LENGTH},
+    {"foot", "3.048E-1meter", "3.048E-1", LENGTH},
+    {"gauss", "1.0E-4tesla", "1.0E-4 1000", FLUX_DENSITY},
+    {"gilbert", "7.957747E-1ampere", "7.957747E-1", CURRENT},
+    {"grain", "6.479891E-5kilogram", "6.479891E-5 1000", MASS},
+    {"hectare", "1.0E4meter^2", "1.0E4", AREA},
+    {"hour", "3.6E3second", "3.6E3", DURATION},
+    {"inch", "2.54E-2meter", "2.54E-2", LENGTH},
+    {"lightYear", "9.46073E15meter", "9.46073E15", LENGTH},
+    {"liter", "1.0E-3meter^3", "1.0E-3", VOLUME},
+    {"maxwell", "1.0E-8weber", "1.0E-8 1000", FLUX},
+    {"mho", "1.0siemens", "1.0 1E-3", CONDUCTANCE},
+    {"micron", "1.0E-6meter", "1.0E-6", LENGTH},
+    {"mil", "2.54E-5meter", "2.54E-5", LENGTH},
+    {"mile", "1.609344E3meter", "1.609344E3", LENGTH},
+    {"minute", "6.0E1second", "6.0E1", DURATION},
+    {"ounce", "28.3495231gram", "28.3495231", MASS},
+    {"parsec", "3.085E16meter", "3.085E16", LENGTH},
+    {"pica", "4.2333333E-3meter", "4.2333333E-3", LENGTH},
+    {"pound", "4.535924E-1kilogram", "4.535924E-1 1000", MASS},
+    {"revolution", "6.283185radian", "6.283185", NONE},
+    {"revolutionPerMinute", "1.047198E-1radian/second", "1.047198E-1", FREQUENCY},
+    {"week", "6.048E5second", "6.048E5", DURATION},
+    {"yard", "9.144E-1meter", "9.144E-1", LENGTH},
+    {"year", "3.1536E7second", "3.1536E7", DURATION},
+    {"cup", "0.236588236liter", "0.236588236 1E-3", VOLUME},
+    {"gallon", "16cup", "16 0.236588236 1E-3", VOLUME},
+    {"quart", "4cup", "4 0.236588236 1E-3", VOLUME},
+    {"pint", "2cup", "2 0.236588236 1E-3", VOLUME},
+    {"tablespoon", "0.0625cup", "0.0625 0.236588236 1E-3", VOLUME},
+    {"teaspoon", "0.0208333333333333cup", "0.0208333333333333 0.236588236 1E-3", VOLUME},
 };
 
 const char* const abbreviations[][2] = {
@@ -164,7 +164,7 @@ const char* const abbreviations[][2] = {
     {"tsp", "teaspoon"},
 };
 
-const char* const prefixNames[][2] = {
+const char* const PREFIX_NAMES[][2] = {
     {"yotta", "1e24"},  {"zetta", "1e21"}, {"exa", "1e18"},    {"peta", "1e15"},  {"tera", "1e12"},
     {"giga", "1e9"},    {"mega", "1e6"},   {"kilo", "1e3"},    {"hecto", "1e2"},  {"deka", "1e1"},
     {"deca", "1e1"},    {"deci", "1e-1"},  {"centi", "1e-2"},  {"milli", "1e-3"}, {"micro", "1e-6"},
@@ -185,11 +185,11 @@ mpq_class product(const char* decimals) {
 
 std::vector<TableUnit> makeUnits() {
     std::vector<TableUnit> units;
-    for (const Row& row : rows) {
+    for (const Row& row : ROWS) {
         units.push_back({row.name, row.definition, product(row.decimals), row.dimension});
     }
     for (const auto& [name, full] : abbreviations) {
-        for (const Row& row : rows) {
+        for (const Row& row : ROWS) {
             if (std::string(row.name) != full) continue;
             units.push_back({name, full, product(row.decimals), row.dimension});
         }
@@ -207,7 +207,7 @@ const std::vector<TableUnit>& tableUnits() {
 const std::vector<TablePrefix>& tablePrefixes() {
     static const std::vector<TablePrefix> prefixes = [] {
         std::vector<TablePrefix> list;
-        for (const auto& [name, factor] : prefixNames) list.push_back({name, factor});
+        for (const auto& [name, factor] : PREFIX_NAMES) list.push_back({name, factor});
         return list;
     }();
     return prefixes;

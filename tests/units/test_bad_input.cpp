@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr size_t huge = 10000;
+constexpr size_t HUGE = 10000;
 
 std::string repeat(const std::string& text, size_t length) {
     std::string result;
@@ -27,7 +27,7 @@ std::string letterName(int number) {
 }
 
 TEST_F(UnitsTest, AHugeName) {
-    const std::string name(huge, 'q');
+    const std::string name(HUGE, 'q');
     EXPECT_EQ(messageOf(name), "invalid unit name '%s' in '%s'");
     EXPECT_EQ(define(name, "3 meter"), "");
     EXPECT_EQ(convert("kilo" + name + "s", "meter"), 3000);
@@ -36,23 +36,23 @@ TEST_F(UnitsTest, AHugeName) {
     EXPECT_EQ(takeMessage(), "'%s' and '%s' have incompatible units");
     EXPECT_FALSE(removeUnit(name.c_str()));
     EXPECT_EQ(define(name + "1", "meter"), "non-alphabetic characters in unit name '%s'");
-    EXPECT_EQ(define(std::string(huge, 's'), "meter"), "");
-    EXPECT_EQ(messageOf(std::string(huge - 1, 's')), "invalid unit name '%s' in '%s'");
+    EXPECT_EQ(define(std::string(HUGE, 's'), "meter"), "");
+    EXPECT_EQ(messageOf(std::string(HUGE - 1, 's')), "invalid unit name '%s' in '%s'");
 }
 
 TEST_F(UnitsTest, AHugeDefinition) {
-    EXPECT_EQ(define("a", std::string(huge, 'q')), "'%s' cannot be reduced to primitive units");
-    EXPECT_EQ(define("a", repeat("meter*", huge)), "");
+    EXPECT_EQ(define("a", std::string(HUGE, 'q')), "'%s' cannot be reduced to primitive units");
+    EXPECT_EQ(define("a", repeat("meter*", HUGE)), "");
     EXPECT_EQ(known("a").factor, 1);
-    EXPECT_EQ(namesOf(known("a"), 1).size(), (huge + 5) / 6);
-    EXPECT_EQ(define("b", repeat("hm/dm ", huge)), "'%s' cannot be reduced to primitive units");
-    EXPECT_EQ(define("b", "/" + repeat("2 ", huge)), "");
-    EXPECT_EQ(reduced(std::string(huge, ' ')), "1.0");
-    EXPECT_EQ(reduced(std::string(huge, '-')), "1.0");
-    EXPECT_EQ(reduced(std::string(huge, '0') + "2"), "2.0");
-    EXPECT_EQ(messageOf(std::string(huge, '^')), "invalid integer exponent in '%s'");
-    EXPECT_EQ(messageOf(std::string(huge, '/')), "invalid unit string '%s':  only one '%s' allowed");
-    EXPECT_EQ(messageOf(std::string(huge, '$')), "invalid characters in unit string '%s'");
+    EXPECT_EQ(namesOf(known("a"), 1).size(), (HUGE + 5) / 6);
+    EXPECT_EQ(define("b", repeat("hm/dm ", HUGE)), "'%s' cannot be reduced to primitive units");
+    EXPECT_EQ(define("b", "/" + repeat("2 ", HUGE)), "");
+    EXPECT_EQ(reduced(std::string(HUGE, ' ')), "1.0");
+    EXPECT_EQ(reduced(std::string(HUGE, '-')), "1.0");
+    EXPECT_EQ(reduced(std::string(HUGE, '0') + "2"), "2.0");
+    EXPECT_EQ(messageOf(std::string(HUGE, '^')), "invalid integer exponent in '%s'");
+    EXPECT_EQ(messageOf(std::string(HUGE, '/')), "invalid unit string '%s':  only one '%s' allowed");
+    EXPECT_EQ(messageOf(std::string(HUGE, '$')), "invalid characters in unit string '%s'");
 }
 
 TEST_F(UnitsTest, EveryByteAsATextAndInsideOne) {
@@ -62,7 +62,7 @@ TEST_F(UnitsTest, EveryByteAsATextAndInsideOne) {
         for (const std::string& text :
              {one, "m" + one + "s", "5" + one + "m", "m/" + one + "2", "m^" + one}) {
             model.message.clear();
-            const bool isValid = model.reduce(text).has_value();
+            const bool isValid = model.Reduce(text).has_value();
             EXPECT_EQ(messageOf(text), model.message) << byte;
             EXPECT_EQ(isValid, model.message.empty());
             EXPECT_EQ(define("wrong" + one + "name1", text),
@@ -76,7 +76,7 @@ TEST_F(UnitsTest, ExponentsUpToAThousand) {
     EXPECT_EQ(convert("meter^1000", "meter^999-meter"), 1);
     EXPECT_EQ(takeMessage(), "");
     EXPECT_EQ(reduced("m^1000/m^999"), "1.0 meter");
-    EXPECT_EQ(reduced("meter^" + std::string(huge, '0') + "2"), "1.0 meter meter");
+    EXPECT_EQ(reduced("meter^" + std::string(HUGE, '0') + "2"), "1.0 meter meter");
 }
 
 TEST_F(UnitsTest, HugeExponentsAreRefusedAtOnce) {
@@ -87,7 +87,7 @@ TEST_F(UnitsTest, HugeExponentsAreRefusedAtOnce) {
         EXPECT_EQ(messageOf(text), "invalid integer exponent in '" + text + "'");
         EXPECT_LT(allocation::peak(), 100000U);
     }
-    EXPECT_EQ(messageOf("meter^" + std::string(huge, '9')), "invalid integer exponent in '%s'");
+    EXPECT_EQ(messageOf("meter^" + std::string(HUGE, '9')), "invalid integer exponent in '%s'");
 }
 
 TEST_F(UnitsTest, AListHoldsAHundredThousandNames) {
@@ -149,7 +149,7 @@ TEST_F(UnitsTest, AllUnitsTogetherAreBounded) {
     changes.begin();
     EXPECT_FALSE(removeUnit("Tt"));
     EXPECT_EQ(define("Tt", "3 all"), "'3 all' cannot be reduced to primitive units");
-    changes.keep();
+    changes.Keep();
     EXPECT_EQ(define("Tt", "3 all"), "");
 }
 

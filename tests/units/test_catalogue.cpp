@@ -177,7 +177,7 @@ class BrokenCatalogue : public UnitsTest {
 protected:
     // What building the catalogue with one table replaced gives; empty for success.
     static std::string build(CatalogueTable table, const TextPair* entries) {
-        CatalogueTables tables = catalogueTables;
+        CatalogueTables tables = CATALOGUE_TABLES;
         tables[table] = entries;
         const int status = buildCatalogue(tables);
         const std::string message = takeMessage();
@@ -186,28 +186,28 @@ protected:
     }
 };
 
-const TextPair wrongUnit[] = {
+const TextPair WRONG_UNIT[] = {
     {"good", "meter"}, {"bad", "2 foo"}, {"unreached", "meter"}, {nullptr, nullptr}};
 
 TEST_F(BrokenCatalogue, ADerivedUnit) {
-    EXPECT_EQ(build(DERIVED_UNITS, wrongUnit), "units failure initializing derived unit 'bad' (2 foo)");
+    EXPECT_EQ(build(DERIVED_UNITS, WRONG_UNIT), "units failure initializing derived unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIUnit) {
-    EXPECT_EQ(build(NON_SI_UNITS, wrongUnit), "units failure initializing non-SI unit 'bad' (2 foo)");
+    EXPECT_EQ(build(NON_SI_UNITS, WRONG_UNIT), "units failure initializing non-SI unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, AnAbbreviation) {
-    EXPECT_EQ(build(ABBREVIATIONS, wrongUnit), "units failure initializing abbreviation 'bad' (2 foo)");
+    EXPECT_EQ(build(ABBREVIATIONS, WRONG_UNIT), "units failure initializing abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIAbbreviation) {
-    EXPECT_EQ(build(NON_SI_ABBREVIATIONS, wrongUnit),
+    EXPECT_EQ(build(NON_SI_ABBREVIATIONS, WRONG_UNIT),
               "units failure initializing non-SI abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
-    build(DERIVED_UNITS, wrongUnit);
+    build(DERIVED_UNITS, WRONG_UNIT);
     EXPECT_NE(unitTable.Find("candela"), nullptr);
     EXPECT_EQ(unitTable.Find("bad"), nullptr);
     EXPECT_EQ(unitTable.Find("unreached"), nullptr);

@@ -21,7 +21,7 @@ TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
     EXPECT_EQ(define("Q", "5 m"), "");
     EXPECT_EQ(define("B", "12 Q"), "");
     EXPECT_DOUBLE_EQ(convert("B", "m"), 60.0);
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_EQ(unitTable.Find("B"), record);
     EXPECT_DOUBLE_EQ(convert("B", "m"), 24.0);
     EXPECT_EQ(unitTable.Find("Q"), nullptr);
@@ -36,7 +36,7 @@ TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
     removeUnit("smoot");
     define("smoot", "2 m");
     removeUnit("smoot");
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_EQ(unitTable.Find("smoot"), nullptr);
     EXPECT_EQ(define("smoot", "3 m"), "");
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 3.0);
@@ -48,7 +48,7 @@ TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
     removeUnit("hour");
     define("hour", "2 s");
     removeUnit("h");
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_DOUBLE_EQ(convert("hour", "s"), 3600.0);
     EXPECT_EQ(define("Q", "m"), "");
     EXPECT_LT(unitTable.Find("hour")->position, unitTable.Find("h")->position);
@@ -59,7 +59,7 @@ TEST_F(UnitChanges, theCatalogueBuiltMeanwhileStays) {
     changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("foot");
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_EQ(unitTable.Find("smoot"), nullptr);
     EXPECT_DOUBLE_EQ(convert("foot", "inch"), 12.0);
 }
@@ -69,12 +69,12 @@ TEST_F(UnitChanges, changesThatAreKeptStay) {
     changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("old");
-    changes.keep();
-    changes.takeBack();
+    changes.Keep();
+    changes.TakeBack();
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
     EXPECT_TRUE(removeUnit("old"));
     removeUnit("smoot");
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_TRUE(removeUnit("smoot"));
 }
 
@@ -88,7 +88,7 @@ TEST_F(UnitChanges, manyChangesAreTakenBack) {
         for (int rest = i; rest != 0; rest /= 26) name += static_cast<char>('a' + rest % 26);
         ASSERT_EQ(define(name, "m"), "") << name;
     }
-    changes.takeBack();
+    changes.TakeBack();
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 1.7018);
     EXPECT_EQ(unitTable.Find("xb"), nullptr);
     EXPECT_EQ(unitTable.Find("xaab"), nullptr);
@@ -102,11 +102,11 @@ TEST_F(UnitChanges, aRemovedUnitFreesItsNames) {
         removeUnit("x");
         changes.begin();
         define("x", "many^50/s^1000");
-        changes.takeBack();
+        changes.TakeBack();
         define("x", "many^50/s^1000");
         changes.begin();
         removeUnit("x");
-        changes.keep();
+        changes.Keep();
     }
     EXPECT_LE(allocation::live() - before, 2U); // the index may have grown
 }

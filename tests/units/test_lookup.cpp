@@ -94,26 +94,26 @@ TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
         if (i % 100 == 0 && !name.empty()) { // now and then a user's unit comes or a unit goes
             const std::string definition = std::to_string(i + 2) + "meter";
             model.message.clear();
-            model.define(name, definition);
+            model.Define(name, definition);
             ASSERT_EQ(define(name, definition), model.message);
             names.push_back(name);
             const std::string& gone = names[random() % names.size()];
             if (random() % 4 == 0) {
-                ASSERT_EQ(removeUnit(gone.c_str()), model.remove(gone)) << gone;
+                ASSERT_EQ(removeUnit(gone.c_str()), model.Remove(gone)) << gone;
             }
         }
-        const UnitModel::Meaning expected = model.lookUp(name);
+        const UnitModel::Meaning expected = model.LookUp(name);
         const UnitReading actual = unitTable.FindFactor(name);
         ASSERT_EQ(actual.found != nullptr, expected.unit >= 0) << name;
         if (actual.found == nullptr) continue;
         ++found;
         ASSERT_EQ(actual.prefix != nullptr, expected.prefix >= 0) << name;
-        ASSERT_EQ(actual.found->reduced.factor, model.unit(expected.unit).factor) << name;
-        const Reduced& unit = model.unit(expected.unit);
+        ASSERT_EQ(actual.found->reduced.factor, model.Unit(expected.unit).factor) << name;
+        const Reduced& unit = model.Unit(expected.unit);
         const std::vector<std::string> itself = {std::string(actual.name)};
         ASSERT_EQ(namesOf(actual.found->reduced, 1), unit.isPrimitive ? itself : unit.numerator) << name;
         if (actual.prefix != nullptr) {
-            ASSERT_EQ(actual.prefix->factor, model.prefix(expected.prefix)) << name;
+            ASSERT_EQ(actual.prefix->factor, model.Prefix(expected.prefix)) << name;
         }
     }
     EXPECT_GT(found, 10000);

@@ -213,33 +213,33 @@ TEST_F(UnitsTest, TheReducedTextIsReusedByTheNextCall) {
 
 class Expressions {
 public:
-    std::string next() {
-        std::string text = below(3) == 0 ? number() : "";
-        for (unsigned n = below(5); n > 0; --n) {
-            text += factor();
+    std::string Next() {
+        std::string text = Below(3) == 0 ? Number() : "";
+        for (unsigned n = Below(5); n > 0; --n) {
+            text += Factor();
             static const char* const between[] = {" ", "*", "-", "/", "\t", " / ", "", "  "};
-            text += between[below(8)];
+            text += between[Below(8)];
         }
-        if (below(20) == 0) text.insert(below(static_cast<unsigned>(text.size()) + 1), 1, oddCharacter());
+        if (Below(20) == 0) text.insert(Below(static_cast<unsigned>(text.size()) + 1), 1, OddCharacter());
         return text;
     }
 
 private:
-    unsigned below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
-    char oddCharacter() { return "$#^/-+.0e_E()\x80\xff\n"[below(16)]; }
-    std::string number() {
+    unsigned Below(unsigned limit) { return static_cast<unsigned>(random() % limit); }
+    char OddCharacter() { return "$#^/-+.0e_E()\x80\xff\n"[Below(16)]; }
+    std::string Number() {
         static const char* const numbers[] = {"0",  "5",    "1.5E3", "-2",    "+.25",
                                               "1e", "0x1F", "7E-2",  "1e400", "."};
-        return numbers[below(10)];
+        return numbers[Below(10)];
     }
-    std::string factor() {
+    std::string Factor() {
         static const char* const prefixes[] = {"", "", "k", "da", "d", "m", "kilo", "exa", "E", "milli"};
         static const char* const units[] = {"meter", "m",      "s",      "inch", "N",   "acre",
                                             "h",     "ampere", "newton", "lux",  "min", "radian",
                                             "gray",  "ax",     "x",      "foo",  "T",   "mol"};
         static const char* const endings[] = {"", "", "", "s", "es", "^2", "^1", "^10", "^0", "s^3"};
-        if (below(12) == 0) return number();
-        return std::string(prefixes[below(10)]) + units[below(18)] + endings[below(10)];
+        if (Below(12) == 0) return Number();
+        return std::string(prefixes[Below(10)]) + units[Below(18)] + endings[Below(10)];
     }
     std::mt19937 random = seededRandom();
 };
@@ -250,13 +250,13 @@ TEST_F(UnitsTest, RandomExpressionsReduceAsInTheModel) {
     UnitModel model;
     for (const auto& [name, definition] : {std::pair{"ax", "2.5 meter"}, {"x", "3 kelvin"}}) {
         EXPECT_EQ(define(name, definition), "");
-        model.define(name, definition);
+        model.Define(name, definition);
     }
     int successes = 0;
     for (int i = 0; i < 100000; ++i) {
-        const std::string text = expressions.next();
+        const std::string text = expressions.Next();
         model.message.clear();
-        const std::optional<Reduced> expected = model.reduce(text);
+        const std::optional<Reduced> expected = model.Reduce(text);
         const std::optional<ReducedUnit> actual = reduceUnit(text.c_str());
         ASSERT_EQ(takeMessage(), model.message) << text;
         ASSERT_EQ(actual.has_value(), expected.has_value()) << text;

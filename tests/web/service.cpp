@@ -12,54 +12,54 @@
 #include <unistd.h>
 #include <utility>
 
-const char* const kResult = "<div id=\"pod_0200\"><img title=\"8.047 km (kilometers)\" alt=\"other\"></div>";
-const char* const kResultTitle = "8.047 km (kilometers)";
+const char* const RESULT = "<div id=\"pod_0200\"><img title=\"8.047 km (kilometers)\" alt=\"other\"></div>";
+const char* const RESULT_TITLE = "8.047 km (kilometers)";
 
-Service::Service(std::string answer, Manner manner) : bytes_(std::move(answer)), manner_(manner) {
+Service::Service(std::string answer, Manner manner) : bytes(std::move(answer)), manner(manner) {
     std::signal(SIGPIPE, SIG_IGN); // a client may hang up first
-    listener_ = socket(AF_INET, SOCK_STREAM, 0);
-    fcntl(listener_, F_SETFD, FD_CLOEXEC);
+    listener = socket(AF_INET, SOCK_STREAM, 0);
+    fcntl(listener, F_SETFD, FD_CLOEXEC);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t size = sizeof address;
     auto* const any = reinterpret_cast<sockaddr*>(&address);
-    if (listener_ < 0 || bind(listener_, any, size) != 0 || listen(listener_, 8) != 0 ||
-        getsockname(listener_, any, &size) != 0) {
+    if (listener < 0 || bind(listener, any, size) != 0 || listen(listener, 8) != 0 ||
+        getsockname(listener, any, &size) != 0) {
         ADD_FAILURE() << "no loopback socket";
         return;
     }
-    port_ = ntohs(address.sin_port);
-    worker_ = std::thread([this] { serve(); });
+    port = ntohs(address.sin_port);
+    worker = std::thread([this] { Serve(); });
 }
 
 Service::~Service() {
-    ends_ = true;
-    shutdown(listener_, SHUT_RDWR); // accept returns
-    if (worker_.joinable()) worker_.join();
-    close(listener_);
+    ends = true;
+    shutdown(listener, SHUT_RDWR); // accept returns
+    if (worker.joinable()) worker.join();
+    close(listener);
 }
 
-std::string Service::request() const {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    return request_;
+std::string Service::Request() const {
+    const std::lock_guard<std::mutex> lock(mutex);
+    return request;
 }
 
-void Service::waitForRequest() const {
-    while (request().empty()) usleep(2000);
+void Service::WaitForRequest() const {
+    while (Request().empty()) usleep(2000);
 }
 
-void Service::serve() {
-    while (!ends_) {
-        const int connection = accept(listener_, nullptr, nullptr);
+void Service::Serve() {
+    while (!ends) {
+        const int connection = accept(listener, nullptr, nullptr);
         if (connection < 0) return;
         fcntl(connection, F_SETFD, FD_CLOEXEC);
-        answer(connection);
+        Answer(connection);
         close(connection);
     }
 }
 
-void Service::answer(int connection) {
+void Service::Answer(int connection) {
     std::string head;
     char buffer[1000];
     while (head.find("\r\n\r\n") == std::string::npos) {
@@ -68,18 +68,18 @@ void Service::answer(int connection) {
         head.append(buffer, static_cast<std::size_t>(count));
     }
     {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        request_ = head.substr(0, head.find("\r\n"));
+        const std::lock_guard<std::mutex> lock(mutex);
+        request = head.substr(0, head.find("\r\n"));
     }
-    if (manner_ == Manner::HangsUp) return;
-    for (std::size_t sent = 0; manner_ != Manner::NeverAnswers && sent < bytes_.size();) {
-        const ssize_t count = send(connection, bytes_.data() + sent, bytes_.size() - sent, 0);
+    if (manner == Manner::HangsUp) return;
+    for (std::size_t sent = 0; manner != Manner::NeverAnswers && sent < bytes.size();) {
+        const ssize_t count = send(connection, bytes.data() + sent, bytes.size() - sent, 0);
         if (count <= 0) return;
         sent += static_cast<std::size_t>(count);
     }
-    while (manner_ != Manner::Answers && !ends_) {
+    while (manner != Manner::Answers && !ends) {
         usleep(20000);
-        if (manner_ == Manner::Drips && send(connection, " ", 1, 0) < 0) return;
+        if (manner == Manner::Drips && send(connection, " ", 1, 0) < 0) return;
     }
 }
 

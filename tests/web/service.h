@@ -24,26 +24,26 @@ public:
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    std::string address() const { return "http://127.0.0.1:" + std::to_string(port_); }
+    std::string Address() const { return "http://127.0.0.1:" + std::to_string(port); }
 
     // The first line of the last request.
-    std::string request() const;
+    std::string Request() const;
 
     // Waits until a request has come.
-    void waitForRequest() const;
+    void WaitForRequest() const;
 
 private:
-    void serve();
-    void answer(int connection);
+    void Serve();
+    void Answer(int connection);
 
-    const std::string bytes_;
-    const Manner manner_;
-    mutable std::mutex mutex_;
-    std::string request_;
-    int listener_ = -1;
-    int port_ = 0;
-    std::atomic<bool> ends_{false};
-    std::thread worker_;
+    const std::string bytes;
+    const Manner manner;
+    mutable std::mutex mutex;
+    std::string request;
+    int listener = -1;
+    int port = 0;
+    std::atomic<bool> ends{false};
+    std::thread worker;
 };
 
 // A response with a status such as "200 OK".
@@ -53,8 +53,8 @@ std::string response(const std::string& status, const std::string& body);
 std::string page(const std::string& body);
 
 // The part of a page that holds an answer, and that answer.
-extern const char* const kResult;
-extern const char* const kResultTitle;
+extern const char* const RESULT;
+extern const char* const RESULT_TITLE;
 
 // Whether this process has children, running or ended.
 bool hasChildren();

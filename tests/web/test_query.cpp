@@ -15,14 +15,14 @@
 
 namespace {
 
-constexpr const char* kQuery = "convert+5+miles+to+km";
+constexpr const char* QUERY = "convert+5+miles+to+km";
 
 bool never() {
     return false;
 }
 
 std::string ask(const std::string& address, int seconds = 10) {
-    std::string answer = askService(address, kQuery, seconds, never);
+    std::string answer = askService(address, QUERY, seconds, never);
     EXPECT_FALSE(hasChildren());
     return answer;
 }
@@ -30,36 +30,36 @@ std::string ask(const std::string& address, int seconds = 10) {
 // What comes of the bytes that a service sends.
 std::string answerTo(const std::string& bytes) {
     const Service service(bytes);
-    std::string answer = ask(service.address());
-    EXPECT_EQ(service.request(), "GET /input/?i=convert+5+miles+to+km HTTP/1.1");
+    std::string answer = ask(service.Address());
+    EXPECT_EQ(service.Request(), "GET /input/?i=convert+5+miles+to+km HTTP/1.1");
     return answer;
 }
 
 // A variable of the environment that has another value for a while.
 class Variable {
 public:
-    Variable(const char* name, const std::string& value) : name_(name) {
-        const char* const before = std::getenv(name);
-        existed_ = before != nullptr;
-        if (existed_) before_ = before;
+    Variable(const char* name, const std::string& value) : name(name) {
+        const char* const found = std::getenv(name);
+        existed = found != nullptr;
+        if (existed) before = found;
         setenv(name, value.c_str(), 1);
     }
-    ~Variable() { existed_ ? setenv(name_, before_.c_str(), 1) : unsetenv(name_); }
+    ~Variable() { existed ? setenv(name, before.c_str(), 1) : unsetenv(name); }
     Variable(const Variable&) = delete;
     Variable& operator=(const Variable&) = delete;
 
 private:
-    const char* name_;
-    bool existed_;
-    std::string before_;
+    const char* name;
+    bool existed;
+    std::string before;
 };
 
 // --- The answer in the page ---
 
 TEST(Query, TheTitleOfTheResultIsTheAnswer) {
-    EXPECT_EQ(answerTo(page(kResult)), kResultTitle);
-    EXPECT_EQ(answerTo(page(std::string("<img title=\"the input\">") + kResult + "<img title=\"later\">")),
-              kResultTitle);
+    EXPECT_EQ(answerTo(page(RESULT)), RESULT_TITLE);
+    EXPECT_EQ(answerTo(page(std::string("<img title=\"the input\">") + RESULT + "<img title=\"later\">")),
+              RESULT_TITLE);
 }
 
 TEST(Query, TheFirstTitleBehindTheMarkCounts) {
@@ -91,13 +91,13 @@ TEST(Query, AnAnswerMayHaveAnyOtherCharacters) {
 
 TEST(Query, APageThatIsNotUtf8HoldsNoAnswer) {
     EXPECT_EQ(answerTo(page("pod_0200 title=\"8 km\xB2\"")), "");
-    EXPECT_EQ(answerTo(page(std::string(kResult) + "\xFF\xFE")), "");
+    EXPECT_EQ(answerTo(page(std::string(RESULT) + "\xFF\xFE")), "");
 }
 
 TEST(Query, APageIsReadUpToItsLimit) {
-    const std::string result = kResult;
+    const std::string result = RESULT;
     const std::string longest = result + std::string(LONGEST_PAGE - result.size(), 'x');
-    EXPECT_EQ(answerTo(response("200 OK", longest)), kResultTitle);
+    EXPECT_EQ(answerTo(response("200 OK", longest)), RESULT_TITLE);
     EXPECT_EQ(answerTo(response("200 OK", longest + "x")), "");
 }
 
@@ -106,29 +106,29 @@ TEST(Query, APageIsReadUpToItsLimit) {
 TEST(Query, APageWithAnErrorStatusHoldsNoAnswer) {
     for (const char* const status : {"404 Not Found", "500 Internal Server Error", "503 Service Unavailable",
                                      "300 Multiple Choices", "401 Unauthorized"}) {
-        EXPECT_EQ(answerTo(response(status, kResult)), "") << status;
+        EXPECT_EQ(answerTo(response(status, RESULT)), "") << status;
     }
-    EXPECT_EQ(answerTo(std::string("this is not HTTP\r\n\r\n") + kResult), "");
+    EXPECT_EQ(answerTo(std::string("this is not HTTP\r\n\r\n") + RESULT), "");
 }
 
 TEST(Query, APageThatIsCutHoldsNoAnswer) {
-    EXPECT_EQ(answerTo("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(kResult)), "");
+    EXPECT_EQ(answerTo("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(RESULT)), "");
 }
 
 TEST(Query, ARedirectionIsFollowed) {
-    const Service target(page(kResult));
+    const Service target(page(RESULT));
     const std::string head = "HTTP/1.1 302 Found\r\nContent-Length: 0\r\nConnection: close\r\nLocation: ";
-    const Service service(head + target.address() + "/m\r\n\r\n");
-    EXPECT_EQ(ask(service.address()), kResultTitle);
-    EXPECT_EQ(target.request(), "GET /m HTTP/1.1");
+    const Service service(head + target.Address() + "/m\r\n\r\n");
+    EXPECT_EQ(ask(service.Address()), RESULT_TITLE);
+    EXPECT_EQ(target.Request(), "GET /m HTTP/1.1");
 }
 
 TEST(Query, ARedirectionThatLeadsNowhereIsNoAnswer) {
     const std::string head =
-        "HTTP/1.1 302 Found\r\nContent-Length: " + std::to_string(std::string(kResult).size()) +
+        "HTTP/1.1 302 Found\r\nContent-Length: " + std::to_string(std::string(RESULT).size()) +
         "\r\nConnection: close\r\nLocation: ";
     for (const char* const place : {"file:///etc/passwd", "/input/?i=convert+5+miles+to+km"}) {
-        EXPECT_EQ(answerTo(head + place + "\r\n\r\n" + kResult), "") << place;
+        EXPECT_EQ(answerTo(head + place + "\r\n\r\n" + RESULT), "") << place;
     }
 }
 
@@ -141,29 +141,29 @@ TEST(Query, AnAddressThatIsNoneIsNoAnswer) {
 
 TEST(Query, AConnectionThatIsHungUpIsNoAnswer) {
     const Service service("", Service::Manner::HangsUp);
-    EXPECT_EQ(ask(service.address()), "");
+    EXPECT_EQ(ask(service.Address()), "");
 }
 
 // Nothing else would end these waits.
 TEST(Query, AServiceIsWaitedForOnlySoLong) {
     const Service silent("", Service::Manner::NeverAnswers);
-    EXPECT_EQ(ask(silent.address(), 1), "");
-    const Service endless("HTTP/1.1 200 OK\r\n\r\n" + std::string(kResult), Service::Manner::Drips);
-    EXPECT_EQ(ask(endless.address(), 1), "");
+    EXPECT_EQ(ask(silent.Address(), 1), "");
+    const Service endless("HTTP/1.1 200 OK\r\n\r\n" + std::string(RESULT), Service::Manner::Drips);
+    EXPECT_EQ(ask(endless.Address(), 1), "");
 }
 
 TEST(Query, WhoeverGivesUpIsAskedMeanwhileAndLeavesNoProcessBehind) {
     const Service service("", Service::Manner::NeverAnswers);
     int questions = 0;
-    EXPECT_EQ(askService(service.address(), kQuery, 60, [&] { return ++questions == 3; }), "");
+    EXPECT_EQ(askService(service.Address(), QUERY, 60, [&] { return ++questions == 3; }), "");
     EXPECT_EQ(questions, 3);
     EXPECT_FALSE(hasChildren());
 }
 
 TEST(Query, WithoutTheProgramThereIsNoAnswer) {
-    const Service service(page(kResult));
+    const Service service(page(RESULT));
     const Variable path("PATH", "/nonexistent");
-    EXPECT_EQ(ask(service.address()), "");
+    EXPECT_EQ(ask(service.Address()), "");
 }
 
 // --- What must not matter ---
@@ -176,7 +176,7 @@ TEST(Query, APersonsSettingsOfTheProgramDoNotMatter) {
     {
         const Variable home("HOME", folder);
         const Variable curlHome("CURL_HOME", folder);
-        EXPECT_EQ(answerTo(page(kResult)), kResultTitle);
+        EXPECT_EQ(answerTo(page(RESULT)), RESULT_TITLE);
     }
     std::remove(settings.c_str());
     rmdir(folder.c_str());
@@ -184,7 +184,7 @@ TEST(Query, APersonsSettingsOfTheProgramDoNotMatter) {
 
 TEST(Query, AProcessThatIgnoresItsChildrenGetsTheAnswer) {
     const auto before = std::signal(SIGCHLD, SIG_IGN);
-    EXPECT_EQ(answerTo(page(kResult)), kResultTitle);
+    EXPECT_EQ(answerTo(page(RESULT)), RESULT_TITLE);
     std::signal(SIGCHLD, before);
 }
 

@@ -7,9 +7,9 @@
 
 class Closing : public ConsoleTest {
 protected:
-    void load(const std::string& script) {
+    void Load(const std::string& script) {
         const std::string path = home + "/a.script";
-        write(path, script);
+        Write(path, script);
         EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:path.c_str()]]);
     }
 };
@@ -35,23 +35,23 @@ TEST_F(Closing, onlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
     [other setReleasedWhenClosed:NO];
     [other orderFront:nil];
     askToClose(other);
-    load("pause 50\nx=1\n");
+    Load("pause 50\nx=1\n");
     EXPECT_NE(calc.VariableExists("x"), nullptr);
     EXPECT_FALSE([other isVisible]);
     askToClose(window);
-    load("pause 50\ny=1\n");
+    Load("pause 50\ny=1\n");
     EXPECT_EQ(calc.VariableExists("y"), nullptr);
     [other release];
 }
 
 // A million sines take some seconds when nothing ends them.
 TEST_F(Closing, theEndOfTheCalculatorsWindowEndsALongEntry) {
-    enter("d0(x)=sin(x)");
+    Enter("d0(x)=sin(x)");
     for (int level = 1; level <= 6; level++) {
         const std::string call = "d" + std::to_string(level - 1) + "(x)";
         std::string line = "d" + std::to_string(level) + "(x)=" + call;
         for (int i = 1; i < 10; i++) line += "+" + call;
-        enter(line.c_str());
+        Enter(line.c_str());
     }
     askToClose(window);
     [console ProcessResult:"y=d6(1)":NO];

@@ -48,7 +48,7 @@ TEST_F(FilesAndPages, thePanelsForFilesAreMadeAnewAtEveryOpening) {
 TEST_F(FilesAndPages, gospelOpensThePageInTheBrowser) {
     // A program of the name that opens pages, which writes down what it was given.
     const std::string opener = home + "/xdg-open";
-    write(opener, "#!/bin/sh\nprintf %s \"$1\" >\"" + home + "/part\" && mv \"" + home + "/part\" \"" + home +
+    Write(opener, "#!/bin/sh\nprintf %s \"$1\" >\"" + home + "/part\" && mv \"" + home + "/part\" \"" + home +
                       "/opened\"\n");
     ASSERT_EQ(chmod(opener.c_str(), 0700), 0);
     NSString* const path = [NSString stringWithFormat:@"%s:/usr/bin:/bin", home.c_str()];
@@ -56,9 +56,9 @@ TEST_F(FilesAndPages, gospelOpensThePageInTheBrowser) {
     const Replaced replaced([NSProcessInfo class], @selector(environment), environmentOfPrograms);
     setPage(@"http://page.invalid/a?b=c&d");
     [console RunGUICommand:"gospel"];
-    EXPECT_EQ(text(), "> \n<<< opening URL >>>\n\n> ");
-    for (int i = 0; i < 200 && !exists(home + "/opened"); i++) run(0.05);
-    EXPECT_EQ(read(home + "/opened"), "http://page.invalid/a?b=c&d");
+    EXPECT_EQ(Text(), "> \n<<< opening URL >>>\n\n> ");
+    for (int i = 0; i < 200 && !Exists(home + "/opened"); i++) Run(0.05);
+    EXPECT_EQ(Read(home + "/opened"), "http://page.invalid/a?b=c&d");
     setPage(@"");
 }
 

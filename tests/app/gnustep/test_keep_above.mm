@@ -22,26 +22,26 @@ protected:
         ASSERT_NE(manager, nullptr);
         XSelectInput(manager, DefaultRootWindow(manager), SubstructureNotifyMask);
         XSync(manager, True);
-        open();
-        asked();
+        Open();
+        Asked();
     }
     void TearDown() override {
         if (manager) XCloseDisplay(manager);
         PanelTest::TearDown();
     }
 
-    static Window deviceOf(NSWindow* one) {
+    static Window DeviceOf(NSWindow* one) {
         return reinterpret_cast<Window>(
             [GSServerForWindow(one) windowDevice:static_cast<int>([one windowNumber])]);
     }
 
-    std::string nameOf(Window device) const {
-        if (device == deviceOf(window)) return "calculator";
-        return device == deviceOf(panel) ? "preferences" : "another";
+    std::string NameOf(Window device) const {
+        if (device == DeviceOf(window)) return "calculator";
+        return device == DeviceOf(panel) ? "preferences" : "another";
     }
 
     // The requests since the last call, each once: the window with "+" for above and "-" for no longer.
-    std::vector<std::string> asked() const {
+    std::vector<std::string> Asked() const {
         XSync(static_cast<Display*>([GSServerForWindow(window) serverDevice]), False);
         XSync(manager, False);
         std::vector<std::string> all;
@@ -54,60 +54,60 @@ protected:
             if (message.message_type != XInternAtom(manager, "_NET_WM_STATE", False) ||
                 static_cast<Atom>(message.data.l[1]) != above)
                 continue;
-            const std::string one = nameOf(message.window) + (message.data.l[0] == 1 ? "+" : "-");
+            const std::string one = NameOf(message.window) + (message.data.l[0] == 1 ? "+" : "-");
             if (std::find(all.begin(), all.end(), one) == all.end()) all.push_back(one);
         }
         std::sort(all.begin(), all.end());
         return all;
     }
 
-    using Asked = std::vector<std::string>;
+    using Requests = std::vector<std::string>;
 
     Display* manager = nullptr;
 };
 
 TEST_F(KeepAbove, theWindowManagerIsAskedForAllWindowsThatAreShown) {
-    tick(controls.prefAlwaysTop, true);
-    EXPECT_EQ(asked(), Asked({"calculator+", "preferences+"}));
-    tick(controls.prefAlwaysTop, false);
-    EXPECT_EQ(asked(), Asked({"calculator-", "preferences-"}));
+    Tick(controls.prefAlwaysTop, true);
+    EXPECT_EQ(Asked(), Requests({"calculator+", "preferences+"}));
+    Tick(controls.prefAlwaysTop, false);
+    EXPECT_EQ(Asked(), Requests({"calculator-", "preferences-"}));
 }
 
 TEST_F(KeepAbove, theLevelIsNotGNUsteps) {
     // It would take the window out of the lists of windows.
-    tick(controls.prefAlwaysTop, true);
+    Tick(controls.prefAlwaysTop, true);
     const IMP level = class_getMethodImplementation([NSWindow class], @selector(level));
     EXPECT_EQ(reinterpret_cast<NSInteger (*)(id, SEL)>(level)(window, @selector(level)), NSNormalWindowLevel);
     EXPECT_EQ([window level], NSFloatingWindowLevel);
 }
 
 TEST_F(KeepAbove, aWindowThatComesBackIsAskedForAgain) {
-    tick(controls.prefAlwaysTop, true);
-    close();
-    asked();
+    Tick(controls.prefAlwaysTop, true);
+    Close();
+    Asked();
     [window orderOut:nil];
-    EXPECT_EQ(asked(), Asked());
+    EXPECT_EQ(Asked(), Requests());
     [window orderFront:nil];
-    EXPECT_EQ(asked(), Asked({"calculator+"}));
-    tick(controls.prefAlwaysTop, false);
-    asked();
+    EXPECT_EQ(Asked(), Requests({"calculator+"}));
+    Tick(controls.prefAlwaysTop, false);
+    Asked();
     [window orderOut:nil];
     [window orderFront:nil];
-    EXPECT_EQ(asked(), Asked());
+    EXPECT_EQ(Asked(), Requests());
 }
 
 TEST_F(KeepAbove, anotherWindowComesInFrontOfIt) {
-    tick(controls.prefAlwaysTop, true);
-    asked();
+    Tick(controls.prefAlwaysTop, true);
+    Asked();
     // Without a window manager no focus comes and goes.
     [panel resignKeyWindow];
     [panel becomeKeyWindow];
-    EXPECT_EQ(asked(), Asked({"preferences+"}));
-    tick(controls.prefAlwaysTop, false);
-    asked();
+    EXPECT_EQ(Asked(), Requests({"preferences+"}));
+    Tick(controls.prefAlwaysTop, false);
+    Asked();
     [panel resignKeyWindow];
     [panel becomeKeyWindow];
-    EXPECT_EQ(asked(), Asked());
+    EXPECT_EQ(Asked(), Requests());
 }
 
 } // namespace

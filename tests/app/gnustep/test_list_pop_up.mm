@@ -33,7 +33,7 @@ protected:
     void SetUp() override {
         scale = 1;
         ConsoleTest::SetUp();
-        place();
+        Place();
     }
 
     void TearDown() override {
@@ -44,7 +44,7 @@ protected:
     }
 
     // With more room below the button than above it.
-    void place() {
+    void Place() {
         [window setFrameOrigin:NSMakePoint(100, 500)];
         button = makeListPopUp(@"Pick");
         [button setFrame:NSMakeRect(100, 60, 80, 20)];
@@ -55,34 +55,34 @@ protected:
         [button setAction:@selector(choose:)];
     }
 
-    void add(NSString* title) {
+    void Add(NSString* title) {
         NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:title action:NULL
                                                       keyEquivalent:@""] autorelease];
         [[button menu] addItem:item];
     }
 
-    void addRows(int count) {
+    void AddRows(int count) {
         [[button menu] setMenuChangedMessagesEnabled:NO]; // as the console fills its lists
-        for (int i = 0; i < count; i++) add([NSString stringWithFormat:@"row%d\t%d", i, i * i]);
+        for (int i = 0; i < count; i++) Add([NSString stringWithFormat:@"row%d\t%d", i, i * i]);
     }
 
     // In the window's own units: `down` points below the button's lower edge.
-    NSPoint below(CGFloat down) const {
+    NSPoint Below(CGFloat down) const {
         const NSRect frame = [button convertRect:[button bounds] toView:nil];
         return NSMakePoint(NSMinX(frame) + 20 * scale, NSMinY(frame) - down * scale);
     }
 
     // Of a list with `count` rows as it is opened, from the button's lower edge.
-    CGFloat heightOfRow(int row, bool scrolls = false) const {
+    CGFloat HeightOfRow(int row, bool scrolls = false) const {
         return EDGE + (scrolls ? STRIP : 0) + (row + 0.5) * ROW;
     }
 
-    int rowsInSight() const {
-        const CGFloat room = [window convertBaseToScreen:below(0)].y / scale - SCREEN_GAP;
+    int RowsInSight() const {
+        const CGFloat room = [window convertBaseToScreen:Below(0)].y / scale - SCREEN_GAP;
         return static_cast<int>((room - 2 * (EDGE + STRIP)) / ROW);
     }
 
-    NSEvent* mouse(NSEventType type, NSPoint where) const {
+    NSEvent* Mouse(NSEventType type, NSPoint where) const {
         return [NSEvent mouseEventWithType:type
                                   location:where
                              modifierFlags:0
@@ -94,11 +94,11 @@ protected:
                                   pressure:0];
     }
 
-    static void postEvent(NSEvent* event) { [NSApp postEvent:event atStart:NO]; }
-    void postMouse(NSEventType type, NSPoint where) const { postEvent(mouse(type, where)); }
+    static void PostEvent(NSEvent* event) { [NSApp postEvent:event atStart:NO]; }
+    void PostMouse(NSEventType type, NSPoint where) const { PostEvent(Mouse(type, where)); }
 
-    void postKey(NSString* characters, NSTimeInterval time = 0, NSUInteger flags = 0) const {
-        postEvent([NSEvent keyEventWithType:NSKeyDown
+    void PostKey(NSString* characters, NSTimeInterval time = 0, NSUInteger flags = 0) const {
+        PostEvent([NSEvent keyEventWithType:NSKeyDown
                                    location:NSZeroPoint
                               modifierFlags:flags
                                   timestamp:time
@@ -110,10 +110,10 @@ protected:
                                     keyCode:0]);
     }
 
-    void postKey(unichar key) const { postKey([NSString stringWithCharacters:&key length:1]); }
+    void PostKey(unichar key) const { PostKey([NSString stringWithCharacters:&key length:1]); }
 
-    void postTick() const {
-        postEvent([NSEvent otherEventWithType:NSPeriodic
+    void PostTick() const {
+        PostEvent([NSEvent otherEventWithType:NSPeriodic
                                      location:NSZeroPoint
                                 modifierFlags:0
                                     timestamp:0
@@ -125,27 +125,27 @@ protected:
     }
 
     // A press on the button; returns when the events posted before have closed the list.
-    std::string choose() {
+    std::string Choose() {
         target->chosen.clear();
         const NSRect frame = [button convertRect:[button bounds] toView:nil];
-        [button mouseDown:mouse(NSLeftMouseDown, NSMakePoint(NSMidX(frame), NSMidY(frame)))];
+        [button mouseDown:Mouse(NSLeftMouseDown, NSMakePoint(NSMidX(frame), NSMidY(frame)))];
         return target->chosen;
     }
 
     // What the keys choose, from a list that is opened without the mouse.
-    std::string chooseByKeys() {
-        postKey(@"\r");
+    std::string ChooseByKeys() {
+        PostKey(@"\r");
         target->chosen.clear();
         [button performClick:nil];
         return target->chosen;
     }
 
-    void postRelease(NSPoint where) const {
-        postMouse(NSLeftMouseDragged, where);
-        postMouse(NSLeftMouseUp, where);
+    void PostRelease(NSPoint where) const {
+        PostMouse(NSLeftMouseDragged, where);
+        PostMouse(NSLeftMouseUp, where);
     }
 
-    NSPoint middleOfButton() const { return below(-10); }
+    NSPoint MiddleOfButton() const { return Below(-10); }
 
     NSPopUpButton* button = nil;
     ListTarget* target = nil;
@@ -155,81 +155,81 @@ protected:
 // --- The mouse ---
 
 TEST_F(ListPopUpTest, aRowIsChosenByLettingGoOnIt) {
-    addRows(5);
+    AddRows(5);
     for (const int row : {0, 2, 4}) {
-        postRelease(below(heightOfRow(row)));
-        EXPECT_EQ(choose(), "row" + std::to_string(row) + "\t" + std::to_string(row * row));
+        PostRelease(Below(HeightOfRow(row)));
+        EXPECT_EQ(Choose(), "row" + std::to_string(row) + "\t" + std::to_string(row * row));
     }
 }
 
 TEST_F(ListPopUpTest, aClickOnTheButtonLeavesItOpenForASecondOne) {
-    addRows(5);
-    postRelease(middleOfButton());
-    postMouse(NSMouseMoved, below(heightOfRow(1)));
-    postMouse(NSLeftMouseDown, below(heightOfRow(3)));
-    postMouse(NSLeftMouseUp, below(heightOfRow(3)));
-    EXPECT_EQ(choose(), "row3\t9");
+    AddRows(5);
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, Below(HeightOfRow(1)));
+    PostMouse(NSLeftMouseDown, Below(HeightOfRow(3)));
+    PostMouse(NSLeftMouseUp, Below(HeightOfRow(3)));
+    EXPECT_EQ(Choose(), "row3\t9");
 }
 
 TEST_F(ListPopUpTest, nothingIsChosenBesideTheList) {
-    addRows(5);
-    postMouse(NSLeftMouseDragged, below(heightOfRow(2)));
-    postRelease(below(heightOfRow(7)));
-    EXPECT_EQ(choose(), "");
-    postRelease(middleOfButton());
-    postMouse(NSMouseMoved, below(heightOfRow(2)));
-    postMouse(NSLeftMouseDown, below(heightOfRow(7)));
-    EXPECT_EQ(choose(), "") << "a click elsewhere closes it";
+    AddRows(5);
+    PostMouse(NSLeftMouseDragged, Below(HeightOfRow(2)));
+    PostRelease(Below(HeightOfRow(7)));
+    EXPECT_EQ(Choose(), "");
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, Below(HeightOfRow(2)));
+    PostMouse(NSLeftMouseDown, Below(HeightOfRow(7)));
+    EXPECT_EQ(Choose(), "") << "a click elsewhere closes it";
 }
 
 TEST_F(ListPopUpTest, aSeparatorIsNoChoice) {
-    addRows(1);
+    AddRows(1);
     [[button menu] addItem:[NSMenuItem separatorItem]];
-    add(@"last");
-    postRelease(below(heightOfRow(1)));
-    postMouse(NSLeftMouseDown, below(heightOfRow(2)));
-    postMouse(NSLeftMouseUp, below(heightOfRow(2)));
-    EXPECT_EQ(choose(), "last") << "it stays open";
-    postKey(NSDownArrowFunctionKey);
-    postKey(NSDownArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "last");
+    Add(@"last");
+    PostRelease(Below(HeightOfRow(1)));
+    PostMouse(NSLeftMouseDown, Below(HeightOfRow(2)));
+    PostMouse(NSLeftMouseUp, Below(HeightOfRow(2)));
+    EXPECT_EQ(Choose(), "last") << "it stays open";
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "last");
 }
 
 TEST_F(ListPopUpTest, thePointerAtAnEndScrolls) {
-    addRows(2000);
-    const int inSight = rowsInSight();
+    AddRows(2000);
+    const int inSight = RowsInSight();
     ASSERT_GT(inSight, 5);
     ASSERT_LT(inSight, 100);
     const CGFloat end = EDGE + STRIP + inSight * ROW + STRIP / 2;
-    postRelease(middleOfButton());
-    postMouse(NSMouseMoved, below(end));
-    for (int i = 0; i < 2000; i++) postTick();
-    postMouse(NSMouseMoved, below(heightOfRow(inSight - 1, true)));
-    postRelease(below(heightOfRow(inSight - 1, true)));
-    EXPECT_EQ(choose(), "row1999\t3996001") << "all the way down";
-    postRelease(middleOfButton());
-    postMouse(NSMouseMoved, below(end));
-    for (int i = 0; i < 2000; i++) postTick();
-    postMouse(NSMouseMoved, below(EDGE + STRIP / 2));
-    for (int i = 0; i < 2000; i++) postTick();
-    postRelease(below(heightOfRow(0, true)));
-    EXPECT_EQ(choose(), "row0\t0") << "and up again";
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, Below(end));
+    for (int i = 0; i < 2000; i++) PostTick();
+    PostMouse(NSMouseMoved, Below(HeightOfRow(inSight - 1, true)));
+    PostRelease(Below(HeightOfRow(inSight - 1, true)));
+    EXPECT_EQ(Choose(), "row1999\t3996001") << "all the way down";
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, Below(end));
+    for (int i = 0; i < 2000; i++) PostTick();
+    PostMouse(NSMouseMoved, Below(EDGE + STRIP / 2));
+    for (int i = 0; i < 2000; i++) PostTick();
+    PostRelease(Below(HeightOfRow(0, true)));
+    EXPECT_EQ(Choose(), "row0\t0") << "and up again";
 }
 
 TEST_F(ListPopUpTest, theClickThatOpensItDoesNotScroll) {
-    addRows(2000);
-    for (int i = 0; i < 100; i++) postTick();
-    postRelease(middleOfButton());
-    postRelease(below(heightOfRow(0, true)));
-    EXPECT_EQ(choose(), "row0\t0");
+    AddRows(2000);
+    for (int i = 0; i < 100; i++) PostTick();
+    PostRelease(MiddleOfButton());
+    PostRelease(Below(HeightOfRow(0, true)));
+    EXPECT_EQ(Choose(), "row0\t0");
 }
 
 TEST_F(ListPopUpTest, theWheelScrollsByThreeRows) {
-    addRows(2000);
-    const NSPoint where = below(heightOfRow(2, true));
-    postRelease(middleOfButton());
+    AddRows(2000);
+    const NSPoint where = Below(HeightOfRow(2, true));
+    PostRelease(MiddleOfButton());
     for (const CGFloat notches : {-1.0, -1.0, -1.0, 1.0}) {
-        postEvent([NSEvent mouseEventWithType:NSScrollWheel
+        PostEvent([NSEvent mouseEventWithType:NSScrollWheel
                                      location:where
                                 modifierFlags:0
                                     timestamp:0
@@ -243,92 +243,92 @@ TEST_F(ListPopUpTest, theWheelScrollsByThreeRows) {
                                        deltaY:notches
                                        deltaZ:0]);
     }
-    postRelease(where);
-    EXPECT_EQ(choose(), "row8\t64");
+    PostRelease(where);
+    EXPECT_EQ(Choose(), "row8\t64");
 }
 
 TEST_F(ListPopUpTest, onADenseScreenTheRowsAreTwiceAsHigh) {
     scale = 2;
-    restart();
-    place();
-    addRows(5);
-    postRelease(below(heightOfRow(3)));
-    EXPECT_EQ(choose(), "row3\t9");
+    Restart();
+    Place();
+    AddRows(5);
+    PostRelease(Below(HeightOfRow(3)));
+    EXPECT_EQ(Choose(), "row3\t9");
 }
 
 // --- The keys ---
 
 TEST_F(ListPopUpTest, theArrowsMoveAndReturnChooses) {
-    addRows(5);
-    postKey(NSDownArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row0\t0");
-    for (int i = 0; i < 3; i++) postKey(NSDownArrowFunctionKey);
-    postKey(NSUpArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row1\t1");
-    postKey(NSUpArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row4\t16") << "Up begins at the end";
-    for (int i = 0; i < 9; i++) postKey(NSDownArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row4\t16") << "there it ends";
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row0\t0");
+    for (int i = 0; i < 3; i++) PostKey(NSDownArrowFunctionKey);
+    PostKey(NSUpArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row1\t1");
+    PostKey(NSUpArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row4\t16") << "Up begins at the end";
+    for (int i = 0; i < 9; i++) PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row4\t16") << "there it ends";
 }
 
 TEST_F(ListPopUpTest, theKeysReachAllOfALongList) {
-    addRows(2000);
-    for (int i = 0; i < 151; i++) postKey(NSDownArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row150\t22500");
-    postKey(NSEndFunctionKey);
-    postKey(NSUpArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row1998\t3992004");
-    postKey(NSEndFunctionKey);
-    postKey(NSHomeFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row0\t0");
-    postKey(NSHomeFunctionKey);
-    postKey(NSPageDownFunctionKey);
-    postKey(NSPageDownFunctionKey);
-    postKey(NSPageUpFunctionKey);
-    const int page = rowsInSight();
-    EXPECT_EQ(chooseByKeys(), "row" + std::to_string(page) + "\t" + std::to_string(page * page));
+    AddRows(2000);
+    for (int i = 0; i < 151; i++) PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row150\t22500");
+    PostKey(NSEndFunctionKey);
+    PostKey(NSUpArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row1998\t3992004");
+    PostKey(NSEndFunctionKey);
+    PostKey(NSHomeFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row0\t0");
+    PostKey(NSHomeFunctionKey);
+    PostKey(NSPageDownFunctionKey);
+    PostKey(NSPageDownFunctionKey);
+    PostKey(NSPageUpFunctionKey);
+    const int page = RowsInSight();
+    EXPECT_EQ(ChooseByKeys(), "row" + std::to_string(page) + "\t" + std::to_string(page * page));
 }
 
 TEST_F(ListPopUpTest, typedLettersGoToTheFirstRowThatBeginsWithThem) {
-    for (NSString* const name : {@"alpha", @"beta", @"Betty", @"best", @"gamma"}) add(name);
-    postKey(@"b");
-    EXPECT_EQ(chooseByKeys(), "beta");
-    for (NSString* const key : {@"b", @"E", @"s"}) postKey(key);
-    EXPECT_EQ(chooseByKeys(), "best");
-    for (NSString* const key : {@"b", @"x", @"e", @"t", @"t"}) postKey(key);
-    EXPECT_EQ(chooseByKeys(), "Betty") << "what nothing begins with is left out";
+    for (NSString* const name : {@"alpha", @"beta", @"Betty", @"best", @"gamma"}) Add(name);
+    PostKey(@"b");
+    EXPECT_EQ(ChooseByKeys(), "beta");
+    for (NSString* const key : {@"b", @"E", @"s"}) PostKey(key);
+    EXPECT_EQ(ChooseByKeys(), "best");
+    for (NSString* const key : {@"b", @"x", @"e", @"t", @"t"}) PostKey(key);
+    EXPECT_EQ(ChooseByKeys(), "Betty") << "what nothing begins with is left out";
 }
 
 TEST_F(ListPopUpTest, afterAPauseTheLettersBeginAnew) {
-    for (NSString* const name : {@"alpha", @"beta", @"gamma", @"begin"}) add(name);
-    postKey(@"b", 10.0);
-    postKey(@"e", 10.9);
-    postKey(@"g", 11.8);
-    EXPECT_EQ(chooseByKeys(), "begin");
-    postKey(@"b", 20.0);
-    postKey(@"g", 21.1);
-    EXPECT_EQ(chooseByKeys(), "gamma");
+    for (NSString* const name : {@"alpha", @"beta", @"gamma", @"begin"}) Add(name);
+    PostKey(@"b", 10.0);
+    PostKey(@"e", 10.9);
+    PostKey(@"g", 11.8);
+    EXPECT_EQ(ChooseByKeys(), "begin");
+    PostKey(@"b", 20.0);
+    PostKey(@"g", 21.1);
+    EXPECT_EQ(ChooseByKeys(), "gamma");
 }
 
 TEST_F(ListPopUpTest, escapeClosesIt) {
-    addRows(5);
-    postKey(NSDownArrowFunctionKey);
-    postKey(@"\033");
-    EXPECT_EQ(choose(), "");
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(@"\033");
+    EXPECT_EQ(Choose(), "");
 }
 
 TEST_F(ListPopUpTest, returnWithoutAChoiceLeavesItOpen) {
-    addRows(5);
-    postKey(@"\r");
-    postKey(NSDownArrowFunctionKey);
-    EXPECT_EQ(chooseByKeys(), "row0\t0");
+    AddRows(5);
+    PostKey(@"\r");
+    PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row0\t0");
 }
 
 TEST_F(ListPopUpTest, aKeyWithCommandClosesItAndIsLeftForTheMenu) {
-    addRows(5);
-    postKey(NSDownArrowFunctionKey);
-    postKey(@"q", 0, NSCommandKeyMask);
-    EXPECT_EQ(choose(), "");
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(@"q", 0, NSCommandKeyMask);
+    EXPECT_EQ(Choose(), "");
     NSEvent* const left = [NSApp nextEventMatchingMask:NSKeyDownMask
                                              untilDate:[NSDate date]
                                                 inMode:NSDefaultRunLoopMode
@@ -337,7 +337,7 @@ TEST_F(ListPopUpTest, aKeyWithCommandClosesItAndIsLeftForTheMenu) {
 }
 
 TEST_F(ListPopUpTest, anEmptyListDoesNotOpen) {
-    EXPECT_EQ(choose(), "");
+    EXPECT_EQ(Choose(), "");
 }
 
 } // namespace

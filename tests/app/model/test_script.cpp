@@ -10,7 +10,7 @@ namespace {
 std::vector<std::string> entriesOf(const std::string& bytes) {
     Script script(bytes);
     std::vector<std::string> entries;
-    for (std::string entry; script.next(entry);) entries.push_back(entry);
+    for (std::string entry; script.Next(entry);) entries.push_back(entry);
     return entries;
 }
 
@@ -43,22 +43,22 @@ TEST(Script, isSavedFromWhatWasEntered) {
     engine.displayBase = 16;
     engine.degreeMode = false;
     EntryRecord record;
-    record.add("1+1");
-    record.add("");
-    record.add("disp \xC3\xA4");
+    record.Add("1+1");
+    record.Add("");
+    record.Add("disp \xC3\xA4");
     const std::string head = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n"
                              "#mode rad;sigfigs 7;scimode eng;display hex;\n";
-    EXPECT_EQ(record.script(engine, ""), head + "1+1\ndisp \xC3\xA4\n");
-    EXPECT_EQ(record.script(engine, "2*"), head + "1+1\ndisp \xC3\xA4\n2*\n");
-    record.clear();
-    EXPECT_EQ(record.script(engine, ""), head);
+    EXPECT_EQ(record.Script(engine, ""), head + "1+1\ndisp \xC3\xA4\n");
+    EXPECT_EQ(record.Script(engine, "2*"), head + "1+1\ndisp \xC3\xA4\n2*\n");
+    record.Clear();
+    EXPECT_EQ(record.Script(engine, ""), head);
 }
 
 TEST(Script, thatIsSavedIsReadBack) {
     EntryRecord record;
-    record.add("disp \xC3\xA4");
-    record.add("1;2");
-    EXPECT_EQ(entriesOf(record.script(ZqCalculator(), "3")), Entries({"disp \xE4", "1;2", "3"}));
+    record.Add("disp \xC3\xA4");
+    record.Add("1;2");
+    EXPECT_EQ(entriesOf(record.Script(ZqCalculator(), "3")), Entries({"disp \xE4", "1;2", "3"}));
 }
 
 } // namespace
