@@ -91,23 +91,20 @@ static void bindParameters(Function* function) {
     }
 }
 
-const CFunctionList::Row& CFunctionList::Namesakes(const char* name) const {
-    static const Row none;
-    const auto found = byName.find(LowerCased(std::string(name)));
-    return found == byName.end() ? none : found->second;
-}
-
-Function* CFunctionList::FindNamesake(const char* name, int32_t argCount, bool isPredefined) const {
-    for (const auto& [number, candidate] : Namesakes(name)) {
+Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool builtin) const {
+    const auto namesakes = byName.find(LowerCased(name));
+    if (namesakes == byName.end()) return nullptr;
+    for (const auto& [number, function] : namesakes->second) {
         visited++;
-        if (argCount == candidate->argCount && isPredefined == (candidate->body == nullptr)) return candidate;
+        if ((argCount == -1 || argCount == function->argCount) && (function->body ? own : builtin))
+            return function;
     }
     return nullptr;
 }
 
 void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) {
     numbers.emplace(function.get(), number);
-    byName[LowerCased(std::string(function->name))].emplace(number, function.get());
+    byName[LowerCased(function->name)].emplace(number, function.get());
     if (!function->body) predefined.emplace(number, function.get());
     functions.emplace(number, std::move(function));
     TabCompleteReset();
@@ -116,7 +113,7 @@ void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) 
 std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
     const auto place = functions.find(number);
     std::shared_ptr<Function> function = std::move(place->second);
-    const auto namesakes = byName.find(LowerCased(std::string(function->name)));
+    const auto namesakes = byName.find(LowerCased(function->name));
     namesakes->second.erase(number);
     if (namesakes->second.empty()) byName.erase(namesakes);
     predefined.erase(number);
@@ -132,7 +129,7 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
     auto function = std::make_shared<Function>();
     function->name = strDuplicate(name);
     addParameters(function.get(), argText);
-    const Function* builtin = FindNamesake(name, function->argCount, true);
+    const Function* builtin = Find(name, function->argCount, false, true);
     if (isKept) {
         DeleteFunction(builtin);
         builtin = nullptr;
@@ -141,7 +138,7 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         if (answer && !answer->body) builtin = answer;
     }
     if (builtin) return nullptr;
-    if (const Function* old = FindNamesake(name, function->argCount, false)) DeleteFunction(old);
+    if (const Function* old = Find(name, function->argCount, true, false)) DeleteFunction(old);
     if (body) {
         function->body = new Deq;
         body->CopyTo(function->body);
@@ -175,14 +172,6 @@ Function* CFunctionList::FunctionExists(const char* name, int32_t argCount) cons
             return named && numbers.at(named) < number ? named : function;
     }
     return named;
-}
-
-Function* CFunctionList::FindByName(const char* name, int32_t argCount) const {
-    for (const auto& [number, candidate] : Namesakes(name)) {
-        visited++;
-        if (argCount == -1 || candidate->argCount == argCount) return candidate;
-    }
-    return nullptr;
 }
 
 Function* CFunctionList::Get(int index) {

@@ -72,7 +72,9 @@ public:
 
     // The first function with exactly this name (case ignored) and the number of parameters, -1 for any
     // number, or null.
-    Function* FindByName(const char* name, int32_t argCount) const;
+    Function* FindByName(const char* name, int32_t argCount) const {
+        return Find(name, argCount, true, true);
+    }
 
     // Walks the list: Get goes to a position from 0 (the first function when it is below 1) and gives its
     // function, GetNext goes on by one. Both give null past the end. A function that is deleted during the
@@ -98,12 +100,9 @@ public:
 private:
     using Row = std::map<uint64_t, Function*>; // some of the functions, by their numbers
 
-    Function* FindNamesake(const char* name, int32_t argCount, bool isPredefined) const;
+    Function* Find(const char* name, int32_t argCount, bool own, bool builtin) const;
     void Insert(std::shared_ptr<Function> function, uint64_t number);
     std::shared_ptr<Function> Take(uint64_t number);
-
-    // The functions with this name, case ignored.
-    const Row& Namesakes(const char* name) const;
 
     // Every function gets a greater number than those before it; with it, it is found, taken out and put
     // back.

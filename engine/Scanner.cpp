@@ -133,8 +133,7 @@ std::string Scanner::MoveSignsForward(const std::string& text) {
 }
 
 // Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to
-// the next
-// ')'.
+// the next ')'.
 static bool isArrowInUnit(const std::string& text) {
     const size_t mark = text.find(CVSstr[0]);
     return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);

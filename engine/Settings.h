@@ -98,9 +98,8 @@ struct Setting {
     // The choice that the argument of the command tells; null when it tells none.
     const SettingChoice* ChoiceIn(const std::string& argument) const;
 
-    // Reads a value of a number as a person writes it: the whole word of a choice, "on" or "off" of a
-    // flag, a number, or of CHARACTER the character itself. False when it is none, or the setting
-    // cannot have it.
+    // Reads a value of a number as a person writes it: the whole word of a choice, "on" or "off" of a flag, a
+    // number, or of CHARACTER the character itself. False when it is none, or the setting cannot have it.
     bool Read(const std::string& word, int& value) const;
 
     // The command that sets the value, such as "mode deg". A value that is no choice counts as the default.

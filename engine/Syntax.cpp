@@ -7,22 +7,29 @@
 #include <algorithm>
 #include <numeric>
 
+// The last '(' without a partner.
+static const node* lastOpen(const Deq& terms) {
+    int32_t closed = 0;
+    const node* term = terms.last;
+    for (; term->type != OP_OPEN || closed > 0; term = term->prev)
+        closed += term->type == OP_CLOSE ? 1 : term->type == OP_OPEN ? -1 : 0;
+    return term;
+}
+
 static int checkDepths(const Deq& terms, Outcome& outcome, WorkCounters& work) {
-    std::vector<const node*> open;
+    int32_t depth = 0;
     for (node* term = terms.first; term; term = term->next) {
         work.checked++;
         if (term->type == OP_OPEN) {
-            if (term->next && term->next->type == OP_CLOSE) {
+            depth++;
+            if (term->next && term->next->type == OP_CLOSE)
                 return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
-            }
-            open.push_back(term);
         }
-        term->level = static_cast<int32_t>(open.size());
-        if (term->type != OP_CLOSE) continue;
-        if (open.empty()) return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
-        open.pop_back();
+        term->level = depth;
+        if (term->type == OP_CLOSE && --depth < 0)
+            return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
     }
-    return open.empty() ? 0 : outcome.FailAt(open.back(), "** ERROR: missing parenthesis **\n");
+    return depth == 0 ? 0 : outcome.FailAt(lastOpen(terms), "** ERROR: missing parenthesis **\n");
 }
 
 // Whether an operand is still to come: what follows '!' or ')' has its left operand.

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Files that must not be lost: written in one step, and kept beside when they cannot be read.
-// It needs POSIX (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of
-// memory.
+// Files that must not be lost: written in one step, and kept beside when they cannot be read. It needs POSIX
+// (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of memory.
 #pragma once
 
 #include "System.h"

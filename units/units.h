@@ -9,16 +9,15 @@
 //
 //   [number] factor { separator factor } [ "/" factor { separator factor } ]
 //
-// A separator is a blank, a tab, '*' or '-'.  At most one '/' moves the factors behind it into the divisor.
-// A factor is a unit name of ASCII letters, optionally with a prefix name before it, a plural "s" or "es"
+// A separator is a blank, a tab, '*' or '-'.  At most one '/' moves the factors behind it into the divisor. A
+// factor is a unit name of ASCII letters, optionally with a prefix name before it, a plural "s" or "es"
 // behind it, and "^" with an exponent of 1 to 1000.  Behind the '/' a factor may also be a bare number, by
 // which the expression is divided; nothing may stand directly behind it.  Before the '/' only the leading
 // number is accepted.  A number begins, after an optional sign, with a digit or with a point and a digit;
 // from there it is what strtod reads, in the decimal notation of the process's LC_NUMERIC locale, which has
-// to be "C" for the catalogue to be right.
-// Names, first success wins: the exact name, upper and lower case being different; a prefix and a name, of
-// several such pairs the one whose unit is earliest in the list; the same two without a final "s"; the same
-// two without a final "es".
+// to be "C" for the catalogue to be right. Names, first success wins: the exact name, upper and lower case
+// being different; a prefix and a name, of several such pairs the one whose unit is earliest in the list; the
+// same two without a final "s"; the same two without a final "es".
 //
 // Factors are doubles.  They are not checked for range: a product beyond it is infinite, one below it zero,
 // and the quotient of two infinite ones is not a number.
