@@ -48,8 +48,11 @@ std::vector<std::string> cellsOf(std::string_view row) {
     std::vector<std::string> cells;
     row.remove_prefix(1);
     while (!row.empty()) {
-        const std::size_t end = std::min(row.find('|'), row.size());
-        const std::string cell = withoutMarks(row.substr(0, end));
+        std::size_t end = std::min(row.find('|'), row.size());
+        while (end > 0 && end < row.size() && row[end - 1] == '\\')
+            end = std::min(row.find('|', end + 1), row.size());
+        std::string cell = withoutMarks(row.substr(0, end));
+        cell.erase(std::remove(cell.begin(), cell.end(), '\\'), cell.end());
         const std::size_t start = std::min(cell.find_first_not_of(' '), cell.size());
         cells.push_back(cell.substr(start, cell.find_last_not_of(' ') + 1 - start));
         row.remove_prefix(std::min(end + 1, row.size()));

@@ -151,8 +151,8 @@ std::string temperature(const Trouble& trouble) {
     const bool toCelsius = from == 'F' && (to == "C" || to == "degC" || to == "K");
     const bool toFahrenheit = (from == 'C' || from == 'K') && (to == "F" || to == "degF");
     if (!toCelsius && !toFahrenheit) return "";
-    return std::string("F and C are farad and coulomb here; temperatures have no common zero: write ") +
-           (toCelsius ? "(72-32)/1.8 for 72 F in C" : "20*1.8+32 for 20 C in F");
+    return std::string("F and C are farad and coulomb here; temperatures: write ") +
+           (toCelsius ? "(72-32)/1.8" : "20*1.8+32");
 }
 
 std::string unknownUnit(const Trouble& trouble) {

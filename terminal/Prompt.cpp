@@ -3,8 +3,10 @@
 
 #include "Descriptor.h"
 #include "EntryText.h"
+#include "Hints.h"
 #include "Interrupt.h"
 #include "Keyboard.h"
+#include "PromptWords.h"
 #include "Session.h"
 #include "TypedSigns.h"
 #ifdef TALLYQUILL_READLINE
@@ -17,6 +19,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace {
@@ -54,9 +57,15 @@ public:
 
 private:
     Session::Outcome Answer(const std::string& line);
+    Session::Outcome CarryOut(const std::string& line);
+    std::string WithHelp(const std::string& error) const;
 
     Session& session;
     int screen;
+    std::string current; // the line that is being answered
+    Notes notes;
+    KeptSettings settings;
+    std::vector<std::string> history;
     std::unique_ptr<LineSource> lines;
 };
 
@@ -72,6 +81,8 @@ Prompt::Prompt(Session& theSession, int answers, const PromptOptions& options)
     if (!options.isPlain && canEdit(screen))
         lines = std::make_unique<ReadlineEditor>(*this, STDIN_FILENO, screen);
 #endif
+    if (isatty(STDERR_FILENO) == 1)
+        session.SetErrorForm([this](const std::string& error) { return WithHelp(error); });
     if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH);
 }
 
@@ -92,8 +103,35 @@ PromptEnd Prompt::Run() {
 }
 
 Session::Outcome Prompt::Answer(const std::string& line) {
+    current = line;
     if (!isBlank(line) && line[0] != ' ' && line[0] != '\t') lines->AddToHistory(line);
-    return session.Run(line);
+    if (line[0] == ':') return CarryOut(line);
+    const Session::Outcome outcome = session.Run(line);
+    if (outcome == Session::Outcome::Answered && !session.Show(notes.For(line)))
+        return Session::Outcome::OutputLost;
+    return outcome;
+}
+
+// A line that begins with ':'.
+Session::Outcome Prompt::CarryOut(const std::string& line) {
+    const PromptReply reply = runPromptWord({session.Calculator(), settings, history}, line);
+    if (reply.kind == PromptReply::END) return Session::Outcome::Ended;
+    if (reply.kind == PromptReply::ERROR) return session.RefuseEntry(line, reply.text);
+    return session.Show(reply.text) ? Session::Outcome::Answered : Session::Outcome::OutputLost;
+}
+
+int columnsOf(int screen) {
+    winsize size = {};
+    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
+// The error with a mark above it, below the entry, and a line that may help below it.
+std::string Prompt::WithHelp(const std::string& error) const {
+    ZqCalculator& calc = session.Calculator();
+    if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
+    const auto columns = static_cast<std::size_t>(columnsOf(screen));
+    const std::string mark = markUnder(current, calc.errorRange, PromptText(false).size(), columns);
+    return mark + error + hintAfterError(current, calc);
 }
 
 std::string Prompt::PreviewOf(const std::string& entry) {

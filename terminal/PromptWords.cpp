@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr std::size_t WIDTH = 80; // of the lists, in columns
+
 PromptReply refuse(const std::string& text) {
     return {PromptReply::ERROR, text + "\n"};
 }
@@ -27,9 +29,9 @@ bool containsI(std::string_view text, std::string_view part) {
 
 // "  left      right", the right texts below each other.
 std::string twoColumns(std::string_view left, std::string_view right) {
-    constexpr std::size_t WIDTH = 26;
+    constexpr std::size_t COLUMN = 26;
     if (right.empty()) return "  " + std::string(left) + "\n";
-    const std::size_t padding = left.size() < WIDTH ? WIDTH - left.size() : 2;
+    const std::size_t padding = left.size() < COLUMN ? COLUMN - left.size() : 2;
     return "  " + std::string(left) + std::string(padding, ' ') + std::string(right) + "\n";
 }
 
@@ -45,9 +47,16 @@ std::string helpOfWords() {
         const std::string left = word.word + std::string(*word.argument ? " " : "") + word.argument;
         text += twoColumns(left, word.help);
     }
-    text += "Topics for :help:\n ";
-    for (const std::string& topic : guideTopics())
-        text += " " + topic + (topic == guideTopics().back() ? "" : ",");
+    text += "Topics for :help:";
+    std::size_t column = WIDTH;
+    for (const std::string& topic : guideTopics()) {
+        if (column + topic.size() + 3 > WIDTH) {
+            text += "\n  ";
+            column = 0;
+        }
+        text += topic + (topic == guideTopics().back() ? "" : ", ");
+        column += topic.size() + 2;
+    }
     return text + "\n";
 }
 
@@ -246,12 +255,11 @@ PromptReply quit(const PromptState&, const std::string&) {
 
 const std::vector<PromptWord>& promptWords() {
     static const std::vector<PromptWord> table = {
-        {":help", "[TOPIC]", "this list; a part of the guide; what a function or a command does", help},
+        {":help", "[TOPIC]", "this list, a part of the guide, or a name", help},
         {":vars", "", "the variables and their values", variables},
         {":funcs", "", "your functions, and those that are always there", functions},
-        {":units", "[PART or UNIT]", "the units; those with PART in their names, and those UNIT converts to",
-         units},
-        {":set", "[NAME [VALUE]]", "the settings; one of them; gives it a value that is kept", set},
+        {":units", "[PART or UNIT]", "the units, those named so, those UNIT converts to", units},
+        {":set", "[NAME [VALUE]]", "the settings, or one; a new value is kept", set},
         {":history", "[PART]", "the entries; those that contain PART", history},
         {":base", "bin|dec|hex", "the last answer again in this base", base},
         {":quit", "", "ends the program", quit},

@@ -161,10 +161,11 @@ Session::Outcome Session::RefuseEntry(std::string_view entry, std::string_view m
 Session::Outcome Session::Refuse(std::string_view message) {
     anyRefused = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
+    const std::string text = place + asLine(message);
     if (style.json)
         shown = message;
     else
-        writeAll(errors, shownText(place + asLine(message)));
+        writeAll(errors, shownText(errorForm ? errorForm(text) : text));
     return Outcome::Refused;
 }
 

@@ -5,8 +5,10 @@
 
 #include "Calculator.h"
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class Session {
 public:
@@ -38,6 +40,13 @@ public:
         place = text;
     }
 
+    // Makes of an error's line what is written instead, while the calculator still knows the entry.
+    using ErrorForm = std::function<std::string(const std::string& line)>;
+    void SetErrorForm(ErrorForm form) { errorForm = std::move(form); }
+
+    // Shows a text that is no answer of the engine. False when that failed; errno says why.
+    bool Show(std::string_view text);
+
     // Evaluates one entry without line end and shows what the engine answers. An entry that is too long or no
     // text is refused without reaching the engine. Meanwhile Ctrl-C interrupts the entry instead of the
     // program.
@@ -49,6 +58,7 @@ public:
     // Writes what was held back. False when that failed; errno says why.
     bool End();
 
+    // The calculator that evaluates the entries.
     ZqCalculator& Calculator() { return calc; }
 
     // Whether any entry so far was refused or has an answer beyond the range.
@@ -79,13 +89,13 @@ private:
     Outcome AnswerValue();
     Outcome Remark(std::string_view text);
     Outcome Answer(std::string_view text);
-    bool Show(std::string_view text);
 
     int answers;
     int errors;
     Style style;
     std::size_t line = 0;
     std::string place;
+    ErrorForm errorForm;
     std::string lastValue; // held back, as it will be written
     std::string shown;     // with objects: what was shown, or the error
     bool anyRefused = false;

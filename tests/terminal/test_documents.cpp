@@ -92,7 +92,7 @@ TEST(Guide, ItsExamplesAreTrue) {
 }
 
 TEST(Guide, ItsTranscriptsAreTrue) {
-    EXPECT_EQ(evaluateTranscripts(TALLYQUILL_GUIDE), 3);
+    EXPECT_EQ(evaluateTranscripts(TALLYQUILL_GUIDE), 4);
 }
 
 // The pieces between backquotes in the first cells of the table below a heading.

@@ -35,6 +35,7 @@ TEST(PlainText, PutsATablesColumnsSideBySide) {
     EXPECT_EQ(plainText("| Entry | Answer |\n|---|---|\n| `1+1` | `2` |\n| `sin(30)` | half |\nend\n"),
               "  Entry    Answer\n  1+1      2\n  sin(30)  half\nend\n");
     EXPECT_EQ(plainText("| a | b |"), "  a  b\n");
+    EXPECT_EQ(plainText("| `bin\\|dec` | b |"), "  bin|dec  b\n");
 }
 
 } // namespace

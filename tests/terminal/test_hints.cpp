@@ -49,10 +49,8 @@ TEST_F(HintAfterError, PutsAnArgumentIntoParentheses) {
 }
 
 TEST_F(HintAfterError, ConvertsTemperaturesByHand) {
-    EXPECT_EQ(Hint("72 F->C"), "F and C are farad and coulomb here; temperatures have no common zero: "
-                               "write (72-32)/1.8 for 72 F in C\n");
-    EXPECT_EQ(Hint("20 C -> F"), "F and C are farad and coulomb here; temperatures have no common zero: "
-                                 "write 20*1.8+32 for 20 C in F\n");
+    EXPECT_EQ(Hint("72 F->C"), "F and C are farad and coulomb here; temperatures: write (72-32)/1.8\n");
+    EXPECT_EQ(Hint("20 C -> F"), "F and C are farad and coulomb here; temperatures: write 20*1.8+32\n");
 }
 
 TEST_F(HintAfterError, NamesTheNearestUnit) {

@@ -143,7 +143,7 @@ TEST(Prompt, ShowsWhatIsTypedAndErased) {
     terminal.Type("12\x7f+3\n");
     EXPECT_EQ(terminal.ReadUntil("\n> "), "12\b \b+3\nans = 4\n> ");
     terminal.Type("x\xc3\xa9\x7f\n"); // one key erases both bytes of an accented letter
-    EXPECT_EQ(terminal.ReadUntil("\n> "), "x\xc3\xa9\b \b\n** ERROR 7: invalid term = x **\n> ");
+    EXPECT_EQ(terminal.ReadUntil("\n> "), "x\xc3\xa9\b \b\n  ^\n** ERROR 7: invalid term = x **\n> ");
 }
 
 TEST(Prompt, ArrowKeysTypeNothing) {

@@ -47,6 +47,15 @@ TEST_F(PromptWordsTest, HelpNamesEveryWordWithALineAndTheTopics) {
     EXPECT_TRUE(Contains(help, "Command words,"));
 }
 
+TEST_F(PromptWordsTest, TheGuideHasTheSameWords) {
+    const std::string section = Text(":help words of the prompt");
+    for (const PromptWord& word : promptWords()) {
+        const std::string left = word.word + std::string(*word.argument ? " " : "") + word.argument;
+        EXPECT_TRUE(Contains(section, "  " + left + " ")) << left;
+        EXPECT_TRUE(Contains(section, word.help)) << left;
+    }
+}
+
 TEST_F(PromptWordsTest, HelpOnATopicIsThatPartOfTheGuide) {
     EXPECT_TRUE(Contains(Text(":help bases"), "Bases\n"));
     EXPECT_EQ(Error(":help nonsense"), "no help on 'nonsense'; :help lists the topics\n");
