@@ -23,5 +23,4 @@ KeptSettings defaultSettings();
 bool readSettings(const std::string& bytes, KeptSettings& kept);
 
 // The text of the file. What `present`, the bytes of the file as it is, has under keys that no row has stays.
-// Empty when it cannot be made.
 std::string settingsText(const KeptSettings& kept, const std::string& present);

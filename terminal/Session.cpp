@@ -9,7 +9,6 @@
 #include "Query.h"
 #include "ShownText.h"
 #include "WebPage.h"
-#include "units.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -42,16 +41,6 @@ Session::Session(int out, int err, Style how) : answers(out), errors(err), style
     static_cast<EntrySettings&>(calc) = standardSettings();
     calc.history.SetMaxEntries(findSetting("histsz")->standard);
     calc.interruptCheck = isInterrupted;
-    TestUnits();
-}
-
-void Session::TestUnits() {
-    units_clear_exception();
-    units_convert("m", "ft");
-    const char* const error = units_check_exception();
-    if (error == nullptr) return;
-    writeAll(errors, shownText("Units converter initialization error.\n" + asLine(error)));
-    units_clear_exception();
 }
 
 Session::Outcome Session::Run(std::string_view entry) {

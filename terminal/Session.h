@@ -28,8 +28,7 @@ public:
         bool json = false;    // an object for each statement (Json.h), errors too, and nothing else
     };
 
-    // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's. Builds the
-    // catalogue of units and says so on `err` when a conversion from m to ft fails.
+    // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's.
     Session(int out, int err, Style how);
     Session(int out, int err) : Session(out, err, Style()) {}
 
@@ -75,7 +74,6 @@ public:
     Outcome CarryOut(std::string_view command);
 
 private:
-    void TestUnits();
     Outcome Evaluate(std::string_view entry);
     Outcome EvaluateStatements(std::string_view entry);
     Outcome EvaluateStatement(std::string_view statement);

@@ -107,6 +107,26 @@ TEST(SettingsFile, keysOfOtherVersionsStay) {
     EXPECT_EQ(text.find("sigfigs"), std::string::npos) << text;
 }
 
+TEST(SettingsFile, commentsMarksAndDataInLinesAreReadAsXmlHasThem) {
+    KeptSettings kept;
+    ASSERT_TRUE(readSettings(HEAD +
+                                 "<!-- <key>x</key> --><key>&#x78;</key><!-- y -->\n<integer>\n 7</integer>" +
+                                 "<key>fgcolor</key><data>\n\tMC41 IDAu\n\tMjUgMSAw\n</data><key>x</key>" +
+                                 "<integer>8</integer>" + END,
+                             kept));
+    EXPECT_EQ(textOf(kept), "x=8\nfgcolor=0.5 0.25 1 0\n") << "of one key twice the second counts";
+}
+
+TEST(SettingsFile, aKeyWithoutAValueOrAValueWithoutAKeyIsDamage) {
+    for (const std::string inside : {"<key>x</key>", "<integer>1</integer>", "<key>x</key><key>y</key>",
+                                     "<key>x</key><integer>1</integer><integer>2</integer>",
+                                     "<key>x</key><number>1</number>", "<key>x</key>1", "<key>x</KEY>"}) {
+        KeptSettings kept;
+        EXPECT_FALSE(readSettings(HEAD + inside + END, kept)) << inside;
+        EXPECT_EQ(textOf(kept), "") << inside;
+    }
+}
+
 TEST(SettingsFile, aFileOfTheEarlierFormIsRead) {
     const std::string text =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//GNUstep//DTD plist "
