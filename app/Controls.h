@@ -28,5 +28,8 @@ CGFloat topOfLine(NSTextView* text, NSUInteger character); // of the line it is 
 // An image of the application's bundle, or nil.
 NSImage* bundleImage(NSString* name);
 
+// The modes of the run loop in which timers go on while a panel waits or a menu is open too.
+NSArray* everyMode();
+
 // For text drawn in this font and color.
 NSMutableDictionary* textLook(NSFont* font, NSColor* color);

@@ -83,6 +83,10 @@ NSImage* bundleImage(NSString* name) {
     return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
 }
 
+NSArray* everyMode() {
+    return @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ];
+}
+
 NSMutableDictionary* textLook(NSFont* font, NSColor* color) {
     return [NSMutableDictionary
         dictionaryWithDictionary:@{NSFontAttributeName : font, NSForegroundColorAttributeName : color}];

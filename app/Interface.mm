@@ -88,14 +88,14 @@ static void placeControls(NSView* content, NSArray* controls, const CGFloat* wid
 }
 
 static void buildControls(NSView* content, MainConsole* console) {
-    NSSegmentedControl* const base = buildSegments([NSArray arrayWithObjects:@"Bin", @"Dec", @"Hex", nil], 42,
-                                                   console, @selector(clickedChangeBase:));
-    NSSegmentedControl* const mode = buildSegments([NSArray arrayWithObjects:@"Deg", @"Rad", nil], 42,
-                                                   console, @selector(clickedChangeMode:));
+    NSSegmentedControl* const base =
+        buildSegments(@[ @"Bin", @"Dec", @"Hex" ], 42, console, @selector(clickedChangeBase:));
+    NSSegmentedControl* const mode =
+        buildSegments(@[ @"Deg", @"Rad" ], 42, console, @selector(clickedChangeMode:));
     NSPopUpButton* const vars = buildPopUp(@"Vars", console, @selector(clickedVarsMenu:));
     NSPopUpButton* const functions = buildPopUp(@"Func", console, @selector(clickedFuncMenu:));
     const CGFloat widths[] = {128, 86, 76, 76};
-    placeControls(content, [NSArray arrayWithObjects:base, mode, vars, functions, nil], widths);
+    placeControls(content, @[ base, mode, vars, functions ], widths);
     [console setCtrlBase:base];
     [console setCtrlDegMode:mode];
     [console setMenuVars:vars];

@@ -7,10 +7,6 @@
 #import "MainConsole.h"
 #import "PelmoAppDelegate.h"
 
-static NSString* textOf(const char* text) {
-    return [NSString stringWithUTF8String:text];
-}
-
 static NSMenuItem* addItem(NSMenu* menu, NSString* title, SEL action, NSString* key) {
     NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:title action:action
                                                   keyEquivalent:key] autorelease];
@@ -29,13 +25,13 @@ static id targetOf(const MenuItem& item, PelmoAppDelegate* delegate) {
 }
 
 static void addRow(NSMenu* menu, const KeyRow& row, PelmoAppDelegate* delegate) {
-    NSString* const title = textOf(row.item.title);
+    NSString* const title = @(row.item.title);
     if ([title isEqualToString:@"-"]) {
         [menu addItem:[NSMenuItem separatorItem]];
         return;
     }
     const char key[] = {row.character, '\0'};
-    NSMenuItem* const item = addItem(menu, title, sel_registerName(row.item.selector), textOf(key));
+    NSMenuItem* const item = addItem(menu, title, sel_registerName(row.item.selector), @(key));
     [item setTarget:targetOf(row.item, delegate)];
     [item setTag:row.item.tag];
 }
@@ -45,7 +41,7 @@ void buildMenus(PelmoAppDelegate* delegate) {
     NSMenu* menu = nil;
     for (const KeyRow& row : keyTable()) {
         if (!row.item.menu) continue;
-        NSString* const title = textOf(row.item.menu);
+        NSString* const title = @(row.item.menu);
         if (![[menu title] isEqualToString:title]) {
             menu = [[[NSMenu alloc] initWithTitle:title] autorelease];
             [bar setSubmenu:menu forItem:addItem(bar, title, NULL, @"")];

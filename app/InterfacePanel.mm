@@ -34,7 +34,6 @@ static const CGFloat REST = WIDTH - EDGE - COLUMN; // what is free from there
 
 - (void)setShown:(NSTextField*)field {
     shown = field;
-    [self showValue];
 }
 
 - (void)showValue {

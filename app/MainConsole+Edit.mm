@@ -19,10 +19,7 @@ static const useconds_t FLASH = 80000; // microseconds
     // Copy works without a selection, and the others decide for themselves.
     const SEL action = [item action];
     if (sel_isEqual(action, @selector(copyAnswer:))) return !calc.answer.shown.empty();
-    const SEL own[] = {@selector(copy:), @selector(cut:), @selector(paste:), @selector(undo:)};
-    for (const SEL one : own) {
-        if (sel_isEqual(action, one)) return YES;
-    }
+    if ([@[ @"copy:", @"cut:", @"paste:", @"undo:" ] containsObject:NSStringFromSelector(action)]) return YES;
     if (sel_isEqual(action, @selector(redo:))) return [[self undoManager] canRedo];
     return [super validateMenuItem:item];
 }
@@ -39,7 +36,7 @@ static const useconds_t FLASH = 80000; // microseconds
 - (void)copy:(id)sender {
     const NSRange selection = [self selectedRange];
     if (selection.length == 0) {
-        [self copyAnswer];
+        [self copyAnswer:sender];
         return;
     }
     [super copy:nil];
@@ -58,20 +55,16 @@ static const useconds_t FLASH = 80000; // microseconds
              didEnd:NULL];
 }
 
-- (void)copyAnswer {
+- (void)copyAnswer:(id)sender {
     [self copySettingsToEngine];
     const std::string answer = calc.PlainAnswer();
     if (answer.empty()) return; // what the pasteboard holds is better than nothing
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
-    [board declareTypes:[NSArray arrayWithObject:NSStringPboardType] owner:nil];
+    [board declareTypes:@[ NSStringPboardType ] owner:nil];
     [board setString:textFromBytes(answer.c_str()) forType:NSStringPboardType];
     NSString* const shown = [@"= " stringByAppendingString:textFromBytes(calc.answer.shown.c_str())];
     const NSRange found = [[self string] rangeOfString:shown options:NSBackwardsSearch];
     if (found.location != NSNotFound) [self flash:NSMakeRange(found.location + 2, found.length - 2)];
-}
-
-- (void)copyAnswer:(id)sender {
-    [self copyAnswer];
 }
 
 - (void)show:(NSRange)selection {
@@ -187,7 +180,7 @@ static NSString* asOneLine(NSString* text) {
 // Whatever brings text in, a paste, a drop, a service or the middle button of the mouse: it comes in plain.
 - (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
     NSString* const text = [board stringForType:NSStringPboardType];
-    if (!text && [board availableTypeFromArray:[NSArray arrayWithObject:NSStringPboardType]]) {
+    if (!text && [board availableTypeFromArray:@[ NSStringPboardType ]]) {
         [self updateStatusbar:"The text could not be fetched."]; // so much of it, say, that its owner gave up
     }
     return text && [self insertForeignText:text];

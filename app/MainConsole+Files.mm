@@ -3,6 +3,7 @@
 // The settings and the functions file.
 #import "MainConsole.h"
 
+#import "Controls.h"
 #import "SettingsDictionary.h"
 
 #include "Folder.h"
@@ -70,16 +71,15 @@
     settings = nil;
     KeptSettings kept;
     const bool wasRead = readSettings(keeper.Settings(), kept);
-    if (wasRead) settings = [settingsDictionary(kept, [self font]) retain];
-    if (!wasRead) keeper.KeepSettingsBeside();
-    if (!wasRead) [self initSettingsDefault];
-    [self applyColors];
-    if (!wasRead) [self saveSettings];
-}
-
-- (void)applyColors {
+    if (wasRead) {
+        settings = [settingsDictionary(kept, [self font]) retain];
+    } else {
+        keeper.KeepSettingsBeside();
+        [self initSettingsDefault];
+    }
     if ([settings objectForKey:@"nsfont"]) [self setFont:[settings objectForKey:@"nsfont"]];
     [self showTextColor:[settings objectForKey:@"fgcolor"] background:[settings objectForKey:@"bgcolor"]];
+    if (!wasRead) [self saveSettings];
 }
 
 - (void)showTextColor:(NSColor*)text background:(NSColor*)back {
@@ -90,10 +90,10 @@
     NSColor* const gray = [text colorUsingColorSpaceName:NSCalibratedWhiteColorSpace];
     NSColor* const selected = [gray blendedColorWithFraction:0.7 ofColor:back];
     if (!selected) return;
-    [self setSelectedTextAttributes:[NSDictionary
-                                        dictionaryWithObjectsAndKeys:selected, NSBackgroundColorAttributeName,
-                                                                     text, NSForegroundColorAttributeName,
-                                                                     nil]];
+    [self setSelectedTextAttributes:@{
+        NSBackgroundColorAttributeName : selected,
+        NSForegroundColorAttributeName : text
+    }];
 }
 
 // --- Functions, variables, units, history ---
@@ -172,8 +172,7 @@
     [self performSelector:@selector(writeDueFiles)
                withObject:nil
                afterDelay:Keeper::DELAY
-                  inModes:[NSArray arrayWithObjects:NSDefaultRunLoopMode, NSModalPanelRunLoopMode,
-                                                    NSEventTrackingRunLoopMode, nil]];
+                  inModes:everyMode()];
 }
 
 - (void)writeDueFiles {

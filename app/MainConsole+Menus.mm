@@ -66,8 +66,7 @@ static NSInteger segmentOf(int base) {
 
 - (void)clickedChangeMode:(id)sender {
     const NSInteger segment = [sender selectedSegment];
-    if (segment == 0) [self setDegreeMode:1];
-    if (segment == 1) [self setDegreeMode:0];
+    if (segment == 0 || segment == 1) [self setDegreeMode:segment == 0];
     [self takeKeys];
 }
 
@@ -76,11 +75,6 @@ static NSInteger segmentOf(int base) {
     [ctrlDegMode setSelectedSegment:degrees == 1 ? 0 : 1];
     [self saveSettings];
     [self ProcessResult:nullptr:YES];
-}
-
-// A new item; pop-up buttons drop an item of the same title when one is added by title alone.
-static NSMenuItem* menuItem(NSString* title) {
-    return [[[NSMenuItem alloc] initWithTitle:title action:NULL keyEquivalent:@""] autorelease];
 }
 
 // Gives the pop-up button these titles, an empty one being a separator. What stays is left alone: a list of
@@ -99,7 +93,10 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
             continue;
         }
         if (present) [menu removeItemAtIndex:index];
-        [menu insertItem:isSeparator ? [NSMenuItem separatorItem] : menuItem(title) atIndex:index];
+        if (isSeparator)
+            [menu insertItem:[NSMenuItem separatorItem] atIndex:index];
+        else
+            [menu insertItemWithTitle:title action:NULL keyEquivalent:@"" atIndex:index];
     }
     for (NSInteger i = [menu numberOfItems]; i > static_cast<NSInteger>([titles count]); i--) {
         [menu removeItemAtIndex:i - 1];

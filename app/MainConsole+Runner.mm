@@ -4,9 +4,9 @@
 #import "MainConsole.h"
 
 #import "Platform.h"
-#import "WebQuery.h"
 
 #include "Commands.h"
+#include "Query.h"
 
 #include <algorithm>
 #include <chrono>
@@ -20,10 +20,6 @@ static const char* const BAD_ENCODING = "** Invalid character/encoding used. **\
 
 // What behind the name of a quick result is left out: "ans = ".
 static const size_t QUICK_HEAD = 6;
-
-static void copyBounded(char* out, size_t size, const char* text) {
-    snprintf(out, size, "%s", text);
-}
 
 @implementation MainConsole (Runner)
 
@@ -49,11 +45,11 @@ static void copyBounded(char* out, size_t size, const char* text) {
 // Runs the line, or the entry at the prompt. Returns the status.
 - (int)processLine:(const char*)line quick:(BOOL)quick {
     if (line) {
-        copyBounded(prompt, sizeof prompt, line);
+        snprintf(prompt, sizeof prompt, "%s", line);
     } else if (![self getPromptText]) {
         if (quick) return STATUS_ERROR; // a preview leaves no trace
-        copyBounded(prompt, sizeof prompt, "err");
-        copyBounded(calc.message, sizeof calc.message, BAD_ENCODING);
+        snprintf(prompt, sizeof prompt, "err");
+        snprintf(calc.message, sizeof calc.message, "%s", BAD_ENCODING);
         calc.resultLine[0] = calc.echoText[0] = '\0';
         return calc.status = STATUS_ERROR;
     }
@@ -126,7 +122,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
     const int stored = calc.displayBase;
     [self copySettingsToEngine];
     calc.displayBase = base;
-    copyBounded(prompt, sizeof prompt, line);
+    snprintf(prompt, sizeof prompt, "%s", line);
     const int status = calc.ProcessEntry(line, true); // all of it: half a line would give a wrong number
     calc.displayBase = stored;
     if (status != STATUS_RESULT || strlen(calc.resultLine) < QUICK_HEAD) return @"error";
@@ -149,14 +145,17 @@ static void copyBounded(char* out, size_t size, const char* text) {
     if (strcmp(command, "gospel") == 0) [self openWebPage];
 }
 
+// Whether what runs is interrupted, which a script is told.
+- (BOOL)isToStop {
+    if (![self checkInterruptEvent]) return NO;
+    return scriptInterrupted = true;
+}
+
 // Waits, asking for an interruption meanwhile. Returns NO when there was one.
 - (BOOL)waitMilliseconds:(long)milliseconds {
     const Clock::time_point end = Clock::now() + std::chrono::milliseconds(milliseconds);
     while (Clock::now() < end) {
-        if ([self checkInterruptEvent]) {
-            scriptInterrupted = true;
-            return NO;
-        }
+        if ([self isToStop]) return NO;
         usleep(500);
     }
     return YES;
@@ -176,10 +175,7 @@ static void copyBounded(char* out, size_t size, const char* text) {
         [self insertText:textFromBytes(character)];
         g_linestart = static_cast<int32_t>([self selectedRange].location);
         [self displayIfNeeded];
-        if ([self checkInterruptEvent]) {
-            scriptInterrupted = true;
-            break;
-        }
+        if ([self isToStop]) break;
     }
     [[self undoManager] removeAllActions];
 }
@@ -193,8 +189,16 @@ static void copyBounded(char* out, size_t size, const char* text) {
     [self insertTextPrePrompt:answer ? [answer stringByAppendingString:@"\n"] : @"Not found.\n":3];
 }
 
+// The default QuerySeconds may say how long to wait.
 - (NSString*)QueryWAConvert:(const char*)query {
-    return askQueryService(textFromBytes(query), self);
+    NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+    NSString* const service = [defaults stringForKey:@"QueryServiceURL"];
+    const NSInteger wanted = [defaults integerForKey:@"QuerySeconds"];
+    const int seconds = wanted >= 1 && wanted <= 60 ? static_cast<int>(wanted) : QUERY_SECONDS;
+    const std::string asked = utf8Bytes(textFromBytes(query));
+    const std::string answer = askService(service ? utf8Bytes(service) : "", asked, seconds,
+                                          [self] { return static_cast<bool>([self isToStop]); });
+    return answer.empty() ? nil : @(answer.c_str());
 }
 
 - (void)openWebPage {

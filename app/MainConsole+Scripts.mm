@@ -32,7 +32,7 @@ static NSString* textFromPath(const std::string& path) {
     NSSavePanel* const panel = [NSSavePanel savePanel];
     [panel setTitle:@"Save to script file..."];
     [panel setPrompt:@"Save Script"];
-    [panel setAllowedFileTypes:[NSArray arrayWithObjects:@"script", @"txt", nil]];
+    [panel setAllowedFileTypes:@[ @"script", @"txt" ]];
     platformWillOpenPanel(panel);
     if ([panel runModal] != NSOKButton) return;
     if ([self writeScript:[panel filename]]) return;
@@ -54,9 +54,8 @@ static NSString* textFromPath(const std::string& path) {
     [panel setCanChooseFiles:YES];
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
-    NSArray* const types = [NSArray arrayWithObjects:@"txt", @"script", nil];
     platformWillOpenPanel(panel);
-    if ([panel runModalForTypes:types] != NSOKButton) return;
+    if ([panel runModalForTypes:@[ @"txt", @"script" ]] != NSOKButton) return;
     if ([self loadFile:[panel filename]]) return;
     [self simpleAlert:@"The script could not be opened.":[panel filename]];
 }
@@ -124,9 +123,9 @@ static NSString* textFromPath(const std::string& path) {
     std::string line;
     scriptInterrupted = false; // an earlier entry's
     while (script.Next(line)) {
-        NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-        [self ProcessResult:line.c_str():NO];
-        [pool release];
+        @autoreleasepool {
+            [self ProcessResult:line.c_str():NO];
+        }
         if (scriptInterrupted || calc.interrupted) {
             scriptInterrupted = false;
             calc.interrupted = true;

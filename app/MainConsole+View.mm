@@ -57,25 +57,25 @@ static NSString* const PROMPT = @"> ";
     [self gotoEnd];
 }
 
-- (void)insertPrompt {
+- (void)append:(NSString*)text {
     [self gotoEnd];
-    [self replaceSelection:[@"\n" stringByAppendingString:PROMPT]];
+    [self replaceSelection:text];
     [self forgetUndo];
-    g_linestart = static_cast<int32_t>([[self string] length]);
     [self gotoEnd];
 }
 
+- (void)insertPrompt {
+    [self append:[@"\n" stringByAppendingString:PROMPT]];
+    g_linestart = static_cast<int32_t>([[self string] length]);
+}
+
 - (void)insertWithNewPrompt:(const char*)text {
-    [self gotoEnd];
-    [self replaceSelection:[@"\n" stringByAppendingString:textFromBytes(text)]];
+    [self append:[@"\n" stringByAppendingString:textFromBytes(text)]];
     [self insertPrompt];
 }
 
 - (void)insertWithoutPrompt:(const char*)text {
-    [self gotoEnd];
-    [self replaceSelection:textFromBytes(text)];
-    [self forgetUndo];
-    [self gotoEnd];
+    [self append:textFromBytes(text)];
 }
 
 - (void)leaveEmptyPrompt {
@@ -128,10 +128,9 @@ static NSString* const PROMPT = @"> ";
 
 // Whoever waits asks some thousand times, and nobody else releases what the events leave.
 - (int)checkInterruptEvent {
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    const int isStopped = [self findInterruptEvent];
-    [pool release];
-    return isStopped;
+    @autoreleasepool {
+        return [self findInterruptEvent];
+    }
 }
 
 - (int)findInterruptEvent {
@@ -141,8 +140,7 @@ static NSString* const PROMPT = @"> ";
                                               untilDate:[NSDate date]
                                                  inMode:NSDefaultRunLoopMode
                                                 dequeue:YES];
-    if (!event) return 0;
-    return isInterrupt(keyPress(event)) ? 1 : 0;
+    return event && isInterrupt(keyPress(event)) ? 1 : 0;
 }
 
 - (void)updateStatusbar:(const char*)text {

@@ -161,7 +161,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)RunGUICommand:(const char*)command;
 
 // What the service at the default QueryServiceURL answers to a query such as "convert+5+miles+to+km", or nil.
-// Waits for it, QUERY_SECONDS at most; Escape ends the wait.
+// Waits for it, QUERY_SECONDS at most, or as the default QuerySeconds (1 to 60) says; Escape ends the wait
+// and sets scriptInterrupted.
 - (NSString*)QueryWAConvert:(const char*)query;
 @end
 
@@ -172,7 +173,6 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)initColorsDefault;     // the default font, colours and transparency in the settings
 - (void)saveSettings;          // writes them to prefFilePath
 - (void)loadSettings;          // reads them and shows the console with their colours and font
-- (void)applyColors;           // the console's colours and font from the settings
 - (void)showTextColor:(NSColor*)text background:(NSColor*)back; // in the console alone; nil changes nothing
 // What cannot be written is said once in the status line, with the reason, and is written with the next
 // change or at the end of the program.

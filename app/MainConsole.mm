@@ -63,11 +63,10 @@ static bool isInterrupted() {
     const auto now = std::chrono::steady_clock::now();
     if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return NO;
     lastInterruptCheck = now;
-    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    [self writeDueFiles];
-    const BOOL isStopped = [self checkInterruptEvent] != 0;
-    [pool release];
-    return isStopped;
+    @autoreleasepool {
+        [self writeDueFiles];
+        return [self checkInterruptEvent] != 0;
+    }
 }
 
 - (void)watchInterrupts {
@@ -197,7 +196,11 @@ static bool writesDecimalComma() {
     const int starts = [self setting:@"firstrun"];
     if (starts > 1) {
         [self setSetting:@"firstrun" to:starts + 1];
-        if (starts + 1 == 20 || starts + 1 == 100) [self offerReview];
+        if (starts + 1 != 20 && starts + 1 != 100) return;
+        [self showSheet:@"If you like Tallyquill, please consider leaving a review."
+                    yes:@"Leave Review"
+                     no:@"No thanks."
+                 didEnd:@selector(reviewSheetDidEnd:returnCode:contextInfo:)];
         return;
     }
     if (writesDecimalComma()) {
@@ -207,26 +210,14 @@ static bool writesDecimalComma() {
     }
     // Stored first: a sheet may not return before it is answered.
     [self setSetting:@"firstrun" to:2];
-    [self offerTutorial];
-}
-
-- (void)offerTutorial {
     [self showSheet:@"This is your first run.\nShow 45-second quick tutorial?"
                 yes:@"Run Tutorial"
                  no:@"No thanks."
              didEnd:@selector(tutorialSheetDidEnd:returnCode:contextInfo:)];
 }
 
-- (void)offerReview {
-    [self showSheet:@"If you like Tallyquill, please consider leaving a review."
-                yes:@"Leave Review"
-                 no:@"No thanks."
-             didEnd:@selector(reviewSheetDidEnd:returnCode:contextInfo:)];
-}
-
 - (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector {
-    NSArray* const sheet = [NSArray
-        arrayWithObjects:message, yes, no ? no : @"", selector ? NSStringFromSelector(selector) : @"", nil];
+    NSArray* const sheet = @[ message, yes, no ? no : @"", selector ? NSStringFromSelector(selector) : @"" ];
     // A sheet may keep the program until it is answered, and a window that is only now appearing has not got
     // the keyboard yet.
     [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
@@ -266,7 +257,7 @@ static bool writesDecimalComma() {
 
 - (void)storeFrame {
     NSWindow* const window = [self window];
-    if (window && (![window isVisible] || [window isMiniaturized] || mainWinIsHidden)) return;
+    if (window && !isShown(window)) return;
     const NSRect frame = window ? [window frame] : NSZeroRect;
     [self setSetting:@"x" to:wholePoints(frame.origin.x)];
     [self setSetting:@"y" to:wholePoints(frame.origin.y)];

@@ -93,15 +93,11 @@ static std::vector<NSRect> visibleFrames() {
 }
 
 - (void)snap {
-    if (!snapEnabled || ![self isShown]) return;
+    if (!snapEnabled || !isShown(window)) return;
     const std::vector<NSRect> screens = visibleFrames();
     const NSRect frame = [window frame];
     const NSRect snapped = snappedFrame(frame, screens.data(), screens.size());
     if (!NSEqualRects(frame, snapped)) [self placeWindow:snapped];
-}
-
-- (bool)isShown {
-    return [window isVisible] && ![window isMiniaturized] && !mainWinIsHidden;
 }
 
 - (void)placeWindow:(NSRect)frame {

@@ -20,6 +20,10 @@ NSMutableArray* waitingToOpenFilenames = nil;
 static const NSUInteger EVERY_SPACE = 1;
 static const NSUInteger ONE_SPACE = 0;
 
+bool isShown(NSWindow* mainWindow) {
+    return [mainWindow isVisible] && ![mainWindow isMiniaturized] && !mainWinIsHidden;
+}
+
 @implementation PelmoAppDelegate
 
 @synthesize window, mainConsole, windowDelegate, prefController;
@@ -102,16 +106,12 @@ static const NSUInteger ONE_SPACE = 0;
     [window setCollectionBehavior:EVERY_SPACE];
 }
 
-- (BOOL)isShown {
-    return [window isVisible] && ![window isMiniaturized] && !mainWinIsHidden;
-}
-
 - (void)hideMainWindow:(id)sender {
-    if ([self isShown]) [self fadeAway];
+    if (isShown(window)) [self fadeAway];
 }
 
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
-    return sel_isEqual([item action], @selector(hideMainWindow:)) ? [self isShown] : YES;
+    return sel_isEqual([item action], @selector(hideMainWindow:)) ? isShown(window) : YES;
 }
 
 - (void)clickedAppStatusItem:(id)sender {
@@ -131,7 +131,7 @@ static const NSUInteger ONE_SPACE = 0;
 
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)isAnyVisible {
     (void)isAnyVisible; // another one, such as the guide, may be
-    if (![self isShown]) [self bringBack];
+    if (!isShown(window)) [self bringBack];
     return NO;
 }
 

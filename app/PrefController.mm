@@ -234,11 +234,7 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
                                    selector:@selector(fadeWin:)
                                    userInfo:@[ @(target), @(rate) ]
                                     repeats:YES] retain];
-    // Also while a panel waits for its answer or a menu is open.
-    for (NSString* const mode in
-         @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
-        [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
-    }
+    for (NSString* const mode in everyMode()) [[NSRunLoop currentRunLoop] addTimer:timer forMode:mode];
 }
 
 - (void)fadeWin:(NSTimer*)tick {

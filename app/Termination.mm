@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "Termination.h"
 
+#import "Controls.h"
 #import "MainConsole.h"
 #import "PelmoAppDelegate.h"
 
@@ -40,10 +41,7 @@ std::vector<int> terminationSignals() {
         [NSApp terminate:nil];
         return;
     }
-    [self performSelector:@selector(end:)
-               withObject:nil
-               afterDelay:RETRY_DELAY
-                  inModes:@[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]];
+    [self performSelector:@selector(end:) withObject:nil afterDelay:RETRY_DELAY inModes:everyMode()];
 }
 @end
 
@@ -60,9 +58,7 @@ void heedTerminationSignals(const std::vector<int>& signals) {
                                              selector:@selector(end:)
                                                  name:NSFileHandleDataAvailableNotification
                                                object:readable];
-    [readable waitForDataInBackgroundAndNotifyForModes:@[
-        NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode
-    ]];
+    [readable waitForDataInBackgroundAndNotifyForModes:everyMode()];
     for (const int number : signals) {
         struct sigaction action = {};
         action.sa_handler = askForEnd;

@@ -12,6 +12,5 @@
     int32_t maxLength;  // characters; 2147483647, no limit, at first
     NSString* lastText; // the latest within the limit, for fields that keep what was typed too much
 }
-- (void)setMaximumLength:(int32_t)length;
-- (int32_t)maximumLength;
+@property(nonatomic, assign) int32_t maximumLength;
 @end

@@ -3,6 +3,8 @@
 
 @implementation TextFormatter
 
+@synthesize maximumLength = maxLength;
+
 - (id)init {
     self = [super init];
     if (self) maxLength = INT32_MAX;
@@ -23,14 +25,6 @@
     NSString* const kept = [text copy];
     [lastText release];
     lastText = kept;
-}
-
-- (void)setMaximumLength:(int32_t)length {
-    maxLength = length;
-}
-
-- (int32_t)maximumLength {
-    return maxLength;
 }
 
 - (NSString*)stringForObjectValue:(id)object {

@@ -19,6 +19,12 @@ uint32_t prevKey = 0;
 using Edit = KeyEffect::Edit;
 using Then = KeyEffect::Then;
 
+static KeyEffect only(Then then) {
+    KeyEffect effect;
+    effect.then = then;
+    return effect;
+}
+
 bool Transcript::FetchPrompt() const {
     const size_t length = std::min(entry.size(), PROMPT_SIZE - 1);
     bool isWhole = length == entry.size();
@@ -59,12 +65,8 @@ KeyEffect Transcript::Press(const KeyPress& key, bool minusIsSign) const {
 
 KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSign) const {
     const bool extends = (key.held & SHIFT_KEY) != 0;
-    KeyEffect effect;
     switch (action) {
-    case KeyAction::Commit:
-        update_match_str = 0;
-        effect.then = Then::Commit;
-        return effect;
+    case KeyAction::Commit: update_match_str = 0; return only(Then::Commit);
     case KeyAction::Complete: return Complete();
     case KeyAction::Escape: return Escape();
     case KeyAction::Backspace: return Erase(false);
@@ -72,7 +74,7 @@ KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSig
     case KeyAction::Home: return GoHome(extends);
     case KeyAction::End: return GoToEnd(extends);
     case KeyAction::Left: return GoLeft();
-    case KeyAction::Right: effect.then = Then::Pass; return effect;
+    case KeyAction::Right: return only(Then::Pass);
     case KeyAction::Up: return WalkHistory(true);
     case KeyAction::Down: return WalkHistory(false);
     default: return Type(action, key, minusIsSign);
@@ -99,12 +101,9 @@ KeyEffect Transcript::Complete() const {
 }
 
 KeyEffect Transcript::Escape() const {
-    KeyEffect effect;
     FetchPrompt();
-    if (entry.empty() && selection.length == 0) {
-        effect.then = Then::Hide;
-        return effect;
-    }
+    if (entry.empty() && selection.length == 0) return only(Then::Hide);
+    KeyEffect effect;
     effect.edit = Edit::Clear;
     calc.history.HistLocReset();
     update_match_str = 0;
@@ -114,8 +113,7 @@ KeyEffect Transcript::Escape() const {
 // The guard of the prompt. With nothing to delete the cursor goes into the entry; forwards there may then be
 // something.
 KeyEffect Transcript::Erase(bool isForward) const {
-    KeyEffect effect;
-    effect.then = Then::Pass;
+    KeyEffect effect = only(Then::Pass);
     const bool isInEntry =
         selection.location > Start() || (selection.location == Start() && selection.length > 0);
     if (isInEntry) return effect;
@@ -130,16 +128,14 @@ KeyEffect Transcript::Erase(bool isForward) const {
 }
 
 KeyEffect Transcript::GoHome(bool extends) const {
-    KeyEffect effect;
+    KeyEffect effect = only(Then::Nothing);
     const bool selects = extends && selection.end() > Start();
     effect.select = EntryRange{Start(), selects ? selection.end() - Start() : 0};
-    effect.then = Then::Nothing;
     return effect;
 }
 
 KeyEffect Transcript::GoToEnd(bool extends) const {
-    KeyEffect effect;
-    effect.then = Then::Nothing;
+    KeyEffect effect = only(Then::Nothing);
     if (extends)
         effect.select = EntryRange{selection.location, end() - selection.location};
     else
@@ -149,11 +145,9 @@ KeyEffect Transcript::GoToEnd(bool extends) const {
 
 // The cursor does not enter the prompt.
 KeyEffect Transcript::GoLeft() const {
-    KeyEffect effect;
     const size_t place = selection.location;
     const bool isAtPrompt = place + 2 >= Start() && place <= Start();
-    effect.then = isAtPrompt ? Then::Preview : Then::Pass;
-    return effect;
+    return only(isAtPrompt ? Then::Preview : Then::Pass);
 }
 
 // With the cursor at the start of the entry the arrows walk through the whole history, behind it through the
@@ -185,10 +179,7 @@ KeyEffect Transcript::Type(KeyAction action, const KeyPress& key, bool minusIsSi
     update_match_str = 0;
     matching_enable = 1;
     KeyEffect effect;
-    if (action == KeyAction::Copy && selection.length == 0) {
-        effect.then = Then::Copy;
-        return effect;
-    }
+    if (action == KeyAction::Copy && selection.length == 0) return only(Then::Copy);
     // No menu item has the key, and GNUstep would type its character.
     if ((key.held & COMMAND_KEY) && !(key.held & FUNCTION_KEY)) return effect;
     effect.then = Then::Pass;

@@ -113,8 +113,14 @@ static NSFont* listFont() {
 
 // --- Rows ---
 
-- (BOOL)canSelect:(int)row {
-    return row >= 0 && row < count && ![[items objectAtIndex:static_cast<NSUInteger>(row)] isSeparatorItem];
+- (NSMenuItem*)itemAt:(int)row {
+    return row >= 0 && row < count ? [items objectAtIndex:static_cast<NSUInteger>(row)] : nil;
+}
+
+// The item of the selected row, or nil when that is none or cannot be chosen.
+- (NSMenuItem*)choice {
+    NSMenuItem* const item = [self itemAt:selected];
+    return [item isSeparatorItem] ? nil : item;
 }
 
 - (void)select:(int)row {
@@ -130,8 +136,8 @@ static NSFont* listFont() {
 // Selects the row, or the next one in that direction (1 or -1) that can be, and brings it into sight.
 - (void)goTo:(int)row direction:(int)direction {
     row = std::max(std::min(row, count - 1), 0);
-    while (row >= 0 && row < count && ![self canSelect:row]) row += direction;
-    if (![self canSelect:row]) return;
+    while ([[self itemAt:row] isSeparatorItem]) row += direction;
+    if (![self itemAt:row]) return;
     [self select:row];
     [self scrollTo:std::max(std::min(top, row), row - inSight + 1)];
 }
@@ -180,7 +186,7 @@ static NSFont* listFont() {
 - (void)letGo {
     isHeld = false;
     if ([self isOnButton]) return;
-    const bool isOnRow = [self rowAtPointer] >= 0 && [self canSelect:selected];
+    const bool isOnRow = [self rowAtPointer] >= 0 && [self choice];
     if (isOnRow || ![self isOnList]) isOpen = false;
 }
 
@@ -193,9 +199,9 @@ static NSFont* listFont() {
     lastTyped = [event timestamp];
     [typed appendString:[text substringToIndex:1]];
     for (int row = 0; row < count; row++) {
-        NSString* const title = [[items objectAtIndex:static_cast<NSUInteger>(row)] title];
-        const NSRange found = [title rangeOfString:typed options:NSCaseInsensitiveSearch | NSAnchoredSearch];
-        if (![self canSelect:row] || found.location == NSNotFound) continue;
+        NSString* const title = [[self itemAt:row] title]; // that of a separator is empty
+        const NSStringCompareOptions start = NSCaseInsensitiveSearch | NSAnchoredSearch;
+        if ([title rangeOfString:typed options:start].length == 0) continue;
         [self goTo:row direction:1];
         return;
     }
@@ -223,7 +229,7 @@ static NSFont* listFont() {
     } else if (key == KEY_ESCAPE) {
         [self giveUp];
     } else if (key == KEY_RETURN || key == KEY_ENTER) {
-        isOpen = ![self canSelect:selected];
+        isOpen = ![self choice];
     } else {
         [self moveBy:event];
     }
@@ -287,16 +293,16 @@ static NSFont* listFont() {
     isHeld = event != nil;
     [NSEvent startPeriodicEventsAfterDelay:SCROLL_PERIOD withPeriod:SCROLL_PERIOD];
     while (isOpen) {
-        NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-        [self take:[NSApp nextEventMatchingMask:NSAnyEventMask
-                                      untilDate:[NSDate distantFuture]
-                                         inMode:NSEventTrackingRunLoopMode
-                                        dequeue:YES]];
-        [pool release];
+        @autoreleasepool {
+            [self take:[NSApp nextEventMatchingMask:NSAnyEventMask
+                                          untilDate:[NSDate distantFuture]
+                                             inMode:NSEventTrackingRunLoopMode
+                                            dequeue:YES]];
+        }
     }
     [NSEvent stopPeriodicEvents];
     [panel close];
-    return [self canSelect:selected] ? [items objectAtIndex:static_cast<NSUInteger>(selected)] : nil;
+    return [self choice];
 }
 
 // --- How it looks ---
@@ -311,7 +317,7 @@ static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint plac
 }
 
 - (void)drawRow:(int)row in:(NSRect)frame {
-    NSMenuItem* const item = [items objectAtIndex:static_cast<NSUInteger>(row)];
+    NSMenuItem* const item = [self itemAt:row];
     if ([item isSeparatorItem]) {
         [[NSColor gridColor] set];
         NSRectFill(NSMakeRect(NSMinX(frame) + 4, std::floor(NSMidY(frame)), NSWidth(frame) - 8, 1));

@@ -64,13 +64,8 @@ static const NSUInteger BUTTONS = NSLeftMouseDownMask | NSLeftMouseUpMask | NSRi
     NSEvent* const key = [NSApp nextEventMatchingMask:NSKeyDownMask
                                             untilDate:[NSDate distantPast]
                                                inMode:NSEventTrackingRunLoopMode
-                                              dequeue:NO];
-    if (key && platformKeyCode(key) == KEY_ESCAPE) {
-        [NSApp nextEventMatchingMask:NSKeyDownMask
-                           untilDate:[NSDate distantPast]
-                              inMode:NSEventTrackingRunLoopMode
-                             dequeue:YES];
-    }
+                                              dequeue:YES];
+    if (key && platformKeyCode(key) != KEY_ESCAPE) [NSApp postEvent:key atStart:YES];
     return key != nil;
 }
 

@@ -66,12 +66,14 @@ void platformRegisterDefaults() {
     // The menu in the window, the scroller at its right, no icon of the application on the desktop, a
     // minimised window in the hands of the window manager, and in menus the names of the keys as they stand
     // on the keyboards here.
-    NSDictionary* const defaults = [NSDictionary
-        dictionaryWithObjectsAndKeys:@"NSWindows95InterfaceStyle", @"NSMenuInterfaceStyle",
-                                     @"NSMacintoshInterfaceStyle", @"NSScrollViewInterfaceStyle", @"YES",
-                                     @"GSSuppressAppIcon", @"Alt+", @"GSCommandKeyString", @"Shift+",
-                                     @"GSShiftKeyString", @"NO", @"GSAppOwnsMiniwindow", nil];
-    [[NSUserDefaults standardUserDefaults] registerDefaults:defaults];
+    [[NSUserDefaults standardUserDefaults] registerDefaults:@{
+        @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",
+        @"NSScrollViewInterfaceStyle" : @"NSMacintoshInterfaceStyle",
+        @"GSSuppressAppIcon" : @"YES",
+        @"GSCommandKeyString" : @"Alt+",
+        @"GSShiftKeyString" : @"Shift+",
+        @"GSAppOwnsMiniwindow" : @"NO"
+    }];
 }
 
 bool platformHasDisplay() {
@@ -116,10 +118,9 @@ bool platformOpenPage(NSString* address) {
     if ([address length] == 0 || [address hasPrefix:@"-"] || ![NSURL URLWithString:address]) return false;
     NSTask* const task = [[[NSTask alloc] init] autorelease];
     [task setLaunchPath:@"/bin/sh"];
-    [task setArguments:[NSArray arrayWithObjects:@"-c",
-                                                 @"command -v xdg-open >/dev/null || exit 1; "
-                                                 @"xdg-open \"$1\" >/dev/null 2>&1 </dev/null &",
-                                                 @"sh", address, nil]];
+    NSString* const script = @"command -v xdg-open >/dev/null || exit 1; "
+                             @"xdg-open \"$1\" >/dev/null 2>&1 </dev/null &";
+    [task setArguments:@[ @"-c", script, @"sh", address ]];
     [task launch];
     [task waitUntilExit];
     return [task terminationStatus] == 0;
