@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
+#include "OwnFiles.h"
+
+#include <algorithm>
+
 namespace {
 
 using Action = Options::Action;
@@ -15,6 +19,7 @@ constexpr OptionRow TABLE[] = {
     {"json", 0, nullptr, "print a JSON object for each statement, errors too", &Options::json},
     {"fail-fast", 0, nullptr, "stop at the first error", &Options::failFast},
     {"preview", 0, nullptr, "evaluate as while one types: briefly, storing nothing", &Options::preview},
+    {"with", 0, "LIST", "also define what ships as everyday, constants, money,\ntime, temperature: their names with commas between", WithOption{}},
     {"no-files", 0, nullptr, "read none of your own definitions", &Options::noFiles},
     {"user", 0, nullptr, "take your own settings too, as the window has them", &Options::user},
     {"deg", 0, nullptr, "angles in degrees, as without it", SettingOption{"degmode", "deg"}},
@@ -112,7 +117,18 @@ private:
             given.value = argv[next++];
         }
         if (!Use(given.row->use, given.value))
-            Refuse("'" + std::string(given.value) + "' is no value of " + name + ": " + argument);
+            Refuse("'" + std::string(given.value) + "' is no value of " + name + ": " +
+                   PossibleValues(*given.row));
+    }
+
+    static std::string PossibleValues(const OptionRow& row) {
+        if (std::get_if<WithOption>(&row.use) == nullptr) return row.argument;
+        std::string names;
+        for (const std::string_view name : shippedNames()) {
+            names += names.empty() ? "" : ", ";
+            names += name;
+        }
+        return names;
     }
 
     // False when the value is not a good one.
@@ -124,6 +140,7 @@ private:
             options.** text = value;
             return !value.empty();
         }
+        if (std::get_if<WithOption>(&use) != nullptr) return UseShipped(value);
         const auto* const one = std::get_if<SettingOption>(&use);
         if (one == nullptr) return true;
         const Setting* const setting = findSetting(one->key);
@@ -131,6 +148,18 @@ private:
         if (!setting->Read(*one->value == '\0' ? std::string(value) : one->value, number)) return false;
         options.settings.emplace_back(setting, number);
         return true;
+    }
+
+    // False when a name is unknown.
+    bool UseShipped(std::string_view list) {
+        const std::vector<std::string_view> names = shippedNames();
+        for (;;) {
+            const std::string_view name = list.substr(0, list.find(','));
+            if (std::find(names.begin(), names.end(), name) == names.end()) return false;
+            options.with.push_back(name);
+            if (name.size() == list.size()) return true;
+            list.remove_prefix(name.size() + 1);
+        }
     }
 
     int argc;

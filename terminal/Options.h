@@ -23,30 +23,33 @@ struct Options {
     Action action = Action::Evaluate;
     std::string refusal; // RefuseUsage: what is wrong, one or two lines without the last line feed
 
-    std::vector<Input> inputs;  // in the order in which they were given
-    bool quiet = false;         // values alone
-    bool last = false;          // the last value alone
-    bool json = false;          // an object for each statement (Json.h)
-    bool failFast = false;      // the first error ends the run
-    std::string_view each;      // the entry for every line of standard input; empty: none
-    std::string_view separator; // what stands between the fields of these; empty: blanks
-    bool preview = false;       // as while one types: within a limit of work, and nothing is stored
-    bool noFiles = false;       // no file of the person's is read
-    bool user = false;          // the person's settings are taken too
-    bool trace = false;         // the engine's trace goes to standard error
+    std::vector<Input> inputs;          // in the order in which they were given
+    bool quiet = false;                 // values alone
+    bool last = false;                  // the last value alone
+    bool json = false;                  // an object for each statement (Json.h)
+    bool failFast = false;              // the first error ends the run
+    std::string_view each;              // the entry for every line of standard input; empty: none
+    std::string_view separator;         // what stands between the fields of these; empty: blanks
+    bool preview = false;               // as while one types: within a limit of work, and nothing is stored
+    std::vector<std::string_view> with; // names of definitions that ship (OwnFiles.h)
+    bool noFiles = false;               // no file of the person's is read
+    bool user = false;                  // the person's settings are taken too
+    bool trace = false;                 // the engine's trace goes to standard error
 
     std::vector<std::pair<const Setting*, int>> settings; // what differs from those
 };
 
-// What an option does: it sets a flag or a text, decides the action, or adds an input. Or it sets a setting,
+// What an option does: it sets a flag or a text, decides the action, adds an input,
+// or names of definitions between commas. Or it sets a setting,
 // to the value that its choice's word or number (empty: the option's argument) tells.
 struct SettingOption {
     const char* key;
     const char* value = "";
 };
 struct FileOption {};
-using OptionUse =
-    std::variant<bool Options::*, std::string_view Options::*, Options::Action, SettingOption, FileOption>;
+struct WithOption {};
+using OptionUse = std::variant<bool Options::*, std::string_view Options::*, Options::Action, SettingOption,
+                               FileOption, WithOption>;
 
 struct OptionRow {
     const char* name;     // behind "--"

@@ -7,6 +7,7 @@
 #include "FileKeeping.h"
 #include "Folder.h"
 #include "SettingsFile.h"
+#include "ShippedText.h"
 
 #include <sstream>
 #include <unistd.h>
@@ -101,4 +102,16 @@ FileReading takeInitFile(ZqCalculator& calc) {
     std::string text;
     if (!readWholeFile(path, text)) return lost(path);
     return {false, takeEntries(calc, path, text)};
+}
+
+void takeShipped(ZqCalculator& calc, std::string_view name) {
+    for (const ShippedText& shipped : SHIPPED_TEXTS) {
+        if (name == shipped.name) takeEntries(calc, shipped.name, shipped.text);
+    }
+}
+
+std::vector<std::string_view> shippedNames() {
+    std::vector<std::string_view> names;
+    for (const ShippedText& shipped : SHIPPED_TEXTS) names.emplace_back(shipped.name);
+    return names;
 }

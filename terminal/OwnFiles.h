@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// What a run takes from a person's files. Nothing is written. But for takeOwnSettings, an entry's settings,
-// `ans` and the history stay as they are, whatever the files hold, so that what a script answers depends on
-// definitions alone.
+// What a run takes from a person's files, and the definitions that ship. Nothing is written. But for
+// takeOwnSettings, an entry's settings, `ans` and the history stay as they are, whatever the files hold, so
+// that what a script answers depends on definitions alone.
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 class ZqCalculator;
 
@@ -25,3 +27,8 @@ FileReading takeOwnSettings(ZqCalculator& calc);
 // Carries out the lines of the file "init" in the folder for configuration (Folder.h), entries that define
 // what a person wants to have in every run. What they answer is not shown, and settings end with the file.
 FileReading takeInitFile(ZqCalculator& calc);
+
+// Takes the definitions that ship under the name, a file of the folder definitions/. Nothing happens when it
+// is none of shippedNames. They are compiled in.
+void takeShipped(ZqCalculator& calc, std::string_view name);
+std::vector<std::string_view> shippedNames();

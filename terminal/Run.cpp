@@ -28,6 +28,7 @@ constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
 
 void Run::Prepare(bool withDefinitions) {
     ZqCalculator& calc = session.Calculator();
+    for (const std::string_view name : options.with) takeShipped(calc, name);
     if (!options.noFiles) {
         if (withDefinitions) Tell(takeOwnDefinitions(calc));
         Tell(takeInitFile(calc));

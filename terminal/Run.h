@@ -18,8 +18,8 @@ public:
     // Answers go to the descriptor `out`, which End closes.
     Run(Session& with, int out, const Options& how) : session(with), answers(out), options(how) {}
 
-    // Takes what the person's files hold (OwnFiles.h), the definitions file only `withDefinitions`, and then
-    // the settings of the options.
+    // Takes the definitions that ship and are asked for, what the person's files hold (OwnFiles.h), the
+    // definitions file only `withDefinitions`, and then the settings of the options.
     void Prepare(bool withDefinitions);
 
     // Evaluates the inputs of the options in their order, then the entry for each line of standard input.
