@@ -18,6 +18,7 @@ debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-g
     libx11-dev fonts-dejavu-core"
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales bc apcalc qalc units
+    man-db groff-base zsh fish
     python3 python3-pexpect python3-pyte xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
@@ -29,7 +30,7 @@ brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck 
 # Elsewhere only the presence of these programs is checked.
 programs_terminal="clang++ cmake ninja curl"
 programs_run="$programs_terminal gnustep-config"
-programs_test="$programs_run units g++ pkg-config clang-format clang-tidy cppcheck valgrind git
+programs_test="$programs_run units man zsh fish g++ pkg-config clang-format clang-tidy cppcheck valgrind git
     python3 Xvfb openbox xdotool xclip xprop import"
 
 fail() {

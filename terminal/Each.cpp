@@ -139,6 +139,8 @@ std::string faultOf(std::string_view field, bool areGroupsWrong, bool hasDecimal
 FieldNumber readField(std::string_view field, bool hasDecimalComma) {
     FieldNumber number;
     std::string_view rest = trimmed(field);
+    if (rest.size() > 2 && rest.front() == '"' && rest.back() == '"')
+        rest = trimmed(rest.substr(1, rest.size() - 2));
     number.isNegative = removeMinus(rest);
     if (isOfBase(rest)) {
         number.digits = rest;

@@ -17,10 +17,11 @@ struct FieldNumber {
     std::string fault;       // when it is none: what follows the field in a message, such as "is no number"
 };
 
-// Reads a field. Thousands may be grouped: by commas (by points with a decimal comma), apostrophes or blanks,
-// also those that do not break a line. "-5", the same with the minus of typesetters, "5-" and "(5)" are
-// negative. Currency signs, percent signs and whatever else stands beside the digits make it no number, and
-// so do groups that are not three digits long: "1,23" is either wrong or has a decimal comma.
+// Reads a field, with or without double quotes around it. Thousands may be grouped: by commas (by points with
+// a decimal comma), apostrophes or blanks, also those that do not break a line. "-5", the same with the minus
+// of typesetters, "5-" and "(5)" are negative. Currency signs, percent signs and whatever else stands beside
+// the digits make it no number, and so do groups that are not three digits long: "1,23" is either wrong or
+// has a decimal comma.
 FieldNumber readField(std::string_view field, bool hasDecimalComma);
 
 // The fields of a line: between runs of blanks and tabs, or with a separator between these. Then a field in

@@ -1,0 +1,222 @@
+// SPDX-License-Identifier: MIT
+//
+// The man page and the completions know the options that there are, and the examples for a shell are true.
+#include "Options.h"
+
+#include "program.h"
+#include "temporary_folder.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+using Names = std::set<std::string>;
+
+std::string contentOf(const std::string& path) {
+    std::ifstream file(path);
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    EXPECT_FALSE(text.empty()) << path;
+    return text;
+}
+
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t i = text.find(from); i != std::string::npos; i = text.find(from, i + to.size()))
+        text.replace(i, from.size(), to);
+}
+
+// The page as it is read.
+std::string manPage() {
+    std::string text = contentOf(TALLYQUILL_MAN_PAGE);
+    const std::pair<const char*, const char*> escapes[] = {{"\\-", "-"},   {"\\(aq", "'"}, {"\\(ha", "^"},
+                                                           {"\\(ti", "~"}, {"\\fR", ""},   {"\\fB", ""},
+                                                           {"\\fI", ""},   {"\\ ", " "},   {"\\e", "\\"}};
+    for (const auto& [from, to] : escapes) replaceAll(text, from, to);
+    return text;
+}
+
+// What the shell shows for a command in a folder where the program is found, both streams in one.
+std::string shellShows(const std::string& folder, const std::string& command) {
+    int ends[2] = {-1, -1};
+    EXPECT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        cleanEnvironment({});
+        std::string path = TALLYQUILL_PROGRAM;
+        path.resize(path.rfind('/'));
+        setenv("PATH", (path + ":" + getenv("PATH")).c_str(), 1);
+        dup2(ends[1], STDOUT_FILENO);
+        dup2(ends[1], STDERR_FILENO);
+        if (chdir(folder.c_str()) == 0) execl("/bin/bash", "bash", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    close(ends[1]);
+    std::string shown;
+    char block[4096];
+    for (ssize_t count = 0; (count = read(ends[0], block, sizeof block)) > 0;)
+        shown.append(block, static_cast<std::size_t>(count));
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return shown;
+}
+
+// Runs the commands behind "$ " of the blocks that begin with one. Returns how many there are.
+int runExamples(const std::string& text, const std::string& open, const std::string& close) {
+    const TemporaryFolder folder;
+    std::istringstream lines(text);
+    std::string before;
+    std::string command;
+    std::string shown;
+    int commands = 0;
+    bool isInside = false;
+    for (std::string line; std::getline(lines, line); before = line) {
+        const bool isCommand = line.rfind("$ ", 0) == 0;
+        isInside = isInside ? line != close : before == open && isCommand;
+        if (!command.empty() && (isCommand || !isInside)) {
+            EXPECT_EQ(shellShows(folder.Path(), command), shown) << command;
+            command.clear();
+            ++commands;
+        }
+        if (!isInside) continue;
+        if (isCommand) {
+            command = line.substr(2);
+            shown.clear();
+        } else {
+            shown += line + "\n";
+        }
+    }
+    return commands;
+}
+
+Names longNames() {
+    Names names;
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row)
+        names.insert(std::string("--") + row->name);
+    return names;
+}
+
+Names namesIn(const std::string& text, const char* pattern) {
+    const std::regex expression(pattern);
+    Names names;
+    for (auto one = std::sregex_iterator(text.begin(), text.end(), expression); one != std::sregex_iterator();
+         ++one)
+        names.insert("--" + (*one)[1].str());
+    return names;
+}
+
+TEST(ManPage, HasTheOptionsThatThereAre) {
+    const std::string page = manPage();
+    const std::size_t start = page.find("\n.SH OPTIONS\n");
+    const std::string options = page.substr(start, page.find("\n.SH ", start + 1) - start);
+    EXPECT_EQ(namesIn(options, "\n\\.TP\n[^\n]*--([a-z-]+)"), longNames());
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+        const std::string value = row->argument == nullptr ? "" : std::string("= ") + row->argument;
+        EXPECT_NE(options.find(std::string("--") + row->name + value + "\n"), std::string::npos) << row->name;
+        if (row->letter != 0) {
+            const std::string letter = std::string(" -") + row->letter;
+            EXPECT_TRUE(
+                std::regex_search(options, std::regex("\n\\.TP\n[^\n]*" + letter + "[^\n]*--" + row->name)))
+                << row->name;
+        }
+    }
+}
+
+TEST(ManPage, HasTheSectionsOfOne) {
+    const std::string page = manPage();
+    for (const char* const section :
+         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "JSON", "EXIT STATUS", "ENVIRONMENT", "FILES",
+          "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
+        EXPECT_NE(page.find("\n.SH " + std::string(section) + "\n"), std::string::npos) << section;
+    EXPECT_NE(page.find("Tallyquill " TALLYQUILL_VERSION "\""), std::string::npos);
+}
+
+TEST(ManPage, HasExamplesThatAreTrue) {
+    EXPECT_EQ(runExamples(manPage(), ".EX", ".EE"), 11);
+}
+
+TEST(ManPage, IsFormattedWithoutWarnings) {
+    EXPECT_EQ(shellShows("/", std::string("man --warnings -E UTF-8 -l -Tutf8 -Z '") + TALLYQUILL_MAN_PAGE +
+                                  "' 2>&1 >/dev/null && echo done"),
+              "done\n");
+}
+
+TEST(Readme, ItsExamplesForAShellAreTrue) {
+    EXPECT_EQ(runExamples(contentOf(TALLYQUILL_README), "```", "```"), 5);
+}
+
+TEST(Guide, ItsExamplesForAShellAreTrue) {
+    EXPECT_EQ(runExamples(contentOf(TALLYQUILL_GUIDE), "```", "```"), 4);
+}
+
+// --- Completions ---
+
+std::string completion(const std::string& name) {
+    return std::string(TALLYQUILL_COMPLETIONS) + "/" + name;
+}
+
+TEST(Completions, KnowTheOptionsThatThereAre) {
+    const std::string bash = contentOf(completion("tallyquill.bash"));
+    EXPECT_EQ(namesIn(bash.substr(bash.find("options='"), bash.find("-f -F")), "--([a-z-]+)"), longNames());
+    EXPECT_EQ(namesIn(contentOf(completion("_tallyquill")), "--([a-z-]+)[=\\[}]"), longNames());
+    EXPECT_EQ(namesIn(contentOf(completion("tallyquill.fish")), " -l ([a-z-]+)"), longNames());
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+        if (row->letter == 0) continue;
+        const std::string letter(1, row->letter);
+        EXPECT_NE(bash.find(" -" + letter), std::string::npos) << letter;
+        EXPECT_NE(contentOf(completion("_tallyquill")).find("-" + letter + ",--" + row->name),
+                  std::string::npos)
+            << letter;
+        EXPECT_NE(contentOf(completion("tallyquill.fish")).find("-s " + letter + " -l " + row->name),
+                  std::string::npos)
+            << letter;
+    }
+}
+
+TEST(Completions, KnowTheValuesThatThereAre) {
+    for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
+        std::string values = row->argument == nullptr ? "" : row->argument;
+        if (std::string(row->name) == "with") values = "everyday|constants|money|time|temperature";
+        if (values.find('|') == std::string::npos) continue;
+        replaceAll(values, "|", " ");
+        for (const char* const file : {"tallyquill.bash", "_tallyquill", "tallyquill.fish"})
+            EXPECT_NE(contentOf(completion(file)).find(values), std::string::npos)
+                << file << ' ' << row->name;
+    }
+}
+
+// What bash proposes for a command line of these words.
+std::string bashProposes(const std::string& words) {
+    return shellShows("/",
+                      "source '" + completion("tallyquill.bash") + "'; COMP_WORDS=(" + words +
+                          "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tallyquill; echo \"${COMPREPLY[@]}\"");
+}
+
+TEST(Completions, WorkInBash) {
+    EXPECT_EQ(bashProposes("tallyquill --fi"), "--file --figures\n");
+    EXPECT_EQ(bashProposes("tallyquill --base ''"), "bin dec hex\n");
+    EXPECT_EQ(bashProposes("tallyquill --base = h"), "hex\n");
+    EXPECT_EQ(bashProposes("tallyquill --base ="), "bin dec hex\n");
+    EXPECT_EQ(bashProposes("tallyquill --with money,t"), "money,time money,temperature\n");
+    EXPECT_EQ(bashProposes("tallyquill -f /etc/hostn"), "/etc/hostname\n");
+    EXPECT_EQ(bashProposes("tallyquill 1"), "\n");
+}
+
+TEST(Completions, WorkInFish) {
+    const std::string fish = "HOME=/tmp fish --no-config -c 'source " + completion("tallyquill.fish") +
+                             "; complete -C\"tallyquill ";
+    EXPECT_EQ(shellShows("/", fish + "--fi\"' | cut -f1"), "--figures\n--file\n");
+    EXPECT_EQ(shellShows("/", fish + "--base \"' | cut -f1"), "bin\ndec\nhex\n");
+}
+
+TEST(Completions, AreReadByZsh) {
+    EXPECT_EQ(shellShows("/", "zsh -n '" + completion("_tallyquill") + "' && echo read"), "read\n");
+}
+
+} // namespace
