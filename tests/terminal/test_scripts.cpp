@@ -150,6 +150,85 @@ TEST(SettingOptions, HoldForTheRun) {
     }
 }
 
+// --- Streams ---
+
+using Arguments = std::vector<std::string>;
+
+const Arguments EVERY_OUTPUT[] = {
+    {"-q", "1"}, {"--last", "1"}, {"--json", "1"},           {"--preview", "1"},
+    {"-f", "-"}, {"--each", "x"}, {"--each", "x", "--last"}, {"--each", "x", "--json"}};
+
+Invocation invocationOf(const Arguments& arguments) {
+    Invocation invocation;
+    invocation.arguments = arguments;
+    invocation.input = "1\n";
+    return invocation;
+}
+
+TEST(Streams, AnOutputThatIsFullOrClosedIsAnErrorWithEveryOption) {
+    for (const Arguments& arguments : EVERY_OUTPUT) {
+        Invocation invocation = invocationOf(arguments);
+        invocation.closeOutput = true;
+        Result run = runProgram(invocation);
+        EXPECT_EQ(run.status, 3) << arguments[0];
+        EXPECT_EQ(run.err, "tallyquill: standard output: Bad file descriptor\n");
+#ifdef __linux__
+        invocation = invocationOf(arguments);
+        invocation.outputFile = "/dev/full";
+        run = runProgram(invocation);
+        EXPECT_EQ(run.status, 3) << arguments[0];
+        EXPECT_EQ(run.err, "tallyquill: standard output: No space left on device\n");
+#endif
+    }
+}
+
+TEST(Streams, AnInputThatIsClosedIsAnErrorWhereItIsRead) {
+    for (const Arguments& arguments : {Arguments{"-f", "-"}, Arguments{"--each", "x"}, Arguments{"--json"}}) {
+        Invocation invocation = invocationOf(arguments);
+        invocation.closeInput = true;
+        expectRun(runProgram(invocation), 3, "", "tallyquill: standard input: Bad file descriptor\n");
+    }
+    Invocation invocation = invocationOf({"1+1"});
+    invocation.closeInput = true;
+    expectRun(runProgram(invocation), 0, "ans = 2\n", "");
+}
+
+TEST(Streams, ErrorsThatNobodyCanReadAreSeenByTheStatus) {
+    Invocation invocation = invocationOf({"--each", "x", "-q"});
+    invocation.input = "1\nb\n";
+    invocation.closeErrors = true;
+    expectRun(runProgram(invocation), 1, "1\n", "");
+}
+
+TEST(Streams, WhatIsNoTextIsRefusedInFilesToo) {
+    const Script script(std::string("1\n2\0003\n\xe2\x82\n# \xe2\x82\xac\n4\r\n\r\n5", 21));
+    const std::string place = script.Path() + ":";
+    const std::string refusal = ": ** Invalid character/encoding used. **\n";
+    expectRun(evaluate({"-q", "-f", script.Path()}), 1, "1\n4\n5\n",
+              place + "2" + refusal + place + "3" + refusal);
+}
+
+TEST(Streams, TheLocaleChangesNothing) {
+    for (const char* const locale : {"C", "C.UTF-8", "de_DE.UTF-8", "tr_TR.UTF-8", "nonsense"}) {
+        Invocation invocation = invocationOf({"-q", "--with", "everyday", "1.5*2", "1.5 kWh->J", "-f", "-"});
+        invocation.input = "SIN(30) # \u00e9\n";
+        invocation.environment = {std::string("LC_ALL=") + locale};
+        expectRun(runProgram(invocation), 0, "3\n5400000\n0.5\n", "");
+    }
+}
+
+TEST(Streams, ControlCIsTheStatus130ForAShell) {
+    for (const char* const run :
+         {"\"$0\" pause5000", "echo pause5000 | \"$0\"", "echo 1 | \"$0\" --each pause5000"}) {
+        TerminalSetup setup;
+        setup.shellScript = std::string("trap : INT; echo ready; ") + run + "; echo status $?";
+        Terminal terminal({}, setup);
+        terminal.ReadUntil("ready\n");
+        const std::string shown = terminal.InterruptUntil("status 130\n");
+        EXPECT_NE(shown.find("status 130\n"), std::string::npos) << run << ": " << shown;
+    }
+}
+
 TEST(Usage, ABadValueOfAnOptionIsBadUsage) {
     expectRun(evaluate({"--base=8", "1"}), 2, "",
               "tallyquill: '8' is no value of option '--base': bin|dec|hex\nTry 'tallyquill --help'.\n");
