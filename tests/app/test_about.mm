@@ -34,7 +34,7 @@ protected:
     NSWindow* panel = nil;
 };
 
-TEST_F(About, tellsNameVersionPurposeAndLicence) {
+TEST_F(About, TellsNameVersionPurposeAndLicence) {
     std::string lines;
     bool hasIcon = false;
     for (NSView* const view in [[panel contentView] subviews]) {
@@ -50,7 +50,7 @@ TEST_F(About, tellsNameVersionPurposeAndLicence) {
     EXPECT_TRUE(hasIcon);
 }
 
-TEST_F(About, takesTheKeysAndEscapeClosesIt) {
+TEST_F(About, TakesTheKeysAndEscapeClosesIt) {
     EXPECT_TRUE([panel isVisible]);
     EXPECT_TRUE([panel isKeyWindow]);
     EXPECT_TRUE([panel canBecomeKeyWindow]);
@@ -69,7 +69,7 @@ TEST_F(About, takesTheKeysAndEscapeClosesIt) {
     EXPECT_TRUE([window isVisible]);
 }
 
-TEST_F(About, theMenusCloseClosesItAndNotTheCalculator) {
+TEST_F(About, TheMenusCloseClosesItAndNotTheCalculator) {
     [panel performClose:nil]; // what the menu sends to the window that has the keys
     EXPECT_FALSE([panel isVisible]);
     EXPECT_TRUE([window isVisible]);

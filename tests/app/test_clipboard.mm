@@ -48,7 +48,7 @@ protected:
 
 // --- Copying a selection ---
 
-TEST_F(Clipboard, copyTakesTheSelection) {
+TEST_F(Clipboard, CopyTakesTheSelection) {
     Enter("1+2");
     Select(2, 3);
     [console copy:nil];
@@ -62,7 +62,7 @@ TEST_F(Clipboard, copyTakesTheSelection) {
     EXPECT_EQ("*8", Pasteboard());
 }
 
-TEST_F(Clipboard, copyingFromTheTranscriptShowsATipOnce) {
+TEST_F(Clipboard, CopyingFromTheTranscriptShowsATipOnce) {
     Enter("1+2");
     Select(2, 3);
     [console copy:nil];
@@ -77,7 +77,7 @@ TEST_F(Clipboard, copyingFromTheTranscriptShowsATipOnce) {
     EXPECT_EQ(1U, sheets.size());
 }
 
-TEST_F(Clipboard, theTipIsShownOncePerSettingsFile) {
+TEST_F(Clipboard, TheTipIsShownOncePerSettingsFile) {
     Enter("1+2");
     Select(2, 3);
     [console copy:nil];
@@ -90,7 +90,7 @@ TEST_F(Clipboard, theTipIsShownOncePerSettingsFile) {
     EXPECT_EQ(0U, sheets.size());
 }
 
-TEST_F(Clipboard, theTipNeedsASelectionThatBeginsMoreThanFourCharactersBeforeTheEntry) {
+TEST_F(Clipboard, TheTipNeedsASelectionThatBeginsMoreThanFourCharactersBeforeTheEntry) {
     Enter("1+2");
     Type("45");
     SelectEntry(0, 2);
@@ -104,7 +104,7 @@ TEST_F(Clipboard, theTipNeedsASelectionThatBeginsMoreThanFourCharactersBeforeThe
     EXPECT_EQ(1U, sheets.size());
 }
 
-TEST_F(Clipboard, otherTipsAreKept) {
+TEST_F(Clipboard, OtherTipsAreKept) {
     [console setSetting:@"tipscode" to:6];
     Enter("1+2");
     Select(2, 3);
@@ -115,12 +115,12 @@ TEST_F(Clipboard, otherTipsAreKept) {
 
 // --- Copying the answer ---
 
-TEST_F(Clipboard, withoutASelectionTheAnswerIsCopied) {
+TEST_F(Clipboard, WithoutASelectionTheAnswerIsCopied) {
     EXPECT_EQ("3", CopiedAnswer("1+2"));
     EXPECT_EQ(0U, sheets.size());
 }
 
-TEST_F(Clipboard, commandCCopiesTheAnswer) {
+TEST_F(Clipboard, CommandCCopiesTheAnswer) {
     Enter("1+2");
     Type("45");
     Press(@"c", command);
@@ -129,7 +129,7 @@ TEST_F(Clipboard, commandCCopiesTheAnswer) {
     EXPECT_EQ(2U, CursorInEntry());
 }
 
-TEST_F(Clipboard, theCopyItemIsEnabledWithoutASelection) {
+TEST_F(Clipboard, TheCopyItemIsEnabledWithoutASelection) {
     for (const SEL action : { @selector(copy:), @selector(cut:), @selector(paste:), @selector(undo:) }) {
         NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:@"" action:action
                                                       keyEquivalent:@""] autorelease];
@@ -137,7 +137,7 @@ TEST_F(Clipboard, theCopyItemIsEnabledWithoutASelection) {
     }
 }
 
-TEST_F(Clipboard, theAnswerIsCopiedWithoutItsSeparators) {
+TEST_F(Clipboard, TheAnswerIsCopiedWithoutItsSeparators) {
     [console setSetting:@"separator" to:1];
     const struct {
         char character;
@@ -150,7 +150,7 @@ TEST_F(Clipboard, theAnswerIsCopiedWithoutItsSeparators) {
     }
 }
 
-TEST_F(Clipboard, theDecimalCommaIsCopied) {
+TEST_F(Clipboard, TheDecimalCommaIsCopied) {
     [console setSetting:@"separator" to:1];
     [console setSetting:@"european" to:1];
     for (const char separator : {',', '.'}) { // either stands for the grouping mark
@@ -162,7 +162,7 @@ TEST_F(Clipboard, theDecimalCommaIsCopied) {
     EXPECT_EQ("1234567,5", CopiedAnswer("1234567,5"));
 }
 
-TEST_F(Clipboard, anotherBaseIsCopiedAsItIsShown) {
+TEST_F(Clipboard, AnotherBaseIsCopiedAsItIsShown) {
     [console setSetting:@"separator" to:0];
     [console setSetting:@"dispbase" to:16];
     Enter("255");
@@ -172,12 +172,12 @@ TEST_F(Clipboard, anotherBaseIsCopiedAsItIsShown) {
     EXPECT_EQ("0x00FF", copied);
 }
 
-TEST_F(Clipboard, withoutAnAnswerThePasteboardStays) {
+TEST_F(Clipboard, WithoutAnAnswerThePasteboardStays) {
     [console copy:nil];
     EXPECT_EQ("what was there", Pasteboard());
 }
 
-TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
+TEST_F(Clipboard, TheCopiedAnswerFlashesThreeTimes) {
     Enter("3");
     Enter("1+2");
     Type("45");
@@ -199,7 +199,7 @@ TEST_F(Clipboard, theCopiedAnswerFlashesThreeTimes) {
     EXPECT_EQ("45", Entry());
 }
 
-TEST_F(Clipboard, theAnswerIsFoundWithItsSeparators) {
+TEST_F(Clipboard, TheAnswerIsFoundWithItsSeparators) {
     [console setSetting:@"separator" to:1];
     Enter("1234567");
     selections.clear();
@@ -209,7 +209,7 @@ TEST_F(Clipboard, theAnswerIsFoundWithItsSeparators) {
     EXPECT_EQ(9U, selections[0].range.length);
 }
 
-TEST_F(Clipboard, anAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
+TEST_F(Clipboard, AnAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
     Enter("1+2");
     [console clearConsole];
     selections.clear();
@@ -220,7 +220,7 @@ TEST_F(Clipboard, anAnswerThatIsNotShownAnyMoreIsCopiedWithoutFlashing) {
 
 // --- The answer in other settings than those it was shown in ---
 
-TEST_F(Clipboard, theAnswerIsCopiedInTheDecimalMarkOfNow) {
+TEST_F(Clipboard, TheAnswerIsCopiedInTheDecimalMarkOfNow) {
     [console setSetting:@"separator" to:1];
     Enter("1234.5");
     Enter("european on");
@@ -231,7 +231,7 @@ TEST_F(Clipboard, theAnswerIsCopiedInTheDecimalMarkOfNow) {
     EXPECT_EQ("1234.5", Pasteboard());
 }
 
-TEST_F(Clipboard, anAnswerThatDispShowedIsCopiedAsItsNumber) {
+TEST_F(Clipboard, AnAnswerThatDispShowedIsCopiedAsItsNumber) {
     Enter("x=1/4");
     Enter("disp pi");
     selections.clear();
@@ -291,7 +291,7 @@ protected:
 
 // What is copied reads back, by the engine in the settings of the copy, as the answer with the figures it was
 // shown with: every value in every writing, copied in every other one.
-TEST_F(CopiedAnswer, readsBackInWhateverSettingsHoldAtTheCopy) {
+TEST_F(CopiedAnswer, ReadsBackInWhateverSettingsHoldAtTheCopy) {
     const char* const values[] = {"1234.5",        "0-5",         "255",   "1234567", "0-1234567.25",
                                   "0.015625",      "0-0.0078125", "1e12",  "3e-7",    "0",
                                   "123456789.125", "2^200",       "1e100", "1e400",   "0-1e400"};

@@ -24,13 +24,13 @@ protected:
     std::string first;
 };
 
-TEST_F(Completion, proposesTheRestOfTheNewestNameAndSelectsIt) {
+TEST_F(Completion, ProposesTheRestOfTheNewestNameAndSelectsIt) {
     Type("zz");
     ExpectTab("zzip9_a()", "ip9_a()");
     EXPECT_EQ(2U, CursorInEntry());
 }
 
-TEST_F(Completion, eachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
+TEST_F(Completion, EachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
     Type("zz");
     ExpectTab("zzip9_a()", "ip9_a()");
     ExpectTab("zzap()", "ap()");
@@ -39,7 +39,7 @@ TEST_F(Completion, eachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
     ExpectTab("zzip9_a()", "ip9_a()");
 }
 
-TEST_F(Completion, builtInNamesAreProposedToo) {
+TEST_F(Completion, BuiltInNamesAreProposedToo) {
     Type("s");
     std::string seen;
     for (int i = 0; i < 40; i++) {
@@ -54,7 +54,7 @@ TEST_F(Completion, builtInNamesAreProposedToo) {
     EXPECT_EQ("s", Entry());
 }
 
-TEST_F(Completion, anotherKeyStartsANewCycle) {
+TEST_F(Completion, AnotherKeyStartsANewCycle) {
     Type("zz");
     Press(KEY_TAB);
     Press(KEY_TAB);
@@ -63,7 +63,7 @@ TEST_F(Completion, anotherKeyStartsANewCycle) {
     ExpectTab("zzip9_a()", "ip9_a()");
 }
 
-TEST_F(Completion, typingReplacesTheProposalAndMovingKeepsIt) {
+TEST_F(Completion, TypingReplacesTheProposalAndMovingKeepsIt) {
     Type("zzo");
     Press(KEY_TAB);
     Type("p");
@@ -76,7 +76,7 @@ TEST_F(Completion, typingReplacesTheProposalAndMovingKeepsIt) {
     EXPECT_EQ("", Selected());
 }
 
-TEST_F(Completion, takesOnlyTheWordInFrontOfTheCursor) {
+TEST_F(Completion, TakesOnlyTheWordInFrontOfTheCursor) {
     Type("1+zza");
     ExpectTab("1+zzap()", "p()");
     Press(KEY_ESCAPE);
@@ -87,24 +87,24 @@ TEST_F(Completion, takesOnlyTheWordInFrontOfTheCursor) {
     ExpectTab("a zzoo()", "o()");
 }
 
-TEST_F(Completion, keepsWhatFollowsTheCursor) {
+TEST_F(Completion, KeepsWhatFollowsTheCursor) {
     Type("zza+1");
     SelectEntry(3);
     ExpectTab("zzap()+1", "p()");
 }
 
-TEST_F(Completion, replacesASelectionBehindTheWord) {
+TEST_F(Completion, ReplacesASelectionBehindTheWord) {
     Type("zza+1");
     SelectEntry(3, 2);
     ExpectTab("zzap()", "p()");
 }
 
-TEST_F(Completion, casesDoNotMatterAndTheTypedOnesStay) {
+TEST_F(Completion, CasesDoNotMatterAndTheTypedOnesStay) {
     Type("ZZA");
     ExpectTab("ZZAp()", "p()");
 }
 
-TEST_F(Completion, aWordThatNoNameBeginsWithIsLeftAlone) {
+TEST_F(Completion, AWordThatNoNameBeginsWithIsLeftAlone) {
     Type("zzapper");
     ExpectTab("zzapper", "");
     Press(KEY_ESCAPE);
@@ -112,12 +112,12 @@ TEST_F(Completion, aWordThatNoNameBeginsWithIsLeftAlone) {
     ExpectTab(std::string(9000, 'z').c_str(), "");
 }
 
-TEST_F(Completion, aWholeNameGetsItsParentheses) {
+TEST_F(Completion, AWholeNameGetsItsParentheses) {
     Type("zzoo");
     ExpectTab("zzoo()", "()");
 }
 
-TEST_F(Completion, theWordBeginsBehindACharacterThatIsNotAscii) {
+TEST_F(Completion, TheWordBeginsBehindACharacterThatIsNotAscii) {
     Press(@"\u00e9");
     Type("zza");
     ExpectTab("\u00e9zzap()", "p()");
@@ -127,7 +127,7 @@ TEST_F(Completion, theWordBeginsBehindACharacterThatIsNotAscii) {
     ExpectTab("\u20aczzap()", "p()");
 }
 
-TEST_F(Completion, atTheStartOfTheEntryTabDoesNothing) {
+TEST_F(Completion, AtTheStartOfTheEntryTabDoesNothing) {
     ExpectTab("", "");
     Type("zza");
     SelectEntry(0);
@@ -137,7 +137,7 @@ TEST_F(Completion, atTheStartOfTheEntryTabDoesNothing) {
     ExpectTab("zza", "zza");
 }
 
-TEST_F(Completion, inTheTranscriptTabDoesNothing) {
+TEST_F(Completion, InTheTranscriptTabDoesNothing) {
     Type("zza");
     for (const NSRange place : {NSMakeRange(4, 0), NSMakeRange(0, 5), NSMakeRange(first.size() - 2, 4)}) {
         Select(place.location, place.length);
@@ -148,7 +148,7 @@ TEST_F(Completion, inTheTranscriptTabDoesNothing) {
     }
 }
 
-TEST_F(Completion, neverInsertsATab) {
+TEST_F(Completion, NeverInsertsATab) {
     Type("1+");
     for (const NSUInteger flag : {NSUInteger(0), NSUInteger(NSShiftKeyMask), NSUInteger(NSControlKeyMask)}) {
         Press(KEY_TAB, flag);
@@ -157,14 +157,14 @@ TEST_F(Completion, neverInsertsATab) {
     }
 }
 
-TEST_F(Completion, previewsTheEntry) {
+TEST_F(Completion, PreviewsTheEntry) {
     Type("zza");
     [console updateStatusbar:"no preview so far"];
     Press(KEY_TAB);
     EXPECT_NE("no preview so far", StatusLine());
 }
 
-TEST_F(Completion, undoTakesProposalsBackOneByOne) {
+TEST_F(Completion, UndoTakesProposalsBackOneByOne) {
     Type("zz");
     Run(0.01);
     Press(KEY_TAB);

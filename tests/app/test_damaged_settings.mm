@@ -17,7 +17,7 @@ class DamagedSettings : public Settings {};
 
 // --- Keys ---
 
-TEST_F(DamagedSettings, aMissingKeyStaysMissingAndNothingBreaks) {
+TEST_F(DamagedSettings, AMissingKeyStaysMissingAndNothingBreaks) {
     for (const KnownSetting& left : NUMBERS) {
         SCOPED_TRACE(left.key);
         std::string text = HEAD;
@@ -41,7 +41,7 @@ TEST_F(DamagedSettings, aMissingKeyStaysMissingAndNothingBreaks) {
     }
 }
 
-TEST_F(DamagedSettings, anEmptyDictionaryStarts) {
+TEST_F(DamagedSettings, AnEmptyDictionaryStarts) {
     StartOver(std::string(HEAD) + END);
     Enter("1/3");
     EXPECT_STREQ(calc.lastAnswer, "0.3333333333");
@@ -50,7 +50,7 @@ TEST_F(DamagedSettings, anEmptyDictionaryStarts) {
     ExpectUsable();
 }
 
-TEST_F(DamagedSettings, aValueOfAnotherKindGivesTheKeysDefault) {
+TEST_F(DamagedSettings, AValueOfAnotherKindGivesTheKeysDefault) {
     const char* const values[] = {"<string>abc</string>",
                                   "<string>7</string>",
                                   "<array/>",
@@ -70,7 +70,7 @@ TEST_F(DamagedSettings, aValueOfAnotherKindGivesTheKeysDefault) {
     }
 }
 
-TEST_F(DamagedSettings, anImpossibleNumberGivesTheKeysDefault) {
+TEST_F(DamagedSettings, AnImpossibleNumberGivesTheKeysDefault) {
     const std::map<std::string, std::vector<long long>> more = {
         {"scimode", {6}},          {"schar", {0, 10, 31, 256, '0', '7', 'a', 'Z', '-', '+', 127}},
         {"histsz", {0, 1000}},     {"dispbase", {0, 1, 3, 8, 11, 17}},
@@ -90,7 +90,7 @@ TEST_F(DamagedSettings, anImpossibleNumberGivesTheKeysDefault) {
     }
 }
 
-TEST_F(DamagedSettings, theLeastAndTheMostOfARangeAreTaken) {
+TEST_F(DamagedSettings, TheLeastAndTheMostOfARangeAreTaken) {
     const std::map<std::string, std::vector<int>> ends = {
         {"scimode", {0, 5}},    {"schar", {' ', '.', '\'', 255}},
         {"histsz", {1, 999}},   {"dispbase", {2, 10, 16}},
@@ -119,7 +119,7 @@ static std::string asData(const std::string& text) {
     return "<data>" + coded + "</data>";
 }
 
-TEST_F(DamagedSettings, aDamagedColorGivesTheDefault) {
+TEST_F(DamagedSettings, ADamagedColorGivesTheDefault) {
     const std::string values[] = {integer(3),
                                   "<string>0.5 0.5 0.5 1</string>",
                                   asData(""),
@@ -139,7 +139,7 @@ TEST_F(DamagedSettings, aDamagedColorGivesTheDefault) {
                 1, 0);
 }
 
-TEST_F(DamagedSettings, aDamagedFontGivesTheDefault) {
+TEST_F(DamagedSettings, ADamagedFontGivesTheDefault) {
     NSFont* const standard = [NSFont userFixedPitchFontOfSize:13];
     const std::string values[] = {integer(3),
                                   asData(""),
@@ -156,7 +156,7 @@ TEST_F(DamagedSettings, aDamagedFontGivesTheDefault) {
     }
 }
 
-TEST_F(DamagedSettings, aFileThatCannotBeReadGivesDefaultsAndIsKeptBeside) {
+TEST_F(DamagedSettings, AFileThatCannotBeReadGivesDefaultsAndIsKeptBeside) {
     const std::string whole = Read(SettingsPath());
     const std::string files[] = {"",
                                  "\n",
@@ -180,7 +180,7 @@ TEST_F(DamagedSettings, aFileThatCannotBeReadGivesDefaultsAndIsKeptBeside) {
     }
 }
 
-TEST_F(DamagedSettings, aFolderInTheFilesPlaceIsMovedAside) {
+TEST_F(DamagedSettings, AFolderInTheFilesPlaceIsMovedAside) {
     unlink(SettingsPath().c_str());
     [[NSFileManager defaultManager] createDirectoryAtPath:string(SettingsPath().c_str()) attributes:nil];
     Restart();
@@ -190,7 +190,7 @@ TEST_F(DamagedSettings, aFolderInTheFilesPlaceIsMovedAside) {
     ExpectUsable();
 }
 
-TEST_F(DamagedSettings, aPipeInTheFilesPlaceDoesNotHang) {
+TEST_F(DamagedSettings, APipeInTheFilesPlaceDoesNotHang) {
     unlink(SettingsPath().c_str());
     ASSERT_EQ(mkfifo(SettingsPath().c_str(), 0600), 0);
     Restart();
@@ -200,7 +200,7 @@ TEST_F(DamagedSettings, aPipeInTheFilesPlaceDoesNotHang) {
 
 // --- Folders that cannot be had ---
 
-TEST_F(DamagedSettings, aFileInTheFoldersPlaceLetsTheProgramWorkWithoutSaving) {
+TEST_F(DamagedSettings, AFileInTheFoldersPlaceLetsTheProgramWorkWithoutSaving) {
     ASSERT_EQ(std::system(("rm -r '" + Folder() + "'").c_str()), 0);
     Write(Folder(), "mine");
     Restart();
@@ -211,7 +211,7 @@ TEST_F(DamagedSettings, aFileInTheFoldersPlaceLetsTheProgramWorkWithoutSaving) {
     EXPECT_EQ(Read(Folder()), "mine");
 }
 
-TEST_F(DamagedSettings, aFolderWhereNothingCanBeMadeLetsTheProgramWorkWithoutSaving) {
+TEST_F(DamagedSettings, AFolderWhereNothingCanBeMadeLetsTheProgramWorkWithoutSaving) {
     ASSERT_EQ(std::system(("rm -r '" + Folder() + "'").c_str()), 0);
     ASSERT_EQ(symlink("/proc/self", Folder().c_str()), 0); // refuses new files to everybody
     Restart();
@@ -222,7 +222,7 @@ TEST_F(DamagedSettings, aFolderWhereNothingCanBeMadeLetsTheProgramWorkWithoutSav
     EXPECT_FALSE(Exists(SettingsPath()));
 }
 
-TEST_F(DamagedSettings, aHomeThatDoesNotExistLetsTheProgramWorkWithoutSaving) {
+TEST_F(DamagedSettings, AHomeThatDoesNotExistLetsTheProgramWorkWithoutSaving) {
     const std::string before = getenv("HOME") ? getenv("HOME") : "/";
     unsetenv("XDG_DATA_HOME");
     setenv("HOME", "/proc/nowhere", 1);
@@ -233,7 +233,7 @@ TEST_F(DamagedSettings, aHomeThatDoesNotExistLetsTheProgramWorkWithoutSaving) {
     setenv("HOME", before.c_str(), 1);
 }
 
-TEST_F(DamagedSettings, aFolderWhoseNameIsNoTextLetsTheProgramWork) {
+TEST_F(DamagedSettings, AFolderWhoseNameIsNoTextLetsTheProgramWork) {
     setenv("XDG_DATA_HOME", (home + "/\xff\xfe").c_str(), 1);
     ASSERT_EQ(chdir(home.c_str()), 0);
     Restart();
@@ -243,7 +243,7 @@ TEST_F(DamagedSettings, aFolderWhoseNameIsNoTextLetsTheProgramWork) {
     ASSERT_EQ(chdir("/"), 0);
 }
 
-TEST_F(DamagedSettings, theFolderIsMadeInTheHomeFolder) {
+TEST_F(DamagedSettings, TheFolderIsMadeInTheHomeFolder) {
     const std::string before = getenv("HOME") ? getenv("HOME") : "/";
     setenv("HOME", (home + "/person").c_str(), 1);
     setenv("XDG_DATA_HOME", "relative", 1); // counts for nothing
@@ -272,7 +272,7 @@ static void expectSound(NSDictionary* settings) {
     }
 }
 
-TEST_F(DamagedSettings, damageByChanceNeverKeepsTheProgramFromStarting) {
+TEST_F(DamagedSettings, DamageByChanceNeverKeepsTheProgramFromStarting) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     const std::string whole = Read(SettingsPath());

@@ -36,7 +36,7 @@ protected:
     const Replaced ofScreen { [NSScreen class], @selector(userSpaceScaleFactor), scaleOfScreen };
 };
 
-TEST_F(DenseScreen, theFirstFrameAndTheSmallestSizeGrow) {
+TEST_F(DenseScreen, TheFirstFrameAndTheSmallestSizeGrow) {
     for (const CGFloat each : {1.0, 1.5, 2.0}) {
         StartAt(each);
         EXPECT_TRUE(NSEqualSizes([window frame].size, NSMakeSize(450 * each, 250 * each))) << each;
@@ -44,7 +44,7 @@ TEST_F(DenseScreen, theFirstFrameAndTheSmallestSizeGrow) {
     }
 }
 
-TEST_F(DenseScreen, theControlsLieInTheWindow) {
+TEST_F(DenseScreen, TheControlsLieInTheWindow) {
     for (const CGFloat each : {1.0, 1.5, 2.0}) {
         StartAt(each);
         NSView* const content = [window contentView];
@@ -56,7 +56,7 @@ TEST_F(DenseScreen, theControlsLieInTheWindow) {
     }
 }
 
-TEST_F(DenseScreen, theFrameIsTheSameAtEveryStart) {
+TEST_F(DenseScreen, TheFrameIsTheSameAtEveryStart) {
     for (const CGFloat each : {1.0, 1.1, 1.25, 1.5, 2.0}) {
         StartAt(each);
         [window setFrame:NSMakeRect(-101, 77, 901, 603) display:NO];
@@ -74,7 +74,7 @@ TEST_F(DenseScreen, theFrameIsTheSameAtEveryStart) {
     }
 }
 
-TEST_F(DenseScreen, aWindowGrowsWithTheScaleFromOneStartToTheNext) {
+TEST_F(DenseScreen, AWindowGrowsWithTheScaleFromOneStartToTheNext) {
     [window setFrame:NSMakeRect(100, 100, 500, 300) display:NO];
     Terminate();
     StartAt(2);

@@ -49,7 +49,7 @@ protected:
 // --- Memory ---
 
 // An hour of pauses asks some millions of times.
-TEST_F(EventsInEntries, aPauseKeepsNothingOfWhatItsQuestionsLeave) {
+TEST_F(EventsInEntries, APauseKeepsNothingOfWhatItsQuestionsLeave) {
     living = most = 0;
     const Replaced find([MainConsole class], @selector(findInterruptEvent), leaveAnObject);
     [console RunGUICommand:"pause200"];
@@ -58,7 +58,7 @@ TEST_F(EventsInEntries, aPauseKeepsNothingOfWhatItsQuestionsLeave) {
     EXPECT_EQ(living, 0);
 }
 
-TEST_F(EventsInEntries, aScriptKeepsNothingOfWhatItsLinesLeave) {
+TEST_F(EventsInEntries, AScriptKeepsNothingOfWhatItsLinesLeave) {
     living = most = 0;
     const Replaced after([MainConsole class], @selector(entryDidRun), leaveOneWithEveryEntry);
     std::string lines;
@@ -87,7 +87,7 @@ TEST_F(EventsInEntries, aScriptKeepsNothingOfWhatItsLinesLeave) {
 }
 @end
 
-TEST_F(EventsInEntries, aTimerStartsNoEntryInAnother) {
+TEST_F(EventsInEntries, ATimerStartsNoEntryInAnother) {
     Later(@selector(enterInTheMiddle));
     Load("pause 100\nx=1\n");
     EXPECT_EQ(calc.VariableExists("inside"), nullptr);
@@ -96,7 +96,7 @@ TEST_F(EventsInEntries, aTimerStartsNoEntryInAnother) {
     EXPECT_NE(calc.VariableExists("inside"), nullptr);
 }
 
-TEST_F(EventsInEntries, aTimerStartsNoPreviewInAnEntry) {
+TEST_F(EventsInEntries, ATimerStartsNoPreviewInAnEntry) {
     Later(@selector(previewInTheMiddle));
     Enter("pause 100");
     EXPECT_EQ(Text(), "> pause 100\n\n> ");
@@ -104,7 +104,7 @@ TEST_F(EventsInEntries, aTimerStartsNoPreviewInAnEntry) {
     EXPECT_NE(StatusLine().find("5"), std::string::npos);
 }
 
-TEST_F(EventsInEntries, scriptsThatComeInAPauseRunBehindItInTheirOrder) {
+TEST_F(EventsInEntries, ScriptsThatComeInAPauseRunBehindItInTheirOrder) {
     NSMutableArray* const paths = [NSMutableArray array];
     for (const char* const line : {"x=2\n", "x=x*10\n", "x=x+1\n"}) {
         const std::string path = home + "/" + std::to_string([paths count]) + ".script";

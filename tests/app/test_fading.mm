@@ -66,7 +66,7 @@ protected:
     const Replaced miniaturize { [NSWindow class], @selector(miniaturize:), recordMiniaturize };
 };
 
-TEST_F(Fading, toANegativeTargetHidesTheApplication) {
+TEST_F(Fading, ToANegativeTargetHidesTheApplication) {
     [window setAlphaValue:1];
     // The step below zero shows as zero.
     ExpectSteps(Steps(-1.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
@@ -74,28 +74,28 @@ TEST_F(Fading, toANegativeTargetHidesTheApplication) {
     EXPECT_TRUE([window isVisible]);
 }
 
-TEST_F(Fading, toZeroTakesTheWindowAway) {
+TEST_F(Fading, ToZeroTakesTheWindowAway) {
     [window setAlphaValue:1];
     ExpectSteps(Steps(0.0f, -0.3f), {0.7, 0.4, 0.1, 0, 0});
     EXPECT_FALSE([window isVisible]);
     EXPECT_EQ(miniaturized, 0);
 }
 
-TEST_F(Fading, toALevelStopsThere) {
+TEST_F(Fading, ToALevelStopsThere) {
     [window setAlphaValue:1];
     ExpectSteps(Steps(0.8f, -0.07f), {0.93, 0.86, 0.79, 0.8});
     EXPECT_TRUE([window isVisible]);
     EXPECT_EQ(miniaturized, 0);
 }
 
-TEST_F(Fading, risesToOpaque) {
+TEST_F(Fading, RisesToOpaque) {
     [window setAlphaValue:0];
     ExpectSteps(Steps(1.0f, 0.25f), {0.25, 0.5, 0.75, 1, 1});
     [window setAlphaValue:0.8];
     ExpectSteps(Steps(1.0f, 0.15f), {0.95, 1, 1});
 }
 
-TEST_F(Fading, thatIsThereAlreadyEndsWithTheFirstStep) {
+TEST_F(Fading, ThatIsThereAlreadyEndsWithTheFirstStep) {
     [window setAlphaValue:0.8];
     ExpectSteps(Steps(0.8f, -0.05f), {0.8});
     [window setAlphaValue:1];
@@ -104,7 +104,7 @@ TEST_F(Fading, thatIsThereAlreadyEndsWithTheFirstStep) {
     ExpectSteps(Steps(0.8f, -0.05f), {0.8}); // falling, and below it already
 }
 
-TEST_F(Fading, itsEndDrawsTheWindowAnew) {
+TEST_F(Fading, ItsEndDrawsTheWindowAnew) {
     [window setAlphaValue:1];
     Fade(0.9f, -0.05f);
     const Replaced redraw([NSView class], @selector(setNeedsDisplay:), recordRedraw);
@@ -116,7 +116,7 @@ TEST_F(Fading, itsEndDrawsTheWindowAnew) {
     EXPECT_FALSE(IsFading());
 }
 
-TEST_F(Fading, withARateOfZeroOrOfOneAndMoreIsDoneAtOnce) {
+TEST_F(Fading, WithARateOfZeroOrOfOneAndMoreIsDoneAtOnce) {
     for (const float rate : {0.0f, 1.0f, -1.0f, 2.5f, -7.0f}) {
         [window setAlphaValue:1];
         Fade(0.4f, rate);
@@ -128,7 +128,7 @@ TEST_F(Fading, withARateOfZeroOrOfOneAndMoreIsDoneAtOnce) {
     EXPECT_NEAR(Alpha(), 0.4, 1e-6);
 }
 
-TEST_F(Fading, runsOnATimer) {
+TEST_F(Fading, RunsOnATimer) {
     [window setAlphaValue:1];
     Fade(0.8f, -0.05f);
     EXPECT_TRUE(IsFading());
@@ -138,7 +138,7 @@ TEST_F(Fading, runsOnATimer) {
     EXPECT_NEAR(Alpha(), 0.8, 1e-6);
 }
 
-TEST_F(Fading, goesOnWhileAPanelWaitsOrAMenuIsOpen) {
+TEST_F(Fading, GoesOnWhileAPanelWaitsOrAMenuIsOpen) {
     for (NSString* const mode in @[ NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
         [window setAlphaValue:1];
         Fade(0.8f, -0.1f);
@@ -151,7 +151,7 @@ TEST_F(Fading, goesOnWhileAPanelWaitsOrAMenuIsOpen) {
     }
 }
 
-TEST_F(Fading, aNewOneEndsTheOld) {
+TEST_F(Fading, ANewOneEndsTheOld) {
     for (const float rate : {0.25f, 0.0f}) {
         [window setAlphaValue:1];
         Fade(-1.0f, -0.3f);

@@ -80,7 +80,7 @@ protected:
 
 // --- The file ---
 
-TEST_F(FunctionsFileOfTheWindow, hasItsFourSectionsInOrder) {
+TEST_F(FunctionsFileOfTheWindow, HasItsFourSectionsInOrder) {
     for (const char* const line : {"square(x)=x^2", "side=12.5", "unit smoot=67 inch", "square(side)"})
         Enter(line);
     Terminate();
@@ -101,7 +101,7 @@ TEST_F(FunctionsFileOfTheWindow, hasItsFourSectionsInOrder) {
     EXPECT_EQ(text.find("sin("), std::string::npos); // predefined functions are not written
 }
 
-TEST_F(FunctionsFileOfTheWindow, anEmptyHistoryIsAnEmptySection) {
+TEST_F(FunctionsFileOfTheWindow, AnEmptyHistoryIsAnEmptySection) {
     Terminate();
     const std::string end = "### CUSTOM UNITS ###\n### HISTORY ###\n";
     const std::string text = File();
@@ -109,7 +109,7 @@ TEST_F(FunctionsFileOfTheWindow, anEmptyHistoryIsAnEmptySection) {
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatWasDefinedIsThereInTheNextRun) {
+TEST_F(FunctionsFileOfTheWindow, WhatWasDefinedIsThereInTheNextRun) {
     DefineSomething();
     Terminate();
     Restart();
@@ -118,7 +118,7 @@ TEST_F(FunctionsFileOfTheWindow, whatWasDefinedIsThereInTheNextRun) {
     ExpectSomething();
 }
 
-TEST_F(FunctionsFileOfTheWindow, aSecondRunWritesTheSameFile) {
+TEST_F(FunctionsFileOfTheWindow, ASecondRunWritesTheSameFile) {
     DefineSomething();
     Terminate();
     const std::string first = File();
@@ -128,7 +128,7 @@ TEST_F(FunctionsFileOfTheWindow, aSecondRunWritesTheSameFile) {
     EXPECT_EQ(FilesInFolder().size(), 2U); // no temporary file is left
 }
 
-TEST_F(FunctionsFileOfTheWindow, aVariableKeepsAHundredDigits) {
+TEST_F(FunctionsFileOfTheWindow, AVariableKeepsAHundredDigits) {
     run("third=1/3");
     Terminate();
     EXPECT_TRUE(Holds("third=0." + std::string(100, '3')));
@@ -136,7 +136,7 @@ TEST_F(FunctionsFileOfTheWindow, aVariableKeepsAHundredDigits) {
     EXPECT_EQ(Answer("abs(third*3-1) < 1e-99"), "ans = 1");
 }
 
-TEST_F(FunctionsFileOfTheWindow, hasDecimalPointsAlsoInEuropeanAndTenKeyMode) {
+TEST_F(FunctionsFileOfTheWindow, HasDecimalPointsAlsoInEuropeanAndTenKeyMode) {
     [console setSetting:@"european" to:1];
     [console setSetting:@"tenkey" to:1];
     run("rate=1,5");
@@ -153,7 +153,7 @@ TEST_F(FunctionsFileOfTheWindow, hasDecimalPointsAlsoInEuropeanAndTenKeyMode) {
     EXPECT_EQ(Answer("grow(4)"), "ans = 9");
 }
 
-TEST_F(FunctionsFileOfTheWindow, theFlagsComeBackFromTheSettingsWithoutAFileToo) {
+TEST_F(FunctionsFileOfTheWindow, TheFlagsComeBackFromTheSettingsWithoutAFileToo) {
     [console setSetting:@"european" to:1];
     [console setSetting:@"tenkey" to:1];
     [console saveSettings];
@@ -163,7 +163,7 @@ TEST_F(FunctionsFileOfTheWindow, theFlagsComeBackFromTheSettingsWithoutAFileToo)
     EXPECT_TRUE(calc.tenKey);
 }
 
-TEST_F(FunctionsFileOfTheWindow, theHistoryIsRecalledNewestFirst) {
+TEST_F(FunctionsFileOfTheWindow, TheHistoryIsRecalledNewestFirst) {
     Enter("1+1");
     Enter("2+2");
     Terminate();
@@ -174,7 +174,7 @@ TEST_F(FunctionsFileOfTheWindow, theHistoryIsRecalledNewestFirst) {
     EXPECT_EQ(Entry(), "1+1");
 }
 
-TEST_F(FunctionsFileOfTheWindow, theHistoryIsAsLongAsTheSettingSays) {
+TEST_F(FunctionsFileOfTheWindow, TheHistoryIsAsLongAsTheSettingSays) {
     [console setSetting:@"histsz" to:2];
     for (const char* const line : {"1+1", "2+2", "3+3"}) run(line);
     Terminate();
@@ -185,7 +185,7 @@ TEST_F(FunctionsFileOfTheWindow, theHistoryIsAsLongAsTheSettingSays) {
 }
 
 // A cut line would be another definition, or none.
-TEST_F(FunctionsFileOfTheWindow, linesOfMoreThan998CharactersAreReadWhole) {
+TEST_F(FunctionsFileOfTheWindow, LinesOfMoreThan998CharactersAreReadWhole) {
     std::string line = "long(x)=x";
     for (int i = 0; i < 1000; i++) line += "+1";
     run(line.c_str());
@@ -195,7 +195,7 @@ TEST_F(FunctionsFileOfTheWindow, linesOfMoreThan998CharactersAreReadWhole) {
     EXPECT_FALSE(Exists(FunctionsPath() + ".unreadable"));
 }
 
-TEST_F(FunctionsFileOfTheWindow, loadingGoesOnBehindALineThatIsRefused) {
+TEST_F(FunctionsFileOfTheWindow, LoadingGoesOnBehindALineThatIsRefused) {
     const std::string text = "### FUNCTIONS ###\nbad(x)=(((\n### VARIABLES ###\n1/0\n### what is this\nb=7\n"
                              "### HISTORY ###\nb+1\n";
     StartOver(text);
@@ -205,18 +205,18 @@ TEST_F(FunctionsFileOfTheWindow, loadingGoesOnBehindALineThatIsRefused) {
     EXPECT_EQ(Read(FunctionsPath() + ".unreadable"), text);
 }
 
-TEST_F(FunctionsFileOfTheWindow, damageIsSaidInTheStatusLine) {
+TEST_F(FunctionsFileOfTheWindow, DamageIsSaidInTheStatusLine) {
     StartOver("### FUNCTIONS ###\nf(x)=x+\x02\n### HISTORY ###\n");
     EXPECT_NE(News().find("pelmo_functions.txt.unreadable"), std::string::npos) << StatusLine();
 }
 
-TEST_F(FunctionsFileOfTheWindow, aCommandWordInItChangesNoSetting) {
+TEST_F(FunctionsFileOfTheWindow, ACommandWordInItChangesNoSetting) {
     StartOver("### FUNCTIONS ###\nsigfigs 20\nmode rad\neuropean on\ndisplay hex\n### HISTORY ###\n");
     EXPECT_EQ(Answer("1.5+sin(90)"), "ans = 2.5");
     EXPECT_EQ(Answer("1/3"), "ans = 0.3333333333");
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatTakesTooLongToReadIsSaidAndStays) {
+TEST_F(FunctionsFileOfTheWindow, WhatTakesTooLongToReadIsSaidAndStays) {
     std::string text = "### FUNCTIONS ###\nf0(x)=x+1\n";
     for (int i = 1; i <= 40; i++) {
         const std::string call = "f" + std::to_string(i - 1) + "(x)";
@@ -233,14 +233,14 @@ TEST_F(FunctionsFileOfTheWindow, whatTakesTooLongToReadIsSaidAndStays) {
     EXPECT_TRUE(Holds("a=f40(1)"));
 }
 
-TEST_F(FunctionsFileOfTheWindow, noFileIsNoDamage) {
+TEST_F(FunctionsFileOfTheWindow, NoFileIsNoDamage) {
     EXPECT_FALSE(Exists(FunctionsPath()));
     Restart();
     EXPECT_FALSE(Exists(FunctionsPath() + ".unreadable"));
     ExpectUsable();
 }
 
-TEST_F(FunctionsFileOfTheWindow, nothingIsWrittenAfterTheEnd) {
+TEST_F(FunctionsFileOfTheWindow, NothingIsWrittenAfterTheEnd) {
     Terminate();
     unlink(FunctionsPath().c_str());
     [console saveFuncFile];
@@ -252,14 +252,14 @@ TEST_F(FunctionsFileOfTheWindow, nothingIsWrittenAfterTheEnd) {
 
 // --- Killed ---
 
-TEST_F(FunctionsFileOfTheWindow, anEntryIsWrittenTwoSecondsLaterWithoutTheEndOfTheProgram) {
+TEST_F(FunctionsFileOfTheWindow, AnEntryIsWrittenTwoSecondsLaterWithoutTheEndOfTheProgram) {
     Enter("side=12.5");
     EXPECT_TRUE(ComesToHold("side=12.5"));
     Restart(); // as after a kill
     EXPECT_EQ(Answer("side"), "ans = 12.5");
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatWasEnteredBeforeALongEntryIsWrittenWhileItRuns) {
+TEST_F(FunctionsFileOfTheWindow, WhatWasEnteredBeforeALongEntryIsWrittenWhileItRuns) {
     Enter("a=1");
     Enter("sigfigs 20");
     Enter("b=2");
@@ -274,7 +274,7 @@ TEST_F(FunctionsFileOfTheWindow, whatWasEnteredBeforeALongEntryIsWrittenWhileItR
     [console entryDidRun];
 }
 
-TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptPauses) {
+TEST_F(FunctionsFileOfTheWindow, IsWrittenWhileAScriptPauses) {
     const std::string script = home + "/pause.script";
     Write(script, "side=12.5\npause 2500\nother=1\n");
     std::atomic<bool> isOver(false);
@@ -291,7 +291,7 @@ TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptPauses) {
     EXPECT_TRUE(isSeen);
 }
 
-TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptOfManyLinesRuns) {
+TEST_F(FunctionsFileOfTheWindow, IsWrittenWhileAScriptOfManyLinesRuns) {
     const std::string script = home + "/many.script";
     std::string lines = "side=12.5\n";
     for (int i = 0; i < 15; i++) lines += "pause 100\n";
@@ -301,7 +301,7 @@ TEST_F(FunctionsFileOfTheWindow, isWrittenWhileAScriptOfManyLinesRuns) {
 }
 
 // Of what both defined the copy that quits last has its way; the history is its own.
-TEST_F(FunctionsFileOfTheWindow, twoCopiesThatQuitOneAfterTheOtherLeaveAWholeFile) {
+TEST_F(FunctionsFileOfTheWindow, TwoCopiesThatQuitOneAfterTheOtherLeaveAWholeFile) {
     DefineSomething();
     Terminate();
     std::string both = File();
@@ -319,7 +319,7 @@ TEST_F(FunctionsFileOfTheWindow, twoCopiesThatQuitOneAfterTheOtherLeaveAWholeFil
 
 // --- Damage ---
 
-TEST_F(FunctionsFileOfTheWindow, aDamagedFileIsKeptBesideAndTheRestIsRead) {
+TEST_F(FunctionsFileOfTheWindow, ADamagedFileIsKeptBesideAndTheRestIsRead) {
     DefineSomething();
     Terminate();
     const std::string whole = File();
@@ -338,12 +338,12 @@ TEST_F(FunctionsFileOfTheWindow, aDamagedFileIsKeptBesideAndTheRestIsRead) {
     }
 }
 
-TEST_F(FunctionsFileOfTheWindow, aTruncatedFileGivesWhatStandsBeforeTheEnd) {
+TEST_F(FunctionsFileOfTheWindow, ATruncatedFileGivesWhatStandsBeforeTheEnd) {
     StartOver("### FUNCTIONS ###\nsquare(x)=x^2\n### VARIABLES ###\nside=12.5\n### CUST");
     EXPECT_EQ(Answer("square(side)"), "ans = 156.25");
 }
 
-TEST_F(FunctionsFileOfTheWindow, aFolderInTheFilesPlaceIsMovedAside) {
+TEST_F(FunctionsFileOfTheWindow, AFolderInTheFilesPlaceIsMovedAside) {
     ASSERT_EQ(mkdir(FunctionsPath().c_str(), 0700), 0);
     Restart();
     EXPECT_TRUE(Exists(FunctionsPath() + ".unreadable"));
@@ -352,7 +352,7 @@ TEST_F(FunctionsFileOfTheWindow, aFolderInTheFilesPlaceIsMovedAside) {
     EXPECT_TRUE(Holds("side=12.5"));
 }
 
-TEST_F(FunctionsFileOfTheWindow, aPipeInTheFilesPlaceDoesNotHang) {
+TEST_F(FunctionsFileOfTheWindow, APipeInTheFilesPlaceDoesNotHang) {
     ASSERT_EQ(mkfifo(FunctionsPath().c_str(), 0600), 0);
     Restart();
     ExpectUsable();
@@ -368,7 +368,7 @@ static void limitFiles(rlim_t bytes) {
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
 }
 
-TEST_F(FunctionsFileOfTheWindow, theOnlyCopyOfADamagedFileIsNotOverwritten) {
+TEST_F(FunctionsFileOfTheWindow, TheOnlyCopyOfADamagedFileIsNotOverwritten) {
     const std::string text = "### FUNCTIONS ###\nside=12.5\n" + std::string(size_t{8} << 20, '\1');
     Write(FunctionsPath(), text);
     limitFiles(rlim_t{4} << 20);
@@ -385,7 +385,7 @@ TEST_F(FunctionsFileOfTheWindow, theOnlyCopyOfADamagedFileIsNotOverwritten) {
 
 // --- What cannot be written ---
 
-TEST_F(FunctionsFileOfTheWindow, aFullDiskIsSaidOnceAndTriedAgainWithTheNextChange) {
+TEST_F(FunctionsFileOfTheWindow, AFullDiskIsSaidOnceAndTriedAgainWithTheNextChange) {
     Enter("a=1");
     limitFiles(100);
     const std::string said = News();
@@ -404,7 +404,7 @@ TEST_F(FunctionsFileOfTheWindow, aFullDiskIsSaidOnceAndTriedAgainWithTheNextChan
     EXPECT_EQ(StatusLine(), "");
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatCouldNotBeWrittenIsTriedAgainAtTheEnd) {
+TEST_F(FunctionsFileOfTheWindow, WhatCouldNotBeWrittenIsTriedAgainAtTheEnd) {
     Enter("a=1");
     limitFiles(100);
     News();
@@ -416,7 +416,7 @@ TEST_F(FunctionsFileOfTheWindow, whatCouldNotBeWrittenIsTriedAgainAtTheEnd) {
     EXPECT_TRUE(Holds("a=1"));
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatIsLostAtTheEndIsSaidOnStandardError) {
+TEST_F(FunctionsFileOfTheWindow, WhatIsLostAtTheEndIsSaidOnStandardError) {
     Enter("a=1");
     testing::internal::CaptureStderr();
     limitFiles(100);
@@ -426,14 +426,14 @@ TEST_F(FunctionsFileOfTheWindow, whatIsLostAtTheEndIsSaidOnStandardError) {
     EXPECT_NE(said.find("Tallyquill: Not saved: pelmo_functions.txt"), std::string::npos) << said;
 }
 
-TEST_F(FunctionsFileOfTheWindow, aFolderThatWasTakenAwayIsMadeAgain) {
+TEST_F(FunctionsFileOfTheWindow, AFolderThatWasTakenAwayIsMadeAgain) {
     ASSERT_EQ(rename(Folder().c_str(), (home + "/elsewhere").c_str()), 0);
     Enter("a=1");
     EXPECT_TRUE(ComesToHold("a=1"));
     EXPECT_EQ(StatusLine(), "");
 }
 
-TEST_F(FunctionsFileOfTheWindow, aFileInTheFoldersPlaceIsSaidAtTheStart) {
+TEST_F(FunctionsFileOfTheWindow, AFileInTheFoldersPlaceIsSaidAtTheStart) {
     ASSERT_EQ(rename(Folder().c_str(), (home + "/elsewhere").c_str()), 0);
     Write(Folder(), "not a folder");
     Restart();
@@ -446,7 +446,7 @@ TEST_F(FunctionsFileOfTheWindow, aFileInTheFoldersPlaceIsSaidAtTheStart) {
     EXPECT_TRUE(Exists(FunctionsPath()));
 }
 
-TEST_F(FunctionsFileOfTheWindow, whatAKilledProgramLeftIsRemovedAtTheNextStart) {
+TEST_F(FunctionsFileOfTheWindow, WhatAKilledProgramLeftIsRemovedAtTheNextStart) {
     Write(FunctionsPath() + ".tallyquill-aB3dEf", "half");
     Write(SettingsPath() + ".tallyquill-aB3dEf", "half");
     Write(FunctionsPath() + ".backup", "a person's");
@@ -456,7 +456,7 @@ TEST_F(FunctionsFileOfTheWindow, whatAKilledProgramLeftIsRemovedAtTheNextStart) 
     EXPECT_TRUE(Exists(FunctionsPath() + ".backup"));
 }
 
-TEST_F(FunctionsFileOfTheWindow, damageByChanceNeverKeepsTheProgramFromStarting) {
+TEST_F(FunctionsFileOfTheWindow, DamageByChanceNeverKeepsTheProgramFromStarting) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     DefineSomething();

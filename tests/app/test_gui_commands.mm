@@ -85,7 +85,7 @@ protected:
 
 // --- clear, exit ---
 
-TEST_F(Commands, clearLeavesThePromptAlone) {
+TEST_F(Commands, ClearLeavesThePromptAlone) {
     Enter("1+1");
     Type("abc");
     Command("clear");
@@ -96,13 +96,13 @@ TEST_F(Commands, clearLeavesThePromptAlone) {
     EXPECT_EQ(Text(), "> ");
 }
 
-TEST_F(Commands, exitClosesTheWindow) {
+TEST_F(Commands, ExitClosesTheWindow) {
     ASSERT_TRUE([window isVisible]);
     Enter("exit");
     EXPECT_FALSE([window isVisible]);
 }
 
-TEST_F(Commands, unknownCommandsDoNothing) {
+TEST_F(Commands, UnknownCommandsDoNothing) {
     Type("7");
     for (const char* text : {"", "clearly", "exits", "pause", "echo", "echorepeat", "converts", "Clear"})
         Command(text);
@@ -112,7 +112,7 @@ TEST_F(Commands, unknownCommandsDoNothing) {
 
 // --- pause ---
 
-TEST_F(Commands, aPauseOutsideOfZeroToFiveSecondsIsOneSecond) {
+TEST_F(Commands, APauseOutsideOfZeroToFiveSecondsIsOneSecond) {
     EXPECT_EQ(WaitsOf("pause7000"), Waits{1000});
     EXPECT_EQ(WaitsOf("pause5001"), Waits{1000});
     EXPECT_EQ(WaitsOf("pause-5"), Waits{1000});
@@ -123,13 +123,13 @@ TEST_F(Commands, aPauseOutsideOfZeroToFiveSecondsIsOneSecond) {
     EXPECT_EQ(WaitsOf("pause0x10"), Waits{16});
 }
 
-TEST_F(Commands, aPauseTakesItsTime) {
+TEST_F(Commands, APauseTakesItsTime) {
     EXPECT_GE(TimeOf("pause300"), 0.3);
     EXPECT_GE(TimeOf("pause7000"), 1.0);
     EXPECT_FALSE(scriptInterrupted);
 }
 
-TEST_F(Commands, keysInterruptAPause) {
+TEST_F(Commands, KeysInterruptAPause) {
     struct {
         NSString* key;
         NSUInteger flags;
@@ -144,7 +144,7 @@ TEST_F(Commands, keysInterruptAPause) {
     EXPECT_TRUE(scriptInterrupted); // it stays set for the script's runner
 }
 
-TEST_F(Commands, otherKeysDoNotInterruptAPause) {
+TEST_F(Commands, OtherKeysDoNotInterruptAPause) {
     Post(@"x");
     Post(@"c");
     EXPECT_GE(TimeOf("pause200"), 0.2);
@@ -152,7 +152,7 @@ TEST_F(Commands, otherKeysDoNotInterruptAPause) {
     EXPECT_EQ(Text(), "> ");
 }
 
-TEST_F(Commands, aPauseAtThePromptEndsWithANewPrompt) {
+TEST_F(Commands, APauseAtThePromptEndsWithANewPrompt) {
     Enter("pause10");
     EXPECT_EQ(Text(), "> pause10\n\n> ");
     EXPECT_EQ(Entry(), "");
@@ -160,14 +160,14 @@ TEST_F(Commands, aPauseAtThePromptEndsWithANewPrompt) {
     EXPECT_EQ(Text(), "> pause10\n\n> 1+1\nans = 2\n\n> ");
 }
 
-TEST_F(Commands, aPauseInAScriptWritesNothing) {
+TEST_F(Commands, APauseInAScriptWritesNothing) {
     [console ProcessResult:"pause10":NO];
     EXPECT_EQ(Text(), "> ");
 }
 
 // --- echorep ---
 
-TEST_F(Commands, echorepReplacesTheEntry) {
+TEST_F(Commands, EchorepReplacesTheEntry) {
     Enter("1+1");
     Type("old");
     SetEchoText("sin(1)");
@@ -177,7 +177,7 @@ TEST_F(Commands, echorepReplacesTheEntry) {
     EXPECT_EQ(CursorInEntry(), 6u);
 }
 
-TEST_F(Commands, echorepOfAScriptReplacesTheEntry) {
+TEST_F(Commands, EchorepOfAScriptReplacesTheEntry) {
     Type("old");
     [console ProcessResult:"echorep new text":NO];
     EXPECT_EQ(Text(), "> new text\n");
@@ -186,7 +186,7 @@ TEST_F(Commands, echorepOfAScriptReplacesTheEntry) {
 
 // --- echo ---
 
-TEST_F(Commands, echoTypesItsTextAtTheEnd) {
+TEST_F(Commands, EchoTypesItsTextAtTheEnd) {
     Type("7");
     Select(0);
     SetEchoText("a(b)-caf\xe9\n");
@@ -196,7 +196,7 @@ TEST_F(Commands, echoTypesItsTextAtTheEnd) {
     EXPECT_EQ(Cursor(), 13u);
 }
 
-TEST_F(Commands, echoWaitsBetweenTheCharacters) {
+TEST_F(Commands, EchoWaitsBetweenTheCharacters) {
     SetEchoText("abcd");
     EXPECT_EQ(WaitsOf("echo10"), (Waits{100, 100, 100}));
     EXPECT_EQ(WaitsOf("echo100"), (Waits{10, 10, 10}));
@@ -205,7 +205,7 @@ TEST_F(Commands, echoWaitsBetweenTheCharacters) {
     EXPECT_EQ(Text(), "> abcdabcdabcdabcd");
 }
 
-TEST_F(Commands, echoAtTheFastestRateDoesNotWait) {
+TEST_F(Commands, EchoAtTheFastestRateDoesNotWait) {
     SetEchoText("abcd");
     for (const char* text : {"echo0", "echo101", "echo500", "echo1000", "echo-5"}) {
         EXPECT_EQ(WaitsOf(text), Waits{}) << text;
@@ -213,12 +213,12 @@ TEST_F(Commands, echoAtTheFastestRateDoesNotWait) {
     EXPECT_EQ(Text(), "> abcdabcdabcdabcdabcd");
 }
 
-TEST_F(Commands, echoTakesItsTime) {
+TEST_F(Commands, EchoTakesItsTime) {
     SetEchoText("abcd");
     EXPECT_GE(TimeOf("echo10"), 0.3);
 }
 
-TEST_F(Commands, keysInterruptATypedText) {
+TEST_F(Commands, KeysInterruptATypedText) {
     SetEchoText("abcd");
     Post(@"\033");
     Command("echo0");
@@ -232,7 +232,7 @@ TEST_F(Commands, keysInterruptATypedText) {
     EXPECT_FALSE(scriptInterrupted);
 }
 
-TEST_F(Commands, keysInterruptTheWaitBetweenTwoCharacters) {
+TEST_F(Commands, KeysInterruptTheWaitBetweenTwoCharacters) {
     SetEchoText("ab");
     Post(@"x"); // taken behind the first character
     Post(@"\033");
@@ -241,7 +241,7 @@ TEST_F(Commands, keysInterruptTheWaitBetweenTwoCharacters) {
     EXPECT_TRUE(scriptInterrupted);
 }
 
-TEST_F(Commands, aTextTypedOutAtThePromptEndsWithANewPrompt) {
+TEST_F(Commands, ATextTypedOutAtThePromptEndsWithANewPrompt) {
     Enter("echo1000 hi there");
     EXPECT_EQ(Text(), "> echo1000 hi there\nhi there\n\n> ");
     EXPECT_EQ(Entry(), "");
@@ -250,14 +250,14 @@ TEST_F(Commands, aTextTypedOutAtThePromptEndsWithANewPrompt) {
     EXPECT_EQ(Text(), "> echo1000 hi there\nhi there\n\n> ");
 }
 
-TEST_F(Commands, aTextTypedOutByAScriptIsFollowedByTheNextAnswer) {
+TEST_F(Commands, ATextTypedOutByAScriptIsFollowedByTheNextAnswer) {
     [console ProcessResult:"echo1000 hi":NO];
     EXPECT_EQ(Text(), "> hi\n");
     [console ProcessResult:"1+1":NO];
     EXPECT_EQ(Text(), "> hi\nans = 2\n");
 }
 
-TEST_F(Commands, anEmptyTextIsTypedOutAsNothing) {
+TEST_F(Commands, AnEmptyTextIsTypedOutAsNothing) {
     SetEchoText("");
     Command("echo10");
     EXPECT_EQ(Text(), "> ");
@@ -265,7 +265,7 @@ TEST_F(Commands, anEmptyTextIsTypedOutAsNothing) {
 
 // --- convert ---
 
-TEST_F(Commands, convertShowsTheAnswerAboveTheNewPrompt) {
+TEST_F(Commands, ConvertShowsTheAnswerAboveTheNewPrompt) {
     EXPECT_EQ(Converted("convert 5 miles to km", @"8.047 km"),
               "> convert 5 miles to km\n ...checking...\n8.047 km\n\n> ");
     EXPECT_EQ(queryAsked, "convert+5+miles+to+km");
@@ -274,12 +274,12 @@ TEST_F(Commands, convertShowsTheAnswerAboveTheNewPrompt) {
     EXPECT_EQ(g_linestart, static_cast<int32_t>(Text().size()));
 }
 
-TEST_F(Commands, convertWithoutAnAnswerIsNotFound) {
+TEST_F(Commands, ConvertWithoutAnAnswerIsNotFound) {
     EXPECT_EQ(Converted("convert 5 miles to kg", nil),
               "> convert 5 miles to kg\n ...checking...\nNot found.\n\n> ");
 }
 
-TEST_F(Commands, anAnswerMayHaveCharactersThatAreNoLatin1) {
+TEST_F(Commands, AnAnswerMayHaveCharactersThatAreNoLatin1) {
     NSString* const answer = [NSString stringWithUTF8String:"\u2248 8 km\u00b2"];
     EXPECT_EQ(Converted("convert 1", answer), "> convert 1\n ...checking...\n\u2248 8 km\u00b2\n\n> ");
     Enter("1+1");
@@ -288,7 +288,7 @@ TEST_F(Commands, anAnswerMayHaveCharactersThatAreNoLatin1) {
 
 // --- gospel ---
 
-TEST_F(Commands, withoutAnAddressThereIsNoPageToOpen) {
+TEST_F(Commands, WithoutAnAddressThereIsNoPageToOpen) {
     SetDefault(@"WebPageURL", @"");
     Enter("gospel");
     [console clearConsole];

@@ -89,12 +89,12 @@ protected:
 
 // --- The status item ---
 
-TEST_F(Hiding, aClickFadesTheKeyWindowAway) {
+TEST_F(Hiding, AClickFadesTheKeyWindowAway) {
     EXPECT_EQ(Click(), fadesAway);
     EXPECT_EQ(mainWinIsHidden, 1);
 }
 
-TEST_F(Hiding, aClickBringsAHiddenWindowBack) {
+TEST_F(Hiding, AClickBringsAHiddenWindowBack) {
     mainWinIsHidden = 1;
     EXPECT_EQ(Click(), comesBack);
     EXPECT_EQ(mainWinIsHidden, 1) << "until the application is active";
@@ -102,13 +102,13 @@ TEST_F(Hiding, aClickBringsAHiddenWindowBack) {
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
-TEST_F(Hiding, aClickBringsAWindowToTheFrontThatIsNotKey) {
+TEST_F(Hiding, AClickBringsAWindowToTheFrontThatIsNotKey) {
     stand.isKey = NO;
     EXPECT_EQ(Click(), comesBack);
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
-TEST_F(Hiding, aClickTakesTheWindowOutOfTheDock) {
+TEST_F(Hiding, AClickTakesTheWindowOutOfTheDock) {
     for (const BOOL key : {NO, YES}) {
         stand.isKey = key;
         stand.isMiniaturized = YES;
@@ -117,7 +117,7 @@ TEST_F(Hiding, aClickTakesTheWindowOutOfTheDock) {
     }
 }
 
-TEST_F(Hiding, escapeOnAnEmptyEntryIsAClick) {
+TEST_F(Hiding, EscapeOnAnEmptyEntryIsAClick) {
     Type("1");
     Press(KEY_ESCAPE);
     EXPECT_EQ(HideRequests(), 0);
@@ -125,7 +125,7 @@ TEST_F(Hiding, escapeOnAnEmptyEntryIsAClick) {
     EXPECT_EQ(HideRequests(), 1);
 }
 
-TEST_F(Hiding, theFrameIsStoredBeforeTheWindowGoes) {
+TEST_F(Hiding, TheFrameIsStoredBeforeTheWindowGoes) {
     SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(300, 200, 444, 222) display:YES];
     Click();
@@ -137,14 +137,14 @@ TEST_F(Hiding, theFrameIsStoredBeforeTheWindowGoes) {
 
 // --- The menu ---
 
-TEST_F(Hiding, theMenuHidesAlsoWhileAnotherWindowIsKey) {
+TEST_F(Hiding, TheMenuHidesAlsoWhileAnotherWindowIsKey) {
     stand.isKey = NO;
     EXPECT_EQ(HideByMenu(), fadesAway);
     EXPECT_EQ(mainWinIsHidden, 1);
     EXPECT_EQ(HideByMenu(), Told()) << "it is hidden";
 }
 
-TEST_F(Hiding, theMenuLeavesAMiniaturizedWindowWhereItIs) {
+TEST_F(Hiding, TheMenuLeavesAMiniaturizedWindowWhereItIs) {
     stand.isMiniaturized = YES;
     EXPECT_EQ(HideByMenu(), Told());
     EXPECT_EQ(mainWinIsHidden, 0);
@@ -152,7 +152,7 @@ TEST_F(Hiding, theMenuLeavesAMiniaturizedWindowWhereItIs) {
 
 // --- The focus ---
 
-TEST_F(Hiding, losingTheFocusFadesToTheTransparency) {
+TEST_F(Hiding, LosingTheFocusFadesToTheTransparency) {
     EXPECT_EQ(Resign(), Told{"fade 0.8 -0.05"});
     SetSetting("trans", 100);
     EXPECT_EQ(Resign(), Told{"fade 0.2 -0.05"});
@@ -160,24 +160,24 @@ TEST_F(Hiding, losingTheFocusFadesToTheTransparency) {
     EXPECT_EQ(Resign(), Told{"fade 1 -0.05"});
 }
 
-TEST_F(Hiding, withTheSettingOffTheWindowNeverFadesOnLosingTheFocus) {
+TEST_F(Hiding, WithTheSettingOffTheWindowNeverFadesOnLosingTheFocus) {
     SetSetting("transback", 0);
     EXPECT_EQ(Resign(), Told());
 }
 
-TEST_F(Hiding, aHiddenWindowDoesNotFadeOnLosingTheFocus) {
+TEST_F(Hiding, AHiddenWindowDoesNotFadeOnLosingTheFocus) {
     mainWinIsHidden = 1;
     EXPECT_EQ(Resign(), Told());
 }
 
-TEST_F(Hiding, gainingTheFocusFadesBackToOpaque) {
+TEST_F(Hiding, GainingTheFocusFadesBackToOpaque) {
     EXPECT_EQ(WillBecomeActive(), Told{"behaviour 1"});
     EXPECT_EQ(BecomeActive(), Told({"fade 1 0.15", "behaviour 0"}));
 }
 
 // --- The ways back ---
 
-TEST_F(Hiding, theIconOfTheApplicationBringsTheWindowBack) {
+TEST_F(Hiding, TheIconOfTheApplicationBringsTheWindowBack) {
     const auto reopen = [this] {
         EXPECT_FALSE([Application() applicationShouldHandleReopen:NSApp hasVisibleWindows:YES]);
     };
@@ -191,13 +191,13 @@ TEST_F(Hiding, theIconOfTheApplicationBringsTheWindowBack) {
 
 // --- The end ---
 
-TEST_F(Hiding, theLastWindowEndsTheProgramUnlessItIsHidden) {
+TEST_F(Hiding, TheLastWindowEndsTheProgramUnlessItIsHidden) {
     EXPECT_TRUE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
     mainWinIsHidden = 1;
     EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }
 
-TEST_F(Hiding, aHiddenWindowThatIsTakenOutOfTheDockIsShown) {
+TEST_F(Hiding, AHiddenWindowThatIsTakenOutOfTheDockIsShown) {
     mainWinIsHidden = 1;
     const auto deminiaturized = [this] {
         [reinterpret_cast<id>([window delegate]) windowDidDeminiaturize:nil];

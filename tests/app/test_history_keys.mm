@@ -23,7 +23,7 @@ protected:
     std::string first;
 };
 
-TEST_F(HistoryKeys, upWalksAllEntriesFromTheNewest) {
+TEST_F(HistoryKeys, UpWalksAllEntriesFromTheNewest) {
     EXPECT_EQ("3*4", After(KEY_UP));
     EXPECT_EQ(3U, CursorInEntry());
     EXPECT_EQ("ans = 12", StatusLine());
@@ -34,7 +34,7 @@ TEST_F(HistoryKeys, upWalksAllEntriesFromTheNewest) {
     EXPECT_EQ("sin(30)", After(KEY_UP)); // the oldest
 }
 
-TEST_F(HistoryKeys, downWalksBackAndClearsTheLineBehindTheNewest) {
+TEST_F(HistoryKeys, DownWalksBackAndClearsTheLineBehindTheNewest) {
     for (int i = 0; i < 3; i++) Press(KEY_UP);
     EXPECT_EQ("sin(90)", After(KEY_DOWN));
     EXPECT_EQ("3*4", After(KEY_DOWN));
@@ -43,13 +43,13 @@ TEST_F(HistoryKeys, downWalksBackAndClearsTheLineBehindTheNewest) {
     EXPECT_EQ("3*4", After(KEY_UP));
 }
 
-TEST_F(HistoryKeys, downBeforeAnyUpClearsTheLine) {
+TEST_F(HistoryKeys, DownBeforeAnyUpClearsTheLine) {
     Type("45");
     SelectEntry(0);
     EXPECT_EQ("", After(KEY_DOWN));
 }
 
-TEST_F(HistoryKeys, upWithTypedTextWalksTheEntriesThatBeginWithIt) {
+TEST_F(HistoryKeys, UpWithTypedTextWalksTheEntriesThatBeginWithIt) {
     Type("si");
     EXPECT_EQ("sin(90)", After(KEY_UP));
     EXPECT_EQ("ans = 1", StatusLine());
@@ -59,28 +59,28 @@ TEST_F(HistoryKeys, upWithTypedTextWalksTheEntriesThatBeginWithIt) {
     EXPECT_EQ("sin(90)", After(KEY_DOWN));
 }
 
-TEST_F(HistoryKeys, downPastTheNewestMatchLeavesTheLine) {
+TEST_F(HistoryKeys, DownPastTheNewestMatchLeavesTheLine) {
     Type("si");
     Press(KEY_UP);
     EXPECT_EQ("sin(90)", After(KEY_DOWN));
     EXPECT_EQ("sin(90)", After(KEY_DOWN));
 }
 
-TEST_F(HistoryKeys, withoutAMatchTheEntryStays) {
+TEST_F(HistoryKeys, WithoutAMatchTheEntryStays) {
     Type("7");
     EXPECT_EQ("7", After(KEY_UP));
     EXPECT_EQ("7", After(KEY_DOWN));
     EXPECT_EQ("ans = 7", StatusLine());
 }
 
-TEST_F(HistoryKeys, thePrefixIsTakenOnce) {
+TEST_F(HistoryKeys, ThePrefixIsTakenOnce) {
     Type("s");
     EXPECT_EQ("sin(90)", After(KEY_UP));
     EXPECT_EQ("sqrt(16)", After(KEY_UP)); // begins with "s", not with "sin(90)"
     EXPECT_STREQ("s", matchstr);
 }
 
-TEST_F(HistoryKeys, typingTakesThePrefixAnew) {
+TEST_F(HistoryKeys, TypingTakesThePrefixAnew) {
     Type("s");
     Press(KEY_UP);
     Press(KEY_ESCAPE);
@@ -89,7 +89,7 @@ TEST_F(HistoryKeys, typingTakesThePrefixAnew) {
     EXPECT_STREQ("sq", matchstr);
 }
 
-TEST_F(HistoryKeys, returnAndEscapeEndTheWalk) {
+TEST_F(HistoryKeys, ReturnAndEscapeEndTheWalk) {
     Type("s");
     Press(KEY_UP);
     EXPECT_EQ(1, update_match_str);
@@ -103,7 +103,7 @@ TEST_F(HistoryKeys, returnAndEscapeEndTheWalk) {
     EXPECT_EQ("sin(90)", After(KEY_UP)); // the newest of all
 }
 
-TEST_F(HistoryKeys, withTheCursorAtTheStartAllEntriesAreWalked) {
+TEST_F(HistoryKeys, WithTheCursorAtTheStartAllEntriesAreWalked) {
     Type("si");
     Press(KEY_HOME);
     EXPECT_EQ("3*4", After(KEY_UP));
@@ -112,13 +112,13 @@ TEST_F(HistoryKeys, withTheCursorAtTheStartAllEntriesAreWalked) {
     EXPECT_EQ("sqrt(16)", After(KEY_UP));
 }
 
-TEST_F(HistoryKeys, withTheCursorInTheTranscriptAllEntriesAreWalked) {
+TEST_F(HistoryKeys, WithTheCursorInTheTranscriptAllEntriesAreWalked) {
     Type("si");
     Select(1, 4);
     EXPECT_EQ("3*4", After(KEY_UP));
 }
 
-TEST_F(HistoryKeys, thePrefixHasAtMost100Characters) {
+TEST_F(HistoryKeys, ThePrefixHasAtMost100Characters) {
     const std::string hundred = "1" + std::string(99, '0');
     const std::string longer = hundred + "+1";
     [console replacePrompt:longer.c_str()];
@@ -131,14 +131,14 @@ TEST_F(HistoryKeys, thePrefixHasAtMost100Characters) {
     EXPECT_EQ(hundred, matchstr);
 }
 
-TEST_F(HistoryKeys, modifiersDoNotMatter) {
+TEST_F(HistoryKeys, ModifiersDoNotMatter) {
     Press(KEY_UP, NSAlternateKeyMask);
     EXPECT_EQ("3*4", Entry());
     Press(KEY_UP, NSShiftKeyMask);
     EXPECT_EQ("sin(90)", Entry());
 }
 
-TEST_F(HistoryKeys, upCanBeUndone) {
+TEST_F(HistoryKeys, UpCanBeUndone) {
     Type("7");
     Run(0.01);
     Press(KEY_HOME);

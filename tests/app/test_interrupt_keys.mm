@@ -43,27 +43,27 @@ protected:
     }
 };
 
-TEST_F(InterruptKeys, nothingWaiting) {
+TEST_F(InterruptKeys, NothingWaiting) {
     EXPECT_EQ(0, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, escapeInterrupts) {
+TEST_F(InterruptKeys, EscapeInterrupts) {
     Post(@"\033");
     EXPECT_EQ(1, [console checkInterruptEvent]);
     EXPECT_EQ(0, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, commandQInterrupts) {
+TEST_F(InterruptKeys, CommandQInterrupts) {
     Post(@"q", NSCommandKeyMask);
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, controlCInterrupts) {
+TEST_F(InterruptKeys, ControlCInterrupts) {
     Post(@"c", NSControlKeyMask);
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, otherKeysAreConsumedOneByOne) {
+TEST_F(InterruptKeys, OtherKeysAreConsumedOneByOne) {
     Post(@"q");
     Post(@"c");
     Post(@"c", NSCommandKeyMask);
@@ -79,7 +79,7 @@ TEST_F(InterruptKeys, otherKeysAreConsumedOneByOne) {
     EXPECT_EQ(1, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, eachOfThemEndsALongEntry) {
+TEST_F(InterruptKeys, EachOfThemEndsALongEntry) {
     DefineSlowFunctions();
     const struct {
         NSString* key;
@@ -96,7 +96,7 @@ TEST_F(InterruptKeys, eachOfThemEndsALongEntry) {
 }
 
 // The entry looked at them, for it came to the Escape behind them, and went on.
-TEST_F(InterruptKeys, otherKeysDuringALongEntryAreLost) {
+TEST_F(InterruptKeys, OtherKeysDuringALongEntryAreLost) {
     DefineSlowFunctions();
     Post(@"7");
     Post(@"\r");
@@ -106,7 +106,7 @@ TEST_F(InterruptKeys, otherKeysDuringALongEntryAreLost) {
     EXPECT_EQ("", NextKey());
 }
 
-TEST_F(InterruptKeys, whatIsTypedAheadOfAShortEntrysEndStays) {
+TEST_F(InterruptKeys, WhatIsTypedAheadOfAShortEntrysEndStays) {
     [console replacePrompt:"1+2"];
     Post(@"7");
     Press(KEY_RETURN);

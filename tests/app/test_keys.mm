@@ -9,7 +9,7 @@ namespace {
 
 // --- Key codes ---
 
-TEST_F(Keys, theCodeOfTheKeyAndOfTheOneBeforeAreKept) {
+TEST_F(Keys, TheCodeOfTheKeyAndOfTheOneBeforeAreKept) {
     Press(KEY_HOME);
     Press(KEY_END);
     EXPECT_EQ(119U, keyCode);
@@ -21,7 +21,7 @@ TEST_F(Keys, theCodeOfTheKeyAndOfTheOneBeforeAreKept) {
 
 // --- Return ---
 
-TEST_F(Keys, returnAndKeypadEnterCommitTheEntry) {
+TEST_F(Keys, ReturnAndKeypadEnterCommitTheEntry) {
     Press(KEY_RETURN);
     EXPECT_EQ(first + "4+5\nans = 9\n\n> ", Text());
     EXPECT_EQ("", StatusLine());
@@ -33,25 +33,25 @@ TEST_F(Keys, returnAndKeypadEnterCommitTheEntry) {
     EXPECT_EQ(first + "4+5\nans = 9\n\n> 6\nans = 6\n\n> 7\nans = 7\n\n> ", Text());
 }
 
-TEST_F(Keys, returnCommitsTheEntryWhereverTheCursorIs) {
+TEST_F(Keys, ReturnCommitsTheEntryWhereverTheCursorIs) {
     Select(0, 3);
     Press(KEY_RETURN);
     EXPECT_EQ(first + "4+5\nans = 9\n\n> ", Text());
     EXPECT_EQ(Text().size(), Cursor());
 }
 
-TEST_F(Keys, returnWithAModifierCommitsToo) {
+TEST_F(Keys, ReturnWithAModifierCommitsToo) {
     Press(KEY_RETURN, NSAlternateKeyMask);
     EXPECT_EQ(first + "4+5\nans = 9\n\n> ", Text());
 }
 
-TEST_F(Keys, returnEndsAMatchedWalk) {
+TEST_F(Keys, ReturnEndsAMatchedWalk) {
     update_match_str = 1;
     Press(KEY_RETURN);
     EXPECT_EQ(0, update_match_str);
 }
 
-TEST_F(Keys, anEntryThatLatin1HasNotIsReportedAndStays) {
+TEST_F(Keys, AnEntryThatLatin1HasNotIsReportedAndStays) {
     SetEntry(@"3\u20ac");
     Press(KEY_RETURN);
     EXPECT_EQ(first + "3\u20ac\n** Invalid character/encoding used. **\n\n> ", Text());
@@ -59,7 +59,7 @@ TEST_F(Keys, anEntryThatLatin1HasNotIsReportedAndStays) {
     EXPECT_EQ("1+2", Entry()); // not in the history
 }
 
-TEST_F(Keys, anEntryWithANulIsReported) {
+TEST_F(Keys, AnEntryWithANulIsReported) {
     const unichar withNul[] = {'1', 0, '2'};
     SetEntry([NSString stringWithCharacters:withNul length:3]);
     Press(KEY_RETURN);
@@ -67,7 +67,7 @@ TEST_F(Keys, anEntryWithANulIsReported) {
     EXPECT_EQ(NSNotFound, static_cast<NSInteger>([[console string] rangeOfString:@"ans = 1\n"].location));
 }
 
-TEST_F(Keys, theLongestEntryIsEvaluated) {
+TEST_F(Keys, TheLongestEntryIsEvaluated) {
     SetEntry([@"1" stringByPaddingToLength:9999 withString:@"+1" startingAtIndex:0]);
     Press(KEY_RETURN);
     EXPECT_NE(std::string::npos, Text().find("\nans = 5000\n"));
@@ -75,7 +75,7 @@ TEST_F(Keys, theLongestEntryIsEvaluated) {
 
 // --- Escape ---
 
-TEST_F(Keys, escapeClearsTheEntryAndEndsTheWalk) {
+TEST_F(Keys, EscapeClearsTheEntryAndEndsTheWalk) {
     calc.history.HistLocUp();
     update_match_str = 1;
     Press(KEY_ESCAPE);
@@ -86,14 +86,14 @@ TEST_F(Keys, escapeClearsTheEntryAndEndsTheWalk) {
     EXPECT_EQ(0, HideRequests());
 }
 
-TEST_F(Keys, escapeOfAnEmptyEntryHidesTheWindow) {
+TEST_F(Keys, EscapeOfAnEmptyEntryHidesTheWindow) {
     SetEntry(@"");
     Press(KEY_ESCAPE);
     Expect("");
     EXPECT_EQ(1, HideRequests());
 }
 
-TEST_F(Keys, escapeWithASelectionInTheTranscriptOnlyGoesBackToTheEntry) {
+TEST_F(Keys, EscapeWithASelectionInTheTranscriptOnlyGoesBackToTheEntry) {
     SetEntry(@"");
     Select(0, 4);
     Press(KEY_ESCAPE);
@@ -102,7 +102,7 @@ TEST_F(Keys, escapeWithASelectionInTheTranscriptOnlyGoesBackToTheEntry) {
     EXPECT_EQ(0, HideRequests());
 }
 
-TEST_F(Keys, escapeWithTheCursorInTheTranscriptClearsTheEntry) {
+TEST_F(Keys, EscapeWithTheCursorInTheTranscriptClearsTheEntry) {
     Select(1);
     Press(KEY_ESCAPE);
     Expect("");
@@ -111,7 +111,7 @@ TEST_F(Keys, escapeWithTheCursorInTheTranscriptClearsTheEntry) {
 
 // --- Backspace ---
 
-TEST_F(Keys, backspaceDeletesToTheLeft) {
+TEST_F(Keys, BackspaceDeletesToTheLeft) {
     Press(KEY_BACKSPACE);
     Expect("4+");
     SelectEntry(1);
@@ -119,7 +119,7 @@ TEST_F(Keys, backspaceDeletesToTheLeft) {
     Expect("+");
 }
 
-TEST_F(Keys, backspaceAtTheStartDeletesNothing) {
+TEST_F(Keys, BackspaceAtTheStartDeletesNothing) {
     SelectEntry(0);
     Press(KEY_BACKSPACE);
     Expect("4+5");
@@ -129,7 +129,7 @@ TEST_F(Keys, backspaceAtTheStartDeletesNothing) {
     Expect("");
 }
 
-TEST_F(Keys, backspaceDeletesASelectionInTheEntry) {
+TEST_F(Keys, BackspaceDeletesASelectionInTheEntry) {
     SelectEntry(0, 2);
     Press(KEY_BACKSPACE);
     Expect("5");
@@ -139,7 +139,7 @@ TEST_F(Keys, backspaceDeletesASelectionInTheEntry) {
     Expect("4");
 }
 
-TEST_F(Keys, backspaceOfASelectionAcrossThePromptIsClippedToTheEntry) {
+TEST_F(Keys, BackspaceOfASelectionAcrossThePromptIsClippedToTheEntry) {
     Select(begin - 4, 6);
     Press(KEY_BACKSPACE);
     Expect("5");
@@ -149,7 +149,7 @@ TEST_F(Keys, backspaceOfASelectionAcrossThePromptIsClippedToTheEntry) {
     Expect("");
 }
 
-TEST_F(Keys, backspaceInTheTranscriptOnlyGoesToTheEnd) {
+TEST_F(Keys, BackspaceInTheTranscriptOnlyGoesToTheEnd) {
     const NSRange places[] = {{0, 0}, {3, 4}, {begin - 1, 0}, {begin - 2, 2}};
     for (const NSRange place : places) {
         [console updateStatusbar:UNTOUCHED];
@@ -162,7 +162,7 @@ TEST_F(Keys, backspaceInTheTranscriptOnlyGoesToTheEnd) {
 
 // --- Forward delete ---
 
-TEST_F(Keys, forwardDeleteDeletesToTheRight) {
+TEST_F(Keys, ForwardDeleteDeletesToTheRight) {
     SelectEntry(0);
     Press(KEY_FORWARD_DELETE);
     Expect("+5");
@@ -173,19 +173,19 @@ TEST_F(Keys, forwardDeleteDeletesToTheRight) {
     Expect("+");
 }
 
-TEST_F(Keys, forwardDeleteDeletesASelectionInTheEntry) {
+TEST_F(Keys, ForwardDeleteDeletesASelectionInTheEntry) {
     SelectEntry(0, 2);
     Press(KEY_FORWARD_DELETE);
     Expect("5");
 }
 
-TEST_F(Keys, forwardDeleteOfASelectionAcrossThePromptIsClippedToTheEntry) {
+TEST_F(Keys, ForwardDeleteOfASelectionAcrossThePromptIsClippedToTheEntry) {
     Select(begin - 4, 6);
     Press(KEY_FORWARD_DELETE);
     Expect("5");
 }
 
-TEST_F(Keys, forwardDeleteInTheTranscriptOnlyGoesToTheEnd) {
+TEST_F(Keys, ForwardDeleteInTheTranscriptOnlyGoesToTheEnd) {
     const NSRange places[] = {{0, 0}, {3, 4}, {begin - 1, 0}, {begin - 2, 2}};
     for (const NSRange place : places) {
         [console updateStatusbar:UNTOUCHED];
@@ -202,7 +202,7 @@ TEST_F(Keys, forwardDeleteInTheTranscriptOnlyGoesToTheEnd) {
 
 // --- Home and End ---
 
-TEST_F(Keys, homeGoesToTheStartOfTheEntry) {
+TEST_F(Keys, HomeGoesToTheStartOfTheEntry) {
     Press(KEY_HOME);
     Expect("4+5", false);
     ExpectSelection(begin, 0);
@@ -211,7 +211,7 @@ TEST_F(Keys, homeGoesToTheStartOfTheEntry) {
     ExpectSelection(begin, 0);
 }
 
-TEST_F(Keys, shiftHomeSelectsBackToTheStartOfTheEntry) {
+TEST_F(Keys, ShiftHomeSelectsBackToTheStartOfTheEntry) {
     SelectEntry(1, 1);
     Press(KEY_HOME, NSShiftKeyMask);
     Expect("4+5", false);
@@ -224,14 +224,14 @@ TEST_F(Keys, shiftHomeSelectsBackToTheStartOfTheEntry) {
     ExpectSelection(begin, 0);
 }
 
-TEST_F(Keys, endGoesToTheEnd) {
+TEST_F(Keys, EndGoesToTheEnd) {
     Select(0, 5);
     Press(KEY_END);
     Expect("4+5", false);
     ExpectSelection(begin + 3, 0);
 }
 
-TEST_F(Keys, shiftEndSelectsToTheEnd) {
+TEST_F(Keys, ShiftEndSelectsToTheEnd) {
     SelectEntry(1);
     Press(KEY_END, NSShiftKeyMask);
     Expect("4+5", false);
@@ -243,7 +243,7 @@ TEST_F(Keys, shiftEndSelectsToTheEnd) {
 
 // --- Left and Right ---
 
-TEST_F(Keys, leftStopsAtTheStartOfTheEntry) {
+TEST_F(Keys, LeftStopsAtTheStartOfTheEntry) {
     SelectEntry(1);
     Press(KEY_LEFT);
     Expect("4+5");
@@ -257,14 +257,14 @@ TEST_F(Keys, leftStopsAtTheStartOfTheEntry) {
     }
 }
 
-TEST_F(Keys, leftMovesInTheTranscript) {
+TEST_F(Keys, LeftMovesInTheTranscript) {
     Select(begin - 3);
     Press(KEY_LEFT);
     Expect("4+5");
     ExpectSelection(begin - 4, 0);
 }
 
-TEST_F(Keys, leftWithControlOrCommandActsAsHome) {
+TEST_F(Keys, LeftWithControlOrCommandActsAsHome) {
     for (const NSUInteger flag : {NSUInteger(NSControlKeyMask), NSUInteger(NSCommandKeyMask)}) {
         SelectEntry(2);
         Press(KEY_LEFT, flag);
@@ -276,7 +276,7 @@ TEST_F(Keys, leftWithControlOrCommandActsAsHome) {
     }
 }
 
-TEST_F(Keys, controlAActsAsHome) {
+TEST_F(Keys, ControlAActsAsHome) {
     Press(@"\001", @"a", NSControlKeyMask);
     Expect("4+5", false);
     ExpectSelection(begin, 0);
@@ -288,12 +288,12 @@ TEST_F(Keys, controlAActsAsHome) {
     ExpectSelection(begin, 0);
 }
 
-TEST_F(Keys, theLetterATypesItself) {
+TEST_F(Keys, TheLetterATypesItself) {
     Type("aA");
     Expect("4+5aA");
 }
 
-TEST_F(Keys, rightMovesOn) {
+TEST_F(Keys, RightMovesOn) {
     SelectEntry(1);
     Press(KEY_RIGHT);
     Expect("4+5");
@@ -306,7 +306,7 @@ TEST_F(Keys, rightMovesOn) {
     ExpectSelection(begin + 3, 0);
 }
 
-TEST_F(Keys, shiftAndAnArrowExtendTheSelection) {
+TEST_F(Keys, ShiftAndAnArrowExtendTheSelection) {
     SelectEntry(1);
     Press(KEY_RIGHT, NSShiftKeyMask);
     ExpectSelection(begin + 1, 1);

@@ -107,7 +107,7 @@ protected:
     }
 };
 
-TEST_F(MenuBar, hasTheUsualMenus) {
+TEST_F(MenuBar, HasTheUsualMenus) {
     std::vector<std::string> titles;
     NSMenu* const bar = [NSApp mainMenu];
     for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
@@ -118,7 +118,7 @@ TEST_F(MenuBar, hasTheUsualMenus) {
     EXPECT_EQ(titles, std::vector<std::string>({"Tallyquill", "File", "Edit", "Display", "Window", "Help"}));
 }
 
-TEST_F(MenuBar, itsItemsHaveTheUsualKeys) {
+TEST_F(MenuBar, ItsItemsHaveTheUsualKeys) {
     std::vector<std::string> found;
     for (const MenuEntry& entry : Items()) {
         found.push_back(entry.menu + " / " + [[entry.item title] UTF8String] + " / " +
@@ -150,7 +150,7 @@ TEST_F(MenuBar, itsItemsHaveTheUsualKeys) {
     EXPECT_EQ(found, expected);
 }
 
-TEST_F(MenuBar, noKeyStandsForTwoItems) {
+TEST_F(MenuBar, NoKeyStandsForTwoItems) {
     std::set<std::string> keys;
     for (const MenuEntry& entry : Items()) {
         const std::string key = [[entry.item keyEquivalent] UTF8String];
@@ -159,13 +159,13 @@ TEST_F(MenuBar, noKeyStandsForTwoItems) {
     }
 }
 
-TEST_F(MenuBar, everyItemIsTakenBySomeone) {
+TEST_F(MenuBar, EveryItemIsTakenBySomeone) {
     for (const MenuEntry& entry : Items()) {
         EXPECT_NE(Taker(entry.item), nil) << entry.menu << " / " << [[entry.item title] UTF8String];
     }
 }
 
-TEST_F(MenuBar, onlyRedoAndAHiddenWindowAreDisabled) {
+TEST_F(MenuBar, OnlyRedoAndAHiddenWindowAreDisabled) {
     for (const MenuEntry& entry : Items()) {
         const std::string title = [[entry.item title] UTF8String];
         EXPECT_EQ(IsEnabled(entry.item), title != "Redo") << title;
@@ -176,7 +176,7 @@ TEST_F(MenuBar, onlyRedoAndAHiddenWindowAreDisabled) {
 
 // --- Edit ---
 
-TEST_F(MenuBar, undoAndRedoWalkThroughTheEntry) {
+TEST_F(MenuBar, UndoAndRedoWalkThroughTheEntry) {
     Type("12");
     [[console undoManager] endUndoGrouping];
     EXPECT_EQ(StatusLine(), "ans = 12");
@@ -191,7 +191,7 @@ TEST_F(MenuBar, undoAndRedoWalkThroughTheEntry) {
     EXPECT_EQ(Text(), "> 12");
 }
 
-TEST_F(MenuBar, anAnsweredEntryIsNeitherUndoneNorRedone) {
+TEST_F(MenuBar, AnAnsweredEntryIsNeitherUndoneNorRedone) {
     Enter("1+1");
     const std::string shown = Text();
     Choose("Undo");
@@ -201,7 +201,7 @@ TEST_F(MenuBar, anAnsweredEntryIsNeitherUndoneNorRedone) {
     EXPECT_EQ(Text(), shown);
 }
 
-TEST_F(MenuBar, selectAllAndCopyTakeTheWholeText) {
+TEST_F(MenuBar, SelectAllAndCopyTakeTheWholeText) {
     Enter("1+1");
     Choose("Select All");
     EXPECT_EQ(Selected(), Text());
@@ -209,7 +209,7 @@ TEST_F(MenuBar, selectAllAndCopyTakeTheWholeText) {
     EXPECT_EQ(Pasteboard(), Text());
 }
 
-TEST_F(MenuBar, pasteInserts) {
+TEST_F(MenuBar, PasteInserts) {
     SetPasteboard("6*7");
     Choose("Paste");
     EXPECT_EQ(Entry(), "6*7");
@@ -218,13 +218,13 @@ TEST_F(MenuBar, pasteInserts) {
 
 // --- The others ---
 
-TEST_F(MenuBar, newClearsTheConsole) {
+TEST_F(MenuBar, NewClearsTheConsole) {
     Enter("1+1");
     Choose("New");
     EXPECT_EQ(Text(), "> ");
 }
 
-TEST_F(MenuBar, displayChangesTheBaseAndChecksItsItem) {
+TEST_F(MenuBar, DisplayChangesTheBaseAndChecksItsItem) {
     const char* const titles[] = {"Binary", "Decimal", "Hexadecimal"};
     const int bases[] = {2, 10, 16};
     for (int i = 0; i < 3; i++) {
@@ -234,19 +234,19 @@ TEST_F(MenuBar, displayChangesTheBaseAndChecksItsItem) {
     }
 }
 
-TEST_F(MenuBar, preferencesOpenThePanel) {
+TEST_F(MenuBar, PreferencesOpenThePanel) {
     Choose("Preferences...");
     EXPECT_TRUE([[Preferences() prefWindow] isVisible]);
     EXPECT_EQ(prefWinIsOpen, 1);
 }
 
-TEST_F(MenuBar, hideFadesTheWindowAway) {
+TEST_F(MenuBar, HideFadesTheWindowAway) {
     [[Preferences() prefWindow] makeKeyAndOrderFront:nil];
     Choose("Hide Tallyquill");
     EXPECT_EQ(mainWinIsHidden, 1);
 }
 
-TEST_F(MenuBar, zoomFillsTheScreenAndGoesBack) {
+TEST_F(MenuBar, ZoomFillsTheScreenAndGoesBack) {
     const NSRect before = [window frame];
     Choose("Zoom");
     const NSRect screen = [[window screen] visibleFrame];
@@ -262,12 +262,12 @@ TEST_F(MenuBar, zoomFillsTheScreenAndGoesBack) {
     EXPECT_TRUE(NSEqualRects([window frame], changed)) << [NSStringFromRect([window frame]) UTF8String];
 }
 
-TEST_F(MenuBar, closeClosesTheWindow) {
+TEST_F(MenuBar, CloseClosesTheWindow) {
     Choose("Close");
     EXPECT_FALSE([window isVisible]);
 }
 
-TEST_F(MenuBar, helpOpensTheGuide) {
+TEST_F(MenuBar, HelpOpensTheGuide) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
     guidePath = nil;
     Choose("Tallyquill Guide");
@@ -287,7 +287,7 @@ TEST_F(MenuBar, helpOpensTheGuide) {
     [guide close];
 }
 
-TEST_F(MenuBar, aboutShowsThePanel) {
+TEST_F(MenuBar, AboutShowsThePanel) {
     Choose("About Tallyquill");
     NSWindow* panel = nil;
     for (NSWindow* const one in [NSApp windows]) {
@@ -298,28 +298,28 @@ TEST_F(MenuBar, aboutShowsThePanel) {
     [panel orderOut:nil];
 }
 
-TEST_F(MenuBar, quitAsksTheProgramToEnd) {
+TEST_F(MenuBar, QuitAsksTheProgramToEnd) {
     requests = 0;
     const Replaced end([NSApp class], @selector(terminate:), countRequest);
     Choose("Quit Tallyquill");
     EXPECT_EQ(requests, 1);
 }
 
-TEST_F(MenuBar, bringAllToFrontAsksTheProgramForIt) {
+TEST_F(MenuBar, BringAllToFrontAsksTheProgramForIt) {
     requests = 0;
     const Replaced arrange([NSApp class], @selector(arrangeInFront:), countRequest);
     Choose("Bring All to Front");
     EXPECT_EQ(requests, 1);
 }
 
-TEST_F(MenuBar, minimizeMinimisesTheWindow) {
+TEST_F(MenuBar, MinimizeMinimisesTheWindow) {
     requests = 0;
     const Replaced minimise([NSWindow class], @selector(miniaturize:), countRequest);
     Choose("Minimize");
     EXPECT_EQ(requests, 1);
 }
 
-TEST_F(MenuBar, cutTakesWhatOfTheSelectionIsInTheEntry) {
+TEST_F(MenuBar, CutTakesWhatOfTheSelectionIsInTheEntry) {
     Type("12345");
     Select(0, 4); // from the prompt on
     Choose("Cut");
@@ -328,7 +328,7 @@ TEST_F(MenuBar, cutTakesWhatOfTheSelectionIsInTheEntry) {
     EXPECT_EQ(StatusLine(), "ans = 345");
 }
 
-TEST_F(MenuBar, openReplaysTheScriptThatIsChosen) {
+TEST_F(MenuBar, OpenReplaysTheScriptThatIsChosen) {
     const std::string script = home + "/chosen.script";
     Write(script, "x=6*7\n");
     fileOfPanel = [NSString stringWithUTF8String:script.c_str()];
@@ -338,7 +338,7 @@ TEST_F(MenuBar, openReplaysTheScriptThatIsChosen) {
     EXPECT_EQ(Text(), "> \nx = 42\n\n> ");
 }
 
-TEST_F(MenuBar, saveWritesTheScriptThatIsNamed) {
+TEST_F(MenuBar, SaveWritesTheScriptThatIsNamed) {
     Enter("x=6*7");
     for (const char* title : {"Save Script...", "Save Script As..."}) {
         const std::string script = home + "/" + title + ".script";
@@ -350,7 +350,7 @@ TEST_F(MenuBar, saveWritesTheScriptThatIsNamed) {
     }
 }
 
-TEST_F(MenuBar, tutorialReplaysItsScript) {
+TEST_F(MenuBar, TutorialReplaysItsScript) {
     const std::string script = home + "/tutorial.script";
     Write(script, "x=6*7\n");
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTutorial);

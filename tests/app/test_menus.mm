@@ -84,7 +84,7 @@ protected:
 
 // --- The status line ---
 
-TEST_F(Menus, theStatusLineShowsTheText) {
+TEST_F(Menus, TheStatusLineShowsTheText) {
     [console updateStatusbar:"ans = 12"];
     EXPECT_EQ(StatusLine(), "ans = 12");
     [console updateStatusbar:""];
@@ -93,7 +93,7 @@ TEST_F(Menus, theStatusLineShowsTheText) {
 
 // --- Display base ---
 
-TEST_F(Menus, theBaseItemsChangeTheBase) {
+TEST_F(Menus, TheBaseItemsChangeTheBase) {
     const int bases[] = {2, 10, 16};
     for (const int i : {0, 2, 1}) {
         ChooseBase(i);
@@ -103,7 +103,7 @@ TEST_F(Menus, theBaseItemsChangeTheBase) {
     }
 }
 
-TEST_F(Menus, anUnknownTagChangesNothing) {
+TEST_F(Menus, AnUnknownTagChangesNothing) {
     Enter("255");
     const std::string shown = Text();
     for (const NSInteger tag : {3, -1, 16, 1000}) ChooseBase(tag);
@@ -112,7 +112,7 @@ TEST_F(Menus, anUnknownTagChangesNothing) {
     EXPECT_EQ(Text(), shown);
 }
 
-TEST_F(Menus, anUnknownSegmentChangesNothing) {
+TEST_F(Menus, AnUnknownSegmentChangesNothing) {
     Enter("255");
     const std::string shown = Text();
     NSSegmentedControl* const other = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
@@ -125,7 +125,7 @@ TEST_F(Menus, anUnknownSegmentChangesNothing) {
     EXPECT_EQ(Text(), shown);
 }
 
-TEST_F(Menus, hexAfterAnEntryShowsItsAnswerAgainOnce) {
+TEST_F(Menus, HexAfterAnEntryShowsItsAnswerAgainOnce) {
     Enter("200+55");
     ClickBase(2);
     EXPECT_EQ(Text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
@@ -135,7 +135,7 @@ TEST_F(Menus, hexAfterAnEntryShowsItsAnswerAgainOnce) {
     EXPECT_EQ(Text(), "> 200+55\nans = 255\n200+55 = 0x00FF\n\n> ");
 }
 
-TEST_F(Menus, aBaseChangeShowsTheResultOfTheEntryAnew) {
+TEST_F(Menus, ABaseChangeShowsTheResultOfTheEntryAnew) {
     Type("255");
     EXPECT_EQ(StatusLine(), "ans = 255");
     ClickBase(2);
@@ -143,7 +143,7 @@ TEST_F(Menus, aBaseChangeShowsTheResultOfTheEntryAnew) {
     EXPECT_EQ(Text(), "> 255") << "there is no last answer";
 }
 
-TEST_F(Menus, whatIsBeingTypedStaysBelowTheLine) {
+TEST_F(Menus, WhatIsBeingTypedStaysBelowTheLine) {
     Enter("5");
     Type("1+2");
     ClickBase(0);
@@ -151,7 +151,7 @@ TEST_F(Menus, whatIsBeingTypedStaysBelowTheLine) {
     EXPECT_EQ(Entry(), "1+2");
 }
 
-TEST_F(Menus, shiftClickShowsTheAnswerAndChangesNothing) {
+TEST_F(Menus, ShiftClickShowsTheAnswerAndChangesNothing) {
     Enter("5");
     ShiftClickBase(0);
     EXPECT_EQ(Text(), "> 5\nans = 5\n5 = 0b 0101\n\n> ");
@@ -162,7 +162,7 @@ TEST_F(Menus, shiftClickShowsTheAnswerAndChangesNothing) {
     EXPECT_NE(Text().find("> 6\nans = 6\n"), std::string::npos);
 }
 
-TEST_F(Menus, onlyShiftMeansOnce) {
+TEST_F(Menus, OnlyShiftMeansOnce) {
     Enter("5");
     ClickBase(2, NSAlternateKeyMask | NSControlKeyMask | NSCommandKeyMask);
     EXPECT_EQ(SettingOf("dispbase"), 16);
@@ -170,7 +170,7 @@ TEST_F(Menus, onlyShiftMeansOnce) {
 
 // Without an entry in between, a base other than that of the call before shows the answer; after an entry,
 // one other than the stored base.
-TEST_F(Menus, whetherTheAnswerIsShownAgainFollowsTheCallBefore) {
+TEST_F(Menus, WhetherTheAnswerIsShownAgainFollowsTheCallBefore) {
     Enter("5");
     const std::string head = "> 5\nans = 5\n";
     std::string shown = head;
@@ -204,7 +204,7 @@ TEST_F(Menus, whetherTheAnswerIsShownAgainFollowsTheCallBefore) {
     expectShown("7 = 7\n");
 }
 
-TEST_F(Menus, withoutAnAnswerNothingIsShownAgain) {
+TEST_F(Menus, WithoutAnAnswerNothingIsShownAgain) {
     Enter("sigfigs 5");
     const std::string shown = Text();
     ClickBase(2);
@@ -212,7 +212,7 @@ TEST_F(Menus, withoutAnAnswerNothingIsShownAgain) {
 }
 
 // A statement that was evaluated has answered, whatever its line ended with, and so has disp.
-TEST_F(Menus, whatIsShownAgainWasAnswered) {
+TEST_F(Menus, WhatIsShownAgainWasAnswered) {
     const struct {
         const char* entry;
         const char* line;
@@ -230,13 +230,13 @@ TEST_F(Menus, whatIsShownAgainWasAnswered) {
     }
 }
 
-TEST_F(Menus, whatDispShowedIsShownAgain) {
+TEST_F(Menus, WhatDispShowedIsShownAgain) {
     Enter("disp pi");
     ClickBase(2);
     EXPECT_EQ(Text(), "> disp pi\npi = 3.141592654\ndisp pi = 0x0003\n\n> ");
 }
 
-TEST_F(Menus, anEntryThatOnlyFailsOrConfirmsHasNoAnswerToShow) {
+TEST_F(Menus, AnEntryThatOnlyFailsOrConfirmsHasNoAnswerToShow) {
     for (const char* const entry : {"mode deg", "1/0", "disp nothing", "echo 5"}) {
         StartAgain();
         Enter(entry);
@@ -247,14 +247,14 @@ TEST_F(Menus, anEntryThatOnlyFailsOrConfirmsHasNoAnswerToShow) {
     }
 }
 
-TEST_F(Menus, theAnswerOfADeletedVariableIsShownAgain) {
+TEST_F(Menus, TheAnswerOfADeletedVariableIsShownAgain) {
     Enter("x=40+2");
     Enter("del x");
     ClickBase(2);
     EXPECT_NE(Text().find("\nx=40+2 = 0x002A\n"), std::string::npos) << Text();
 }
 
-TEST_F(Menus, onAClearedConsoleNothingIsShownAgain) {
+TEST_F(Menus, OnAClearedConsoleNothingIsShownAgain) {
     Enter("5");
     Enter("clear");
     ClickBase(2);
@@ -262,7 +262,7 @@ TEST_F(Menus, onAClearedConsoleNothingIsShownAgain) {
     EXPECT_EQ(g_linestart, 2);
 }
 
-TEST_F(Menus, theLineIsWrittenInTheCurrentNotation) {
+TEST_F(Menus, TheLineIsWrittenInTheCurrentNotation) {
     SetSetting("european", 1);
     SetSetting("separator", 1);
     SetSetting("sigfigs", 8);
@@ -272,14 +272,14 @@ TEST_F(Menus, theLineIsWrittenInTheCurrentNotation) {
     EXPECT_NE(Text().find("\n12345,5*1 = 12.345,5\n\n> "), std::string::npos) << Text();
 }
 
-TEST_F(Menus, aPreviewDoesNotChangeWhatIsShownAgain) {
+TEST_F(Menus, APreviewDoesNotChangeWhatIsShownAgain) {
     Enter("5");
     Type("99");
     ClickBase(0);
     EXPECT_NE(Text().find("\n5 = 0b 0101\n"), std::string::npos);
 }
 
-TEST_F(Menus, theStartSetsTheBaseAndShowsNothing) {
+TEST_F(Menus, TheStartSetsTheBaseAndShowsNothing) {
     SetSetting("dispbase", 16);
     StartAgain();
     EXPECT_EQ(Text(), "> ");
@@ -289,7 +289,7 @@ TEST_F(Menus, theStartSetsTheBaseAndShowsNothing) {
 
 // --- Angle mode ---
 
-TEST_F(Menus, theModeControlChangesTheMode) {
+TEST_F(Menus, TheModeControlChangesTheMode) {
     Type("sin(90)");
     EXPECT_EQ(StatusLine(), "ans = 1");
     ClickMode(1);
@@ -303,7 +303,7 @@ TEST_F(Menus, theModeControlChangesTheMode) {
     EXPECT_EQ(StatusLine(), "ans = 1");
 }
 
-TEST_F(Menus, anEntryMovesTheControls) {
+TEST_F(Menus, AnEntryMovesTheControls) {
     Enter("mode rad");
     EXPECT_EQ(ModeSegment(), 1);
     Enter("mode deg");
@@ -314,7 +314,7 @@ TEST_F(Menus, anEntryMovesTheControls) {
 
 // --- Variables ---
 
-TEST_F(Menus, theVariablesAreListedWithTheirValues) {
+TEST_F(Menus, TheVariablesAreListedWithTheirValues) {
     Enter("width=7");
     Enter("height=1/3");
     const std::vector<std::string> found = Titles("menuVars");
@@ -331,14 +331,14 @@ TEST_F(Menus, theVariablesAreListedWithTheirValues) {
     EXPECT_NE(std::find(found.begin(), found.end(), "height\t0.3333333333"), found.end());
 }
 
-TEST_F(Menus, theVariablesFollowTheDecimalMark) {
+TEST_F(Menus, TheVariablesFollowTheDecimalMark) {
     SetSetting("european", 1);
     Enter("half=0,5");
     const std::vector<std::string> found = Titles("menuVars");
     EXPECT_NE(std::find(found.begin(), found.end(), "half\t0,5"), found.end());
 }
 
-TEST_F(Menus, choosingAVariableInsertsItsName) {
+TEST_F(Menus, ChoosingAVariableInsertsItsName) {
     Enter("width=7");
     Type("2*+1");
     SelectEntry(2);
@@ -350,7 +350,7 @@ TEST_F(Menus, choosingAVariableInsertsItsName) {
     EXPECT_EQ(Entry(), "width+1");
 }
 
-TEST_F(Menus, inTheTranscriptTheCursorGoesToTheEndFirst) {
+TEST_F(Menus, InTheTranscriptTheCursorGoesToTheEndFirst) {
     Enter("width=7");
     Type("3*");
     Select(2, 3);
@@ -362,7 +362,7 @@ TEST_F(Menus, inTheTranscriptTheCursorGoesToTheEndFirst) {
     EXPECT_EQ(Entry(), "3*widthf(x,y)");
 }
 
-TEST_F(Menus, whatWasChosenCanBeUndone) {
+TEST_F(Menus, WhatWasChosenCanBeUndone) {
     Enter("width=7");
     ChooseVariable("width\t7");
     EXPECT_EQ(Entry(), "width");
@@ -375,7 +375,7 @@ TEST_F(Menus, whatWasChosenCanBeUndone) {
 
 // --- Functions ---
 
-TEST_F(Menus, theFunctionsAreListedInTheReverseOrder) {
+TEST_F(Menus, TheFunctionsAreListedInTheReverseOrder) {
     Enter("f(x,y)=x+y");
     Enter("g(x)=2*x");
     std::vector<std::string> expected;
@@ -394,7 +394,7 @@ TEST_F(Menus, theFunctionsAreListedInTheReverseOrder) {
     EXPECT_EQ(top, std::vector<std::string>({"Func", "g(x)=2*x", "f(x,y)=x+y"}));
 }
 
-TEST_F(Menus, theSeparatorStandsBehindTheDefinedFunctions) {
+TEST_F(Menus, TheSeparatorStandsBehindTheDefinedFunctions) {
     const std::vector<std::string> found = Titles("menuFuncs");
     EXPECT_EQ(found[0], "Func");
     EXPECT_EQ(std::count(found.begin(), found.end(), "---"), 1);
@@ -405,14 +405,14 @@ TEST_F(Menus, theSeparatorStandsBehindTheDefinedFunctions) {
         EXPECT_EQ(one->find('='), std::string::npos) << *one;
 }
 
-TEST_F(Menus, definitionsOf33CharactersShowAsTheirHeads) {
+TEST_F(Menus, DefinitionsOf33CharactersShowAsTheirHeads) {
     Enter("f(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+x"); // 32 characters
     Enter("g(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+12");
     const std::vector<std::string> top = FunctionTitles(3);
     EXPECT_EQ(top, std::vector<std::string>({"Func", "g(x)= ...", "f(x)=x+x+x+x+x+x+x+x+x+x+x+x+x+x"}));
 }
 
-TEST_F(Menus, choosingAFunctionSelectsItsFirstParameter) {
+TEST_F(Menus, ChoosingAFunctionSelectsItsFirstParameter) {
     Enter("f(x,y)=x+y");
     ChooseFunction("f(x,y)=x+y");
     EXPECT_EQ(Entry(), "f(x,y)");
@@ -422,7 +422,7 @@ TEST_F(Menus, choosingAFunctionSelectsItsFirstParameter) {
     EXPECT_EQ(Entry(), "f(5,y)");
 }
 
-TEST_F(Menus, aSingleParameterIsSelectedToo) {
+TEST_F(Menus, ASingleParameterIsSelectedToo) {
     ChooseFunction("sqrt(value)");
     EXPECT_EQ(Entry(), "sqrt(value)");
     EXPECT_EQ(Selected(), "value");
@@ -433,7 +433,7 @@ TEST_F(Menus, aSingleParameterIsSelectedToo) {
 }
 
 // A quirk that is kept: right where the call begins the entry, and beside the parameter elsewhere.
-TEST_F(Menus, theSelectionIsCountedFromTheStartOfTheEntry) {
+TEST_F(Menus, TheSelectionIsCountedFromTheStartOfTheEntry) {
     Type("12345+");
     ChooseFunction("f(x,y)=x+y");
     EXPECT_EQ(Entry(), "12345+f(x,y)");
@@ -441,7 +441,7 @@ TEST_F(Menus, theSelectionIsCountedFromTheStartOfTheEntry) {
     EXPECT_EQ(Selected(), "3");
 }
 
-TEST_F(Menus, choosingReplacesTheSelection) {
+TEST_F(Menus, ChoosingReplacesTheSelection) {
     Type("12345");
     SelectEntry(0, 5);
     ChooseFunction("f(x,y)=x+y");
@@ -449,14 +449,14 @@ TEST_F(Menus, choosingReplacesTheSelection) {
     EXPECT_EQ(Selected(), "x");
 }
 
-TEST_F(Menus, choosingNothingChangesNothing) {
+TEST_F(Menus, ChoosingNothingChangesNothing) {
     Type("12");
     ChooseVariable(nullptr);
     ChooseFunction(nullptr);
     EXPECT_EQ(Text(), "> 12");
 }
 
-TEST_F(Menus, afterAControlTheKeysGoToTheConsole) {
+TEST_F(Menus, AfterAControlTheKeysGoToTheConsole) {
     for (int i = 0; i < 4; i++) {
         [window makeFirstResponder:nil];
         if (i == 0) ClickBase(2);
@@ -467,7 +467,7 @@ TEST_F(Menus, afterAControlTheKeysGoToTheConsole) {
     }
 }
 
-TEST_F(Menus, aClickSelectsTheSegmentUnderTheMouse) {
+TEST_F(Menus, AClickSelectsTheSegmentUnderTheMouse) {
     NSSegmentedControl* const control = Outlet("ctrlBase");
     const auto click = [&](CGFloat x, CGFloat y) {
         const NSPoint place = NSMakePoint(x, y);
@@ -481,7 +481,7 @@ TEST_F(Menus, aClickSelectsTheSegmentUnderTheMouse) {
 }
 
 // The lists are those of the engine after every entry.
-TEST_F(Menus, anEntryFillsTheListsAnew) {
+TEST_F(Menus, AnEntryFillsTheListsAnew) {
     Enter("width=7");
     Enter("f(x)=x");
     Enter("del width");
@@ -495,7 +495,7 @@ TEST_F(Menus, anEntryFillsTheListsAnew) {
 } // namespace
 
 // A person may have thousands of names, and the lists are refreshed after every entry.
-TEST_F(Menus, itemsThatStayTheSameAreLeftAlone) {
+TEST_F(Menus, ItemsThatStayTheSameAreLeftAlone) {
     Enter("a=1");
     Enter("b=2");
     NSMenu* const vars = [Outlet("menuVars") menu];
@@ -508,7 +508,7 @@ TEST_F(Menus, itemsThatStayTheSameAreLeftAlone) {
     EXPECT_EQ(Titles("menuVars"), (std::vector<std::string>{"Vars", "ans\t0", "pi\t3.141592654", "b\t3"}));
 }
 
-TEST_F(Menus, withADecimalCommaACallIsPutInAsItHasToBeTyped) {
+TEST_F(Menus, WithADecimalCommaACallIsPutInAsItHasToBeTyped) {
     Enter("g(a,b)=a+b");
     Enter("european on");
     chosenTitle = "g(a,b)=a+b";

@@ -36,12 +36,12 @@ protected:
     }
 };
 
-TEST_F(NumberInStatusLine, showsAllOfWhatFits) {
+TEST_F(NumberInStatusLine, ShowsAllOfWhatFits) {
     Type("2+3");
     EXPECT_EQ(Seen(), "ans = 5");
 }
 
-TEST_F(NumberInStatusLine, marksWhereDigitsAreLeftOut) {
+TEST_F(NumberInStatusLine, MarksWhereDigitsAreLeftOut) {
     Enter("sigfigs 100");
     Type("1/3");
     EXPECT_EQ(StatusLine(), "ans = 0." + std::string(100, '3'));
@@ -52,7 +52,7 @@ TEST_F(NumberInStatusLine, marksWhereDigitsAreLeftOut) {
     EXPECT_GT(WidthOf(cut), [Field() bounds].size.width * 0.8);
 }
 
-TEST_F(NumberInStatusLine, keepsTheScaleOfANumber) {
+TEST_F(NumberInStatusLine, KeepsTheScaleOfANumber) {
     const struct {
         const char* mode;
         const char* entry;
@@ -72,7 +72,7 @@ TEST_F(NumberInStatusLine, keepsTheScaleOfANumber) {
     }
 }
 
-TEST_F(NumberInStatusLine, followsTheSizeOfTheWindow) {
+TEST_F(NumberInStatusLine, FollowsTheSizeOfTheWindow) {
     Enter("sigfigs 80");
     Type("1/3");
     Resize(450);
@@ -86,7 +86,7 @@ TEST_F(NumberInStatusLine, followsTheSizeOfTheWindow) {
     EXPECT_EQ(Seen(), whole);
 }
 
-TEST_F(NumberInStatusLine, keepsTheScaleWhereNothingElseFits) {
+TEST_F(NumberInStatusLine, KeepsTheScaleWhereNothingElseFits) {
     NumberField* const narrow = [[[NumberField alloc] initWithFrame:NSMakeRect(0, 0, 12, 20)] autorelease];
     [narrow setStringValue:@"ans = 1.234e56"];
     EXPECT_EQ(std::string([[narrow shownText] UTF8String]), ELLIPSIS + "e56");

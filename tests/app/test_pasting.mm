@@ -24,7 +24,7 @@ protected:
 
 // --- Cut ---
 
-TEST_F(Pasting, cutAcrossThePromptTakesWhatIsInTheEntry) {
+TEST_F(Pasting, CutAcrossThePromptTakesWhatIsInTheEntry) {
     Enter("1+2");
     Type("45");
     const std::string before = Transcript();
@@ -35,7 +35,7 @@ TEST_F(Pasting, cutAcrossThePromptTakesWhatIsInTheEntry) {
     EXPECT_EQ("ans = 5", StatusLine());
 }
 
-TEST_F(Pasting, cutInTheTranscriptCopies) {
+TEST_F(Pasting, CutInTheTranscriptCopies) {
     Enter("1+2");
     Type("45");
     const std::string before = Text();
@@ -50,7 +50,7 @@ TEST_F(Pasting, cutInTheTranscriptCopies) {
 }
 
 // Users know that Cut leaves the line they type alone.
-TEST_F(Pasting, cutInsideTheEntryDoesNothing) {
+TEST_F(Pasting, CutInsideTheEntryDoesNothing) {
     Type("45");
     SelectEntry(0, 1);
     [console updateStatusbar:""];
@@ -63,7 +63,7 @@ TEST_F(Pasting, cutInsideTheEntryDoesNothing) {
 
 // --- Paste ---
 
-TEST_F(Pasting, pasteInsertsAtTheCursorAndPreviews) {
+TEST_F(Pasting, PasteInsertsAtTheCursorAndPreviews) {
     Type("45");
     SelectEntry(1);
     PasteText("+1*");
@@ -75,7 +75,7 @@ TEST_F(Pasting, pasteInsertsAtTheCursorAndPreviews) {
     EXPECT_EQ("75", Entry());
 }
 
-TEST_F(Pasting, pasteInTheTranscriptGoesToTheEndOfTheEntry) {
+TEST_F(Pasting, PasteInTheTranscriptGoesToTheEndOfTheEntry) {
     Enter("1+2");
     Type("45");
     const std::string before = Text();
@@ -90,7 +90,7 @@ TEST_F(Pasting, pasteInTheTranscriptGoesToTheEndOfTheEntry) {
     EXPECT_EQ(before + "678", Text());
 }
 
-TEST_F(Pasting, pastedLinesBecomeStatementsOfOneEntry) {
+TEST_F(Pasting, PastedLinesBecomeStatementsOfOneEntry) {
     PasteText("1+2\n3*4\r\n5\n");
     EXPECT_EQ("1+2; 3*4; 5", Entry());
     EXPECT_EQ("ans = 5", StatusLine());
@@ -110,13 +110,13 @@ TEST_F(Pasting, pastedLinesBecomeStatementsOfOneEntry) {
     EXPECT_EQ("", Entry());
 }
 
-TEST_F(Pasting, pastedBlanksStay) {
+TEST_F(Pasting, PastedBlanksStay) {
     PasteText(" 1\t+ 2 ");
     EXPECT_EQ(" 1\t+ 2 ", Entry());
     EXPECT_EQ("ans = 3", StatusLine());
 }
 
-TEST_F(Pasting, pastingNoTextChangesNothing) {
+TEST_F(Pasting, PastingNoTextChangesNothing) {
     Type("45");
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:[NSArray arrayWithObject:NSColorPboardType] owner:nil];
@@ -125,7 +125,7 @@ TEST_F(Pasting, pastingNoTextChangesNothing) {
     EXPECT_EQ("45", Entry());
 }
 
-TEST_F(Pasting, stylesAreNotPasted) {
+TEST_F(Pasting, StylesAreNotPasted) {
     NSDictionary* const large = [NSDictionary dictionaryWithObject:[NSFont boldSystemFontOfSize:40]
                                                             forKey:NSFontAttributeName];
     NSAttributedString* const styled = [[[NSAttributedString alloc] initWithString:@"7"
@@ -145,7 +145,7 @@ TEST_F(Pasting, stylesAreNotPasted) {
     EXPECT_TRUE([font isEqual:pasted]);
 }
 
-TEST_F(Pasting, pastedTextThatLatin1HasNotIsKeptAndReportedOnReturn) {
+TEST_F(Pasting, PastedTextThatLatin1HasNotIsKeptAndReportedOnReturn) {
     PasteText("3\u20ac\u4e2d");
     EXPECT_EQ("3\u20ac\u4e2d", Entry());
     EXPECT_EQ("", StatusLine());
@@ -153,7 +153,7 @@ TEST_F(Pasting, pastedTextThatLatin1HasNotIsKeptAndReportedOnReturn) {
     EXPECT_EQ("> 3\u20ac\u4e2d\n** Invalid character/encoding used. **\n\n> ", Text());
 }
 
-TEST_F(Pasting, whatFitsIntoAnEntryIsPasted) {
+TEST_F(Pasting, WhatFitsIntoAnEntryIsPasted) {
     PasteText(std::string(9999, '1').c_str());
     EXPECT_EQ(9999U, Entry().size());
     [console clearPrompt];
@@ -165,7 +165,7 @@ TEST_F(Pasting, whatFitsIntoAnEntryIsPasted) {
     EXPECT_EQ(std::string(9999, '3'), Entry());
 }
 
-TEST_F(Pasting, moreIsRefusedAtOnceAndNothingIsLost) {
+TEST_F(Pasting, MoreIsRefusedAtOnceAndNothingIsLost) {
     Type("45");
     for (const size_t size : {size_t(9998), size_t(1) << 20}) {
         PasteText(std::string(size, '1').c_str());
@@ -179,7 +179,7 @@ TEST_F(Pasting, moreIsRefusedAtOnceAndNothingIsLost) {
 }
 
 // Between two statements stand two characters, where a line end was one.
-TEST_F(Pasting, theLengthCountsAsOneLine) {
+TEST_F(Pasting, TheLengthCountsAsOneLine) {
     std::string lines;
     for (int i = 0; i < 4000; i++) lines += "1\n";
     PasteText(lines.c_str());
@@ -194,7 +194,7 @@ NSString* noText(id, SEL, NSString*) {
     return nil;
 }
 
-TEST_F(Pasting, aTextThatItsOwnerDoesNotHandOutIsSaid) {
+TEST_F(Pasting, ATextThatItsOwnerDoesNotHandOutIsSaid) {
     Type("45");
     SetPasteboard("6*7");
     {
@@ -217,7 +217,7 @@ TEST_F(Pasting, aTextThatItsOwnerDoesNotHandOutIsSaid) {
 
 // --- Other ways in ---
 
-TEST_F(Pasting, textFromServicesComesInAsPastedTextDoes) {
+TEST_F(Pasting, TextFromServicesComesInAsPastedTextDoes) {
     Enter("1+2");
     const std::string before = Text();
     SetPasteboard("4\n5");
@@ -227,7 +227,7 @@ TEST_F(Pasting, textFromServicesComesInAsPastedTextDoes) {
     EXPECT_EQ("ans = 5", StatusLine());
 }
 
-TEST_F(Pasting, pasteboardTextComesInPlainByEveryCommand) {
+TEST_F(Pasting, PasteboardTextComesInPlainByEveryCommand) {
     SetPasteboard("4\n5");
     [console pasteAsPlainText:nil];
     EXPECT_EQ("4; 5", Entry());
@@ -271,7 +271,7 @@ TEST_F(Pasting, pasteboardTextComesInPlainByEveryCommand) {
 namespace {
 
 // Drops what is on the pasteboard at each line of the view, from there or from elsewhere.
-TEST_F(Pasting, dropsNeverChangeTheTranscript) {
+TEST_F(Pasting, DropsNeverChangeTheTranscript) {
     Enter("1+2");
     Type("45");
     const std::string before = Transcript();
@@ -296,7 +296,7 @@ TEST_F(Pasting, dropsNeverChangeTheTranscript) {
     EXPECT_NE(std::string::npos, Entry().find("7; 8"));
 }
 
-TEST_F(Pasting, textDraggedInsideTheEntryMoves) {
+TEST_F(Pasting, TextDraggedInsideTheEntryMoves) {
     Type("12+34");
     SelectEntry(0, 3);
     SetPasteboard("12+");

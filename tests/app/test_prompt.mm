@@ -23,13 +23,13 @@ protected:
     NSUInteger Length() const { return [[console string] length]; }
 };
 
-TEST_F(Prompt, startsWithAnEmptyEntryBehindThePrompt) {
+TEST_F(Prompt, StartsWithAnEmptyEntryBehindThePrompt) {
     EXPECT_EQ("> ", Text());
     EXPECT_EQ(2, g_linestart);
     EXPECT_EQ(2U, Cursor());
 }
 
-TEST_F(Prompt, gotoEndPutsTheCursorBehindTheLastCharacterAndShowsIt) {
+TEST_F(Prompt, GotoEndPutsTheCursorBehindTheLastCharacterAndShowsIt) {
     for (int i = 0; i < 30; i++) [console insertWithNewPrompt:"one more line"];
     Select(0, 5);
     [console scrollRangeToVisible:NSMakeRange(0, 1)];
@@ -40,7 +40,7 @@ TEST_F(Prompt, gotoEndPutsTheCursorBehindTheLastCharacterAndShowsIt) {
     EXPECT_TRUE(EndIsVisible());
 }
 
-TEST_F(Prompt, replaceSelectionPutsTextInPlaceOfTheSelection) {
+TEST_F(Prompt, ReplaceSelectionPutsTextInPlaceOfTheSelection) {
     Type("1+2+3");
     SelectEntry(1, 3);
     [console replaceSelection:@"*"];
@@ -50,7 +50,7 @@ TEST_F(Prompt, replaceSelectionPutsTextInPlaceOfTheSelection) {
     EXPECT_EQ("> 10*3", Text());
 }
 
-TEST_F(Prompt, replaceSelectionLeavesTheTranscriptAlone) {
+TEST_F(Prompt, ReplaceSelectionLeavesTheTranscriptAlone) {
     Enter("1+2");
     const std::string before = Text();
     Select(0, 4);
@@ -58,7 +58,7 @@ TEST_F(Prompt, replaceSelectionLeavesTheTranscriptAlone) {
     EXPECT_EQ(before, Text());
 }
 
-TEST_F(Prompt, clearConsoleLeavesOnlyThePrompt) {
+TEST_F(Prompt, ClearConsoleLeavesOnlyThePrompt) {
     Enter("1+2");
     Type("45");
     [console clearConsole];
@@ -68,7 +68,7 @@ TEST_F(Prompt, clearConsoleLeavesOnlyThePrompt) {
     EXPECT_EQ("", Selected());
 }
 
-TEST_F(Prompt, clearPromptEmptiesTheEntryFromAnywhere) {
+TEST_F(Prompt, ClearPromptEmptiesTheEntryFromAnywhere) {
     Enter("1+2");
     const std::string before = Text();
     for (const NSUInteger place : {NSUInteger(0), NSUInteger(g_linestart), NSUInteger(g_linestart) + 1}) {
@@ -80,7 +80,7 @@ TEST_F(Prompt, clearPromptEmptiesTheEntryFromAnywhere) {
     }
 }
 
-TEST_F(Prompt, clearPromptOfAnEmptyEntryOnlyMovesTheCursorThere) {
+TEST_F(Prompt, ClearPromptOfAnEmptyEntryOnlyMovesTheCursorThere) {
     Enter("1+2");
     const std::string before = Text();
     Select(0, 5);
@@ -89,7 +89,7 @@ TEST_F(Prompt, clearPromptOfAnEmptyEntryOnlyMovesTheCursorThere) {
     EXPECT_EQ(0U, CursorInEntry());
 }
 
-TEST_F(Prompt, replacePromptTakesLatin1AndPutsTheCursorBehindIt) {
+TEST_F(Prompt, ReplacePromptTakesLatin1AndPutsTheCursorBehindIt) {
     Enter("1+2");
     SetEntry(@"789");
     Select(0, 5);
@@ -101,7 +101,7 @@ TEST_F(Prompt, replacePromptTakesLatin1AndPutsTheCursorBehindIt) {
     EXPECT_EQ("", Entry());
 }
 
-TEST_F(Prompt, insertPromptEndsTheEntryAndOpensAnother) {
+TEST_F(Prompt, InsertPromptEndsTheEntryAndOpensAnother) {
     SetEntry(@"12");
     Select(0);
     [console insertPrompt];
@@ -110,7 +110,7 @@ TEST_F(Prompt, insertPromptEndsTheEntryAndOpensAnother) {
     EXPECT_EQ(7U, Cursor());
 }
 
-TEST_F(Prompt, insertWithNewPromptWritesAnAnswerBelowTheEntry) {
+TEST_F(Prompt, InsertWithNewPromptWritesAnAnswerBelowTheEntry) {
     SetEntry(@"12");
     Select(1);
     [console insertWithNewPrompt:"ans = 12\n"];
@@ -120,7 +120,7 @@ TEST_F(Prompt, insertWithNewPromptWritesAnAnswerBelowTheEntry) {
     EXPECT_TRUE(EndIsVisible());
 }
 
-TEST_F(Prompt, insertWithoutPromptLeavesTheEntrysStart) {
+TEST_F(Prompt, InsertWithoutPromptLeavesTheEntrysStart) {
     SetEntry(@"12");
     Select(0);
     [console insertWithoutPrompt:"\nmore"];
@@ -129,7 +129,7 @@ TEST_F(Prompt, insertWithoutPromptLeavesTheEntrysStart) {
     EXPECT_EQ(Length(), Cursor());
 }
 
-TEST_F(Prompt, insertPrePromptWritesAboveAnOpenEntry) {
+TEST_F(Prompt, InsertPrePromptWritesAboveAnOpenEntry) {
     Enter("1+2");
     SetEntry(@"45");
     Select(0);
@@ -144,14 +144,14 @@ TEST_F(Prompt, insertPrePromptWritesAboveAnOpenEntry) {
     EXPECT_EQ("45", Entry());
 }
 
-TEST_F(Prompt, insertPrePromptFurtherBackThanTheTextWritesAtItsStart) {
+TEST_F(Prompt, InsertPrePromptFurtherBackThanTheTextWritesAtItsStart) {
     SetEntry(@"45");
     [console insertPrePrompt:"note\n":3];
     EXPECT_EQ("note\n> 45", Text());
     EXPECT_EQ("45", Entry());
 }
 
-TEST_F(Prompt, getPromptTextCopiesTheEntryInLatin1) {
+TEST_F(Prompt, GetPromptTextCopiesTheEntryInLatin1) {
     Enter("1+2");
     SetEntry(@"");
     EXPECT_TRUE([console getPromptText]);
@@ -161,7 +161,7 @@ TEST_F(Prompt, getPromptTextCopiesTheEntryInLatin1) {
     EXPECT_STREQ("3+\xe9", prompt);
 }
 
-TEST_F(Prompt, getPromptTextFailsForWhatLatin1HasNot) {
+TEST_F(Prompt, GetPromptTextFailsForWhatLatin1HasNot) {
     SetEntry(@"3\u20ac"); // a euro sign
     EXPECT_FALSE([console getPromptText]);
     SetEntry(@"3\u0301"); // a combining accent
@@ -174,7 +174,7 @@ TEST_F(Prompt, getPromptTextFailsForWhatLatin1HasNot) {
     EXPECT_FALSE([console getPromptText]);
 }
 
-TEST_F(Prompt, anEntryFitsUpToTheBuffersTerminator) {
+TEST_F(Prompt, AnEntryFitsUpToTheBuffersTerminator) {
     SetEntry(PROMPT_SIZE - 1);
     EXPECT_TRUE([console getPromptText]);
     EXPECT_EQ(9999U, strlen(prompt));
@@ -183,7 +183,7 @@ TEST_F(Prompt, anEntryFitsUpToTheBuffersTerminator) {
     EXPECT_EQ(9999U, strlen(prompt));
 }
 
-TEST_F(Prompt, recallHistoryFetchesALine) {
+TEST_F(Prompt, RecallHistoryFetchesALine) {
     Enter("1+2");
     Enter("3*4");
     [console recallHistory:1];
@@ -196,7 +196,7 @@ TEST_F(Prompt, recallHistoryFetchesALine) {
     EXPECT_EQ("3*4", Entry());
 }
 
-TEST_F(Prompt, recallHistoryWithoutALineEmptiesTheEntryAndAnEmptyLineChangesNothing) {
+TEST_F(Prompt, RecallHistoryWithoutALineEmptiesTheEntryAndAnEmptyLineChangesNothing) {
     Enter("1+2");
     SetEntry(@"45");
     [console recallHistory:7];
@@ -210,7 +210,7 @@ TEST_F(Prompt, recallHistoryWithoutALineEmptiesTheEntryAndAnEmptyLineChangesNoth
     EXPECT_EQ("45", Entry());
 }
 
-TEST_F(Prompt, theStatusLineLeavesOutALineFeedAtTheEnd) {
+TEST_F(Prompt, TheStatusLineLeavesOutALineFeedAtTheEnd) {
     [console updateStatusbar:"ans = 3\n"];
     EXPECT_EQ("ans = 3", StatusLine());
     [console updateStatusbar:"a\nb"];

@@ -49,13 +49,13 @@ protected:
 
 // --- What is asked ---
 
-TEST_F(Query, theMobilePageIsAskedForTheQuery) {
+TEST_F(Query, TheMobilePageIsAskedForTheQuery) {
     EXPECT_EQ(RequestOf("convert+5+miles+to+km"), "GET /input/?i=convert+5+miles+to+km HTTP/1.1");
     EXPECT_EQ(RequestOf("convert+1", "/"), "GET /input/?i=convert+1 HTTP/1.1");
     EXPECT_EQ(RequestOf("convert+1", "/m/"), "GET /m/input/?i=convert+1 HTTP/1.1");
 }
 
-TEST_F(Query, whatAnAddressCannotHoldIsEncoded) {
+TEST_F(Query, WhatAnAddressCannotHoldIsEncoded) {
     EXPECT_EQ(RequestOf("a-b.c_d~e+50%&f#g/h?i=\"j\" k"),
               "GET /input/?i=a-b.c_d~e+50%25%26f%23g%2Fh%3Fi%3D%22j%22%20k HTTP/1.1");
     EXPECT_EQ(RequestOf("20+\xb0"
@@ -65,26 +65,26 @@ TEST_F(Query, whatAnAddressCannotHoldIsEncoded) {
 
 // --- What comes of it ---
 
-TEST_F(Query, theTitleOfTheResultIsTheAnswer) {
+TEST_F(Query, TheTitleOfTheResultIsTheAnswer) {
     EXPECT_EQ(AnswerTo(page(RESULT)), RESULT_TITLE);
     EXPECT_EQ(AnswerTo(page("pod_0200 title=\"\u2248 8 km\u00b2\"")), "\u2248 8 km\u00b2");
     EXPECT_EQ(AnswerTo(page("<img title=\"8.047 km\">")), "(nil)");
 }
 
-TEST_F(Query, anErrorOfTheServiceIsNoAnswer) {
+TEST_F(Query, AnErrorOfTheServiceIsNoAnswer) {
     for (const char* status : {"404 Not Found", "500 Internal Server Error", "503 Service Unavailable"}) {
         EXPECT_EQ(AnswerTo(response(status, RESULT)), "(nil)") << status;
     }
     EXPECT_EQ(AnswerTo(std::string("this is not HTTP\r\n\r\n") + RESULT), "(nil)");
 }
 
-TEST_F(Query, anAddressThatIsNoneIsNoAnswer) {
+TEST_F(Query, AnAddressThatIsNoneIsNoAnswer) {
     for (const char* service : {"", "127.0.0.1", "file:///etc", "ftp://127.0.0.1", "http://a b", "::"}) {
         EXPECT_EQ(Ask(service), "(nil)") << service;
     }
 }
 
-TEST_F(Query, aServiceThatNeverAnswersIsWaitedForSoLong) {
+TEST_F(Query, AServiceThatNeverAnswersIsWaitedForSoLong) {
     static_assert(QUERY_SECONDS == 20, "as documented");
     SetDefault(@"QuerySeconds", @"1");
     const Service service("", Service::Manner::NeverAnswers);
@@ -92,7 +92,7 @@ TEST_F(Query, aServiceThatNeverAnswersIsWaitedForSoLong) {
     EXPECT_FALSE(scriptInterrupted);
 }
 
-TEST_F(Query, escapeEndsTheWaitAndLeavesNoProcessBehind) {
+TEST_F(Query, EscapeEndsTheWaitAndLeavesNoProcessBehind) {
     const Service service("", Service::Manner::NeverAnswers);
     Post(@"\033");
     EXPECT_EQ(Ask(service.Address()), "(nil)");
@@ -100,14 +100,14 @@ TEST_F(Query, escapeEndsTheWaitAndLeavesNoProcessBehind) {
     EXPECT_FALSE(hasChildren());
 }
 
-TEST_F(Query, anEarlierInterruptionEndsNoWait) {
+TEST_F(Query, AnEarlierInterruptionEndsNoWait) {
     const Service service(page(RESULT));
     scriptInterrupted = true;
     EXPECT_EQ(Ask(service.Address()), RESULT_TITLE);
     scriptInterrupted = false;
 }
 
-TEST_F(Query, aTimeOutOfRangeIsTheUsualOne) {
+TEST_F(Query, ATimeOutOfRangeIsTheUsualOne) {
     // Escape ends a wait that a limit of no seconds would have ended by itself.
     for (NSString* limit : {@"0", @"-1", @"61", @"soon"}) {
         SetDefault(@"QuerySeconds", limit);
@@ -119,7 +119,7 @@ TEST_F(Query, aTimeOutOfRangeIsTheUsualOne) {
     }
 }
 
-TEST_F(Query, otherKeysPressedMeanwhileAreNotTyped) {
+TEST_F(Query, OtherKeysPressedMeanwhileAreNotTyped) {
     SetDefault(@"QuerySeconds", @"1");
     const Service service("", Service::Manner::NeverAnswers);
     Post(@"x");
@@ -130,7 +130,7 @@ TEST_F(Query, otherKeysPressedMeanwhileAreNotTyped) {
 
 // --- In the console ---
 
-TEST_F(Query, theAnswerStandsAboveTheNewPrompt) {
+TEST_F(Query, TheAnswerStandsAboveTheNewPrompt) {
     const Service service(page("pod_0200 title=\"8.047 km\u00b2\""));
     SetDefault(@"QueryServiceURL", [NSString stringWithUTF8String:service.Address().c_str()]);
     Enter("convert 5 miles to km");
@@ -141,7 +141,7 @@ TEST_F(Query, theAnswerStandsAboveTheNewPrompt) {
     EXPECT_NE(Text().find("\n\n> 1+1\nans = 2\n\n> "), std::string::npos);
 }
 
-TEST_F(Query, withoutAnAnswerTheConsoleSaysNotFound) {
+TEST_F(Query, WithoutAnAnswerTheConsoleSaysNotFound) {
     const Service service(response("404 Not Found", RESULT));
     SetDefault(@"QueryServiceURL", [NSString stringWithUTF8String:service.Address().c_str()]);
     Enter("convert 5 miles to kg");
@@ -152,7 +152,7 @@ TEST_F(Query, withoutAnAnswerTheConsoleSaysNotFound) {
     EXPECT_EQ(Text(), "> convert 1\n ...checking...\nNot found.\n\n> ");
 }
 
-TEST_F(Query, theAnswerIsShownWithoutControlCharacters) {
+TEST_F(Query, TheAnswerIsShownWithoutControlCharacters) {
     const Service service(page("pod_0200 title=\"\x1B]0;x\x07"
                                "8 km\u009b2J\""));
     SetDefault(@"QueryServiceURL", [NSString stringWithUTF8String:service.Address().c_str()]);

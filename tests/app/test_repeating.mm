@@ -27,37 +27,37 @@ protected:
     }
 };
 
-TEST_F(Repeating, afterWhatWasTypedIsDeleted) {
+TEST_F(Repeating, AfterWhatWasTypedIsDeleted) {
     Type("3");
     Press(KEY_BACKSPACE);
     ExpectRepeats();
 }
 
-TEST_F(Repeating, afterEscape) {
+TEST_F(Repeating, AfterEscape) {
     Type("3");
     Press(KEY_ESCAPE);
     ExpectRepeats();
 }
 
-TEST_F(Repeating, afterAClickOnABase) {
+TEST_F(Repeating, AfterAClickOnABase) {
     [console clickedChangeBase:Control(2)];
     ExpectRepeats("x = 0x0004\n");
 }
 
-TEST_F(Repeating, afterAClickOnAnAngleMode) {
+TEST_F(Repeating, AfterAClickOnAnAngleMode) {
     for (const NSInteger segment : {1, 0}) {
         [console clickedChangeMode:Control(segment)];
         ExpectRepeats(segment == 1 ? "x = 4\n" : "x = 8\n");
     }
 }
 
-TEST_F(Repeating, afterThePreferencesAreClosed) {
+TEST_F(Repeating, AfterThePreferencesAreClosed) {
     Open();
     Close();
     ExpectRepeats();
 }
 
-TEST_F(Repeating, afterAPreviewThatFailsOrIsNoText) {
+TEST_F(Repeating, AfterAPreviewThatFailsOrIsNoText) {
     for (const char* const typed : {"1/0", "mode deg", "nothing("}) {
         Type(typed);
         [console clearPrompt];

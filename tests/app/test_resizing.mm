@@ -41,7 +41,7 @@ protected:
     }
 };
 
-TEST_F(Resizing, aSmallerWindowKeepsItsEntryInSight) {
+TEST_F(Resizing, ASmallerWindowKeepsItsEntryInSight) {
     Resize(700, 500);
     EnterLines(4);
     Enter("echo a; echo b; echo c");
@@ -52,7 +52,7 @@ TEST_F(Resizing, aSmallerWindowKeepsItsEntryInSight) {
     EXPECT_EQ("12345", Entry());
 }
 
-TEST_F(Resizing, theEntryStaysInSightThroughManySizes) {
+TEST_F(Resizing, TheEntryStaysInSightThroughManySizes) {
     EnterLines(30);
     Enter(("echo " + std::string(400, 'w')).c_str());
     Type("12345");
@@ -64,7 +64,7 @@ TEST_F(Resizing, theEntryStaysInSightThroughManySizes) {
     }
 }
 
-TEST_F(Resizing, whatWasScrolledToStaysWhereItIs) {
+TEST_F(Resizing, WhatWasScrolledToStaysWhereItIs) {
     Resize(700, 300);
     for (int i = 0; i < 30; i++) Enter(("echo " + std::to_string(1000 + i) + std::string(150, 'w')).c_str());
     NSScrollView* const scroll = [console enclosingScrollView];

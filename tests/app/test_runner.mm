@@ -41,7 +41,7 @@ protected:
 
 // --- Entries at the prompt ---
 
-TEST_F(Runner, aResultIsWrittenBelowItsEntryWithANewPrompt) {
+TEST_F(Runner, AResultIsWrittenBelowItsEntryWithANewPrompt) {
     Enter("2+3*4");
     EXPECT_EQ(Text(), "> 2+3*4\nans = 14\n\n> ");
     EXPECT_EQ(Entry(), "");
@@ -50,28 +50,28 @@ TEST_F(Runner, aResultIsWrittenBelowItsEntryWithANewPrompt) {
     EXPECT_EQ(Text(), "> 2+3*4\nans = 14\n\n> ans/7\nans = 2\n\n> ");
 }
 
-TEST_F(Runner, errorsAndMessagesAreWrittenLikeResults) {
+TEST_F(Runner, ErrorsAndMessagesAreWrittenLikeResults) {
     EXPECT_EQ(Answered("1/0"), "> 1/0\n** ERROR: divide by zero **\n\n> ");
     EXPECT_EQ(Answered("mode deg"), "> mode deg\n** DEGREE MODE **\n\n> ");
 }
 
-TEST_F(Runner, textsAreShownWithoutControlCharacters) {
+TEST_F(Runner, TextsAreShownWithoutControlCharacters) {
     Give("echo a\x1B[2J\x07\x9Bz; echo b");
     EXPECT_EQ(Text(), "> a?[2J??z\nb\n");
 }
 
-TEST_F(Runner, theEchoedTextComesFirst) {
+TEST_F(Runner, TheEchoedTextComesFirst) {
     EXPECT_EQ(Answered("echo first; 2"), "> echo first; 2\nfirst\nans = 2\n\n> ");
     EXPECT_EQ(Answered("echo first; 1/0"), "> echo first; 1/0\nfirst\n** ERROR: divide by zero **\n\n> ");
     EXPECT_EQ(Answered("echo first; mode rad"), "> echo first; mode rad\nfirst\n** RADIAN MODE **\n\n> ");
 }
 
-TEST_F(Runner, aCommandShowsNothingOfWhatCameBeforeIt) {
+TEST_F(Runner, ACommandShowsNothingOfWhatCameBeforeIt) {
     Enter("echo first; 2; clear");
     EXPECT_EQ(Text(), "> ");
 }
 
-TEST_F(Runner, anEmptyEntryShowsItsAnswerAboveThePrompt) {
+TEST_F(Runner, AnEmptyEntryShowsItsAnswerAboveThePrompt) {
     Enter("ans+1");
     Press(KEY_RETURN);
     EXPECT_EQ(Text(), "> ans+1\nans = 1\nans = 2\n\n> ");
@@ -81,12 +81,12 @@ TEST_F(Runner, anEmptyEntryShowsItsAnswerAboveThePrompt) {
     EXPECT_EQ(calc.answer.entry, "ans+1");
 }
 
-TEST_F(Runner, anEmptyEntryThatRepeatsNothingGetsANewPrompt) {
+TEST_F(Runner, AnEmptyEntryThatRepeatsNothingGetsANewPrompt) {
     Press(KEY_RETURN);
     EXPECT_EQ(Text(), "> \n\n> ");
 }
 
-TEST_F(Runner, whatIsNoLatin1IsRefused) {
+TEST_F(Runner, WhatIsNoLatin1IsRefused) {
     PressText("2+\u20ac");
     EXPECT_EQ(StatusLine(), "");
     Enter("");
@@ -99,7 +99,7 @@ TEST_F(Runner, whatIsNoLatin1IsRefused) {
     EXPECT_NE(Text().find("ans = 2\n"), std::string::npos);
 }
 
-TEST_F(Runner, whatIsNoLatin1ShowsNothingOfTheEntryBefore) {
+TEST_F(Runner, WhatIsNoLatin1ShowsNothingOfTheEntryBefore) {
     Enter("echo before; 7");
     [console clearConsole];
     PressText("\u20ac");
@@ -107,21 +107,21 @@ TEST_F(Runner, whatIsNoLatin1ShowsNothingOfTheEntryBefore) {
     EXPECT_EQ(Text(), "> \u20ac\n** Invalid character/encoding used. **\n\n> ");
 }
 
-TEST_F(Runner, latin1TextIsShownAsItWasTyped) {
+TEST_F(Runner, Latin1TextIsShownAsItWasTyped) {
     Type("echo caf");
     PressText("\u00e9");
     Press(KEY_RETURN);
     EXPECT_EQ(Text(), "> echo caf\u00e9\ncaf\u00e9\n\n> ");
 }
 
-TEST_F(Runner, anEntryLongerThanTheBufferIsRefusedWhole) {
+TEST_F(Runner, AnEntryLongerThanTheBufferIsRefusedWhole) {
     [console replacePrompt:(std::string(PROMPT_SIZE - 2, '1') + "+1").c_str()];
     Press(KEY_RETURN);
     EXPECT_NE(Text().find("** Invalid character/encoding used. **\n"), std::string::npos);
     EXPECT_EQ(Text().find("ans"), std::string::npos);
 }
 
-TEST_F(Runner, theAnswerIsKeptWithItsEntry) {
+TEST_F(Runner, TheAnswerIsKeptWithItsEntry) {
     qfloat five;
     asctoq("5", five);
     Enter("2+3");
@@ -135,7 +135,7 @@ TEST_F(Runner, theAnswerIsKeptWithItsEntry) {
 
 // --- Lines of scripts and menus ---
 
-TEST_F(Runner, aGivenLineIsAnsweredAtTheEndWithoutANewPrompt) {
+TEST_F(Runner, AGivenLineIsAnsweredAtTheEndWithoutANewPrompt) {
     Type("7");
     Give("1+1");
     EXPECT_EQ(Text(), "> 7ans = 2\n");
@@ -146,7 +146,7 @@ TEST_F(Runner, aGivenLineIsAnsweredAtTheEndWithoutANewPrompt) {
     EXPECT_EQ(Text(), "> 7ans = 2\nand\n** ERROR: divide by zero **\n");
 }
 
-TEST_F(Runner, anEmptyGivenLineShowsNothing) {
+TEST_F(Runner, AnEmptyGivenLineShowsNothing) {
     Enter("ans+1");
     const std::string before = Text();
     Give("");
@@ -154,20 +154,20 @@ TEST_F(Runner, anEmptyGivenLineShowsNothing) {
     EXPECT_STREQ(calc.resultLine, "ans = 2\n"); // although it repeats
 }
 
-TEST_F(Runner, aGivenLineLongerThanTheBufferIsRefusedWhole) {
+TEST_F(Runner, AGivenLineLongerThanTheBufferIsRefusedWhole) {
     Give((std::string(PROMPT_SIZE, '1') + "+1").c_str());
     EXPECT_EQ(Text(), "> ** ERROR: 10000 max characters **\n");
     EXPECT_EQ(strlen(prompt), PROMPT_SIZE - 1);
 }
 
-TEST_F(Runner, blankLinesOfAScriptAreSkipped) {
+TEST_F(Runner, BlankLinesOfAScriptAreSkipped) {
     const std::string path = home + "/lines.txt";
     Write(path, "ans+1\n\n   \t\n\r\nans+1\n");
     EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:path.c_str()]]);
     EXPECT_EQ(Text(), "> \nans = 1\nans = 2\n\n> ");
 }
 
-TEST_F(Runner, anInterruptedEntryStopsAScript) {
+TEST_F(Runner, AnInterruptedEntryStopsAScript) {
     const std::string path = home + "/lines.txt";
     Write(path, "1\n2;3\n4\n");
     calc.interruptCheck = interruptLater;
@@ -180,7 +180,7 @@ TEST_F(Runner, anInterruptedEntryStopsAScript) {
 
 // --- Previews ---
 
-TEST_F(Runner, aPreviewShowsTheResultInTheStatusLineAlone) {
+TEST_F(Runner, APreviewShowsTheResultInTheStatusLineAlone) {
     Type("2+3");
     EXPECT_EQ(StatusLine(), "ans = 5"); // without its line feed
     EXPECT_EQ(Text(), "> 2+3");
@@ -189,7 +189,7 @@ TEST_F(Runner, aPreviewShowsTheResultInTheStatusLineAlone) {
     EXPECT_EQ(calc.history.GetHistoryStr(1), nullptr);
 }
 
-TEST_F(Runner, aPreviewOfAnErroneousLineShowsNothing) {
+TEST_F(Runner, APreviewOfAnErroneousLineShowsNothing) {
     Type("2");
     EXPECT_EQ(StatusLine(), "ans = 2");
     Type("/");
@@ -201,14 +201,14 @@ TEST_F(Runner, aPreviewOfAnErroneousLineShowsNothing) {
     EXPECT_EQ(StatusLine(), "ans = 4");
 }
 
-TEST_F(Runner, aPreviewOfWhatCannotBeReadShowsNothing) {
+TEST_F(Runner, APreviewOfWhatCannotBeReadShowsNothing) {
     Type("2");
     PressText("\u20ac");
     EXPECT_EQ(StatusLine(), "");
     EXPECT_EQ(Text(), "> 2\u20ac");
 }
 
-TEST_F(Runner, aPreviewOfADefinitionOrOfNothingShowsNothing) {
+TEST_F(Runner, APreviewOfADefinitionOrOfNothingShowsNothing) {
     Type("1");
     Type("+f");
     EXPECT_EQ(StatusLine(), "");
@@ -223,7 +223,7 @@ TEST_F(Runner, aPreviewOfADefinitionOrOfNothingShowsNothing) {
     EXPECT_EQ(Text().find("ans"), std::string::npos); // it was not defined
 }
 
-TEST_F(Runner, aPreviewStoresNothingAndRunsNoCommand) {
+TEST_F(Runner, APreviewStoresNothingAndRunsNoCommand) {
     Type("x=5");
     EXPECT_EQ(StatusLine(), "ans = 5");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
@@ -240,21 +240,21 @@ TEST_F(Runner, aPreviewStoresNothingAndRunsNoCommand) {
     EXPECT_NE(Setting(@"sigfigs"), 7);
 }
 
-TEST_F(Runner, aPreviewDoesNotRepeatTheEchoedText) {
+TEST_F(Runner, APreviewDoesNotRepeatTheEchoedText) {
     Enter("echo shown once; 1");
     Type("2");
     EXPECT_EQ(StatusLine(), "ans = 2");
     EXPECT_EQ(Text(), "> echo shown once; 1\nshown once\nans = 1\n\n> 2");
 }
 
-TEST_F(Runner, aPreviewOfAGivenLineLeavesTheEntryAlone) {
+TEST_F(Runner, APreviewOfAGivenLineLeavesTheEntryAlone) {
     Type("7");
     Preview("1+1");
     EXPECT_EQ(StatusLine(), "ans = 2");
     EXPECT_EQ(Text(), "> 7");
 }
 
-TEST_F(Runner, anEntryEmptiesTheStatusLine) {
+TEST_F(Runner, AnEntryEmptiesTheStatusLine) {
     for (const char* line : {"2+3", "1/0", "mode deg", "echo 5", "2;cls"}) {
         Type("2");
         EXPECT_EQ(StatusLine(), "ans = 2");
@@ -269,7 +269,7 @@ TEST_F(Runner, anEntryEmptiesTheStatusLine) {
 
 // --- Settings ---
 
-TEST_F(Runner, theSettingsAreCopiedIntoTheEngine) {
+TEST_F(Runner, TheSettingsAreCopiedIntoTheEngine) {
     Set(@"degmode", 2); // anything but zero
     Set(@"dispbase", 16);
     Set(@"european", 1);
@@ -299,7 +299,7 @@ TEST_F(Runner, theSettingsAreCopiedIntoTheEngine) {
 }
 
 // A point as the grouping mark is how a decimal comma is set up. The engine exchanges the two itself.
-TEST_F(Runner, aPointAsGroupingMarkIsTheCommaOfTheEngine) {
+TEST_F(Runner, APointAsGroupingMarkIsTheCommaOfTheEngine) {
     Set(@"separator", 1);
     Set(@"schar", '.');
     Set(@"european", 1);
@@ -314,7 +314,7 @@ TEST_F(Runner, aPointAsGroupingMarkIsTheCommaOfTheEngine) {
     EXPECT_EQ(StatusLine(), "ans = 1,234,567.5");
 }
 
-TEST_F(Runner, whatAnEntryChangedIsStored) {
+TEST_F(Runner, WhatAnEntryChangedIsStored) {
     EXPECT_EQ(Setting(@"degmode"), 1);
     Enter("mode rad; display hex; european on; sigfigs 7; scimode eng");
     EXPECT_EQ(Setting(@"degmode"), 0);
@@ -333,7 +333,7 @@ TEST_F(Runner, whatAnEntryChangedIsStored) {
     EXPECT_EQ(Setting(@"european"), 0);
 }
 
-TEST_F(Runner, aChangedModeShowsInTheControls) {
+TEST_F(Runner, AChangedModeShowsInTheControls) {
     const auto selected = [this](const char* name) {
         Ivar const control = class_getInstanceVariable([MainConsole class], name);
         return [object_getIvar(console, control) selectedSegment];
@@ -347,13 +347,13 @@ TEST_F(Runner, aChangedModeShowsInTheControls) {
     EXPECT_EQ(selected("ctrlBase"), 0);
 }
 
-TEST_F(Runner, anUnchangedModeIsNotStoredAnew) {
+TEST_F(Runner, AnUnchangedModeIsNotStoredAnew) {
     Set(@"degmode", 2);
     Enter("1");
     EXPECT_EQ(Setting(@"degmode"), 2);
 }
 
-TEST_F(Runner, theMenusFollowAnEntry) {
+TEST_F(Runner, TheMenusFollowAnEntry) {
     Enter("width=5");
     EXPECT_NE(Titles("menuVars").find("width\t5"), std::string::npos);
     Enter("twice(x)=2*x");
@@ -365,7 +365,7 @@ TEST_F(Runner, theMenusFollowAnEntry) {
 
 // --- Quick results ---
 
-TEST_F(Runner, aQuickResultIsTheValueInItsBaseWithALineFeed) {
+TEST_F(Runner, AQuickResultIsTheValueInItsBaseWithALineFeed) {
     EXPECT_EQ(Quick("255", 10), "255\n");
     EXPECT_EQ(Quick("255", 16), "0x00FF\n");
     EXPECT_EQ(Quick("5", 2), "0b 0101\n");
@@ -374,13 +374,13 @@ TEST_F(Runner, aQuickResultIsTheValueInItsBaseWithALineFeed) {
     EXPECT_STREQ(prompt, "1;2;3");
 }
 
-TEST_F(Runner, aQuickResultWithoutAValueIsError) {
+TEST_F(Runner, AQuickResultWithoutAValueIsError) {
     for (const char* line : {"1/0", "1+", "", "# note", "f(x)=x", "nothing"}) {
         EXPECT_EQ(Quick(line, 10), "error") << line;
     }
 }
 
-TEST_F(Runner, aQuickResultLeavesEverythingAsItWas) {
+TEST_F(Runner, AQuickResultLeavesEverythingAsItWas) {
     Type("7");
     calc.displayBase = 16;
     Quick("x=255", 2);
@@ -394,7 +394,7 @@ TEST_F(Runner, aQuickResultLeavesEverythingAsItWas) {
     EXPECT_EQ(StatusLine(), "ans = 7");
 }
 
-TEST_F(Runner, aQuickResultFollowsTheSettings) {
+TEST_F(Runner, AQuickResultFollowsTheSettings) {
     Set(@"degmode", 1);
     EXPECT_EQ(Quick("sin(30)", 10), "0.5\n");
     Set(@"sigfigs", 3);
@@ -414,7 +414,7 @@ TEST_F(Runner, aQuickResultFollowsTheSettings) {
     EXPECT_EQ(calc.sigFigs, 3);
 }
 
-TEST_F(Runner, aQuickResultOfALineLongerThanTheBufferIsError) {
+TEST_F(Runner, AQuickResultOfALineLongerThanTheBufferIsError) {
     EXPECT_EQ(Quick((std::string(PROMPT_SIZE, '1') + "+1").c_str(), 10), "error");
 }
 

@@ -51,11 +51,11 @@ protected:
 
 // --- Saving ---
 
-TEST_F(Scripts, theHeaderIsTwoComments) {
+TEST_F(Scripts, TheHeaderIsTwoComments) {
     EXPECT_EQ(Script(), header + std::string("#mode deg;sigfigs 10;scimode auto;display dec;\n"));
 }
 
-TEST_F(Scripts, theHeaderNamesTheSettings) {
+TEST_F(Scripts, TheHeaderNamesTheSettings) {
     calc.degreeMode = false;
     calc.sigFigs = 33;
     const char* const modes[] = {"auto", "never", "always", "eng", "prefix", "finance"};
@@ -74,7 +74,7 @@ TEST_F(Scripts, theHeaderNamesTheSettings) {
     EXPECT_NE(Script().find(";display dec;\n"), std::string::npos);
 }
 
-TEST_F(Scripts, theHeadersSettingsCanBeUncommented) {
+TEST_F(Scripts, TheHeadersSettingsCanBeUncommented) {
     Enter("sigfigs 22");
     Enter("mode rad");
     const std::string text = Script();
@@ -87,7 +87,7 @@ TEST_F(Scripts, theHeadersSettingsCanBeUncommented) {
     EXPECT_EQ([console setting:@"sigfigs"], 22);
 }
 
-TEST_F(Scripts, onlyTheEntriesAreSaved) {
+TEST_F(Scripts, OnlyTheEntriesAreSaved) {
     Enter("1+2");
     Enter("x=5");
     Enter("1/0");
@@ -96,7 +96,7 @@ TEST_F(Scripts, onlyTheEntriesAreSaved) {
     EXPECT_EQ(text.substr(text.find('\n', strlen(header)) + 1), "1+2\nx=5\n1/0\nlist\n");
 }
 
-TEST_F(Scripts, emptyPromptsAreLeftOut) {
+TEST_F(Scripts, EmptyPromptsAreLeftOut) {
     Press(KEY_RETURN);
     Enter("1");
     Press(KEY_RETURN);
@@ -105,7 +105,7 @@ TEST_F(Scripts, emptyPromptsAreLeftOut) {
     EXPECT_EQ(SavedEntries(), "1\nx=4\n");
 }
 
-TEST_F(Scripts, whatIsBeingTypedIsSavedToo) {
+TEST_F(Scripts, WhatIsBeingTypedIsSavedToo) {
     Enter("1");
     Type("2+3");
     EXPECT_EQ(SavedEntries(), "1\n2+3\n");
@@ -114,14 +114,14 @@ TEST_F(Scripts, whatIsBeingTypedIsSavedToo) {
 }
 
 // Entries are not told by their look.
-TEST_F(Scripts, outputThatLooksLikeAnEntryIsNoEntry) {
+TEST_F(Scripts, OutputThatLooksLikeAnEntryIsNoEntry) {
     Enter("echo > exit");
     EXPECT_EQ(SavedEntries(), "echo > exit\n");
     Replay("echo > x=1\necho50 > x=2\n> x=3\n");
     EXPECT_EQ(SavedEntries(), "echo > exit\n");
 }
 
-TEST_F(Scripts, aSavedScriptOfSuchOutputDoesNotCloseTheWindow) {
+TEST_F(Scripts, ASavedScriptOfSuchOutputDoesNotCloseTheWindow) {
     Enter("echo > exit");
     ASSERT_TRUE([console writeScript:String(Path())]);
     EXPECT_TRUE([console loadFile:String(Path())]);
@@ -129,7 +129,7 @@ TEST_F(Scripts, aSavedScriptOfSuchOutputDoesNotCloseTheWindow) {
     EXPECT_NE(Text().rfind("\n> exit\n"), std::string::npos);
 }
 
-TEST_F(Scripts, theEntriesOfAScriptThatIsReplayedAreNotTyped) {
+TEST_F(Scripts, TheEntriesOfAScriptThatIsReplayedAreNotTyped) {
     Enter("1+1");
     Replay("2+2\nclear\n3+3\n");
     EXPECT_EQ(SavedEntries(), "");
@@ -138,7 +138,7 @@ TEST_F(Scripts, theEntriesOfAScriptThatIsReplayedAreNotTyped) {
     EXPECT_EQ(SavedEntries(), "4+4\n");
 }
 
-TEST_F(Scripts, behindAPromptOfAScriptAnswersBeginALine) {
+TEST_F(Scripts, BehindAPromptOfAScriptAnswersBeginALine) {
     Replay("clear\necho50 typed\n1+1\n");
     EXPECT_EQ(Text(), "> \ntyped\nans = 2\n\n> ");
     Replay("clear\nx=1\n");
@@ -148,7 +148,7 @@ TEST_F(Scripts, behindAPromptOfAScriptAnswersBeginALine) {
     EXPECT_NE(Text().find("> \nans = 5\n"), std::string::npos) << Text();
 }
 
-TEST_F(Scripts, newForgetsTheEntries) {
+TEST_F(Scripts, NewForgetsTheEntries) {
     Enter("1+1");
     [console newDocument:nil];
     EXPECT_EQ(SavedEntries(), "");
@@ -159,7 +159,7 @@ TEST_F(Scripts, newForgetsTheEntries) {
     EXPECT_EQ(SavedEntries(), "3+3\n");
 }
 
-TEST_F(Scripts, anEntryIsSavedAsItWasWhenItRan) {
+TEST_F(Scripts, AnEntryIsSavedAsItWasWhenItRan) {
     Type("1+");
     Type("2");
     [static_cast<id>(console) undo:nil]; // of what was typed
@@ -174,7 +174,7 @@ TEST_F(Scripts, anEntryIsSavedAsItWasWhenItRan) {
     EXPECT_EQ(SavedEntries(), "> 7; 8\n16\n17\n");
 }
 
-TEST_F(Scripts, aSavedScriptReplaysTheEntriesInOrder) {
+TEST_F(Scripts, ASavedScriptReplaysTheEntriesInOrder) {
     Enter("x=5");
     Enter("x=x*3");
     ASSERT_TRUE([console writeScript:String(Path())]);
@@ -184,7 +184,7 @@ TEST_F(Scripts, aSavedScriptReplaysTheEntriesInOrder) {
     EXPECT_EQ(Variable("x"), "15");
 }
 
-TEST_F(Scripts, writingReplacesAFileAndFailsWithoutHarm) {
+TEST_F(Scripts, WritingReplacesAFileAndFailsWithoutHarm) {
     Write(Path(), std::string(5000, 'x'));
     EXPECT_TRUE([console writeScript:String(Path())]);
     EXPECT_EQ(Read(Path()), Script());
@@ -193,7 +193,7 @@ TEST_F(Scripts, writingReplacesAFileAndFailsWithoutHarm) {
 }
 
 // Letters that ASCII lacks can only be in texts; they go through a file as UTF-8.
-TEST_F(Scripts, otherLettersComeThroughAFile) {
+TEST_F(Scripts, OtherLettersComeThroughAFile) {
     Enter("echo \xe9t\xe9"); // ISO Latin-1
     ASSERT_NE(Script().find("echo \u00e9t\u00e9\n"), std::string::npos);
     ASSERT_TRUE([console writeScript:String(Path())]);
@@ -260,7 +260,7 @@ private:
     }
 };
 
-TEST_F(ScriptPanels, savingAsksForAScriptOrATextFile) {
+TEST_F(ScriptPanels, SavingAsksForAScriptOrATextFile) {
     Enter("1+2");
     [console saveDocument:nil];
     const std::vector<std::string> expected = {"Save to script file...", "Save Script", "script,txt"};
@@ -269,13 +269,13 @@ TEST_F(ScriptPanels, savingAsksForAScriptOrATextFile) {
     EXPECT_TRUE(alerts.empty());
 }
 
-TEST_F(ScriptPanels, saveAsDoesTheSame) {
+TEST_F(ScriptPanels, SaveAsDoesTheSame) {
     [console saveDocumentAs:nil];
     EXPECT_EQ(panelCalls.size(), 3U);
     EXPECT_EQ(Read(Path()), Script());
 }
 
-TEST_F(ScriptPanels, anyOtherAnswerSavesAndOpensNothing) {
+TEST_F(ScriptPanels, AnyOtherAnswerSavesAndOpensNothing) {
     panelAnswer = NSCancelButton;
     [console saveDocument:nil];
     EXPECT_FALSE(Exists(Path()));
@@ -284,14 +284,14 @@ TEST_F(ScriptPanels, anyOtherAnswerSavesAndOpensNothing) {
     EXPECT_EQ(Text(), "> ");
 }
 
-TEST_F(ScriptPanels, aScriptThatCannotBeSavedIsReported) {
+TEST_F(ScriptPanels, AScriptThatCannotBeSavedIsReported) {
     panelFile = String(home + "/nowhere/x.script");
     [console saveDocument:nil];
     ASSERT_EQ(alerts.size(), 1U);
     EXPECT_EQ(alerts[0], "The script could not be saved.\n" + home + "/nowhere/x.script");
 }
 
-TEST_F(ScriptPanels, openingAsksForOneFileAndReplaysIt) {
+TEST_F(ScriptPanels, OpeningAsksForOneFileAndReplaysIt) {
     Write(Path(), "x=5\n");
     [console openDocument:nil];
     const std::vector<std::string> expected = {"files", "", "", "txt,script"};
@@ -301,35 +301,35 @@ TEST_F(ScriptPanels, openingAsksForOneFileAndReplaysIt) {
 
 // --- Replaying ---
 
-TEST_F(Scripts, aReplayShowsAnswersAndEndsWithAPrompt) {
+TEST_F(Scripts, AReplayShowsAnswersAndEndsWithAPrompt) {
     EXPECT_EQ(Replay("x=5\nx*2\n"), "\nx = 5\nans = 10\n\n> ");
     EXPECT_EQ(Entry(), "");
     EXPECT_EQ(g_linestart, static_cast<int32_t>([[console string] length]));
 }
 
-TEST_F(Scripts, linesThatBeginWithANumberSignAreNeverExecuted) {
+TEST_F(Scripts, LinesThatBeginWithANumberSignAreNeverExecuted) {
     Replay("# x=1\n#x=2\n###\n### HISTORY ###\n#");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
     EXPECT_EQ(calc.history.count, 0);
 }
 
-TEST_F(Scripts, aCommentBehindAnEntryIsLeftOut) {
+TEST_F(Scripts, ACommentBehindAnEntryIsLeftOut) {
     Replay("x=5 # five\n");
     EXPECT_EQ(Variable("x"), "5");
 }
 
-TEST_F(Scripts, aBlankLineIsNoEntry) {
+TEST_F(Scripts, ABlankLineIsNoEntry) {
     Replay("x=5\nx=x+1\n\n  \t\n\r\n");
     EXPECT_EQ(Variable("x"), "6");
 }
 
-TEST_F(Scripts, lineEndsOfOtherSystemsAndTheLastLineWithoutOne) {
+TEST_F(Scripts, LineEndsOfOtherSystemsAndTheLastLineWithoutOne) {
     Replay("x=5\r\nclear\r\ny=7");
     EXPECT_EQ(Variable("x"), "5");
     EXPECT_EQ(Variable("y"), "7");
 }
 
-TEST_F(Scripts, aByteOrderMarkIsNoText) {
+TEST_F(Scripts, AByteOrderMarkIsNoText) {
     EXPECT_EQ(Replay("\xEF\xBB\xBF# note\nx=5\n"), "\nx = 5\n\n> ");
     EXPECT_EQ(Replay("\xEF\xBB\xBFx=6\n"), "\nx = 6\n\n> ");
     EXPECT_EQ(Replay("\xEF\xBB\xBF"), "\n\n> ");
@@ -338,12 +338,12 @@ TEST_F(Scripts, aByteOrderMarkIsNoText) {
     EXPECT_EQ(Variable("x"), "7"); // the blank line repeated nothing
 }
 
-TEST_F(Scripts, anEmptyFileGivesANewPrompt) {
+TEST_F(Scripts, AnEmptyFileGivesANewPrompt) {
     EXPECT_EQ(Replay(""), "\n\n> ");
     EXPECT_EQ(Replay("\n"), "\n\n> ");
 }
 
-TEST_F(Scripts, whatCannotBeOpenedIsRefusedWithoutAMessage) {
+TEST_F(Scripts, WhatCannotBeOpenedIsRefusedWithoutAMessage) {
     EXPECT_FALSE([console loadFile:String(home + "/none.script")]);
     EXPECT_FALSE([console loadFile:String(home)]);
     EXPECT_FALSE([console loadFile:@""]);
@@ -354,13 +354,13 @@ TEST_F(Scripts, whatCannotBeOpenedIsRefusedWithoutAMessage) {
     EXPECT_TRUE(alerts.empty());
 }
 
-TEST_F(Scripts, nothingHidesBehindANul) {
+TEST_F(Scripts, NothingHidesBehindANul) {
     Replay(std::string("x=5\0+1\ny=7\n", 12));
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
     EXPECT_EQ(Variable("y"), "7");
 }
 
-TEST_F(Scripts, bytesOfChanceAreErrorsAndNothingWorse) {
+TEST_F(Scripts, BytesOfChanceAreErrorsAndNothingWorse) {
     std::string bytes;
     for (int i = 0; i < 4000; i++) bytes += static_cast<char>(i * 7919 % 251 + (i % 40 == 0 ? 4 : 0));
     Replay(bytes);
@@ -369,14 +369,14 @@ TEST_F(Scripts, bytesOfChanceAreErrorsAndNothingWorse) {
 }
 
 // A cut line would be another entry.
-TEST_F(Scripts, linesOfMoreThan998CharactersAreReadWhole) {
+TEST_F(Scripts, LinesOfMoreThan998CharactersAreReadWhole) {
     std::string line = "x=0";
     for (int i = 0; i < 2000; i++) line += "+1";
     Replay(line + "\n");
     EXPECT_EQ(Variable("x"), "2000");
 }
 
-TEST_F(Scripts, aLineThatIsTooLongForAnEntryIsAnErrorAndTheNextOneRuns) {
+TEST_F(Scripts, ALineThatIsTooLongForAnEntryIsAnErrorAndTheNextOneRuns) {
     std::string line = "x=0";
     while (line.size() < 20000) line += "+1";
     const std::string output = Replay(line + "\ny=7\n");
@@ -385,27 +385,27 @@ TEST_F(Scripts, aLineThatIsTooLongForAnEntryIsAnErrorAndTheNextOneRuns) {
     EXPECT_EQ(Variable("y"), "7");
 }
 
-TEST_F(Scripts, clearEmptiesTheConsoleAndTheScriptGoesOn) {
+TEST_F(Scripts, ClearEmptiesTheConsoleAndTheScriptGoesOn) {
     const std::string output = Replay("x=5\nclear\ny=7\n");
     EXPECT_EQ(output.find("x = 5"), std::string::npos);
     EXPECT_NE(output.find("y = 7"), std::string::npos);
     EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
 }
 
-TEST_F(Scripts, exitClosesTheWindowAndEndsTheScript) {
+TEST_F(Scripts, ExitClosesTheWindowAndEndsTheScript) {
     Replay("x=5\nexit\nx=6\n");
     EXPECT_FALSE([window isVisible]);
     EXPECT_EQ(Variable("x"), "5");
 }
 
-TEST_F(Scripts, aPauseWaits) {
+TEST_F(Scripts, APauseWaits) {
     const auto start = std::chrono::steady_clock::now();
     Replay("pause 300\nx=5\n");
     EXPECT_GE(Seconds(start), 0.3); // on a busy machine it takes longer
     EXPECT_EQ(Variable("x"), "5");
 }
 
-TEST_F(Scripts, escapeWhileALinePausesEndsTheReplayBehindThatLine) {
+TEST_F(Scripts, EscapeWhileALinePausesEndsTheReplayBehindThatLine) {
     Post(@"\033");
     const std::string output = Replay("x=5\npause 5000\nx=6\n");
     EXPECT_EQ(Variable("x"), "5");
@@ -413,32 +413,32 @@ TEST_F(Scripts, escapeWhileALinePausesEndsTheReplayBehindThatLine) {
     EXPECT_FALSE(scriptInterrupted);
 }
 
-TEST_F(Scripts, anInterruptionTellsTheEngine) {
+TEST_F(Scripts, AnInterruptionTellsTheEngine) {
     Post(@"\033");
     Replay("pause 5000\nx=6\n");
     EXPECT_TRUE(calc.interrupted);
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
 }
 
-TEST_F(Scripts, escapeWhileATextIsTypedOutEndsTheReplay) {
+TEST_F(Scripts, EscapeWhileATextIsTypedOutEndsTheReplay) {
     Post(@"\033");
     Replay("echo5 a long text that takes its time\nx=6\n");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
 }
 
-TEST_F(Scripts, otherKeysDoNotEndIt) {
+TEST_F(Scripts, OtherKeysDoNotEndIt) {
     Post(@"x");
     Replay("pause 200\nx=6\n");
     EXPECT_EQ(Variable("x"), "6");
 }
 
-TEST_F(Scripts, anEarlierEntrysInterruptionDoesNotEndTheNextScript) {
+TEST_F(Scripts, AnEarlierEntrysInterruptionDoesNotEndTheNextScript) {
     scriptInterrupted = true;
     Replay("x=5\nx=6\n");
     EXPECT_EQ(Variable("x"), "6");
 }
 
-TEST_F(Scripts, theNextScriptRunsWholeAfterAnInterruption) {
+TEST_F(Scripts, TheNextScriptRunsWholeAfterAnInterruption) {
     Post(@"\033");
     Replay("pause 5000\nx=5\n");
     Replay("x=6\nx=x+1\n");
@@ -446,7 +446,7 @@ TEST_F(Scripts, theNextScriptRunsWholeAfterAnInterruption) {
 }
 
 // The system hands over a file whenever the run loop turns, also while a script pauses.
-TEST_F(Scripts, aScriptThatComesDuringAnotherWaitsForItsEnd) {
+TEST_F(Scripts, AScriptThatComesDuringAnotherWaitsForItsEnd) {
     const std::string other = home + "/other.script";
     Write(other, "y=x\n");
     [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0.05];
@@ -456,7 +456,7 @@ TEST_F(Scripts, aScriptThatComesDuringAnotherWaitsForItsEnd) {
     EXPECT_EQ(Variable("y"), "6");
 }
 
-TEST_F(Scripts, aScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
+TEST_F(Scripts, AScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
     const std::string other = home + "/other.script";
     Write(other, "y=1\n");
     [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0];
@@ -467,7 +467,7 @@ TEST_F(Scripts, aScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
     EXPECT_EQ(Text().find("y = 1"), std::string::npos);
 }
 
-TEST_F(Scripts, aScriptThatComesDuringAnEntryWaitsForItsEnd) {
+TEST_F(Scripts, AScriptThatComesDuringAnEntryWaitsForItsEnd) {
     Write(Path(), "y=1\n");
     [console entryWillRun];
     EXPECT_TRUE([console loadFile:String(Path())]);
@@ -480,7 +480,7 @@ TEST_F(Scripts, aScriptThatComesDuringAnEntryWaitsForItsEnd) {
 
 // --- New, the tutorial, files from the system ---
 
-TEST_F(Scripts, aNewDocumentIsAClearConsole) {
+TEST_F(Scripts, ANewDocumentIsAClearConsole) {
     Enter("1+2");
     [console newDocument:nil];
     EXPECT_EQ(Text(), "> ");
@@ -505,7 +505,7 @@ static void runTutorial(MainConsole* console, NSString* path) {
     method_setImplementation(method, original);
 }
 
-TEST_F(Scripts, theTutorialClearsTheEntryAndReplaysItsResource) {
+TEST_F(Scripts, TheTutorialClearsTheEntryAndReplaysItsResource) {
     Type("half an entry");
     Write(Path(), "x=5\n");
     runTutorial(console, String(Path()));
@@ -513,7 +513,7 @@ TEST_F(Scripts, theTutorialClearsTheEntryAndReplaysItsResource) {
     EXPECT_EQ(Text(), "> \nx = 5\n\n> ");
 }
 
-TEST_F(Scripts, withoutItsResourceTheTutorialOnlyClearsTheEntry) {
+TEST_F(Scripts, WithoutItsResourceTheTutorialOnlyClearsTheEntry) {
     Type("half an entry");
     runTutorial(console, nil);
     EXPECT_EQ(Text(), "> ");
@@ -521,7 +521,7 @@ TEST_F(Scripts, withoutItsResourceTheTutorialOnlyClearsTheEntry) {
 
 // --- Files from the system ---
 
-TEST_F(Scripts, aFileFromTheSystemIsReplayedOnceTheConsoleIsReady) {
+TEST_F(Scripts, AFileFromTheSystemIsReplayedOnceTheConsoleIsReady) {
     Write(Path(), "x=5\n");
     calcIsReady = 0;
     EXPECT_TRUE([delegate application:NSApp openFile:String(Path())]);

@@ -7,7 +7,7 @@
 
 // --- Defaults ---
 
-TEST_F(Settings, firstStartMakesTheFolderAndWritesEveryDefault) {
+TEST_F(Settings, FirstStartMakesTheFolderAndWritesEveryDefault) {
     EXPECT_TRUE(Exists(Folder()));
     NSDictionary* const file = Stored();
     EXPECT_EQ([file count], std::size(NUMBERS) + std::size(OBJECTS));
@@ -22,12 +22,12 @@ TEST_F(Settings, firstStartMakesTheFolderAndWritesEveryDefault) {
     }
 }
 
-TEST_F(Settings, settingsInMemoryHaveEveryDefault) {
+TEST_F(Settings, SettingsInMemoryHaveEveryDefault) {
     EXPECT_EQ([[console settings] count], std::size(NUMBERS) + std::size(OBJECTS));
     ExpectDefaults();
 }
 
-TEST_F(Settings, initSettingsDefaultDiscardsWhatWasThere) {
+TEST_F(Settings, InitSettingsDefaultDiscardsWhatWasThere) {
     for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
     [[console settings] setObject:@"x" forKey:@"unknown"];
     [console initSettingsDefault];
@@ -36,7 +36,7 @@ TEST_F(Settings, initSettingsDefaultDiscardsWhatWasThere) {
     EXPECT_EQ(SettingOf("unknown"), nil);
 }
 
-TEST_F(Settings, initColorsDefaultSetsColorsAndTransparencyAlone) {
+TEST_F(Settings, InitColorsDefaultSetsColorsAndTransparencyAlone) {
     for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
     [[console settings] setObject:[NSColor redColor] forKey:@"fgcolor"];
     [[console settings] setObject:[NSColor redColor] forKey:@"bgcolor"];
@@ -49,7 +49,7 @@ TEST_F(Settings, initColorsDefaultSetsColorsAndTransparencyAlone) {
 
 // --- Saving and loading ---
 
-TEST_F(Settings, everyNumberComesBackAtTheNextStart) {
+TEST_F(Settings, EveryNumberComesBackAtTheNextStart) {
     for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
     [console saveSettings];
     for (const KnownSetting& one : NUMBERS) EXPECT_EQ(StoredNumber(one.key), one.other) << one.key;
@@ -60,7 +60,7 @@ TEST_F(Settings, everyNumberComesBackAtTheNextStart) {
     }
 }
 
-TEST_F(Settings, theEngineAndTheWindowStartWithWhatTheFileSays) {
+TEST_F(Settings, TheEngineAndTheWindowStartWithWhatTheFileSays) {
     StartOver(HEAD + pair("firstrun", integer(5)) + pair("degmode", integer(0)) +
               pair("dispbase", integer(16)) + pair("european", integer(1)) + pair("sigfigs", integer(5)) +
               pair("separator", integer(1)) + pair("schar", integer(39)) + pair("twoscomp", integer(1)) +
@@ -77,7 +77,7 @@ TEST_F(Settings, theEngineAndTheWindowStartWithWhatTheFileSays) {
 }
 
 // Ten-key entry is set by a start alone.
-TEST_F(Settings, everySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
+TEST_F(Settings, EverySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
     for (const KnownSetting& one : NUMBERS) {
         SCOPED_TRACE(one.key);
         const Setting& row = *findSetting(one.key);
@@ -92,7 +92,7 @@ TEST_F(Settings, everySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
     }
 }
 
-TEST_F(Settings, savingTakesFontAndColorsFromTheView) {
+TEST_F(Settings, SavingTakesFontAndColorsFromTheView) {
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.2 green:0.3 blue:0.4 alpha:0.5]];
     [console setTextColor:[NSColor colorWithCalibratedRed:0.6 green:0.7 blue:0.8 alpha:1]];
     NSFont* const font = [NSFont userFixedPitchFontOfSize:21];
@@ -108,7 +108,7 @@ TEST_F(Settings, savingTakesFontAndColorsFromTheView) {
     EXPECT_TRUE([[[console font] fontName] isEqualToString:[font fontName]]);
 }
 
-TEST_F(Settings, loadingShowsTheConsoleInColorsAndFont) {
+TEST_F(Settings, LoadingShowsTheConsoleInColorsAndFont) {
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0.2 green:0.4 blue:0.6 alpha:1]];
     [console setTextColor:[NSColor colorWithCalibratedRed:0.5 green:0.5 blue:0.5 alpha:1]];
     [console saveSettings];
@@ -121,14 +121,14 @@ TEST_F(Settings, loadingShowsTheConsoleInColorsAndFont) {
     expectColor(selected, 0.15 + 0.14, 0.15 + 0.28, 0.15 + 0.42, 1);
 }
 
-TEST_F(Settings, colorsAndFontAreDataThatSpellThemOut) {
+TEST_F(Settings, ColorsAndFontAreDataThatSpellThemOut) {
     EXPECT_EQ(bytes([Stored() objectForKey:@"fgcolor"]), "0.1 0.9 0.9 1");
     EXPECT_EQ(bytes([Stored() objectForKey:@"bgcolor"]), "0.1 0.1 0.1 1");
     const std::string font = std::string("13 ") + [[[console font] fontName] UTF8String];
     EXPECT_EQ(bytes([Stored() objectForKey:@"nsfont"]), font);
 }
 
-TEST_F(Settings, missingColorsAndFontLeaveTheViewAsItWas) {
+TEST_F(Settings, MissingColorsAndFontLeaveTheViewAsItWas) {
     [console setTextColor:[NSColor colorWithCalibratedRed:1 green:0.5 blue:0 alpha:1]];
     [console setBackgroundColor:[NSColor colorWithCalibratedRed:0 green:0 blue:1 alpha:1]];
     [console setFont:[NSFont userFixedPitchFontOfSize:21]];
@@ -141,7 +141,7 @@ TEST_F(Settings, missingColorsAndFontLeaveTheViewAsItWas) {
     EXPECT_EQ([[console font] pointSize], 21);
 }
 
-TEST_F(Settings, withoutSettingsNothingIsSaved) {
+TEST_F(Settings, WithoutSettingsNothingIsSaved) {
     Terminate();
     const std::string before = Read(SettingsPath());
     [console saveSettings];
@@ -149,7 +149,7 @@ TEST_F(Settings, withoutSettingsNothingIsSaved) {
     EXPECT_EQ([console settings], nil);
 }
 
-TEST_F(Settings, theEndOfTheProgramStoresTheFrame) {
+TEST_F(Settings, TheEndOfTheProgramStoresTheFrame) {
     [window setFrame:NSMakeRect(33, 44, 555, 333) display:YES];
     Terminate();
     EXPECT_EQ(StoredNumber("x"), 33);
@@ -158,13 +158,13 @@ TEST_F(Settings, theEndOfTheProgramStoresTheFrame) {
     EXPECT_EQ(StoredNumber("cy"), 333);
 }
 
-TEST_F(Settings, keysOfOtherVersionsStay) {
+TEST_F(Settings, KeysOfOtherVersionsStay) {
     StartOver(HEAD + pair("later", "<array><string>a</string></array>") + pair("firstrun", integer(3)) + END);
     Terminate();
     EXPECT_TRUE([[Stored() objectForKey:@"later"] isEqual:[NSArray arrayWithObject:@"a"]]);
 }
 
-TEST_F(Settings, theDecimalPointOfTheFileIsNotTheLocales) {
+TEST_F(Settings, TheDecimalPointOfTheFileIsNotTheLocales) {
     const std::string locale = home + "/xx_XX";
     const std::string make = "localedef -i de_DE -f UTF-8 '" + locale + "' >/dev/null 2>&1";
     ASSERT_EQ(std::system(make.c_str()), 0) << "the package locales is missing";
@@ -185,7 +185,7 @@ TEST_F(Settings, theDecimalPointOfTheFileIsNotTheLocales) {
 
 // --- Written soon after an entry ---
 
-TEST_F(Settings, whatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
+TEST_F(Settings, WhatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
     Enter("sigfigs 20");
     Enter("mode rad");
     Enter("scimode eng");
@@ -198,7 +198,7 @@ TEST_F(Settings, whatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
 }
 
 // The write that is due when an entry ends comes before its settings are taken over.
-TEST_F(Settings, anEntryAtTheMomentOfTheWriteIsNotForgotten) {
+TEST_F(Settings, AnEntryAtTheMomentOfTheWriteIsNotForgotten) {
     Enter("1+1");
     WaitForWriting(); // the run loop has no turn
     Enter("sigfigs 20");

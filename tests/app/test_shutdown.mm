@@ -31,7 +31,7 @@ protected:
     id Application() const { return reinterpret_cast<id>(delegate); }
 };
 
-TEST_F(Shutdown, theFrameIsTruncatedToIntegers) {
+TEST_F(Shutdown, TheFrameIsTruncatedToIntegers) {
     fakeFrame = NSMakeRect(100.9, -3.7, 512.5, 301.99);
     {
         const Replaced frame([NSWindow class], @selector(frame), frameOfTests);
@@ -40,7 +40,7 @@ TEST_F(Shutdown, theFrameIsTruncatedToIntegers) {
     EXPECT_EQ(StoredFrame(), Frame({100, -3, 512, 301}));
 }
 
-TEST_F(Shutdown, withoutAWindowTheFrameIsZero) {
+TEST_F(Shutdown, WithoutAWindowTheFrameIsZero) {
     [[console retain] autorelease];
     [[[[console enclosingScrollView] retain] autorelease] removeFromSuperview];
     ASSERT_EQ([console window], nil);
@@ -52,7 +52,7 @@ TEST_F(Shutdown, withoutAWindowTheFrameIsZero) {
     EXPECT_GE(NSHeight([window frame]), 150);
 }
 
-TEST_F(Shutdown, aHiddenWindowKeepsTheFrameThatItHad) {
+TEST_F(Shutdown, AHiddenWindowKeepsTheFrameThatItHad) {
     [window setFrame:NSMakeRect(200, 200, 480, 320) display:YES];
     ClickStatusItem();
     mainWinIsHidden = 1;
@@ -63,7 +63,7 @@ TEST_F(Shutdown, aHiddenWindowKeepsTheFrameThatItHad) {
     EXPECT_EQ(StoredFrame()[1], before[1]);
 }
 
-TEST_F(Shutdown, aClosedWindowKeepsTheFrameThatItHad) {
+TEST_F(Shutdown, AClosedWindowKeepsTheFrameThatItHad) {
     SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(210, 220, 490, 330) display:YES];
     [window close];
@@ -71,7 +71,7 @@ TEST_F(Shutdown, aClosedWindowKeepsTheFrameThatItHad) {
     ExpectStored(NSMakeRect(210, 220, 490, 330));
 }
 
-TEST_F(Shutdown, exitKeepsTheFrame) {
+TEST_F(Shutdown, ExitKeepsTheFrame) {
     SetSetting("snaptoscreen", 0);
     [window setFrame:NSMakeRect(230, 240, 470, 310) display:YES];
     Enter("exit");
@@ -79,7 +79,7 @@ TEST_F(Shutdown, exitKeepsTheFrame) {
     ExpectStored(NSMakeRect(230, 240, 470, 310));
 }
 
-TEST_F(Shutdown, theFilesAreWrittenAndThePathsLetGo) {
+TEST_F(Shutdown, TheFilesAreWrittenAndThePathsLetGo) {
     Enter("width=7");
     SetSetting("sigfigs", 23);
     Terminate();
@@ -102,7 +102,7 @@ void record(id self, SEL selector) {
     reinterpret_cast<void (*)(id, SEL)>(originals[sent.back()])(self, selector);
 }
 
-TEST_F(Shutdown, thePreferencesCloseFirstAndTheStatusItemGoesLast) {
+TEST_F(Shutdown, ThePreferencesCloseFirstAndTheStatusItemGoesLast) {
     sent.clear();
     const Replaced close([PrefController class], @selector(closePanel), record);
     const Replaced terminated([MainConsole class], @selector(terminateConsole), record);
@@ -114,7 +114,7 @@ TEST_F(Shutdown, thePreferencesCloseFirstAndTheStatusItemGoesLast) {
     EXPECT_EQ(sent, std::vector<std::string>({"closePanel", "terminateConsole", "removeAppStatusItem"}));
 }
 
-TEST_F(Shutdown, whatOpenPreferencesSayIsStored) {
+TEST_F(Shutdown, WhatOpenPreferencesSayIsStored) {
     [Preferences() menuPreferences:nil];
     ASSERT_EQ(prefWinIsOpen, 1);
     [[Preferences() controls].prefSigFigs setIntValue:17];
@@ -123,7 +123,7 @@ TEST_F(Shutdown, whatOpenPreferencesSayIsStored) {
     EXPECT_EQ(StoredSettings().at("sigfigs"), 17);
 }
 
-TEST_F(Shutdown, theLastWindowEndsTheProgramUnlessItIsHidden) {
+TEST_F(Shutdown, TheLastWindowEndsTheProgramUnlessItIsHidden) {
     EXPECT_TRUE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
     mainWinIsHidden = 1;
     EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
@@ -133,7 +133,7 @@ BOOL yes(id, SEL) {
     return YES;
 }
 
-TEST_F(Shutdown, aMiniaturizedWindowKeepsTheProgramAlive) {
+TEST_F(Shutdown, AMiniaturizedWindowKeepsTheProgramAlive) {
     const Replaced miniaturized([NSWindow class], @selector(isMiniaturized), yes);
     EXPECT_FALSE([Application() applicationShouldTerminateAfterLastWindowClosed:NSApp]);
 }

@@ -24,7 +24,7 @@ CGFloat snappedY(CGFloat y) {
 
 // --- The band ---
 
-TEST(SnappedFrame, anEdgeSnapsFrom18PointsInsideTo54Beyond) {
+TEST(SnappedFrame, AnEdgeSnapsFrom18PointsInsideTo54Beyond) {
     // left: the window's edge at 0
     EXPECT_EQ(snappedX(-50), 0);
     EXPECT_EQ(snappedX(-60), -60);
@@ -51,20 +51,20 @@ TEST(SnappedFrame, anEdgeSnapsFrom18PointsInsideTo54Beyond) {
     EXPECT_EQ(snappedY(481), 481);
 }
 
-TEST(SnappedFrame, theAxesSnapByThemselves) {
+TEST(SnappedFrame, TheAxesSnapByThemselves) {
     EXPECT_TRUE(NSEqualRects(snapped(-10, 200), NSMakeRect(0, 200, WIDTH, HEIGHT)));
     EXPECT_TRUE(NSEqualRects(snapped(200, -10), NSMakeRect(200, 0, WIDTH, HEIGHT)));
     EXPECT_TRUE(NSEqualRects(snapped(610, 510), NSMakeRect(600, 500, WIDTH, HEIGHT)));
     EXPECT_TRUE(NSEqualRects(snapped(300, 200), NSMakeRect(300, 200, WIDTH, HEIGHT)));
 }
 
-TEST(SnappedFrame, theLeftEdgeComesBeforeTheRightOne) {
+TEST(SnappedFrame, TheLeftEdgeComesBeforeTheRightOne) {
     // A window as wide as the screen and 10 points more is near both.
     const NSRect wide = NSMakeRect(-5, 200, 1010, HEIGHT);
     EXPECT_EQ(NSMinX(snappedFrame(wide, &SCREEN, 1)), 0);
 }
 
-TEST(SnappedFrame, theFirstScreenThatAttractsAnAxisHasIt) {
+TEST(SnappedFrame, TheFirstScreenThatAttractsAnAxisHasIt) {
     const NSRect right = NSMakeRect(1000, 100, 1200, 900);
     EXPECT_EQ(NSMinX(snapped(990, 300, {SCREEN, right})), 1000);
     EXPECT_EQ(NSMinX(snapped(1810, 300, {SCREEN, right})), 1800);
@@ -150,7 +150,7 @@ protected:
     const Replaced mousePlace { metaclassOf([NSEvent class]), @selector(mouseLocation), mouseOfTests };
 };
 
-TEST_F(Snapping, theBeginOfAMoveIsRecorded) {
+TEST_F(Snapping, TheBeginOfAMoveIsRecorded) {
     mouse = NSMakePoint(310.5, 205.25);
     const NSPoint place = [window frame].origin;
     [Mover() windowWillMove:nil];
@@ -164,7 +164,7 @@ TEST_F(Snapping, theBeginOfAMoveIsRecorded) {
     EXPECT_EQ(snapEnabled, 0);
 }
 
-TEST_F(Snapping, theWindowFollowsTheMouseStepByStep) {
+TEST_F(Snapping, TheWindowFollowsTheMouseStepByStep) {
     mouse = NSMakePoint(310, 210);
     [Mover() windowWillMove:nil];
     DragTo(320, 215);
@@ -175,7 +175,7 @@ TEST_F(Snapping, theWindowFollowsTheMouseStepByStep) {
     ExpectOrigin(340, 210);
 }
 
-TEST_F(Snapping, theStripOfTheControlsDragsTheWindow) {
+TEST_F(Snapping, TheStripOfTheControlsDragsTheWindow) {
     mouse = NSMakePoint(690, 490);
     send(NSLeftMouseDown, FreePlace());
     for (int step = 2; step <= 10; step += 2) {
@@ -194,7 +194,7 @@ TEST_F(Snapping, theStripOfTheControlsDragsTheWindow) {
     send(NSLeftMouseUp, FreePlace());
 }
 
-TEST_F(Snapping, aDragWithoutABeginMovesNothing) {
+TEST_F(Snapping, ADragWithoutABeginMovesNothing) {
     DragTo(50, 60);
     ExpectOrigin(300, 200);
     mouse = NSMakePoint(310, 210);
@@ -204,7 +204,7 @@ TEST_F(Snapping, aDragWithoutABeginMovesNothing) {
     ExpectOrigin(300, 200);
 }
 
-TEST_F(Snapping, aDragSnapsAndLetsGoAgain) {
+TEST_F(Snapping, ADragSnapsAndLetsGoAgain) {
     Place(60, 200);
     mouse = NSMakePoint(100, 300);
     [Mover() windowWillMove:nil];
@@ -216,7 +216,7 @@ TEST_F(Snapping, aDragSnapsAndLetsGoAgain) {
     ExpectOrigin(22, 200);
 }
 
-TEST_F(Snapping, optionHoldsTheWindow) {
+TEST_F(Snapping, OptionHoldsTheWindow) {
     mouse = NSMakePoint(310, 210);
     [Mover() windowWillMove:nil];
     DragTo(350, 250, NSAlternateKeyMask);
@@ -225,14 +225,14 @@ TEST_F(Snapping, optionHoldsTheWindow) {
     ExpectOrigin(340, 240);
 }
 
-TEST_F(Snapping, aDragGoesPartlyOutOfTheScreen) {
+TEST_F(Snapping, ADragGoesPartlyOutOfTheScreen) {
     mouse = NSMakePoint(310, 210);
     [Mover() windowWillMove:nil];
     DragTo(-50, 60);
     ExpectOrigin(-60, 50);
 }
 
-TEST_F(Snapping, onlyTheLeftButtonDrags) {
+TEST_F(Snapping, OnlyTheLeftButtonDrags) {
     mouse = NSMakePoint(310, 210);
     [Mover() windowWillMove:nil];
     DragTo(350, 250, 0, NSRightMouseDragged);
@@ -240,7 +240,7 @@ TEST_F(Snapping, onlyTheLeftButtonDrags) {
     ExpectOrigin(300, 200);
 }
 
-TEST_F(Snapping, withTheSettingOffNothingIsDraggedOrSnapped) {
+TEST_F(Snapping, WithTheSettingOffNothingIsDraggedOrSnapped) {
     SetSetting("snaptoscreen", 0);
     mouse = NSMakePoint(310, 210);
     [Mover() windowWillMove:nil];
@@ -251,7 +251,7 @@ TEST_F(Snapping, withTheSettingOffNothingIsDraggedOrSnapped) {
     ExpectOrigin(-10, 200);
 }
 
-TEST_F(Snapping, theEndOfAMoveSnaps) {
+TEST_F(Snapping, TheEndOfAMoveSnaps) {
     Place(-50, 200);
     [Mover() windowWillMove:nil];
     [Mover() windowDidMove:nil];
@@ -269,14 +269,14 @@ TEST_F(Snapping, theEndOfAMoveSnaps) {
     EXPECT_EQ(NSHeight([window frame]), HEIGHT);
 }
 
-TEST_F(Snapping, aMoveThatTheWindowManagerTellsOfAfterwardsSnapsToo) {
+TEST_F(Snapping, AMoveThatTheWindowManagerTellsOfAfterwardsSnapsToo) {
     Place(-50, 200);
     snapEnabled = 0;
     [Mover() windowDidMove:nil];
     ExpectOrigin(platformWindowManagerMoves() ? 0 : -50, 200);
 }
 
-TEST_F(Snapping, aHiddenWindowIsLeftAlone) {
+TEST_F(Snapping, AHiddenWindowIsLeftAlone) {
     Place(-50, 200);
     mainWinIsHidden = 1;
     [Mover() windowWillMove:nil];
@@ -292,7 +292,7 @@ void countFrames(id self, SEL, NSRect, BOOL) {
     [[self delegate] windowDidMove:nil];
 }
 
-TEST_F(Snapping, itsOwnMoveDoesNotSnapAgain) {
+TEST_F(Snapping, ItsOwnMoveDoesNotSnapAgain) {
     Place(-50, 200);
     moves = 0;
     const float before = ddX = 123;

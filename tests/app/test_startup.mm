@@ -156,7 +156,7 @@ void recordFunctions(id self, SEL selector) {
     record<>(self, selector);
 }
 
-TEST_F(Startup, goesInOrder) {
+TEST_F(Startup, GoesInOrder) {
     SetSetting("histsz", 3);
     Terminate();
     {
@@ -188,7 +188,7 @@ TEST_F(Startup, goesInOrder) {
     EXPECT_EQ(entriesForFile, 3) << "the history has its size before the file fills it";
 }
 
-TEST_F(Startup, handsTheSettingsToTheEngine) {
+TEST_F(Startup, HandsTheSettingsToTheEngine) {
     const std::map<std::string, int> chosen = {{"european", 1},  {"sigfigs", 7},  {"schar", '\''},
                                                {"separator", 1}, {"twoscomp", 1}, {"degmode", 0},
                                                {"dispbase", 16}, {"histsz", 3},   {"statusicon", 1}};
@@ -209,7 +209,7 @@ TEST_F(Startup, handsTheSettingsToTheEngine) {
     for (const auto& [key, value] : chosen) EXPECT_EQ(SettingOf(key.c_str()), value) << key;
 }
 
-TEST_F(Startup, leavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
+TEST_F(Startup, LeavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
     EXPECT_EQ(Text(), "> ");
     EXPECT_TRUE([window isVisible]);
     EXPECT_FALSE([window isOpaque]);
@@ -221,7 +221,7 @@ TEST_F(Startup, leavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
     EXPECT_TRUE(alerts.empty());
 }
 
-TEST_F(Startup, theSavedPlaceComesBackWithoutSnapping) {
+TEST_F(Startup, TheSavedPlaceComesBackWithoutSnapping) {
     SetSetting("snaptoscreen", 1);
     [[Application() windowDelegate]
         placeWindow:NSMakeRect(10, 300, 512, 301)]; // 10 points inside: near enough
@@ -230,7 +230,7 @@ TEST_F(Startup, theSavedPlaceComesBackWithoutSnapping) {
         << [NSStringFromRect([window frame]) UTF8String];
 }
 
-TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
+TEST_F(Startup, APlaceThatNoScreenShowsComesToTheMainScreen) {
     for (const NSRect& lost : {NSMakeRect(5000, 300, 500, 300), NSMakeRect(-490, 300, 500, 300),
                                NSMakeRect(-405, 300, 500, 300), // 95 points are left
                                NSMakeRect(300, -3000, 500, 300)}) {
@@ -254,7 +254,7 @@ TEST_F(Startup, aPlaceThatNoScreenShowsComesToTheMainScreen) {
     }
 }
 
-TEST_F(Startup, aPlaceThatIsPartlySeenStays) {
+TEST_F(Startup, APlaceThatIsPartlySeenStays) {
     const NSRect place = NSMakeRect(-400, 300, 500, 300);
     SetSetting("x", -400);
     SetSetting("y", 300);
@@ -272,7 +272,7 @@ void clearWithoutFeet(id self, SEL selector) {
     EXPECT_FALSE(removeUnit("ft")); // no error
 }
 
-TEST_F(Startup, aFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
+TEST_F(Startup, AFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
     Terminate();
     {
         Recorder recorder;
@@ -288,7 +288,7 @@ TEST_F(Startup, aFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
 
 // --- The start counter and its sheets ---
 
-TEST_F(Startup, theFirstRunOffersTheTutorial) {
+TEST_F(Startup, TheFirstRunOffersTheTutorial) {
     ASSERT_EQ(sheets.size(), 1u);
     EXPECT_EQ(sheets[0].message, "This is your first run.\nShow 45-second quick tutorial?");
     EXPECT_EQ(sheets[0].yes, "Run Tutorial");
@@ -300,13 +300,13 @@ TEST_F(Startup, theFirstRunOffersTheTutorial) {
     EXPECT_EQ(SettingOf("firstrun"), 3);
 }
 
-TEST_F(Startup, aCounterOfZeroIsAFirstRunToo) {
+TEST_F(Startup, ACounterOfZeroIsAFirstRunToo) {
     StartAfter(0);
     EXPECT_EQ(sheets.size(), 1u);
     EXPECT_EQ(SettingOf("firstrun"), 2);
 }
 
-TEST_F(Startup, theTwentiethAndTheHundredthStartAskForAReview) {
+TEST_F(Startup, TheTwentiethAndTheHundredthStartAskForAReview) {
     for (const int starts : {2, 17, 18, 20, 98, 100, 199, 1000}) {
         StartAfter(starts);
         EXPECT_TRUE(sheets.empty()) << starts;
@@ -323,7 +323,7 @@ TEST_F(Startup, theTwentiethAndTheHundredthStartAskForAReview) {
     }
 }
 
-TEST_F(Startup, aLocaleWithADecimalCommaDecidesTheMarksOfTheFirstRun) {
+TEST_F(Startup, ALocaleWithADecimalCommaDecidesTheMarksOfTheFirstRun) {
     const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
     StartAfter(1);
     EXPECT_EQ(SettingOf("european"), 1);
@@ -333,7 +333,7 @@ TEST_F(Startup, aLocaleWithADecimalCommaDecidesTheMarksOfTheFirstRun) {
     EXPECT_EQ(Text(), "> 1,5*3\nans = 4,5\n\n> ");
 }
 
-TEST_F(Startup, theLocaleCountsInTheFirstRunAlone) {
+TEST_F(Startup, TheLocaleCountsInTheFirstRunAlone) {
     {
         const Replaced comma([NSNumberFormatter class], @selector(stringFromNumber:), commaNumber);
         StartAfter(2);
@@ -348,7 +348,7 @@ TEST_F(Startup, theLocaleCountsInTheFirstRunAlone) {
 
 // --- The ends of the sheets ---
 
-TEST_F(Startup, theTutorialRunsOnTheDefaultButtonOnly) {
+TEST_F(Startup, TheTutorialRunsOnTheDefaultButtonOnly) {
     const Replaced tutorial([MainConsole class], @selector(tutorial:), recordTutorial);
     NSWindow* const probe = reinterpret_cast<NSWindow*>(Sheet());
     [console tutorialSheetDidEnd:probe returnCode:0 contextInfo:nullptr];
@@ -368,7 +368,7 @@ id environmentOfPrograms(id, SEL) {
 }
 
 // Opening a page starts a program, which is a script of ours here.
-TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
+TEST_F(Startup, TheReviewPageOpensOnTheDefaultButtonOnly) {
     const std::string opened = home + "/opened";
     Write(home + "/xdg-open", "#!/bin/sh\nprintf %s \"$1\" >'" + opened + "'\n");
     ASSERT_EQ(chmod((home + "/xdg-open").c_str(), 0700), 0);
@@ -396,7 +396,7 @@ TEST_F(Startup, theReviewPageOpensOnTheDefaultButtonOnly) {
 
 // --- The application's launch ---
 
-TEST_F(Startup, theLaunchGivesTheConsoleTheKeysAndStartsIt) {
+TEST_F(Startup, TheLaunchGivesTheConsoleTheKeysAndStartsIt) {
     Launch();
     EXPECT_TRUE(consoleHadKeys);
     EXPECT_EQ(initializedWith, window);
@@ -405,7 +405,7 @@ TEST_F(Startup, theLaunchGivesTheConsoleTheKeysAndStartsIt) {
     EXPECT_TRUE(loaded.empty());
 }
 
-TEST_F(Startup, theStatusItemIsMadeWhenTheSettingIsOne) {
+TEST_F(Startup, TheStatusItemIsMadeWhenTheSettingIsOne) {
     SetSetting("statusicon", 0);
     Launch();
     EXPECT_EQ(itemsCreated, 0);
@@ -414,7 +414,7 @@ TEST_F(Startup, theStatusItemIsMadeWhenTheSettingIsOne) {
     EXPECT_EQ(itemsCreated, 1);
 }
 
-TEST_F(Startup, theStatusItemIsThereWhereThereIsABarAndTheSettingStays) {
+TEST_F(Startup, TheStatusItemIsThereWhereThereIsABarAndTheSettingStays) {
     SetSetting("statusicon", 1);
     [Application() createAppStatusItem];
     Ivar const item = class_getInstanceVariable([PelmoAppDelegate class], "statusItem");
@@ -423,7 +423,7 @@ TEST_F(Startup, theStatusItemIsThereWhereThereIsABarAndTheSettingStays) {
     EXPECT_EQ(SettingOf("statusicon"), 1);
 }
 
-TEST_F(Startup, aFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
+TEST_F(Startup, AFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
     EXPECT_TRUE(OpenFile(@"/a.script"));
     EXPECT_TRUE(OpenFile(@"/b.script"));
     EXPECT_TRUE(loaded.empty());
@@ -435,7 +435,7 @@ TEST_F(Startup, aFileHandedOverBeforeTheEndOfTheStartIsLoadedOnceBehindIt) {
     EXPECT_EQ(loaded.size(), 2u);
 }
 
-TEST_F(Startup, aFileThatCannotBeOpenedIsToldOnce) {
+TEST_F(Startup, AFileThatCannotBeOpenedIsToldOnce) {
     OpenFile(@"/missing.script");
     loadResult = NO;
     Launch();
@@ -443,7 +443,7 @@ TEST_F(Startup, aFileThatCannotBeOpenedIsToldOnce) {
     EXPECT_EQ(calcIsReady, 1);
 }
 
-TEST_F(Startup, aFileHandedOverLaterIsLoadedAtOnce) {
+TEST_F(Startup, AFileHandedOverLaterIsLoadedAtOnce) {
     calcIsReady = 1;
     EXPECT_TRUE(OpenFile(@"/c.script"));
     EXPECT_EQ(loaded, std::vector<std::string>{"/c.script"});
@@ -452,7 +452,7 @@ TEST_F(Startup, aFileHandedOverLaterIsLoadedAtOnce) {
     EXPECT_FALSE(OpenFile(@"/missing.script"));
 }
 
-TEST_F(Startup, aFileHandedOverIsReplayed) {
+TEST_F(Startup, AFileHandedOverIsReplayed) {
     const std::string path = home + "/x.script";
     Write(path, "6*7\n");
     calcIsReady = 1;

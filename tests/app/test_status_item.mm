@@ -119,7 +119,7 @@ protected:
     FakeStatusBar* bar = nil;
 };
 
-TEST_F(StatusItem, isMadeWithItsImagesAndIsAButtonOfTheApplication) {
+TEST_F(StatusItem, IsMadeWithItsImagesAndIsAButtonOfTheApplication) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfTests);
     Create();
     EXPECT_EQ(told.made, 1);
@@ -135,7 +135,7 @@ TEST_F(StatusItem, isMadeWithItsImagesAndIsAButtonOfTheApplication) {
     EXPECT_EQ(told.target, Application());
 }
 
-TEST_F(StatusItem, withoutItsImagesThereIsOneAllTheSame) {
+TEST_F(StatusItem, WithoutItsImagesThereIsOneAllTheSame) {
     const Replaced path([NSBundle class], @selector(pathForResource:ofType:), noPath);
     Create();
     EXPECT_EQ(told.made, 1);
@@ -145,7 +145,7 @@ TEST_F(StatusItem, withoutItsImagesThereIsOneAllTheSame) {
     EXPECT_EQ(told.target, Application());
 }
 
-TEST_F(StatusItem, isMadeOnceAndTakenAwayOnce) {
+TEST_F(StatusItem, IsMadeOnceAndTakenAwayOnce) {
     [Application() removeAppStatusItem];
     EXPECT_EQ(told.removed, 0);
     Create();
@@ -158,7 +158,7 @@ TEST_F(StatusItem, isMadeOnceAndTakenAwayOnce) {
     EXPECT_EQ(told.made, 2);
 }
 
-TEST_F(StatusItem, goesWithTheProgram) {
+TEST_F(StatusItem, GoesWithTheProgram) {
     Create();
     [reinterpret_cast<id>(Application()) applicationWillTerminate:nil];
     EXPECT_EQ(told.removed, 1);

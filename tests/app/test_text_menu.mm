@@ -82,14 +82,14 @@ protected:
     }
 };
 
-TEST_F(TextMenu, hasCutCopyCopyAnswerPasteAndSelectAll) {
+TEST_F(TextMenu, HasCutCopyCopyAnswerPasteAndSelectAll) {
     NSMenu* const menu = [console menuForEvent:RightClick()];
     std::vector<std::string> titles;
     for (NSMenuItem* const one in [menu itemArray]) titles.push_back([[one title] UTF8String]);
     EXPECT_EQ(titles, (std::vector<std::string>{"Cut", "Copy", "Copy Answer", "Paste", "Select All"}));
 }
 
-TEST_F(TextMenu, theItemsDoWhatTheySay) {
+TEST_F(TextMenu, TheItemsDoWhatTheySay) {
     EXPECT_FALSE([console validateMenuItem:Item("Copy Answer")]) << "there is no answer yet";
     Enter("6*7");
     EXPECT_TRUE([console validateMenuItem:Item("Copy Answer")]);
@@ -104,7 +104,7 @@ TEST_F(TextMenu, theItemsDoWhatTheySay) {
     EXPECT_EQ(Selected(), Text());
 }
 
-TEST_F(TextMenu, typingClosesItAndGoesToTheEntry) {
+TEST_F(TextMenu, TypingClosesItAndGoesToTheEntry) {
     Type("1+");
     EXPECT_TRUE(OpenMenuAnd([this] {
         Post(@"2");
@@ -115,7 +115,7 @@ TEST_F(TextMenu, typingClosesItAndGoesToTheEntry) {
     EXPECT_EQ(StatusLine(), "ans = 24");
 }
 
-TEST_F(TextMenu, escapeClosesItAndNothingElse) {
+TEST_F(TextMenu, EscapeClosesItAndNothingElse) {
     Type("1+2");
     EXPECT_TRUE(OpenMenuAnd([this] { Post(@"\033"); }));
     DeliverEvents();

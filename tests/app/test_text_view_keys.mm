@@ -9,7 +9,7 @@ namespace {
 
 class TextViewKeys : public Keys {};
 
-TEST_F(TextViewKeys, pageKeysScrollAndChangeNothing) {
+TEST_F(TextViewKeys, PageKeysScrollAndChangeNothing) {
     for (int i = 0; i < 40; i++) [console insertWithNewPrompt:"a line"];
     first = Text();
     const CGFloat bottom = NSMinY([console visibleRect]);
@@ -21,7 +21,7 @@ TEST_F(TextViewKeys, pageKeysScrollAndChangeNothing) {
     EXPECT_EQ(first, Text());
 }
 
-TEST_F(TextViewKeys, functionKeysTypeNothing) {
+TEST_F(TextViewKeys, FunctionKeysTypeNothing) {
     const unichar keys[] = {NSF1FunctionKey, NSF5FunctionKey, NSF12FunctionKey, NSInsertFunctionKey,
                             NSMenuFunctionKey};
     for (const unichar key : keys) {
@@ -30,12 +30,12 @@ TEST_F(TextViewKeys, functionKeysTypeNothing) {
     }
 }
 
-TEST_F(TextViewKeys, aKeyWithoutCharactersChangesNothing) {
+TEST_F(TextViewKeys, AKeyWithoutCharactersChangesNothing) {
     Press(@"");
     Expect("4+5");
 }
 
-TEST_F(TextViewKeys, aKeyWithCommandThatNoMenuHasTypesNothing) {
+TEST_F(TextViewKeys, AKeyWithCommandThatNoMenuHasTypesNothing) {
     const NSUInteger places[] = {0, begin, begin + 3};
     for (const NSUInteger place : places) {
         for (NSString* key in @[ @"k", @"*", @"-", @"7" ]) {
@@ -47,7 +47,7 @@ TEST_F(TextViewKeys, aKeyWithCommandThatNoMenuHasTypesNothing) {
     }
 }
 
-TEST_F(TextViewKeys, aKeyWithControlTypesNothing) {
+TEST_F(TextViewKeys, AKeyWithControlTypesNothing) {
     for (NSString* key in @[ @"*", @"-", @"/", @"q", @"z", @"j", @"m" ]) {
         SelectEntry(0);
         Press(key, NSControlKeyMask);
@@ -57,7 +57,7 @@ TEST_F(TextViewKeys, aKeyWithControlTypesNothing) {
     Expect("4+5");
 }
 
-TEST_F(TextViewKeys, noKeyOpensASecondLineInTheEntry) {
+TEST_F(TextViewKeys, NoKeyOpensASecondLineInTheEntry) {
     Press(@"\017", @"o", NSControlKeyMask); // what text views open a line with
     Expect("4+5");
     const SEL commands[] = {
@@ -73,7 +73,7 @@ TEST_F(TextViewKeys, noKeyOpensASecondLineInTheEntry) {
 
 // Every key with every combination of modifiers, at every place, alone and with a selection, and after it
 // undo.
-TEST_F(TextViewKeys, noKeyChangesTheTranscript) {
+TEST_F(TextViewKeys, NoKeyChangesTheTranscript) {
     const uint32_t keys[] = {KEY_TAB,  KEY_ESCAPE, KEY_BACKSPACE, KEY_FORWARD_DELETE,
                              KEY_HOME, KEY_END,    KEY_LEFT,      KEY_RIGHT,
                              KEY_UP,   KEY_DOWN};
@@ -105,7 +105,7 @@ TEST_F(TextViewKeys, noKeyChangesTheTranscript) {
 }
 
 // The editing commands of text views, which key bindings can reach.
-TEST_F(TextViewKeys, noEditingCommandChangesTheTranscript) {
+TEST_F(TextViewKeys, NoEditingCommandChangesTheTranscript) {
     const char* const commands[] = {"deleteBackward:",
                                     "deleteForward:",
                                     "deleteWordBackward:",
@@ -150,7 +150,7 @@ TEST_F(TextViewKeys, noEditingCommandChangesTheTranscript) {
     }
 }
 
-TEST_F(TextViewKeys, textInsertedBySystemServicesStaysOutOfTheTranscript) {
+TEST_F(TextViewKeys, TextInsertedBySystemServicesStaysOutOfTheTranscript) {
     Select(0, 4);
     [console insertText:@"x"];
     Expect("4+5", false);

@@ -24,7 +24,7 @@ protected:
     std::string first;
 };
 
-TEST_F(Typing, everyKeyPreviewsTheEntry) {
+TEST_F(Typing, EveryKeyPreviewsTheEntry) {
     Type("4");
     EXPECT_EQ("ans = 4", StatusLine());
     Type("*5");
@@ -34,7 +34,7 @@ TEST_F(Typing, everyKeyPreviewsTheEntry) {
     EXPECT_EQ(first, Transcript());
 }
 
-TEST_F(Typing, armsTheMatchingOfTheHistory) {
+TEST_F(Typing, ArmsTheMatchingOfTheHistory) {
     matching_enable = 0;
     update_match_str = 1;
     Type("4");
@@ -42,7 +42,7 @@ TEST_F(Typing, armsTheMatchingOfTheHistory) {
     EXPECT_EQ(0, update_match_str);
 }
 
-TEST_F(Typing, inTheTranscriptGoesToTheEndOfTheEntry) {
+TEST_F(Typing, InTheTranscriptGoesToTheEndOfTheEntry) {
     Type("45");
     for (const NSRange place : {NSMakeRange(0, 0), NSMakeRange(2, 3), NSMakeRange(first.size() - 1, 0)}) {
         Select(place.location, place.length);
@@ -51,7 +51,7 @@ TEST_F(Typing, inTheTranscriptGoesToTheEndOfTheEntry) {
     EXPECT_EQ(first + "45666", Text());
 }
 
-TEST_F(Typing, overASelectionAcrossThePromptReplacesNothing) {
+TEST_F(Typing, OverASelectionAcrossThePromptReplacesNothing) {
     Type("45");
     Select(first.size() - 2, 3);
     Type("6");
@@ -61,14 +61,14 @@ TEST_F(Typing, overASelectionAcrossThePromptReplacesNothing) {
     EXPECT_EQ(first + "4567", Text());
 }
 
-TEST_F(Typing, replacesASelectionInTheEntry) {
+TEST_F(Typing, ReplacesASelectionInTheEntry) {
     Type("45");
     SelectEntry(0, 2);
     Type("6");
     EXPECT_EQ("6", Entry());
 }
 
-TEST_F(Typing, anOperatorFirstAppliesToThePreviousAnswer) {
+TEST_F(Typing, AnOperatorFirstAppliesToThePreviousAnswer) {
     EXPECT_EQ("ans+", Typed("+"));
     EXPECT_EQ("ans*", Typed("*"));
     EXPECT_EQ("ans/", Typed("/"));
@@ -78,12 +78,12 @@ TEST_F(Typing, anOperatorFirstAppliesToThePreviousAnswer) {
     EXPECT_EQ("ans**", Typed("**"));
 }
 
-TEST_F(Typing, theKeypadsOperatorsAreOperatorsToo) {
+TEST_F(Typing, TheKeypadsOperatorsAreOperatorsToo) {
     Press(@"*", NSNumericPadKeyMask);
     EXPECT_EQ("ans*", Entry());
 }
 
-TEST_F(Typing, theOperatorRuleLooksOnlyAtTheCursor) {
+TEST_F(Typing, TheOperatorRuleLooksOnlyAtTheCursor) {
     Type("45");
     SelectEntry(0);
     Type("*");
@@ -91,20 +91,20 @@ TEST_F(Typing, theOperatorRuleLooksOnlyAtTheCursor) {
     EXPECT_EQ(4U, CursorInEntry());
 }
 
-TEST_F(Typing, anOperatorOverASelectionOnlyReplacesIt) {
+TEST_F(Typing, AnOperatorOverASelectionOnlyReplacesIt) {
     Type("45");
     SelectEntry(0, 2);
     Type("*");
     EXPECT_EQ("*", Entry());
 }
 
-TEST_F(Typing, anOperatorTypedInTheTranscriptAppliesToThePreviousAnswer) {
+TEST_F(Typing, AnOperatorTypedInTheTranscriptAppliesToThePreviousAnswer) {
     Select(0, 4);
     Type("/");
     EXPECT_EQ(first + "ans/", Text());
 }
 
-TEST_F(Typing, aMinusFirstIsASignWhenDoubleNegationsAreOn) {
+TEST_F(Typing, AMinusFirstIsASignWhenDoubleNegationsAreOn) {
     [console setSetting:@"doublenegans" to:1];
     EXPECT_EQ("-", Typed("-"));
     EXPECT_EQ("ans-", Typed("--"));
@@ -114,7 +114,7 @@ TEST_F(Typing, aMinusFirstIsASignWhenDoubleNegationsAreOn) {
     EXPECT_EQ("ans = -2", StatusLine());
 }
 
-TEST_F(Typing, aMinusFirstAppliesToThePreviousAnswerWhenDoubleNegationsAreOff) {
+TEST_F(Typing, AMinusFirstAppliesToThePreviousAnswerWhenDoubleNegationsAreOff) {
     [console setSetting:@"doublenegans" to:0];
     EXPECT_EQ("ans-", Typed("-"));
     EXPECT_EQ("-", Typed("--"));
@@ -122,7 +122,7 @@ TEST_F(Typing, aMinusFirstAppliesToThePreviousAnswerWhenDoubleNegationsAreOff) {
     EXPECT_EQ("-5", Typed("--5"));
 }
 
-TEST_F(Typing, theSecondMinusKeepsTheRestOfTheEntry) {
+TEST_F(Typing, TheSecondMinusKeepsTheRestOfTheEntry) {
     Type("-45");
     SelectEntry(1);
     Type("-");
@@ -133,7 +133,7 @@ TEST_F(Typing, theSecondMinusKeepsTheRestOfTheEntry) {
     EXPECT_EQ(1U, CursorInEntry());
 }
 
-TEST_F(Typing, aMinusElsewhereIsJustAMinus) {
+TEST_F(Typing, AMinusElsewhereIsJustAMinus) {
     EXPECT_EQ("5-", Typed("5-"));
     EXPECT_EQ("5--", Typed("5--"));
     EXPECT_EQ("abc--", Typed("abc--"));
@@ -148,7 +148,7 @@ TEST_F(Typing, aMinusElsewhereIsJustAMinus) {
     EXPECT_EQ("--", Entry());
 }
 
-TEST_F(Typing, takesCharactersThatTheCalculatorDoesNotKnow) {
+TEST_F(Typing, TakesCharactersThatTheCalculatorDoesNotKnow) {
     Press(@"\u20ac", NSAlternateKeyMask);
     Press(@"\u00e9");
     EXPECT_EQ("\u20ac\u00e9", Entry());

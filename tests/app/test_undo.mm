@@ -26,7 +26,7 @@ protected:
     std::string first;
 };
 
-TEST_F(Undo, takesTypingBackAndPreviews) {
+TEST_F(Undo, TakesTypingBackAndPreviews) {
     Type("45");
     NextEvent();
     Type("+6");
@@ -37,7 +37,7 @@ TEST_F(Undo, takesTypingBackAndPreviews) {
     EXPECT_EQ("", Undone());
 }
 
-TEST_F(Undo, restoresWhatWasDeleted) {
+TEST_F(Undo, RestoresWhatWasDeleted) {
     Type("45");
     NextEvent();
     SelectEntry(0, 1);
@@ -48,7 +48,7 @@ TEST_F(Undo, restoresWhatWasDeleted) {
     EXPECT_EQ("ans = 45", StatusLine());
 }
 
-TEST_F(Undo, doesNothingInAnEmptyEntry) {
+TEST_F(Undo, DoesNothingInAnEmptyEntry) {
     Type("45");
     NextEvent();
     Press(KEY_ESCAPE);
@@ -56,7 +56,7 @@ TEST_F(Undo, doesNothingInAnEmptyEntry) {
     EXPECT_EQ("", Undone());
 }
 
-TEST_F(Undo, withTheCursorElsewhereRestoresAnEmptiedEntry) {
+TEST_F(Undo, WithTheCursorElsewhereRestoresAnEmptiedEntry) {
     Type("45");
     NextEvent();
     Press(KEY_ESCAPE);
@@ -65,7 +65,7 @@ TEST_F(Undo, withTheCursorElsewhereRestoresAnEmptiedEntry) {
     EXPECT_EQ("45", Undone());
 }
 
-TEST_F(Undo, takesAPasteBack) {
+TEST_F(Undo, TakesAPasteBack) {
     Type("45");
     NextEvent();
     SetPasteboard("+1\n2");
@@ -74,7 +74,7 @@ TEST_F(Undo, takesAPasteBack) {
     EXPECT_EQ("45", Undone());
 }
 
-TEST_F(Undo, takesBackWhatOperatorsInsert) {
+TEST_F(Undo, TakesBackWhatOperatorsInsert) {
     for (const char* const keys : {"*", "-", "--", "---", "----", "---5"}) {
         for (const char* key = keys; *key; key++) {
             const char one[] = {*key, '\0'};
@@ -88,7 +88,7 @@ TEST_F(Undo, takesBackWhatOperatorsInsert) {
     }
 }
 
-TEST_F(Undo, stepsThroughTheFormsOfAMinus) {
+TEST_F(Undo, StepsThroughTheFormsOfAMinus) {
     Type("-");
     NextEvent();
     Type("-");
@@ -98,7 +98,7 @@ TEST_F(Undo, stepsThroughTheFormsOfAMinus) {
     EXPECT_EQ("", Undone());
 }
 
-TEST_F(Undo, knowsNothingOfEarlierEntries) {
+TEST_F(Undo, KnowsNothingOfEarlierEntries) {
     Type("45");
     NextEvent();
     Press(KEY_RETURN);
@@ -111,7 +111,7 @@ TEST_F(Undo, knowsNothingOfEarlierEntries) {
     EXPECT_EQ("", Undone());
 }
 
-TEST_F(Undo, afterClearingKnowsNothing) {
+TEST_F(Undo, AfterClearingKnowsNothing) {
     Type("45");
     NextEvent();
     [console clearConsole];
@@ -123,7 +123,7 @@ TEST_F(Undo, afterClearingKnowsNothing) {
     EXPECT_EQ("", Undone());
 }
 
-TEST_F(Undo, afterOutputAboveTheEntryKnowsNothing) {
+TEST_F(Undo, AfterOutputAboveTheEntryKnowsNothing) {
     Type("45");
     NextEvent();
     [console insertPrePrompt:"note\n":3];
@@ -131,7 +131,7 @@ TEST_F(Undo, afterOutputAboveTheEntryKnowsNothing) {
     EXPECT_EQ("45", Undone());
 }
 
-TEST_F(Undo, redoRestoresTheEntry) {
+TEST_F(Undo, RedoRestoresTheEntry) {
     Type("45");
     NextEvent();
     Undone();
@@ -141,7 +141,7 @@ TEST_F(Undo, redoRestoresTheEntry) {
 }
 
 // Any mixture of editing, undo and redo.
-TEST_F(Undo, noSequenceHarmsTheTranscript) {
+TEST_F(Undo, NoSequenceHarmsTheTranscript) {
     unsigned state = 12345;
     const auto dice = [&state](unsigned sides) {
         state = state * 1103515245U + 12345U;

@@ -33,7 +33,7 @@ protected:
     ZqCalculator calc;
 };
 
-TEST_F(LastAnswer, thereIsNoneBeforeTheFirst) {
+TEST_F(LastAnswer, ThereIsNoneBeforeTheFirst) {
     for (const char* line : {"", "mode deg", "1/0", "echo 5", "f(x)=x", "disp nothing", "list"}) {
         Enter(line);
         EXPECT_EQ("", calc.answer.shown) << line;
@@ -44,7 +44,7 @@ TEST_F(LastAnswer, thereIsNoneBeforeTheFirst) {
     EXPECT_EQ("", calc.answer.shown);
 }
 
-TEST_F(LastAnswer, isThatOfTheLastStatementThatWasEvaluated) {
+TEST_F(LastAnswer, IsThatOfTheLastStatementThatWasEvaluated) {
     const struct {
         const char* line;
         const char* name;
@@ -61,7 +61,7 @@ TEST_F(LastAnswer, isThatOfTheLastStatementThatWasEvaluated) {
     }
 }
 
-TEST_F(LastAnswer, staysThroughErrorsMessagesAndPreviews) {
+TEST_F(LastAnswer, StaysThroughErrorsMessagesAndPreviews) {
     Enter("x=40+2");
     for (const char* line :
          {"1/0", "mode deg", "echo 7", "g(x)=x", "del x", "del all", "disp nothing", "clear"}) {
@@ -73,14 +73,14 @@ TEST_F(LastAnswer, staysThroughErrorsMessagesAndPreviews) {
     EXPECT_EQ("42", calc.PlainAnswer());
 }
 
-TEST_F(LastAnswer, ofARepeatedEntryHasItsText) {
+TEST_F(LastAnswer, OfARepeatedEntryHasItsText) {
     Enter("x=1");
     Enter("x=x*2");
     Enter("");
     Expect("x=x*2", "x", "4");
 }
 
-TEST_F(LastAnswer, staysWhenTheNextEntryIsInterrupted) {
+TEST_F(LastAnswer, StaysWhenTheNextEntryIsInterrupted) {
     Enter("x=42");
     static int asked = 0; // the second question comes after the first statement
     asked = 0;
@@ -90,7 +90,7 @@ TEST_F(LastAnswer, staysWhenTheNextEntryIsInterrupted) {
     Expect("x=42", "x", "42");
 }
 
-TEST_F(LastAnswer, isWrittenInAnotherBaseInTheSettingsOfNow) {
+TEST_F(LastAnswer, IsWrittenInAnotherBaseInTheSettingsOfNow) {
     calc.useSeparator = true;
     Enter("x=1234567.5");
     EXPECT_EQ("1,234,567.5", calc.AnswerIn(10));
@@ -101,7 +101,7 @@ TEST_F(LastAnswer, isWrittenInAnotherBaseInTheSettingsOfNow) {
 }
 
 // Of a longer text only the first 104 digits would be read, without the scale of the others.
-TEST_F(LastAnswer, isCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
+TEST_F(LastAnswer, IsCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
     const char* const power = "1.606938044258990275541962092341162602522202993782792835301376e60";
     const struct {
         const char* settings;
@@ -141,7 +141,7 @@ TEST_F(LastAnswer, isCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
 }
 
 // There the sign stands behind its number.
-TEST_F(LastAnswer, isCopiedAsAddingMachineEntryReadsIt) {
+TEST_F(LastAnswer, IsCopiedAsAddingMachineEntryReadsIt) {
     const struct {
         const char* entry;
         const char* copied;
@@ -156,7 +156,7 @@ TEST_F(LastAnswer, isCopiedAsAddingMachineEntryReadsIt) {
     }
 }
 
-TEST_F(LastAnswer, beyondTheRangeIsNotedByDispToo) {
+TEST_F(LastAnswer, BeyondTheRangeIsNotedByDispToo) {
     Enter("a=1e10000");
     EXPECT_TRUE(calc.overflowed);
     Enter("b=1");

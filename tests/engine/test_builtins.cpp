@@ -26,7 +26,7 @@ std::multiset<std::string> rowsOfGuide() {
     return rows;
 }
 
-TEST(Builtins, areListedInTheGuide) {
+TEST(Builtins, AreListedInTheGuide) {
     std::multiset<std::string> rows;
     for (const Builtin& builtin : builtinTable()) {
         if (builtin.help) rows.insert("| `" + head(builtin) + "` | " + builtin.help + " |");
@@ -34,7 +34,7 @@ TEST(Builtins, areListedInTheGuide) {
     EXPECT_EQ(rows, rowsOfGuide());
 }
 
-TEST_F(Functions, eachRowOfTheTableIsAFunctionInItsOrder) {
+TEST_F(Functions, EachRowOfTheTableIsAFunctionInItsOrder) {
     const Function* function = funcs.Get(0);
     for (const Builtin& builtin : builtinTable()) {
         ASSERT_TRUE(function) << builtin.name;
@@ -45,7 +45,7 @@ TEST_F(Functions, eachRowOfTheTableIsAFunctionInItsOrder) {
     EXPECT_EQ(nullptr, function);
 }
 
-TEST(Builtins, areFoundByTheirNamesAndLogarithmsByTheirBase) {
+TEST(Builtins, AreFoundByTheirNamesAndLogarithmsByTheirBase) {
     for (const Builtin& builtin : builtinTable()) {
         EXPECT_EQ(builtin.compute ? &builtin : nullptr, findBuiltin(builtin.name)) << builtin.name;
     }
@@ -56,7 +56,7 @@ TEST(Builtins, areFoundByTheirNamesAndLogarithmsByTheirBase) {
         EXPECT_EQ(nullptr, findBuiltin(name)) << name;
 }
 
-TEST_F(Functions, aPreviewPaysTheCostOfItsRow) {
+TEST_F(Functions, APreviewPaysTheCostOfItsRow) {
     for (const Builtin& builtin : builtinTable()) {
         if (!builtin.compute) continue;
         const std::string call = std::string(builtin.name) + "(1)";

@@ -12,7 +12,7 @@
 
 namespace {
 
-TEST_F(Functions, randGivesAnotherNumberEachTimeUpToItsArgument) {
+TEST_F(Functions, RandGivesAnotherNumberEachTimeUpToItsArgument) {
     double last = -1;
     int changes = 0;
     for (int i = 0; i < 200; i++) {
@@ -27,7 +27,7 @@ TEST_F(Functions, randGivesAnotherNumberEachTimeUpToItsArgument) {
     EXPECT_GE(changes, 199);
 }
 
-TEST(Factorial, isThePlainProduct) {
+TEST(Factorial, IsThePlainProduct) {
     for (int n : {-5, 0, 1}) EXPECT_EQ(1.0, factorial(n));
     EXPECT_EQ(120.0, factorial(5));
     EXPECT_EQ(2432902008176640000.0, factorial(20));
@@ -79,7 +79,7 @@ std::string randomTerm(std::mt19937& random, const std::vector<std::string>& nam
     }
 }
 
-TEST_F(Functions, callsGiveWhatOrderingEverythingAnewGives) {
+TEST_F(Functions, CallsGiveWhatOrderingEverythingAnewGives) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     ZqCalculator rule;
@@ -113,7 +113,7 @@ TEST_F(Functions, callsGiveWhatOrderingEverythingAnewGives) {
     EXPECT_GT(results, 500);
 }
 
-TEST_F(Functions, aThousandCallsVisitEachTermOnce) {
+TEST_F(Functions, AThousandCallsVisitEachTermOnce) {
     Enter("f(x)=x*2+1");
     // 4 terms a call and a '+' between two of them; the body has 5.
     const std::string line = "f(1)" + repeated("+f(1)", 999);
@@ -126,7 +126,7 @@ TEST_F(Functions, aThousandCallsVisitEachTermOnce) {
     EXPECT_EQ(4u * 1000u + 999u, calc.work.reduced);
 }
 
-TEST_F(Functions, aBodyIsCheckedAndOrderedWhenItIsDefinedAndByNoCall) {
+TEST_F(Functions, ABodyIsCheckedAndOrderedWhenItIsDefinedAndByNoCall) {
     ASSERT_EQ(STATUS_MESSAGE, Enter("f(x)=1" + repeated("+x", 1000)));
     EXPECT_EQ(2u * 2001u, calc.work.checked);
     EXPECT_EQ(2001u, calc.work.ordered);
@@ -136,7 +136,7 @@ TEST_F(Functions, aBodyIsCheckedAndOrderedWhenItIsDefinedAndByNoCall) {
     EXPECT_EQ(4u, calc.work.ordered);
 }
 
-TEST_F(Functions, nestedCallsVisitEachTermOnce) {
+TEST_F(Functions, NestedCallsVisitEachTermOnce) {
     Enter("f(x)=x+1");
     const std::string line = repeated("f(", 90) + "0" + repeated(")", 90);
     EXPECT_EQ("ans = 90\n", Answer(line));
@@ -144,7 +144,7 @@ TEST_F(Functions, nestedCallsVisitEachTermOnce) {
     EXPECT_EQ(3u * 90u + 1u, calc.work.ordered);
 }
 
-TEST_F(Functions, callsNestedDeeperThanAHundredAreSuspected) {
+TEST_F(Functions, CallsNestedDeeperThanAHundredAreSuspected) {
     Enter("f(x)=x+1");
     EXPECT_EQ("ans = 100\n", Answer(repeated("f(", 100) + "0" + repeated(")", 100)));
     EXPECT_EQ("** ERROR 5.1: circular function suspected: f **\n",
@@ -152,7 +152,7 @@ TEST_F(Functions, callsNestedDeeperThanAHundredAreSuspected) {
     EXPECT_EQ("ans = 0\n", Answer(repeated("sin(", 200) + "0" + repeated(")", 200)));
 }
 
-TEST_F(Functions, manyParametersCostTheirTermsOnly) {
+TEST_F(Functions, ManyParametersCostTheirTermsOnly) {
     std::string parameters = "a0";
     std::string sum = "a0";
     std::string arguments = "1";
@@ -166,7 +166,7 @@ TEST_F(Functions, manyParametersCostTheirTermsOnly) {
     EXPECT_EQ(1599u, calc.work.copied);
 }
 
-TEST_F(Functions, anArgumentWithoutTextOrValueIsReported) {
+TEST_F(Functions, AnArgumentWithoutTextOrValueIsReported) {
     ASSERT_EQ(0, calc.ProcessStr("sqrt(1)"));
     node* argument = calc.terms.Get(2);
     argument->type = TERM_NAME;
@@ -175,7 +175,7 @@ TEST_F(Functions, anArgumentWithoutTextOrValueIsReported) {
     EXPECT_STREQ("** ERROR 5: invalid argument in function sqrt **\n", calc.message);
 }
 
-TEST_F(Functions, aCallThatIsNoFlatListIsLeftAsItIs) {
+TEST_F(Functions, ACallThatIsNoFlatListIsLeftAsItIs) {
     for (const char* text :
          {"sqrt(1+2)", "sqrt(-1)", "sqrt((1))", "SQRT(,)", "mod(1,)", "mod(1", "mod(1,2"}) {
         ASSERT_EQ(0, calc.ProcessStr(text));

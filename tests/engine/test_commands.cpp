@@ -13,7 +13,7 @@
 
 namespace {
 
-TEST_F(Functions, unitsAreFoundByTheirDefinitionsHead) {
+TEST_F(Functions, UnitsAreFoundByTheirDefinitionsHead) {
     calc.unitDefs.Push(strDuplicate("unit furlong=220 yard"));
     calc.unitDefs.Push(strDuplicate("unit fur=1 furlong"));
     EXPECT_STREQ("unit furlong=220 yard", calc.UnitExists("furlong")->text);
@@ -26,7 +26,7 @@ TEST_F(Functions, unitsAreFoundByTheirDefinitionsHead) {
     EXPECT_EQ("unit fur=1 furlong\n", Answer("list units"));
 }
 
-TEST_F(Functions, deletingAVariableForgetsItsName) {
+TEST_F(Functions, DeletingAVariableForgetsItsName) {
     Enter("x=1");
     EXPECT_STREQ("x", calc.lastName);
     Enter("del x");
@@ -37,7 +37,7 @@ TEST_F(Functions, deletingAVariableForgetsItsName) {
     EXPECT_EQ(nullptr, calc.lastName);
 }
 
-TEST_F(Functions, gospelAlternates) {
+TEST_F(Functions, GospelAlternates) {
     const std::string first = Answer("gospel");
     EXPECT_EQ(STATUS_MESSAGE, calc.status);
     EXPECT_GT(std::count(first.begin(), first.end(), '.'), 3);
@@ -48,7 +48,7 @@ TEST_F(Functions, gospelAlternates) {
     EXPECT_EQ(STATUS_MESSAGE, calc.status);
 }
 
-TEST_F(Functions, whatIsEchoedBeyondTheTextsSizeIsRefused) {
+TEST_F(Functions, WhatIsEchoedBeyondTheTextsSizeIsRefused) {
     const std::string thousand(1000, 'x');
     EXPECT_EQ("** ERROR: 10000 max characters to show **\n", Answer(repeated("echo " + thousand + ";", 12)));
     EXPECT_EQ(9u * 1001u, strlen(calc.echoText));
@@ -120,13 +120,13 @@ std::vector<std::string> rowsOfCommands() {
     return rows;
 }
 
-TEST_F(Functions, commandWordsAreThoseOfTheGuide) {
+TEST_F(Functions, CommandWordsAreThoseOfTheGuide) {
     EXPECT_EQ(rowsOfCommands(), rowsOfGuide());
 }
 
 // --- The table ---
 
-TEST_F(Functions, whatTheTableOfCommandsShowsIsCarriedOut) {
+TEST_F(Functions, WhatTheTableOfCommandsShowsIsCarriedOut) {
     const std::string nothing = "** ERROR 7";
     for (const Command& command : commandTable()) {
         if (!command.usage) continue;

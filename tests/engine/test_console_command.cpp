@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(ConsoleCommand, aNumberStandsBehindTheWord) {
+TEST(ConsoleCommand, ANumberStandsBehindTheWord) {
     long number = -1;
     EXPECT_TRUE(commandHasNumber("pause500", "pause", number));
     EXPECT_EQ(500, number);
@@ -18,14 +18,14 @@ TEST(ConsoleCommand, aNumberStandsBehindTheWord) {
     }
 }
 
-TEST(ConsoleCommand, aPauseOutsideOfZeroToFiveSecondsIsOneSecond) {
+TEST(ConsoleCommand, APauseOutsideOfZeroToFiveSecondsIsOneSecond) {
     EXPECT_EQ(0, pauseLength(0));
     EXPECT_EQ(100, pauseLength(100));
     EXPECT_EQ(5000, pauseLength(5000));
     for (const long number : {5001L, 7000L, -1L, -5L}) EXPECT_EQ(1000, pauseLength(number)) << number;
 }
 
-TEST(ConsoleCommand, charactersComeAtTheirRate) {
+TEST(ConsoleCommand, CharactersComeAtTheirRate) {
     EXPECT_EQ(1000, waitBetweenCharacters(1));
     EXPECT_EQ(100, waitBetweenCharacters(10));
     EXPECT_EQ(33, waitBetweenCharacters(30));

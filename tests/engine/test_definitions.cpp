@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST_F(Functions, whatIsPrintedDefinesTheSameFunction) {
+TEST_F(Functions, WhatIsPrintedDefinesTheSameFunction) {
     for (const char* line : {"p(x)=x*2",
                              "p()=5",
                              "p(a,b,c)=a+b*c",
@@ -56,7 +56,7 @@ TEST_F(Functions, whatIsPrintedDefinesTheSameFunction) {
     }
 }
 
-TEST_F(Functions, numbersArePrintedWithoutTheDisplaysSettings) {
+TEST_F(Functions, NumbersArePrintedWithoutTheDisplaysSettings) {
     calc.sciMode = SCI_PREFIX;
     calc.sigFigs = 2;
     calc.useSeparator = true;
@@ -66,7 +66,7 @@ TEST_F(Functions, numbersArePrintedWithoutTheDisplaysSettings) {
     EXPECT_EQ("f(x)=12345.678+x\n", Answer("f(x)=12345,678+x"));
 }
 
-TEST_F(Functions, aNumberAboveTheRangeIsPrintedAsANumberAboveTheRange) {
+TEST_F(Functions, ANumberAboveTheRangeIsPrintedAsANumberAboveTheRange) {
     EXPECT_EQ("big(x)=x+1e9999\n", Answer("big(x)=x+1e9999"));
     Deq body;
     node* number = body.Push(new node);
@@ -80,7 +80,7 @@ TEST_F(Functions, aNumberAboveTheRangeIsPrintedAsANumberAboveTheRange) {
     EXPECT_EQ("low(x)=-1e9999", funcs.AddFunction("low", parameter, &body)->ToString());
 }
 
-TEST_F(Functions, longDefinitionsAreCutInTheBufferAlone) {
+TEST_F(Functions, LongDefinitionsAreCutInTheBufferAlone) {
     const std::string body = "1" + repeated("+1a", 3300); // each of them is shown as 1.0e-18
     ASSERT_EQ(STATUS_MESSAGE, Enter("f(x)=" + body));
     const std::string shown = calc.message;
@@ -97,7 +97,7 @@ TEST_F(Functions, longDefinitionsAreCutInTheBufferAlone) {
     EXPECT_EQ(STATUS_MESSAGE, Enter("f"));
 }
 
-TEST_F(Functions, defineFunctionAnswersOneOrMinusOne) {
+TEST_F(Functions, DefineFunctionAnswersOneOrMinusOne) {
     EXPECT_EQ(1, calc.DefineFunction(" f\t( x )\r\n= x * 2 "));
     EXPECT_STREQ("f(x)=x*2\n", calc.message);
     EXPECT_EQ(-1, calc.DefineFunction(""));
@@ -109,7 +109,7 @@ TEST_F(Functions, defineFunctionAnswersOneOrMinusOne) {
 
 // --- Definitions that were kept from an earlier run ---
 
-TEST_F(Functions, aKeptDefinitionMayCallWhatIsNotThere) {
+TEST_F(Functions, AKeptDefinitionMayCallWhatIsNotThere) {
     EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("f(x)=g(x,1)+h(x)", true));
     EXPECT_STREQ("f(x)=g(x,1)+h(x)\n", calc.message);
     EXPECT_EQ("** Unrecognized function: h **\n", Answer("g(x,y)=x-y;f(5)"));
@@ -118,7 +118,7 @@ TEST_F(Functions, aKeptDefinitionMayCallWhatIsNotThere) {
     EXPECT_EQ("ans = 14\n", Answer("f(5)"));
 }
 
-TEST_F(Functions, aKeptDefinitionTakesThePlaceOfAPredefinedFunction) {
+TEST_F(Functions, AKeptDefinitionTakesThePlaceOfAPredefinedFunction) {
     EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x*1000"));
     EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x+*1000", true));
     EXPECT_EQ("ans = 0\n", Answer("sin(0)"));
@@ -130,13 +130,13 @@ TEST_F(Functions, aKeptDefinitionTakesThePlaceOfAPredefinedFunction) {
     EXPECT_EQ("ans = 3\n", Answer("log2(8)"));
 }
 
-TEST_F(Functions, aDefinitionThatIsLongerThanAnEntryMarksItsConversions) {
+TEST_F(Functions, ADefinitionThatIsLongerThanAnEntryMarksItsConversions) {
     const std::string text = "f(x)=x*(3 km->m)+(2 m->cm)" + repeated("+0", TEXT_SIZE);
     EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction(text.c_str()));
     EXPECT_EQ("ans = 15200\n", Answer("f(5)"));
 }
 
-TEST_F(Functions, argumentListsAreCheckedPieceByPiece) {
+TEST_F(Functions, ArgumentListsAreCheckedPieceByPiece) {
     EXPECT_TRUE(calc.IsValidArgList("x"));
     EXPECT_TRUE(calc.IsValidArgList("x,y_1,Z"));
     EXPECT_FALSE(calc.IsValidArgList(""));

@@ -39,13 +39,13 @@ void fill(Deq& list, const char* letters) {
     for (; *letters; letters++) list.Push(named(std::string(1, *letters).c_str()));
 }
 
-TEST(Deq, isEmptyAtFirst) {
+TEST(Deq, IsEmptyAtFirst) {
     Deq list;
     EXPECT_EQ("", texts(list));
     EXPECT_EQ(nullptr, list.first);
 }
 
-TEST(Deq, pushAppendsAndReturnsTheNode) {
+TEST(Deq, PushAppendsAndReturnsTheNode) {
     Deq list;
     node* a = named("a");
     EXPECT_EQ(a, list.Push(a));
@@ -56,7 +56,7 @@ TEST(Deq, pushAppendsAndReturnsTheNode) {
     EXPECT_EQ("ab", texts(list));
 }
 
-TEST(Deq, insertGoesBeforeThePosition) {
+TEST(Deq, InsertGoesBeforeThePosition) {
     Deq list;
     fill(list, "abc");
     list.Insert(named("x"), 0);
@@ -65,7 +65,7 @@ TEST(Deq, insertGoesBeforeThePosition) {
     EXPECT_EQ("xaybc", texts(list));
 }
 
-TEST(Deq, insertOutsideTheListGoesBeforeTheLastNode) {
+TEST(Deq, InsertOutsideTheListGoesBeforeTheLastNode) {
     Deq list;
     fill(list, "abc");
     list.Insert(named("x"), -1);
@@ -76,7 +76,7 @@ TEST(Deq, insertOutsideTheListGoesBeforeTheLastNode) {
     EXPECT_EQ("abxyzc", texts(list));
 }
 
-TEST(Deq, insertIntoAnEmptyList) {
+TEST(Deq, InsertIntoAnEmptyList) {
     for (int i : {-1, 0, 1}) {
         Deq list;
         list.Insert(named("a"), i);
@@ -84,7 +84,7 @@ TEST(Deq, insertIntoAnEmptyList) {
     }
 }
 
-TEST(Deq, insertBeforeANode) {
+TEST(Deq, InsertBeforeANode) {
     Deq list;
     fill(list, "abc");
     list.Insert(strDuplicate("x"), list.first);
@@ -92,7 +92,7 @@ TEST(Deq, insertBeforeANode) {
     EXPECT_EQ("xabyc", texts(list));
 }
 
-TEST(Deq, getCountsFromZeroAndTakesLowIndexesAsTheFirst) {
+TEST(Deq, GetCountsFromZeroAndTakesLowIndexesAsTheFirst) {
     Deq list;
     fill(list, "abc");
     EXPECT_STREQ("a", list.Get(0)->text);
@@ -101,14 +101,14 @@ TEST(Deq, getCountsFromZeroAndTakesLowIndexesAsTheFirst) {
     EXPECT_EQ(nullptr, list.Get(3));
 }
 
-TEST(Deq, getOnAnEmptyListComplainsOnStandardOutput) {
+TEST(Deq, GetOnAnEmptyListComplainsOnStandardOutput) {
     Deq list;
     testing::internal::CaptureStdout();
     EXPECT_EQ(nullptr, list.Get(0));
     EXPECT_EQ("no parent!!!\n", testing::internal::GetCapturedStdout());
 }
 
-TEST(Deq, delReturnsTheNodeBefore) {
+TEST(Deq, DelReturnsTheNodeBefore) {
     Deq list;
     fill(list, "abcd");
     EXPECT_EQ(list.first, list.Del(list.first->next));
@@ -122,7 +122,7 @@ TEST(Deq, delReturnsTheNodeBefore) {
     EXPECT_EQ("", texts(list));
 }
 
-TEST(Deq, clearDeletesEverything) {
+TEST(Deq, ClearDeletesEverything) {
     Deq list;
     fill(list, "abc");
     list.Clear();
@@ -132,7 +132,7 @@ TEST(Deq, clearDeletesEverything) {
     EXPECT_EQ("d", texts(list));
 }
 
-TEST(Deq, copyToCopiesDeeplyButValuesOfNumbersOnly) {
+TEST(Deq, CopyToCopiesDeeplyButValuesOfNumbersOnly) {
     Deq list, copy;
     fill(copy, "z");
     node* number = list.Push(named("0x2", TERM_NUMBER));
@@ -152,14 +152,14 @@ TEST(Deq, copyToCopiesDeeplyButValuesOfNumbersOnly) {
     EXPECT_EQ(OP_ADD, copy.last->type);
 }
 
-TEST(Deq, copyToItselfDoublesTheList) {
+TEST(Deq, CopyToItselfDoublesTheList) {
     Deq list;
     fill(list, "ab");
     list.CopyTo(&list);
     EXPECT_EQ("abab", texts(list));
 }
 
-TEST(Deq, printsTextsAndIsBounded) {
+TEST(Deq, PrintsTextsAndIsBounded) {
     Deq list;
     fill(list, "ab");
     list.Push(new node)->type = OP_ADD;
@@ -173,7 +173,7 @@ TEST(Deq, printsTextsAndIsBounded) {
     EXPECT_EQ('!', out[10000]);
 }
 
-TEST(Deq, countsOperators) {
+TEST(Deq, CountsOperators) {
     Deq list;
     for (int32_t type :
          {+TERM_NAME, +TERM_FUNC, +TERM_DONE, +TERM_NUMBER, +OP_ADD, +OP_OPEN, +OP_CLOSE, +OP_COMMA}) {
@@ -182,7 +182,7 @@ TEST(Deq, countsOperators) {
     EXPECT_EQ(5, list.CountNumberOfOperators());
 }
 
-TEST(Deq, behavesAsAPlainListUnderRandomOperations) {
+TEST(Deq, BehavesAsAPlainListUnderRandomOperations) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     Deq list;
@@ -224,7 +224,7 @@ const OpEntry EXPECTED_OPS[] = {
     {",", 2, 0, 0, 0},
 };
 
-TEST(Operators, tableHoldsEveryOperatorInOrder) {
+TEST(Operators, TableHoldsEveryOperatorInOrder) {
     size_t i = 0;
     for (const OpEntry& expected : EXPECTED_OPS) {
         SCOPED_TRACE(expected.text);
@@ -238,13 +238,13 @@ TEST(Operators, tableHoldsEveryOperatorInOrder) {
     EXPECT_EQ(0, ops[i].code);
 }
 
-TEST(Operators, getOpFindsTheEntryOfACode) {
+TEST(Operators, GetOpFindsTheEntryOfACode) {
     for (const OpEntry& expected : EXPECTED_OPS) EXPECT_STREQ(expected.text, getOp(expected.code).text);
     for (int32_t code : {-1, 0, 1, 10, 28, 128, 129, 130, 131, 1 << 30})
         EXPECT_EQ(0, getOp(code).code) << code;
 }
 
-TEST(Operators, isOpTakesTheFirstEntryThatBeginsTheText) {
+TEST(Operators, IsOpTakesTheFirstEntryThatBeginsTheText) {
     EXPECT_EQ(OP_LOGICAL_AND, isOp("&&3"));
     EXPECT_EQ(OP_AND, isOp("&3"));
     EXPECT_EQ(OP_NOT_EQUAL, isOp("!=3"));
@@ -257,7 +257,7 @@ TEST(Operators, isOpTakesTheFirstEntryThatBeginsTheText) {
     for (const OpEntry& expected : EXPECTED_OPS) EXPECT_EQ(expected.code, isOp(expected.text));
 }
 
-TEST(Operators, isOpOfATermType) {
+TEST(Operators, IsOpOfATermType) {
     for (const OpEntry& expected : EXPECTED_OPS) EXPECT_TRUE(isOp(int32_t{expected.code}));
     EXPECT_TRUE(isOp(TERM_DONE));
     for (int32_t type : {+TERM_NAME, +TERM_FUNC, +TERM_NUMBER, 0, 1, 10, 28, -1})

@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST(NewEngine, hasTheDocumentedDefaults) {
+TEST(NewEngine, HasTheDocumentedDefaults) {
     ZqCalculator calc;
     EXPECT_TRUE(calc.fullEntry);
     EXPECT_FALSE(calc.degreeMode);
@@ -55,14 +55,14 @@ TEST(NewEngine, hasTheDocumentedDefaults) {
     EXPECT_FALSE(calc.interrupted);
 }
 
-TEST(NewEngine, worksWithoutInitialization) {
+TEST(NewEngine, WorksWithoutInitialization) {
     ZqCalculator calc;
     EXPECT_EQ(STATUS_RESULT, calc.ProcessEntry("2+2", false));
     EXPECT_STREQ("ans = 4\n", calc.resultLine);
     EXPECT_EQ(STATUS_MESSAGE, calc.ProcessEntry(nullptr, false));
 }
 
-TEST_F(Engine, startsWithAnsAndPi) {
+TEST_F(Engine, StartsWithAnsAndPi) {
     EXPECT_TRUE(calc.initialized);
     ASSERT_EQ(2, calc.vars.count);
     EXPECT_STREQ("ans", calc.vars.first->text);
@@ -71,7 +71,7 @@ TEST_F(Engine, startsWithAnsAndPi) {
     EXPECT_EQ(0, qcmp(qpi, *calc.vars.last->value));
 }
 
-TEST_F(Engine, keepsTheLastAnswerAndItsName) {
+TEST_F(Engine, KeepsTheLastAnswerAndItsName) {
     EXPECT_EQ(STATUS_RESULT, Enter("x=3/2"));
     EXPECT_STREQ("x", calc.lastName);
     EXPECT_EQ(nullptr, calc.lastValue);
@@ -84,7 +84,7 @@ TEST_F(Engine, keepsTheLastAnswerAndItsName) {
     EXPECT_EQ(2, calc.history.count);
 }
 
-TEST_F(Engine, aPreviewStoresNothing) {
+TEST_F(Engine, APreviewStoresNothing) {
     Enter("x=7");
     EXPECT_EQ(STATUS_RESULT, Preview("y=x*2"));
     EXPECT_STREQ("ans = 14\n", calc.resultLine);
@@ -99,7 +99,7 @@ TEST_F(Engine, aPreviewStoresNothing) {
 }
 
 // The field tells it, not the text, which is digits in other bases.
-TEST_F(Engine, anAnswerBeyondTheRangeIsToldInEveryBase) {
+TEST_F(Engine, AnAnswerBeyondTheRangeIsToldInEveryBase) {
     for (const int base : {10, 16, 2}) {
         calc.displayBase = base;
         EXPECT_EQ(STATUS_RESULT, Enter("1e10000"));
@@ -112,7 +112,7 @@ TEST_F(Engine, anAnswerBeyondTheRangeIsToldInEveryBase) {
     EXPECT_FALSE(calc.overflowed);
 }
 
-TEST_F(Engine, aFullEntryEmptiesTheTexts) {
+TEST_F(Engine, AFullEntryEmptiesTheTexts) {
     Enter("1/0");
     snprintf(calc.echoText, sizeof calc.echoText, "old");
     Enter("2");
@@ -125,7 +125,7 @@ TEST_F(Engine, aFullEntryEmptiesTheTexts) {
     EXPECT_STREQ("old", calc.echoText);
 }
 
-TEST_F(Engine, aNewEntryEndsTheBrowsingOfTheHistory) {
+TEST_F(Engine, ANewEntryEndsTheBrowsingOfTheHistory) {
     Enter("1");
     calc.history.HistLocUp();
     Preview("2");
@@ -134,7 +134,7 @@ TEST_F(Engine, aNewEntryEndsTheBrowsingOfTheHistory) {
     EXPECT_EQ(0, calc.history.location);
 }
 
-TEST_F(Engine, theLineThatTurnsTheHistoryOffIsNotRecorded) {
+TEST_F(Engine, TheLineThatTurnsTheHistoryOffIsNotRecorded) {
     Enter("1");
     Enter("histstack off");
     Enter("HistStack OFF again");
@@ -144,13 +144,13 @@ TEST_F(Engine, theLineThatTurnsTheHistoryOffIsNotRecorded) {
     EXPECT_STREQ("1", calc.history.GetHistoryStr(1));
 }
 
-TEST_F(Engine, doubleSemicolonsSplitTheHistory) {
+TEST_F(Engine, DoubleSemicolonsSplitTheHistory) {
     Enter("1;;2");
     EXPECT_STREQ("2", calc.history.GetHistoryStr(1));
     EXPECT_STREQ("1", calc.history.GetHistoryStr(2));
 }
 
-TEST_F(Engine, takesLinesOfAnyLength) {
+TEST_F(Engine, TakesLinesOfAnyLength) {
     EXPECT_EQ("ans = 5000\n", Answer(repeated(" ", 9000) + "1000;" + repeated(" ", 9000) + "ans*5"));
     EXPECT_EQ("ans = 1\n", Answer("1#" + std::string(1000000, 'x')));
     EXPECT_EQ("** ERROR: 10000 max characters **\n", Answer(std::string(10000, '1')));
@@ -158,7 +158,7 @@ TEST_F(Engine, takesLinesOfAnyLength) {
     EXPECT_EQ("ans = 4\n", Answer("2+2"));
 }
 
-TEST_F(Engine, runsAtMost999Statements) {
+TEST_F(Engine, RunsAtMost999Statements) {
     EXPECT_EQ("ans = 998\n", Answer("ans=0" + repeated(";ans+1", 998) + ";5"));
     Enter("ans=0");
     EXPECT_EQ("ans = 999\n", Answer(repeated("ans+1;", 2000)));
@@ -166,7 +166,7 @@ TEST_F(Engine, runsAtMost999Statements) {
     EXPECT_EQ("ans = 999\n", Answer(repeated("ans+1;", 999)));
 }
 
-TEST_F(Engine, theLongestNumbersAreStillReadWhole) {
+TEST_F(Engine, TheLongestNumbersAreStillReadWhole) {
     const std::string digits(9999, '7');
     calc.sigFigs = 10;
     EXPECT_EQ(STATUS_RESULT, Enter(digits.substr(0, 30) + "+1"));
@@ -174,7 +174,7 @@ TEST_F(Engine, theLongestNumbersAreStillReadWhole) {
     EXPECT_EQ("ans = " + std::string(29, '7') + "8\n", Answer(digits.substr(0, 30) + "+1"));
 }
 
-TEST_F(Engine, aNumberThatOutgrowsTheLineIsShownWithAnExponent) {
+TEST_F(Engine, ANumberThatOutgrowsTheLineIsShownWithAnExponent) {
     calc.sciMode = SCI_NEVER;
     calc.sigFigs = 4;
     EXPECT_EQ("ans = 1" + std::string(9800, '0') + "\n", Answer("1e9800"));
@@ -188,7 +188,7 @@ TEST_F(Engine, ALongUnknownNameThatFitsTheMessageIsShownWhole) {
     EXPECT_EQ("** ERROR 7: invalid term = " + name + " **\n", Answer(name));
 }
 
-TEST_F(Engine, errorsKeepTheirFrameHoweverLongTheTermIs) {
+TEST_F(Engine, ErrorsKeepTheirFrameHoweverLongTheTermIs) {
     const std::string answer = Answer(std::string(9999, 'x'));
     EXPECT_EQ("** ERROR 7: invalid term = xxx", answer.substr(0, 30));
     EXPECT_EQ("xxx **\n", answer.substr(answer.size() - 7));
@@ -197,7 +197,7 @@ TEST_F(Engine, errorsKeepTheirFrameHoweverLongTheTermIs) {
     EXPECT_EQ(" **\n", marks.substr(marks.size() - 4));
 }
 
-TEST_F(Engine, aVariableWithABadNameIsDeletedAndReported) {
+TEST_F(Engine, AVariableWithABadNameIsDeletedAndReported) {
     node* variable = calc.vars.Push(strDuplicate("a-b"));
     variable->type = TERM_NAME;
     variable->SetValue(qone);
@@ -206,7 +206,7 @@ TEST_F(Engine, aVariableWithABadNameIsDeletedAndReported) {
     EXPECT_EQ("ans = 1\n", Answer("1"));
 }
 
-TEST_F(Engine, aPrintedInfinityIsAnOverflow) {
+TEST_F(Engine, APrintedInfinityIsAnOverflow) {
     EXPECT_EQ(STATUS_ERROR, calc.Calculate("1.#INF"));
     EXPECT_STREQ("** ERROR: + overflow **\n", calc.message);
     EXPECT_EQ(STATUS_ERROR, calc.Calculate("0.#INF"));
@@ -215,19 +215,19 @@ TEST_F(Engine, aPrintedInfinityIsAnOverflow) {
     EXPECT_STREQ("** ERROR 7: invalid term = 1.#INFX **\n", calc.message);
 }
 
-TEST_F(Engine, unknownOperatorCodesAreReported) {
+TEST_F(Engine, UnknownOperatorCodesAreReported) {
     ASSERT_EQ(0, calc.ProcessStr("1+2"));
     EXPECT_EQ(nullptr, calc.ProcPair(calc.terms.first->next, 'A'));
     EXPECT_STREQ("** ERROR 16Q: invalid op:A (65) **\n", calc.message);
 }
 
-TEST_F(Engine, theResultIsSnappedToANearInteger) {
+TEST_F(Engine, TheResultIsSnappedToANearInteger) {
     EXPECT_EQ("ans = 3\n", Answer("2+1-1e-90"));
     EXPECT_EQ(0, qcmp(qthree, calc.result));
     EXPECT_EQ("ans = 1.0e-90\n", Answer("1e-90"));
 }
 
-TEST_F(Engine, arithmeticErrorsAreReportedByNameAndText) {
+TEST_F(Engine, ArithmeticErrorsAreReportedByNameAndText) {
     const char* const errors[] = {"unknown",
                                   "result is imaginary",
                                   "singularity",
@@ -255,7 +255,7 @@ TEST_F(Engine, arithmeticErrorsAreReportedByNameAndText) {
     EXPECT_EQ(0, checkMathError("f", out));
 }
 
-TEST_F(Engine, theTraceLineGoesToStandardOutput) {
+TEST_F(Engine, TheTraceLineGoesToStandardOutput) {
     testing::internal::CaptureStdout();
     Enter("(1)");
     EXPECT_EQ("Attempting ProcParenth...\n", testing::internal::GetCapturedStdout());
@@ -268,7 +268,7 @@ bool stopNever() {
     return false;
 }
 
-TEST_F(Engine, anInterruptedEntryAnswersSoAndChangesNothing) {
+TEST_F(Engine, AnInterruptedEntryAnswersSoAndChangesNothing) {
     const std::string line = "x=1" + repeated("+1", 1000);
     calc.interruptCheck = stopAlways;
     EXPECT_EQ("** ERROR: interrupted **\n", Answer(line));
@@ -286,14 +286,14 @@ TEST_F(Engine, anInterruptedEntryAnswersSoAndChangesNothing) {
 
 // --- The work grows with the number of terms ---
 
-TEST_F(Engine, orderingVisitsEachTermOnce) {
+TEST_F(Engine, OrderingVisitsEachTermOnce) {
     EXPECT_EQ("ans = 7\n", Answer(repeated("(", 4950) + "7" + repeated(")", 4950)));
     EXPECT_EQ(9901u, calc.work.ordered);
     EXPECT_EQ(2u * 9901u, calc.work.checked);
     EXPECT_EQ(4950u, calc.work.reduced);
 }
 
-TEST_F(Engine, longSumsTakeOneReductionPerOperator) {
+TEST_F(Engine, LongSumsTakeOneReductionPerOperator) {
     EXPECT_EQ("ans = 5000\n", Answer("1" + repeated("+1", 4999)));
     EXPECT_EQ(9999u, calc.work.ordered);
     EXPECT_EQ(4999u, calc.work.reduced);
@@ -303,7 +303,7 @@ TEST_F(Engine, longSumsTakeOneReductionPerOperator) {
     EXPECT_EQ(4u * 1249u, calc.work.reduced);
 }
 
-TEST_F(Engine, nestedRaisedGroupsAreOnePass) {
+TEST_F(Engine, NestedRaisedGroupsAreOnePass) {
     // 2*-(2*-( ... 1)) with an even number of minuses is 2^2480; divided by itself it is 1.
     const std::string group = repeated("2*-(", 1240) + "1" + repeated(")", 1240);
     EXPECT_EQ("ans = 1\n", Answer("x=" + group + ";ans=x/(1<<1240)"));
@@ -328,7 +328,7 @@ std::vector<const node*> orderByRule(const Deq& terms) {
     return order;
 }
 
-TEST_F(Engine, theOrderIsThatOfTheRule) {
+TEST_F(Engine, TheOrderIsThatOfTheRule) {
     for (const char* line :
          {"1", "1+2*3-4/5", "(1+2)*((3-4)*5)-6", "2*-(3+4*-(5))", "1<2==3&&4||5&6@7|8", "2^-3^4!",
           "sin(1,2*3)+cos((4))", "5 km->mi", "((1))*((2)+(3))>>4<<5>=6<=7!=8>9%10"}) {
@@ -346,7 +346,7 @@ TEST_F(Engine, theOrderIsThatOfTheRule) {
     }
 }
 
-TEST_F(Engine, levelsAreTheDepthsOfTheParentheses) {
+TEST_F(Engine, LevelsAreTheDepthsOfTheParentheses) {
     ASSERT_EQ(0, calc.ProcessStr("1+(2*(3))"));
     ASSERT_EQ(0, calc.VerifyTermsSyntax());
     const int32_t expected[] = {0, 0, 1, 1, 1, 2, 2, 2, 1};
@@ -358,7 +358,7 @@ TEST_F(Engine, levelsAreTheDepthsOfTheParentheses) {
     EXPECT_EQ(6, calc.opCount);
 }
 
-TEST_F(Engine, aRaisedMinusRaisesItsGroup) {
+TEST_F(Engine, ARaisedMinusRaisesItsGroup) {
     ASSERT_EQ(0, calc.ProcessStr("2*-(1+2)*3"));
     ASSERT_EQ(0, calc.VerifyTermsSyntax());
     const int32_t expected[] = {0, 0, 1, 2, 2, 2, 2, 2, 0, 0};
@@ -369,14 +369,14 @@ TEST_F(Engine, aRaisedMinusRaisesItsGroup) {
     }
 }
 
-TEST_F(Engine, commasRaiseNoMinus) {
+TEST_F(Engine, CommasRaiseNoMinus) {
     ASSERT_EQ(0, calc.ProcessStr("sin(2,-3)"));
     ASSERT_EQ(0, calc.VerifyTermsSyntax());
     EXPECT_EQ(OP_SUBTRACT, calc.terms.Get(4)->type);
     EXPECT_EQ(1, calc.terms.Get(4)->level);
 }
 
-TEST_F(Engine, aRaisedMinusRaisesACallLikeAGroup) {
+TEST_F(Engine, ARaisedMinusRaisesACallLikeAGroup) {
     ASSERT_EQ(0, calc.ProcessStr("2*-sin(30)"));
     ASSERT_EQ(0, calc.VerifyTermsSyntax());
     EXPECT_EQ(OP_OPEN, calc.terms.Get(4)->type);

@@ -222,7 +222,7 @@ protected:
 };
 
 // Rows that change nothing would show nothing.
-TEST_F(EntryState, everyStatementOfTheLineChangesWhatItSays) {
+TEST_F(EntryState, EveryStatementOfTheLineChangesWhatItSays) {
     Start();
     for (const Row& row : rows()) {
         const std::string was = State();
@@ -232,7 +232,7 @@ TEST_F(EntryState, everyStatementOfTheLineChangesWhatItSays) {
     }
 }
 
-TEST_F(EntryState, isThatBeforeAnInterruptedEntryWhereverItWasStopped) {
+TEST_F(EntryState, IsThatBeforeAnInterruptedEntryWhereverItWasStopped) {
     const std::string line = Line();
     Start();
     checksLeft = 0;
@@ -252,14 +252,14 @@ TEST_F(EntryState, isThatBeforeAnInterruptedEntryWhereverItWasStopped) {
     }
 }
 
-TEST_F(EntryState, isThatBeforeAnInterruptedEntryOfOneStatement) {
+TEST_F(EntryState, IsThatBeforeAnInterruptedEntryOfOneStatement) {
     for (const Row& row : rows()) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(row.statement, 1));
     ASSERT_NO_FATAL_FAILURE(ExpectUnchanged("new1=0" + repeated("+1", 900), 3));
     for (const char* statement : HANDED_OVER) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(statement, 1));
 }
 
 // A command word or a value of a setting that stands in no row would not be tested.
-TEST_F(EntryState, theRowsHaveEveryCommandWord) {
+TEST_F(EntryState, TheRowsHaveEveryCommandWord) {
     std::vector<std::string> statements(std::begin(HANDED_OVER), std::end(HANDED_OVER));
     for (const Row& row : rows()) statements.push_back(row.statement);
     const auto isThere = [&statements](const std::string& word) {
@@ -276,7 +276,7 @@ TEST_F(EntryState, theRowsHaveEveryCommandWord) {
     }
 }
 
-TEST_F(EntryState, isThatBeforeAPreview) {
+TEST_F(EntryState, IsThatBeforeAPreview) {
     Start();
     for (const Row& row : rows()) ASSERT_NE(STATUS_ERROR, calc->ProcessEntry(row.statement.c_str(), false));
     const std::string after = State();

@@ -90,7 +90,7 @@ static_assert(has<Function*(int)>(&CFunctionList::Get) && has<Function*()>(&CFun
 static_assert(has<Function*(const char*)>(&CFunctionList::FindTabComplete));
 static_assert(has<void()>(&CFunctionList::TabCompleteReset) && has<int32_t>(&CFunctionList::tabIndex));
 
-TEST(Face, hasTheFreeNamesThatProgramsUse) {
+TEST(Face, HasTheFreeNamesThatProgramsUse) {
     EXPECT_STREQ("&&", ops[0].text);
     EXPECT_EQ(13, getOp(OP_LOGICAL_AND).precedence);
     EXPECT_EQ(OP_LOGICAL_AND, isOp("&&"));

@@ -122,7 +122,7 @@ const FormatCase FORMAT_CASES[] = {
     {"0.25", 1000, SCI_NEVER, 0, "0.25"},
 };
 
-TEST(Format, qtoasciiByTable) {
+TEST(Format, QtoasciiByTable) {
     for (const FormatCase& test : FORMAT_CASES) {
         EXPECT_EQ(test.text, formatted(test.number, test.sigfigs, test.scimode, test.separator))
             << test.number << " sigfigs " << test.sigfigs << " mode " << test.scimode;
@@ -130,7 +130,7 @@ TEST(Format, qtoasciiByTable) {
 }
 
 // 0.1234 and 100 nines: shown with 100 decimals it is 0.1235, which is a tie for three figures and above it.
-TEST(Format, aTieThatRoundingMadeIsNoTie) {
+TEST(Format, ATieThatRoundingMadeIsNoTie) {
     qfloat value;
     asctoq(("0.1234" + std::string(100, '9')).c_str(), value);
     char text[FORMAT_SIZE];
@@ -143,7 +143,7 @@ TEST(Format, aTieThatRoundingMadeIsNoTie) {
     EXPECT_STREQ("0.12", text);
 }
 
-TEST(Format, overflowHasASignAndNoDigits) {
+TEST(Format, OverflowHasASignAndNoDigits) {
     qfloat value = {};
     qinfin(value);
     char out[FORMAT_SIZE];
@@ -156,7 +156,7 @@ TEST(Format, overflowHasASignAndNoDigits) {
     EXPECT_STREQ("-OVERFLOW", out);
 }
 
-TEST(Format, zeroHasNoSign) {
+TEST(Format, ZeroHasNoSign) {
     qfloat value = {};
     qneg(value);
     char out[FORMAT_SIZE];
@@ -164,19 +164,19 @@ TEST(Format, zeroHasNoSign) {
     EXPECT_STREQ("0", out);
 }
 
-TEST(Format, fixedModeShowsItsDecimalsBeyondTheKnownDigits) {
+TEST(Format, FixedModeShowsItsDecimalsBeyondTheKnownDigits) {
     EXPECT_EQ("1" + std::string(120, '0') + ".000", formatted("1e120", 3, SCI_FIXED));
     EXPECT_EQ("0." + std::string(99, '0') + "1", formatted("1e-100", 100, SCI_FIXED));
 }
 
-TEST(Format, theLongestTextsFit) {
+TEST(Format, TheLongestTextsFit) {
     const std::string all = formatted("1e9863", 100, SCI_FIXED, ',');
     EXPECT_EQ(9864 + 3287 + 1 + 100, static_cast<int>(all.size()));
     EXPECT_EQ("100,000,", all.substr(0, 8));
     EXPECT_EQ("0." + std::string(9862, '0') + "1", formatted("1e-9863", 100, SCI_NEVER));
 }
 
-TEST(Format, formatResultWritesNothingInOtherBases) {
+TEST(Format, FormatResultWritesNothingInOtherBases) {
     ZqCalculator calc;
     qmov(qten, calc.result);
     char out[FORMAT_SIZE] = "kept";

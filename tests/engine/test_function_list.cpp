@@ -28,7 +28,7 @@ const char* const PREDEFINED_NAMES =
     "exp ln log sqrt ";
 // --- The list ---
 
-TEST_F(Functions, areRegisteredInTheirOrder) {
+TEST_F(Functions, AreRegisteredInTheirOrder) {
     EXPECT_EQ(std::string(PREDEFINED_NAMES) + "mod ", allNames());
     for (int i = 0; i < 19; i++) {
         const Function* function = funcs.Get(i);
@@ -42,7 +42,7 @@ TEST_F(Functions, areRegisteredInTheirOrder) {
     EXPECT_EQ("mod(x,d)=x%d", mod->ToString());
 }
 
-TEST_F(Functions, mayBeInitializedAgainForAnotherCalculator) {
+TEST_F(Functions, MayBeInitializedAgainForAnotherCalculator) {
     Enter("mod(x,d)=x-d");
     Enter("f(x)=x");
     ZqCalculator another;
@@ -56,7 +56,7 @@ TEST_F(Functions, mayBeInitializedAgainForAnotherCalculator) {
     EXPECT_STREQ("", another.message);
 }
 
-TEST_F(Functions, areWalkedByPosition) {
+TEST_F(Functions, AreWalkedByPosition) {
     EXPECT_STREQ("sinc", funcs.Get(0)->name);
     EXPECT_STREQ("sinc", funcs.Get(-5)->name);
     EXPECT_STREQ("tanh", funcs.GetNext()->name);
@@ -75,7 +75,7 @@ TEST_F(Functions, areWalkedByPosition) {
     EXPECT_EQ(99, empty.tabIndex);
 }
 
-TEST_F(Functions, mayBeDeletedDuringTheWalk) {
+TEST_F(Functions, MayBeDeletedDuringTheWalk) {
     for (const Function* function = funcs.Get(0); function; function = funcs.GetNext())
         if (function->name[0] == 's') funcs.DeleteFunction(function);
     EXPECT_EQ("tanh cosh rand floor round ceil abs atan acos asin tan cos exp ln log mod ", allNames());
@@ -85,7 +85,7 @@ TEST_F(Functions, mayBeDeletedDuringTheWalk) {
     EXPECT_STREQ("tanh", funcs.Get(0)->name);
 }
 
-TEST_F(Functions, areFoundByNameAndNumberOfParameters) {
+TEST_F(Functions, AreFoundByNameAndNumberOfParameters) {
     Enter("f(x,y)=x");
     Enter("F(x)=x");
     EXPECT_EQ(2, funcs.FunctionExists("F", 2)->argCount);
@@ -97,7 +97,7 @@ TEST_F(Functions, areFoundByNameAndNumberOfParameters) {
     EXPECT_EQ(nullptr, funcs.FunctionExists("lo", -1));
 }
 
-TEST_F(Functions, whoseNamesBeginWithLogAreThePredefinedOnes) {
+TEST_F(Functions, WhoseNamesBeginWithLogAreThePredefinedOnes) {
     EXPECT_STREQ("sinc", funcs.FunctionExists("log2", 1)->name);
     EXPECT_STREQ("sinc", funcs.FunctionExists("LOGARITHM", -1)->name);
     EXPECT_EQ(nullptr, funcs.FunctionExists("log2", 2));
@@ -105,7 +105,7 @@ TEST_F(Functions, whoseNamesBeginWithLogAreThePredefinedOnes) {
     EXPECT_STREQ("log", funcs.FindByName("LOG", 1)->name);
 }
 
-TEST_F(Functions, addFunctionReadsParametersUpToAnEmptyPiece) {
+TEST_F(Functions, AddFunctionReadsParametersUpToAnEmptyPiece) {
     char list[] = "a,b,,c";
     const Function* function = funcs.AddFunction("many", list, nullptr);
     ASSERT_EQ(2, function->argCount);
@@ -116,7 +116,7 @@ TEST_F(Functions, addFunctionReadsParametersUpToAnEmptyPiece) {
     EXPECT_EQ(0, funcs.AddFunction("none", none, nullptr)->argCount);
 }
 
-TEST_F(Functions, aRedefinitionMovesToTheEndAndAPredefinedOneStays) {
+TEST_F(Functions, ARedefinitionMovesToTheEndAndAPredefinedOneStays) {
     Enter("f(x)=x");
     Enter("g(x)=x");
     Enter("f(x)=x+1");
@@ -137,7 +137,7 @@ const Function* walkFor(const std::string& name, int32_t argCount) {
     return nullptr;
 }
 
-TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
+TEST_F(Functions, LookUpsGiveWhatAWalkGives) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     const std::string names[] = {"a", "A", "b", "aB", "Ab", "sqrt", "mod"};
@@ -169,7 +169,7 @@ TEST_F(Functions, lookUpsGiveWhatAWalkGives) {
     funcs.RecordIn(nullptr);
 }
 
-TEST_F(Functions, variablesAreCheckedWhenSomeWerePutInAlone) {
+TEST_F(Functions, VariablesAreCheckedWhenSomeWerePutInAlone) {
     Enter("1+1");
     EXPECT_EQ("x = 1\n", Answer("x=1"));
     EXPECT_EQ("ans = 2\n", Answer("x+1"));
@@ -182,7 +182,7 @@ TEST_F(Functions, variablesAreCheckedWhenSomeWerePutInAlone) {
 
 // --- Completion ---
 
-TEST_F(Functions, completionGoesFromTheNewestToTheOldestThenStartsOver) {
+TEST_F(Functions, CompletionGoesFromTheNewestToTheOldestThenStartsOver) {
     for (int round = 0; round < 2; round++) {
         for (const char* name : {"sqrt", "sin", "sinh", "sinc", "(none)"})
             EXPECT_EQ(name, nextCompletion("s"));
@@ -200,14 +200,14 @@ TEST_F(Functions, completionGoesFromTheNewestToTheOldestThenStartsOver) {
     EXPECT_EQ("(none)", nextCompletion("sincere"));
 }
 
-TEST_F(Functions, anEmptyPrefixCompletesToEveryFunction) {
+TEST_F(Functions, AnEmptyPrefixCompletesToEveryFunction) {
     std::string names;
     for (std::string name = nextCompletion(""); name != "(none)"; name = nextCompletion(""))
         names = name + " " + names;
     EXPECT_EQ(allNames(), names);
 }
 
-TEST_F(Functions, completionStartsAtTheNewestHoweverManyThereAre) {
+TEST_F(Functions, CompletionStartsAtTheNewestHoweverManyThereAre) {
     for (int i = 0; i < 150; i++) Enter("t" + std::to_string(i) + "x(x)=x");
     EXPECT_EQ("t149x", nextCompletion("t"));
     EXPECT_EQ("t148x", nextCompletion("t"));

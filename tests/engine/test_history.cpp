@@ -26,7 +26,7 @@ void fill(CHistory& history, int from, int to) {
     for (int i = from; i <= to; i++) history.InsertNewEntry(std::to_string(i).c_str());
 }
 
-TEST(History, isEmptyAtFirst) {
+TEST(History, IsEmptyAtFirst) {
     CHistory history;
     EXPECT_EQ(99, history.maxEntries);
     EXPECT_EQ(0, history.count);
@@ -39,7 +39,7 @@ TEST(History, isEmptyAtFirst) {
     EXPECT_FALSE(history.HistLocDownWithMatch(""));
 }
 
-TEST(History, keepsTheNewestLines) {
+TEST(History, KeepsTheNewestLines) {
     CHistory history;
     fill(history, 1, 100);
     EXPECT_EQ(99, history.count);
@@ -48,13 +48,13 @@ TEST(History, keepsTheNewestLines) {
     EXPECT_EQ(nullptr, history.GetHistoryStr(100));
 }
 
-TEST(History, dropsImmediateRepeatsOnly) {
+TEST(History, DropsImmediateRepeatsOnly) {
     CHistory history;
     for (const char* text : {"a", "a", "b", "a"}) insertFiltered(history, text);
     EXPECT_EQ("a|b|a", lines(history));
 }
 
-TEST(History, unfilteredInsertionKeepsRepeats) {
+TEST(History, UnfilteredInsertionKeepsRepeats) {
     CHistory history;
     history.InsertNewEntry("a");
     history.InsertNewEntry("a");
@@ -62,7 +62,7 @@ TEST(History, unfilteredInsertionKeepsRepeats) {
     EXPECT_EQ("a|a", lines(history));
 }
 
-TEST(History, doesNotStoreExitOrEmptyLines) {
+TEST(History, DoesNotStoreExitOrEmptyLines) {
     CHistory history;
     for (const char* text : {"", "\n", "\r\n", "exit", "exit\n", "exit\r\n"}) insertFiltered(history, text);
     EXPECT_EQ(0, history.count);
@@ -71,7 +71,7 @@ TEST(History, doesNotStoreExitOrEmptyLines) {
     EXPECT_EQ("EXIT|exit ", lines(history));
 }
 
-TEST(History, removesOneLineEndFromTheCallersText) {
+TEST(History, RemovesOneLineEndFromTheCallersText) {
     CHistory history;
     char text[] = "a\r\n";
     history.FilteredInsertNew(text, false);
@@ -80,7 +80,7 @@ TEST(History, removesOneLineEndFromTheCallersText) {
     EXPECT_EQ("b\n|a", lines(history));
 }
 
-TEST(History, splitsAtDoubleSemicolons) {
+TEST(History, SplitsAtDoubleSemicolons) {
     CHistory history;
     char text[] = "1+1;;2+2";
     history.FilteredInsertNew(text, true);
@@ -92,19 +92,19 @@ TEST(History, splitsAtDoubleSemicolons) {
     EXPECT_EQ(";||" + std::string("|3|2+2|1+1"), lines(history));
 }
 
-TEST(History, splitPiecesAreNotFiltered) {
+TEST(History, SplitPiecesAreNotFiltered) {
     CHistory history;
     insertFiltered(history, "a;;a;;exit", true);
     EXPECT_EQ("exit|a|a", lines(history));
 }
 
-TEST(History, withoutSplitKeepsTheWholeLine) {
+TEST(History, WithoutSplitKeepsTheWholeLine) {
     CHistory history;
     insertFiltered(history, "1;;2", false);
     EXPECT_EQ("1;;2", lines(history));
 }
 
-TEST(History, browsesUpAndDown) {
+TEST(History, BrowsesUpAndDown) {
     CHistory history;
     fill(history, 1, 2);
     EXPECT_TRUE(history.HistLocUp());
@@ -120,7 +120,7 @@ TEST(History, browsesUpAndDown) {
     EXPECT_FALSE(history.HistLocDown());
 }
 
-TEST(History, browsesLinesWithAPrefix) {
+TEST(History, BrowsesLinesWithAPrefix) {
     CHistory history;
     for (const char* text : {"a1", "b", "a2"}) history.InsertNewEntry(text);
     EXPECT_TRUE(history.HistLocUpWithMatch("a"));
@@ -136,7 +136,7 @@ TEST(History, browsesLinesWithAPrefix) {
     EXPECT_EQ(1, history.location);
 }
 
-TEST(History, prefixesAreExactAndEmptyOnesMatchAll) {
+TEST(History, PrefixesAreExactAndEmptyOnesMatchAll) {
     CHistory history;
     for (const char* text : {"Abc", "ab"}) history.InsertNewEntry(text);
     EXPECT_FALSE(history.HistLocUpWithMatch("abc"));
@@ -147,7 +147,7 @@ TEST(History, prefixesAreExactAndEmptyOnesMatchAll) {
     EXPECT_EQ(2, history.location);
 }
 
-TEST(History, resetAndLastSetTheLocation) {
+TEST(History, ResetAndLastSetTheLocation) {
     CHistory history;
     fill(history, 1, 5);
     history.HistLocUpWithMatch("");
@@ -159,7 +159,7 @@ TEST(History, resetAndLastSetTheLocation) {
     EXPECT_FALSE(history.matching);
 }
 
-TEST(History, clearLeavesTheLocation) {
+TEST(History, ClearLeavesTheLocation) {
     CHistory history;
     fill(history, 1, 5);
     history.HistLocUpWithMatch("");
@@ -173,7 +173,7 @@ TEST(History, clearLeavesTheLocation) {
     EXPECT_EQ("7|6", lines(history));
 }
 
-TEST(History, limitsTheCapacity) {
+TEST(History, LimitsTheCapacity) {
     CHistory history;
     history.SetMaxEntries(5000);
     EXPECT_EQ(999, history.maxEntries);
@@ -190,7 +190,7 @@ TEST(History, limitsTheCapacity) {
     EXPECT_STREQ("502", history.GetHistoryStr(999));
 }
 
-TEST(History, loweringTheCapacityKeepsTheNewestInAgeOrder) {
+TEST(History, LoweringTheCapacityKeepsTheNewestInAgeOrder) {
     CHistory history;
     fill(history, 1, 120);
     history.location = 50;
@@ -205,7 +205,7 @@ TEST(History, loweringTheCapacityKeepsTheNewestInAgeOrder) {
     EXPECT_STREQ("112", history.GetHistoryStr(10));
 }
 
-TEST(History, raisingTheCapacityOfAWrappedRingKeepsItsLines) {
+TEST(History, RaisingTheCapacityOfAWrappedRingKeepsItsLines) {
     CHistory history;
     history.SetMaxEntries(3);
     fill(history, 1, 5);
@@ -364,7 +364,7 @@ private:
     }
 };
 
-TEST(History, behavesAsAPlainListUnderRandomOperations) {
+TEST(History, BehavesAsAPlainListUnderRandomOperations) {
     SCOPED_TRACE(seedText());
     Pair pair;
     for (int step = 0; step < 100000; step++) {

@@ -45,7 +45,7 @@ protected:
     }
 };
 
-TEST_F(NamedTermsTest, aChangeCostsItselfHoweverLongTheListIs) {
+TEST_F(NamedTermsTest, AChangeCostsItselfHoweverLongTheListIs) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     EXPECT_EQ(list.last, terms.Find("v4999"));
     EXPECT_LE(work, 5000u);
@@ -59,7 +59,7 @@ TEST_F(NamedTermsTest, aChangeCostsItselfHoweverLongTheListIs) {
     EXPECT_EQ(2u * 500u, work);
 }
 
-TEST_F(NamedTermsTest, takingBackCostsTheChanges) {
+TEST_F(NamedTermsTest, TakingBackCostsTheChanges) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     terms.Find("v0");
     work = 0;
@@ -75,7 +75,7 @@ TEST_F(NamedTermsTest, takingBackCostsTheChanges) {
     EXPECT_EQ(4u, work); // two changes of the names, there and back
 }
 
-TEST_F(NamedTermsTest, deletingAllIsOneStep) {
+TEST_F(NamedTermsTest, DeletingAllIsOneStep) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     terms.Find("v0");
     const auto before = contentsOf(list);
@@ -92,7 +92,7 @@ TEST_F(NamedTermsTest, deletingAllIsOneStep) {
 }
 
 // Freeing all at once would take longer than an entry may go without a question.
-TEST_F(NamedTermsTest, deletedTermsAreFreedAFewWithEachLookUp) {
+TEST_F(NamedTermsTest, DeletedTermsAreFreedAFewWithEachLookUp) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     const size_t before = heldBytes();
     terms.DeleteAll();
@@ -105,7 +105,7 @@ TEST_F(NamedTermsTest, deletedTermsAreFreedAFewWithEachLookUp) {
     EXPECT_GT(before, heldBytes() + 5000 * 100);
 }
 
-TEST_F(NamedTermsTest, deletedTermsComeBackWithTheirIndex) {
+TEST_F(NamedTermsTest, DeletedTermsComeBackWithTheirIndex) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     const auto before = contentsOf(list);
     undo.Begin();
@@ -121,7 +121,7 @@ TEST_F(NamedTermsTest, deletedTermsComeBackWithTheirIndex) {
     EXPECT_EQ(3u, work); // the appended ones
 }
 
-TEST_F(NamedTermsTest, randomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
+TEST_F(NamedTermsTest, RandomChangesAreTakenBackToTheSameTermsInTheirPlaces) {
     constexpr unsigned SEED = 20261122;
     std::mt19937 random(SEED);
     for (int round = 0; round < 300; round++) {
@@ -181,7 +181,7 @@ bool weigh() {
 }
 
 // What an entry of several statements keeps, in case that it is interrupted.
-TEST_F(CostOfChanges, anEntryOfTwoStatementsCopiesNoVariables) {
+TEST_F(CostOfChanges, AnEntryOfTwoStatementsCopiesNoVariables) {
     calc.interruptCheck = weigh;
     Enter("v1=2;v2=3");
     bytesBefore = mostBytes = heldBytes();
@@ -192,7 +192,7 @@ TEST_F(CostOfChanges, anEntryOfTwoStatementsCopiesNoVariables) {
     calc.interruptCheck = nullptr;
 }
 
-TEST_F(CostOfChanges, deletingBuildsNoIndex) {
+TEST_F(CostOfChanges, DeletingBuildsNoIndex) {
     for (const char* entry : {"del v7", "v7=1", "v8=2", "del v1999", "unit Qqzzz=3 m", "del Qqzzz"}) {
         EXPECT_NE(STATUS_ERROR, Enter(entry)) << entry << calc.message;
         EXPECT_LE(calc.work.indexed, 1u) << entry;
@@ -202,7 +202,7 @@ TEST_F(CostOfChanges, deletingBuildsNoIndex) {
     }
 }
 
-TEST_F(CostOfChanges, anInterruptedEntryPutsBackTheSameTerms) {
+TEST_F(CostOfChanges, AnInterruptedEntryPutsBackTheSameTerms) {
     DefineChain(25);
     const auto variables = contentsOf(calc.vars);
     const auto units = contentsOf(calc.unitDefs);
@@ -222,7 +222,7 @@ TEST_F(CostOfChanges, anInterruptedEntryPutsBackTheSameTerms) {
 }
 
 // The names of logarithms ask whether a predefined function answers: not every function.
-TEST_F(Functions, namesOfLogarithmsAreLookedUpWithoutAWalk) {
+TEST_F(Functions, NamesOfLogarithmsAreLookedUpWithoutAWalk) {
     for (int i = 0; i < 1000; i++) {
         Enter("log_" + std::to_string(i) + "(x,y)=x");
     }
@@ -237,7 +237,7 @@ TEST_F(Functions, namesOfLogarithmsAreLookedUpWithoutAWalk) {
     EXPECT_EQ("ans = 4\n", Answer("log_7(4,5)"));
 }
 
-TEST_F(Functions, aLogarithmsNameIsAnsweredByTheFirstThatFits) {
+TEST_F(Functions, ALogarithmsNameIsAnsweredByTheFirstThatFits) {
     Enter("log_a(x,y)=x");
     EXPECT_STREQ("log_a", funcs.FunctionExists("log_a", 2)->name);
     const Function* const first = funcs.Get(0);

@@ -64,7 +64,7 @@ protected:
 
 using Numbers = std::vector<int32_t>;
 
-TEST_F(Parts, levelsAreDepthsAndARaisedMinusStandsOneHigher) {
+TEST_F(Parts, LevelsAreDepthsAndARaisedMinusStandsOneHigher) {
     ASSERT_EQ(0, Read("(1+2)*3"));
     EXPECT_EQ((Numbers{1, 1, 1, 1, 1, 0, 0}), Levels());
     ASSERT_EQ(0, Read("2*-(1+2)^3")); // the '-' and its group, not what follows them
@@ -75,7 +75,7 @@ TEST_F(Parts, levelsAreDepthsAndARaisedMinusStandsOneHigher) {
     EXPECT_EQ((Numbers{0, 0, 0, 0}), Levels());
 }
 
-TEST_F(Parts, operatorsAreOrderedByLevelThenPrecedenceThenPlace) {
+TEST_F(Parts, OperatorsAreOrderedByLevelThenPrecedenceThenPlace) {
     ASSERT_EQ(0, Read("1+2*3-4"));
     EXPECT_EQ((Numbers{3, 1, 5}), orderOperators(statement.terms));
     ASSERT_EQ(0, Read("1*(2+3)^4"));
@@ -85,7 +85,7 @@ TEST_F(Parts, operatorsAreOrderedByLevelThenPrecedenceThenPlace) {
     EXPECT_EQ((Numbers{}), orderOperators(Deq()));
 }
 
-TEST_F(Parts, aStatementIsScannedCheckedOrderedAndEvaluated) {
+TEST_F(Parts, AStatementIsScannedCheckedOrderedAndEvaluated) {
     ASSERT_EQ(0, Read("2+3*4"));
     std::vector<node*> order;
     for (int32_t position : orderOperators(statement.terms)) order.push_back(statement.terms.Get(position));
@@ -99,7 +99,7 @@ TEST_F(Parts, aStatementIsScannedCheckedOrderedAndEvaluated) {
     EXPECT_EQ(2u, work.reduced);
 }
 
-TEST_F(Parts, aDefinitionKnowsItsParametersAndTheOrderOfItsOperators) {
+TEST_F(Parts, ADefinitionKnowsItsParametersAndTheOrderOfItsOperators) {
     ASSERT_EQ(STATUS_MESSAGE, definitions.Define("f(x, y) = 1+y*(x-y)", false));
     EXPECT_STREQ("f(x,y)=1+y*(x-y)\n", outcome.message);
     const Function* function = funcs.FindByName("f", 2);
@@ -108,7 +108,7 @@ TEST_F(Parts, aDefinitionKnowsItsParametersAndTheOrderOfItsOperators) {
     EXPECT_EQ((Numbers{6, 4, 3, 1}), function->order);
 }
 
-TEST_F(Parts, aTermListThatIsAddedAsAFunctionIsOrderedToo) {
+TEST_F(Parts, ATermListThatIsAddedAsAFunctionIsOrderedToo) {
     ASSERT_EQ(0, Read("x+2*x"));
     char parameter[] = "x";
     const Function* function = funcs.AddFunction("g", parameter, &statement.terms);
@@ -117,7 +117,7 @@ TEST_F(Parts, aTermListThatIsAddedAsAFunctionIsOrderedToo) {
     EXPECT_EQ((Numbers{3, 1}), function->order);
 }
 
-TEST_F(Parts, spendingGivesUpAPreviewAndAsksAnEntry) {
+TEST_F(Parts, SpendingGivesUpAPreviewAndAsksAnEntry) {
     interruptCheck = askOnce;
     statement.fullEntry = false;
     spending.budget.Begin(10000);
@@ -135,7 +135,7 @@ TEST_F(Parts, spendingGivesUpAPreviewAndAsksAnEntry) {
     EXPECT_STREQ("** ERROR: interrupted **\n", outcome.message);
 }
 
-TEST_F(Parts, operatorsNoteAnOverflowOfTheirOperandsOnly) {
+TEST_F(Parts, OperatorsNoteAnOverflowOfTheirOperandsOnly) {
     qfloat overflow = {};
     qfloat value = {};
     qinfin(overflow);
@@ -150,7 +150,7 @@ TEST_F(Parts, operatorsNoteAnOverflowOfTheirOperandsOnly) {
     merror = 0;
 }
 
-TEST_F(Parts, expensiveOperatorsSayWhatTheyTake) {
+TEST_F(Parts, ExpensiveOperatorsSayWhatTheyTake) {
     qfloat large = {};
     asctoq("1e100", large);
     EXPECT_EQ(0u, extraWork(OP_ADD, large, qone));

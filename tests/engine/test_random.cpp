@@ -58,7 +58,7 @@ Expression randomExpression(std::mt19937& random, int depth) {
     return e;
 }
 
-TEST(RandomLines, validExpressionsHaveTheirMathematicalValue) {
+TEST(RandomLines, ValidExpressionsHaveTheirMathematicalValue) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     ZqCalculator calc;
@@ -91,7 +91,7 @@ std::string randomLine(std::mt19937& random) {
     return line;
 }
 
-TEST(RandomLines, everyLineGetsOneWellFormedAnswer) {
+TEST(RandomLines, EveryLineGetsOneWellFormedAnswer) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     deleteAllFunctions();

@@ -42,7 +42,7 @@ protected:
     }
 };
 
-TEST_F(Scanner, makesTermsOfNumbersNamesAndOperators) {
+TEST_F(Scanner, MakesTermsOfNumbersNamesAndOperators) {
     EXPECT_EQ("n + n * n", Terms("2+3*4"));
     EXPECT_EQ("( n - <ans> ) >> <x>", Terms(" ( 2 - ans ) >> x "));
     EXPECT_EQ("", Terms(""));
@@ -52,20 +52,20 @@ TEST_F(Scanner, makesTermsOfNumbersNamesAndOperators) {
     EXPECT_EQ("n", Terms("1;2"));
 }
 
-TEST_F(Scanner, hexadecimalNumbersKeepTheirText) {
+TEST_F(Scanner, HexadecimalNumbersKeepTheirText) {
     EXPECT_EQ("0x1F + n + n", Terms("0x1F+0b101+0o17"));
     EXPECT_EQ("0x1e - n", Terms("0x1e-3"));
     EXPECT_EQ("n - n", Terms("0b1e-3"));
 }
 
-TEST_F(Scanner, theSignOfAnExponentBelongsToTheNumber) {
+TEST_F(Scanner, TheSignOfAnExponentBelongsToTheNumber) {
     EXPECT_EQ("n", Terms("1e-3"));
     EXPECT_EQ("n", Terms("1.E+3"));
     EXPECT_EQ("<e> - n", Terms("e-3"));
     EXPECT_EQ("( n ) <e> - n", Terms("(1)e-3"));
 }
 
-TEST_F(Scanner, functionsAreDefinedNamesBeforeAParenthesis) {
+TEST_F(Scanner, FunctionsAreDefinedNamesBeforeAParenthesis) {
     EXPECT_EQ("{sin} ( n )", Terms("sin(30)"));
     EXPECT_EQ("{SIN} ( n )", Terms("SIN(30)"));
     EXPECT_EQ("<sin> + n", Terms("sin+1"));
@@ -73,7 +73,7 @@ TEST_F(Scanner, functionsAreDefinedNamesBeforeAParenthesis) {
     EXPECT_EQ("{log2} ( n )", Terms("log2(8)"));
 }
 
-TEST_F(Scanner, aCommaSeparatesArgumentsOnlyInsideACall) {
+TEST_F(Scanner, ACommaSeparatesArgumentsOnlyInsideACall) {
     EXPECT_EQ("{sin} ( n , n )", Terms("sin(1,2)"));
     EXPECT_EQ("{sin} ( n , n , n )", Terms("sin(1,000,2)"));
     EXPECT_EQ("n + n", Terms("1,000+1"));
@@ -84,7 +84,7 @@ TEST_F(Scanner, aCommaSeparatesArgumentsOnlyInsideACall) {
     EXPECT_EQ("{sin} ( n ) + n", Terms("sin(1)+1,000"));
 }
 
-TEST_F(Scanner, marksTheUnitInFrontOfTheArrow) {
+TEST_F(Scanner, MarksTheUnitInFrontOfTheArrow) {
     EXPECT_EQ("n MARK <km> -> <mi>", Terms("5 km->mi"));
     EXPECT_EQ("n MARK <km> -> <mi>", Terms("5km->mi"));
     EXPECT_EQ("n MARK <km> -> <mi>", Terms("5 km \t ->mi"));
@@ -102,15 +102,15 @@ TEST_F(Scanner, marksTheUnitInFrontOfTheArrow) {
     EXPECT_EQ("{sin} ( n , MARK <km> -> <m> )", Terms("sin(1, km->m)"));
 }
 
-TEST_F(Scanner, onlyTheFirstArrowIsRewritten) {
+TEST_F(Scanner, OnlyTheFirstArrowIsRewritten) {
     EXPECT_EQ("n MARK <km> -> <mi->ft>", Terms("5 km->mi->ft"));
 }
 
-TEST_F(Scanner, shortTextsHaveNoArrow) {
+TEST_F(Scanner, ShortTextsHaveNoArrow) {
     EXPECT_EQ("<m> - > <m>", Terms("m->m"));
 }
 
-TEST_F(Scanner, definitionsAreRecognized) {
+TEST_F(Scanner, DefinitionsAreRecognized) {
     for (const char* text : {"f(x)=x", "f(x) = x", "f()=1", "(1)=2", "y=(1)+(2=3)"}) {
         calc.fullEntry = false;
         EXPECT_EQ(STATUS_MESSAGE, calc.ProcessStr(text)) << text;
@@ -121,7 +121,7 @@ TEST_F(Scanner, definitionsAreRecognized) {
     }
 }
 
-TEST_F(Scanner, assignmentSetsTheTarget) {
+TEST_F(Scanner, AssignmentSetsTheTarget) {
     EXPECT_EQ("n", Terms("ans=1"));
     EXPECT_EQ(calc.vars.first, calc.target);
     EXPECT_EQ("n == n", Terms("pi=1==2"));
@@ -130,7 +130,7 @@ TEST_F(Scanner, assignmentSetsTheTarget) {
     EXPECT_EQ(calc.vars.first, calc.target);
 }
 
-TEST_F(Scanner, refusesStatementsOfTenThousandCharacters) {
+TEST_F(Scanner, RefusesStatementsOfTenThousandCharacters) {
     EXPECT_EQ(0, calc.ProcessStr(std::string(9999, '1').c_str()));
     EXPECT_EQ(-1, calc.ProcessStr(std::string(10000, '1').c_str()));
     EXPECT_STREQ("** ERROR: 10000 max characters **\n", calc.message);
@@ -138,7 +138,7 @@ TEST_F(Scanner, refusesStatementsOfTenThousandCharacters) {
     EXPECT_EQ(nullptr, calc.terms.first);
 }
 
-TEST_F(Scanner, readsNumbers) {
+TEST_F(Scanner, ReadsNumbers) {
     const struct {
         const char* text;
         const char* number;
@@ -208,19 +208,19 @@ TEST_F(Scanner, readsNumbers) {
     for (const auto& test : cases) EXPECT_EQ(test.number, Number(test.text)) << test.text;
 }
 
-TEST_F(Scanner, takesAVariablesNameForANumberWithoutItsValue) {
+TEST_F(Scanner, TakesAVariablesNameForANumberWithoutItsValue) {
     qfloat value = {};
     EXPECT_EQ(0, calc.Str2Num("pi", value));
     EXPECT_EQ(0, qcmp(qzero, value));
 }
 
-TEST_F(Scanner, noTextIsNoNumber) {
+TEST_F(Scanner, NoTextIsNoNumber) {
     qfloat value = {};
     EXPECT_EQ(-1, calc.Str2Num(nullptr, value));
     EXPECT_STREQ("** crazy error **", calc.message);
 }
 
-TEST_F(Scanner, findDecStringReportsWhereANumberStops) {
+TEST_F(Scanner, FindDecStringReportsWhereANumberStops) {
     const struct {
         const char* text;
         int kind;
@@ -237,7 +237,7 @@ TEST_F(Scanner, findDecStringReportsWhereANumberStops) {
     }
 }
 
-TEST_F(Scanner, namesFollowTheNameRule) {
+TEST_F(Scanner, NamesFollowTheNameRule) {
     for (const char* text : {"a", "Z", "x1", "a_b", "a_", "abc123"})
         EXPECT_TRUE(calc.IsValidVariable(text)) << text;
     for (const char* text : {"", "1", "_a", "a-b", "a b", "a.b", "\xe9", "a\xe9", "a\x11"}) {
@@ -245,13 +245,13 @@ TEST_F(Scanner, namesFollowTheNameRule) {
     }
 }
 
-TEST_F(Scanner, variablesAreFoundByTheirExactName) {
+TEST_F(Scanner, VariablesAreFoundByTheirExactName) {
     EXPECT_EQ(calc.vars.last, calc.VariableExists("pi"));
     EXPECT_EQ(nullptr, calc.VariableExists("PI"));
     EXPECT_EQ(nullptr, calc.VariableExists("p"));
 }
 
-TEST_F(Scanner, swapsPointAndCommaInEuropeanMode) {
+TEST_F(Scanner, SwapsPointAndCommaInEuropeanMode) {
     char text[] = "1.234,5";
     calc.ProcessStringEuropean(text);
     EXPECT_STREQ("1.234,5", text);

@@ -177,7 +177,7 @@ private:
 
 class Sessions : public testing::TestWithParam<std::string> {};
 
-TEST_P(Sessions, answerAsWritten) {
+TEST_P(Sessions, AnswerAsWritten) {
     Session(GetParam()).Run();
 }
 

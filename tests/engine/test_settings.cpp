@@ -27,7 +27,7 @@ class SettingsTable : public Functions {};
 
 } // namespace
 
-TEST_F(SettingsTable, everyKeyIsThereOnceAndItsDefaultIsPossible) {
+TEST_F(SettingsTable, EveryKeyIsThereOnceAndItsDefaultIsPossible) {
     std::set<std::string> keys;
     for (const Setting& setting : SETTINGS) {
         EXPECT_TRUE(keys.insert(setting.key).second) << setting.key;
@@ -39,7 +39,7 @@ TEST_F(SettingsTable, everyKeyIsThereOnceAndItsDefaultIsPossible) {
     EXPECT_EQ(findSetting("no such key"), nullptr);
 }
 
-TEST_F(SettingsTable, numbersBesideTheRangeAreRefused) {
+TEST_F(SettingsTable, NumbersBesideTheRangeAreRefused) {
     for (const Setting& setting : SETTINGS) {
         if (!setting.IsNumber()) continue;
         for (const double number : {setting.least - 1.0, setting.most + 1.0, setting.standard + 0.5, 1e300}) {
@@ -50,7 +50,7 @@ TEST_F(SettingsTable, numbersBesideTheRangeAreRefused) {
     }
 }
 
-TEST_F(SettingsTable, aMissingNumberReadsAsZeroOrAsADefaultWhereZeroIsNoValue) {
+TEST_F(SettingsTable, AMissingNumberReadsAsZeroOrAsADefaultWhereZeroIsNoValue) {
     for (const Setting& setting : SETTINGS) {
         if (!setting.IsNumber()) continue;
         const bool isZeroPossible = setting.IsPossible(0.0);
@@ -58,7 +58,7 @@ TEST_F(SettingsTable, aMissingNumberReadsAsZeroOrAsADefaultWhereZeroIsNoValue) {
     }
 }
 
-TEST_F(SettingsTable, whatARowSetsForAnEntryIsReadFromThere) {
+TEST_F(SettingsTable, WhatARowSetsForAnEntryIsReadFromThere) {
     for (const Setting& setting : SETTINGS) {
         EntrySettings entry;
         const int other = setting.IsNumber() ? otherValue(setting) : 0;
@@ -69,7 +69,7 @@ TEST_F(SettingsTable, whatARowSetsForAnEntryIsReadFromThere) {
 }
 
 // A new field does not compile here before it has a name, and fails without a row.
-TEST_F(SettingsTable, everyFieldThatAnEntryUsesHasARow) {
+TEST_F(SettingsTable, EveryFieldThatAnEntryUsesHasARow) {
     const auto& [degreeMode, sciMode, sigFigs, european, histStack, tenKey, displayBase, twosComp,
                  useSeparator, separatorChar] = static_cast<const EntrySettings&>(calc);
     for (const Setting& setting : SETTINGS) setting.Apply(setting.standard, calc);
@@ -83,7 +83,7 @@ TEST_F(SettingsTable, everyFieldThatAnEntryUsesHasARow) {
     EXPECT_TRUE(histStack) << "it is not kept: the command histstack alone changes it";
 }
 
-TEST_F(SettingsTable, aPointAsTheGroupingMarkCountsAsAComma) {
+TEST_F(SettingsTable, APointAsTheGroupingMarkCountsAsAComma) {
     EntrySettings entry;
     findSetting("schar")->Apply('.', entry);
     EXPECT_EQ(entry.separatorChar, ',');
@@ -91,7 +91,7 @@ TEST_F(SettingsTable, aPointAsTheGroupingMarkCountsAsAComma) {
     EXPECT_EQ(findSetting("schar")->ValueIn(entry), 0xb7);
 }
 
-TEST_F(SettingsTable, everyCommandSetsItsValueAndAnInterruptedEntryTakesItBack) {
+TEST_F(SettingsTable, EveryCommandSetsItsValueAndAnInterruptedEntryTakesItBack) {
     for (const Setting& setting : SETTINGS) {
         if (!setting.command.word) continue;
         for (const int value : {otherValue(setting), setting.standard}) {
@@ -107,7 +107,7 @@ TEST_F(SettingsTable, everyCommandSetsItsValueAndAnInterruptedEntryTakesItBack) 
     }
 }
 
-TEST_F(SettingsTable, everyChoiceHasACommandThatSaysItInItsAnswer) {
+TEST_F(SettingsTable, EveryChoiceHasACommandThatSaysItInItsAnswer) {
     for (const Setting& setting : SETTINGS) {
         for (const SettingChoice& choice : setting.choices) {
             const std::string command = setting.command.word + (" " + std::string(choice.word));
@@ -117,7 +117,7 @@ TEST_F(SettingsTable, everyChoiceHasACommandThatSaysItInItsAnswer) {
     }
 }
 
-TEST_F(SettingsTable, aValueIsReadAsAPersonWritesIt) {
+TEST_F(SettingsTable, AValueIsReadAsAPersonWritesIt) {
     const auto read = [](const char* key, const char* word) {
         int value = -1;
         return findSetting(key)->Read(word, value) ? value : -1;
@@ -144,7 +144,7 @@ TEST_F(SettingsTable, aValueIsReadAsAPersonWritesIt) {
         EXPECT_EQ(read(key, word), -1) << key << ' ' << word;
 }
 
-TEST_F(SettingsTable, aScriptNamesAngleModeExponentsAndBase) {
+TEST_F(SettingsTable, AScriptNamesAngleModeExponentsAndBase) {
     EXPECT_EQ(findSetting("degmode")->CommandFor(0), "mode rad");
     EXPECT_EQ(findSetting("scimode")->CommandFor(SCI_FIXED), "scimode finance");
     EXPECT_EQ(findSetting("scimode")->CommandFor(9), "scimode auto") << "what is none counts as the default";
@@ -152,7 +152,7 @@ TEST_F(SettingsTable, aScriptNamesAngleModeExponentsAndBase) {
     EXPECT_EQ(findSetting("sigfigs")->CommandFor(33), "sigfigs 33");
 }
 
-TEST_F(SettingsTable, ofAWordSoManyLettersCountAsTheCommandsHaveAlwaysTaken) {
+TEST_F(SettingsTable, OfAWordSoManyLettersCountAsTheCommandsHaveAlwaysTaken) {
     EXPECT_EQ("** DEGREE MODE **\n", Answer("Mode Degrees"));
     EXPECT_EQ("** SCIENTIFIC MODE: FIXED **\n", Answer("scimode fin"));
     EXPECT_EQ("** SCIENTIFIC MODE: FIXED **\n", Answer("scimode fixpoint"));
@@ -163,7 +163,7 @@ TEST_F(SettingsTable, ofAWordSoManyLettersCountAsTheCommandsHaveAlwaysTaken) {
     EXPECT_FALSE(calc.european);
 }
 
-TEST_F(SettingsTable, colorsAndFontsAreTextsWithinTheirRanges) {
+TEST_F(SettingsTable, ColorsAndFontsAreTextsWithinTheirRanges) {
     double parts[4] = {};
     EXPECT_TRUE(readColor("0.5 0.25 1 0", parts));
     EXPECT_EQ(colorText(parts), "0.5 0.25 1 0");

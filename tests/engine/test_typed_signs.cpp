@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(TypedSigns, whatPagesWriteBecomesWhatTheEngineReads) {
+TEST(TypedSigns, WhatPagesWriteBecomesWhatTheEngineReads) {
     const struct {
         const char* typed;
         const char* read;
@@ -27,13 +27,13 @@ TEST(TypedSigns, whatPagesWriteBecomesWhatTheEngineReads) {
     for (const auto& row : rows) EXPECT_EQ(TypedSigns().Read(row.typed), row.read) << row.typed;
 }
 
-TEST(TypedSigns, bytesThatAreNoTextStay) {
+TEST(TypedSigns, BytesThatAreNoTextStay) {
     for (const char* const bytes : {"\xff", "1\xc3", "\xe2\x88", "\xc2\xc2\xb2", "\xb2"})
         EXPECT_EQ(TypedSigns().Read(bytes).find('^') == std::string::npos,
                   std::string(bytes) != "\xc2\xc2\xb2");
 }
 
-TEST(TypedSigns, raisedDigitsThatComeOneByOneAreOneExponent) {
+TEST(TypedSigns, RaisedDigitsThatComeOneByOneAreOneExponent) {
     TypedSigns signs;
     EXPECT_EQ(signs.Read("10²"), "10^2");
     EXPECT_EQ(signs.Read("³"), "3");
@@ -48,7 +48,7 @@ std::string typeInto(const std::string& entry, std::size_t place, char typed, bo
     return change->text + std::string(1, typed) + entry.substr(change->length);
 }
 
-TEST(ChangeByOperator, anOperatorThatIsTypedFirstAppliesToTheLastAnswer) {
+TEST(ChangeByOperator, AnOperatorThatIsTypedFirstAppliesToTheLastAnswer) {
     for (const char typed : {'+', '*', '/'}) {
         EXPECT_EQ(typeInto("", 0, typed, true), std::string("ans") + typed);
         EXPECT_EQ(typeInto("5", 0, typed, true), std::string("ans") + typed + "5");
@@ -58,7 +58,7 @@ TEST(ChangeByOperator, anOperatorThatIsTypedFirstAppliesToTheLastAnswer) {
         EXPECT_EQ(typeInto("", 0, typed, false), std::string(1, typed));
 }
 
-TEST(ChangeByOperator, minusChangesOverBetweenASignAndTheLastAnswer) {
+TEST(ChangeByOperator, MinusChangesOverBetweenASignAndTheLastAnswer) {
     EXPECT_EQ(typeInto("", 0, '-', true), "-");
     EXPECT_EQ(typeInto("-", 1, '-', true), "ans-");
     EXPECT_EQ(typeInto("ans-", 4, '-', true), "-");

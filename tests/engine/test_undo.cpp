@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST(UndoTest, runsTheStepsInReverseOrder) {
+TEST(UndoTest, RunsTheStepsInReverseOrder) {
     Undo undo;
     std::string ran;
     undo.Begin();
@@ -22,7 +22,7 @@ TEST(UndoTest, runsTheStepsInReverseOrder) {
     EXPECT_EQ("cba", ran);
 }
 
-TEST(UndoTest, putsBackWhatAPlaceHeld) {
+TEST(UndoTest, PutsBackWhatAPlaceHeld) {
     Undo undo;
     std::string text = "old";
     int number = 1;
@@ -38,7 +38,7 @@ TEST(UndoTest, putsBackWhatAPlaceHeld) {
     EXPECT_EQ(1, number);
 }
 
-TEST(UndoTest, keepsNothingOutsideOfAnEntry) {
+TEST(UndoTest, KeepsNothingOutsideOfAnEntry) {
     Undo undo;
     const auto held = std::make_shared<int>(0);
     const auto step = [held] { ++*held; };

@@ -7,7 +7,7 @@ namespace {
 
 // "invalid unit name '%s' in '%s'" has 30 characters, and each of its two texts is the name: 112 letters make
 // 254 characters, which are formatted. With one letter more the format stands alone.
-TEST_F(Functions, aLongUnitMessageIsItsFormatAlone) {
+TEST_F(Functions, ALongUnitMessageIsItsFormatAlone) {
     const std::string name(112, 'w');
     EXPECT_EQ("** ERROR 13: invalid unit name '" + name + "' in '" + name + "' **\n",
               Answer("5 " + name + "->m"));

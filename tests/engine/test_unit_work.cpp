@@ -36,7 +36,7 @@ const char* const TOO_MUCH = "** ERROR: too much work for a preview **\n";
 // 832 times a power of 1,000: 1,664,000 multiplications, which count as 208,000 of a preview's 60,000.
 const std::string EXPENSIVE = repeated("k^1000*", 832) + "k^1000";
 
-TEST_F(UnitWork, anExpensiveConversionEndsAPreviewBeforeItIsDone) {
+TEST_F(UnitWork, AnExpensiveConversionEndsAPreviewBeforeItIsDone) {
     Enter("unit k=1.0000001 radian");
     EXPECT_EQ(STATUS_ERROR, Preview("1 " + EXPENSIVE + "->radian"));
     EXPECT_STREQ(TOO_MUCH, calc.message);
@@ -45,7 +45,7 @@ TEST_F(UnitWork, anExpensiveConversionEndsAPreviewBeforeItIsDone) {
 }
 
 // A hundred thousand meters are counted, not listed.
-TEST_F(UnitWork, aUnitOfManyNamesIsPreviewed) {
+TEST_F(UnitWork, AUnitOfManyNamesIsPreviewed) {
     Enter("unit k=m^1000");
     Enter("unit big=k^100");
     EXPECT_EQ(STATUS_RESULT, Preview("3 s^1000*s^1->s^1000*s^1"));
@@ -55,7 +55,7 @@ TEST_F(UnitWork, aUnitOfManyNamesIsPreviewed) {
 }
 
 // Each of 1,500 names of each side counts 4: a preview has room for five of such conversions.
-TEST_F(UnitWork, theNamesOfAUnitAreWork) {
+TEST_F(UnitWork, TheNamesOfAUnitAreWork) {
     std::string names;
     for (int part = 0; part < 10; part++) {
         const std::string letter(1, static_cast<char>('a' + part));
@@ -82,7 +82,7 @@ TEST_F(UnitWork, theNamesOfAUnitAreWork) {
     EXPECT_GE(checks, 2 * 1500 * 4 / 1004);
 }
 
-TEST_F(UnitWork, exponentsBeyondEveryLimitAreRefusedInAPreviewToo) {
+TEST_F(UnitWork, ExponentsBeyondEveryLimitAreRefusedInAPreviewToo) {
     for (const char* exponent :
          {"1001", "18446744073709551616", "18446744073709551615", "36893488147419103233"}) {
         const std::string unit = std::string("s^") + exponent;
@@ -91,7 +91,7 @@ TEST_F(UnitWork, exponentsBeyondEveryLimitAreRefusedInAPreviewToo) {
     }
 }
 
-TEST_F(UnitWork, aChainOfSquaresEndsWithAMessageAndTakesNoWork) {
+TEST_F(UnitWork, AChainOfSquaresEndsWithAMessageAndTakesNoWork) {
     const auto name = [](int i) {
         return std::string("u") + static_cast<char>('a' + i / 26) + static_cast<char>('a' + i % 26);
     };
@@ -109,21 +109,21 @@ TEST_F(UnitWork, aChainOfSquaresEndsWithAMessageAndTakesNoWork) {
 }
 
 // The text is work too, whatever stands in it.
-TEST_F(UnitWork, longTextsAreWork) {
+TEST_F(UnitWork, LongTextsAreWork) {
     Enter("f(x)=x*(1 m" + repeated("*", 9900) + "->m)");
     EXPECT_EQ(STATUS_RESULT, Preview("f(1)"));
     EXPECT_EQ(STATUS_ERROR, Preview("f(1)" + repeated("+f(1)", 500)));
     EXPECT_STREQ(TOO_MUCH, calc.message);
 }
 
-TEST_F(UnitWork, ordinaryConversionsArePreviewed) {
+TEST_F(UnitWork, OrdinaryConversionsArePreviewed) {
     EXPECT_EQ(STATUS_RESULT, Preview("5 km->mi"));
     Enter("f(x)=x*(1 km->m)");
     EXPECT_EQ(STATUS_RESULT, Preview("f(1)" + repeated("+f(1)", 499)));
     EXPECT_STREQ("ans = 500000\n", calc.resultLine);
 }
 
-TEST_F(UnitWork, aFailedConversionCountsToo) {
+TEST_F(UnitWork, AFailedConversionCountsToo) {
     Enter("unit k=1.0000001 radian");
     EXPECT_EQ(STATUS_ERROR, Preview("1 " + EXPENSIVE + "->s*"));
     EXPECT_STREQ(TOO_MUCH, calc.message);
@@ -132,7 +132,7 @@ TEST_F(UnitWork, aFailedConversionCountsToo) {
 }
 
 // Within one conversion and within one definition.
-TEST_F(UnitWork, longUnitsAskOften) {
+TEST_F(UnitWork, LongUnitsAskOften) {
     Enter("unit k=1.0000001 radian");
     for (const std::string& entry : {"1 " + EXPENSIVE + "->radian", "unit q=" + EXPENSIVE}) {
         checks = 0;
@@ -151,7 +151,7 @@ TEST_F(UnitWork, longUnitsAskOften) {
     EXPECT_EQ(STATUS_ERROR, Enter("1 q->radian"));
 }
 
-TEST_F(UnitWork, aUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {
+TEST_F(UnitWork, AUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q");
     EXPECT_EQ(INTERRUPTED, Interrupted("del B; f25(1)", 2));
@@ -161,7 +161,7 @@ TEST_F(UnitWork, aUnitDeletedByAnInterruptedEntryIsTheSameAsBefore) {
     EXPECT_EQ("** ERROR: variable, unit or function 'B' not found **\n", Answer("del B"));
 }
 
-TEST_F(UnitWork, aUnitIsTheSameThoughOneItWasDefinedFromHasChanged) {
+TEST_F(UnitWork, AUnitIsTheSameThoughOneItWasDefinedFromHasChanged) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q; unit Q=5 m");
     EXPECT_EQ(INTERRUPTED, Interrupted("del B; f25(1)", 2));
@@ -169,7 +169,7 @@ TEST_F(UnitWork, aUnitIsTheSameThoughOneItWasDefinedFromHasChanged) {
     EXPECT_EQ("ans = 5\n", Answer("1 Q->m"));
 }
 
-TEST_F(UnitWork, aUnitRedefinedIdenticallyIsTakenBack) {
+TEST_F(UnitWork, AUnitRedefinedIdenticallyIsTakenBack) {
     DefineChain(25);
     Enter("unit Q=2 m; unit B=12 Q; del Q; unit Q=5 m");
     EXPECT_EQ(INTERRUPTED, Interrupted("del B; unit B=12 Q; unit D=m; f25(1)", 4));
@@ -179,7 +179,7 @@ TEST_F(UnitWork, aUnitRedefinedIdenticallyIsTakenBack) {
     EXPECT_EQ("ans = 3\n", Answer("1 D->m"));
 }
 
-TEST_F(UnitWork, theCatalogueBuiltByAnInterruptedEntryStays) {
+TEST_F(UnitWork, TheCatalogueBuiltByAnInterruptedEntryStays) {
     DefineChain(25);
     unitFreeMemory();
     EXPECT_EQ(INTERRUPTED, Interrupted("1 km->m; unit smoot=1.7018 m; f25(1)", 3));

@@ -9,7 +9,7 @@ namespace {
 
 using Next = WorkBudget::Next;
 
-TEST(Budget, asksAfterEveryThousandUnits) {
+TEST(Budget, AsksAfterEveryThousandUnits) {
     WorkBudget budget;
     budget.Begin();
     EXPECT_EQ(Next::GoOn, budget.Spend(1000));
@@ -22,7 +22,7 @@ TEST(Budget, asksAfterEveryThousandUnits) {
     EXPECT_EQ(Next::ASK, budget.Spend(5000000));
 }
 
-TEST(Budget, allowsItsLimitAndNoMore) {
+TEST(Budget, AllowsItsLimitAndNoMore) {
     WorkBudget budget;
     budget.Begin(WorkLimit::PREVIEW);
     for (int i = 0; i < 60; i++) {

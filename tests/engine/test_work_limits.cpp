@@ -10,7 +10,7 @@
 
 namespace {
 
-TEST_F(Functions, aPreviewOfTooMuchWorkShowsNothing) {
+TEST_F(Functions, APreviewOfTooMuchWorkShowsNothing) {
     DefineChain(25);
     EXPECT_EQ(STATUS_ERROR, Preview("f25(1)"));
     EXPECT_STREQ("** ERROR: too much work for a preview **\n", calc.message);
@@ -23,14 +23,14 @@ TEST_F(Functions, aPreviewOfTooMuchWorkShowsNothing) {
     EXPECT_EQ("ans = 131072\n", Answer("f17(1)")); // an entry has no such limit
 }
 
-TEST_F(Functions, aPreviewsStatementsShareItsLimit) {
+TEST_F(Functions, APreviewsStatementsShareItsLimit) {
     DefineChain(11);
     ASSERT_EQ(STATUS_RESULT, Preview("f11(1)"));
     EXPECT_EQ(STATUS_ERROR, Preview(repeated("f11(1);", 900)));
     EXPECT_EQ(STATUS_RESULT, Preview("f11(1)"));
 }
 
-TEST_F(Functions, aPreviewOfTooManyCopiesShowsNothing) {
+TEST_F(Functions, APreviewOfTooManyCopiesShowsNothing) {
     Enter("wide(x)=x" + repeated("+x", 4900));
     Enter("wider(x)=wide(x)" + repeated("+wide(x)", 500));
     EXPECT_EQ(STATUS_ERROR, Preview("wider(1)"));
@@ -41,7 +41,7 @@ TEST_F(Functions, aPreviewOfTooManyCopiesShowsNothing) {
 }
 
 // Each of these would format a result: 150 of 60,000.
-TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
+TEST_F(Functions, APreviewOfTooManyStatementsShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Preview(repeated("1;", 400)));
     EXPECT_STREQ("ans = 1\n", calc.resultLine);
     EXPECT_EQ(STATUS_ERROR, Preview(repeated("1;", 401)));
@@ -52,7 +52,7 @@ TEST_F(Functions, aPreviewOfTooManyStatementsShowsNothing) {
 
 // 2^32000 has 32,001 bits, 1,000 units beside the 150 of a result, the 3 of the operator and the 24 of the
 // power: 60,000 / 1,177 = 50.
-TEST_F(Functions, aPreviewOfTooManyLongResultsShowsNothing) {
+TEST_F(Functions, APreviewOfTooManyLongResultsShowsNothing) {
     for (const int base : {10, 16, 2}) {
         calc.displayBase = base;
         EXPECT_EQ(STATUS_RESULT, Preview(repeated("2^32000;", 50)));
@@ -63,7 +63,7 @@ TEST_F(Functions, aPreviewOfTooManyLongResultsShowsNothing) {
 }
 
 // Two operators are 6, the sine 24 and each of the two results 150: (60,000 - 300) / 30 = 1990 sines.
-TEST_F(Functions, aPreviewOfTooManyExpensiveOperationsShowsNothing) {
+TEST_F(Functions, APreviewOfTooManyExpensiveOperationsShowsNothing) {
     const auto line = [](const char* operation, size_t times) {
         return "0" + repeated(operation, times / 2) + ";0" + repeated(operation, times - times / 2);
     };
@@ -81,14 +81,14 @@ TEST_F(Functions, aPreviewOfTooManyExpensiveOperationsShowsNothing) {
 }
 
 // 10^18860 has 62,652 bits, which is 244 units beside the 6 of two operators: (60,000 - 150) / 250 = 239.
-TEST_F(Functions, aPreviewOfTooManyLongRemaindersShowsNothing) {
+TEST_F(Functions, APreviewOfTooManyLongRemaindersShowsNothing) {
     EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+1e9860%1e-9000", 239)));
     EXPECT_EQ(STATUS_ERROR, Preview("0" + repeated("+1e9860%1e-9000", 240)));
     EXPECT_EQ(STATUS_RESULT, Preview("0" + repeated("+7%3", 2400)));
 }
 
 // No operand is copied or looked up again while it grows.
-TEST_F(Functions, aLineIsScannedInTheTimeThatItsLengthTakes) {
+TEST_F(Functions, ALineIsScannedInTheTimeThatItsLengthTakes) {
     Enter("a2e=3");
     for (const char* piece :
          {"1e-", "1e+", ".5e-",  "1E-",     "a2e-",      "b2e-", "b2e-1e-", "1,000", "1e", "abc",
@@ -111,7 +111,7 @@ TEST_F(Functions, aLineIsScannedInTheTimeThatItsLengthTakes) {
 }
 
 // The variables are found through an index, which has to follow every way in which the list changes.
-TEST_F(Functions, variablesAreFoundAfterEveryChange) {
+TEST_F(Functions, VariablesAreFoundAfterEveryChange) {
     const auto firstOfName = [this](const std::string& name) -> node* {
         for (node* variable = calc.vars.first; variable; variable = variable->next) {
             if (name == variable->text) return variable;
@@ -141,7 +141,7 @@ TEST_F(Functions, variablesAreFoundAfterEveryChange) {
     }
 }
 
-TEST_F(Functions, aListIsFormattedAsFarAsItFits) {
+TEST_F(Functions, AListIsFormattedAsFarAsItFits) {
     const std::string body = "x" + repeated("+1.5e-300", 1105);
     for (int i = 0; i < 120; i++) Enter("f" + std::to_string(i) + "(x)=" + body);
     Enter("list");
@@ -171,7 +171,7 @@ void stopAfter(ZqCalculator& calc, int number) {
     calc.interruptCheck = countChecks;
 }
 
-TEST_F(Functions, aLongEntryIsAskedOftenAndStops) {
+TEST_F(Functions, ALongEntryIsAskedOftenAndStops) {
     DefineChain(25);
     stopAfter(calc, 200);
     EXPECT_EQ("** ERROR: interrupted **\n", Answer("y=f25(1)"));
@@ -180,7 +180,7 @@ TEST_F(Functions, aLongEntryIsAskedOftenAndStops) {
     EXPECT_LE(3 * calc.work.reduced + calc.work.copied, 200u * 1010u);
 }
 
-TEST_F(Functions, everyStatementOfAnEntryAsks) {
+TEST_F(Functions, EveryStatementOfAnEntryAsks) {
     for (const char* statement : {"list;", "mod;", "disp pi;", ";", "1;"}) {
         stopAfter(calc, 6);
         EXPECT_EQ("** ERROR: interrupted **\n", Answer(repeated(statement, 999))) << statement;
@@ -192,7 +192,7 @@ TEST_F(Functions, everyStatementOfAnEntryAsks) {
     EXPECT_EQ(999, checks); // its three terms are too few for another question
 }
 
-TEST_F(Functions, aSingleStatementAsksBeforeItRuns) {
+TEST_F(Functions, ASingleStatementAsksBeforeItRuns) {
     for (const char* statement : {"x=1", "del mod", "f(x)=x", "mode rad", "gospel", "unit fur=220 yard"}) {
         stopAfter(calc, 1);
         EXPECT_EQ("** ERROR: interrupted **\n", Answer(statement));
@@ -205,7 +205,7 @@ TEST_F(Functions, aSingleStatementAsksBeforeItRuns) {
 }
 
 // One body is copied whole.
-TEST_F(Functions, theWorkBetweenTwoChecksIsShort) {
+TEST_F(Functions, TheWorkBetweenTwoChecksIsShort) {
     Enter("wide(x)=x" + repeated("+x", 4900));
     stopAfter(calc, 1000000);
     Enter("0" + repeated("+sin(1e99)", 990));
@@ -230,7 +230,7 @@ TEST_F(Functions, theWorkBetweenTwoChecksIsShort) {
     EXPECT_LE(longestWork, 26u);
 }
 
-TEST_F(Functions, aListingCanBeInterruptedInTheMiddle) {
+TEST_F(Functions, AListingCanBeInterruptedInTheMiddle) {
     const std::string definition = "long(x)=x" + repeated("+1e-9000", 900);
     Enter(definition);
     for (const char* statement : {"long", "list"}) {
@@ -245,7 +245,7 @@ TEST_F(Functions, aListingCanBeInterruptedInTheMiddle) {
 }
 
 // A definition is shown when it is made, which takes as long.
-TEST_F(Functions, aDefinitionCanBeInterruptedWhileItIsShown) {
+TEST_F(Functions, ADefinitionCanBeInterruptedWhileItIsShown) {
     Enter("long(x)=x");
     const std::string definition = "long(x)=x" + repeated("+1e-9000", 900);
     stopAfter(calc, 1000000);
@@ -260,7 +260,7 @@ TEST_F(Functions, aDefinitionCanBeInterruptedWhileItIsShown) {
     EXPECT_EQ("long(x)=x\n", Answer("long"));
 }
 
-TEST_F(Functions, theStatementsOfAnInterruptedEntryAreTakenBack) {
+TEST_F(Functions, TheStatementsOfAnInterruptedEntryAreTakenBack) {
     DefineChain(25);
     Enter("a=1;b=2;del2=3;sigfigs 7;mode deg;5");
     Enter("keep(x)=x+1");
@@ -293,7 +293,7 @@ TEST_F(Functions, theStatementsOfAnInterruptedEntryAreTakenBack) {
     EXPECT_STREQ("ans", calc.vars.first->text);
 }
 
-TEST_F(Functions, anEntryInterruptedAfterDelAllHasItsVariables) {
+TEST_F(Functions, AnEntryInterruptedAfterDelAllHasItsVariables) {
     DefineChain(25);
     Enter("a=1;b=a/3");
     Enter("42");
@@ -309,7 +309,7 @@ TEST_F(Functions, anEntryInterruptedAfterDelAllHasItsVariables) {
     EXPECT_EQ("ans = 8\n", Answer("x=8;f1(x)-1"));
 }
 
-TEST_F(Functions, anEntryThatIsNotInterruptedKeepsItsChanges) {
+TEST_F(Functions, AnEntryThatIsNotInterruptedKeepsItsChanges) {
     stopAfter(calc, 1000000);
     EXPECT_EQ("ans = 3\n", Answer("f(x)=x; del mod; f(x)=x+1; f(2)"));
     EXPECT_EQ("f(x)=x+1\n", Answer("list"));
@@ -318,7 +318,7 @@ TEST_F(Functions, anEntryThatIsNotInterruptedKeepsItsChanges) {
     EXPECT_EQ("g(x)=x\n", Answer("g"));
 }
 
-TEST_F(Functions, circularFunctionsEndWithTheirError) {
+TEST_F(Functions, CircularFunctionsEndWithTheirError) {
     const char* const error = "** ERROR 5.1: circular function suspected: f **\n";
     Enter("f(x)=f(x)+1");
     EXPECT_EQ(error, Answer("f(1)"));
@@ -335,7 +335,7 @@ TEST_F(Functions, circularFunctionsEndWithTheirError) {
     EXPECT_EQ("** ERROR 5.1: circular function suspected: g **\n", Answer("g(1)"));
 }
 
-TEST_F(Functions, longArgumentsAreNotCopiedWithoutEnd) {
+TEST_F(Functions, LongArgumentsAreNotCopiedWithoutEnd) {
     Enter("f(x,y)=x" + repeated("+x", 4000));
     const std::string name(9900, 'a');
     EXPECT_EQ("** ERROR 5.1: circular function suspected: f **\n", Answer("f(" + name + ",1)"));
@@ -344,7 +344,7 @@ TEST_F(Functions, longArgumentsAreNotCopiedWithoutEnd) {
     EXPECT_EQ("** ERROR 5.1: circular function suspected: g **\n", Answer("f(1)"));
 }
 
-TEST_F(Functions, theDigitsOfALongNumberAreNotCopied) {
+TEST_F(Functions, TheDigitsOfALongNumberAreNotCopied) {
     Enter("f(x,y)=x" + repeated("+x", 4000));
     EXPECT_EQ("ans = 4001\n", Answer("f(0x" + std::string(9900, '0') + "1,1)"));
     const std::string definition = "g(x)=0x" + std::string(9900, '0') + "1";

@@ -20,7 +20,7 @@ protected:
     const TemporaryFolder folder;
 };
 
-TEST_F(WriterInTheBackground, hasWrittenEverythingWhenItHasFinished) {
+TEST_F(WriterInTheBackground, HasWrittenEverythingWhenItHasFinished) {
     BackgroundWriter writer;
     writer.Write({{File("a"), "one\n"}, {File("b"), "two\n"}});
     writer.Finish();
@@ -28,14 +28,14 @@ TEST_F(WriterInTheBackground, hasWrittenEverythingWhenItHasFinished) {
     EXPECT_EQ(contentOf(File("b")), "two\n");
 }
 
-TEST_F(WriterInTheBackground, leavesTheLastOfManyTexts) {
+TEST_F(WriterInTheBackground, LeavesTheLastOfManyTexts) {
     BackgroundWriter writer;
     for (int i = 0; i < 50; i++) writer.Write({{File("a"), std::to_string(i)}});
     writer.Finish();
     EXPECT_EQ(contentOf(File("a")), "49");
 }
 
-TEST_F(WriterInTheBackground, finishesWhenItGoesAway) {
+TEST_F(WriterInTheBackground, FinishesWhenItGoesAway) {
     {
         BackgroundWriter writer;
         writer.Write({{File("a"), std::string(1000000, 'x')}});
@@ -43,7 +43,7 @@ TEST_F(WriterInTheBackground, finishesWhenItGoesAway) {
     EXPECT_EQ(contentOf(File("a")).size(), 1000000u);
 }
 
-TEST_F(WriterInTheBackground, writesTheOthersWhenOneFails) {
+TEST_F(WriterInTheBackground, WritesTheOthersWhenOneFails) {
     BackgroundWriter writer;
     writer.Write({{File("missing/a"), "one"}, {File("b"), "two"}});
     writer.Finish();
@@ -53,7 +53,7 @@ TEST_F(WriterInTheBackground, writesTheOthersWhenOneFails) {
     EXPECT_EQ(writer.TakeFailures(), "");
 }
 
-TEST_F(WriterInTheBackground, hasNewsOfAFailureOnceUntilTheFileWasWritten) {
+TEST_F(WriterInTheBackground, HasNewsOfAFailureOnceUntilTheFileWasWritten) {
     BackgroundWriter writer;
     const auto hasNews = [&writer](const std::string& path) {
         writer.Write({{path, "text"}});

@@ -11,7 +11,7 @@ using Kind = DefinitionRecord::Kind;
 
 namespace {
 
-TEST(DefinitionRecords, aLineIsWhatItSays) {
+TEST(DefinitionRecords, ALineIsWhatItSays) {
     const struct {
         const char* line;
         Kind kind;
@@ -39,7 +39,7 @@ TEST(DefinitionRecords, aLineIsWhatItSays) {
     }
 }
 
-TEST(DefinitionRecords, keysAreEqualForWhatReplacesEachOther) {
+TEST(DefinitionRecords, KeysAreEqualForWhatReplacesEachOther) {
     const auto isSame = [](const char* a, const char* b) { return recordOf(a).Key() == recordOf(b).Key(); };
     EXPECT_TRUE(isSame("f(x)=x", "F ( y ) = 2"));
     EXPECT_FALSE(isSame("f(x)=x", "f(x,y)=x"));
@@ -52,7 +52,7 @@ TEST(DefinitionRecords, keysAreEqualForWhatReplacesEachOther) {
     EXPECT_EQ("", recordOf("mode deg").Key());
 }
 
-TEST(DefinitionRecords, sectionsBeginWithTheirHeadersAndTheHistoryHasNoRecords) {
+TEST(DefinitionRecords, SectionsBeginWithTheirHeadersAndTheHistoryHasNoRecords) {
     const DefinitionsText text("### FUNCTIONS ###\r\nf(x)=x\r\n\n### CUSTOM UNITS\n# a comment\nunit u=2 m\n"
                                "### HISTORY ###\na=1\n### VARIABLES ###\nb=1");
     ASSERT_EQ(10U, text.lines.size());
@@ -75,14 +75,14 @@ std::string orderOf(const std::string& lines) {
     return order;
 }
 
-TEST(DefinitionRecords, whatIsUsedIsReadFirst) {
+TEST(DefinitionRecords, WhatIsUsedIsReadFirst) {
     EXPECT_EQ("u f b a ", orderOf("a=b+1\nb=2\nf(x)=x\nunit u=2 m\nmode deg\n"));
     EXPECT_EQ("g f ", orderOf("g(x)=f(x)\nf(x)=x\n")); // functions need not
     EXPECT_EQ("f g rate a ", orderOf("f(x)=g(x)\na=f [1]\ng(x)=x*rate\nrate=2\n"));
     EXPECT_EQ("qqc qqb qqa ", orderOf("unit qqa=2 qqbs/s\nunit qqb=5kiloqqc^2\nunit qqc=3 m\n"));
 }
 
-TEST(DefinitionRecords, whatOnlyLooksLikeAUseIsNone) {
+TEST(DefinitionRecords, WhatOnlyLooksLikeAUseIsNone) {
     EXPECT_EQ("f a x ", orderOf("a=f(1)\nx=a+1\nf(x)=x*2\n")); // x is a parameter in f
     EXPECT_EQ("a k ", orderOf("a=5k\nk=2*a\n"));               // 5000
     EXPECT_EQ("a e ", orderOf("a=1e5\ne=2*a\n"));
@@ -91,7 +91,7 @@ TEST(DefinitionRecords, whatOnlyLooksLikeAUseIsNone) {
     EXPECT_EQ("r er ", orderOf("unit r=5 meter\nunit er=2 r\n")); // no "met" in front of er
 }
 
-TEST(DefinitionRecords, circlesStayAsTheyAre) {
+TEST(DefinitionRecords, CirclesStayAsTheyAre) {
     EXPECT_EQ("b a ", orderOf("a=b\nb=a\n"));
     EXPECT_EQ("a ", orderOf("a=a+1\n"));
 }

@@ -11,11 +11,11 @@ namespace {
 
 // --- The text ---
 
-TEST_F(DefinitionsFile, aNewCalculatorHasFourSections) {
+TEST_F(DefinitionsFile, ANewCalculatorHasFourSections) {
     EXPECT_EQ(EMPTY_FILE, Text());
 }
 
-TEST_F(DefinitionsFile, eachSectionHasItsLines) {
+TEST_F(DefinitionsFile, EachSectionHasItsLines) {
     Enter("square(x) = x ^ 2");
     Enter("rate = 0.25");
     Enter("unit smoot = 67 inch");
@@ -36,7 +36,7 @@ TEST_F(DefinitionsFile, eachSectionHasItsLines) {
     EXPECT_EQ("ans = 134\n", Answer("2 smoot->inch"));
 }
 
-TEST_F(DefinitionsFile, settingsDoNotChangeTheText) {
+TEST_F(DefinitionsFile, SettingsDoNotChangeTheText) {
     Enter("f(x)=12345.678*x");
     Enter("v=123456.5");
     Enter("histstack off");
@@ -49,7 +49,7 @@ TEST_F(DefinitionsFile, settingsDoNotChangeTheText) {
     EXPECT_NE(std::string::npos, before.find("\nv=123456.5\n"));
 }
 
-TEST_F(DefinitionsFile, writingLeavesTheEngineAsItIs) {
+TEST_F(DefinitionsFile, WritingLeavesTheEngineAsItIs) {
     for (const char* line : {"1+1", "2+2", "3+3", "unit smoot=67 inch", "huge=1e4931", "tiny=-1e-4931"})
         Enter(line);
     EXPECT_EQ(STATUS_ERROR, Enter("1/0"));
@@ -70,7 +70,7 @@ TEST_F(DefinitionsFile, writingLeavesTheEngineAsItIs) {
 
 // --- Functions ---
 
-TEST_F(DefinitionsFile, definitionsOfAllKindsAreThereAgain) {
+TEST_F(DefinitionsFile, DefinitionsOfAllKindsAreThereAgain) {
     for (const char* line :
          {"a(x)=0x1F+0b11*0o17-x", "b(x)=1.5e-12*x+2.5k-3m", "c(x)=(x km->mi)+(5 km/h->m/s)", "d()=5",
           "e(x)=x+1e9999", "f(x,y,z)={[x]}*-y--z!", "g(x)=1,000,000.5*x", "h(x)=sin(x)^2+mod(x,3)",
@@ -81,7 +81,7 @@ TEST_F(DefinitionsFile, definitionsOfAllKindsAreThereAgain) {
     EXPECT_EQ("ans = 3\n", Answer("a(0x1F+45-3)")); // 31 + 3 * 15 - 73
 }
 
-TEST_F(DefinitionsFile, namesakesWithOtherNumbersOfArgumentsAreThereAgain) {
+TEST_F(DefinitionsFile, NamesakesWithOtherNumbersOfArgumentsAreThereAgain) {
     for (const char* line : {"f(x)=x", "f(x,y)=x*y", "F(x,y,z)=x*y*z", "f(x)=x+100"}) Enter(line);
     ExpectNothingLost();
     EXPECT_EQ("ans = 103\n", Answer("f(3)"));
@@ -89,7 +89,7 @@ TEST_F(DefinitionsFile, namesakesWithOtherNumbersOfArgumentsAreThereAgain) {
     EXPECT_EQ("ans = 60\n", Answer("f(3,4,5)"));
 }
 
-TEST_F(DefinitionsFile, aFunctionMayUseOneThatIsDefinedFurtherDown) {
+TEST_F(DefinitionsFile, AFunctionMayUseOneThatIsDefinedFurtherDown) {
     for (const char* line :
          {"g(x,y)=x", "f(x)=g(x,-1)+1", "h(x)=f(x)*g(2,x)", "f(x)=g(x,-2)+2", "g(x,y)=x-y"}) {
         Enter(line);
@@ -102,7 +102,7 @@ TEST_F(DefinitionsFile, aFunctionMayUseOneThatIsDefinedFurtherDown) {
     EXPECT_EQ("ans = -27\n", Answer("h(5)")); // 9*(2-5)
 }
 
-TEST_F(DefinitionsFile, aDeletedFunctionCanBeDefinedAgainInTheNextRun) {
+TEST_F(DefinitionsFile, ADeletedFunctionCanBeDefinedAgainInTheNextRun) {
     for (const char* line : {"g(x,y)=x-y", "f(x)=g(x,1)", "del g"}) Enter(line);
     ExpectNothingLost();
     EXPECT_EQ(nullptr, funcs.FindByName("g", -1));
@@ -111,7 +111,7 @@ TEST_F(DefinitionsFile, aDeletedFunctionCanBeDefinedAgainInTheNextRun) {
     EXPECT_EQ("ans = 4\n", Answer("f(5)"));
 }
 
-TEST_F(DefinitionsFile, aFunctionInThePlaceOfADeletedPredefinedOneIsThereAgain) {
+TEST_F(DefinitionsFile, AFunctionInThePlaceOfADeletedPredefinedOneIsThereAgain) {
     for (const char* line : {"del sin", "del cos", "f(x)=sin(x)+1", "Sin(x)=x*1000", "f(x,y)=cos(x)"})
         Enter(line);
     ExpectNothingLost();
@@ -120,7 +120,7 @@ TEST_F(DefinitionsFile, aFunctionInThePlaceOfADeletedPredefinedOneIsThereAgain) 
     EXPECT_EQ("ans = 1\n", Answer("cos(0)")); // predefined functions are there in every run
 }
 
-TEST_F(DefinitionsFile, aFunctionWhoseNameBeginsLikeALogarithmIsThereAgain) {
+TEST_F(DefinitionsFile, AFunctionWhoseNameBeginsLikeALogarithmIsThereAgain) {
     for (const char* name : {"sinc", "tanh", "cosh", "sinh", "rand", "floor", "round", "ceil", "abs", "atan",
                              "acos", "asin", "tan", "cos", "sin", "exp", "ln", "log", "sqrt"}) {
         Enter(std::string("del ") + name);
@@ -134,13 +134,13 @@ TEST_F(DefinitionsFile, aFunctionWhoseNameBeginsLikeALogarithmIsThereAgain) {
     EXPECT_EQ("ans = 3\n", Answer("log(1000)"));
 }
 
-TEST_F(DefinitionsFile, aRefusedFunctionLeavesThePredefinedOne) {
+TEST_F(DefinitionsFile, ARefusedFunctionLeavesThePredefinedOne) {
     EXPECT_TRUE(IsDamaged(fileWith("sin(x)=x+*\nsqrt(x,)=5\n")));
     EXPECT_EQ("ans = 3\n", Answer("sqrt(9)"));
     EXPECT_EQ("ans = 0\n", Answer("sin(0)"));
 }
 
-TEST_F(DefinitionsFile, definitionsThatUseUnitsAndVariablesAreThereAgain) {
+TEST_F(DefinitionsFile, DefinitionsThatUseUnitsAndVariablesAreThereAgain) {
     for (const char* line : {"rate=1.5", "unit smoot=67 inch", "f(x)=x*rate", "g(x)=x*(2 smoot->inch)",
                              "del rate", "rate=2.5"}) {
         Enter(line);
@@ -150,7 +150,7 @@ TEST_F(DefinitionsFile, definitionsThatUseUnitsAndVariablesAreThereAgain) {
     EXPECT_EQ("ans = 268\n", Answer("g(2)"));
 }
 
-TEST_F(DefinitionsFile, definitionsInTheSettingsThatHoldAreThereAgain) {
+TEST_F(DefinitionsFile, DefinitionsInTheSettingsThatHoldAreThereAgain) {
     calc->european = true;
     for (const char* line : {"unit ell=1,1 m", "len(x.y)=x*1,5 ell->m", "odd(x)=5 km->mi+3 m->ft"}) {
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << calc->message;
@@ -162,7 +162,7 @@ TEST_F(DefinitionsFile, definitionsInTheSettingsThatHoldAreThereAgain) {
     EXPECT_EQ("ans = 2,75\n", Answer("2,5 ell->m"));
 }
 
-TEST_F(DefinitionsFile, aDefinitionThatIsLongerThanAnEntryIsThereAgain) {
+TEST_F(DefinitionsFile, ADefinitionThatIsLongerThanAnEntryIsThereAgain) {
     ASSERT_EQ(STATUS_MESSAGE, Enter("f(x)=x" + repeated("+1a", 3000))); // each of them is shown as 1.0e-18
     ASSERT_EQ(STATUS_MESSAGE, Enter("g(x)=x*(3 km->m)+(2 m->cm)" + repeated("+1a", 3000)));
     EXPECT_GT(funcs.FindByName("g", -1)->ToString().size(), TEXT_SIZE);
@@ -171,7 +171,7 @@ TEST_F(DefinitionsFile, aDefinitionThatIsLongerThanAnEntryIsThereAgain) {
     EXPECT_EQ("ans = 15200\n", Answer("round(g(5))"));
 }
 
-TEST_F(DefinitionsFile, longEntriesAreReadWhole) {
+TEST_F(DefinitionsFile, LongEntriesAreReadWhole) {
     const std::string definition = "f(x)=x" + repeated("+1", 4900);
     Enter(definition);
     Enter("1" + repeated("+1", 20000));
@@ -180,14 +180,14 @@ TEST_F(DefinitionsFile, longEntriesAreReadWhole) {
     EXPECT_EQ("ans = 4900\n", Answer("f(0)"));
 }
 
-TEST_F(DefinitionsFile, lettersBeyondAsciiInABodyAreThereAgain) {
+TEST_F(DefinitionsFile, LettersBeyondAsciiInABodyAreThereAgain) {
     Enter("f(x)=x+caf\xe9");
     ExpectNothingLost();
 }
 
 // --- Variables ---
 
-TEST_F(DefinitionsFile, piKeepsItsFullPrecision) {
+TEST_F(DefinitionsFile, PiKeepsItsFullPrecision) {
     Enter("circle=pi");
     EXPECT_FALSE(NextRun().damaged);
     EXPECT_EQ(0, memcmp(qpi, *calc->VariableExists("pi")->value, sizeof(qfloat)));
@@ -196,7 +196,7 @@ TEST_F(DefinitionsFile, piKeepsItsFullPrecision) {
     EXPECT_EQ("ans = 3\n", Answer("pi"));
 }
 
-TEST_F(DefinitionsFile, variablesAreThereAgainWithAHundredDigits) {
+TEST_F(DefinitionsFile, VariablesAreThereAgainWithAHundredDigits) {
     for (const char* line : {"third=1/3", "big=2^300", "small=-1/7e200", "huge=1e4900", "tiny=1e-4900",
                              "neg=-5", "Third=2/3", "hex=0xFFFFFFFF", "mixed_1=1234567.25"}) {
         Enter(line);
@@ -207,7 +207,7 @@ TEST_F(DefinitionsFile, variablesAreThereAgainWithAHundredDigits) {
     EXPECT_EQ("ans = 1\n", Answer("third*3"));
 }
 
-TEST_F(DefinitionsFile, namesOfCommandsAreNamesInDefinitions) {
+TEST_F(DefinitionsFile, NamesOfCommandsAreNamesInDefinitions) {
     for (const char* name :
          {"del", "unit", "echo", "echo5", "exit", "list", "mode", "sigfigs", "convert", "gospel"}) {
         Enter(name + std::string("=5"));
@@ -219,13 +219,13 @@ TEST_F(DefinitionsFile, namesOfCommandsAreNamesInDefinitions) {
     EXPECT_NE(nullptr, funcs.FindByName("del", 1));
 }
 
-TEST_F(DefinitionsFile, theLastAnswerIsThereAgain) {
+TEST_F(DefinitionsFile, TheLastAnswerIsThereAgain) {
     Enter("6*7");
     ExpectNothingLost();
     EXPECT_EQ("ans = 43\n", Answer("ans+1"));
 }
 
-TEST_F(DefinitionsFile, aVariableThatHoldsTheOverflowValueIsLeftOut) {
+TEST_F(DefinitionsFile, AVariableThatHoldsTheOverflowValueIsLeftOut) {
     Enter("big=5");
     Enter("next=6");
     calc->history.Clear();
@@ -238,7 +238,7 @@ TEST_F(DefinitionsFile, aVariableThatHoldsTheOverflowValueIsLeftOut) {
 
 // --- Units ---
 
-TEST_F(DefinitionsFile, unitsAreThereAgain) {
+TEST_F(DefinitionsFile, UnitsAreThereAgain) {
     for (const char* line :
          {"unit smoot=67 inch", "unit zorkmid=-primitive", "unit purse=12.5 zorkmid/m^2"}) {
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << calc->message;
@@ -248,7 +248,7 @@ TEST_F(DefinitionsFile, unitsAreThereAgain) {
     EXPECT_EQ(3, calc->unitDefs.count);
 }
 
-TEST_F(DefinitionsFile, aUnitThatIsThereIsNotDefinedTwice) {
+TEST_F(DefinitionsFile, AUnitThatIsThereIsNotDefinedTwice) {
     Enter("unit smoot=67 inch");
     ASSERT_TRUE(writeFileAtomically(path, Text()));
     EXPECT_FALSE(readDefinitions(*calc, path).damaged);
@@ -258,13 +258,13 @@ TEST_F(DefinitionsFile, aUnitThatIsThereIsNotDefinedTwice) {
     EXPECT_EQ("ans = 67\n", Answer("1 smoot->inch"));
 }
 
-TEST_F(DefinitionsFile, unitsMayBeInAnyOrder) {
+TEST_F(DefinitionsFile, UnitsMayBeInAnyOrder) {
     EXPECT_FALSE(IsDamaged(fileWith("unit ca=3 cb\nunit cb=2 cc\nunit cc=5 m\n")));
     EXPECT_EQ("ans = 30\n", Answer("1 ca->m"));
     ExpectNothingLost();
 }
 
-TEST_F(DefinitionsFile, aUnitKeepsItsValueWhenAnotherInItWasDefinedAnewOrDeleted) {
+TEST_F(DefinitionsFile, AUnitKeepsItsValueWhenAnotherInItWasDefinedAnewOrDeleted) {
     for (const char* line : {"unit aa=5 m", "unit bb=2.5 aa/s", "unit cc=3 aa", "del aa", "unit aa=7 m",
                              "unit dd=4 s", "unit ee=1/dd", "del dd"}) {
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc->message;
@@ -278,7 +278,7 @@ TEST_F(DefinitionsFile, aUnitKeepsItsValueWhenAnotherInItWasDefinedAnewOrDeleted
     EXPECT_EQ("ans = 0.5\n", Answer("2 ee->1/s"));
 }
 
-TEST_F(DefinitionsFile, aUnitOfManyNamesIsKeptByItsValueInALineThatCanBeReadAgain) {
+TEST_F(DefinitionsFile, AUnitOfManyNamesIsKeptByItsValueInALineThatCanBeReadAgain) {
     for (const char* line : {"unit many=m^1000", "unit most=many^99/s^3", "del many"}) {
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc->message;
     }
@@ -288,7 +288,7 @@ TEST_F(DefinitionsFile, aUnitOfManyNamesIsKeptByItsValueInALineThatCanBeReadAgai
 
 // --- History ---
 
-TEST_F(DefinitionsFile, theHistoryIsThereAgainInItsOrder) {
+TEST_F(DefinitionsFile, TheHistoryIsThereAgainInItsOrder) {
     const std::vector<std::string> lines = {"1+1",         "### HISTORY ###",
                                             "# a comment", "### FUNCTIONS ###",
                                             "a=5 # five",  "  blanks  ",
@@ -302,14 +302,14 @@ TEST_F(DefinitionsFile, theHistoryIsThereAgainInItsOrder) {
     }
 }
 
-TEST_F(DefinitionsFile, aLineFeedInTheHistoryBecomesABlank) {
+TEST_F(DefinitionsFile, ALineFeedInTheHistoryBecomesABlank) {
     calc->history.InsertNewEntry("1+\n2+\r3\x01+\t4");
     EXPECT_FALSE(NextRun().damaged);
     EXPECT_EQ(1, calc->history.count);
     EXPECT_STREQ("1+ 2+ 3 +\t4", calc->history.GetHistoryStr(1));
 }
 
-TEST_F(DefinitionsFile, theHistoryKeepsItsNewestLines) {
+TEST_F(DefinitionsFile, TheHistoryKeepsItsNewestLines) {
     for (int i = 0; i < 99; i++) Enter("1+" + std::to_string(i));
     ASSERT_TRUE(writeFileAtomically(path, Text()));
     StartAgain();

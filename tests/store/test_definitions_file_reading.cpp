@@ -14,7 +14,7 @@ class ReadingADefinitionsFile : public DefinitionsFile {};
 
 // --- Reading ---
 
-TEST_F(ReadingADefinitionsFile, aMissingFileIsNotOpened) {
+TEST_F(ReadingADefinitionsFile, AMissingFileIsNotOpened) {
     const DefinitionsRead read = readDefinitions(*calc, path);
     EXPECT_FALSE(read.opened);
     EXPECT_FALSE(read.damaged);
@@ -22,7 +22,7 @@ TEST_F(ReadingADefinitionsFile, aMissingFileIsNotOpened) {
     EXPECT_EQ(EMPTY_FILE, Text());
 }
 
-TEST_F(ReadingADefinitionsFile, europeanAndTenKeyDoNotCountAndStay) {
+TEST_F(ReadingADefinitionsFile, EuropeanAndTenKeyDoNotCountAndStay) {
     Enter("f(x,y)=1.5*x-2e-3*y");
     Enter("v=1234.5");
     const std::string before = Text();
@@ -38,7 +38,7 @@ TEST_F(ReadingADefinitionsFile, europeanAndTenKeyDoNotCountAndStay) {
     }
 }
 
-TEST_F(ReadingADefinitionsFile, whatWasEnteredInEuropeanAndTenKeyModeIsThereAgain) {
+TEST_F(ReadingADefinitionsFile, WhatWasEnteredInEuropeanAndTenKeyModeIsThereAgain) {
     calc->european = true;
     EXPECT_EQ("f(x)=1.5*x\n", Answer("f(x)=1,5*x"));
     calc->tenKey = true;
@@ -53,7 +53,7 @@ bool interruptAtOnce() {
     return true;
 }
 
-TEST_F(ReadingADefinitionsFile, readingLeavesAFreshStart) {
+TEST_F(ReadingADefinitionsFile, ReadingLeavesAFreshStart) {
     merror = 0;
     putContent(path, fileWith("f(x)=x+1\nbad bad bad\necho shown\nv=5\ndisp v\nw=1" + repeated("+1", 4000) +
                                   "\nz=7*0e5\n",
@@ -83,7 +83,7 @@ TEST_F(ReadingADefinitionsFile, readingLeavesAFreshStart) {
     EXPECT_EQ("ans = 4001\n", Answer("w"));
 }
 
-TEST_F(ReadingADefinitionsFile, noLineRepeatsTheHistory) {
+TEST_F(ReadingADefinitionsFile, NoLineRepeatsTheHistory) {
     Enter("a=1");
     Enter("a=a+1");
     Enter("");
@@ -95,13 +95,13 @@ TEST_F(ReadingADefinitionsFile, noLineRepeatsTheHistory) {
     EXPECT_EQ("ans = 4\n", Answer("a"));
 }
 
-TEST_F(ReadingADefinitionsFile, theFirstLineIsLeftOut) {
+TEST_F(ReadingADefinitionsFile, TheFirstLineIsLeftOut) {
     EXPECT_TRUE(IsDamaged("a=5\nb=6\n### HISTORY ###\n"));
     EXPECT_EQ(nullptr, calc->VariableExists("a"));
     EXPECT_NE(nullptr, calc->VariableExists("b"));
 }
 
-TEST_F(ReadingADefinitionsFile, commentsBlankLinesAndOtherLineEndsAreNoDamage) {
+TEST_F(ReadingADefinitionsFile, CommentsBlankLinesAndOtherLineEndsAreNoDamage) {
     EXPECT_FALSE(IsDamaged("### FUNCTIONS ###\r\n"
                            "# mine\r\n\r\n   \r\n"
                            "f ( x ) = x + 1 # adds one\r\n"
@@ -112,13 +112,13 @@ TEST_F(ReadingADefinitionsFile, commentsBlankLinesAndOtherLineEndsAreNoDamage) {
     EXPECT_STREQ("v", calc->history.GetHistoryStr(2));
 }
 
-TEST_F(ReadingADefinitionsFile, anOrdinaryFileIsNoDamage) {
+TEST_F(ReadingADefinitionsFile, AnOrdinaryFileIsNoDamage) {
     EXPECT_FALSE(IsDamaged(EMPTY_FILE));
     EXPECT_FALSE(IsDamaged(fileWith("v=5\n", "v\n")));
     EXPECT_FALSE(IsDamaged("### FUNCTIONS ###\n### HISTORY ###\n"));
 }
 
-TEST_F(ReadingADefinitionsFile, damageIsNoticedAndTheRestIsRead) {
+TEST_F(ReadingADefinitionsFile, DamageIsNoticedAndTheRestIsRead) {
     EXPECT_TRUE(IsDamaged(""));
     EXPECT_TRUE(IsDamaged("\n"));
     EXPECT_TRUE(IsDamaged("### VARIABLES ###\nv=5\n### HISTORY ###\nv\n"));
@@ -134,7 +134,7 @@ TEST_F(ReadingADefinitionsFile, damageIsNoticedAndTheRestIsRead) {
     EXPECT_EQ("ans = 5\n", Answer("v"));
 }
 
-TEST_F(ReadingADefinitionsFile, controlCharactersAreDamage) {
+TEST_F(ReadingADefinitionsFile, ControlCharactersAreDamage) {
     using namespace std::string_literals;
     EXPECT_TRUE(IsDamaged(fileWith("v=12\0\0\0\nw=6\n"s)));
     EXPECT_EQ(nullptr, calc->VariableExists("v")); // 12 may be a part of the number
@@ -155,7 +155,7 @@ TEST_F(ReadingADefinitionsFile, controlCharactersAreDamage) {
     EXPECT_EQ(EMPTY_FILE, Text());
 }
 
-TEST_F(ReadingADefinitionsFile, whatDefinesNothingHasNoEffect) {
+TEST_F(ReadingADefinitionsFile, WhatDefinesNothingHasNoEffect) {
     for (const char* line :
          {"sigfigs 20",  "mode deg", "scimode eng", "display hex", "european on", "histstack off", "gospel",
           "del mod",     "del all",  "rem pi",      "clear",       "exit",        "pause 5000",    "echo a=5",
@@ -179,7 +179,7 @@ TEST_F(ReadingADefinitionsFile, whatDefinesNothingHasNoEffect) {
     }
 }
 
-TEST_F(ReadingADefinitionsFile, namesOfCommandsMayHaveBlanksBehindThem) {
+TEST_F(ReadingADefinitionsFile, NamesOfCommandsMayHaveBlanksBehindThem) {
     EXPECT_FALSE(IsDamaged(fileWith(" del = 5\nsigfigs 20 (x) = x\npause = 6\n")));
     EXPECT_EQ("ans = 11\n", Answer("del+pause"));
     EXPECT_EQ(10, calc->sigFigs);
@@ -196,7 +196,7 @@ std::string bomb(const std::string& variable) {
     return lines + variable + "=f40(1)\n";
 }
 
-TEST_F(ReadingADefinitionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
+TEST_F(ReadingADefinitionsFile, ADefinitionThatTakesTooLongIsLeftAlone) {
     const std::string text = fileWith(bomb("a") + "b=2\n");
     putContent(path, text);
     const DefinitionsRead read = readDefinitions(*calc, path);
@@ -210,7 +210,7 @@ TEST_F(ReadingADefinitionsFile, aDefinitionThatTakesTooLongIsLeftAlone) {
     EXPECT_EQ(known, read.text);
 }
 
-TEST_F(ReadingADefinitionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFileToo) {
+TEST_F(ReadingADefinitionsFile, WhatUsesADefinitionThatWasLeftAloneStaysInTheFileToo) {
     std::string text = fileWith(bomb("a"));
     const std::string variables = "a=f40(1)\nb=a+1\nc=b+1\nd=2\n";
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
@@ -228,13 +228,13 @@ TEST_F(ReadingADefinitionsFile, whatUsesADefinitionThatWasLeftAloneStaysInTheFil
         EXPECT_NE(std::string::npos, contentOf(path).find(line)) << line;
 }
 
-TEST_F(ReadingADefinitionsFile, whatDefinesNothingIsDamageAlsoBesideADefinitionThatWasLeftAlone) {
+TEST_F(ReadingADefinitionsFile, WhatDefinesNothingIsDamageAlsoBesideADefinitionThatWasLeftAlone) {
     EXPECT_FALSE(IsDamaged(fileWith(bomb("a"))));
     EXPECT_TRUE(IsDamaged(fileWith(bomb("a") + "1+1\n")));
     EXPECT_TRUE(IsDamaged(fileWith("b=a+1\n"))); // nothing was left alone: it is simply wrong
 }
 
-TEST_F(ReadingADefinitionsFile, allDefinitionsTogetherHaveALimit) {
+TEST_F(ReadingADefinitionsFile, AllDefinitionsTogetherHaveALimit) {
     std::string lines = "b=2\n" + bomb("a");
     for (int i = 0; i < 1000; i++) lines += "a" + std::to_string(i) + "=f40(1)\n";
     putContent(path, fileWith(lines));
@@ -244,7 +244,7 @@ TEST_F(ReadingADefinitionsFile, allDefinitionsTogetherHaveALimit) {
     EXPECT_EQ("ans = 2\n", Answer("b"));
 }
 
-TEST_F(ReadingADefinitionsFile, anyNumberOfPlainDefinitionsIsRead) {
+TEST_F(ReadingADefinitionsFile, AnyNumberOfPlainDefinitionsIsRead) {
     std::string functions, variables;
     for (int i = 0; i < 12000; i++) {
         const std::string number = std::to_string(i);
@@ -261,7 +261,7 @@ TEST_F(ReadingADefinitionsFile, anyNumberOfPlainDefinitionsIsRead) {
     EXPECT_EQ("ans = 3.111111111\n", Answer("x11999"));
 }
 
-TEST_F(ReadingADefinitionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
+TEST_F(ReadingADefinitionsFile, WhatWasLeftAloneStaysInTheFileWithEverySave) {
     std::string text = fileWith(bomb("a"));
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));
     text.insert(text.find("### CUSTOM"), "a=f40(1)\n");
@@ -288,7 +288,7 @@ TEST_F(ReadingADefinitionsFile, whatWasLeftAloneStaysInTheFileWithEverySave) {
 }
 
 // The file holds the name twice: what could be read counts, and the other line is not lost.
-TEST_F(ReadingADefinitionsFile, whatWasLeftAloneStaysBesideALineOfTheSameNameUntilThatIsDefinedAnew) {
+TEST_F(ReadingADefinitionsFile, WhatWasLeftAloneStaysBesideALineOfTheSameNameUntilThatIsDefinedAnew) {
     std::string text = fileWith(bomb("a") + "g(x)=x\n");
     text.insert(text.find("### CUSTOM"), "a=1\n");
     putContent(path, text);
@@ -319,7 +319,7 @@ std::string unitName(int number) {
 }
 
 // The retries alone would take some thousand times as long and pass the limit.
-TEST_F(ReadingADefinitionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
+TEST_F(ReadingADefinitionsFile, AShuffledChainOfUnitsOrVariablesIsReadInOnePass) {
     constexpr int LENGTH = 5000;
     std::string units;
     std::string variables;
@@ -338,28 +338,28 @@ TEST_F(ReadingADefinitionsFile, aShuffledChainOfUnitsOrVariablesIsReadInOnePass)
     EXPECT_EQ("ans = 3\n", Answer("qqaaa"));
 }
 
-TEST_F(ReadingADefinitionsFile, aChainOfPluralsAndPrefixesMayBeInAnyOrder) {
+TEST_F(ReadingADefinitionsFile, AChainOfPluralsAndPrefixesMayBeInAnyOrder) {
     EXPECT_FALSE(IsDamaged(fileWith("unit qqa=2 qqbs\nunit qqd=3 m\nunit qqc=2 kiloqqd\nunit qqb=2 qqcs\n")));
     EXPECT_EQ("ans = 24000\n", Answer("1 qqa->m"));
 }
 
-TEST_F(ReadingADefinitionsFile, aVariableMayUseOneFurtherDownThroughAFunction) {
+TEST_F(ReadingADefinitionsFile, AVariableMayUseOneFurtherDownThroughAFunction) {
     EXPECT_FALSE(IsDamaged(fileWith("a=f(1)\nf(x)=g(x)+1\ng(x)=x*rate\nrate=2.5\n")));
     EXPECT_EQ("ans = 3.5\n", Answer("a"));
 }
 
-TEST_F(ReadingADefinitionsFile, functionsThatUseEachOtherInACircleAreThereAgain) {
+TEST_F(ReadingADefinitionsFile, FunctionsThatUseEachOtherInACircleAreThereAgain) {
     const std::string text = "f(x)=g(x,1)\ng(x,y)=f(x)\n";
     EXPECT_FALSE(IsDamaged(fileWith(text)));
     EXPECT_NE(std::string::npos, Text().find(text));
 }
 
-TEST_F(ReadingADefinitionsFile, unitsThatUseEachOtherInACircleAreRefused) {
+TEST_F(ReadingADefinitionsFile, UnitsThatUseEachOtherInACircleAreRefused) {
     EXPECT_TRUE(IsDamaged(fileWith("unit qqa=2 qqb\nunit qqb=2 qqa\nunit qqc=2 m\n")));
     EXPECT_EQ(1, calc->unitDefs.count);
 }
 
-TEST_F(ReadingADefinitionsFile, aLineOfTenMegabytesIsLeftAlone) {
+TEST_F(ReadingADefinitionsFile, ALineOfTenMegabytesIsLeftAlone) {
     const std::string sum = repeated("+1", 5000000);
     for (const char* start : {"f(x)=x", "a=1", "unit smoot=1"}) {
         StartAgain();
@@ -373,7 +373,7 @@ TEST_F(ReadingADefinitionsFile, aLineOfTenMegabytesIsLeftAlone) {
     }
 }
 
-TEST_F(ReadingADefinitionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
+TEST_F(ReadingADefinitionsFile, EveryBeginningOfAFileIsReadWithoutHarm) {
     for (const char* line : {"f(x)=x*(2 km->m)", "v=1/3", "unit smoot=67 inch", "f(v)"}) Enter(line);
     const std::string text = Text();
     for (size_t length = 0; length < text.size(); length++)
@@ -381,7 +381,7 @@ TEST_F(ReadingADefinitionsFile, everyBeginningOfAFileIsReadWithoutHarm) {
                     (text[length - 1] == '\n' && length > text.find("### HISTORY")));
 }
 
-TEST_F(ReadingADefinitionsFile, thousandsOfDefinitionsAreThereAgain) {
+TEST_F(ReadingADefinitionsFile, ThousandsOfDefinitionsAreThereAgain) {
     for (int i = 1000; i > 0; i--) {
         const std::string number = std::to_string(i);
         Enter("f" + number + "(x)=x+" + number + "*f" + std::to_string(i - 1) + "(x)");

@@ -65,7 +65,7 @@ private:
 
 // --- Reading ---
 
-TEST_F(FileKeeping, everyByteIsRead) {
+TEST_F(FileKeeping, EveryByteIsRead) {
     std::string bytes;
     for (int i = 0; i < 200000; i++) bytes += static_cast<char>(i % 256);
     putContent(path, bytes);
@@ -74,7 +74,7 @@ TEST_F(FileKeeping, everyByteIsRead) {
     EXPECT_EQ(bytes, text);
 }
 
-TEST_F(FileKeeping, onlyRegularFilesAreRead) {
+TEST_F(FileKeeping, OnlyRegularFilesAreRead) {
     std::string text = "before";
     EXPECT_FALSE(readWholeFile(path, text));
     EXPECT_EQ("", text);
@@ -87,14 +87,14 @@ TEST_F(FileKeeping, onlyRegularFilesAreRead) {
 
 // --- Writing ---
 
-TEST_F(FileKeeping, aNewFileIsItsOwnersAlone) {
+TEST_F(FileKeeping, ANewFileIsItsOwnersAlone) {
     EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(path));
     EXPECT_EQ(0600U, permissions(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, anOldFileIsReplacedByAnother) {
+TEST_F(FileKeeping, AnOldFileIsReplacedByAnother) {
     putContent(path, "old, and longer than the new one\n");
     const std::string other = folder.File("other");
     ASSERT_EQ(0, link(path.c_str(), other.c_str()));
@@ -105,7 +105,7 @@ TEST_F(FileKeeping, anOldFileIsReplacedByAnother) {
     EXPECT_EQ("", contentOf(path));
 }
 
-TEST_F(FileKeeping, theNameOfAFileInTheCurrentFolderNeedsNoFolder) {
+TEST_F(FileKeeping, TheNameOfAFileInTheCurrentFolderNeedsNoFolder) {
     const std::filesystem::path before = std::filesystem::current_path();
     std::filesystem::current_path(folder.Path());
     EXPECT_TRUE(writeFileAtomically("file", "new\n"));
@@ -113,7 +113,7 @@ TEST_F(FileKeeping, theNameOfAFileInTheCurrentFolderNeedsNoFolder) {
     EXPECT_EQ("new\n", contentOf(path));
 }
 
-TEST_F(FileKeeping, aSymbolicLinkStaysAndItsFileIsWritten) {
+TEST_F(FileKeeping, ASymbolicLinkStaysAndItsFileIsWritten) {
     ASSERT_TRUE(std::filesystem::create_directory(folder.File("dots")));
     putContent(folder.File("dots/real"), "old\n");
     ASSERT_EQ(0, symlink("dots/real", folder.File("second").c_str()));
@@ -125,14 +125,14 @@ TEST_F(FileKeeping, aSymbolicLinkStaysAndItsFileIsWritten) {
     EXPECT_EQ((Names{"dots", "file", "second"}), folder.Names());
 }
 
-TEST_F(FileKeeping, aSymbolicLinkToNoFileYetMakesIt) {
+TEST_F(FileKeeping, ASymbolicLinkToNoFileYetMakesIt) {
     ASSERT_EQ(0, symlink("real", path.c_str()));
     EXPECT_TRUE(writeFileAtomically(path, "new\n"));
     EXPECT_EQ("new\n", contentOf(folder.File("real")));
     EXPECT_TRUE(std::filesystem::is_symlink(path));
 }
 
-TEST_F(FileKeeping, symbolicLinksInACircleAreGivenUp) {
+TEST_F(FileKeeping, SymbolicLinksInACircleAreGivenUp) {
     ASSERT_EQ(0, symlink("other", path.c_str()));
     ASSERT_EQ(0, symlink("file", folder.File("other").c_str()));
     EXPECT_FALSE(writeFileAtomically(path, "new\n"));
@@ -141,7 +141,7 @@ TEST_F(FileKeeping, symbolicLinksInACircleAreGivenUp) {
 
 // A pipe stands for what people link to, such as /dev/null: were the check to fail, a test that is run by the
 // superuser would replace the device.
-TEST_F(FileKeeping, aLinkToADeviceDoesNotReplaceTheDevice) {
+TEST_F(FileKeeping, ALinkToADeviceDoesNotReplaceTheDevice) {
     ASSERT_EQ(0, mkfifo(folder.File("pipe").c_str(), 0600));
     ASSERT_EQ(0, symlink("pipe", path.c_str()));
     EXPECT_FALSE(writeFileAtomically(path, "new\n"));
@@ -149,20 +149,20 @@ TEST_F(FileKeeping, aLinkToADeviceDoesNotReplaceTheDevice) {
     EXPECT_EQ((Names{"file", "pipe"}), folder.Names());
 }
 
-TEST_F(FileKeeping, aFolderInTheFilesPlaceStays) {
+TEST_F(FileKeeping, AFolderInTheFilesPlaceStays) {
     ASSERT_TRUE(std::filesystem::create_directory(path));
     EXPECT_FALSE(writeFileAtomically(path, "new\n"));
     EXPECT_TRUE(std::filesystem::is_directory(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, aMissingFolderIsAFailure) {
+TEST_F(FileKeeping, AMissingFolderIsAFailure) {
     EXPECT_FALSE(writeFileAtomically(folder.File("none/file"), "new\n"));
     EXPECT_FALSE(writeFileAtomically("", "new\n"));
     EXPECT_EQ(Names{}, folder.Names());
 }
 
-TEST_F(FileKeeping, aFolderThatMayNotBeWrittenKeepsTheOldFile) {
+TEST_F(FileKeeping, AFolderThatMayNotBeWrittenKeepsTheOldFile) {
     putContent(path, "old\n");
     ASSERT_EQ(0, chmod(path.c_str(), 0666));
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0555));
@@ -175,7 +175,7 @@ TEST_F(FileKeeping, aFolderThatMayNotBeWrittenKeepsTheOldFile) {
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, aFileThatMayNotBeWrittenStays) {
+TEST_F(FileKeeping, AFileThatMayNotBeWrittenStays) {
     putContent(path, "old\n");
     ASSERT_EQ(0, chmod(path.c_str(), 0444));
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0777));
@@ -186,7 +186,7 @@ TEST_F(FileKeeping, aFileThatMayNotBeWrittenStays) {
     EXPECT_EQ("old\n", contentOf(path));
 }
 
-TEST_F(FileKeeping, aFullDiskKeepsTheOldFile) {
+TEST_F(FileKeeping, AFullDiskKeepsTheOldFile) {
     putContent(path, "old\n");
     {
         const FileSizeLimit full(1000);
@@ -196,7 +196,7 @@ TEST_F(FileKeeping, aFullDiskKeepsTheOldFile) {
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, aFailedCallKeepsTheOldFileAndLeavesNoOther) {
+TEST_F(FileKeeping, AFailedCallKeepsTheOldFileAndLeavesNoOther) {
     class Broken : public System {
         int Sync(int /*file*/) override {
             errno = EIO;
@@ -211,7 +211,7 @@ TEST_F(FileKeeping, aFailedCallKeepsTheOldFileAndLeavesNoOther) {
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, aFailureSaysWhy) {
+TEST_F(FileKeeping, AFailureSaysWhy) {
     std::error_code reason;
     EXPECT_TRUE(writeFileAtomically(path, "new\n", &reason));
     EXPECT_FALSE(reason);
@@ -250,7 +250,7 @@ protected:
     }
 };
 
-TEST_F(Leftovers, ofProgramsThatWereKilledWhileTheyWroteAreRemoved) {
+TEST_F(Leftovers, OfProgramsThatWereKilledWhileTheyWroteAreRemoved) {
     ASSERT_TRUE(writeFileAtomically(path, "whole\n"));
     WriteHalf();
     WriteHalf();
@@ -262,7 +262,7 @@ TEST_F(Leftovers, ofProgramsThatWereKilledWhileTheyWroteAreRemoved) {
     EXPECT_EQ("whole\n", text);
 }
 
-TEST_F(Leftovers, ofALinkedFileAndOfKeptOnesAreRemoved) {
+TEST_F(Leftovers, OfALinkedFileAndOfKeptOnesAreRemoved) {
     ASSERT_TRUE(std::filesystem::create_directory(folder.File("dots")));
     ASSERT_EQ(0, symlink("dots/real", path.c_str()));
     putContent(folder.File("dots/real.tallyquill-aB3dEf"), "half");
@@ -273,7 +273,7 @@ TEST_F(Leftovers, ofALinkedFileAndOfKeptOnesAreRemoved) {
     EXPECT_EQ((Names{"dots", "file", "file.tallyquill-aB3dEf"}), folder.Names());
 }
 
-TEST_F(Leftovers, thatAreNotOursStay) {
+TEST_F(Leftovers, ThatAreNotOursStay) {
     const Names others = {"file.backup",
                           "file.tallyquill-",
                           "file.tallyquill-abc",
@@ -290,7 +290,7 @@ TEST_F(Leftovers, thatAreNotOursStay) {
 }
 
 // The lock stands for a program that is just writing.
-TEST_F(Leftovers, ofALivingProgramStay) {
+TEST_F(Leftovers, OfALivingProgramStay) {
     const std::string name = folder.File("file.tallyquill-abcdef");
     putContent(name, "half");
     const int writing = open(name.c_str(), O_RDWR | O_CLOEXEC);
@@ -302,7 +302,7 @@ TEST_F(Leftovers, ofALivingProgramStay) {
     EXPECT_EQ(Names{}, folder.Names());
 }
 
-TEST_F(Leftovers, areRemovedWhileAnotherProgramWritesWithoutHarm) {
+TEST_F(Leftovers, AreRemovedWhileAnotherProgramWritesWithoutHarm) {
     const pid_t child = fork();
     if (child == 0) {
         bool isWritten = true;
@@ -317,7 +317,7 @@ TEST_F(Leftovers, areRemovedWhileAnotherProgramWritesWithoutHarm) {
 
 // --- The lock ---
 
-TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
+TEST_F(FileKeeping, TheLockOfAKilledProgramIsFree) {
     int ready[2];
     ASSERT_EQ(0, pipe(ready));
     const pid_t child = fork();
@@ -338,7 +338,7 @@ TEST_F(FileKeeping, theLockOfAKilledProgramIsFree) {
     close(ready[0]);
 }
 
-TEST_F(FileKeeping, theLockOfALinkIsThatOfTheFileItLeadsTo) {
+TEST_F(FileKeeping, TheLockOfALinkIsThatOfTheFileItLeadsTo) {
     ASSERT_TRUE(std::filesystem::create_directory(folder.File("dots")));
     const std::string link = folder.File("link");
     ASSERT_EQ(0, symlink("dots/real", link.c_str())); // the file itself is still to be made
@@ -349,7 +349,7 @@ TEST_F(FileKeeping, theLockOfALinkIsThatOfTheFileItLeadsTo) {
     EXPECT_EQ((Names{"dots", "link"}), folder.Names());
 }
 
-TEST_F(FileKeeping, whereNoLockCanBeHadNobodyIsKeptOut) {
+TEST_F(FileKeeping, WhereNoLockCanBeHadNobodyIsKeptOut) {
     ASSERT_EQ(0, symlink("circle", folder.File("circle").c_str()));
     EXPECT_FALSE(FileLock(folder.File("circle")).IsTaken());
     EXPECT_FALSE(FileLock(folder.File("none/file")).IsTaken());
@@ -357,7 +357,7 @@ TEST_F(FileKeeping, whereNoLockCanBeHadNobodyIsKeptOut) {
 
 // --- Keeping ---
 
-TEST_F(FileKeeping, aFileIsCopiedBesideOnce) {
+TEST_F(FileKeeping, AFileIsCopiedBesideOnce) {
     putContent(path, "one");
     EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
     EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
@@ -366,7 +366,7 @@ TEST_F(FileKeeping, aFileIsCopiedBesideOnce) {
     EXPECT_EQ((Names{"file", "file.unreadable"}), folder.Names());
 }
 
-TEST_F(FileKeeping, otherContentIsKeptUnderTheNextOfTenNames) {
+TEST_F(FileKeeping, OtherContentIsKeptUnderTheNextOfTenNames) {
     for (int i = 0; i < 10; i++) {
         putContent(path, std::to_string(i));
         EXPECT_EQ(path + ".unreadable" + (i == 0 ? "" : "." + std::to_string(i)), keepUnreadable(path));
@@ -381,20 +381,20 @@ TEST_F(FileKeeping, otherContentIsKeptUnderTheNextOfTenNames) {
     EXPECT_EQ("9", contentOf(path + ".unreadable.9"));
 }
 
-TEST_F(FileKeeping, whatIsNotThereIsNotKept) {
+TEST_F(FileKeeping, WhatIsNotThereIsNotKept) {
     EXPECT_EQ("", keepUnreadable(path));
     ASSERT_EQ(0, symlink("nowhere", path.c_str()));
     EXPECT_EQ("", keepUnreadable(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
 }
 
-TEST_F(FileKeeping, anEmptyFileIsKept) {
+TEST_F(FileKeeping, AnEmptyFileIsKept) {
     putContent(path, "");
     EXPECT_EQ(path + ".unreadable", keepUnreadable(path));
     EXPECT_EQ((Names{"file", "file.unreadable"}), folder.Names());
 }
 
-TEST_F(FileKeeping, aFolderIsMovedAside) {
+TEST_F(FileKeeping, AFolderIsMovedAside) {
     putContent(path + ".unreadable", "taken");
     ASSERT_TRUE(std::filesystem::create_directory(path));
     putContent(path + "/inside", "kept");
@@ -405,7 +405,7 @@ TEST_F(FileKeeping, aFolderIsMovedAside) {
     EXPECT_TRUE(writeFileAtomically(path, "new\n"));
 }
 
-TEST_F(FileKeeping, aFileWithoutPermissionIsMovedAside) {
+TEST_F(FileKeeping, AFileWithoutPermissionIsMovedAside) {
     putContent(path, "secret");
     ASSERT_EQ(0, chmod(path.c_str(), 0));
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0777));
@@ -420,7 +420,7 @@ TEST_F(FileKeeping, aFileWithoutPermissionIsMovedAside) {
     EXPECT_EQ("secret", contentOf(kept));
 }
 
-TEST_F(FileKeeping, aFileThatCannotBeKeptStays) {
+TEST_F(FileKeeping, AFileThatCannotBeKeptStays) {
     putContent(path, std::string(5000, 'x'));
     {
         const FileSizeLimit full(1000);

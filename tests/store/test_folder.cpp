@@ -36,13 +36,13 @@ mode_t permissions(const std::string& path) {
 
 #ifndef __APPLE__
 
-TEST(Folder, isTheOneForDataThatThePersonChose) {
+TEST(Folder, IsTheOneForDataThatThePersonChose) {
     const Environment home("HOME", "/home/someone");
     const Environment data("XDG_DATA_HOME", "/elsewhere/data");
     EXPECT_EQ("/elsewhere/data/Tallyquill", ownFolder());
 }
 
-TEST(Folder, isBelowTheHomeFolderWhenNoneOrARelativeOneWasChosen) {
+TEST(Folder, IsBelowTheHomeFolderWhenNoneOrARelativeOneWasChosen) {
     const Environment home("HOME", "/home/someone");
     for (const char* chosen : {static_cast<const char*>(nullptr), "", "relative"}) {
         const Environment data("XDG_DATA_HOME", chosen);
@@ -50,7 +50,7 @@ TEST(Folder, isBelowTheHomeFolderWhenNoneOrARelativeOneWasChosen) {
     }
 }
 
-TEST(Folder, isBelowTheHomeFolderThatTheSystemKnowsWhenTheEnvironmentNamesNone) {
+TEST(Folder, IsBelowTheHomeFolderThatTheSystemKnowsWhenTheEnvironmentNamesNone) {
     const Environment data("XDG_DATA_HOME", nullptr);
     for (const char* named : {static_cast<const char*>(nullptr), "", "relative"}) {
         const Environment home("HOME", named);
@@ -62,14 +62,14 @@ TEST(Folder, isBelowTheHomeFolderThatTheSystemKnowsWhenTheEnvironmentNamesNone) 
     }
 }
 
-TEST(Folder, mayHaveANameThatIsNoText) {
+TEST(Folder, MayHaveANameThatIsNoText) {
     const Environment data("XDG_DATA_HOME", "/\xff\xfe");
     EXPECT_EQ("/\xff\xfe/Tallyquill", ownFolder());
 }
 
 #endif
 
-TEST(Folder, ofConfigurationIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
+TEST(Folder, OfConfigurationIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
     const Environment home("HOME", "/home/someone");
     for (const char* chosen : {static_cast<const char*>(nullptr), "", "relative"}) {
         const Environment config("XDG_CONFIG_HOME", chosen);
@@ -79,14 +79,14 @@ TEST(Folder, ofConfigurationIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
     EXPECT_EQ("/elsewhere/config/tallyquill", configFolder());
 }
 
-TEST(Folder, isMadeWithThoseAboveItForItsOwnerAlone) {
+TEST(Folder, IsMadeWithThoseAboveItForItsOwnerAlone) {
     const TemporaryFolder folder;
     makeFolder(folder.File("one/two/three"));
     for (const char* name : {"one", "one/two", "one/two/three"})
         EXPECT_EQ(0700U, permissions(folder.File(name)));
 }
 
-TEST(Folder, thatIsThereStaysWithWhatIsInIt) {
+TEST(Folder, ThatIsThereStaysWithWhatIsInIt) {
     const TemporaryFolder folder;
     ASSERT_EQ(0, chmod(folder.Path().c_str(), 0750));
     putContent(folder.File("file"), "text");
@@ -95,7 +95,7 @@ TEST(Folder, thatIsThereStaysWithWhatIsInIt) {
     EXPECT_EQ("text", contentOf(folder.File("file")));
 }
 
-TEST(Folder, withAFileInItsPlaceIsNotMade) {
+TEST(Folder, WithAFileInItsPlaceIsNotMade) {
     const TemporaryFolder folder;
     putContent(folder.File("file"), "text");
     makeFolder(folder.File("file/below"));

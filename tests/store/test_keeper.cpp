@@ -61,7 +61,7 @@ protected:
     Keeper keeper{system};
 };
 
-TEST_F(Kept, isInTwoFilesOfAFolderThatIsMade) {
+TEST_F(Kept, IsInTwoFilesOfAFolderThatIsMade) {
     Enter("a=1");
     keeper.SaveSettings("settings");
     keeper.SaveDefinitions(*calc);
@@ -71,7 +71,7 @@ TEST_F(Kept, isInTwoFilesOfAFolderThatIsMade) {
     EXPECT_EQ("", keeper.TakeNews());
 }
 
-TEST_F(Kept, isThereAgainInTheNextRun) {
+TEST_F(Kept, IsThereAgainInTheNextRun) {
     Enter("a=1");
     SaveBoth();
     StartAgain();
@@ -79,7 +79,7 @@ TEST_F(Kept, isThereAgainInTheNextRun) {
     EXPECT_EQ("ans = 1\n", Answer("a"));
 }
 
-TEST_F(Kept, isNotWrittenBeforeTheFolderIsKnownAndAfterTheEnd) {
+TEST_F(Kept, IsNotWrittenBeforeTheFolderIsKnownAndAfterTheEnd) {
     Keeper unopened(system);
     for (Keeper* const closed : {&unopened, &keeper}) {
         closed->Close();
@@ -94,7 +94,7 @@ TEST_F(Kept, isNotWrittenBeforeTheFolderIsKnownAndAfterTheEnd) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.File("Tallyquill")));
 }
 
-TEST_F(Kept, isDueASecondAfterTheFirstChange) {
+TEST_F(Kept, IsDueASecondAfterTheFirstChange) {
     EXPECT_FALSE(keeper.IsDue());
     EXPECT_TRUE(keeper.NoteChange());
     EXPECT_FALSE(keeper.IsDue());
@@ -107,7 +107,7 @@ TEST_F(Kept, isDueASecondAfterTheFirstChange) {
     EXPECT_TRUE(keeper.NoteChange());
 }
 
-TEST_F(Kept, ofARunningEntryIsWhatWasThereBeforeItOnce) {
+TEST_F(Kept, OfARunningEntryIsWhatWasThereBeforeItOnce) {
     EnterAndNote("a=1");
     system.Wait(1);
     keeper.EntryWillRun(*calc, false);
@@ -124,7 +124,7 @@ TEST_F(Kept, ofARunningEntryIsWhatWasThereBeforeItOnce) {
     EXPECT_FALSE(keeper.IsDue());
 }
 
-TEST_F(Kept, ofARunningEntryIsNothingWhenAllWasWrittenBeforeIt) {
+TEST_F(Kept, OfARunningEntryIsNothingWhenAllWasWrittenBeforeIt) {
     Enter("a=1");
     keeper.SaveDefinitions(*calc);
     keeper.EntryWillRun(*calc, false);
@@ -136,14 +136,14 @@ TEST_F(Kept, ofARunningEntryIsNothingWhenAllWasWrittenBeforeIt) {
     EXPECT_EQ("settings", SettingsFile());
 }
 
-TEST_F(Kept, takesItsFolderBeingTakenAway) {
+TEST_F(Kept, TakesItsFolderBeingTakenAway) {
     std::filesystem::remove_all(folder.File("Tallyquill"));
     SaveBoth();
     EXPECT_EQ("settings", SettingsFile());
     EXPECT_EQ("", keeper.TakeNews());
 }
 
-TEST_F(Kept, removesWhatKilledProgramsLeft) {
+TEST_F(Kept, RemovesWhatKilledProgramsLeft) {
     putContent(File("pelmo_functions.txt.tallyquill-aB3dEf"), "half");
     putContent(File("pelmo_settings.plist.tallyquill-aB3dEf"), "half");
     keeper.Open(folder.File("Tallyquill"));
@@ -152,7 +152,7 @@ TEST_F(Kept, removesWhatKilledProgramsLeft) {
 
 // --- What could not be written ---
 
-TEST_F(Kept, namesBothFilesThatCannotBeWrittenOnce) {
+TEST_F(Kept, NamesBothFilesThatCannotBeWrittenOnce) {
     system.writingError = ENOSPC;
     SaveBoth();
     EXPECT_EQ("Not saved: pelmo_functions.txt, pelmo_settings.plist" + Reason(ENOSPC), keeper.TakeNews());
@@ -170,7 +170,7 @@ TEST_F(Kept, namesBothFilesThatCannotBeWrittenOnce) {
     EXPECT_EQ("", keeper.TakeFailures());
 }
 
-TEST_F(Kept, isWrittenWithTheNextChangeWhenItCouldNotBeWritten) {
+TEST_F(Kept, IsWrittenWithTheNextChangeWhenItCouldNotBeWritten) {
     system.writingError = ENOSPC;
     EnterAndNote("a=1");
     SaveBoth();
@@ -183,7 +183,7 @@ TEST_F(Kept, isWrittenWithTheNextChangeWhenItCouldNotBeWritten) {
 
 // --- What is damaged ---
 
-TEST_F(Kept, isSaidToBeDamagedAndIsKeptBeside) {
+TEST_F(Kept, IsSaidToBeDamagedAndIsKeptBeside) {
     const std::string damaged = "### FUNCTIONS ###\nf(x)=(((\na=1\n### HISTORY ###\n";
     putContent(File("pelmo_functions.txt"), damaged);
     EXPECT_EQ("Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable",
@@ -197,7 +197,7 @@ TEST_F(Kept, isSaidToBeDamagedAndIsKeptBeside) {
     EXPECT_TRUE(Holds("\na=1\n"));
 }
 
-TEST_F(Kept, isNotOverwrittenBeforeThereIsACopyOfWhatIsDamaged) {
+TEST_F(Kept, IsNotOverwrittenBeforeThereIsACopyOfWhatIsDamaged) {
     putContent(File("pelmo_functions.txt"), "damaged definitions");
     putContent(File("pelmo_settings.plist"), "damaged settings");
     system.renamingError = EACCES; // no copy gets its name
@@ -219,7 +219,7 @@ TEST_F(Kept, isNotOverwrittenBeforeThereIsACopyOfWhatIsDamaged) {
 }
 
 // Ten copies are enough: a program that never saved again would lose more.
-TEST_F(Kept, isOverwrittenWhenThereAreTenCopiesAlready) {
+TEST_F(Kept, IsOverwrittenWhenThereAreTenCopiesAlready) {
     putContent(File("pelmo_settings.plist"), "damaged");
     putContent(File("pelmo_settings.plist.unreadable"), "0");
     for (char i = '1'; i <= '9'; i++)
@@ -229,7 +229,7 @@ TEST_F(Kept, isOverwrittenWhenThereAreTenCopiesAlready) {
     EXPECT_EQ("settings", SettingsFile());
 }
 
-TEST_F(Kept, isNotOverwrittenWhenOnlyTheLastOfTheCopiesIsThere) {
+TEST_F(Kept, IsNotOverwrittenWhenOnlyTheLastOfTheCopiesIsThere) {
     putContent(File("pelmo_settings.plist"), "damaged");
     putContent(File("pelmo_settings.plist.unreadable.9"), "older");
     system.writingError = ENOSPC;

@@ -53,7 +53,7 @@ std::string textOf(const KeptSettings& kept) {
 
 } // namespace
 
-TEST(SettingsFile, everySettingComesBackAsItWasWritten) {
+TEST(SettingsFile, EverySettingComesBackAsItWasWritten) {
     for (const KeptSettings& kept : {defaultSettings(), otherSettings()}) {
         KeptSettings back;
         ASSERT_TRUE(readSettings(settingsText(kept, ""), back));
@@ -65,14 +65,14 @@ TEST(SettingsFile, everySettingComesBackAsItWasWritten) {
     }
 }
 
-TEST(SettingsFile, numbersAreIntegersAndColorsAreDataThatSpellThemOut) {
+TEST(SettingsFile, NumbersAreIntegersAndColorsAreDataThatSpellThemOut) {
     const std::string text = settingsText(otherSettings(), "");
     EXPECT_EQ(text.substr(0, 5), "<?xml");
     EXPECT_NE(text.find("<key>x</key>\n\t<integer>-30000</integer>"), std::string::npos) << text;
     EXPECT_NE(text.find("MC41IDAuMjUgMSAw"), std::string::npos) << "0.5 0.25 1 0 in base 64\n" << text;
 }
 
-TEST(SettingsFile, savedLoadedAndSavedAgainIsTheSameFile) {
+TEST(SettingsFile, SavedLoadedAndSavedAgainIsTheSameFile) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     const std::string others =
@@ -92,7 +92,7 @@ TEST(SettingsFile, savedLoadedAndSavedAgainIsTheSameFile) {
     EXPECT_GT(taken, 50);
 }
 
-TEST(SettingsFile, keysOfOtherVersionsStay) {
+TEST(SettingsFile, KeysOfOtherVersionsStay) {
     const std::string present =
         HEAD + "<key>later</key><array><string>a</string></array><key>sigfigs</key><integer>3</integer>" +
         END;
@@ -140,7 +140,7 @@ TEST(SettingsFile, aFileOfTheEarlierFormIsRead) {
     EXPECT_EQ(textOf(kept), "x=-12\nfgcolor=0.1 0.9 0.9 1\nnsfont=13 DejaVuSansMono\n");
 }
 
-TEST(SettingsFile, aValueOfAnotherKindOrBesideTheRangeGivesTheDefault) {
+TEST(SettingsFile, AValueOfAnotherKindOrBesideTheRangeGivesTheDefault) {
     for (const Setting& setting : SETTINGS) {
         for (const std::string value :
              {"<string>7</string>", "<array/>", "<dict/>", "<data>MTA=</data>", "<real>1.5</real>",
@@ -161,7 +161,7 @@ TEST(SettingsFile, aValueOfAnotherKindOrBesideTheRangeGivesTheDefault) {
     EXPECT_EQ(readAs(*findSetting("european"), "<true/>"), "1");
 }
 
-TEST(SettingsFile, whatIsNoWholeXmlListOfADictionaryIsDamaged) {
+TEST(SettingsFile, WhatIsNoWholeXmlListOfADictionaryIsDamaged) {
     const std::string whole = settingsText(defaultSettings(), "");
     std::string binary = "bplist00\xd0\x08";
     binary += std::string("\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\x09", 32);
@@ -186,7 +186,7 @@ TEST(SettingsFile, whatIsNoWholeXmlListOfADictionaryIsDamaged) {
 }
 
 // The library goes down into lists by calling itself.
-TEST(SettingsFile, tenThousandListsInsideEachOtherAreDamage) {
+TEST(SettingsFile, TenThousandListsInsideEachOtherAreDamage) {
     for (const char* const list : {"<array>", "<dict><key>a</key>"}) {
         std::string text = HEAD + "<key>a</key>";
         for (int i = 0; i < 10000; i++) text += list;

@@ -11,7 +11,7 @@ protected:
     Recording changes;
 };
 
-TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
+TEST_F(UnitChanges, ARemovedUnitComesBackAsTheSameRecord) {
     define("Q", "2 m");
     define("B", "12 Q");
     EXPECT_FALSE(removeUnit("Q"));
@@ -29,7 +29,7 @@ TEST_F(UnitChanges, aRemovedUnitComesBackAsTheSameRecord) {
     EXPECT_TRUE(removeUnit("B"));
 }
 
-TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
+TEST_F(UnitChanges, AUnitDefinedAndRemovedSinceIsGone) {
     units_reduce("m");
     changes.begin();
     define("smoot", "1.7018 m");
@@ -42,7 +42,7 @@ TEST_F(UnitChanges, aUnitDefinedAndRemovedSinceIsGone) {
     EXPECT_DOUBLE_EQ(convert("smoot", "m"), 3.0);
 }
 
-TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
+TEST_F(UnitChanges, UnitsOfTheCatalogueComeBackInTheirPlace) {
     units_reduce("m");
     changes.begin();
     removeUnit("hour");
@@ -55,7 +55,7 @@ TEST_F(UnitChanges, unitsOfTheCatalogueComeBackInTheirPlace) {
     EXPECT_LT(unitTable.Find("h")->position, unitTable.Find("Q")->position);
 }
 
-TEST_F(UnitChanges, theCatalogueBuiltMeanwhileStays) {
+TEST_F(UnitChanges, TheCatalogueBuiltMeanwhileStays) {
     changes.begin();
     define("smoot", "1.7018 m");
     removeUnit("foot");
@@ -64,7 +64,7 @@ TEST_F(UnitChanges, theCatalogueBuiltMeanwhileStays) {
     EXPECT_DOUBLE_EQ(convert("foot", "inch"), 12.0);
 }
 
-TEST_F(UnitChanges, changesThatAreKeptStay) {
+TEST_F(UnitChanges, ChangesThatAreKeptStay) {
     define("old", "3 m");
     changes.begin();
     define("smoot", "1.7018 m");
@@ -79,7 +79,7 @@ TEST_F(UnitChanges, changesThatAreKeptStay) {
 }
 
 // The index grows several times, each time without the slots of units removed for good.
-TEST_F(UnitChanges, manyChangesAreTakenBack) {
+TEST_F(UnitChanges, ManyChangesAreTakenBack) {
     define("smoot", "1.7018 m");
     changes.begin();
     removeUnit("smoot");
@@ -94,7 +94,7 @@ TEST_F(UnitChanges, manyChangesAreTakenBack) {
     EXPECT_EQ(unitTable.Find("xaab"), nullptr);
 }
 
-TEST_F(UnitChanges, aRemovedUnitFreesItsNames) {
+TEST_F(UnitChanges, ARemovedUnitFreesItsNames) {
     define("many", "m^1000");
     const size_t before = allocation::live();
     for (int i = 0; i < 10; ++i) {
@@ -111,7 +111,7 @@ TEST_F(UnitChanges, aRemovedUnitFreesItsNames) {
     EXPECT_LE(allocation::live() - before, 2U); // the index may have grown
 }
 
-TEST_F(UnitChanges, unitsDefinedFromARemovedOneKeepTheirReduction) {
+TEST_F(UnitChanges, UnitsDefinedFromARemovedOneKeepTheirReduction) {
     define("Q", "2 m^3/s");
     define("B", "12 Q");
     removeUnit("Q");

@@ -27,7 +27,7 @@ static void askToClose(NSWindow* window) {
              atStart:NO];
 }
 
-TEST_F(Closing, onlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
+TEST_F(Closing, OnlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
     NSWindow* const other = [[NSWindow alloc] initWithContentRect:NSMakeRect(50, 50, 200, 100)
                                                         styleMask:NSTitledWindowMask | NSClosableWindowMask
                                                           backing:NSBackingStoreBuffered
@@ -45,7 +45,7 @@ TEST_F(Closing, onlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
 }
 
 // A million sines take some seconds when nothing ends them.
-TEST_F(Closing, theEndOfTheCalculatorsWindowEndsALongEntry) {
+TEST_F(Closing, TheEndOfTheCalculatorsWindowEndsALongEntry) {
     Enter("d0(x)=sin(x)");
     for (int level = 1; level <= 6; level++) {
         const std::string call = "d" + std::to_string(level - 1) + "(x)";

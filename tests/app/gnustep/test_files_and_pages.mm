@@ -36,7 +36,7 @@ void setPage(NSString* address) {
 
 class FilesAndPages : public ShellTest {};
 
-TEST_F(FilesAndPages, thePanelsForFilesAreMadeAnewAtEveryOpening) {
+TEST_F(FilesAndPages, ThePanelsForFilesAreMadeAnewAtEveryOpening) {
     madeAnew.clear();
     const Replaced save([NSSavePanel class], @selector(runModal), cancel);
     const Replaced openPanel([NSOpenPanel class], @selector(runModalForTypes:), cancelOpening);
@@ -45,7 +45,7 @@ TEST_F(FilesAndPages, thePanelsForFilesAreMadeAnewAtEveryOpening) {
     EXPECT_EQ(madeAnew, std::vector<bool>({true, true})) << "or they grow";
 }
 
-TEST_F(FilesAndPages, gospelOpensThePageInTheBrowser) {
+TEST_F(FilesAndPages, GospelOpensThePageInTheBrowser) {
     // A program of the name that opens pages, which writes down what it was given.
     const std::string opener = home + "/xdg-open";
     Write(opener, "#!/bin/sh\nprintf %s \"$1\" >\"" + home + "/part\" && mv \"" + home + "/part\" \"" + home +

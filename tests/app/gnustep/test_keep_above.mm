@@ -66,14 +66,14 @@ protected:
     Display* manager = nullptr;
 };
 
-TEST_F(KeepAbove, theWindowManagerIsAskedForAllWindowsThatAreShown) {
+TEST_F(KeepAbove, TheWindowManagerIsAskedForAllWindowsThatAreShown) {
     Tick(controls.prefAlwaysTop, true);
     EXPECT_EQ(Asked(), Requests({"calculator+", "preferences+"}));
     Tick(controls.prefAlwaysTop, false);
     EXPECT_EQ(Asked(), Requests({"calculator-", "preferences-"}));
 }
 
-TEST_F(KeepAbove, theLevelIsNotGNUsteps) {
+TEST_F(KeepAbove, TheLevelIsNotGNUsteps) {
     // It would take the window out of the lists of windows.
     Tick(controls.prefAlwaysTop, true);
     const IMP level = class_getMethodImplementation([NSWindow class], @selector(level));
@@ -81,7 +81,7 @@ TEST_F(KeepAbove, theLevelIsNotGNUsteps) {
     EXPECT_EQ([window level], NSFloatingWindowLevel);
 }
 
-TEST_F(KeepAbove, aWindowThatComesBackIsAskedForAgain) {
+TEST_F(KeepAbove, AWindowThatComesBackIsAskedForAgain) {
     Tick(controls.prefAlwaysTop, true);
     Close();
     Asked();
@@ -96,7 +96,7 @@ TEST_F(KeepAbove, aWindowThatComesBackIsAskedForAgain) {
     EXPECT_EQ(Asked(), Requests());
 }
 
-TEST_F(KeepAbove, anotherWindowComesInFrontOfIt) {
+TEST_F(KeepAbove, AnotherWindowComesInFrontOfIt) {
     Tick(controls.prefAlwaysTop, true);
     Asked();
     // Without a window manager no focus comes and goes.

@@ -154,7 +154,7 @@ protected:
 
 // --- The mouse ---
 
-TEST_F(ListPopUpTest, aRowIsChosenByLettingGoOnIt) {
+TEST_F(ListPopUpTest, ARowIsChosenByLettingGoOnIt) {
     AddRows(5);
     for (const int row : {0, 2, 4}) {
         PostRelease(Below(HeightOfRow(row)));
@@ -162,7 +162,7 @@ TEST_F(ListPopUpTest, aRowIsChosenByLettingGoOnIt) {
     }
 }
 
-TEST_F(ListPopUpTest, aClickOnTheButtonLeavesItOpenForASecondOne) {
+TEST_F(ListPopUpTest, AClickOnTheButtonLeavesItOpenForASecondOne) {
     AddRows(5);
     PostRelease(MiddleOfButton());
     PostMouse(NSMouseMoved, Below(HeightOfRow(1)));
@@ -171,7 +171,7 @@ TEST_F(ListPopUpTest, aClickOnTheButtonLeavesItOpenForASecondOne) {
     EXPECT_EQ(Choose(), "row3\t9");
 }
 
-TEST_F(ListPopUpTest, nothingIsChosenBesideTheList) {
+TEST_F(ListPopUpTest, NothingIsChosenBesideTheList) {
     AddRows(5);
     PostMouse(NSLeftMouseDragged, Below(HeightOfRow(2)));
     PostRelease(Below(HeightOfRow(7)));
@@ -182,7 +182,7 @@ TEST_F(ListPopUpTest, nothingIsChosenBesideTheList) {
     EXPECT_EQ(Choose(), "") << "a click elsewhere closes it";
 }
 
-TEST_F(ListPopUpTest, aSeparatorIsNoChoice) {
+TEST_F(ListPopUpTest, ASeparatorIsNoChoice) {
     AddRows(1);
     [[button menu] addItem:[NSMenuItem separatorItem]];
     Add(@"last");
@@ -195,7 +195,7 @@ TEST_F(ListPopUpTest, aSeparatorIsNoChoice) {
     EXPECT_EQ(ChooseByKeys(), "last");
 }
 
-TEST_F(ListPopUpTest, thePointerAtAnEndScrolls) {
+TEST_F(ListPopUpTest, ThePointerAtAnEndScrolls) {
     AddRows(2000);
     const int inSight = RowsInSight();
     ASSERT_GT(inSight, 5);
@@ -216,7 +216,7 @@ TEST_F(ListPopUpTest, thePointerAtAnEndScrolls) {
     EXPECT_EQ(Choose(), "row0\t0") << "and up again";
 }
 
-TEST_F(ListPopUpTest, theClickThatOpensItDoesNotScroll) {
+TEST_F(ListPopUpTest, TheClickThatOpensItDoesNotScroll) {
     AddRows(2000);
     for (int i = 0; i < 100; i++) PostTick();
     PostRelease(MiddleOfButton());
@@ -224,7 +224,7 @@ TEST_F(ListPopUpTest, theClickThatOpensItDoesNotScroll) {
     EXPECT_EQ(Choose(), "row0\t0");
 }
 
-TEST_F(ListPopUpTest, theWheelScrollsByThreeRows) {
+TEST_F(ListPopUpTest, TheWheelScrollsByThreeRows) {
     AddRows(2000);
     const NSPoint where = Below(HeightOfRow(2, true));
     PostRelease(MiddleOfButton());
@@ -247,7 +247,7 @@ TEST_F(ListPopUpTest, theWheelScrollsByThreeRows) {
     EXPECT_EQ(Choose(), "row8\t64");
 }
 
-TEST_F(ListPopUpTest, onADenseScreenTheRowsAreTwiceAsHigh) {
+TEST_F(ListPopUpTest, OnADenseScreenTheRowsAreTwiceAsHigh) {
     scale = 2;
     Restart();
     Place();
@@ -258,7 +258,7 @@ TEST_F(ListPopUpTest, onADenseScreenTheRowsAreTwiceAsHigh) {
 
 // --- The keys ---
 
-TEST_F(ListPopUpTest, theArrowsMoveAndReturnChooses) {
+TEST_F(ListPopUpTest, TheArrowsMoveAndReturnChooses) {
     AddRows(5);
     PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row0\t0");
@@ -271,7 +271,7 @@ TEST_F(ListPopUpTest, theArrowsMoveAndReturnChooses) {
     EXPECT_EQ(ChooseByKeys(), "row4\t16") << "there it ends";
 }
 
-TEST_F(ListPopUpTest, theKeysReachAllOfALongList) {
+TEST_F(ListPopUpTest, TheKeysReachAllOfALongList) {
     AddRows(2000);
     for (int i = 0; i < 151; i++) PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row150\t22500");
@@ -289,7 +289,7 @@ TEST_F(ListPopUpTest, theKeysReachAllOfALongList) {
     EXPECT_EQ(ChooseByKeys(), "row" + std::to_string(page) + "\t" + std::to_string(page * page));
 }
 
-TEST_F(ListPopUpTest, typedLettersGoToTheFirstRowThatBeginsWithThem) {
+TEST_F(ListPopUpTest, TypedLettersGoToTheFirstRowThatBeginsWithThem) {
     for (NSString* const name : {@"alpha", @"beta", @"Betty", @"best", @"gamma"}) Add(name);
     PostKey(@"b");
     EXPECT_EQ(ChooseByKeys(), "beta");
@@ -299,7 +299,7 @@ TEST_F(ListPopUpTest, typedLettersGoToTheFirstRowThatBeginsWithThem) {
     EXPECT_EQ(ChooseByKeys(), "Betty") << "what nothing begins with is left out";
 }
 
-TEST_F(ListPopUpTest, afterAPauseTheLettersBeginAnew) {
+TEST_F(ListPopUpTest, AfterAPauseTheLettersBeginAnew) {
     for (NSString* const name : {@"alpha", @"beta", @"gamma", @"begin"}) Add(name);
     PostKey(@"b", 10.0);
     PostKey(@"e", 10.9);
@@ -310,21 +310,21 @@ TEST_F(ListPopUpTest, afterAPauseTheLettersBeginAnew) {
     EXPECT_EQ(ChooseByKeys(), "gamma");
 }
 
-TEST_F(ListPopUpTest, escapeClosesIt) {
+TEST_F(ListPopUpTest, EscapeClosesIt) {
     AddRows(5);
     PostKey(NSDownArrowFunctionKey);
     PostKey(@"\033");
     EXPECT_EQ(Choose(), "");
 }
 
-TEST_F(ListPopUpTest, returnWithoutAChoiceLeavesItOpen) {
+TEST_F(ListPopUpTest, ReturnWithoutAChoiceLeavesItOpen) {
     AddRows(5);
     PostKey(@"\r");
     PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row0\t0");
 }
 
-TEST_F(ListPopUpTest, aKeyWithCommandClosesItAndIsLeftForTheMenu) {
+TEST_F(ListPopUpTest, AKeyWithCommandClosesItAndIsLeftForTheMenu) {
     AddRows(5);
     PostKey(NSDownArrowFunctionKey);
     PostKey(@"q", 0, NSCommandKeyMask);
@@ -336,7 +336,7 @@ TEST_F(ListPopUpTest, aKeyWithCommandClosesItAndIsLeftForTheMenu) {
     EXPECT_EQ(std::string([[left characters] UTF8String]), "q");
 }
 
-TEST_F(ListPopUpTest, anEmptyListDoesNotOpen) {
+TEST_F(ListPopUpTest, AnEmptyListDoesNotOpen) {
     EXPECT_EQ(Choose(), "");
 }
 

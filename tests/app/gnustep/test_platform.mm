@@ -16,7 +16,7 @@ std::string lines(const std::string& text) {
     return result;
 }
 
-TEST(SheetText, isBrokenAtBlanksIntoLinesOf52Characters) {
+TEST(SheetText, IsBrokenAtBlanksIntoLinesOf52Characters) {
     EXPECT_EQ(lines(""), "");
     EXPECT_EQ(lines("Short."), "Short.");
     const std::string word(25, 'w');
@@ -29,7 +29,7 @@ TEST(SheetText, isBrokenAtBlanksIntoLinesOf52Characters) {
         "CMD-c with no text selected.  Give it a try!");
 }
 
-TEST(SheetText, keepsItsOwnLinesAndLongWords) {
+TEST(SheetText, KeepsItsOwnLinesAndLongWords) {
     EXPECT_EQ(lines("This is your first run.\nShow 45-second quick tutorial?"),
               "This is your first run.\nShow 45-second quick tutorial?");
     const std::string word(60, 'w');
@@ -39,7 +39,7 @@ TEST(SheetText, keepsItsOwnLinesAndLongWords) {
 
 // --- Keys ---
 
-TEST(KeyCodes, charactersTellTheKeys) {
+TEST(KeyCodes, CharactersTellTheKeys) {
     NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
     const struct {
         unichar character;

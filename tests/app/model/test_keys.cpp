@@ -23,7 +23,7 @@ KeyPress character(char16_t plain, unsigned long held = 0) {
 
 // --- What is found ---
 
-TEST(Keys, aKeyWithAModifierComesBeforeTheKeyAlone) {
+TEST(Keys, AKeyWithAModifierComesBeforeTheKeyAlone) {
     EXPECT_EQ(actionOf(press(KEY_LEFT)), KeyAction::Left);
     EXPECT_EQ(actionOf(press(KEY_LEFT, SHIFT_KEY)), KeyAction::Left);
     EXPECT_EQ(actionOf(press(KEY_LEFT, CONTROL_KEY)), KeyAction::Home);
@@ -32,7 +32,7 @@ TEST(Keys, aKeyWithAModifierComesBeforeTheKeyAlone) {
     EXPECT_EQ(actionOf(press(KEY_A)), KeyAction::Type);
 }
 
-TEST(Keys, operatorsAreToldByWhatIsTyped) {
+TEST(Keys, OperatorsAreToldByWhatIsTyped) {
     EXPECT_EQ(actionOf(character('*')), KeyAction::Operator);
     EXPECT_EQ(actionOf({KEY_OTHER, '8', '*', SHIFT_KEY}), KeyAction::Operator);
     EXPECT_EQ(actionOf({KEY_OTHER, '*', 'x', 0}), KeyAction::Type);
@@ -41,7 +41,7 @@ TEST(Keys, operatorsAreToldByWhatIsTyped) {
     EXPECT_EQ(actionOf(character('-', CONTROL_KEY)), KeyAction::Type);
 }
 
-TEST(Keys, theMenusKeysAreLeftToTheMenusButForCopy) {
+TEST(Keys, TheMenusKeysAreLeftToTheMenusButForCopy) {
     EXPECT_EQ(actionOf(character('v', COMMAND_KEY)), KeyAction::Type);
     EXPECT_EQ(actionOf(character('c', COMMAND_KEY)), KeyAction::Copy);
     EXPECT_EQ(actionOf(character('c')), KeyAction::Type);
@@ -49,7 +49,7 @@ TEST(Keys, theMenusKeysAreLeftToTheMenusButForCopy) {
         << "0x63, which is c, in its low byte";
 }
 
-TEST(Keys, threeOfThemEndWhatRuns) {
+TEST(Keys, ThreeOfThemEndWhatRuns) {
     EXPECT_TRUE(isInterrupt(press(KEY_ESCAPE)));
     EXPECT_TRUE(isInterrupt(character('q', COMMAND_KEY)));
     EXPECT_TRUE(isInterrupt({KEY_OTHER, 'c', 3, CONTROL_KEY}));
@@ -60,7 +60,7 @@ TEST(Keys, threeOfThemEndWhatRuns) {
 
 // --- The rows ---
 
-TEST(Keys, areNotTakenTwice) {
+TEST(Keys, AreNotTakenTwice) {
     std::set<std::string> seen;
     for (const KeyRow& row : keyTable()) {
         if (row.name[0] == '\0') continue;
@@ -70,7 +70,7 @@ TEST(Keys, areNotTakenTwice) {
     }
 }
 
-TEST(Keys, withACharacterAreNamedForIt) {
+TEST(Keys, WithACharacterAreNamedForIt) {
     for (const KeyRow& row : keyTable()) {
         if (row.character == 0 || row.character == ',') continue;
         std::string name;
@@ -119,7 +119,7 @@ std::vector<std::string> tableRows() {
     return rows;
 }
 
-TEST(Keys, areThoseOfTheGuide) {
+TEST(Keys, AreThoseOfTheGuide) {
     EXPECT_EQ(guideRows(), tableRows());
 }
 

@@ -16,17 +16,17 @@ std::vector<std::string> entriesOf(const std::string& bytes) {
 
 using Entries = std::vector<std::string>;
 
-TEST(Script, hasAnEntryInEachLine) {
+TEST(Script, HasAnEntryInEachLine) {
     EXPECT_EQ(entriesOf("1+1\nx=2\n"), Entries({"1+1", "x=2"}));
     EXPECT_EQ(entriesOf("1+1\r\nx=2"), Entries({"1+1\r", "x=2"})) << "the engine drops the carriage return";
     EXPECT_EQ(entriesOf(""), Entries());
 }
 
-TEST(Script, leavesOutCommentsAndBlankLines) {
+TEST(Script, LeavesOutCommentsAndBlankLines) {
     EXPECT_EQ(entriesOf("# a\n\n \t\r\n1\n#\n 2 # b\n"), Entries({"1", " 2 # b"}));
 }
 
-TEST(Script, isReadAsUtf8AndElseAsLatin1) {
+TEST(Script, IsReadAsUtf8AndElseAsLatin1) {
     EXPECT_EQ(entriesOf("\xEF\xBB\xBF"
                         "1\n"),
               Entries({"1"}));
@@ -36,7 +36,7 @@ TEST(Script, isReadAsUtf8AndElseAsLatin1) {
     EXPECT_EQ(entriesOf(std::string("1\0002\n", 4)), Entries({"1?2"}));
 }
 
-TEST(Script, isSavedFromWhatWasEntered) {
+TEST(Script, IsSavedFromWhatWasEntered) {
     ZqCalculator engine;
     engine.sigFigs = 7;
     engine.sciMode = 3;
@@ -54,7 +54,7 @@ TEST(Script, isSavedFromWhatWasEntered) {
     EXPECT_EQ(record.Script(engine, ""), head);
 }
 
-TEST(Script, thatIsSavedIsReadBack) {
+TEST(Script, ThatIsSavedIsReadBack) {
     EntryRecord record;
     record.Add("disp \xC3\xA4");
     record.Add("1;2");

@@ -51,7 +51,7 @@ protected:
 
 // --- The entry as an 8-bit string ---
 
-TEST_F(TranscriptTest, theEntryIsFetchedAsLatin1) {
+TEST_F(TranscriptTest, TheEntryIsFetchedAsLatin1) {
     EXPECT_TRUE(Transcript(u"2\u00d73", {}).FetchPrompt());
     EXPECT_STREQ(prompt, "2\xd7"
                          "3");
@@ -60,7 +60,7 @@ TEST_F(TranscriptTest, theEntryIsFetchedAsLatin1) {
     EXPECT_FALSE(Transcript(std::u16string(u"1\0002", 3), {}).FetchPrompt());
 }
 
-TEST_F(TranscriptTest, anEntryOf9999CharactersFits) {
+TEST_F(TranscriptTest, AnEntryOf9999CharactersFits) {
     EXPECT_TRUE(Transcript(std::u16string(9999, '1'), {}).FetchPrompt());
     EXPECT_FALSE(Transcript(std::u16string(10000, '1'), {}).FetchPrompt());
     EXPECT_EQ(strlen(prompt), 9999u);
@@ -71,7 +71,7 @@ TEST_F(TranscriptTest, anEntryOf9999CharactersFits) {
 
 // --- Return ---
 
-TEST_F(TranscriptTest, returnCommitsAndEndsTheWalk) {
+TEST_F(TranscriptTest, ReturnCommitsAndEndsTheWalk) {
     update_match_str = 1;
     EXPECT_EQ(Press(KEY_RETURN, u"1+1", 1).then, Then::Commit);
     EXPECT_EQ(update_match_str, 0);
@@ -80,7 +80,7 @@ TEST_F(TranscriptTest, returnCommitsAndEndsTheWalk) {
 
 // --- Completion ---
 
-TEST_F(TranscriptTest, tabProposesNamesFromTheNewestAndThenNone) {
+TEST_F(TranscriptTest, TabProposesNamesFromTheNewestAndThenNone) {
     char first[] = "sine(x)=x", second[] = "sing(x)=x";
     calc.ProcessEntry(first, false);
     calc.ProcessEntry(second, false);
@@ -95,13 +95,13 @@ TEST_F(TranscriptTest, tabProposesNamesFromTheNewestAndThenNone) {
     EXPECT_EQ(Press(KEY_TAB, u"1+si", 4).text, "ng()") << "another key begins anew";
 }
 
-TEST_F(TranscriptTest, tabDoesNothingAtTheStartOfTheEntry) {
+TEST_F(TranscriptTest, TabDoesNothingAtTheStartOfTheEntry) {
     const KeyEffect effect = Press(KEY_TAB, u"si", 0);
     EXPECT_EQ(effect.edit, Edit::None);
     EXPECT_EQ(effect.then, Then::Preview);
 }
 
-TEST_F(TranscriptTest, thePartialWordEndsAtWhatIsNoLetter) {
+TEST_F(TranscriptTest, ThePartialWordEndsAtWhatIsNoLetter) {
     EXPECT_EQ(Transcript(u"1+a_2b", {START + 6, 0}).PartialWord().location, START + 2u);
     EXPECT_EQ(Transcript(u"1+a_2b", {START + 6, 0}).PartialWord().length, 4u);
     EXPECT_EQ(Transcript(u"ab", {START + 2, 0}).PartialWord().location, START + 0u) << "not into the prompt";
@@ -111,7 +111,7 @@ TEST_F(TranscriptTest, thePartialWordEndsAtWhatIsNoLetter) {
 
 // --- Escape ---
 
-TEST_F(TranscriptTest, escapeEmptiesTheEntryAndHidesOnAnEmptyOne) {
+TEST_F(TranscriptTest, EscapeEmptiesTheEntryAndHidesOnAnEmptyOne) {
     update_match_str = 1;
     EXPECT_EQ(Press(KEY_ESCAPE, u"1", 1).edit, Edit::Clear);
     EXPECT_EQ(update_match_str, 0);
@@ -121,7 +121,7 @@ TEST_F(TranscriptTest, escapeEmptiesTheEntryAndHidesOnAnEmptyOne) {
 
 // --- Deleting ---
 
-TEST_F(TranscriptTest, backspaceSparesThePrompt) {
+TEST_F(TranscriptTest, BackspaceSparesThePrompt) {
     EXPECT_EQ(Press(KEY_BACKSPACE, u"12", 1).then, Then::Pass);
     EXPECT_EQ(Press(KEY_BACKSPACE, u"12", 0).then, Then::Preview);
     EXPECT_EQ(Press(KEY_BACKSPACE, u"12", 0, 1).then, Then::Pass);
@@ -133,7 +133,7 @@ TEST_F(TranscriptTest, backspaceSparesThePrompt) {
     EXPECT_EQ(above.then, Then::Preview);
 }
 
-TEST_F(TranscriptTest, forwardDeleteAtTheStartDeletesWhatIsBehindIt) {
+TEST_F(TranscriptTest, ForwardDeleteAtTheStartDeletesWhatIsBehindIt) {
     EXPECT_EQ(Press(KEY_FORWARD_DELETE, u"12", 0).then, Then::Pass);
     const KeyEffect across = Press(KEY_FORWARD_DELETE, u"12", -4, 5);
     expectSelected(across.select, 0, 1);
@@ -144,7 +144,7 @@ TEST_F(TranscriptTest, forwardDeleteAtTheStartDeletesWhatIsBehindIt) {
 
 // --- Moving ---
 
-TEST_F(TranscriptTest, homeAndEndStayInTheEntryAndShiftSelects) {
+TEST_F(TranscriptTest, HomeAndEndStayInTheEntryAndShiftSelects) {
     expectSelected(Press(KEY_HOME, u"123", 2).select, 0, 0);
     expectSelected(Press(KEY_HOME, u"123", 2, 1, SHIFT_KEY).select, 0, 3);
     expectSelected(Press(KEY_HOME, u"123", -5, 1, SHIFT_KEY).select, 0, 0);
@@ -154,13 +154,13 @@ TEST_F(TranscriptTest, homeAndEndStayInTheEntryAndShiftSelects) {
     EXPECT_EQ(Press(KEY_END, u"123", 1).then, Then::Nothing);
 }
 
-TEST_F(TranscriptTest, theLeftArrowDoesNotEnterThePrompt) {
+TEST_F(TranscriptTest, TheLeftArrowDoesNotEnterThePrompt) {
     EXPECT_EQ(Press(KEY_LEFT, u"12", 1).then, Then::Pass);
     for (const int place : {0, -1, -2}) EXPECT_EQ(Press(KEY_LEFT, u"12", place).then, Then::Preview) << place;
     EXPECT_EQ(Press(KEY_LEFT, u"12", -3).then, Then::Pass);
 }
 
-TEST_F(TranscriptTest, controlACountsAsTheLeftArrow) {
+TEST_F(TranscriptTest, ControlACountsAsTheLeftArrow) {
     Press(KEY_A, u"12", 2, 0, CONTROL_KEY);
     EXPECT_EQ(keyCode, KEY_LEFT);
     Press(KEY_TAB, u"12", 2);
@@ -169,7 +169,7 @@ TEST_F(TranscriptTest, controlACountsAsTheLeftArrow) {
 
 // --- History ---
 
-TEST_F(TranscriptTest, theArrowsMatchWhatWasTyped) {
+TEST_F(TranscriptTest, TheArrowsMatchWhatWasTyped) {
     for (const char* line : {"sin(1)", "cos(1)", "sin(2)"}) calc.history.InsertNewEntry(line);
     Type('i', u"s", 1);
     EXPECT_EQ(matching_enable, 1);
@@ -184,7 +184,7 @@ TEST_F(TranscriptTest, theArrowsMatchWhatWasTyped) {
     EXPECT_STREQ(matchstr, "si") << "taken once";
 }
 
-TEST_F(TranscriptTest, atTheStartOfTheEntryTheArrowsWalkThroughAll) {
+TEST_F(TranscriptTest, AtTheStartOfTheEntryTheArrowsWalkThroughAll) {
     for (const char* line : {"sin(1)", "cos(1)"}) calc.history.InsertNewEntry(line);
     matching_enable = 1;
     EXPECT_EQ(Press(KEY_UP, u"", 0).edit, Edit::Recall);
@@ -192,7 +192,7 @@ TEST_F(TranscriptTest, atTheStartOfTheEntryTheArrowsWalkThroughAll) {
     EXPECT_EQ(Press(KEY_DOWN, u"cos(1)", 6).edit, Edit::Clear) << "past the newest";
 }
 
-TEST_F(TranscriptTest, thePrefixHasAtMost100Characters) {
+TEST_F(TranscriptTest, ThePrefixHasAtMost100Characters) {
     matching_enable = 1;
     Press(KEY_UP, std::u16string(200, '1'), 200);
     EXPECT_EQ(std::string(matchstr), std::string(100, '1'));
@@ -200,7 +200,7 @@ TEST_F(TranscriptTest, thePrefixHasAtMost100Characters) {
 
 // --- Typing ---
 
-TEST_F(TranscriptTest, anOperatorTypedFirstAppliesToTheAnswer) {
+TEST_F(TranscriptTest, AnOperatorTypedFirstAppliesToTheAnswer) {
     for (const char16_t c : {u'+', u'*', u'/', u'-'}) {
         const KeyEffect effect = Type(c, u"5", 0);
         EXPECT_EQ(effect.edit, Edit::Type);
@@ -214,7 +214,7 @@ TEST_F(TranscriptTest, anOperatorTypedFirstAppliesToTheAnswer) {
     EXPECT_EQ(Type('+', u"", 0).text, "ans");
 }
 
-TEST_F(TranscriptTest, aSecondMinusChangesOver) {
+TEST_F(TranscriptTest, ASecondMinusChangesOver) {
     KeyEffect effect = Type('-', u"-", 1);
     expectSelected(effect.select, 0, 1);
     EXPECT_EQ(effect.text, "ans");
@@ -228,7 +228,7 @@ TEST_F(TranscriptTest, aSecondMinusChangesOver) {
     EXPECT_EQ(Type('-', u"5-3-", 4).edit, Edit::None);
 }
 
-TEST_F(TranscriptTest, whatIsTypedInTheTranscriptGoesToTheEnd) {
+TEST_F(TranscriptTest, WhatIsTypedInTheTranscriptGoesToTheEnd) {
     KeyEffect effect = Type('*', u"", -4, 2);
     EXPECT_TRUE(effect.goesToEnd);
     EXPECT_EQ(effect.text, "ans") << "the entry is empty";
@@ -239,7 +239,7 @@ TEST_F(TranscriptTest, whatIsTypedInTheTranscriptGoesToTheEnd) {
     EXPECT_FALSE(Press(KEY_OTHER, u"5", -4, 0, CONTROL_KEY).goesToEnd);
 }
 
-TEST_F(TranscriptTest, commandCCopiesTheAnswerWhenNothingIsSelected) {
+TEST_F(TranscriptTest, CommandCCopiesTheAnswerWhenNothingIsSelected) {
     const KeyPress copy = {KEY_OTHER, 'c', 'c', COMMAND_KEY};
     EXPECT_EQ(Press(copy, u"5", 1).then, Then::Copy);
     EXPECT_EQ(Press(copy, u"5", 0, 1).then, Then::Preview);
