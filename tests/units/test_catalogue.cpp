@@ -38,7 +38,7 @@ TEST_F(Catalogue, HoldsThePrefixesInTheirOrder) {
 
 TEST_F(Catalogue, TellsItsNames) {
     std::vector<std::string> names = units_names();
-    EXPECT_EQ(names.size(), 123U);
+    EXPECT_EQ(names.size(), tableUnits().size());
     EXPECT_EQ(std::count(names.begin(), names.end(), "meter"), 1);
     names = units_prefix_names();
     EXPECT_EQ(names.size(), 41U);
@@ -55,7 +55,7 @@ TEST_F(Catalogue, HoldsTheUnitsInTheirOrderWithTheirPrimitives) {
         EXPECT_EQ(namesOf(record->reduced, 1), namesOfDimension(expected.dimension, 1)) << expected.name;
         EXPECT_EQ(namesOf(record->reduced, -1), namesOfDimension(expected.dimension, -1)) << expected.name;
     }
-    EXPECT_EQ(tableUnits().size(), 123U);
+    EXPECT_EQ(position, units_names().size());
 }
 
 TEST_F(Catalogue, TakesTheFactorsFromTheTextsShown) {
