@@ -107,7 +107,7 @@ TEST(SettingsFile, KeysOfOtherVersionsStay) {
     EXPECT_EQ(text.find("sigfigs"), std::string::npos) << text;
 }
 
-TEST(SettingsFile, commentsMarksAndDataInLinesAreReadAsXmlHasThem) {
+TEST(SettingsFile, CommentsMarksAndDataInLinesAreReadAsXmlHasThem) {
     KeptSettings kept;
     ASSERT_TRUE(readSettings(HEAD +
                                  "<!-- <key>x</key> --><key>&#x78;</key><!-- y -->\n<integer>\n 7</integer>" +
@@ -117,7 +117,7 @@ TEST(SettingsFile, commentsMarksAndDataInLinesAreReadAsXmlHasThem) {
     EXPECT_EQ(textOf(kept), "x=8\nfgcolor=0.5 0.25 1 0\n") << "of one key twice the second counts";
 }
 
-TEST(SettingsFile, aKeyWithoutAValueOrAValueWithoutAKeyIsDamage) {
+TEST(SettingsFile, AKeyWithoutAValueOrAValueWithoutAKeyIsDamage) {
     for (const std::string inside : {"<key>x</key>", "<integer>1</integer>", "<key>x</key><key>y</key>",
                                      "<key>x</key><integer>1</integer><integer>2</integer>",
                                      "<key>x</key><number>1</number>", "<key>x</key>1", "<key>x</KEY>"}) {
@@ -127,7 +127,7 @@ TEST(SettingsFile, aKeyWithoutAValueOrAValueWithoutAKeyIsDamage) {
     }
 }
 
-TEST(SettingsFile, aFileOfTheEarlierFormIsRead) {
+TEST(SettingsFile, AFileOfTheEarlierFormIsRead) {
     const std::string text =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//GNUstep//DTD plist "
         "0.9//EN\" "
