@@ -4,15 +4,22 @@
 #include "DefinitionsMerge.h"
 #include "FileKeeping.h"
 
+#include <csignal>
 #include <utility>
 
 void BackgroundWriter::Write(std::vector<FileToWrite> files) {
     Finish();
     isBusy = true;
+    // Signals are for whoever waits for them, not for this thread: it takes over the mask.
+    sigset_t all;
+    sigset_t found;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &found);
     worker = std::thread([this, files = std::move(files)] {
         WriteFiles(files);
         isBusy = false;
     });
+    pthread_sigmask(SIG_SETMASK, &found, nullptr);
 }
 
 void BackgroundWriter::WriteFiles(const std::vector<FileToWrite>& files) {

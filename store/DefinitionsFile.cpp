@@ -230,3 +230,10 @@ DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, Sys
     undo.TakeBack();
     return result;
 }
+
+void takeDefinitions(ZqCalculator& calc, const std::string& text) {
+    Undo undo;
+    prepare(calc, undo);
+    Reader(calc).Take(DefinitionsText(text).records);
+    undo.TakeBack();
+}

@@ -68,3 +68,6 @@ struct DefinitionsRead {
 // Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the
 // texts, the result, the status and the interrupted flag are what they were before; target is "ans".
 DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, System& system = System::Real());
+
+// Takes the definitions in a text that begins with the header of a section, in the same way.
+void takeDefinitions(ZqCalculator& calc, const std::string& text);

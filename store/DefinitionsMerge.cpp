@@ -17,27 +17,47 @@ bool DefinitionsMerge::IsForeign(const std::string& key, const std::string& line
     return twin != twins.end() && own != present.end() && own->second == twin->second;
 }
 
-std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
-    const DefinitionsText text(ours);
-    const Lines present = text.LinesByKey();
-    for (const auto& [key, line] : present) known.insert(key);
-    const DefinitionsText others(theirs);
-    std::string foreign[HISTORY];
+DefinitionsMerge::Sections DefinitionsMerge::ForeignIn(const DefinitionsText& others,
+                                                       const Lines& present) const {
+    Sections foreign;
     for (const DefinitionRecord& record : others.records) {
         const std::string key = record.Key();
         if (key.empty() || record.section == NO_SECTION) continue;
         const std::string& line = others.lines[record.line];
         if (IsForeign(key, line, present)) foreign[record.section] += line + "\n";
     }
+    return foreign;
+}
+
+std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
+    const DefinitionsText text(ours);
+    const Lines present = text.LinesByKey();
+    for (const auto& [key, line] : present) known.insert(key);
+    const DefinitionsText others(theirs);
+    const Sections foreign = ForeignIn(others, present);
+    const bool isHistoryTheirs = leavesHistory && others.headers[HISTORY] < others.lines.size();
     std::string merged;
     for (size_t i = 0; i < text.lines.size(); i++) {
+        if (isHistoryTheirs && i > text.headers[HISTORY]) break;
         // Another section begins: the one before it is complete.
         for (const Section section : {VARIABLES, UNITS, HISTORY}) {
             if (text.headers[section] == i) merged += foreign[section - 1];
         }
         merged += text.lines[i] + "\n";
     }
+    for (size_t i = others.headers[HISTORY] + 1; isHistoryTheirs && i < others.lines.size(); i++)
+        merged += others.lines[i] + "\n";
     return merged;
+}
+
+std::string DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
+    const Sections foreign = ForeignIn(DefinitionsText(theirs), DefinitionsText(ours).LinesByKey());
+    std::string text;
+    for (const Section section : {FUNCTIONS, VARIABLES, UNITS}) {
+        if (!foreign[section].empty()) text += HEADERS[section] + ("\n" + foreign[section]);
+    }
+    for (const auto& [key, line] : DefinitionsText(text).LinesByKey()) known.insert(key);
+    return text;
 }
 
 bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason,

@@ -4,8 +4,10 @@
 // other one defined meanwhile stays in the file.
 #pragma once
 
+#include "DefinitionRecords.h"
 #include "System.h"
 
+#include <array>
 #include <map>
 #include <set>
 #include <string>
@@ -20,9 +22,16 @@ public:
 
     // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were
     // never known here. Each stands at the end of its section. What was deleted here stays deleted, of a name
-    // in both our line stays, and the history is ours. `ours` is as definitionsText makes it and is known
+    // in both our line stays. `ours` is as definitionsText makes it and is known
     // from now on.
     std::string Merge(const std::string& ours, const std::string& theirs);
+
+    // The definitions of `theirs` that Merge would add to `ours`, as a text like it. From now on they are
+    // known.
+    std::string TakeForeign(const std::string& ours, const std::string& theirs);
+
+    // Whether the history in the file is another program's and stays; otherwise ours takes its place.
+    bool leavesHistory = false;
 
     // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the
     // same moment one waits for the other. Returns whether it is there now; otherwise the file is as it was,
@@ -33,7 +42,10 @@ public:
 private:
     using Lines = std::map<std::string, std::string>; // by what they define
 
+    using Sections = std::array<std::string, HISTORY>;
+
     bool IsForeign(const std::string& key, const std::string& line, const Lines& present) const;
+    Sections ForeignIn(const DefinitionsText& others, const Lines& present) const;
 
     std::set<std::string> known;
     std::map<std::string, std::string> twins;

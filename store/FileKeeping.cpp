@@ -212,6 +212,18 @@ bool writeFileAtomically(const std::string& path, const std::string& text, std::
     return false;
 }
 
+bool appendToFile(const std::string& path, const std::string& text, std::error_code& reason, System& system) {
+    Descriptor file(
+        system,
+        system.Open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0600));
+    const bool isWritten = file.IsOpen() && writeAll(system, file.Number(), text);
+    const int error = errno;
+    const bool isClosed = file.Close();
+    if (isWritten && isClosed) return true;
+    reason = std::error_code(isWritten ? errno : error, std::generic_category());
+    return false;
+}
+
 void removeLeftovers(const std::string& path, System& system) {
     std::string file = path;
     if (!followLinks(system, file)) return;

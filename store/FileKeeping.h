@@ -21,6 +21,11 @@ bool readWholeFile(const std::string& path, std::string& text, System& system = 
 bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr,
                          System& system = System::Real());
 
+// Appends `text` to the file, which is made when it is missing, readable and writable by its owner alone.
+// False when not all of it was written: `reason` says why.
+bool appendToFile(const std::string& path, const std::string& text, std::error_code& reason,
+                  System& system = System::Real());
+
 // Removes what programs left that were killed while they wrote the file or one that is kept beside it: the
 // files "NAME.tallyquill-XXXXXX" in its folder, X being a letter or a digit. One that a program is just
 // writing stays.

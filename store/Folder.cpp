@@ -44,6 +44,10 @@ std::string configFolder() {
     return chosenFolder("XDG_CONFIG_HOME", "/.config/") + "tallyquill";
 }
 
+std::string historyPath() {
+    return chosenFolder("XDG_STATE_HOME", "/.local/state/") + "tallyquill/history";
+}
+
 void makeFolder(const std::string& path, System& system) {
     for (size_t end = 0; end < path.size();) {
         end = std::min(path.find('/', end + 1), path.size());

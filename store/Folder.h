@@ -21,6 +21,10 @@ std::string definitionsPath(const std::string& folder);
 // when that begins with '/', or ~/.config/tallyquill, as above. It is never made.
 std::string configFolder();
 
+// The file of the prompt's entries: "tallyquill/history" in $XDG_STATE_HOME when that begins with '/', or in
+// ~/.local/state, as above.
+std::string historyPath();
+
 // Makes a folder and those above it that are missing, readable and writable by their owner alone. Whether
 // there is one now shows when something is written there.
 void makeFolder(const std::string& path, System& system = System::Real());

@@ -51,12 +51,30 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
     if (!read.opened || read.damaged) KeepBeside(definitionsFile);
     // A line that was refused is no other program's: it is in the copy that was kept.
+    const bool leavesHistory = merge.leavesHistory;
     merge = {};
+    merge.leavesHistory = leavesHistory;
     merge.Know(read.text, read.twins);
     if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
     if (read.damaged)
         return "Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
     return "";
+}
+
+void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
+    struct stat now = {};
+    if (definitionsFile.path.empty() || writer.IsBusy() ||
+        system.Status(definitionsFile.path.c_str(), now) != 0)
+        return;
+    const auto isSame = [&now](const struct stat& seen) {
+        return now.st_ino == seen.st_ino && now.st_size == seen.st_size && now.st_mtime == seen.st_mtime;
+    };
+    if (isSame(std::exchange(definitionsSeen, now))) return;
+    writer.Finish();
+    std::string theirs;
+    if (!readWholeFile(definitionsFile.path, theirs, system)) return;
+    const std::string foreign = merge.TakeForeign(definitionsText(calc), theirs);
+    if (!foreign.empty()) takeDefinitions(calc, foreign);
 }
 
 // No reason is given when there is nothing to keep, or when there are ten copies already.

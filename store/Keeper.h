@@ -39,6 +39,13 @@ public:
     // same way. Returns what is to be said to the person, or nothing.
     std::string ReadDefinitions(ZqCalculator& calc);
 
+    // Takes what other programs have defined in that file since then into the calculator. Does nothing while
+    // something is being written.
+    void TakeForeignDefinitions(ZqCalculator& calc);
+
+    // The history in that file is other programs', and stays as it is.
+    void LeaveHistory() { merge.leavesHistory = true; }
+
     // --- Writing ---
 
     // At once: return when it is written, or has failed. An empty text of settings is not written.
@@ -90,7 +97,8 @@ private:
     bool isChanged = false;
     bool isRunning = false;
     System::Time changeTime;
-    std::string textBefore; // of the definitions before the running entry
+    struct stat definitionsSeen = {}; // what the file was when other programs' definitions were looked for
+    std::string textBefore;           // of the definitions before the running entry
     System::Time textTime;
     System::Time::duration textCost{};
 

@@ -32,6 +32,8 @@ constexpr OptionRow TABLE[] = {
     {"mark", 0, "CHARACTER", "the mark between groups, instead of a comma", SettingOption{"schar"}},
     {"comma", 0, nullptr, "decimal comma, in entries too", SettingOption{"european", "on"}},
     {"ten-key", 0, nullptr, "read the sign behind a number, as adding machines do", SettingOption{"tenkey", "1"}},
+    {"plain", 0, nullptr, "at the prompt, no editor, no preview and no colors", &Options::plain},
+    {"color", 0, "auto|always|never", "whether the output has colors", &Options::color},
     {"trace", 0, nullptr, "show the trace of the evaluation on standard error", &Options::trace},
     {"help", 0, nullptr, "show this help and exit", Action::ShowHelp},
     {"version", 0, nullptr, "show the version and exit", Action::ShowVersion},
@@ -116,7 +118,7 @@ private:
             if (next >= argc) return Refuse(name + " needs a value: " + argument);
             given.value = argv[next++];
         }
-        if (!Use(given.row->use, given.value))
+        if (!Use(*given.row, given.value))
             Refuse("'" + std::string(given.value) + "' is no value of " + name + ": " +
                    PossibleValues(*given.row));
     }
@@ -131,14 +133,22 @@ private:
         return names;
     }
 
+    // Whether the value is one of those in "a|b|c", or there are none.
+    static bool IsChoice(const std::string& choices, std::string_view value) {
+        const std::string all = "|" + choices + "|";
+        return choices.find('|') == std::string::npos ||
+               all.find("|" + std::string(value) + "|") != std::string::npos;
+    }
+
     // False when the value is not a good one.
-    bool Use(const OptionUse& use, std::string_view value) {
+    bool Use(const OptionRow& row, std::string_view value) {
+        const OptionUse& use = row.use;
         if (const auto* const flag = std::get_if<bool Options::*>(&use)) options.** flag = true;
         if (const auto* const action = std::get_if<Action>(&use)) options.action = *action;
         if (std::get_if<FileOption>(&use) != nullptr) options.inputs.push_back({value, true});
         if (const auto* const text = std::get_if<std::string_view Options::*>(&use)) {
             options.** text = value;
-            return !value.empty();
+            return !value.empty() && IsChoice(row.argument, value);
         }
         if (std::get_if<WithOption>(&use) != nullptr) return UseShipped(value);
         const auto* const one = std::get_if<SettingOption>(&use);

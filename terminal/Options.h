@@ -34,6 +34,8 @@ struct Options {
     std::vector<std::string_view> with; // names of definitions that ship (OwnFiles.h)
     bool noFiles = false;               // no file of the person's is read
     bool user = false;                  // the person's settings are taken too
+    bool plain = false;                 // the prompt reads lines without an editor
+    std::string_view color;             // "auto", "always" or "never"; empty: auto
     bool trace = false;                 // the engine's trace goes to standard error
 
     std::vector<std::pair<const Setting*, int>> settings; // what differs from those

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "Prompt.h"
 
+#include "Colours.h"
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Hints.h"
 #include "Interrupt.h"
 #include "Keyboard.h"
+#include "PromptFiles.h"
 #include "PromptWords.h"
 #include "Session.h"
+#include "ShownText.h"
 #include "TypedSigns.h"
 #ifdef TALLYQUILL_READLINE
 #include "ReadlineEditor.h"
@@ -26,14 +29,10 @@ namespace {
 
 using Status = LineSource::Status;
 
+constexpr const char* PROMPT = "> ";
+
 // One byte more than an entry may have tells an overlong line apart.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
-
-// Where prompts go when a person types: not into a file that collects the answers, else nowhere (-1).
-int promptDescriptor(int answers) {
-    if (isatty(answers) == 1) return answers;
-    return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
-}
 
 std::string withoutBlanks(std::string_view text) {
     std::string kept(text);
@@ -45,27 +44,29 @@ std::string withoutBlanks(std::string_view text) {
 
 class Prompt : public PromptHost {
 public:
-    Prompt(Session& theSession, int answers, const PromptOptions& options);
+    Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how);
 
     PromptEnd Run();
 
-    std::string PromptText(bool) const override { return "> "; }
-    long DoDue() override { return -1; }
+    std::string PromptText(bool forEditor) const override;
+    long DoDue() override { return files.DoDue(); }
     std::string PreviewOf(const std::string& entry) override;
     Completion CompletionsAt(const std::string& entry, std::size_t cursor) override;
-    bool MinusIsSign() const override { return true; }
+    bool MinusIsSign() const override { return files.Setting("doublenegans") != 0; }
 
 private:
-    Session::Outcome Answer(const std::string& line);
-    Session::Outcome CarryOut(const std::string& line);
+    Session::Outcome Answer(const std::string& line, bool isPasted);
+    Session::Outcome Evaluate(const std::string& line, bool isPasted);
+    Session::Outcome AnswerWord(const std::string& line);
     std::string WithHelp(const std::string& error) const;
+    std::string AsHint(const std::string& text) const;
 
     Session& session;
+    PromptFiles& files;
+    PromptOptions options;
     int screen;
     std::string current; // the line that is being answered
     Notes notes;
-    KeptSettings settings;
-    std::vector<std::string> history;
     std::unique_ptr<LineSource> lines;
 };
 
@@ -75,15 +76,26 @@ bool canEdit(int screen) {
     return screen >= 0 && kind != nullptr && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
 }
 
-Prompt::Prompt(Session& theSession, int answers, const PromptOptions& options)
-    : session(theSession), screen(promptDescriptor(answers)) {
+Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how)
+    : session(theSession), files(theFiles), options(how), screen(promptDescriptor(answers)) {
 #ifdef TALLYQUILL_READLINE
     if (!options.isPlain && canEdit(screen))
         lines = std::make_unique<ReadlineEditor>(*this, STDIN_FILENO, screen);
 #endif
+    if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH);
+    lines->SetHistory(files.History());
     if (isatty(STDERR_FILENO) == 1)
         session.SetErrorForm([this](const std::string& error) { return WithHelp(error); });
-    if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH);
+}
+
+std::string Prompt::PromptText(bool forEditor) const {
+    const std::string text = PROMPT;
+    if (!options.hasColours) return text;
+    const std::string inColour = coloured(Shade::Prompt, text);
+    if (!forEditor) return inColour;
+    const std::size_t start = inColour.find(text);
+    return "\001" + inColour.substr(0, start) + "\002" + text + "\001" +
+           inColour.substr(start + text.size()) + "\002";
 }
 
 PromptEnd Prompt::Run() {
@@ -96,28 +108,46 @@ PromptEnd Prompt::Run() {
         if (screen >= 0 && (status == Status::Cancelled || status == Status::End)) writeAll(screen, "\n");
         if (status == Status::Cancelled) continue;
         if (status == Status::End) return PromptEnd::Ended;
-        const Session::Outcome outcome = Answer(TypedSigns().Read(line));
+        const Session::Outcome outcome = Answer(TypedSigns().Read(line), status == Status::Pasted);
         if (outcome == Session::Outcome::OutputLost) return PromptEnd::OutputLost;
         if (outcome == Session::Outcome::Ended) return PromptEnd::Ended;
     }
 }
 
-Session::Outcome Prompt::Answer(const std::string& line) {
+Session::Outcome Prompt::Answer(const std::string& line, bool isPasted) {
+    const std::size_t start = line.find_first_not_of(" \t");
+    const bool isWord = start != std::string::npos && line[start] == ':';
+    const bool isRecorded = session.Calculator().histStack && checkEntry(line) == EntryFault::None;
+    if (isRecorded && !strIsEqualNI(line.c_str(), "histstack off", 13) && files.AddToHistory(line))
+        lines->AddToHistory(line);
     current = line;
-    if (!isBlank(line) && line[0] != ' ' && line[0] != '\t') lines->AddToHistory(line);
-    if (line[0] == ':') return CarryOut(line);
-    const Session::Outcome outcome = session.Run(line);
-    if (outcome == Session::Outcome::Answered && !session.Show(notes.For(line)))
-        return Session::Outcome::OutputLost;
+    const Session::Outcome outcome = isWord ? AnswerWord(line.substr(start)) : Evaluate(line, isPasted);
+    if (outcome == Session::Outcome::OutputLost) return outcome;
+    const std::string news = files.TakeNews();
+    if (!news.empty() && screen >= 0) writeAll(screen, shownText(news + "\n"));
     return outcome;
 }
 
-// A line that begins with ':'.
-Session::Outcome Prompt::CarryOut(const std::string& line) {
-    const PromptReply reply = runPromptWord({session.Calculator(), settings, history}, line);
+Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
+    files.EntryWillRun(isPasted);
+    const Session::Outcome outcome = isInterrupted() ? session.GiveUp() : session.Run(line);
+    files.EntryDidRun();
+    if (isPasted) files.DoDue(); // nobody rests
+    if (outcome != Session::Outcome::Answered || screen < 0) return outcome;
+    return writeAll(screen, AsHint(notes.For(line))) ? outcome : Session::Outcome::OutputLost;
+}
+
+// The prompt's own words, which begin with ':'.
+Session::Outcome Prompt::AnswerWord(const std::string& line) {
+    const PromptReply reply = runPromptWord({session.Calculator(), files.Settings(), files.History()}, line);
+    files.NoteChange();
     if (reply.kind == PromptReply::END) return Session::Outcome::Ended;
     if (reply.kind == PromptReply::ERROR) return session.RefuseEntry(line, reply.text);
     return session.Show(reply.text) ? Session::Outcome::Answered : Session::Outcome::OutputLost;
+}
+
+std::string Prompt::AsHint(const std::string& text) const {
+    return options.hasColours ? coloured(Shade::Hint, shownText(text)) : shownText(text);
 }
 
 int columnsOf(int screen) {
@@ -130,11 +160,12 @@ std::string Prompt::WithHelp(const std::string& error) const {
     ZqCalculator& calc = session.Calculator();
     if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
     const auto columns = static_cast<std::size_t>(columnsOf(screen));
-    const std::string mark = markUnder(current, calc.errorRange, PromptText(false).size(), columns);
-    return mark + error + hintAfterError(current, calc);
+    const std::string mark = markUnder(current, calc.errorRange, std::strlen(PROMPT), columns);
+    return AsHint(mark) + error + AsHint(hintAfterError(current, calc));
 }
 
 std::string Prompt::PreviewOf(const std::string& entry) {
+    if (files.Setting("autoeval") == 0) return "";
     if (isBlank(entry) || checkEntry(entry) != EntryFault::None) return "";
     ZqCalculator& calc = session.Calculator();
     if (calc.ProcessEntry(entry.c_str(), true) != STATUS_RESULT) return "";
@@ -155,13 +186,12 @@ Completion Prompt::CompletionsAt(const std::string& entry, std::size_t cursor) {
 
 } // namespace
 
-PromptEnd runPrompt(Session& session, int answers, const PromptOptions& options) {
-    const EndCatcher endCatcher;
-    PromptEnd end = PromptEnd::Ended;
-    {
-        const InterruptCatcher catcher;
-        end = Prompt(session, answers, options).Run();
-    }
-    if (endSignal() != 0) dieOf(endSignal());
-    return end;
+int promptDescriptor(int answers) {
+    if (isatty(answers) == 1) return answers;
+    return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
+}
+
+PromptEnd runPrompt(Session& session, PromptFiles& files, int answers, const PromptOptions& options) {
+    const InterruptCatcher catcher;
+    return Prompt(session, files, answers, options).Run();
 }

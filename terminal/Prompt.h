@@ -3,10 +3,12 @@
 // The interactive prompt: a person types entries at a terminal and is answered until the end of input.
 #pragma once
 
+class PromptFiles;
 class Session;
 
 struct PromptOptions {
-    bool isPlain = false; // lines are read without an editor, and no escape sequence is written
+    bool isPlain = false;    // lines are read without an editor, and no escape sequence is written
+    bool hasColours = false; // of the prompt
 };
 
 enum class PromptEnd {
@@ -16,5 +18,10 @@ enum class PromptEnd {
 };
 
 // Reads entries from the terminal at standard input and lets the session answer them, on the descriptor
-// `answers`. Ctrl-C drops what is typed or ends what is evaluated, and the next prompt follows.
-PromptEnd runPrompt(Session& session, int answers, const PromptOptions& options);
+// `answers`. Ctrl-C drops what is typed or ends what is evaluated, and the next prompt follows. A signal
+// that asks for the end (Interrupt.h) ends it.
+PromptEnd runPrompt(Session& session, PromptFiles& files, int answers, const PromptOptions& options);
+
+// Where prompts go when a person types and answers go to `answers`: not into a file that collects them, else
+// nowhere (-1).
+int promptDescriptor(int answers);

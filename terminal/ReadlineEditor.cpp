@@ -33,11 +33,6 @@ bool isOn(const char* variable) {
     return value != nullptr && std::strcmp(value, "on") == 0;
 }
 
-bool isPrintable(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return code >= 0x20 && code != 0x7F;
-}
-
 // What Readline puts in front of the prompt to show the mode of its keys.
 std::string modeText() {
     if (!isOn("show-mode-in-prompt")) return "";
@@ -89,8 +84,6 @@ ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to)
     rl_change_environment = 0;
     useUtf8();
     rl_initialize();
-    rl_redisplay_function =
-        Redisplay; // only now: with one of its own Readline asks nothing about the terminal
     if (isOn("enable-bracketed-paste")) terminal.MarkPastes();
     using_history();
     stifle_history(KEPT_ENTRIES);
@@ -273,10 +266,13 @@ int ReadlineEditor::GiveByte(std::FILE*) {
     return static_cast<unsigned char>(editor.bytes[editor.taken++]);
 }
 
-// Readline asks whether the rest of a sequence has come that an Escape may have begun.
+// Readline asks whether there is more. Only behind an Escape, which may begin a sequence, is it waited for.
 int ReadlineEditor::HasBytes() {
     constexpr long PATIENCE = 100;
-    return current->ReadBytes(PATIENCE) ? 1 : 0;
+    ReadlineEditor& editor = *current;
+    if (editor.taken < editor.bytes.size()) return 1;
+    const bool isEscape = editor.taken > 0 && editor.bytes[editor.taken - 1] == '\x1b';
+    return isEscape && editor.ReadBytes(PATIENCE) ? 1 : 0;
 }
 
 // The preview goes first: Readline writes only where it knows what is there.
@@ -285,13 +281,6 @@ void ReadlineEditor::RunKeys() {
     while (taken < bytes.size() && !isDone) rl_callback_read_char();
     lastKey = Clock::now();
     if (!isDone) DrawPreview();
-}
-
-// Of what came together only the last is drawn, unless a key in between may move the line elsewhere.
-void ReadlineEditor::Redisplay() {
-    const ReadlineEditor& editor = *current;
-    if (editor.taken < editor.bytes.size() && isPrintable(editor.bytes[editor.taken])) return;
-    rl_redisplay();
 }
 
 int ReadlineEditor::TypeOperator(int count, int key) {
@@ -443,9 +432,7 @@ void ReadlineEditor::ShowAgain() {
 void ReadlineEditor::FollowSize() {
     terminal.Forget();
     ErasePreview();
-    rl_redisplay_function = rl_redisplay; // Readline repairs what it drew itself
     rl_resize_terminal();
-    rl_redisplay_function = Redisplay;
     ScreenPlace cursor;
     ScreenPlace end;
     int width = 0;

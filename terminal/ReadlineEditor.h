@@ -34,7 +34,6 @@ private:
     static void TakeLine(char* text);
     static int GiveByte(std::FILE*);
     static int HasBytes();
-    static void Redisplay();
     static char** Complete(const char* word, int start, int end);
     static int RecallOlder(int, int);
     static int RecallNewer(int, int);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
+#include "Colours.h"
 #include "Commands.h"
 #include "Descriptor.h"
 #include "EntryText.h"
@@ -55,6 +56,11 @@ Session::Outcome Session::Run(std::string_view entry) {
     // A Ctrl-C that came too late for the entry still ends the run. From here on it ends the program itself.
     const bool isOver = outcome == Outcome::Answered || outcome == Outcome::Refused;
     return isOver && isInterrupted() ? Outcome::Interrupted : outcome;
+}
+
+Session::Outcome Session::GiveUp() {
+    Refuse("** ERROR: interrupted **\n");
+    return Outcome::Interrupted;
 }
 
 Session::Outcome Session::Evaluate(std::string_view entry) {
@@ -122,8 +128,13 @@ Session::Outcome Session::AnswerValue() {
     std::string_view text = calc.resultLine;
     anyRefused = anyRefused || calc.overflowed;
     if (style.quiet) text.remove_prefix(text.find(" = ") + 3);
-    if (!style.last) return Answer(text);
-    lastValue = shownText(text);
+    const std::string shownValue = ValueText(text);
+    if (style.last)
+        lastValue = shownValue;
+    else if (style.json)
+        shown += shownValue;
+    else if (!writeAll(answers, shownValue))
+        return Outcome::OutputLost;
     return Outcome::Answered;
 }
 
@@ -150,11 +161,13 @@ Session::Outcome Session::RefuseEntry(std::string_view entry, std::string_view m
 Session::Outcome Session::Refuse(std::string_view message) {
     anyRefused = true;
     // When not even errors can be written there is nobody left to tell; the exit status does.
-    const std::string text = place + asLine(message);
-    if (style.json)
+    if (style.json) {
         shown = message;
-    else
-        writeAll(errors, shownText(errorForm ? errorForm(text) : text));
+        return Outcome::Refused;
+    }
+    const std::string text = shownText(place + asLine(message));
+    const std::string inColour = coloursErrors ? coloured(Shade::Error, text) : text;
+    writeAll(errors, errorForm ? errorForm(inColour) : inColour);
     return Outcome::Refused;
 }
 
@@ -213,4 +226,9 @@ bool Session::Show(std::string_view text) {
         return true;
     }
     return writeAll(answers, shownText(asLine(text)));
+}
+
+std::string Session::ValueText(std::string_view answer) const {
+    const std::string text = shownText(asLine(answer));
+    return coloursAnswers && !style.json ? colouredAnswer(text) : text;
 }

@@ -39,9 +39,16 @@ public:
         place = text;
     }
 
-    // Makes of an error's line what is written instead, while the calculator still knows the entry.
+    // Makes of an error's line, as it would be written, what is written instead, while the calculator still
+    // knows the entry.
     using ErrorForm = std::function<std::string(const std::string& line)>;
     void SetErrorForm(ErrorForm form) { errorForm = std::move(form); }
+
+    // Whether answers and errors are written in colours (Colours.h).
+    void SetColours(bool ofAnswers, bool ofErrors) {
+        coloursAnswers = ofAnswers;
+        coloursErrors = ofErrors;
+    }
 
     // Shows a text that is no answer of the engine. False when that failed; errno says why.
     bool Show(std::string_view text);
@@ -53,6 +60,9 @@ public:
 
     // Shows an error about an entry that does not reach the engine.
     Outcome RefuseEntry(std::string_view entry, std::string_view message);
+
+    // Answers an entry that Ctrl-C came for before it ran.
+    Outcome GiveUp();
 
     // Writes what was held back. False when that failed; errno says why.
     bool End();
@@ -87,6 +97,7 @@ private:
     Outcome AnswerValue();
     Outcome Remark(std::string_view text);
     Outcome Answer(std::string_view text);
+    std::string ValueText(std::string_view answer) const;
 
     int answers;
     int errors;
@@ -96,6 +107,8 @@ private:
     ErrorForm errorForm;
     std::string lastValue; // held back, as it will be written
     std::string shown;     // with objects: what was shown, or the error
+    bool coloursAnswers = false;
+    bool coloursErrors = false;
     bool anyRefused = false;
     ZqCalculator calc;
 };

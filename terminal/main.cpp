@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
 // tallyquill: the calculator's console for terminals, pipes and scripts.
+#include "Colours.h"
 #include "Descriptor.h"
 #include "Ending.h"
+#include "Interrupt.h"
 #include "Options.h"
 #include "Prompt.h"
+#include "PromptFiles.h"
 #include "Run.h"
 #include "Session.h"
 #include "Signals.h"
 
 #include <cerrno>
 #include <csignal>
+#include <string>
 #include <string_view>
 #include <unistd.h>
 
@@ -27,8 +31,24 @@ int refuseUsage(const std::string& refusal) {
     return BAD_USAGE;
 }
 
-int evaluateTyped(Session& session, int answers, Run& run) {
-    switch (runPrompt(session, answers, PromptOptions())) {
+void tell(const std::string& news) {
+    if (!news.empty()) complain(news);
+}
+
+int evaluateTyped(Session& session, int answers, Run& run, const Options& options) {
+    const EndCatcher endCatcher; // until everything is written
+    PromptFiles files(session.Calculator());
+    if (!options.noFiles) tell(files.Open());
+    run.Prepare(false);
+    PromptOptions how;
+    how.isPlain = options.plain;
+    how.hasColours = wantsColours(options.color, promptDescriptor(answers)) && !options.plain;
+    const PromptEnd end = runPrompt(session, files, answers, how);
+    const int error = errno;
+    tell(files.Close());
+    if (endSignal() != 0) dieOf(endSignal());
+    errno = error;
+    switch (end) {
     case PromptEnd::InputLost: return inputLost("standard input");
     case PromptEnd::OutputLost: return outputLost(errno);
     case PromptEnd::Ended: break;
@@ -54,9 +74,11 @@ int main(int argc, char** argv) {
     if (answers < 0) return outputLost(errno);
     static Session session(answers, STDERR_FILENO,
                            {options.quiet, options.last, options.preview, options.json});
+    if (!options.plain || !options.color.empty())
+        session.SetColours(wantsColours(options.color, answers), wantsColours(options.color, STDERR_FILENO));
     Run run(session, answers, options);
     const bool isScript = !options.inputs.empty() || !options.each.empty() || options.json;
-    const bool isTyped = !isScript && isatty(STDIN_FILENO) == 1;
-    run.Prepare(!isTyped);
-    return isTyped ? evaluateTyped(session, answers, run) : run.Evaluate();
+    if (!isScript && isatty(STDIN_FILENO) == 1) return evaluateTyped(session, answers, run, options);
+    run.Prepare(true);
+    return run.Evaluate();
 }

@@ -4,8 +4,8 @@
 
 _tallyquill() {
     local options='--file --each --separator --quiet --last --json --fail-fast --preview --with --no-files --user
-        --deg --rad --figures --base --exponents --twos-complement --group --mark --comma --ten-key --trace --help
-        --version -f -F -q'
+        --deg --rad --figures --base --exponents --twos-complement --group --mark --comma --ten-key --plain --color --trace
+        --help --version -f -F -q'
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} start=
     # bash divides --base=hex at the equals sign.
     if [[ $word == = ]]; then
@@ -21,6 +21,7 @@ _tallyquill() {
         return
         ;;
     --base) options='bin dec hex' ;;
+    --color) options='auto always never' ;;
     --exponents) options='auto never always eng prefix finance fixed' ;;
     --with)
         [[ $word == *,* ]] && start=${word%,*},

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -202,6 +203,8 @@ TerminalSetup withEcho() {
 }
 
 Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetup& setup) {
+    home = (std::filesystem::temp_directory_path() / "tallyquill-home-XXXXXX").string();
+    if (mkdtemp(home.data()) == nullptr) std::abort();
     int slave = NO_DESCRIPTOR;
     if (openpty(&master, &slave, nullptr, nullptr, nullptr) != 0) std::abort();
     fcntl(master, F_SETFD, FD_CLOEXEC);
@@ -217,7 +220,9 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
         if (!setup.outputFile.empty()) dup2(openForWriting(setup.outputFile), STDOUT_FILENO);
         if (!setup.inputFile.empty()) dup2(open(setup.inputFile.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO);
         if (setup.nonBlocking) setNonBlocking(STDIN_FILENO);
-        cleanEnvironment(setup.environment);
+        std::vector<std::string> environment = {"HOME=" + home}; // the prompt keeps files
+        environment.insert(environment.end(), setup.environment.begin(), setup.environment.end());
+        cleanEnvironment(environment);
         if (!setup.shellScript.empty())
             become("/bin/sh", {"sh", "-mc", setup.shellScript, TALLYQUILL_PROGRAM}, setup.ignoredSignal);
         becomeProgram(arguments, setup.ignoredSignal);
@@ -231,6 +236,8 @@ Terminal::~Terminal() {
         waitpid(child, nullptr, 0);
     }
     close(master);
+    std::error_code ignored;
+    std::filesystem::remove_all(home, ignored);
 }
 
 void Terminal::Type(const std::string& keys) {

@@ -88,6 +88,7 @@ public:
     int Wait();
 
 private:
+    std::string home; // an empty home folder
     int master = -1;
     pid_t child = -1;
 };

@@ -67,7 +67,7 @@ class Console:
         self.home = home
         self.screen = pyte.Screen(width, height)
         self.stream = pyte.ByteStream(self.screen)
-        self.bytes = b""
+        self.bytes = bytearray()
         variables = {
             "HOME": home.path, "PATH": os.environ["PATH"], "TERM": "xterm", "LC_ALL": "C.UTF-8",
             "INPUTRC": home.path + "/.inputrc", "TALLYQUILL": PROGRAM,
@@ -91,6 +91,17 @@ class Console:
         self.bytes += block
         self.stream.feed(block)
         return True
+
+    def skim(self, text):
+        """Waits until so much of the screen has gone by that the last bytes hold the text, and shows those alone:
+        the emulator takes longer for a line than the program."""
+        feed, self.stream.feed = self.stream.feed, lambda block: None
+        end = time.monotonic() + 10 * PATIENCE
+        while text not in self.bytes[-20000:] and self.take(0.05):
+            assert time.monotonic() < end, "never written: " + repr(text)
+        self.stream.feed = feed
+        rest = bytes(self.bytes[-20000:])
+        self.stream.feed(rest[rest.index(b"\n") + 1:])
 
     def rows(self):
         """The rows without what is blank at their ends and below the last."""

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#include "Colours.h"
+
+#include <cstdlib>
+#include <unistd.h>
+
+namespace {
+
+// The eight colours that every terminal has, which people choose to be readable; the value is bold.
+constexpr const char* CODES[] = {
+    "32", // Prompt
+    "36", // Name
+    "1",  // Value
+    "31", // Error
+    "33", // Hint
+};
+
+std::string_view variable(const char* name) {
+    const char* const text = std::getenv(name);
+    return text == nullptr ? "" : text;
+}
+
+} // namespace
+
+bool wantsColours(std::string_view choice, int descriptor) {
+    if (choice == "always" || choice == "never") return choice == "always";
+    if (!variable("NO_COLOR").empty()) return false;
+    const std::string_view forced = variable("CLICOLOR_FORCE");
+    if (!forced.empty() && forced != "0") return true;
+    const std::string_view kind = variable("TERM");
+    return isatty(descriptor) == 1 && !kind.empty() && kind != "dumb";
+}
+
+std::string coloured(Shade shade, std::string_view text) {
+    const bool isLine = !text.empty() && text.back() == '\n';
+    if (isLine) text.remove_suffix(1);
+    if (text.empty()) return isLine ? "\n" : "";
+    const std::string start = std::string("\x1b[") + CODES[static_cast<int>(shade)] + "m";
+    return start + std::string(text) + "\x1b[0m" + (isLine ? "\n" : "");
+}
+
+std::string colouredAnswer(std::string_view line) {
+    constexpr std::string_view EQUALS = " = ";
+    const std::size_t equals = line.find(EQUALS);
+    if (equals == std::string_view::npos) return coloured(Shade::Value, line);
+    return coloured(Shade::Name, line.substr(0, equals)) + std::string(EQUALS) +
+           coloured(Shade::Value, line.substr(equals + EQUALS.size()));
+}

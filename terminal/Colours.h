@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+//
+// The colours of what the terminal shows: one table.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+enum class Shade { Prompt, Name, Value, Error, Hint };
+
+// Whether what goes to the descriptor gets colours. `choice` is "always", "never" or "auto" (also when it is
+// empty): then by CLICOLOR_FORCE and NO_COLOR, and otherwise when it is a terminal that knows escape
+// sequences.
+bool wantsColours(std::string_view choice, int descriptor);
+
+// The text in its colour, a line feed at its end behind that.
+std::string coloured(Shade shade, std::string_view text);
+
+// "name = value" with each in its colour.
+std::string colouredAnswer(std::string_view line);

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "PromptFiles.h"
+
+#include "Calculator.h"
+#include "Folder.h"
+
+// Every setting has a value; a file of an older version may lack some.
+static KeptSettings completed(const KeptSettings& read) {
+    KeptSettings all = defaultSettings();
+    for (const Setting& setting : SETTINGS) {
+        if (setting.IsNumber()) all.numbers[setting.key] = setting.WhenMissing();
+    }
+    for (const auto& [key, number] : read.numbers) all.numbers[key] = number;
+    for (const auto& [key, text] : read.texts) all.texts[key] = text;
+    return all;
+}
+
+PromptFiles::PromptFiles(ZqCalculator& theCalculator)
+    : calc(theCalculator), settings(defaultSettings()), historyFile(historyPath()) {}
+
+std::string PromptFiles::Open() {
+    isOpen = true;
+    keeper.Open(ownFolder());
+    keeper.LeaveHistory();
+    KeptSettings read;
+    if (readSettings(keeper.Settings(), read)) {
+        settings = completed(read);
+        for (const ::Setting& setting : SETTINGS) Apply(setting);
+    } else {
+        keeper.KeepSettingsBeside();
+    }
+    written = settings;
+    std::string news = keeper.ReadDefinitions(calc);
+    calc.history.Clear(); // the window's
+    history = historyFile.Read();
+    historyFile.Shorten();
+    return news;
+}
+
+void PromptFiles::Apply(const ::Setting& setting) {
+    if (setting.IsNumber()) setting.Apply(Setting(setting.key), calc);
+    if (setting.key == std::string_view("histsz")) calc.history.SetMaxEntries(Setting(setting.key));
+}
+
+PromptFiles::Numbers PromptFiles::SettingsOfEntries() const {
+    Numbers numbers;
+    for (const ::Setting& setting : SETTINGS) {
+        if (setting.command.word) numbers[setting.key] = setting.ValueIn(calc);
+    }
+    return numbers;
+}
+
+bool PromptFiles::AddToHistory(const std::string& entry) {
+    const bool isLeftOut = entry.empty() || entry[0] == ' ' || entry[0] == '\t' || entry == "exit";
+    if (isLeftOut || (!history.empty() && history.back() == entry)) return false;
+    history.push_back(entry);
+    std::error_code reason;
+    if (!isOpen || historyFile.Append(entry, reason)) return true;
+    const std::string failure = "Not saved: history (" + reason.message() + ")";
+    isHistoryFailureNew = failure != historyFailure;
+    historyFailure = failure;
+    return true;
+}
+
+void PromptFiles::EntryWillRun(bool isPasted) {
+    ofEntries = SettingsOfEntries();
+    if (!isOpen) return;
+    if (!isPasted) keeper.TakeForeignDefinitions(calc);
+    keeper.EntryWillRun(calc, isPasted);
+}
+
+// What a command has changed is the setting of now.
+void PromptFiles::EntryDidRun() {
+    for (const auto& [key, value] : SettingsOfEntries()) {
+        if (value != ofEntries[key]) settings.numbers[key] = value;
+    }
+    if (!isOpen) return;
+    keeper.EntryDidRun();
+    NoteChange();
+}
+
+void PromptFiles::NoteChange() {
+    keeper.NoteChange();
+    isDue = true;
+}
+
+long PromptFiles::DoDue() {
+    constexpr long LOOK = static_cast<long>(Keeper::DELAY * 250);
+    if (!isOpen || !isDue) return -1;
+    if (!keeper.IsDue()) return LOOK;
+    Save();
+    return -1;
+}
+
+void PromptFiles::Save() {
+    isDue = false;
+    keeper.SaveBoth(calc, SettingsToWrite());
+}
+
+// Of each setting the value that was changed here, or else what another program has written meanwhile.
+// Nothing when none was changed here.
+std::string PromptFiles::SettingsToWrite() {
+    const std::string present = keeper.Settings();
+    KeptSettings theirs;
+    theirs = readSettings(present, theirs) ? completed(theirs) : written;
+    bool isChanged = false;
+    const auto takeOver = [&isChanged](auto& ours, const auto& before, const auto& others) {
+        if (ours != before)
+            isChanged = true;
+        else
+            ours = others;
+        return ours != before && ours == others;
+    };
+    for (const ::Setting& setting : SETTINGS) {
+        const std::string key = setting.key;
+        if (!setting.IsNumber())
+            takeOver(settings.texts[key], written.texts[key], theirs.texts[key]);
+        else if (takeOver(settings.numbers[key], written.numbers[key], theirs.numbers[key]))
+            Apply(setting);
+    }
+    written = settings;
+    return isChanged ? settingsText(settings, present) : "";
+}
+
+std::string PromptFiles::TakeNews() {
+    if (!isOpen || keeper.IsBusy()) return "";
+    if (isHistoryFailureNew) {
+        isHistoryFailureNew = false;
+        return historyFailure;
+    }
+    return keeper.TakeNews();
+}
+
+std::string PromptFiles::Close() {
+    if (!isOpen) return "";
+    isOpen = false;
+    if (isDue) Save();
+    std::string failures = keeper.TakeFailures();
+    keeper.Close();
+    historyFile.Shorten();
+    if (failures.empty() && isHistoryFailureNew) failures = historyFailure;
+    return failures;
+}

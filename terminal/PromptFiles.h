@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+//
+// What the prompt keeps from one run to the next: the definitions and settings, which it shares with the
+// window (Keeper.h), and its own entries (HistoryFile.h). Another program may write the same files meanwhile.
+#pragma once
+
+#include "HistoryFile.h"
+#include "Keeper.h"
+#include "SettingsFile.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+class PromptFiles {
+public:
+    explicit PromptFiles(ZqCalculator& theCalculator);
+
+    // Reads the files into the calculator. Without it nothing is read and nothing is written. Returns what is
+    // to be said to the person, or nothing.
+    std::string Open();
+
+    // The settings, those of the files included; whoever changes one here and in the calculator calls
+    // NoteChange. One that an entry changed is here behind EntryDidRun.
+    KeptSettings& Settings() { return settings; }
+    int Setting(const char* key) const { return settings.numbers.at(key); }
+    void NoteChange();
+
+    // The entries, the oldest first.
+    const std::vector<std::string>& History() const { return history; }
+
+    // Keeps an entry, unless it begins with a blank, is empty or "exit", or repeats the last one. Returns
+    // whether it is kept.
+    bool AddToHistory(const std::string& entry);
+
+    // Before and after an entry. `isPasted`: one of many.
+    void EntryWillRun(bool isPasted);
+    void EntryDidRun();
+
+    // Writes what is due. Returns in how many milliseconds something will be, -1 never.
+    long DoDue();
+
+    // What could not be written, once; or nothing.
+    std::string TakeNews();
+
+    // Writes everything. Returns what could not be written, or nothing.
+    std::string Close();
+
+private:
+    using Numbers = std::map<std::string, int>;
+
+    void Save();
+    std::string SettingsToWrite();
+    void Apply(const ::Setting& setting);
+    Numbers SettingsOfEntries() const;
+
+    ZqCalculator& calc;
+    Keeper keeper;
+    KeptSettings settings;
+    KeptSettings written; // as they are in the file
+    Numbers ofEntries;    // what commands had set before the entry
+    HistoryFile historyFile;
+    std::vector<std::string> history;
+    std::string historyFailure; // why the last entry could not be kept
+    bool isHistoryFailureNew = false;
+    bool isOpen = false;
+    bool isDue = false; // something is to be written
+};

@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: MIT
+"""Colours, and the prompt without an editor."""
+import unittest
+
+from screen import *
+
+
+class Colours(ScreenTest):
+    def colour(self, console, row, column):
+        cell = console.screen.buffer[row][column]
+        return cell.data, cell.fg, cell.bold
+
+    def test_prompt_name_value_and_error_have_their_own(self):
+        console = self.start()
+        console.enter("x=42", "x = 42")
+        console.enter("1/0", "** ERROR: divide by zero **")
+        self.assertEqual(self.colour(console, 0, 0), (">", "green", False))
+        self.assertEqual(self.colour(console, 0, 2), ("x", "default", False))
+        self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
+        self.assertEqual(self.colour(console, 1, 4), ("4", "default", True))
+        self.assertEqual(self.colour(console, 3, 0), ("*", "red", False))
+
+    def test_can_be_left_out(self):
+        for arguments, variables in ((("--color=never",), {}), ((), {"NO_COLOR": "1"}),
+                                     (("--color", "never"), {"CLICOLOR_FORCE": "1"}),
+                                     (("--plain",), {}), ((), {"TERM": "dumb"})):
+            console = self.start(*arguments, **variables)
+            console.enter("x=42", "x = 42")
+            self.assertEqual(self.colour(console, 1, 0), ("x", "default", False))
+            self.assertNotIn(b"\x1b[3", console.bytes)
+
+    def test_can_be_asked_for(self):
+        for arguments, variables in ((("--color=always",), {"NO_COLOR": "1"}), (("--plain", "--color=always"), {})):
+            console = self.start(*arguments, **variables)
+            console.enter("x=42", "x = 42")
+            self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
+
+    def test_a_line_wraps_where_it_should(self):
+        console = self.start(width=10, height=6)
+        console.send("123456789" + LEFT * 9 + "0")
+        console.shows("> 01234567", "89")
+        self.assertEqual(console.cursor(), (0, 3))
+
+
+class Plain(ScreenTest):
+    def test_no_escape_sequence_is_written(self):
+        for arguments, variables in ((("--plain",), {}), ((), {"TERM": "dumb"})):
+            console = self.start(*arguments, **variables)
+            console.send("2×3²" + RETURN)
+            console.shows("> 2×3²", "ans = 18", ">")
+            console.send("1/0" + RETURN + UP + RETURN)
+            console.has("** ERROR: divide by zero **")
+            console.enter("+".join(["1"] * 4999), "ans = 4999")
+            console.send("1+1")
+            console.ends_with("> 1+1")
+            console.send(ctrl("c"))
+            console.ends_with("> 1+1", ">")
+            console.send(ctrl("d"))
+            console.end()
+            self.assertNotIn(b"\x1b", console.bytes)
+
+    def test_operators_stay_literal(self):
+        console = self.start("--plain")
+        console.enter("42", "ans = 42")
+        console.enter("+5", "ans = 5")
+
+
+if __name__ == "__main__":
+    unittest.main()
