@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdlib>
 
 namespace {
@@ -20,10 +19,6 @@ constexpr std::array<std::string_view, 7> GROUP_MARKS = {"'",      " ",      "\u
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool isOfName(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
 }
 
 bool startsWith(std::string_view text, std::string_view start) {
@@ -207,7 +202,7 @@ std::vector<std::size_t> fieldsNamedIn(std::string_view entry) {
     std::vector<std::size_t> fields;
     for (std::size_t i = 0; i < entry.size();) {
         const std::size_t start = i;
-        while (i < entry.size() && isOfName(entry[i])) ++i;
+        while (i < entry.size() && IsOfName(entry[i])) ++i;
         const std::string word(entry.substr(start, i - start));
         if (i == start) ++i;
         const bool isNumbered = word.size() > 1 && word.size() < 8 && word[1] != '0' &&
@@ -263,7 +258,7 @@ std::string Each::Take(std::string_view line) {
         if (number > fields.size()) return "** ERROR: there is no field x" + std::to_string(number) + " **";
         if (fields[number - 1].empty())
             return "** ERROR: the field x" + std::to_string(number) + " is empty **";
-        const std::string error = TakeField(number, fields[number - 1]);
+        std::string error = TakeField(number, fields[number - 1]);
         if (!error.empty()) return error;
     }
     return "";
