@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <poll.h>
 
 LineReader::Status LineReader::Fill() {
     if (start < end) return Status::Line;
@@ -13,6 +14,15 @@ LineReader::Status LineReader::Fill() {
     start = 0;
     end = static_cast<std::size_t>(count);
     return count == 0 ? Status::End : Status::Line;
+}
+
+bool LineReader::HasLine() const {
+    return std::memchr(block + start, '\n', end - start) != nullptr;
+}
+
+bool LineReader::IsReady() const {
+    pollfd input = {descriptor, POLLIN, 0};
+    return poll(&input, 1, 0) != 0;
 }
 
 void LineReader::DropCarriageReturn(std::string& line, bool complete) {

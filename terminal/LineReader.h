@@ -22,6 +22,12 @@ public:
     // line too.
     Status Next(std::string& line);
 
+    // Whether Next has a whole line already and need not read.
+    bool HasLine() const;
+
+    // Whether reading would not have to wait.
+    bool IsReady() const;
+
 private:
     // Makes at least one unread byte available.
     Status Fill();

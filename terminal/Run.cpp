@@ -3,8 +3,6 @@
 
 #include "Ending.h"
 #include "EntryText.h"
-#include "Interrupt.h"
-#include "LineReader.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -60,13 +58,34 @@ int Run::Evaluate() {
 }
 
 int Run::End() {
+    LetGo();
     if (!session.End() || close(answers) != 0) return outputLost(errno);
     if (isFileLost) return FILE_LOST;
     return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
 }
 
 Run::Over Run::EvaluateEntry(std::string_view entry) {
-    return isBlank(entry) ? Over() : Answer(session.Run(entry));
+    if (isBlank(entry)) return {};
+    if (!catcher) catcher.emplace();
+    return Answer(session.RunCaught(entry));
+}
+
+void Run::LetGo() {
+    catcher.reset();
+    if (isInterrupted()) Answer(Session::Outcome::Interrupted);
+}
+
+bool Run::MayRead(const LineReader& reader) {
+    if (reader.HasLine()) return true;
+    LetGo();
+    return reader.IsReady() || session.Flush();
+}
+
+int Run::InputLost(const std::string& name) {
+    const int error = errno;
+    session.Flush();
+    errno = error;
+    return inputLost(name);
 }
 
 Run::Over Run::Answer(Session::Outcome outcome) {
@@ -77,6 +96,7 @@ Run::Over Run::Answer(Session::Outcome outcome) {
     case Session::Outcome::OutputLost: return outputLost(errno);
     case Session::Outcome::Interrupted: break;
     }
+    session.Flush();
     dieOfInterrupt();
 }
 
@@ -84,8 +104,9 @@ Run::Over Run::EvaluateEach(Each& each) {
     const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1);
     std::string line;
     for (std::size_t number = 1;; ++number) {
+        if (!MayRead(*reader)) return outputLost(errno);
         const LineReader::Status status = reader->Next(line);
-        if (status == LineReader::Status::Failed) return inputLost("standard input");
+        if (status == LineReader::Status::Failed) return InputLost("standard input");
         if (status == LineReader::Status::End) return {};
         if (number == 1 && line.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0)
             line.erase(0, BYTE_ORDER_MARK.size());
@@ -102,8 +123,9 @@ Run::Over Run::EvaluateEach(Each& each) {
 
 Run::Over Run::EvaluateFile(const std::string& name) {
     if (name == STANDARD_INPUT) return EvaluateLines(STDIN_FILENO, "standard input");
+    LetGo(); // it may have to wait
     const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) return inputLost(name);
+    if (file < 0) return InputLost(name);
     const Over over = EvaluateLines(file, name);
     close(file);
     return over;
@@ -116,8 +138,9 @@ Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
     const bool isFile = descriptor != STDIN_FILENO;
     std::string line;
     for (std::size_t number = 1;; ++number) {
+        if (!MayRead(*reader)) return outputLost(errno);
         const LineReader::Status status = reader->Next(line);
-        if (status == LineReader::Status::Failed) return inputLost(name);
+        if (status == LineReader::Status::Failed) return InputLost(name);
         if (status == LineReader::Status::End) break;
         if (number == 1 && line.compare(0, 2, "#!") == 0) continue;
         session.SetPlace(number, isFile ? name + ":" + std::to_string(number) + ": " : "");

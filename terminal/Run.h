@@ -4,6 +4,8 @@
 #pragma once
 
 #include "Each.h"
+#include "Interrupt.h"
+#include "LineReader.h"
 #include "Options.h"
 #include "OwnFiles.h"
 #include "Session.h"
@@ -34,6 +36,14 @@ private:
     // The run goes on, or is over with this exit status.
     using Over = std::optional<int>;
 
+    // To be called before a line is read: where that may have to wait, Ctrl-C ends the program meanwhile, and
+    // the answers so far are written before. False when they could not be written; errno says why.
+    bool MayRead(const LineReader& reader);
+
+    // From here on Ctrl-C ends the program, until the next entry.
+    void LetGo();
+    int InputLost(const std::string& name);
+
     void Tell(const FileReading& reading);
     Over EvaluateEntry(std::string_view entry);
     Over EvaluateEach(Each& each);
@@ -44,5 +54,6 @@ private:
     Session& session;
     int answers;
     const Options& options;
-    bool isFileLost = false; // one of the person's
+    bool isFileLost = false;                 // one of the person's
+    std::optional<InterruptCatcher> catcher; // while entries run
 };

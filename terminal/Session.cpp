@@ -35,9 +35,15 @@ std::size_t characterLength(std::string_view text) {
     return length;
 }
 
+// A Ctrl-C that came too late for the entry still ends the run.
+Session::Outcome orInterrupted(Session::Outcome outcome) {
+    const bool isOver = outcome == Session::Outcome::Answered || outcome == Session::Outcome::Refused;
+    return isOver && isInterrupted() ? Session::Outcome::Interrupted : outcome;
+}
+
 } // namespace
 
-Session::Session(int out, int err, Style how) : answers(out), errors(err), style(how) {
+Session::Session(int out, int err, Style how) : answers(out, how.inBlocks), errors(err), style(how) {
     calc.InitializeFunctionsAndVars();
     static_cast<EntrySettings&>(calc) = standardSettings();
     calc.history.SetMaxEntries(findSetting("histsz")->standard);
@@ -45,17 +51,18 @@ Session::Session(int out, int err, Style how) : answers(out), errors(err), style
 }
 
 Session::Outcome Session::Run(std::string_view entry) {
-    const EntryFault fault = checkEntry(entry);
-    if (fault != EntryFault::None) return RefuseEntry(entry, faultMessage(fault));
-
     Outcome outcome = Outcome::Answered;
     {
         const InterruptCatcher catcher;
-        outcome = Evaluate(entry);
+        outcome = RunCaught(entry);
     }
-    // A Ctrl-C that came too late for the entry still ends the run. From here on it ends the program itself.
-    const bool isOver = outcome == Outcome::Answered || outcome == Outcome::Refused;
-    return isOver && isInterrupted() ? Outcome::Interrupted : outcome;
+    return orInterrupted(outcome); // from here on Ctrl-C ends the program itself
+}
+
+Session::Outcome Session::RunCaught(std::string_view entry) {
+    const EntryFault fault = checkEntry(entry);
+    if (fault != EntryFault::None) return RefuseEntry(entry, faultMessage(fault));
+    return orInterrupted(Evaluate(entry));
 }
 
 Session::Outcome Session::GiveUp() {
@@ -97,7 +104,7 @@ Session::Outcome Session::EvaluateStatement(std::string_view statement) {
     const std::string object = jsonLine(answer);
     if (status == STATUS_RESULT && style.last)
         lastValue = object;
-    else if (!writeAll(answers, object))
+    else if (!answers.Write(object))
         return Outcome::OutputLost;
     return outcome;
 }
@@ -133,13 +140,13 @@ Session::Outcome Session::AnswerValue() {
         lastValue = shownValue;
     else if (style.json)
         shown += shownValue;
-    else if (!writeAll(answers, shownValue))
+    else if (!answers.Write(shownValue))
         return Outcome::OutputLost;
     return Outcome::Answered;
 }
 
 bool Session::End() {
-    return writeAll(answers, lastValue);
+    return answers.Write(lastValue) && Flush();
 }
 
 // A text that is no value.
@@ -155,11 +162,12 @@ Session::Outcome Session::RefuseEntry(std::string_view entry, std::string_view m
     answer.entry = entry;
     answer.line = line;
     answer.position = {};
-    return writeAll(answers, jsonLine(answer)) ? outcome : Outcome::OutputLost;
+    return answers.Write(jsonLine(answer)) ? outcome : Outcome::OutputLost;
 }
 
 Session::Outcome Session::Refuse(std::string_view message) {
     anyRefused = true;
+    if (!style.json && !Flush()) return Outcome::OutputLost; // what was answered before stands before it
     // When not even errors can be written there is nobody left to tell; the exit status does.
     if (style.json) {
         shown = message;
@@ -173,9 +181,10 @@ Session::Outcome Session::Refuse(std::string_view message) {
 
 Session::Outcome Session::CarryOut(std::string_view command) {
     if (command == "exit") return Outcome::Ended;
+    if (!Flush()) return Outcome::OutputLost;
     if (command == "clear") {
-        if (style.json || !canClear(answers)) return Outcome::Answered;
-        return writeAll(answers, "\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
+        if (style.json || !canClear(answers.Descriptor())) return Outcome::Answered;
+        return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
     }
     long number = 0;
     if (commandHasNumber(command, "pause", number)) return Pause(number);
@@ -195,7 +204,7 @@ Session::Outcome Session::TypeOut(std::string_view text, long rate) {
     const long wait = waitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
-        if (!writeAll(answers, text.substr(0, length))) return Outcome::OutputLost;
+        if (!answers.Write(text.substr(0, length)) || !Flush()) return Outcome::OutputLost;
         text.remove_prefix(length);
         if (wait > 0 && !text.empty()) sleepUnlessInterrupted(wait);
         if (isInterrupted()) return Outcome::Interrupted;
@@ -204,7 +213,8 @@ Session::Outcome Session::TypeOut(std::string_view text, long rate) {
 }
 
 Session::Outcome Session::Convert(std::string_view query) {
-    if (isatty(answers) == 1 && !style.json && !Show("...checking...\n")) return Outcome::OutputLost;
+    if (isatty(answers.Descriptor()) == 1 && !style.json && !Show("...checking...\n"))
+        return Outcome::OutputLost;
     const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
     const std::string found =
         askService(service == nullptr ? "" : service, query, QUERY_SECONDS, isInterrupted);
@@ -225,7 +235,7 @@ bool Session::Show(std::string_view text) {
         shown += asLine(text);
         return true;
     }
-    return writeAll(answers, shownText(asLine(text)));
+    return answers.Write(shownText(asLine(text)));
 }
 
 std::string Session::ValueText(std::string_view answer) const {

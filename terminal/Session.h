@@ -3,6 +3,7 @@
 // One run of the terminal console: entries go to the engine, what it answers goes to the right stream.
 #pragma once
 
+#include "AnswerStream.h"
 #include "Calculator.h"
 
 #include <functional>
@@ -22,10 +23,12 @@ public:
 
     // How entries are evaluated and answered.
     struct Style {
-        bool quiet = false;   // values alone: no names, nothing for messages and echoed texts
-        bool last = false;    // of all values only the last one, which End writes; no other text
-        bool preview = false; // as a preview: within its limit of work, and nothing is stored
-        bool json = false;    // an object for each statement (Json.h), errors too, and nothing else
+        bool quiet = false;    // values alone: no names, nothing for messages and echoed texts
+        bool last = false;     // of all values only the last one, which End writes; no other text
+        bool preview = false;  // as a preview: within its limit of work, and nothing is stored
+        bool json = false;     // an object for each statement (Json.h), errors too, and nothing else
+        bool inBlocks = false; // answers are collected and written in blocks: by Flush at the latest, and
+                               // before an error, a wait or another program
     };
 
     // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's.
@@ -58,13 +61,19 @@ public:
     // program.
     Outcome Run(std::string_view entry);
 
+    // The same for a caller that catches Ctrl-C (Interrupt.h).
+    Outcome RunCaught(std::string_view entry);
+
     // Shows an error about an entry that does not reach the engine.
     Outcome RefuseEntry(std::string_view entry, std::string_view message);
 
     // Answers an entry that Ctrl-C came for before it ran.
     Outcome GiveUp();
 
-    // Writes what was held back. False when that failed; errno says why.
+    // Writes the answers collected so far. False when that failed; errno says why.
+    bool Flush() { return answers.Flush(); }
+
+    // Writes what was held back too.
     bool End();
 
     // The calculator that evaluates the entries.
@@ -99,7 +108,7 @@ private:
     Outcome Answer(std::string_view text);
     std::string ValueText(std::string_view answer) const;
 
-    int answers;
+    AnswerStream answers;
     int errors;
     Style style;
     std::size_t line = 0;

@@ -72,13 +72,16 @@ int main(int argc, char** argv) {
     }
     const int answers = setAnswersAside(options.trace);
     if (answers < 0) return outputLost(errno);
+    const bool isScript = !options.inputs.empty() || !options.each.empty() || options.json;
+    const bool isTyped = !isScript && isatty(STDIN_FILENO) == 1;
+    // Nobody waits for a single answer; but the trace on standard error stands between them.
+    const bool inBlocks = !isTyped && !options.trace && isatty(answers) != 1;
     static Session session(answers, STDERR_FILENO,
-                           {options.quiet, options.last, options.preview, options.json});
+                           {options.quiet, options.last, options.preview, options.json, inBlocks});
     if (!options.plain || !options.color.empty())
         session.SetColours(wantsColours(options.color, answers), wantsColours(options.color, STDERR_FILENO));
     Run run(session, answers, options);
-    const bool isScript = !options.inputs.empty() || !options.each.empty() || options.json;
-    if (!isScript && isatty(STDIN_FILENO) == 1) return evaluateTyped(session, answers, run, options);
+    if (isTyped) return evaluateTyped(session, answers, run, options);
     run.Prepare(true);
     return run.Evaluate();
 }

@@ -158,7 +158,7 @@ TEST(ControlC, OnceEndsAStreamOfShortLines) {
 
 // The address sanitizer holds on to freed memory and keeps books.
 #ifdef KEEPS_FREED_MEMORY
-constexpr long kMemoryLimit = 640L * 1024;
+constexpr long MEMORY_LIMIT = 640L * 1024;
 #else
 constexpr long MEMORY_LIMIT = 64L * 1024;
 #endif
