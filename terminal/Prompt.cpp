@@ -70,11 +70,13 @@ private:
     std::unique_ptr<LineSource> lines;
 };
 
+#ifdef TALLYQUILL_READLINE
 // Whether the terminal can do what an editor takes.
 bool canEdit(int screen) {
     const char* const kind = std::getenv("TERM");
     return screen >= 0 && kind != nullptr && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
 }
+#endif
 
 Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how)
     : session(theSession), files(theFiles), options(how), screen(promptDescriptor(answers)) {

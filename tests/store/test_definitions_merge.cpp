@@ -162,3 +162,26 @@ TEST(DefinitionsMerge, ProgramsThatSaveAtTheSameMomentLoseNoDefinition) {
         ASSERT_TRUE(text == file("", "a=1\nb=2\n", "", "") || text == file("", "b=2\na=1\n", "", "")) << text;
     }
 }
+
+TEST(DefinitionsMerge, LeavesTheHistoryOfTheFileWhenToldTo) {
+    DefinitionsMerge merge;
+    merge.Know(START);
+    merge.leavesHistory = true;
+    const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "mine\n");
+    const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "", "1\ntheirs\n");
+    EXPECT_EQ(merge.Merge(ours, theirs),
+              file("f(x)=x\n", "ans=2\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n"));
+    EXPECT_EQ(merge.Merge(ours, ""), ours); // there is no file yet
+}
+
+TEST(DefinitionsMerge, TellsWhatAnotherProgramDefinedAndThatIsDeletedHereForGood) {
+    DefinitionsMerge merge;
+    merge.Know(START);
+    const std::string ours = file("f(x)=x\nmine(x)=1\n", "ans=2\npi=3.14\n", "", "1\n");
+    const std::string theirs =
+        file("f(x)=9\ng(x)=2\n", "ans=3\npi=3.14\ny=2\n", "unit u=2 m\nunit w=3 m\n", "7\n");
+    EXPECT_EQ(merge.TakeForeign(ours, theirs),
+              "### FUNCTIONS ###\ng(x)=2\n### VARIABLES ###\ny=2\n### CUSTOM UNITS ###\nunit w=3 m\n");
+    EXPECT_EQ(merge.TakeForeign(ours, theirs), "");
+    EXPECT_EQ(merge.Merge(ours, theirs), ours); // what was taken is not ours: it has been deleted here
+}

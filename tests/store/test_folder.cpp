@@ -79,6 +79,16 @@ TEST(Folder, OfConfigurationIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
     EXPECT_EQ("/elsewhere/config/tallyquill", configFolder());
 }
 
+TEST(Folder, OfTheHistoryIsTheOneThatThePersonChoseOrBelowTheHomeFolder) {
+    const Environment home("HOME", "/home/someone");
+    for (const char* chosen : {static_cast<const char*>(nullptr), "", "relative"}) {
+        const Environment state("XDG_STATE_HOME", chosen);
+        EXPECT_EQ("/home/someone/.local/state/tallyquill/history", historyPath());
+    }
+    const Environment state("XDG_STATE_HOME", "/elsewhere/state");
+    EXPECT_EQ("/elsewhere/state/tallyquill/history", historyPath());
+}
+
 TEST(Folder, IsMadeWithThoseAboveItForItsOwnerAlone) {
     const TemporaryFolder folder;
     makeFolder(folder.File("one/two/three"));

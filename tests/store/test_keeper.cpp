@@ -240,4 +240,21 @@ TEST_F(Kept, IsNotOverwrittenWhenOnlyTheLastOfTheCopiesIsThere) {
     EXPECT_EQ("settings", SettingsFile());
 }
 
+TEST_F(Kept, WhatAnotherProgramDefinesIsTakenIntoTheCalculator) {
+    keeper.ReadDefinitions(*calc);
+    EnterAndNote("mine=1");
+    SaveBoth();
+    std::string text = Definitions();
+    text.insert(text.find("### VARIABLES"), "yours(x)=x*3\n");
+    putContent(File("pelmo_functions.txt"), text);
+    keeper.TakeForeignDefinitions(*calc);
+    Enter("yours(14)");
+    EXPECT_STREQ("ans = 42\n", calc->resultLine);
+    Enter("del yours");
+    keeper.TakeForeignDefinitions(*calc); // the file is as it was seen
+    SaveBoth();
+    EXPECT_FALSE(Holds("yours(x)=x*3"));
+    EXPECT_TRUE(Holds("mine=1"));
+}
+
 } // namespace

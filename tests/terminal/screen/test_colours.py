@@ -35,6 +35,7 @@ class Colours(ScreenTest):
             console.enter("x=42", "x = 42")
             self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
 
+    @unittest.skipUnless(HAS_EDITOR, "built without the editor")
     def test_a_line_wraps_where_it_should(self):
         console = self.start(width=10, height=6)
         console.send("123456789" + LEFT * 9 + "0")
