@@ -9,6 +9,22 @@ void DefinitionsMerge::Know(const std::string& text, std::map<std::string, std::
     twins = std::move(unread);
 }
 
+void DefinitionsMerge::LeaveOut(const std::string& before, const std::string& after) {
+    const Lines earlier = DefinitionsText(before).LinesByKey();
+    for (const auto& [key, line] : DefinitionsText(after).LinesByKey()) {
+        if (earlier.count(key) == 0 && known.count(key) == 0) leftOut.insert(line);
+    }
+}
+
+// The definitions that are written, by what they define.
+DefinitionsMerge::Lines DefinitionsMerge::PresentIn(const DefinitionsText& ours) const {
+    Lines present;
+    for (const auto& [key, line] : ours.LinesByKey()) {
+        if (leftOut.count(line) == 0) present[key] = line;
+    }
+    return present;
+}
+
 bool DefinitionsMerge::IsForeign(const std::string& key, const std::string& line,
                                  const Lines& present) const {
     if (known.count(key) == 0) return true;
@@ -31,7 +47,7 @@ DefinitionsMerge::Sections DefinitionsMerge::ForeignIn(const DefinitionsText& ot
 
 std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
     const DefinitionsText text(ours);
-    const Lines present = text.LinesByKey();
+    const Lines present = PresentIn(text);
     for (const auto& [key, line] : present) known.insert(key);
     const DefinitionsText others(theirs);
     const Sections foreign = ForeignIn(others, present);
@@ -43,6 +59,7 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
         for (const Section section : {VARIABLES, UNITS, HISTORY}) {
             if (text.headers[section] == i) merged += foreign[section - 1];
         }
+        if (i < text.headers[HISTORY] && leftOut.count(text.lines[i]) != 0) continue;
         merged += text.lines[i] + "\n";
     }
     for (size_t i = others.headers[HISTORY] + 1; isHistoryTheirs && i < others.lines.size(); i++)
@@ -51,7 +68,7 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
 }
 
 std::string DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
-    const Sections foreign = ForeignIn(DefinitionsText(theirs), DefinitionsText(ours).LinesByKey());
+    const Sections foreign = ForeignIn(DefinitionsText(theirs), PresentIn(DefinitionsText(ours)));
     std::string text;
     for (const Section section : {FUNCTIONS, VARIABLES, UNITS}) {
         if (!foreign[section].empty()) text += HEADERS[section] + ("\n" + foreign[section]);

@@ -20,6 +20,11 @@ public:
     // have that.
     void Know(const std::string& text, std::map<std::string, std::string> unread = {});
 
+    // Definitions that are in `after` and not in `before`, and were never known here, are kept elsewhere:
+    // their lines are written as little as if they were not there, until they say something else. Both texts
+    // are as definitionsText makes them.
+    void LeaveOut(const std::string& before, const std::string& after);
+
     // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were
     // never known here. Each stands at the end of its section. What was deleted here stays deleted, of a name
     // in both our line stays. `ours` is as definitionsText makes it and is known
@@ -44,9 +49,11 @@ private:
 
     using Sections = std::array<std::string, HISTORY>;
 
+    Lines PresentIn(const DefinitionsText& ours) const;
     bool IsForeign(const std::string& key, const std::string& line, const Lines& present) const;
     Sections ForeignIn(const DefinitionsText& others, const Lines& present) const;
 
     std::set<std::string> known;
+    std::set<std::string> leftOut; // lines
     std::map<std::string, std::string> twins;
 };

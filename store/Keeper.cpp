@@ -77,6 +77,10 @@ void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
     if (!foreign.empty()) takeDefinitions(calc, foreign);
 }
 
+void Keeper::LeaveOut(const std::string& before, const ZqCalculator& calc) {
+    merge.LeaveOut(before, definitionsText(calc));
+}
+
 // No reason is given when there is nothing to keep, or when there are ten copies already.
 void Keeper::KeepBeside(File& file) {
     if (file.path.empty()) return;

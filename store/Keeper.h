@@ -46,6 +46,11 @@ public:
     // The history in that file is other programs', and stays as it is.
     void LeaveHistory() { merge.leavesHistory = true; }
 
+    // What the calculator has now besides the definitions in `before`, a text as definitionsText makes it, is
+    // kept elsewhere and is not written, unless the file had it or it changes. Call it behind
+    // ReadDefinitions.
+    void LeaveOut(const std::string& before, const ZqCalculator& calc);
+
     // --- Writing ---
 
     // At once: return when it is written, or has failed. An empty text of settings is not written.

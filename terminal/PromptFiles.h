@@ -20,6 +20,10 @@ public:
     // to be said to the person, or nothing.
     std::string Open();
 
+    // Definitions that the calculator has and that are not in `before` come from elsewhere and are not kept
+    // (Keeper.h).
+    void LeaveOut(const std::string& before) { keeper.LeaveOut(before, calc); }
+
     // The settings, those of the files included; whoever changes one here and in the calculator calls
     // NoteChange. One that an entry changed is here behind EntryDidRun.
     KeptSettings& Settings() { return settings; }

@@ -2,6 +2,7 @@
 //
 // tallyquill: the calculator's console for terminals, pipes and scripts.
 #include "Colours.h"
+#include "DefinitionsFile.h"
 #include "Descriptor.h"
 #include "Ending.h"
 #include "Interrupt.h"
@@ -39,7 +40,10 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     const EndCatcher endCatcher; // until everything is written
     PromptFiles files(session.Calculator());
     if (!options.noFiles) tell(files.Open());
+    // What ships or is in the init file is there at each start without being kept.
+    const std::string before = definitionsText(session.Calculator());
     run.Prepare(false);
+    files.LeaveOut(before);
     PromptOptions how;
     how.isPlain = options.plain;
     how.hasColours = wantsColours(options.color, promptDescriptor(answers)) && !options.plain;

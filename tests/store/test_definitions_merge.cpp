@@ -39,6 +39,29 @@ TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
                                               "unit u=2 m\nunit w=3 m\n", "mine=1\n"));
 }
 
+TEST(DefinitionsMerge, LeavesOutWhatIsKeptElsewhereUntilItChanges) {
+    DefinitionsMerge merge;
+    merge.Know(START);
+    const std::string after =
+        file("f(x)=x\nlib(x)=1\n", "ans=1\npi=3\nrate=7\n", "unit u=2 m\nunit psi=4 m\n", "1\n");
+    merge.LeaveOut(START, after);
+    EXPECT_EQ(merge.Merge(after, START), file("f(x)=x\n", "ans=1\npi=3\n", "unit u=2 m\n", "1\n"))
+        << "pi was in the file and has another value now";
+    const std::string changed =
+        file("f(x)=x\nlib(x)=1\n", "ans=1\npi=3\nrate=8\n", "unit u=2 m\nunit psi=4 m\n", "rate=7\n");
+    EXPECT_EQ(merge.Merge(changed, START),
+              file("f(x)=x\n", "ans=1\npi=3\nrate=8\n", "unit u=2 m\n", "rate=7\n"));
+}
+
+TEST(DefinitionsMerge, WhatAnotherProgramKeepsUnderANameThatIsLeftOutStays) {
+    DefinitionsMerge merge;
+    merge.Know(START);
+    const std::string after = file("f(x)=x\n", "ans=1\npi=3.14\nrate=7\n", "unit u=2 m\n", "");
+    const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nrate=9\n", "unit u=2 m\n", "");
+    merge.LeaveOut(START, after);
+    EXPECT_EQ(merge.Merge(after, theirs), theirs);
+}
+
 TEST(DefinitionsMerge, KeepsItEveryTime) {
     DefinitionsMerge merge;
     merge.Know(START);

@@ -141,6 +141,25 @@ TEST_F(OwnFiles, ErrorsOfTheInitFileAreToldWithTheirLines) {
                   ":4: ** Invalid character/encoding used. **\n");
 }
 
+TEST_F(OwnFiles, WhatShipsOrIsInTheInitFileIsNotKeptByThePromptUnlessItChanges) {
+    Write(definitions, DEFINITIONS);
+    Write(init, "a=17\nc=3\nrate=1.07\n");
+    TerminalSetup setup;
+    setup.environment = {"XDG_DATA_HOME=" + folder.Path(), "XDG_CONFIG_HOME=" + folder.Path(),
+                         "XDG_STATE_HOME=" + folder.Path()};
+    Terminal terminal({"--plain", "--with", "everyday,money"}, setup);
+    terminal.ReadUntil("> ");
+    for (const char* const entry : {"c=4\n", "d=5\n", "exit\n"}) terminal.Type(entry);
+    EXPECT_EQ(terminal.Wait(), 0);
+    std::ifstream file(folder.File(definitions));
+    const std::string kept(std::istreambuf_iterator<char>(file), {});
+    for (const char* const line :
+         {"\nc=4\n", "\nd=5\n", "\nrate=1.07\n", "\ndouble(x)=2*x\n", "\nunit smoot=67 inch\n"})
+        EXPECT_NE(kept.find(line), std::string::npos) << line << kept;
+    for (const char* const line : {"a=17", "payment", "unit psi", "unit bit"})
+        EXPECT_EQ(kept.find(line), std::string::npos) << line << kept;
+}
+
 TEST_F(OwnFiles, TheInitFileIsReadForThePromptToo) {
     Write(init, "a=17\n");
     TerminalSetup setup;
