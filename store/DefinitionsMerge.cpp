@@ -51,10 +51,9 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
     for (const auto& [key, line] : present) known.insert(key);
     const DefinitionsText others(theirs);
     const Sections foreign = ForeignIn(others, present);
-    const bool isHistoryTheirs = leavesHistory && others.headers[HISTORY] < others.lines.size();
     std::string merged;
     for (size_t i = 0; i < text.lines.size(); i++) {
-        if (isHistoryTheirs && i > text.headers[HISTORY]) break;
+        if (leavesHistory && i > text.headers[HISTORY]) break;
         // Another section begins: the one before it is complete.
         for (const Section section : {VARIABLES, UNITS, HISTORY}) {
             if (text.headers[section] == i) merged += foreign[section - 1];
@@ -62,7 +61,7 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
         if (i < text.headers[HISTORY] && leftOut.count(text.lines[i]) != 0) continue;
         merged += text.lines[i] + "\n";
     }
-    for (size_t i = others.headers[HISTORY] + 1; isHistoryTheirs && i < others.lines.size(); i++)
+    for (size_t i = others.headers[HISTORY] + 1; leavesHistory && i < others.lines.size(); i++)
         merged += others.lines[i] + "\n";
     return merged;
 }

@@ -35,7 +35,7 @@ public:
     // known.
     std::string TakeForeign(const std::string& ours, const std::string& theirs);
 
-    // Whether the history in the file is another program's and stays; otherwise ours takes its place.
+    // Whether the history in the file is other programs' and stays; otherwise ours takes its place.
     bool leavesHistory = false;
 
     // Merges `ours` with what is in the file at `path` and writes it there. Of programs that do so at the

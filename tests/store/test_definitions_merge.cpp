@@ -194,7 +194,8 @@ TEST(DefinitionsMerge, LeavesTheHistoryOfTheFileWhenToldTo) {
     const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "", "1\ntheirs\n");
     EXPECT_EQ(merge.Merge(ours, theirs),
               file("f(x)=x\n", "ans=2\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n"));
-    EXPECT_EQ(merge.Merge(ours, ""), ours); // there is no file yet
+    // There is no file yet.
+    EXPECT_EQ(merge.Merge(ours, ""), file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", ""));
 }
 
 TEST(DefinitionsMerge, TellsWhatAnotherProgramDefinedAndThatIsDeletedHereForGood) {
