@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Transcript.h"
 
+#include "TypedSigns.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
@@ -189,29 +191,19 @@ KeyEffect Transcript::Type(KeyAction action, const KeyPress& key, bool minusIsSi
     return effect;
 }
 
-// An operator typed first applies to the previous answer. A minus can also be a sign: a second one changes
-// over between "-" and "ans-", and which comes first is a setting.
+// See TypedSigns.h.
 void Transcript::ApplyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const {
     const bool isMinus = action == KeyAction::Minus;
     if (!isMinus && action != KeyAction::Operator) return;
     if (selection.length > 0 && !effect.goesToEnd) return;
     if (selection.location < Start() && !effect.goesToEnd) return;
     const size_t place = effect.goesToEnd ? entry.size() : selection.location - Start();
-    const auto replaceHead = [&](size_t length, const char* text) {
-        effect.select = EntryRange{Start(), length};
-        effect.edit = Edit::Replace;
-        effect.text = text;
-        effect.selectAfter = EntryRange{Start() + effect.text.size(), 0};
-    };
-    if (place == 0) {
-        if (isMinus && minusIsSign) return;
-        effect.edit = Edit::Type;
-        effect.text = "ans";
-    } else if (isMinus && place == 1) {
-        FetchPrompt();
-        if (prompt[0] == '-') replaceHead(1, "ans");
-    } else if (isMinus && place == 4) {
-        FetchPrompt();
-        if (strncmp(prompt, "ans-", 4) == 0) replaceHead(4, "");
-    }
+    FetchPrompt();
+    const auto change = changeByOperator(prompt, place, isMinus ? '-' : '+', minusIsSign);
+    if (!change) return;
+    effect.text = change->text;
+    effect.edit = change->length == 0 ? Edit::Type : Edit::Replace;
+    if (change->length == 0) return;
+    effect.select = EntryRange{Start(), change->length};
+    effect.selectAfter = EntryRange{Start() + effect.text.size(), 0};
 }
