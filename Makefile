@@ -71,10 +71,11 @@ lint-program: deps
 format: deps ## rewrite the sources in the project's format
 	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i
 
-bench: deps ## build and run the benchmarks
+bench: deps ## build and run the benchmarks, also against other calculators
 	cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=ON </dev/null
 	$(call compile,release) </dev/null
 	@set -e; for program in build/release/bin/*bench*; do $$program; done
+	bench/peers.py build/release/bin/tallyquill
 
 install: build ## install below PREFIX (/usr/local)
 	cmake --install build/release --prefix $(PREFIX)
