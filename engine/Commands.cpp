@@ -86,7 +86,7 @@ int echo(Commands& c, const std::string& text, const std::string& command) {
 // --- Deleting ---
 
 int deleteNamed(Commands& c, const CommandText& text) {
-    const auto end = std::find_if_not(text.argument.begin(), text.argument.end(), IsOfName);
+    const auto end = std::find_if_not(text.argument.begin(), text.argument.end(), isOfName);
     const std::string name(text.argument.begin(), end);
     if (const Function* function = funcs.FindByName(name.c_str(), -1)) {
         funcs.DeleteFunction(function);
@@ -228,7 +228,7 @@ int showFunction(Commands& c, const CommandText& text) {
 CommandText readCommand(const std::string& statement) {
     CommandText text;
     text.statement = statement;
-    text.lower = LowerCased(statement.substr(0, COMMAND_LENGTH));
+    text.lower = lowerCased(statement.substr(0, COMMAND_LENGTH));
     text.word = text.lower.substr(0, text.lower.find_first_of(" \t\r\n"));
     const size_t start = statement.find_first_not_of(" \t", statement.find_first_of(" \t\r\n"));
     if (start != std::string::npos) {

@@ -92,7 +92,7 @@ static void bindParameters(Function* function) {
 }
 
 Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool builtin) const {
-    const auto namesakes = byName.find(LowerCased(name));
+    const auto namesakes = byName.find(lowerCased(name));
     if (namesakes == byName.end()) return nullptr;
     for (const auto& [number, function] : namesakes->second) {
         visited++;
@@ -104,7 +104,7 @@ Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool
 
 void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) {
     numbers.emplace(function.get(), number);
-    byName[LowerCased(function->name)].emplace(number, function.get());
+    byName[lowerCased(function->name)].emplace(number, function.get());
     if (!function->body) predefined.emplace(number, function.get());
     functions.emplace(number, std::move(function));
     TabCompleteReset();
@@ -113,7 +113,7 @@ void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) 
 std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
     const auto place = functions.find(number);
     std::shared_ptr<Function> function = std::move(place->second);
-    const auto namesakes = byName.find(LowerCased(function->name));
+    const auto namesakes = byName.find(lowerCased(function->name));
     namesakes->second.erase(number);
     if (namesakes->second.empty()) byName.erase(namesakes);
     predefined.erase(number);

@@ -62,11 +62,11 @@ std::string strShown(std::string_view text) {
     return shown;
 }
 
-std::string LowerCased(std::string text) {
+std::string lowerCased(std::string text) {
     for (char& c : text) c = lowerCase(c);
     return text;
 }
 
 bool isValidName(std::string_view text) {
-    return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), IsOfName);
+    return !text.empty() && isLetter(text[0]) && std::all_of(text.begin(), text.end(), isOfName);
 }

@@ -34,13 +34,13 @@ constexpr bool isDigit(char c) {
 constexpr bool isBlank(char c) { // or a line end
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
-constexpr bool IsOfName(char c) { // behind the first letter of a name
+constexpr bool isOfName(char c) { // behind the first letter of a name
     return isLetter(c) || isDigit(c) || c == '_';
 }
 constexpr char lowerCase(char c) { // A to Z become a to z
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
-std::string LowerCased(std::string text);
+std::string lowerCased(std::string text);
 
 // Whether the text is the name of a variable, a function or a parameter: a letter, then characters of a name.
 bool isValidName(std::string_view text);

@@ -78,7 +78,7 @@ public:
         const std::string& text = record.body;
         for (size_t i = 0; i < text.size();) {
             const size_t start = i;
-            while (i < text.size() && (IsOfName(text[i]) || text[i] == '.')) i++;
+            while (i < text.size() && (isOfName(text[i]) || text[i] == '.')) i++;
             if (record.kind == Kind::Unit)
                 UseUnits(std::string_view(text).substr(start, i - start));
             else if (i > start && isLetter(text[start]) &&
@@ -91,7 +91,7 @@ public:
 
 private:
     static std::string NameOf(Kind kind, const std::string& name) {
-        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? LowerCased(name) : name);
+        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? lowerCased(name) : name);
     }
 
     static bool IsCalled(const std::string& text, size_t end) {
@@ -147,7 +147,7 @@ std::string DefinitionRecord::Key() const {
     const auto commas = std::count(parameters.begin(), parameters.end(), ',');
     const std::string key = std::to_string(static_cast<int>(kind));
     if (kind != Kind::Function) return key + name;
-    return key + LowerCased(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
+    return key + lowerCased(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
 }
 
 DefinitionRecord recordOf(const std::string& line) {

@@ -2,19 +2,14 @@
 #include "Completion.h"
 
 #include "Calculator.h"
+#include "Helpers_String.h"
 #include "units.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <string_view>
 
 namespace {
-
-bool isOfName(char c) {
-    return c == '_' ||
-           (static_cast<unsigned char>(c) < 0x80 && std::isalnum(static_cast<unsigned char>(c)) != 0);
-}
 
 std::string inLowerCase(std::string_view text) {
     std::string lower(text);

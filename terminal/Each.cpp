@@ -202,7 +202,7 @@ std::vector<std::size_t> fieldsNamedIn(std::string_view entry) {
     std::vector<std::size_t> fields;
     for (std::size_t i = 0; i < entry.size();) {
         const std::size_t start = i;
-        while (i < entry.size() && IsOfName(entry[i])) ++i;
+        while (i < entry.size() && isOfName(entry[i])) ++i;
         const std::string word(entry.substr(start, i - start));
         if (i == start) ++i;
         const bool isNumbered = word.size() > 1 && word.size() < 8 && word[1] != '0' &&

@@ -24,12 +24,12 @@ protected:
     }
 
     // What fits at the bar.
-    Names at(const std::string& marked) const {
+    Names At(const std::string& marked) const {
         const std::size_t cursor = marked.find('|');
         return completionsAt(marked.substr(0, cursor) + marked.substr(cursor + 1), cursor, calc).candidates;
     }
-    bool fits(const std::string& marked, const std::string& name) const {
-        const Names names = at(marked);
+    bool Fits(const std::string& marked, const std::string& name) const {
+        const Names names = At(marked);
         return std::find(names.begin(), names.end(), name) != names.end();
     }
 
@@ -37,51 +37,51 @@ protected:
 };
 
 TEST_F(CompletionTest, FunctionsComeWithTheirParenthesisAndVariablesAlone) {
-    EXPECT_EQ(at("2+sq|"), (Names{"sqrt("}));
-    EXPECT_EQ(at("2+SQ|"), (Names{"sqrt("}));
-    EXPECT_EQ(at("2+hy|"), (Names{"hypot("}));
-    EXPECT_EQ(at("2+hy|(3,4)"), (Names{"hypot"})); // it has one
-    EXPECT_EQ(at("2*p|"), (Names{"pi", "price"}));
-    EXPECT_EQ(at("2*P|"), (Names{}));
-    EXPECT_EQ(at("sin(pr|)*2"), (Names{"price"}));
-    EXPECT_EQ(at("2+|").size(), 20U + 1 + 3); // functions of all kinds, and ans, pi, price
+    EXPECT_EQ(At("2+sq|"), (Names{"sqrt("}));
+    EXPECT_EQ(At("2+SQ|"), (Names{"sqrt("}));
+    EXPECT_EQ(At("2+hy|"), (Names{"hypot("}));
+    EXPECT_EQ(At("2+hy|(3,4)"), (Names{"hypot"})); // it has one
+    EXPECT_EQ(At("2*p|"), (Names{"pi", "price"}));
+    EXPECT_EQ(At("2*P|"), (Names{}));
+    EXPECT_EQ(At("sin(pr|)*2"), (Names{"price"}));
+    EXPECT_EQ(At("2+|").size(), 20U + 1 + 3); // functions of all kinds, and ans, pi, price
 }
 
 TEST_F(CompletionTest, TheStartOfAStatementMayBeACommand) {
-    EXPECT_EQ(at("hi|"), (Names{"histstack "}));
-    EXPECT_EQ(at("sig|"), (Names{"sigfigs "}));
-    EXPECT_EQ(at("1+1; di|"), (Names{"disp ", "display "}));
-    EXPECT_EQ(at("c|"), (Names{"ceil(", "clear", "cls", "convert ", "cos(", "cosh("}));
-    EXPECT_EQ(at("2+clea|"), (Names{}));
-    EXPECT_TRUE(fits("|", "exit"));
-    EXPECT_TRUE(fits("|", "sin("));
+    EXPECT_EQ(At("hi|"), (Names{"histstack "}));
+    EXPECT_EQ(At("sig|"), (Names{"sigfigs "}));
+    EXPECT_EQ(At("1+1; di|"), (Names{"disp ", "display "}));
+    EXPECT_EQ(At("c|"), (Names{"ceil(", "clear", "cls", "convert ", "cos(", "cosh("}));
+    EXPECT_EQ(At("2+clea|"), (Names{}));
+    EXPECT_TRUE(Fits("|", "exit"));
+    EXPECT_TRUE(Fits("|", "sin("));
 }
 
 TEST_F(CompletionTest, ArgumentsOfCommandsFit) {
-    EXPECT_EQ(at("mode |"), (Names{"deg", "rad"}));
-    EXPECT_EQ(at("Mode D|"), (Names{"deg"}));
-    EXPECT_EQ(at("display |"), (Names{"bin", "dec", "hex"}));
-    EXPECT_EQ(at("list |"), (Names{"units"}));
-    EXPECT_EQ(at("histstack o|"), (Names{"off", "on"}));
-    EXPECT_EQ(at("del sm|"), (Names{"smoot"}));
-    EXPECT_EQ(at("del p|"), (Names{"pi", "price"}));
-    EXPECT_EQ(at("del a|"), (Names{"abs", "acos", "all", "ans", "asin", "atan"}));
-    EXPECT_EQ(at("disp p|"), (Names{"pi", "price"}));
+    EXPECT_EQ(At("mode |"), (Names{"deg", "rad"}));
+    EXPECT_EQ(At("Mode D|"), (Names{"deg"}));
+    EXPECT_EQ(At("display |"), (Names{"bin", "dec", "hex"}));
+    EXPECT_EQ(At("list |"), (Names{"units"}));
+    EXPECT_EQ(At("histstack o|"), (Names{"off", "on"}));
+    EXPECT_EQ(At("del sm|"), (Names{"smoot"}));
+    EXPECT_EQ(At("del p|"), (Names{"pi", "price"}));
+    EXPECT_EQ(At("del a|"), (Names{"abs", "acos", "all", "ans", "asin", "atan"}));
+    EXPECT_EQ(At("disp p|"), (Names{"pi", "price"}));
 }
 
 TEST_F(CompletionTest, UnitsAndPrefixesFitBehindTheArrow) {
-    EXPECT_EQ(at("5 km->smo|"), (Names{"smoot"}));
-    EXPECT_EQ(at("5 km->mete|"), (Names{"meter"}));
-    EXPECT_TRUE(fits("5 km->kil|", "kilo"));
-    EXPECT_TRUE(fits("5 km->kilome|", "kilometer"));
-    EXPECT_TRUE(fits("5 km/s->mete|", "meter"));
-    EXPECT_EQ(at("5 meter/second->kilometer/h|"), at("5 m->h|"));
-    EXPECT_EQ(at("(5 km->mi)+sq|"), (Names{"sqrt("})); // the arrow's unit is over
+    EXPECT_EQ(At("5 km->smo|"), (Names{"smoot"}));
+    EXPECT_EQ(At("5 km->mete|"), (Names{"meter"}));
+    EXPECT_TRUE(Fits("5 km->kil|", "kilo"));
+    EXPECT_TRUE(Fits("5 km->kilome|", "kilometer"));
+    EXPECT_TRUE(Fits("5 km/s->mete|", "meter"));
+    EXPECT_EQ(At("5 meter/second->kilometer/h|"), At("5 m->h|"));
+    EXPECT_EQ(At("(5 km->mi)+sq|"), (Names{"sqrt("})); // the arrow's unit is over
 }
 
 TEST_F(CompletionTest, NothingFitsANumberAndAComment) {
-    EXPECT_EQ(at("2k|"), (Names{}));
-    EXPECT_EQ(at("1 # s|"), (Names{}));
+    EXPECT_EQ(At("2k|"), (Names{}));
+    EXPECT_EQ(At("1 # s|"), (Names{}));
 }
 
 TEST_F(CompletionTest, TheWordThatIsReplacedBeginsAtItsFirstLetter) {

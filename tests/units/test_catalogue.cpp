@@ -176,7 +176,7 @@ TEST_F(Catalogue, DegreeInRadians) {
 class BrokenCatalogue : public UnitsTest {
 protected:
     // What building the catalogue with one table replaced gives; empty for success.
-    static std::string build(CatalogueTable table, const TextPair* entries) {
+    static std::string Build(CatalogueTable table, const TextPair* entries) {
         CatalogueTables tables = CATALOGUE_TABLES;
         tables[table] = entries;
         const int status = buildCatalogue(tables);
@@ -190,24 +190,24 @@ const TextPair WRONG_UNIT[] = {
     {"good", "meter"}, {"bad", "2 foo"}, {"unreached", "meter"}, {nullptr, nullptr}};
 
 TEST_F(BrokenCatalogue, ADerivedUnit) {
-    EXPECT_EQ(build(DERIVED_UNITS, WRONG_UNIT), "units failure initializing derived unit 'bad' (2 foo)");
+    EXPECT_EQ(Build(DERIVED_UNITS, WRONG_UNIT), "units failure initializing derived unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIUnit) {
-    EXPECT_EQ(build(NON_SI_UNITS, WRONG_UNIT), "units failure initializing non-SI unit 'bad' (2 foo)");
+    EXPECT_EQ(Build(NON_SI_UNITS, WRONG_UNIT), "units failure initializing non-SI unit 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, AnAbbreviation) {
-    EXPECT_EQ(build(ABBREVIATIONS, WRONG_UNIT), "units failure initializing abbreviation 'bad' (2 foo)");
+    EXPECT_EQ(Build(ABBREVIATIONS, WRONG_UNIT), "units failure initializing abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, ANonSIAbbreviation) {
-    EXPECT_EQ(build(NON_SI_ABBREVIATIONS, WRONG_UNIT),
+    EXPECT_EQ(Build(NON_SI_ABBREVIATIONS, WRONG_UNIT),
               "units failure initializing non-SI abbreviation 'bad' (2 foo)");
 }
 
 TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
-    build(DERIVED_UNITS, WRONG_UNIT);
+    Build(DERIVED_UNITS, WRONG_UNIT);
     EXPECT_NE(unitTable.Find("candela"), nullptr);
     EXPECT_EQ(unitTable.Find("bad"), nullptr);
     EXPECT_EQ(unitTable.Find("unreached"), nullptr);
@@ -216,7 +216,7 @@ TEST_F(BrokenCatalogue, TheEntriesBeforeTheFailureStay) {
 
 TEST_F(BrokenCatalogue, ADefinitionMayOnlyUseEarlierUnits) {
     const TextPair late[] = {{"newtonmeter", "newton-meter"}, {"newton", "meter"}, {nullptr, nullptr}};
-    EXPECT_EQ(build(DERIVED_UNITS, late),
+    EXPECT_EQ(Build(DERIVED_UNITS, late),
               "units failure initializing derived unit 'newtonmeter' (newton-meter)");
 }
 

@@ -39,7 +39,7 @@ protected:
         return Press(KeyPress{KEY_OTHER, c, c, 0}, entry, place, length);
     }
 
-    static void expectSelected(const std::optional<EntryRange>& range, int place, size_t length) {
+    static void ExpectSelected(const std::optional<EntryRange>& range, int place, size_t length) {
         ASSERT_TRUE(range);
         EXPECT_EQ(static_cast<int>(range->location) - START, place);
         EXPECT_EQ(range->length, length);
@@ -87,7 +87,7 @@ TEST_F(TranscriptTest, TabProposesNamesFromTheNewestAndThenNone) {
     KeyEffect effect = Press(KEY_TAB, u"1+si", 4);
     EXPECT_EQ(effect.edit, Edit::Replace);
     EXPECT_EQ(effect.text, "ng()");
-    expectSelected(effect.selectAfter, 4, 4);
+    ExpectSelected(effect.selectAfter, 4, 4);
     EXPECT_STREQ(prompt, "si");
     EXPECT_EQ(Press(KEY_TAB, u"1+sing()", 4, 4).text, "ne()");
     EXPECT_EQ(Press(KEY_TAB, u"1+sine()", 4, 4).text, "");
@@ -126,7 +126,7 @@ TEST_F(TranscriptTest, BackspaceSparesThePrompt) {
     EXPECT_EQ(Press(KEY_BACKSPACE, u"12", 0).then, Then::Preview);
     EXPECT_EQ(Press(KEY_BACKSPACE, u"12", 0, 1).then, Then::Pass);
     const KeyEffect across = Press(KEY_BACKSPACE, u"12", -4, 5);
-    expectSelected(across.select, 0, 1);
+    ExpectSelected(across.select, 0, 1);
     EXPECT_EQ(across.then, Then::Pass);
     const KeyEffect above = Press(KEY_BACKSPACE, u"12", -4, 2);
     EXPECT_TRUE(above.goesToEnd);
@@ -136,7 +136,7 @@ TEST_F(TranscriptTest, BackspaceSparesThePrompt) {
 TEST_F(TranscriptTest, ForwardDeleteAtTheStartDeletesWhatIsBehindIt) {
     EXPECT_EQ(Press(KEY_FORWARD_DELETE, u"12", 0).then, Then::Pass);
     const KeyEffect across = Press(KEY_FORWARD_DELETE, u"12", -4, 5);
-    expectSelected(across.select, 0, 1);
+    ExpectSelected(across.select, 0, 1);
     EXPECT_EQ(across.then, Then::Pass);
     EXPECT_TRUE(Press(KEY_FORWARD_DELETE, u"12", -4).goesToEnd);
     EXPECT_EQ(Press(KEY_FORWARD_DELETE, u"", -4).then, Then::Preview);
@@ -145,11 +145,11 @@ TEST_F(TranscriptTest, ForwardDeleteAtTheStartDeletesWhatIsBehindIt) {
 // --- Moving ---
 
 TEST_F(TranscriptTest, HomeAndEndStayInTheEntryAndShiftSelects) {
-    expectSelected(Press(KEY_HOME, u"123", 2).select, 0, 0);
-    expectSelected(Press(KEY_HOME, u"123", 2, 1, SHIFT_KEY).select, 0, 3);
-    expectSelected(Press(KEY_HOME, u"123", -5, 1, SHIFT_KEY).select, 0, 0);
-    expectSelected(Press(KEY_LEFT, u"123", 2, 0, CONTROL_KEY | SHIFT_KEY).select, 0, 2);
-    expectSelected(Press(KEY_END, u"123", 1, 0, SHIFT_KEY).select, 1, 2);
+    ExpectSelected(Press(KEY_HOME, u"123", 2).select, 0, 0);
+    ExpectSelected(Press(KEY_HOME, u"123", 2, 1, SHIFT_KEY).select, 0, 3);
+    ExpectSelected(Press(KEY_HOME, u"123", -5, 1, SHIFT_KEY).select, 0, 0);
+    ExpectSelected(Press(KEY_LEFT, u"123", 2, 0, CONTROL_KEY | SHIFT_KEY).select, 0, 2);
+    ExpectSelected(Press(KEY_END, u"123", 1, 0, SHIFT_KEY).select, 1, 2);
     EXPECT_TRUE(Press(KEY_END, u"123", 1).goesToEnd);
     EXPECT_EQ(Press(KEY_END, u"123", 1).then, Then::Nothing);
 }
@@ -216,14 +216,14 @@ TEST_F(TranscriptTest, AnOperatorTypedFirstAppliesToTheAnswer) {
 
 TEST_F(TranscriptTest, ASecondMinusChangesOver) {
     KeyEffect effect = Type('-', u"-", 1);
-    expectSelected(effect.select, 0, 1);
+    ExpectSelected(effect.select, 0, 1);
     EXPECT_EQ(effect.text, "ans");
-    expectSelected(effect.selectAfter, 3, 0);
+    ExpectSelected(effect.selectAfter, 3, 0);
     effect = Type('-', u"ans-", 4);
-    expectSelected(effect.select, 0, 4);
+    ExpectSelected(effect.select, 0, 4);
     EXPECT_EQ(effect.edit, Edit::Replace);
     EXPECT_EQ(effect.text, "");
-    expectSelected(effect.selectAfter, 0, 0);
+    ExpectSelected(effect.selectAfter, 0, 0);
     EXPECT_EQ(Type('-', u"5", 1).edit, Edit::None);
     EXPECT_EQ(Type('-', u"5-3-", 4).edit, Edit::None);
 }
