@@ -3,6 +3,7 @@
 
 #include "Calculator.h"
 #include "Helpers_String.h"
+#include "PromptWords.h"
 #include "units.h"
 
 #include <algorithm>
@@ -91,8 +92,27 @@ bool isArgumentOf(const Place& place, std::initializer_list<const char*> words) 
                        [&head](const char* word) { return head == word + std::string(" "); });
 }
 
+// The prompt's own words, and the settings behind ":set".
+void addPromptWords(const Place& place, std::vector<std::string>& found) {
+    if (place.head == ":") {
+        for (const PromptWord& word : promptWords()) {
+            const std::string name = word.word + 1 + std::string(*word.argument == '\0' ? "" : " ");
+            if (beginsWith(name, place.word)) found.push_back(name);
+        }
+    }
+    if (place.head == ":set ") {
+        for (const Setting& setting : SETTINGS) {
+            if (beginsWith(setting.key, place.word)) found.push_back(setting.key + std::string(" "));
+        }
+    }
+}
+
 std::vector<std::string> candidatesAt(const Place& place, const ZqCalculator& calc, bool isCall) {
     std::vector<std::string> found;
+    if (place.head[0] == ':') {
+        addPromptWords(place, found);
+        return found;
+    }
     const std::size_t arrow = place.head.rfind("->");
     if (arrow != std::string::npos) {
         const std::string between = place.head.substr(arrow + 2);

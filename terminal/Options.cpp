@@ -135,9 +135,9 @@ private:
 
     // Whether the value is one of those in "a|b|c", or there are none.
     static bool IsChoice(const std::string& choices, std::string_view value) {
-        const std::string all = "|" + choices + "|";
-        return choices.find('|') == std::string::npos ||
-               all.find("|" + std::string(value) + "|") != std::string::npos;
+        if (choices.find('|') == std::string::npos) return true;
+        const bool isOne = value.find('|') == std::string_view::npos;
+        return isOne && ("|" + choices + "|").find("|" + std::string(value) + "|") != std::string::npos;
     }
 
     // False when the value is not a good one.

@@ -69,6 +69,13 @@ TEST_F(CompletionTest, ArgumentsOfCommandsFit) {
     EXPECT_EQ(At("disp p|"), (Names{"pi", "price"}));
 }
 
+TEST_F(CompletionTest, WordsOfThePromptFitBehindAColon) {
+    EXPECT_EQ(at(":v|"), (Names{"vars"}));
+    EXPECT_EQ(at(":se|"), (Names{"set "}));
+    EXPECT_EQ(at(":set auto|"), (Names{"autoeval "}));
+    EXPECT_EQ(at(":vars s|"), (Names{}));
+}
+
 TEST_F(CompletionTest, UnitsAndPrefixesFitBehindTheArrow) {
     EXPECT_EQ(At("5 km->smo|"), (Names{"smoot"}));
     EXPECT_EQ(At("5 km->mete|"), (Names{"meter"}));

@@ -143,6 +143,15 @@ TEST(Options, SettingsAreReadFromTheTableOfSettings) {
     }
 }
 
+TEST(Options, ColorIsAlwaysNeverOrByTheTerminal) {
+    for (const char* const choice : {"auto", "always", "never"})
+        EXPECT_EQ(parse({"--color", choice}).color, choice);
+    EXPECT_EQ(refusalOf({"--color=red"}), "'red' is no value of option '--color': auto|always|never");
+    EXPECT_EQ(refusalOf({"--color=auto|always"}),
+              "'auto|always' is no value of option '--color': auto|always|never");
+    EXPECT_TRUE(parse({"--plain"}).plain);
+}
+
 TEST(Options, AValueThatASettingCannotHaveIsRefused) {
     EXPECT_EQ(refusalOf({"--base=8"}), "'8' is no value of option '--base': bin|dec|hex");
     for (const char* const wrong : {"0", "101", "ten", "", "1.5", "10x", "nan"}) {
