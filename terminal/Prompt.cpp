@@ -91,9 +91,9 @@ Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const Pr
 }
 
 std::string Prompt::PromptText(bool forEditor) const {
-    const std::string text = PROMPT;
+    std::string text = PROMPT;
     if (!options.hasColours) return text;
-    const std::string inColour = coloured(Shade::Prompt, text);
+    std::string inColour = coloured(Shade::Prompt, text);
     if (!forEditor) return inColour;
     const std::size_t start = inColour.find(text);
     return "\001" + inColour.substr(0, start) + "\002" + text + "\001" +

@@ -97,7 +97,7 @@ ReadlineEditor::~ReadlineEditor() {
 
 void ReadlineEditor::BindKeys() {
     for (const char* const name : {"emacs-standard", "vi-insert", "vi-move"}) {
-        const Keymap map = rl_get_keymap_by_name(name);
+        Keymap map = rl_get_keymap_by_name(name);
         rl_bind_keyseq_in_map("\x1b[200~", TakePaste, map);
         rl_bind_keyseq_in_map(PASTE_END, DoNothing, map); // the end of one that was given up
         for (const char* const up : {"\x1b[A", "\x1bOA"}) rl_bind_keyseq_in_map(up, RecallOlder, map);

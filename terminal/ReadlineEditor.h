@@ -47,7 +47,7 @@ private:
     Status GiveLine(std::string& line);
     Status GivePasted(std::string& line);
     Status Cancel();
-    bool ReadBytes(long milliseconds);
+    bool ReadBytes(long patience);
     std::string ReadPaste();
     void RunKeys();
     void ShowAgain();

@@ -70,10 +70,10 @@ TEST_F(CompletionTest, ArgumentsOfCommandsFit) {
 }
 
 TEST_F(CompletionTest, WordsOfThePromptFitBehindAColon) {
-    EXPECT_EQ(at(":v|"), (Names{"vars"}));
-    EXPECT_EQ(at(":se|"), (Names{"set "}));
-    EXPECT_EQ(at(":set auto|"), (Names{"autoeval "}));
-    EXPECT_EQ(at(":vars s|"), (Names{}));
+    EXPECT_EQ(At(":v|"), (Names{"vars"}));
+    EXPECT_EQ(At(":se|"), (Names{"set "}));
+    EXPECT_EQ(At(":set auto|"), (Names{"autoeval "}));
+    EXPECT_EQ(At(":vars s|"), (Names{}));
 }
 
 TEST_F(CompletionTest, UnitsAndPrefixesFitBehindTheArrow) {
