@@ -129,7 +129,7 @@ void ZqCalculator::BeginEntry(std::string& entry) {
         const char* newest = history.GetHistoryStr(1);
         if (isRepeatable(newest)) entry = newest;
     }
-    entryLine = entry.substr(0, entry.find_first_of("\r\n"));
+    entryLine = entry.substr(0, std::min(entry.find('\r'), entry.find('\n')));
     entryCount += 1;
     history.HistLocReset();
 }

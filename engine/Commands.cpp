@@ -305,6 +305,7 @@ const std::vector<Command>& commandTable() {
 }
 
 int Commands::Run(const std::string& typed) {
+    if (typed.empty() || !isLetter(typed[0])) return NO_COMMAND; // as most entries
     CommandText text = readCommand(typed);
     if (!isValidName(text.word)) return NO_COMMAND;
     for (const Command& command : commandTable()) {

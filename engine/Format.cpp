@@ -14,10 +14,10 @@ namespace {
 // d.ddd... * 10^exponent
 struct Decimal {
     bool negative = false;
-    std::string digits; // the one before the point first
+    std::string digits; // the one before the point first; those that lack are zeros
     int exponent = 0;
 
-    size_t SignificantDigits() const { return digits.find_last_not_of('0') + 1; }
+    size_t SignificantDigits() const { return digits == "0" ? 0 : digits.size(); } // as toDecimal made it
 };
 
 enum ExponentKind { NO_EXPONENT, PLAIN_EXPONENT, EXPONENT_OF_THREE };
@@ -32,8 +32,11 @@ Decimal toDecimal(const qfloat value, int fractionDigits) {
     Decimal decimal;
     decimal.negative = text[0] == '-' && value[1] != 0; // zero has no sign
     const char* const first = text + strcspn(text, "0123456789");
-    const char* const end = first + strcspn(first, "E");
-    decimal.digits.assign(first, 1).append(std::min(first + 2, end), end); // behind the point
+    const char* const end = first + 2 + std::clamp(fractionDigits, 0, MOST_FRACTION);
+    const char* last = end;
+    while (last - first > 10 && std::memcmp(last - 8, "00000000", 8) == 0) last -= 8;
+    while (last > first + 2 && last[-1] == '0') --last;
+    decimal.digits.assign(first, 1).append(first + 2, last); // behind the point
     if (*end == 'E') decimal.exponent = atoi(end + 1);
     return decimal;
 }
@@ -41,13 +44,12 @@ Decimal toDecimal(const qfloat value, int fractionDigits) {
 // The number with so many digits, of which `all` has ALL_DIGITS behind the point: these decide, unless they
 // end in a tie, which rounding may have made.
 Decimal withDigits(const Decimal& all, const qfloat value, size_t digits) {
-    if (digits >= all.digits.size()) return toDecimal(value, static_cast<int>(digits) - 1);
-    const char next = all.digits[digits];
-    const bool isTie = next == '5' && all.digits.find_first_not_of('0', digits + 1) == std::string::npos;
-    if (isTie) return toDecimal(value, static_cast<int>(digits) - 1);
-    Decimal decimal = all;
-    decimal.digits.resize(digits);
-    if (next < '5') return decimal;
+    const bool isShort = digits >= all.digits.size();
+    const char next = isShort ? '0' : all.digits[digits];
+    const bool isTie = next == '5' && digits + 1 == all.digits.size();
+    Decimal decimal = isTie || digits > ALL_DIGITS ? toDecimal(value, static_cast<int>(digits) - 1) : all;
+    decimal.digits.resize(digits, '0');
+    if (next < '5' || isTie) return decimal;
     const size_t place = decimal.digits.find_last_not_of('9');
     std::fill(decimal.digits.begin() + static_cast<std::ptrdiff_t>(place + 1), decimal.digits.end(), '0');
     if (place != std::string::npos) {

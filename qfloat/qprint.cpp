@@ -80,17 +80,40 @@ bool findMantissa(const Extended& x, int& k, Extended& y) {
 }
 
 void putChunk(uint64_t value, int n, char* out) {
-    for (int i = n - 1; i >= 0; --i, value /= 10) out[i] = static_cast<char>('0' + value % 10);
+    for (; n > 1; value /= 100) {
+        const auto two = static_cast<int>(value % 100);
+        out[--n] = static_cast<char>('0' + two % 10);
+        out[--n] = static_cast<char>('0' + two / 10);
+    }
+    if (n > 0) *out = static_cast<char>('0' + value % 10);
 }
 
-// Writes the first `digits` digits of the fraction; it is left as what remains.
-void putFraction(uint64_t* fraction, int digits, char* out) {
+// Whether so many digits of the fraction are all zeros or all nines, as short decimals end. False also where
+// its top bits are not all the same, of which a digit has less than 10/3.
+bool endsInRun(const uint64_t* fraction, int digits, char& digit) {
+    const bool isNine = (fraction[COUNT - 1] & limb::TOP_BIT) != 0;
+    digit = isNine ? '9' : '0';
+    uint64_t others[COUNT];
+    for (int i = 0; i < COUNT; ++i) others[i] = isNine ? ~fraction[i] : fraction[i];
+    return limb::isZero(others) || limb::leadingZeros(others) > 10 * digits / 3;
+}
+
+// Writes the first `digits` digits of the fraction. Returns how the rest compares with one half when the
+// digits alone tell, as they do where they end in zeros or nines; else 0, and the fraction is left as what
+// remains.
+int putFraction(uint64_t* fraction, int digits, char* out) {
     while (digits > 0) {
+        char run = 0;
+        if (digits > CHUNK_DIGITS && endsInRun(fraction, digits + 1, run)) {
+            std::memset(out, run, static_cast<std::size_t>(digits));
+            return run == '0' ? -1 : 1;
+        }
         const int n = digits < CHUNK_DIGITS ? digits : CHUNK_DIGITS;
         putChunk(limb::multiplyAdd(fraction, CHUNK_SCALE[n], 0), n, out);
         out += n;
         digits -= n;
     }
+    return 0;
 }
 
 char* putExponent(int k, char* out) {
@@ -176,11 +199,10 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     buffer[1] = static_cast<char>('0' + (y.limb[COUNT - 1] >> 60));
     buffer[2] = '.';
     limb::shiftUp(y.limb, 4);
-    putFraction(y.limb, digits, buffer + 3);
-
-    int order = compareHalf(y.limb);
-    if (!exact && nearHalf(y.limb, digits)) {
-        order = compareMidpoint(value, buffer, digits, k);
+    int order = putFraction(y.limb, digits, buffer + 3);
+    if (order == 0) {
+        order = compareHalf(y.limb);
+        if (!exact && nearHalf(y.limb, digits)) order = compareMidpoint(value, buffer, digits, k);
     }
     // A tie goes to the even digit; with no digit written, the point counts as even.
     const bool lastIsOdd = (buffer[2 + digits] & 1) != 0;

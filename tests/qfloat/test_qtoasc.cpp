@@ -104,6 +104,16 @@ TEST_F(Printing, ShortDecimalNumbersAreCorrectlyRounded) {
     }
 }
 
+// A few digits, then zeros or nines, and a digit behind them, at every distance.
+TEST_F(Printing, ADigitBehindALongRunIsSeen) {
+    for (int run = 10; run <= 110; ++run) {
+        for (const char digit : {'0', '9'}) {
+            const Number q = decimal("12.5" + std::string(static_cast<size_t>(run), digit) + "4e-7");
+            for (const int digits : {run + 1, run + 2, run + 3, 30, 100, 104}) Check(q, digits);
+        }
+    }
+}
+
 // m / 2^j with odd m has j fraction digits, of which the last is a 5: printed with one digit less it is a
 // tie.
 TEST_F(Printing, ExactTiesGoToTheEvenDigit) {
