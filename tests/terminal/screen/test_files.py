@@ -2,6 +2,7 @@
 """What is kept from one run to the next, and shared with other programs."""
 import os
 import stat
+import time
 import unittest
 
 from screen import *
@@ -54,6 +55,15 @@ class Files(ScreenTest):
         console.kill(signal.SIGTERM)
         self.assertEqual(console.end(), -signal.SIGTERM)
         self.assertIn("before=1", self.home.definitions())
+
+    def test_a_terminal_that_is_closed_saves(self):
+        console = self.start()
+        console.enter("last=7", "last = 7")
+        console.child.ptyproc.fileobj.close()
+        end = time.monotonic() + PATIENCE
+        while "last=7" not in self.home.definitions() and time.monotonic() < end:
+            time.sleep(0.02)
+        self.assertIn("last=7", self.home.definitions())
 
     def test_two_programs_lose_nothing(self):
         one, two = self.start(), self.start()

@@ -125,6 +125,19 @@ class Preview(ScreenTest):
         console.send("0" + RETURN)
         console.shows("> 1+1+1+1+1+1+1+10", "ans = 17", ">")
 
+    def test_stands_below_the_line_with_the_mode_in_the_prompt(self):
+        self.home.write(".inputrc", "set editing-mode vi\nset show-mode-in-prompt on\nset keyseq-timeout 10\n")
+        console = self.start(width=20, ready=False)
+        console.shows("(ins)>")
+        console.send("1+1+1+1+1+1+1")
+        console.shows("(ins)> 1+1+1+1+1+1+1", "", "7")  # the prompt and the line fill the row
+        console.send("+1")
+        console.shows("(ins)> 1+1+1+1+1+1+1", "+1", "8")
+        console.send(ESCAPE)
+        console.shows("(cmd)> 1+1+1+1+1+1+1", "+1", "8")
+        console.send("x")
+        console.shows("(cmd)> 1+1+1+1+1+1+1", "+")
+
     def test_is_not_drawn_in_a_search(self):
         console = self.start()
         console.enter("3*4", "ans = 12")
