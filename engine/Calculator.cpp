@@ -137,11 +137,14 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 // An interrupted entry changes nothing.
 void ZqCalculator::RunOrTakeBack(std::string_view entry, const std::vector<std::string_view>& statements) {
     undo.Begin();
-    undo.Keep<EntrySettings>(*this);
-    undo.Keep(target);
-    undo.Keep(answer);
-    undo.Keep(lastName); // of a variable, which comes back as the same term
-    undo.Add([this, text = std::string(lastAnswer)] { copyText(lastAnswer, text); });
+    undo.Add([this, settings = EntrySettings(*this), variable = target, kept = answer, name = lastName,
+              text = std::string(lastAnswer)] {
+        static_cast<EntrySettings&>(*this) = settings;
+        target = variable;
+        answer = kept;
+        lastName = name; // of a variable, which comes back as the same term
+        copyText(lastAnswer, text);
+    });
     funcs.RecordIn(&undo);
     units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
     RunStatements(entry, statements);

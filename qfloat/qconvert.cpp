@@ -191,7 +191,23 @@ void qround(const qfloat x, qfloat y) {
     qmov(floor, y);
 }
 
+// Whether a number from 1 to 2^300 is far from every whole one: the 32 bits behind its point are neither all
+// zeros nor all ones.
+static bool isFarFromWhole(const qfloat x) {
+    const int64_t wholeBits = int64_t{x[1]} - EXPONENT_BIAS;
+    if (wholeBits < 1 || wholeBits > 300) return false;
+    uint64_t bits[COUNT];
+    limb::load(x, bits);
+    limb::shiftUp(bits, static_cast<int>(wholeBits));
+    const uint64_t first = bits[COUNT - 1] >> 32;
+    return first != 0 && first != 0xFFFFFFFF;
+}
+
 void qfixintegers(qfloat x) {
+    if (isFarFromWhole(x)) {
+        subflg = 1; // as the comparison below leaves it
+        return;
+    }
     qfloat rounded, distance;
     qround(x, rounded);
     if (rounded[1] == 0) return;

@@ -296,7 +296,7 @@ void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {
 void powerOfTen(int n, Extended& p) {
     p = Extended{{0, 0, 0, 0, 0, TOP_BIT}, 1};
     bool first = true;
-    for (int k = 0; k < 14; ++k) {
+    for (int k = 0; n >> k != 0; ++k) {
         if (!(n >> k & 1)) continue;
         if (first) {
             p = TENS[k];
