@@ -52,7 +52,7 @@ public:
     long DoDue() override { return files.DoDue(); }
     std::string PreviewOf(const std::string& entry) override;
     Completion CompletionsAt(const std::string& entry, std::size_t cursor) override;
-    bool MinusIsSign() const override { return files.Setting("doublenegans") != 0; }
+    bool MinusIsSign() const override { return files.ValueOf("doublenegans") != 0; }
 
 private:
     Session::Outcome Answer(const std::string& line, bool isPasted);
@@ -167,7 +167,7 @@ std::string Prompt::WithHelp(const std::string& error) const {
 }
 
 std::string Prompt::PreviewOf(const std::string& entry) {
-    if (files.Setting("autoeval") == 0) return "";
+    if (files.ValueOf("autoeval") == 0) return "";
     if (isBlank(entry) || checkEntry(entry) != EntryFault::None) return "";
     ZqCalculator& calc = session.Calculator();
     if (calc.ProcessEntry(entry.c_str(), true) != STATUS_RESULT) return "";

@@ -25,7 +25,7 @@ std::string PromptFiles::Open() {
     KeptSettings read;
     if (readSettings(keeper.Settings(), read)) {
         settings = completed(read);
-        for (const ::Setting& setting : SETTINGS) Apply(setting);
+        for (const Setting& setting : SETTINGS) Apply(setting);
     } else {
         keeper.KeepSettingsBeside();
     }
@@ -37,14 +37,14 @@ std::string PromptFiles::Open() {
     return news;
 }
 
-void PromptFiles::Apply(const ::Setting& setting) {
-    if (setting.IsNumber()) setting.Apply(Setting(setting.key), calc);
-    if (setting.key == std::string_view("histsz")) calc.history.SetMaxEntries(Setting(setting.key));
+void PromptFiles::Apply(const Setting& setting) {
+    if (setting.IsNumber()) setting.Apply(ValueOf(setting.key), calc);
+    if (setting.key == std::string_view("histsz")) calc.history.SetMaxEntries(ValueOf(setting.key));
 }
 
 PromptFiles::Numbers PromptFiles::SettingsOfEntries() const {
     Numbers numbers;
-    for (const ::Setting& setting : SETTINGS) {
+    for (const Setting& setting : SETTINGS) {
         if (setting.command.word) numbers[setting.key] = setting.ValueIn(calc);
     }
     return numbers;
@@ -111,7 +111,7 @@ std::string PromptFiles::SettingsToWrite() {
             ours = others;
         return ours != before && ours == others;
     };
-    for (const ::Setting& setting : SETTINGS) {
+    for (const Setting& setting : SETTINGS) {
         const std::string key = setting.key;
         if (!setting.IsNumber())
             takeOver(settings.texts[key], written.texts[key], theirs.texts[key]);

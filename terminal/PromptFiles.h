@@ -27,7 +27,7 @@ public:
     // The settings, those of the files included; whoever changes one here and in the calculator calls
     // NoteChange. One that an entry changed is here behind EntryDidRun.
     KeptSettings& Settings() { return settings; }
-    int Setting(const char* key) const { return settings.numbers.at(key); }
+    int ValueOf(const char* key) const { return settings.numbers.at(key); }
     void NoteChange();
 
     // The entries, the oldest first.
@@ -55,7 +55,7 @@ private:
 
     void Save();
     std::string SettingsToWrite();
-    void Apply(const ::Setting& setting);
+    void Apply(const Setting& setting);
     Numbers SettingsOfEntries() const;
 
     ZqCalculator& calc;

@@ -69,6 +69,8 @@ class Paste(ScreenTest):
         console.has("ans = 4")
         console.send("3\n")
         console.ends_with("> 3+3", "ans = 6", ">")
+        console.send("+5\n")  # it comes in one piece, as no key does
+        console.ends_with("> +5", "ans = 5", ">")
 
     @unittest.skipUnless(HAS_EDITOR, "built without the editor")
     def test_a_hundred_thousand_lines(self):
