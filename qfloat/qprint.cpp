@@ -5,6 +5,7 @@
 #include "qlimb.h"
 #include "qregister.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -98,22 +99,24 @@ bool endsInRun(const uint64_t* fraction, int digits, char& digit) {
     return limb::isZero(others) || limb::leadingZeros(others) > 10 * digits / 3;
 }
 
-// Writes the first `digits` digits of the fraction. Returns how the rest compares with one half when the
-// digits alone tell, as they do where they end in zeros or nines; else 0, and the fraction is left as what
-// remains.
-int putFraction(uint64_t* fraction, int digits, char* out) {
-    while (digits > 0) {
+// Writes the first `digits` digits of the fraction. Where they end in zeros or nines, these tell how to round
+// (order as of compareHalf): nines are written as zeros, and the digits in front of them, whose number is
+// returned, are to be rounded up. Else order is 0, and the fraction is left as what remains.
+int putFraction(uint64_t* fraction, int digits, char* out, int& order) {
+    order = 0;
+    for (int written = 0; written < digits;) {
+        const int left = digits - written;
         char run = 0;
-        if (digits > CHUNK_DIGITS && endsInRun(fraction, digits + 1, run)) {
-            std::memset(out, run, static_cast<std::size_t>(digits));
-            return run == '0' ? -1 : 1;
+        if (left > CHUNK_DIGITS && endsInRun(fraction, left + 1, run)) {
+            std::memset(out + written, '0', static_cast<std::size_t>(left));
+            order = run == '0' ? -1 : 1;
+            return written;
         }
-        const int n = digits < CHUNK_DIGITS ? digits : CHUNK_DIGITS;
-        putChunk(limb::multiplyAdd(fraction, CHUNK_SCALE[n], 0), n, out);
-        out += n;
-        digits -= n;
+        const int n = std::min(left, CHUNK_DIGITS);
+        putChunk(limb::multiplyAdd(fraction, CHUNK_SCALE[n], 0), n, out + written);
+        written += n;
     }
-    return 0;
+    return digits;
 }
 
 char* putExponent(int k, char* out) {
@@ -199,13 +202,14 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     buffer[1] = static_cast<char>('0' + (y.limb[COUNT - 1] >> 60));
     buffer[2] = '.';
     limb::shiftUp(y.limb, 4);
-    int order = putFraction(y.limb, digits, buffer + 3);
+    int order = 0;
+    const int rounded = putFraction(y.limb, digits, buffer + 3, order);
     if (order == 0) {
         order = compareHalf(y.limb);
         if (!exact && nearHalf(y.limb, digits)) order = compareMidpoint(value, buffer, digits, k);
     }
     // A tie goes to the even digit; with no digit written, the point counts as even.
     const bool lastIsOdd = (buffer[2 + digits] & 1) != 0;
-    if (order > 0 || (order == 0 && lastIsOdd)) k += roundUp(buffer, digits);
+    if (order > 0 || (order == 0 && lastIsOdd)) k += roundUp(buffer, rounded);
     putExponent(k, buffer + 3 + digits);
 }
