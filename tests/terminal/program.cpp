@@ -92,9 +92,9 @@ void arrangeDescriptors(const Invocation& invocation, const Pipe& in, const Pipe
 // Feeds the program's input from the parent's side.
 class Feeder {
 public:
-    Feeder(const Invocation& invocation, int& descriptor)
+    Feeder(const Invocation& invocation, int& writeEnd)
         : chunk(invocation.input), times(invocation.input.empty() ? 0 : invocation.inputTimes),
-          descriptor(descriptor) {
+          descriptor(writeEnd) {
         setNonBlocking(descriptor);
         if (times == 0) Pipe::Shut(descriptor);
     }

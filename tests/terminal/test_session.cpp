@@ -136,8 +136,8 @@ TEST_F(SessionTest, ControlCThatComesTooLateForAnEntryEndsTheRunBehindItsAnswer)
 }
 
 TEST_F(SessionTest, AnAnswerThatCannotBeWrittenIsReported) {
-    Session session(-1, errors[1]);
-    EXPECT_EQ(session.Run("1"), Outcome::OutputLost);
+    Session unwritten(-1, errors[1]);
+    EXPECT_EQ(unwritten.Run("1"), Outcome::OutputLost);
 }
 
 TEST_F(SessionTest, ExitEndsTheSession) {
@@ -160,12 +160,12 @@ TEST_F(SessionTest, ClearClearsATerminalUnlessThatIsDumb) {
     const int slave = open(ptsname(master), O_RDWR | O_NOCTTY);
     ASSERT_GE(slave, 0);
     fcntl(master, F_SETFL, O_NONBLOCK);
-    Session session(slave, errors[1]);
+    Session shown(slave, errors[1]);
     setenv("TERM", "dumb", 1);
-    EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(shown.CarryOut("clear"), Outcome::Answered);
     EXPECT_EQ(Take(master), "");
     setenv("TERM", "xterm", 1);
-    EXPECT_EQ(session.CarryOut("clear"), Outcome::Answered);
+    EXPECT_EQ(shown.CarryOut("clear"), Outcome::Answered);
     EXPECT_EQ(Take(master), "\x1b[H\x1b[2J");
     close(slave);
     close(master);

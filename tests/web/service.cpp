@@ -15,7 +15,7 @@
 const char* const RESULT = "<div id=\"pod_0200\"><img title=\"8.047 km (kilometers)\" alt=\"other\"></div>";
 const char* const RESULT_TITLE = "8.047 km (kilometers)";
 
-Service::Service(std::string answer, Manner manner) : bytes(std::move(answer)), manner(manner) {
+Service::Service(std::string answer, Manner how) : bytes(std::move(answer)), manner(how) {
     std::signal(SIGPIPE, SIG_IGN); // a client may hang up first
     listener = socket(AF_INET, SOCK_STREAM, 0);
     fcntl(listener, F_SETFD, FD_CLOEXEC);
