@@ -260,7 +260,7 @@ std::string keepUnreadable(const std::string& path, std::error_code* reason, Sys
     std::string kept;
     const bool isReadable = readWholeFile(path, text, system);
     for (int number = 0; number < KEPT_FILES; number++) {
-        const std::string name = path + KEPT_NAME + (number == 0 ? "" : "." + std::to_string(number));
+        std::string name = path + KEPT_NAME + (number == 0 ? "" : "." + std::to_string(number));
         if (system.StatusOfLink(name.c_str(), info) == 0) {
             if (isReadable && readWholeFile(name, kept, system) && kept == text) return name;
             continue;

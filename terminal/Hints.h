@@ -24,7 +24,7 @@ std::string hintAfterError(std::string_view entry, ZqCalculator& calc);
 class Notes {
 public:
     // One line with its line feed, or nothing.
-    std::string For(std::string_view entry);
+    std::string For(std::string_view text);
 
 private:
     bool toldPowers = false;

@@ -45,7 +45,7 @@ private:
         return !charge || charge(work) || throw_exception1("unit string '%s' takes too long", text);
     }
     void ApplyFactor(double factor, int exponent);
-    bool AddNames(const std::vector<UnitPower>& names, int exponent);
+    bool AddNames(const std::vector<UnitPower>& powers, int exponent);
     void JoinNames();
     bool ApplyToken(const std::string& token);
 
