@@ -38,7 +38,7 @@ std::string answerTo(const std::string& bytes) {
 // A variable of the environment that has another value for a while.
 class Variable {
 public:
-    Variable(const char* name, const std::string& value) : name(name) {
+    Variable(const char* variable, const std::string& value) : name(variable) {
         const char* const found = std::getenv(name);
         existed = found != nullptr;
         if (existed) before = found;
