@@ -219,11 +219,11 @@ TEST(Streams, TheLocaleChangesNothing) {
 
 TEST(Streams, ControlCIsTheStatus130ForAShell) {
     for (const char* const run :
-         {"\"$0\" pause5000", "echo pause5000 | \"$0\"", "echo 1 | \"$0\" --each pause5000"}) {
+         {"\"$0\" 7 pause5000", "printf '7\\npause5000\\n' | \"$0\"", "echo 1 | \"$0\" 7 --each pause5000"}) {
         TerminalSetup setup;
-        setup.shellScript = std::string("trap : INT; echo ready; ") + run + "; echo status $?";
+        setup.shellScript = std::string("trap : INT; ") + run + "; echo status $?";
         Terminal terminal({}, setup);
-        terminal.ReadUntil("ready\n");
+        terminal.ReadUntil("ans = 7\n"); // before that the key may reach the shell alone
         const std::string shown = terminal.InterruptUntil("status 130\n");
         EXPECT_NE(shown.find("status 130\n"), std::string::npos) << run << ": " << shown;
     }
