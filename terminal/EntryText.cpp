@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "EntryText.h"
 
+#include "Helpers_String.h"
 #include "ShownText.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -43,4 +45,10 @@ std::string asLine(std::string_view text) {
     std::string line(text);
     if (!line.empty() && line.back() != '\n') line += '\n';
     return line;
+}
+
+std::string withoutBlanks(std::string_view text) {
+    std::string joined;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !isBlank(c); });
+    return joined;
 }

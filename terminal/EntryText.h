@@ -27,3 +27,6 @@ std::string_view faultMessage(EntryFault fault);
 
 // `text` with a line feed at its end, which some of the engine's messages lack; an empty text stays empty.
 std::string asLine(std::string_view text);
+
+// `text` without its blanks, tabs and line ends.
+std::string withoutBlanks(std::string_view text);

@@ -20,12 +20,6 @@ std::vector<std::string_view> linesOf(std::string_view text) {
     return lines;
 }
 
-std::string lowered(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase);
-    return lower;
-}
-
 // A line's text without the signs for code, bold and links.
 std::string withoutMarks(std::string_view line) {
     std::string text;
@@ -117,9 +111,9 @@ std::vector<std::string> guideTopics() {
 }
 
 std::string guideSection(std::string_view topic) {
-    const std::string wanted = lowered(topic);
+    const std::string wanted = lowerCased(std::string(topic));
     for (const std::string& title : guideTopics()) {
-        if (lowered(title).find(wanted) == std::string::npos) continue;
+        if (lowerCased(title).find(wanted) == std::string::npos) continue;
         const std::size_t start =
             GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
         const std::size_t end = std::min(GUIDE_TEXT.find("\n## ", start), GUIDE_TEXT.size());

@@ -2,6 +2,7 @@
 #include "Hints.h"
 
 #include "Commands.h"
+#include "EntryText.h"
 #include "Functions.h"
 #include "Helpers_String.h"
 #include "units.h"
@@ -25,12 +26,6 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-std::string withoutBlanks(std::string_view text) {
-    std::string joined;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !isBlank(c); });
-    return joined;
-}
-
 // How many letters have to be changed, put in, taken out or exchanged with their neighbour to make `b` of
 // `a`. (Damerau's distance in its restricted form; the rows of the usual table.)
 std::size_t distance(std::string_view a, std::string_view b) {
@@ -49,12 +44,6 @@ std::size_t distance(std::string_view a, std::string_view b) {
         last = row;
     }
     return last[b.size()];
-}
-
-std::string lowered(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), lowerCase);
-    return lower;
 }
 
 std::vector<std::string> namesOfVariables(const ZqCalculator& calc) {
@@ -210,13 +199,13 @@ std::string markUnder(std::string_view entry, TextRange range, std::size_t promp
 }
 
 std::string nearestName(std::string_view name, const std::vector<std::string>& names) {
-    const std::string wanted = lowered(name);
+    const std::string wanted = lowerCased(std::string(name));
     const std::string* nearest = nullptr;
     std::size_t least = wanted.size() > 4 ? 3 : 2;
     if (wanted.size() < 3) least = 1; // of a letter or two every name is near
     for (const std::string& candidate : names) {
         if (candidate.size() > wanted.size() + 2 || candidate.size() + 2 < wanted.size()) continue;
-        const std::size_t changes = distance(wanted, lowered(candidate));
+        const std::size_t changes = distance(wanted, lowerCased(candidate));
         if (changes >= least) continue;
         least = changes;
         nearest = &candidate;

@@ -34,14 +34,6 @@ constexpr const char* PROMPT = "> ";
 // One byte more than an entry may have tells an overlong line apart.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
-std::string withoutBlanks(std::string_view text) {
-    std::string kept(text);
-    kept.erase(
-        std::remove_if(kept.begin(), kept.end(), [](char c) { return c == ' ' || c == '\t' || c == '\n'; }),
-        kept.end());
-    return kept;
-}
-
 class Prompt : public PromptHost {
 public:
     Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how);
