@@ -5,6 +5,7 @@
 #include "FileKeeping.h"
 #include "Folder.h"
 
+#include <csignal>
 #include <utility>
 
 void Keeper::Open(const std::string& path) {
@@ -18,7 +19,7 @@ void Keeper::Open(const std::string& path) {
 }
 
 void Keeper::Close() {
-    writer.Finish();
+    Finish();
     Forget();
     settingsFile = definitionsFile = {};
     merge = {};
@@ -35,7 +36,7 @@ void Keeper::Forget() {
 // --- Reading ---
 
 std::string Keeper::Settings() {
-    writer.Finish();
+    Finish();
     std::string text;
     readWholeFile(settingsFile.path, text, system);
     return text;
@@ -47,7 +48,7 @@ void Keeper::KeepSettingsBeside() {
 
 std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     if (definitionsFile.path.empty()) return "";
-    writer.Finish();
+    Finish();
     const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
     if (!read.opened || read.damaged) KeepBeside(definitionsFile);
     // A line that was refused is no other program's: it is in the copy that was kept.
@@ -63,14 +64,13 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
 
 void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
     struct stat now = {};
-    if (definitionsFile.path.empty() || writer.IsBusy() ||
-        system.Status(definitionsFile.path.c_str(), now) != 0)
+    if (definitionsFile.path.empty() || isBusy || system.Status(definitionsFile.path.c_str(), now) != 0)
         return;
     const auto isSame = [&now](const struct stat& seen) {
         return now.st_ino == seen.st_ino && now.st_size == seen.st_size && now.st_mtime == seen.st_mtime;
     };
     if (isSame(std::exchange(definitionsSeen, now))) return;
-    writer.Finish();
+    Finish();
     std::string theirs;
     if (!readWholeFile(definitionsFile.path, theirs, system)) return;
     const std::string foreign = merge.TakeForeign(definitionsText(calc), theirs);
@@ -87,7 +87,7 @@ void Keeper::KeepBeside(File& file) {
     std::error_code reason;
     keepUnreadable(file.path, &reason, system);
     file.isOnlyCopy = static_cast<bool>(reason);
-    if (file.isOnlyCopy) writer.SetFailed(file.path, reason);
+    if (file.isOnlyCopy) file.SetFailed(reason);
 }
 
 // --- Writing ---
@@ -98,29 +98,51 @@ bool Keeper::MayWrite(File& file) {
     return !file.path.empty() && !file.isOnlyCopy;
 }
 
+// Starts to write the texts that are not empty, behind those of the call before.
+void Keeper::Write(std::string settings, std::string definitions) {
+    Finish();
+    makeFolder(folder, system); // it may have been taken away
+    if (!settings.empty() && !MayWrite(settingsFile)) settings.clear();
+    if (!definitions.empty() && !MayWrite(definitionsFile)) definitions.clear();
+    isBusy = true;
+    // Signals are for whoever waits for them, not for this thread: it takes over the mask.
+    sigset_t all, found;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &found);
+    worker = std::thread([this, settings = std::move(settings), definitions = std::move(definitions)] {
+        const auto note = [](File& file, bool isWritten, const std::error_code& reason) {
+            if (!isWritten) return file.SetFailed(reason);
+            file.failure.clear();
+            file.isTold = false;
+        };
+        std::error_code reason;
+        if (!settings.empty())
+            note(settingsFile, writeFileAtomically(settingsFile.path, settings, &reason, system), reason);
+        if (!definitions.empty())
+            note(definitionsFile, merge.Write(definitionsFile.path, definitions, reason, system), reason);
+        isBusy = false;
+    });
+    pthread_sigmask(SIG_SETMASK, &found, nullptr);
+}
+
+void Keeper::Finish() {
+    if (worker.joinable()) worker.join();
+}
+
 void Keeper::SaveSettings(const std::string& text) {
-    writer.Finish();
-    makeFolder(folder, system);
-    if (!text.empty() && MayWrite(settingsFile)) writer.Write({{settingsFile.path, text}});
-    writer.Finish();
+    Write(text, "");
+    Finish();
 }
 
 void Keeper::SaveDefinitions(const ZqCalculator& calc) {
     Forget();
     SaveBoth(calc, "");
-    writer.Finish();
+    Finish();
 }
 
 void Keeper::SaveBoth(const ZqCalculator& calc, const std::string& settings) {
-    writer.Finish();
     if (folder.empty()) return;
-    makeFolder(folder, system); // it may have been taken away
-    std::vector<FileToWrite> files;
-    if (!settings.empty() && MayWrite(settingsFile)) files.push_back({settingsFile.path, settings});
-    std::string text = isRunning ? std::exchange(textBefore, "") : definitionsText(calc);
-    if (!text.empty() && MayWrite(definitionsFile))
-        files.push_back({definitionsFile.path, std::move(text), &merge});
-    writer.Write(std::move(files));
+    Write(settings, isRunning ? std::exchange(textBefore, "") : definitionsText(calc));
     if (!isRunning) Forget();
 }
 
@@ -148,12 +170,31 @@ bool Keeper::IsDue() const {
 
 // --- What could not be written ---
 
+void Keeper::File::SetFailed(std::error_code reason) {
+    isTold = isTold && failure == reason;
+    failure = reason;
+}
+
 std::string Keeper::TakeNews() {
-    writer.Finish();
-    return writer.TakeNews();
+    Finish();
+    std::map<std::string, std::string> names; // by reasons
+    for (File* const file : {&definitionsFile, &settingsFile}) {
+        if (!file->failure || std::exchange(file->isTold, true)) continue;
+        std::string& text = names[file->failure.message()];
+        text += (text.empty() ? "" : ", ") + file->path.substr(folder.size() + 1);
+    }
+    std::string news;
+    for (const auto& [reason, text] : names) {
+        news += news.empty() ? "Not saved: " : ", ";
+        news.append(text).append(" (").append(reason).append(")");
+    }
+    return news;
 }
 
 std::string Keeper::TakeFailures() {
-    writer.Finish();
-    return writer.TakeFailures();
+    Finish();
+    definitionsFile.isTold = settingsFile.isTold = false;
+    std::string all = TakeNews();
+    definitionsFile.failure = settingsFile.failure = {};
+    return all;
 }

@@ -1,22 +1,27 @@
 // SPDX-License-Identifier: MIT
 //
 // What a front end keeps from one run to the next: the settings and the definitions, in two files of one
-// folder. It knows what is due to be written, writes it while the person goes on, and what could not be
-// written, and why.
+// folder. It knows what is due to be written, writes it while the person goes on (flushing a file takes
+// milliseconds, at times tenths of a second), and what could not be written, and why.
 #pragma once
 
-#include "BackgroundWriter.h"
 #include "DefinitionsMerge.h"
 #include "System.h"
 
+#include <atomic>
 #include <string>
+#include <system_error>
+#include <thread>
 
 class ZqCalculator;
 
 // One thread calls it, the one of the calculator. Nothing is written before Open and after Close.
 class Keeper {
 public:
-    explicit Keeper(System& calls = System::Real()) : system(calls), writer(calls) {}
+    explicit Keeper(System& calls = System::Real()) : system(calls) {}
+    ~Keeper() { Finish(); }
+    Keeper(const Keeper&) = delete;
+    Keeper& operator=(const Keeper&) = delete;
 
     // The files are in this folder now, which is made when it is missing, then and before each write. What
     // killed programs left of the files is removed.
@@ -75,21 +80,30 @@ public:
 
     // --- What could not be written ---
 
-    bool IsBusy() const { return writer.IsBusy(); } // something is still being written
-    void Finish() { writer.Finish(); }              // returns when nothing is
+    bool IsBusy() const { return isBusy; } // something is still being written
+    void Finish();                         // returns when nothing is
 
-    // See BackgroundWriter. They wait for what is being written.
+    // The failures that nobody was told of, as one line without an end, "Not saved: NAME, NAME (reason), NAME
+    // (other reason)" in UTF-8, or nothing. They count as told then, until the file has been written or fails
+    // for another reason. Waits for what is being written.
     std::string TakeNews();
+
+    // The same for all files whose last write failed, which are forgotten then.
     std::string TakeFailures();
 
 private:
     struct File {
         std::string path;        // empty: there is none
         bool isOnlyCopy = false; // it is damaged and could not be kept beside
+        std::error_code failure; // why it could not be written, the last time; the worker's until Finish
+        bool isTold = false;     // of that
+
+        void SetFailed(std::error_code reason);
     };
 
     void KeepBeside(File& file);
     bool MayWrite(File& file);
+    void Write(std::string settings, std::string definitions);
     void Forget();
 
     System& system;
@@ -107,5 +121,6 @@ private:
     System::Time textTime;
     System::Time::duration textCost{};
 
-    BackgroundWriter writer; // the last member: it may use the others until it ends
+    std::thread worker; // writes
+    std::atomic<bool> isBusy{false};
 };

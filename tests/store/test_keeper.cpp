@@ -181,6 +181,44 @@ TEST_F(Kept, IsWrittenWithTheNextChangeWhenItCouldNotBeWritten) {
     EXPECT_EQ("", keeper.TakeNews());
 }
 
+TEST_F(Kept, IsTheLastOfManyTexts) {
+    for (int i = 0; i < 50; i++) keeper.SaveBoth(*calc, std::to_string(i));
+    keeper.Finish();
+    EXPECT_EQ("49", SettingsFile());
+}
+
+TEST_F(Kept, IsWrittenWhenTheKeeperGoesAway) {
+    {
+        Keeper another;
+        another.Open(folder.File("Tallyquill"));
+        another.SaveBoth(*calc, std::string(1000000, 'x'));
+    }
+    EXPECT_EQ(1000000U, SettingsFile().size());
+}
+
+TEST_F(Kept, IsInTheOtherFileWhenOneCannotBeWritten) {
+    std::filesystem::create_directory(File("pelmo_settings.plist"));
+    Enter("a=1");
+    SaveBoth();
+    keeper.Finish();
+    EXPECT_TRUE(Holds("\na=1\n"));
+    EXPECT_EQ("Not saved: pelmo_settings.plist" + Reason(EISDIR), keeper.TakeFailures());
+    EXPECT_EQ("", keeper.TakeFailures());
+}
+
+TEST_F(Kept, IsToldOfAgainWhenItCouldBeWrittenMeanwhile) {
+    const auto hasNews = [this](int error) {
+        system.writingError = error;
+        SaveBoth();
+        return !keeper.TakeNews().empty();
+    };
+    EXPECT_TRUE(hasNews(ENOSPC));
+    EXPECT_FALSE(hasNews(ENOSPC));
+    EXPECT_FALSE(hasNews(0));
+    EXPECT_TRUE(hasNews(ENOSPC));
+    EXPECT_FALSE(hasNews(ENOSPC));
+}
+
 // --- What is damaged ---
 
 TEST_F(Kept, IsSaidToBeDamagedAndIsKeptBeside) {
