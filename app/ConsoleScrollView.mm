@@ -21,7 +21,7 @@ struct Place {
     if (!text || length == 0 || NSMaxY(seen) + [[text font] pointSize] / 2 >= NSMaxY([text frame])) return {};
     Place place;
     place.isEnd = false;
-    place.character = characterAt(text, NSMakePoint(1, NSMinY(seen) + 1), NULL);
+    place.character = characterAt(text, NSMakePoint(1, NSMinY(seen) + 1)).character;
     place.out = NSMinY(seen) - topOfLine(text, place.character);
     return place;
 }

@@ -20,8 +20,12 @@ NSTextField* labelIn(NSView* view, NSString* text, NSRect frame);
 // Puts a text view into a scroll view with our scroller. The text is as wide as the view.
 void scrollText(NSScrollView* scroll, NSTextView* text);
 
-// The character at a place of the view, and how far into it the place is (0 to 1; `fraction` may be null).
-NSUInteger characterAt(NSTextView* text, NSPoint place, CGFloat* fraction);
+// The character at a place of the view, and how far into it the place is (0 to 1).
+struct CharacterPlace {
+    NSUInteger character;
+    CGFloat fraction;
+};
+CharacterPlace characterAt(NSTextView* text, NSPoint place);
 
 CGFloat topOfLine(NSTextView* text, NSUInteger character); // of the line it is in, in the view
 

@@ -60,14 +60,15 @@ void scrollText(NSScrollView* scroll, NSTextView* text) {
     [scroll setDocumentView:text];
 }
 
-NSUInteger characterAt(NSTextView* text, NSPoint place, CGFloat* fraction) {
-    CGFloat unused = 0;
+CharacterPlace characterAt(NSTextView* text, NSPoint place) {
+    CharacterPlace found = {};
     const NSPoint origin = [text textContainerOrigin];
     NSLayoutManager* const layout = [text layoutManager];
     const NSUInteger glyph = [layout glyphIndexForPoint:NSMakePoint(place.x - origin.x, place.y - origin.y)
                                         inTextContainer:[text textContainer]
-                         fractionOfDistanceThroughGlyph:fraction ? fraction : &unused];
-    return [layout characterIndexForGlyphAtIndex:static_cast<unsigned>(glyph)];
+                         fractionOfDistanceThroughGlyph:&found.fraction];
+    found.character = [layout characterIndexForGlyphAtIndex:static_cast<unsigned>(glyph)];
+    return found;
 }
 
 CGFloat topOfLine(NSTextView* text, NSUInteger character) {

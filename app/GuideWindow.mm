@@ -219,7 +219,7 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
 // GNUstep's text view looks for no links.
 - (void)mouseDown:(NSEvent*)event {
     const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
-    const NSUInteger index = characterAt(self, place, NULL);
+    const NSUInteger index = characterAt(self, place).character;
     id link = nil;
     if (index < [[self textStorage] length] && NSPointInRect(place, [self inkOf:index]))
         link = [[self textStorage] attribute:NSLinkAttributeName atIndex:index effectiveRange:NULL];

@@ -17,7 +17,7 @@ static const useconds_t FLASH = 80000; // microseconds
 
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
     // Copy works without a selection, and the others decide for themselves.
-    const SEL action = [item action];
+    SEL action = [item action];
     if (sel_isEqual(action, @selector(copyAnswer:))) return !calc.answer.shown.empty();
     if ([@[ @"copy:", @"cut:", @"paste:", @"undo:" ] containsObject:NSStringFromSelector(action)]) return YES;
     if (sel_isEqual(action, @selector(redo:))) return [[self undoManager] canRedo];
@@ -117,10 +117,8 @@ static const useconds_t FLASH = 80000; // microseconds
 // What a click does whose button is up again already: the cursor, a word or a line, as often as it was
 // clicked.
 - (void)click:(NSEvent*)event {
-    CGFloat fraction = 0;
-    const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
-    NSUInteger character = characterAt(self, place, &fraction);
-    if (fraction > 0.5) character++;
+    const CharacterPlace place = characterAt(self, [self convertPoint:[event locationInWindow] fromView:nil]);
+    NSUInteger character = place.character + (place.fraction > 0.5 ? 1 : 0);
     character = std::min(character, [[self string] length]);
     const NSSelectionGranularity units[] = {NSSelectByCharacter, NSSelectByWord, NSSelectByParagraph};
     const NSInteger clicks = std::max<NSInteger>(1, std::min<NSInteger>([event clickCount], 3));

@@ -103,7 +103,7 @@
 }
 
 - (void)tellFailedWritingAfter:(NSTimeInterval)delay {
-    const SEL tell = @selector(tellFailedWriting);
+    SEL tell = @selector(tellFailedWriting);
     [NSObject cancelPreviousPerformRequestsWithTarget:self selector:tell object:nil];
     [self performSelector:tell withObject:nil afterDelay:delay];
 }

@@ -60,7 +60,7 @@ struct KeyEffect {
     bool goesToEnd = false; // the cursor, and into view
     std::optional<EntryRange> select = std::nullopt;
     Edit edit = Edit::None;
-    std::string text = ""; // an 8-bit string
+    std::string text; // an 8-bit string
     std::optional<EntryRange> selectAfter = std::nullopt;
     Then then = Then::Preview;
 };

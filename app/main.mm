@@ -43,5 +43,6 @@ int main(int argc, const char** argv) {
     waitingToOpenFilenames = [platformFileArguments(argc, argv) mutableCopy];
     [pool release];
     [NSApp run]; // the end comes as applicationWillTerminate:, and exits
+    [delegate release];
     return 0;
 }

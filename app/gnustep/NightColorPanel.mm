@@ -32,10 +32,10 @@ static void drawSlider(id cell, SEL, NSRect frame, NSView* view) {
 // sliders.
 static void makeTitlesLegible() {
     const Class cells = NSClassFromString(@"GSColorSliderCell");
-    const SEL theirs = @selector(drawWithoutTitle:inView:);
+    SEL theirs = @selector(drawWithoutTitle:inView:);
     if (!cells || class_getInstanceMethod(cells, theirs)) return;
-    const SEL selector = @selector(drawInteriorWithFrame:inView:);
-    const Method method = class_getInstanceMethod(cells, selector);
+    SEL selector = @selector(drawInteriorWithFrame:inView:);
+    Method method = class_getInstanceMethod(cells, selector);
     const char* const types = method_getTypeEncoding(method);
     class_addMethod(cells, theirs, method_getImplementation(method), types);
     class_replaceMethod(cells, selector, reinterpret_cast<IMP>(drawSlider), types);
@@ -46,8 +46,8 @@ static void makeTitlesLegible() {
 @implementation NSColorPicker (NightTabs)
 
 + (void)load {
-    const SEL selector = @selector(provideNewButtonImage);
-    const Method ours = class_getInstanceMethod(self, @selector(nightButtonImage));
+    SEL selector = @selector(provideNewButtonImage);
+    Method ours = class_getInstanceMethod(self, @selector(nightButtonImage));
     class_replaceMethod(self, selector, method_getImplementation(ours), method_getTypeEncoding(ours));
 }
 
