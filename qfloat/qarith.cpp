@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Copy, sign, compare, add, subtract, multiply, divide.
+#include "qexact.h"
 #include "qfloat.h"
 #include "qlimb.h"
 #include "qregister.h"
@@ -269,7 +270,7 @@ void qmul(const qfloat a, const qfloat b, qfloat c) {
     } else if (hasOneWord(y)) {
         limb::multiplyLimb(x, y[5], x);
     } else {
-        limb::multiply(x, y, x);
+        limb::multiplyExactly(x, y, x);
     }
     int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
@@ -316,7 +317,7 @@ void qdiv(const qfloat a, const qfloat b, qfloat c) {
         limb::shiftDown(y, 1); // below the divisor; the bit goes into the guard
         ++exponent;
     }
-    limb::divide(y, x, y);
+    limb::divideExactly(y, x, y);
     const uint32_t sign = productSign(a, b);
     if (finish(y, exponent)) {
         storeProduct(sign, exponent, 1, y, c);

@@ -98,16 +98,15 @@ void qadd(const qfloat a, const qfloat b, qfloat c);
 // c = b - a (subtrahend first).  As qadd.
 void qsub(const qfloat a, const qfloat b, qfloat c);
 
-// c = a * b.  Within 0.5000001 units of the last place (the partial products below the guard word are left
-// out; rounding is half up on the guard word); correctly rounded when an operand has a one-word mantissa.
+// c = a * b.  The number nearest to the product; a product half way between two numbers goes away from zero.
 void qmul(const qfloat a, const qfloat b, qfloat c);
 
-// c = a * b where only the first mantissa word of a counts.  Correctly rounded (half up).
+// c = a * b where only the first mantissa word of a counts.  Rounded as qmul.
 void qmuli(const qfloat a, const qfloat b, qfloat c);
 
-// c = b / a (divisor first).  Within 0.5000001 units of the last place; correctly rounded (half up) when the
-// divisor has a one-word mantissa.  0 / a = 0 for any a, zero included; b / 0 sets merror = 2 and gives the
-// overflow value, c's sign word keeping what it held.
+// c = b / a (divisor first).  The number nearest to the quotient, which is never half way between two
+// numbers. 0 / a = 0 for any a, zero included; b / 0 sets merror = 2 and gives the overflow value, c's sign
+// word keeping what it held.
 void qdiv(const qfloat a, const qfloat b, qfloat c);
 
 // ---------------------------------------------------------------------------------------------------------
@@ -139,7 +138,7 @@ void qdecexp(qfloat q, int64_t n);
 // Elementary functions.  Errors are in units of the last place of the true result, measured against 700 bits
 // (docs/accuracy.md).
 
-// y = the square root of x.  Within 0.5000001 (measured 0.5000000); exact squares give exact roots.
+// y = the square root of x: the number nearest to it, which is never half way between two numbers.
 // A negative zero gives a negative zero; any other negative x: 0, merror = 1.
 void qsqrt(const qfloat x, qfloat y);
 

@@ -2,51 +2,13 @@
 #include "qlimb.h"
 
 #include "qfloat.h"
+#include "qproduct.h"
 #include "qregister.h"
 
 namespace limb {
 #if !TALLYQUILL_INT128
 inline namespace portable {
 #endif
-
-namespace {
-
-// A column sum of three limbs.
-struct Column {
-    uint64_t low = 0, middle = 0, high = 0;
-
-    void Add(uint64_t x, uint64_t y) {
-        uint64_t above;
-        uint64_t carry = 0;
-        low = addCarry(low, multiply(x, y, above), carry);
-        middle = addCarry(middle, above, carry);
-        high += carry;
-    }
-
-    // Takes the finished lowest limb off.
-    uint64_t Next() {
-        const uint64_t done = low;
-        low = middle;
-        middle = high;
-        high = 0;
-        return done;
-    }
-
-    void Twice() {
-        high = (high << 1) | (middle >> 63);
-        middle = (middle << 1) | (low >> 63);
-        low <<= 1;
-    }
-
-    void Add(const Column& other) {
-        uint64_t carry = 0;
-        low = addCarry(low, other.low, carry);
-        middle = addCarry(middle, other.middle, carry);
-        high += other.high + carry;
-    }
-};
-
-} // namespace
 
 void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];

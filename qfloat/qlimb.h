@@ -106,7 +106,7 @@ inline int leadingZeros(uint64_t x) {
     return __builtin_clzll(x);
 #else
     int n = 0;
-    for (; !(x & topBit); x <<= 1) ++n;
+    for (; !(x & TOP_BIT); x <<= 1) ++n;
     return n;
 #endif
 }

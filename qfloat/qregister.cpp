@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "qregister.h"
 
+#include "qexact.h"
 #include "qfloat.h"
 #include "qlimb.h"
 
@@ -120,7 +121,7 @@ void mulm(const uint32_t* x, uint32_t* y) {
     uint64_t a[limb::COUNT], b[limb::COUNT];
     limb::load(x, a);
     limb::load(y, b);
-    limb::multiply(a, b, b);
+    limb::multiplyExactly(a, b, b);
     storeRegister(b, y);
     mdnorm(y);
 }
@@ -141,7 +142,7 @@ void divm(const uint32_t* x, uint32_t* y) {
     limb::shiftUp(d, zeros);
     loadRegister(y, n);
     limb::shiftDown(n, 2); // now below the divisor
-    limb::divide(n, d, n);
+    limb::divideExactly(n, d, n);
     storeRegister(n, y);
     mdnorm(y);
 }
