@@ -5,13 +5,11 @@
 
 #include "Builtins.h"
 #include "Helpers_String.h"
-#include "units.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
 
 constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
 
@@ -37,20 +35,15 @@ static std::string_view unitName(std::string_view text) {
     return text.substr(head.size(), text.find('=') - head.size());
 }
 
-std::vector<std::string_view> splitStatements(std::string_view line) {
-    std::vector<std::string_view> statements;
-    size_t start = 0;
-    while (statements.size() < MAX_STATEMENTS) {
-        const size_t end = line.find(';', start);
-        const bool isLast = end == std::string::npos;
-        std::string_view statement = line.substr(start, isLast ? end : end - start);
-        statement = statement.substr(0, statement.find('#'));
-        const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string::npos;
-        if (!(isLast && isBlank && start > 0)) statements.push_back(statement);
-        if (isLast) break;
-        start = end + 1;
-    }
-    return statements;
+bool Statements::Next(std::string_view& statement) {
+    if (isOver || number == MAX_STATEMENTS) return false;
+    const size_t end = rest.find(';');
+    isOver = end == std::string_view::npos;
+    statement = rest.substr(0, end);
+    statement = statement.substr(0, statement.find('#'));
+    if (!isOver) rest.remove_prefix(end + 1);
+    const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string_view::npos;
+    return number++ == 0 || !isOver || !isBlank;
 }
 
 // From a place counted without blanks, in one of the entry's statements, to the place in the entry's text.
@@ -84,7 +77,7 @@ ZqCalculator::ZqCalculator() : unitLines(unitDefs, unitName, undo, work.indexed)
 void ZqCalculator::InitializeFunctionsAndVars() {
     InitializeVarsList();
     srand(static_cast<unsigned>(clock()));
-    const EntrySettings before = *this;
+    const EntrySettings settings = *this;
     european = tenKey = false; // definitions are written with ',' and signs in front
     for (const Builtin& builtin : builtinTable()) {
         std::string arguments = builtin.arguments;
@@ -93,7 +86,7 @@ void ZqCalculator::InitializeFunctionsAndVars() {
         else
             funcs.AddFunction(builtin.name, arguments.data(), nullptr);
     }
-    static_cast<EntrySettings&>(*this) = before;
+    static_cast<EntrySettings&>(*this) = settings;
     message[0] = '\0';
     initialized = true;
 }
@@ -106,11 +99,10 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
     std::string entry = line ? line : "";
     removeLineEnd(entry);
     if (fullEntry) BeginEntry(entry);
-    const std::vector<std::string_view> statements = splitStatements(entry);
     if (fullEntry && interruptCheck)
-        RunOrTakeBack(entry, statements);
+        RunOrTakeBack(entry);
     else
-        RunStatements(entry, statements);
+        RunStatements(entry);
     spending.budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
@@ -135,31 +127,40 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 }
 
 // An interrupted entry changes nothing.
-void ZqCalculator::RunOrTakeBack(std::string_view entry, const std::vector<std::string_view>& statements) {
+void ZqCalculator::RunOrTakeBack(std::string_view entry) {
+    KeepForUndo();
     undo.Begin();
-    undo.Add([this, settings = EntrySettings(*this), variable = target, kept = answer, name = lastName,
-              text = std::string(lastAnswer)] {
-        static_cast<EntrySettings&>(*this) = settings;
-        target = variable;
-        answer = kept;
-        lastName = name; // of a variable, which comes back as the same term
-        copyText(lastAnswer, text);
-    });
+    undo.Add([this] { TakeBack(); });
     funcs.RecordIn(&undo);
-    units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
-    RunStatements(entry, statements);
+    RunStatements(entry);
     funcs.RecordIn(nullptr);
-    units_record_changes({});
     if (interrupted) undo.TakeBack();
     undo.End();
 }
 
-void ZqCalculator::RunStatements(std::string_view entry, const std::vector<std::string_view>& statements) {
-    for (const std::string_view statement : statements) {
+void ZqCalculator::KeepForUndo() {
+    static_cast<EntrySettings&>(before) = *this;
+    before.target = target;
+    before.lastName = lastName;
+    before.answer = answer;
+    before.lastAnswer = lastAnswer;
+}
+
+void ZqCalculator::TakeBack() {
+    static_cast<EntrySettings&>(*this) = before;
+    target = before.target;
+    lastName = before.lastName;
+    answer = before.answer;
+    copyText(lastAnswer, before.lastAnswer);
+}
+
+void ZqCalculator::RunStatements(std::string_view entry) {
+    Statements statements(entry);
+    for (std::string_view statement; statements.Next(statement);) {
         resultLine[0] = '\0';
         overflowed = false;
         status = spending.AskForInterruption();
-        if (status == STATUS_RESULT) status = Calculate(std::string(statement).c_str());
+        if (status == STATUS_RESULT) status = Evaluate(statement);
         if (status == STATUS_RESULT) status = ShowResult();
         errorRange = status == STATUS_ERROR ? rangeInEntry(errorRange, statement, entry) : TextRange();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
@@ -171,7 +172,9 @@ int ZqCalculator::ShowResult() {
     if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
     const std::string text = fullEntry ? answer.Keep(entryLine, target->text, result, *this)
                                        : shownNumber(result, *this, strlen(target->text));
-    copyText(resultLine, std::string(target->text) + " = " + text + "\n");
+    std::string line = target->text;
+    line.append(" = ").append(text).push_back('\n');
+    copyText(resultLine, line);
     overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;
     lastName = target->text;
@@ -180,19 +183,24 @@ int ZqCalculator::ShowResult() {
 }
 
 int ZqCalculator::Calculate(const char* statement) {
+    return Evaluate(statement);
+}
+
+int ZqCalculator::Evaluate(std::string_view text) {
     work = WorkCounters();
     errorRange = TextRange();
     skipped = 0;
     merror = 0;
-    int state = ProcessStr(statement);
+    int state = Read(text);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {
         // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is
         // reported by the first operation.
         if (merror == MATH_UNDERFLOW) merror = 0;
-        const std::unique_ptr<node*[]> order(new node*[static_cast<size_t>(opCount) + 1]);
-        opOrder = order.get();
-        OrderOperatorStack();
+        orderOperators(terms, order);
+        work.ordered += static_cast<uint64_t>(terms.count);
+        order.push_back(nullptr);
+        opOrder = order.data();
         state = ProcTermsLoop();
         opOrder = nullptr;
         if (state != 0) reportPrintedInfinity(*this);
@@ -218,14 +226,18 @@ int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
 }
 
 int ZqCalculator::ProcessStr(const char* statement) {
+    return Read(statement);
+}
+
+int ZqCalculator::Read(std::string_view statement) {
     terms.Clear();
     if (!vars.first) InitializeVarsList();
     DiscardNewTarget();
     target = vars.first;
-    if (strlen(statement) >= TEXT_SIZE) {
+    if (statement.size() >= TEXT_SIZE) {
         return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
     }
-    std::string text = trimStatement(statement);
+    std::string text(trimStatement(statement));
     if (fullEntry) {
         const int state = commands.Run(text);
         if (state != Commands::NO_COMMAND) return state;
@@ -242,11 +254,7 @@ int ZqCalculator::VerifyTermsSyntax() {
 }
 
 void ZqCalculator::OrderOperatorStack() {
-    std::vector<node*> nodes;
-    nodes.reserve(static_cast<size_t>(terms.count));
-    for (node* term = terms.first; term; term = term->next) nodes.push_back(term);
-    work.ordered += nodes.size();
-    node** next = opOrder;
-    for (int32_t position : orderOperators(terms)) *next++ = nodes[static_cast<size_t>(position)];
-    *next = nullptr;
+    orderOperators(terms, order);
+    work.ordered += static_cast<uint64_t>(terms.count);
+    *std::copy(order.begin(), order.end(), opOrder) = nullptr;
 }

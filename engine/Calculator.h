@@ -27,13 +27,23 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 constexpr int MAX_STATEMENTS = 999;
 
-// The statements between the semicolons of a line, without their comments. What stands behind the last
-// semicolon is no statement when it is blank.
-std::vector<std::string_view> splitStatements(std::string_view line);
+// The statements between the semicolons of a line, one by one, without their comments. What stands behind the
+// last semicolon is no statement when it is blank. The text has to live longer.
+class Statements {
+public:
+    explicit Statements(std::string_view line) : rest(line) {}
+
+    // False when there is none left.
+    bool Next(std::string_view& statement);
+
+private:
+    std::string_view rest;
+    int number = 0;
+    bool isOver = false;
+};
 
 class ZqCalculator : public EntrySettings, public Statement, public Outcome {
 public:
@@ -153,16 +163,29 @@ public:
     void InitializeVarsList() { variables.Reset(); }
 
 private:
+    // What an interrupted entry puts back.
+    struct Before : EntrySettings {
+        node* target = nullptr;
+        char* lastName = nullptr; // of a variable, which comes back as the same term
+        Answer answer;
+        std::string lastAnswer;
+    };
+
     Undo undo;
+    Before before;
 
     // They hand over what VariableExists and UnitExists find, and bring their indexes up to date for that.
     mutable Variables variables{vars, *this, *this, undo, work};
     mutable NamedTerms unitLines;
 
-    void RunOrTakeBack(std::string_view entry, const std::vector<std::string_view>& statements);
+    void RunOrTakeBack(std::string_view entry);
     void BeginEntry(std::string& entry);
-    void RunStatements(std::string_view entry, const std::vector<std::string_view>& statements);
+    void RunStatements(std::string_view entry);
+    void KeepForUndo();
+    void TakeBack();
     int ShowResult();
+    int Evaluate(std::string_view text);
+    int Read(std::string_view text);
 
     Spending spending{*this, *this, interruptCheck, work};
     EntryContext context{*this, *this, *this, variables, spending, work};

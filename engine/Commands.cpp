@@ -225,11 +225,16 @@ int showFunction(Commands& c, const CommandText& text) {
 
 // --- Reading a statement ---
 
+std::string_view firstWord(std::string_view statement) {
+    const std::string_view head = statement.substr(0, COMMAND_LENGTH);
+    return head.substr(0, head.find_first_of(" \t\r\n"));
+}
+
 CommandText readCommand(const std::string& statement) {
     CommandText text;
     text.statement = statement;
     text.lower = lowerCased(statement.substr(0, COMMAND_LENGTH));
-    text.word = text.lower.substr(0, text.lower.find_first_of(" \t\r\n"));
+    text.word = firstWord(text.lower);
     const size_t start = statement.find_first_not_of(" \t", statement.find_first_of(" \t\r\n"));
     if (start != std::string::npos) {
         text.argument = statement.substr(start, statement.find_first_of("\r\n", start) - start);
@@ -305,11 +310,14 @@ const std::vector<Command>& commandTable() {
 }
 
 int Commands::Run(const std::string& typed) {
-    if (typed.empty() || !isLetter(typed[0])) return NO_COMMAND; // as most entries
+    if (!isValidName(firstWord(typed))) return NO_COMMAND; // as most entries
     CommandText text = readCommand(typed);
-    if (!isValidName(text.word)) return NO_COMMAND;
     for (const Command& command : commandTable()) {
-        if (matches(command, text)) return command.run(*this, text);
+        if (!matches(command, text)) continue;
+        units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });
+        const int status = command.run(*this, text);
+        units_record_changes({});
+        return status;
     }
     return NO_COMMAND;
 }

@@ -72,7 +72,9 @@ static void addParameters(Function* function, char* argText) {
     while (argText && *argText && *argText != ',') {
         char* comma = strchr(argText, ',');
         if (comma) *comma = '\0';
-        function->args.Push(strDuplicate(argText))->type = TERM_NAME;
+        node* const parameter = function->args.Add();
+        parameter->SetText(argText);
+        parameter->type = TERM_NAME;
         function->argCount++;
         argText = comma ? comma + 1 : nullptr;
     }
@@ -89,6 +91,15 @@ static void bindParameters(Function* function) {
             term->type == TERM_NAME && term->text ? positions.find(term->text) : positions.end();
         function->parameters.push_back(found == positions.end() ? -1 : found->second);
     }
+}
+
+static void orderBody(Function* function) {
+    std::unordered_map<const node*, int32_t> positions;
+    for (const node* term = function->body->first; term; term = term->next)
+        positions.emplace(term, static_cast<int32_t>(positions.size()));
+    std::vector<node*> order;
+    orderOperators(*function->body, order);
+    for (const node* op : order) function->order.push_back(positions[op]);
 }
 
 Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool builtin) const {
@@ -143,7 +154,7 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         function->body = new Deq;
         body->CopyTo(function->body);
         bindParameters(function.get());
-        function->order = orderOperators(*function->body);
+        orderBody(function.get());
     }
     Function* const added = function.get();
     const uint64_t number = ++lastNumber;

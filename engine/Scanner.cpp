@@ -8,12 +8,11 @@
 #include <algorithm>
 #include <cstring>
 
-std::string trimStatement(const char* statement) {
-    std::string text = statement;
-    text.erase(0, text.find_first_not_of(" \t\r\n\v\f"));
-    text.resize(std::min(text.size(), text.find(';')));
-    text.resize(text.find_last_not_of(" \t\r\n") + 1);
-    return text;
+std::string_view trimStatement(std::string_view statement) {
+    std::string_view text = statement.substr(0, statement.find('\0'));
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size()));
+    text = text.substr(0, text.find(';'));
+    return text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
 }
 
 static bool isSpaceOrTab(char c) {
@@ -200,8 +199,12 @@ void Scanner::ScanTerms(const std::string& text) {
     size_t pos = 0;
     while (pos < view.size()) {
         const int code = isOp(text.c_str() + pos);
+        if (code == 0) {
+            pos++;
+            continue;
+        }
         const std::string_view operand = view.substr(start, pos - start);
-        bool isPart = code == 0;
+        bool isPart = false;
         if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
         if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
             (hasSign || !IsValueName(operand))) {
@@ -218,7 +221,7 @@ void Scanner::ScanTerms(const std::string& text) {
         if (code == OP_CLOSE && !isCall.empty()) isCall.pop_back();
         if (code == OP_UNIT_MARK) inUnit = true;
         if (code == OP_CLOSE) inUnit = false;
-        node* const term = terms.Push(new node);
+        node* const term = terms.Add();
         term->type = code;
         Locate(term, pos, strlen(getOp(code).text), inSource);
         if (code == OP_UNIT_MARK) inSource = true;
@@ -249,7 +252,7 @@ bool Scanner::IsFunctionName(const std::string& name) const {
 void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
     if (text.empty()) return;
     work.looked += text.size();
-    node* term = statement.terms.Push(new node);
+    node* term = statement.terms.Add();
     lookedUp = text;
     qfloat value;
     const bool isName = (isUnit && std::any_of(text.begin(), text.end(), isLetter)) ||
@@ -257,11 +260,11 @@ void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParen
     if (!isName && ReadNumber(lookedUp, value)) {
         term->type = TERM_NUMBER;
         term->SetValue(value);
-        if (text.substr(0, 2) == "0x") term->text = strDuplicate(text);
+        if (text.substr(0, 2) == "0x") term->SetText(text);
     } else {
         const bool isCall = !isName && beforeParenthesis && IsFunctionName(lookedUp);
         term->type = isCall ? TERM_FUNC : TERM_NAME;
-        term->text = strDuplicate(text);
+        term->SetText(text);
     }
 }
 

@@ -46,7 +46,7 @@ private:
 
 // The statement without leading white space, without what follows its first ';', and without trailing blanks
 // and line ends.
-std::string trimStatement(const char* statement);
+std::string_view trimStatement(std::string_view statement);
 
 // Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi, of the same length.
 void markConversion(std::string& text);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 struct Statement {
     bool fullEntry = true;    // false: a quick preview, which stores, defines and runs nothing
@@ -17,6 +18,8 @@ struct Statement {
     int32_t reorder = 0;      // set by a function call that rewrote `terms`
     int32_t skipped = 0;      // characters in front of the terms, blanks not counted: "name=" or "f(x)="
     node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
+
+    std::vector<node*> order; // what opOrder of a statement that runs is made of
 
     std::string entryLine; // the full entry that it is in, or that ran last
 

@@ -88,31 +88,38 @@ int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
     return 0;
 }
 
-// Counts how many operators each level and precedence has, and deals them out: the work grows with the number
-// of terms, whatever their levels.
-std::vector<int32_t> orderOperators(const Deq& terms) {
+// Greater for what is applied earlier, but for the places in the list.
+static int32_t orderKey(const node* term) {
     constexpr int32_t ROWS = MAX_PRECEDENCE + 1;
-    struct Operator {
-        int32_t position;
-        int32_t key; // greater for what is applied earlier, but for the places in the list
-    };
-    std::vector<Operator> operators;
-    operators.reserve(static_cast<size_t>(terms.count));
-    int32_t position = 0;
+    return std::max(term->level, 0) * ROWS + MAX_PRECEDENCE - getOp(term->type).precedence;
+}
+
+// A short list is sorted by insertion. Of a long one it is counted how many operators each key has, and they
+// are dealt out: the work grows with the number of terms, whatever their levels.
+void orderOperators(const Deq& terms, std::vector<node*>& order) {
+    constexpr size_t SHORT = 16;
+    order.clear();
     int32_t highest = 0;
-    for (const node* term = terms.first; term; term = term->next, position++) {
-        const int32_t precedence = getOp(term->type).precedence;
-        if (precedence == 0 || term->type == OP_CLOSE) continue;
-        const int32_t key = std::max(term->level, 0) * ROWS + MAX_PRECEDENCE - precedence;
-        operators.push_back({position, key});
-        highest = std::max(highest, key);
+    for (node* term = terms.first; term; term = term->next) {
+        if (getOp(term->type).precedence == 0 || term->type == OP_CLOSE) continue;
+        order.push_back(term);
+        highest = std::max(highest, orderKey(term));
     }
-    if (operators.size() == 1) return {operators[0].position};
+    if (order.size() <= SHORT) {
+        for (size_t i = 1; i < order.size(); i++) {
+            node* const term = order[i];
+            size_t place = i;
+            for (; place > 0 && orderKey(order[place - 1]) < orderKey(term); place--)
+                order[place] = order[place - 1];
+            order[place] = term;
+        }
+        return;
+    }
     std::vector<size_t> places(static_cast<size_t>(highest) + 2);
-    const auto place = [&](const Operator& op) { return places.begin() + (highest - op.key); };
-    for (const Operator& op : operators) place(op)[1]++;
+    const auto place = [&](const node* term) { return places.begin() + (highest - orderKey(term)); };
+    for (const node* term : order) place(term)[1]++;
     std::partial_sum(places.begin(), places.end(), places.begin());
-    std::vector<int32_t> order(operators.size());
-    for (const Operator& op : operators) order[(*place(op))++] = op.position;
-    return order;
+    std::vector<node*> dealt(order.size());
+    for (node* term : order) dealt[(*place(term))++] = term;
+    order.swap(dealt);
 }

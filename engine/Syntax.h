@@ -16,6 +16,6 @@ struct WorkCounters;
 // its left, as in 2^-3, stands a level higher, with the group behind it. Returns 0, or -1 with a message.
 int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work);
 
-// The positions of the operators among checked terms, in the order in which they are applied: highest level
+// Puts the operators among checked terms into `order`, in the order in which they are applied: highest level
 // first, then by precedence, then from left to right. It visits each term once.
-std::vector<int32_t> orderOperators(const Deq& terms);
+void orderOperators(const Deq& terms, std::vector<node*>& order);

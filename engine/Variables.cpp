@@ -6,7 +6,7 @@
 std::unique_ptr<node> makeTerm(std::string_view name) {
     auto variable = std::make_unique<node>();
     variable->type = TERM_NAME;
-    variable->text = strDuplicate(name);
+    variable->SetText(name);
     return variable;
 }
 

@@ -33,15 +33,15 @@ constexpr uint8_t OPERATOR_COUNT = sizeof ops / sizeof ops[0] - 1;
 // Looking up an operator does not search.
 struct Index {
     uint8_t byCode[OP_LOGICAL_OR + 1] = {};
-    bool begins[256] = {}; // whether an operator begins with this character
+    uint8_t first[256] = {}; // by character: 1 + the position of the first operator that begins with it
 };
 
 constexpr Index makeIndex() {
     Index made;
     for (uint8_t& position : made.byCode) position = OPERATOR_COUNT;
-    for (uint8_t i = 0; i < OPERATOR_COUNT; i++) {
-        made.byCode[ops[i].code] = i;
-        made.begins[static_cast<uint8_t>(ops[i].text[0])] = true;
+    for (uint8_t i = OPERATOR_COUNT; i > 0; i--) {
+        made.byCode[ops[i - 1].code] = static_cast<uint8_t>(i - 1);
+        made.first[static_cast<uint8_t>(ops[i - 1].text[0])] = i;
     }
     return made;
 }
@@ -55,8 +55,9 @@ const OpEntry& getOp(int32_t code) {
 }
 
 int isOp(const char* text) {
-    if (!OPERATOR_INDEX.begins[static_cast<uint8_t>(text[0])]) return 0;
-    for (const OpEntry* entry = ops; entry->code != 0; entry++) {
+    const uint8_t first = OPERATOR_INDEX.first[static_cast<uint8_t>(text[0])];
+    if (first == 0) return 0;
+    for (const OpEntry* entry = ops + first - 1; entry->code != 0; entry++) {
         if (entry->text[0] != text[0]) continue;
         if (entry->code == OP_NOT_EQUAL && text[1] == '=' && text[2] == '=') continue; // 3!==6: a factorial
         if (entry->text[1] == '\0' || entry->text[1] == text[1]) return entry->code;
@@ -64,19 +65,30 @@ int isOp(const char* text) {
     return 0;
 }
 
-node::~node() {
-    delete[] text;
-    delete[] value;
+void node::SetText(std::string_view copied) {
+    DropText();
+    if (copied.size() >= sizeof shortText) {
+        text = strDuplicate(copied);
+    } else {
+        shortText[copied.copy(shortText, copied.size())] = '\0';
+        text = shortText;
+    }
 }
 
-void node::SetValue(const qfloat number) {
-    if (!value) value = new qfloat[1];
-    qmov(number, *value);
+Deq::~Deq() {
+    Clear();
+    while (node* const term = spare) {
+        spare = term->next;
+        delete term;
+    }
 }
 
-void node::DropText() {
-    delete[] text;
-    text = nullptr;
+node* Deq::Add() {
+    if (!spare) return Push(new node);
+    node* const term = spare;
+    spare = term->next;
+    spares--;
+    return Push(term);
 }
 
 node* Deq::Insert(node* term, node* before) {
@@ -110,7 +122,15 @@ node* Deq::Take(node* term) {
 
 node* Deq::Del(node* term) {
     node* before = term->prev;
-    delete Take(term);
+    Take(term);
+    if (spares == MOST_SPARES) {
+        delete term;
+    } else {
+        term->Drop();
+        term->next = spare;
+        spare = term;
+        spares++;
+    }
     return before;
 }
 
@@ -139,7 +159,8 @@ void Deq::CopyTo(Deq* target) const {
     const int32_t number = count;
     const node* term = first;
     for (int32_t i = 0; i < number; i++, term = term->next) {
-        node* copy = target->Push(term->text ? strDuplicate(term->text) : nullptr);
+        node* copy = target->Add();
+        if (term->text) copy->SetText(term->text);
         copy->type = term->type;
         copy->level = term->level;
         if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 // Operator codes: the types of operator terms.
 enum OperatorCode : int32_t {
@@ -81,19 +82,40 @@ struct node {
     node* next = nullptr;
     int32_t type = 0;        // an OperatorCode or a TermType
     int32_t start = -1;      // its first character in the statement, blanks not counted; -1: not known
-    char* text = nullptr;    // owned, from new char[]; operators have none
+    char* text = nullptr;    // owned: from new char[], or set by SetText; operators have none
     int32_t level = 0;       // parenthesis depth
     int32_t length = 0;      // the number of its characters there
-    qfloat* value = nullptr; // owned, from new qfloat[1]; numbers and variables have one
+    qfloat* value = nullptr; // owned: from new qfloat[1], or set by SetValue; numbers and variables have one
 
     node() = default;
     explicit node(char* owned) : text(owned) {}
-    ~node(); // frees text and value; does not unlink
+    ~node() { Drop(); } // frees text and value; does not unlink
     node(const node&) = delete;
     node& operator=(const node&) = delete;
 
-    void SetValue(const qfloat number); // copies the number into the term's value, made when there is none
-    void DropText();                    // frees the text
+    void SetText(std::string_view copied);
+    void SetValue(const qfloat copied) {
+        if (!value) value = &number;
+        qmov(copied, *value);
+    }
+    void DropText() {
+        if (text != shortText) delete[] text;
+        text = nullptr;
+    }
+
+    // Back to a term without a type, a text and a value.
+    void Drop() {
+        DropText();
+        if (value != &number) delete[] value;
+        value = nullptr;
+        type = level = length = 0;
+        start = -1;
+    }
+
+private:
+    // Most terms need no memory of their own for their text and value.
+    qfloat number = {};
+    char shortText[16] = "";
 };
 
 // A list of terms. It owns its nodes.
@@ -105,12 +127,15 @@ public:
     uint64_t insertions = 0; // how many nodes were ever put in
 
     Deq() = default;
-    ~Deq() { Clear(); }
+    ~Deq();
     Deq(const Deq&) = delete;
     Deq& operator=(const Deq&) = delete;
 
     // Appends a node, which the list then owns. Returns it.
     node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
+
+    // Appends a new node, or one that was deleted here before.
+    node* Add();
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
     // caller sets its type. Returns it.
@@ -150,4 +175,10 @@ public:
 
     // How many terms are operators: neither names, function names nor numbers.
     int32_t CountNumberOfOperators() const;
+
+private:
+    static constexpr int32_t MOST_SPARES = 256;
+
+    node* spare = nullptr; // deleted nodes, which Add takes; chained by `next`
+    int32_t spares = 0;
 };

@@ -79,7 +79,8 @@ Session::Outcome Session::Evaluate(std::string_view entry) {
 
 // One by one, until one fails or is a command for the console, as the engine goes through an entry.
 Session::Outcome Session::EvaluateStatements(std::string_view entry) {
-    for (std::string_view statement : splitStatements(entry)) {
+    Statements statements(entry);
+    for (std::string_view statement; statements.Next(statement);) {
         statement.remove_prefix(std::min(statement.find_first_not_of(BLANKS), statement.size()));
         statement = statement.substr(0, statement.find_last_not_of(BLANKS) + 1);
         if (statement.empty()) continue;

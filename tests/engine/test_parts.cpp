@@ -55,6 +55,19 @@ protected:
         return scanner.Scan(text) != 0 ? STATUS_ERROR : checkSyntax(statement.terms, outcome, work);
     }
 
+    // The positions of the operators in their order.
+    std::vector<int32_t> Order() const {
+        std::vector<node*> order;
+        orderOperators(statement.terms, order);
+        std::vector<int32_t> positions;
+        for (const node* op : order) {
+            int32_t position = 0;
+            for (const node* term = op; term->prev; term = term->prev) position++;
+            positions.push_back(position);
+        }
+        return positions;
+    }
+
     std::vector<int32_t> Levels() const {
         std::vector<int32_t> levels;
         for (const node* term = statement.terms.first; term; term = term->next) levels.push_back(term->level);
@@ -77,18 +90,19 @@ TEST_F(Parts, LevelsAreDepthsAndARaisedMinusStandsOneHigher) {
 
 TEST_F(Parts, OperatorsAreOrderedByLevelThenPrecedenceThenPlace) {
     ASSERT_EQ(0, Read("1+2*3-4"));
-    EXPECT_EQ((Numbers{3, 1, 5}), orderOperators(statement.terms));
+    EXPECT_EQ((Numbers{3, 1, 5}), Order());
     ASSERT_EQ(0, Read("1*(2+3)^4"));
-    EXPECT_EQ((Numbers{4, 2, 7, 1}), orderOperators(statement.terms)); // the '(' last of its level
+    EXPECT_EQ((Numbers{4, 2, 7, 1}), Order()); // the '(' last of its level
     ASSERT_EQ(0, Read("2^3^4"));
-    EXPECT_EQ((Numbers{1, 3}), orderOperators(statement.terms));
-    EXPECT_EQ((Numbers{}), orderOperators(Deq()));
+    EXPECT_EQ((Numbers{1, 3}), Order());
+    statement.terms.Clear();
+    EXPECT_EQ((Numbers{}), Order());
 }
 
 TEST_F(Parts, AStatementIsScannedCheckedOrderedAndEvaluated) {
     ASSERT_EQ(0, Read("2+3*4"));
     std::vector<node*> order;
-    for (int32_t position : orderOperators(statement.terms)) order.push_back(statement.terms.Get(position));
+    for (int32_t position : Order()) order.push_back(statement.terms.Get(position));
     order.push_back(nullptr);
     statement.opOrder = order.data();
     ASSERT_EQ(STATUS_RESULT, evaluator.ProcTermsLoop());
