@@ -42,8 +42,7 @@ bool Statements::Next(std::string_view& statement) {
     statement = rest.substr(0, end);
     statement = statement.substr(0, statement.find('#'));
     if (!isOver) rest.remove_prefix(end + 1);
-    const bool isBlank = statement.find_first_not_of(" \t\r\n") == std::string_view::npos;
-    return number++ == 0 || !isOver || !isBlank;
+    return number++ == 0 || !isOver || statement.find_first_not_of(" \t\r\n") != std::string_view::npos;
 }
 
 // From a place counted without blanks, in one of the entry's statements, to the place in the entry's text.
@@ -121,7 +120,7 @@ void ZqCalculator::BeginEntry(std::string& entry) {
         const char* newest = history.GetHistoryStr(1);
         if (isRepeatable(newest)) entry = newest;
     }
-    entryLine = entry.substr(0, std::min(entry.find('\r'), entry.find('\n')));
+    entryLine.assign(entry, 0, std::min(entry.find('\r'), entry.find('\n')));
     entryCount += 1;
     history.HistLocReset();
 }
@@ -130,11 +129,10 @@ void ZqCalculator::BeginEntry(std::string& entry) {
 void ZqCalculator::RunOrTakeBack(std::string_view entry) {
     KeepForUndo();
     undo.Begin();
-    undo.Add([this] { TakeBack(); });
     funcs.RecordIn(&undo);
     RunStatements(entry);
     funcs.RecordIn(nullptr);
-    if (interrupted) undo.TakeBack();
+    if (interrupted) TakeBack();
     undo.End();
 }
 
@@ -147,6 +145,7 @@ void ZqCalculator::KeepForUndo() {
 }
 
 void ZqCalculator::TakeBack() {
+    undo.TakeBack();
     static_cast<EntrySettings&>(*this) = before;
     target = before.target;
     lastName = before.lastName;
@@ -170,8 +169,8 @@ void ZqCalculator::RunStatements(std::string_view entry) {
 int ZqCalculator::ShowResult() {
     // An entry's value is stored by now.
     if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
-    const std::string text = fullEntry ? answer.Keep(entryLine, target->text, result, *this)
-                                       : shownNumber(result, *this, strlen(target->text));
+    const std::string preview = fullEntry ? "" : shownNumber(result, *this, strlen(target->text));
+    const std::string& text = fullEntry ? answer.Keep(entryLine, target->text, result, *this) : preview;
     std::string line = target->text;
     line.append(" = ").append(text).push_back('\n');
     copyText(resultLine, line);

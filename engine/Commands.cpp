@@ -310,7 +310,7 @@ const std::vector<Command>& commandTable() {
 }
 
 int Commands::Run(const std::string& typed) {
-    if (!isValidName(firstWord(typed))) return NO_COMMAND; // as most entries
+    if (typed.empty() || !isLetter(typed[0]) || !isValidName(firstWord(typed))) return NO_COMMAND;
     CommandText text = readCommand(typed);
     for (const Command& command : commandTable()) {
         if (!matches(command, text)) continue;

@@ -26,6 +26,30 @@ constexpr int ALL_DIGITS = 100;    // decides between the forms, and shows whole
 constexpr int MOST_FRACTION = 104; // as many as qtoasc delivers
 constexpr int MAX_WHOLE_EXPONENT = 99;
 
+// Whether all digits of a number are found without the number library, as those of most numbers that people
+// compute: one from 1 to 2^64 whose mantissa has no more than 64 bits. Then they are in `decimal`.
+bool hasShortDigits(const qfloat value, Decimal& decimal) {
+    const uint32_t bits = value[1] - 0x8000; // in front of the point
+    const auto isZero = [](uint32_t word) { return word == 0; };
+    if (bits < 1 || bits > 64 || !std::all_of(value + 5, value + 14, isZero)) return false;
+    const uint64_t mantissa = uint64_t{value[3]} << 32 | value[4];
+    char digits[96];
+    char* const point = digits + 20;
+    char* first = point;
+    for (uint64_t whole = mantissa >> (64 - bits); whole > 0; whole /= 10)
+        *--first = static_cast<char>('0' + whole % 10);
+    char* end = point;
+    for (uint64_t fraction = bits < 64 ? mantissa << bits : 0; fraction > 0; fraction *= 10) {
+        const uint64_t low = (fraction & 0xFFFFFFFF) * 10 >> 32;
+        *end++ = static_cast<char>('0' + (((fraction >> 32) * 10 + low) >> 32));
+    }
+    while (end[-1] == '0') end--;
+    decimal.negative = qisneg(value) != 0;
+    decimal.digits.assign(first, end);
+    decimal.exponent = static_cast<int>(point - first) - 1;
+    return true;
+}
+
 Decimal toDecimal(const qfloat value, int fractionDigits) {
     char text[160];
     qtoasc(value, text, std::clamp(fractionDigits, 0, MOST_FRACTION));
@@ -122,7 +146,7 @@ std::string fixedForm(const Decimal& all, const Decimal& decimal, size_t decimal
     return text;
 }
 
-std::string grouped(const std::string& text, char separator) {
+std::string grouped(std::string text, char separator) {
     if (separator == '\0') return text;
     const size_t integerDigits = std::min(text.find('.'), text.size());
     std::string out;
@@ -135,15 +159,17 @@ std::string grouped(const std::string& text, char separator) {
 }
 
 std::string formatFinite(const qfloat value, int sigfigs, int scimode, char separator, bool& negative) {
-    const Decimal all = toDecimal(value, ALL_DIGITS);
+    Decimal all;
+    if (!hasShortDigits(value, all)) all = toDecimal(value, ALL_DIGITS);
     const ExponentKind kind = exponentKind(all, sigfigs, scimode);
     const int e = all.exponent;
     negative = all.negative;
     const bool isWhole =
         e >= 0 && e <= MAX_WHOLE_EXPONENT && all.SignificantDigits() <= static_cast<size_t>(e) + 1;
     if (kind == NO_EXPONENT && isWhole && scimode != SCI_FIXED) {
-        const std::string text = withPoint(all.digits, e);
-        return grouped(text.substr(0, text.find('.')), separator);
+        std::string text = all.digits;
+        text.resize(static_cast<size_t>(e) + 1, '0');
+        return grouped(std::move(text), separator);
     }
     const int digitsShown = scimode == SCI_FIXED ? std::max(sigfigs + e + 1, 1) : sigfigs;
     const Decimal decimal = withDigits(all, value, static_cast<size_t>(digitsShown));
@@ -157,7 +183,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     std::string text = plainForm(decimal);
     removeTrailingZeros(text, 0);
     if (text.back() == '.') text.pop_back();
-    return grouped(text, separator);
+    return grouped(std::move(text), separator);
 }
 
 } // namespace

@@ -12,13 +12,17 @@ CHistory::~CHistory() {
 
 void CHistory::InsertNewEntry(const char* text) {
     if (!text) return;
-    char* copy = strDuplicate(text); // before the slot is freed: the text may be a stored line
-    if (count >= maxEntries)
-        delete[] entries[next];
-    else
-        count++;
-    entries[next] = copy;
-    next = (next + 1) % maxEntries;
+    const size_t length = strlen(text);
+    char*& slot = entries[next];
+    if (slot && strlen(slot) >= length) {
+        memmove(slot, text, length + 1); // the text may be the slot's own
+    } else {
+        const char* const oldest = slot;
+        slot = strDuplicate(text);
+        delete[] oldest;
+    }
+    if (count < maxEntries) count++;
+    next = next + 1 < maxEntries ? next + 1 : 0;
 }
 
 static void removeTrailing(char* text, char c) {

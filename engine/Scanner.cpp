@@ -9,9 +9,8 @@
 #include <cstring>
 
 std::string_view trimStatement(std::string_view statement) {
-    std::string_view text = statement.substr(0, statement.find('\0'));
+    std::string_view text = statement.substr(0, statement.find(';'));
     text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size()));
-    text = text.substr(0, text.find(';'));
     return text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
 }
 
@@ -321,13 +320,42 @@ static std::string joinThousands(std::string_view text) {
     return findDecString(joined, rest) == 1 ? joined : "";
 }
 
+// Reads what most numbers are: up to nine digits, with a point or without, which machine numbers hold.
+// Otherwise it answers false.
+static bool readShort(std::string_view text, qfloat value) {
+    constexpr ptrdiff_t MOST_DIGITS = 9;
+    if (std::count_if(text.begin(), text.end(), isDigit) > MOST_DIGITS || text.size() > MOST_DIGITS + 1)
+        return false;
+    int64_t number = 0;
+    int64_t scale = 0; // of the digits behind the point; 0: there has been none
+    bool hasDigit = false;
+    for (char c : text) {
+        if (isDigit(c)) {
+            number = number * 10 + (c - '0');
+            scale *= 10;
+            hasDigit = true;
+        } else if (c == '.') {
+            scale = 1;
+        } else {
+            return false;
+        }
+    }
+    if (!hasDigit) return false;
+    ltoq(&number, value);
+    if (number == 0 || scale <= 1) return true;
+    qfloat divisor;
+    ltoq(&scale, divisor);
+    qdiv(divisor, value, value);
+    return true;
+}
+
 int Scanner::Str2Num(const char* text, qfloat value) {
     if (!text) return outcome.Fail("** crazy error **");
     const std::string_view view = text;
     if (isRadixText(view)) return asctoq(text, value) == 0 ? 0 : -1;
     std::string_view rest;
     const int kind = findDecString(view, rest);
-    if (kind == 1) return asctoq(text, value) == 0 ? 0 : -1;
+    if (kind == 1) return readShort(view, value) || asctoq(text, value) == 0 ? 0 : -1;
     if (kind == 0) return !funcs.FunctionExists(text, -1) && variables.Find(text) ? 0 : -1;
     if (rest[0] == ',') {
         const std::string joined = joinThousands(view);

@@ -5,6 +5,7 @@
 #include "qlimb.h"
 #include "qregister.h"
 
+#include <algorithm>
 #include <cstring>
 
 using limb::COUNT;
@@ -203,8 +204,14 @@ static bool isFarFromWhole(const qfloat x) {
     return first != 0 && first != 0xFFFFFFFF;
 }
 
+// A multiple of 2^-63 from 1 on: whole, or far from it.
+static bool isMultiple(const qfloat x) {
+    const uint32_t bits = x[1] - EXPONENT_BIAS;
+    return bits >= 1 && bits <= 64 && std::all_of(x + 5, x + 14, [](uint32_t word) { return word == 0; });
+}
+
 void qfixintegers(qfloat x) {
-    if (isFarFromWhole(x)) {
+    if (isMultiple(x) || isFarFromWhole(x)) {
         subflg = 1; // as the comparison below leaves it
         return;
     }

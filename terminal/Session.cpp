@@ -240,6 +240,6 @@ bool Session::Show(std::string_view text) {
 }
 
 std::string Session::ValueText(std::string_view answer) const {
-    const std::string text = shownText(asLine(answer));
+    const std::string text = shownText(answer);
     return coloursAnswers && !style.json ? colouredAnswer(text) : text;
 }

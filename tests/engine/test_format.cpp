@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "../seed.h"
 #include "Calculator.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <random>
 #include <string>
 
 namespace {
@@ -174,6 +176,30 @@ TEST(Format, TheLongestTextsFit) {
     EXPECT_EQ(9864 + 3287 + 1 + 100, static_cast<int>(all.size()));
     EXPECT_EQ("100,000,", all.substr(0, 8));
     EXPECT_EQ("0." + std::string(9862, '0') + "1", formatted("1e-9863", 100, SCI_NEVER));
+}
+
+// Those of a short number are found without the number library.
+TEST(Format, AllDigitsAreThoseOfTheNumberLibrary) {
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
+    for (int i = 0; i < 20000; i++) {
+        const auto whole = static_cast<int64_t>(random() >> random() % 32) * (i % 2 == 0 ? 1 : -1);
+        qfloat value, fraction;
+        ltoq(&whole, value);
+        qmov(qone, fraction);
+        for (auto bits = random() % 80; bits > 0; bits--) {
+            qmul(qhalf, fraction, fraction);
+            if (random() % 3 == 0) qadd(fraction, value, value);
+        }
+        char out[FORMAT_SIZE];
+        char expected[200];
+        qtoascii(value, out, 100, SCI_ALWAYS, '\0');
+        qtoasc(value, expected, 99);
+        if (value[1] == 0) continue;
+        std::string digits = expected[0] == '-' ? expected : expected + 1;
+        digits[digits.find('E')] = 'e';
+        ASSERT_EQ(digits, out);
+    }
 }
 
 TEST(Format, FormatResultWritesNothingInOtherBases) {

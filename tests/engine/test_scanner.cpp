@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
+#include "../seed.h"
 #include "Calculator.h"
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <random>
 #include <string>
 
 namespace {
@@ -206,6 +209,22 @@ TEST_F(Scanner, ReadsNumbers) {
         {"=5", "none"},
     };
     for (const auto& test : cases) EXPECT_EQ(test.number, Number(test.text)) << test.text;
+}
+
+TEST_F(Scanner, ReadsShortNumbersAsTheNumberLibraryDoes) {
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
+    for (int i = 0; i < 20000; i++) {
+        std::string text;
+        for (auto digits = 1 + random() % 11; digits > 0; digits--)
+            text += static_cast<char>('0' + random() % 10);
+        if (random() % 4 > 0) text.insert(random() % (text.size() + 1), 1, '.');
+        qfloat value = {};
+        qfloat expected = {};
+        ASSERT_EQ(0, asctoq(text.c_str(), expected));
+        ASSERT_EQ(0, calc.Str2Num(text.c_str(), value));
+        ASSERT_EQ(0, memcmp(expected, value, sizeof value)) << text;
+    }
 }
 
 TEST_F(Scanner, TakesAVariablesNameForANumberWithoutItsValue) {
