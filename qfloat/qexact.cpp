@@ -55,20 +55,31 @@ int compareProduct(const uint64_t* x, const uint64_t* y, const uint64_t* z) {
     return order != 0 || isZero(xy) ? order : 1;
 }
 
-// multiply leaves out at most six units, so that the floor of the product is z .. z + 6.
+// multiply leaves out at most six units, so that the floor of the product is z .. z + 6.  The bit that
+// decides is that of 2^31, or of 2^30 where the product is still to be shifted up: neither changes unless a
+// multiple of 2^30 lies above z by six units or less.
 void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     uint64_t upper[COUNT];
     multiply(x, y, upper);
-    if ((upper[0] & (SETTLED_UNIT - 1)) >= SETTLED_UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, upper);
+    constexpr uint64_t UNIT = uint64_t{1} << 30;
+    if ((upper[0] & (UNIT - 1)) >= UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, upper);
     copy(upper, z);
 }
 
 // c <= x / y exactly where c * y <= x.
 void divideExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
+    constexpr uint32_t ERROR = 16 + 1; // divide's from the floor
     uint64_t q[COUNT];
     divide(x, y, q);
-    settle(q, 16 + 1, [x, y](const uint64_t* c) { return compareProduct(c, y, x) <= 0; });
+    settle(q, ERROR, [x, y](const uint64_t* c) { return compareProduct(c, y, x) <= 0; });
     copy(q, z);
+}
+
+void scaleTenExactly(Extended& x, int n) {
+    constexpr uint32_t ERROR = 1 << 10; // scaleTen's 2^-374 of the value
+    const Extended before = x;
+    scaleTen(x, n);
+    settle(x.limb, ERROR, [&](const uint64_t*) { return compareScaledTen(before, n, x) >= 0; });
 }
 
 // With x = X * 2^(e - 384) and x * 10^n = (X * 5^n) * 2^(e - 384 + n), the whole number X * 5^n is compared;

@@ -121,17 +121,18 @@ void qdiv(const qfloat a, const qfloat b, qfloat c);
 // merror: 3 overflow (q = the overflow value, signed; a decimal value overflows from exponent 0x10000 on, a
 // radix value above it), 4 underflow (q = 0; a radix value that is too small gives 0 without a code), 4 also
 // for a zero mantissa with an exponent ("0e5").
-// Decimal values are within 0.5000001 units of the last place, over the whole range; radix values are cut.
+// A decimal value is the number nearest to the text's first 104 digits and exponent (a tie goes away from zero);
+// radix values are cut.
 int asctoq(const char* text, qfloat q);
 
 // Writes q as a sign (blank or '-'), one digit, a point, min(digits, 104) fraction digits, 'E' and the
-// decimal exponent: " 1.2345E3", "-5.E-7".  Correctly rounded, exact ties to even; without fraction digits
-// (digits below 1) exact ties are cut.
+// decimal exponent: " 1.2345E3", "-5.E-7".  The text nearest to q, ties to the even digit; without fraction
+// digits (digits below 1) ties are cut.
 // The buffer holds at least 3 + min(digits, 104) + 8 bytes.
 void qtoasc(const qfloat q, char* buffer, int digits);
 
-// q = q * 10^n, within 0.5000001 units of the last place.  Overflow: the overflow value with q's sign and
-// merror = 3.  Underflow: 0, no code.
+// q = q * 10^n, the number nearest to it (a tie goes away from zero).  Overflow: the overflow value with q's sign
+// and merror = 3.  Underflow: 0, no code.
 void qdecexp(qfloat q, int64_t n);
 
 // ---------------------------------------------------------------------------------------------------------

@@ -337,7 +337,7 @@ void divideLimb(const uint64_t* x, uint64_t y, uint64_t* z);
 // ---------------------------------------------------------------------------------------------------------
 // Extended values
 
-// z = x * y and z = x / y, within 20 units of the 384-bit mantissa; the exponents are unbounded.
+// z = x * y and z = x / y, within 14 and 40 units of the 384-bit mantissa; the exponents are unbounded.
 void multiply(const Extended& x, const Extended& y, Extended& z);
 void divide(const Extended& x, const Extended& y, Extended& z);
 
@@ -356,10 +356,10 @@ void load(const uint32_t* q, Extended& x);
 // merror = 3.  Below it: 0, and merror = underflowCode unless that is 0.
 void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q);
 
-// p = 10^n for 0 <= n < 16384, within 32 units of the 384-bit mantissa; exact for n <= 160.
+// p = 10^n for 0 <= n < 16384, within 2^-376 of its value; exact for n <= 160.
 void powerOfTen(int n, Extended& p);
 
-// x = x * 10^n, within 64 units of the 384-bit mantissa for |n| < 16384, 128 for |n| < 32768.
+// x = x * 10^n, within 2^-375 of its value for |n| < 16384, 2^-374 for |n| < 32768.
 void scaleTen(Extended& x, int n);
 
 #if !TALLYQUILL_INT128

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // Number to decimal text.
+//
+// The mantissa y = |q| / 10^k is known within 2^-375 of itself, its fraction so within 2^-371.  Taking the
+// digits out multiplies that by 10 each and is else exact: what remains after all of them decides the
+// rounding unless it is nearer to one half than its error.  Then |q| is compared with the midpoint of the two
+// texts, as whole numbers.
+#include "qexact.h"
 #include "qfloat.h"
 #include "qlimb.h"
 #include "qregister.h"
@@ -45,36 +51,25 @@ int estimateExponent(const Extended& x) {
         std::floor(static_cast<double>(x.exponent) * 0.30102999566398119521 + std::log10(top)));
 }
 
-// y = x * 10^-k.  Returns whether y is exact: nothing was scaled, or the result came out so near to a
-// 352-bit number (within the 64 units of scaleTen's bound) that it is one, and was set to it.
-bool scaleDown(const Extended& x, int k, Extended& y) {
-    y = x;
-    if (k == 0) return true;
-    limb::scaleTen(y, -k);
-    const auto guard = static_cast<uint32_t>(y.limb[0]);
-    const uint32_t slack = 64;
-    if (guard > slack && guard < 0xFFFFFFFF - slack) return false;
-    y.exponent += limb::roundHalfUp(y.limb);
-    return true;
-}
-
 // y in [1, 10) as 4 integer bits above 380 fraction bits.
 void toFixed(Extended& y) {
     limb::shiftDown(y.limb, static_cast<int>(4 - y.exponent));
 }
 
-// Finds the decimal exponent k and the mantissa y = x / 10^k in [1, 10).  Returns whether y is exact.
-bool findMantissa(const Extended& x, int& k, Extended& y) {
+// Finds the decimal exponent k and the mantissa y = x / 10^k in [1, 10).  An x within y's error of a power of
+// ten may get either exponent: its digits, zeros or nines, round to the same text.
+void findMantissa(const Extended& x, int& k, Extended& y) {
     k = estimateExponent(x);
     for (;;) {
-        const bool exact = scaleDown(x, k, y);
+        y = x;
+        limb::scaleTen(y, -k);
         if (y.exponent < 1) {
             --k;
         } else if (y.exponent > 4) {
             ++k;
         } else {
             toFixed(y);
-            if (y.limb[COUNT - 1] >> 60 < 10) return exact;
+            if (y.limb[COUNT - 1] >> 60 < 10) return;
             ++k;
         }
     }
@@ -138,8 +133,7 @@ int compareHalf(const uint64_t* rest) {
     return limb::compare(rest, half);
 }
 
-// Whether the rest of an inexact mantissa is so near to one half that its error could decide: the error,
-// below 2^-368, has been multiplied by 10^digits.
+// Whether the rest of the fraction is so near to one half that its error, 10^digits * 2^-371, could decide.
 bool nearHalf(const uint64_t* rest, int digits) {
     const int boundary = 366 - (10 * digits + 2) / 3; // the top bits that must differ from a half
     const uint64_t top = rest[COUNT - 1];
@@ -147,8 +141,7 @@ bool nearHalf(const uint64_t* rest, int digits) {
     return boundary >= 64 ? distance <= 1 : distance >> (64 - boundary) == 0;
 }
 
-// Compares `value` with the midpoint "digits written so far, then 5", which is known within 2^-374 relative:
-// what is nearer is equal.
+// Compares `value` with the midpoint "digits written so far, then 5".
 int compareMidpoint(const Extended& value, const char* text, int digits, int k) {
     Extended midpoint = {};
     midpoint.limb[0] = static_cast<uint64_t>(text[1] - '0');
@@ -159,13 +152,7 @@ int compareMidpoint(const Extended& value, const char* text, int digits, int k) 
     const int zeros = limb::leadingZeros(midpoint.limb);
     limb::shiftUp(midpoint.limb, zeros);
     midpoint.exponent = 64 * COUNT - zeros;
-    limb::scaleTen(midpoint, k - digits - 1);
-    const int order = limb::compare(value, midpoint);
-    if (order == 0) return 0;
-    Extended distance;
-    limb::subtract(order > 0 ? value : midpoint, order > 0 ? midpoint : value, distance);
-    if (limb::isZero(distance.limb) || distance.exponent <= value.exponent - 373) return 0;
-    return order;
+    return -limb::compareScaledTen(midpoint, k - digits - 1, value);
 }
 
 // Adds one unit to the last digit written; returns 1 when 9.99 became 10.00 (written 1.00).
@@ -197,7 +184,7 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     constexpr int64_t HIGHEST = OVERFLOW_EXPONENT - EXPONENT_BIAS;
     if (value.exponent > HIGHEST) value.exponent = HIGHEST;
     const bool zero = q[1] == 0 || limb::isZero(value.limb);
-    const bool exact = zero || findMantissa(value, k, y);
+    if (!zero) findMantissa(value, k, y);
     buffer[0] = q[0] != 0 ? '-' : ' ';
     buffer[1] = static_cast<char>('0' + (y.limb[COUNT - 1] >> 60));
     buffer[2] = '.';
@@ -206,7 +193,7 @@ void qtoasc(const qfloat q, char* buffer, int digits) {
     const int rounded = putFraction(y.limb, digits, buffer + 3, order);
     if (order == 0) {
         order = compareHalf(y.limb);
-        if (!exact && nearHalf(y.limb, digits)) order = compareMidpoint(value, buffer, digits, k);
+        if (nearHalf(y.limb, digits)) order = compareMidpoint(value, buffer, digits, k);
     }
     // A tie goes to the even digit; with no digit written, the point counts as even.
     const bool lastIsOdd = (buffer[2 + digits] & 1) != 0;

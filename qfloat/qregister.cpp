@@ -142,7 +142,7 @@ void divm(const uint32_t* x, uint32_t* y) {
     limb::shiftUp(d, zeros);
     loadRegister(y, n);
     limb::shiftDown(n, 2); // now below the divisor
-    limb::divideExactly(n, d, n);
+    limb::divide(n, d, n);
     storeRegister(n, y);
     mdnorm(y);
 }

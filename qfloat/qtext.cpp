@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Text to number: decimal and radix text, and scaling by a power of ten.
+#include "qexact.h"
 #include "qfloat.h"
 #include "qlimb.h"
 #include "qregister.h"
@@ -196,7 +197,7 @@ void finishDecimal(Mantissa& m, int exponent, qfloat q) {
     limb::shiftUp(m.integer, zeros);
     limb::copy(m.integer, x.limb);
     x.exponent = 64 * COUNT - zeros;
-    limb::scaleTen(x, n);
+    limb::scaleTenExactly(x, n);
     limb::store(x, m.sign, 4, q);
 }
 
@@ -261,6 +262,6 @@ void qdecexp(qfloat q, int64_t n) {
         qclear(q);
         return;
     }
-    limb::scaleTen(x, static_cast<int>(bounded));
+    limb::scaleTenExactly(x, static_cast<int>(bounded));
     limb::store(x, q[0], 0, q);
 }

@@ -132,6 +132,31 @@ Decimal decimal(const Source& random, long n, unsigned long bits, const mpz_clas
     }
 }
 
+mpz_class decimalNear(const Source& random, long n) {
+    constexpr unsigned long DIGIT_BITS = 345; // of 10^104 and less
+    mpz_class five;
+    mpz_ui_pow_ui(five.get_mpz_t(), 5, static_cast<unsigned long>(std::labs(n)));
+    const unsigned long size = mpz_sizeinbase(five.get_mpz_t(), 2);
+    for (;;) {
+        if (n < 0) { // d * 2^shift = middle * 5^-n + rest
+            const unsigned long shift = BITS + 1 + size - DIGIT_BITS;
+            const mpz_class rest = 2 * smallOffset(random) + 1;
+            mpz_class middle = randomBits(random, BITS + 1) >> shift << shift;
+            middle += modulo2(-rest * inverse2(five, shift), shift);
+            mpz_setbit(middle.get_mpz_t(), BITS);
+            const mpz_class d = (middle * five + rest) >> shift;
+            if (mpz_sizeinbase(middle.get_mpz_t(), 2) == BITS + 1) return d;
+        } else { // d * 5^n = ... 1 000 ... rest, 353 bits and `below` - 1
+            const unsigned long below = DIGIT_BITS + size - BITS - random() % 2;
+            const mpz_class end =
+                modulo2(inverse2(five, below) * (power2(below - 1) + smallOffset(random)), below);
+            mpz_class d = (randomBits(random, DIGIT_BITS) >> below << below) + end;
+            mpz_setbit(d.get_mpz_t(), DIGIT_BITS - 1);
+            if (mpz_sizeinbase(mpz_class(d * five).get_mpz_t(), 2) == BITS + below) return d;
+        }
+    }
+}
+
 mpz_class decimalTie(const Source& random, unsigned long n) {
     mpz_class five;
     mpz_ui_pow_ui(five.get_mpz_t(), 5, n);

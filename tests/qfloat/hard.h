@@ -38,13 +38,18 @@ struct Square {
 Square square(const Source& random);
 
 // d * 10^n * 2^-e is an odd number from `low` to below `high`, and less than 1 / d above or below: the best
-// approximations are the convergents of the continued fraction of 10^n * 2^-e.  d has about `bits` bits.
+// approximations are the convergents of the continued fraction of 10^n * 2^-e.  d has about `bits` bits; |n|
+// is at least 160, so that the fraction is long.
 struct Decimal {
     mpz_class d;
     long e;
 };
 Decimal decimal(const Source& random, long n, unsigned long bits, const mpz_class& low,
                 const mpz_class& high);
+
+// d * 10^n, 12 <= |n| < 148, is an odd number of 353 bits with a power of two and up to 2^20 / 5^|n| or
+// 2^-|n| beside it; d has at most 345 bits.
+mpz_class decimalNear(const Source& random, long n);
 
 // d * 5^n is exactly an odd number of 353 bits, 0 < n < 150.
 mpz_class decimalTie(const Source& random, unsigned long n);

@@ -279,16 +279,12 @@ TEST(Qdiv, EndsOfTheExponentRange) {
 
 // ---------------------------------------------------------------------------------------------------------
 
-TEST_F(Product, QdecexpScalesByPowersOfTen) {
-    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
-        Number q = randomMantissa(random);
-        q[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
-        q[1] = static_cast<uint32_t>(random.Between(1, 0xFFFF));
-        const auto n =
-            static_cast<long>(random.Chance(50) ? random.Between(-120, 120) : random.Between(-9800, 9800));
-        Real exact;
-        mpfr_ui_pow_ui(exact, 10, static_cast<unsigned long>(n < 0 ? -n : n), MPFR_RNDN);
+class DecimalScale : public Product {
+protected:
+    static void Check(Number q, long n) {
         const Number before = q;
+        Real exact(1500);
+        mpfr_ui_pow_ui(exact, 10, static_cast<unsigned long>(n < 0 ? -n : n), MPFR_RNDN);
         if (n < 0) {
             mpfr_div(exact, Real(q), exact, MPFR_RNDN);
         } else {
@@ -300,11 +296,37 @@ TEST_F(Product, QdecexpScalesByPowersOfTen) {
         const Number expected = withinRange(rounded, code);
         merror = 0;
         qdecexp(q.data(), n);
-        EXPECT_EQ(merror, code) << show(before) << n;
-        EXPECT_TRUE(code == 0 && expected[1] != 0 ? errorInUlps(q, exact) <= ALMOST_HALF : q == expected)
-            << show(before) << " * 10^" << n << " gave " << show(q);
+        EXPECT_TRUE(q == expected && merror == code)
+            << show(before) << " * 10^" << n << " gave " << show(q) << " code " << merror;
+        merror = 0;
     }
-    merror = 0;
+};
+
+TEST_F(DecimalScale, IsTheNearestNumber) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        Number q = randomMantissa(random);
+        q[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        q[1] = static_cast<uint32_t>(random.Between(1, 0xFFFF));
+        Check(q, random.Chance(50) ? random.Between(-120, 120) : random.Between(-19800, 19800));
+    }
+}
+
+TEST_F(DecimalScale, IsTheNearestNumberNextToMidpoints) {
+    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
+        const long n = random.Between(160, random.Chance(50) ? 400 : 9800) * (random.Chance(50) ? -1 : 1);
+        const hard::Decimal x =
+            hard::decimal([this] { return random.Next(); }, n,
+                          static_cast<unsigned long>(random.Between(40, 350)), power2(352), power2(353));
+        Check(FromMantissa(x.d), n);
+        const long small = random.Between(12, 147) * (random.Chance(50) ? -1 : 1);
+        Check(FromMantissa(hard::decimalNear([this] { return random.Next(); }, small)), small);
+    }
+}
+
+TEST_F(DecimalScale, OfAProductHalfWayBetweenTwoNumbersIsTheLargerOne) {
+    for (unsigned long n = 1; n < 150; ++n) {
+        Check(FromMantissa(hard::decimalTie([this] { return random.Next(); }, n)), static_cast<long>(n));
+    }
 }
 
 TEST(Qdecexp, EndsOfTheRange) {
