@@ -152,51 +152,52 @@ std::string DefinitionRecord::Key() const {
 
 DefinitionRecord recordOf(const std::string& line) {
     DefinitionRecord record;
+    record.line = line;
     record.statement = line.substr(0, line.find('#'));
     record.kind = split(record);
     return record;
 }
 
-DefinitionsText::DefinitionsText(const std::string& text) : headers() {
-    headers.fill(std::string::npos);
+std::string textOf(const Sections& sections) {
+    std::string text;
+    for (size_t i = 0; i < sections.size(); i++) text.append(HEADERS[i]).append("\n").append(sections[i]);
+    return text;
+}
+
+DefinitionsText::DefinitionsText(const std::string& text) {
     Section section = NO_SECTION;
-    for (size_t start = 0; start < text.size();) {
-        const size_t end = std::min(text.find('\n', start), text.size());
+    bool beginsWell = false;
+    for (size_t start = 0, end = 0; start < text.size(); start = end + 1) {
+        end = std::min(text.find('\n', start), text.size());
         std::string line = text.substr(start, end - start);
-        start = end + 1;
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        const size_t number = lines.size();
-        // Behind its header the history runs to the end, whatever was typed.
-        for (size_t i = 0; i < HEADERS.size() && section != HISTORY; i++) {
-            if (line.compare(0, HEADER_START, HEADERS[i], HEADER_START) != 0) continue;
-            section = static_cast<Section>(i);
-            headers[i] = std::min(headers[i], number);
+        if (section == HISTORY) { // it runs to the end, whatever was typed
+            history.push_back(std::move(line));
+            continue;
         }
-        if (number > 0 && section != HISTORY) {
-            records.push_back(recordOf(line));
-            records.back().section = section;
-            records.back().line = number;
-            if (trimmed(records.back().statement).empty()) records.pop_back();
+        for (const Section one : {FUNCTIONS, VARIABLES, UNITS, HISTORY}) {
+            if (line.compare(0, HEADER_START, HEADERS[one], HEADER_START) == 0) section = one;
         }
-        lines.push_back(std::move(line));
+        if (start == 0) beginsWell = section == FUNCTIONS;
+        DefinitionRecord record = recordOf(line);
+        record.section = section;
+        if (start > 0 && !trimmed(record.statement).empty()) records.push_back(std::move(record));
     }
-    for (size_t& header : headers) header = std::min(header, lines.size());
+    isFramed = beginsWell && section == HISTORY && text.back() == '\n';
 }
 
 std::map<std::string, std::string> DefinitionsText::LinesByKey() const {
     std::map<std::string, std::string> byKey;
     for (const DefinitionRecord& record : records) {
         std::string key = record.Key();
-        if (!key.empty()) byKey[std::move(key)] = lines[record.line];
+        if (!key.empty()) byKey[std::move(key)] = record.line;
     }
     return byKey;
 }
 
-std::string DefinitionsText::Without(const std::vector<bool>& isLeftOut) const {
+std::string DefinitionsText::History() const {
     std::string text;
-    for (size_t i = 0; i < lines.size(); i++) {
-        if (!isLeftOut[i]) text += lines[i] + '\n';
-    }
+    for (const std::string& line : history) text += line + '\n';
     return text;
 }
 

@@ -24,7 +24,7 @@ struct DefinitionRecord {
     std::string parameters;    // of a function, without blanks: "x,y"
     std::string body;          // what stands behind the '='
     Section section = NO_SECTION;
-    size_t line = 0; // its position in the text
+    std::string line; // as it stands, without its end, which may be CR LF
 
     // Equal for two records that define the same: a function of this name, whatever its case, and this number
     // of parameters; a variable; a unit. Empty without a '='.
@@ -35,18 +35,22 @@ struct DefinitionRecord {
 // character other than a tab, is Nothing.
 DefinitionRecord recordOf(const std::string& line);
 
+using Sections = std::array<std::string, HEADERS.size()>; // whole lines
+
+// The text of a file: each section behind its header.
+std::string textOf(const Sections& sections);
+
 struct DefinitionsText {
     explicit DefinitionsText(const std::string& text);
 
-    std::vector<std::string> lines;        // without their ends, which may be CR LF
     std::vector<DefinitionRecord> records; // those between the first line and the history that are not blank
-    std::array<size_t, 4> headers;         // the line of each section's first header, or lines.size()
+    std::vector<std::string> history;      // its lines, without their ends
+    bool isFramed; // it begins with the first header, has that of the history, and its last line has an end
 
     // The lines of the records that define something, by their keys; of several with one key the last.
     std::map<std::string, std::string> LinesByKey() const;
 
-    // The lines without some of them.
-    std::string Without(const std::vector<bool>& isLeftOut) const;
+    std::string History() const; // the section's text
 };
 
 // The positions of the records that define something, in the order in which they can be read: the units, the

@@ -168,10 +168,9 @@ private:
 };
 
 // Whether the history came through whole.
-bool takeHistory(CHistory& history, DefinitionsText& text) {
-    bool isWhole = text.headers[HISTORY] < text.lines.size();
-    for (size_t i = text.headers[HISTORY] + 1; i < text.lines.size(); i++) {
-        std::string& line = text.lines[i];
+bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
+    bool isWhole = true;
+    for (std::string& line : lines) {
         if (std::any_of(line.begin(), line.end(), isControl)) isWhole = false;
         history.FilteredInsertNew(line.data(), true);
     }
@@ -182,28 +181,30 @@ bool takeHistory(CHistory& history, DefinitionsText& text) {
 void tellUnread(const ZqCalculator& calc, const DefinitionsText& text, const std::vector<Reading>& readings,
                 DefinitionsRead& result) {
     const auto present = DefinitionsText(definitionsText(calc)).LinesByKey();
-    std::vector<bool> isUnread(text.lines.size(), false);
+    Sections known;
+    known[HISTORY] = text.History();
     for (size_t i = 0; i < readings.size(); i++) {
-        if (readings[i] != Reading::TooLong) continue;
         const DefinitionRecord& record = text.records[i];
+        if (readings[i] != Reading::TooLong) {
+            if (record.section != NO_SECTION) known[record.section] += record.line + '\n';
+            continue;
+        }
         const auto twin = present.find(record.Key());
-        if (twin != present.end()) result.twins[text.lines[record.line]] = twin->second;
+        if (twin != present.end()) result.twins[record.line] = twin->second;
         if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
-        isUnread[record.line] = true;
         result.unread++;
     }
-    result.text = text.Without(isUnread);
+    result.text = textOf(known);
 }
 
 void takeText(ZqCalculator& calc, DefinitionsRead& result) {
     DefinitionsText text(result.text);
-    const bool endsWell = !result.text.empty() && result.text.back() == '\n';
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
     const auto has = [&readings](Reading one) {
         return std::find(readings.begin(), readings.end(), one) != readings.end();
     };
-    const bool isWhole = takeHistory(calc.history, text);
-    result.damaged = !endsWell || !isWhole || text.headers[FUNCTIONS] != 0 || has(Reading::Refused);
+    const bool isWhole = takeHistory(calc.history, text.history);
+    result.damaged = !text.isFramed || !isWhole || has(Reading::Refused);
     if (has(Reading::TooLong)) tellUnread(calc, text, readings, result);
 }
 
@@ -211,11 +212,8 @@ void takeText(ZqCalculator& calc, DefinitionsRead& result) {
 
 std::string definitionsText(const ZqCalculator& calc) {
     const auto mathError = merror; // printing numbers may leave a code
-    const std::string sections[] = {functionLines(), variableLines(calc), unitLines(calc),
-                                    historyLines(calc.history)};
-    std::string text;
-    for (const Section section : {FUNCTIONS, VARIABLES, UNITS, HISTORY})
-        text += std::string(HEADERS[section]) + '\n' + sections[section];
+    const std::string text =
+        textOf({functionLines(), variableLines(calc), unitLines(calc), historyLines(calc.history)});
     merror = mathError;
     return text;
 }

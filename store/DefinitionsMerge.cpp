@@ -33,45 +33,33 @@ bool DefinitionsMerge::IsForeign(const std::string& key, const std::string& line
     return twin != twins.end() && own != present.end() && own->second == twin->second;
 }
 
-DefinitionsMerge::Sections DefinitionsMerge::ForeignIn(const DefinitionsText& others,
-                                                       const Lines& present) const {
+Sections DefinitionsMerge::ForeignIn(const DefinitionsText& others, const Lines& present) const {
     Sections foreign;
     for (const DefinitionRecord& record : others.records) {
         const std::string key = record.Key();
-        if (key.empty() || record.section == NO_SECTION) continue;
-        const std::string& line = others.lines[record.line];
-        if (IsForeign(key, line, present)) foreign[record.section] += line + "\n";
+        if (!key.empty() && record.section != NO_SECTION && IsForeign(key, record.line, present))
+            foreign[record.section] += record.line + "\n";
     }
     return foreign;
 }
 
 std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
-    const DefinitionsText text(ours);
+    const DefinitionsText text(ours), others(theirs);
     const Lines present = PresentIn(text);
     for (const auto& [key, line] : present) known.insert(key);
-    const DefinitionsText others(theirs);
     const Sections foreign = ForeignIn(others, present);
-    std::string merged;
-    for (size_t i = 0; i < text.lines.size(); i++) {
-        if (leavesHistory && i > text.headers[HISTORY]) break;
-        // Another section begins: the one before it is complete.
-        for (const Section section : {VARIABLES, UNITS, HISTORY}) {
-            if (text.headers[section] == i) merged += foreign[section - 1];
-        }
-        if (i < text.headers[HISTORY] && leftOut.count(text.lines[i]) != 0) continue;
-        merged += text.lines[i] + "\n";
+    Sections merged;
+    for (const DefinitionRecord& record : text.records) {
+        if (leftOut.count(record.line) == 0) merged[record.section] += record.line + "\n";
     }
-    for (size_t i = others.headers[HISTORY] + 1; leavesHistory && i < others.lines.size(); i++)
-        merged += others.lines[i] + "\n";
-    return merged;
+    for (const Section section : {FUNCTIONS, VARIABLES, UNITS}) merged[section] += foreign[section];
+    merged[HISTORY] = (leavesHistory ? others : text).History();
+    return textOf(merged);
 }
 
 std::string DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
     const Sections foreign = ForeignIn(DefinitionsText(theirs), PresentIn(DefinitionsText(ours)));
-    std::string text;
-    for (const Section section : {FUNCTIONS, VARIABLES, UNITS}) {
-        if (!foreign[section].empty()) text += HEADERS[section] + ("\n" + foreign[section]);
-    }
+    const std::string text = foreign == Sections() ? "" : textOf(foreign);
     for (const auto& [key, line] : DefinitionsText(text).LinesByKey()) known.insert(key);
     return text;
 }

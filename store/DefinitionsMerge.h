@@ -7,7 +7,6 @@
 #include "DefinitionRecords.h"
 #include "System.h"
 
-#include <array>
 #include <map>
 #include <set>
 #include <string>
@@ -46,8 +45,6 @@ public:
 
 private:
     using Lines = std::map<std::string, std::string>; // by what they define
-
-    using Sections = std::array<std::string, HISTORY>;
 
     Lines PresentIn(const DefinitionsText& ours) const;
     bool IsForeign(const std::string& key, const std::string& line, const Lines& present) const;

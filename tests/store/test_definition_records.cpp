@@ -55,15 +55,22 @@ TEST(DefinitionRecords, KeysAreEqualForWhatReplacesEachOther) {
 TEST(DefinitionRecords, SectionsBeginWithTheirHeadersAndTheHistoryHasNoRecords) {
     const DefinitionsText text("### FUNCTIONS ###\r\nf(x)=x\r\n\n### CUSTOM UNITS\n# a comment\nunit u=2 m\n"
                                "### HISTORY ###\na=1\n### VARIABLES ###\nb=1");
-    ASSERT_EQ(10U, text.lines.size());
-    EXPECT_EQ("f(x)=x", text.lines[1]);
-    EXPECT_EQ((std::array<size_t, 4>{0, 10, 3, 6}), text.headers);
+    EXPECT_EQ((std::vector<std::string>{"a=1", "### VARIABLES ###", "b=1"}), text.history);
+    EXPECT_EQ("a=1\n### VARIABLES ###\nb=1\n", text.History());
+    EXPECT_FALSE(text.isFramed) << "its last line has no end";
     ASSERT_EQ(2U, text.records.size());
     EXPECT_EQ(FUNCTIONS, text.records[0].section);
-    EXPECT_EQ(1U, text.records[0].line);
+    EXPECT_EQ("f(x)=x", text.records[0].line);
     EXPECT_EQ(UNITS, text.records[1].section);
-    EXPECT_EQ(5U, text.records[1].line);
-    EXPECT_EQ("", text.Without(std::vector<bool>(10, true)));
+    EXPECT_EQ("unit u=2 m", text.records[1].line);
+}
+
+TEST(DefinitionRecords, AFileHasItsFirstHeaderThatOfTheHistoryAndEndsItsLastLine) {
+    EXPECT_TRUE(DefinitionsText(textOf({"f(x)=x\n", "", "", "1\n"})).isFramed);
+    EXPECT_TRUE(DefinitionsText(textOf({})).isFramed);
+    EXPECT_FALSE(DefinitionsText("").isFramed);
+    EXPECT_FALSE(DefinitionsText("f(x)=x\n### HISTORY ###\n").isFramed);
+    EXPECT_FALSE(DefinitionsText("### FUNCTIONS ###\nf(x)=x\n").isFramed);
 }
 
 // The names of what is read, in the order of reading.

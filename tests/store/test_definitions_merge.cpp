@@ -205,7 +205,8 @@ TEST(DefinitionsMerge, TellsWhatAnotherProgramDefinedAndThatIsDeletedHereForGood
     const std::string theirs =
         file("f(x)=9\ng(x)=2\n", "ans=3\npi=3.14\ny=2\n", "unit u=2 m\nunit w=3 m\n", "7\n");
     EXPECT_EQ(merge.TakeForeign(ours, theirs),
-              "### FUNCTIONS ###\ng(x)=2\n### VARIABLES ###\ny=2\n### CUSTOM UNITS ###\nunit w=3 m\n");
+              "### FUNCTIONS ###\ng(x)=2\n### VARIABLES ###\ny=2\n### CUSTOM UNITS ###\nunit w=3 m\n"
+              "### HISTORY ###\n");
     EXPECT_EQ(merge.TakeForeign(ours, theirs), "");
     EXPECT_EQ(merge.Merge(ours, theirs), ours); // what was taken is not ours: it has been deleted here
 }
