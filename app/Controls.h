@@ -17,6 +17,8 @@ id makePanel(Class kind, NSString* title, NSSize size, NSUInteger style);
 void makeLabel(NSTextField* field);
 NSTextField* labelIn(NSView* view, NSString* text, NSRect frame);
 
+void useOurScroller(NSScrollView* scroll);
+
 // Puts a text view into a scroll view with our scroller. The text is as wide as the view.
 void scrollText(NSScrollView* scroll, NSTextView* text);
 

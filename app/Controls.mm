@@ -43,10 +43,14 @@ NSTextField* labelIn(NSView* view, NSString* text, NSRect frame) {
     return field;
 }
 
-void scrollText(NSScrollView* scroll, NSTextView* text) {
+void useOurScroller(NSScrollView* scroll) {
     const NSRect track = NSMakeRect(0, 0, [ZqScroller scrollerWidth], NSHeight([scroll frame]));
     [scroll setVerticalScroller:[[[ZqScroller alloc] initWithFrame:track] autorelease]];
     [scroll setHasVerticalScroller:YES];
+}
+
+void scrollText(NSScrollView* scroll, NSTextView* text) {
+    useOurScroller(scroll);
     [scroll setAutoresizingMask:NSViewWidthSizable | NSViewHeightSizable];
     const NSSize inside = [scroll contentSize];
     [text setFrame:NSMakeRect(0, 0, inside.width, inside.height)];

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
 // A pull-down button whose list may be longer than the screen, where GNUstep's own menus end.
+#import "Controls.h"
 #import "NumberField.h"
 #import "Platform.h"
+#import "ZqScroller.h"
 
 #include <algorithm>
 #include <cmath>
 
 // In points.
 static const CGFloat ROW = 20;
-static const CGFloat STRIP = 16; // at each end of a list that scrolls, with an arrow
-static const CGFloat BAR = 4;    // room for the bar that shows the position in such a list
+static const CGFloat END = 8; // so near to an end of what is in sight the pointer scrolls
 static const CGFloat EDGE = 1;
 static const CGFloat PADDING = 10;
 static const CGFloat COLUMN_GAP = 24;
@@ -20,13 +21,12 @@ static const CGFloat SCREEN_GAP = 8; // to the screen's edge
 static const NSTimeInterval TYPING_PAUSE = 1; // seconds
 static const NSTimeInterval SCROLL_PERIOD = 0.05;
 
-// The list of a button while it is open. Places are counted in points from its upper left corner.
+// The list of a button while it is open, in a scroll view.
 @interface ListView : NSView {
     NSPopUpButton* button; // not retained: it waits until the list is closed
     NSArray* items;        // of NSMenuItem, without the button's title
     CGFloat widths[2];     // of the columns
-    int count, inSight;    // rows
-    int top;               // the first row in sight
+    int count;             // of rows
     int selected;          // -1: none
     bool isOpen;
     bool isHeld;     // the button of the mouse is down since the list was opened
@@ -77,14 +77,6 @@ static NSFont* listFont() {
     return YES;
 }
 
-- (CGFloat)startOfRows {
-    return EDGE + (inSight < count ? STRIP : 0);
-}
-
-- (CGFloat)barRoom {
-    return inSight < count ? BAR : 0;
-}
-
 // The button on the screen.
 - (NSRect)buttonFrame {
     const NSRect inWindow = [button convertRect:[button bounds] toView:nil];
@@ -101,12 +93,12 @@ static NSFont* listFont() {
     const CGFloat wanted = (count * ROW + 2 * EDGE) * scale;
     const bool goesDown = wanted <= below || below >= above;
     const CGFloat room = goesDown ? below : above;
-    inSight = count;
-    if (wanted > room) inSight = std::max(static_cast<int>((room / scale - 2 * (EDGE + STRIP)) / ROW), 1);
+    int inSight = count;
+    if (wanted > room) inSight = std::max(static_cast<int>((room / scale - 2 * EDGE) / ROW), 1);
     const CGFloat columns = widths[0] + (widths[1] > 0 ? COLUMN_GAP + widths[1] : 0);
-    const CGFloat width =
-        std::max((columns + [self barRoom] + 2 * (PADDING + EDGE)) * scale, NSWidth(opener));
-    const CGFloat height = (inSight * ROW + 2 * [self startOfRows]) * scale;
+    const CGFloat scroller = inSight < count ? [ZqScroller scrollerWidth] : 0;
+    const CGFloat width = std::max((columns + scroller + 2 * (PADDING + EDGE)) * scale, NSWidth(opener));
+    const CGFloat height = (inSight * ROW + 2 * EDGE) * scale;
     const CGFloat x = std::max(std::min(NSMinX(opener), NSMaxX(screen) - width), NSMinX(screen));
     return NSMakeRect(x, goesDown ? NSMinY(opener) - height : NSMaxY(opener), width, height);
 }
@@ -128,9 +120,8 @@ static NSFont* listFont() {
     [self setNeedsDisplay:YES];
 }
 
-- (void)scrollTo:(int)row {
-    top = std::max(std::min(row, count - inSight), 0);
-    [self setNeedsDisplay:YES];
+- (NSRect)frameOf:(int)row {
+    return NSMakeRect(0, row * ROW, NSWidth([self bounds]), ROW);
 }
 
 // Selects the row, or the next one in that direction (1 or -1) that can be, and brings it into sight.
@@ -139,7 +130,7 @@ static NSFont* listFont() {
     while ([[self itemAt:row] isSeparatorItem]) row += direction;
     if (![self itemAt:row]) return;
     [self select:row];
-    [self scrollTo:std::max(std::min(top, row), row - inSight + 1)];
+    [self scrollRectToVisible:[self frameOf:row]];
 }
 
 // --- The pointer ---
@@ -152,23 +143,22 @@ static NSFont* listFont() {
     return NSPointInRect(pointer, [self buttonFrame]);
 }
 
-// The line at the pointer, counted from the first one in sight: -1 above the lines, `inSight` below them.
-// False beside the list.
-- (bool)findLine:(int*)line {
-    const NSRect frame = [[self window] frame];
-    const CGFloat y = (NSMaxY(frame) - pointer.y) / platformScale() - [self startOfRows];
-    *line = static_cast<int>(std::max(std::min(std::floor(y / ROW), CGFloat(inSight)), CGFloat(-1)));
-    return pointer.x >= NSMinX(frame) && pointer.x < NSMaxX(frame);
+- (NSPoint)pointerHere {
+    return [self convertPoint:[[self window] convertScreenToBase:pointer] fromView:nil];
 }
 
 - (int)rowAtPointer {
-    int line = 0;
-    return [self findLine:&line] && line >= 0 && line < inSight ? top + line : -1;
+    const NSPoint here = [self pointerHere];
+    return NSPointInRect(here, [self visibleRect]) ? static_cast<int>(here.y / ROW) : -1;
 }
 
 - (void)followPointer:(NSEvent*)event {
     NSWindow* const window = [event window];
     pointer = window ? [window convertBaseToScreen:[event locationInWindow]] : [NSEvent mouseLocation];
+    [self selectAtPointer];
+}
+
+- (void)selectAtPointer {
     const int row = [self rowAtPointer];
     if (row >= 0 || isHeld) [self select:row];
 }
@@ -176,10 +166,12 @@ static NSFont* listFont() {
 - (void)scrollAtEnds {
     // Pulled beyond the list it scrolls too, but not by the click that opened it.
     if (![self isOnList] && (!isHeld || [self isOnButton])) return;
-    int line = 0;
-    if (![self findLine:&line]) return;
-    if (line < 0) [self scrollTo:top - 1];
-    if (line >= inSight) [self scrollTo:top + 1];
+    const NSRect seen = [self visibleRect];
+    const NSPoint here = [self pointerHere];
+    if (here.x < NSMinX(seen) || here.x >= NSMaxX(seen)) return;
+    if (here.y < NSMinY(seen) + END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) - ROW)];
+    if (here.y > NSMaxY(seen) - END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) + ROW)];
+    if ([self isOnList]) [self selectAtPointer];
 }
 
 // Let go on the button that opened the list, it stays open.
@@ -209,6 +201,7 @@ static NSFont* listFont() {
 }
 
 - (void)moveBy:(NSEvent*)event {
+    const int inSight = static_cast<int>(std::lround(NSHeight([self visibleRect]) / ROW));
     NSString* const plain = [event charactersIgnoringModifiers];
     switch ([plain length] > 0 ? [plain characterAtIndex:0] : 0) {
     case NSUpArrowFunctionKey: [self goTo:selected < 0 ? count - 1 : selected - 1 direction:-1]; return;
@@ -261,19 +254,33 @@ static NSFont* listFont() {
     case NSLeftMouseDragged: [self followPointer:event]; break;
     case NSLeftMouseDown:
         [self followPointer:event];
-        if (![self isOnList]) [self giveUp];
+        if (![self isOnList])
+            [self giveUp];
+        else if ([self rowAtPointer] < 0)
+            [NSApp sendEvent:event]; // to the scroller, which follows the mouse until it is let go
         break;
     case NSLeftMouseUp:
         [self followPointer:event];
         [self letGo];
         break;
     case NSScrollWheel:
-        [self scrollTo:top - static_cast<int>(std::lround(3 * [event deltaY]))];
-        if ([self rowAtPointer] >= 0) [self select:[self rowAtPointer]];
+        [[self enclosingScrollView] scrollWheel:event];
+        [self selectAtPointer];
         break;
     case NSPeriodic: [self scrollAtEnds]; break;
     default: [self takeOther:event];
     }
+}
+
+- (void)showIn:(NSView*)content {
+    NSScrollView* const scroll =
+        [[[NSScrollView alloc] initWithFrame:NSInsetRect([content bounds], EDGE, EDGE)] autorelease];
+    useOurScroller(scroll);
+    [scroll setHasVerticalScroller:NSHeight([scroll frame]) < count * ROW];
+    [scroll setVerticalLineScroll:3 * ROW];
+    [self setFrame:NSMakeRect(0, 0, [scroll contentSize].width, count * ROW)];
+    [scroll setDocumentView:self];
+    [content addSubview:scroll];
 }
 
 - (NSMenuItem*)run:(NSEvent*)event {
@@ -285,8 +292,9 @@ static NSFont* listFont() {
     [panel setHidesOnDeactivate:NO];
     [panel setReleasedWhenClosed:NO];
     [panel setAcceptsMouseMovedEvents:YES];
-    [panel setContentView:self];
+    [panel setBackgroundColor:[NSColor gridColor]]; // the edge
     [panel setFrame:[self chooseFrame] display:NO];
+    [self showIn:[panel contentView]];
     [panel orderFront:nil];
     isOpen = true;
     if (event) [self followPointer:event];
@@ -332,44 +340,16 @@ static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint plac
     const CGFloat y = std::floor(NSMidY(frame) - [listFont() defaultLineHeightForFont] / 2);
     drawCell([cells objectAtIndex:0], widths[0], color, NSMakePoint(NSMinX(frame) + PADDING, y), false);
     if ([cells count] < 2) return;
-    const CGFloat end = NSMaxX(frame) - PADDING - [self barRoom];
+    const CGFloat end = NSMaxX(frame) - PADDING;
     drawCell([cells objectAtIndex:1], widths[1], color, NSMakePoint(end, y), true);
 }
 
-// A triangle around y that points up (-1) or down (1), dim where there is nothing more.
-- (void)drawArrow:(int)direction at:(CGFloat)y isLive:(bool)isLive {
-    const CGFloat x = std::floor(NSMidX([self bounds])), half = 4;
-    NSBezierPath* const path = [NSBezierPath bezierPath];
-    [path moveToPoint:NSMakePoint(x - half, y - direction * half / 2)];
-    [path lineToPoint:NSMakePoint(x + half, y - direction * half / 2)];
-    [path lineToPoint:NSMakePoint(x, y + direction * half / 2)];
-    [path closePath];
-    [isLive ? [NSColor controlTextColor] : [NSColor gridColor] set];
-    [path fill];
-}
-
-// The arrows, and where in the list the rows in sight are.
-- (void)drawPosition:(NSRect)rows {
-    const CGFloat middle = STRIP / 2;
-    [self drawArrow:-1 at:NSMinY(rows) - middle isLive:top > 0];
-    [self drawArrow:1 at:NSMaxY(rows) + middle isLive:top + inSight < count];
-    const CGFloat length = std::max(NSHeight(rows) * inSight / count, ROW);
-    const CGFloat way = (NSHeight(rows) - length) * top / (count - inSight);
-    const NSRect bar = NSMakeRect(NSMaxX(rows) - 5, NSMinY(rows) + way, 3, length);
-    [[NSColor disabledControlTextColor] set];
-    [[NSBezierPath bezierPathWithRoundedRect:bar xRadius:1.5 yRadius:1.5] fill];
-}
-
 - (void)drawRect:(NSRect)dirty {
-    const NSRect bounds = [self bounds];
     [[NSColor windowBackgroundColor] set];
-    NSRectFill(bounds);
-    const NSRect rows = NSInsetRect(bounds, EDGE, [self startOfRows]);
-    for (int i = 0; i < inSight; i++)
-        [self drawRow:top + i in:NSMakeRect(EDGE, NSMinY(rows) + i * ROW, NSWidth(rows), ROW)];
-    if (inSight < count) [self drawPosition:rows];
-    [[NSColor gridColor] set];
-    NSFrameRect(bounds);
+    NSRectFill(dirty);
+    const int end = std::min(static_cast<int>(std::ceil(NSMaxY(dirty) / ROW)), count);
+    for (int row = static_cast<int>(NSMinY(dirty) / ROW); row < end; row++)
+        [self drawRow:row in:[self frameOf:row]];
 }
 
 @end

@@ -20,7 +20,7 @@
 namespace {
 
 // As the list is drawn, in points.
-const CGFloat ROW = 20, STRIP = 16, EDGE = 1, SCREEN_GAP = 8;
+const CGFloat ROW = 20, EDGE = 1, SCREEN_GAP = 8;
 
 CGFloat scale = 1;
 
@@ -73,13 +73,11 @@ protected:
     }
 
     // Of a list with `count` rows as it is opened, from the button's lower edge.
-    CGFloat HeightOfRow(int row, bool scrolls = false) const {
-        return EDGE + (scrolls ? STRIP : 0) + (row + 0.5) * ROW;
-    }
+    CGFloat HeightOfRow(int row) const { return EDGE + (row + 0.5) * ROW; }
 
     int RowsInSight() const {
         const CGFloat room = [window convertBaseToScreen:Below(0)].y / scale - SCREEN_GAP;
-        return static_cast<int>((room - 2 * (EDGE + STRIP)) / ROW);
+        return static_cast<int>((room - 2 * EDGE) / ROW);
     }
 
     NSEvent* Mouse(NSEventType type, NSPoint where) const {
@@ -200,19 +198,19 @@ TEST_F(ListPopUpTest, ThePointerAtAnEndScrolls) {
     const int inSight = RowsInSight();
     ASSERT_GT(inSight, 5);
     ASSERT_LT(inSight, 100);
-    const CGFloat end = EDGE + STRIP + inSight * ROW + STRIP / 2;
+    const CGFloat end = EDGE + inSight * ROW - 2;
     PostRelease(MiddleOfButton());
     PostMouse(NSMouseMoved, Below(end));
     for (int i = 0; i < 2000; i++) PostTick();
-    PostMouse(NSMouseMoved, Below(HeightOfRow(inSight - 1, true)));
-    PostRelease(Below(HeightOfRow(inSight - 1, true)));
+    PostMouse(NSMouseMoved, Below(HeightOfRow(inSight - 1)));
+    PostRelease(Below(HeightOfRow(inSight - 1)));
     EXPECT_EQ(Choose(), "row1999\t3996001") << "all the way down";
     PostRelease(MiddleOfButton());
     PostMouse(NSMouseMoved, Below(end));
     for (int i = 0; i < 2000; i++) PostTick();
-    PostMouse(NSMouseMoved, Below(EDGE + STRIP / 2));
+    PostMouse(NSMouseMoved, Below(EDGE + 2));
     for (int i = 0; i < 2000; i++) PostTick();
-    PostRelease(Below(HeightOfRow(0, true)));
+    PostRelease(Below(HeightOfRow(0)));
     EXPECT_EQ(Choose(), "row0\t0") << "and up again";
 }
 
@@ -220,13 +218,13 @@ TEST_F(ListPopUpTest, TheClickThatOpensItDoesNotScroll) {
     AddRows(2000);
     for (int i = 0; i < 100; i++) PostTick();
     PostRelease(MiddleOfButton());
-    PostRelease(Below(HeightOfRow(0, true)));
+    PostRelease(Below(HeightOfRow(0)));
     EXPECT_EQ(Choose(), "row0\t0");
 }
 
 TEST_F(ListPopUpTest, TheWheelScrollsByThreeRows) {
     AddRows(2000);
-    const NSPoint where = Below(HeightOfRow(2, true));
+    const NSPoint where = Below(HeightOfRow(2));
     PostRelease(MiddleOfButton());
     for (const CGFloat notches : {-1.0, -1.0, -1.0, 1.0}) {
         PostEvent([NSEvent mouseEventWithType:NSScrollWheel
