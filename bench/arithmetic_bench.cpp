@@ -14,6 +14,8 @@ struct Workspace {
     mpfr_t peerResult;
     std::vector<std::string> texts;
     char buffer[160] = {};
+    int order = 0;
+    double machine = 0;
 
     Workspace() {
         mpfr_init2(peerResult, bench::PRECISION);
@@ -54,6 +56,15 @@ void addRows() {
     bench::addRow(
         "divide by one word", 1.0, [w](size_t i) { qdiv(divisor, w->b.Ours(i), w->result); },
         [w](size_t i) { mpfr_div_ui(w->peerResult, w->b.Peer(i), ONE_WORD, MPFR_RNDN); });
+    bench::addRow(
+        "compare", 0.8, [w](size_t i) { w->order = qcmp(w->a.Ours(i), w->b.Ours(i)); },
+        [w](size_t i) { w->order = mpfr_cmp(w->a.Peer(i), w->b.Peer(i)); });
+    bench::addRow(
+        "floor", 0.8, [w](size_t i) { qfloor(w->a.Ours(i), w->result); },
+        [w](size_t i) { mpfr_floor(w->peerResult, w->a.Peer(i)); });
+    bench::addRow(
+        "to a double", 0.8, [w](size_t i) { qtoe(w->a.Ours(i), &w->machine); },
+        [w](size_t i) { w->machine = mpfr_get_d(w->a.Peer(i), MPFR_RNDN); });
     bench::addRow(
         "parse 100 digits", 0.8, [w](size_t i) { asctoq(w->texts[i].c_str(), w->result); },
         [w](size_t i) { mpfr_set_str(w->peerResult, w->texts[i].c_str(), 10, MPFR_RNDN); });

@@ -198,17 +198,28 @@ void qsub(const qfloat a, const qfloat b, qfloat c) {
     qadd1(a, a[0] != 0 ? 0 : NEGATIVE_SIGN, b, c);
 }
 
+namespace {
+
+// The order of signed exponents is that of numbers which differ in them.
+inline int64_t signedExponent(const qfloat a) {
+    return a[0] != 0 ? -int64_t{a[1]} : int64_t{a[1]};
+}
+
+int compareTiny(const qfloat a, const qfloat b) {
+    qfloat d = {};
+    qsub(b, a, d);
+    if (d[1] == 0) return 0;
+    return qisneg(d) ? -1 : 1;
+}
+
+} // namespace
+
 int qcmp(const qfloat a, const qfloat b) {
-    if (a[1] <= MANTISSA_BITS && b[1] <= MANTISSA_BITS) {
-        qfloat d = {};
-        qsub(b, a, d);
-        if (d[1] == 0) return 0;
-        return qisneg(d) ? -1 : 1;
-    }
-    const bool negative = a[0] != 0;
-    if (negative != (b[0] != 0)) return negative ? -1 : 1;
-    for (int i = 1; i <= 13; ++i) {
-        if (a[i] != b[i]) return (a[i] > b[i]) != negative ? 1 : -1;
+    if (a[1] <= MANTISSA_BITS && b[1] <= MANTISSA_BITS) return compareTiny(a, b);
+    const int64_t x = signedExponent(a), y = signedExponent(b);
+    if (x != y) return x < y ? -1 : 1;
+    for (int i = 2; i <= 13; ++i) {
+        if (a[i] != b[i]) return (a[i] > b[i]) == (x > 0) ? 1 : -1;
     }
     return 0;
 }

@@ -121,8 +121,8 @@ void qdiv(const qfloat a, const qfloat b, qfloat c);
 // merror: 3 overflow (q = the overflow value, signed; a decimal value overflows from exponent 0x10000 on, a
 // radix value above it), 4 underflow (q = 0; a radix value that is too small gives 0 without a code), 4 also
 // for a zero mantissa with an exponent ("0e5").
-// A decimal value is the number nearest to the text's first 104 digits and exponent (a tie goes away from zero);
-// radix values are cut.
+// A decimal value is the number nearest to the text's first 104 digits and exponent (a tie goes away from
+// zero); radix values are cut.
 int asctoq(const char* text, qfloat q);
 
 // Writes q as a sign (blank or '-'), one digit, a point, min(digits, 104) fraction digits, 'E' and the
@@ -131,8 +131,8 @@ int asctoq(const char* text, qfloat q);
 // The buffer holds at least 3 + min(digits, 104) + 8 bytes.
 void qtoasc(const qfloat q, char* buffer, int digits);
 
-// q = q * 10^n, the number nearest to it (a tie goes away from zero).  Overflow: the overflow value with q's sign
-// and merror = 3.  Underflow: 0, no code.
+// q = q * 10^n, the number nearest to it (a tie goes away from zero).  Overflow: the overflow value with q's
+// sign and merror = 3.  Underflow: 0, no code.
 void qdecexp(qfloat q, int64_t n);
 
 // ---------------------------------------------------------------------------------------------------------
@@ -178,8 +178,7 @@ void qfac(const qfloat x, qfloat y);
 
 // c = b - k a for the integer k, towards zero, that leaves |c| < |a| (divisor first): exact for any
 // exponents, with b's sign, but 0 where it lies below the range; a zero remainder is a plain 0.  |b| < |a|: c
-// = b.  The time grows with the
-// difference of the exponents (64 bits a step).  a = 0: 0, merror = 2.
+// = b. a = 0: 0, merror = 2.
 void qremain(const qfloat a, const qfloat b, qfloat c);
 
 // ---------------------------------------------------------------------------------------------------------
