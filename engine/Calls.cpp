@@ -41,32 +41,34 @@ node* Evaluator::ProcFunction(node* functionTerm) {
 const qfloat* Evaluator::ArgumentOf(const Call& call) {
     const node* argument = call.arguments[0];
     const qfloat* value = KnownValue(argument);
-    if (!value && argument->text) {
-        outcome.FailAt(argument, "** ERROR 5: invalid argument '%s' in function %s **\n",
-                       {argument->text, call.Name()});
-    } else if (!value) {
-        outcome.FailAt(argument, "** ERROR 5: invalid argument in function %s **\n", {call.Name()});
-    }
-    return value;
+    return value ? value : (RefuseArgument(argument, call.Name()), nullptr);
+}
+
+int Evaluator::RefuseArgument(const node* argument, const char* name) {
+    if (!argument->text)
+        return outcome.FailAt(argument, "** ERROR 5: invalid argument in function %s **\n", {name});
+    return outcome.FailAt(argument, "** ERROR 5: invalid argument '%s' in function %s **\n",
+                          {argument->text, name});
 }
 
 // The argument becomes the result; the evaluator removes the parentheses that are left around it.
 node* Evaluator::CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x) {
-    noteOverflow(x);
-    if (checkMathError(call.Name(), outcome.message) != 0) return nullptr;
     qfloat value = {};
-    if (computeBuiltin(builtin, call.Name(), x, value, *this) != 0) return nullptr;
+    const int state = Compute(builtin, call.Name(), x, value);
+    if (state != 0) return nullptr;
     node* argument = call.open->next;
     argument->type = TERM_NUMBER;
     argument->DropText();
     argument->SetValue(value);
-    if (checkMathError(call.Name(), outcome.message) != 0) return nullptr;
     statement.terms.Del(call.function);
     return call.open;
 }
 
-static bool isLong(const char* text) {
-    return text && strnlen(text, WorkLimit::LONG_TEXT + 1) > WorkLimit::LONG_TEXT;
+int Evaluator::Compute(const Builtin& builtin, const char* name, const qfloat x, qfloat value) {
+    noteOverflow(x);
+    if (checkMathError(name, outcome.message) != 0) return STATUS_ERROR;
+    if (computeBuiltin(builtin, name, x, value, *this) != 0) return STATUS_ERROR;
+    return checkMathError(name, outcome.message) == 0 ? 0 : STATUS_ERROR;
 }
 
 // A number is known by its value: the digits of a long one are left behind.
@@ -76,21 +78,26 @@ static node* copyTerm(const node* term, int32_t level) {
     copy->level = level;
     copy->start = term->start;
     copy->length = term->length;
-    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLong(term->text);
+    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLongText(term->text);
     if (term->text && !isLongNumber) copy->text = strDuplicate(term->text);
     if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
     return copy;
 }
 
-int Evaluator::SuspectCircle(const Call& call) {
-    return outcome.FailAt(call.function, "** ERROR 5.1: circular function suspected: %s **\n", {call.Name()});
+int Evaluator::SuspectCircle(const Caller& caller) {
+    return outcome.FailAt(caller.place, "** ERROR 5.1: circular function suspected: %s **\n", {caller.name});
 }
 
-int Evaluator::PayForBody(const Call& call, const Function& function) {
+int Evaluator::CheckCall(const Function* function, const Caller& caller, int32_t level) {
+    if (level > WorkLimit::CALL_LEVEL) return SuspectCircle(caller);
+    if (function && function->body) return 0;
+    return outcome.FailAt(caller.place, "** Unrecognized function: %s **\n", {caller.name});
+}
+
+// For a body that comes into a statement of so many terms.
+int Evaluator::PayForBody(const Function& function, const Caller& caller, int32_t terms) {
     const int32_t number = function.body->count;
-    if (statement.terms.count + number > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) {
-        return SuspectCircle(call);
-    }
+    if (terms + number > WorkLimit::TERMS || longTexts > WorkLimit::LONG_TEXTS) return SuspectCircle(caller);
     work.copied += static_cast<uint64_t>(number);
     return spending.Spend(static_cast<uint64_t>(number) * Cost::COPIED_TERM);
 }
@@ -104,7 +111,7 @@ int Evaluator::CopyBody(const Call& call, const Function& function) {
         const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
         node* copy = statement.terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
         bodyTerms.push_back(copy);
-        if (isLong(copy->text)) longTexts += strlen(copy->text);
+        if (isLongText(copy->text)) longTexts += strlen(copy->text);
         if (longTexts > WorkLimit::LONG_TEXTS) return SuspectCircle(call);
     }
     const auto& order = function.order;
@@ -114,13 +121,14 @@ int Evaluator::CopyBody(const Call& call, const Function& function) {
     return 0;
 }
 
-// Replaces the arguments by the body. Every operator that is tighter or deeper than the call has been
-// applied, so what comes next is the body, then the call's own parenthesis, then the rest as it was ordered.
+// Replaces the call by its value, or the arguments by the body. Every operator that is tighter or deeper than
+// the call has been applied, so what comes next is the body, then the call's own parenthesis, then the rest
+// as it was ordered.
 node* Evaluator::Expand(const Call& call, const Function* function) {
-    if (call.open->level > WorkLimit::CALL_LEVEL) return SuspectCircle(call), nullptr;
-    if (!function || !function->body)
-        return outcome.FailAt(call.function, "** Unrecognized function: %s **\n", {call.Name()}), nullptr;
-    if (PayForBody(call, *function) != 0) return nullptr;
+    if (CheckCall(function, call, call.open->level) != 0) return nullptr;
+    const Ending ending = RunStatementsCall(call, *function);
+    if (ending != Ending::NoProgram) return ending == Ending::Value ? call.open : nullptr;
+    if (PayForBody(*function, call, statement.terms.count) != 0) return nullptr;
     operators.push_back(call.open);
     const node* lastArgument = call.close->prev;
     if (CopyBody(call, *function) != 0) return nullptr;

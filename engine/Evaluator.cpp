@@ -13,6 +13,7 @@ int Evaluator::ProcTermsLoop() {
     qclear(outcome.result);
     operators.clear();
     longTexts = 0;
+    isExpanding = false;
     node** next = statement.opOrder;
     while (!operators.empty() || *next) {
         node* const op = operators.empty() ? *next++ : operators.back();

@@ -5,7 +5,9 @@
 #pragma once
 
 #include "EntryContext.h"
+#include "Program.h"
 
+#include <deque>
 #include <vector>
 
 struct Builtin;
@@ -33,6 +35,12 @@ private:
 
     // --- Calls ---
 
+    // Of a call the name, in lower case, and its place in the statement.
+    struct Caller {
+        TextRange place;
+        const char* name;
+    };
+
     // A call: the '(' and ')' of its arguments and the terms between the commas.
     struct Call {
         node* function = nullptr; // the name, in lower case
@@ -42,14 +50,55 @@ private:
 
         bool Read(node* functionTerm); // false when the arguments are no flat list
         const char* Name() const { return function->text; }
+        operator Caller() const { return {{function->start, function->length}, Name()}; }
     };
 
     const qfloat* ArgumentOf(const Call& call);
     node* CallBuiltin(const Call& call, const Builtin& builtin, const qfloat x);
+    int Compute(const Builtin& builtin, const char* name, const qfloat x, qfloat value);
     node* Expand(const Call& call, const Function* function);
-    int PayForBody(const Call& call, const Function& function);
-    int SuspectCircle(const Call& call);
+    int RefuseArgument(const node* argument, const char* name);
+    int CheckCall(const Function* function, const Caller& caller, int32_t level);
+    int PayForBody(const Function& function, const Caller& caller, int32_t terms);
+    int SuspectCircle(const Caller& caller);
     int CopyBody(const Call& call, const Function& function);
+
+    // --- Calls that run the programs of functions (Run.cpp) ---
+
+    // A number, or a name that stands for one or for nothing.
+    struct Operand {
+        const qfloat* value = nullptr;
+        const node* name = nullptr;
+    };
+
+    struct Register {
+        qfloat number = {};
+        Operand operand;
+    };
+
+    // A call that runs.
+    struct Frame {
+        std::vector<Operand> arguments;
+        std::vector<Register> registers;
+        int32_t level = 0; // of its '(', were the bodies put into the statement
+        int32_t terms = 0; // that the statement would have beside those of the body
+    };
+
+    // NoProgram: a function that is called has none.
+    enum class Ending { Value, Failed, NoProgram };
+
+    Operand OperandOf(const node* term);
+    Operand OperandAt(const Program& program, const Frame& frame, Program::Place place);
+    int PayForOperator();
+    int RunPair(int32_t code, const Operand& left, const Operand& right, qfloat value);
+    Ending RunCall(const Program& program, const Program::Call& call, size_t depth, Register& to);
+    Ending RunBody(const Function* function, const Caller& caller, size_t depth, int32_t terms,
+                   Operand& result);
+    Ending RunStatementsCall(const Call& call, const Function& function);
+    void PutInPlace(const Call& call, const Operand& result);
+
+    std::deque<Frame> frames; // of the calls that run, the outermost first, and more
+    bool isExpanding = false; // the statement's calls are replaced by bodies from now on
 
     // Of the bodies that were put in, still to be applied, the next one last. Behind those of a body comes
     // the '(' of its call.

@@ -118,6 +118,7 @@ void CFunctionList::Insert(std::shared_ptr<Function> function, uint64_t number) 
     byName[lowerCased(function->name)].emplace(number, function.get());
     if (!function->body) predefined.emplace(number, function.get());
     functions.emplace(number, std::move(function));
+    version++;
     TabCompleteReset();
 }
 
@@ -130,6 +131,7 @@ std::shared_ptr<Function> CFunctionList::Take(uint64_t number) {
     predefined.erase(number);
     numbers.erase(function.get());
     functions.erase(place);
+    version++;
     TabCompleteReset();
     return function;
 }
@@ -155,6 +157,7 @@ Function* CFunctionList::AddFunction(const char* name, char* argText, const Deq*
         body->CopyTo(function->body);
         bindParameters(function.get());
         orderBody(function.get());
+        function->program.Make(*function->body, function->parameters, function->order);
     }
     Function* const added = function.get();
     const uint64_t number = ++lastNumber;

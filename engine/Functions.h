@@ -3,6 +3,7 @@
 // Named functions: predefined ones, which have no body, and those that a person defined.
 #pragma once
 
+#include "Program.h"
 #include "Undo.h"
 #include "deq.h"
 
@@ -27,6 +28,7 @@ struct Function {
     // by AddFunction.
     std::vector<int32_t> parameters;
     std::vector<int32_t> order;
+    Program program;
 
     Function() = default;
     ~Function();
@@ -94,6 +96,9 @@ public:
     // The functions that look-ups by name compared so far. Tests hold it against the number of look-ups.
     mutable uint64_t visited = 0;
 
+    // Another number after each change: what was looked up before may be another function now.
+    uint64_t Version() const { return version; }
+
     // Hands the steps that take changes back to this one; null: to nobody.
     void RecordIn(Undo* changes) { undo = changes; }
 
@@ -109,6 +114,7 @@ private:
     std::map<uint64_t, std::shared_ptr<Function>> functions;
     std::unordered_map<const Function*, uint64_t> numbers;
     uint64_t lastNumber = 0;
+    uint64_t version = 1;
 
     Row predefined;
     std::unordered_map<std::string, Row> byName; // by the name in lower case

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 
 struct Outcome;
@@ -42,6 +43,11 @@ constexpr size_t LONG_TEXT = 64;        // longer names, in an argument or a bod
 constexpr size_t LONG_TEXTS = 16 << 20; // the characters that one statement may copy
 
 } // namespace WorkLimit
+
+// Whether copies of the text, which may be null, are counted.
+inline bool isLongText(const char* text) {
+    return text && strnlen(text, WorkLimit::LONG_TEXT + 1) > WorkLimit::LONG_TEXT;
+}
 
 class WorkBudget {
 public:

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "Program.h"
+
+#include "Helpers_String.h"
+#include "WorkBudget.h"
+
+#include <utility>
+
+namespace {
+
+// Goes through the operators as the evaluator does. Of a term that is a value `start` is its place.
+class Maker {
+public:
+    Maker(Program& result, const Deq& body, const std::vector<int32_t>& parameters) : program(result) {
+        body.CopyTo(&terms);
+        for (const node* original = body.first; original; original = original->next) {
+            node* const term = nodes.empty() ? terms.first : nodes.back()->next;
+            term->start = ~static_cast<Program::Place>(nodes.size());
+            program.leaves.push_back({parameters[nodes.size()], original});
+            nodes.push_back(term);
+        }
+    }
+
+    bool Make(const std::vector<int32_t>& order) {
+        for (const node* term : nodes) {
+            if (term->type == OP_CONVERT || isLongName(term)) return false;
+        }
+        for (const int32_t position : order) {
+            node* const op = nodes[static_cast<size_t>(position)];
+            if (op->type == OP_OPEN ? !Open(op) : !Pair(op)) return false;
+        }
+        if (terms.count != 1 || !isValue(terms.first)) return false;
+        program.result = terms.first->start;
+        return true;
+    }
+
+private:
+    static bool isLongName(const node* term) { return term->type != TERM_NUMBER && isLongText(term->text); }
+
+    static bool isValue(const node* term) {
+        return term && (term->type == TERM_NUMBER || term->type == TERM_NAME);
+    }
+
+    Program::Place NewRegister() {
+        if (free.empty()) return static_cast<Program::Place>(program.registers++);
+        const Program::Place place = free.back();
+        free.pop_back();
+        return place;
+    }
+
+    // Deletes a term whose value is used up.
+    void Use(node* term) {
+        if (isValue(term) && term->start >= 0) free.push_back(term->start);
+        terms.Del(term);
+    }
+
+    bool Pair(node* op) {
+        node* const left = isValue(op->prev) ? op->prev : nullptr;
+        node* const right = op->type == OP_FACTORIAL ? nullptr : op->next;
+        if (op->type != OP_FACTORIAL && !isValue(right)) return false;
+        const Program::Place to = NewRegister();
+        program.steps.push_back(
+            {op->type, to, left ? left->start : Program::NOWHERE, right ? right->start : Program::NOWHERE});
+        if (left) Use(left);
+        if (right) Use(right);
+        op->type = TERM_NUMBER;
+        op->start = to;
+        return true;
+    }
+
+    bool Open(node* open) {
+        if (open->prev && open->prev->type == TERM_FUNC) return Call(open);
+        if (isValue(open->prev) || !isValue(open->next) || open->next->next->type != OP_CLOSE) return false;
+        program.steps.push_back({OP_OPEN, Program::NOWHERE, Program::NOWHERE, Program::NOWHERE});
+        terms.Del(open->next->next);
+        terms.Del(open);
+        return true;
+    }
+
+    bool Call(node* open) {
+        Program::Call call;
+        call.name = lowerCased(open->prev->text);
+        call.level = open->level;
+        call.terms = terms.count;
+        for (node* term = open->next;; term = term->next->next) {
+            if (!isValue(term) || (term->next->type != OP_COMMA && term->next->type != OP_CLOSE))
+                return false;
+            call.arguments.push_back(term->start);
+            if (term->next->type == OP_CLOSE) break;
+        }
+        const Program::Place to = NewRegister();
+        const auto number = static_cast<Program::Place>(program.calls.size());
+        program.steps.push_back({TERM_FUNC, to, number, Program::NOWHERE});
+        program.calls.push_back(std::move(call));
+        terms.Del(open->prev);
+        while (open->next->type != OP_CLOSE) Use(open->next);
+        terms.Del(open->next);
+        open->type = TERM_NUMBER;
+        open->start = to;
+        return true;
+    }
+
+    Program& program;
+    Deq terms;
+    std::vector<node*> nodes; // by their positions; those of deleted terms are not used again
+    std::vector<Program::Place> free;
+};
+
+} // namespace
+
+void Program::Make(const Deq& body, const std::vector<int32_t>& parameters,
+                   const std::vector<int32_t>& order) {
+    if (!Maker(*this, body, parameters).Make(order)) *this = Program();
+}

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+//
+// What the call of a person's function executes: its body, worked out once, when it is defined.
+#pragma once
+
+#include "deq.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct Builtin;
+struct Function;
+
+// A program does what the evaluator does with the terms of the body when they stand in the place of a call,
+// without these terms: it has a step for each operator and parenthesis, in their order.
+struct Program {
+    // Where a value is: below 0 the leaf of number ~place, otherwise the register of this number.
+    using Place = int32_t;
+    static constexpr Place NOWHERE = INT32_MAX;
+
+    // A term of the body that is no operator.
+    struct Leaf {
+        int32_t parameter; // the parameter that it names, or -1
+        const node* term;
+    };
+
+    struct Step {
+        int32_t code; // of the operator; OP_OPEN: parentheses around a value; TERM_FUNC: a call
+        Place to;
+        Place left; // NOWHERE without an operand there; of a call its number
+        Place right;
+    };
+
+    struct Call {
+        std::string name; // in lower case
+        std::vector<Place> arguments;
+        int32_t level; // of its '(' in the body
+        int32_t terms; // of the body that are left when it is called
+
+        // What the name stands for, as long as the list of functions has this version.
+        mutable uint64_t version = 0;
+        mutable const Function* function = nullptr;
+        mutable const Builtin* builtin = nullptr;
+    };
+
+    std::vector<Leaf> leaves;
+    std::vector<Step> steps;
+    std::vector<Call> calls;
+    size_t registers = 0;   // that it takes
+    Place result = NOWHERE; // without one the body has no program
+
+    bool Exists() const { return result != NOWHERE; }
+
+    // Makes the program of a checked body, of which these terms name parameters and these are the operators
+    // in their order, by positions. There is none for a body that leaves more or less than a single value, or
+    // in which more than values counts: conversions of units, and names before parentheses.
+    void Make(const Deq& body, const std::vector<int32_t>& parameters, const std::vector<int32_t>& order);
+};

@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: MIT
+//
+// A call runs the program of its function. The same calls without programs, whose bodies are put into the
+// statement and evaluated there, have to give the same in every respect.
+#include "../seed.h"
+#include "functions_fixture.h"
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+int questions = 0;
+
+bool countQuestions() {
+    questions++;
+    return false;
+}
+
+class Programs : public Functions {
+protected:
+    Programs() { calc.interruptCheck = countQuestions; }
+
+    // What an entry answers, and all that it took.
+    std::string Seen(const std::string& line, bool quick) {
+        questions = 0;
+        const int status = calc.ProcessEntry(line.c_str(), quick);
+        const WorkCounters& work = calc.work;
+        std::string seen = std::to_string(status) + " " + (status == STATUS_RESULT ? "" : calc.message);
+        for (const uint32_t word : calc.result)
+            seen += std::to_string(status == STATUS_RESULT ? word : 0) + " ";
+        for (const uint64_t count : {work.reduced, work.copied, work.checked, work.ordered})
+            seen += std::to_string(count) + " ";
+        return seen + std::to_string(questions) + " " + std::to_string(calc.errorRange.start) + " " +
+               std::to_string(calc.errorRange.length);
+    }
+
+    // Until the next function is defined.
+    static void DropPrograms() {
+        for (Function* function = funcs.Get(0); function; function = funcs.GetNext())
+            function->program = Program();
+    }
+
+    static bool HasProgram(const char* name) { return funcs.FindByName(name, -1)->program.Exists(); }
+
+    void ExpectTheSameWithoutPrograms(const std::vector<std::string>& definitions,
+                                      const std::vector<std::string>& lines) {
+        std::vector<std::string> seen;
+        for (const bool withPrograms : {true, false}) {
+            deleteAllFunctions();
+            deleteAllUnits();
+            calc.InitializeFunctionsAndVars();
+            for (const char* line : {"v=3", "x=2"}) Enter(line);
+            for (const std::string& definition : definitions) Enter(definition);
+            if (!withPrograms) DropPrograms();
+            size_t next = 0;
+            for (const std::string& line : lines) {
+                for (const bool quick : {true, false}) {
+                    const std::string now = Seen(line, quick);
+                    if (withPrograms)
+                        seen.push_back(now);
+                    else
+                        EXPECT_EQ(now, seen[next++]) << line << (quick ? " as a preview" : "");
+                }
+            }
+        }
+    }
+};
+
+TEST_F(Programs, ArithmeticCallsAndParenthesesHaveOne) {
+    for (const char* body : {"x", "(x)", "-x", "2*-(x+1)", "sin(x)", "sin((x))", "mod(x,mod(3,x))", "x!^2",
+                             "unknown", "f(x)+mod(1,x)", "v+pi", "0x10+x"}) {
+        Enter(std::string("f(x)=") + body);
+        EXPECT_TRUE(HasProgram("f")) << body;
+    }
+    for (const char* body : {"2(x)", "(x)(x)", "x(2)", "5 km->mi", "2+-x", "mod(x,(1)(2))"}) {
+        Enter(std::string("f(x)=") + body);
+        EXPECT_FALSE(HasProgram("f")) << body;
+    }
+    EXPECT_FALSE(HasProgram("sin"));
+}
+
+TEST_F(Programs, EndAsExpandedBodiesDo) {
+    ExpectTheSameWithoutPrograms({"ident(x)=x",
+                                  "paren(x)=(x)",
+                                  "inc(x)=x+1",
+                                  "two(x,y)=x*y+inc(x)",
+                                  "swap(x,y)=two(y,x)",
+                                  "km(x)=km",
+                                  "unused(x)=5",
+                                  "unusedtwo(x,y)=x",
+                                  "name(x)=nosuch",
+                                  "zero(x)=1/(x-x)",
+                                  "root(x)=sqrt(x)",
+                                  "lg(x)=log2(x)",
+                                  "circle(x)=circle(x)+1",
+                                  "twice(x)=twice(x)+twice(x)",
+                                  "missing(x)=ident(x)+gone(x)",
+                                  "gone(x)=x",
+                                  "del gone",
+                                  "junk(x)=2(x)",
+                                  "injunk(x)=inc(x)+junk(x)",
+                                  "deepjunk(x)=two(injunk(x),inc(x))",
+                                  "conv(x)=5 km->mi",
+                                  "inconv(x)=inc(x)*conv(x)",
+                                  "big(x)=x*1e9999",
+                                  "power(x)=x^.5",
+                                  "neg(x)=-x",
+                                  "fact(x)=x!",
+                                  "hex(x)=0x1F&x",
+                                  "wide(x)=x" + repeated("+x", 600),
+                                  "usewide(x)=wide(x)+wide(x)",
+                                  "many(x)=wide(x)" + repeated("+wide(x)", 90),
+                                  "vars(x)=v*x+pi",
+                                  "call(x)=ident(nosuch)",
+                                  "callunused(x)=unused(nosuch)",
+                                  "calltwo(x)=unusedtwo(nosuch,1)",
+                                  "sine(x)=sin(nosuch)",
+                                  "sum(x)=x" + repeated("+x", 4900) + "+sum(x)",
+                                  "tan(x,y)=x",
+                                  "pole(x)=tan(x)"},
+                                 {"ident(3)",
+                                  "ident(v)",
+                                  "ident(nosuch)",
+                                  "1+ident(nosuch)",
+                                  "paren(v)",
+                                  "inc(4)*2",
+                                  "two(2,3)",
+                                  "two(v,x)",
+                                  "swap(inc(1),2)",
+                                  "swap(nosuch,2)",
+                                  "3*km(1)",
+                                  "km(1)",
+                                  "unused(nosuch)",
+                                  "unusedtwo(7,a)",
+                                  "unusedtwo(a,7)+1",
+                                  "name(1)",
+                                  "1-name(2)",
+                                  "zero(5)",
+                                  "root(-4)",
+                                  "lg(0)",
+                                  "lg(8)",
+                                  "circle(1)",
+                                  "twice(1)",
+                                  "missing(2)",
+                                  "junk(3)",
+                                  "1+junk(3)",
+                                  "injunk(2)",
+                                  "deepjunk(2)",
+                                  "sin(deepjunk(2))+1",
+                                  "conv(1)",
+                                  "inconv(2)*2",
+                                  "big(1)",
+                                  "big(0)+1",
+                                  "power(-1)",
+                                  "power(2)",
+                                  "neg(3)^2",
+                                  "fact(5)",
+                                  "fact(9999)",
+                                  "hex(9)",
+                                  "hex(0x13)",
+                                  "wide(1)",
+                                  "usewide(2)",
+                                  "many(1)",
+                                  "vars(2)",
+                                  "call(1)",
+                                  "callunused(1)",
+                                  "calltwo(1)",
+                                  "sine(1)",
+                                  "sum(1)",
+                                  "ident(v)(2)",
+                                  "(v)ident(2)",
+                                  "2*-ident(3)",
+                                  "mod(ident(7),inc(2))",
+                                  "INC(2)",
+                                  "nosuch(2)",
+                                  "ident(1,2)",
+                                  "mode deg; pole(90)",
+                                  "inc(1e10000)",
+                                  "1e10000+inc(1)",
+                                  "ident(" + std::string(70, 'a') + ")",
+                                  "inc(x)->m",
+                                  "5 km->m+inc(2)",
+                                  repeated("inc(", 99) + "1" + repeated(")", 99),
+                                  repeated("inc(", 101) + "1" + repeated(")", 101),
+                                  repeated("two(inc(1),", 50) + "1" + repeated(")", 50),
+                                  "two(" + repeated("inc(", 98) + "1" + repeated(")", 98) + ",1)"});
+}
+
+std::string randomBody(std::mt19937& random, const std::vector<std::string>& names, int depth) {
+    static const char* const operators[] = {"+", "-", "*", "^", "*-", "/", "-", "<", "&&", "==", "%", ""};
+    const auto inner = [&] { return randomBody(random, names, depth - 1); };
+    switch (depth == 0 ? random() % 3 : random() % 10) {
+    case 0: return std::to_string(random() % 4);
+    case 1:
+    case 2: return names[random() % names.size()];
+    case 3: return "(" + inner() + ")";
+    case 4: return "f" + std::to_string(random() % 4) + "(" + inner() + ")";
+    case 5: return "g" + std::to_string(random() % 3) + "(" + inner() + "," + inner() + ")";
+    case 6: return "sqrt(" + inner() + ")";
+    case 7: return "(" + inner() + ")!";
+    default: return inner() + operators[random() % 12] + inner();
+    }
+}
+
+TEST_F(Programs, OfRandomFunctionsEndAsExpandedBodiesDo) {
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
+    for (int round = 0; round < 60; round++) {
+        std::vector<std::string> definitions;
+        for (int i = 0; i < 4; i++) {
+            const std::string number = std::to_string(i);
+            definitions.push_back("f" + number + "(x)=" + randomBody(random, {"x", "v", "q"}, 2));
+            definitions.push_back("g" + number + "(x,y)=" + randomBody(random, {"x", "y", "y"}, 2));
+        }
+        std::vector<std::string> lines;
+        for (int i = 0; i < 25; i++) lines.push_back(randomBody(random, {"v", "x", "q", "1"}, 3));
+        ExpectTheSameWithoutPrograms(definitions, lines);
+        if (HasFailure()) break;
+    }
+}
+
+TEST_F(Programs, CallWhatANameStandsForNow) {
+    Enter("inner(x)=x+1");
+    Enter("outer(x)=inner(x)*2");
+    EXPECT_EQ("ans = 6\n", Answer("outer(2)"));
+    Enter("inner(x)=x+10");
+    EXPECT_EQ("ans = 24\n", Answer("outer(2)"));
+    EXPECT_EQ("ans = 24\n", Answer("inner(x,y)=x;outer(2)"));
+    Enter("del inner");
+    EXPECT_EQ("** Unrecognized function: inner **\n", Answer("outer(2)"));
+    Enter("inner(x)=2(x)"); // the call leaves ( ( 2 2 ) 2 )
+    EXPECT_EQ("** ERROR: could not compute (7) **\n", Answer("outer(2)"));
+    Enter("inner(x)=v");
+    EXPECT_EQ("** ERROR 7: invalid term = v **\n", Answer("outer(2)"));
+    EXPECT_EQ("ans = 10\n", Answer("v=5;outer(2)"));
+    Enter("root(x)=sqrt(x)");
+    Enter("del sqrt");
+    EXPECT_EQ("ans = 3\n", Answer("root(9)"));
+    Enter("sqrt(x)=x*x");
+    EXPECT_EQ("ans = 81\n", Answer("root(9)"));
+}
+
+} // namespace
