@@ -11,6 +11,7 @@
 // Every test lives in a file test_*.mm; the program refuses to run when one does not, because CTest would
 // miss it. Listing the tests (--gtest_list_tests) needs no display.
 #import "Platform.h"
+#include "leaks.h"
 
 #import <AppKit/AppKit.h>
 
@@ -57,6 +58,16 @@ static void reportException(NSException* exception) {
     _exit(STATUS_EXCEPTION);
 }
 
+// What GNUstep makes once, for all of a run, it never gives back: objects of its classes, and the images of
+// its theme, which come with the first scroller.
+static void startAppKit() {
+    const LeaksOfLibraries here;
+    platformRegisterDefaults();
+    [NSApplication sharedApplication];
+    platformAfterLaunch();
+    [[[NSScroller alloc] initWithFrame:NSMakeRect(0, 0, 15, 100)] release];
+}
+
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const bool hasFile = argc == 3 && strcmp(argv[1], "--file") == 0;
@@ -76,9 +87,7 @@ int main(int argc, char** argv) {
     // What GoogleTest would catch never reached the handler below.
     testing::GTEST_FLAG(catch_exceptions) = false;
     NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
-    platformRegisterDefaults();
-    [NSApplication sharedApplication];
-    platformAfterLaunch();
+    startAppKit();
     NSSetUncaughtExceptionHandler(reportException);
     const int status = RUN_ALL_TESTS();
     [pool release];
