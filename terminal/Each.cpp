@@ -2,6 +2,7 @@
 #include "Each.h"
 
 #include "Calculator.h"
+#include "EntryText.h"
 #include "Helpers_String.h"
 
 #include <algorithm>
@@ -19,10 +20,6 @@ constexpr std::array<std::string_view, 7> GROUP_MARKS = {"'",      " ",      "\u
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
-}
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
 }
 
 bool removeStart(std::string_view& text, std::string_view start) {

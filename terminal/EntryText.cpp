@@ -52,3 +52,7 @@ std::string withoutBlanks(std::string_view text) {
     std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !isBlank(c); });
     return joined;
 }
+
+bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}

@@ -30,3 +30,6 @@ std::string asLine(std::string_view text);
 
 // `text` without its blanks, tabs and line ends.
 std::string withoutBlanks(std::string_view text);
+
+// Whether `text` begins with `start`.
+bool startsWith(std::string_view text, std::string_view start);

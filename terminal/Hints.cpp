@@ -5,6 +5,7 @@
 #include "EntryText.h"
 #include "Functions.h"
 #include "Helpers_String.h"
+#include "ScreenText.h"
 #include "units.h"
 
 #include <algorithm>
@@ -12,18 +13,8 @@
 
 namespace {
 
-// Columns of UTF-8 text whose characters take one each.
-std::size_t widthOf(std::string_view text) {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
 bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
-}
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
 }
 
 // How many letters have to be changed, put in, taken out or exchanged with their neighbour to make `b` of
@@ -187,15 +178,16 @@ constexpr std::string (*HINTS[])(const Trouble&) = {
 
 } // namespace
 
-std::string markUnder(std::string_view entry, TextRange range, std::size_t promptWidth, std::size_t columns) {
-    if (range.start < 0 || columns == 0) return "";
+std::string markUnder(std::string_view entry, TextRange range, int promptWidth, int columns) {
+    if (range.start < 0 || columns <= 0) return "";
     const auto start = static_cast<std::size_t>(range.start);
     const auto length = static_cast<std::size_t>(range.length);
-    const std::size_t lastRow = (promptWidth + widthOf(entry)) / columns * columns;
-    const std::size_t from = promptWidth + widthOf(entry.substr(0, start));
-    const std::size_t carets = widthOf(entry.substr(start, length));
-    if (from < lastRow || contains(entry, "\t")) return "";
-    return std::string(from - lastRow, ' ') + std::string(carets, '^') + "\n";
+    const ScreenPlace from = placeBehind(entry.substr(0, start), {0, promptWidth}, columns);
+    const ScreenPlace to = placeBehind(entry.substr(start, length), from, columns);
+    const ScreenPlace last = placeBehind(entry.substr(start + length), to, columns);
+    if (from.row != last.row) return "";
+    const auto blanks = static_cast<std::size_t>(from.column);
+    return std::string(blanks, ' ') + std::string(static_cast<std::size_t>(to.column) - blanks, '^') + "\n";
 }
 
 std::string nearestName(std::string_view name, const std::vector<std::string>& names) {

@@ -13,7 +13,7 @@
 // Blanks and carets that mark the part of the entry above, which was typed behind a prompt of `promptWidth`
 // columns in a terminal of `columns`, with a line feed. Empty when the part is not known or does not end in
 // the last row that the entry takes.
-std::string markUnder(std::string_view entry, TextRange range, std::size_t promptWidth, std::size_t columns);
+std::string markUnder(std::string_view entry, TextRange range, int promptWidth, int columns);
 
 // What may help after this entry, which `calc` has just answered with an error: one line with its line feed,
 // or nothing.

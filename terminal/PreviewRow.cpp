@@ -1,27 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "PreviewRow.h"
 
-#include "ShownText.h"
-
-#include <algorithm>
-#include <cwchar>
 #include <utility>
 
 namespace {
-
-// Bytes that are no UTF-8 count as a character each.
-std::size_t lengthAt(std::string_view text, std::size_t start) {
-    return std::max<std::size_t>(utf8Length(text, start), 1);
-}
-
-int widthOf(std::string_view character) {
-    if (character.size() == 1)
-        return static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7F ? 2 : 1;
-    wchar_t wide = 0;
-    std::mbstate_t state = {};
-    const std::size_t read = std::mbrtowc(&wide, character.data(), character.size(), &state);
-    return read == character.size() ? std::max(wcwidth(wide), 0) : 1;
-}
 
 std::string move(int count, char direction) {
     return count > 0 ? "\x1b[" + std::to_string(count) + direction : "";
@@ -32,45 +14,6 @@ std::string toColumn(int column) {
 }
 
 } // namespace
-
-ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width) {
-    ScreenPlace place = from;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::string_view character = text.substr(i, lengthAt(text, i));
-        const int columns = character == "\t" ? 8 - place.column % 8 : widthOf(character);
-        if (columns == 2 && character.size() > 1 && place.column + columns > width)
-            place = {place.row + 1, 0};
-        place.column += columns;
-        if (place.column >= width) place = {place.row + 1, std::max(place.column - width, 0)};
-        i += character.size();
-    }
-    return place;
-}
-
-std::string withoutMarkedParts(std::string_view text) {
-    std::string plain;
-    bool isMarked = false;
-    for (const char byte : text) {
-        if (byte == '\001' || byte == '\002')
-            isMarked = byte == '\001';
-        else if (!isMarked)
-            plain += byte;
-    }
-    return plain;
-}
-
-std::string cutToWidth(std::string_view text, int width) {
-    int columns = 0;
-    std::size_t kept = 0; // what fits beside the mark
-    for (std::size_t i = 0; i < text.size();) {
-        const std::string_view character = text.substr(i, lengthAt(text, i));
-        columns += widthOf(character);
-        if (columns > width) return std::string(text.substr(0, kept)) + "…";
-        i += character.size();
-        if (columns < width) kept = i;
-    }
-    return std::string(text);
-}
 
 std::string PreviewRow::Draw(std::string_view text, ScreenPlace cursor, ScreenPlace end, int width) {
     const std::string cleared = Erase();

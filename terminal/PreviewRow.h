@@ -4,27 +4,10 @@
 // returned.
 #pragma once
 
-#include <cstddef>
+#include "ScreenText.h"
+
 #include <string>
 #include <string_view>
-
-// Where a text that wraps at the width of a screen puts its end, counted from where it began. A text that
-// fills a row ends at the start of the next one.
-struct ScreenPlace {
-    int row = 0;
-    int column = 0;
-};
-
-// The place behind the UTF-8 text that begins at `from`: control characters take two columns, as in ^A, tabs
-// go to the next multiple of eight, and a wide character that does not fit begins the next row.
-ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width);
-
-// The text without what no screen shows: each "\001...\002".
-std::string withoutMarkedParts(std::string_view text);
-
-// At most so many columns of the UTF-8 text; one that was cut ends in "…", so that no number looks like
-// another one.
-std::string cutToWidth(std::string_view text, int width);
 
 class PreviewRow {
 public:

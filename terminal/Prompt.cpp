@@ -29,7 +29,8 @@ namespace {
 
 using Status = LineSource::Status;
 
-constexpr const char* PROMPT = "> ";
+constexpr char PROMPT[] = "> ";
+constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
 // One byte more than an entry may have tells an overlong line apart.
 constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
@@ -153,8 +154,7 @@ int columnsOf(int screen) {
 std::string Prompt::WithHelp(const std::string& error) const {
     ZqCalculator& calc = session.Calculator();
     if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
-    const auto columns = static_cast<std::size_t>(columnsOf(screen));
-    const std::string mark = markUnder(current, calc.errorRange, std::strlen(PROMPT), columns);
+    const std::string mark = markUnder(current, calc.errorRange, PROMPT_WIDTH, columnsOf(screen));
     return AsHint(mark) + error + AsHint(hintAfterError(current, calc));
 }
 

@@ -241,16 +241,7 @@ bool ReadlineEditor::ReadBytes(long patience) {
     if (count <= 0) return false;
     lastRead = static_cast<std::size_t>(count);
     piece.append(block, lastRead);
-    // The last character may have begun.
-    std::size_t whole = piece.size();
-    for (std::size_t back = 1; back <= std::min<std::size_t>(3, piece.size()); ++back) {
-        const auto lead = static_cast<unsigned char>(piece[piece.size() - back]);
-        if (lead < 0x80) break;
-        if (lead < 0xC0) continue;
-        const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-        if (length > back) whole = piece.size() - back;
-        break;
-    }
+    const std::size_t whole = wholeCharacters(piece);
     bytes = signs.Read(std::string_view(piece).substr(0, whole));
     piece.erase(0, whole);
     taken = 0;

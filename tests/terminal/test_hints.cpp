@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Hints.h"
 
+#include <clocale>
 #include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 
@@ -113,6 +113,14 @@ TEST(MarkUnder, PutsCaretsBelowTheTerm) {
 
 TEST(MarkUnder, CountsACharacterOfSeveralBytesAsOne) {
     EXPECT_EQ(markUnder("\xC3\xA4*wdth", {3, 4}, 2, 80), "    ^^^^\n");
+}
+
+TEST(MarkUnder, StandsBelowTheTermBehindWideCharactersAndTabs) {
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    EXPECT_EQ(markUnder("2*\xE4\xB8\xAD*wdth", {6, 4}, 2, 80), "       ^^^^\n"); // the sign takes two columns
+    EXPECT_EQ(markUnder("\xE4\xB8\xAD", {0, 3}, 2, 80), "  ^^\n");
+    EXPECT_EQ(markUnder("2*\twdth", {3, 4}, 2, 80), "        ^^^^\n");
+    std::setlocale(LC_CTYPE, "C");
 }
 
 TEST(MarkUnder, IsThereWhereTheTermIsInTheLastRow) {
