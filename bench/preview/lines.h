@@ -19,7 +19,7 @@ struct Line {
     std::string end = {};
 };
 
-// What people type, and the dearest that we know of.
+// What people type, and the most expensive lines that we know of.
 const std::vector<Line>& lines();
 
 // Defines the functions, variables and units that the lines use.

@@ -43,11 +43,11 @@ protected:
     }
 };
 
-TEST_F(InterruptKeys, NothingWaiting) {
+TEST_F(InterruptKeys, WithoutAKeyNothingIsInterrupted) {
     EXPECT_EQ(0, [console checkInterruptEvent]);
 }
 
-TEST_F(InterruptKeys, EscapeInterrupts) {
+TEST_F(InterruptKeys, EscapeInterruptsTheEntry) {
     Post(@"\033");
     EXPECT_EQ(1, [console checkInterruptEvent]);
     EXPECT_EQ(0, [console checkInterruptEvent]);

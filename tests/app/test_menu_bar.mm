@@ -209,7 +209,7 @@ TEST_F(MenuBar, SelectAllAndCopyTakeTheWholeText) {
     EXPECT_EQ(Pasteboard(), Text());
 }
 
-TEST_F(MenuBar, PasteInserts) {
+TEST_F(MenuBar, PasteInsertsTheTextAtTheCursor) {
     SetPasteboard("6*7");
     Choose("Paste");
     EXPECT_EQ(Entry(), "6*7");

@@ -33,7 +33,7 @@ TEST_F(Repeating, AfterWhatWasTypedIsDeleted) {
     ExpectRepeats();
 }
 
-TEST_F(Repeating, AfterEscape) {
+TEST_F(Repeating, AnEscapeBeforeItChangesNothing) {
     Type("3");
     Press(KEY_ESCAPE);
     ExpectRepeats();

@@ -143,7 +143,7 @@ protected:
 
 bool hadFunctions = false;        // predefined ones, when the settings were loaded
 bool hadFunctionsForFile = false; // when the functions file was
-int entriesForFile = 0;           // the room of the history then
+int entriesForFile = 0;           // how many the history could hold then
 
 void recordSettings(id self, SEL selector) {
     hadFunctions = funcs.FindByName("sin", 1) != nullptr;

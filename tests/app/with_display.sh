@@ -132,7 +132,7 @@ if [ "$(uname -s)" != Darwin ]; then
     [ "$wm" = no ] || start_window_manager
 fi
 
-# In the background, because a shell that waits for a program in the foreground heeds no signal.
+# In the background, because a shell that waits for a program in the foreground reacts to no signal.
 if command -v timeout >/dev/null 2>&1; then
     timeout -k 5 "$limit" "$@" </dev/null &
 else

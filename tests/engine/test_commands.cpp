@@ -37,7 +37,7 @@ TEST_F(Functions, DeletingAVariableForgetsItsName) {
     EXPECT_EQ(nullptr, calc.lastName);
 }
 
-TEST_F(Functions, GospelAlternates) {
+TEST_F(Functions, EverySecondGospelIsLeftToTheFrontEnd) {
     const std::string first = Answer("gospel");
     EXPECT_EQ(STATUS_MESSAGE, calc.status);
     EXPECT_GT(std::count(first.begin(), first.end(), '.'), 3);

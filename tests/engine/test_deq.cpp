@@ -173,7 +173,7 @@ TEST(Deq, PrintsTextsAndIsBounded) {
     EXPECT_EQ('!', out[10000]);
 }
 
-TEST(Deq, CountsOperators) {
+TEST(Deq, CountsTheOperatorsAmongItsTerms) {
     Deq list;
     for (int32_t type :
          {+TERM_NAME, +TERM_FUNC, +TERM_DONE, +TERM_NUMBER, +OP_ADD, +OP_OPEN, +OP_CLOSE, +OP_COMMA}) {

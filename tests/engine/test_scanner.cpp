@@ -141,7 +141,7 @@ TEST_F(Scanner, RefusesStatementsOfTenThousandCharacters) {
     EXPECT_EQ(nullptr, calc.terms.first);
 }
 
-TEST_F(Scanner, ReadsNumbers) {
+TEST_F(Scanner, ReadsNumbersInEveryWritingAndBase) {
     const struct {
         const char* text;
         const char* number;

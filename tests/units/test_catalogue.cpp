@@ -138,7 +138,7 @@ TEST_F(Catalogue, MIsMeterAloneAndMilliAsAPrefix) {
     }
 }
 
-TEST_F(Catalogue, SynonymsAgree) {
+TEST_F(Catalogue, SynonymsHaveTheSameFactor) {
     for (const auto& [a, b] : {std::pair{"gal", "Gal"},
                                {"qt", "Qt"},
                                {"tbsp", "Tbsp"},
@@ -197,7 +197,7 @@ TEST_F(BrokenCatalogue, ANonSIUnit) {
     EXPECT_EQ(Build(NON_SI_UNITS, WRONG_UNIT), "units failure initializing non-SI unit 'bad' (2 foo)");
 }
 
-TEST_F(BrokenCatalogue, AnAbbreviation) {
+TEST_F(BrokenCatalogue, AWrongAbbreviationIsNamed) {
     EXPECT_EQ(Build(ABBREVIATIONS, WRONG_UNIT), "units failure initializing abbreviation 'bad' (2 foo)");
 }
 

@@ -31,7 +31,7 @@ TEST_F(UnitsTest, ADimensionlessSourceConvertsToAnything) {
     EXPECT_EQ(takeMessage(), "'meter' and 'radian' have incompatible units");
 }
 
-TEST_F(UnitsTest, IncompatibleUnits) {
+TEST_F(UnitsTest, UnitsOfDifferentKindsAreIncompatible) {
     EXPECT_EQ(convert("meter", "second"), 0);
     EXPECT_EQ(takeMessage(), "'meter' and 'second' have incompatible units");
     for (const auto& [from, to] : {std::pair{"meter^2", "meter"},

@@ -145,7 +145,7 @@ TEST_F(UnitsTest, OnlyOneDivider) {
     EXPECT_EQ(messageOf("//$"), "invalid unit string '//$':  only one '/' allowed");
 }
 
-TEST_F(UnitsTest, InvalidCharacters) {
+TEST_F(UnitsTest, CharactersOfNoUnitAreRefused) {
     EXPECT_EQ(messageOf("meter$"), "invalid characters in unit string 'meter$'");
     EXPECT_EQ(messageOf("5 foo#"), "invalid characters in unit string '5 foo#'");
 }
@@ -163,7 +163,7 @@ TEST_F(UnitsTest, NamesAreLettersOnly) {
     }
 }
 
-TEST_F(UnitsTest, UnknownNames) {
+TEST_F(UnitsTest, AnUnknownNameIsQuoted) {
     EXPECT_EQ(messageOf("foo"), "invalid unit name 'foo' in 'foo'");
     EXPECT_EQ(messageOf("meter/foo^2"), "invalid unit name 'foo' in 'meter/foo^2'");
     EXPECT_EQ(messageOf("kilo"), "invalid unit name 'kilo' in 'kilo'");
