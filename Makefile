@@ -15,8 +15,8 @@ compile = cmake --build --preset $(1) -j $(JOBS)
 bundle = build/release/bin/Tallyquill.app
 window = $(bundle)/$(if $(filter Darwin,$(shell uname -s)),Contents/MacOS/)Tallyquill
 
-# Two tests of windows run at a time, and they wait more than they work.
-test_jobs = $(shell expr $(JOBS) + 1)
+# Three tests of windows run at a time, and they wait more than they work.
+test_jobs = $(shell expr $(JOBS) + 2)
 
 define build_and_test
 	$(call configure_tests,$(1)) </dev/null
