@@ -6,7 +6,14 @@
 // c = cos y0, arctan v = y0 + arctan t for t = (v c - s) / (c + v s), which is below 2^-32: six terms finish
 // it. The arc sine and cosine are arc tangents of quotients of x and the root of (1 - x)(1 + x), whose
 // factors are exact next to 1, so that nothing cancels at either end of the range.
+//
+// The first way's error: 2^-376 of the arc tangent, 2^-378 of the root, which the arc tangent does not
+// magnify, and 2^-378 of a conversion to degrees: below 2^-375, ARC_UNITS. The second way ends: the angles in
+// radians of numbers other than 0 (1 for the arc cosine) are transcendental (Lindemann).  An angle that is a
+// binary fraction of degrees has a rational sine or cosine only where that is 0, 1/2 or 1, a rational tangent
+// only where that is 0 or 1 (Niven): the angles are then whole numbers, no midpoints.
 #include "qelem.h"
+#include "qnearest.h"
 #include "qtrig.h"
 #include "qtrigcore.h"
 
@@ -80,11 +87,6 @@ void principal(const Extended& v, Extended& y) {
     }
 }
 
-void refuse(const char* name, qfloat y) {
-    qclear(y);
-    mtherr(name, 1);
-}
-
 // y = the square root of (1 - a)(1 + a), 0 < a < 1.
 void cosineOf(const Extended& a, Extended& y) {
     Extended less, more;
@@ -108,60 +110,121 @@ void arctangent(const Extended& n, const Extended& d, Extended& y) {
     }
 }
 
-} // namespace trig
+namespace {
 
-using namespace trig;
+constexpr uint32_t ARC_UNITS = 1 << 9;
 
-void qatn(const qfloat x, qfloat y) {
-    const bool negative = qisneg(x) != 0;
-    Extended a;
-    if (!loadMagnitude(x, a)) {
-        storeZero(signWord(negative), y);
+enum class Unit { Radians, Degrees };
+
+// y = quarters * pi/2 or as many times 90 degrees.
+void storeQuarters(unsigned quarters, uint32_t sign, Unit unit, uint32_t* y) {
+    if (unit == Unit::Radians) {
+        storePi(quarters == 1 ? 1 : 0, sign, y);
         return;
     }
-    arctangent(a, limb::ONE, a);
-    limb::store(a, signWord(negative), 0, y);
+    const int64_t degrees = 90 * static_cast<int64_t>(quarters);
+    ltoq(&degrees, y);
+    y[0] = sign;
 }
 
-void qasin(const qfloat x, qfloat y) {
+// y = the angle in radians a > 0, which wider(width) gives too, in the unit asked for.
+template <typename Wider>
+void storeAngle(Extended a, uint32_t sign, Unit unit, const Wider& wider, uint32_t* y) {
+    if (unit == Unit::Degrees) divide(a, RADIANS_PER_DEGREE, a);
+    elem::settle(a, ARC_UNITS, [&](size_t width) {
+        return unit == Unit::Radians ? wider(width) : wider(width) * wide::Wide(180, width) / wide::pi(width);
+    });
+    store(a, sign, 0, y);
+}
+
+void inverseTangent(const uint32_t* x, Unit unit, uint32_t* y) {
+    const uint32_t sign = signWord(qisneg(x) != 0);
+    Extended a;
+    if (!loadMagnitude(x, a)) {
+        storeZero(unit == Unit::Radians ? sign : 0, y);
+        return;
+    }
+    arctangent(a, ONE, a);
+    const auto wider = [x](size_t width) {
+        return wide::arctangent(wide::Wide::OfMagnitude(x, width), wide::Wide(1, width));
+    };
+    storeAngle(a, sign, unit, wider, y);
+}
+
+void inverseSine(const uint32_t* x, Unit unit, uint32_t* y) {
     const uint32_t sign = x[0];
     Extended a;
     if (!loadMagnitude(x, a)) {
-        storeZero(sign, y);
+        storeZero(unit == Unit::Radians ? sign : 0, y);
         return;
     }
-    const int order = limb::compare(a, limb::ONE);
+    const int order = compare(a, ONE);
     if (order > 0) {
-        refuse("qasin", y);
+        qclear(y);
+        mtherr("qasin", 1);
     } else if (order == 0) {
-        storePi(1, sign, y);
+        storeQuarters(1, sign, unit, y);
     } else {
         Extended c;
         cosineOf(a, c);
         arctangent(a, c, a);
-        limb::store(a, sign, 0, y);
+        const auto wider = [x](size_t width) {
+            const auto sine = wide::Wide::OfMagnitude(x, width);
+            return wide::arctangent(sine, wide::cosineOfArcsine(sine));
+        };
+        storeAngle(a, sign, unit, wider, y);
     }
 }
 
-void qacos(const qfloat x, qfloat y) {
+void inverseCosine(const uint32_t* x, Unit unit, uint32_t* y) {
     const bool negative = qisneg(x) != 0;
     Extended a;
     if (!loadMagnitude(x, a)) {
-        storePi(1, 0, y);
+        storeQuarters(1, 0, unit, y);
         return;
     }
-    const int order = limb::compare(a, limb::ONE);
+    const int order = compare(a, ONE);
     if (order > 0) {
-        refuse("qacos", y);
+        qclear(y);
+        mtherr("qacos", 1);
     } else if (order == 0 && negative) {
-        storePi(0, 0, y);
+        storeQuarters(2, 0, unit, y);
     } else if (order == 0) {
         qclear(y);
     } else {
         Extended c;
         cosineOf(a, c);
         arctangent(c, a, a);
-        if (negative) limb::subtract(limb::WHOLE_PI, a, a);
-        limb::store(a, 0, 0, y);
+        if (negative) subtract(WHOLE_PI, a, a);
+        const auto wider = [x, negative](size_t width) {
+            const auto cosine = wide::Wide::OfMagnitude(x, width);
+            const auto angle = wide::arctangent(wide::cosineOfArcsine(cosine), cosine);
+            return negative ? wide::pi(width) - angle : angle;
+        };
+        storeAngle(a, 0, unit, wider, y);
     }
+}
+
+} // namespace
+} // namespace trig
+
+using namespace trig;
+
+void qatn(const qfloat x, qfloat y) {
+    inverseTangent(x, Unit::Radians, y);
+}
+void qasin(const qfloat x, qfloat y) {
+    inverseSine(x, Unit::Radians, y);
+}
+void qacos(const qfloat x, qfloat y) {
+    inverseCosine(x, Unit::Radians, y);
+}
+void qatndeg(const qfloat x, qfloat y) {
+    inverseTangent(x, Unit::Degrees, y);
+}
+void qasindeg(const qfloat x, qfloat y) {
+    inverseSine(x, Unit::Degrees, y);
+}
+void qacosdeg(const qfloat x, qfloat y) {
+    inverseCosine(x, Unit::Degrees, y);
 }

@@ -13,10 +13,12 @@ using limb::Extended;
 
 // y = e^x, or e^-x when `negative`, for 0 <= x < 2^20.  Relative error below 2^-377 plus x's own error.
 void exp(const Extended& x, bool negative, Extended& y);
+constexpr uint32_t EXP_UNITS = 1 << 7; // of the last of the 384 bits
 
 // y = |ln x| for x > 0; returns true when ln x is negative.  Relative error below 2^-373, also next to 1.
 // ln 1 is an all-zero mantissa.
 bool log(const Extended& x, Extended& y);
+constexpr uint32_t LOG_UNITS = 1 << 11;
 
 // y = the square root of x.  Relative error below 2^-379.
 void sqrt(const Extended& x, Extended& y);

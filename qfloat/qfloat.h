@@ -17,7 +17,8 @@
 // Conventions of every routine here:
 //   - the caller owns every array; an output may be the same array as an input;
 //   - subtract, divide and remainder take the subtrahend or divisor FIRST;
-//   - nothing throws or allocates; failures are reported in `merror`, which no routine ever clears;
+//   - nothing throws, and only the elementary functions allocate, seldom; failures are reported in `merror`,
+//   which no routine ever clears;
 //   - nothing is re-entrant (shared scratch state, one thread).
 #pragma once
 
@@ -136,32 +137,36 @@ void qtoasc(const qfloat q, char* buffer, int digits);
 void qdecexp(qfloat q, int64_t n);
 
 // ---------------------------------------------------------------------------------------------------------
-// Elementary functions.  Errors are in units of the last place of the true result, measured against 700 bits
+// Elementary functions.  Every result inside the range is the number nearest to the true value
 // (docs/accuracy.md).
+//
+// About one call in a million (in 300 for powers next to the limits) computes a second time with more bits
+// and allocates memory for them; it takes some tens of microseconds longer.
 
 // y = the square root of x: the number nearest to it, which is never half way between two numbers.
 // A negative zero gives a negative zero; any other negative x: 0, merror = 1.
 void qsqrt(const qfloat x, qfloat y);
 
-// y = e^x.  Within 0.5000001 (measured 0.5000000).
+// y = e^x.
 // x >= 32768: the overflow value, y's sign word keeping what it held, merror = 3.  x <= -32768: 0, no code.
 // Results above the range: the overflow value, merror = 3; below it: 0, no code.
 void qexp(const qfloat x, qfloat y);
 
-// y = ln x.  Within 0.5000001 (measured 0.5000000), also next to 1; exactly 0 for 1.
+// y = ln x; exactly 0 for 1.
 // x negative (a negative zero too): 0, merror = 1.  x = 0: minus the overflow value, merror = 2.
 void qlog(const qfloat x, qfloat y);
 
+// y = ln x / ln b, the logarithm of x to the base b.  x or b negative or zero: what qlog
+// gives for it.  b = 1: 0 for x = 1, otherwise the overflow value with the sign of ln x and merror = 2.
+void qlogbase(const qfloat x, const qfloat b, qfloat y);
+
 // z = x^y.  A whole y below 415032 in magnitude goes through qpowi, anything else is e^(y ln x).
-// Within 0.52 over the whole range (measured below 0.501).
 // x = 0: 1 for y = 0, 0 for y > 0, the overflow value and merror = 3 for y < 0.
 // Through the logarithm: x negative: merror = 1 and 1 (the logarithm failing as 0).  y ln x above the range
-// sets
-// merror = 3 also where the result is then 0.  An overflow value is positive.
+// sets merror = 3 also where the result is then 0.  An overflow value is positive.
 void qpow(const qfloat x, const qfloat y, qfloat z);
 
-// z = x^n, n the integer part of y.  Within 0.52 (measured below 0.501); results of up to 352
-// bits are exact.
+// z = x^n, n the integer part of y.  A power half way between two numbers goes away from 0.
 //   x = 2: exact, whatever n; n > 32767: the overflow value, merror = 3; n < -32768: 0, no code.
 //   |y| >= 2147483647: e^(y ln x), as in qpow.
 //   x = 0: 1 for n = 0, 0 for n > 0, the overflow value without a code for n < 0.
@@ -170,8 +175,7 @@ void qpow(const qfloat x, const qfloat y, qfloat z);
 // (merror = 3) or the overflow value (merror = 3).
 void qpowi(const qfloat x, const qfloat y, qfloat z);
 
-// y = n!, n the integer part of the double nearest to x.  Within 0.5000001 (measured 0.4997557, each n);
-// exact up to 86!.
+// y = n!, n the integer part of the double nearest to x; exact up to 86!.
 // x negative (a negative zero too): the overflow value, merror = 1.  x above 1754: the overflow value,
 // merror = 3.
 void qfac(const qfloat x, qfloat y);

@@ -3,8 +3,11 @@
 // Hyperbolic sine, cosine, tangent.
 //
 // Below 1/16 sinh and cosh are summed by their series; from there on E = e^|x| and 1/E are combined, where
-// sinh and tanh lose at most four of the 32 bits that the work carries beyond a stored mantissa.
+// sinh and tanh lose at most four of the 32 bits that the work carries beyond a stored mantissa: the
+// exponential's 2^-377 becomes 2^-372 at most, HYPERBOLIC_UNITS.
+// The second way ends: of a number other than 0 the results are transcendental (Lindemann), no midpoints.
 #include "qelem.h"
+#include "qnearest.h"
 #include "qtrig.h"
 #include "qtrigcore.h"
 
@@ -25,6 +28,12 @@ void overflow(uint32_t sign, uint32_t* y) {
     y[0] = sign;
     qinfin(y);
     merror = 3;
+}
+
+constexpr uint32_t HYPERBOLIC_UNITS = 1 << 12;
+
+wide::SineCosine wider(const uint32_t* x, size_t width) {
+    return wide::hyperbolic(wide::Wide::OfMagnitude(x, width));
 }
 
 // The exponential and its reciprocal.
@@ -55,6 +64,7 @@ void qsinh(const qfloat x, qfloat y) {
             limb::subtract(grown, shrunk, s);
             --s.exponent;
         }
+        elem::settle(s, HYPERBOLIC_UNITS, [x](size_t width) { return wider(x, width).sine; });
         limb::store(s, sign, 0, y);
     }
 }
@@ -75,6 +85,7 @@ void qcosh(const qfloat x, qfloat y) {
             limb::add(grown, shrunk, c);
             --c.exponent;
         }
+        elem::settle(c, HYPERBOLIC_UNITS, [x](size_t width) { return wider(x, width).cosine; });
         limb::store(c, 0, 0, y);
     }
 }
@@ -100,5 +111,9 @@ void qtanh(const qfloat x, qfloat y) {
         limb::add(a, limb::ONE, c);
         limb::divide(s, c, a);
     }
+    elem::settle(a, HYPERBOLIC_UNITS, [x](size_t width) {
+        const wide::SineCosine both = wider(x, width);
+        return both.sine / both.cosine;
+    });
     limb::store(a, sign, 0, y);
 }

@@ -6,9 +6,14 @@
 // Next to 1, ln m = 2 artanh((m - 1) / (m + 1)) directly, where every step keeps its relative accuracy.
 // Elsewhere a machine logarithm t is corrected: ln m = t + 2 artanh((m - e^t) / (m + e^t)), whose argument
 // is so small that the series has three or four terms.
+//
+// The second way ends: the logarithm of a number other than 1 is transcendental (Lindemann).  One to a base
+// is transcendental too (Gelfond and Schneider) or a quotient of two whole numbers: t / s where x = c^t and
+// b = c^s, and t and s are below 2^16 in magnitude, so that it is no midpoint between two numbers.
 #include "qelem.h"
 #include "qfixed.h"
 #include "qfloat.h"
+#include "qnearest.h"
 #include "qregister.h"
 
 #include <cmath>
@@ -160,6 +165,32 @@ void qlog(const qfloat x, qfloat y) {
     if (elem::isZero(value)) {
         qclear(y);
     } else {
+        elem::settle(value, elem::LOG_UNITS,
+                     [x](size_t width) { return wide::log(wide::Wide::Of(x, width)); });
+        elem::store(value, negative ? NEGATIVE_SIGN : 0, y);
+    }
+}
+
+void qlogbase(const qfloat x, const qfloat b, qfloat y) {
+    const auto isPositive = [](const qfloat q) { return q[0] == 0 && q[1] != 0; };
+    if (!isPositive(x) || !isPositive(b)) {
+        qlog(isPositive(x) ? b : x, y);
+        return;
+    }
+    elem::Extended value, base;
+    limb::load(x, value);
+    limb::load(b, base);
+    const bool negative = elem::log(value, value) != elem::log(base, base);
+    if (elem::isZero(value)) {
+        qclear(y);
+    } else if (elem::isZero(base)) {
+        qlog(x, y);
+        qdiv(qzero, y, y);
+    } else {
+        limb::divide(value, base, value);
+        elem::settle(value, 4 * elem::LOG_UNITS, [x, b](size_t width) {
+            return wide::log(wide::Wide::Of(x, width)) / wide::log(wide::Wide::Of(b, width));
+        });
         elem::store(value, negative ? NEGATIVE_SIGN : 0, y);
     }
 }

@@ -1,8 +1,16 @@
 // SPDX-License-Identifier: MIT
 //
 // Powers and the factorial.
+//
+// The first way's errors, in units of the last of 384 bits: each product of a power by squaring adds 40 at
+// most.  The logarithm is within 2^-377, also relative to itself where it is below 2^-5, so that y ln x is
+// within 2^-377 times the larger of |y| and |y ln x|, and the power, relative to itself, within that and
+// 2^-377.
+// The second way ends: x^y is algebraic for our x and y, which are binary fractions.  exactPower finds those
+// powers that have few enough bits to be a midpoint; the others are none.
 #include "qelem.h"
 #include "qfloat.h"
+#include "qnearest.h"
 #include "qregister.h"
 
 using elem::Extended;
@@ -14,6 +22,8 @@ constexpr int64_t LOGARITHM_FROM = 415032;   // |y| from which x^y goes through 
 constexpr uint32_t HUGE_EXPONENT = 0x8010;   // of 2^15: e^x leaves the range
 constexpr int64_t BEYOND = int64_t{1} << 40; // an exponent outside the range in any further step
 
+constexpr uint32_t UNITS_OF_PRODUCT = 40; // what a product or quotient adds to an error
+
 const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
 // The exponent word that x has after rounding.
@@ -23,15 +33,71 @@ int64_t exponentWord(const Extended& x) {
     return x.exponent + limb::roundHalfUp(mantissa) + EXPONENT_BIAS;
 }
 
-// z = e^x for a signed exponent that still has to pass qexp's limits, x = 0 included.
-void expOfProduct(Extended& x, bool negative, qfloat z) {
-    const int64_t word = elem::isZero(x) ? 0 : exponentWord(x);
+using wide::Wide;
+
+// The count of bits from the first to the last one that is set.
+int64_t bitLength(const Wide& x) {
+    size_t zeros = 0;
+    while (x.limb[zeros] == 0) ++zeros;
+    uint64_t lowest = x.limb[zeros];
+    int64_t length = 64 * static_cast<int64_t>(x.Width() - zeros);
+    for (; (lowest & 1) == 0; lowest >>= 1) --length;
+    return length;
+}
+
+// z = |x|^y, cut, where that is a binary fraction of up to 704 bits; x is not 0 and no power of two.  Returns
+// false for all that is no midpoint between two numbers.
+//
+// y = n / 2^k for an odd n, or k = 0.  With x = X 2^e for an odd X > 1, a binary fraction x^y is A^n 2^f for
+// an odd A with A^(2^k) = X (2^k and n have no common factor): k exact square roots give it, and n is
+// positive. A^n has more than n (b - 1) bits for an A of b bits, a midpoint 353.
+bool exactPower(const qfloat x, const qfloat y, Extended& z) {
+    constexpr size_t WIDTH = wide::FIRST_WIDTH;
+    qfloat root;
+    qmov(x, root);
+    root[0] = 0;
+    Wide base = Wide::Of(root, WIDTH), n = Wide::Of(y, WIDTH);
+    for (; n.exponent < bitLength(n); ++n.exponent) {
+        qsqrt(root, root);
+        const Wide square = base;
+        base = Wide::Of(root, WIDTH);
+        if (wide::compareMagnitudes(base * base, square) != 0) return false;
+    }
+    if (n.negative || n.exponent > 9) return false;
+    const auto count = static_cast<int64_t>(n.limb.back() >> (64 - n.exponent));
+    if (count * (bitLength(base) - 1) > MANTISSA_BITS) return false;
+    Wide power = base;
+    for (int64_t i = 1; i < count; ++i) power = power * base;
+    z = wide::leading(power);
+    return true;
+}
+
+// Makes z, |x|^y within `units`, safe to round.
+void settlePower(Extended& z, uint32_t units, const qfloat x, const qfloat y) {
+    if (!elem::isUndecided(z, units) || exactPower(x, y, z)) return;
+    z = wide::decided(
+        [x, y](size_t width) { return wide::power(Wide::OfMagnitude(x, width), Wide::Of(y, width)); });
+}
+
+// The error of e^product for product = y * logarithm, in units; at most 2^28 within the range of e^x.
+uint32_t unitsOfPower(const Extended& logarithm, int64_t exponentOfY, const Extended& product) {
+    const bool isNextToOne = logarithm.exponent < -4;
+    const int64_t size = isNextToOne || exponentOfY < product.exponent ? product.exponent : exponentOfY;
+    const int64_t bits = size + 8;
+    return elem::EXP_UNITS + (bits > 28 ? 1U << 28 : bits > 0 ? 1U << bits : 1U);
+}
+
+// z = x^y = e^product for a signed product that still has to pass qexp's limits, product = 0 included.
+void expOfProduct(Extended& product, bool negative, uint32_t units, const qfloat x, const qfloat y,
+                  qfloat z) {
+    const int64_t word = elem::isZero(product) ? 0 : exponentWord(product);
     if (word > OVERFLOW_EXPONENT) merror = 3; // the product's own overflow, also where e^x is then 0
     if (word < 1) {
         qmov(qone, z);
     } else if (word < HUGE_EXPONENT) {
-        elem::exp(x, negative, x);
-        elem::store(x, 0, z);
+        elem::exp(product, negative, product);
+        settlePower(product, units, x, y);
+        elem::store(product, 0, z);
     } else if (negative) {
         qclear(z);
     } else {
@@ -76,7 +142,8 @@ void powerByLogarithm(const qfloat x, const qfloat y, qfloat z) {
     } else {
         product = base;
     }
-    expOfProduct(product, below != (y[0] != 0), z);
+    const uint32_t units = unitsOfPower(base, int64_t{y[1]} - EXPONENT_BIAS, product);
+    expOfProduct(product, below != (y[0] != 0), units, x, y, z);
 }
 
 // z = x^n for n >= 1 by squaring, each product within 2^-379.  The exponent stays below 2^17 n.
@@ -97,27 +164,29 @@ void powerBySquaring(Extended x, int64_t n, Extended& z) {
 }
 
 // z = x^n for x > 0, n >= 1.  From `logarithmFrom` upward the errors of the products would add up to whole
-// units; the logarithm's do not.
-void powerOfMagnitude(const Extended& x, int64_t n, Extended& z) {
+// units; the logarithm's do not.  Returns the units that z may be off.
+uint32_t powerOfMagnitude(const Extended& x, int64_t n, Extended& z) {
     if (n < LOGARITHM_FROM) {
         powerBySquaring(x, n, z);
-        return;
+        return UNITS_OF_PRODUCT * static_cast<uint32_t>(n);
     }
     Extended logarithm;
     const bool below = elem::log(x, logarithm);
     if (elem::isZero(logarithm)) {
         z = ONE;
-        return;
+        return 0;
     }
     const int zeros = limb::leadingZeros(static_cast<uint64_t>(n));
     const Extended factor = {{0, 0, 0, 0, 0, static_cast<uint64_t>(n) << zeros}, 64 - zeros};
-    limb::multiply(logarithm, factor, logarithm);
-    if (logarithm.exponent > 16) {
+    Extended product;
+    limb::multiply(logarithm, factor, product);
+    if (product.exponent > 16) {
         z = ONE;
         z.exponent = below ? -BEYOND : BEYOND;
-    } else {
-        elem::exp(logarithm, below, z);
+        return 0;
     }
+    elem::exp(product, below, z);
+    return unitsOfPower(logarithm, factor.exponent, product);
 }
 
 // z = 2^n by exponent arithmetic.
@@ -133,22 +202,21 @@ void powerOfTwo(int64_t n, qfloat z) {
     }
 }
 
-// z = 1 / x as a quotient of the stored x: an overflowed x gives the smallest number, an underflowed one (0)
-// the overflow value and code 3.
-void storeReciprocal(Extended& x, uint32_t sign, qfloat z) {
-    const int64_t word = exponentWord(x);
-    qclear(z);
-    z[0] = sign;
-    if (word > OVERFLOW_EXPONENT) {
+// z = x^n for n < 0 as the quotient 1 / power of the stored power |x|^|n|, which is settled: an overflowed
+// one gives the smallest number, an underflowed one (0) the overflow value and code 3.
+void storeReciprocal(Extended& power, uint32_t units, const qfloat x, const qfloat n, uint32_t sign,
+                     qfloat z) {
+    const int64_t word = exponentWord(power);
+    if (word < 1 || word > OVERFLOW_EXPONENT) {
         merror = 3;
+        qclear(z);
+        z[0] = sign;
         qinfin(z);
-        qdiv(z, qone, z);
-    } else if (word < 1) {
-        merror = 3;
-        qinfin(z);
+        if (word > 1) qdiv(z, qone, z);
     } else {
-        limb::divide(ONE, x, x);
-        elem::store(x, sign, z);
+        limb::divide(ONE, power, power);
+        settlePower(power, units + UNITS_OF_PRODUCT, x, n);
+        elem::store(power, sign, z);
     }
 }
 
@@ -180,9 +248,13 @@ void qpowi(const qfloat x, const qfloat y, qfloat z) {
     Extended base;
     limb::load(x, base);
     const uint32_t sign = x[0] != 0 && magnitude % 2 != 0 ? NEGATIVE_SIGN : 0;
-    powerOfMagnitude(base, magnitude, base);
+    const uint32_t units = powerOfMagnitude(base, magnitude, base);
+    qfloat whole;
+    ltoq(&magnitude, whole);
+    settlePower(base, units, x, whole);
     if (n < 0) {
-        storeReciprocal(base, sign, z);
+        qneg(whole);
+        storeReciprocal(base, units, x, whole, sign, z);
     } else {
         elem::store(base, sign, z);
         z[0] = sign; // an underflow to zero has the sign too
@@ -212,7 +284,10 @@ void qpow(const qfloat x, const qfloat y, qfloat z) {
 
 namespace {
 
-// y = n! for n >= 2, within 2^-374: the factors are gathered into limbs first.
+// n! within 2^-374.  None is a midpoint: the odd part of 86! has 352 bits, that of 87! 358.
+constexpr uint32_t FACTORIAL_UNITS = 1 << 10;
+
+// y = n! for n >= 2: the factors are gathered into limbs first.
 void factorial(int n, Extended& y) {
     y = ONE;
     uint64_t gathered = 1;
@@ -255,5 +330,10 @@ void qfac(const qfloat x, qfloat y) {
     }
     Extended product;
     factorial(n, product);
+    elem::settle(product, FACTORIAL_UNITS, [n](size_t width) {
+        Wide exact(1, width);
+        for (int k = 2; k <= n; ++k) exact = exact * Wide(k, width);
+        return exact;
+    });
     elem::store(product, 0, y);
 }

@@ -1,8 +1,15 @@
 // SPDX-License-Identifier: MIT
 //
 // Sine, cosine, tangent.
+//
+// The first way: the reduced angle, its sine and cosine are within 2^-379 each; the tangent magnifies the
+// angle's error by 1.6 at most, and its quotient adds 2^-378.  That is below 2^-376, CIRCULAR_UNITS.
+// The second way ends: of an angle in radians other than 0 the results are transcendental (Lindemann).  Of a
+// binary fraction of degrees they are algebraic, and rational only where they are 0, 1/2, 1 or a pole
+// (Niven); those are numbers, so that no result is a midpoint.
 #include "qtrig.h"
 
+#include "qnearest.h"
 #include "qtrigcore.h"
 
 namespace trig {
@@ -38,8 +45,24 @@ void refuse(qfloat y) {
     mtherr("qsin", 3);
 }
 
-// y = sin(r + turns * pi/2), negated on demand. A sine that is exactly zero is a plain zero.
-void storeSine(const Reduced& r, unsigned turns, bool negate, qfloat y) {
+constexpr uint32_t CIRCULAR_UNITS = 1 << 8;
+
+// Sine and cosine of |x| for the second way.
+using Wider = wide::SineCosine (*)(const uint32_t* x, size_t width);
+
+wide::SineCosine ofRadians(const uint32_t* x, size_t width) {
+    return wide::circular(wide::Wide::OfMagnitude(x, width));
+}
+
+wide::SineCosine ofDegrees(const uint32_t* x, size_t width) {
+    qfloat rest;
+    remainderOfTurn(x, rest);
+    return wide::circularOfDegrees(wide::Wide::Of(rest, width));
+}
+
+// y = sin(|x| + turns * pi/2), negated on demand; r is |x|, reduced. A sine that is exactly zero is a plain
+// zero.
+void storeSine(const qfloat x, const Reduced& r, Wider wider, unsigned turns, bool negate, qfloat y) {
     const unsigned quadrant = r.quadrant + turns;
     Extended value = limb::ONE;
     bool negative = (quadrant & 2) != 0;
@@ -54,11 +77,16 @@ void storeSine(const Reduced& r, unsigned turns, bool negate, qfloat y) {
     } else {
         sinCos(r.magnitude, nullptr, &value);
     }
+    elem::settle(value, CIRCULAR_UNITS, [=](size_t width) {
+        const wide::SineCosine both = wider(x, width);
+        return turns == 0 ? both.sine : both.cosine;
+    });
     store(value, signWord(negative != negate), 0, y);
 }
 
-// y = tan r, negated on demand. A zero has the sign asked for, a pole is the overflow value.
-void storeTangent(const Reduced& r, bool negate, qfloat y) {
+// y = tan |x|, negated on demand; r is |x|, reduced. A zero has the sign asked for, a pole is the overflow
+// value.
+void storeTangent(const qfloat x, const Reduced& r, Wider wider, bool negate, qfloat y) {
     const bool odd = (r.quadrant & 1) != 0; // tan(r + pi/2) = -1 / tan r
     if (isZero(r.magnitude.limb)) {
         storeZero(signWord(negate), y);
@@ -72,6 +100,10 @@ void storeTangent(const Reduced& r, bool negate, qfloat y) {
     } else {
         limb::divide(s, c, t);
     }
+    elem::settle(t, CIRCULAR_UNITS, [=](size_t width) {
+        const wide::SineCosine both = wider(x, width);
+        return both.sine / both.cosine;
+    });
     limb::store(t, signWord(negate != (r.negative != odd)), 0, y);
 }
 
@@ -98,7 +130,7 @@ void qsin(const qfloat x, qfloat y) {
     } else if (!loadMagnitude(x, a)) {
         storeZero(signWord(negative), y);
     } else {
-        storeSine(reduceAngle(a), 0, negative, y);
+        storeSine(x, reduceAngle(a), ofRadians, 0, negative, y);
     }
 }
 
@@ -109,7 +141,7 @@ void qcos(const qfloat x, qfloat y) {
     } else if (!loadMagnitude(x, a)) {
         qmov(qone, y);
     } else {
-        storeSine(reduceAngle(a), 1, false, y);
+        storeSine(x, reduceAngle(a), ofRadians, 1, false, y);
     }
 }
 
@@ -122,7 +154,7 @@ void qtan(const qfloat x, qfloat y) {
     }
     // No number has a larger exponent; broken words must not reach beyond the table.
     if (a.exponent > LARGEST_EXPONENT) a.exponent = LARGEST_EXPONENT;
-    storeTangent(reduceAngle(a), negative, y);
+    storeTangent(x, reduceAngle(a), ofRadians, negative, y);
 }
 
 void qsindeg(const qfloat x, qfloat y) {
@@ -135,7 +167,7 @@ void qsindeg(const qfloat x, qfloat y) {
     } else if (!loadMagnitude(x, a)) {
         storeZero(signWord(negative), y);
     } else {
-        storeSine(reduceDegrees(x), 0, negative, y);
+        storeSine(x, reduceDegrees(x), ofDegrees, 0, negative, y);
     }
 }
 
@@ -145,11 +177,11 @@ void qcosdeg(const qfloat x, qfloat y) {
     if (cosineRefused(radians)) {
         refuse(y);
     } else {
-        storeSine(reduceDegrees(x), 1, false, y);
+        storeSine(x, reduceDegrees(x), ofDegrees, 1, false, y);
     }
 }
 
 void qtandeg(const qfloat x, qfloat y) {
     const bool negative = qisneg(x) != 0;
-    storeTangent(reduceDegrees(x), negative, y);
+    storeTangent(x, reduceDegrees(x), ofDegrees, negative, y);
 }

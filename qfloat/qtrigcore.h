@@ -56,6 +56,9 @@ Reduced reduceAngle(const Extended& x);
 // magnitude, within 2^-379; an all-zero mantissa for a multiple of 90.
 Reduced reduceDegrees(const uint32_t* x);
 
+// rest = the remainder of |x| by 360, exactly.
+void remainderOfTurn(const uint32_t* x, uint32_t* rest);
+
 // s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.  Either may be null.
 void sinCos(const Extended& r, Extended* s, Extended* c);
 

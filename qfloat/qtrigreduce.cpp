@@ -124,11 +124,16 @@ bool subtractQuadrants(Extended& x, unsigned& n) {
 
 } // namespace
 
-Reduced reduceDegrees(const uint32_t* x) {
-    qfloat magnitude, degrees;
+void remainderOfTurn(const uint32_t* x, uint32_t* rest) {
+    qfloat magnitude;
     qmov(x, magnitude);
     qabs(magnitude);
-    qremain(FULL_TURN, magnitude, degrees);
+    qremain(FULL_TURN, magnitude, rest);
+}
+
+Reduced reduceDegrees(const uint32_t* x) {
+    qfloat degrees;
+    remainderOfTurn(x, degrees);
     Reduced r = {{}, false, 0};
     if (!loadMagnitude(degrees, r.magnitude)) return r;
     if (r.magnitude.exponent > 5) r.negative = subtractQuadrants(r.magnitude, r.quadrant); // 32 and more
