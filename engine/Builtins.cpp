@@ -86,9 +86,9 @@ const std::vector<Builtin>& builtinTable() {
         {"round", "x", "the nearest whole number; halves go away from zero", qround},
         {"ceil", "x", "the smallest whole number that is not below x", qceil},
         {"abs", "x", "x without its sign", qabsolute},
-        {"atan", "x", "inverse tangent, an angle", qatn, Kind::GivesAngle},
-        {"acos", "x", "inverse cosine, an angle", qacos, Kind::GivesAngle},
-        {"asin", "x", "inverse sine, an angle", qasin, Kind::GivesAngle},
+        {"atan", "x", "inverse tangent, an angle", qatn, Kind::GivesAngle, qatndeg},
+        {"acos", "x", "inverse cosine, an angle", qacos, Kind::GivesAngle, qacosdeg},
+        {"asin", "x", "inverse sine, an angle", qasin, Kind::GivesAngle, qasindeg},
         {"tan", "x", "tangent of the angle x", qtan, Kind::OfAngle, qtandeg},
         {"cos", "x", "cosine of the angle x", qcos, Kind::OfAngle, qcosdeg},
         {"sin", "x", "sine of the angle x", qsin, Kind::OfAngle, qsindeg},
@@ -130,7 +130,7 @@ static int checkArgument(const Builtin& builtin, const char* name, const qfloat 
 }
 
 // A base so small that a machine number holds it as zero counts as zero.
-static int divideByBase(const char* name, qfloat value, Outcome& outcome) {
+static int computeLogarithm(const char* name, const qfloat x, qfloat value, Outcome& outcome) {
     qfloat base;
     qmov(qten, base);
     if (const char* text = logBase(name)) {
@@ -138,8 +138,7 @@ static int divideByBase(const char* name, qfloat value, Outcome& outcome) {
         if (merror == MATH_UNDERFLOW) merror = 0; // of reading a base such as 0e5
         if (static_cast<float>(asDouble(base)) == 0.0F) return outcome.Fail("** ERROR: log base zero **\n");
     }
-    qlog(base, base);
-    qdiv(base, value, value);
+    qlogbase(x, base, value);
     return 0;
 }
 
@@ -161,16 +160,12 @@ int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfl
     if (entry.spending.Spend(builtin.cost) != 0 || checkArgument(builtin, name, x, entry.outcome) != 0)
         return STATUS_ERROR;
     qclear(value);
-    const bool ofDegrees = entry.settings.degreeMode && builtin.ofDegrees;
-    (ofDegrees ? builtin.ofDegrees : builtin.compute)(x, value);
-    switch (builtin.kind) {
-    case BuiltinKind::PLAIN: return 0;
-    case BuiltinKind::LOGARITHM: return divideByBase(name, value, entry.outcome);
-    case BuiltinKind::OfAngle: return roundCircular(builtin, value, entry.outcome);
-    case BuiltinKind::GivesAngle:
-        if (merror != 0) return entry.outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
-        if (entry.settings.degreeMode) qmul(qrad2deg, value, value);
-    }
+    if (builtin.kind == BuiltinKind::LOGARITHM) return computeLogarithm(name, x, value, entry.outcome);
+    const bool isInDegrees = entry.settings.degreeMode && builtin.inDegrees;
+    (isInDegrees ? builtin.inDegrees : builtin.compute)(x, value);
+    if (builtin.kind == BuiltinKind::OfAngle) return roundCircular(builtin, value, entry.outcome);
+    if (builtin.kind == BuiltinKind::GivesAngle && merror != 0)
+        return entry.outcome.Fail("** ERROR: %s range of -1 .. +1 **\n", {name});
     return 0;
 }
 

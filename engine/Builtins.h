@@ -25,7 +25,7 @@ struct Builtin {
     const char* help; // its line in the guide; null: it has none
     void (*compute)(const qfloat x, qfloat y);
     BuiltinKind kind = BuiltinKind::PLAIN;
-    void (*ofDegrees)(const qfloat x, qfloat y) = nullptr; // OfAngle
+    void (*inDegrees)(const qfloat x, qfloat y) = nullptr; // OfAngle, GivesAngle
     const char* ofNegative = nullptr; // the error for a negative argument, its name and value to be put in
     const char* ofZero = nullptr;
     uint64_t cost = Cost::EXPENSIVE;
