@@ -66,7 +66,7 @@ lint: deps ## check format and licence lines, run cppcheck and clang-tidy
 # Reading the tests with clang-tidy takes as long as a build with all tests.
 lint-program: deps
 	$(configure_lint) </dev/null
-	scripts/lint.sh build/lint $(JOBS) '^(qfloat|units|engine|store|web|terminal)/'
+	scripts/lint.sh build/lint $(JOBS) '^(qfloat|units|engine|store|web|terminal|app)/'
 
 format: deps ## rewrite the sources in the project's format
 	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i
