@@ -50,7 +50,7 @@ void addRemainder(const Shared& w, const char* name, double bar, Operands Worksp
 
 void addRows() {
     const auto w = std::make_shared<Workspace>();
-    addUnary(w, "square root", 4.6, &Workspace::roots, qsqrt, mpfr_sqrt);
+    addUnary(w, "square root", 0.9, &Workspace::roots, qsqrt, mpfr_sqrt);
     addUnary(w, "exp", 1.5, &Workspace::exponents, qexp, mpfr_exp);
     addUnary(w, "ln", 1.3, &Workspace::logarithms, qlog, mpfr_log);
     addUnary(w, "ln of 1 to 2", 1.3, &Workspace::nearOne, qlog, mpfr_log);
@@ -60,8 +60,8 @@ void addRows() {
     bench::addRow(
         "factorial of 1000", 0.6, [w](size_t) { qfac(w->whole, w->result); },
         [w](size_t) { mpfr_fac_ui(w->peerResult, FACTORIAL_OF, MPFR_RNDN); });
-    addRemainder(w, "remainder, 15-digit quotient", 2.0, &Workspace::dividends);
-    addRemainder(w, "remainder, 6000-digit quotient", 10.0, &Workspace::hugeDividends);
+    addRemainder(w, "remainder, 15-digit quotient", 0.5, &Workspace::dividends);
+    addRemainder(w, "remainder, 6000-digit quotient", 0.9, &Workspace::hugeDividends);
 }
 
 const bench::RowGroup GROUP(addRows);

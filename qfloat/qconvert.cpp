@@ -69,9 +69,14 @@ bool roundsUpToDouble(const uint64_t* x) {
 
 uint64_t toDoubleBits(const qfloat q) {
     const uint64_t sign = uint64_t{q[0] != 0} << 63;
+    int64_t field = int64_t{q[1]} - DOUBLE_BIAS;
+    const uint64_t top = limb::loadPair(q + 3), cut = top & 0x7FF;
+    if ((top & limb::TOP_BIT) != 0 && field > 0 && field < 2046 && cut != 0x400) { // no zeros, limits or ties
+        // A carry out of the significand, which has its top bit, raises the exponent.
+        return sign | ((static_cast<uint64_t>(field - 1) << 52) + (top >> 11) + (cut > 0x400 ? 1 : 0));
+    }
     uint64_t x[COUNT];
     limb::load(q, x);
-    int64_t field = int64_t{q[1]} - DOUBLE_BIAS;
     const int zeros = limb::leadingZeros(x);
     if (q[1] == 0 || zeros == 64 * COUNT) return sign;
     limb::shiftUp(x, zeros);

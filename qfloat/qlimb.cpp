@@ -255,13 +255,19 @@ void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {
     }
 }
 
-// Seven multiplications have factors that are not exact (10^160 has 372 bits without its twos): each adds at
-// most 14 units and the half unit of a table entry, of 2^-383 or less of the value: less than 102 of these in
-// all.
+// Seven multiplications at most have factors that are not exact (10^160 has 372 bits without its twos): each
+// adds at most 14 units and the half unit of a table entry, of 2^-383 or less of the value; the one by a limb
+// adds two: less than 104 of these in all.
 void powerOfTen(int n, Extended& p) {
-    p = Extended{{0, 0, 0, 0, 0, TOP_BIT}, 1};
+    constexpr int IN_LIMB = 4; // bits of n whose power of ten is a single limb
+    const uint64_t low = LIMB_TENS[n & ((1 << IN_LIMB) - 1)];
+    const int zeros = leadingZeros(low);
+    if (n >> IN_LIMB == 0) {
+        p = Extended{{0, 0, 0, 0, 0, low << zeros}, 64 - zeros};
+        return;
+    }
     bool first = true;
-    for (int k = 0; n >> k != 0; ++k) {
+    for (int k = IN_LIMB; n >> k != 0; ++k) {
         if (!(n >> k & 1)) continue;
         if (first) {
             p = TENS[k];
@@ -270,9 +276,14 @@ void powerOfTen(int n, Extended& p) {
         }
         first = false;
     }
+    if (low == 1) return;
+    multiplyLimb(p.limb, low << zeros, p.limb);
+    const int one = static_cast<int>(~p.limb[COUNT - 1] >> 63);
+    shiftUp(p.limb, one);
+    p.exponent += 64 - zeros - one;
 }
 
-// One or two steps, each with the power's error and at most 40 units of 2^-383 more: less than 142 each.
+// One or two steps, each with the power's error and at most 40 units of 2^-383 more: less than 144 each.
 void scaleTen(Extended& x, int n) {
     for (int left = n < 0 ? -n : n; left > 0;) {
         const int step = left < 16384 ? left : 16383;

@@ -36,6 +36,29 @@ struct Extended {
 // 10^(2^k), k = 0 .. 13, to the nearest 384-bit mantissa.
 extern const Extended TENS[14];
 
+// 10^n, as far as a limb holds it.
+constexpr int LIMB_DIGITS = 19;
+constexpr uint64_t LIMB_TENS[LIMB_DIGITS + 1] = {1,
+                                                 10,
+                                                 100,
+                                                 1000,
+                                                 10000,
+                                                 100000,
+                                                 1000000,
+                                                 10000000,
+                                                 100000000,
+                                                 1000000000,
+                                                 10000000000,
+                                                 100000000000,
+                                                 1000000000000,
+                                                 10000000000000,
+                                                 100000000000000,
+                                                 1000000000000000,
+                                                 10000000000000000,
+                                                 100000000000000000,
+                                                 1000000000000000000,
+                                                 10000000000000000000U};
+
 // ---------------------------------------------------------------------------------------------------------
 // Single limbs
 
@@ -178,28 +201,37 @@ inline uint64_t divideBy(uint64_t high, uint64_t low, uint64_t d, uint64_t v, ui
 // ---------------------------------------------------------------------------------------------------------
 // Six limbs
 
+// Two words of a number, the first the upper one, as a limb and back: where the machine stores the lower half
+// first, one load or store and an exchange of the halves.
+inline uint64_t loadPair(const uint32_t* q) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    uint64_t x;
+    std::memcpy(&x, q, sizeof x);
+    return x << 32 | x >> 32;
+#else
+    return uint64_t{q[0]} << 32 | q[1];
+#endif
+}
+
+inline void storePair(uint64_t x, uint32_t* q) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    x = x << 32 | x >> 32;
+    std::memcpy(q, &x, sizeof x);
+#else
+    q[0] = static_cast<uint32_t>(x >> 32);
+    q[1] = static_cast<uint32_t>(x);
+#endif
+}
+
 // Words 3..13 of a stored number as limbs, guard zero.
 inline void load(const uint32_t* q, uint64_t* x) {
-    const auto pair = [q](int i) { return (uint64_t{q[i]} << 32) | q[i + 1]; };
-    x[5] = pair(3);
-    x[4] = pair(5);
-    x[3] = pair(7);
-    x[2] = pair(9);
-    x[1] = pair(11);
+    for (int i = 0; i < COUNT - 1; ++i) x[COUNT - 1 - i] = loadPair(q + 3 + 2 * i);
     x[0] = uint64_t{q[13]} << 32;
 }
 
 // Limbs into words 3..13 of a stored number; the guard is dropped.
 inline void store(const uint64_t* x, uint32_t* q) {
-    const auto put = [q](int i, uint64_t v) {
-        q[i] = static_cast<uint32_t>(v >> 32);
-        q[i + 1] = static_cast<uint32_t>(v);
-    };
-    put(3, x[5]);
-    put(5, x[4]);
-    put(7, x[3]);
-    put(9, x[2]);
-    put(11, x[1]);
+    for (int i = 0; i < COUNT - 1; ++i) storePair(x[COUNT - 1 - i], q + 3 + 2 * i);
     q[13] = static_cast<uint32_t>(x[0] >> 32);
 }
 

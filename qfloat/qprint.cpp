@@ -21,29 +21,7 @@ using limb::Extended;
 namespace {
 
 constexpr int MAX_DIGITS = 104;
-constexpr int CHUNK_DIGITS = 19;
-
-constexpr uint64_t CHUNK_SCALE[CHUNK_DIGITS + 1] = {1,
-                                                    10,
-                                                    100,
-                                                    1000,
-                                                    10000,
-                                                    100000,
-                                                    1000000,
-                                                    10000000,
-                                                    100000000,
-                                                    1000000000,
-                                                    10000000000,
-                                                    100000000000,
-                                                    1000000000000,
-                                                    10000000000000,
-                                                    100000000000000,
-                                                    1000000000000000,
-                                                    10000000000000000,
-                                                    100000000000000000,
-                                                    1000000000000000000,
-                                                    10000000000000000000U};
-
+constexpr int CHUNK_DIGITS = 16; // two times eight
 // floor(log10 x), at most one off, from the top 64 bits.
 int estimateExponent(const Extended& x) {
     const double top = std::ldexp(static_cast<double>(x.limb[COUNT - 1]), -64);
@@ -75,13 +53,27 @@ void findMantissa(const Extended& x, int& k, Extended& y) {
     }
 }
 
+// Writes the eight digits of a value below 10^8: all groups of four, then of two, then the digits, at once,
+// each in its part of a limb, by products instead of divisions ((x * 10486) >> 20 is x / 100 for every x <
+// 10000, (x * 103) >> 10 is x / 10 for every x < 100).
+void putEight(uint64_t value, char* out) {
+    const uint64_t four = value / 10000;
+    uint64_t x = four | (value - four * 10000) << 32;
+    const uint64_t two = (x * 10486) >> 20 & 0x0000007F0000007F;
+    x = two | (x - two * 100) << 16;
+    const uint64_t ten = (x * 103) >> 10 & 0x000F000F000F000F;
+    x = (ten | (x - ten * 10) << 8) + 0x3030303030303030;
+    for (int i = 0; i < 8; ++i) out[i] = static_cast<char>(x >> 8 * i);
+}
+
 void putChunk(uint64_t value, int n, char* out) {
-    for (; n > 1; value /= 100) {
-        const auto two = static_cast<int>(value % 100);
-        out[--n] = static_cast<char>('0' + two % 10);
-        out[--n] = static_cast<char>('0' + two / 10);
+    if (n == CHUNK_DIGITS) {
+        const uint64_t high = value / limb::LIMB_TENS[8];
+        putEight(high, out);
+        putEight(value - high * limb::LIMB_TENS[8], out + 8);
+        return;
     }
-    if (n > 0) *out = static_cast<char>('0' + value % 10);
+    for (; n > 0; value /= 10) out[--n] = static_cast<char>('0' + value % 10);
 }
 
 // Whether so many digits of the fraction are all zeros or all nines, as short decimals end. False also where
@@ -108,7 +100,7 @@ int putFraction(uint64_t* fraction, int digits, char* out, int& order) {
             return written;
         }
         const int n = std::min(left, CHUNK_DIGITS);
-        putChunk(limb::multiplyAdd(fraction, CHUNK_SCALE[n], 0), n, out + written);
+        putChunk(limb::multiplyAdd(fraction, limb::LIMB_TENS[n], 0), n, out + written);
         written += n;
     }
     return digits;
@@ -121,7 +113,7 @@ char* putExponent(int k, char* out) {
         k = -k;
     }
     int n = 1;
-    while (k >= static_cast<int>(CHUNK_SCALE[n])) ++n;
+    while (k >= static_cast<int>(limb::LIMB_TENS[n])) ++n;
     putChunk(static_cast<uint64_t>(k), n, out);
     out[n] = '\0';
     return out + n;

@@ -6,6 +6,8 @@
 #include "qlimb.h"
 #include "qregister.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -45,8 +47,9 @@ private:
     const int radix, bitsPerDigit;
     int taken = 0;
     bool point = false, signSeen = false, significant = false;
-    // Digits not yet in the integer: one multiplication takes up to nineteen of them.
-    uint64_t pending = 0, pendingScale = 1;
+    // Digits not yet in the integer: one multiplication takes all that a limb holds.
+    uint64_t pending = 0;
+    int pendingDigits = 0;
     int bitsUsed = 0;
 };
 
@@ -64,9 +67,11 @@ int MantissaReader::Digit(char c) const {
 }
 
 void MantissaReader::Flush(Mantissa& m) {
-    limb::multiplyAdd(m.integer, pendingScale, pending);
+    const uint64_t scale =
+        bitsPerDigit != 0 ? uint64_t{1} << bitsPerDigit * pendingDigits : limb::LIMB_TENS[pendingDigits];
+    limb::multiplyAdd(m.integer, scale, pending);
     pending = 0;
-    pendingScale = 1;
+    pendingDigits = 0;
 }
 
 void MantissaReader::Take(int value, Mantissa& m) {
@@ -85,8 +90,8 @@ void MantissaReader::Take(int value, Mantissa& m) {
         bitsUsed += bitsPerDigit;
     }
     pending = pending * static_cast<uint64_t>(radix) + static_cast<uint64_t>(value);
-    pendingScale *= static_cast<uint64_t>(radix);
-    if (pendingScale >= UINT64_C(100000000000000000)) Flush(m);
+    constexpr int MOST_IN_ANY_RADIX = 15;
+    if (++pendingDigits >= MOST_IN_ANY_RADIX) Flush(m);
 }
 
 // A character that is no digit, sign and point included; false when it has no business here.
@@ -110,20 +115,21 @@ bool MantissaReader::Mark(char c, Mantissa& m) {
 // The digits of a decimal number up to the next other character, once a significant digit has been seen.
 void MantissaReader::TakeDecimalRun(Mantissa& m) {
     const char* const start = p;
-    uint64_t value = pending, scale = pendingScale;
-    for (int room = MAX_DIGITS - taken; room > 0; --room, ++p) {
-        const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
-        if (d > 9) break;
-        value = value * 10 + d;
-        scale *= 10;
-        if (scale == UINT64_C(10000000000000000000)) {
-            limb::multiplyAdd(m.integer, scale, value);
-            value = 0;
-            scale = 1;
+    const char* const end = p + (MAX_DIGITS - taken);
+    for (bool more = true; more && p != end;) {
+        const char* const chunk = p;
+        const char* const full = p + std::min<std::ptrdiff_t>(end - p, limb::LIMB_DIGITS - pendingDigits);
+        uint64_t value = pending;
+        for (; p != full; ++p) {
+            const unsigned d = static_cast<unsigned char>(*p) - unsigned{'0'};
+            if (d > 9) break;
+            value = value * 10 + d;
         }
+        more = p == full;
+        pending = value;
+        pendingDigits += static_cast<int>(p - chunk);
+        if (pendingDigits == limb::LIMB_DIGITS) Flush(m);
     }
-    pending = value;
-    pendingScale = scale;
     taken += static_cast<int>(p - start);
     if (point) m.fractionDigits += static_cast<int>(p - start);
 }
