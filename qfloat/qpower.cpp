@@ -3,9 +3,9 @@
 // Powers and the factorial.
 //
 // The first way's errors, in units of the last of 384 bits: each product of a power by squaring adds 40 at
-// most.  The logarithm is within 2^-377, also relative to itself where it is below 2^-5, so that y ln x is
-// within 2^-377 times the larger of |y| and |y ln x|, and the power, relative to itself, within that and
-// 2^-377.
+// most.  The logarithm is within 2^-377 of the larger of it and 1, and of itself where it is below 2^-5. With
+// the product's 2^-378, y ln x is within 2^-376 of the larger of |y| and |y ln x|, or of the latter; that and
+// the exponential's 2^-377 is the power's relative error.
 // The second way ends: x^y is algebraic for our x and y, which are binary fractions.  exactPower finds those
 // powers that have few enough bits to be a midpoint; the others are none.
 #include "qelem.h"

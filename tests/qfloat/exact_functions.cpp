@@ -46,7 +46,8 @@ void power(mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr y, mpfr_rnd_t rounding) {
 
 // MPFR has no logarithm to any base: a quotient with so many bits more that its error does not show.
 void logarithm(mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr y, mpfr_rnd_t rounding) {
-    Real value(2 * WORKING_BITS), base(2 * WORKING_BITS);
+    const mpfr_prec_t bits = mpfr_get_prec(z) + 700;
+    Real value(bits), base(bits);
     mpfr_log(value, x, MPFR_RNDN);
     mpfr_log(base, y, MPFR_RNDN);
     mpfr_div(z, value, base, rounding);
