@@ -34,6 +34,14 @@ if [ -n "$unlicensed" ]; then
     exit 1
 fi
 
+echo "lint: names of headers"
+# A header is included by its name alone.
+twice=$(sources '^(qfloat|units|engine|store|web|terminal|app)/.*\.h$' | sed 's|.*/||' | tr '[:upper:]' '[:lower:]' | sort | uniq -d)
+if [ -n "$twice" ]; then
+    printf 'lint: several folders have a header of this name:\n%s\n' "$twice" >&2
+    exit 1
+fi
+
 echo "lint: clang-format"
 sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 

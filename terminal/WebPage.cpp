@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "WebPage.h"
 
-#include "Program.h"
+#include "ChildProcess.h"
 
 #include <cstdlib>
 #include <string>

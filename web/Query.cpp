@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Query.h"
 
-#include "Program.h"
+#include "ChildProcess.h"
 #include "ShownText.h"
 
 #include <algorithm>

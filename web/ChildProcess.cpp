@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Program.h"
+#include "ChildProcess.h"
 
 #include <cerrno>
 #include <fcntl.h>
