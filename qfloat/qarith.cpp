@@ -273,20 +273,20 @@ void qmul(const qfloat a, const qfloat b, qfloat c) {
         qclear(c);
         return;
     }
-    uint64_t x[COUNT], y[COUNT];
+    uint64_t x[COUNT], y[COUNT], z[COUNT];
     limb::load(a, x);
     limb::load(b, y);
     if (hasOneWord(x)) {
-        limb::multiplyLimb(y, x[5], x);
+        limb::multiplyLimb(y, x[5], z);
     } else if (hasOneWord(y)) {
-        limb::multiplyLimb(x, y[5], x);
+        limb::multiplyLimb(x, y[5], z);
     } else {
-        limb::multiplyExactly(x, y, x);
+        limb::multiplyExactly(x, y, z);
     }
     int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
-    if (finish(x, exponent)) {
-        storeProduct(sign, exponent, 1, x, c);
+    if (finish(z, exponent)) {
+        storeProduct(sign, exponent, 1, z, c);
     } else {
         qclear(c);
     }

@@ -59,11 +59,9 @@ int compareProduct(const uint64_t* x, const uint64_t* y, const uint64_t* z) {
 // decides is that of 2^31, or of 2^30 where the product is still to be shifted up: neither changes unless a
 // multiple of 2^30 lies above z by six units or less.
 void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
-    uint64_t upper[COUNT];
-    multiply(x, y, upper);
+    multiply(x, y, z);
     constexpr uint64_t UNIT = uint64_t{1} << 30;
-    if ((upper[0] & (UNIT - 1)) >= UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, upper);
-    copy(upper, z);
+    if ((z[0] & (UNIT - 1)) >= UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, z);
 }
 
 // c <= x / y exactly where c * y <= x.

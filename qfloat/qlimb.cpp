@@ -11,26 +11,10 @@ inline namespace portable {
 #endif
 
 void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z) {
-    const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
-    const uint64_t y0 = y[0], y1 = y[1], y2 = y[2], y3 = y[3], y4 = y[4], y5 = y[5];
-    Column c;
-    c.Add(x0, y5), c.Add(x1, y4), c.Add(x2, y3), c.Add(x3, y2), c.Add(x4, y1), c.Add(x5, y0);
-    c.Next();
-    c.Add(x1, y5), c.Add(x2, y4), c.Add(x3, y3), c.Add(x4, y2), c.Add(x5, y1);
-    z[0] = c.Next();
-    c.Add(x2, y5), c.Add(x3, y4), c.Add(x4, y3), c.Add(x5, y2);
-    z[1] = c.Next();
-    c.Add(x3, y5), c.Add(x4, y4), c.Add(x5, y3);
-    z[2] = c.Next();
-    c.Add(x4, y5), c.Add(x5, y4);
-    z[3] = c.Next();
-    c.Add(x5, y5);
-    z[4] = c.Next();
-    z[5] = c.Next();
+    product<COUNT, COUNT, COUNT - 1, COUNT>(x, y, z);
 }
 
 void square(const uint64_t* x, uint64_t* z) {
-    const uint64_t x0 = x[0], x1 = x[1], x2 = x[2], x3 = x[3], x4 = x[4], x5 = x[5];
     Column sum;
     const auto finish = [&sum](Column cross) {
         cross.Twice();
@@ -38,19 +22,19 @@ void square(const uint64_t* x, uint64_t* z) {
         return sum.Next();
     };
     Column c5, c6, c7, c8, c9;
-    c5.Add(x0, x5), c5.Add(x1, x4), c5.Add(x2, x3);
+    c5.AddStored(x[0], x[5]), c5.AddStored(x[1], x[4]), c5.AddStored(x[2], x[3]);
     finish(c5);
-    c6.Add(x1, x5), c6.Add(x2, x4);
-    sum.Add(x3, x3);
+    c6.AddStored(x[1], x[5]), c6.AddStored(x[2], x[4]);
+    sum.AddStored(x[3], x[3]);
     z[0] = finish(c6);
-    c7.Add(x2, x5), c7.Add(x3, x4);
+    c7.AddStored(x[2], x[5]), c7.AddStored(x[3], x[4]);
     z[1] = finish(c7);
-    c8.Add(x3, x5);
-    sum.Add(x4, x4);
+    c8.AddStored(x[3], x[5]);
+    sum.AddStored(x[4], x[4]);
     z[2] = finish(c8);
-    c9.Add(x4, x5);
+    c9.AddStored(x[4], x[5]);
     z[3] = finish(c9);
-    sum.Add(x5, x5);
+    sum.AddStored(x[5], x[5]);
     z[4] = sum.Next();
     z[5] = sum.Next();
 }

@@ -118,11 +118,11 @@ int cmpm(const uint32_t* x, const uint32_t* y) {
 }
 
 void mulm(const uint32_t* x, uint32_t* y) {
-    uint64_t a[limb::COUNT], b[limb::COUNT];
+    uint64_t a[limb::COUNT], b[limb::COUNT], ab[limb::COUNT];
     limb::load(x, a);
     limb::load(y, b);
-    limb::multiplyExactly(a, b, b);
-    storeRegister(b, y);
+    limb::multiplyExactly(a, b, ab);
+    storeRegister(ab, y);
     mdnorm(y);
 }
 
