@@ -212,7 +212,7 @@ void takeText(ZqCalculator& calc, DefinitionsRead& result) {
 
 std::string definitionsText(const ZqCalculator& calc) {
     const auto mathError = merror; // printing numbers may leave a code
-    const std::string text =
+    std::string text =
         textOf({functionLines(), variableLines(calc), unitLines(calc), historyLines(calc.history)});
     merror = mathError;
     return text;

@@ -59,9 +59,10 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
 
 std::string DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
     const Sections foreign = ForeignIn(DefinitionsText(theirs), PresentIn(DefinitionsText(ours)));
-    const std::string text = foreign == Sections() ? "" : textOf(foreign);
-    for (const auto& [key, line] : DefinitionsText(text).LinesByKey()) known.insert(key);
-    return text;
+    std::string text = textOf(foreign);
+    const Lines lines = DefinitionsText(text).LinesByKey();
+    for (const auto& [key, line] : lines) known.insert(key);
+    return lines.empty() ? "" : text;
 }
 
 bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason,
