@@ -141,9 +141,8 @@ int makeTemporary(System& system, std::string& name) {
     }
 }
 
-// Closing may report that a write failed; another descriptor keeps the lock until the file has its name.
-bool fill(System& system, Descriptor& file, const std::string& text) {
-    const bool isWritten = writeAll(system, file.Number(), text) && flush(system, file.Number());
+// Closing may report that a write failed. False with errno set for the first failure.
+bool closeWritten(Descriptor& file, bool isWritten) {
     const int error = errno;
     const bool isClosed = file.Close();
     if (!isWritten) errno = error;
@@ -156,8 +155,9 @@ bool replaceFile(System& system, std::string destination, const std::string& tex
     std::string temporary = destination + TEMPORARY_NAME;
     Descriptor file(system, makeTemporary(system, temporary));
     if (!file.IsOpen()) return false;
-    const Descriptor lock(system, system.Duplicate(file.Number()));
-    if (!fill(system, file, text) || system.Rename(temporary.c_str(), destination.c_str()) != 0) {
+    const Descriptor lock(system, system.Duplicate(file.Number())); // until the file has its name
+    const bool isWritten = writeAll(system, file.Number(), text) && flush(system, file.Number());
+    if (!closeWritten(file, isWritten) || system.Rename(temporary.c_str(), destination.c_str()) != 0) {
         const int error = errno;
         system.Remove(temporary.c_str());
         errno = error;
@@ -216,11 +216,8 @@ bool appendToFile(const std::string& path, const std::string& text, std::error_c
     Descriptor file(
         system,
         system.Open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0600));
-    const bool isWritten = file.IsOpen() && writeAll(system, file.Number(), text);
-    const int error = errno;
-    const bool isClosed = file.Close();
-    if (isWritten && isClosed) return true;
-    reason = std::error_code(isWritten ? errno : error, std::generic_category());
+    if (closeWritten(file, file.IsOpen() && writeAll(system, file.Number(), text))) return true;
+    reason = std::error_code(errno, std::generic_category());
     return false;
 }
 
