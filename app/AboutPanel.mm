@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#import "AboutPanel.h"
+#import "Interface.h"
 
 #import "Controls.h"
 

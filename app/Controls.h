@@ -37,5 +37,7 @@ NSImage* bundleImage(NSString* name);
 // The modes of the run loop in which timers go on while a panel waits or a menu is open too.
 NSArray* everyMode();
 
+NSColor* gray(CGFloat white); // 0 black, 1 white
+
 // For text drawn in this font and color.
 NSMutableDictionary* textLook(NSFont* font, NSColor* color);

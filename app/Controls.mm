@@ -92,6 +92,10 @@ NSArray* everyMode() {
     return @[ NSDefaultRunLoopMode, NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ];
 }
 
+NSColor* gray(CGFloat white) {
+    return [NSColor colorWithCalibratedWhite:white alpha:1];
+}
+
 NSMutableDictionary* textLook(NSFont* font, NSColor* color) {
     return [NSMutableDictionary
         dictionaryWithDictionary:@{NSFontAttributeName : font, NSForegroundColorAttributeName : color}];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#import "GuideWindow.h"
+#import "Interface.h"
 
 #import "Controls.h"
 #import "Platform.h"
@@ -15,10 +15,6 @@ static const CGFloat COLUMN_GAP = 20;
 // What a heading is known by, as a link names it: "how-answers-look".
 static NSString* const ANCHOR = @"GuideAnchor";
 
-static NSColor* ink(CGFloat white) {
-    return [NSColor colorWithCalibratedWhite:white alpha:1];
-}
-
 static NSDictionary* codeLook() {
     return textLook([NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS], [NSColor colorWithCalibratedRed:0.35
                                                                                                   green:0.85
@@ -30,7 +26,7 @@ static NSDictionary* plainLook(CGFloat indent, NSArray* tabStops) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     [style setHeadIndent:indent];
     if (tabStops) [style setTabStops:tabStops];
-    NSMutableDictionary* const look = textLook([NSFont systemFontOfSize:TEXT_SIZE_POINTS], ink(0.86));
+    NSMutableDictionary* const look = textLook([NSFont systemFontOfSize:TEXT_SIZE_POINTS], gray(0.86));
     [look setObject:style forKey:NSParagraphStyleAttributeName];
     return look;
 }
@@ -81,7 +77,7 @@ static void appendLine(NSMutableAttributedString* out, NSString* line, NSDiction
 
 // A little space between what stands above and what follows.
 static void appendSpace(NSMutableAttributedString* out) {
-    append(out, @"\n", textLook([NSFont systemFontOfSize:6], ink(1)));
+    append(out, @"\n", textLook([NSFont systemFontOfSize:6], gray(1)));
 }
 
 static NSString* trimmed(NSString* text) {
@@ -133,7 +129,7 @@ static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
 // Known by its text: "How answers look" by "how-answers-look".
 static void appendHeading(NSMutableAttributedString* out, NSString* heading, NSUInteger level) {
     const CGFloat sizes[] = {20, 16, 14};
-    NSMutableDictionary* const look = textLook([NSFont boldSystemFontOfSize:sizes[level - 1]], ink(1));
+    NSMutableDictionary* const look = textLook([NSFont boldSystemFontOfSize:sizes[level - 1]], gray(1));
     NSString* const words = [heading lowercaseString];
     [look setObject:[words stringByReplacingOccurrencesOfString:@" " withString:@"-"] forKey:ANCHOR];
     appendSpace(out);
@@ -245,7 +241,7 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
 static GuideView* buildView(NSAttributedString* text) {
     GuideView* const view = [[[GuideView alloc] initWithFrame:NSZeroRect] autorelease];
     [view setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
-    [view setBackgroundColor:ink(0.11)];
+    [view setBackgroundColor:gray(0.11)];
     [view setLinkTextAttributes:@{
         NSForegroundColorAttributeName : [codeLook() objectForKey:NSForegroundColorAttributeName],
         NSUnderlineStyleAttributeName : @(NSUnderlineStyleSingle),

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The window, its controls and the menus, built in code.
+// The windows, the controls and the menus, built in code.
 //
 // The content view from bottom to top: the status line (20 points), the console in its scroll view, the
 // controls (27 points): display base, angle mode, variables, functions.
@@ -26,3 +26,15 @@ void buildPreferences(PelmoAppDelegate* delegate);
 
 // The menu bar (InterfaceMenus.mm). Items of the first responder have no target.
 void buildMenus(PelmoAppDelegate* delegate);
+
+// What the program is: its icon, version and licence (AboutPanel.mm). Not shown yet.
+NSPanel* buildAboutPanel();
+
+// The guide that belongs to the application (GuideWindow.mm), not shown yet; nil when the application has
+// none. A panel, because it is no main window: it does not keep the calculator running once that is closed.
+NSPanel* buildGuideWindow();
+
+// A text in the guide's notation, a small part of Markdown, laid out: headings ("#" to "###"), tables, fenced
+// code, items ("- "), `code` and **strong**; a link shows its text, an image nothing. Anything else stands as
+// it is.
+NSAttributedString* guideText(NSString* markdown);

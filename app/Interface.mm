@@ -47,7 +47,7 @@ static MainConsole* buildConsole() {
 
 static NSTextField* buildStatusLine(NSRect frame) {
     NSTextField* const field = [[[NumberField alloc] initWithFrame:frame] autorelease];
-    [field setTextColor:[NSColor colorWithCalibratedWhite:0.75 alpha:1]];
+    [field setTextColor:gray(0.75)];
     [field setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
     return field;
 }
@@ -111,7 +111,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
                                                                        defer:NO] autorelease];
     [window setTitle:@"Tallyquill"];
     [window setReleasedWhenClosed:NO];
-    [window setBackgroundColor:[NSColor colorWithCalibratedWhite:0.16 alpha:1]];
+    [window setBackgroundColor:gray(0.16)];
 
     MainConsole* const console = buildConsole();
     [console setMyAppDelegate:delegate];

@@ -196,4 +196,10 @@ static NSString* asOneLine(NSString* text) {
     [self ProcessResult:nullptr:YES];
 }
 
+// Nothing can be redone once something was written above the entry.
+- (void)redo:(id)sender {
+    if ([[self undoManager] canRedo]) [[self undoManager] redo];
+    [self ProcessResult:nullptr:YES];
+}
+
 @end

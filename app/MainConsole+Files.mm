@@ -115,9 +115,7 @@
     }
     NSString* const news = [NSString stringWithUTF8String:keeper.TakeNews().c_str()];
     if ([news length] == 0) return;
-    NSData* const latin1 = [news dataUsingEncoding:NSISOLatin1StringEncoding allowLossyConversion:YES];
-    const std::string bytes(static_cast<const char*>([latin1 bytes]), [latin1 length]);
-    [self updateStatusbar:bytes.c_str()];
+    [self updateStatusbar:bytesOf(news, NSISOLatin1StringEncoding).c_str()];
 }
 
 // When the start is over, which empties the status line.
@@ -154,10 +152,6 @@
 }
 
 // --- Writing shortly after an entry ---
-
-- (BOOL)isEntryRunning {
-    return keeper.IsEntryRunning();
-}
 
 - (void)entryWillRun {
     keeper.EntryWillRun(calc, [self isReplaying]);

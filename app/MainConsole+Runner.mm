@@ -69,7 +69,7 @@ static const size_t QUICK_HEAD = 6;
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
     if (isAtWork) return;
     [self copySettingsToEngine];
-    if (!line && !quick) record.Add(utf8Bytes([self typedEntry]));
+    if (!line && !quick) record.Add(bytesOf([self typedEntry]));
     isAtWork = !quick;
     const int status = [self processLine:line quick:quick];
     isAtWork = NO;
@@ -195,8 +195,8 @@ static const size_t QUICK_HEAD = 6;
     NSString* const service = [defaults stringForKey:@"QueryServiceURL"];
     const NSInteger wanted = [defaults integerForKey:@"QuerySeconds"];
     const int seconds = wanted >= 1 && wanted <= 60 ? static_cast<int>(wanted) : QUERY_SECONDS;
-    const std::string asked = utf8Bytes(textFromBytes(query));
-    const std::string answer = askService(service ? utf8Bytes(service) : "", asked, seconds,
+    const std::string asked = bytesOf(textFromBytes(query));
+    const std::string answer = askService(service ? bytesOf(service) : "", asked, seconds,
                                           [self] { return static_cast<bool>([self isToStop]); });
     return answer.empty() ? nil : @(answer.c_str());
 }

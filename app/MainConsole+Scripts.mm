@@ -25,7 +25,7 @@ static NSString* textFromPath(const std::string& path) {
 // --- Saving ---
 
 - (NSString*)scriptText {
-    return [NSString stringWithUTF8String:record.Script(calc, utf8Bytes([self typedEntry])).c_str()];
+    return [NSString stringWithUTF8String:record.Script(calc, bytesOf([self typedEntry])).c_str()];
 }
 
 - (void)saveDocument:(id)sender {
@@ -65,7 +65,7 @@ static NSString* textFromPath(const std::string& path) {
 }
 
 - (BOOL)mustWait {
-    return scripts.isReplaying || isAtWork || [self isEntryRunning];
+    return scripts.isReplaying || isAtWork || keeper.IsEntryRunning();
 }
 
 - (BOOL)loadFile:(NSString*)path {

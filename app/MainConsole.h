@@ -88,8 +88,6 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
 - (void)reviewSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context;
 
-- (void)redo:(id)sender; // what undo took back from the entry
-
 @property(nonatomic, assign) PelmoAppDelegate* myAppDelegate;
 @property(nonatomic, assign) NSTextField* answerStatus;
 @property(nonatomic, assign) NSSegmentedControl* ctrlBase;
@@ -166,6 +164,10 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (NSString*)QueryWAConvert:(const char*)query;
 @end
 
+@interface MainConsole (Edit)
+- (void)redo:(id)sender; // what undo took back from the entry
+@end
+
 @interface MainConsole (Files)
 - (NSMutableDictionary*)settings;
 - (NSString*)appSupportFolder; // the folder of our files, made when it is missing
@@ -187,7 +189,6 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // second later, also when the program is killed after that.
 - (void)entryWillRun;
 - (void)entryDidRun;
-- (BOOL)isEntryRunning; // between the two: the engine is at work
 - (void)writeDueFiles;
 - (void)writeAllFiles;   // at once, without asking the window; while an entry runs, what was there before it
 - (void)finishWriting;   // returns when what is being written is in the files
@@ -233,5 +234,5 @@ KeyPress keyPress(NSEvent* event);
 // Text from an 8-bit string, as it may be shown (ShownText.h).
 NSString* textFromBytes(const char* bytes);
 
-// The text in UTF-8; what has no place in it is a question mark.
-std::string utf8Bytes(NSString* text);
+// The text as bytes; what has no place in the encoding is a question mark.
+std::string bytesOf(NSString* text, NSStringEncoding encoding = NSUTF8StringEncoding);

@@ -36,8 +36,8 @@ NSString* textFromBytes(const char* bytes) {
                                    encoding:NSISOLatin1StringEncoding] autorelease];
 }
 
-std::string utf8Bytes(NSString* text) {
-    NSData* const bytes = [text dataUsingEncoding:NSUTF8StringEncoding allowLossyConversion:YES];
+std::string bytesOf(NSString* text, NSStringEncoding encoding) {
+    NSData* const bytes = [text dataUsingEncoding:encoding allowLossyConversion:YES];
     return std::string(static_cast<const char*>([bytes bytes]), [bytes length]);
 }
 
@@ -278,14 +278,6 @@ static bool writesDecimalComma() {
     keeper.Close();
     [settings release];
     settings = nil;
-}
-
-// --- Redo ---
-
-// What undo took back. Nothing can be redone once something was written above the entry.
-- (void)redo:(id)sender {
-    if ([[self undoManager] canRedo]) [[self undoManager] redo];
-    [self ProcessResult:nullptr:YES];
 }
 
 @end

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "PelmoAppDelegate.h"
 
-#import "AboutPanel.h"
 #import "Controls.h"
-#import "GuideWindow.h"
 #import "Interface.h"
 #import "MainConsole.h"
 #import "MainWindowDelegate.h"

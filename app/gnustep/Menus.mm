@@ -85,11 +85,6 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
 // As they stand on the keyboard: "Alt+Shift+S" where GNUstep would write "Alt+S", and "Alt+S" for "Alt+s".
 // The names of the modifiers are GNUstep's defaults (platformRegisterDefaults()).
 
-static NSString* nameOfModifier(NSString* setting, NSString* usual) {
-    NSString* const name = [[NSUserDefaults standardUserDefaults] stringForKey:setting];
-    return name ? name : usual;
-}
-
 @interface NSMenuItemCell (NightMenus)
 - (NSString*)_keyEquivalentString;
 @end
@@ -100,15 +95,22 @@ static NSString* nameOfModifier(NSString* setting, NSString* usual) {
 - (NSString*)_keyEquivalentString {
     NSString* const key = [[self menuItem] keyEquivalent];
     if ([key length] == 0) return @"";
-    const NSUInteger flags = [[self menuItem] keyEquivalentModifierMask];
     NSString* const capital = [key uppercaseString];
     const bool isCapital = [key isEqualToString:capital] && ![key isEqualToString:[key lowercaseString]];
+    const NSUInteger flags = [[self menuItem] keyEquivalentModifierMask] | (isCapital ? NSShiftKeyMask : 0);
+    const struct {
+        NSUInteger flag;
+        NSString* setting;
+        NSString* usual;
+    } modifiers[] = {{NSControlKeyMask, @"GSControlKeyString", @"Ctrl+"},
+                     {NSAlternateKeyMask, @"GSAlternateKeyString", @"Option+"},
+                     {NSCommandKeyMask, @"GSCommandKeyString", @"Alt+"},
+                     {NSShiftKeyMask, @"GSShiftKeyString", @"Shift+"}};
     NSMutableString* const text = [NSMutableString string];
-    if (flags & NSControlKeyMask) [text appendString:nameOfModifier(@"GSControlKeyString", @"Ctrl+")];
-    if (flags & NSAlternateKeyMask) [text appendString:nameOfModifier(@"GSAlternateKeyString", @"Option+")];
-    if (flags & NSCommandKeyMask) [text appendString:nameOfModifier(@"GSCommandKeyString", @"Alt+")];
-    if (isCapital || (flags & NSShiftKeyMask))
-        [text appendString:nameOfModifier(@"GSShiftKeyString", @"Shift+")];
+    for (const auto& modifier : modifiers) {
+        NSString* const name = [[NSUserDefaults standardUserDefaults] stringForKey:modifier.setting];
+        if (flags & modifier.flag) [text appendString:name ? name : modifier.usual];
+    }
     [text appendString:capital];
     return text;
 }

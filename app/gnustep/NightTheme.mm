@@ -15,10 +15,6 @@ static const CGFloat WINDOW = 0.16, FIELD = 0.11, CONTROL = 0.25, PRESSED = 0.33
                      TEXT = 0.88;
 static const CGFloat CORNER = 3;
 
-static NSColor* gray(CGFloat white) {
-    return [NSColor colorWithCalibratedWhite:white alpha:1];
-}
-
 static NSColor* accent() {
     return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
 }

@@ -14,8 +14,8 @@
 
 @class TestDelegate;
 
-@interface MainConsole (Edit)
-- (void)undo:(id)sender; // the menu's action
+@interface MainConsole (EditMenu)
+- (void)undo:(id)sender;
 @end
 
 // What the console does not tell anybody else.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The panel that tells what the program is.
-#import "AboutPanel.h"
+#import "Interface.h"
 #import "shell_fixture.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #import "console_fixture.h"
 #import "replacement.h"
 
-#import "GuideWindow.h"
+#import "Interface.h"
 
 #import <AppKit/AppKit.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#import "GuideWindow.h"
+#import "Interface.h"
 #import "replacement.h"
 
 #import <AppKit/AppKit.h>

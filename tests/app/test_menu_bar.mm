@@ -3,7 +3,6 @@
 // The menu bar: every item is taken by someone, and does what it says.
 #import "shell_fixture.h"
 
-#import "GuideWindow.h"
 #import "Interface.h"
 #import "PrefController.h"
 
