@@ -25,7 +25,7 @@ define build_and_test
 endef
 
 .NOTPARALLEL:
-.PHONY: help deps build terminal run test gcc sanitize lint lint-program format bench install clean
+.PHONY: help deps build terminal run test gcc sanitize lint lint-program format bench bench-check install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' Makefile
@@ -76,6 +76,11 @@ bench: deps ## build and run the benchmarks, also against other calculators
 	$(call compile,release) </dev/null
 	@set -e; for program in build/release/bin/*bench*; do $$program; done
 	bench/peers.py build/release/bin/tallyquill
+
+bench-check: deps ## count instructions and compare them with bench/instructions.txt: more than 3 % worse fails
+	cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=ON </dev/null
+	$(call compile,release) </dev/null
+	bench/instructions.py build/release/bin
 
 install: build ## install below PREFIX (/usr/local)
 	cmake --install build/release --prefix $(PREFIX)

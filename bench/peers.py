@@ -6,7 +6,7 @@
 
 The same work is written in the syntax of each. Every answer is compared with the other's. Then both run by turns, and
 the table shows the medians of the processor time of one run, as the system counts it for the process (user and system).
-The exit status is 1 when an answer differs.
+The exit status is 1 when an answer differs. The last rows compare the program with itself: ten times the work.
 """
 import decimal
 import os
@@ -120,6 +120,48 @@ def conversion_lines(random_numbers, count):
     return lines
 
 
+def call_lines(count):
+    """Functions that call each other, and calls of them: for this program and for bc."""
+    bodies = [("f(x,y)", "(x+y)*(x-y)/2"), ("g(x)", "f(x,3)+f(x,5)*x"), ("h(x)", "g(x+1)-g(x-1)")]
+    calls = [f"h({n})" for n in range(1, count + 1)]
+    ours = [f"{head}={body}" for head, body in bodies]
+    return ours + calls, ["scale=20"] + [f"define {head}{{return {body}}}" for head, body in bodies] + calls
+
+
+def chain_lines(length):
+    """Functions of which each calls the one before twice, for this program and for calc: 2^(length+1) calls."""
+    bodies = [("f0(x)", "x+1")] + [(f"f{i}(x)", f"f{i - 1}(x)+f{i - 1}(x)") for i in range(1, length + 1)]
+    call = [f"f{length}(1)"]
+    return [f"{h}={b}" for h, b in bodies] + call, [f"define {h}={b};" for h, b in bodies] + call
+
+
+def long_line(kind, length):
+    """A line of about so many characters."""
+    begin, middle, end = {"nested": ("(", "1", ")"), "nested sums": ("(1+", "1", ")"), "flat sum": ("", "1", "+1")}[kind]
+    times = length // len(begin + end)
+    return begin * times + middle + end * times
+
+
+def name_lines(kind, count):
+    """A script that defines so many names, uses, deletes and lists them."""
+    names = ["n" + "".join(chr(97 + n // 26 ** k % 26) for k in range(4)) for n in range(count)]
+    if kind == "variables":
+        return [f"{name}={n}" for n, name in enumerate(names)] + names + [f"del {name}" for name in names]
+    if kind == "functions":
+        define = [f"{name}(x)=x+{n}" for n, name in enumerate(names)]
+        return define + ["list"] + [f"{name}(1)" for name in names] + [f"del {name}" for name in names]
+    define = [f"unit {name}={n + 1} meter" for n, name in enumerate(names)]
+    return define + ["list units"] + [f"2 {name}->m" for name in names] + [f"del {name}" for name in names]
+
+
+def growth(name, runs, short, long):
+    """Prints how many times longer than the short work one takes that is ten times as long."""
+    times = [(short.milliseconds(), long.milliseconds()) for _ in range(runs)]
+    small, large = (statistics.median(time[i] for time in times) for i in range(2))
+    print(f"{name:32} {large:9.3f} ms {small:9.3f} ms {'':5} {large / small:6.3f} {12:6.2f}"
+          f"{'' if large / small <= 12 else '  not reached'}")
+
+
 def peak_memory(tallyquill):
     """In MB, of an entry as an argument; the pause lets one look."""
     process = subprocess.Popen([tallyquill, "--no-files", "1+1", "pause3000"], stdout=subprocess.PIPE)
@@ -163,6 +205,21 @@ def main():
             compare("conversions", 0.03, 5, 6, 600, ours(["-q"], [line[0] for line in conversions]),
                     peer(["qalc", "-t"], [line[1] for line in conversions], "  ")),
         ]
+        calls, calls_of_bc = call_lines(5000)
+        rows.append(compare("5,000 lines of calls", 0.6, 11, 9, 5000, ours(["-q"], calls), peer(["bc"], calls_of_bc)))
+        chain, chain_of_calc = chain_lines(18)
+        rows.append(compare("2^19 calls", 1.0, 11, 6, 1, ours(["-q"], chain), peer(["calc", "-d", "-p"], chain_of_calc)))
+        for kind in ("nested", "nested sums", "flat sum"):
+            line = [long_line(kind, 9900)]
+            for arguments in (["bc"], ["calc", "-d", "-p"]) if kind != "nested sums" else (["bc"],):
+                rows.append(compare(f"{kind}, 9,900 characters", 1.0, 51, 9, 1, ours(["-q"], line),
+                                    peer(arguments, line)))
+        for kind in ("nested", "nested sums", "flat sum"):
+            growth(f"{kind}: 9,900 to 990 characters", 11, ours(["-q"], [long_line(kind, 990)] * 100),
+                   ours(["-q"], [long_line(kind, 9900)] * 100))
+        for kind, count in (("variables", 50000), ("functions", 10000), ("units", 1000)):
+            growth(f"{count} {kind} to {count // 10}", 5, ours(["-q"], name_lines(kind, count // 10)),
+                   ours(["-q"], name_lines(kind, count)))
     if os.path.exists("/proc/self/status"):
         peak = peak_memory(tallyquill)
         print(f"{'peak memory of 1+1':32} {peak:9.3f} MB {'':22} {5:6.2f}{'' if peak <= 5 else '  not reached'}")

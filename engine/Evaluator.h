@@ -7,7 +7,7 @@
 #include "EntryContext.h"
 #include "Program.h"
 
-#include <deque>
+#include <memory>
 #include <vector>
 
 struct Builtin;
@@ -80,24 +80,25 @@ private:
     struct Frame {
         std::vector<Operand> arguments;
         std::vector<Register> registers;
-        int32_t level = 0; // of its '(', were the bodies put into the statement
-        int32_t terms = 0; // that the statement would have beside those of the body
+        int32_t level = 0;            // of its '(', were the bodies put into the statement
+        int32_t terms = 0;            // that the statement would have beside those of the body
+        std::unique_ptr<Frame> inner; // of the calls in the body, one after the other
     };
 
     // NoProgram: a function that is called has none.
     enum class Ending { Value, Failed, NoProgram };
 
     Operand OperandOf(const node* term);
-    Operand OperandAt(const Program& program, const Frame& frame, Program::Place place);
+    Operand OperandAt(const Program& program, const Frame& current, Program::Place place);
     int PayForOperator();
     int RunPair(int32_t code, const Operand& left, const Operand& right, qfloat value);
-    Ending RunCall(const Program& program, const Program::Call& call, size_t depth, Register& to);
-    Ending RunBody(const Function* function, const Caller& caller, size_t depth, int32_t terms,
+    Ending RunCall(const Program& program, const Program::Call& call, Frame& current, Register& to);
+    Ending RunBody(const Function* function, const Caller& caller, Frame& current, int32_t terms,
                    Operand& result);
     Ending RunStatementsCall(const Call& call, const Function& function);
     void PutInPlace(const Call& call, const Operand& result);
 
-    std::deque<Frame> frames; // of the calls that run, the outermost first, and more
+    Frame frame;              // of the statement's call that runs
     bool isExpanding = false; // the statement's calls are replaced by bodies from now on
 
     // Of the bodies that were put in, still to be applied, the next one last. Behind those of a body comes

@@ -103,9 +103,12 @@ static void orderBody(Function* function) {
 }
 
 Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool builtin) const {
-    const auto namesakes = byName.find(lowerCased(name));
-    if (namesakes == byName.end()) return nullptr;
-    for (const auto& [number, function] : namesakes->second) {
+    if (last.version != version || last.name != name) {
+        const auto found = byName.find(lowerCased(name));
+        last = {version, name, found == byName.end() ? nullptr : &found->second};
+    }
+    if (!last.namesakes) return nullptr;
+    for (const auto& [number, function] : *last.namesakes) {
         visited++;
         if ((argCount == -1 || argCount == function->argCount) && (function->body ? own : builtin))
             return function;

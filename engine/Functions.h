@@ -118,6 +118,15 @@ private:
 
     Row predefined;
     std::unordered_map<std::string, Row> byName; // by the name in lower case
+
+    // What was looked up last: a call is looked up where it is read and where it is evaluated.
+    struct LookedUp {
+        uint64_t version = 0;
+        std::string name;
+        const Row* namesakes = nullptr;
+    };
+    mutable LookedUp last;
+
     Undo* undo = nullptr;
     uint64_t current = 0; // number of the function that Get or GetNext gave
 };

@@ -8,17 +8,18 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <memory>
 
 Evaluator::Operand Evaluator::OperandOf(const node* term) {
     return {KnownValue(term), term->type == TERM_NAME ? term : nullptr};
 }
 
-Evaluator::Operand Evaluator::OperandAt(const Program& program, const Frame& frame, Program::Place place) {
+Evaluator::Operand Evaluator::OperandAt(const Program& program, const Frame& current, Program::Place place) {
     static const qfloat NO_OPERAND = {};
     if (place == Program::NOWHERE) return {&NO_OPERAND, nullptr};
-    if (place >= 0) return frame.registers[static_cast<size_t>(place)].operand;
+    if (place >= 0) return current.registers[static_cast<size_t>(place)].operand;
     const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~place)];
-    if (leaf.parameter >= 0) return frame.arguments[static_cast<size_t>(leaf.parameter)];
+    if (leaf.parameter >= 0) return current.arguments[static_cast<size_t>(leaf.parameter)];
     return OperandOf(leaf.term);
 }
 
@@ -49,25 +50,24 @@ static void lookUp(const Program::Call& call) {
     call.builtin = number == 1 && !isOwn ? findBuiltin(call.name.c_str()) : nullptr;
 }
 
-// A call in a body, whose frame is at `depth`.
-Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call& call, size_t depth,
+// A call in the body of the current frame.
+Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call& call, Frame& current,
                                      Register& to) {
     lookUp(call);
     const char* const name = call.name.c_str();
-    const Frame& frame = frames[depth];
-    if (frames.size() == depth + 1) frames.emplace_back();
-    Frame& next = frames[depth + 1];
+    if (!current.inner) current.inner = std::make_unique<Frame>();
+    Frame& next = *current.inner;
     const size_t number = call.arguments.size();
     next.arguments.resize(number);
-    for (size_t i = 0; i < number; i++) next.arguments[i] = OperandAt(program, frame, call.arguments[i]);
+    for (size_t i = 0; i < number; i++) next.arguments[i] = OperandAt(program, current, call.arguments[i]);
     const Operand& first = next.arguments[0];
     if (number == 1 && !first.value) return RefuseArgument(first.name, name), Ending::Failed;
     to.operand = {&to.number, nullptr};
     if (call.builtin)
         return Compute(*call.builtin, name, *first.value, to.number) == 0 ? Ending::Value : Ending::Failed;
-    next.level = frame.level + call.level;
+    next.level = current.level + call.level;
     Operand result;
-    const Ending ending = RunBody(call.function, {{}, name}, depth + 1, frame.terms + call.terms, result);
+    const Ending ending = RunBody(call.function, {{}, name}, next, current.terms + call.terms, result);
     if (ending != Ending::Value) return ending;
     if (result.name)
         to.operand = result;
@@ -76,32 +76,32 @@ Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call
     return PayForOperator() == 0 ? Ending::Value : Ending::Failed; // the call's parenthesis again
 }
 
-// The body of a function, for a call in a statement of so many terms. The frame at `depth` has the call's
-// level and arguments.
-Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& caller, size_t depth,
+// The body of a function, for a call in a statement of so many terms. The current frame has the call's level
+// and arguments.
+Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& caller, Frame& current,
                                      int32_t terms, Operand& result) {
-    Frame& frame = frames[depth];
-    if (CheckCall(function, caller, frame.level) != 0) return Ending::Failed;
+    if (CheckCall(function, caller, current.level) != 0) return Ending::Failed;
     const Program& program = function->program;
     if (!program.Exists()) return Ending::NoProgram;
     if (PayForBody(*function, caller, terms) != 0) return Ending::Failed;
-    frame.terms = terms - 2 * static_cast<int32_t>(frame.arguments.size());
-    if (frame.registers.size() < program.registers) frame.registers.resize(program.registers);
+    current.terms = terms - 2 * static_cast<int32_t>(current.arguments.size());
+    if (current.registers.size() < program.registers) current.registers.resize(program.registers);
     for (const Program::Step& step : program.steps) {
         if (PayForOperator() != 0) return Ending::Failed;
         if (step.code == OP_OPEN) continue;
-        Register& to = frame.registers[static_cast<size_t>(step.to)];
+        Register& to = current.registers[static_cast<size_t>(step.to)];
         if (step.code == TERM_FUNC) {
-            const Ending ending = RunCall(program, program.calls[static_cast<size_t>(step.left)], depth, to);
+            const Ending ending =
+                RunCall(program, program.calls[static_cast<size_t>(step.left)], current, to);
             if (ending != Ending::Value) return ending;
             continue;
         }
         to.operand = {&to.number, nullptr};
-        if (RunPair(step.code, OperandAt(program, frame, step.left), OperandAt(program, frame, step.right),
-                    to.number) != 0)
+        if (RunPair(step.code, OperandAt(program, current, step.left),
+                    OperandAt(program, current, step.right), to.number) != 0)
             return Ending::Failed;
     }
-    result = OperandAt(program, frame, program.result);
+    result = OperandAt(program, current, program.result);
     return Ending::Value;
 }
 
@@ -118,13 +118,11 @@ Evaluator::Ending Evaluator::RunStatementsCall(const Call& call, const Function&
     const WorkBudget budget = spending.budget;
     const WorkCounters counters = work;
     const int pending = merror;
-    if (frames.empty()) frames.emplace_back();
-    Frame& frame = frames[0];
     frame.level = call.open->level;
     frame.arguments.clear();
     for (const node* argument : call.arguments) frame.arguments.push_back(OperandOf(argument));
     Operand result;
-    const Ending ending = RunBody(&function, call, 0, statement.terms.count, result);
+    const Ending ending = RunBody(&function, call, frame, statement.terms.count, result);
     if (ending == Ending::NoProgram) {
         isExpanding = true;
         spending.budget = budget;

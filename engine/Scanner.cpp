@@ -190,10 +190,10 @@ void Scanner::Locate(node* term, size_t start, size_t length, bool inSource) con
 void Scanner::ScanTerms(const std::string& text) {
     Deq& terms = statement.terms;
     const std::string_view view = text;
-    std::vector<bool> isCall; // for every open '(': whether it opens the arguments of a function
-    bool inUnit = false;      // from the mark to the next ')': km/h and m^2 are one term
-    bool inSource = false;    // from the mark to the arrow
-    bool hasSign = false;     // of an exponent: the operand is no name then, and is not looked up again
+    isCall.clear();
+    bool inUnit = false;   // from the mark to the next ')': km/h and m^2 are one term
+    bool inSource = false; // from the mark to the arrow
+    bool hasSign = false;  // of an exponent: the operand is no name then, and is not looked up again
     size_t start = 0;
     size_t pos = 0;
     while (pos < view.size()) {
@@ -222,10 +222,11 @@ void Scanner::ScanTerms(const std::string& text) {
         if (code == OP_CLOSE) inUnit = false;
         node* const term = terms.Add();
         term->type = code;
-        Locate(term, pos, strlen(getOp(code).text), inSource);
+        const size_t length = strlen(getOp(code).text);
+        Locate(term, pos, length, inSource);
         if (code == OP_UNIT_MARK) inSource = true;
         if (code == OP_CONVERT) inSource = false;
-        pos += strlen(getOp(code).text);
+        pos += length;
         start = pos;
         hasSign = false;
     }
@@ -252,25 +253,54 @@ void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParen
     if (text.empty()) return;
     work.looked += text.size();
     node* term = statement.terms.Add();
-    lookedUp = text;
     qfloat value;
     const bool isName = (isUnit && std::any_of(text.begin(), text.end(), isLetter)) ||
                         (isLetter(text[0]) && variables.Find(text));
-    if (!isName && ReadNumber(lookedUp, value)) {
+    if (!isName && ReadNumber(text, value)) {
         term->type = TERM_NUMBER;
         term->SetValue(value);
         if (text.substr(0, 2) == "0x") term->SetText(text);
     } else {
-        const bool isCall = !isName && beforeParenthesis && IsFunctionName(lookedUp);
-        term->type = isCall ? TERM_FUNC : TERM_NAME;
+        const bool opensCall = !isName && beforeParenthesis && IsFunctionName(std::string(text));
+        term->type = opensCall ? TERM_FUNC : TERM_NAME;
         term->SetText(text);
     }
 }
 
+// Reads what most numbers are: up to nine digits, with a point or without, which machine numbers hold.
+// Otherwise it answers false.
+static bool readShort(std::string_view text, qfloat value) {
+    constexpr size_t MOST_DIGITS = 9;
+    if (text.size() > MOST_DIGITS + 1) return false;
+    int64_t number = 0;
+    int64_t scale = 0; // of the digits behind the point; 0: there has been none
+    size_t digits = 0;
+    for (char c : text) {
+        if (isDigit(c)) {
+            number = number * 10 + (c - '0');
+            scale *= 10;
+            digits++;
+        } else if (c == '.' && scale == 0) {
+            scale = 1;
+        } else {
+            return false;
+        }
+    }
+    if (digits == 0 || digits > MOST_DIGITS) return false;
+    ltoq(&number, value);
+    if (number == 0 || scale <= 1) return true;
+    qfloat divisor;
+    ltoq(&scale, divisor);
+    qdiv(divisor, value, value);
+    return true;
+}
+
 // That an earlier number of the statement was beyond the range stays known.
-bool Scanner::ReadNumber(const std::string& text, qfloat value) {
+bool Scanner::ReadNumber(std::string_view text, qfloat value) {
+    if (readShort(text, value)) return true;
+    lookedUp = text;
     const int pending = merror;
-    const bool isNumber = Str2Num(text.c_str(), value) == 0;
+    const bool isNumber = Str2Num(lookedUp.c_str(), value) == 0;
     if (pending == MATH_OVERFLOW) merror = pending;
     return isNumber;
 }
@@ -320,42 +350,13 @@ static std::string joinThousands(std::string_view text) {
     return findDecString(joined, rest) == 1 ? joined : "";
 }
 
-// Reads what most numbers are: up to nine digits, with a point or without, which machine numbers hold.
-// Otherwise it answers false.
-static bool readShort(std::string_view text, qfloat value) {
-    constexpr ptrdiff_t MOST_DIGITS = 9;
-    if (std::count_if(text.begin(), text.end(), isDigit) > MOST_DIGITS || text.size() > MOST_DIGITS + 1)
-        return false;
-    int64_t number = 0;
-    int64_t scale = 0; // of the digits behind the point; 0: there has been none
-    bool hasDigit = false;
-    for (char c : text) {
-        if (isDigit(c)) {
-            number = number * 10 + (c - '0');
-            scale *= 10;
-            hasDigit = true;
-        } else if (c == '.') {
-            scale = 1;
-        } else {
-            return false;
-        }
-    }
-    if (!hasDigit) return false;
-    ltoq(&number, value);
-    if (number == 0 || scale <= 1) return true;
-    qfloat divisor;
-    ltoq(&scale, divisor);
-    qdiv(divisor, value, value);
-    return true;
-}
-
 int Scanner::Str2Num(const char* text, qfloat value) {
     if (!text) return outcome.Fail("** crazy error **");
     const std::string_view view = text;
     if (isRadixText(view)) return asctoq(text, value) == 0 ? 0 : -1;
     std::string_view rest;
     const int kind = findDecString(view, rest);
-    if (kind == 1) return readShort(view, value) || asctoq(text, value) == 0 ? 0 : -1;
+    if (kind == 1) return asctoq(text, value) == 0 ? 0 : -1;
     if (kind == 0) return !funcs.FunctionExists(text, -1) && variables.Find(text) ? 0 : -1;
     if (rest[0] == ',') {
         const std::string joined = joinThousands(view);

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class Scanner : EntryContext {
 public:
@@ -36,12 +37,14 @@ private:
     std::string MoveSignsForward(const std::string& text);
     void Locate(node* term, size_t start, size_t length, bool inSource) const;
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
-    bool ReadNumber(const std::string& text, qfloat value);
+    bool ReadNumber(std::string_view text, qfloat value);
     bool IsFunctionName(const std::string& name) const;
     bool IsValueName(std::string_view name);
 
     const Definition* inDefinition = nullptr; // whose body is read
-    std::string lookedUp;                     // the last operand
+    std::string lookedUp;                     // the last operand that is no short number
+    std::vector<bool>
+        isCall; // for every open '(' that was read: whether it opens the arguments of a function
 };
 
 // The statement without leading white space, without what follows its first ';', and without trailing blanks

@@ -88,38 +88,51 @@ int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
     return 0;
 }
 
-// Greater for what is applied earlier, but for the places in the list.
-static int32_t orderKey(const node* term) {
-    constexpr int32_t ROWS = MAX_PRECEDENCE + 1;
-    return std::max(term->level, 0) * ROWS + MAX_PRECEDENCE - getOp(term->type).precedence;
+static int32_t levelOf(const node* term) {
+    return std::max(term->level, 0);
 }
 
-// A short list is sorted by insertion. Of a long one it is counted how many operators each key has, and they
-// are dealt out: the work grows with the number of terms, whatever their levels.
-void orderOperators(const Deq& terms, std::vector<node*>& order) {
-    constexpr size_t SHORT = 16;
-    order.clear();
-    int32_t highest = 0;
-    for (node* term = terms.first; term; term = term->next) {
-        if (getOp(term->type).precedence == 0 || term->type == OP_CLOSE) continue;
-        order.push_back(term);
-        highest = std::max(highest, orderKey(term));
-    }
-    if (order.size() <= SHORT) {
-        for (size_t i = 1; i < order.size(); i++) {
-            node* const term = order[i];
-            size_t place = i;
-            for (; place > 0 && orderKey(order[place - 1]) < orderKey(term); place--)
-                order[place] = order[place - 1];
-            order[place] = term;
-        }
-        return;
-    }
-    std::vector<size_t> places(static_cast<size_t>(highest) + 2);
-    const auto place = [&](const node* term) { return places.begin() + (highest - orderKey(term)); };
+static int32_t precedenceOf(const node* term) {
+    return getOp(term->type).precedence;
+}
+
+// Whether the first is applied earlier wherever the two stand.
+static bool isBefore(const node* a, const node* b) {
+    return levelOf(a) != levelOf(b) ? levelOf(a) > levelOf(b) : precedenceOf(a) < precedenceOf(b);
+}
+
+// Sorts by a number from 0 to `most` and keeps the order of equal ones: how many terms each number has is
+// counted, and they are dealt out.
+template <class Number> static void deal(std::vector<node*>& order, int32_t most, Number numberOf) {
+    std::vector<uint32_t> places(static_cast<size_t>(most) + 2);
+    const auto place = [&](const node* term) { return places.begin() + numberOf(term); };
     for (const node* term : order) place(term)[1]++;
     std::partial_sum(places.begin(), places.end(), places.begin());
     std::vector<node*> dealt(order.size());
     for (node* term : order) dealt[(*place(term))++] = term;
     order.swap(dealt);
+}
+
+// A short list is sorted by insertion, a long one in a time that grows with the number of terms, whatever
+// their levels.
+void orderOperators(const Deq& terms, std::vector<node*>& order) {
+    constexpr size_t SHORT = 16;
+    order.clear();
+    int32_t highest = 0;
+    for (node* term = terms.first; term; term = term->next) {
+        if (precedenceOf(term) == 0 || term->type == OP_CLOSE) continue;
+        order.push_back(term);
+        highest = std::max(highest, levelOf(term));
+    }
+    if (order.size() > SHORT) {
+        deal(order, MAX_PRECEDENCE, precedenceOf);
+        if (highest > 0) deal(order, highest, [=](const node* term) { return highest - levelOf(term); });
+        return;
+    }
+    for (size_t i = 1; i < order.size(); i++) {
+        node* const term = order[i];
+        size_t place = i;
+        for (; place > 0 && isBefore(term, order[place - 1]); place--) order[place] = order[place - 1];
+        order[place] = term;
+    }
 }

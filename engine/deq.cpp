@@ -3,8 +3,10 @@
 
 #include "Helpers_String.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 constexpr const char* CVstr = "\x11";
 constexpr const char* CVSstr = "\x10";
@@ -75,19 +77,19 @@ void node::SetText(std::string_view copied) {
     }
 }
 
-Deq::~Deq() {
-    Clear();
-    while (node* const term = spare) {
-        spare = term->next;
-        delete term;
-    }
-}
-
 node* Deq::Add() {
-    if (!spare) return Push(new node);
+    if (!spare) {
+        const size_t size = std::clamp<size_t>(made, 8, 1024);
+        blocks.emplace_back(size);
+        made += size;
+        for (node& term : blocks.back()) {
+            term.isOfList = true;
+            term.next = spare;
+            spare = &term;
+        }
+    }
     node* const term = spare;
     spare = term->next;
-    spares--;
     return Push(term);
 }
 
@@ -123,14 +125,13 @@ node* Deq::Take(node* term) {
 node* Deq::Del(node* term) {
     node* before = term->prev;
     Take(term);
-    if (spares == MOST_SPARES) {
+    if (!term->isOfList) {
         delete term;
-    } else {
-        term->Drop();
-        term->next = spare;
-        spare = term;
-        spares++;
+        return before;
     }
+    term->Drop();
+    term->next = spare;
+    spare = term;
     return before;
 }
 
@@ -141,9 +142,18 @@ node* Deq::Del(int i) {
 
 void Deq::Clear() {
     while (first) Del(first);
+    if (made <= MOST_KEPT) return;
+    blocks.clear();
+    spare = nullptr;
+    made = 0;
 }
 
 void Deq::TakeAll(Deq& other) {
+    std::move(other.blocks.begin(), other.blocks.end(), std::back_inserter(blocks));
+    made += other.made;
+    other.blocks.clear();
+    other.spare = nullptr;
+    other.made = 0;
     if (!other.first) return;
     other.first->prev = last;
     (last ? last->next : first) = other.first;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 // Operator codes: the types of operator terms.
 enum OperatorCode : int32_t {
@@ -73,7 +74,7 @@ int isOp(const char* text);
 
 // Whether a term type is an operator: every code of the table, and TERM_DONE.
 inline bool isOp(int32_t type) {
-    return type < TERM_NAME ? getOp(type).code != 0 : type == TERM_DONE;
+    return type < TERM_NAME ? type >= OP_COMMA && type <= OP_LOGICAL_OR && type != 10 : type == TERM_DONE;
 }
 
 // One term.
@@ -86,6 +87,8 @@ struct node {
     int32_t level = 0;       // parenthesis depth
     int32_t length = 0;      // the number of its characters there
     qfloat* value = nullptr; // owned: from new qfloat[1], or set by SetValue; numbers and variables have one
+
+    bool isOfList = false; // made by Deq::Add: its memory is the list's
 
     node() = default;
     explicit node(char* owned) : text(owned) {}
@@ -127,14 +130,14 @@ public:
     uint64_t insertions = 0; // how many nodes were ever put in
 
     Deq() = default;
-    ~Deq();
+    ~Deq() { Clear(); }
     Deq(const Deq&) = delete;
     Deq& operator=(const Deq&) = delete;
 
     // Appends a node, which the list then owns. Returns it.
     node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
 
-    // Appends a new node, or one that was deleted here before.
+    // Appends a new node in memory of the list: it may be deleted, but not taken.
     node* Add();
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
@@ -153,7 +156,7 @@ public:
     // writes "no parent!!!" to standard output and gives null.
     node* Get(int i) const;
 
-    // Unlinks a node of this list, which the caller then owns. Returns it.
+    // Unlinks a node of this list that was pushed or inserted, which the caller then owns. Returns it.
     node* Take(node* term);
 
     // Unlinks and frees a node of this list. Returns the node before it, null when it was the first.
@@ -177,8 +180,9 @@ public:
     int32_t CountNumberOfOperators() const;
 
 private:
-    static constexpr int32_t MOST_SPARES = 256;
+    static constexpr size_t MOST_KEPT = 16384; // nodes of an empty list
 
-    node* spare = nullptr; // deleted nodes, which Add takes; chained by `next`
-    int32_t spares = 0;
+    std::vector<std::vector<node>> blocks; // the memory of the nodes that Add made
+    node* spare = nullptr;                 // those that are free, chained by `next`
+    size_t made = 0;
 };

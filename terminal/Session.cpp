@@ -73,7 +73,7 @@ Session::Outcome Session::GiveUp() {
 Session::Outcome Session::Evaluate(std::string_view entry) {
     if (style.json) return EvaluateStatements(entry);
     const int status = calc.ProcessEntry(std::string(entry).c_str(), style.preview);
-    std::fflush(stdout); // the trace of this entry comes before its answer
+    if (!style.inBlocks) std::fflush(stdout); // the trace of this entry comes before its answer
     return style.preview ? AnswerPreview(status) : AnswerEntry();
 }
 
