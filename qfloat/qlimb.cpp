@@ -250,15 +250,11 @@ void powerOfTen(int n, Extended& p) {
         p = Extended{{0, 0, 0, 0, 0, low << zeros}, 64 - zeros};
         return;
     }
-    bool first = true;
-    for (int k = IN_LIMB; n >> k != 0; ++k) {
-        if (!(n >> k & 1)) continue;
-        if (first) {
-            p = TENS[k];
-        } else {
-            multiply(p, TENS[k], p);
-        }
-        first = false;
+    int k = IN_LIMB;
+    while (!(n >> k & 1)) ++k;
+    p = TENS[k];
+    for (++k; n >> k != 0; ++k) {
+        if (n >> k & 1) multiply(p, TENS[k], p);
     }
     if (low == 1) return;
     multiplyLimb(p.limb, low << zeros, p.limb);

@@ -79,11 +79,12 @@ template <int X, int Y, int FIRST, int KEPT, int... K>
 inline void addColumns(const uint64_t* x, const uint64_t* y, uint64_t* z, std::integer_sequence<int, K...>) {
     Column c;
     const auto column = [&](auto index) {
-        constexpr int k = FIRST + decltype(index)::value;
-        constexpr int COUNT_OF_K = (k < X ? k : X - 1) - (k < Y ? 0 : k - Y + 1) + 1;
-        addColumn<X, Y, k>(c, x, y, std::make_integer_sequence<int, COUNT_OF_K>());
+        constexpr int NUMBER = FIRST + decltype(index)::value;
+        constexpr int COUNT_OF_PRODUCTS =
+            (NUMBER < X ? NUMBER : X - 1) - (NUMBER < Y ? 0 : NUMBER - Y + 1) + 1;
+        addColumn<X, Y, NUMBER>(c, x, y, std::make_integer_sequence<int, COUNT_OF_PRODUCTS>());
         const uint64_t done = c.Next();
-        if constexpr (k >= KEPT) z[k - KEPT] = done;
+        if constexpr (NUMBER >= KEPT) z[NUMBER - KEPT] = done;
     };
     (column(std::integral_constant<int, K>()), ...);
     z[X + Y - 1 - KEPT] = c.low;
