@@ -5,7 +5,7 @@
 
 #import "Platform.h"
 
-#include "Commands.h"
+#include "ConsoleCommand.h"
 #include "Query.h"
 
 #include <algorithm>
@@ -106,9 +106,8 @@ static const size_t QUICK_HEAD = 6;
 // A pause or a typed-out text that was entered at the prompt ends with a new prompt like every other entry.
 - (void)runCommandOf:(const char*)line {
     const std::string command = calc.message; // a preview meanwhile would empty it
-    long number = 0;
-    const bool isTimed =
-        commandHasNumber(command, "pause", number) || commandHasNumber(command, "echo", number);
+    const ConsoleCommand::Kind kind = consoleCommand(command).kind;
+    const bool isTimed = kind == ConsoleCommand::Kind::Pause || kind == ConsoleCommand::Kind::TypeOut;
     if (!line && isTimed) [self insertWithoutPrompt:"\n"];
     if (line && isTimed && [self isReplaying]) [self leaveEmptyPrompt];
     isAtWork = YES;
@@ -132,17 +131,25 @@ static const size_t QUICK_HEAD = 6;
 // --- Commands ---
 
 - (void)RunGUICommand:(const char*)command {
-    long number = 0;
-    if (strcmp(command, "clear") == 0) [self clearConsole];
-    if (strcmp(command, "exit") == 0) [[self window] close];
-    if (commandHasNumber(command, "pause", number)) [self pause:number];
-    if (strcmp(command, "echorep") == 0) {
+    const ConsoleCommand asked = consoleCommand(command);
+    switch (asked.kind) {
+    case ConsoleCommand::Kind::None: break;
+    case ConsoleCommand::Kind::Clear: [self clearConsole]; break;
+    case ConsoleCommand::Kind::Exit: [[self window] close]; break;
+    case ConsoleCommand::Kind::Pause:
+        [self displayIfNeeded];
+        [self waitMilliseconds:asked.milliseconds];
+        break;
+    case ConsoleCommand::Kind::ReplaceEntry:
         [self replacePrompt:calc.echoText];
         [self displayIfNeeded];
+        break;
+    case ConsoleCommand::Kind::TypeOut:
+        [self typeOut:std::string(calc.echoText) wait:asked.milliseconds];
+        break;
+    case ConsoleCommand::Kind::Convert: [self askService:std::string(calc.echoText)]; break;
+    case ConsoleCommand::Kind::OpenWebPage: [self openWebPage]; break;
     }
-    if (commandHasNumber(command, "echo", number)) [self typeOut:std::string(calc.echoText) rate:number];
-    if (strcmp(command, "convert") == 0) [self askService:std::string(calc.echoText)];
-    if (strcmp(command, "gospel") == 0) [self openWebPage];
 }
 
 // Whether what runs is interrupted, which a script is told.
@@ -161,13 +168,7 @@ static const size_t QUICK_HEAD = 6;
     return YES;
 }
 
-- (void)pause:(long)milliseconds {
-    [self displayIfNeeded];
-    [self waitMilliseconds:pauseLength(milliseconds)];
-}
-
-- (void)typeOut:(const std::string&)text rate:(long)rate {
-    const long wait = waitBetweenCharacters(rate);
+- (void)typeOut:(const std::string&)text wait:(long)wait {
     for (size_t i = 0; i < text.size(); i++) {
         if (i > 0 && wait > 0 && ![self waitMilliseconds:wait]) break;
         const char character[] = {text[i], '\0'};

@@ -2,7 +2,7 @@
 #include "Session.h"
 
 #include "Colours.h"
-#include "Commands.h"
+#include "ConsoleCommand.h"
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Interrupt.h"
@@ -180,29 +180,30 @@ Session::Outcome Session::Refuse(std::string_view message) {
     return Outcome::Refused;
 }
 
-Session::Outcome Session::CarryOut(std::string_view command) {
-    if (command == "exit") return Outcome::Ended;
+Session::Outcome Session::CarryOut(std::string_view message) {
+    const ConsoleCommand command = consoleCommand(message);
     if (!Flush()) return Outcome::OutputLost;
-    if (command == "clear") {
-        if (style.json || !canClear(answers.Descriptor())) return Outcome::Answered;
-        return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
+    switch (command.kind) {
+    case ConsoleCommand::Kind::None: break;
+    case ConsoleCommand::Kind::Exit: return Outcome::Ended;
+    case ConsoleCommand::Kind::Clear: return Clear();
+    case ConsoleCommand::Kind::Pause:
+        return sleepUnlessInterrupted(command.milliseconds) ? Outcome::Answered : Outcome::Interrupted;
+    case ConsoleCommand::Kind::ReplaceEntry: return Remark(calc.echoText);
+    case ConsoleCommand::Kind::TypeOut: return TypeOut(shownText(calc.echoText), command.milliseconds);
+    case ConsoleCommand::Kind::Convert: return Convert(calc.echoText);
+    case ConsoleCommand::Kind::OpenWebPage: return OpenWebPage();
     }
-    long number = 0;
-    if (commandHasNumber(command, "pause", number)) return Pause(number);
-    if (command == "echorep") return Remark(calc.echoText);
-    if (commandHasNumber(command, "echo", number)) return TypeOut(shownText(calc.echoText), number);
-    if (command == "convert") return Convert(calc.echoText);
-    if (command == "gospel") return OpenWebPage();
-    return Refuse("** ERROR: '" + std::string(command) + "' does not work in a terminal **\n");
+    return Refuse("** ERROR: '" + std::string(message) + "' does not work in a terminal **\n");
 }
 
-Session::Outcome Session::Pause(long milliseconds) {
-    return sleepUnlessInterrupted(pauseLength(milliseconds)) ? Outcome::Answered : Outcome::Interrupted;
+Session::Outcome Session::Clear() {
+    if (style.json || !canClear(answers.Descriptor())) return Outcome::Answered;
+    return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
 }
 
-Session::Outcome Session::TypeOut(std::string_view text, long rate) {
+Session::Outcome Session::TypeOut(std::string_view text, long wait) {
     if (style.quiet || style.last || style.json) return Remark(text);
-    const long wait = waitBetweenCharacters(rate);
     while (!text.empty()) {
         const std::size_t length = characterLength(text);
         if (!answers.Write(text.substr(0, length)) || !Flush()) return Outcome::OutputLost;

@@ -82,23 +82,18 @@ public:
     // Whether any entry so far was refused or has an answer beyond the range.
     bool AnyRefused() const { return anyRefused; }
 
-    // Carries out a command that the engine hands to its front end. Any other command is refused.
-    //   exit
-    //   clear        clears a terminal that understands escape sequences, and nothing else
-    //   pause<n>     waits n milliseconds; a second when that is negative or above five seconds
-    //   echorep      shows the echoed text
-    //   echo<n>      types it out, n characters a second; as fast as it can for 0 and above 100
-    //   convert      asks the online service at TALLYQUILL_QUERY_URL (Query.h)
-    //   gospel       opens the web page (WebPage.h), or says that none is set
-    Outcome CarryOut(std::string_view command);
+    // Carries out what the engine asks of its front end with this message (ConsoleCommand.h): a terminal is
+    // cleared where it understands escape sequences, the service is that at TALLYQUILL_QUERY_URL (Query.h),
+    // an entry that was to be replaced is shown. Any other command is refused.
+    Outcome CarryOut(std::string_view message);
 
 private:
     Outcome Evaluate(std::string_view entry);
     Outcome EvaluateStatements(std::string_view entry);
     Outcome EvaluateStatement(std::string_view statement);
     Outcome Refuse(std::string_view message);
-    Outcome Pause(long milliseconds);
-    Outcome TypeOut(std::string_view text, long rate);
+    Outcome Clear();
+    Outcome TypeOut(std::string_view text, long wait);
     Outcome Convert(std::string_view query);
     Outcome OpenWebPage();
     Outcome AnswerEntry();

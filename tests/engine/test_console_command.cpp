@@ -1,36 +1,51 @@
 // SPDX-License-Identifier: MIT
-#include "Commands.h"
+#include "ConsoleCommand.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using Kind = ConsoleCommand::Kind;
+
+TEST(ConsoleCommand, AWordIsItsKind) {
+    EXPECT_EQ(Kind::Clear, consoleCommand("clear").kind);
+    EXPECT_EQ(Kind::Exit, consoleCommand("exit").kind);
+    EXPECT_EQ(Kind::ReplaceEntry, consoleCommand("echorep").kind);
+    EXPECT_EQ(Kind::Convert, consoleCommand("convert").kind);
+    EXPECT_EQ(Kind::OpenWebPage, consoleCommand("gospel").kind);
+    for (const char* message : {"", "dance", "clear ", "clearly", "exi", "convert+5", "x"}) {
+        EXPECT_EQ(Kind::None, consoleCommand(message).kind) << message;
+    }
+}
+
 TEST(ConsoleCommand, ANumberStandsBehindTheWord) {
-    long number = -1;
-    EXPECT_TRUE(commandHasNumber("pause500", "pause", number));
-    EXPECT_EQ(500, number);
-    EXPECT_TRUE(commandHasNumber("pause-5", "pause", number));
-    EXPECT_EQ(-5, number);
-    EXPECT_TRUE(commandHasNumber("echo0x10", "echo", number));
-    EXPECT_EQ(16, number);
-    for (const char* command : {"pause", "pausex", "paus5", "echorep", ""}) {
-        EXPECT_FALSE(commandHasNumber(command, "pause", number)) << command;
+    for (const char* message : {"pause500", "pause 500", "pause0x1f4"}) {
+        EXPECT_EQ(Kind::Pause, consoleCommand(message).kind) << message;
+        EXPECT_EQ(500, consoleCommand(message).milliseconds) << message;
+    }
+    EXPECT_EQ(Kind::TypeOut, consoleCommand("echo20").kind);
+    for (const char* message : {"pause", "pausex", "paus5", "echo", "echorep5"}) {
+        EXPECT_EQ(Kind::None, consoleCommand(message).kind) << message;
     }
 }
 
 TEST(ConsoleCommand, APauseOutsideOfZeroToFiveSecondsIsOneSecond) {
-    EXPECT_EQ(0, pauseLength(0));
-    EXPECT_EQ(100, pauseLength(100));
-    EXPECT_EQ(5000, pauseLength(5000));
-    for (const long number : {5001L, 7000L, -1L, -5L}) EXPECT_EQ(1000, pauseLength(number)) << number;
+    EXPECT_EQ(0, consoleCommand("pause0").milliseconds);
+    EXPECT_EQ(100, consoleCommand("pause100").milliseconds);
+    EXPECT_EQ(5000, consoleCommand("pause5000").milliseconds);
+    for (const char* message : {"pause5001", "pause7000", "pause-1", "pause-5"}) {
+        EXPECT_EQ(1000, consoleCommand(message).milliseconds) << message;
+    }
 }
 
 TEST(ConsoleCommand, CharactersComeAtTheirRate) {
-    EXPECT_EQ(1000, waitBetweenCharacters(1));
-    EXPECT_EQ(100, waitBetweenCharacters(10));
-    EXPECT_EQ(33, waitBetweenCharacters(30));
-    EXPECT_EQ(10, waitBetweenCharacters(100));
-    for (const long number : {0L, 101L, 500L, -5L}) EXPECT_EQ(0, waitBetweenCharacters(number)) << number;
+    EXPECT_EQ(1000, consoleCommand("echo1").milliseconds);
+    EXPECT_EQ(100, consoleCommand("echo10").milliseconds);
+    EXPECT_EQ(33, consoleCommand("echo30").milliseconds);
+    EXPECT_EQ(10, consoleCommand("echo100").milliseconds);
+    for (const char* message : {"echo0", "echo101", "echo500", "echo-5"}) {
+        EXPECT_EQ(0, consoleCommand(message).milliseconds) << message;
+    }
 }
 
 } // namespace
