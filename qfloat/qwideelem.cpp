@@ -73,7 +73,7 @@ Wide ln2(size_t width) {
 
 // sin and cos of quadrant * pi/2 + r.
 SineCosine turned(const Wide& r, unsigned quadrant) {
-    const SineCosine y = series(r, Kind::Circular);
+    SineCosine y = series(r, Kind::Circular);
     switch (quadrant) {
     case 0: return y;
     case 1: return {y.cosine, -y.sine};

@@ -40,7 +40,7 @@ TEST_P(Nearest, OfRandomArguments) {
     Check(RANDOM_ARGUMENTS, exact::randomArguments);
 }
 
-// Without the second way a quarter of these come out wrong.
+// Without the second way a fifth to a third of these come out wrong.
 TEST_P(Nearest, OfHardArguments) {
     const uint64_t before = wide::decisions;
     Check(HARD_ARGUMENTS, exact::hardArguments);
