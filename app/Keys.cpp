@@ -114,7 +114,7 @@ KeyTable keyTable() {
     return {KEYS, sizeof KEYS / sizeof *KEYS};
 }
 
-// A character that is typed is told by itself; with a modifier the key's own tells.
+// A character that is typed is identified by itself; with a modifier the key's own tells.
 static bool matches(const KeyRow& row, const KeyPress& press) {
     if ((row.held & press.held) != row.held) return false;
     if (row.code != KEY_OTHER) return row.code == press.code;

@@ -147,8 +147,7 @@
     const std::string news = keeper.ReadDefinitions(calc);
     NSString* const text = [NSString stringWithUTF8String:news.c_str()];
     if (!news.empty()) [self performSelector:@selector(tellReading:) withObject:text afterDelay:0];
-    calc.european = [self setting:@"european"] != 0;
-    calc.tenKey = [self setting:@"tenkey"] != 0;
+    for (const Setting& setting : SETTINGS) setting.Apply([self setting:@(setting.key)], calc);
 }
 
 // --- Writing shortly after an entry ---

@@ -59,7 +59,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // first-run or the review sheet. `calc` must not have been initialised before.
 - (void)initializeConsole:(NSWindow*)window;
 
-// The shut-down: stores the window's frame, writes the settings and the functions file, lets go of the paths
+// The shut-down: stores the window's frame, writes the settings and the functions file, releases the paths
 // and of the settings.
 - (void)terminateConsole;
 

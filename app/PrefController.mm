@@ -58,7 +58,7 @@ static const NSUInteger MANAGED = 4;
         [control setIntValue:value];
 }
 
-// The grouping mark follows the decimal mark, so that the two never coincide.
+// The grouping mark follows the decimal mark, so that the two are never the same.
 - (NSString*)separatorShown {
     const int separator = [mainConsole setting:@"schar"];
     if (separator == ',' || separator == '.') return [controls.prefEuropean intValue] ? @"." : @",";

@@ -18,7 +18,7 @@ public:
     explicit Script(std::string bytes);
 
     // The next entry, in ISO Latin-1 without its line feed; what that lacks is a question mark. Comments are
-    // left out, and so are blank lines, which are there for the eye: as entries they would repeat the one
+    // left out, and so are blank lines, which only set lines apart: as entries they would repeat the one
     // before. False at the end.
     bool Next(std::string& entry);
 
@@ -34,7 +34,7 @@ struct ScriptTurns {
     std::deque<std::string> waiting; // paths
 };
 
-// The entries that ran since the console was cleared. Told by its look, a line of output that begins like a
+// The entries that ran since the console was cleared. By its look alone, a line of output that begins like a
 // prompt would be taken for one.
 class EntryRecord {
 public:

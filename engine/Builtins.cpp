@@ -93,11 +93,11 @@ const std::vector<Builtin>& builtinTable() {
         {"cos", "x", "cosine of the angle x", qcos, Kind::OfAngle, qcosdeg},
         {"sin", "x", "sine of the angle x", qsin, Kind::OfAngle, qsindeg},
         {"exp", "x", "e to the power x", qexp},
-        {"ln", "x", "natural logarithm", qlog, Kind::PLAIN, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO},
+        {"ln", "x", "natural logarithm", qlog, Kind::Plain, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO},
         {"log", "x", "logarithm to base 10; log2(x), log1.5(x) and the like to their base", qlog,
-         Kind::LOGARITHM, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO, 2 * Cost::EXPENSIVE},
-        {"sqrt", "x", "square root", qsqrt, Kind::PLAIN, nullptr, ROOT_OF_NEGATIVE},
-        {"mod", "x,d", "remainder of x divided by d", nullptr, Kind::PLAIN, nullptr, nullptr, nullptr, 0,
+         Kind::Logarithm, nullptr, LOG_OF_NEGATIVE, LOG_OF_ZERO, 2 * Cost::EXPENSIVE},
+        {"sqrt", "x", "square root", qsqrt, Kind::Plain, nullptr, ROOT_OF_NEGATIVE},
+        {"mod", "x,d", "remainder of x divided by d", nullptr, Kind::Plain, nullptr, nullptr, nullptr, 0,
          "x%d"},
     };
     return table;
@@ -160,7 +160,7 @@ int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfl
     if (entry.spending.Spend(builtin.cost) != 0 || checkArgument(builtin, name, x, entry.outcome) != 0)
         return STATUS_ERROR;
     qclear(value);
-    if (builtin.kind == BuiltinKind::LOGARITHM) return computeLogarithm(name, x, value, entry.outcome);
+    if (builtin.kind == BuiltinKind::Logarithm) return computeLogarithm(name, x, value, entry.outcome);
     const bool isInDegrees = entry.settings.degreeMode && builtin.inDegrees;
     (isInDegrees ? builtin.inDegrees : builtin.compute)(x, value);
     if (builtin.kind == BuiltinKind::OfAngle) return roundCircular(builtin, value, entry.outcome);

@@ -13,10 +13,10 @@
 struct EntryContext;
 
 enum class BuiltinKind {
-    PLAIN,
+    Plain,
     OfAngle,    // of an angle in degrees or radians; what is next to zero is zero, next to a pole an error
     GivesAngle, // an angle in degrees or radians
-    LOGARITHM   // to base 10, or to the base that the name ends in
+    Logarithm   // to base 10, or to the base that the name ends in
 };
 
 struct Builtin {
@@ -24,7 +24,7 @@ struct Builtin {
     const char* arguments;
     const char* help; // its line in the guide; null: it has none
     void (*compute)(const qfloat x, qfloat y);
-    BuiltinKind kind = BuiltinKind::PLAIN;
+    BuiltinKind kind = BuiltinKind::Plain;
     void (*inDegrees)(const qfloat x, qfloat y) = nullptr; // OfAngle, GivesAngle
     const char* ofNegative = nullptr; // the error for a negative argument, its name and value to be put in
     const char* ofZero = nullptr;

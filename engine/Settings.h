@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Every setting is a row of the table SETTINGS. Command words, the settings file, both front ends and the
-// preferences take what they need from there.
+// Every setting that is kept is a row of the table SETTINGS. Command words, the settings file, both front ends
+// and the preferences take what they need from there.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ struct EntrySettings {
     int32_t sciMode = SCI_AUTO; // a SciMode
     int32_t sigFigs = 10;       // significant figures, 1 to 100; in fixed mode the number of decimals
     bool european = false;      // decimal comma: ',' and '.' trade places on input and output
-    bool histStack = true;      // entries are recorded in the history
+    bool histStack = true;      // entries are recorded in the history; never kept
     bool tenKey = false;        // adding-machine entry: the sign follows its number
     int32_t displayBase = 10;   // 10, 16 or 2
     bool twosComp = false;      // two's complement display in hexadecimal and binary

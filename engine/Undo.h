@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-// While an entry runs, whatever changes something that outlives the entry hands over a step that takes the
+// While an entry runs, whatever changes something that stays after the entry hands over a step that takes the
 // change back. Steps run in the reverse order, so that each finds things as its change left them. What a step
 // needs for that, such as a deleted function, lives in the step.
 class Undo {

@@ -5,7 +5,7 @@
 #include "Statement.h"
 
 int Spending::Stop(WorkBudget::Next next) {
-    if (next == WorkBudget::Next::ASK) return AskForInterruption();
+    if (next == WorkBudget::Next::Ask) return AskForInterruption();
     return outcome.Fail(statement.fullEntry ? "** ERROR: too much work **\n"
                                             : "** ERROR: too much work for a preview **\n");
 }

@@ -53,7 +53,7 @@ class WorkBudget {
 public:
     enum class Next {
         GoOn,
-        ASK,   // it is time to ask for an interruption, and to tell Asked
+        Ask,   // it is time to ask for an interruption, and to tell Asked
         GiveUp // the limit does not allow this
     };
 
@@ -68,7 +68,7 @@ public:
     Next Spend(uint64_t units) {
         spent += units;
         if (spent <= nextStop) return Next::GoOn;
-        return spent > limit ? Next::GiveUp : Next::ASK;
+        return spent > limit ? Next::GiveUp : Next::Ask;
     }
 
     // The next question is due in WorkLimit::BETWEEN_QUESTIONS.

@@ -59,7 +59,7 @@ sources '\.cpp$' | grep -v '^tests/' | check warning,performance,portability
 sources '^tests/.*\.cpp$' | check warning,portability # tests need not be fast
 
 echo "lint: clang-tidy"
-# Only what the build compiles has flags to check it with; the largest files first, so that no core idles
+# Only what the build compiles has flags to check it with; the largest files first, so that no core waits
 # at the end. Of the tests in Objective-C++ the compiler's warnings are the check.
 sources '\.(cpp|mm)$' | grep -v '^tests/.*\.mm$' | grep -E "$tidied" | xargs ls -S | while read -r file; do
     grep -q "/$file\"" "$build/compile_commands.json" && printf '%s\n' "$file"

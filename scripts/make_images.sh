@@ -57,7 +57,7 @@ convert -size 12x12 xc:none -fill none -stroke white -strokewidth 1.8 -draw 'pol
     "$out/ThemeImages/NSMenuCheckmark.png"
 cp "$out/ThemeImages/NSMenuCheckmark.png" "$out/ThemeImages/common_2DCheckMark.png"
 
-# The mark of a default button, the arrows of scrollers and lists; a scroller's knob shows no dimple.
+# The mark of a default button, the arrows of scrollers and lists; a scroller's knob shows no hollow.
 theme="$out/ThemeImages"
 mark='-fill none -stroke #b8c0c4 -strokewidth 1.3'
 # shellcheck disable=SC2086 # a list of options

@@ -167,7 +167,7 @@ private:
     WorkBudget budget;
 };
 
-// Whether the history came through whole.
+// Whether the history was read completely.
 bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
     bool isWhole = true;
     for (std::string& line : lines) {

@@ -23,7 +23,7 @@ struct UnitPower {
     bool operator==(const UnitPower& other) const { return name == other.name && count == other.count; }
 };
 
-// What an expression or a unit is worth: a factor times primitive units, sorted by name in byte order.
+// The value of an expression or a unit: a factor times primitive units, sorted by name in byte order.
 struct ReducedUnit {
     double factor = 1.0;
     std::vector<UnitPower> powers;

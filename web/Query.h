@@ -19,7 +19,7 @@ constexpr std::size_t LONGEST_PAGE = std::size_t{8} << 20;
 // followed, to http and https. Empty when there is no answer: an address of another kind, a service that
 // cannot be reached or does not answer in time, an HTTP status that is not 200 to 299, a page that is too
 // long, that is not UTF-8 or that holds no answer, or no curl. `isGivenUp` is asked about every 20
-// milliseconds and ends the wait, without an answer, by returning true. Whatever comes of it, no process is
+// milliseconds and ends the wait, without an answer, by returning true. In every case, no process is
 // left behind.
 std::string askService(std::string_view service, std::string_view query, int seconds,
                        const std::function<bool()>& isGivenUp);

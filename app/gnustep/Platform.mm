@@ -11,7 +11,7 @@
 
 #include <X11/Xlib.h>
 
-// What waits in front of it, the focus coming and going, is dealt with.
+// What waits in front of it, changes of the focus, is dealt with.
 bool platformCloseIsWaiting(NSWindow* window) {
     for (;;) {
         NSEvent* const event = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
@@ -64,7 +64,7 @@ uint32_t platformKeyCode(NSEvent* event) {
 
 void platformRegisterDefaults() {
     // The menu in the window, the scroller at its right, no icon of the application on the desktop, a
-    // minimised window in the hands of the window manager, and in menus the names of the keys as they stand
+    // minimised window left to the window manager, and in menus the names of the keys as they stand
     // on the keyboards here.
     [[NSUserDefaults standardUserDefaults] registerDefaults:@{
         @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",
