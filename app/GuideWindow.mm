@@ -91,7 +91,7 @@ static NSArray* cellsOf(NSString* line) {
     if ([line rangeOfCharacterFromSet:others].location == NSNotFound) return cells;
     NSString* const marked = [line stringByReplacingOccurrencesOfString:@"\\|" withString:@"\x01"];
     NSArray* const pieces = [marked componentsSeparatedByString:@"|"];
-    for (NSUInteger i = 1; i + 1 < [pieces count]; i++) {
+    for (NSUInteger i = 1; i + 1 < [pieces count]; ++i) {
         NSString* const cell = trimmed([pieces objectAtIndex:i]);
         [cells addObject:[cell stringByReplacingOccurrencesOfString:@"\x01" withString:@"|"]];
     }
@@ -110,7 +110,7 @@ static CGFloat widthOf(NSString* cell) {
 static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
     std::vector<CGFloat> widths;
     for (NSArray* const cells in rows) {
-        for (NSUInteger i = 0; i + 1 < [cells count]; i++) {
+        for (NSUInteger i = 0; i + 1 < [cells count]; ++i) {
             if (widths.size() <= i) widths.push_back(0);
             widths[i] = std::max(widths[i], widthOf([cells objectAtIndex:i]));
         }

@@ -56,7 +56,7 @@ static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainCon
     NSSegmentedControl* const control = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
     centerSegmentLabels(control);
     [control setSegmentCount:static_cast<NSInteger>([labels count])];
-    for (NSUInteger i = 0; i < [labels count]; i++) {
+    for (NSUInteger i = 0; i < [labels count]; ++i) {
         [control setLabel:[labels objectAtIndex:i] forSegment:static_cast<NSInteger>(i)];
         [control setWidth:width forSegment:static_cast<NSInteger>(i)];
     }
@@ -78,7 +78,7 @@ static NSPopUpButton* buildPopUp(NSString* title, MainConsole* target, SEL actio
 static void placeControls(NSView* content, NSArray* controls, const CGFloat* widths) {
     CGFloat x = MARGIN;
     const CGFloat y = NSHeight([content bounds]) - CONTROLS_HEIGHT + (CONTROLS_HEIGHT - CONTROL_HEIGHT) / 2;
-    for (NSUInteger i = 0; i < [controls count]; i++) {
+    for (NSUInteger i = 0; i < [controls count]; ++i) {
         NSControl* const control = [controls objectAtIndex:i];
         [control setFrame:NSMakeRect(x, y, widths[i], CONTROL_HEIGHT)];
         [control setAutoresizingMask:NSViewMinYMargin | NSViewMaxXMargin];

@@ -76,7 +76,7 @@ static const useconds_t FLASH = 80000; // microseconds
 
 - (void)flash:(NSRange)answer {
     const NSRange cursor = NSMakeRange([self selectedRange].location, 0);
-    for (int i = 0; i < 2; i++) {
+    for (int i = 0; i < 2; ++i) {
         [self show:answer];
         [self show:cursor];
     }

@@ -82,7 +82,7 @@ static NSInteger segmentOf(int base) {
 static void setTitles(NSPopUpButton* button, NSArray* titles) {
     NSMenu* const menu = [button menu];
     [menu setMenuChangedMessagesEnabled:NO];
-    for (NSUInteger i = 0; i < [titles count]; i++) {
+    for (NSUInteger i = 0; i < [titles count]; ++i) {
         NSString* const title = [titles objectAtIndex:i];
         const NSInteger index = static_cast<NSInteger>(i);
         const bool isNew = index >= [menu numberOfItems];
@@ -98,7 +98,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
         else
             [menu insertItemWithTitle:title action:NULL keyEquivalent:@"" atIndex:index];
     }
-    for (NSInteger i = [menu numberOfItems]; i > static_cast<NSInteger>([titles count]); i--) {
+    for (NSInteger i = [menu numberOfItems]; i > static_cast<NSInteger>([titles count]); --i) {
         [menu removeItemAtIndex:i - 1];
     }
     [menu setMenuChangedMessagesEnabled:YES];

@@ -169,7 +169,7 @@ static const size_t QUICK_HEAD = 6;
 }
 
 - (void)typeOut:(const std::string&)text wait:(long)wait {
-    for (size_t i = 0; i < text.size(); i++) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (i > 0 && wait > 0 && ![self waitMilliseconds:wait]) break;
         const char character[] = {text[i], '\0'};
         [self gotoEnd];

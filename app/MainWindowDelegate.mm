@@ -30,7 +30,7 @@ static bool snapAxis(CGFloat* start, CGFloat length, CGFloat screenStart, CGFloa
 NSRect snappedFrame(NSRect frame, const NSRect* screens, size_t count) {
     bool isSnappedX = false, isSnappedY = false;
     NSPoint& origin = frame.origin;
-    for (size_t i = 0; i < count; i++) {
+    for (size_t i = 0; i < count; ++i) {
         const NSRect& screen = screens[i];
         isSnappedX = isSnappedX || snapAxis(&origin.x, NSWidth(frame), NSMinX(screen), NSWidth(screen));
         isSnappedY = isSnappedY || snapAxis(&origin.y, NSHeight(frame), NSMinY(screen), NSHeight(screen));

@@ -30,7 +30,7 @@ static KeyEffect only(Then then) {
 bool Transcript::FetchPrompt() const {
     const size_t length = std::min(entry.size(), PROMPT_SIZE - 1);
     bool isWhole = length == entry.size();
-    for (size_t i = 0; i < length; i++) {
+    for (size_t i = 0; i < length; ++i) {
         if (entry[i] == 0 || entry[i] > 0xff) isWhole = false; // no NUL in an 8-bit string
         prompt[i] = entry[i] > 0xff ? '?' : static_cast<char>(entry[i]);
     }
@@ -91,7 +91,7 @@ KeyEffect Transcript::Complete() const {
     if (prevKey != KEY_TAB) funcs.TabCompleteReset();
     const EntryRange word = PartialWord();
     size_t length = 0;
-    for (; length < std::min(word.length, PROMPT_SIZE - 1); length++)
+    for (; length < std::min(word.length, PROMPT_SIZE - 1); ++length)
         prompt[length] = static_cast<char>(entry[word.location - Start() + length]);
     prompt[length] = '\0';
     const Function* const candidate = funcs.FindTabComplete(prompt);

@@ -16,7 +16,7 @@ static const int STATUS_NO_DISPLAY = 1;
 // the option of the terminal's program, --trace, it goes to standard error as it does there.
 static void directTrace(int argc, const char* const* argv) {
     bool isWanted = false;
-    for (int i = 1; i < argc; i++) isWanted = isWanted || strcmp(argv[i], "--trace") == 0;
+    for (int i = 1; i < argc; ++i) isWanted = isWanted || strcmp(argv[i], "--trace") == 0;
     const int trace = isWanted ? dup(STDERR_FILENO) : open("/dev/null", O_WRONLY);
     if (trace < 0 || trace == STDOUT_FILENO) return;
     dup2(trace, STDOUT_FILENO);

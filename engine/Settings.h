@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Every setting that is kept is a row of the table SETTINGS. Command words, the settings file, both front ends
-// and the preferences take what they need from there.
+// Every setting that is kept is a row of the table SETTINGS. Command words, the settings file, both front
+// ends and the preferences take what they need from there.
 #pragma once
 
 #include <cstddef>

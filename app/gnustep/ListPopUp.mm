@@ -61,7 +61,7 @@ static NSFont* listFont() {
         for (NSString* const cell in [[item title] componentsSeparatedByString:@"\t"]) {
             if (width == widths + 2) break;
             *width = std::min(std::max(*width, std::ceil([listFont() widthOfString:cell])), WIDEST_COLUMN);
-            width++;
+            ++width;
         }
     }
     return self;
@@ -190,7 +190,7 @@ static NSFont* listFont() {
     if ([event timestamp] - lastTyped > TYPING_PAUSE) [typed setString:@""];
     lastTyped = [event timestamp];
     [typed appendString:[text substringToIndex:1]];
-    for (int row = 0; row < count; row++) {
+    for (int row = 0; row < count; ++row) {
         NSString* const title = [[self itemAt:row] title]; // that of a separator is empty
         const NSStringCompareOptions start = NSCaseInsensitiveSearch | NSAnchoredSearch;
         if ([title rangeOfString:typed options:start].length == 0) continue;
@@ -348,7 +348,7 @@ static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint plac
     [[NSColor windowBackgroundColor] set];
     NSRectFill(dirty);
     const int end = std::min(static_cast<int>(std::ceil(NSMaxY(dirty) / ROW)), count);
-    for (int row = static_cast<int>(NSMinY(dirty) / ROW); row < end; row++)
+    for (int row = static_cast<int>(NSMinY(dirty) / ROW); row < end; ++row)
         [self drawRow:row in:[self frameOf:row]];
 }
 

@@ -234,7 +234,7 @@ static bool hasFocus(GSThemeControlState state) {
 - (void)stopTracking:(NSPoint)last at:(NSPoint)stop inView:(NSView*)view mouseIsUp:(BOOL)isUp {
     if (!isUp || !NSPointInRect(stop, [view bounds])) return;
     CGFloat end = 0;
-    for (NSInteger i = 0; i < [self segmentCount]; i++) {
+    for (NSInteger i = 0; i < [self segmentCount]; ++i) {
         end += [self widthForSegment:i];
         if (stop.x >= end) continue;
         [self setSelectedSegment:i];

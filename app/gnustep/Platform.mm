@@ -100,10 +100,10 @@ void platformAfterLaunch() {
 NSArray* platformFileArguments(int argc, const char* const* argv) {
     NSFileManager* const manager = [NSFileManager defaultManager];
     NSMutableArray* const paths = [NSMutableArray array];
-    for (int i = 1; i < argc; i++) {
+    for (int i = 1; i < argc; ++i) {
         if (strcmp(argv[i], "--trace") == 0) continue;
         if (argv[i][0] == '-') {
-            i++; // -Key Value sets a default of GNUstep
+            ++i; // -Key Value sets a default of GNUstep
             continue;
         }
         NSString* const path = [manager stringWithFileSystemRepresentation:argv[i] length:strlen(argv[i])];

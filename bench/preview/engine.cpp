@@ -25,7 +25,7 @@ int main(int count, char** arguments) {
     if (count > 1) {
         const size_t number = strtoul(arguments[1], nullptr, 10);
         const std::string text = preview::textOf(preview::lines().at(number), 1000);
-        for (int i = 0; i < 2; i++) onePreview(calc, text);
+        for (int i = 0; i < 2; ++i) onePreview(calc, text);
         return 0;
     }
     fprintf(table, "%-26s %10s %10s %10s   (ms; the limit is 5)\n", "preview of", "10 chars", "100", "1000");

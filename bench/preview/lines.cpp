@@ -36,7 +36,7 @@ const std::vector<Line>& lines() {
 
 static void chain(ZqCalculator& calc, const std::string& name, const std::string& leaf) {
     calc.ProcessEntry((name + "1(x)=" + leaf).c_str(), false);
-    for (int i = 2; i <= 25; i++) {
+    for (int i = 2; i <= 25; ++i) {
         const std::string before = name + std::to_string(i - 1) + "(x)";
         std::string text = name;
         text.append(std::to_string(i)).append("(x)=").append(before).append("+").append(before);
@@ -46,7 +46,7 @@ static void chain(ZqCalculator& calc, const std::string& name, const std::string
 
 static std::string times(const std::string& text, size_t number) {
     std::string all;
-    for (size_t i = 0; i < number; i++) all += text;
+    for (size_t i = 0; i < number; ++i) all += text;
     return all;
 }
 
@@ -56,7 +56,7 @@ void define(ZqCalculator& calc) {
     calc.ProcessEntry(("deep(x)=x" + times("+x", 4900) + "+deep(x)").c_str(), false);
     chain(calc, "f", "x+1");
     chain(calc, "p", "x^.3");
-    for (int i = 0; i < 3000; i++) {
+    for (int i = 0; i < 3000; ++i) {
         calc.ProcessEntry(("v" + std::to_string(i) + "=" + std::to_string(i)).c_str(), false);
     }
 }
@@ -78,7 +78,7 @@ static double processorTime() {
 
 double median(const std::function<void()>& prepare, const std::function<void()>& run) {
     std::vector<double> runs;
-    for (int i = 0; i < 15; i++) {
+    for (int i = 0; i < 15; ++i) {
         prepare();
         const double begin = processorTime();
         run();

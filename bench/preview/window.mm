@@ -89,7 +89,7 @@ int main() {
     [window makeFirstResponder:console];
     preview::define(calc);
     printTable(table, console, "empty transcript");
-    for (int i = 0; i < 1000; i++) [console insertWithNewPrompt:"ans = 123456789.123456789"];
+    for (int i = 0; i < 1000; ++i) [console insertWithNewPrompt:"ans = 123456789.123456789"];
     printTable(table, console, "1,000 entries above");
     const bool isWritten = fclose(table) == 0;
     [window release];

@@ -60,7 +60,7 @@ static void recordSheetsAndAlerts() {
 @implementation TestDelegate
 - (void)clickedAppStatusItem:(id)sender {
     (void)sender;
-    clicks++;
+    ++clicks;
 }
 @end
 
@@ -185,7 +185,7 @@ void ConsoleTest::Post(NSString* characters, NSUInteger flags) {
 }
 
 void ConsoleTest::Type(const char* text) {
-    for (; *text; text++) {
+    for (; *text; ++text) {
         const char character[] = {*text, '\0'};
         Press(textFromBytes(character));
     }

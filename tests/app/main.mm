@@ -34,9 +34,9 @@ static std::string fileOf(const testing::TestInfo& test) {
 // look.
 static bool findTests(const std::string& file, std::string* names) {
     const testing::UnitTest& all = *testing::UnitTest::GetInstance();
-    for (int i = 0; i < all.total_test_suite_count(); i++) {
+    for (int i = 0; i < all.total_test_suite_count(); ++i) {
         const testing::TestSuite& suite = *all.GetTestSuite(i);
-        for (int j = 0; j < suite.total_test_count(); j++) {
+        for (int j = 0; j < suite.total_test_count(); ++j) {
             const testing::TestInfo& test = *suite.GetTestInfo(j);
             const std::string home = fileOf(test);
             if (home.rfind("test_", 0) != 0) {

@@ -46,7 +46,7 @@ std::map<std::string, int> ShellTest::StoredSettings() const {
                                                      errorDescription:NULL];
     std::map<std::string, int> numbers;
     NSArray* const keys = [list allKeys];
-    for (NSUInteger i = 0; i < [keys count]; i++) {
+    for (NSUInteger i = 0; i < [keys count]; ++i) {
         const id value = [list objectForKey:[keys objectAtIndex:i]];
         if ([value isKindOfClass:[NSNumber class]])
             numbers[[[keys objectAtIndex:i] UTF8String]] = [value intValue];

@@ -187,7 +187,7 @@ TEST_F(Clipboard, TheCopiedAnswerFlashesThreeTimes) {
     selections.clear();
     [console copy:nil];
     ASSERT_EQ(6U, selections.size());
-    for (size_t i = 0; i < 6; i++) {
+    for (size_t i = 0; i < 6; ++i) {
         const bool isAnswer = i % 2 == 0;
         EXPECT_EQ(isAnswer ? answer : place, selections[i].range.location);
         EXPECT_EQ(isAnswer ? 1U : 0U, selections[i].range.length);

@@ -42,7 +42,7 @@ TEST_F(Completion, EachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
 TEST_F(Completion, BuiltInNamesAreProposedToo) {
     Type("s");
     std::string seen;
-    for (int i = 0; i < 40; i++) {
+    for (int i = 0; i < 40; ++i) {
         Press(KEY_TAB);
         if (Entry() == "s") break;
         EXPECT_EQ("s", Entry().substr(0, 1));

@@ -112,9 +112,9 @@ static std::string asData(const std::string& text) {
     for (size_t i = 0; i < text.size(); i += 3) {
         const size_t count = std::min<size_t>(text.size() - i, 3);
         uint32_t bits = 0;
-        for (size_t k = 0; k < 3; k++)
+        for (size_t k = 0; k < 3; ++k)
             bits = bits << 8 | (k < count ? static_cast<uint8_t>(text[i + k]) : 0U);
-        for (size_t k = 0; k < 4; k++) coded += k <= count ? digits[bits >> (18 - 6 * k) & 63] : '=';
+        for (size_t k = 0; k < 4; ++k) coded += k <= count ? digits[bits >> (18 - 6 * k) & 63] : '=';
     }
     return "<data>" + coded + "</data>";
 }
@@ -276,7 +276,7 @@ TEST_F(DamagedSettings, DamageByChanceNeverKeepsTheProgramFromStarting) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
     const std::string whole = Read(SettingsPath());
-    for (int round = 0; round < 2000; round++) {
+    for (int round = 0; round < 2000; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         NSAutoreleasePool* const inner = [[NSAutoreleasePool alloc] init];
         const std::string text = damaged(whole, random);

@@ -66,7 +66,7 @@ TEST_F(DenseScreen, TheFrameIsTheSameAtEveryStart) {
         const NSRect first = [window frame];
         EXPECT_NEAR(NSWidth(first), 901, each);
         EXPECT_NEAR(NSHeight(first), 603, each);
-        for (int run = 0; run < 5; run++) {
+        for (int run = 0; run < 5; ++run) {
             Terminate();
             StartAt(each);
             EXPECT_TRUE(NSEqualRects([window frame], first)) << each << " " << run;

@@ -14,7 +14,7 @@ static int most = 0;
 
 @implementation CountedObject
 - (id)init {
-    living++;
+    ++living;
     most = living > most ? living : most;
     return [super init];
 }
@@ -62,7 +62,7 @@ TEST_F(EventsInEntries, AScriptKeepsNothingOfWhatItsLinesLeave) {
     living = most = 0;
     const Replaced after([MainConsole class], @selector(entryDidRun), leaveOneWithEveryEntry);
     std::string lines;
-    for (int i = 0; i < 50; i++) lines += "x=" + std::to_string(i) + "\n";
+    for (int i = 0; i < 50; ++i) lines += "x=" + std::to_string(i) + "\n";
     Load(lines);
     EXPECT_EQ(most, 1);
     EXPECT_EQ(living, 0);
@@ -114,6 +114,6 @@ TEST_F(EventsInEntries, ScriptsThatComeInAPauseRunBehindItInTheirOrder) {
     }
     Enter("pause 100");
     EXPECT_EQ(calc.VariableExists("x"), nullptr);
-    for (int i = 0; i < 100 && Text().find("x = 21") == std::string::npos; i++) Run(0.05);
+    for (int i = 0; i < 100 && Text().find("x = 21") == std::string::npos; ++i) Run(0.05);
     EXPECT_NE(Text().find("x = 21"), std::string::npos) << Text();
 }

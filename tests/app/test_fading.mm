@@ -10,13 +10,13 @@ namespace {
 int miniaturized = 0;
 
 void recordMiniaturize(id, SEL, id) {
-    miniaturized++;
+    ++miniaturized;
 }
 
 int redrawn = 0;
 
 void recordRedraw(id, SEL, BOOL needed) {
-    if (needed) redrawn++;
+    if (needed) ++redrawn;
 }
 
 class Fading : public ShellTest {
@@ -60,7 +60,7 @@ protected:
 
     void ExpectSteps(const std::vector<double>& seen, const std::vector<double>& expected) {
         ASSERT_EQ(seen.size(), expected.size());
-        for (size_t i = 0; i < seen.size(); i++) EXPECT_NEAR(seen[i], expected[i], 1e-5) << i;
+        for (size_t i = 0; i < seen.size(); ++i) EXPECT_NEAR(seen[i], expected[i], 1e-5) << i;
     }
 
     const Replaced miniaturize { [NSWindow class], @selector(miniaturize:), recordMiniaturize };
@@ -133,7 +133,7 @@ TEST_F(Fading, RunsOnATimer) {
     Fade(0.8f, -0.05f);
     EXPECT_TRUE(IsFading());
     EXPECT_EQ(Alpha(), 1);
-    for (int i = 0; i < 1000 && IsFading(); i++) Run(0.01);
+    for (int i = 0; i < 1000 && IsFading(); ++i) Run(0.01);
     EXPECT_FALSE(IsFading());
     EXPECT_NEAR(Alpha(), 0.8, 1e-6);
 }
@@ -142,7 +142,7 @@ TEST_F(Fading, GoesOnWhileAPanelWaitsOrAMenuIsOpen) {
     for (NSString* const mode in @[ NSModalPanelRunLoopMode, NSEventTrackingRunLoopMode ]) {
         [window setAlphaValue:1];
         Fade(0.8f, -0.1f);
-        for (int i = 0; i < 100 && IsFading(); i++) {
+        for (int i = 0; i < 100 && IsFading(); ++i) {
             [[NSRunLoop currentRunLoop] runMode:mode beforeDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
         }
         EXPECT_FALSE(IsFading()) << [mode UTF8String];
@@ -159,7 +159,7 @@ TEST_F(Fading, ANewOneEndsTheOld) {
         EXPECT_TRUE([old isValid]);
         Fade(1.0f, rate);
         EXPECT_FALSE([old isValid]);
-        for (int i = 0; i < 1000 && IsFading(); i++) Run(0.01);
+        for (int i = 0; i < 1000 && IsFading(); ++i) Run(0.01);
         EXPECT_NEAR(Alpha(), 1, 1e-6);
         EXPECT_EQ(miniaturized, 0);
     }

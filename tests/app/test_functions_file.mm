@@ -27,13 +27,13 @@ protected:
 
     // Waits until the line is in the file, for five seconds at most.
     bool ComesToHold(const std::string& line) {
-        for (int i = 0; i < 100 && !Holds(line); i++) Run(0.05);
+        for (int i = 0; i < 100 && !Holds(line); ++i) Run(0.05);
         return Holds(line);
     }
 
     // Waits until the status line says something. The empty text when it does not.
     std::string News() {
-        for (int i = 0; i < 100 && StatusLine().empty(); i++) Run(0.05);
+        for (int i = 0; i < 100 && StatusLine().empty(); ++i) Run(0.05);
         return StatusLine();
     }
 
@@ -187,7 +187,7 @@ TEST_F(FunctionsFileOfTheWindow, TheHistoryIsAsLongAsTheSettingSays) {
 // A cut line would be another definition, or none.
 TEST_F(FunctionsFileOfTheWindow, LinesOfMoreThan998CharactersAreReadWhole) {
     std::string line = "long(x)=x";
-    for (int i = 0; i < 1000; i++) line += "+1";
+    for (int i = 0; i < 1000; ++i) line += "+1";
     run(line.c_str());
     Terminate();
     Restart();
@@ -218,7 +218,7 @@ TEST_F(FunctionsFileOfTheWindow, ACommandWordInItChangesNoSetting) {
 
 TEST_F(FunctionsFileOfTheWindow, WhatTakesTooLongToReadIsSaidAndStays) {
     std::string text = "### FUNCTIONS ###\nf0(x)=x+1\n";
-    for (int i = 1; i <= 40; i++) {
+    for (int i = 1; i <= 40; ++i) {
         const std::string call = "f" + std::to_string(i - 1) + "(x)";
         text += "f" + std::to_string(i) + "(x)=" + call + "+" + call + "\n";
     }
@@ -264,7 +264,7 @@ TEST_F(FunctionsFileOfTheWindow, WhatWasEnteredBeforeALongEntryIsWrittenWhileItR
     Enter("sigfigs 20");
     Enter("b=2");
     [console entryWillRun];
-    for (int i = 0; i < 500 && !Holds("b=2"); i++) {
+    for (int i = 0; i < 500 && !Holds("b=2"); ++i) {
         [console writeDueFiles]; // as the engine's question for interruptions does
         usleep(20000);
     }
@@ -294,7 +294,7 @@ TEST_F(FunctionsFileOfTheWindow, IsWrittenWhileAScriptPauses) {
 TEST_F(FunctionsFileOfTheWindow, IsWrittenWhileAScriptOfManyLinesRuns) {
     const std::string script = home + "/many.script";
     std::string lines = "side=12.5\n";
-    for (int i = 0; i < 15; i++) lines += "pause 100\n";
+    for (int i = 0; i < 15; ++i) lines += "pause 100\n";
     Write(script, lines + "pause 1\n");
     EXPECT_TRUE([console loadFile:[NSString stringWithUTF8String:script.c_str()]]);
     EXPECT_TRUE(Holds("side=12.5")); // the run loop had no turn of its own
@@ -463,7 +463,7 @@ TEST_F(FunctionsFileOfTheWindow, DamageByChanceNeverKeepsTheProgramFromStarting)
     run("area(w,h)=w*h");
     Terminate();
     const std::string whole = File();
-    for (int round = 0; round < 150; round++) {
+    for (int round = 0; round < 150; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         NSAutoreleasePool* const inner = [[NSAutoreleasePool alloc] init];
         StartOver(damaged(whole, random));

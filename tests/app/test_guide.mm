@@ -205,7 +205,7 @@ std::vector<std::vector<CGFloat>> columns(NSTextView* view) {
     NSString* const text = [view string];
     std::vector<std::vector<CGFloat>> found;
     std::vector<CGFloat> line;
-    for (NSUInteger i = 0; i < [text length]; i++) {
+    for (NSUInteger i = 0; i < [text length]; ++i) {
         const unichar c = [text characterAtIndex:i];
         if (c == '\t') line.push_back(leftOf([view layoutManager], i + 1));
         if (c != '\n') continue;
@@ -221,8 +221,8 @@ TEST_F(Guide, TheCellsOfATableStandBelowEachOther) {
     int rows = 0;
     std::vector<CGFloat> above;
     for (const std::vector<CGFloat>& row : columns(viewOf(window))) {
-        for (size_t i = 0; i < row.size() && i < above.size(); i++) EXPECT_EQ(row[i], above[i]) << rows;
-        for (size_t i = 0; i < row.size(); i++) EXPECT_GT(row[i], i == 0 ? 20 : row[i - 1] + 20) << rows;
+        for (size_t i = 0; i < row.size() && i < above.size(); ++i) EXPECT_EQ(row[i], above[i]) << rows;
+        for (size_t i = 0; i < row.size(); ++i) EXPECT_GT(row[i], i == 0 ? 20 : row[i - 1] + 20) << rows;
         // Below a row with fewer cells the others still stand where the last full row had them.
         if (row.empty())
             above.clear();

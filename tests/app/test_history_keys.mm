@@ -35,7 +35,7 @@ TEST_F(HistoryKeys, UpWalksAllEntriesFromTheNewest) {
 }
 
 TEST_F(HistoryKeys, DownWalksBackAndClearsTheLineBehindTheNewest) {
-    for (int i = 0; i < 3; i++) Press(KEY_UP);
+    for (int i = 0; i < 3; ++i) Press(KEY_UP);
     EXPECT_EQ("sin(90)", After(KEY_DOWN));
     EXPECT_EQ("3*4", After(KEY_DOWN));
     EXPECT_EQ("", After(KEY_DOWN));

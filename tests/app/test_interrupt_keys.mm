@@ -25,9 +25,9 @@ protected:
     // d0 calls a built-in function, d1 calls d0 ten times, and so on up to d7.
     void DefineSlowFunctions() {
         [console ProcessResult:"d0(x)=sin(x)":NO];
-        for (char level = '1'; level <= '7'; level++) {
+        for (char level = '1'; level <= '7'; ++level) {
             std::string line = std::string("d") + level + "(x)=";
-            for (int i = 0; i < 10; i++) {
+            for (int i = 0; i < 10; ++i) {
                 if (i > 0) line += '+';
                 line += std::string("d") + static_cast<char>(level - 1) + "(x+" + static_cast<char>('0' + i) +
                         ")";
@@ -70,7 +70,7 @@ TEST_F(InterruptKeys, OtherKeysAreConsumedOneByOne) {
     Post(@"q", NSControlKeyMask);
     Post(@"\r");
     Post(@"7");
-    for (int i = 0; i < 6; i++) EXPECT_EQ(0, [console checkInterruptEvent]) << i;
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(0, [console checkInterruptEvent]) << i;
     EXPECT_EQ("", NextKey());
     EXPECT_EQ("> ", Text());
     Post(@"7");

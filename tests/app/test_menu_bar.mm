@@ -44,7 +44,7 @@ NSString* chosenFile(id, SEL) {
 int requests = 0;
 
 void countRequest(id, SEL, id) {
-    requests++;
+    ++requests;
 }
 
 class MenuBar : public ShellTest {
@@ -66,9 +66,9 @@ protected:
     std::vector<MenuEntry> Items() const {
         std::vector<MenuEntry> found;
         NSMenu* const bar = [NSApp mainMenu];
-        for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
+        for (NSInteger i = 0; i < [bar numberOfItems]; ++i) {
             NSMenu* const menu = [At(bar, i) submenu];
-            for (NSInteger j = 0; j < [menu numberOfItems]; j++) {
+            for (NSInteger j = 0; j < [menu numberOfItems]; ++j) {
                 if ([At(menu, j) isSeparatorItem]) continue;
                 if (sel_isEqual([At(menu, j) action], @selector(makeKeyAndOrderFront:)))
                     continue; // a window's own
@@ -109,7 +109,7 @@ protected:
 TEST_F(MenuBar, HasTheUsualMenus) {
     std::vector<std::string> titles;
     NSMenu* const bar = [NSApp mainMenu];
-    for (NSInteger i = 0; i < [bar numberOfItems]; i++) {
+    for (NSInteger i = 0; i < [bar numberOfItems]; ++i) {
         // GNUstep wants a menu of the program's name, which is another one here.
         if (![[At(bar, i) title] isEqualToString:[[NSProcessInfo processInfo] processName]])
             titles.push_back([[At(bar, i) title] UTF8String]);
@@ -226,10 +226,10 @@ TEST_F(MenuBar, NewClearsTheConsole) {
 TEST_F(MenuBar, DisplayChangesTheBaseAndChecksItsItem) {
     const char* const titles[] = {"Binary", "Decimal", "Hexadecimal"};
     const int bases[] = {2, 10, 16};
-    for (int i = 0; i < 3; i++) {
+    for (int i = 0; i < 3; ++i) {
         Choose(titles[i]);
         EXPECT_EQ(SettingOf("dispbase"), bases[i]);
-        for (int j = 0; j < 3; j++) EXPECT_EQ([Item(titles[j]) state], i == j ? NSOnState : NSOffState);
+        for (int j = 0; j < 3; ++j) EXPECT_EQ([Item(titles[j]) state], i == j ? NSOnState : NSOffState);
     }
 }
 
@@ -277,7 +277,7 @@ TEST_F(MenuBar, HelpOpensTheGuide) {
     EXPECT_EQ(alerts.size(), 1u);
     NSWindow* guide = nil;
     NSArray* const windows = [NSApp windows];
-    for (NSUInteger i = 0; i < [windows count]; i++) {
+    for (NSUInteger i = 0; i < [windows count]; ++i) {
         NSWindow* const one = [windows objectAtIndex:i];
         if ([[one title] rangeOfString:@"Guide"].location != NSNotFound) guide = one;
     }

@@ -55,7 +55,7 @@ protected:
     std::vector<std::string> Titles(const char* popUp) const {
         std::vector<std::string> found;
         NSMenu* const menu = [Outlet(popUp) menu];
-        for (NSInteger i = 0; i < [menu numberOfItems]; i++) {
+        for (NSInteger i = 0; i < [menu numberOfItems]; ++i) {
             NSMenuItem* const item = [menu itemAtIndex:i];
             found.push_back([item isSeparatorItem] ? "---" : [[item title] UTF8String]);
         }
@@ -457,7 +457,7 @@ TEST_F(Menus, ChoosingNothingChangesNothing) {
 }
 
 TEST_F(Menus, AfterAControlTheKeysGoToTheConsole) {
-    for (int i = 0; i < 4; i++) {
+    for (int i = 0; i < 4; ++i) {
         [window makeFirstResponder:nil];
         if (i == 0) ClickBase(2);
         if (i == 1) ClickMode(1);

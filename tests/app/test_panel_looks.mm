@@ -14,7 +14,7 @@ protected:
     std::string Percentage() const {
         NSArray* const views = [[panel contentView] subviews];
         const NSRect slider = [controls.prefSlider frame];
-        for (NSUInteger i = 0; i < [views count]; i++) {
+        for (NSUInteger i = 0; i < [views count]; ++i) {
             NSView* const view = [views objectAtIndex:i];
             const bool isBeside = NSMinX([view frame]) > NSMaxX(slider) &&
                                   NSMinY([view frame]) < NSMidY(slider) &&

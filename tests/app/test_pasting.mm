@@ -181,11 +181,11 @@ TEST_F(Pasting, MoreIsRefusedAtOnceAndNothingIsLost) {
 // Between two statements stand two characters, where a line end was one.
 TEST_F(Pasting, TheLengthCountsAsOneLine) {
     std::string lines;
-    for (int i = 0; i < 4000; i++) lines += "1\n";
+    for (int i = 0; i < 4000; ++i) lines += "1\n";
     PasteText(lines.c_str());
     EXPECT_TRUE(Entry().empty());
     EXPECT_EQ("The text is too long for an entry.", StatusLine());
-    for (int i = 0; i < 500000; i++) lines += "1\n";
+    for (int i = 0; i < 500000; ++i) lines += "1\n";
     PasteText(lines.c_str());
     EXPECT_TRUE(Entry().empty());
 }

@@ -150,7 +150,7 @@ TEST_F(Preferences, TheModesOfThePopUpAreInTheOrderOfTheirCodes) {
                                     "12.3456e3", "12.3456k", "12345.600000"};
     ASSERT_EQ([controls.prefSciMode numberOfItems], 6);
     Set("sigfigs", 6);
-    for (int mode = 0; mode < 6; mode++) {
+    for (int mode = 0; mode < 6; ++mode) {
         Open();
         Choose(mode);
         EXPECT_EQ(SettingOf("scimode"), mode);
@@ -445,7 +445,7 @@ TEST_F(Preferences, TheLiveResultTakesTheNewFormAtTheClosing) {
 }
 
 TEST_F(Preferences, ThePanelSurvivesManyOpenings) {
-    for (int i = 0; i < 20; i++) {
+    for (int i = 0; i < 20; ++i) {
         Open();
         Close();
     }
@@ -465,7 +465,7 @@ TEST_F(Preferences, EveryTitledSettingIsShownAndStored) {
         ASSERT_EQ(row.title != nullptr, controls.Of(row) != nil);
         if (!row.title || row.kind == Setting::COLOR || row.kind == Setting::CHARACTER) continue;
         int other = row.least;
-        while (other == row.standard || !row.IsPossible(other)) other++;
+        while (other == row.standard || !row.IsPossible(other)) ++other;
         Set(row.key, other);
         Open();
         Set(row.key, row.standard);

@@ -202,7 +202,7 @@ TEST_F(PreferencesInput, NoMarkIsTheUsualOne) {
 
 // However a mark came to be: what it groups is read as the same number or not at all, never as another one.
 TEST_F(PreferencesInput, NoMarkMakesAnotherNumber) {
-    for (int code = 32; code < 256; code++) {
+    for (int code = 32; code < 256; ++code) {
         if (code == ';') continue; // separates statements, and has always been allowed
         const unichar character = static_cast<unichar>(code);
         Open();
@@ -256,7 +256,7 @@ TEST_F(PreferencesInput, OfTwoCharactersTheFirstCounts) {
 TEST_F(PreferencesInput, EverySeparatorThatIsTakenShowsItselfAgain) {
     Set("separator", 1);
     int before = ',';
-    for (int code = 33; code < 256; code++) {
+    for (int code = 33; code < 256; ++code) {
         const unichar character = static_cast<unichar>(code);
         NSString* const typed = [NSString stringWithCharacters:&character length:1];
         Open();

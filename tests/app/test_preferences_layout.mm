@@ -66,7 +66,7 @@ TEST_F(PreferencesLayout, TabGoesFromTopToBottom) {
     Open();
     const std::vector<NSView*> order = InOrder();
     EXPECT_EQ([panel initialFirstResponder], order.front());
-    for (size_t i = 0; i < order.size(); i++) {
+    for (size_t i = 0; i < order.size(); ++i) {
         EXPECT_TRUE([order[i] acceptsFirstResponder]) << i;
         EXPECT_EQ([order[i] nextValidKeyView], order[(i + 1) % order.size()]) << i;
         EXPECT_EQ([order[(i + 1) % order.size()] previousValidKeyView], order[i]) << i;
@@ -79,10 +79,10 @@ TEST_F(PreferencesLayout, TabGoesFromTopToBottom) {
 TEST_F(PreferencesLayout, NothingOverlapsNorLeavesThePanel) {
     NSView* const content = [panel contentView];
     NSArray* const views = [content subviews];
-    for (NSUInteger i = 0; i < [views count]; i++) {
+    for (NSUInteger i = 0; i < [views count]; ++i) {
         const NSRect frame = [[views objectAtIndex:i] frame];
         EXPECT_TRUE(NSContainsRect([content bounds], frame)) << i;
-        for (NSUInteger j = i + 1; j < [views count]; j++) {
+        for (NSUInteger j = i + 1; j < [views count]; ++j) {
             EXPECT_FALSE(NSIntersectsRect(frame, [[views objectAtIndex:j] frame])) << i << " " << j;
         }
     }
@@ -90,7 +90,7 @@ TEST_F(PreferencesLayout, NothingOverlapsNorLeavesThePanel) {
 
 TEST_F(PreferencesLayout, NoTextIsClipped) {
     NSArray* const views = [[panel contentView] subviews];
-    for (NSUInteger i = 0; i < [views count]; i++) {
+    for (NSUInteger i = 0; i < [views count]; ++i) {
         const id view = [views objectAtIndex:i];
         if (![view respondsToSelector:@selector(cell)] || ![view cell] || view == controls.prefSlider)
             continue;

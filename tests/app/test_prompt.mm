@@ -30,7 +30,7 @@ TEST_F(Prompt, StartsWithAnEmptyEntryBehindThePrompt) {
 }
 
 TEST_F(Prompt, GotoEndPutsTheCursorBehindTheLastCharacterAndShowsIt) {
-    for (int i = 0; i < 30; i++) [console insertWithNewPrompt:"one more line"];
+    for (int i = 0; i < 30; ++i) [console insertWithNewPrompt:"one more line"];
     Select(0, 5);
     [console scrollRangeToVisible:NSMakeRange(0, 1)];
     ASSERT_FALSE(EndIsVisible());

@@ -37,7 +37,7 @@ protected:
     }
 
     void EnterLines(int count) {
-        for (int i = 0; i < count; i++) Enter(std::to_string(i).c_str());
+        for (int i = 0; i < count; ++i) Enter(std::to_string(i).c_str());
     }
 };
 
@@ -66,7 +66,7 @@ TEST_F(Resizing, TheEntryStaysInSightThroughManySizes) {
 
 TEST_F(Resizing, WhatWasScrolledToStaysWhereItIs) {
     Resize(700, 300);
-    for (int i = 0; i < 30; i++) Enter(("echo " + std::to_string(1000 + i) + std::string(150, 'w')).c_str());
+    for (int i = 0; i < 30; ++i) Enter(("echo " + std::to_string(1000 + i) + std::string(150, 'w')).c_str());
     NSScrollView* const scroll = [console enclosingScrollView];
     const NSUInteger place = Text().find("> echo 1012");
     [console scrollPoint:NSMakePoint(0, NSMinY(PlaceOf(place)))];

@@ -41,7 +41,7 @@ protected:
     }
 
     void WaitForVariable(const char* name) {
-        for (int i = 0; i < 200 && !calc.VariableExists(name); i++) Run(0.05);
+        for (int i = 0; i < 200 && !calc.VariableExists(name); ++i) Run(0.05);
     }
 
     static double Seconds(std::chrono::steady_clock::time_point since) {
@@ -59,7 +59,7 @@ TEST_F(Scripts, TheHeaderNamesTheSettings) {
     calc.degreeMode = false;
     calc.sigFigs = 33;
     const char* const modes[] = {"auto", "never", "always", "eng", "prefix", "finance"};
-    for (int mode = -1; mode <= 6; mode++) {
+    for (int mode = -1; mode <= 6; ++mode) {
         calc.sciMode = mode;
         const char* const word = mode >= 0 && mode <= 5 ? modes[mode] : "auto";
         EXPECT_EQ(Script(),
@@ -362,7 +362,7 @@ TEST_F(Scripts, NothingHidesBehindANul) {
 
 TEST_F(Scripts, BytesOfChanceAreErrorsAndNothingWorse) {
     std::string bytes;
-    for (int i = 0; i < 4000; i++) bytes += static_cast<char>(i * 7919 % 251 + (i % 40 == 0 ? 4 : 0));
+    for (int i = 0; i < 4000; ++i) bytes += static_cast<char>(i * 7919 % 251 + (i % 40 == 0 ? 4 : 0));
     Replay(bytes);
     Enter("40+2");
     EXPECT_STREQ(calc.lastAnswer, "42");
@@ -371,7 +371,7 @@ TEST_F(Scripts, BytesOfChanceAreErrorsAndNothingWorse) {
 // A cut line would be another entry.
 TEST_F(Scripts, LinesOfMoreThan998CharactersAreReadWhole) {
     std::string line = "x=0";
-    for (int i = 0; i < 2000; i++) line += "+1";
+    for (int i = 0; i < 2000; ++i) line += "+1";
     Replay(line + "\n");
     EXPECT_EQ(Variable("x"), "2000");
 }

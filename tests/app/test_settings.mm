@@ -190,7 +190,7 @@ TEST_F(Settings, WhatAnEntryChangesIsWrittenWithoutTheEndOfTheProgram) {
     Enter("mode rad");
     Enter("scimode eng");
     Enter("display hex");
-    for (int i = 0; i < 100 && StoredNumber("dispbase") != 16; i++) Run(0.05);
+    for (int i = 0; i < 100 && StoredNumber("dispbase") != 16; ++i) Run(0.05);
     EXPECT_EQ(StoredNumber("sigfigs"), 20);
     EXPECT_EQ(StoredNumber("degmode"), 0);
     EXPECT_EQ(StoredNumber("scimode"), 3);
@@ -202,6 +202,6 @@ TEST_F(Settings, AnEntryAtTheMomentOfTheWriteIsNotForgotten) {
     Enter("1+1");
     WaitForWriting(); // the run loop has no turn
     Enter("sigfigs 20");
-    for (int i = 0; i < 100 && StoredNumber("sigfigs") != 20; i++) Run(0.05);
+    for (int i = 0; i < 100 && StoredNumber("sigfigs") != 20; ++i) Run(0.05);
     EXPECT_EQ(StoredNumber("sigfigs"), 20);
 }

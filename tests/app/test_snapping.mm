@@ -287,7 +287,7 @@ TEST_F(Snapping, AHiddenWindowIsLeftAlone) {
 int moves = 0;
 
 void countFrames(id self, SEL, NSRect, BOOL) {
-    moves++;
+    ++moves;
     [[self delegate] windowWillMove:nil];
     [[self delegate] windowDidMove:nil];
 }

@@ -77,7 +77,7 @@ void recordInitialize(id self, SEL, NSWindow* window) {
 int itemsCreated = 0;
 
 void recordCreateItem(id, SEL) {
-    itemsCreated++;
+    ++itemsCreated;
 }
 
 int tutorials = 0;
@@ -389,7 +389,7 @@ TEST_F(Startup, TheReviewPageOpensOnTheDefaultButtonOnly) {
     [console reviewSheetDidEnd:probe returnCode:1 contextInfo:nullptr];
     EXPECT_EQ(closedSheets, 2);
     EXPECT_GT(programsSought, 0);
-    for (int i = 0; i < 100 && Read(opened).empty(); i++) Run(0.05);
+    for (int i = 0; i < 100 && Read(opened).empty(); ++i) Run(0.05);
     EXPECT_EQ(Read(opened), "https://example.org/review");
     EXPECT_EQ(alerts.size(), 1u);
 }

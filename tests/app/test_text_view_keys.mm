@@ -10,7 +10,7 @@ namespace {
 class TextViewKeys : public Keys {};
 
 TEST_F(TextViewKeys, PageKeysScrollAndChangeNothing) {
-    for (int i = 0; i < 40; i++) [console insertWithNewPrompt:"a line"];
+    for (int i = 0; i < 40; ++i) [console insertWithNewPrompt:"a line"];
     first = Text();
     const CGFloat bottom = NSMinY([console visibleRect]);
     const unichar keys[] = {NSPageUpFunctionKey, NSPageDownFunctionKey};

@@ -76,13 +76,13 @@ TEST_F(Undo, TakesAPasteBack) {
 
 TEST_F(Undo, TakesBackWhatOperatorsInsert) {
     for (const char* const keys : {"*", "-", "--", "---", "----", "---5"}) {
-        for (const char* key = keys; *key; key++) {
+        for (const char* key = keys; *key; ++key) {
             const char one[] = {*key, '\0'};
             Type(one);
             NextEvent();
         }
         ASSERT_NE("", Entry());
-        for (int i = 0; i < 9; i++) Undone();
+        for (int i = 0; i < 9; ++i) Undone();
         EXPECT_EQ("", Entry()) << keys;
         [[console undoManager] removeAllActions];
     }
@@ -148,7 +148,7 @@ TEST_F(Undo, NoSequenceHarmsTheTranscript) {
         return (state >> 16) % sides;
     };
     SetPasteboard("8\n9");
-    for (int i = 0; i < 600; i++) {
+    for (int i = 0; i < 600; ++i) {
         const auto length = static_cast<unsigned>([[console string] length]);
         switch (dice(14)) {
         case 0: Type("-"); break;

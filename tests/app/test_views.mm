@@ -144,7 +144,7 @@ protected:
     }
 
     void FillConsole() {
-        for (int i = 0; i < 100; i++) [console insertWithoutPrompt:"line\n"];
+        for (int i = 0; i < 100; ++i) [console insertWithoutPrompt:"line\n"];
         [console sizeToFit];
     }
 
@@ -198,7 +198,7 @@ TEST_F(Scroller, ADocumentThatFitsHasNoKnob) {
     const NSInteger middle = static_cast<NSInteger>(NSWidth([scroller bounds]) / 2);
     const NSInteger height = static_cast<NSInteger>(NSHeight([scroller bounds]));
     const Pixel first = Seen(middle, height / 2);
-    for (NSInteger y = 1; y < height - 1; y++) EXPECT_NEAR(Seen(middle, y).red, first.red, STEP) << y;
+    for (NSInteger y = 1; y < height - 1; ++y) EXPECT_NEAR(Seen(middle, y).red, first.red, STEP) << y;
 }
 
 TEST_F(Scroller, ALongDocumentHasAKnobAtItsEnd) {
@@ -321,7 +321,7 @@ protected:
         [window makeFirstResponder:field];
         NSTextView* const editor = static_cast<NSTextView*>([field currentEditor]);
         [editor setSelectedRange:NSMakeRange([begin length], 0)];
-        for (; *characters; characters++) {
+        for (; *characters; ++characters) {
             if (*characters == '<')
                 [editor moveLeft:nil];
             else

@@ -47,10 +47,10 @@ TEST_F(Closing, OnlyTheCalculatorsOwnWindowEndsAScriptWhenItIsClosed) {
 // A million sines take some seconds when nothing ends them.
 TEST_F(Closing, TheEndOfTheCalculatorsWindowEndsALongEntry) {
     Enter("d0(x)=sin(x)");
-    for (int level = 1; level <= 6; level++) {
+    for (int level = 1; level <= 6; ++level) {
         const std::string call = "d" + std::to_string(level - 1) + "(x)";
         std::string line = "d" + std::to_string(level) + "(x)=" + call;
-        for (int i = 1; i < 10; i++) line += "+" + call;
+        for (int i = 1; i < 10; ++i) line += "+" + call;
         Enter(line.c_str());
     }
     askToClose(window);

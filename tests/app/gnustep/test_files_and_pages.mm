@@ -57,7 +57,7 @@ TEST_F(FilesAndPages, GospelOpensThePageInTheBrowser) {
     setPage(@"http://page.invalid/a?b=c&d");
     [console RunGUICommand:"gospel"];
     EXPECT_EQ(Text(), "> \n<<< opening URL >>>\n\n> ");
-    for (int i = 0; i < 200 && !Exists(home + "/opened"); i++) Run(0.05);
+    for (int i = 0; i < 200 && !Exists(home + "/opened"); ++i) Run(0.05);
     EXPECT_EQ(Read(home + "/opened"), "http://page.invalid/a?b=c&d");
     setPage(@"");
 }

@@ -63,7 +63,7 @@ protected:
 
     void AddRows(int count) {
         [[button menu] setMenuChangedMessagesEnabled:NO]; // as the console fills its lists
-        for (int i = 0; i < count; i++) Add([NSString stringWithFormat:@"row%d\t%d", i, i * i]);
+        for (int i = 0; i < count; ++i) Add([NSString stringWithFormat:@"row%d\t%d", i, i * i]);
     }
 
     // In the window's own units: `down` points below the button's lower edge.
@@ -201,22 +201,22 @@ TEST_F(ListPopUpTest, ThePointerAtAnEndScrolls) {
     const CGFloat end = EDGE + inSight * ROW - 2;
     PostRelease(MiddleOfButton());
     PostMouse(NSMouseMoved, Below(end));
-    for (int i = 0; i < 2000; i++) PostTick();
+    for (int i = 0; i < 2000; ++i) PostTick();
     PostMouse(NSMouseMoved, Below(HeightOfRow(inSight - 1)));
     PostRelease(Below(HeightOfRow(inSight - 1)));
     EXPECT_EQ(Choose(), "row1999\t3996001") << "all the way down";
     PostRelease(MiddleOfButton());
     PostMouse(NSMouseMoved, Below(end));
-    for (int i = 0; i < 2000; i++) PostTick();
+    for (int i = 0; i < 2000; ++i) PostTick();
     PostMouse(NSMouseMoved, Below(EDGE + 2));
-    for (int i = 0; i < 2000; i++) PostTick();
+    for (int i = 0; i < 2000; ++i) PostTick();
     PostRelease(Below(HeightOfRow(0)));
     EXPECT_EQ(Choose(), "row0\t0") << "and up again";
 }
 
 TEST_F(ListPopUpTest, TheClickThatOpensItDoesNotScroll) {
     AddRows(2000);
-    for (int i = 0; i < 100; i++) PostTick();
+    for (int i = 0; i < 100; ++i) PostTick();
     PostRelease(MiddleOfButton());
     PostRelease(Below(HeightOfRow(0)));
     EXPECT_EQ(Choose(), "row0\t0");
@@ -260,18 +260,18 @@ TEST_F(ListPopUpTest, TheArrowsMoveAndReturnChooses) {
     AddRows(5);
     PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row0\t0");
-    for (int i = 0; i < 3; i++) PostKey(NSDownArrowFunctionKey);
+    for (int i = 0; i < 3; ++i) PostKey(NSDownArrowFunctionKey);
     PostKey(NSUpArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row1\t1");
     PostKey(NSUpArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row4\t16") << "Up begins at the end";
-    for (int i = 0; i < 9; i++) PostKey(NSDownArrowFunctionKey);
+    for (int i = 0; i < 9; ++i) PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row4\t16") << "there it ends";
 }
 
 TEST_F(ListPopUpTest, TheKeysReachAllOfALongList) {
     AddRows(2000);
-    for (int i = 0; i < 151; i++) PostKey(NSDownArrowFunctionKey);
+    for (int i = 0; i < 151; ++i) PostKey(NSDownArrowFunctionKey);
     EXPECT_EQ(ChooseByKeys(), "row150\t22500");
     PostKey(NSEndFunctionKey);
     PostKey(NSUpArrowFunctionKey);
