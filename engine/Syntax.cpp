@@ -88,51 +88,63 @@ int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
     return 0;
 }
 
-static int32_t levelOf(const node* term) {
-    return std::max(term->level, 0);
-}
+namespace {
 
-static int32_t precedenceOf(const node* term) {
-    return getOp(term->type).precedence;
-}
+struct Operator {
+    node* term;
+    int32_t level;
+    int32_t precedence;
+};
 
-// Whether the first is applied earlier wherever the two stand.
-static bool isBefore(const node* a, const node* b) {
-    return levelOf(a) != levelOf(b) ? levelOf(a) > levelOf(b) : precedenceOf(a) < precedenceOf(b);
-}
-
-// Sorts by a number from 0 to `most` and keeps the order of equal ones: how many terms each number has is
+// Sorts by a number from 0 to `most` and keeps the order of equal ones: how many operators each number has is
 // counted, and they are dealt out.
-template <class Number> static void deal(std::vector<node*>& order, int32_t most, Number numberOf) {
+template <class Number> void deal(std::vector<Operator>& operators, int32_t most, Number numberOf) {
     std::vector<uint32_t> places(static_cast<size_t>(most) + 2);
-    const auto place = [&](const node* term) { return places.begin() + numberOf(term); };
-    for (const node* term : order) place(term)[1]++;
+    const auto place = [&](const Operator& op) { return places.begin() + numberOf(op); };
+    for (const Operator& op : operators) place(op)[1]++;
     std::partial_sum(places.begin(), places.end(), places.begin());
-    std::vector<node*> dealt(order.size());
-    for (node* term : order) dealt[(*place(term))++] = term;
-    order.swap(dealt);
+    std::vector<Operator> dealt(operators.size());
+    for (const Operator& op : operators) dealt[(*place(op))++] = op;
+    operators.swap(dealt);
 }
 
-// A short list is sorted by insertion, a long one in a time that grows with the number of terms, whatever
-// their levels.
-void orderOperators(const Deq& terms, std::vector<node*>& order) {
-    constexpr size_t SHORT = 16;
-    order.clear();
-    int32_t highest = 0;
-    for (node* term = terms.first; term; term = term->next) {
-        if (precedenceOf(term) == 0 || term->type == OP_CLOSE) continue;
-        order.push_back(term);
-        highest = std::max(highest, levelOf(term));
-    }
-    if (order.size() > SHORT) {
-        deal(order, MAX_PRECEDENCE, precedenceOf);
-        if (highest > 0) deal(order, highest, [=](const node* term) { return highest - levelOf(term); });
-        return;
-    }
+Operator operatorOf(node* term) {
+    return {term, std::max(term->level, 0), getOp(term->type).precedence};
+}
+
+void orderMany(std::vector<node*>& order) {
+    std::vector<Operator> operators(order.size());
+    std::transform(order.begin(), order.end(), operators.begin(), operatorOf);
+    const auto isLower = [](const Operator& a, const Operator& b) { return a.level < b.level; };
+    const int32_t highest = std::max_element(operators.begin(), operators.end(), isLower)->level;
+    deal(operators, MAX_PRECEDENCE, [](const Operator& op) { return op.precedence; });
+    if (highest > 0) deal(operators, highest, [=](const Operator& op) { return highest - op.level; });
+    std::transform(operators.begin(), operators.end(), order.begin(),
+                   [](const Operator& op) { return op.term; });
+}
+
+void orderFew(std::vector<node*>& order) {
+    const auto isBefore = [](const Operator& a, const Operator& b) {
+        return a.level != b.level ? a.level > b.level : a.precedence < b.precedence;
+    };
     for (size_t i = 1; i < order.size(); i++) {
         node* const term = order[i];
+        const Operator op = operatorOf(term);
         size_t place = i;
-        for (; place > 0 && isBefore(term, order[place - 1]); place--) order[place] = order[place - 1];
+        for (; place > 0 && isBefore(op, operatorOf(order[place - 1])); place--)
+            order[place] = order[place - 1];
         order[place] = term;
     }
+}
+
+} // namespace
+
+// A long list takes a time that grows with the number of terms, whatever their levels.
+void orderOperators(const Deq& terms, std::vector<node*>& order) {
+    constexpr size_t FEW = 16;
+    order.clear();
+    for (node* term = terms.first; term; term = term->next) {
+        if (getOp(term->type).precedence != 0 && term->type != OP_CLOSE) order.push_back(term);
+    }
+    order.size() > FEW ? orderMany(order) : orderFew(order);
 }

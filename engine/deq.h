@@ -117,8 +117,8 @@ struct node {
 
 private:
     // Most terms need no memory of their own for their text and value.
+    char shortText[7] = "";
     qfloat number = {};
-    char shortText[16] = "";
 };
 
 // A list of terms. It owns its nodes.
