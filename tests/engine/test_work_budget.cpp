@@ -13,13 +13,13 @@ TEST(Budget, AsksAfterEveryThousandUnits) {
     WorkBudget budget;
     budget.Begin();
     EXPECT_EQ(Next::GoOn, budget.Spend(1000));
-    EXPECT_EQ(Next::ASK, budget.Spend(1));
-    EXPECT_EQ(Next::ASK, budget.Spend(1)); // nobody has asked yet
+    EXPECT_EQ(Next::Ask, budget.Spend(1));
+    EXPECT_EQ(Next::Ask, budget.Spend(1)); // nobody has asked yet
     budget.Asked();
     EXPECT_EQ(Next::GoOn, budget.Spend(999));
     budget.Asked(); // as in front of a statement
     EXPECT_EQ(Next::GoOn, budget.Spend(1000));
-    EXPECT_EQ(Next::ASK, budget.Spend(5000000));
+    EXPECT_EQ(Next::Ask, budget.Spend(5000000));
 }
 
 TEST(Budget, AllowsItsLimitAndNoMore) {
