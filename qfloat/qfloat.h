@@ -140,8 +140,10 @@ void qdecexp(qfloat q, int64_t n);
 // Elementary functions.  Every result inside the range is the number nearest to the true value
 // (docs/accuracy.md).
 //
-// About one call in a million (in 300 for powers next to the limits) computes a second time with more bits
-// and allocates memory for them; it takes some tens of microseconds longer.
+// Where the 384 bits that are computed first do not tell to which number the value rounds, it is computed a
+// second time with more of them: of dense arguments one in half a million or fewer, of powers near the limits
+// one in 30 to 300.  That allocates memory and takes some tens of microseconds, a tenth of a second for a
+// tangent of 2^32767.
 
 // y = the square root of x: the number nearest to it, which is never half way between two numbers.
 // A negative zero gives a negative zero; any other negative x: 0, merror = 1.
