@@ -4,6 +4,7 @@
 #include "Helpers_String.h"
 #include "WorkBudget.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -22,9 +23,8 @@ public:
     }
 
     bool Make(const std::vector<int32_t>& order) {
-        for (const node* term : nodes) {
-            if (term->type == OP_CONVERT || isLongName(term)) return false;
-        }
+        const auto isBarred = [](const node* term) { return term->type == OP_CONVERT || isLongName(term); };
+        if (std::any_of(nodes.begin(), nodes.end(), isBarred)) return false;
         for (const int32_t position : order) {
             node* const op = nodes[static_cast<size_t>(position)];
             if (op->type == OP_OPEN ? !Open(op) : !Pair(op)) return false;
