@@ -420,9 +420,11 @@ void ReadlineEditor::ShowAgain() {
     DrawPreview();
 }
 
+// A lower window may have lost the row of the preview: what stands below the line is cleared, and no row that
+// is counted from the cursor.
 void ReadlineEditor::FollowSize() {
     terminal.Forget();
-    ErasePreview();
+    row = PreviewRow();
     rl_resize_terminal();
     ScreenPlace cursor;
     ScreenPlace end;

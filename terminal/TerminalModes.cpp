@@ -151,8 +151,11 @@ TerminalModes::Event TerminalModes::Wait(long milliseconds) {
     const int error = errno;
     pthread_sigmask(SIG_SETMASK, &found, nullptr);
     errno = error;
+    // First what happened: keys that came behind a Ctrl-C belong to the next line.
+    const Event event = happened();
+    if (event != Event::Rest || ready == 0) return event;
     if (ready > 0) return Event::Input;
-    return ready < 0 && error != EINTR ? Event::Failed : happened();
+    return error == EINTR ? Event::Rest : Event::Failed;
 }
 
 long TerminalModes::Read(char* to, std::size_t size) const {

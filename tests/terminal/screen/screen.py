@@ -149,6 +149,18 @@ class Console:
         self.screen.resize(height, width)
         self.child.setwinsize(height, width)
 
+    def lower(self, height):
+        """As terminals do it: the rows below the cursor go first, then those at the top."""
+        cursor, rows = self.screen.cursor, self.screen.buffer
+        gone = max(cursor.y + 1 - height, 0)
+        kept = {y - gone: row for y, row in rows.items() if gone <= y < gone + height}
+        rows.clear()
+        rows.update(kept)
+        cursor.y -= gone
+        self.screen.lines = height
+        self.screen.set_margins()
+        self.child.setwinsize(height, self.screen.columns)
+
     def kill(self, number):
         os.kill(self.child.pid, number)
 

@@ -86,6 +86,14 @@ class Line(ScreenTest):
         console.shows("> 1+2^C", ">")
         console.enter("2+2", "ans = 4")
 
+    def test_keys_directly_behind_control_c_are_the_next_line(self):
+        for arguments, given_up in (((), "> abc^C"), (("--plain",), "> abc")):
+            console = self.start(*arguments)
+            console.send("abc")
+            console.shows("> abc")
+            console.send(ctrl("c") + "5+5" + RETURN)
+            console.shows(given_up, "> 5+5", "ans = 10", ">")
+
     def test_control_d_ends_on_an_empty_line_only(self):
         console = self.start()
         console.send("12" + ctrl("a") + ctrl("d"))

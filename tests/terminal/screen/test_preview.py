@@ -125,6 +125,17 @@ class Preview(ScreenTest):
         console.send("0" + RETURN)
         console.shows("> 1+1+1+1+1+1+1+10", "ans = 17", ">")
 
+    def test_of_a_window_that_is_made_lower_costs_no_row(self):
+        console = self.start(width=40, height=12)
+        for number in range(1, 6):
+            console.enter("%d+1" % number, "ans = %d" % (number + 1))
+        console.send("2+3")
+        console.ends_with("> 2+3", "5")
+        console.lower(6)
+        console.shows("> 4+1", "ans = 5", "> 5+1", "ans = 6", "> 2+3", "5")
+        console.send("0" + RETURN)
+        console.ends_with("ans = 6", "> 2+30", "ans = 32", ">")
+
     def test_stands_below_the_line_with_the_mode_in_the_prompt(self):
         self.home.write(".inputrc", "set editing-mode vi\nset show-mode-in-prompt on\nset keyseq-timeout 10\n")
         console = self.start(width=20, ready=False)
