@@ -121,18 +121,62 @@ std::string missingParentheses(const Trouble& trouble) {
     return "a function's argument stands in parentheses: write " + name + "(" + part.substr(digits) + ")";
 }
 
+struct Scale {
+    std::string_view name; // as people write it
+    char letter;
+};
+
+constexpr Scale SCALES[] = {{"fahrenheit", 'F'}, {"celsius", 'C'}, {"kelvin", 'K'},
+                            {"degF", 'F'},       {"degC", 'C'},    {"degK", 'K'},
+                            {"F", 'F'},          {"C", 'C'},       {"K", 'K'}};
+
+// How a temperature becomes one of another scale; `before` and `after` stand around the number.
+struct Formula {
+    char from, to;
+    std::string_view before, sample, after;
+};
+
+constexpr Formula FORMULAS[] = {{'F', 'C', "(", "72", "-32)/1.8"}, {'F', 'K', "(", "72", "+459.67)/1.8"},
+                                {'C', 'F', "", "20", "*1.8+32"},   {'C', 'K', "", "20", "+273.15"},
+                                {'K', 'C', "", "300", "-273.15"},  {'K', 'F', "", "300", "*1.8-459.67"}};
+
+// The scale whose name ends the text without blanks; null for none.
+const Scale* scaleAtEnd(std::string_view text) {
+    for (const Scale& scale : SCALES) {
+        if (text.size() < scale.name.size()) continue;
+        const std::size_t start = text.size() - scale.name.size();
+        if (text.substr(start) == scale.name && (start == 0 || !isLetter(text[start - 1]))) return &scale;
+    }
+    return nullptr;
+}
+
+// The number that ends the text without blanks, with the sign of one that begins an entry or a value; or
+// nothing.
+std::string_view numberAtEnd(std::string_view text) {
+    std::size_t start = text.find_last_not_of("0123456789.,") + 1;
+    if (start > 0 && start < text.size() && isLetter(text[start - 1])) return ""; // 1.5e2
+    const bool isNegative = start > 0 && text[start - 1] == '-' && (start == 1 || text[start - 2] == '=');
+    return text.substr(isNegative ? start - 1 : start);
+}
+
 std::string temperature(const Trouble& trouble) {
     if (!contains(trouble.message, "ERROR 13")) return "";
     const std::string entry = withoutBlanks(trouble.entry);
     const std::size_t arrow = entry.find("->");
-    if (arrow == std::string::npos || arrow == 0) return "";
-    const char from = entry[arrow - 1];
-    const std::string to = entry.substr(arrow + 2);
-    const bool toCelsius = from == 'F' && (to == "C" || to == "degC" || to == "K");
-    const bool toFahrenheit = (from == 'C' || from == 'K') && (to == "F" || to == "degF");
-    if (!toCelsius && !toFahrenheit) return "";
-    return std::string("F and C are farad and coulomb here; temperatures: write ") +
-           (toCelsius ? "(72-32)/1.8" : "20*1.8+32");
+    if (arrow == std::string::npos) return "";
+    const std::string_view left = std::string_view(entry).substr(0, arrow);
+    const Scale* const from = scaleAtEnd(left);
+    const Scale* const to = scaleAtEnd(std::string_view(entry).substr(arrow + 2));
+    if (from == nullptr || to == nullptr) return "";
+    const std::string_view number = numberAtEnd(left.substr(0, left.size() - from->name.size()));
+    for (const Formula& formula : FORMULAS) {
+        if (formula.from != from->letter || formula.to != to->letter) continue;
+        std::string text = "F and C are farad and coulomb here; temperatures: write ";
+        return text.append(formula.before)
+            .append(number.empty() ? formula.sample : number)
+            .append(formula.after);
+    }
+    return "";
 }
 
 std::string unknownUnit(const Trouble& trouble) {

@@ -289,6 +289,13 @@ TEST(Time, HoursAndMinutesAreOnesOfAClock) {
     EXPECT_DOUBLE_EQ(answerWith("time", "toClock(1.75)"), 1.45);
 }
 
+TEST(Time, ATimeBelowZeroKeepsItsSign) {
+    EXPECT_DOUBLE_EQ(answerWith("time", "toClock(fromClock(8.00)-fromClock(9.30))"), -1.3);
+    EXPECT_DOUBLE_EQ(answerWith("time", "fromClock(-1.30)"), -1.5);
+    EXPECT_DOUBLE_EQ(answerWith("time", "wholeHours(-1.75)"), -1);
+    EXPECT_DOUBLE_EQ(answerWith("time", "restMinutes(-1.75)"), -45);
+}
+
 // The system's calendar is the other one.
 TEST(Time, DaysAreThoseOfTheCalendar) {
     constexpr double NUMBER_OF_1970 = 2440588; // of its first day

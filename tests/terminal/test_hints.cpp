@@ -49,8 +49,17 @@ TEST_F(HintAfterError, PutsAnArgumentIntoParentheses) {
 }
 
 TEST_F(HintAfterError, ConvertsTemperaturesByHand) {
-    EXPECT_EQ(Hint("72 F->C"), "F and C are farad and coulomb here; temperatures: write (72-32)/1.8\n");
-    EXPECT_EQ(Hint("20 C -> F"), "F and C are farad and coulomb here; temperatures: write 20*1.8+32\n");
+    const std::string start = "F and C are farad and coulomb here; temperatures: write ";
+    EXPECT_EQ(Hint("98.6 F->C"), start + "(98.6-32)/1.8\n");
+    EXPECT_EQ(Hint("72 F->K"), start + "(72+459.67)/1.8\n");
+    EXPECT_EQ(Hint("20 C -> F"), start + "20*1.8+32\n");
+    EXPECT_EQ(Hint("-40C->F"), start + "-40*1.8+32\n");
+    EXPECT_EQ(Hint("20 C->K"), start + "20+273.15\n");
+    EXPECT_EQ(Hint("300 K->degC"), start + "300-273.15\n");
+    EXPECT_EQ(Hint("300 K->F"), start + "300*1.8-459.67\n");
+    EXPECT_EQ(Hint("72 fahrenheit->celsius"), start + "(72-32)/1.8\n");
+    EXPECT_EQ(Hint("x=1.5e2 K->C"), start + "300-273.15\n");
+    EXPECT_EQ(Hint("(1+2) F->C"), start + "(72-32)/1.8\n");
 }
 
 TEST_F(HintAfterError, NamesTheNearestUnit) {
