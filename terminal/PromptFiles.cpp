@@ -55,9 +55,10 @@ bool PromptFiles::AddToHistory(const std::string& entry) {
     if (isLeftOut || (!history.empty() && history.back() == entry)) return false;
     history.push_back(entry);
     std::error_code reason;
-    if (!isOpen || historyFile.Append(entry, reason)) return true;
-    const std::string failure = "Not saved: history (" + reason.message() + ")";
-    isHistoryFailureNew = failure != historyFailure;
+    if (!isOpen) return true;
+    const bool isWritten = historyFile.Append(entry, reason);
+    const std::string failure = isWritten ? "" : "Not saved: history (" + reason.message() + ")";
+    isHistoryFailureNew = !isWritten && failure != historyFailure;
     historyFailure = failure;
     return true;
 }
@@ -135,9 +136,9 @@ std::string PromptFiles::Close() {
     if (!isOpen) return "";
     isOpen = false;
     if (isDue) Save();
-    std::string failures = keeper.TakeFailures();
+    const std::string failures = keeper.TakeFailures();
     keeper.Close();
     historyFile.Shorten();
-    if (failures.empty() && isHistoryFailureNew) failures = historyFailure;
-    return failures;
+    const char* const between = failures.empty() || historyFailure.empty() ? "" : "; ";
+    return failures + between + historyFailure;
 }

@@ -47,7 +47,7 @@ public:
     // What could not be written, once; or nothing.
     std::string TakeNews();
 
-    // Writes everything. Returns what could not be written, or nothing.
+    // Writes everything. Returns what could not be written the last time, told before or not; or nothing.
     std::string Close();
 
 private:
@@ -65,7 +65,7 @@ private:
     Numbers ofEntries;    // what commands had set before the entry
     HistoryFile historyFile;
     std::vector<std::string> history;
-    std::string historyFailure; // why the last entry could not be kept
+    std::string historyFailure; // why the last entry could not be kept; empty when it was
     bool isHistoryFailureNew = false;
     bool isOpen = false;
     bool isDue = false; // something is to be written

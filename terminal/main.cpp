@@ -49,7 +49,8 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     how.hasColours = wantsColours(options.color, promptDescriptor(answers)) && !options.plain;
     const PromptEnd end = runPrompt(session, files, answers, how);
     const int error = errno;
-    tell(files.Close());
+    const std::string unsaved = files.Close();
+    tell(unsaved);
     if (endSignal() != 0) dieOf(endSignal());
     errno = error;
     switch (end) {
@@ -57,7 +58,8 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     case PromptEnd::OutputLost: return outputLost(errno);
     case PromptEnd::Ended: break;
     }
-    return run.End();
+    const int status = run.End();
+    return unsaved.empty() ? status : FILE_LOST;
 }
 
 } // namespace

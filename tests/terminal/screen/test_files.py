@@ -136,6 +136,18 @@ class Files(ScreenTest):
         console.enter("2+2", "ans = 4")
         console.ends_with("> 2+2", "ans = 4", ">")
 
+    def test_what_cannot_be_saved_is_told_at_the_end_and_makes_the_status_three(self):
+        for folder, failure in ((".local/share", "Not saved: pelmo_functions.txt"),
+                                (".local/state", "Not saved: history (Not a directory)")):
+            self.home.remove()
+            self.home.write(folder, "no folder")
+            console = self.start(ready=False)
+            console.send("v=1" + RETURN)
+            console.has("v = 1")
+            console.send(ctrl("d"))
+            self.assertEqual(console.end(), 3)
+            console.has("tallyquill: " + failure)
+
     def test_history_is_the_owners_alone(self):
         console = self.start()
         console.enter("1+1", "ans = 2")
