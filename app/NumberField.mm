@@ -14,8 +14,8 @@ static NSString* scaleOf(NSString* text) {
     NSUInteger start = length - 1;
     NSCharacterSet* const prefixes = [NSCharacterSet characterSetWithCharactersInString:@"afpnumckMGTP"];
     if (![prefixes characterIsMember:[text characterAtIndex:start]]) {
-        while (start > 0 && isDigit([text characterAtIndex:start])) start--;
-        if (start > 0 && [text characterAtIndex:start] == '-') start--;
+        while (start > 0 && isDigit([text characterAtIndex:start])) --start;
+        if (start > 0 && [text characterAtIndex:start] == '-') --start;
         if (start == length - 1 || [text characterAtIndex:start] != 'e') return @"";
     }
     const unichar before = start > 0 ? [text characterAtIndex:start - 1] : ' ';

@@ -48,7 +48,7 @@ EntryRange Transcript::PartialWord() const {
     while (from > Start()) {
         const char16_t c = entry[from - 1 - Start()];
         if (c >= 0x80 || (!isalnum(c) && c != '_')) break;
-        from--;
+        --from;
     }
     return {from, selection.location - from};
 }

@@ -19,7 +19,7 @@ inline std::string damaged(std::string text, std::mt19937& random) {
         text[place] = static_cast<char>(text[place] ^ (1 << below(8)));
         return text;
     default:
-        for (size_t count = below(8) + 1; count > 0; count--) {
+        for (size_t count = below(8) + 1; count > 0; --count) {
             text[below(text.size())] = static_cast<char>(below(256));
         }
         return text;

@@ -19,7 +19,7 @@ static int most = 0;
     return [super init];
 }
 - (void)dealloc {
-    living--;
+    --living;
     [super dealloc];
 }
 @end
