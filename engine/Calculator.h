@@ -185,7 +185,7 @@ private:
     void TakeBack();
     int ShowResult();
     int Evaluate(std::string_view text);
-    int Read(std::string_view text);
+    int Read(std::string_view statement);
 
     Spending spending{*this, *this, interruptCheck, work};
     EntryContext context{*this, *this, *this, variables, spending, work};

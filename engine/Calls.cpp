@@ -125,7 +125,7 @@ int Evaluator::CopyBody(const Call& call, const Function& function) {
 // the call has been applied, so what comes next is the body, then the call's own parenthesis, then the rest
 // as it was ordered.
 node* Evaluator::Expand(const Call& call, const Function* function) {
-    if (CheckCall(function, call, call.open->level) != 0) return nullptr;
+    if (CheckCall(function, call, call.open->level) != 0 || !function || !function->body) return nullptr;
     const Ending ending = RunStatementsCall(call, *function);
     if (ending != Ending::NoProgram) return ending == Ending::Value ? call.open : nullptr;
     if (PayForBody(*function, call, statement.terms.count) != 0) return nullptr;

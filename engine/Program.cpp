@@ -23,21 +23,21 @@ public:
     }
 
     bool Make(const std::vector<int32_t>& order) {
-        const auto isBarred = [](const node* term) { return term->type == OP_CONVERT || isLongName(term); };
+        const auto isBarred = [](const node* term) { return term->type == OP_CONVERT || IsLongName(term); };
         if (std::any_of(nodes.begin(), nodes.end(), isBarred)) return false;
         for (const int32_t position : order) {
             node* const op = nodes[static_cast<size_t>(position)];
             if (op->type == OP_OPEN ? !Open(op) : !Pair(op)) return false;
         }
-        if (terms.count != 1 || !isValue(terms.first)) return false;
+        if (terms.count != 1 || !IsValue(terms.first)) return false;
         program.result = terms.first->start;
         return true;
     }
 
 private:
-    static bool isLongName(const node* term) { return term->type != TERM_NUMBER && isLongText(term->text); }
+    static bool IsLongName(const node* term) { return term->type != TERM_NUMBER && isLongText(term->text); }
 
-    static bool isValue(const node* term) {
+    static bool IsValue(const node* term) {
         return term && (term->type == TERM_NUMBER || term->type == TERM_NAME);
     }
 
@@ -50,14 +50,14 @@ private:
 
     // Deletes a term whose value is used up.
     void Use(node* term) {
-        if (isValue(term) && term->start >= 0) free.push_back(term->start);
+        if (IsValue(term) && term->start >= 0) free.push_back(term->start);
         terms.Del(term);
     }
 
     bool Pair(node* op) {
-        node* const left = isValue(op->prev) ? op->prev : nullptr;
+        node* const left = IsValue(op->prev) ? op->prev : nullptr;
         node* const right = op->type == OP_FACTORIAL ? nullptr : op->next;
-        if (op->type != OP_FACTORIAL && !isValue(right)) return false;
+        if (op->type != OP_FACTORIAL && !IsValue(right)) return false;
         const Program::Place to = NewRegister();
         program.steps.push_back(
             {op->type, to, left ? left->start : Program::NOWHERE, right ? right->start : Program::NOWHERE});
@@ -70,7 +70,7 @@ private:
 
     bool Open(node* open) {
         if (open->prev && open->prev->type == TERM_FUNC) return Call(open);
-        if (isValue(open->prev) || !isValue(open->next) || open->next->next->type != OP_CLOSE) return false;
+        if (IsValue(open->prev) || !IsValue(open->next) || open->next->next->type != OP_CLOSE) return false;
         program.steps.push_back({OP_OPEN, Program::NOWHERE, Program::NOWHERE, Program::NOWHERE});
         terms.Del(open->next->next);
         terms.Del(open);
@@ -83,7 +83,7 @@ private:
         call.level = open->level;
         call.terms = terms.count;
         for (node* term = open->next;; term = term->next->next) {
-            if (!isValue(term) || (term->next->type != OP_COMMA && term->next->type != OP_CLOSE))
+            if (!IsValue(term) || (term->next->type != OP_COMMA && term->next->type != OP_CLOSE))
                 return false;
             call.arguments.push_back(term->start);
             if (term->next->type == OP_CLOSE) break;

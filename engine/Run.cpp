@@ -14,8 +14,9 @@ Evaluator::Operand Evaluator::OperandOf(const node* term) {
     return {KnownValue(term), term->type == TERM_NAME ? term : nullptr};
 }
 
+static const qfloat NO_OPERAND = {};
+
 Evaluator::Operand Evaluator::OperandAt(const Program& program, const Frame& current, Program::Place place) {
-    static const qfloat NO_OPERAND = {};
     if (place == Program::NOWHERE) return {&NO_OPERAND, nullptr};
     if (place >= 0) return current.registers[static_cast<size_t>(place)].operand;
     const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~place)];
