@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Hints.h"
 
+#include "Builtins.h"
 #include "Commands.h"
 #include "EntryText.h"
 #include "Functions.h"
@@ -9,6 +10,7 @@
 #include "units.h"
 
 #include <algorithm>
+#include <set>
 #include <vector>
 
 namespace {
@@ -47,7 +49,10 @@ std::vector<std::string> namesOfVariables(const ZqCalculator& calc) {
 
 std::vector<std::string> namesOfFunctions() {
     std::vector<std::string> names;
-    for (int i = 0; const Function* function = funcs.Get(i); ++i) names.emplace_back(function->name);
+    for (int i = 0; const Function* function = funcs.Get(i); ++i) {
+        const bool computes = function->body || findBuiltin(lowerCased(function->name).c_str());
+        if (computes) names.emplace_back(function->name);
+    }
     return names;
 }
 
@@ -159,6 +164,11 @@ std::string_view numberAtEnd(std::string_view text) {
     return text.substr(isNegative ? start - 1 : start);
 }
 
+std::string conversionBy(const Formula& formula, std::string_view number) {
+    std::string text = "F and C are farad and coulomb here; temperatures: write ";
+    return text.append(formula.before).append(number.empty() ? formula.sample : number).append(formula.after);
+}
+
 std::string temperature(const Trouble& trouble) {
     if (!contains(trouble.message, "ERROR 13")) return "";
     const std::string entry = withoutBlanks(trouble.entry);
@@ -170,21 +180,30 @@ std::string temperature(const Trouble& trouble) {
     if (from == nullptr || to == nullptr) return "";
     const std::string_view number = numberAtEnd(left.substr(0, left.size() - from->name.size()));
     for (const Formula& formula : FORMULAS) {
-        if (formula.from != from->letter || formula.to != to->letter) continue;
-        std::string text = "F and C are farad and coulomb here; temperatures: write ";
-        return text.append(formula.before)
-            .append(number.empty() ? formula.sample : number)
-            .append(formula.after);
+        if (formula.from == from->letter && formula.to == to->letter) return conversionBy(formula, number);
     }
     return "";
 }
+
+// Units under names that no few letters lead to.
+constexpr struct {
+    std::string_view name, unit;
+} OTHER_NAMES[] = {{"feet", "foot"}, {"mph", "mile/hr"}, {"kph", "km/hr"}};
 
 std::string unknownUnit(const Trouble& trouble) {
     constexpr std::string_view TEXT = "invalid unit name '";
     const std::size_t start = trouble.message.find(TEXT);
     if (start == std::string_view::npos) return "";
     const std::string_view behind = trouble.message.substr(start + TEXT.size());
-    const std::string nearest = nearestName(behind.substr(0, behind.find('\'')), units_names());
+    const std::string_view name = behind.substr(0, behind.find('\''));
+    const Scale* const scale = scaleAtEnd(name);
+    for (const Formula& formula : FORMULAS) {
+        if (scale != nullptr && scale->letter == formula.to) return conversionBy(formula, "");
+    }
+    std::string nearest = nearestName(name, units_names());
+    for (const auto& other : OTHER_NAMES) {
+        if (name == other.name) nearest = other.unit;
+    }
     return nearest.empty() ? ":units lists the units" : "the nearest unit is " + nearest;
 }
 
@@ -200,6 +219,17 @@ std::string eulersNumber(const Trouble& trouble) {
     return trouble.part == "e" ? "the base of natural logarithms is exp(1)" : "";
 }
 
+// How many arguments the functions of this name take, such as "1 argument" or "2 or 3 arguments"; or nothing.
+std::string argumentsOf(const std::string& name) {
+    std::set<int32_t> counts;
+    for (int i = 0; const Function* function = funcs.Get(i); ++i) {
+        if (strIsEqualI(function->name, name.c_str())) counts.insert(function->argCount);
+    }
+    std::string text;
+    for (const int32_t count : counts) text += (text.empty() ? "" : " or ") + std::to_string(count);
+    return counts.empty() ? "" : text + (text == "1" ? " argument" : " arguments");
+}
+
 // A name that nobody knows: of a variable, of a function, or of a command word at the start.
 std::string unknownName(const Trouble& trouble) {
     if (trouble.part.empty() || !isLetter(trouble.part[0])) return "";
@@ -209,6 +239,8 @@ std::string unknownName(const Trouble& trouble) {
         return trouble.part + " is a variable; a multiplication needs its sign: write " + trouble.part +
                "*(...)";
     }
+    const std::string arguments = isCall ? argumentsOf(trouble.part) : "";
+    if (!arguments.empty()) return trouble.part + " takes " + arguments;
     std::vector<std::string> names = namesOfFunctions();
     if (!isCall) names.insert(names.begin(), variables.begin(), variables.end());
     const std::string nearest = nearestName(trouble.part, names);
@@ -237,13 +269,16 @@ std::string markUnder(std::string_view entry, TextRange range, int promptWidth, 
 std::string nearestName(std::string_view name, const std::vector<std::string>& names) {
     const std::string wanted = lowerCased(std::string(name));
     const std::string* nearest = nullptr;
-    std::size_t least = wanted.size() > 4 ? 3 : 2;
-    if (wanted.size() < 3) least = 1; // of a letter or two every name is near
+    std::size_t least = 0;
     for (const std::string& candidate : names) {
         if (candidate.size() > wanted.size() + 2 || candidate.size() + 2 < wanted.size()) continue;
-        const std::size_t changes = distance(wanted, lowerCased(candidate));
-        if (changes >= least) continue;
-        least = changes;
+        const std::string lower = lowerCased(candidate);
+        const std::size_t changes = distance(wanted, lower);
+        std::size_t most = wanted.size() > 4 || (wanted.size() == 4 && lower[0] == wanted[0]) ? 2 : 1;
+        if (wanted.size() < 3) most = 0; // of a letter or two every name is near
+        const std::size_t rank = changes * 2 + (startsWith(wanted, lower) ? 0 : 1);
+        if (changes > most || (nearest && rank >= least)) continue;
+        least = rank;
         nearest = &candidate;
     }
     return nearest ? *nearest : "";

@@ -32,6 +32,6 @@ private:
 };
 
 // The one of `names` that `name` was probably meant to be: equal but for the case of letters, or with one
-// letter (of more than four, two) wrong, missing, too many or exchanged with its neighbour. Of equals the
-// first. Empty for none.
+// letter (two of more than four, and of four behind the right first one) wrong, missing, too many or
+// exchanged with its neighbour. Of equals one that `name` begins with, or the first. Empty for none.
 std::string nearestName(std::string_view name, const std::vector<std::string>& names);

@@ -46,6 +46,9 @@ public:
     // after a stop, the prompt and what was typed are shown again.
     virtual Status Next(std::string& line) = 0;
 
+    // So many columns the source has put in front of the prompt of the last line.
+    virtual int PromptIndent() const { return 0; }
+
     // The lines that may be brought back, from the oldest on; and one more. The last one is not stored again.
     virtual void SetHistory(const std::vector<std::string>&) {}
     virtual void AddToHistory(const std::string&) {}

@@ -154,7 +154,8 @@ int columnsOf(int screen) {
 std::string Prompt::WithHelp(const std::string& error) const {
     ZqCalculator& calc = session.Calculator();
     if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
-    const std::string mark = markUnder(current, calc.errorRange, PROMPT_WIDTH, columnsOf(screen));
+    const std::string mark =
+        markUnder(current, calc.errorRange, lines->PromptIndent() + PROMPT_WIDTH, columnsOf(screen));
     return AsHint(mark) + error + AsHint(hintAfterError(current, calc));
 }
 

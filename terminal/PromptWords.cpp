@@ -174,24 +174,10 @@ std::string settingLine(const Setting& setting, const KeptSettings& settings) {
 
 // The number that a text stands for. False when the setting has no such value.
 bool readValue(const Setting& setting, const std::string& text, int& value) {
-    if (setting.choices.begin() != setting.choices.end() && setting.kind != Setting::FLAG) {
-        const SettingChoice* choice = setting.ChoiceIn(text);
-        if (choice) value = choice->value;
-        return choice != nullptr;
-    }
-    if (setting.kind == Setting::FLAG) {
-        const SettingChoice* choice = setting.ChoiceIn(text);
-        value = choice ? choice->value : text == "on" || text == "1" ? 1 : 0;
-        return choice || text == "on" || text == "off" || text == "1" || text == "0";
-    }
-    if (setting.kind == Setting::CHARACTER) {
-        value = static_cast<unsigned char>(text[0]);
-        return text.size() == 1 && groupingMarkFault(value).empty();
-    }
-    char* end = nullptr;
-    const long number = strtol(text.c_str(), &end, 10);
-    value = static_cast<int>(number);
-    return end != text.c_str() && *end == '\0' && setting.IsPossible(static_cast<double>(number));
+    if (setting.choices.begin() == setting.choices.end()) return setting.Read(text, value);
+    const SettingChoice* choice = setting.ChoiceIn(text);
+    if (choice) value = choice->value;
+    return choice != nullptr;
 }
 
 // The setting of this key, or of the command with this word.

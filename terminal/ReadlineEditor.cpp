@@ -189,6 +189,7 @@ LineSource::Status ReadlineEditor::GiveLine(std::string& line) {
 // As it would look had it been typed.
 LineSource::Status ReadlineEditor::GivePasted(std::string& line) {
     if (isInterrupted()) return Cancel();
+    promptIndent = 0;
     line = std::move(pasted.front());
     pasted.pop_front();
     const std::string shown = host.PromptText(false) + shownText(line) + "\n";
@@ -216,6 +217,9 @@ LineSource::Status ReadlineEditor::Cancel() {
 }
 
 void ReadlineEditor::TakeLine(char* text) {
+    int width = 0;
+    rl_get_screen_size(nullptr, &width);
+    current->promptIndent = placeBehind(modeText(), {}, width).column;
     current->isDone = true;
     current->isEnded = text == nullptr;
     current->accepted = text == nullptr ? "" : text;

@@ -24,6 +24,7 @@ public:
     ~ReadlineEditor() override;
 
     Status Next(std::string& line) override;
+    int PromptIndent() const override { return promptIndent; }
     void SetHistory(const std::vector<std::string>& lines) override;
     void AddToHistory(const std::string& line) override;
 
@@ -79,6 +80,7 @@ private:
     bool isDone = false; // a line was accepted, or the end
     bool isEnded = false;
     bool isPasted = false; // it is one of several that were pasted
+    int promptIndent = 0;  // the columns of its mode
     std::string accepted;
 
     std::deque<std::string> pasted; // lines that wait to be run

@@ -65,6 +65,11 @@ TEST_F(HintAfterError, ConvertsTemperaturesByHand) {
 TEST_F(HintAfterError, NamesTheNearestUnit) {
     EXPECT_EQ(Hint("5 km->mete"), "the nearest unit is meter\n");
     EXPECT_EQ(Hint("5 galons->m^3"), "the nearest unit is gallon\n");
+    EXPECT_EQ(Hint("5 feet->meters"), "the nearest unit is foot\n");
+    EXPECT_EQ(Hint("5 metr->foot"), "the nearest unit is meter\n");
+    EXPECT_EQ(Hint("90 kph->m/s"), "the nearest unit is km/hr\n");
+    EXPECT_EQ(Hint("5 foot->celsius"),
+              "F and C are farad and coulomb here; temperatures: write (72-32)/1.8\n");
     EXPECT_EQ(Hint("5 qqqqq->m"), ":units lists the units\n");
 }
 
@@ -75,6 +80,19 @@ TEST_F(HintAfterError, NamesTheNearestNameOfAVariableOrFunction) {
     EXPECT_EQ(Hint("PI"), "the nearest name is pi\n");
     EXPECT_EQ(Hint("sqr(4)"), "the nearest name is sqrt\n");
     EXPECT_EQ(Hint("unheardof+1"), "");
+}
+
+TEST_F(HintAfterError, SaysHowManyArgumentsAFunctionTakes) {
+    calc->ProcessEntry("fee(x)=x", false);
+    EXPECT_EQ(Hint("sin(1,2)"), "sin takes 1 argument\n");
+    EXPECT_EQ(Hint("fee(1,2)"), "fee takes 1 argument\n");
+    calc->ProcessEntry("fee(x,y,z)=x", false);
+    EXPECT_EQ(Hint("1+Fee(1,2)"), "Fee takes 1 or 3 arguments\n");
+    EXPECT_EQ(Hint("mod(3)"), "mod takes 2 arguments\n");
+}
+
+TEST_F(HintAfterError, NamesNoFunctionThatComputesNothing) {
+    EXPECT_EQ(Hint("sine(30)"), "the nearest name is sin\n");
 }
 
 TEST_F(HintAfterError, NamesTheWordsOfThePrompt) {
@@ -111,6 +129,8 @@ TEST(NearestName, IsTheOneWithTheFewestWrongLetters) {
     EXPECT_EQ(nearestName("sqtr", {"sin", "sqrt", "sqr"}), "sqrt");
     EXPECT_EQ(nearestName("KM", {"m", "km"}), "km");
     EXPECT_EQ(nearestName("meeterr", {"meter"}), "meter");
+    EXPECT_EQ(nearestName("hrts", {"yard", "hertz"}), "hertz"); // two, behind the right first letter
+    EXPECT_EQ(nearestName("sine", {"sinh", "sin", "sind"}), "sin"); // it begins so
     EXPECT_EQ(nearestName("x", {"y", "z"}), "");
     EXPECT_EQ(nearestName("kilo", {"pico"}), "");
 }

@@ -112,6 +112,10 @@ TEST_F(PromptWordsTest, SetRefusesWhatIsNoSettingAndNoValue) {
     EXPECT_EQ(Error(":set sigfigs 0"), "'0' is no value of sigfigs\n");
     EXPECT_EQ(Error(":set sigfigs 5x"), "'5x' is no value of sigfigs\n");
     EXPECT_EQ(Error(":set dispbase oct"), "'oct' is no value of dispbase\n");
+    calc->degreeMode = true;
+    EXPECT_EQ(Error(":set degmode off"), "'off' is no value of degmode\n");
+    EXPECT_EQ(Error(":set twoscomp maybe"), "'maybe' is no value of twoscomp\n");
+    EXPECT_TRUE(calc->degreeMode);
     EXPECT_EQ(Error(":set schar 5"), "'5' is no value of schar\n");
     EXPECT_EQ(Error(":set bgcolor red"), "'red' is no value of bgcolor\n");
     EXPECT_EQ(calc->sigFigs, 10);

@@ -16,6 +16,17 @@ class Help(ScreenTest):
         self.type(console, "2 * aera")
         console.ends_with("> 2 * aera", "      ^^^^", "** ERROR 7: invalid term = aera **", "the nearest name is area", ">")
 
+    @unittest.skipUnless(HAS_EDITOR, "built without the editor")
+    def test_the_mark_stands_below_the_entry_with_the_mode_in_the_prompt(self):
+        self.home.write(".inputrc", "set editing-mode vi\nset show-mode-in-prompt on\n")
+        console = self.start(ready=False)
+        console.shows("(ins)>")
+        self.type(console, "2*wdth")
+        console.shows("(ins)> 2*wdth", "         ^^^^", "** ERROR 7: invalid term = wdth **", "(ins)>")
+        console.send(pasted("2*wdth\n3+hght\n"))
+        console.ends_with("(ins)> 2*wdth", "         ^^^^", "** ERROR 7: invalid term = wdth **",
+                          "> 3+hght", "    ^^^^", "** ERROR 7: invalid term = hght **", "(ins)>")
+
     def test_nothing_is_marked_when_the_term_is_in_a_row_above_the_last(self):
         console = self.start(width=20)
         self.type(console, "wdth+111111111111111111111111")
