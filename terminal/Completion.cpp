@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Completion.h"
 
+#include "Builtins.h"
 #include "Calculator.h"
+#include "Guide.h"
 #include "Helpers_String.h"
 #include "PromptWords.h"
 #include "units.h"
@@ -58,27 +60,58 @@ void addUnits(const Place& place, std::vector<std::string>& found) {
     }
 }
 
+using Phrases = std::vector<std::string>;
+
+// The start, a blank, and each word that can stand behind it; the start alone when these are not known.
+void addChoices(Phrases& phrases, const std::string& start, const SettingChoices& choices) {
+    if (choices.begin() == choices.end()) phrases.push_back(start + " ");
+    for (const SettingChoice& choice : choices) phrases.push_back(start + " " + choice.word);
+}
+
 // What the command words and their arguments look like.
-std::vector<std::string> commandPhrases() {
-    std::vector<std::string> phrases;
+Phrases commandPhrases() {
+    Phrases phrases;
     for (const Command& command : commandTable()) {
         const bool hasArgument = command.match == Command::WORD_ARGUMENT || command.match == Command::WORD;
         if (*command.word != '\0') phrases.push_back(command.word + std::string(hasArgument ? " " : ""));
     }
     for (const Setting& setting : SETTINGS) {
-        if (!setting.command.word) continue;
-        const std::string word = setting.command.word + std::string(" ");
-        if (setting.choices.begin() == setting.choices.end()) phrases.push_back(word);
-        for (const SettingChoice& choice : setting.choices) phrases.push_back(word + choice.word);
+        if (setting.command.word) addChoices(phrases, setting.command.word, setting.choices);
     }
     return phrases;
 }
 
+// What the prompt's own words and their arguments look like, but for units.
+Phrases promptPhrases() {
+    Phrases phrases;
+    for (const PromptWord& word : promptWords())
+        phrases.push_back(word.word + std::string(*word.argument == '\0' ? "" : " "));
+    addChoices(phrases, ":base", DISPLAY_BASES);
+    for (const Setting& setting : SETTINGS) {
+        const bool isOnOrOff =
+            setting.kind == Setting::FLAG && setting.choices.begin() == setting.choices.end();
+        addChoices(phrases, std::string(":set ") + setting.key,
+                   isOnOrOff ? SettingChoices(ON_OFF) : setting.choices);
+    }
+    Phrases topics = guideTopics();
+    for (const Builtin& builtin : builtinTable()) {
+        if (builtin.help) topics.emplace_back(builtin.name);
+    }
+    for (const Setting& setting : SETTINGS) {
+        if (setting.command.word) topics.emplace_back(setting.command.word);
+    }
+    for (const Command& command : commandTable()) {
+        if (command.help) topics.emplace_back(command.word);
+    }
+    for (const std::string& topic : topics) phrases.push_back(":help " + topic);
+    return phrases;
+}
+
 // The next word of each phrase that goes on from here, with the blank behind it.
-void addCommands(const Place& place, std::vector<std::string>& found) {
+void addPhrases(const Place& place, const Phrases& phrases, std::vector<std::string>& found) {
     const std::string typed = inLowerCase(place.head + place.word);
-    for (const std::string& phrase : commandPhrases()) {
-        if (!beginsWith(phrase, typed) || phrase.size() == typed.size()) continue;
+    for (const std::string& phrase : phrases) {
+        if (!beginsWith(inLowerCase(phrase), typed) || phrase.size() == typed.size()) continue;
         const std::string rest = phrase.substr(place.head.size());
         const std::size_t blank = rest.find(' ');
         found.push_back(rest.substr(0, blank == std::string::npos ? blank : blank + 1));
@@ -92,25 +125,11 @@ bool isArgumentOf(const Place& place, std::initializer_list<const char*> words) 
                        [&head](const char* word) { return head == word + std::string(" "); });
 }
 
-// The prompt's own words, and the settings behind ":set".
-void addPromptWords(const Place& place, std::vector<std::string>& found) {
-    if (place.head == ":") {
-        for (const PromptWord& word : promptWords()) {
-            const std::string name = word.word + 1 + std::string(*word.argument == '\0' ? "" : " ");
-            if (beginsWith(name, place.word)) found.push_back(name);
-        }
-    }
-    if (place.head == ":set ") {
-        for (const Setting& setting : SETTINGS) {
-            if (beginsWith(setting.key, place.word)) found.push_back(setting.key + std::string(" "));
-        }
-    }
-}
-
 std::vector<std::string> candidatesAt(const Place& place, const ZqCalculator& calc, bool isCall) {
     std::vector<std::string> found;
     if (place.head[0] == ':') {
-        addPromptWords(place, found);
+        addPhrases(place, promptPhrases(), found);
+        if (place.head == ":units ") addUnits(place, found);
         return found;
     }
     const std::size_t arrow = place.head.rfind("->");
@@ -132,7 +151,7 @@ std::vector<std::string> candidatesAt(const Place& place, const ZqCalculator& ca
         if (beginsWith("all", place.word)) found.emplace_back("all");
         return found;
     }
-    addCommands(place, found);
+    addPhrases(place, commandPhrases(), found);
     if (!place.head.empty() && !found.empty()) return found; // the argument of a command
     addFunctions(place, found, isCall ? "" : "(");
     addVariables(place, calc, found);

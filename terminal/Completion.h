@@ -15,7 +15,7 @@ struct Completion {
 };
 
 // What a person may want at the cursor, by place: units and prefixes behind "->"; at the start of a statement
-// command words, functions and variables; behind a command word its arguments; behind ':' the prompt's words;
-// elsewhere functions, each with its open parenthesis, and variables. Upper and lower case are the same in
-// functions and command words.
+// command words, functions and variables; behind a command word its arguments; behind ':' the prompt's words
+// and theirs; elsewhere functions, each with its open parenthesis, and variables. Upper and lower case are
+// the same in functions and command words.
 Completion completionsAt(const std::string& entry, std::size_t cursor, const ZqCalculator& calc);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "EntryText.h"
 
+#include "Settings.h"
+
 #include "Helpers_String.h"
 #include "ShownText.h"
 
@@ -51,6 +53,10 @@ std::string withoutBlanks(std::string_view text) {
     std::string joined;
     std::copy_if(text.begin(), text.end(), std::back_inserter(joined), [](char c) { return !isBlank(c); });
     return joined;
+}
+
+char decimalMark(const EntrySettings& settings) {
+    return settings.european ? ',' : '.';
 }
 
 bool startsWith(std::string_view text, std::string_view start) {

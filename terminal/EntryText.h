@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+struct EntrySettings;
+
 // The longest entry, in bytes without its line end.
 constexpr std::size_t MAX_ENTRY_LENGTH = 9999;
 
@@ -30,6 +32,9 @@ std::string asLine(std::string_view text);
 
 // `text` without its blanks, tabs and line ends.
 std::string withoutBlanks(std::string_view text);
+
+// The sign between a number's whole part and its decimals.
+char decimalMark(const EntrySettings& settings);
 
 // Whether `text` begins with `start`.
 bool startsWith(std::string_view text, std::string_view start);

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "Guide.h"
 
+#include "EntryText.h"
 #include "GuideText.h"
 #include "Helpers_String.h"
+#include "ScreenText.h"
 
 #include <algorithm>
+#include <climits>
+#include <sstream>
 
 namespace {
 
 constexpr std::string_view TITLE = "## ";
+constexpr std::string_view ITEM = "- ";
 
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines;
@@ -54,8 +59,34 @@ std::vector<std::string> cellsOf(std::string_view row) {
     return cells;
 }
 
-// The rows with their first columns padded to one width, without the line of dashes below the head.
-std::string tableText(const std::vector<std::string_view>& rows) {
+std::size_t columnsOf(std::string_view text) {
+    return static_cast<std::size_t>(placeBehind(text, {}, INT_MAX).column);
+}
+
+// The column in which the text's last line ends.
+std::size_t columnBehind(const std::string& text) {
+    return columnsOf(std::string_view(text).substr(text.rfind('\n') + 1));
+}
+
+// Adds the words, with line ends where a line would be wider than `width`. Such a line begins with `indent`
+// blanks.
+void addWords(std::string& text, const std::string& words, std::size_t indent, std::size_t width) {
+    std::istringstream each(words);
+    std::size_t column = columnBehind(text);
+    bool isFirst = true;
+    for (std::string word; each >> word; isFirst = false) {
+        const std::size_t size = columnsOf(word);
+        const bool isFull = !isFirst && column + 1 + size > width;
+        if (isFull) text += "\n" + std::string(indent, ' ');
+        if (!isFull && !isFirst) text += ' ';
+        column = isFull ? indent + size : column + size + (isFirst ? 0 : 1);
+        text += word;
+    }
+}
+
+// The rows with their cells below each other, without the line of dashes below the head. A cell that would
+// take too much of the width for that stands in a line of its own.
+std::string tableText(const std::vector<std::string_view>& rows, std::size_t width) {
     std::vector<std::vector<std::string>> table;
     std::vector<std::size_t> widths;
     for (const std::string_view row : rows) {
@@ -63,42 +94,60 @@ std::string tableText(const std::vector<std::string_view>& rows) {
         table.push_back(cellsOf(row));
         widths.resize(std::max(widths.size(), table.back().size()));
         for (std::size_t i = 0; i < table.back().size(); ++i) {
-            widths[i] = std::max(widths[i], table.back()[i].size());
+            const std::size_t columns = columnsOf(table.back()[i]);
+            if (columns <= width * 2 / 5) widths[i] = std::max(widths[i], columns);
         }
     }
+    constexpr std::size_t GAP = 2;
     std::string text;
     for (const auto& cells : table) {
-        std::string line = " ";
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            line += " " + cells[i] + std::string(widths[i] - cells[i].size() + 1, ' ');
+        std::size_t start = GAP;
+        for (std::size_t i = 0; i < cells.size(); start += widths[i++] + GAP) {
+            if (cells[i].empty()) continue;
+            if (columnBehind(text) + GAP > start && i > 0) text += '\n';
+            text.append(start - columnBehind(text), ' ');
+            addWords(text, cells[i], start, width);
         }
-        text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+        text += '\n';
     }
     return text;
 }
 
 } // namespace
 
-std::string plainText(std::string_view markdown) {
+std::string plainText(std::string_view markdown, int columns) {
+    const auto width = static_cast<std::size_t>(columns);
     std::string text;
-    bool isCode = false;
+    std::string paragraph;
     std::vector<std::string_view> table;
-    const std::vector<std::string_view> lines = linesOf(markdown);
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        const std::string_view line = lines[i];
-        const bool isRow = !isCode && !line.empty() && line.front() == '|';
-        if (isRow) table.push_back(line);
-        if (!table.empty() && (!isRow || i + 1 == lines.size())) {
-            text += tableText(table);
-            table.clear();
+    const auto endBlock = [&] {
+        if (!paragraph.empty() && !startsWith(paragraph, "![")) {
+            addWords(text, withoutMarks(paragraph), startsWith(paragraph, ITEM) ? ITEM.size() : 0, width);
+            text += '\n';
         }
-        if (isRow) continue;
-        if (line.substr(0, 3) == "```") {
+        paragraph.clear();
+        text += tableText(table, width);
+        table.clear();
+    };
+    bool isCode = false;
+    for (const std::string_view line : linesOf(markdown)) {
+        const bool isFence = startsWith(line, "```");
+        const bool isRow = !isCode && startsWith(line, "|");
+        const bool isText = !isCode && !isFence && !isRow && !line.empty();
+        if (isRow ? table.empty()
+                  : !isText || !table.empty() || startsWith(line, ITEM) || startsWith(line, "#"))
+            endBlock();
+        if (isFence)
             isCode = !isCode;
-        } else {
-            text += (isCode ? "  " + std::string(line) : withoutMarks(line)) + "\n";
-        }
+        else if (isRow)
+            table.push_back(line);
+        else if (isText)
+            paragraph.append(paragraph.empty() ? "" : " ").append(line);
+        else
+            text.append(isCode ? "  " : "").append(line).append("\n");
+        if (startsWith(line, "#")) endBlock();
     }
+    endBlock();
     return text;
 }
 
@@ -110,14 +159,14 @@ std::vector<std::string> guideTopics() {
     return topics;
 }
 
-std::string guideSection(std::string_view topic) {
+std::string guideSection(std::string_view topic, int columns) {
     const std::string wanted = lowerCased(std::string(topic));
     for (const std::string& title : guideTopics()) {
         if (lowerCased(title).find(wanted) == std::string::npos) continue;
         const std::size_t start =
             GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
         const std::size_t end = std::min(GUIDE_TEXT.find("\n## ", start), GUIDE_TEXT.size());
-        return plainText(GUIDE_TEXT.substr(start, end - start));
+        return plainText(GUIDE_TEXT.substr(start, end - start), columns);
     }
     return "";
 }

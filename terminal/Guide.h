@@ -10,10 +10,11 @@
 // The titles of the guide's sections, in their order.
 std::vector<std::string> guideTopics();
 
-// The first section whose title contains the topic, in any case of letters, with its title: without the marks
-// of the source, tables in columns. Empty when there is none.
-std::string guideSection(std::string_view topic);
+// The first section whose title contains the topic, in any case of letters, with its title, as plainText
+// gives it. Empty when there is none.
+std::string guideSection(std::string_view topic, int columns);
 
-// Markdown as plain text: `marks`, **bold** and [links](#there) without their signs, the lines between
-// fences set in by two blanks, a table's columns side by side.
-std::string plainText(std::string_view markdown);
+// Markdown as plain text: `marks`, **bold** and [links](#there) without their signs, no pictures, the lines
+// between fences set in by two blanks, a table's columns side by side. Paragraphs, items and cells are filled
+// to so many columns of the screen.
+std::string plainText(std::string_view markdown, int columns);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Options.h"
 
+#include "EntryText.h"
 #include "OwnFiles.h"
 
 #include <algorithm>
@@ -66,6 +67,7 @@ public:
             else
                 TakeLetters(argument);
         }
+        if (options.action == Action::Evaluate) RefuseDecimalMark();
         return std::move(options);
     }
 
@@ -73,6 +75,17 @@ private:
     void Refuse(const std::string& why) {
         options.action = Action::RefuseUsage;
         options.refusal = why;
+    }
+
+    // As the mark between groups it would be ignored.
+    void RefuseDecimalMark() {
+        EntrySettings settings = standardSettings();
+        for (const auto& [setting, value] : options.settings) setting->Apply(value, settings);
+        const std::string mark(1, decimalMark(settings));
+        for (const auto& [setting, value] : options.settings) {
+            if (setting->kind == Setting::CHARACTER && value == mark[0])
+                Refuse("'" + mark + "' is the decimal mark and no value of option '--mark'");
+        }
     }
 
     void RefuseUnknown(std::string_view argument) {

@@ -132,9 +132,15 @@ Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
     return writeAll(screen, AsHint(notes.For(line))) ? outcome : Session::Outcome::OutputLost;
 }
 
+int columnsOf(int screen) {
+    winsize size = {};
+    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
 // The prompt's own words, which begin with ':'.
 Session::Outcome Prompt::AnswerWord(const std::string& line) {
-    const PromptReply reply = runPromptWord({session.Calculator(), files.Settings(), files.History()}, line);
+    const PromptReply reply =
+        runPromptWord({session.Calculator(), files.Settings(), files.History(), columnsOf(screen)}, line);
     files.NoteChange();
     if (reply.kind == PromptReply::END) return Session::Outcome::Ended;
     if (reply.kind == PromptReply::ERROR) return session.RefuseEntry(line, reply.text);
@@ -143,11 +149,6 @@ Session::Outcome Prompt::AnswerWord(const std::string& line) {
 
 std::string Prompt::AsHint(const std::string& text) const {
     return options.hasColours ? coloured(Shade::Hint, shownText(text)) : shownText(text);
-}
-
-int columnsOf(int screen) {
-    winsize size = {};
-    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 // The error with a mark above it, below the entry, and a line that may help below it.

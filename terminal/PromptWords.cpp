@@ -2,6 +2,7 @@
 #include "PromptWords.h"
 
 #include "Builtins.h"
+#include "EntryText.h"
 #include "Format.h"
 #include "Functions.h"
 #include "Guide.h"
@@ -79,10 +80,10 @@ std::string helpOfName(const std::string& name) {
     return text;
 }
 
-PromptReply help(const PromptState&, const std::string& topic) {
+PromptReply help(const PromptState& state, const std::string& topic) {
     if (topic.empty()) return {PromptReply::TEXT, helpOfWords()};
     std::string text = helpOfName(topic);
-    if (text.empty()) text = guideSection(topic);
+    if (text.empty()) text = guideSection(topic, state.columns);
     if (text.empty()) return refuse("no help on '" + topic + "'; :help lists the topics");
     return {PromptReply::TEXT, text};
 }
@@ -203,6 +204,8 @@ PromptReply set(const PromptState& state, const std::string& argument) {
     if (!text.empty() && setting->IsNumber()) {
         int value = 0;
         if (!readValue(*setting, text, value)) return refuse("'" + text + "' is no value of " + name);
+        if (setting->kind == Setting::CHARACTER && value == decimalMark(state.calc))
+            return refuse("'" + text + "' is the decimal mark");
         state.settings.numbers[setting->key] = value;
         setting->Apply(value, state.calc);
         if (strcmp(setting->key, "histsz") == 0) state.calc.history.SetMaxEntries(value);

@@ -15,6 +15,7 @@ struct PromptState {
     ZqCalculator& calc;
     KeptSettings& settings;                  // :set changes them; the caller keeps them
     const std::vector<std::string>& history; // the entries, the oldest first
+    int columns = 80;                        // of the screen
 };
 
 struct PromptReply {

@@ -76,6 +76,15 @@ TEST_F(CompletionTest, WordsOfThePromptFitBehindAColon) {
     EXPECT_EQ(At(":se|"), (Names{"set "}));
     EXPECT_EQ(At(":set auto|"), (Names{"autoeval "}));
     EXPECT_EQ(At(":vars s|"), (Names{}));
+    EXPECT_EQ(At(":base |"), (Names{"bin", "dec", "hex"}));
+    EXPECT_EQ(At(":set dispbase |"), (Names{"bin", "dec", "hex"}));
+    EXPECT_EQ(At(":set autoeval o|"), (Names{"off", "on"}));
+    EXPECT_EQ(At(":help comm|"), (Names{"Command "}));
+    EXPECT_EQ(At(":help command |"), (Names{"words"}));
+    EXPECT_EQ(At(":help sq|"), (Names{"sqrt"}));
+    EXPECT_EQ(At(":help sigf|"), (Names{"sigfigs"}));
+    EXPECT_EQ(At(":units smo|"), (Names{"smoot"}));
+    EXPECT_EQ(At(":units mil|"), At("5 km->mil|"));
 }
 
 TEST_F(CompletionTest, UnitsAndPrefixesFitBehindTheArrow) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Guide.h"
+#include "ScreenText.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 #include <algorithm>
 
@@ -15,27 +17,50 @@ TEST(Guide, HasTheTopicsOfTheDocument) {
 }
 
 TEST(Guide, FindsASectionByAPartOfItsTitleInAnyCase) {
-    const std::string section = guideSection("command");
+    const std::string section = guideSection("command", 80);
     EXPECT_EQ(section.substr(0, 15), "Command words\n\n");
     EXPECT_NE(section.find("scimode auto"), std::string::npos);
     EXPECT_EQ(section.find("The window"), std::string::npos); // the next section
-    EXPECT_EQ(guideSection("no such topic"), "");
+    EXPECT_EQ(guideSection("no such topic", 80), "");
 }
 
 TEST(PlainText, LeavesOutTheSignsForCodeBoldAndLinks) {
-    EXPECT_EQ(plainText("A `1+1`, a **bold** word and a [link](#there) (aside).\n"),
+    EXPECT_EQ(plainText("A `1+1`, a **bold** word and a [link](#there) (aside).\n", 80),
               "A 1+1, a bold word and a link (aside).\n");
+    EXPECT_EQ(plainText("![a picture](a.png)\n", 80), "");
+}
+
+TEST(PlainText, FillsTheLinesOfAParagraphToTheWidth) {
+    EXPECT_EQ(plainText("one two three\nfour five\n\nsix\nseven\n", 14),
+              "one two three\nfour five\n\nsix seven\n");
+    EXPECT_EQ(plainText("one two\nthree `four` five\n", 14), "one two three\nfour five\n");
+    EXPECT_EQ(plainText("- one two three\n  four\n- five\n", 10), "- one two\n  three\n  four\n- five\n");
+    EXPECT_EQ(plainText("unbreakablyLong x\n", 6), "unbreakablyLong\nx\n");
+    EXPECT_EQ(plainText("\xC3\xA4\xC3\xA4\xC3\xA4 b\n", 5), "\xC3\xA4\xC3\xA4\xC3\xA4 b\n");
+    EXPECT_EQ(plainText("## Title\ntext\n", 80), "## Title\ntext\n");
+}
+
+TEST(PlainText, FillsTheLastColumnOfATable) {
+    EXPECT_EQ(plainText("| ab | one two three |\n", 14), "  ab  one two\n      three\n");
+}
+
+TEST(Guide, HasNoLineThatATerminalWouldBreak) {
+    for (const std::string& topic : guideTopics()) {
+        std::istringstream lines(guideSection(topic, 80));
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_LE(placeBehind(line, {}, 1000).column, 80) << topic << ": " << line;
+    }
 }
 
 TEST(PlainText, KeepsWhatStandsBetweenFencesAndSetsItIn) {
-    EXPECT_EQ(plainText("```\n> 2**3 `x`\n```\nend\n"), "  > 2**3 `x`\nend\n");
+    EXPECT_EQ(plainText("```\n> 2**3 `x`\n```\nend\n", 80), "  > 2**3 `x`\nend\n");
 }
 
 TEST(PlainText, PutsATablesColumnsSideBySide) {
-    EXPECT_EQ(plainText("| Entry | Answer |\n|---|---|\n| `1+1` | `2` |\n| `sin(30)` | half |\nend\n"),
+    EXPECT_EQ(plainText("| Entry | Answer |\n|---|---|\n| `1+1` | `2` |\n| `sin(30)` | half |\nend\n", 80),
               "  Entry    Answer\n  1+1      2\n  sin(30)  half\nend\n");
-    EXPECT_EQ(plainText("| a | b |"), "  a  b\n");
-    EXPECT_EQ(plainText("| `bin\\|dec` | b |"), "  bin|dec  b\n");
+    EXPECT_EQ(plainText("| a | b |", 80), "  a  b\n");
+    EXPECT_EQ(plainText("| `bin\\|dec` | b |", 80), "  bin|dec  b\n");
 }
 
 } // namespace

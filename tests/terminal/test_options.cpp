@@ -161,4 +161,13 @@ TEST(Options, AValueThatASettingCannotHaveIsRefused) {
     for (const char* const wrong : {"", "5", "a", "(", "ab"}) refusalOf({"--mark", wrong});
 }
 
+TEST(Options, TheDecimalMarkIsNoMarkBetweenGroups) {
+    EXPECT_EQ(refusalOf({"--mark", "."}), "'.' is the decimal mark and no value of option '--mark'");
+    EXPECT_EQ(refusalOf({"--comma", "--mark", ","}),
+              "',' is the decimal mark and no value of option '--mark'");
+    EXPECT_EQ(refusalOf({"--mark=,", "--comma"}), "',' is the decimal mark and no value of option '--mark'");
+    EXPECT_EQ(parse({"--mark", ".", "--comma"}).refusal, "");
+    EXPECT_EQ(parse({"--mark", ","}).refusal, "");
+}
+
 } // namespace

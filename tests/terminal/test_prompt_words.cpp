@@ -16,7 +16,7 @@ protected:
         calc->InitializeFunctionsAndVars();
     }
 
-    PromptReply Run(std::string_view line) { return runPromptWord({*calc, settings, history}, line); }
+    PromptReply Run(std::string_view line) { return runPromptWord({*calc, settings, history, 80}, line); }
 
     // The reply's text, which is no error.
     std::string Text(std::string_view line) {
@@ -116,6 +116,10 @@ TEST_F(PromptWordsTest, SetRefusesWhatIsNoSettingAndNoValue) {
     EXPECT_EQ(Error(":set degmode off"), "'off' is no value of degmode\n");
     EXPECT_EQ(Error(":set twoscomp maybe"), "'maybe' is no value of twoscomp\n");
     EXPECT_TRUE(calc->degreeMode);
+    EXPECT_EQ(Error(":set schar ."), "'.' is the decimal mark\n");
+    EXPECT_TRUE(Contains(Text(":set european on"), "european = on"));
+    EXPECT_EQ(Error(":set schar ,"), "',' is the decimal mark\n");
+    EXPECT_TRUE(Contains(Text(":set schar ."), "schar = ."));
     EXPECT_EQ(Error(":set schar 5"), "'5' is no value of schar\n");
     EXPECT_EQ(Error(":set bgcolor red"), "'red' is no value of bgcolor\n");
     EXPECT_EQ(calc->sigFigs, 10);
