@@ -38,6 +38,7 @@ constexpr SignRow SIGNS[] = {
     {0x2074, 0x2079, nullptr, '4', true}, //
     {0x207A, 0x207A, nullptr, '+', true}, //
     {0x207B, 0x207B, nullptr, '-', true}, //
+    {0x2192, 0x2192, "->"},               // arrow
     {0x2212, 0x2212, "-"},                // minus sign
     {0x2215, 0x2215, "/"},                // division slash
     {0x2217, 0x2217, "*"},                // asterisk operator

@@ -9,8 +9,8 @@
 #include <string_view>
 
 // Signs that come with texts copied from pages become what the engine reads: the minus sign, the signs of
-// multiplication and division, raised digits ("10²³" is "10^23"), the letter pi, the many blanks, and the
-// full-width forms of the ASCII characters. All else stays, also what is no UTF-8.
+// multiplication and division, raised digits ("10²³" is "10^23"), the letter pi, the arrow, the many blanks,
+// and the full-width forms of the ASCII characters. All else stays, also what is no UTF-8.
 class TypedSigns {
 public:
     // Reads text in UTF-8 that may come in pieces, cut between characters. An object remembers whether the

@@ -67,7 +67,7 @@ public:
             else
                 TakeLetters(argument);
         }
-        if (options.action == Action::Evaluate) RefuseDecimalMark();
+        if (options.action == Action::Evaluate) RefuseUseless();
         return std::move(options);
     }
 
@@ -77,8 +77,10 @@ private:
         options.refusal = why;
     }
 
-    // As the mark between groups it would be ignored.
-    void RefuseDecimalMark() {
+    // What would be ignored: fields of no lines, and the decimal mark between groups.
+    void RefuseUseless() {
+        if (!options.separator.empty() && options.each.empty())
+            Refuse("option '--separator' goes with '--each'");
         EntrySettings settings = standardSettings();
         for (const auto& [setting, value] : options.settings) setting->Apply(value, settings);
         const std::string mark(1, decimalMark(settings));
@@ -137,6 +139,10 @@ private:
     }
 
     static std::string PossibleValues(const OptionRow& row) {
+        const auto* const one = std::get_if<SettingOption>(&row.use);
+        const Setting* const setting = one ? findSetting(one->key) : nullptr;
+        if (setting && setting->kind == Setting::NUMBER && setting->choices.begin() == setting->choices.end())
+            return std::to_string(setting->least) + " to " + std::to_string(setting->most);
         if (std::get_if<WithOption>(&row.use) == nullptr) return row.argument;
         std::string names;
         for (const std::string_view name : shippedNames()) {

@@ -128,7 +128,10 @@ Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
     const Session::Outcome outcome = isInterrupted() ? session.GiveUp() : session.Run(line);
     files.EntryDidRun();
     if (isPasted) files.DoDue(); // nobody rests
-    if (outcome != Session::Outcome::Answered || screen < 0) return outcome;
+    const ZqCalculator& calc = session.Calculator();
+    const bool isDefinition = calc.status == STATUS_MESSAGE && *calc.message != '\0';
+    const bool isComputed = calc.status == STATUS_RESULT || isDefinition; // an echoed text is not
+    if (outcome != Session::Outcome::Answered || screen < 0 || !isComputed) return outcome;
     return writeAll(screen, AsHint(notes.For(line))) ? outcome : Session::Outcome::OutputLost;
 }
 

@@ -140,7 +140,10 @@ PromptReply units(const PromptState&, const std::string& part) {
             related += unitLine(name);
     }
     if (!related.empty()) related = "Units that " + part + " can be converted to:\n" + related;
-    if (named.empty() && related.empty()) return refuse("no unit's name contains '" + part + "'");
+    if (named.empty() && related.empty()) {
+        if (isUnit) return {PromptReply::TEXT, "no named unit is its equal; " + part + " can be converted\n"};
+        return refuse("no unit's name contains '" + part + "'");
+    }
     if (!part.empty()) return {PromptReply::TEXT, named + related};
     std::string prefixes = "Prefixes:";
     for (const std::string& prefix : units_prefix_names()) prefixes += " " + prefix;
@@ -175,8 +178,8 @@ std::string settingLine(const Setting& setting, const KeptSettings& settings) {
 
 // The number that a text stands for. False when the setting has no such value.
 bool readValue(const Setting& setting, const std::string& text, int& value) {
-    if (setting.choices.begin() == setting.choices.end()) return setting.Read(text, value);
-    const SettingChoice* choice = setting.ChoiceIn(text);
+    if (setting.choices.begin() == setting.choices.end()) return setting.Read(lowerCased(text), value);
+    const SettingChoice* choice = setting.ChoiceIn(lowerCased(text));
     if (choice) value = choice->value;
     return choice != nullptr;
 }
@@ -199,7 +202,7 @@ PromptReply set(const PromptState& state, const std::string& argument) {
     const std::string name = argument.substr(0, blank);
     const std::string text =
         argument.substr(std::min(argument.find_first_not_of(" \t=", blank), argument.size()));
-    const Setting* setting = settingNamed(name);
+    const Setting* setting = settingNamed(lowerCased(name));
     if (!setting) return refuse("no setting is called '" + name + "'; :set lists them");
     if (!text.empty() && setting->IsNumber()) {
         int value = 0;
@@ -228,7 +231,7 @@ PromptReply history(const PromptState& state, const std::string& part) {
 
 PromptReply base(const PromptState& state, const std::string& argument) {
     const Setting& setting = *findSetting("dispbase");
-    const SettingChoice* choice = setting.ChoiceIn(argument);
+    const SettingChoice* choice = setting.ChoiceIn(lowerCased(argument));
     if (!choice) return refuse(":base takes bin, dec or hex");
     const Answer& answer = state.calc.answer;
     const std::string value = answer.In(choice->value, state.calc);
@@ -258,17 +261,16 @@ const std::vector<PromptWord>& promptWords() {
 
 PromptReply runPromptWord(const PromptState& state, std::string_view line) {
     const std::size_t end = std::min(line.find_first_of(" \t"), line.size());
-    const std::string_view typed = line.substr(0, end);
+    const std::string typed = lowerCased(std::string(line.substr(0, end)));
     const std::size_t start = std::min(line.find_first_not_of(" \t", end), line.size());
     const std::string argument(line.substr(start, line.find_last_not_of(" \t") + 1 - start));
     const PromptWord* found = nullptr;
     for (const PromptWord& word : promptWords()) {
         if (std::string_view(word.word).substr(0, typed.size()) != typed || typed.size() < 2) continue;
-        if (found) return refuse("'" + std::string(typed) + "' may be " + found->word + " or " + word.word);
+        if (found) return refuse("'" + typed + "' may be " + found->word + " or " + word.word);
         found = &word;
     }
-    if (!found)
-        return refuse("no word of the prompt is called '" + std::string(typed) + "'; :help lists them");
+    if (!found) return refuse("no word of the prompt is called '" + typed + "'; :help lists them");
     if (!argument.empty() && !*found->argument)
         return refuse(std::string(found->word) + " takes nothing behind it");
     return found->run(state, argument);

@@ -34,5 +34,6 @@ struct PromptWord {
 
 const std::vector<PromptWord>& promptWords();
 
-// Carries out a line that begins with ':'. So many letters of a word as tell it from the others will do.
+// Carries out a line that begins with ':'. So many letters of a word as tell it from the others will
+// do, in any case.
 PromptReply runPromptWord(const PromptState& state, std::string_view line);

@@ -18,6 +18,7 @@ TEST(TypedSigns, WhatPagesWriteBecomesWhatTheEngineReads) {
         {"10²³", "10^23"}, // one exponent of two digits, not a power of a power
         {"10⁻¹⁹·2⁴⁰", "10^-19*2^40"},
         {"2π", "2pi"},
+        {"5 km→mi", "5 km->mi"},
         {"1\u00a0000\u202f000\u2009+\u30001", "1 000 000 + 1"},
         {"\ufeff1\u200b2", "12"},
         {"１２．５＋（３＊４）～", "12.5+(3*4)~"},

@@ -129,7 +129,7 @@ TEST(NearestName, IsTheOneWithTheFewestWrongLetters) {
     EXPECT_EQ(nearestName("sqtr", {"sin", "sqrt", "sqr"}), "sqrt");
     EXPECT_EQ(nearestName("KM", {"m", "km"}), "km");
     EXPECT_EQ(nearestName("meeterr", {"meter"}), "meter");
-    EXPECT_EQ(nearestName("hrts", {"yard", "hertz"}), "hertz"); // two, behind the right first letter
+    EXPECT_EQ(nearestName("hrts", {"yard", "hertz"}), "hertz");     // two, behind the right first letter
     EXPECT_EQ(nearestName("sine", {"sinh", "sin", "sind"}), "sin"); // it begins so
     EXPECT_EQ(nearestName("x", {"y", "z"}), "");
     EXPECT_EQ(nearestName("kilo", {"pico"}), "");

@@ -2,6 +2,7 @@
 //
 // The man page and the completions know the options that there are, and the examples for a shell are true.
 #include "Options.h"
+#include "PromptWords.h"
 
 #include "program.h"
 #include "temporary_folder.h"
@@ -131,10 +132,24 @@ TEST(ManPage, HasTheOptionsThatThereAre) {
 TEST(ManPage, HasTheSectionsOfOne) {
     const std::string page = manPage();
     for (const char* const section :
-         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "JSON", "EXIT STATUS", "ENVIRONMENT", "FILES",
-          "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
+         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "PROMPT", "JSON", "EXIT STATUS", "ENVIRONMENT",
+          "FILES", "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
         EXPECT_NE(page.find("\n.SH " + std::string(section) + "\n"), std::string::npos) << section;
     EXPECT_NE(page.find("Tallyquill " TALLYQUILL_VERSION "\""), std::string::npos);
+}
+
+TEST(ManPage, TellsWhatThePromptHas) {
+    const std::string page = manPage();
+    const std::size_t start = page.find("\n.SH PROMPT\n");
+    ASSERT_NE(start, std::string::npos);
+    const std::string section = page.substr(start, page.find("\n.SH ", start + 1) - start);
+    for (const PromptWord& word : promptWords())
+        EXPECT_NE(section.find("\n.B \"" + std::string(word.word) + (*word.argument ? " " : "") +
+                               word.argument + "\"\n"),
+                  std::string::npos)
+            << word.word;
+    for (const char* const part : {"Control-R", "Tab", "Control-C", "Control-D", "autoeval", "preview"})
+        EXPECT_NE(section.find(part), std::string::npos) << part;
 }
 
 TEST(ManPage, HasExamplesThatAreTrue) {

@@ -156,9 +156,14 @@ TEST(Options, AValueThatASettingCannotHaveIsRefused) {
     EXPECT_EQ(refusalOf({"--base=8"}), "'8' is no value of option '--base': bin|dec|hex");
     for (const char* const wrong : {"0", "101", "ten", "", "1.5", "10x", "nan"}) {
         EXPECT_EQ(refusalOf({"--figures", wrong}),
-                  "'" + std::string(wrong) + "' is no value of option '--figures': N");
+                  "'" + std::string(wrong) + "' is no value of option '--figures': 1 to 100");
     }
     for (const char* const wrong : {"", "5", "a", "(", "ab"}) refusalOf({"--mark", wrong});
+}
+
+TEST(Options, ASeparatorWithoutFieldsIsRefused) {
+    EXPECT_EQ(refusalOf({"-F,", "1+1"}), "option '--separator' goes with '--each'");
+    EXPECT_EQ(parse({"-F,", "--each", "x"}).refusal, "");
 }
 
 TEST(Options, TheDecimalMarkIsNoMarkBetweenGroups) {

@@ -89,6 +89,7 @@ TEST_F(PromptWordsTest, UnitsShowsThoseWithAPartInTheirNamesAndThoseThatAUnitCon
     EXPECT_TRUE(Contains(text, "\n  liter"));
     EXPECT_FALSE(Contains(text, "\n  second"));
     EXPECT_TRUE(Contains(Text(":units"), "Prefixes: yotta"));
+    EXPECT_EQ(Text(":units km/hr"), "no named unit is its equal; km/hr can be converted\n");
     EXPECT_EQ(Error(":units zzz"), "no unit's name contains 'zzz'\n");
 }
 
@@ -100,7 +101,8 @@ TEST_F(PromptWordsTest, SetShowsAllSettingsOneOfThemAndChangesIt) {
     EXPECT_EQ(settings.numbers["sigfigs"], 4);
     EXPECT_TRUE(Contains(Text(":set display=hex"), "dispbase = hex"));
     EXPECT_EQ(calc->displayBase, 16);
-    EXPECT_TRUE(Contains(Text(":set twoscomp on"), "twoscomp = on"));
+    EXPECT_TRUE(Contains(Text(":Set Display Bin"), "dispbase = bin"));
+    EXPECT_TRUE(Contains(Text(":set twoscomp ON"), "twoscomp = on"));
     EXPECT_TRUE(calc->twosComp);
     const std::string all = Text(":set");
     for (const Setting& setting : SETTINGS)
@@ -134,6 +136,7 @@ TEST_F(PromptWordsTest, BaseShowsTheLastAnswerAgainAndChangesNoSetting) {
     EXPECT_EQ(Error(":base hex"), "there is no answer yet\n");
     calc->ProcessEntry("mask = 5", false);
     EXPECT_EQ(Text(":base bin"), "mask = 0b 0101\n");
+    EXPECT_EQ(Text(":Base HEX"), "mask = 0x0005\n");
     EXPECT_EQ(calc->displayBase, 10);
     EXPECT_EQ(Error(":base oct"), ":base takes bin, dec or hex\n");
 }

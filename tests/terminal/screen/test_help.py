@@ -36,6 +36,8 @@ class Help(ScreenTest):
     def test_a_note_on_powers_is_given_once(self):
         console = self.start()
         note = "powers are taken from left to right: 2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512"
+        self.type(console, "echo 2^3^2")
+        console.ends_with("> echo 2^3^2", "2^3^2", ">")
         self.type(console, "2^3^2")
         console.ends_with("> 2^3^2", "ans = 64", note, ">")
         self.type(console, "3^2^1")
