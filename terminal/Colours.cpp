@@ -3,6 +3,9 @@
 
 #include <cstdlib>
 #include <unistd.h>
+#ifdef TALLYQUILL_READLINE
+#include <termcap.h>
+#endif
 
 namespace {
 
@@ -22,13 +25,22 @@ std::string_view variable(const char* name) {
 
 } // namespace
 
+bool knowsSequences() {
+    const std::string kind(variable("TERM"));
+    if (kind.empty() || kind == "dumb") return false;
+#ifdef TALLYQUILL_READLINE
+    return tgetent(nullptr, kind.c_str()) != 0;
+#else
+    return true;
+#endif
+}
+
 bool wantsColours(std::string_view choice, int descriptor) {
     if (choice == "always" || choice == "never") return choice == "always";
     if (!variable("NO_COLOR").empty()) return false;
     const std::string_view forced = variable("CLICOLOR_FORCE");
     if (!forced.empty() && forced != "0") return true;
-    const std::string_view kind = variable("TERM");
-    return isatty(descriptor) == 1 && !kind.empty() && kind != "dumb";
+    return isatty(descriptor) == 1 && knowsSequences();
 }
 
 std::string coloured(Shade shade, std::string_view text) {

@@ -8,6 +8,10 @@
 
 enum class Shade { Prompt, Name, Value, Error, Hint };
 
+// Whether TERM names a terminal that understands escape sequences: one that is not dumb, and that the
+// editor's library, if there is one, has heard of.
+bool knowsSequences();
+
 // Whether what goes to the descriptor gets colours. `choice` is "always", "never" or "auto" (also when it is
 // empty): then by CLICOLOR_FORCE and NO_COLOR, and otherwise when it is a terminal that knows escape
 // sequences.

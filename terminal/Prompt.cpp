@@ -17,7 +17,6 @@
 #endif
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -63,18 +62,10 @@ private:
     std::unique_ptr<LineSource> lines;
 };
 
-#ifdef TALLYQUILL_READLINE
-// Whether the terminal can do what an editor takes.
-bool canEdit(int screen) {
-    const char* const kind = std::getenv("TERM");
-    return screen >= 0 && kind != nullptr && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
-}
-#endif
-
 Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how)
     : session(theSession), files(theFiles), options(how), screen(promptDescriptor(answers)) {
 #ifdef TALLYQUILL_READLINE
-    if (!options.isPlain && canEdit(screen))
+    if (!options.isPlain && screen >= 0 && knowsSequences())
         lines = std::make_unique<ReadlineEditor>(*this, STDIN_FILENO, screen);
 #endif
     if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH);

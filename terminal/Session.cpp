@@ -14,19 +14,12 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 #include <unistd.h>
 
 namespace {
 
 constexpr std::string_view BLANKS = " \t";
-
-// Whether `descriptor` is a terminal that understands escape sequences.
-bool canClear(int descriptor) {
-    const char* const kind = std::getenv("TERM");
-    return isatty(descriptor) == 1 && kind != nullptr && std::strcmp(kind, "dumb") != 0;
-}
 
 // The length of the character at the front of the text.
 std::size_t characterLength(std::string_view text) {
@@ -198,7 +191,7 @@ Session::Outcome Session::CarryOut(std::string_view message) {
 }
 
 Session::Outcome Session::Clear() {
-    if (style.json || !canClear(answers.Descriptor())) return Outcome::Answered;
+    if (style.json || isatty(answers.Descriptor()) != 1 || !knowsSequences()) return Outcome::Answered;
     return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
 }
 
