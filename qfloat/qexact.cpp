@@ -64,8 +64,8 @@ void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     if ((z[0] & (UNIT - 1)) >= UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, z);
 }
 
-// c <= x / y exactly where c * y <= x.  With a divisor of one limb divideLimb gives the quotient cut below the
-// last limb, which rounds as the quotient itself.
+// c <= x / y exactly where c * y <= x.  With a divisor of one limb divideLimb gives the quotient cut below
+// the last limb, which rounds as the quotient itself.
 void divideExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     if ((y[0] | y[1] | y[2] | y[3] | y[4]) == 0) {
         divideLimb(x, y[5], z);

@@ -124,7 +124,7 @@ const FormatCase FORMAT_CASES[] = {
     {"0.25", 1000, SCI_NEVER, 0, "0.25"},
 };
 
-TEST(Format, QtoasciiByTable) {
+TEST(Format, QtoasciiWritesNumbersOfEverySize) {
     for (const FormatCase& test : FORMAT_CASES) {
         EXPECT_EQ(test.text, formatted(test.number, test.sigfigs, test.scimode, test.separator))
             << test.number << " sigfigs " << test.sigfigs << " mode " << test.scimode;

@@ -58,7 +58,7 @@ std::string digits(char digit, size_t count) {
     return std::string(count, digit);
 }
 
-TEST(Asctoq, PlainDecimalNumbers) {
+TEST(Asctoq, ReadsPlainDecimalNumbers) {
     expectNumber("0", "0");
     expectNumber("7", "7");
     expectNumber("007", "7");

@@ -76,7 +76,7 @@ TEST(Constants, LayoutOfOneHalfOneAndTwo) {
     EXPECT_EQ(wordsOf(qtwo), two);
 }
 
-TEST(Constants, Logarithms) {
+TEST(Constants, TheLogarithmsAreTheTrueValues) {
     Real value;
     mpfr_const_log2(value, MPFR_RNDN);
     expectValue(qlog2, value, "qlog2");
@@ -91,7 +91,7 @@ TEST(Constants, Logarithms) {
     EXPECT_EQ(C2[1], 0x7FE0U);
 }
 
-TEST(Constants, CircleConstants) {
+TEST(Constants, PiAndItsFractionsAreTheTrueValues) {
     Real pi;
     mpfr_const_pi(pi, MPFR_RNDN);
     expectValue(qpi, pi, "qpi");
@@ -125,7 +125,7 @@ TEST(Constants, RootsOfTwoAndTangents) {
     expectValue(qt3p8, tangent, "qt3p8 is tan(3 pi/8)");
 }
 
-TEST(Constants, EulersConstant) {
+TEST(Constants, EulersConstantIsTheTrueValue) {
     Real value;
     mpfr_const_euler(value, MPFR_RNDN);
     expectValue(qeul, value, "qeul");

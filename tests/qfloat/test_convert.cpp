@@ -60,7 +60,7 @@ TEST_F(Convert, FloorIsExact) {
     }
 }
 
-TEST(Floor, ByHand) {
+TEST(Floor, GoesDownForBothSigns) {
     expectUnary(qfloor, Number{}, Number{});
     expectUnary(qfloor, decimal("0.5"), Number{});
     expectUnary(qfloor, decimal("-0.5"), decimal("-1"));
@@ -275,7 +275,7 @@ TEST_F(Convert, LtoqTakesTheMagnitudeModulo2To32) {
     }
 }
 
-TEST(Ltoq, ByHand) {
+TEST(Ltoq, TakesTheSignAndTheLow32Bits) {
     EXPECT_EQ(fromInteger(0), Number{});
     EXPECT_EQ(fromInteger(-5), decimal("-5"));
     EXPECT_EQ(fromInteger(4294967295), decimal("4294967295"));
@@ -365,7 +365,7 @@ TEST_F(Convert, QfrexpTakesThePowerOfTwoOff) {
     }
 }
 
-TEST(Qfrexp, ByHand) {
+TEST(Qfrexp, SplitsIntoFractionAndExponent) {
     int64_t e = 0;
     Number y;
     qfrexp(decimal("-12").data(), &e, y.data());

@@ -119,7 +119,7 @@ TEST_F(Doubles, EtoqOfInfinitiesAndNansIsALargeFiniteNumber) {
     }
 }
 
-TEST(Etoq, HandWrittenValues) {
+TEST(Etoq, TakesDoublesAsTheyAre) {
     EXPECT_EQ(fromDouble(1), (Number{0, 0x8001, 0, 0x80000000}));
     EXPECT_EQ(fromDouble(-2.5), (Number{NEGATIVE_SIGN, 0x8002, 0, 0xA0000000}));
     EXPECT_EQ(fromDouble(0), Number{});
@@ -194,7 +194,7 @@ TEST(Qtoe, ZeroAndBelowTheSubnormalRangeAreSignedZeros) {
     EXPECT_EQ(merror, 0);
 }
 
-TEST(Qtoe, Subnormals) {
+TEST(Qtoe, SubnormalDoublesAreRounded) {
     EXPECT_EQ(toBits(scaled("1", -1074)), 1U);
     EXPECT_EQ(toBits(scaled("-3", -1074)), 0x8000000000000003);
     EXPECT_EQ(toBits(scaled("1", -1075)), 0U) << "an exact tie is cut";

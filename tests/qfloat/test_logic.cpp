@@ -29,7 +29,7 @@ double value(Binary routine, double a, double b) {
     return d;
 }
 
-TEST(Logic, CombinesIntegers) {
+TEST(Logic, CombinesTheBitsOfWholeNumbers) {
     EXPECT_EQ(value(logic<'&'>, 12, 10), 8);
     EXPECT_EQ(value(logic<'|'>, 12, 10), 14);
     EXPECT_EQ(value(logic<'^'>, 12, 10), 6);
@@ -48,7 +48,7 @@ TEST(Logic, TakesFractionBitsToo) {
     EXPECT_EQ(value(logic<'&'>, 1.75, 0.25), 0.25);
 }
 
-TEST(Logic, WithZero) {
+TEST(Logic, ZeroHasNoBits) {
     EXPECT_EQ(value(logic<'|'>, 5, 0), 5);
     EXPECT_EQ(value(logic<'|'>, 0, -5), -5);
     EXPECT_EQ(value(logic<'^'>, 0, 5), 5);

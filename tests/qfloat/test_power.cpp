@@ -27,7 +27,7 @@ Number third() {
 // ---------------------------------------------------------------------------------------------------------
 
 // 2 has its own way: exponent arithmetic for any n.
-TEST(IntegerPowerOfTwo, IsExact) {
+TEST(IntegerPowerOfTwo, IsExactUpToTheLimits) {
     EXPECT_EQ(run(qpowi, TWO, number(10)), (Outcome{number(1024), 0}));
     EXPECT_EQ(run(qpowi, TWO, ZERO), (Outcome{ONE, 0}));
     EXPECT_EQ(run(qpowi, TWO, number(-3)), (Outcome{number(0.125), 0}));
@@ -53,7 +53,7 @@ TEST(IntegerPower, UsesTheIntegerPartOfTheExponent) {
     EXPECT_EQ(run(qpowi, number(3), number(0.9)), (Outcome{ONE, 0}));
 }
 
-TEST(IntegerPower, OfZero) {
+TEST(IntegerPower, OfZeroIsZeroOrTheOverflowValue) {
     EXPECT_EQ(run(qpowi, ZERO, ZERO), (Outcome{ONE, 0}));
     EXPECT_EQ(run(qpowi, ZERO, number(5)), (Outcome{ZERO, 0}));
     EXPECT_EQ(run(qpowi, ZERO, number(-1)), (Outcome{OVERFLOW, 0})) << "without a code";
@@ -268,7 +268,8 @@ TEST_F(RandomPower, ExactTiesGoAwayFromZero) {
         ASSERT_EQ(mpfr_set_z(x, base.get_mpz_t(), MPFR_RNDN), 0);
         mpfr_set_z(exact, value.get_mpz_t(), MPFR_RNDN);
         const Number y = number(static_cast<double>(n) / static_cast<double>(root));
-        EXPECT_EQ(run(routine, exactly(x), y), (Outcome{store(roundHalfUp(exact)), 0})) << a.get_str() << " " << n;
+        EXPECT_EQ(run(routine, exactly(x), y), (Outcome{store(roundHalfUp(exact)), 0}))
+            << a.get_str() << " " << n;
     };
     for (int i = 0; i < 100 && !HasFailure(); ++i) {
         for (const unsigned long n : {2UL, 3UL, 5UL, 7UL}) {

@@ -90,7 +90,7 @@ protected:
     }
 };
 
-TEST_F(RandomRemainder, IsExact) {
+TEST_F(RandomRemainder, IsExactOverTheWholeRange) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number a = randomOperand(random);
         Check(a, randomPartner(random, a));

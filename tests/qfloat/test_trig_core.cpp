@@ -51,7 +51,7 @@ protected:
 
 } // namespace
 
-TEST_F(TrigCore, SineAndCosine) {
+TEST_F(TrigCore, SineAndCosineKeepTheirBound) {
     for (int i = 0; i < ROUNDS; ++i) {
         const Extended x = DrawSmall();
         Real value(384), exact(1500);
@@ -87,7 +87,7 @@ TEST_F(TrigCore, SineAndCosineOfShortArguments) {
     }
 }
 
-TEST_F(TrigCore, HyperbolicSeries) {
+TEST_F(TrigCore, TheHyperbolicSeriesKeepsItsBound) {
     for (int i = 0; i < ROUNDS; ++i) {
         const Extended x = DrawSmall();
         Real value(384), exact(1500);
@@ -101,7 +101,7 @@ TEST_F(TrigCore, HyperbolicSeries) {
     }
 }
 
-TEST_F(TrigCore, Reduction) {
+TEST_F(TrigCore, TheReductionKeepsItsBound) {
     for (int i = 0; i < ROUNDS; ++i) {
         const Extended x = Draw(i % 50 == 0 ? random.Between(1000, 32768) : random.Between(-3, 400));
         Real value(384), turns(34000), exact(34000);
@@ -121,7 +121,7 @@ TEST_F(TrigCore, Reduction) {
     }
 }
 
-TEST_F(TrigCore, ArcTangent) {
+TEST_F(TrigCore, TheArcTangentKeepsItsBound) {
     for (int i = 0; i < ROUNDS; ++i) {
         const bool near = random.Chance(70);
         const int64_t reach = near ? 8 : 500;

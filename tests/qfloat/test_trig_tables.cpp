@@ -30,13 +30,13 @@ void expectPi(const limb::Extended& x, int64_t exponent) {
 
 } // namespace
 
-TEST(TrigTables, PiAndItsHalves) {
+TEST(TrigTables, PiAndItsHalvesAreCutTrueValues) {
     expectPi(limb::WHOLE_PI, 2);
     expectPi(limb::HALF_PI, 1);
     expectPi(limb::quarterPi, 0);
 }
 
-TEST(TrigTables, RadiansPerDegree) {
+TEST(TrigTables, RadiansPerDegreeIsACutTrueValue) {
     Real degree(384);
     Real pi(1000);
     mpfr_const_pi(pi, MPFR_RNDN);
@@ -47,7 +47,7 @@ TEST(TrigTables, RadiansPerDegree) {
     EXPECT_EQ(limb::RADIANS_PER_DEGREE.exponent, mpfr_get_exp(mpfr_srcptr(degree)));
 }
 
-TEST(TrigTables, InverseFactorials) {
+TEST(TrigTables, TheInverseFactorialsAreCutTrueValues) {
     mpz_class factorial = 1;
     for (unsigned n = 2; n < limb::INVERSE_FACTORIAL_COUNT; ++n) {
         factorial *= n;
@@ -55,13 +55,13 @@ TEST(TrigTables, InverseFactorials) {
     }
 }
 
-TEST(TrigTables, InverseOddNumbers) {
+TEST(TrigTables, TheInverseOddNumbersAreCutTrueValues) {
     for (unsigned k = 1; k < limb::INVERSE_ODD_COUNT; ++k) {
         EXPECT_EQ(fromLimbs(limb::INVERSE_ODD[k]), inverse(2 * k + 1)) << k;
     }
 }
 
-TEST(TrigTables, TwoOverPi) {
+TEST(TrigTables, TwoOverPiIsCutTrueValue) {
     Real value(64 * limb::TWO_OVER_PI_LIMBS + 200);
     mpfr_const_pi(value, MPFR_RNDN);
     mpfr_ui_div(value, 2, value, MPFR_RNDN);

@@ -55,7 +55,7 @@ TEST(Options, BehindTwoDashesEverythingIsAnEntry) {
     EXPECT_EQ(entriesOf(options), (Texts{"-2^2", "--help", "--"}));
 }
 
-TEST(Options, HelpAndVersion) {
+TEST(Options, HelpAndVersionAreAnsweredAtOnce) {
     EXPECT_EQ(parse({"--help"}).action, Options::Action::ShowHelp);
     EXPECT_EQ(parse({"1+1", "--version"}).action, Options::Action::ShowVersion);
 }

@@ -26,7 +26,7 @@ std::string letterName(int number) {
     return name;
 }
 
-TEST_F(UnitsTest, AHugeName) {
+TEST_F(UnitsTest, AHugeNameIsRefused) {
     const std::string name(HUGE, 'q');
     EXPECT_EQ(messageOf(name), "invalid unit name '%s' in '%s'");
     EXPECT_EQ(define(name, "3 meter"), "");
@@ -40,7 +40,7 @@ TEST_F(UnitsTest, AHugeName) {
     EXPECT_EQ(messageOf(std::string(HUGE - 1, 's')), "invalid unit name '%s' in '%s'");
 }
 
-TEST_F(UnitsTest, AHugeDefinition) {
+TEST_F(UnitsTest, AHugeDefinitionIsRefused) {
     EXPECT_EQ(define("a", std::string(HUGE, 'q')), "'%s' cannot be reduced to primitive units");
     EXPECT_EQ(define("a", repeat("meter*", HUGE)), "");
     EXPECT_EQ(known("a").factor, 1);

@@ -106,7 +106,7 @@ TEST_F(Catalogue, GallonIsSixteenCups) {
     EXPECT_DOUBLE_EQ(convert("cup", "liter"), 0.236588236);
 }
 
-TEST_F(Catalogue, AcreInHectares) {
+TEST_F(Catalogue, AnAcreIsItsHectares) {
     EXPECT_DOUBLE_EQ(convert("acre", "hectare"), 0.404685642);
 }
 
@@ -162,11 +162,11 @@ TEST_F(Catalogue, RadianAndSteradianHaveNoDimension) {
     EXPECT_EQ(reduced("lumen"), "1.0 candela");
 }
 
-TEST_F(Catalogue, KilogramInPounds) {
+TEST_F(Catalogue, AKilogramIsItsPounds) {
     EXPECT_DOUBLE_EQ(convert("kg", "lb"), 1 / 0.4535924);
 }
 
-TEST_F(Catalogue, DegreeInRadians) {
+TEST_F(Catalogue, ADegreeIsItsRadians) {
     EXPECT_DOUBLE_EQ(convert("degree", "radian"), 1.745329E-2);
 }
 
@@ -189,7 +189,7 @@ protected:
 const TextPair WRONG_UNIT[] = {
     {"good", "meter"}, {"bad", "2 foo"}, {"unreached", "meter"}, {nullptr, nullptr}};
 
-TEST_F(BrokenCatalogue, ADerivedUnit) {
+TEST_F(BrokenCatalogue, AWrongDerivedUnitIsNamed) {
     EXPECT_EQ(Build(DERIVED_UNITS, WRONG_UNIT), "units failure initializing derived unit 'bad' (2 foo)");
 }
 

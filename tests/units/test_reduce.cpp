@@ -139,7 +139,7 @@ TEST_F(UnitsTest, ALeadingZeroMakesTheSourceZero) {
 // ---------------------------------------------------------------------------------------------------------
 // Messages
 
-TEST_F(UnitsTest, OnlyOneDivider) {
+TEST_F(UnitsTest, OnlyOneDividerIsAllowed) {
     EXPECT_EQ(messageOf("meter/second/second"),
               "invalid unit string 'meter/second/second':  only one '/' allowed");
     EXPECT_EQ(messageOf("//$"), "invalid unit string '//$':  only one '/' allowed");
