@@ -153,6 +153,7 @@
 // --- Writing shortly after an entry ---
 
 - (void)entryWillRun {
+    if (![self isReplaying]) keeper.TakeForeignDefinitions(calc);
     keeper.EntryWillRun(calc, [self isReplaying]);
 }
 

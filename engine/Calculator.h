@@ -156,6 +156,9 @@ public:
     // The variable with exactly this name, or null.
     node* VariableExists(const char* name) const { return variables.Find(name); }
 
+    // Removes and frees one of them. Not "ans", the first.
+    void DeleteVariable(node* variable) { variables.Delete(variable); }
+
     // The definition of the user's unit with exactly this name, a term of `unitDefs`, or null.
     node* UnitExists(const char* name) const { return unitLines.Find(name); }
 

@@ -144,10 +144,14 @@ bool isControl(char c) {
 
 std::string DefinitionRecord::Key() const {
     if (statement.find('=') == std::string::npos) return "";
-    const auto commas = std::count(parameters.begin(), parameters.end(), ',');
     const std::string key = std::to_string(static_cast<int>(kind));
     if (kind != Kind::Function) return key + name;
-    return key + lowerCased(name) + "(" + std::to_string(parameters.empty() ? 0 : commas + 1);
+    return key + lowerCased(name) + "(" + std::to_string(ParameterCount());
+}
+
+int32_t DefinitionRecord::ParameterCount() const {
+    const auto commas = std::count(parameters.begin(), parameters.end(), ',');
+    return parameters.empty() ? 0 : static_cast<int32_t>(commas) + 1;
 }
 
 DefinitionRecord recordOf(const std::string& line) {
@@ -186,11 +190,11 @@ DefinitionsText::DefinitionsText(const std::string& text) {
     isFramed = beginsWell && section == HISTORY && text.back() == '\n';
 }
 
-std::map<std::string, std::string> DefinitionsText::LinesByKey() const {
-    std::map<std::string, std::string> byKey;
+DefinitionLines DefinitionsText::LinesByKey() const {
+    DefinitionLines byKey;
     for (const DefinitionRecord& record : records) {
-        std::string key = record.Key();
-        if (!key.empty()) byKey[std::move(key)] = record.line;
+        const std::string key = record.section == NO_SECTION ? "" : record.Key();
+        if (!key.empty()) byKey[key] += record.line + '\n';
     }
     return byKey;
 }

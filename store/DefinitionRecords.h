@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -29,6 +30,8 @@ struct DefinitionRecord {
     // Equal for two records that define the same: a function of this name, whatever its case, and this number
     // of parameters; a variable; a unit. Empty without a '='.
     std::string Key() const;
+
+    int32_t ParameterCount() const;
 };
 
 // "f(x)=...", "a=..." or "unit u=...". Anything else, a command word say, or a line with a ';' or a control
@@ -40,6 +43,9 @@ using Sections = std::array<std::string, HEADERS.size()>; // whole lines
 // The text of a file: each section behind its header.
 std::string textOf(const Sections& sections);
 
+// Lines with their ends, by the keys of what they define.
+using DefinitionLines = std::map<std::string, std::string>;
+
 struct DefinitionsText {
     explicit DefinitionsText(const std::string& text);
 
@@ -47,8 +53,9 @@ struct DefinitionsText {
     std::vector<std::string> history;      // its lines, without their ends
     bool isFramed; // it begins with the first header, has that of the history, and its last line has an end
 
-    // The lines of the records that define something, by their keys; of several with one key the last.
-    std::map<std::string, std::string> LinesByKey() const;
+    // The lines of the records that stand in a section and have a key; of several with one key all, one
+    // after the other.
+    DefinitionLines LinesByKey() const;
 
     std::string History() const; // the section's text
 };

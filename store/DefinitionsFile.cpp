@@ -177,35 +177,33 @@ bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
     return isWhole;
 }
 
-// Leaves the unread lines out of the result's text.
-void tellUnread(const ZqCalculator& calc, const DefinitionsText& text, const std::vector<Reading>& readings,
-                DefinitionsRead& result) {
-    const auto present = DefinitionsText(definitionsText(calc)).LinesByKey();
-    Sections known;
-    known[HISTORY] = text.History();
-    for (size_t i = 0; i < readings.size(); i++) {
-        const DefinitionRecord& record = text.records[i];
-        if (readings[i] != Reading::TooLong) {
-            if (record.section != NO_SECTION) known[record.section] += record.line + '\n';
-            continue;
-        }
-        const auto twin = present.find(record.Key());
-        if (twin != present.end()) result.twins[record.line] = twin->second;
-        if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
-        result.unread++;
-    }
-    result.text = textOf(known);
-}
-
 void takeText(ZqCalculator& calc, DefinitionsRead& result) {
     DefinitionsText text(result.text);
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
-    const auto has = [&readings](Reading one) {
-        return std::find(readings.begin(), readings.end(), one) != readings.end();
-    };
-    const bool isWhole = takeHistory(calc.history, text.history);
-    result.damaged = !text.isFramed || !isWhole || has(Reading::Refused);
-    if (has(Reading::TooLong)) tellUnread(calc, text, readings, result);
+    result.damaged = !takeHistory(calc.history, text.history) || !text.isFramed;
+    for (size_t i = 0; i < readings.size(); i++) {
+        const DefinitionRecord& record = text.records[i];
+        if (readings[i] == Reading::TooLong) {
+            result.unread++;
+            if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
+        } else if (readings[i] == Reading::Refused) {
+            result.damaged = true;
+            result.refused.insert(record.Key());
+        }
+    }
+}
+
+void deleteDefinition(ZqCalculator& calc, const DefinitionRecord& record) {
+    if (record.kind == Kind::Function) {
+        const Function* const function = funcs.FindByName(record.name.c_str(), record.ParameterCount());
+        if (function && function->body) funcs.DeleteFunction(function);
+    } else if (record.kind == Kind::Variable) {
+        node* const variable = calc.VariableExists(record.name.c_str());
+        if (variable && variable != calc.vars.first) calc.DeleteVariable(variable);
+    } else if (node* const unit = calc.UnitExists(record.name.c_str())) {
+        calc.unitDefs.Del(unit);
+        removeUnit(record.name.c_str());
+    }
 }
 
 } // namespace
@@ -229,9 +227,12 @@ DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, Sys
     return result;
 }
 
-void takeDefinitions(ZqCalculator& calc, const std::string& text) {
+void takeDefinitions(ZqCalculator& calc, const std::string& lines, const std::string& deleted) {
+    // The first line of a text is its header. Deleting may change what Undo puts back: it comes first.
+    for (const DefinitionRecord& record : DefinitionsText("\n" + deleted).records)
+        deleteDefinition(calc, record);
     Undo undo;
     prepare(calc, undo);
-    Reader(calc).Take(DefinitionsText(text).records);
+    Reader(calc).Take(DefinitionsText("\n" + lines).records);
     undo.TakeBack();
 }

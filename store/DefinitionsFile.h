@@ -19,7 +19,7 @@
 #include "System.h"
 
 #include <cstddef>
-#include <map>
+#include <set>
 #include <string>
 
 class ZqCalculator;
@@ -38,15 +38,11 @@ struct DefinitionsRead {
     // end with a line feed, holds control characters or lines that define nothing, or a line was refused.
     // Everything else in it was read.
     bool damaged = false;
-    // So many definitions were left alone, since reading them takes too long, and these are the other lines.
-    // When there is one, definitions that were refused count among them and not as damage: they may use it.
-    // To whoever knows only these, the definitions are another program's: DefinitionsMerge keeps them in the
-    // file.
+    // So many definitions were left alone, since reading them takes too long. When there is one, definitions
+    // that were refused count among them and not as damage: they may use it.
     size_t unread = 0;
-    std::string text;
-    // Those of the lines left alone that define what the calculator has all the same, since a name is in the
-    // file twice, say; with the line of what it has.
-    std::map<std::string, std::string> twins;
+    std::set<std::string> refused; // the keys of the lines that were refused (DefinitionRecords.h)
+    std::string text;              // the file's
 };
 
 // Reads the file into a calculator after InitializeFunctionsAndVars. The first line is left out; each further
@@ -69,5 +65,6 @@ struct DefinitionsRead {
 // texts, the result, the status and the interrupted flag are what they were before; target is "ans".
 DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, System& system = System::Real());
 
-// Takes the definitions in a text that begins with the header of a section, in the same way.
-void takeDefinitions(ZqCalculator& calc, const std::string& text);
+// Takes definitions, lines without headers, in the same way, and before that deletes what the lines in
+// `deleted` define. "ans" stays.
+void takeDefinitions(ZqCalculator& calc, const std::string& lines, const std::string& deleted);

@@ -1,68 +1,105 @@
 // SPDX-License-Identifier: MIT
 #include "DefinitionsMerge.h"
 
-#include "DefinitionRecords.h"
 #include "FileKeeping.h"
 
-void DefinitionsMerge::Know(const std::string& text, std::map<std::string, std::string> unread) {
-    for (const auto& [key, line] : DefinitionsText(text).LinesByKey()) known.insert(key);
-    twins = std::move(unread);
+namespace {
+
+const std::string& lineOf(const DefinitionLines& lines, const std::string& key) {
+    static const std::string NONE;
+    const auto found = lines.find(key);
+    return found == lines.end() ? NONE : found->second;
+}
+
+const std::string& answerKey() {
+    static const std::string KEY = recordOf("ans=0").Key();
+    return KEY;
+}
+
+void setLine(DefinitionLines& lines, const std::string& key, const std::string& line) {
+    if (line.empty())
+        lines.erase(key);
+    else
+        lines[key] = line;
+}
+
+} // namespace
+
+void DefinitionsMerge::Know(const std::string& theirs, const std::string& ours,
+                            const std::set<std::string>& refused) {
+    file = DefinitionsText(theirs).LinesByKey();
+    present = PresentIn(DefinitionsText(ours));
+    // As if it had been read and was changed here.
+    for (const std::string& key : refused) present[key] = lineOf(file, key);
 }
 
 void DefinitionsMerge::LeaveOut(const std::string& before, const std::string& after) {
-    const Lines earlier = DefinitionsText(before).LinesByKey();
+    const DefinitionLines earlier = DefinitionsText(before).LinesByKey();
     for (const auto& [key, line] : DefinitionsText(after).LinesByKey()) {
-        if (earlier.count(key) == 0 && known.count(key) == 0) leftOut.insert(line);
+        if (earlier.count(key) == 0 && file.count(key) == 0) leftOut.insert(line);
     }
 }
 
 // The definitions that are written, by what they define.
-DefinitionsMerge::Lines DefinitionsMerge::PresentIn(const DefinitionsText& ours) const {
-    Lines present;
-    for (const auto& [key, line] : ours.LinesByKey()) {
-        if (leftOut.count(line) == 0) present[key] = line;
+DefinitionLines DefinitionsMerge::PresentIn(const DefinitionsText& ours) const {
+    DefinitionLines lines = ours.LinesByKey();
+    for (auto i = lines.begin(); i != lines.end();) i = leftOut.count(i->second) ? lines.erase(i) : ++i;
+    return lines;
+}
+
+DefinitionsMerge::Theirs::Theirs(const std::string& content)
+    : text(content), lines(text.LinesByKey()), isWhole(text.isFramed && lines.count(answerKey()) > 0) {}
+
+// Our line or theirs; one that is not there is empty.
+const std::string& DefinitionsMerge::Choose(const std::string& key, const std::string& mine,
+                                            const Theirs& theirs) const {
+    const std::string& line = lineOf(theirs.lines, key);
+    if (mine != lineOf(present, key)) return mine;
+    if (mine.empty()) return line;
+    const bool counts = line.empty() ? theirs.isWhole && file.count(key) > 0 : theirs.text.isFramed;
+    return counts && key != answerKey() ? line : mine;
+}
+
+std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) const {
+    const DefinitionsText text(ours);
+    const Theirs others(theirs);
+    const DefinitionLines mine = PresentIn(text);
+    Sections merged;
+    std::set<std::string> isDone;
+    for (const DefinitionsText* const side : {&text, &others.text}) {
+        for (const DefinitionRecord& record : side->records) {
+            const std::string key = record.Key();
+            if (key.empty() || record.section == NO_SECTION || !isDone.insert(key).second) continue;
+            merged[record.section] += Choose(key, lineOf(mine, key), others);
+        }
     }
-    return present;
+    merged[HISTORY] = (leavesHistory ? others.text : text).History();
+    return textOf(merged);
 }
 
-bool DefinitionsMerge::IsForeign(const std::string& key, const std::string& line,
-                                 const Lines& present) const {
-    if (known.count(key) == 0) return true;
-    const auto twin = twins.find(line);
-    const auto own = present.find(key);
-    return twin != twins.end() && own != present.end() && own->second == twin->second;
-}
-
-Sections DefinitionsMerge::ForeignIn(const DefinitionsText& others, const Lines& present) const {
-    Sections foreign;
-    for (const DefinitionRecord& record : others.records) {
-        const std::string key = record.Key();
-        if (!key.empty() && record.section != NO_SECTION && IsForeign(key, record.line, present))
-            foreign[record.section] += record.line + "\n";
+DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
+    const Theirs others(theirs);
+    const DefinitionLines oursNow = PresentIn(DefinitionsText(ours));
+    DefinitionLines all = others.lines;
+    all.insert(file.begin(), file.end());
+    Foreign foreign;
+    for (const auto& [key, anyLine] : all) {
+        const std::string &mine = lineOf(oursNow, key), &line = lineOf(others.lines, key);
+        if (line == lineOf(file, key) || line != Choose(key, mine, others)) continue;
+        foreign.keys.insert(key);
+        setLine(file, key, line);
+        if (line == mine) continue;
+        // A unit that is there cannot be defined in another way.
+        const bool isUnit = recordOf(mine.substr(0, mine.find('\n'))).kind == DefinitionRecord::Kind::Unit;
+        if (line.empty() || isUnit) foreign.deleted += mine;
+        foreign.defined += line;
     }
     return foreign;
 }
 
-std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
-    const DefinitionsText text(ours), others(theirs);
-    const Lines present = PresentIn(text);
-    for (const auto& [key, line] : present) known.insert(key);
-    const Sections foreign = ForeignIn(others, present);
-    Sections merged;
-    for (const DefinitionRecord& record : text.records) {
-        if (leftOut.count(record.line) == 0) merged[record.section] += record.line + "\n";
-    }
-    for (const Section section : {FUNCTIONS, VARIABLES, UNITS}) merged[section] += foreign[section];
-    merged[HISTORY] = (leavesHistory ? others : text).History();
-    return textOf(merged);
-}
-
-std::string DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
-    const Sections foreign = ForeignIn(DefinitionsText(theirs), PresentIn(DefinitionsText(ours)));
-    std::string text = textOf(foreign);
-    const Lines lines = DefinitionsText(text).LinesByKey();
-    for (const auto& [key, line] : lines) known.insert(key);
-    return lines.empty() ? "" : text;
+void DefinitionsMerge::Took(const Foreign& foreign, const std::string& ours) {
+    const DefinitionLines now = PresentIn(DefinitionsText(ours));
+    for (const std::string& key : foreign.keys) setLine(present, key, lineOf(now, key));
 }
 
 bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason,
@@ -72,7 +109,22 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
         reason = std::make_error_code(std::errc::resource_unavailable_try_again);
         return false;
     }
-    std::string present;
-    readWholeFile(path, present, system);
-    return writeFileAtomically(path, Merge(ours, present), &reason, system);
+    std::string theirs;
+    readWholeFile(path, theirs, system);
+    const std::string merged = Merge(ours, theirs);
+    if (!writeFileAtomically(path, merged, &reason, system)) return false;
+    Wrote(merged, ours);
+    return true;
+}
+
+// A line of another program that counts is still to be told of.
+void DefinitionsMerge::Wrote(const std::string& merged, const std::string& ours) {
+    DefinitionLines now = PresentIn(DefinitionsText(ours));
+    const DefinitionLines written = DefinitionsText(merged).LinesByKey();
+    for (const auto& [key, line] : now) {
+        if (lineOf(written, key) == line) file[key] = line;
+    }
+    for (auto i = file.begin(); i != file.end();)
+        i = now.count(i->first) || written.count(i->first) ? ++i : file.erase(i);
+    present = std::move(now);
 }

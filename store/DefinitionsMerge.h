@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// Two programs may have the definitions file open, two windows, say. Each writes what it has; what the
-// other one defined meanwhile stays in the file.
+// Two programs may have the definitions file open, two windows, say. What one of them defines, changes or
+// deletes counts for both: of each name that was not changed here, the file's definition counts. Only when
+// both change the same name, the one that writes last decides.
+//
+// Texts of ours are as definitionsText makes them, texts of theirs are what is in the file.
 #pragma once
 
 #include "DefinitionRecords.h"
@@ -14,25 +17,30 @@
 
 class DefinitionsMerge {
 public:
-    // The definitions in this text, whatever their values, are no other program's: they were read or written
-    // here. `unread` are lines that were not read, for which we have another line: they stay as long as we
-    // have that.
-    void Know(const std::string& text, std::map<std::string, std::string> unread = {});
+    // What another program changed: lines of the file to take in, and lines of ours to delete before that.
+    struct Foreign {
+        std::set<std::string> keys; // of all changes
+        std::string defined;
+        std::string deleted;
+    };
 
-    // Definitions that are in `after` and not in `before`, and were never known here, are kept elsewhere:
-    // their lines are written as little as if they were not there, until they say something else. Both texts
-    // are as definitionsText makes them.
+    // The file was read: it held `theirs`, and `ours` is what there is now. Its lines with the keys in
+    // `refused` cannot be read by anyone: they are not written again.
+    void Know(const std::string& theirs, const std::string& ours, const std::set<std::string>& refused = {});
+
+    // Definitions that are in `after` and not in `before`, and were not in the file, are kept elsewhere:
+    // their lines are written as little as if they were not there, until they say something else.
     void LeaveOut(const std::string& before, const std::string& after);
 
-    // `ours` with the definitions of `theirs`, the text that is in the file now, that are in neither and were
-    // never known here. Each stands at the end of its section. What was deleted here stays deleted, of a name
-    // in both our line stays. `ours` is as definitionsText makes it and is known
-    // from now on.
-    std::string Merge(const std::string& ours, const std::string& theirs);
+    // What is to be written. A line of the file that counts stays as it stands there; new ones are at the
+    // end of their section. Each program has its own `ans`. Where `theirs` is cut off nothing
+    // counts as changed in it, and where it has no `ans`, nothing as deleted: no program left it so.
+    std::string Merge(const std::string& ours, const std::string& theirs) const;
 
-    // The definitions of `theirs` that Merge would add to `ours`, as a text like it. From now on they are
-    // known.
-    std::string TakeForeign(const std::string& ours, const std::string& theirs);
+    // What Merge takes from `theirs` and has not been told of before. Whoever has carried it out calls
+    // Took with what there is then, so that it does not count as changed here.
+    Foreign TakeForeign(const std::string& ours, const std::string& theirs);
+    void Took(const Foreign& foreign, const std::string& ours);
 
     // Whether the history in the file is other programs' and stays; otherwise ours takes its place.
     bool leavesHistory = false;
@@ -44,13 +52,19 @@ public:
                System& system = System::Real());
 
 private:
-    using Lines = std::map<std::string, std::string>; // by what they define
+    struct Theirs {
+        explicit Theirs(const std::string& content);
 
-    Lines PresentIn(const DefinitionsText& ours) const;
-    bool IsForeign(const std::string& key, const std::string& line, const Lines& present) const;
-    Sections ForeignIn(const DefinitionsText& others, const Lines& present) const;
+        DefinitionsText text;
+        DefinitionLines lines;
+        bool isWhole; // what it lacks was deleted: every program writes its `ans`
+    };
 
-    std::set<std::string> known;
+    DefinitionLines PresentIn(const DefinitionsText& ours) const;
+    const std::string& Choose(const std::string& key, const std::string& mine, const Theirs& theirs) const;
+    void Wrote(const std::string& merged, const std::string& ours);
+
+    DefinitionLines present;       // ours, when the file was last read or written
+    DefinitionLines file;          // the file's then, but for what TakeForeign is still to tell
     std::set<std::string> leftOut; // lines
-    std::map<std::string, std::string> twins;
 };

@@ -51,11 +51,11 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     Finish();
     const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
     if (!read.opened || read.damaged) KeepBeside(definitionsFile);
-    // A line that was refused is no other program's: it is in the copy that was kept.
     const bool leavesHistory = merge.leavesHistory;
     merge = {};
     merge.leavesHistory = leavesHistory;
-    merge.Know(read.text, read.twins);
+    merge.Know(read.text, definitionsText(calc), read.refused); // what was refused is in the copy
+    definitionsSeen = read.text;
     if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
     if (read.damaged)
         return "Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
@@ -63,18 +63,15 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
 }
 
 void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
-    struct stat now = {};
-    if (definitionsFile.path.empty() || isBusy || system.Status(definitionsFile.path.c_str(), now) != 0)
-        return;
-    const auto isSame = [&now](const struct stat& seen) {
-        return now.st_ino == seen.st_ino && now.st_size == seen.st_size && now.st_mtime == seen.st_mtime;
-    };
-    if (isSame(std::exchange(definitionsSeen, now))) return;
+    if (definitionsFile.path.empty() || isBusy) return;
     Finish();
     std::string theirs;
-    if (!readWholeFile(definitionsFile.path, theirs, system)) return;
-    const std::string foreign = merge.TakeForeign(definitionsText(calc), theirs);
-    if (!foreign.empty()) takeDefinitions(calc, foreign);
+    if (!readWholeFile(definitionsFile.path, theirs, system) || theirs == definitionsSeen) return;
+    const DefinitionsMerge::Foreign foreign = merge.TakeForeign(definitionsText(calc), theirs);
+    definitionsSeen = std::move(theirs);
+    if (foreign.keys.empty()) return;
+    takeDefinitions(calc, foreign.defined, foreign.deleted);
+    merge.Took(foreign, definitionsText(calc));
 }
 
 void Keeper::LeaveOut(const std::string& before, const ZqCalculator& calc) {
@@ -104,6 +101,7 @@ void Keeper::Write(std::string settings, std::string definitions) {
     makeFolder(folder, system); // it may have been taken away
     if (!settings.empty() && !MayWrite(settingsFile)) settings.clear();
     if (!definitions.empty() && !MayWrite(definitionsFile)) definitions.clear();
+    definitionsSeen.clear();
     isBusy = true;
     // Signals are for whoever waits for them, not for this thread: it takes over the mask.
     sigset_t all, found;
@@ -157,6 +155,7 @@ void Keeper::EntryWillRun(const ZqCalculator& calc, bool isReplaying) {
 }
 
 bool Keeper::NoteChange() {
+    definitionsSeen.clear();
     if (isChanged) return false;
     changeTime = system.Now();
     return isChanged = true;

@@ -44,7 +44,8 @@ public:
     // same way. Returns what is to be said to the person, or nothing.
     std::string ReadDefinitions(ZqCalculator& calc);
 
-    // Takes what other programs have defined in that file since then into the calculator. Does nothing while
+    // Takes what other programs have defined, changed or deleted in that file since then into the
+    // calculator, but for names that were changed here, too. Call it before an entry. Does nothing while
     // something is being written.
     void TakeForeignDefinitions(ZqCalculator& calc);
 
@@ -116,8 +117,8 @@ private:
     bool isChanged = false;
     bool isRunning = false;
     System::Time changeTime;
-    struct stat definitionsSeen = {}; // what the file was when other programs' definitions were looked for
-    std::string textBefore;           // of the definitions before the running entry
+    std::string definitionsSeen; // the file's text when it was taken in; empty when something changed since
+    std::string textBefore;      // of the definitions before the running entry
     System::Time textTime;
     System::Time::duration textCost{};
 

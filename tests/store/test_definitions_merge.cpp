@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "DefinitionsMerge.h"
 
+#include "../seed.h"
 #include "temporary_folder.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
-
+#include <map>
+#include <random>
+#include <set>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -19,11 +24,20 @@ std::string file(const std::string& functions, const std::string& variables, con
 
 const std::string START = file("f(x)=x\n", "ans=1\npi=3.14\n", "unit u=2 m\n", "1\n");
 
+// The file holds `theirs`, `ours` is written into it: what is in it then.
+std::string written(DefinitionsMerge& merge, const std::string& ours, const std::string& theirs) {
+    const TemporaryFolder folder;
+    putContent(folder.File("file"), theirs);
+    std::error_code reason;
+    EXPECT_TRUE(merge.Write(folder.File("file"), ours, reason));
+    return contentOf(folder.File("file"));
+}
+
 } // namespace
 
 TEST(DefinitionsMerge, LeavesOursAloneWhenNobodyElseWrote) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string ours = file("f(x)=x\ng(x)=2\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n2\n");
     EXPECT_EQ(merge.Merge(ours, START), ours);
     EXPECT_EQ(merge.Merge(ours, ""), ours);
@@ -31,7 +45,7 @@ TEST(DefinitionsMerge, LeavesOursAloneWhenNobodyElseWrote) {
 
 TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\nmine=1\n", "unit u=2 m\n", "mine=1\n");
     const std::string theirs =
         file("f(x)=x\nh(a,b)=a\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\nunit w=3 m\n", "yours=2\n");
@@ -41,7 +55,7 @@ TEST(DefinitionsMerge, KeepsWhatTheOtherProgramDefined) {
 
 TEST(DefinitionsMerge, LeavesOutWhatIsKeptElsewhereUntilItChanges) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string after =
         file("f(x)=x\nlib(x)=1\n", "ans=1\npi=3\nrate=7\n", "unit u=2 m\nunit psi=4 m\n", "1\n");
     merge.LeaveOut(START, after);
@@ -55,7 +69,7 @@ TEST(DefinitionsMerge, LeavesOutWhatIsKeptElsewhereUntilItChanges) {
 
 TEST(DefinitionsMerge, WhatAnotherProgramKeepsUnderANameThatIsLeftOutStays) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string after = file("f(x)=x\n", "ans=1\npi=3.14\nrate=7\n", "unit u=2 m\n", "");
     const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nrate=9\n", "unit u=2 m\n", "");
     merge.LeaveOut(START, after);
@@ -64,32 +78,34 @@ TEST(DefinitionsMerge, WhatAnotherProgramKeepsUnderANameThatIsLeftOutStays) {
 
 TEST(DefinitionsMerge, KeepsItEveryTime) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", "");
-    const std::string once = merge.Merge(START, theirs);
-    EXPECT_EQ(merge.Merge(START, once), once);
+    const std::string once = written(merge, START, theirs);
+    EXPECT_EQ(once, file("f(x)=x\n", "ans=1\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\n"));
+    EXPECT_EQ(written(merge, START, once), once);
 }
 
 TEST(DefinitionsMerge, WhatWasDeletedHereStaysDeleted) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string ours = file("", "ans=1\npi=3.14\n", "", "");
     EXPECT_EQ(merge.Merge(ours, START), ours);
 }
 
 TEST(DefinitionsMerge, WhatWasDefinedAndDeletedHereStaysDeleted) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     const std::string defined = file("f(x)=x\n", "ans=1\npi=3.14\na=5\n", "unit u=2 m\n", "");
-    merge.Merge(defined, START);
-    EXPECT_EQ(merge.Merge(START, defined), START);
+    EXPECT_EQ(written(merge, defined, START), defined);
+    EXPECT_EQ(written(merge, START, defined), START);
 }
 
 TEST(DefinitionsMerge, WhatTheOtherProgramDeletesAgainGoes) {
     DefinitionsMerge merge;
-    merge.Know(START);
-    merge.Merge(START, file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", ""));
-    EXPECT_EQ(merge.Merge(START, START), START);
+    merge.Know(START, START);
+    const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\n");
+    EXPECT_EQ(written(merge, START, theirs), theirs);
+    EXPECT_EQ(written(merge, START, START), START);
 }
 
 TEST(DefinitionsMerge, OurLineStaysOfANameInBoth) {
@@ -106,7 +122,7 @@ TEST(DefinitionsMerge, FunctionsOfOneNameDifferByTheirNumberOfParameters) {
 
 TEST(DefinitionsMerge, AFunctionWithoutParametersIsAnotherOne) {
     DefinitionsMerge merge;
-    merge.Know(file("f()=1\n", "", "", ""));
+    merge.Know(file("f()=1\n", "", "", ""), file("f()=1\n", "", "", ""));
     const std::string ours = file("f()=2\n", "", "", "");
     EXPECT_EQ(merge.Merge(ours, file("f()=1\nf(x)=x\n", "", "", "")), file("f()=2\nf(x)=x\n", "", "", ""));
 }
@@ -125,7 +141,7 @@ TEST(DefinitionsMerge, VariablesDifferByCase) {
 
 TEST(DefinitionsMerge, TakesNothingFromATextThatIsNoFunctionsFile) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     EXPECT_EQ(merge.Merge(START, "x=1\nfoo(x)=3\n"), START);
     EXPECT_EQ(merge.Merge(START, std::string("\0\1=\n", 4)), START);
 }
@@ -188,25 +204,232 @@ TEST(DefinitionsMerge, ProgramsThatSaveAtTheSameMomentLoseNoDefinition) {
 
 TEST(DefinitionsMerge, LeavesTheHistoryOfTheFileWhenToldTo) {
     DefinitionsMerge merge;
-    merge.Know(START);
+    merge.Know(START, START);
     merge.leavesHistory = true;
     const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "mine\n");
-    const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "", "1\ntheirs\n");
+    const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n");
     EXPECT_EQ(merge.Merge(ours, theirs),
               file("f(x)=x\n", "ans=2\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n"));
     // There is no file yet.
     EXPECT_EQ(merge.Merge(ours, ""), file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", ""));
 }
 
-TEST(DefinitionsMerge, TellsWhatAnotherProgramDefinedAndThatIsDeletedHereForGood) {
+// --- Three ways ---
+
+TEST(DefinitionsMerge, WhatAnotherProgramChangedOrDeletedCountsWhereOursIsUnchanged) {
     DefinitionsMerge merge;
-    merge.Know(START);
-    const std::string ours = file("f(x)=x\nmine(x)=1\n", "ans=2\npi=3.14\n", "", "1\n");
-    const std::string theirs =
-        file("f(x)=9\ng(x)=2\n", "ans=3\npi=3.14\ny=2\n", "unit u=2 m\nunit w=3 m\n", "7\n");
-    EXPECT_EQ(merge.TakeForeign(ours, theirs),
-              "### FUNCTIONS ###\ng(x)=2\n### VARIABLES ###\ny=2\n### CUSTOM UNITS ###\nunit w=3 m\n"
-              "### HISTORY ###\n");
-    EXPECT_EQ(merge.TakeForeign(ours, theirs), "");
-    EXPECT_EQ(merge.Merge(ours, theirs), ours); // what was taken is not ours: it has been deleted here
+    const std::string start =
+        file("fa(x)=x\nfb(x)=x\n", "ans=1\nv=2\nw=5\n", "unit u=2 m\nunit uu=4 m\n", "");
+    merge.Know(start, start);
+    const std::string theirs = file("fb(x)=x*2\n", "ans=1\nv=33\n", "unit u=3 m\n", "");
+    EXPECT_EQ(written(merge, start, theirs), theirs);
+    EXPECT_EQ(written(merge, start, theirs), theirs) << "what is written is not ours";
+}
+
+TEST(DefinitionsMerge, OursCountsWhereItChangedAndOfBothThatChangedIt) {
+    DefinitionsMerge merge;
+    const std::string start = file("f(x)=x\n", "ans=1\na=1\nb=1\nc=1\nd=1\n", "unit u=2 m\n", "");
+    merge.Know(start, start);
+    const std::string ours = file("f(x)=x+1\n", "ans=1\na=2\nc=2\nd=1\n", "unit u=5 m\n", "");
+    const std::string theirs = file("f(x)=x+2\n", "ans=1\na=1\nb=3\nd=3\n", "unit u=6 m\n", "");
+    EXPECT_EQ(written(merge, ours, theirs), file("f(x)=x+1\n", "ans=1\na=2\nc=2\nd=3\n", "unit u=5 m\n", ""));
+}
+
+TEST(DefinitionsMerge, EachProgramHasItsOwnAnswer) {
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    const std::string theirs = file("f(x)=x\n", "ans=7\npi=3.14\n", "unit u=2 m\n", "1\n");
+    EXPECT_TRUE(merge.TakeForeign(START, theirs).keys.empty());
+    EXPECT_EQ(written(merge, START, theirs), START);
+}
+
+TEST(DefinitionsMerge, AFileThatIsMissingOrCutOffDeletesAndChangesNothing) {
+    const std::string start = file("f(x)=x\n", "ans=1\nv=12\n", "unit u=2 m\n", "");
+    for (const std::string& theirs :
+         {std::string(), std::string("### FUNCTIONS ###\n"), std::string("### FUNCTIONS ###\nf(x)=x*"),
+          std::string("### FUNCTIONS ###\n### VARIABLES ###\nans=1\nv=1"), std::string("v=3\n"),
+          file("", "", "", ""), file("f(x)=x\n", "v=12\n", "", "")}) {
+        DefinitionsMerge merge;
+        merge.Know(start, start);
+        EXPECT_TRUE(merge.TakeForeign(start, theirs).keys.empty()) << theirs;
+        EXPECT_EQ(written(merge, start, theirs), start) << theirs;
+    }
+}
+
+// A file by hand, or of a version that wrote less: what is there from the start was never in it.
+TEST(DefinitionsMerge, WhatTheFileNeverHadIsNotDeletedInIt) {
+    DefinitionsMerge merge;
+    const std::string theirs = file("", "ans=0\nv=1\n", "", "");
+    const std::string ours = file("mod(x,d)=x%d\n", "ans=0\npi=3.14\nv=1\n", "", "");
+    merge.Know(theirs, ours);
+    EXPECT_TRUE(merge.TakeForeign(ours, file("", "ans=0\nv=1\n", "", "9\n")).keys.empty());
+    EXPECT_EQ(written(merge, ours, theirs), ours);
+}
+
+TEST(DefinitionsMerge, ALineByHandStaysAsItIsUntilItIsChangedHere) {
+    DefinitionsMerge merge;
+    const std::string theirs = file("", "v = 2 # two\nw=1\n", "", "");
+    merge.Know(theirs, file("", "v=2\nw=1\n", "", ""));
+    EXPECT_EQ(written(merge, file("", "v=2\nw=4\n", "", ""), theirs), file("", "v = 2 # two\nw=4\n", "", ""));
+    EXPECT_EQ(written(merge, file("", "v=3\nw=4\n", "", ""), theirs), file("", "v=3\nw=1\n", "", ""));
+}
+
+TEST(DefinitionsMerge, WhatWasRefusedIsNotWrittenAgain) {
+    DefinitionsMerge merge;
+    const std::string theirs = file("f(x)=(((\n", "a=1\na=1/0\n", "", "");
+    merge.Know(theirs, file("", "a=1\n", "", ""), {recordOf("f(x)=(((").Key(), recordOf("a=1").Key()});
+    EXPECT_EQ(written(merge, file("", "a=1\n", "", ""), theirs), file("", "a=1\n", "", ""));
+}
+
+TEST(DefinitionsMerge, AChangeThatCouldNotBeWrittenIsStillAChange) {
+    const TemporaryFolder folder;
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    const std::string ours = file("f(x)=x\n", "ans=1\npi=3\n", "unit u=2 m\n", "1\n");
+    std::error_code reason;
+    EXPECT_FALSE(merge.Write(folder.File("later/file"), ours, reason));
+    EXPECT_EQ(written(merge, ours, START), ours);
+}
+
+TEST(DefinitionsMerge, TellsWhatAnotherProgramChangedOnce) {
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    // Deleted here, changed there.
+    const std::string ours = file("mine(x)=1\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n");
+    const std::string theirs = file("f(x)=9\ng(x)=2\n", "ans=3\ny=2\n", "unit u=3 m\nunit w=3 m\n", "7\n");
+    const DefinitionsMerge::Foreign foreign = merge.TakeForeign(ours, theirs);
+    EXPECT_EQ(foreign.keys.size(), 5U);
+    EXPECT_EQ(foreign.deleted, "unit u=2 m\npi=3.14\n");
+    for (const char* line : {"g(x)=2\n", "y=2\n", "unit u=3 m\n", "unit w=3 m\n"})
+        EXPECT_NE(foreign.defined.find(line), std::string::npos) << line;
+    EXPECT_EQ(foreign.defined.size(), strlen("g(x)=2\ny=2\nunit u=3 m\nunit w=3 m\n"));
+    const std::string now = file("mine(x)=1\ng(x)=2\n", "ans=2\ny=2\n", "unit u=3 m\nunit w=3 m\n", "1\n");
+    merge.Took(foreign, now);
+    EXPECT_TRUE(merge.TakeForeign(now, theirs).keys.empty());
+    EXPECT_EQ(written(merge, now, theirs), now);
+    // What was taken is not ours: deleted here, it is deleted there.
+    EXPECT_EQ(written(merge, ours, now), file("mine(x)=1\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n"));
+}
+
+TEST(DefinitionsMerge, WhatIsWrittenForAnotherProgramIsToldOfAllTheSame) {
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    const std::string theirs = file("f(x)=x\n", "ans=1\npi=3\nyours=2\n", "", "1\n");
+    EXPECT_EQ(written(merge, START, theirs), theirs);
+    const DefinitionsMerge::Foreign foreign = merge.TakeForeign(START, theirs);
+    EXPECT_EQ(foreign.deleted, "unit u=2 m\n");
+    EXPECT_EQ(foreign.defined, "pi=3\nyours=2\n");
+}
+
+TEST(DefinitionsMerge, WhatCouldNotBeTakenInStaysInTheFile) {
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nlong=f(f(1))\n", "unit u=2 m\n", "1\n");
+    merge.Took(merge.TakeForeign(START, theirs), START);
+    EXPECT_EQ(written(merge, START, theirs), theirs);
+}
+
+// --- Two programs at random ---
+
+namespace {
+
+using Values = std::map<std::string, std::string>; // lines by what stands in front of their '='
+
+std::string textOfValues(const Values& values) {
+    Sections sections;
+    sections[VARIABLES] = "ans=0\n";
+    for (const auto& [left, right] : values) {
+        const Section section = left.find('(') != std::string::npos ? FUNCTIONS
+                                : left.compare(0, 5, "unit ") == 0  ? UNITS
+                                                                    : VARIABLES;
+        sections[section].append(left).append("=").append(right).append("\n");
+    }
+    return textOf(sections);
+}
+
+Values valuesIn(const std::string& lines) {
+    Values values;
+    for (const DefinitionRecord& record : DefinitionsText("\n" + lines).records) {
+        const size_t equals = record.line.find('=');
+        if (record.name != "ans") values[record.line.substr(0, equals)] = record.line.substr(equals + 1);
+    }
+    return values;
+}
+
+// A program as a person sees it: its values, and what they were when it and the file last agreed.
+struct Person {
+    Values values, before;
+    DefinitionsMerge merge;
+
+    // The file's values for all names that were not changed here.
+    Values MergedWith(const Values& file, const std::vector<std::string>& names) const {
+        Values all = file;
+        for (const std::string& name : names) {
+            const auto here = values.find(name), then = before.find(name);
+            const bool isThere = here != values.end();
+            if (isThere == (then != before.end()) && (!isThere || here->second == then->second)) continue;
+            all.erase(name);
+            if (isThere) all[name] = here->second;
+        }
+        return all;
+    }
+
+    // What was not changed here, or is the same now, is agreed on.
+    void Agree(const Values& file, const std::vector<std::string>& names) {
+        const Values merged = MergedWith(file, names);
+        for (const std::string& name : names) {
+            if (merged.count(name) != file.count(name)) continue;
+            if (merged.count(name) && merged.at(name) != file.at(name)) continue;
+            before.erase(name);
+            if (file.count(name)) before[name] = file.at(name);
+        }
+    }
+
+    void TakeIn(const std::string& text) {
+        const DefinitionsMerge::Foreign foreign = merge.TakeForeign(textOfValues(values), text);
+        for (const auto& [name, value] : valuesIn(foreign.deleted)) values.erase(name);
+        for (const auto& [name, value] : valuesIn(foreign.defined)) values[name] = value;
+        merge.Took(foreign, textOfValues(values));
+    }
+};
+
+} // namespace
+
+TEST(DefinitionsMerge, TwoProgramsAtRandomDoWhatAPlainModelDoes) {
+    SCOPED_TRACE(seedText());
+    std::mt19937 random = seededRandom();
+    const auto pick = [&random](unsigned count) { return static_cast<unsigned>(random() % count); };
+    const TemporaryFolder folder;
+    const std::string path = folder.File("file");
+    const std::vector<std::string> names = {"v", "w", "f(x)", "f(x,y)", "g()", "unit u", "unit uu"};
+    Values file = {{"v", "1"}, {"f(x)", "1"}, {"unit u", "1"}};
+    putContent(path, textOfValues(file));
+    Person persons[2];
+    for (Person& person : persons) {
+        person.values = person.before = file;
+        person.merge.Know(textOfValues(file), textOfValues(file));
+    }
+    for (int step = 0; step < 3000; step++) {
+        SCOPED_TRACE(step);
+        Person& person = persons[pick(2)];
+        const std::string& name = names[pick(static_cast<unsigned>(names.size()))];
+        switch (pick(4)) {
+        case 0: person.values[name] = std::to_string(pick(3) + 1); break;
+        case 1: person.values.erase(name); break;
+        case 2: {
+            const Values expected = person.MergedWith(file, names);
+            person.TakeIn(contentOf(path));
+            ASSERT_EQ(person.values, expected);
+            person.Agree(file, names);
+            break;
+        }
+        default: {
+            file = person.MergedWith(file, names);
+            std::error_code reason;
+            ASSERT_TRUE(person.merge.Write(path, textOfValues(person.values), reason));
+            person.before = person.values;
+            ASSERT_EQ(valuesIn(contentOf(path)), file);
+        }
+        }
+    }
 }

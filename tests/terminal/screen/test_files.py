@@ -82,6 +82,25 @@ class Files(ScreenTest):
         one.wait(lambda: "twice(x)=x*2" in self.home.definitions(), "the definition in the file")
         two.enter("twice(21)", "ans = 42")
 
+    def test_what_another_program_changes_or_deletes_counts(self):
+        one = self.start()
+        one.enter("v=2", "v = 2")
+        one.enter("w=4", "w = 4")
+        one.enter("fa(x)=x*2", "fa(x)=x*2")
+        one.wait(lambda: "fa(x)=x*2" in self.home.definitions(), "the definitions in the file")
+        two = self.start()
+        two.enter("v=33", "v = 33")
+        two.enter("del w", "** deleted w **")
+        two.enter("del fa", "** deleted fa() **")
+        self.leave(two)
+        one.enter("v", "ans = 33")
+        one.enter("w+1", "** ERROR 7: invalid term = w **")
+        self.leave(one)
+        text = self.home.definitions()
+        self.assertIn("\nv=33\n", text)
+        self.assertNotIn("\nw=", text)
+        self.assertNotIn("\nfa(", text)
+
     def test_settings_of_another_program_stay(self):
         one, two = self.start(), self.start()
         one.enter("sigfigs 5", "** SIGNIFICANT FIGURES: 5 **")
