@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 // How many digits of a number are read: the others are dropped without their scale.
 constexpr size_t DIGITS_READ = 104;
@@ -22,14 +23,13 @@ static size_t countDigits(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char c) { return isDigit(c) || (c >= 'A' && c <= 'F'); }));
 }
 
-const std::string& Answer::Keep(const std::string& line, const char* variable, const qfloat number,
-                                const EntrySettings& now) {
+void Answer::Keep(const std::string& line, const char* variable, const qfloat number,
+                  const EntrySettings& now, std::string text) {
     entry = line;
     name = variable;
     qmov(number, value);
     settings = now;
-    shown = shownNumber(value, now, name.size());
-    return shown;
+    shown = std::move(text);
 }
 
 std::string Answer::In(int base, const EntrySettings& now) const {

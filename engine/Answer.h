@@ -15,9 +15,9 @@ struct Answer {
     EntrySettings settings; // in which it was written
     std::string shown;      // the value as it was written; empty: there has been no answer yet
 
-    // Records an answer to the line. Returns the value as it is shown.
-    const std::string& Keep(const std::string& line, const char* variable, const qfloat number,
-                            const EntrySettings& now);
+    // Records an answer to the line, written as this text in the settings of now.
+    void Keep(const std::string& line, const char* variable, const qfloat number, const EntrySettings& now,
+              std::string text);
 
     // The value in base 10, 16 or 2, otherwise in the settings of now. Empty when there is none.
     std::string In(int base, const EntrySettings& now) const;

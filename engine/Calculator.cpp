@@ -23,11 +23,6 @@ static bool isRepeatable(const char* line) {
     return line && (strstr(line, "ans") || strchr(line, '='));
 }
 
-static void removeLineEnd(std::string& line) {
-    if (!line.empty() && line.back() == '\n') line.pop_back();
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-}
-
 // Of "unit name=definition".
 static std::string_view unitName(std::string_view text) {
     const std::string_view head = "unit ";
@@ -90,13 +85,12 @@ void ZqCalculator::InitializeFunctionsAndVars() {
     initialized = true;
 }
 
-int ZqCalculator::ProcessEntry(const char* line, bool quick) {
+int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
     const int32_t statusBefore = status;
     fullEntry = !quick;
     interrupted = false;
     spending.budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
-    std::string entry = line ? line : "";
-    removeLineEnd(entry);
+    std::string entry(withoutLineEnd(line)); // a copy: the line may be one of the texts that are emptied
     if (fullEntry) BeginEntry(entry);
     if (fullEntry && interruptCheck)
         RunOrTakeBack(entry);
@@ -112,45 +106,27 @@ int ZqCalculator::ProcessEntry(const char* line, bool quick) {
 // Empties the texts, records the line, and replaces an empty one by the line that it repeats.
 void ZqCalculator::BeginEntry(std::string& entry) {
     message[0] = resultLine[0] = echoText[0] = '\0';
-    if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) {
-        std::string copy = entry;
-        history.FilteredInsertNew(copy.data(), true);
-    }
+    if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) history.Record(entry);
     if (entry.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
         const char* newest = history.GetHistoryStr(1);
         if (isRepeatable(newest)) entry = newest;
     }
-    entryLine.assign(entry, 0, std::min(entry.find('\r'), entry.find('\n')));
+    const auto isLineEnd = [](char c) { return c == '\r' || c == '\n'; };
+    entryLine.assign(entry.begin(), std::find_if(entry.begin(), entry.end(), isLineEnd));
     entryCount += 1;
     history.HistLocReset();
 }
 
 // An interrupted entry changes nothing.
 void ZqCalculator::RunOrTakeBack(std::string_view entry) {
-    KeepForUndo();
     undo.Begin();
+    undo.Keep(target);
+    undo.Keep(lastName); // of a variable, which comes back as the same term
     funcs.RecordIn(&undo);
     RunStatements(entry);
     funcs.RecordIn(nullptr);
-    if (interrupted) TakeBack();
+    if (interrupted) undo.TakeBack();
     undo.End();
-}
-
-void ZqCalculator::KeepForUndo() {
-    static_cast<EntrySettings&>(before) = *this;
-    before.target = target;
-    before.lastName = lastName;
-    before.answer = answer;
-    before.lastAnswer = lastAnswer;
-}
-
-void ZqCalculator::TakeBack() {
-    undo.TakeBack();
-    static_cast<EntrySettings&>(*this) = before;
-    target = before.target;
-    lastName = before.lastName;
-    answer = before.answer;
-    copyText(lastAnswer, before.lastAnswer);
 }
 
 void ZqCalculator::RunStatements(std::string_view entry) {
@@ -160,7 +136,11 @@ void ZqCalculator::RunStatements(std::string_view entry) {
         overflowed = false;
         status = spending.AskForInterruption();
         if (status == STATUS_RESULT) status = Evaluate(statement);
-        if (status == STATUS_RESULT) status = ShowResult();
+        if (status == STATUS_RESULT && statements.IsOver()) undo.End(); // nothing can interrupt it any more
+        if (status == STATUS_RESULT) {
+            StoreResult();
+            status = ShowResult();
+        }
         errorRange = status == STATUS_ERROR ? rangeInEntry(errorRange, statement, entry) : TextRange();
         if (status == STATUS_COMMAND || status == STATUS_ERROR) break;
     }
@@ -169,20 +149,23 @@ void ZqCalculator::RunStatements(std::string_view entry) {
 int ZqCalculator::ShowResult() {
     // An entry's value is stored by now.
     if (!fullEntry && spending.Spend(workOfShowing(result)) != 0) return STATUS_ERROR;
-    const std::string preview = fullEntry ? "" : shownNumber(result, *this, strlen(target->text));
-    const std::string& text = fullEntry ? answer.Keep(entryLine, target->text, result, *this) : preview;
-    std::string line = target->text;
-    line.append(" = ").append(text).push_back('\n');
-    copyText(resultLine, line);
+    std::string text = shownNumber(result, *this, strlen(target->text));
+    copyTexts(resultLine, {target->text, " = ", text, "\n"});
     overflowed = result[1] >= OVERFLOW_EXPONENT;
     lastValue = target->value;
     lastName = target->text;
-    if (fullEntry) copyText(lastAnswer, text);
+    if (!fullEntry) return STATUS_RESULT;
+    undo.Keep(answer);
+    undo.Keep(lastAnswer);
+    copyText(lastAnswer, text);
+    answer.Keep(entryLine, target->text, result, *this, std::move(text));
     return STATUS_RESULT;
 }
 
 int ZqCalculator::Calculate(const char* statement) {
-    return Evaluate(statement);
+    const int state = Evaluate(statement);
+    if (state == 0) StoreResult();
+    return state;
 }
 
 int ZqCalculator::Evaluate(std::string_view text) {
@@ -209,11 +192,13 @@ int ZqCalculator::Evaluate(std::string_view text) {
         return state;
     }
     qfixintegers(result);
-    if (fullEntry) {
-        if (newVariable) variables.Append(newVariable.release());
-        variables.SetValue(target, result);
-    }
     return state;
+}
+
+void ZqCalculator::StoreResult() {
+    if (!fullEntry) return;
+    if (newVariable) variables.Append(newVariable.release());
+    variables.SetValue(target, result);
 }
 
 int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {

@@ -39,6 +39,9 @@ public:
     // False when there is none left.
     bool Next(std::string_view& statement);
 
+    // Whether there is none left, as far as is known without reading on.
+    bool IsOver() const { return isOver; }
+
 private:
     std::string_view rest;
     int number = 0;
@@ -74,7 +77,10 @@ public:
     // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
     // reads; `resultLine` and `message` hold its answer until then. A preview that takes more than its share
     // of work (WorkBudget.h), some milliseconds, is given up: status -1.
-    int ProcessEntry(const char* line, bool quick);
+    int ProcessEntry(std::string_view line, bool quick);
+    int ProcessEntry(const char* line, bool quick) {
+        return ProcessEntry(std::string_view(line ? line : ""), quick);
+    }
 
     // Evaluates one statement and returns its status. A full entry's result goes to its target variable.
     int Calculate(const char* statement);
@@ -166,16 +172,7 @@ public:
     void InitializeVarsList() { variables.Reset(); }
 
 private:
-    // What an interrupted entry puts back.
-    struct Before : EntrySettings {
-        node* target = nullptr;
-        char* lastName = nullptr; // of a variable, which comes back as the same term
-        Answer answer;
-        std::string lastAnswer;
-    };
-
     Undo undo;
-    Before before;
 
     // They hand over what VariableExists and UnitExists find, and bring their indexes up to date for that.
     mutable Variables variables{vars, *this, *this, undo, work};
@@ -184,10 +181,9 @@ private:
     void RunOrTakeBack(std::string_view entry);
     void BeginEntry(std::string& entry);
     void RunStatements(std::string_view entry);
-    void KeepForUndo();
-    void TakeBack();
     int ShowResult();
     int Evaluate(std::string_view text);
+    void StoreResult();
     int Read(std::string_view statement);
 
     Spending spending{*this, *this, interruptCheck, work};

@@ -3,6 +3,7 @@
 
 #include "Answer.h"
 #include "Definitions.h"
+#include "Format.h"
 #include "Functions.h"
 #include "Helpers_String.h"
 #include "units.h"
@@ -155,10 +156,12 @@ int display(Commands& c, const CommandText& text) {
     if (!variable) return c.outcome.Fail("** ERROR: variable '%s' not found **\n", {text.argument});
     qmov(*variable->value, c.outcome.result);
     c.outcome.overflowed = c.outcome.result[1] >= OVERFLOW_EXPONENT;
-    const std::string line =
-        text.argument + " = " +
-        c.answer.Keep(c.statement.entryLine, variable->text, c.outcome.result, c.settings);
+    c.undo.Keep(c.answer);
+    c.undo.Keep(c.outcome.lastAnswer);
+    std::string shown = shownNumber(c.outcome.result, c.settings, text.argument.size());
+    const std::string line = text.argument + " = " + shown;
     copyText(c.outcome.lastAnswer, line);
+    c.answer.Keep(c.statement.entryLine, variable->text, c.outcome.result, c.settings, std::move(shown));
     return echo(c, line, "");
 }
 
@@ -191,12 +194,14 @@ int changeSetting(Commands& c, const CommandText& text) {
     if (isChoice ? !text.choice : !setting.IsPossible(value)) {
         return c.outcome.Fail("** ERROR: %s **\n", {setting.command.refusal});
     }
+    c.undo.Keep(c.settings);
     setting.Apply(value, c.settings);
     const std::string shown = isChoice ? text.choice->shown : std::to_string(value);
     return c.outcome.Tell("** " + (setting.command.answer + shown) + " **\n");
 }
 
 int recordEntries(Commands& c, const CommandText& text) {
+    c.undo.Keep(c.settings);
     c.settings.histStack = text.lower == "histstack on";
     return c.outcome.Tell(c.settings.histStack ? "** HISTORY STACK ON **\n" : "** HISTORY STACK OFF **\n");
 }

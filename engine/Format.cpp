@@ -171,8 +171,11 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
         text.resize(static_cast<size_t>(e) + 1, '0');
         return grouped(std::move(text), separator);
     }
-    const int digitsShown = scimode == SCI_FIXED ? std::max(sigfigs + e + 1, 1) : sigfigs;
-    const Decimal decimal = withDigits(all, value, static_cast<size_t>(digitsShown));
+    const int shown = scimode == SCI_FIXED ? std::max(sigfigs + e + 1, 1) : sigfigs;
+    const auto digitsShown = static_cast<size_t>(shown);
+    const bool isPlain = kind == NO_EXPONENT && scimode != SCI_FIXED; // without zeros at the end
+    const bool isComplete = isPlain && all.digits.size() <= digitsShown;
+    const Decimal decimal = isComplete ? all : withDigits(all, value, digitsShown);
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);
     if (scimode == SCI_FIXED) {
         const std::string text = fixedForm(all, decimal, static_cast<size_t>(sigfigs));
@@ -186,18 +189,27 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     return grouped(std::move(text), separator);
 }
 
-} // namespace
-
-void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator) {
-    if (value[1] >= OVERFLOW_EXPONENT) {
-        snprintf(out, FORMAT_SIZE, "%cOVERFLOW", qisneg(value) ? '-' : '+');
-        return;
-    }
+std::string decimalText(const qfloat value, int sigfigs, int scimode, char separator) {
+    if (value[1] >= OVERFLOW_EXPONENT) return qisneg(value) ? "-OVERFLOW" : "+OVERFLOW";
     bool negative = false;
     sigfigs = std::clamp(sigfigs, scimode == SCI_FIXED ? 0 : 1, ALL_DIGITS);
     std::string text = formatFinite(value, sigfigs, scimode, separator, negative);
     if (negative) text.insert(0, 1, '-');
-    out[text.copy(out, FORMAT_SIZE - 1)] = '\0';
+    return text;
+}
+
+std::string numberText(const qfloat value, const EntrySettings& settings, int scimode, char separator) {
+    if (settings.displayBase == 10) return decimalText(value, settings.sigFigs, scimode, separator);
+    char text[FORMAT_SIZE];
+    text[0] = '\0';
+    formatNumber(value, settings.displayBase, text, settings.sigFigs, scimode, settings.twosComp, separator);
+    return text;
+}
+
+} // namespace
+
+void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char separator) {
+    out[decimalText(value, sigfigs, scimode, separator).copy(out, FORMAT_SIZE - 1)] = '\0';
 }
 
 void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,
@@ -211,15 +223,10 @@ void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scim
 }
 
 std::string shownNumber(const qfloat value, const EntrySettings& settings, size_t nameLength) {
-    char text[FORMAT_SIZE];
-    text[0] = '\0';
     const char separator = settings.useSeparator ? settings.separatorChar : '\0';
-    formatNumber(value, settings.displayBase, text, settings.sigFigs, settings.sciMode, settings.twosComp,
-                 separator);
-    if (nameLength + strlen(" = \n") + strlen(text) >= TEXT_SIZE) {
-        formatNumber(value, settings.displayBase, text, settings.sigFigs, SCI_ALWAYS, settings.twosComp,
-                     '\0');
-    }
-    if (settings.european) StrSwapChars(text, '.', ',');
+    std::string text = numberText(value, settings, settings.sciMode, separator);
+    if (nameLength + strlen(" = \n") + text.size() >= TEXT_SIZE)
+        text = numberText(value, settings, SCI_ALWAYS, '\0');
+    if (settings.european) StrSwapChars(text.data(), '.', ',');
     return text;
 }

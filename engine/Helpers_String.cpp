@@ -48,6 +48,12 @@ const char* FindStrAfterLastChar(const char* text, char c) {
     return found ? found + 1 : text;
 }
 
+std::string_view withoutLineEnd(std::string_view text) {
+    if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
+    if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
+    return text;
+}
+
 char* strDuplicate(std::string_view text) {
     char* copy = new char[text.size() + 1];
     if (!text.empty()) memcpy(copy, text.data(), text.size());

@@ -42,6 +42,9 @@ constexpr char lowerCase(char c) { // A to Z become a to z
 }
 std::string lowerCased(std::string text);
 
+// The text without one line feed at its end, and then without one carriage return.
+std::string_view withoutLineEnd(std::string_view text);
+
 // Whether the text is the name of a variable, a function or a parameter: a letter, then characters of a name.
 bool isValidName(std::string_view text);
 constexpr int MAX_NAME = 50; // names have fewer characters

@@ -10,12 +10,11 @@ CHistory::~CHistory() {
     Clear();
 }
 
-void CHistory::InsertNewEntry(const char* text) {
-    if (!text) return;
-    const size_t length = strlen(text);
+void CHistory::Insert(std::string_view text) {
     char*& slot = entries[next];
-    if (slot && strlen(slot) >= length) {
-        memmove(slot, text, length + 1); // the text may be the slot's own
+    if (slot && strlen(slot) >= text.size()) {
+        memmove(slot, text.data(), text.size()); // the text may be the slot's own
+        slot[text.size()] = '\0';
     } else {
         const char* const oldest = slot;
         slot = strDuplicate(text);
@@ -25,29 +24,26 @@ void CHistory::InsertNewEntry(const char* text) {
     next = next + 1 < maxEntries ? next + 1 : 0;
 }
 
-static void removeTrailing(char* text, char c) {
-    const size_t length = strlen(text);
-    if (length > 0 && text[length - 1] == c) text[length - 1] = '\0';
+bool CHistory::IsToBeStored(std::string_view text) const {
+    return !text.empty() && text != "exit" && (count == 0 || text != GetHistoryStr(1));
 }
 
 void CHistory::FilteredInsertNew(char* text, bool split) {
-    if (!text || !*text) return;
-    removeTrailing(text, '\n');
-    removeTrailing(text, '\r');
-    if (!*text || strIsEqual(text, "exit")) return;
-    if (count > 0 && strIsEqual(GetHistoryStr(1), text)) return;
-    if (!split) {
-        InsertNewEntry(text);
-        return;
-    }
-    char* piece = text;
-    while (char* cut = strstr(piece, ";;")) {
-        *cut = '\0';
-        InsertNewEntry(piece);
-        *cut = ';';
-        piece = cut + 2;
-    }
-    InsertNewEntry(piece);
+    if (!text) return;
+    const std::string_view line = withoutLineEnd(text);
+    if (split)
+        Record(text);
+    else if (IsToBeStored(line))
+        Insert(line);
+    text[line.size()] = '\0';
+}
+
+void CHistory::Record(std::string_view text) {
+    text = withoutLineEnd(text);
+    if (!IsToBeStored(text)) return;
+    for (size_t cut; (cut = text.find(";;")) != std::string_view::npos; text.remove_prefix(cut + 2))
+        Insert(text.substr(0, cut));
+    Insert(text);
 }
 
 const char* CHistory::GetHistoryStr(int k) const {

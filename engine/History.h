@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 constexpr int32_t HISTORY_SLOTS = 999;
 constexpr int32_t HISTORY_DEFAULT_ENTRIES = 99;
@@ -16,12 +17,17 @@ public:
     CHistory& operator=(const CHistory&) = delete;
 
     // Stores a copy of the text as the newest line; a full ring loses its oldest line. Null is ignored.
-    void InsertNewEntry(const char* text);
+    void InsertNewEntry(const char* text) {
+        if (text) Insert(text);
+    }
 
     // Stores a typed line: one trailing line feed and then one trailing carriage return are removed from the
     // caller's text; an empty line, the line "exit" and a repeat of the newest line are not stored. With
     // `split` the pieces between ";;" are stored one by one, empty ones included.
     void FilteredInsertNew(char* text, bool split);
+
+    // The same with `split`, for a text that stays as it is.
+    void Record(std::string_view text);
 
     // k >= 1: the k-th newest line; k < 0: the line at the browsing position. Null when there is no such
     // line. The text stays the history's own.
@@ -52,6 +58,8 @@ public:
     bool matching = false; // in prefix-matching browsing
 
 private:
+    void Insert(std::string_view text);
+    bool IsToBeStored(std::string_view text) const;
     bool Browse(const char* prefix, int32_t step);
     int32_t SlotOf(int32_t k) const { return (next - k + maxEntries) % maxEntries; }
 };

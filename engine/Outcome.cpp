@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
 
-void copyText(char* out, std::string_view text) {
-    const size_t length = std::min(text.size(), TEXT_SIZE - 1);
-    memcpy(out, text.data(), length);
-    out[length] = '\0';
+void copyTexts(char* out, std::initializer_list<std::string_view> texts) {
+    size_t used = 0;
+    for (const std::string_view text : texts) used += text.copy(out + used, TEXT_SIZE - 1 - used);
+    out[used] = '\0';
 }
 
 int Outcome::Tell(std::string_view text) {

@@ -56,8 +56,11 @@ struct Outcome {
     int FailAt(const node* term, std::string_view format, std::initializer_list<std::string_view> texts = {});
 };
 
-// Copies the text into a buffer of TEXT_SIZE bytes, cut where it would not fit.
-void copyText(char* out, std::string_view text);
+// Copies the texts one behind the other into a buffer of TEXT_SIZE bytes, cut where they would not fit.
+void copyTexts(char* out, std::initializer_list<std::string_view> texts);
+inline void copyText(char* out, std::string_view text) {
+    copyTexts(out, {text});
+}
 
 // --- The errors of the number library ---
 

@@ -71,9 +71,17 @@ bool isDefinition(const std::string& text) {
 static void normalize(std::string& text, bool european) {
     size_t length = 0;
     for (char c : text) {
-        if (isBlank(c)) continue;
-        if (c == '{' || c == '[') c = '(';
-        if (c == '}' || c == ']') c = ')';
+        switch (c) {
+        case ' ':
+        case '\t':
+        case '\r':
+        case '\n': continue;
+        case '{':
+        case '[': c = '('; break;
+        case '}':
+        case ']': c = ')'; break;
+        default: break;
+        }
         text[length++] = c;
     }
     text.resize(length);

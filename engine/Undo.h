@@ -3,7 +3,10 @@
 // The one way back from an entry that is interrupted.
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -23,7 +26,14 @@ public:
 
     // Has TakeBack put back what the place holds now.
     template <class T> void Keep(T& place) {
-        Add([&place, value = place] { place = value; });
+        static_assert(!std::is_array_v<T>);
+        if (isOpen) Add([&place, value = place] { place = value; });
+    }
+
+    // The same for a buffer with a text.
+    template <size_t SIZE> void Keep(char (&buffer)[SIZE]) {
+        if (isOpen)
+            Add([&buffer, text = std::string(buffer)] { buffer[text.copy(buffer, SIZE - 1)] = '\0'; });
     }
 
     // Takes all changes back.

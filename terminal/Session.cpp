@@ -65,7 +65,7 @@ Session::Outcome Session::GiveUp() {
 
 Session::Outcome Session::Evaluate(std::string_view entry) {
     if (style.json) return EvaluateStatements(entry);
-    const int status = calc.ProcessEntry(std::string(entry).c_str(), style.preview);
+    const int status = calc.ProcessEntry(entry, style.preview);
     if (!style.inBlocks) std::fflush(stdout); // the trace of this entry comes before its answer
     return style.preview ? AnswerPreview(status) : AnswerEntry();
 }
@@ -85,7 +85,7 @@ Session::Outcome Session::EvaluateStatements(std::string_view entry) {
 
 Session::Outcome Session::EvaluateStatement(std::string_view statement) {
     shown.clear();
-    int status = calc.ProcessEntry(std::string(statement).c_str(), style.preview);
+    int status = calc.ProcessEntry(statement, style.preview);
     std::fflush(stdout);
     const Outcome outcome = style.preview ? AnswerPreview(status) : AnswerEntry();
     if (outcome == Outcome::Interrupted) return outcome;
@@ -234,6 +234,7 @@ bool Session::Show(std::string_view text) {
 }
 
 std::string Session::ValueText(std::string_view answer) const {
-    const std::string text = shownText(answer);
-    return coloursAnswers && !style.json ? colouredAnswer(text) : text;
+    std::string text = shownText(answer);
+    if (coloursAnswers && !style.json) return colouredAnswer(text);
+    return text;
 }

@@ -92,6 +92,17 @@ TEST(History, SplitsAtDoubleSemicolons) {
     EXPECT_EQ(";||" + std::string("|3|2+2|1+1"), lines(history));
 }
 
+TEST(History, RecordsAsItSplitsButLeavesTheTextAsItIs) {
+    CHistory history;
+    for (const char* text : {"", "\r\n", "exit\n", "a;;a\n\n", "b;;c", "c"}) history.Record(text);
+    EXPECT_EQ("c|b|a\n|a", lines(history));
+    history.Record(std::string_view("dd", 1)); // it has no terminator
+    EXPECT_EQ("d|c|b|a\n|a", lines(history));
+    history.SetMaxEntries(1);
+    history.Record(std::string_view("ee", 1)); // into the memory of the line before
+    EXPECT_EQ("e", lines(history));
+}
+
 TEST(History, SplitPiecesAreNotFiltered) {
     CHistory history;
     insertFiltered(history, "a;;a;;exit", true);

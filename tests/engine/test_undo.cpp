@@ -38,6 +38,20 @@ TEST(UndoTest, PutsBackWhatAPlaceHeld) {
     EXPECT_EQ(1, number);
 }
 
+TEST(UndoTest, PutsBackTheTextOfABuffer) {
+    Undo undo;
+    char buffer[6] = "older";
+    undo.Keep(buffer); // not open
+    undo.Begin();
+    undo.Keep(buffer);
+    buffer[0] = '\0';
+    undo.Keep(buffer);
+    buffer[0] = 'n';
+    buffer[1] = '\0';
+    undo.TakeBack();
+    EXPECT_STREQ("older", buffer);
+}
+
 TEST(UndoTest, KeepsNothingOutsideOfAnEntry) {
     Undo undo;
     const auto held = std::make_shared<int>(0);
