@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The definitions file, pelmo_functions.txt: a person's functions, variables, units and history, from one run
-// to the next. A front end writes and reads it here, which only the window does so far. It is text, one
+// to the next. Both front ends write and read it here. It is text, one
 // definition or entry a line:
 //
 //   ### FUNCTIONS ###
