@@ -95,7 +95,7 @@ class Endings(unittest.TestCase):
     def test_a_signal_ends_an_entry_that_would_take_long(self):
         lines = ["f0(x)=x"] + [f"f{i}(x)=f{i - 1}(x)+f{i - 1}(x)" for i in range(1, 41)]
         process = self.start("--trace", self.script("a.script", *lines, "a=(5)", "b=f40(1)"))
-        self.wait_for_lines(20)
+        self.wait_for_lines(2)  # of "(5)" and "(1)": the calls have begun
         process.send_signal(signal.SIGTERM)
         self.assertEqual(process.wait(PATIENCE), 0)
         self.assertIn("a=5", self.functions())
