@@ -6,14 +6,14 @@
 namespace {
 
 const std::string& lineOf(const DefinitionLines& lines, const std::string& key) {
-    static const std::string NONE;
+    static const std::string none;
     const auto found = lines.find(key);
-    return found == lines.end() ? NONE : found->second;
+    return found == lines.end() ? none : found->second;
 }
 
 const std::string& answerKey() {
-    static const std::string KEY = recordOf("ans=0").Key();
-    return KEY;
+    static const std::string key = recordOf("ans=0").Key();
+    return key;
 }
 
 void setLine(DefinitionLines& lines, const std::string& key, const std::string& line) {
