@@ -3,18 +3,18 @@
 
 #include <algorithm>
 
-static uint32_t byteAt(std::string_view text, std::size_t i) {
+static uint32_t byteAt(std::string_view text, size_t i) {
     return static_cast<unsigned char>(text[i]);
 }
 
 // Reads the sequence that begins at `start`. Returns its length, or 0 when there is none.
-static std::size_t readUtf8(std::string_view text, std::size_t start, uint32_t& code) {
+static size_t readUtf8(std::string_view text, size_t start, uint32_t& code) {
     static constexpr uint32_t LEAST[] = {0, 0, 0x80, 0x800, 0x10000}; // by length: less would be overlong
     const uint32_t lead = byteAt(text, start);
-    const std::size_t length = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    const size_t length = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
     if (length == 0 || lead > 0xF4 || length > text.size() - start) return 0;
     code = length == 1 ? lead : lead & (0x7FU >> length);
-    for (std::size_t k = 1; k < length; ++k) {
+    for (size_t k = 1; k < length; ++k) {
         const uint32_t byte = byteAt(text, start + k);
         if ((byte & 0xC0U) != 0x80U) return 0;
         code = code << 6 | (byte & 0x3FU);
@@ -23,13 +23,13 @@ static std::size_t readUtf8(std::string_view text, std::size_t start, uint32_t& 
     return code < LEAST[length] || code > 0x10FFFF || isSurrogate ? 0 : length;
 }
 
-std::size_t utf8Length(std::string_view text, std::size_t start) {
+size_t utf8Length(std::string_view text, size_t start) {
     uint32_t code = 0;
     return readUtf8(text, start, code);
 }
 
 bool isUtf8(std::string_view text) {
-    for (std::size_t i = 0, length = 0; i < text.size(); i += length) {
+    for (size_t i = 0, length = 0; i < text.size(); i += length) {
         length = utf8Length(text, i);
         if (length == 0) return false;
     }
@@ -57,9 +57,9 @@ static bool isPrintableAscii(char c) {
 std::string shownText(std::string_view text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isPrintableAscii);
     std::string shown(text.begin(), end);
-    for (std::size_t i = shown.size(); i < text.size();) {
+    for (size_t i = shown.size(); i < text.size();) {
         uint32_t code = 0;
-        const std::size_t length = readUtf8(text, i, code);
+        const size_t length = readUtf8(text, i, code);
         const std::string_view character = text.substr(i, length == 0 ? 1 : length);
         appendShown(shown, character, length > 0 && !isControlCharacter(code) && !isLayout(code));
         i += character.size();
@@ -70,7 +70,7 @@ std::string shownText(std::string_view text) {
 std::string shownLatin1(std::string_view text) {
     std::string shown;
     shown.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i)
+    for (size_t i = 0; i < text.size(); ++i)
         appendShown(shown, text.substr(i, 1), !isControlCharacter(byteAt(text, i)));
     return shown;
 }

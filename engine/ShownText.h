@@ -18,7 +18,7 @@ constexpr bool isControlCharacter(uint32_t code) {
 // The length of the well-formed UTF-8 sequence that begins at `start`, 1 to 4 bytes; 0 when there is none: a
 // byte that cannot stand there, an overlong form, a surrogate, a value above U+10FFFF. `start` lies inside
 // the text.
-std::size_t utf8Length(std::string_view text, std::size_t start);
+size_t utf8Length(std::string_view text, size_t start);
 
 // Whether all of the text is well-formed UTF-8.
 bool isUtf8(std::string_view text);

@@ -68,8 +68,8 @@ const SignRow* findSign(uint32_t code) {
 
 std::string TypedSigns::Read(std::string_view text) {
     std::string read;
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = std::max<std::size_t>(utf8Length(text, i), 1);
+    for (size_t i = 0; i < text.size();) {
+        const size_t length = std::max<size_t>(utf8Length(text, i), 1);
         const std::string_view character = text.substr(i, length);
         const uint32_t code = codeOf(character);
         const SignRow* const row = length > 1 ? findSign(code) : nullptr;
@@ -87,7 +87,7 @@ std::string TypedSigns::Read(std::string_view text) {
     return read;
 }
 
-std::optional<HeadChange> changeByOperator(std::string_view entry, std::size_t place, char typed,
+std::optional<HeadChange> changeByOperator(std::string_view entry, size_t place, char typed,
                                            bool minusIsSign) {
     const bool isMinus = typed == '-';
     if (!isMinus && typed != '+' && typed != '*' && typed != '/') return std::nullopt;

@@ -25,11 +25,11 @@ private:
 // does to the entry before it is inserted itself: so many characters at the start become `text`, and the
 // cursor stands behind them.
 struct HeadChange {
-    std::size_t length;
+    size_t length;
     const char* text;
 };
 
 // The change that the character `typed` makes when the cursor is at `place`, if any. With `minusIsSign` a
 // first minus is a sign and the second one puts "ans" in front of it; without, the first one does.
-std::optional<HeadChange> changeByOperator(std::string_view entry, std::size_t place, char typed,
+std::optional<HeadChange> changeByOperator(std::string_view entry, size_t place, char typed,
                                            bool minusIsSign);

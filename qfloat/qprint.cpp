@@ -95,7 +95,7 @@ int putFraction(uint64_t* fraction, int digits, char* out, int& order) {
         const int left = digits - written;
         char run = 0;
         if (left > CHUNK_DIGITS && endsInRun(fraction, left + 1, run)) {
-            std::memset(out + written, '0', static_cast<std::size_t>(left));
+            std::memset(out + written, '0', static_cast<size_t>(left));
             order = run == '0' ? -1 : 1;
             return written;
         }

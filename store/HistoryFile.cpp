@@ -8,11 +8,11 @@
 #include <algorithm>
 
 // The start of the newest LINES lines of a text.
-static std::size_t startOfNewest(const std::string& text) {
-    std::size_t start = text.size();
-    std::size_t lines = 0;
+static size_t startOfNewest(const std::string& text) {
+    size_t start = text.size();
+    size_t lines = 0;
     while (start > 0) {
-        const std::size_t end = start >= 2 ? text.rfind('\n', start - 2) : std::string::npos;
+        const size_t end = start >= 2 ? text.rfind('\n', start - 2) : std::string::npos;
         start = end == std::string::npos ? 0 : end + 1;
         if (++lines == HistoryFile::LINES) break;
     }
@@ -24,8 +24,8 @@ std::vector<std::string> HistoryFile::Read() {
     readWholeFile(path, text, system);
     isCut = !text.empty() && text.back() != '\n';
     std::vector<std::string> lines;
-    for (std::size_t start = startOfNewest(text); start < text.size();) {
-        const std::size_t end = std::min(text.find('\n', start), text.size());
+    for (size_t start = startOfNewest(text); start < text.size();) {
+        const size_t end = std::min(text.find('\n', start), text.size());
         const std::string line = text.substr(start, end - start);
         if (!line.empty() && std::none_of(line.begin(), line.end(), isControl)) lines.push_back(line);
         start = end + 1;
@@ -49,6 +49,6 @@ void HistoryFile::Shorten() {
     const FileLock lock(path, system);
     std::string text;
     if (lock.IsTaken() || !readWholeFile(path, text, system)) return;
-    const std::size_t start = startOfNewest(text);
+    const size_t start = startOfNewest(text);
     if (start > 0) writeFileAtomically(path, text.substr(start), nullptr, system);
 }

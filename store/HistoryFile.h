@@ -13,7 +13,7 @@
 
 class HistoryFile {
 public:
-    static constexpr std::size_t LINES = 10000;
+    static constexpr size_t LINES = 10000;
 
     // The file need not exist, nor its folder, which is made for the first line.
     explicit HistoryFile(std::string where, System& calls = System::Real())

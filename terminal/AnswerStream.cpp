@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t BLOCK_SIZE = 65536; // what a pipe holds
+constexpr size_t BLOCK_SIZE = 65536; // what a pipe holds
 
 } // namespace
 

@@ -53,7 +53,7 @@ std::string coloured(Shade shade, std::string_view text) {
 
 std::string colouredAnswer(std::string_view line) {
     constexpr std::string_view EQUALS = " = ";
-    const std::size_t equals = line.find(EQUALS);
+    const size_t equals = line.find(EQUALS);
     if (equals == std::string_view::npos) return coloured(Shade::Value, line);
     return coloured(Shade::Name, line.substr(0, equals)) + std::string(EQUALS) +
            coloured(Shade::Value, line.substr(equals + EQUALS.size()));

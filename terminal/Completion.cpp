@@ -113,7 +113,7 @@ void addPhrases(const Place& place, const Phrases& phrases, std::vector<std::str
     for (const std::string& phrase : phrases) {
         if (!beginsWith(inLowerCase(phrase), typed) || phrase.size() == typed.size()) continue;
         const std::string rest = phrase.substr(place.head.size());
-        const std::size_t blank = rest.find(' ');
+        const size_t blank = rest.find(' ');
         found.push_back(rest.substr(0, blank == std::string::npos ? blank : blank + 1));
     }
 }
@@ -132,7 +132,7 @@ std::vector<std::string> candidatesAt(const Place& place, const ZqCalculator& ca
         if (place.head == ":units ") addUnits(place, found);
         return found;
     }
-    const std::size_t arrow = place.head.rfind("->");
+    const size_t arrow = place.head.rfind("->");
     if (arrow != std::string::npos) {
         const std::string between = place.head.substr(arrow + 2);
         if (between.find_first_of("(),=<>") == std::string::npos) {
@@ -160,14 +160,14 @@ std::vector<std::string> candidatesAt(const Place& place, const ZqCalculator& ca
 
 } // namespace
 
-Completion completionsAt(const std::string& entry, std::size_t cursor, const ZqCalculator& calc) {
+Completion completionsAt(const std::string& entry, size_t cursor, const ZqCalculator& calc) {
     const std::string typed = entry.substr(0, cursor);
     Completion completion;
     completion.start = typed.size();
     while (completion.start > 0 && isOfName(typed[completion.start - 1])) --completion.start;
     Place place;
     place.word = typed.substr(completion.start);
-    const std::size_t statement = typed.rfind(';', completion.start) + 1; // 0 when there is none
+    const size_t statement = typed.rfind(';', completion.start) + 1; // 0 when there is none
     place.head = typed.substr(statement, completion.start - statement);
     place.head.erase(0, std::min(place.head.find_first_not_of(" \t"), place.head.size()));
     const bool isNumber = !place.word.empty() && place.word[0] >= '0' && place.word[0] <= '9';

@@ -10,7 +10,7 @@
 class ZqCalculator;
 
 struct Completion {
-    std::size_t start = 0;               // the candidates replace what stands from here to the cursor
+    size_t start = 0;                    // the candidates replace what stands from here to the cursor
     std::vector<std::string> candidates; // in the order of their bytes, none twice
 };
 
@@ -18,4 +18,4 @@ struct Completion {
 // command words, functions and variables; behind a command word its arguments; behind ':' the prompt's words
 // and theirs; elsewhere functions, each with its open parenthesis, and variables. Upper and lower case are
 // the same in functions and command words.
-Completion completionsAt(const std::string& entry, std::size_t cursor, const ZqCalculator& calc);
+Completion completionsAt(const std::string& entry, size_t cursor, const ZqCalculator& calc);

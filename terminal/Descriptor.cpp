@@ -18,7 +18,7 @@ bool shallRetry(int descriptor, short events) {
 
 } // namespace
 
-long readSome(int descriptor, char* to, std::size_t size) {
+long readSome(int descriptor, char* to, size_t size) {
     for (;;) {
         const ssize_t count = read(descriptor, to, size);
         if (count >= 0 || !shallRetry(descriptor, POLLIN)) return count;
@@ -29,7 +29,7 @@ bool writeAll(int descriptor, std::string_view text) {
     while (!text.empty()) {
         const ssize_t count = write(descriptor, text.data(), text.size());
         if (count >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(count));
+            text.remove_prefix(static_cast<size_t>(count));
         } else if (!shallRetry(descriptor, POLLOUT)) {
             return false;
         }

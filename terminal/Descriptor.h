@@ -8,7 +8,7 @@
 #include <string_view>
 
 // Reads at most `size` bytes. Returns their number, 0 at the end, -1 with errno set when reading failed.
-long readSome(int descriptor, char* to, std::size_t size);
+long readSome(int descriptor, char* to, size_t size);
 
 // Writes all of `text`. Returns false with errno set when that failed.
 bool writeAll(int descriptor, std::string_view text);

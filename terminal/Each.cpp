@@ -35,14 +35,14 @@ bool removeEnd(std::string_view& text, std::string_view end) {
 }
 
 std::string_view trimmed(std::string_view text) {
-    const std::size_t start = std::min(text.find_first_not_of(BLANKS), text.size());
+    const size_t start = std::min(text.find_first_not_of(BLANKS), text.size());
     text.remove_prefix(start);
     return text.substr(0, text.find_last_not_of(BLANKS) + 1);
 }
 
 // Takes digits off the text.
 std::string takeDigits(std::string_view& text) {
-    std::size_t count = 0;
+    size_t count = 0;
     while (count < text.size() && isDigit(text[count])) ++count;
     std::string digits(text.substr(0, count));
     text.remove_prefix(count);
@@ -111,7 +111,7 @@ bool hasCurrencySign(std::string_view field) {
     static constexpr std::array<std::string_view, 4> SIGNS = {"$", "\u00a2", "\u00a3", "\u00a5"};
     const auto has = [field](std::string_view sign) { return field.find(sign) != std::string_view::npos; };
     // U+20A0 to U+20BF are currency signs too, the euro among them.
-    const std::size_t block = field.find("\xe2\x82");
+    const size_t block = field.find("\xe2\x82");
     const bool isOfBlock = block != std::string_view::npos && block + 2 < field.size() &&
                            static_cast<unsigned char>(field[block + 2]) >= 0xa0;
     return isOfBlock || std::any_of(SIGNS.begin(), SIGNS.end(), has);
@@ -155,8 +155,8 @@ namespace {
 
 std::vector<std::string> splitAtBlanks(std::string_view line) {
     std::vector<std::string> fields;
-    for (std::size_t start = line.find_first_not_of(BLANKS); start != std::string_view::npos;) {
-        const std::size_t end = line.find_first_of(BLANKS, start);
+    for (size_t start = line.find_first_not_of(BLANKS); start != std::string_view::npos;) {
+        const size_t end = line.find_first_of(BLANKS, start);
         fields.emplace_back(line.substr(start, end - start));
         start = line.find_first_not_of(BLANKS, end);
     }
@@ -183,22 +183,22 @@ std::vector<std::string> splitFields(std::string_view line, std::string_view sep
     std::vector<std::string> fields;
     for (;;) {
         std::string quoted;
-        const std::size_t start = line.find_first_not_of(' ');
+        const size_t start = line.find_first_not_of(' ');
         if (start != std::string_view::npos && line[start] == '"') {
             line.remove_prefix(start);
             quoted = takeQuoted(line);
         }
-        const std::size_t end = line.find(separator);
+        const size_t end = line.find(separator);
         fields.push_back(quoted + std::string(trimmed(line.substr(0, end))));
         if (end == std::string_view::npos) return fields;
         line.remove_prefix(end + separator.size());
     }
 }
 
-std::vector<std::size_t> fieldsNamedIn(std::string_view entry) {
-    std::vector<std::size_t> fields;
-    for (std::size_t i = 0; i < entry.size();) {
-        const std::size_t start = i;
+std::vector<size_t> fieldsNamedIn(std::string_view entry) {
+    std::vector<size_t> fields;
+    for (size_t i = 0; i < entry.size();) {
+        const size_t start = i;
         while (i < entry.size() && isOfName(entry[i])) ++i;
         const std::string word(entry.substr(start, i - start));
         if (i == start) ++i;
@@ -217,7 +217,7 @@ std::vector<std::string> namesAssignedIn(std::string_view entry) {
     while (!entry.empty()) {
         std::string_view statement = entry.substr(0, entry.find(';'));
         entry.remove_prefix(std::min(statement.size() + 1, entry.size()));
-        const std::size_t equals = statement.substr(0, statement.find('#')).find('=');
+        const size_t equals = statement.substr(0, statement.find('#')).find('=');
         if (equals == std::string_view::npos || startsWith(statement.substr(equals), "==")) continue;
         const std::string name(trimmed(statement.substr(0, equals)));
         if (isValidName(name) && name != "ans" && fieldsNamedIn(name).empty()) names.push_back(name);
@@ -240,7 +240,7 @@ void Each::Set(const std::string& name, const FieldNumber& number) {
     if (number.isNegative && !isZero) qneg(*variable->value);
 }
 
-std::string Each::TakeField(std::size_t number, const std::string& field) {
+std::string Each::TakeField(size_t number, const std::string& field) {
     const FieldNumber value = readField(field, calc.european);
     if (value.digits.empty()) return "** ERROR: '" + field + "' " + value.fault + " **";
     if (number == 1) Set("x", value);
@@ -251,7 +251,7 @@ std::string Each::TakeField(std::size_t number, const std::string& field) {
 std::string Each::Take(std::string_view line) {
     if (wanted.empty()) return "";
     const std::vector<std::string> fields = splitFields(line, separator);
-    for (const std::size_t number : wanted) {
+    for (const size_t number : wanted) {
         if (number > fields.size()) return "** ERROR: there is no field x" + std::to_string(number) + " **";
         if (fields[number - 1].empty())
             return "** ERROR: the field x" + std::to_string(number) + " is empty **";

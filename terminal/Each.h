@@ -29,7 +29,7 @@ FieldNumber readField(std::string_view field, bool hasDecimalComma);
 std::vector<std::string> splitFields(std::string_view line, std::string_view separator);
 
 // The fields that an entry names, ascending: 1 for x and x1, 2 for x2 and so on.
-std::vector<std::size_t> fieldsNamedIn(std::string_view entry);
+std::vector<size_t> fieldsNamedIn(std::string_view entry);
 
 // The variables that an entry assigns, but x, x1, ... and ans.
 std::vector<std::string> namesAssignedIn(std::string_view entry);
@@ -45,10 +45,10 @@ public:
     std::string Take(std::string_view line);
 
 private:
-    std::string TakeField(std::size_t number, const std::string& field);
+    std::string TakeField(size_t number, const std::string& field);
     void Set(const std::string& name, const FieldNumber& number);
 
     ZqCalculator& calc;
     std::string separator;
-    std::vector<std::size_t> wanted;
+    std::vector<size_t> wanted;
 };

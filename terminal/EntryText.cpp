@@ -22,8 +22,8 @@ EntryFault checkEntry(std::string_view entry) {
     if (entry.size() > MAX_ENTRY_LENGTH) return EntryFault::TooLong;
     const auto isAscii = [](char c) { return c >= ' ' && c <= '~'; }; // most entries are nothing else
     const auto* const plain = std::find_if_not(entry.begin(), entry.end(), isAscii);
-    for (std::size_t i = static_cast<std::size_t>(plain - entry.begin()); i < entry.size();) {
-        const std::size_t length = utf8Length(entry, i);
+    for (size_t i = static_cast<size_t>(plain - entry.begin()); i < entry.size();) {
+        const size_t length = utf8Length(entry, i);
         if (length == 0 || isControl(entry[i])) return EntryFault::NotText;
         i += length;
     }

@@ -10,7 +10,7 @@
 struct EntrySettings;
 
 // The longest entry, in bytes without its line end.
-constexpr std::size_t MAX_ENTRY_LENGTH = 9999;
+constexpr size_t MAX_ENTRY_LENGTH = 9999;
 
 enum class EntryFault { None, TooLong, NotText };
 

@@ -18,7 +18,7 @@ constexpr std::string_view ITEM = "- ";
 std::vector<std::string_view> linesOf(std::string_view text) {
     std::vector<std::string_view> lines;
     while (!text.empty()) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
+        const size_t end = std::min(text.find('\n'), text.size());
         lines.push_back(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
     }
@@ -28,7 +28,7 @@ std::vector<std::string_view> linesOf(std::string_view text) {
 // A line's text without the signs for code, bold and links.
 std::string withoutMarks(std::string_view line) {
     std::string text;
-    for (std::size_t i = 0; i < line.size(); ++i) {
+    for (size_t i = 0; i < line.size(); ++i) {
         if (line[i] == '`' || line.substr(i, 2) == "**") {
             i += line[i] == '`' ? 0 : 1;
         } else if (line.substr(i, 2) == "](") {
@@ -47,35 +47,35 @@ std::vector<std::string> cellsOf(std::string_view row) {
     std::vector<std::string> cells;
     row.remove_prefix(1);
     while (!row.empty()) {
-        std::size_t end = std::min(row.find('|'), row.size());
+        size_t end = std::min(row.find('|'), row.size());
         while (end > 0 && end < row.size() && row[end - 1] == '\\')
             end = std::min(row.find('|', end + 1), row.size());
         std::string cell = withoutMarks(row.substr(0, end));
         cell.erase(std::remove(cell.begin(), cell.end(), '\\'), cell.end());
-        const std::size_t start = std::min(cell.find_first_not_of(' '), cell.size());
+        const size_t start = std::min(cell.find_first_not_of(' '), cell.size());
         cells.push_back(cell.substr(start, cell.find_last_not_of(' ') + 1 - start));
         row.remove_prefix(std::min(end + 1, row.size()));
     }
     return cells;
 }
 
-std::size_t columnsOf(std::string_view text) {
-    return static_cast<std::size_t>(placeBehind(text, {}, INT_MAX).column);
+size_t columnsOf(std::string_view text) {
+    return static_cast<size_t>(placeBehind(text, {}, INT_MAX).column);
 }
 
 // The column in which the text's last line ends.
-std::size_t columnBehind(const std::string& text) {
+size_t columnBehind(const std::string& text) {
     return columnsOf(std::string_view(text).substr(text.rfind('\n') + 1));
 }
 
 // Adds the words, with line ends where a line would be wider than `width`. Such a line begins with `indent`
 // blanks.
-void addWords(std::string& text, const std::string& words, std::size_t indent, std::size_t width) {
+void addWords(std::string& text, const std::string& words, size_t indent, size_t width) {
     std::istringstream each(words);
-    std::size_t column = columnBehind(text);
+    size_t column = columnBehind(text);
     bool isFirst = true;
     for (std::string word; each >> word; isFirst = false) {
-        const std::size_t size = columnsOf(word);
+        const size_t size = columnsOf(word);
         const bool isFull = !isFirst && column + 1 + size > width;
         if (isFull) text += "\n" + std::string(indent, ' ');
         if (!isFull && !isFirst) text += ' ';
@@ -86,23 +86,23 @@ void addWords(std::string& text, const std::string& words, std::size_t indent, s
 
 // The rows with their cells below each other, without the line of dashes below the head. A cell that would
 // take too much of the width for that stands in a line of its own.
-std::string tableText(const std::vector<std::string_view>& rows, std::size_t width) {
+std::string tableText(const std::vector<std::string_view>& rows, size_t width) {
     std::vector<std::vector<std::string>> table;
-    std::vector<std::size_t> widths;
+    std::vector<size_t> widths;
     for (const std::string_view row : rows) {
         if (row.find_first_not_of("|-: ") == std::string_view::npos) continue;
         table.push_back(cellsOf(row));
         widths.resize(std::max(widths.size(), table.back().size()));
-        for (std::size_t i = 0; i < table.back().size(); ++i) {
-            const std::size_t columns = columnsOf(table.back()[i]);
+        for (size_t i = 0; i < table.back().size(); ++i) {
+            const size_t columns = columnsOf(table.back()[i]);
             if (columns <= width * 2 / 5) widths[i] = std::max(widths[i], columns);
         }
     }
-    constexpr std::size_t GAP = 2;
+    constexpr size_t GAP = 2;
     std::string text;
     for (const auto& cells : table) {
-        std::size_t start = GAP;
-        for (std::size_t i = 0; i < cells.size(); start += widths[i++] + GAP) {
+        size_t start = GAP;
+        for (size_t i = 0; i < cells.size(); start += widths[i++] + GAP) {
             if (cells[i].empty()) continue;
             if (columnBehind(text) + GAP > start && i > 0) text += '\n';
             text.append(start - columnBehind(text), ' ');
@@ -116,7 +116,7 @@ std::string tableText(const std::vector<std::string_view>& rows, std::size_t wid
 } // namespace
 
 std::string plainText(std::string_view markdown, int columns) {
-    const auto width = static_cast<std::size_t>(columns);
+    const auto width = static_cast<size_t>(columns);
     std::string text;
     std::string paragraph;
     std::vector<std::string_view> table;
@@ -163,9 +163,8 @@ std::string guideSection(std::string_view topic, int columns) {
     const std::string wanted = lowerCased(std::string(topic));
     for (const std::string& title : guideTopics()) {
         if (lowerCased(title).find(wanted) == std::string::npos) continue;
-        const std::size_t start =
-            GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
-        const std::size_t end = std::min(GUIDE_TEXT.find("\n## ", start), GUIDE_TEXT.size());
+        const size_t start = GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
+        const size_t end = std::min(GUIDE_TEXT.find("\n## ", start), GUIDE_TEXT.size());
         return plainText(GUIDE_TEXT.substr(start, end - start), columns);
     }
     return "";

@@ -21,13 +21,13 @@ bool contains(std::string_view text, std::string_view part) {
 
 // How many letters have to be changed, put in, taken out or exchanged with their neighbour to make `b` of
 // `a`. (Damerau's distance in its restricted form; the rows of the usual table.)
-std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) last[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
+size_t distance(std::string_view a, std::string_view b) {
+    std::vector<size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
+    for (size_t j = 0; j <= b.size(); ++j) last[j] = j;
+    for (size_t i = 1; i <= a.size(); ++i) {
         row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t change = a[i - 1] == b[j - 1] ? 0 : 1;
+        for (size_t j = 1; j <= b.size(); ++j) {
+            const size_t change = a[i - 1] == b[j - 1] ? 0 : 1;
             row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + change});
             if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
                 row[j] = std::min(row[j], beforeLast[j - 2] + 1);
@@ -92,7 +92,7 @@ std::string starredPower(const Trouble& trouble) {
 // 2pi, 3x4
 std::string missingStar(const Trouble& trouble) {
     const std::string& part = trouble.part;
-    const std::size_t letters = part.find_first_not_of("0123456789.,");
+    const size_t letters = part.find_first_not_of("0123456789.,");
     if (letters == 0 || letters == std::string::npos) return "";
     const std::string number = part.substr(0, letters);
     std::string factor = part.substr(letters);
@@ -107,7 +107,7 @@ std::string missingStar(const Trouble& trouble) {
 std::string missingStarBeforeParenthesis(const Trouble& trouble) {
     if (!startsWith(trouble.message, "** ERROR: could not compute")) return "";
     const std::string entry = withoutBlanks(trouble.entry);
-    for (std::size_t i = 1; i < entry.size(); ++i) {
+    for (size_t i = 1; i < entry.size(); ++i) {
         const bool isGlued = (entry[i] == '(' && (isDigit(entry[i - 1]) || entry[i - 1] == ')')) ||
                              (entry[i - 1] == ')' && (isDigit(entry[i]) || isLetter(entry[i])));
         if (isGlued)
@@ -119,7 +119,7 @@ std::string missingStarBeforeParenthesis(const Trouble& trouble) {
 // sin 30, sqrt4
 std::string missingParentheses(const Trouble& trouble) {
     const std::string& part = trouble.part;
-    const std::size_t digits = part.find_first_of("0123456789.");
+    const size_t digits = part.find_first_of("0123456789.");
     if (digits == 0 || digits == std::string::npos) return "";
     const std::string name = part.substr(0, digits);
     if (!funcs.FunctionExists(name.c_str(), 1)) return "";
@@ -149,7 +149,7 @@ constexpr Formula FORMULAS[] = {{'F', 'C', "(", "72", "-32)/1.8"}, {'F', 'K', "(
 const Scale* scaleAtEnd(std::string_view text) {
     for (const Scale& scale : SCALES) {
         if (text.size() < scale.name.size()) continue;
-        const std::size_t start = text.size() - scale.name.size();
+        const size_t start = text.size() - scale.name.size();
         if (text.substr(start) == scale.name && (start == 0 || !isLetter(text[start - 1]))) return &scale;
     }
     return nullptr;
@@ -158,7 +158,7 @@ const Scale* scaleAtEnd(std::string_view text) {
 // The number that ends the text without blanks, with the sign of one that begins an entry or a value; or
 // nothing.
 std::string_view numberAtEnd(std::string_view text) {
-    std::size_t start = text.find_last_not_of("0123456789.,") + 1;
+    size_t start = text.find_last_not_of("0123456789.,") + 1;
     if (start > 0 && start < text.size() && isLetter(text[start - 1])) return ""; // 1.5e2
     const bool isNegative = start > 0 && text[start - 1] == '-' && (start == 1 || text[start - 2] == '=');
     return text.substr(isNegative ? start - 1 : start);
@@ -172,7 +172,7 @@ std::string conversionBy(const Formula& formula, std::string_view number) {
 std::string temperature(const Trouble& trouble) {
     if (!contains(trouble.message, "ERROR 13")) return "";
     const std::string entry = withoutBlanks(trouble.entry);
-    const std::size_t arrow = entry.find("->");
+    const size_t arrow = entry.find("->");
     if (arrow == std::string::npos) return "";
     const std::string_view left = std::string_view(entry).substr(0, arrow);
     const Scale* const from = scaleAtEnd(left);
@@ -192,7 +192,7 @@ constexpr struct {
 
 std::string unknownUnit(const Trouble& trouble) {
     constexpr std::string_view TEXT = "invalid unit name '";
-    const std::size_t start = trouble.message.find(TEXT);
+    const size_t start = trouble.message.find(TEXT);
     if (start == std::string_view::npos) return "";
     const std::string_view behind = trouble.message.substr(start + TEXT.size());
     const std::string_view name = behind.substr(0, behind.find('\''));
@@ -256,27 +256,27 @@ constexpr std::string (*HINTS[])(const Trouble&) = {
 
 std::string markUnder(std::string_view entry, TextRange range, int promptWidth, int columns) {
     if (range.start < 0 || columns <= 0) return "";
-    const auto start = static_cast<std::size_t>(range.start);
-    const auto length = static_cast<std::size_t>(range.length);
+    const auto start = static_cast<size_t>(range.start);
+    const auto length = static_cast<size_t>(range.length);
     const ScreenPlace from = placeBehind(entry.substr(0, start), {0, promptWidth}, columns);
     const ScreenPlace to = placeBehind(entry.substr(start, length), from, columns);
     const ScreenPlace last = placeBehind(entry.substr(start + length), to, columns);
     if (from.row != last.row) return "";
-    const auto blanks = static_cast<std::size_t>(from.column);
-    return std::string(blanks, ' ') + std::string(static_cast<std::size_t>(to.column) - blanks, '^') + "\n";
+    const auto blanks = static_cast<size_t>(from.column);
+    return std::string(blanks, ' ') + std::string(static_cast<size_t>(to.column) - blanks, '^') + "\n";
 }
 
 std::string nearestName(std::string_view name, const std::vector<std::string>& names) {
     const std::string wanted = lowerCased(std::string(name));
     const std::string* nearest = nullptr;
-    std::size_t least = 0;
+    size_t least = 0;
     for (const std::string& candidate : names) {
         if (candidate.size() > wanted.size() + 2 || candidate.size() + 2 < wanted.size()) continue;
         const std::string lower = lowerCased(candidate);
-        const std::size_t changes = distance(wanted, lower);
-        std::size_t most = wanted.size() > 4 || (wanted.size() == 4 && lower[0] == wanted[0]) ? 2 : 1;
+        const size_t changes = distance(wanted, lower);
+        size_t most = wanted.size() > 4 || (wanted.size() == 4 && lower[0] == wanted[0]) ? 2 : 1;
         if (wanted.size() < 3) most = 0; // of a letter or two every name is near
-        const std::size_t rank = changes * 2 + (startsWith(wanted, lower) ? 0 : 1);
+        const size_t rank = changes * 2 + (startsWith(wanted, lower) ? 0 : 1);
         if (changes > most || (nearest && rank >= least)) continue;
         least = rank;
         nearest = &candidate;
@@ -286,8 +286,8 @@ std::string nearestName(std::string_view name, const std::vector<std::string>& n
 
 std::string hintAfterError(std::string_view entry, ZqCalculator& calc) {
     const TextRange range = calc.errorRange;
-    const std::size_t start = range.start < 0 ? entry.size() : static_cast<std::size_t>(range.start);
-    const std::size_t end = start + static_cast<std::size_t>(range.length);
+    const size_t start = range.start < 0 ? entry.size() : static_cast<size_t>(range.start);
+    const size_t end = start + static_cast<size_t>(range.length);
     const std::string_view before = entry.substr(0, start);
     const std::string_view behind = entry.substr(end);
     const Trouble trouble = {entry,
@@ -307,15 +307,15 @@ std::string hintAfterError(std::string_view entry, ZqCalculator& calc) {
 std::string Notes::For(std::string_view text) {
     const std::string entry = withoutBlanks(text.substr(0, text.find('#')));
     constexpr std::string_view OPERAND = "0123456789.abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
-    for (std::size_t at = 0; (at = entry.find('^', at)) != std::string::npos; ++at) {
-        const std::size_t end = entry.find_first_not_of(OPERAND, at + 1);
+    for (size_t at = 0; (at = entry.find('^', at)) != std::string::npos; ++at) {
+        const size_t end = entry.find_first_not_of(OPERAND, at + 1);
         if (!toldPowers && end != std::string::npos && end > at + 1 && entry[end] == '^') {
             toldPowers = true;
             return "powers are taken from left to right: 2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512\n";
         }
     }
-    for (std::size_t at = 1; (at = entry.find('-', at)) != std::string::npos; ++at) {
-        const std::size_t end = std::min(entry.find_first_not_of(OPERAND, at + 1), entry.size());
+    for (size_t at = 1; (at = entry.find('-', at)) != std::string::npos; ++at) {
+        const size_t end = std::min(entry.find_first_not_of(OPERAND, at + 1), entry.size());
         const bool isFactor = entry[at - 1] == '*' || entry[at - 1] == '/';
         if (!toldMinus && isFactor && end < entry.size() && entry[end] == '^') {
             toldMinus = true;

@@ -45,16 +45,16 @@ std::string orNull(const std::optional<std::string>& text) {
     return text ? jsonString(*text) : "null";
 }
 
-std::size_t charactersIn(std::string_view text) {
-    std::size_t count = 0;
+size_t charactersIn(std::string_view text) {
+    size_t count = 0;
     for (const char byte : text) count += (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U ? 1 : 0;
     return count;
 }
 
 std::string positionIn(std::string_view entry, TextRange range) {
-    if (range.start < 0 || static_cast<std::size_t>(range.start) > entry.size()) return "null";
-    const auto start = static_cast<std::size_t>(range.start);
-    const auto length = static_cast<std::size_t>(range.length);
+    if (range.start < 0 || static_cast<size_t>(range.start) > entry.size()) return "null";
+    const auto start = static_cast<size_t>(range.start);
+    const auto length = static_cast<size_t>(range.length);
     return "{\"start\": " + std::to_string(charactersIn(entry.substr(0, start))) +
            ", \"length\": " + std::to_string(charactersIn(entry.substr(start, length))) + "}";
 }
@@ -106,8 +106,8 @@ JsonAnswer jsonAnswer(const Outcome& outcome, int status, std::string_view shown
 
 std::string jsonString(std::string_view text) {
     std::string json = "\"";
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8Length(text, i);
+    for (size_t i = 0; i < text.size();) {
+        const size_t length = utf8Length(text, i);
         appendCode(json, length == 0 ? REPLACEMENT : codeOf(text.substr(i, length)));
         i += length == 0 ? 1 : length;
     }

@@ -12,7 +12,7 @@
 
 struct JsonAnswer {
     std::string_view entry = {};  // the statement
-    std::size_t line = 0;         // of the input, or the number of the argument; from 1
+    size_t line = 0;              // of the input, or the number of the argument; from 1
     std::string_view status = {}; // "value", "message", "error" or "command"
     // Null where the statement has none.
     std::optional<std::string> name = {};    // the variable that holds the value

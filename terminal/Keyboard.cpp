@@ -121,7 +121,7 @@ Keyboard::Status Keyboard::Next(std::string& line) {
             const long count = terminal.Read(block, sizeof block);
             if (count == 0) return Status::End;
             if (count < 0 && errno != EAGAIN) return Status::Failed;
-            end = count < 0 ? 0 : static_cast<std::size_t>(count);
+            end = count < 0 ? 0 : static_cast<size_t>(count);
             break;
         }
         case Event::Interrupted: return Status::Cancelled;

@@ -17,7 +17,7 @@ class Keyboard : public LineSource {
 public:
     // Reads from the terminal `from` and shows prompts and what is typed on `to` (-1: nowhere). Of each
     // line at most `length` bytes are kept. One object at a time.
-    Keyboard(PromptHost& theHost, int from, int to, std::size_t length)
+    Keyboard(PromptHost& theHost, int from, int to, size_t length)
         : host(theHost), terminal(from, to, TerminalModes::Use::Plain), screen(to), keep(length) {}
 
     Status Next(std::string& line) override;
@@ -40,11 +40,11 @@ private:
     PromptHost& host;
     TerminalModes terminal;
     int screen;
-    std::size_t keep;
+    size_t keep;
     std::string shown; // not yet written
     Escape escape = Escape::None;
     bool atEnd = false;
-    std::size_t start = 0; // block[start, end) is unread
-    std::size_t end = 0;
+    size_t start = 0; // block[start, end) is unread
+    size_t end = 0;
     char block[4096] = {};
 };

@@ -12,7 +12,7 @@ LineReader::Status LineReader::Fill() {
     const long count = readSome(descriptor, block, sizeof block);
     if (count < 0) return Status::Failed;
     start = 0;
-    end = static_cast<std::size_t>(count);
+    end = static_cast<size_t>(count);
     return count == 0 ? Status::End : Status::Line;
 }
 
@@ -39,11 +39,11 @@ LineReader::Status LineReader::Next(std::string& line) {
         if (status == Status::End) break;
         any = true;
         const char* const from = block + start;
-        const std::size_t available = end - start;
+        const size_t available = end - start;
         const void* const feed = std::memchr(from, '\n', available);
-        const std::size_t count =
-            feed == nullptr ? available : static_cast<std::size_t>(static_cast<const char*>(feed) - from);
-        const std::size_t kept = std::min(count, keep - line.size());
+        const size_t count =
+            feed == nullptr ? available : static_cast<size_t>(static_cast<const char*>(feed) - from);
+        const size_t kept = std::min(count, keep - line.size());
         line.append(from, kept);
         complete = complete && kept == count;
         start += count;

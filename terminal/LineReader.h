@@ -15,7 +15,7 @@ public:
     };
 
     // Reads from `from`, which stays the caller's. Of each line at most `length` bytes are kept.
-    LineReader(int from, std::size_t length) : descriptor(from), keep(length) {}
+    LineReader(int from, size_t length) : descriptor(from), keep(length) {}
 
     // Puts the next line into `line`, without its LF or CR LF. Of a line longer than that its first
     // bytes are given and the rest is read and dropped, whatever its length. Bytes behind the last LF are a
@@ -36,8 +36,8 @@ private:
     static void DropCarriageReturn(std::string& line, bool complete);
 
     int descriptor;
-    std::size_t keep;
-    std::size_t start = 0; // block[start, end) is unread
-    std::size_t end = 0;
+    size_t keep;
+    size_t start = 0; // block[start, end) is unread
+    size_t end = 0;
     char block[65536] = {};
 };

@@ -23,7 +23,7 @@ public:
     virtual std::string PreviewOf(const std::string& entry) = 0;
 
     // The names that fit at the cursor.
-    virtual Completion CompletionsAt(const std::string& entry, std::size_t cursor) = 0;
+    virtual Completion CompletionsAt(const std::string& entry, size_t cursor) = 0;
 
     // Whether a minus that is typed first is a sign.
     virtual bool MinusIsSign() const = 0;

@@ -97,7 +97,7 @@ private:
     }
 
     void TakeName(std::string_view argument) {
-        const std::size_t equals = argument.find('=');
+        const size_t equals = argument.find('=');
         Given given;
         given.shown = argument.substr(0, equals);
         given.hasValue = equals != std::string_view::npos;
@@ -110,7 +110,7 @@ private:
     }
 
     void TakeLetters(std::string_view argument) {
-        for (std::size_t i = 1; i < argument.size() || i == 1; ++i) {
+        for (size_t i = 1; i < argument.size() || i == 1; ++i) {
             Given given;
             given.shown = argument.substr(0, i + 1);
             for (const OptionRow& row : TABLE) {
@@ -198,7 +198,7 @@ private:
 };
 
 // Where the help of an option begins; further right, it goes to the next line.
-constexpr std::size_t HELP_COLUMN = 25;
+constexpr size_t HELP_COLUMN = 25;
 
 std::string helpOf(const OptionRow& row) {
     std::string line = row.letter != 0 ? std::string("  -") + row.letter + ", --" : "      --";

@@ -58,7 +58,7 @@ std::string takeEntries(ZqCalculator& calc, const std::string& name, const std::
     std::string errors;
     std::istringstream lines(text);
     std::string line;
-    for (std::size_t number = 1; std::getline(lines, line); ++number) {
+    for (size_t number = 1; std::getline(lines, line); ++number) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (isBlank(line)) continue;
         std::string_view error = faultMessage(checkEntry(line));

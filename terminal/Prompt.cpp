@@ -32,7 +32,7 @@ constexpr char PROMPT[] = "> ";
 constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
 // One byte more than an entry may have tells an overlong line apart.
-constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
+constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
 class Prompt : public PromptHost {
 public:
@@ -43,7 +43,7 @@ public:
     std::string PromptText(bool forEditor) const override;
     long DoDue() override { return files.DoDue(); }
     std::string PreviewOf(const std::string& entry) override;
-    Completion CompletionsAt(const std::string& entry, std::size_t cursor) override;
+    Completion CompletionsAt(const std::string& entry, size_t cursor) override;
     bool MinusIsSign() const override { return files.ValueOf("doublenegans") != 0; }
 
 private:
@@ -79,7 +79,7 @@ std::string Prompt::PromptText(bool forEditor) const {
     if (!options.hasColours) return text;
     std::string inColour = coloured(Shade::Prompt, text);
     if (!forEditor) return inColour;
-    const std::size_t start = inColour.find(text);
+    const size_t start = inColour.find(text);
     return "\001" + inColour.substr(0, start) + "\002" + text + "\001" +
            inColour.substr(start + text.size()) + "\002";
 }
@@ -101,7 +101,7 @@ PromptEnd Prompt::Run() {
 }
 
 Session::Outcome Prompt::Answer(const std::string& line, bool isPasted) {
-    const std::size_t start = line.find_first_not_of(" \t");
+    const size_t start = line.find_first_not_of(" \t");
     const bool isWord = start != std::string::npos && line[start] == ':';
     const bool isRecorded = session.Calculator().histStack && checkEntry(line) == EntryFault::None;
     if (isRecorded && !strIsEqualNI(line.c_str(), "histstack off", 13) && files.AddToHistory(line))
@@ -170,7 +170,7 @@ std::string Prompt::PreviewOf(const std::string& entry) {
     return typed == shown || isTyped ? "" : text;
 }
 
-Completion Prompt::CompletionsAt(const std::string& entry, std::size_t cursor) {
+Completion Prompt::CompletionsAt(const std::string& entry, size_t cursor) {
     return completionsAt(entry, cursor, session.Calculator());
 }
 

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::size_t WIDTH = 80; // of the lists, in columns
+constexpr size_t WIDTH = 80; // of the lists, in columns
 
 PromptReply refuse(const std::string& text) {
     return {PromptReply::ERROR, text + "\n"};
@@ -30,9 +30,9 @@ bool containsI(std::string_view text, std::string_view part) {
 
 // "  left      right", the right texts below each other.
 std::string twoColumns(std::string_view left, std::string_view right) {
-    constexpr std::size_t COLUMN = 26;
+    constexpr size_t COLUMN = 26;
     if (right.empty()) return "  " + std::string(left) + "\n";
-    const std::size_t padding = left.size() < COLUMN ? COLUMN - left.size() : 2;
+    const size_t padding = left.size() < COLUMN ? COLUMN - left.size() : 2;
     return "  " + std::string(left) + std::string(padding, ' ') + std::string(right) + "\n";
 }
 
@@ -49,7 +49,7 @@ std::string helpOfWords() {
         text += twoColumns(left, word.help);
     }
     text += "Topics for :help:";
-    std::size_t column = WIDTH;
+    size_t column = WIDTH;
     for (const std::string& topic : guideTopics()) {
         if (column + topic.size() + 3 > WIDTH) {
             text += "\n  ";
@@ -198,7 +198,7 @@ PromptReply set(const PromptState& state, const std::string& argument) {
         for (const Setting& setting : SETTINGS) text += settingLine(setting, state.settings);
         return {PromptReply::TEXT, text};
     }
-    const std::size_t blank = std::min(argument.find_first_of(" \t="), argument.size());
+    const size_t blank = std::min(argument.find_first_of(" \t="), argument.size());
     const std::string name = argument.substr(0, blank);
     const std::string text =
         argument.substr(std::min(argument.find_first_not_of(" \t=", blank), argument.size()));
@@ -260,9 +260,9 @@ const std::vector<PromptWord>& promptWords() {
 }
 
 PromptReply runPromptWord(const PromptState& state, std::string_view line) {
-    const std::size_t end = std::min(line.find_first_of(" \t"), line.size());
+    const size_t end = std::min(line.find_first_of(" \t"), line.size());
     const std::string typed = lowerCased(std::string(line.substr(0, end)));
-    const std::size_t start = std::min(line.find_first_not_of(" \t", end), line.size());
+    const size_t start = std::min(line.find_first_not_of(" \t", end), line.size());
     const std::string argument(line.substr(start, line.find_last_not_of(" \t") + 1 - start));
     const PromptWord* found = nullptr;
     for (const PromptWord& word : promptWords()) {

@@ -243,9 +243,9 @@ bool ReadlineEditor::ReadBytes(long patience) {
     isAtEnd = count == 0;
     failure = count < 0 && errno != EAGAIN ? errno : 0;
     if (count <= 0) return false;
-    lastRead = static_cast<std::size_t>(count);
+    lastRead = static_cast<size_t>(count);
     piece.append(block, lastRead);
-    const std::size_t whole = wholeCharacters(piece);
+    const size_t whole = wholeCharacters(piece);
     bytes = signs.Read(std::string_view(piece).substr(0, whole));
     piece.erase(0, whole);
     taken = 0;
@@ -280,7 +280,7 @@ void ReadlineEditor::RunKeys() {
 
 int ReadlineEditor::TypeOperator(int count, int key) {
     const bool isTyped = current->terminal.MarksPastes() || current->lastRead == 1;
-    const auto change = changeByOperator(rl_line_buffer, static_cast<std::size_t>(rl_point),
+    const auto change = changeByOperator(rl_line_buffer, static_cast<size_t>(rl_point),
                                          static_cast<char>(key), current->host.MinusIsSign());
     if (!change || !isTyped) return rl_insert(count, key);
     rl_begin_undo_group();
@@ -296,13 +296,13 @@ int ReadlineEditor::TypeOperator(int count, int key) {
 
 // Up to the mark of its end, which is taken, too. Empty when it was given up.
 std::string ReadlineEditor::ReadPaste() {
-    constexpr std::size_t MARK = sizeof PASTE_END - 1;
+    constexpr size_t MARK = sizeof PASTE_END - 1;
     std::string text;
-    std::size_t searched = 0;
+    size_t searched = 0;
     for (;;) {
         text.append(bytes, taken, std::string::npos);
         taken = bytes.size();
-        const std::size_t end = text.find(PASTE_END, searched);
+        const size_t end = text.find(PASTE_END, searched);
         if (end != std::string::npos) {
             bytes = text.substr(end + MARK);
             taken = 0;
@@ -321,7 +321,7 @@ int ReadlineEditor::TakePaste(int, int) {
     ReadlineEditor& editor = *current;
     const std::string text = editor.ReadPaste();
     std::vector<std::string> lines(1);
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
         if (text[i] == '\r' || text[i] == '\n')
             lines.emplace_back();
@@ -334,7 +334,7 @@ int ReadlineEditor::TakePaste(int, int) {
     }
     editor.isPasted = true;
     const std::string entry = rl_line_buffer;
-    const auto cursor = static_cast<std::size_t>(rl_point);
+    const auto cursor = static_cast<size_t>(rl_point);
     editor.keptCursor = static_cast<int>(lines.back().size());
     editor.kept = lines.back() + entry.substr(cursor);
     editor.pasted.assign(std::make_move_iterator(lines.begin() + 1),
@@ -394,7 +394,7 @@ char** ReadlineEditor::Complete(const char* word, int, int) {
     rl_attempted_completion_over = 1; // no names of files
     rl_completion_suppress_append = 1;
     const std::vector<std::string> found =
-        current->host.CompletionsAt(rl_line_buffer, static_cast<std::size_t>(rl_point)).candidates;
+        current->host.CompletionsAt(rl_line_buffer, static_cast<size_t>(rl_point)).candidates;
     if (found.empty()) return nullptr;
     std::string common = found.front();
     for (const std::string& one : found) {
@@ -444,8 +444,8 @@ void ReadlineEditor::FollowSize() {
 void ReadlineEditor::Places(ScreenPlace& cursor, ScreenPlace& end, int& width) const {
     int height = 0;
     rl_get_screen_size(&height, &width);
-    const std::string_view line(rl_line_buffer, static_cast<std::size_t>(rl_end));
-    const auto point = static_cast<std::size_t>(rl_point);
+    const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
+    const auto point = static_cast<size_t>(rl_point);
     const ScreenPlace begin = placeBehind(modeText() + withoutMarkedParts(prompt), {}, width);
     cursor = placeBehind(line.substr(0, point), begin, width);
     end = placeBehind(line.substr(point), cursor, width);

@@ -70,8 +70,8 @@ private:
     // gets.
     std::string piece;
     std::string bytes;
-    std::size_t taken = 0;    // of `bytes`
-    std::size_t lastRead = 0; // so many came together last
+    size_t taken = 0;    // of `bytes`
+    size_t lastRead = 0; // so many came together last
     bool isAtEnd = false;
     int failure = 0; // errno of a read that failed
     TypedSigns signs;

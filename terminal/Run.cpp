@@ -14,10 +14,10 @@ namespace {
 constexpr const char* STANDARD_INPUT = "-"; // as the name of a file
 
 // One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
-constexpr std::size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
+constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
 // Of a line of data for --each.
-constexpr std::size_t MAX_DATA_LENGTH = 1 << 20;
+constexpr size_t MAX_DATA_LENGTH = 1 << 20;
 
 // Some programs begin a file with it.
 constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
@@ -44,7 +44,7 @@ int Run::Evaluate() {
     std::optional<Each> each; // before the inputs, which may set other values to begin with
     if (!options.each.empty()) each.emplace(session.Calculator(), options.each, options.separator);
     Over over;
-    std::size_t number = 0;
+    size_t number = 0;
     for (const Options::Input& input : options.inputs) {
         session.SetPlace(++number);
         over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
@@ -103,7 +103,7 @@ Run::Over Run::Answer(Session::Outcome outcome) {
 Run::Over Run::EvaluateEach(Each& each) {
     const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1);
     std::string line;
-    for (std::size_t number = 1;; ++number) {
+    for (size_t number = 1;; ++number) {
         if (!MayRead(*reader)) return outputLost(errno);
         const LineReader::Status status = reader->Next(line);
         if (status == LineReader::Status::Failed) return InputLost("standard input");
@@ -137,7 +137,7 @@ Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
     const auto reader = std::make_unique<LineReader>(descriptor, KEPT_LENGTH);
     const bool isFile = descriptor != STDIN_FILENO;
     std::string line;
-    for (std::size_t number = 1;; ++number) {
+    for (size_t number = 1;; ++number) {
         if (!MayRead(*reader)) return outputLost(errno);
         const LineReader::Status status = reader->Next(line);
         if (status == LineReader::Status::Failed) return InputLost(name);

@@ -9,8 +9,8 @@
 namespace {
 
 // Bytes that are no UTF-8 count as a character each.
-std::size_t lengthAt(std::string_view text, std::size_t start) {
-    return std::max<std::size_t>(utf8Length(text, start), 1);
+size_t lengthAt(std::string_view text, size_t start) {
+    return std::max<size_t>(utf8Length(text, start), 1);
 }
 
 int widthOf(std::string_view character) {
@@ -18,7 +18,7 @@ int widthOf(std::string_view character) {
         return static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7F ? 2 : 1;
     wchar_t wide = 0;
     std::mbstate_t state = {};
-    const std::size_t read = std::mbrtowc(&wide, character.data(), character.size(), &state);
+    const size_t read = std::mbrtowc(&wide, character.data(), character.size(), &state);
     return read == character.size() ? std::max(wcwidth(wide), 0) : 1;
 }
 
@@ -26,7 +26,7 @@ int widthOf(std::string_view character) {
 
 ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width) {
     ScreenPlace place = from;
-    for (std::size_t i = 0; i < text.size();) {
+    for (size_t i = 0; i < text.size();) {
         const std::string_view character = text.substr(i, lengthAt(text, i));
         const int columns = character == "\t" ? 8 - place.column % 8 : widthOf(character);
         if (columns == 2 && character.size() > 1 && place.column + columns > width)
@@ -52,8 +52,8 @@ std::string withoutMarkedParts(std::string_view text) {
 
 std::string cutToWidth(std::string_view text, int width) {
     int columns = 0;
-    std::size_t kept = 0; // what fits beside the mark
-    for (std::size_t i = 0; i < text.size();) {
+    size_t kept = 0; // what fits beside the mark
+    for (size_t i = 0; i < text.size();) {
         const std::string_view character = text.substr(i, lengthAt(text, i));
         columns += widthOf(character);
         if (columns > width) return std::string(text.substr(0, kept)) + "…";
@@ -63,12 +63,12 @@ std::string cutToWidth(std::string_view text, int width) {
     return std::string(text);
 }
 
-std::size_t wholeCharacters(std::string_view text) {
-    for (std::size_t back = 1; back <= std::min<std::size_t>(3, text.size()); ++back) {
+size_t wholeCharacters(std::string_view text) {
+    for (size_t back = 1; back <= std::min<size_t>(3, text.size()); ++back) {
         const auto lead = static_cast<unsigned char>(text[text.size() - back]);
         if (lead < 0x80) break;
         if (lead < 0xC0) continue;
-        const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+        const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
         return length > back ? text.size() - back : text.size();
     }
     return text.size();

@@ -26,4 +26,4 @@ std::string withoutMarkedParts(std::string_view text);
 std::string cutToWidth(std::string_view text, int width);
 
 // So many bytes of the UTF-8 text as make whole characters: its last one may have only begun.
-std::size_t wholeCharacters(std::string_view text);
+size_t wholeCharacters(std::string_view text);

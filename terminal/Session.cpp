@@ -22,8 +22,8 @@ namespace {
 constexpr std::string_view BLANKS = " \t";
 
 // The length of the character at the front of the text.
-std::size_t characterLength(std::string_view text) {
-    std::size_t length = 1;
+size_t characterLength(std::string_view text) {
+    size_t length = 1;
     while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) ++length;
     return length;
 }
@@ -198,7 +198,7 @@ Session::Outcome Session::Clear() {
 Session::Outcome Session::TypeOut(std::string_view text, long wait) {
     if (style.quiet || style.last || style.json) return Remark(text);
     while (!text.empty()) {
-        const std::size_t length = characterLength(text);
+        const size_t length = characterLength(text);
         if (!answers.Write(text.substr(0, length)) || !Flush()) return Outcome::OutputLost;
         text.remove_prefix(length);
         if (wait > 0 && !text.empty()) sleepUnlessInterrupted(wait);

@@ -37,7 +37,7 @@ public:
 
     // Where the next entry comes from: the line of the input or the number of the argument, and what is
     // written in front of an error, such as "line 7: ".
-    void SetPlace(std::size_t number, const std::string& text = "") {
+    void SetPlace(size_t number, const std::string& text = "") {
         line = number;
         place = text;
     }
@@ -106,7 +106,7 @@ private:
     AnswerStream answers;
     int errors;
     Style style;
-    std::size_t line = 0;
+    size_t line = 0;
     std::string place;
     ErrorForm errorForm;
     std::string lastValue; // held back, as it will be written

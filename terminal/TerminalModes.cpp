@@ -158,7 +158,7 @@ TerminalModes::Event TerminalModes::Wait(long milliseconds) {
     return error == EINTR ? Event::Rest : Event::Failed;
 }
 
-long TerminalModes::Read(char* to, std::size_t size) const {
+long TerminalModes::Read(char* to, size_t size) const {
     const ssize_t count = read(input, to, size);
     if (count < 0 && errno == EIO) return 0;
     if (count < 0 && (errno == EINTR || errno == EWOULDBLOCK)) errno = EAGAIN;

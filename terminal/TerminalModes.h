@@ -58,7 +58,7 @@ public:
 
     // Reads what is there. -1 with errno set on a failure; 0 at the end, also when the terminal is gone; and
     // -1 with EAGAIN when there was nothing after all.
-    long Read(char* to, std::size_t size) const;
+    long Read(char* to, size_t size) const;
 
     // Whether what is typed is to be shown: whoever turned that off wants it off.
     bool Echoes() const { return (modes.c_lflag & ECHO) != 0; }

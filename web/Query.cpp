@@ -31,10 +31,10 @@ bool isWebAddress(std::string_view address) {
 constexpr std::string_view GOOD_END = "\n2?? 0";
 
 // The length of the page in front of that; 0 when the output ends in another way.
-std::size_t pageLength(std::string_view output) {
+size_t pageLength(std::string_view output) {
     if (output.size() < GOOD_END.size()) return 0;
-    const std::size_t length = output.size() - GOOD_END.size();
-    for (std::size_t i = 0; i < GOOD_END.size(); ++i) {
+    const size_t length = output.size() - GOOD_END.size();
+    for (size_t i = 0; i < GOOD_END.size(); ++i) {
         if (GOOD_END[i] != '?' && GOOD_END[i] != output[length + i]) return 0;
     }
     return length;
@@ -52,7 +52,7 @@ bool readAll(int descriptor, Clock::time_point deadline, const std::function<boo
         const ssize_t count = read(descriptor, block, sizeof block);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return count == 0;
-        output.append(block, static_cast<std::size_t>(count));
+        output.append(block, static_cast<size_t>(count));
     }
     return false;
 }
@@ -106,13 +106,13 @@ std::string queryAddress(std::string_view service, std::string_view query) {
 }
 
 std::string answerInPage(std::string_view page) {
-    const std::size_t pod = page.find("pod_0200");
+    const size_t pod = page.find("pod_0200");
     if (pod == std::string_view::npos || !isUtf8(page)) return "";
-    const std::size_t title = page.find("title", pod);
+    const size_t title = page.find("title", pod);
     if (title == std::string_view::npos) return "";
-    const std::size_t open = page.find('"', title);
+    const size_t open = page.find('"', title);
     if (open == std::string_view::npos) return "";
-    const std::size_t close = page.find('"', open + 1);
+    const size_t close = page.find('"', open + 1);
     std::string answer(page.substr(open + 1, close == std::string_view::npos ? close : close - open - 1));
     std::replace_if(
         answer.begin(), answer.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');

@@ -12,7 +12,7 @@
 constexpr int QUERY_SECONDS = 20;
 
 // The longest page that is read, in bytes. A longer one holds no answer.
-constexpr std::size_t LONGEST_PAGE = std::size_t{8} << 20;
+constexpr size_t LONGEST_PAGE = size_t{8} << 20;
 
 // What the service at an http or https address answers to a query such as "convert+5+miles+to+km", in UTF-8:
 // an HTTP GET of its path /input/?i=QUERY by the program curl, for so many seconds at most. Redirections are

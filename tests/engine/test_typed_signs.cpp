@@ -43,7 +43,7 @@ TEST(TypedSigns, RaisedDigitsThatComeOneByOneAreOneExponent) {
 }
 
 // What an entry becomes when the character is typed at the place.
-std::string typeInto(const std::string& entry, std::size_t place, char typed, bool minusIsSign) {
+std::string typeInto(const std::string& entry, size_t place, char typed, bool minusIsSign) {
     const auto change = changeByOperator(entry, place, typed, minusIsSign);
     if (!change) return entry.substr(0, place) + typed + entry.substr(place);
     return change->text + std::string(1, typed) + entry.substr(change->length);

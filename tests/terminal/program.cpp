@@ -105,7 +105,7 @@ public:
             if (errno != EAGAIN && errno != EINTR) Pipe::Shut(descriptor); // the program has ended
             return;
         }
-        offset += static_cast<std::size_t>(count);
+        offset += static_cast<size_t>(count);
         if (offset < chunk.size()) return;
         offset = 0;
         if (--times == 0) Pipe::Shut(descriptor);
@@ -113,9 +113,9 @@ public:
 
 private:
     const std::string& chunk;
-    std::size_t times;
+    size_t times;
     int& descriptor;
-    std::size_t offset = 0;
+    size_t offset = 0;
 };
 
 // Takes what is there; closes the descriptor at its end.
@@ -123,7 +123,7 @@ void collect(int& descriptor, std::string& to) {
     char block[65536];
     const ssize_t count = read(descriptor, block, sizeof block);
     if (count > 0) {
-        to.append(block, static_cast<std::size_t>(count));
+        to.append(block, static_cast<size_t>(count));
     } else if (count == 0 || (errno != EAGAIN && errno != EINTR)) {
         Pipe::Shut(descriptor);
     }
@@ -154,7 +154,7 @@ void cleanEnvironment(const std::vector<std::string>& changes) {
     for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) unsetenv(name);
     setenv("HOME", "/nonexistent", 1);
     for (const std::string& change : changes) {
-        const std::size_t equals = change.find('=');
+        const size_t equals = change.find('=');
         setenv(change.substr(0, equals).c_str(), change.substr(equals + 1).c_str(), 1);
     }
 }
@@ -256,7 +256,7 @@ std::string Terminal::ReadUntil(const std::string& end, int patience) {
         char block[4096];
         const ssize_t count = read(master, block, sizeof block);
         if (count <= 0) break; // the program has left the terminal
-        shown.append(block, static_cast<std::size_t>(count));
+        shown.append(block, static_cast<size_t>(count));
     }
     return shown;
 }

@@ -12,7 +12,7 @@
 struct Invocation {
     std::vector<std::string> arguments;
     std::string input;          // fed to standard input ...
-    std::size_t inputTimes = 1; // ... this many times
+    size_t inputTimes = 1;      // ... this many times
     std::string outputFile;     // standard output goes there instead of a pipe
     bool closeInput = false;    // the program starts with descriptor 0 closed
     bool closeOutput = false;   // the program starts with descriptor 1 closed

@@ -26,7 +26,7 @@ protected:
     std::string Written() const {
         std::string text(100000, '\0');
         const ssize_t count = read(ends[0], text.data(), text.size());
-        text.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        text.resize(count > 0 ? static_cast<size_t>(count) : 0);
         return text;
     }
 

@@ -26,7 +26,7 @@ protected:
 
     // What fits at the bar.
     Names At(const std::string& marked) const {
-        const std::size_t cursor = marked.find('|');
+        const size_t cursor = marked.find('|');
         return completionsAt(marked.substr(0, cursor) + marked.substr(cursor + 1), cursor, calc).candidates;
     }
     bool Fits(const std::string& marked, const std::string& name) const {

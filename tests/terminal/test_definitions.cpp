@@ -31,7 +31,7 @@ Names namesIn(const std::string& name) {
     std::ifstream file(fileOf(name));
     for (std::string line; std::getline(file, line);) {
         if (line.empty() || line[0] == '#') continue;
-        const std::size_t start = line.rfind("unit ", 0) == 0 ? 5 : 0;
+        const size_t start = line.rfind("unit ", 0) == 0 ? 5 : 0;
         EXPECT_TRUE(names.insert(line.substr(start, line.find_first_of("(=", start) - start)).second) << line;
     }
     EXPECT_FALSE(names.empty()) << name;
@@ -173,7 +173,7 @@ TEST(EverydayUnits, AreThoseOfGnuUnits) {
     }
     EXPECT_EQ(tested, namesIn("everyday"));
     const std::vector<double> answers = answersWith("everyday", entries);
-    for (std::size_t i = 0; i < answers.size(); ++i)
+    for (size_t i = 0; i < answers.size(); ++i)
         expectNear(answers[i], gnuFactor(UNITS[i].gnuName, UNITS[i].inSi), 4e-16, UNITS[i].name);
 }
 
@@ -319,7 +319,7 @@ TEST(Time, DaysAreThoseOfTheCalendar) {
         }
     }
     const std::vector<double> answers = answersWith("time", entries);
-    for (std::size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(answers[i], expected[i]) << entries[i];
+    for (size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(answers[i], expected[i]) << entries[i];
     EXPECT_EQ(namesIn("time"), (Names{"hours", "wholeHours", "restMinutes", "fromClock", "toClock",
                                       "marchYear", "marchMonth", "yearDays", "dayNumber", "weekday"}));
 }

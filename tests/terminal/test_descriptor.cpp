@@ -37,7 +37,7 @@ protected:
             while (!isOver && IsWritable()) std::this_thread::yield();
             const ssize_t count = read(ends[0], block, sizeof block);
             if (count <= 0) return all;
-            all.append(block, static_cast<std::size_t>(count));
+            all.append(block, static_cast<size_t>(count));
         }
     }
 

@@ -51,10 +51,10 @@ int rowsOfEntries(const char* path) {
 
 // Types the transcript that begins at the line and reaches to the end of the block: entries behind "> ", and
 // what they show.
-void evaluateTranscript(const Lines& lines, std::size_t start) {
+void evaluateTranscript(const Lines& lines, size_t start) {
     Terminal terminal({});
     terminal.ReadUntil("> ");
-    std::size_t i = start;
+    size_t i = start;
     while (i < lines.size() && lines[i] != "```") {
         const std::string entry = lines[i].size() > 2 ? lines[i].substr(2) : "";
         std::string shown;
@@ -70,7 +70,7 @@ void evaluateTranscript(const Lines& lines, std::size_t start) {
 int evaluateTranscripts(const char* path) {
     const Lines lines = linesOf(path);
     int transcripts = 0;
-    for (std::size_t i = 1; i < lines.size(); ++i) {
+    for (size_t i = 1; i < lines.size(); ++i) {
         if (lines[i - 1] != "```" || lines[i].rfind("> ", 0) != 0) continue;
         evaluateTranscript(lines, i);
         ++transcripts;

@@ -12,7 +12,7 @@
 namespace {
 
 using Texts = std::vector<std::string>;
-using Numbers = std::vector<std::size_t>;
+using Numbers = std::vector<size_t>;
 
 std::string textOf(const FieldNumber& number) {
     return number.digits.empty() ? "'" + number.fault + "'" : (number.isNegative ? "-" : "") + number.digits;

@@ -89,7 +89,7 @@ TEST(ControlC, EndsAPauseAndTypedText) {
     char shown[100] = "";
     const ssize_t count = read(answers[0], shown, sizeof shown);
     close(answers[0]);
-    EXPECT_EQ(std::string(shown, static_cast<std::size_t>(count)), "aans = 2\n");
+    EXPECT_EQ(std::string(shown, static_cast<size_t>(count)), "aans = 2\n");
 }
 
 TEST(ControlC, AtThePromptDropsWhatIsTyped) {

@@ -14,11 +14,11 @@ using Lines = std::vector<std::string>;
 using std::string_literals::operator""s;
 
 // The lines of `text`, each cut at `keep` bytes, sent through a pipe in pieces of `step` bytes.
-Lines linesOf(const std::string& text, std::size_t keep, std::size_t step = 65536) {
+Lines linesOf(const std::string& text, size_t keep, size_t step = 65536) {
     int ends[2];
     EXPECT_EQ(pipe(ends), 0);
     std::thread writer([&] {
-        for (std::size_t i = 0; i < text.size(); i += step) {
+        for (size_t i = 0; i < text.size(); i += step) {
             const std::string piece = text.substr(i, step);
             EXPECT_EQ(write(ends[1], piece.data(), piece.size()), static_cast<ssize_t>(piece.size()));
         }

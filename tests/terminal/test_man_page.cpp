@@ -29,7 +29,7 @@ std::string contentOf(const std::string& path) {
 }
 
 void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t i = text.find(from); i != std::string::npos; i = text.find(from, i + to.size()))
+    for (size_t i = text.find(from); i != std::string::npos; i = text.find(from, i + to.size()))
         text.replace(i, from.size(), to);
 }
 
@@ -62,7 +62,7 @@ std::string shellShows(const std::string& folder, const std::string& command) {
     std::string shown;
     char block[4096];
     for (ssize_t count = 0; (count = read(ends[0], block, sizeof block)) > 0;)
-        shown.append(block, static_cast<std::size_t>(count));
+        shown.append(block, static_cast<size_t>(count));
     close(ends[0]);
     waitpid(child, nullptr, 0);
     return shown;
@@ -114,7 +114,7 @@ Names namesIn(const std::string& text, const char* pattern) {
 
 TEST(ManPage, HasTheOptionsThatThereAre) {
     const std::string page = manPage();
-    const std::size_t start = page.find("\n.SH OPTIONS\n");
+    const size_t start = page.find("\n.SH OPTIONS\n");
     const std::string options = page.substr(start, page.find("\n.SH ", start + 1) - start);
     EXPECT_EQ(namesIn(options, "\n\\.TP\n[^\n]*--([a-z-]+)"), longNames());
     for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
@@ -140,7 +140,7 @@ TEST(ManPage, HasTheSectionsOfOne) {
 
 TEST(ManPage, TellsWhatThePromptHas) {
     const std::string page = manPage();
-    const std::size_t start = page.find("\n.SH PROMPT\n");
+    const size_t start = page.find("\n.SH PROMPT\n");
     ASSERT_NE(start, std::string::npos);
     const std::string section = page.substr(start, page.find("\n.SH ", start + 1) - start);
     for (const PromptWord& word : promptWords())

@@ -137,7 +137,7 @@ TEST(Options, SettingsAreReadFromTheTableOfSettings) {
     ASSERT_EQ(options.settings.size(), 4U) << options.refusal;
     const std::vector<std::pair<std::string, int>> expected = {
         {"degmode", 0}, {"dispbase", 16}, {"sigfigs", 50}, {"schar", '\''}};
-    for (std::size_t i = 0; i < expected.size(); ++i) {
+    for (size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(options.settings[i].first->key, expected[i].first);
         EXPECT_EQ(options.settings[i].second, expected[i].second);
     }

@@ -14,7 +14,7 @@ const std::string TOO_LONG = "** ERROR: 10000 max characters **\n";
 const std::string NOT_TEXT = "** Invalid character/encoding used. **\n";
 
 // A sum of ones that is `length` characters long (an odd number), and so (length + 1) / 2.
-std::string sumOfOnes(std::size_t length) {
+std::string sumOfOnes(size_t length) {
     std::string sum = "1";
     while (sum.size() < length) sum += "+1";
     return sum;
@@ -104,8 +104,8 @@ TEST(Usage, TraceGoesToStandardErrorWhenAskedFor) {
     const Result run = evaluate({"--trace", "(1+2)*3", "((1)"});
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "ans = 9\n");
-    const std::size_t trace = run.err.find("Attempting ProcParenth...");
-    const std::size_t error = run.err.find("** ERROR: missing parenthesis **\n");
+    const size_t trace = run.err.find("Attempting ProcParenth...");
+    const size_t error = run.err.find("** ERROR: missing parenthesis **\n");
     EXPECT_NE(trace, std::string::npos) << run.err;
     EXPECT_NE(error, std::string::npos) << run.err;
     EXPECT_LT(trace, error); // each entry's trace comes before the next entry
@@ -153,7 +153,7 @@ TEST(StandardInput, ALineOf9999CharactersIsAnswered) {
 }
 
 TEST(StandardInput, ALongerLineIsRefusedAndTheNextOneIsAnswered) {
-    for (const std::size_t length : {10000U, 10001U, 10002U, 10003U, 65536U, 300000U}) {
+    for (const size_t length : {10000U, 10001U, 10002U, 10003U, 65536U, 300000U}) {
         expectRun(pipeThrough(std::string(length, '1') + "\n1+1\n"), 1, "ans = 2\n", TOO_LONG);
         expectRun(pipeThrough(std::string(length, '1') + "\r\n1+1\n"), 1, "ans = 2\n", TOO_LONG);
         expectRun(pipeThrough(std::string(length, '1')), 1, "", TOO_LONG);

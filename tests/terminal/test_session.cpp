@@ -35,7 +35,7 @@ protected:
     static std::string Take(int descriptor) {
         char text[4096];
         const ssize_t count = read(descriptor, text, sizeof text);
-        return count > 0 ? std::string(text, static_cast<std::size_t>(count)) : std::string();
+        return count > 0 ? std::string(text, static_cast<size_t>(count)) : std::string();
     }
     std::string Answers() const { return Take(answers[0]); }
     std::string Errors() const { return Take(errors[0]); }

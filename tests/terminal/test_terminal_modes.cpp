@@ -54,12 +54,12 @@ TEST_F(TerminalModesTest, GivesBackTheActionsThatItFound) {
     found.sa_flags = SA_RESTART;
     sigaddset(&found.sa_mask, SIGUSR1);
     struct sigaction before[std::size(SIGNALS)];
-    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) sigaction(SIGNALS[i], &found, &before[i]);
+    for (size_t i = 0; i < std::size(SIGNALS); ++i) sigaction(SIGNALS[i], &found, &before[i]);
     {
         const TerminalModes terminal(nearEnd, -1, TerminalModes::Use::Plain);
         for (const int signal : SIGNALS) EXPECT_NE(actionOf(signal).sa_handler, receive) << signal;
     }
-    for (std::size_t i = 0; i < std::size(SIGNALS); ++i) {
+    for (size_t i = 0; i < std::size(SIGNALS); ++i) {
         const struct sigaction after = actionOf(SIGNALS[i]);
         EXPECT_EQ(after.sa_handler, receive) << SIGNALS[i];
         EXPECT_NE(after.sa_flags & SA_RESTART, 0) << SIGNALS[i];

@@ -171,7 +171,7 @@ bool ignoresBrokenPipes(int ignoredSignal) {
     invocation.ignoredSignal = ignoredSignal;
     EXPECT_EQ(runProgram(invocation).status, 0);
     const std::string opened = browser.Opened();
-    const std::size_t ignored = opened.find("SigIgn:");
+    const size_t ignored = opened.find("SigIgn:");
     if (ignored == std::string::npos) ADD_FAILURE() << opened;
     const unsigned long signals = std::stoul(opened.substr(ignored + 7), nullptr, 16);
     return (signals & (1UL << (SIGPIPE - 1))) != 0;

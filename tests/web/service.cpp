@@ -65,17 +65,17 @@ void Service::Answer(int connection) {
     while (head.find("\r\n\r\n") == std::string::npos) {
         const ssize_t count = recv(connection, buffer, sizeof buffer, 0);
         if (count <= 0) return;
-        head.append(buffer, static_cast<std::size_t>(count));
+        head.append(buffer, static_cast<size_t>(count));
     }
     {
         const std::lock_guard<std::mutex> lock(mutex);
         request = head.substr(0, head.find("\r\n"));
     }
     if (manner == Manner::HangsUp) return;
-    for (std::size_t sent = 0; manner != Manner::NeverAnswers && sent < bytes.size();) {
+    for (size_t sent = 0; manner != Manner::NeverAnswers && sent < bytes.size();) {
         const ssize_t count = send(connection, bytes.data() + sent, bytes.size() - sent, 0);
         if (count <= 0) return;
-        sent += static_cast<std::size_t>(count);
+        sent += static_cast<size_t>(count);
     }
     while (manner != Manner::Answers && !ends) {
         usleep(20000);
