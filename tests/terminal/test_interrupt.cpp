@@ -5,11 +5,13 @@
 #include "Session.h"
 #include "program.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <csignal>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <thread>
 #include <unistd.h>
 
@@ -52,12 +54,15 @@ TEST(ControlC, EndsAnEntryAndThePromptReturns) {
     EXPECT_EQ(terminal.Wait(), 1);
 }
 
-// Sends Ctrl-C's signal to this process, again and again, for as long as it lives.
+// Sends Ctrl-C's signal to this process, again and again, for as long as it lives. It begins when the descriptor
+// has something to read, so that the signal cannot come before what it has to interrupt.
 class Interrupter {
 public:
-    Interrupter()
-        : thread([this] {
+    explicit Interrupter(int descriptor)
+        : thread([this, descriptor] {
               while (!ends) {
+                  pollfd shown = {descriptor, POLLIN, 0};
+                  if (poll(&shown, 1, 2) == 0) continue;
                   kill(getpid(), SIGINT);
                   std::this_thread::sleep_for(std::chrono::milliseconds(2));
               }
@@ -80,16 +85,19 @@ TEST(ControlC, EndsAPauseAndTypedText) {
     ASSERT_EQ(pipe(answers), 0);
     Session session(answers[1], answers[1]);
     {
-        const Interrupter interrupter;
+        const Interrupter interrupter(answers[0]);
+        EXPECT_EQ(session.Run("echo1 abcdefgh"), Session::Outcome::Interrupted); // a second after each
         EXPECT_EQ(session.Run("pause5000"), Session::Outcome::Interrupted);
-        EXPECT_EQ(session.Run("echo1 abcdefgh"), Session::Outcome::Interrupted);
     }
     EXPECT_EQ(session.Run("1+1"), Session::Outcome::Answered);
     close(answers[1]);
     char shown[100] = "";
-    const ssize_t count = read(answers[0], shown, sizeof shown);
+    const ssize_t count = read(answers[0], shown, sizeof shown - 1);
     close(answers[0]);
-    EXPECT_EQ(std::string(shown, static_cast<size_t>(count)), "aans = 2\n");
+    const std::string text(shown, static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    EXPECT_EQ(text.substr(0, 1), "a");
+    EXPECT_EQ(text.find("abcd"), std::string::npos) << text;
+    EXPECT_NE(text.find("ans = 2\n"), std::string::npos) << text;
 }
 
 TEST(ControlC, AtThePromptDropsWhatIsTyped) {
