@@ -28,7 +28,7 @@ endef
 .PHONY: help deps build terminal run test gcc sanitize lint lint-program format bench bench-check install clean
 
 help: ## list the targets
-	@awk -F ':.*## ' '/^[a-z]+:.*## / { printf "  make %-9s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
 
 deps: ## install what building and testing need (does nothing when all is there)
 	@scripts/deps.sh test
@@ -63,8 +63,7 @@ lint: deps ## check format and licence lines, run cppcheck and clang-tidy
 	$(configure_lint) </dev/null
 	scripts/lint.sh build/lint $(JOBS)
 
-# Reading the tests with clang-tidy takes as long as a build with all tests.
-lint-program: deps
+lint-program: deps ## the same, without clang-tidy on the tests, which takes as long as building them
 	$(configure_lint) </dev/null
 	scripts/lint.sh build/lint $(JOBS) '^(qfloat|units|engine|store|web|terminal|app)/'
 
@@ -77,7 +76,7 @@ bench: deps ## build and run the benchmarks, also against other calculators
 	@set -e; for program in build/release/bin/*bench*; do $$program; done
 	bench/peers.py build/release/bin/tallyquill
 
-bench-check: deps ## count instructions and compare them with bench/instructions.txt: more than 3 % worse fails
+bench-check: deps ## count instructions: more than 3 % above bench/instructions.txt fails
 	cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=ON </dev/null
 	$(call compile,release) </dev/null
 	bench/instructions.py build/release/bin

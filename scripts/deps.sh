@@ -10,9 +10,9 @@
 # When everything is there it says nothing, asks for nothing and calls no package manager.
 set -eu
 
-# Debian 12 packages. The window: AppKit is GNUstep's, its back end draws on the X server, its runtime packages hold
-# the pasteboard server, the fonts are those it falls back on, xdg-open shows web
-# pages, and curl asks the online service.
+# Debian 12 packages. The window: AppKit is GNUstep's, its back end draws on the X server, its runtime
+# packages hold the pasteboard server, the fonts are those it falls back on, xdg-open shows web pages, and
+# curl asks the online service.
 debian_terminal="clang cmake ninja-build libpugixml-dev libreadline-dev xdg-utils curl"
 debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
     libx11-dev fonts-dejavu-core"
@@ -21,8 +21,8 @@ debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev
     man-db groff-base zsh fish
     python3 python3-pexpect python3-pyte xvfb openbox xdotool xclip x11-utils imagemagick"
 
-# Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this list
-# on a Mac yet.
+# Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this
+# list on a Mac yet.
 brew_terminal="cmake ninja pugixml readline"
 brew_run="$brew_terminal"
 brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck git"

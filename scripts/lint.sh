@@ -5,8 +5,9 @@
 #
 #   scripts/lint.sh BUILD_DIR [JOBS] [SOURCES]
 #
-# BUILD_DIR is a configured build folder with a compile_commands.json. SOURCES is an extended regular expression: of
-# the sources that it matches clang-tidy, which takes most of the time, reads those alone; without it, all.
+# BUILD_DIR is a configured build folder with a compile_commands.json. SOURCES is an extended regular
+# expression: of the sources that it matches clang-tidy, which takes most of the time, reads those alone;
+# without it, all.
 set -eu
 
 build=$1
@@ -47,7 +48,8 @@ sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 
 # Of the window it reads what is plain C++: it knows no Objective-C.
 # $1: the kinds of findings; the names of the files come on standard input.
-# clang-tidy judges parameters passed by value better. cppcheck 2.10 miscounts a std::array whose size is a sum of constants; the sanitizers watch the bounds.
+# clang-tidy judges parameters passed by value better. cppcheck 2.10 miscounts a std::array whose size is a
+# sum of constants; the sanitizers watch the bounds.
 check() {
     xargs cppcheck --quiet -j "$jobs" --std=c++17 --language=c++ --error-exitcode=1 --enable="$1" \
         --inline-suppr --library=googletest --suppress=missingIncludeSystem --suppress=containerOutOfBounds \

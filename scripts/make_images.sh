@@ -1,8 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 #
-# Draws the images of app/resources from their sources in app/art. It needs ImageMagick, an SVG renderer for it
-# (Debian: librsvg2-bin) and python3. The images are kept in the repository; run this after changing a source.
+# Draws the images of app/resources from their sources in app/art. It needs ImageMagick, an SVG renderer for
+# it (Debian: librsvg2-bin) and python3. The images are kept in the repository; run this after changing a
+# source.
 set -eu
 cd "$(dirname "$0")/.."
 art=app/art

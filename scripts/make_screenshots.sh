@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 #
-# Takes the pictures of docs/images: runs the end-to-end test that takes them, on an X server of its own, and keeps
-# what it took.
+# Takes the pictures of docs/images: runs the end-to-end test that takes them, on an X server of its own, and
+# keeps what it took.
 #
 #   scripts/make_screenshots.sh BUILD_DIR
 #

@@ -5,8 +5,8 @@
 #
 #   scripts/run.sh WINDOW TERMINAL
 #
-# WINDOW and TERMINAL are the two built programs. On macOS there is always a display, elsewhere when an X server
-# answers at $DISPLAY; only the window itself can tell that for sure, so it is simply tried.
+# WINDOW and TERMINAL are the two built programs. On macOS there is always a display, elsewhere when an X
+# server answers at $DISPLAY; only the window itself can tell that for sure, so it is simply tried.
 set -eu
 
 window=$1

@@ -121,7 +121,8 @@ mkdir "$dir/home" "$dir/tmp" "$dir/run"
 chmod 700 "$dir/run"
 export TALLYQUILL_TEST_FOLDER="$dir"
 export HOME="$dir/home" XDG_DATA_HOME="$dir/home/data" LANG=C
-# The sockets of GNUstep's daemons lie in the folder for temporary files: with one of our own they are not shared.
+# The sockets of GNUstep's daemons lie in the folder for temporary files: with one of our own they are not
+# shared.
 export TMPDIR="$dir/tmp" TMP="$dir/tmp" TEMP="$dir/tmp" XDG_RUNTIME_DIR="$dir/run"
 unset LC_ALL LC_NUMERIC LC_CTYPE XDG_CONFIG_HOME XDG_CACHE_HOME XDG_STATE_HOME WAYLAND_DISPLAY
 unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER XAUTHORITY
