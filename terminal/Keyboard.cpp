@@ -3,9 +3,11 @@
 
 #include "Descriptor.h"
 #include "Interrupt.h"
+#include "ScreenText.h"
 #include "ShownText.h"
 
 #include <cerrno>
+#include <climits>
 
 namespace {
 
@@ -17,6 +19,11 @@ bool isContinuation(char byte) {
 }
 
 } // namespace
+
+Keyboard::Keyboard(PromptHost& theHost, int from, int to, size_t length)
+    : host(theHost), terminal(from, to, TerminalModes::Use::Plain), screen(to), keep(length) {
+    useUtf8();
+}
 
 void Keyboard::Flush() {
     if (screen >= 0 && !shown.empty()) writeAll(screen, shown);
@@ -42,27 +49,49 @@ void Keyboard::Show(char byte, char before) {
         shown.append({'^', static_cast<char>(code + '@')});
 }
 
-void Keyboard::ShowAgain(const std::string& line) {
-    shown = "\r";
-    shown += host.PromptText(false);
-    char before = '\0';
+std::string Keyboard::ShownForm(const std::string& line) {
+    std::string before;
+    before.swap(shown);
+    char last = '\0';
     for (const char byte : line) {
-        if (terminal.Echoes()) Show(byte, before);
-        before = byte;
+        if (terminal.Echoes()) Show(byte, last);
+        last = byte;
     }
+    before.swap(shown);
+    return before;
+}
+
+void Keyboard::ShowAgain(const std::string& line) {
+    shown = "\r" + host.PromptText(false) + ShownForm(line);
     Flush();
 }
 
+int Keyboard::ColumnBehind(const std::string& line) {
+    const std::string row = withoutMarkedParts(host.PromptText(true)) + ShownForm(line);
+    return placeBehind(row, {}, INT_MAX).column;
+}
+
+// The columns that go are written over: a wide character has two, a tab up to eight.
+void Keyboard::Shorten(std::string& line, size_t length) {
+    const int before = ColumnBehind(line);
+    line.resize(length);
+    for (int column = ColumnBehind(line); column < before; ++column) shown += "\b \b";
+}
+
+// With what stands on it, such as an accent, which has no columns of its own.
 void Keyboard::EraseCharacter(std::string& line) {
-    while (!line.empty() && isContinuation(line.back())) line.pop_back();
-    if (line.empty()) return;
-    line.pop_back();
-    if (terminal.Echoes()) shown += "\b \b";
+    const int before = ColumnBehind(line);
+    std::string rest = line;
+    do {
+        while (!rest.empty() && isContinuation(rest.back())) rest.pop_back();
+        if (!rest.empty()) rest.pop_back();
+    } while (!rest.empty() && terminal.Echoes() && ColumnBehind(rest) == before);
+    Shorten(line, rest.size());
 }
 
 void Keyboard::EraseWord(std::string& line) {
-    while (!line.empty() && line.back() == ' ') EraseCharacter(line);
-    while (!line.empty() && line.back() != ' ') EraseCharacter(line);
+    const size_t last = line.find_last_not_of(' ');
+    Shorten(line, last == std::string::npos ? 0 : line.find_last_of(' ', last) + 1);
 }
 
 bool Keyboard::Take(char byte, std::string& line) {
@@ -83,7 +112,7 @@ bool Keyboard::Take(char byte, std::string& line) {
     } else if (terminal.IsKey(byte, VERASE) || byte == '\b' || byte == '\x7f') {
         EraseCharacter(line);
     } else if (terminal.IsKey(byte, VKILL)) {
-        while (!line.empty()) EraseCharacter(line);
+        Shorten(line, 0);
     } else if (terminal.IsKey(byte, VWERASE)) {
         EraseWord(line);
     } else if (terminal.IsKey(byte, VEOF)) {

@@ -16,9 +16,8 @@
 class Keyboard : public LineSource {
 public:
     // Reads from the terminal `from` and shows prompts and what is typed on `to` (-1: nowhere). Of each
-    // line at most `length` bytes are kept. One object at a time.
-    Keyboard(PromptHost& theHost, int from, int to, size_t length)
-        : host(theHost), terminal(from, to, TerminalModes::Use::Plain), screen(to), keep(length) {}
+    // line at most `length` bytes are kept. One object at a time. Sets the process's locale for characters.
+    Keyboard(PromptHost& theHost, int from, int to, size_t length);
 
     Status Next(std::string& line) override;
 
@@ -29,7 +28,10 @@ private:
     bool Take(char byte, std::string& line);
     void Append(char byte, std::string& line);
     void Show(char byte, char before);
+    std::string ShownForm(const std::string& line); // as the screen has it
+    int ColumnBehind(const std::string& line);
     void ShowAgain(const std::string& line);
+    void Shorten(std::string& line, size_t length);
     void EraseCharacter(std::string& line);
     void EraseWord(std::string& line);
     void Flush();

@@ -6,11 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
-#include <langinfo.h>
 #include <unistd.h>
 
 #include <readline/history.h>
@@ -51,13 +49,6 @@ void replaceLine(const std::string& text) {
     rl_point = 0;
     rl_insert_text(text.c_str());
     rl_end_undo_group();
-}
-
-// The characters of a person's locale, or those of UTF-8, which is what the engine reads. Readline looks at
-// the environment, for each line.
-void useUtf8() {
-    std::setlocale(LC_CTYPE, "");
-    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) setenv("LC_ALL", "C.UTF-8", 1);
 }
 
 } // namespace

@@ -4,7 +4,11 @@
 #include "ShownText.h"
 
 #include <algorithm>
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
 #include <cwchar>
+#include <langinfo.h>
 
 namespace {
 
@@ -23,6 +27,13 @@ int widthOf(std::string_view character) {
 }
 
 } // namespace
+
+void useUtf8() {
+    std::setlocale(LC_CTYPE, "");
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") == 0) return;
+    setenv("LC_ALL", "C.UTF-8", 1);
+    std::setlocale(LC_CTYPE, "");
+}
 
 ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width) {
     ScreenPlace place = from;

@@ -7,6 +7,10 @@
 #include <string>
 #include <string_view>
 
+// Sets the characters of a person's locale, or those of UTF-8, which is what the engine reads: only then is
+// it known here which characters are wide. Readline looks at the environment, for each line.
+void useUtf8();
+
 // Where a text that wraps at the width of a screen puts its end, counted from where it began. A text that
 // fills a row ends at the start of the next one.
 struct ScreenPlace {

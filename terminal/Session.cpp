@@ -191,7 +191,8 @@ Session::Outcome Session::CarryOut(std::string_view message) {
 }
 
 Session::Outcome Session::Clear() {
-    if (style.json || isatty(answers.Descriptor()) != 1 || !knowsSequences()) return Outcome::Answered;
+    if (style.json || style.plain || isatty(answers.Descriptor()) != 1 || !knowsSequences())
+        return Outcome::Answered;
     return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
 }
 

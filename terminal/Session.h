@@ -27,6 +27,7 @@ public:
         bool last = false;     // of all values only the last one, which End writes; no other text
         bool preview = false;  // as a preview: within its limit of work, and nothing is stored
         bool json = false;     // an object for each statement (Json.h), errors too, and nothing else
+        bool plain = false;    // no escape sequence is written, for the command clear either
         bool inBlocks = false; // answers are collected and written in blocks: by Flush at the latest, and
                                // before an error, a wait or another program
     };

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <poll.h>
 #include <sys/select.h>
 #include <unistd.h>
 
@@ -90,7 +91,7 @@ void TerminalModes::UseModes(const termios& found) {
     modes = found;
     byteModes = found;
     byteModes.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
-    byteModes.c_cc[VMIN] = 1;
+    byteModes.c_cc[VMIN] = 0; // reading does not wait: Ctrl-C may take away what Wait has seen
     byteModes.c_cc[VTIME] = 0;
     if (use == Use::Plain) return;
     byteModes.c_iflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICRNL | INLCR | ISTRIP | INPCK));
@@ -158,8 +159,21 @@ TerminalModes::Event TerminalModes::Wait(long milliseconds) {
     return error == EINTR ? Event::Rest : Event::Failed;
 }
 
+// Ctrl-C comes as a signal and not as a byte among the others, so that it interrupts an entry at once. So
+// only what is read before its signal is known to stand in front of it. A Ctrl-C that comes while the system
+// copies the bytes counts as later: they are dropped with their line.
 long TerminalModes::Read(char* to, size_t size) const {
-    const ssize_t count = read(input, to, size);
+    if (isInterrupted()) {
+        errno = EAGAIN;
+        return -1;
+    }
+    ssize_t count = read(input, to, size);
+    if (count == 0 && isTerminal) { // at the end there is always something to read, which is nothing
+        pollfd waiting = {input, POLLIN, 0};
+        const bool isEnd = poll(&waiting, 1, 0) != 0;
+        errno = EAGAIN;
+        count = isEnd ? read(input, to, size) : -1;
+    }
     if (count < 0 && errno == EIO) return 0;
     if (count < 0 && (errno == EINTR || errno == EWOULDBLOCK)) errno = EAGAIN;
     return count;

@@ -56,8 +56,10 @@ public:
     // Forgets events that came before.
     void Forget() { isBack = isResized = 0; }
 
-    // Reads what is there. -1 with errno set on a failure; 0 at the end, also when the terminal is gone; and
-    // -1 with EAGAIN when there was nothing after all.
+    // Reads what is there, without waiting. -1 with errno set on a failure; 0 at the end, also when the
+    // terminal is gone; and -1 with EAGAIN when there is nothing after all, or when Ctrl-C came since the
+    // last Wait: it takes away what was typed before it, and what is there now belongs to the next line. Call
+    // it behind a Wait that told of input.
     long Read(char* to, size_t size) const;
 
     // Whether what is typed is to be shown: whoever turned that off wants it off.

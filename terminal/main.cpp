@@ -82,9 +82,10 @@ int main(int argc, char** argv) {
     const bool isTyped = !isScript && isatty(STDIN_FILENO) == 1;
     // Nobody waits for a single answer; but the trace on standard error stands between them.
     const bool inBlocks = !isTyped && !options.trace && isatty(answers) != 1;
-    static Session session(answers, STDERR_FILENO,
-                           {options.quiet, options.last, options.preview, options.json, inBlocks});
-    if (!options.plain || !options.color.empty())
+    static Session session(
+        answers, STDERR_FILENO,
+        {options.quiet, options.last, options.preview, options.json, options.plain, inBlocks});
+    if (!options.plain)
         session.SetColours(wantsColours(options.color, answers), wantsColours(options.color, STDERR_FILENO));
     Run run(session, answers, options);
     if (isTyped) return evaluateTyped(session, answers, run, options);

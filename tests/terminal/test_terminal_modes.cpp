@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "TerminalModes.h"
 
+#include "Interrupt.h"
+
+#include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <termios.h>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -40,6 +45,10 @@ protected:
         termios modes = {};
         EXPECT_EQ(tcgetattr(nearEnd, &modes), 0);
         return modes;
+    }
+
+    void Type(const std::string& keys) const {
+        EXPECT_EQ(write(master, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
     }
 
     int master;
@@ -95,6 +104,54 @@ TEST_F(TerminalModesTest, PassesASignalOnToWhoeverWasThereBefore) {
     }
     std::signal(SIGQUIT, before);
     EXPECT_EQ(Modes().c_lflag, found);
+}
+
+// The terminal itself takes away what was typed before Ctrl-C; its signal goes to a terminal's own programs
+// only.
+void pressCtrlC(int terminal) {
+    tcflush(terminal, TCIFLUSH);
+    std::raise(SIGINT);
+}
+
+TEST_F(TerminalModesTest, KeysBehindACtrlCBetweenWaitingAndReadingAreOfTheNextLine) {
+    for (const TerminalModes::Use use : {TerminalModes::Use::Plain, TerminalModes::Use::Editing}) {
+        const InterruptCatcher catcher;
+        TerminalModes terminal(nearEnd, -1, use);
+        char bytes[8] = {};
+        Type("ab");
+        ASSERT_EQ(terminal.Wait(-1), TerminalModes::Event::Input);
+        pressCtrlC(nearEnd);
+        Type("cd");
+        errno = 0;
+        EXPECT_EQ(terminal.Read(bytes, sizeof bytes), -1) << bytes;
+        EXPECT_EQ(errno, EAGAIN);
+        EXPECT_EQ(terminal.Wait(-1), TerminalModes::Event::Interrupted);
+        forgetInterrupt();
+        ASSERT_EQ(terminal.Wait(10000), TerminalModes::Event::Input);
+        ASSERT_EQ(terminal.Read(bytes, sizeof bytes), 2);
+        EXPECT_STREQ(bytes, "cd");
+    }
+}
+
+TEST_F(TerminalModesTest, ReadingDoesNotWaitForKeysThatCtrlCTookAway) {
+    for (const TerminalModes::Use use : {TerminalModes::Use::Plain, TerminalModes::Use::Editing}) {
+        TerminalModes terminal(nearEnd, -1, use);
+        char bytes[8] = {};
+        Type("ab");
+        ASSERT_EQ(terminal.Wait(-1), TerminalModes::Event::Input);
+        tcflush(nearEnd, TCIFLUSH);
+        errno = 0;
+        EXPECT_EQ(terminal.Read(bytes, sizeof bytes), -1);
+        EXPECT_EQ(errno, EAGAIN);
+    }
+}
+
+TEST_F(TerminalModesTest, TheEndIsReadWhenTheTerminalIsGone) {
+    TerminalModes terminal(nearEnd, -1, TerminalModes::Use::Plain);
+    close(std::exchange(master, -1));
+    ASSERT_EQ(terminal.Wait(-1), TerminalModes::Event::Input);
+    char bytes[8] = {};
+    EXPECT_EQ(terminal.Read(bytes, sizeof bytes), 0);
 }
 
 } // namespace

@@ -33,10 +33,9 @@ class Colours(ScreenTest):
             self.assertNotIn(b"\x1b[3", console.bytes)
 
     def test_can_be_asked_for(self):
-        for arguments, variables in ((("--color=always",), {"NO_COLOR": "1"}), (("--plain", "--color=always"), {})):
-            console = self.start(*arguments, **variables)
-            console.enter("x=42", "x = 42")
-            self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
+        console = self.start("--color=always", NO_COLOR="1")
+        console.enter("x=42", "x = 42")
+        self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
 
     @unittest.skipUnless(HAS_EDITOR, "built without the editor")
     def test_a_line_wraps_where_it_should(self):
@@ -48,14 +47,14 @@ class Colours(ScreenTest):
 
 class Plain(ScreenTest):
     def test_no_escape_sequence_is_written(self):
-        for arguments, variables in ((("--plain",), {}), *(((), {"TERM": kind}) for kind in PLAIN_TERMINALS)):
+        for arguments, variables in ((("--plain",), {}), (("--plain", "--color=always"), {"CLICOLOR_FORCE": "1"}),
+                                     *(((), {"TERM": kind}) for kind in PLAIN_TERMINALS)):
             console = self.start(*arguments, **variables)
             console.send("2×3²" + RETURN)
             console.shows("> 2×3²", "ans = 18", ">")
             console.send("1/0" + RETURN + UP + RETURN)
             console.has("** ERROR: divide by zero **")
-            if variables:
-                console.send("clear" + RETURN)
+            console.send("clear" + RETURN)
             console.enter("+".join(["1"] * 4999), "ans = 4999")
             console.send("1+1")
             console.ends_with("> 1+1")
@@ -64,6 +63,22 @@ class Plain(ScreenTest):
             console.send(ctrl("d"))
             console.end()
             self.assertNotIn(b"\x1b", console.bytes)
+
+    def test_erasing_leaves_nothing_of_a_character(self):
+        for variables in ({}, {"LC_ALL": "C"}):
+            console = self.start("--plain", **variables)
+            for keys, left, more in (("1+1 漢", "> 1+1", "> 1+1 7"), ("1 e\u0301", "> 1", "> 1 7"),
+                                     ("12\t3\t", "> 12    3", "> 12    37"), ("5 \x01", "> 5", "> 5 7")):
+                console.send(keys + BACKSPACE)
+                console.ends_with(left)
+                console.send("7")
+                console.ends_with(more)
+                console.send(ctrl("u"))
+                console.ends_with(">")
+            console.send("1+ 漢字 漢" + ctrl("w"))
+            console.ends_with("> 1+ 漢字")
+            console.send(ctrl("w") + "2" + RETURN)
+            console.ends_with("> 1+ 2", "ans = 3", ">")
 
     def test_operators_stay_literal(self):
         console = self.start("--plain")
