@@ -4,6 +4,8 @@
 #include "Calculator.h"
 #include "EntryText.h"
 #include "Helpers_String.h"
+#include "ScreenText.h"
+#include "qfloat.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +15,8 @@ namespace {
 
 constexpr std::string_view MINUS_SIGN = "\u2212";
 constexpr std::string_view BLANKS = " \t";
+constexpr size_t MAX_DIGITS = 104; // so many the number library reads; it drops the others
+constexpr int SHOWN_FIELD = 60;    // columns of a field in a message
 
 // Marks between groups of digits besides the comma or the point.
 constexpr std::array<std::string_view, 7> GROUP_MARKS = {"'",      " ",      "\u2019", "\u00a0",
@@ -117,6 +121,27 @@ bool hasCurrencySign(std::string_view field) {
     return isOfBlock || std::any_of(SIGNS.begin(), SIGNS.end(), has);
 }
 
+bool hasTooManyDigits(std::string_view digits) {
+    const size_t first = std::min(digits.find_first_not_of('0'), digits.size());
+    return digits.find_last_not_of('0') + 1 > first + MAX_DIGITS;
+}
+
+// A number as the number library reads it. Of one that is longer than that, zeros at its ends go into the
+// exponent.
+std::string decimalText(const std::string& whole, const std::string& fraction, const std::string& exponent) {
+    std::string digits = whole + fraction;
+    if (digits.size() <= MAX_DIGITS)
+        return (whole.empty() ? "0" : whole) + (fraction.empty() ? "" : "." + fraction) + exponent;
+    const size_t first = digits.find_first_not_of('0');
+    if (first == std::string::npos) return "0";
+    const size_t end = digits.find_last_not_of('0') + 1;
+    constexpr long FAR = 10000000; // beyond the range, and no sum with it overflows
+    const long given = exponent.empty() ? 0 : std::strtol(exponent.c_str() + 1, nullptr, 10);
+    const long power =
+        std::clamp(given, -FAR, FAR) + static_cast<long>(whole.size()) - static_cast<long>(end);
+    return digits.substr(first, end - first) + "e" + std::to_string(power);
+}
+
 // What is to be said of a field that is no number.
 std::string faultOf(std::string_view field, bool areGroupsWrong, bool hasDecimalComma) {
     if (hasCurrencySign(field)) return "has a currency sign";
@@ -134,8 +159,12 @@ FieldNumber readField(std::string_view field, bool hasDecimalComma) {
     if (rest.size() > 2 && rest.front() == '"' && rest.back() == '"')
         rest = trimmed(rest.substr(1, rest.size() - 2));
     number.isNegative = removeMinus(rest);
+    const std::string tooMany = "has more than " + std::to_string(MAX_DIGITS) + " digits";
     if (isOfBase(rest)) {
-        number.digits = rest;
+        if (hasTooManyDigits(rest.substr(2)))
+            number.fault = tooMany;
+        else
+            number.digits = rest;
         return number;
     }
     std::string whole;
@@ -144,10 +173,12 @@ FieldNumber readField(std::string_view field, bool hasDecimalComma) {
     if (areGroupsRight && removeStart(rest, hasDecimalComma ? "," : ".")) fraction = takeDigits(rest);
     const bool hasDigits = !whole.empty() || !fraction.empty();
     const std::string exponent = hasDigits ? takeExponent(rest) : "";
-    if (areGroupsRight && hasDigits && rest.empty())
-        number.digits = (whole.empty() ? "0" : whole) + (fraction.empty() ? "" : "." + fraction) + exponent;
-    else
+    if (!areGroupsRight || !hasDigits || !rest.empty())
         number.fault = faultOf(field, !areGroupsRight, hasDecimalComma);
+    else if (hasTooManyDigits(whole + fraction))
+        number.fault = tooMany;
+    else
+        number.digits = decimalText(whole, fraction, exponent);
     return number;
 }
 
@@ -230,22 +261,26 @@ Each::Each(ZqCalculator& with, std::string_view entry, std::string_view fieldSep
     for (const std::string& name : namesAssignedIn(entry)) Set(name, {"0", false, ""});
 }
 
-void Each::Set(const std::string& name, const FieldNumber& number) {
+bool Each::Set(const std::string& name, const FieldNumber& number) {
     // One that is new is made by an assignment.
     if (calc.VariableExists(name.c_str()) == nullptr) calc.Calculate((name + "=0").c_str());
     const node* const variable = calc.VariableExists(name.c_str());
-    if (variable == nullptr || variable->value == nullptr) return;
-    calc.Str2Num(number.digits.c_str(), *variable->value);
-    const bool isZero = (*variable->value)[1] == 0;
-    if (number.isNegative && !isZero) qneg(*variable->value);
+    if (variable == nullptr || variable->value == nullptr) return true;
+    qfloat& value = *variable->value;
+    calc.Str2Num(number.digits.c_str(), value);
+    merror = 0; // no error of the entry
+    const bool isZero = value[1] == 0;
+    if (number.isNegative && !isZero) qneg(value);
+    return value[1] < OVERFLOW_EXPONENT;
 }
 
 std::string Each::TakeField(size_t number, const std::string& field) {
-    const FieldNumber value = readField(field, calc.european);
-    if (value.digits.empty()) return "** ERROR: '" + field + "' " + value.fault + " **";
-    if (number == 1) Set("x", value);
-    Set("x" + std::to_string(number), value);
-    return "";
+    FieldNumber value = readField(field, calc.european);
+    if (value.fault.empty() &&
+        (!Set("x" + std::to_string(number), value) || (number == 1 && !Set("x", value))))
+        value.fault = "is beyond the range";
+    return value.fault.empty() ? ""
+                               : "** ERROR: '" + cutToWidth(field, SHOWN_FIELD) + "' " + value.fault + " **";
 }
 
 std::string Each::Take(std::string_view line) {

@@ -21,7 +21,8 @@ struct FieldNumber {
 // a decimal comma), apostrophes or blanks, also those that do not break a line. "-5", the same with the minus
 // of typesetters, "5-" and "(5)" are negative. Currency signs, percent signs and whatever else stands beside
 // the digits make it no number, and so do groups that are not three digits long: "1,23" is either wrong or
-// has a decimal comma.
+// has a decimal comma. A number of more than 104 digits, but for zeros at its ends, is none either: it would
+// be cut.
 FieldNumber readField(std::string_view field, bool hasDecimalComma);
 
 // The fields of a line: between runs of blanks and tabs, or with a separator between these. Then a field in
@@ -40,13 +41,13 @@ public:
     // that `s=s+x` sums up. The separator is as in splitFields.
     Each(ZqCalculator& with, std::string_view entry, std::string_view fieldSeparator);
 
-    // Sets the fields that the entry names to the numbers of a line. Returns the error when one is missing or
-    // no number; else an empty text.
+    // Sets the fields that the entry names to the numbers of a line. Returns the error when one is missing,
+    // no number or beyond the range; else an empty text.
     std::string Take(std::string_view line);
 
 private:
     std::string TakeField(size_t number, const std::string& field);
-    void Set(const std::string& name, const FieldNumber& number);
+    bool Set(const std::string& name, const FieldNumber& number);
 
     ZqCalculator& calc;
     std::string separator;

@@ -186,11 +186,41 @@ TEST(EachLine, MayBeginWithAByteOrderMark) {
               0, "5\n", "");
 }
 
-TEST(EachLine, BeyondTheRangeIsAnOverflow) {
+TEST(EachLine, BeyondTheRangeIsAnError) {
     const Result run = evaluateEach({"-q", "--each", "x+1"}, "1e99999\n");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err.rfind("line 1: ** ERROR", 0), 0U) << run.err;
+}
+
+// Of more digits than the number library reads it would take those in front, another number.
+TEST(Field, OfManyDigitsIsTheNumberOrNone) {
+    const std::string digits(104, '7');
+    const std::string zeros(150, '0');
+    EXPECT_EQ(textOf(readField(digits, false)), digits);
+    EXPECT_EQ(textOf(readField("0." + digits, false)), digits + "e-104");
+    EXPECT_EQ(textOf(readField("-12" + zeros, false)), "-12e150");
+    EXPECT_EQ(textOf(readField("0." + zeros + "12" + zeros, false)), "12e-152");
+    EXPECT_EQ(textOf(readField("1" + zeros + ".5e3", false)), "'has more than 104 digits'");
+    EXPECT_EQ(textOf(readField("0." + zeros + "5E+140", false)), "5e-11");
+    EXPECT_EQ(textOf(readField(zeros + ".0", false)), "0");
+    EXPECT_EQ(textOf(readField("5" + zeros + "e99999999999999999999", false)), "5e10000150");
+    for (const std::string& field : {digits + "7", "0." + zeros + digits + "7", "0x" + digits + "F"})
+        EXPECT_EQ(textOf(readField(field, false)), "'has more than 104 digits'") << field;
+}
+
+TEST(EachLine, OfManyDigitsIsReadRightOrTold) {
+    const std::string ones(120, '1');
+    const std::string zeros(150, '0');
+    expectRun(evaluateEach({"-q", "--each", "x/1e150"}, "7" + zeros + "\n-7" + zeros + "\n"), 0, "7\n-7\n",
+              "");
+    expectRun(evaluateEach({"-q", "--each", "x"}, ones + "\n5\n"), 1, "5\n",
+              "line 1: ** ERROR: '" + ones.substr(0, 59) + "\u2026' has more than 104 digits **\n");
+}
+
+TEST(EachLine, BeyondTheRangeIsNoErrorOfTheNextLine) {
+    expectRun(evaluateEach({"-q", "--each", "x/10"}, "-1e10000\n50\n"), 1, "5\n",
+              "line 1: ** ERROR: '-1e10000' is beyond the range **\n");
 }
 
 TEST(EachLine, NeedsAnEntry) {
