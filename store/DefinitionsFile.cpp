@@ -177,8 +177,7 @@ bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
     return isWhole;
 }
 
-void takeText(ZqCalculator& calc, DefinitionsRead& result) {
-    DefinitionsText text(result.text);
+void takeText(ZqCalculator& calc, DefinitionsText& text, DefinitionsRead& result) {
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
     result.damaged = !takeHistory(calc.history, text.history) || !text.isFramed;
     for (size_t i = 0; i < readings.size(); i++) {
@@ -220,9 +219,14 @@ DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, Sys
     DefinitionsRead result;
     result.opened = readWholeFile(path, result.text, system);
     if (!result.opened) return result;
+    DefinitionsText text(result.text);
+    for (const DefinitionRecord& record : text.records) {
+        const node* const unit = record.kind == Kind::Unit ? calc.UnitExists(record.name.c_str()) : nullptr;
+        if (unit && record.statement != unit->text) deleteDefinition(calc, record);
+    }
     Undo undo;
     prepare(calc, undo);
-    takeText(calc, result);
+    takeText(calc, text, result);
     undo.TakeBack();
     return result;
 }

@@ -45,9 +45,9 @@ struct DefinitionsRead {
     std::string text;              // the file's
 };
 
-// Reads the file into a calculator after InitializeFunctionsAndVars. The first line is left out; each further
-// one up to the one that begins with "### HISTORY" is evaluated without its comment ('#' and what follows),
-// and the lines behind that one join the history.
+// Reads the file into a calculator after InitializeFunctionsAndVars and, perhaps, other definitions. The
+// first line is left out; each further one up to the one that begins with "### HISTORY" is evaluated without
+// its comment ('#' and what follows), and the lines behind that one join the history.
 // - A line defines a function ("f(x)=..."), a variable ("a=...") or a unit ("unit u=..."). Anything else, a
 // command
 //   word or an expression, has no effect.
@@ -56,7 +56,8 @@ struct DefinitionsRead {
 //   deleted, and each other in a circle.
 // - A function that carries the name of a predefined one takes its place: its owner had deleted that one.
 // - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
-// - A unit that was defined by the same line before is not defined again.
+// - A unit that was defined by the same line before is not defined again; one that another line has defined
+//   before is defined anew.
 // - The work of evaluating lines is counted and has a limit, for one line and for all of them: some tenths of
 // a
 //   second. Reading each line of fewer than TEXT_SIZE characters once has none. A variable or

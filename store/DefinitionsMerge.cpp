@@ -36,7 +36,9 @@ void DefinitionsMerge::Know(const std::string& theirs, const std::string& ours,
 void DefinitionsMerge::LeaveOut(const std::string& before, const std::string& after) {
     const DefinitionLines earlier = DefinitionsText(before).LinesByKey();
     for (const auto& [key, line] : DefinitionsText(after).LinesByKey()) {
-        if (earlier.count(key) == 0 && file.count(key) == 0) leftOut.insert(line);
+        if (earlier.count(key) > 0 || file.count(key) > 0) continue;
+        leftOut.insert(line);
+        present.erase(key);
     }
 }
 

@@ -24,14 +24,19 @@ constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
 
 } // namespace
 
-void Run::Prepare(bool withDefinitions) {
+void Run::TakeShared() {
     ZqCalculator& calc = session.Calculator();
     for (const std::string_view name : options.with) takeShipped(calc, name);
-    if (!options.noFiles) {
-        if (withDefinitions) Tell(takeOwnDefinitions(calc));
-        Tell(takeInitFile(calc));
-        if (options.user) Tell(takeOwnSettings(calc));
-    }
+    if (!options.noFiles) Tell(takeInitFile(calc));
+}
+
+void Run::TakeOwnDefinitions() {
+    if (!options.noFiles) Tell(takeOwnDefinitions(session.Calculator()));
+}
+
+void Run::TakeSettings() {
+    ZqCalculator& calc = session.Calculator();
+    if (options.user && !options.noFiles) Tell(takeOwnSettings(calc));
     for (const auto& [setting, value] : options.settings) setting->Apply(value, calc);
 }
 

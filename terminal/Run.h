@@ -20,9 +20,12 @@ public:
     // Answers go to the descriptor `out`, which End closes.
     Run(Session& with, int out, const Options& how) : session(with), answers(out), options(how) {}
 
-    // Takes the definitions that ship and are asked for, what the person's files hold (OwnFiles.h), the
-    // definitions file only `withDefinitions`, and then the settings of the options.
-    void Prepare(bool withDefinitions);
+    // Each of the three counts over the one before. First the definitions that ship and are asked for and
+    // those of the person's init file, so that what the person keeps may use them and change them. Files that
+    // the options leave out are not read (OwnFiles.h).
+    void TakeShared();
+    void TakeOwnDefinitions();
+    void TakeSettings();
 
     // Evaluates the inputs of the options in their order, then the entry for each line of standard input.
     // Without both the lines of standard input are the entries. Returns the exit

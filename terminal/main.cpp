@@ -39,11 +39,12 @@ void tell(const std::string& news) {
 int evaluateTyped(Session& session, int answers, Run& run, const Options& options) {
     const EndCatcher endCatcher; // until everything is written
     PromptFiles files(session.Calculator());
-    if (!options.noFiles) tell(files.Open());
     // What ships or is in the init file is there at each start without being kept.
     const std::string before = definitionsText(session.Calculator());
-    run.Prepare(false);
+    run.TakeShared();
+    if (!options.noFiles) tell(files.Open());
     files.LeaveOut(before);
+    run.TakeSettings();
     PromptOptions how;
     how.isPlain = options.plain;
     how.hasColours = wantsColours(options.color, promptDescriptor(answers)) && !options.plain;
@@ -89,6 +90,8 @@ int main(int argc, char** argv) {
         session.SetColours(wantsColours(options.color, answers), wantsColours(options.color, STDERR_FILENO));
     Run run(session, answers, options);
     if (isTyped) return evaluateTyped(session, answers, run, options);
-    run.Prepare(true);
+    run.TakeShared();
+    run.TakeOwnDefinitions();
+    run.TakeSettings();
     return run.Evaluate();
 }

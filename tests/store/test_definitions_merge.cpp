@@ -76,6 +76,16 @@ TEST(DefinitionsMerge, WhatAnotherProgramKeepsUnderANameThatIsLeftOutStays) {
     EXPECT_EQ(merge.Merge(after, theirs), theirs);
 }
 
+TEST(DefinitionsMerge, LeavesOutWhatWasThereWhenTheFileWasRead) {
+    DefinitionsMerge merge;
+    const std::string after = file("f(x)=x\n", "ans=1\npi=3.14\nrate=7\n", "unit u=2 m\n", "");
+    const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nrate=9\n", "unit u=2 m\n", "");
+    merge.Know(START, after);
+    merge.LeaveOut(file("", "pi=3.14\n", "", ""), after);
+    EXPECT_EQ(merge.Merge(after, START), file("f(x)=x\n", "ans=1\npi=3.14\n", "unit u=2 m\n", ""));
+    EXPECT_EQ(merge.Merge(after, theirs), theirs) << "it was not deleted here";
+}
+
 TEST(DefinitionsMerge, KeepsItEveryTime) {
     DefinitionsMerge merge;
     merge.Know(START, START);

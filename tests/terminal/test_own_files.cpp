@@ -122,10 +122,18 @@ TEST_F(OwnFiles, OneThatCannotBeReadMakesTheStatusThree) {
     rmdir(folder.File(init).c_str());
 }
 
-TEST_F(OwnFiles, TheInitFileDefinesAfterTheDefinitionsAndSaysNothing) {
+TEST_F(OwnFiles, TheInitFileDefinesWhatIsNotKeptAndSaysNothing) {
     Write(definitions, DEFINITIONS);
-    Write(init, "# mine\r\n\nrate=1.07; triple(x)=3*x\necho hello\ndouble(rate)\n");
-    expectRun(Evaluate({"-q", "rate", "triple(2)", "double(2)"}), 0, "1.07\n6\n4\n", "");
+    Write(init, "# mine\r\n\nrate=1.07; triple(x)=3*x;double(x)=triple(x)\necho hello\ndouble(rate)\n"
+                "unit smoot=70 inch\n");
+    expectRun(Evaluate({"-q", "rate", "triple(2)", "double(2)", "smoot->inch"}), 0, "1.19\n6\n4\n67\n", "");
+}
+
+TEST_F(OwnFiles, WhatIsKeptCountsOverWhatShipsAndMayUseIt) {
+    Write(definitions, "### FUNCTIONS ###\naddVat(x,y)=x+y\n### VARIABLES ###\nans=1\n"
+                       "### CUSTOM UNITS ###\nunit psi=2 pascal\nunit foo=3 mph\n### HISTORY ###\n");
+    expectRun(Evaluate({"-q", "--with=everyday,money", "addVat(1,2)", "psi->pascal", "foo->mph"}), 0,
+              "3\n2\n3\n", "");
 }
 
 TEST_F(OwnFiles, SettingsAndCommandsOfTheInitFileEndWithIt) {
@@ -154,10 +162,33 @@ TEST_F(OwnFiles, WhatShipsOrIsInTheInitFileIsNotKeptByThePromptUnlessItChanges) 
     std::ifstream file(folder.File(definitions));
     const std::string kept(std::istreambuf_iterator<char>(file), {});
     for (const char* const line :
-         {"\nc=4\n", "\nd=5\n", "\nrate=1.07\n", "\ndouble(x)=2*x\n", "\nunit smoot=67 inch\n"})
+         {"\nc=4\n", "\nd=5\n", "\nrate=1.19\n", "\ndouble(x)=2*x\n", "\nunit smoot=67 inch\n"})
         EXPECT_NE(kept.find(line), std::string::npos) << line << kept;
     for (const char* const line : {"a=17", "payment", "unit psi", "unit bit"})
         EXPECT_EQ(kept.find(line), std::string::npos) << line << kept;
+}
+
+TEST_F(OwnFiles, WhatIsSetAtThePromptIsThereInTheNextRunWhateverTheInitFileSays) {
+    TerminalSetup setup;
+    setup.environment = {"XDG_DATA_HOME=" + folder.Path(), "XDG_CONFIG_HOME=" + folder.Path(),
+                         "XDG_STATE_HOME=" + folder.Path()};
+    const auto run = [&setup](const std::vector<std::string>& entries) {
+        Terminal terminal({"--plain", "--with=everyday"}, setup);
+        std::string shown = terminal.ReadUntil("> ");
+        for (const std::string& entry : entries) {
+            terminal.Type(entry + "\n");
+            shown += terminal.ReadUntil("> ");
+        }
+        terminal.Type("exit\n");
+        EXPECT_EQ(terminal.Wait(), 0);
+        return shown;
+    };
+    Write(init, "a=17\nb=1\n");
+    EXPECT_EQ(run({"a=18", "unit foo=3 psi"}), "> a = 18\n> new unit defined: foo\n> ");
+    EXPECT_EQ(run({"a", "b", "foo->psi"}), "> ans = 18\n> ans = 1\n> ans = 3\n> ");
+    Write(init, "a=19\nb=2\n");
+    EXPECT_EQ(run({"a", "b", "del a"}), "> ans = 18\n> ans = 2\n> ** deleted a **\n> ");
+    EXPECT_EQ(run({"a"}), "> ans = 19\n> ");
 }
 
 TEST_F(OwnFiles, TheInitFileIsReadForThePromptToo) {
