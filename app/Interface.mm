@@ -39,7 +39,7 @@ static MainConsole* buildConsole() {
     [console setRichText:NO];
     [console setUsesFontPanel:YES];
     [console setAllowsUndo:YES];
-    NSFont* const font = [NSFont userFixedPitchFontOfSize:13];
+    NSFont* const font = [NSFont userFixedPitchFontOfSize:USUAL_TEXT_SIZE];
     if (font) [console setFont:font];
     breakLinesAnywhere(console);
     return console;

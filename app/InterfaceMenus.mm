@@ -6,6 +6,7 @@
 #include "Keys.h"
 #import "MainConsole.h"
 #import "PelmoAppDelegate.h"
+#import "Platform.h"
 
 static NSMenuItem* addItem(NSMenu* menu, NSString* title, SEL action, NSString* key) {
     NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:title action:action
@@ -34,10 +35,11 @@ static void addRow(NSMenu* menu, const KeyRow& row, PelmoAppDelegate* delegate) 
     NSMenuItem* const item = addItem(menu, title, sel_registerName(row.item.selector), @(key));
     [item setTarget:targetOf(row.item, delegate)];
     [item setTag:row.item.tag];
+    platformFitMenuItem(item, row);
 }
 
 void buildMenus(PelmoAppDelegate* delegate) {
-    NSMenu* const bar = [[[NSMenu alloc] initWithTitle:@"Tallyquill"] autorelease];
+    NSMenu* const bar = platformMenuBar(@"Tallyquill");
     NSMenu* menu = nil;
     for (const KeyRow& row : keyTable()) {
         if (!row.item.menu) continue;

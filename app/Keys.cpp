@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Keys.h"
 
+#include <cctype>
+
 static constexpr KeyRow key(const char* name, uint32_t code, unsigned long held, KeyAction action,
                             const char* does) {
     return {name, code, 0, held, action, does};
@@ -13,6 +15,12 @@ static constexpr KeyRow typed(const char* name, char character, KeyAction action
 // An item of a menu, with the key `character` and Command, or without a key.
 static constexpr KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
     return {name, KEY_OTHER, character, COMMAND_KEY, KeyAction::Menu, does, item};
+}
+
+// One with which Control goes too.
+static constexpr KeyRow desktop(const char* name, char character, const char* does, MenuItem chosen) {
+    chosen.withControl = chosen.selector;
+    return item(name, character, does, chosen);
 }
 
 static constexpr KeyRow item(const MenuItem& item) {
@@ -35,9 +43,10 @@ static constexpr KeyRow KEYS[] = {
     {"Control-C", KEY_OTHER, 'c', CONTROL_KEY, K::Interrupt, nullptr},
     {"Command-Q", KEY_OTHER, 'q', COMMAND_KEY, K::Interrupt, nullptr},
     key("Home", KEY_HOME, 0, K::Home, "to the start of the entry; Shift selects up to there"),
-    key("Control-A", KEY_A, CONTROL_KEY, K::Home, "as Home"),
-    key("Control-Left", KEY_LEFT, CONTROL_KEY, K::Home, nullptr),
+    key("Control-Left", KEY_LEFT, CONTROL_KEY, K::Home, "as Home"),
     key("Command-Left", KEY_LEFT, COMMAND_KEY, K::Home, nullptr),
+    key("Control-A", KEY_A, CONTROL_KEY, K::HomeOrSelect,
+        "as Home; again selects the entry, and again everything"),
     key("End", KEY_END, 0, K::End, "to the end of the entry; Shift selects up to there"),
     key("Left", KEY_LEFT, 0, K::Left, "move in the entry, not into the prompt"),
     key("Right", KEY_RIGHT, 0, K::Right, nullptr),
@@ -56,29 +65,29 @@ static constexpr KeyRow KEYS[] = {
 
     item({"Tallyquill", "About Tallyquill", "showAbout:", T::Delegate}),
     item({"Tallyquill", "-"}),
-    item("Command-comma", ',', "opens the preferences",
-         {"Tallyquill", "Preferences...", "menuPreferences:", T::Preferences}),
+    desktop("Command-comma", ',', "opens the preferences",
+            {"Tallyquill", "Preferences...", "menuPreferences:", T::Preferences}),
     item({"Tallyquill", "-"}),
     item("Command-H", 'h', "hides the window, quits; closing the window quits too",
          {"Tallyquill", "Hide Tallyquill", "hideMainWindow:", T::Delegate}),
-    item("Command-Q", 'q', nullptr, {"Tallyquill", "Quit Tallyquill", "terminate:", T::Application}),
+    desktop("Command-Q", 'q', nullptr, {"Tallyquill", "Quit Tallyquill", "terminate:", T::Application}),
 
-    item("Command-N", 'n', "clears the console; so does the command `clear`",
-         {"File", "New", "newDocument:", T::Console}),
-    item("Command-O", 'o', "opens a script, saves one",
-         {"File", "Open Script...", "openDocument:", T::Console}),
-    item("Command-S", 's', nullptr, {"File", "Save Script...", "saveDocument:", T::Console}),
-    item("Command-Shift-S", 'S', nullptr, {"File", "Save Script As...", "saveDocumentAs:", T::Console}),
+    desktop("Command-N", 'n', "clears the console; so does the command `clear`",
+            {"File", "New", "newDocument:", T::Console}),
+    desktop("Command-O", 'o', "opens a script, saves one",
+            {"File", "Open Script...", "openDocument:", T::Console}),
+    desktop("Command-S", 's', nullptr, {"File", "Save Script...", "saveDocument:", T::Console}),
+    desktop("Command-Shift-S", 'S', nullptr, {"File", "Save Script As...", "saveDocumentAs:", T::Console}),
 
-    item("Command-Z", 'z', "undoes changes of the entry, and takes the undoing back",
-         {"Edit", "Undo", "undo:"}),
-    item("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
+    desktop("Command-Z", 'z', "undoes changes of the entry, and takes the undoing back",
+            {"Edit", "Undo", "undo:"}),
+    desktop("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
     item({"Edit", "-"}),
     item("Command-X", 'x',
          "of a selection that begins above the entry, cuts what is in the entry; above the entry it "
          "copies. Inside the "
          "entry it does nothing",
-         {"Edit", "Cut", "cut:"}),
+         {"Edit", "Cut", "cut:", T::FirstResponder, 0, "cutSelection:"}),
     {"Command-C",
      KEY_OTHER,
      'c',
@@ -89,15 +98,21 @@ static constexpr KeyRow KEYS[] = {
      "reads back as the same number: with the decimal mark of now, without grouping marks, a negative "
      "one in hex or "
      "binary with its sign",
-     {"Edit", "Copy", "copy:"}},
-    item("Command-V", 'v', "pastes as plain text. Several lines become one entry with `; ` between them",
-         {"Edit", "Paste", "paste:"}),
+     {"Edit", "Copy", "copy:", T::FirstResponder, 0, "copy:"}},
+    desktop("Command-V", 'v', "pastes as plain text. Several lines become one entry with `; ` between them",
+            {"Edit", "Paste", "paste:"}),
     item("Command-A", 'a', "selects all", {"Edit", "Select All", "selectAll:"}),
 
-    item("Command-1", '1', "answers in binary, decimal, hexadecimal",
-         {"Display", "Binary", "menuChangeBase:", T::Console, 0}),
-    item("Command-2", '2', nullptr, {"Display", "Decimal", "menuChangeBase:", T::Console, 1}),
-    item("Command-3", '3', nullptr, {"Display", "Hexadecimal", "menuChangeBase:", T::Console, 2}),
+    desktop("Command-1", '1', "answers in binary, decimal, hexadecimal",
+            {"Display", "Binary", "menuChangeBase:", T::Console, 0}),
+    desktop("Command-2", '2', nullptr, {"Display", "Decimal", "menuChangeBase:", T::Console, 1}),
+    desktop("Command-3", '3', nullptr, {"Display", "Hexadecimal", "menuChangeBase:", T::Console, 2}),
+
+    item({"Display", "-"}),
+    desktop("Command-plus", '+', "makes the text bigger, smaller, as it was at first",
+            {"Display", "Bigger", "makeTextBigger:", T::Console}),
+    desktop("Command-minus", '-', nullptr, {"Display", "Smaller", "makeTextSmaller:", T::Console}),
+    desktop("Command-0", '0', nullptr, {"Display", "Default Size", "resetTextSize:", T::Console}),
 
     item("Command-M", 'm', "minimizes the window, closes it", {"Window", "Minimize", "performMiniaturize:"}),
     item({"Window", "Zoom", "performZoom:"}),
@@ -105,8 +120,8 @@ static constexpr KeyRow KEYS[] = {
     item({"Window", "-"}),
     item({"Window", "Bring All to Front", "arrangeInFront:", T::Application}),
 
-    item("Command-?", '?', "opens this guide, in which Home and End go to its ends",
-         {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
+    desktop("Command-?", '?', "opens this guide, in which Home and End go to its ends",
+            {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
     item({"Help", "Tutorial", "tutorial:", T::Console}),
 };
 
@@ -130,6 +145,24 @@ KeyAction actionOf(const KeyPress& press) {
         if (isOurs && matches(row, press)) return row.action;
     }
     return KeyAction::Type;
+}
+
+// The key's character: a letter is a capital where Shift is held, whatever Caps Lock says. The key of plus
+// needs no Shift.
+static char16_t menuCharacter(const KeyPress& press) {
+    if (press.plain == '=') return '+';
+    if (press.plain >= 0x80 || !isalpha(press.plain)) return press.plain;
+    return static_cast<char16_t>((press.held & SHIFT_KEY) ? toupper(press.plain) : tolower(press.plain));
+}
+
+const KeyRow* menuRow(const KeyPress& press) {
+    const bool hasControl = (press.held & CONTROL_KEY) != 0;
+    for (const KeyRow& row : keyTable()) {
+        if (!row.item.menu || row.character == 0) continue;
+        const bool isHeld = hasControl ? row.item.withControl != nullptr : (press.held & row.held) != 0;
+        if (isHeld && menuCharacter(press) == static_cast<unsigned char>(row.character)) return &row;
+    }
+    return nullptr;
 }
 
 bool isInterrupt(const KeyPress& press) {

@@ -47,6 +47,7 @@ enum class KeyAction {
     Complete,
     Escape,
     Home,
+    HomeOrSelect, // again the entry, again everything
     End,
     Left,
     Right,
@@ -69,6 +70,9 @@ struct MenuItem {
     const char* selector = "";
     Target target = Target::FirstResponder;
     int tag = 0;
+    // On Linux Control does it too and the menu shows that, where other programs there use Control: the
+    // selector, nearly always the same one. Null: only Command does.
+    const char* withControl = nullptr;
 };
 
 struct KeyRow {
@@ -94,6 +98,10 @@ KeyTable keyTable();
 
 // What the console does with a key press; it carries out neither Interrupt nor Menu.
 KeyAction actionOf(const KeyPress& press);
+
+// The item that the key press chooses in the menus, for Linux: with Command, or with Control where the row
+// says so. Null when there is none.
+const KeyRow* menuRow(const KeyPress& press);
 
 // Whether the key press ends what runs.
 bool isInterrupt(const KeyPress& press);

@@ -19,7 +19,9 @@ static const useconds_t FLASH = 80000; // microseconds
     // Copy works without a selection, and the others decide for themselves.
     SEL action = [item action];
     if (sel_isEqual(action, @selector(copyAnswer:))) return !calc.answer.shown.empty();
-    if ([@[ @"copy:", @"cut:", @"paste:", @"undo:" ] containsObject:NSStringFromSelector(action)]) return YES;
+    if ([@[ @"copy:", @"cut:", @"cutSelection:", @"paste:", @"undo:" ]
+            containsObject:NSStringFromSelector(action)])
+        return YES;
     if (sel_isEqual(action, @selector(redo:))) return [[self undoManager] canRedo];
     return [super validateMenuItem:item];
 }
@@ -91,7 +93,7 @@ static const useconds_t FLASH = 80000; // microseconds
     const struct {
         NSString* title;
         SEL action;
-    } items[] = {{@"Cut", @selector(cut:)},
+    } items[] = {{@"Cut", @selector(cutSelection:)},
                  {@"Copy", @selector(copy:)},
                  {@"Copy Answer", @selector(copyAnswer:)},
                  {@"Paste", @selector(paste:)},
@@ -142,6 +144,16 @@ static const useconds_t FLASH = 80000; // microseconds
             [super copy:nil];
         }
     }
+    [self ProcessResult:nullptr:YES];
+}
+
+// As other programs cut. The transcript is read only: of what lies there nothing is removed.
+- (void)cutSelection:(id)sender {
+    if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) {
+        [self cut:sender];
+        return;
+    }
+    [super cut:nil];
     [self ProcessResult:nullptr:YES];
 }
 

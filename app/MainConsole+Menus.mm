@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// Display base, angle mode, and the lists of variables and functions.
+// Display base, angle mode, the size of the text, and the lists of variables and functions.
 #import "MainConsole.h"
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 // Longer definitions show as their heads in the list of functions.
@@ -75,6 +77,35 @@ static NSInteger segmentOf(int base) {
     [ctrlDegMode setSelectedSegment:degrees == 1 ? 0 : 1];
     [self saveSettings];
     [self ProcessResult:nullptr:YES];
+}
+
+// --- The size of the text ---
+
+static const CGFloat TEXT_SIZES[] = {6, 8, 9, 10, 11, 12, 13, 14, 16, 18, 20, 24, 28, 32, 40, 48, 64, 80, 96};
+
+- (void)setTextSize:(CGFloat)points {
+    NSFont* const font = [NSFont fontWithName:[[self font] fontName] size:points];
+    if (!font) return;
+    [self setFont:font];
+    [self fitToScrollView];
+    [self scrollRangeToVisible:[self selectedRange]];
+    [self saveSettings];
+}
+
+- (void)makeTextBigger:(id)sender {
+    const CGFloat now = [[self font] pointSize];
+    const CGFloat* const next = std::upper_bound(std::begin(TEXT_SIZES), std::end(TEXT_SIZES), now);
+    if (next != std::end(TEXT_SIZES)) [self setTextSize:*next];
+}
+
+- (void)makeTextSmaller:(id)sender {
+    const CGFloat now = [[self font] pointSize];
+    const CGFloat* const here = std::lower_bound(std::begin(TEXT_SIZES), std::end(TEXT_SIZES), now);
+    if (here != std::begin(TEXT_SIZES)) [self setTextSize:here[-1]];
+}
+
+- (void)resetTextSize:(id)sender {
+    [self setTextSize:USUAL_TEXT_SIZE];
 }
 
 // Gives the pop-up button these titles, an empty one being a separator. What stays is left alone: a list of

@@ -11,7 +11,7 @@
 //   MainConsole+Edit.mm    copy, cut, paste, undo
 //   MainConsole+Files.mm   the settings, the functions file
 //   MainConsole+Scripts.mm scripts: saving, replaying, the tutorial
-//   MainConsole+Menus.mm   display base, angle mode, the lists of variables and functions
+//   MainConsole+Menus.mm   display base, angle mode, size of the text, the lists of variables and functions
 //
 // Main thread only. Positions count the characters (UTF-16 units) of the text. "8-bit string" is text in ISO
 // Latin-1, of which ASCII is a part, ended by a NUL.
@@ -32,6 +32,8 @@
 // The paths of the functions file and of the settings file; nil before start-up and after shut-down.
 extern NSString* funcFilePath;
 extern NSString* prefFilePath;
+
+const CGFloat USUAL_TEXT_SIZE = 13; // points
 
 extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not retained
 
@@ -223,6 +225,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)setDisplayBase:(int)base:(BOOL)oneOff;
 - (void)clickedChangeMode:(id)sender; // segment 0 degrees, 1 radians
 - (void)setDegreeMode:(int)degrees;   // 1 degrees, 0 radians
+- (void)makeTextBigger:(id)sender;    // from 6 to 96 points; the settings keep it
+- (void)makeTextSmaller:(id)sender;
+- (void)resetTextSize:(id)sender;
 - (void)populateVarsMenu;
 - (void)clickedVarsMenu:(id)sender;
 - (void)populateFuncMenu;

@@ -51,6 +51,13 @@ Class mainWindowClass();
 // The text of a sheet in lines that are not too long where a sheet does not break lines by itself (GNUstep).
 NSString* platformSheetText(NSString* text);
 
+// The menu bar, still empty. On GNUstep it also takes the keys that people of Linux desktops press: Control
+// where a row of the table of keys says so, and Command, which is Alt there, as everywhere.
+NSMenu* platformMenuBar(NSString* title);
+
+// Lets the item of a menu show and do what its key does on this platform.
+void platformFitMenuItem(NSMenuItem* item, const KeyRow& row);
+
 // Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape
 // only closes it. On macOS the keys select in menus.
 void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);
@@ -89,6 +96,6 @@ NSColorWell* makeColorWell();
 //
 // The list scrolls with the wheel and while the pointer is at its ends. Up, Down, Page Up, Page Down, Home
 // and End move in it, typed letters go to the first row that begins with them (after a pause of a second they
-// begin anew), Return chooses, Escape and a click elsewhere close it. Keys with Command close it and are
+// begin anew), Return chooses, Escape and a click elsewhere close it. The keys of the menus close it and are
 // carried out.
 NSPopUpButton* makeListPopUp(NSString* title);

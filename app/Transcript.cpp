@@ -74,6 +74,7 @@ KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSig
     case KeyAction::Backspace: return Erase(false);
     case KeyAction::Delete: return Erase(true);
     case KeyAction::Home: return GoHome(extends);
+    case KeyAction::HomeOrSelect: return GoHomeOrSelect(extends);
     case KeyAction::End: return GoToEnd(extends);
     case KeyAction::Left: return GoLeft();
     case KeyAction::Right: return only(Then::Pass);
@@ -133,6 +134,16 @@ KeyEffect Transcript::GoHome(bool extends) const {
     KeyEffect effect = only(Then::Nothing);
     const bool selects = extends && selection.end() > Start();
     effect.select = EntryRange{Start(), selects ? selection.end() - Start() : 0};
+    return effect;
+}
+
+// Where it would do nothing any more it selects, as other programs do: the entry, then everything.
+KeyEffect Transcript::GoHomeOrSelect(bool extends) const {
+    const bool isAtStart = selection.location == Start();
+    if (extends || !isAtStart || (selection.length > 0 && selection.end() < end())) return GoHome(extends);
+    KeyEffect effect = only(Then::Nothing);
+    effect.select =
+        selection.length < entry.size() ? EntryRange{Start(), entry.size()} : EntryRange{0, end()};
     return effect;
 }
 

@@ -96,6 +96,7 @@ private:
     KeyEffect Escape() const;
     KeyEffect Erase(bool isForward) const;
     KeyEffect GoHome(bool extends) const;
+    KeyEffect GoHomeOrSelect(bool extends) const;
     KeyEffect GoToEnd(bool extends) const;
     KeyEffect GoLeft() const;
     KeyEffect WalkHistory(bool isUp) const;

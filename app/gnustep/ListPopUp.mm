@@ -2,6 +2,7 @@
 //
 // A pull-down button whose list may be longer than the screen, where GNUstep's own menus end.
 #import "Controls.h"
+#import "MainConsole.h"
 #import "NumberField.h"
 #import "Platform.h"
 #import "ZqScroller.h"
@@ -216,7 +217,7 @@ static NSFont* listFont() {
 
 - (void)takeKey:(NSEvent*)event {
     const uint32_t key = platformKeyCode(event);
-    if ([event modifierFlags] & NSCommandKeyMask) {
+    if (([event modifierFlags] & NSCommandKeyMask) || menuRow(keyPress(event))) {
         [self giveUp];
         [NSApp postEvent:event atStart:YES];
     } else if (key == KEY_ESCAPE) {

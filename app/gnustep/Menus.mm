@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Menus at the mouse, and how menus write keys.
+#import "MainConsole.h"
 #import "Platform.h"
+
+#import <objc/runtime.h>
 
 #include <cmath>
 
@@ -78,6 +81,38 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
     [NSMenu popUpContextMenu:menu withEvent:event forView:view];
     const NSInteger chosen = [typed chosen];
     if (chosen >= 0 && [[menu itemAtIndex:chosen] isEnabled]) [menu performActionForItemAtIndex:chosen];
+}
+
+// --- The menu bar ---
+
+// GNUstep's own menus know one key for an item.
+@interface KeyMenu : NSMenu
+@end
+
+@implementation KeyMenu
+
+- (BOOL)performKeyEquivalent:(NSEvent*)event {
+    const KeyRow* const row = menuRow(keyPress(event));
+    if (!row) return NO;
+    NSMenu* const menu = [[self itemWithTitle:@(row->item.menu)] submenu];
+    [menu update];
+    const auto item = static_cast<NSMenuItem*>([menu itemWithTitle:@(row->item.title)]);
+    const bool isControl = ([event modifierFlags] & NSControlKeyMask) != 0;
+    const char* const selector = isControl ? row->item.withControl : row->item.selector;
+    if ([item isEnabled]) [NSApp sendAction:sel_registerName(selector) to:[item target] from:item];
+    return YES;
+}
+
+@end
+
+NSMenu* platformMenuBar(NSString* title) {
+    return [[[KeyMenu alloc] initWithTitle:title] autorelease];
+}
+
+void platformFitMenuItem(NSMenuItem* item, const KeyRow& row) {
+    if (!row.item.withControl) return;
+    [item setAction:sel_registerName(row.item.withControl)];
+    [item setKeyEquivalentModifierMask:NSControlKeyMask];
 }
 
 // --- How keys are written ---

@@ -89,3 +89,9 @@ NSPopUpButton* makeListPopUp(NSString* title) {
     [button addItemWithTitle:title];
     return button;
 }
+
+NSMenu* platformMenuBar(NSString* title) {
+    return [[[NSMenu alloc] initWithTitle:title] autorelease];
+}
+
+void platformFitMenuItem(NSMenuItem*, const KeyRow&) {}

@@ -28,7 +28,7 @@ TEST(Keys, AKeyWithAModifierComesBeforeTheKeyAlone) {
     EXPECT_EQ(actionOf(press(KEY_LEFT, SHIFT_KEY)), KeyAction::Left);
     EXPECT_EQ(actionOf(press(KEY_LEFT, CONTROL_KEY)), KeyAction::Home);
     EXPECT_EQ(actionOf(press(KEY_LEFT, COMMAND_KEY | SHIFT_KEY)), KeyAction::Home);
-    EXPECT_EQ(actionOf(press(KEY_A, CONTROL_KEY)), KeyAction::Home);
+    EXPECT_EQ(actionOf(press(KEY_A, CONTROL_KEY)), KeyAction::HomeOrSelect);
     EXPECT_EQ(actionOf(press(KEY_A)), KeyAction::Type);
 }
 
@@ -58,6 +58,63 @@ TEST(Keys, ThreeOfThemEndWhatRuns) {
     EXPECT_FALSE(isInterrupt(press(KEY_RETURN)));
 }
 
+// --- Menus ---
+
+std::string chosen(char16_t plain, unsigned long held) {
+    const KeyRow* const row = menuRow(character(plain, held));
+    return row ? row->item.title : "";
+}
+
+TEST(MenuKeys, AreTakenWithCommand) {
+    EXPECT_EQ(chosen('c', COMMAND_KEY), "Copy");
+    EXPECT_EQ(chosen('h', COMMAND_KEY), "Hide Tallyquill");
+    EXPECT_EQ(chosen('y', COMMAND_KEY), "");
+    EXPECT_EQ(chosen('c', 0), "");
+    EXPECT_EQ(chosen('c', SHIFT_KEY), "");
+}
+
+TEST(MenuKeys, AreTakenWithControlWhereOtherProgramsDo) {
+    const struct {
+        char key;
+        const char* title;
+    } expected[] = {{'c', "Copy"},
+                    {'v', "Paste"},
+                    {'x', "Cut"},
+                    {'z', "Undo"},
+                    {'n', "New"},
+                    {'o', "Open Script..."},
+                    {'s', "Save Script..."},
+                    {'q', "Quit Tallyquill"},
+                    {',', "Preferences..."},
+                    {'+', "Bigger"},
+                    {'-', "Smaller"},
+                    {'0', "Default Size"}};
+    for (const auto& one : expected)
+        EXPECT_EQ(chosen(static_cast<char16_t>(one.key), CONTROL_KEY), one.title);
+    for (const char key : {'a', 'h', 'w', 'm'})
+        EXPECT_EQ(chosen(static_cast<char16_t>(key), CONTROL_KEY), "")
+            << key << " moves, erases or ends a line";
+}
+
+TEST(MenuKeys, ShiftIsToldFromCapsLock) {
+    EXPECT_EQ(chosen('Z', CONTROL_KEY | SHIFT_KEY), "Redo");
+    EXPECT_EQ(chosen('Z', CONTROL_KEY), "Undo") << "Caps Lock alone";
+    EXPECT_EQ(chosen('z', CONTROL_KEY | SHIFT_KEY), "Redo") << "both";
+    EXPECT_EQ(chosen('S', COMMAND_KEY | SHIFT_KEY), "Save Script As...");
+}
+
+TEST(MenuKeys, PlusNeedsNoShift) {
+    EXPECT_EQ(chosen('=', CONTROL_KEY), "Bigger");
+    EXPECT_EQ(chosen('+', CONTROL_KEY | SHIFT_KEY), "Bigger");
+}
+
+TEST(MenuKeys, ControlXIsTheDesktopsOwnCut) {
+    const KeyRow* const row = menuRow(character('x', CONTROL_KEY));
+    ASSERT_NE(row, nullptr);
+    EXPECT_STREQ(row->item.selector, "cut:");
+    EXPECT_STREQ(row->item.withControl, "cutSelection:");
+}
+
 // --- The rows ---
 
 TEST(Keys, AreNotTakenTwice) {
@@ -72,7 +129,8 @@ TEST(Keys, AreNotTakenTwice) {
 
 TEST(Keys, WithACharacterAreNamedForIt) {
     for (const KeyRow& row : keyTable()) {
-        if (row.character == 0 || row.character == ',') continue;
+        const bool isNamedInWords = row.held != 0 && row.character != 0 && strchr(",+-", row.character);
+        if (row.character == 0 || isNamedInWords) continue;
         std::string name;
         if (row.held & CONTROL_KEY) name += "Control-";
         if (row.held & COMMAND_KEY) name += "Command-";
