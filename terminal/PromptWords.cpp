@@ -74,7 +74,7 @@ std::string helpOfName(const std::string& name) {
     }
     for (const Setting& setting : SETTINGS) {
         if (setting.command.word && name == setting.command.word) {
-            text += twoColumns(setting.command.word, setting.command.help);
+            text += twoColumns(setting.command.word, setting.help);
         }
     }
     return text;
@@ -167,13 +167,8 @@ std::string valueText(const Setting& setting, const KeptSettings& settings) {
     return std::to_string(value);
 }
 
-const char* meaningOf(const Setting& setting) {
-    if (setting.command.help) return setting.command.help;
-    return setting.title ? setting.title : "";
-}
-
 std::string settingLine(const Setting& setting, const KeptSettings& settings) {
-    return twoColumns(std::string(setting.key) + " = " + valueText(setting, settings), meaningOf(setting));
+    return twoColumns(std::string(setting.key) + " = " + valueText(setting, settings), setting.help);
 }
 
 // The number that a text stands for. False when the setting has no such value.

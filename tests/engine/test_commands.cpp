@@ -86,7 +86,7 @@ std::string rowOf(const std::string& usage, const std::string& help) {
 std::string rowOf(const Setting& setting) {
     const std::string word = setting.command.word;
     std::string usage;
-    std::string help = setting.command.help;
+    std::string help = setting.help;
     const bool isLong = std::distance(setting.choices.begin(), setting.choices.end()) > 3;
     for (const SettingChoice& choice : setting.choices) {
         if (usage.empty() || !isLong)

@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <regex>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -107,6 +110,13 @@ TEST_F(PromptWordsTest, SetShowsAllSettingsOneOfThemAndChangesIt) {
     const std::string all = Text(":set");
     for (const Setting& setting : SETTINGS)
         EXPECT_TRUE(Contains(all, std::string(setting.key) + " = ")) << setting.key;
+    EXPECT_EQ(Text(":set autoeval"),
+              "  autoeval = on             shows the answer below the line while you type at the prompt\n");
+    std::istringstream lines(all);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_TRUE(std::regex_match(line, std::regex("  \\w+ = .*  \\w[^=]+"))) << line;
+        EXPECT_LE(line.size(), 100U) << line;
+    }
 }
 
 TEST_F(PromptWordsTest, SetRefusesWhatIsNoSettingAndNoValue) {
