@@ -11,7 +11,8 @@
 struct Outcome;
 struct Statement;
 
-// What work costs. A unit takes 0.05 to 0.1 microseconds; the unit library counts in the same unit (units.h).
+// What work costs. A unit takes 0.05 to 0.1 microseconds. What only another folder does has its costs there,
+// in the same unit: conversions in units.h, the definitions file in DefinitionsFile.cpp.
 namespace Cost {
 
 constexpr uint64_t COPIED_TERM = 1;
@@ -21,9 +22,6 @@ constexpr uint64_t REMAINDER_BITS = 256; // a remainder: one for so many bits by
 constexpr uint64_t SHOWN_RESULT = 150;   // and one for so many bits of its integer part:
 constexpr uint64_t SHOWN_BITS = 32;
 constexpr uint64_t LISTED_TERM = 40; // a number, with an operator to it
-constexpr uint64_t FILE_LINE = 20;   // a line of the functions file, and for each of its characters:
-constexpr uint64_t CHARACTER_OF_FUNCTION = 8;
-constexpr uint64_t CHARACTER_OF_VALUE = 2;
 
 } // namespace Cost
 
@@ -32,8 +30,6 @@ namespace WorkLimit {
 
 constexpr uint64_t NONE = UINT64_MAX;
 constexpr uint64_t PREVIEW = 60000;          // it is evaluated at every key press: 2 to 5 milliseconds
-constexpr uint64_t FUNCTIONS_FILE = 8000000; // 0.4 seconds, beside reading each of its lines once
-constexpr uint64_t LINE_OF_FILE = 400000;
 constexpr uint64_t BETWEEN_QUESTIONS = 1000; // 0.1 milliseconds; a few of what takes longest
 
 // These are not work but memory, which calls of functions could fill in a short time.

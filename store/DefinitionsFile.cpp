@@ -16,6 +16,17 @@ namespace {
 
 constexpr int VALUE_DIGITS = 100;
 
+// What reading takes besides the evaluation of its lines, and how much work it may be, as WorkBudget counts.
+namespace FileWork {
+
+constexpr uint64_t LINE = 20; // and for each of its characters:
+constexpr uint64_t CHARACTER_OF_FUNCTION = 8;
+constexpr uint64_t CHARACTER_OF_VALUE = 2;
+constexpr uint64_t LIMIT = 8000000; // 0.4 seconds, beside reading each of the lines once
+constexpr uint64_t LIMIT_OF_LINE = 400000;
+
+} // namespace FileWork
+
 std::string valueText(const qfloat value) {
     char digits[FORMAT_SIZE];
     qtoascii(value, digits, VALUE_DIGITS, SCI_AUTO, '\0');
@@ -106,7 +117,7 @@ public:
     // is refused then may need it and counts as such, too.
     std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
         // A person may have any number of definitions: the limit is for evaluations and for long lines.
-        uint64_t limit = WorkLimit::FUNCTIONS_FILE;
+        uint64_t limit = FileWork::LIMIT;
         for (const DefinitionRecord& record : records) limit += IsLong(record) ? 0 : CostOf(record);
         budget.Begin(limit);
         std::vector<Reading> readings(records.size(), Reading::Refused);
@@ -126,8 +137,8 @@ private:
     // What reading it takes besides its evaluation.
     static uint64_t CostOf(const DefinitionRecord& record) {
         const bool isFunction = record.kind == Kind::Function;
-        return Cost::FILE_LINE + record.statement.size() *
-                                     (isFunction ? Cost::CHARACTER_OF_FUNCTION : Cost::CHARACTER_OF_VALUE);
+        return FileWork::LINE + record.statement.size() * (isFunction ? FileWork::CHARACTER_OF_FUNCTION
+                                                                      : FileWork::CHARACTER_OF_VALUE);
     }
 
     bool IsKnown(const DefinitionRecord& record) const {
@@ -153,7 +164,7 @@ private:
 
     // A variable may have the name of a command, which would read what follows a blank.
     Reading Evaluate(const DefinitionRecord& record) {
-        const uint64_t allowed = std::min(budget.Left(), WorkLimit::LINE_OF_FILE);
+        const uint64_t allowed = std::min(budget.Left(), FileWork::LIMIT_OF_LINE);
         uint64_t work = allowed;
         const std::string assignment = record.name + "=" + record.body;
         const bool isUnit = record.kind == Kind::Unit;

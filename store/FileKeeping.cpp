@@ -205,6 +205,25 @@ bool readWholeFile(const std::string& path, std::string& text, System& system) {
     return false;
 }
 
+FileStamp::FileStamp(const std::string& path, System& system) {
+    constexpr int TICK = 2; // seconds
+    struct stat info;
+    if (system.Status(path.c_str(), info) != 0) return;
+#ifdef __APPLE__
+    const timespec content = info.st_mtimespec, whole = info.st_ctimespec;
+#else
+    const timespec content = info.st_mtim, whole = info.st_ctim;
+#endif
+    state = {static_cast<int64_t>(info.st_dev),
+             static_cast<int64_t>(info.st_ino),
+             info.st_size,
+             content.tv_sec,
+             content.tv_nsec,
+             whole.tv_sec,
+             whole.tv_nsec};
+    isAtRest = system.WallTime() > std::max(content.tv_sec, whole.tv_sec) + TICK;
+}
+
 bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason,
                          System& system) {
     if (replaceFile(system, path, text)) return true;

@@ -6,12 +6,36 @@
 
 #include "System.h"
 
+#include <array>
+#include <cstdint>
 #include <string>
 #include <system_error>
 
 // Reads a regular file, or what a symbolic link to one leads to, into `text`. False, with an empty text, for
 // anything else: no such file, no permission, a folder, a device, a pipe, more than 256 MiB. Never waits.
 bool readWholeFile(const std::string& path, std::string& text, System& system = System::Real());
+
+// What tells two states of a file apart without reading it: which file it is, its size, and when its content
+// and its state were changed.
+class FileStamp {
+public:
+    FileStamp() = default; // of no file
+
+    // That of the file as it is now. Take it before the file is read: what is written in between then makes
+    // another one.
+    FileStamp(const std::string& path, System& system);
+
+    // Whether the file still is as it was read behind the other stamp. A file system's clock has ticks, of
+    // some milliseconds, or of two seconds at the worst, and a change in the tick of the one before leaves no
+    // mark if the size stays. So a stamp says nothing unless the file had rested for longer than a tick when
+    // the stamp was taken: every later change falls into another tick then. Where the clock of a file server
+    // is ahead of ours, the stamps say nothing for longer, and the file is read.
+    bool IsSameAs(const FileStamp& before) const { return before.isAtRest && state == before.state; }
+
+private:
+    std::array<int64_t, 7> state = {};
+    bool isAtRest = false;
+};
 
 // Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner
 // alone, is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file

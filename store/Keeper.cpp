@@ -2,7 +2,6 @@
 #include "Keeper.h"
 
 #include "DefinitionsFile.h"
-#include "FileKeeping.h"
 #include "Folder.h"
 
 #include <csignal>
@@ -22,6 +21,7 @@ void Keeper::Close() {
     Finish();
     Forget();
     settingsFile = definitionsFile = {};
+    definitionsStamp = {};
     merge = {};
 }
 
@@ -49,6 +49,7 @@ void Keeper::KeepSettingsBeside() {
 std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     if (definitionsFile.path.empty()) return "";
     Finish();
+    definitionsStamp = FileStamp(definitionsFile.path, system);
     const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
     if (!read.opened || read.damaged) KeepBeside(definitionsFile);
     const bool leavesHistory = merge.leavesHistory;
@@ -65,8 +66,12 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
 void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
     if (definitionsFile.path.empty() || isBusy) return;
     Finish();
+    const FileStamp stamp(definitionsFile.path, system);
+    if (stamp.IsSameAs(definitionsStamp)) return;
     std::string theirs;
-    if (!readWholeFile(definitionsFile.path, theirs, system) || theirs == definitionsSeen) return;
+    if (!readWholeFile(definitionsFile.path, theirs, system)) return;
+    definitionsStamp = stamp;
+    if (theirs == definitionsSeen) return;
     const DefinitionsMerge::Foreign foreign = merge.TakeForeign(definitionsText(calc), theirs);
     definitionsSeen = std::move(theirs);
     if (foreign.keys.empty()) return;

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "DefinitionsMerge.h"
+#include "FileKeeping.h"
 #include "System.h"
 
 #include <atomic>
@@ -46,7 +47,7 @@ public:
 
     // Takes what other programs have defined, changed or deleted in that file since then into the
     // calculator, but for names that were changed here, too. Call it before an entry. Does nothing while
-    // something is being written.
+    // something is being written, and reads the file only when it has changed since then.
     void TakeForeignDefinitions(ZqCalculator& calc);
 
     // The history in that file is other programs', and stays as it is.
@@ -117,6 +118,7 @@ private:
     bool isChanged = false;
     bool isRunning = false;
     System::Time changeTime;
+    FileStamp definitionsStamp;  // of the file when it was last taken in
     std::string definitionsSeen; // the file's text when it was taken in; empty when something changed since
     std::string textBefore;      // of the definitions before the running entry
     System::Time textTime;

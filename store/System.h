@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -59,5 +60,6 @@ public:
     virtual int CloseFolder(DIR* folder) { return closedir(folder); }
     using Time = std::chrono::steady_clock::time_point;
     virtual Time Now() { return std::chrono::steady_clock::now(); }
+    virtual time_t WallTime() { return time(nullptr); }
     virtual void Pause(useconds_t microseconds) { usleep(microseconds); }
 };

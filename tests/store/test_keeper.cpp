@@ -7,6 +7,8 @@
 #include "definitions_file_fixture.h"
 
 #include <cstring>
+#include <ctime>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <iterator>
@@ -23,12 +25,33 @@ public:
     int Rename(const char* from, const char* to) override {
         return Fails(renamingError) ? -1 : System::Rename(from, to);
     }
+    time_t WallTime() override { return wallTime; }
+    int Open(const char* path, int flags, mode_t mode) override {
+        const std::string name = path;
+        readings += flags == (O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC) &&
+                    name.find("functions.txt") + 13 == name.size();
+        return System::Open(path, flags, mode);
+    }
+    int Status(const char* path, struct stat& info) override {
+        const int result = System::Status(path, info);
+        if (isInOneTick) {
+#ifdef __APPLE__
+            info.st_mtimespec = info.st_ctimespec = {wallTime, 0};
+#else
+            info.st_mtim = info.st_ctim = {wallTime, 0};
+#endif
+        }
+        return result;
+    }
     void Wait(double seconds) {
         now += std::chrono::duration_cast<Time::duration>(std::chrono::duration<double>(seconds));
     }
 
     int writingError = 0;
     int renamingError = 0;
+    int readings = 0; // of the definitions file
+    time_t wallTime = time(nullptr);
+    bool isInOneTick = false; // all files were changed just now
 
 private:
     static bool Fails(int error) {
@@ -401,6 +424,45 @@ TEST_F(TwoPrograms, TheVariableOfTheLastEntryMayBeDeletedElsewhere) {
     EXPECT_EQ("** DISPLAY HEX **\n", EnterAndSave("display hex"));
     EXPECT_EQ("ans = 0x0003\n", EnterAndSave("w"));
     EXPECT_FALSE(Holds("\nv=2\n"));
+}
+
+TEST_F(TwoPrograms, AFileAtRestIsReadOnce) {
+    Begin({"v=2"});
+    system.wallTime += 10;
+    keeper.TakeForeignDefinitions(*calc);
+    system.readings = 0;
+    for (int i = 0; i < 3; ++i) {
+        keeper.TakeForeignDefinitions(*calc);
+        EnterAndNote("1+1");
+    }
+    EXPECT_EQ(0, system.readings);
+    ElsewhereReplace("v=2", "v=3");
+    keeper.TakeForeignDefinitions(*calc);
+    EXPECT_EQ(1, system.readings);
+    EXPECT_EQ("ans = 3\n", Answer("v"));
+}
+
+TEST_F(TwoPrograms, AFileThatWasAtRestAtTheStartIsNotReadBeforeTheFirstEntry) {
+    Begin({"v=2"});
+    StartAgain();
+    system.wallTime += 10;
+    EXPECT_EQ("", keeper.ReadDefinitions(*calc));
+    system.readings = 0;
+    keeper.TakeForeignDefinitions(*calc);
+    EXPECT_EQ(0, system.readings);
+    EXPECT_EQ("ans = 2\n", Answer("v"));
+}
+
+TEST_F(TwoPrograms, AChangeInTheSameTickOfTheClockIsNotMissed) {
+    Begin({"v=2"});
+    system.isInOneTick = true;
+    for (const char value : {'3', '4'}) {
+        std::string text = Definitions(); // written into the same file
+        text[text.find("\nv=") + 3] = value;
+        std::ofstream(File("pelmo_functions.txt"), std::ios::in) << text;
+        keeper.TakeForeignDefinitions(*calc);
+        EXPECT_EQ(std::string("ans = ") + value + "\n", Answer("v"));
+    }
 }
 
 TEST_F(TwoPrograms, WhatIsKeptElsewhereStaysSo) {
