@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The online query service: its address, its page, and the answer in the page.
+//
+// The page is fetched by the program curl as a child and not by its library, which every start would pay for
+// and hardly any use. Measured on Debian 12 (x86-64), an empty program that is linked with -lcurl loads 32
+// shared libraries instead of 2, and takes 4.9 ms of processor time from start to end instead of 0.35 ms (5.1
+// and 0.39 ms on the clock; best of 7 runs of 300 starts). The console for terminals takes 1 ms for an entry,
+// linked statically, which the library's own libraries do not allow. And a child can be ended at any time.
 #pragma once
 
 #include <cstddef>
