@@ -28,6 +28,13 @@ void sqrt(const Extended& x, Extended& y);
 // Error below 64 units of the last limb.
 void expFraction(const uint64_t* r, uint64_t* s);
 
+// x = 1 + f for the fraction f of six limbs that x.limb holds.
+inline void onePlus(Extended& x) {
+    limb::shiftDown(x.limb, 1);
+    x.limb[limb::COUNT - 1] |= limb::TOP_BIT;
+    x.exponent = 1;
+}
+
 // Whether x is zero.
 inline bool isZero(const Extended& x) {
     return limb::isZero(x.limb);

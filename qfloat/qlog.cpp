@@ -15,6 +15,7 @@
 #include "qfloat.h"
 #include "qnearest.h"
 #include "qregister.h"
+#include "qseries.h"
 
 #include <cmath>
 
@@ -26,8 +27,9 @@ namespace {
 
 const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
-// The direct series is used for arguments of artanh below 2^directExponent: then 32 terms reach 2^-384.
-constexpr int DIRECT_EXPONENT = -6;
+// The direct series is used for |m - 1| below this, so that |ln m| is 2^-5 or more where it is not.  The
+// argument of artanh is then below 2^-5.89, and 32 terms reach 2^-384.
+constexpr double DIRECT_BELOW = 0.033;
 constexpr int TERMS = 32;
 
 // 1 / (2n + 1) as fractions, cut, n = 1 .. terms.
@@ -44,8 +46,10 @@ struct OddReciprocals {
     }
 };
 
-// y = 2 artanh(z) = 2 z (1 + w/3 + w^2/5 + ...) with w = z^2, for z < 2^directExponent.  Relative error
-// below 2^-378: that of the bracket's fixed-point sum, and three roundings.
+// y = 2 artanh(z) = 2 z (1 + w/3 + w^2/5 + ...) with w = z^2 < 2^-11, for z < 2^-5.89.  Relative error below
+// 2^-378: that of the bracket's fixed-point sum, at most 9 units of 2^-384, and three roundings.  A product
+// that comes to the bracket multiplied by w^n is formed without the limbs below 2^-384 / (2^8 w^n); that is 9
+// * 2^-8 of those units.
 void doubleArtanh(const Extended& z, Extended& y) {
     static const OddReciprocals reciprocal;
     if (isZero(z)) {
@@ -58,13 +62,15 @@ void doubleArtanh(const Extended& z, Extended& y) {
     const int zeros = limb::leadingZeros(w.limb); // w < 2^-zeros
     const int needed = 64 * COUNT / zeros;
     int n = needed < TERMS ? needed : TERMS;
-    uint64_t sum[COUNT] = {};
-    for (; n >= 1; --n) {
-        limb::add(reciprocal.entry[n], sum);
-        limb::multiply(w.limb, sum, sum);
+    Fixed bracket = {};
+    uint64_t* const sum = bracket.limb;
+    limb::copy(reciprocal.entry[n], sum);
+    while (--n >= 1) {
+        const int low = zeros * n > 8 ? (zeros * n - 8) / 64 : 0;
+        limb::hornerSteps<limb::Signs::Equal>(w.limb + low, reciprocal.entry[n] + low, 0, 1, sum + low,
+                                              COUNT - low);
     }
-    Fixed bracket;
-    limb::copy(sum, bracket.limb);
+    limb::multiply(w.limb, sum, sum);
     bracket.limb[COUNT] = 1;
     limb::multiply(z, toExtended(bracket), y);
     ++y.exponent;
@@ -89,9 +95,9 @@ void correctedLog(const Extended& m, bool below, double t, Extended& y) {
     // Above 1 compare m with e^t; below 1 compare 1 with m e^t.
     Fixed start = {};
     start.limb[COUNT - 1] = static_cast<uint64_t>(t * 9007199254740992.0) << 11; // t 2^53
-    Extended power;
-    exp(toExtended(start), false, power);
-    Extended correction;
+    Extended power, correction;
+    expFraction(start.limb, power.limb);
+    onePlus(power);
     bool less;
     if (below) {
         limb::multiply(m, power, power);
@@ -111,15 +117,16 @@ void correctedLog(const Extended& m, bool below, double t, Extended& y) {
 
 // y = |ln m| for sqrt(1/2) <= m < sqrt(2); returns whether m < 1.
 bool logOfMantissa(const Extended& m, Extended& y) {
-    Extended z;
-    const bool below = ratio(m, ONE, z);
-    if (z.exponent <= DIRECT_EXPONENT || isZero(z)) { // z < 2^directExponent
+    const double approximate =
+        std::ldexp(static_cast<double>(m.limb[COUNT - 1]), static_cast<int>(m.exponent) - 64);
+    if (std::fabs(approximate - 1) < DIRECT_BELOW) {
+        Extended z;
+        const bool below = ratio(m, ONE, z);
         doubleArtanh(z, y);
-    } else {
-        const double approximate =
-            std::ldexp(static_cast<double>(m.limb[COUNT - 1]), static_cast<int>(m.exponent) - 64);
-        correctedLog(m, below, std::fabs(std::log(approximate)), y);
+        return below;
     }
+    const bool below = approximate < 1;
+    correctedLog(m, below, std::fabs(std::log(approximate)), y);
     return below;
 }
 

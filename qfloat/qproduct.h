@@ -40,6 +40,13 @@ struct Column {
 #endif
     }
 
+    void Add(uint64_t x) {
+        uint64_t carry = 0;
+        low = addCarry(low, x, carry);
+        middle = addCarry(middle, 0, carry);
+        high += carry;
+    }
+
     // Takes the finished lowest limb off.
     uint64_t Next() {
         const uint64_t done = low;

@@ -32,26 +32,6 @@ public:
         }
     }
 
-    // r = r * x; x may be r.
-    void Multiply(const uint64_t* x, uint64_t* r) const {
-        uint64_t wide[2 * COUNT]; // below d^2, so that its upper half is below d
-        limb::product<COUNT, COUNT, 0, 0>(x, r, wide);
-        for (int i = COUNT - 1; i >= 0; --i) Reduce(wide + i, wide + i);
-        limb::copy(wide, r);
-    }
-
-    // r = r * 2^n as (r * 2^(n mod 2^j)) * (2^(n / 2^j))^(2^j), where 2^(n / 2^j) is below the divisor.
-    void ShiftFar(uint64_t* r, int64_t n) const {
-        int j = 0;
-        while (n >> j > 64 * COUNT - 2) ++j;
-        const auto bit = static_cast<int>(n >> j);
-        uint64_t power[COUNT] = {};
-        power[bit / 64] = uint64_t{1} << bit % 64;
-        for (int k = 0; k < j; ++k) Multiply(power, power);
-        Shift(r, n - (int64_t{bit} << j));
-        Multiply(power, r);
-    }
-
 private:
     // r = wide (COUNT + 1 limbs, below d * 2^64) modulo d; r may be the place of wide.  The quotient digit,
     // estimated from the divisor's top limb alone, is at most two too large.
@@ -74,7 +54,80 @@ private:
     const uint64_t v;
 };
 
-constexpr int64_t FAR = 2048; // bits from which on ShiftFar is the faster way
+// Arithmetic modulo an odd d of up to 352 bits, by Montgomery's products x y / 2^384: a multiple of d makes
+// the lower half of x y zero.  For x and y below 2^354 a product is below d + 2^324.
+class OddModulus {
+public:
+    explicit OddModulus(const uint64_t* divisor) : d(divisor), v(NegativeInverse(divisor[0])) {}
+
+    // r = r * x / 2^384; x may be r.
+    void Multiply(const uint64_t* x, uint64_t* r) const {
+        uint64_t wide[2 * COUNT], q[COUNT];
+        limb::product<COUNT, COUNT, 0, 0>(x, r, wide);
+        limb::Column sum;
+        for (int k = 0; k < COUNT; ++k) {
+            sum.Add(wide[k]);
+            for (int i = 0; i < k; ++i) sum.AddStored(q[i], d[k - i]);
+            q[k] = sum.low * v;
+            sum.AddStored(q[k], d[0]);
+            sum.Next(); // zero
+        }
+        for (int k = COUNT; k < 2 * COUNT; ++k) {
+            sum.Add(wide[k]);
+            for (int i = k - COUNT + 1; i < COUNT; ++i) sum.AddStored(q[i], d[k - i]);
+            r[k - COUNT] = sum.Next();
+        }
+    }
+
+private:
+    // -1 / x modulo 2^64: x is right to three bits, and each step doubles them.
+    static uint64_t NegativeInverse(uint64_t x) {
+        uint64_t inverse = x;
+        for (int bits = 3; bits < 64; bits *= 2) inverse *= 2 - x * inverse;
+        return 0 - inverse;
+    }
+
+    const uint64_t* const d;
+    const uint64_t v;
+};
+
+int trailingZeros(const uint64_t* x) {
+    int n = 0;
+    while ((x[n / 64] >> n % 64 & 1) == 0) ++n;
+    return n;
+}
+
+// r = r * 2^n modulo the divisor, whose lowest 32 bits are zero, as r's; n >= 384.
+//
+// With divisor = d 2^z for an odd d the remainder is 2^z times that of (r / 2^32) * 2^f by d, f = n - z + 32.
+// From p = 2^(384 + k) for the leading bits k of f, Montgomery's squares 2^(384 + 2k) and doublings bring f.
+void shiftFar(const uint64_t* divisor, uint64_t* r, int64_t n) {
+    constexpr int64_t MOST_AT_ONCE = 350;
+    const int zeros = trailingZeros(divisor);
+    if (zeros == 64 * COUNT - 1) { // a power of two
+        std::memset(r, 0, COUNT * sizeof *r);
+        return;
+    }
+    uint64_t d[COUNT], p[COUNT] = {0, 0, 0, 0, 0, limb::TOP_BIT};
+    limb::copy(divisor, d);
+    limb::shiftDown(d, zeros);
+    limb::shiftDown(r, 32);
+    const int64_t f = n - zeros + 32;
+    int j = 0;
+    while (f >> j > MOST_AT_ONCE) ++j;
+    const Modulus modulus(divisor);
+    modulus.Shift(p, 1 + (f >> j) + zeros);
+    limb::shiftDown(p, zeros);
+    const OddModulus odd(d);
+    while (--j >= 0) {
+        odd.Multiply(p, p);
+        limb::shiftUp(p, static_cast<int>(f >> j & 1));
+    }
+    odd.Multiply(p, r);
+    modulus.Shift(r, zeros);
+}
+
+constexpr int64_t FAR = 2048; // bits from which on shiftFar is the faster way
 
 } // namespace
 
@@ -95,13 +148,12 @@ void qremain(const qfloat a, const qfloat b, qfloat c) {
         qmov(b, c);
         return;
     }
-    const Modulus modulus(divisor.limb);
     const int64_t left = rest.exponent - divisor.exponent; // bits still to bring down
     if (limb::compare(rest.limb, divisor.limb) >= 0) limb::subtract(divisor.limb, rest.limb);
     if (left < FAR) {
-        modulus.Shift(rest.limb, left);
+        Modulus(divisor.limb).Shift(rest.limb, left);
     } else {
-        modulus.ShiftFar(rest.limb, left);
+        shiftFar(divisor.limb, rest.limb, left);
     }
     const uint32_t sign = b[0] != 0 ? NEGATIVE_SIGN : 0;
     if (elem::isZero(rest)) {

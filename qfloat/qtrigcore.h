@@ -2,29 +2,12 @@
 //
 // Private to qfloat/: what the circular, inverse and hyperbolic functions share.
 //
-// "Fixed" values are six limbs in units of 2^-384, hence below 1.  One unit of the last place of a stored
-// number is at least 2^31 units of an Extended mantissa, so errors of a few hundred of those shift the
-// rounding boundary by less than 2^-20 units of the last place.
+// One unit of the last place of a stored number is at least 2^31 units of an Extended mantissa, so errors of
+// a few hundred of those shift the rounding boundary by less than 2^-20 units of the last place.
 #pragma once
 
-#include "qlimb.h"
 #include "qregister.h"
-
-namespace limb {
-
-// Tables (qtrigconst.cpp, written by scripts/make_trig_constants.py).
-constexpr int INVERSE_FACTORIAL_COUNT = 80;
-constexpr int INVERSE_ODD_COUNT = 7;
-constexpr int TWO_OVER_PI_LIMBS = 528;
-extern const Extended WHOLE_PI, HALF_PI, quarterPi;                      // nearest 384-bit mantissas
-extern const Extended RADIANS_PER_DEGREE;                                // the same
-extern const uint64_t INVERSE_FACTORIAL[INVERSE_FACTORIAL_COUNT][COUNT]; // fixed 1/n!, n >= 2
-extern const uint64_t INVERSE_ODD[INVERSE_ODD_COUNT][COUNT];             // fixed 1/(2k + 1), k >= 1
-extern const uint64_t TWO_OVER_PI[TWO_OVER_PI_LIMBS];                    // fraction of 2/pi, top limb first
-
-constexpr Extended ONE = {{0, 0, 0, 0, 0, TOP_BIT}, 1};
-
-} // namespace limb
+#include "qtables.h"
 
 namespace trig {
 
@@ -59,10 +42,15 @@ Reduced reduceDegrees(const uint32_t* x);
 // rest = the remainder of |x| by 360, exactly.
 void remainderOfTurn(const uint32_t* x, uint32_t* rest);
 
-// s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.  Either may be null.
-void sinCos(const Extended& r, Extended* s, Extended* c);
+// s = sin r and c = cos r for 0 < r < 0.79, within 2^-379 relative.
+void sine(const Extended& r, Extended& s);
+void cosine(const Extended& r, Extended& c);
 
-// The same for r = n * 2^-32 with 0 < n < 0.79 * 2^32: r squared is a single limb, which takes a third of
+// y = the square root of (1 - a)(1 + a), 0 < a < 1: within 2^-378 relative; for a <= 0.71 within 1.8 *
+// 2^-379.
+void cosineOfArcsine(const Extended& a, Extended& y);
+
+// Both for r = n * 2^-32 with 0 < n < 0.79 * 2^32: r squared is a single limb, which takes a third of
 // the time.
 void sinCosShort(uint64_t n, Extended& s, Extended& c);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The tables of the trigonometric functions, each limb recomputed with MPFR and GMP.
+// The tables of the elementary functions, each limb recomputed with MPFR and GMP.
 #include "oracle.h"
 #include "qtrigcore.h"
 
@@ -52,6 +52,21 @@ TEST(TrigTables, TheInverseFactorialsAreCutTrueValues) {
     for (unsigned n = 2; n < limb::INVERSE_FACTORIAL_COUNT; ++n) {
         factorial *= n;
         EXPECT_EQ(fromLimbs(limb::INVERSE_FACTORIAL[n]), inverse(factorial)) << n;
+        EXPECT_EQ(limb::INVERSE_FACTORIAL_ZEROS[n], limb::leadingZeros(limb::INVERSE_FACTORIAL[n])) << n;
+    }
+}
+
+TEST(TrigTables, TheStepsOfTheExponentialAreTheNearestValues) {
+    for (int level = 0; level < limb::EXP_LEVELS; ++level) {
+        for (unsigned n = 0; n < (level == 0 ? 12 : 16); ++n) {
+            Real value(1000);
+            mpfr_set_ui_2exp(value, n, -4 * (level + 1), MPFR_RNDN);
+            mpfr_expm1(value, value, MPFR_RNDN);
+            mpfr_mul_2ui(value, value, 384, MPFR_RNDN);
+            mpz_class nearest;
+            mpfr_get_z(nearest.get_mpz_t(), value, MPFR_RNDN);
+            EXPECT_EQ(fromLimbs(limb::EXP_STEPS[level][n]), nearest.get_str(16)) << level << ", " << n;
+        }
     }
 }
 
