@@ -67,7 +67,7 @@ Kind split(DefinitionRecord& record) {
 class Uses {
 public:
     explicit Uses(const std::vector<DefinitionRecord>& all) : records(all) {
-        for (size_t i = 0; i < records.size(); i++)
+        for (size_t i = 0; i < records.size(); ++i)
             positions.emplace(NameOf(records[i].kind, records[i].name), i);
     }
 
@@ -164,7 +164,7 @@ DefinitionRecord recordOf(const std::string& line) {
 
 std::string textOf(const Sections& sections) {
     std::string text;
-    for (size_t i = 0; i < sections.size(); i++) text.append(HEADERS[i]).append("\n").append(sections[i]);
+    for (size_t i = 0; i < sections.size(); ++i) text.append(HEADERS[i]).append("\n").append(sections[i]);
     return text;
 }
 
@@ -215,7 +215,7 @@ std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records)
         isVisited[position] = true;
         path.push_back({position, uses.Of(records[position])});
     };
-    for (size_t i = 0; i < records.size(); i++) {
+    for (size_t i = 0; i < records.size(); ++i) {
         if (records[i].kind == Kind::Function) functions.push_back(i);
         if (records[i].kind != Kind::Nothing) visit(i);
         while (!path.empty()) {

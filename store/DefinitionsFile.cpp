@@ -77,7 +77,7 @@ std::string variableLines(const ZqCalculator& calc) {
 // By number, so that the position at which the history is browsed stays.
 std::string historyLines(const CHistory& history) {
     std::string text;
-    for (int32_t k = history.count; k >= 1; k--) {
+    for (int32_t k = history.count; k >= 1; --k) {
         std::string line = history.GetHistoryStr(k);
         std::replace_if(line.begin(), line.end(), isControl, ' ');
         text += line + '\n';
@@ -123,7 +123,7 @@ public:
         std::vector<Reading> readings(records.size(), Reading::Refused);
         for (const size_t position : orderOfReading(records)) readings[position] = TakeOne(records[position]);
         if (std::count(readings.begin(), readings.end(), Reading::TooLong) == 0) return readings;
-        for (size_t i = 0; i < records.size(); i++) {
+        for (size_t i = 0; i < records.size(); ++i) {
             if (readings[i] == Reading::Refused && records[i].kind != Kind::Nothing)
                 readings[i] = Reading::TooLong;
         }
@@ -191,10 +191,10 @@ bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
 void takeText(ZqCalculator& calc, DefinitionsText& text, DefinitionsRead& result) {
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
     result.damaged = !takeHistory(calc.history, text.history) || !text.isFramed;
-    for (size_t i = 0; i < readings.size(); i++) {
+    for (size_t i = 0; i < readings.size(); ++i) {
         const DefinitionRecord& record = text.records[i];
         if (readings[i] == Reading::TooLong) {
-            result.unread++;
+            ++result.unread;
             if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
         } else if (readings[i] == Reading::Refused) {
             result.damaged = true;

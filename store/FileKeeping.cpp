@@ -102,7 +102,7 @@ bool readLink(System& system, const std::string& path, std::string& destination)
 // Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for
 // links in a circle.
 bool followLinks(System& system, std::string& path) {
-    for (int links = 0; links <= MAX_LINKS; links++) {
+    for (int links = 0; links <= MAX_LINKS; ++links) {
         struct stat info;
         if (system.StatusOfLink(path.c_str(), info) != 0 || !S_ISLNK(info.st_mode)) return true;
         if (!readLink(system, path, path)) return false;
@@ -257,7 +257,7 @@ FileLock::FileLock(const std::string& path, System& calls)
     : system(calls), file(system.Open(lockName(system, path).c_str(),
                                       O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
     if (file < 0) return;
-    for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; waits--) {
+    for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; --waits) {
         isTaken = system.Lock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
         if (!isTaken) return;
         system.Pause(LOCK_PAUSE);
@@ -275,7 +275,7 @@ std::string keepUnreadable(const std::string& path, std::error_code* reason, Sys
     std::string text;
     std::string kept;
     const bool isReadable = readWholeFile(path, text, system);
-    for (int number = 0; number < KEPT_FILES; number++) {
+    for (int number = 0; number < KEPT_FILES; ++number) {
         std::string name = path + KEPT_NAME + (number == 0 ? "" : "." + std::to_string(number));
         if (system.StatusOfLink(name.c_str(), info) == 0) {
             if (isReadable && readWholeFile(name, kept, system) && kept == text) return name;

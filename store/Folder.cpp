@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <pwd.h>
 
-static std::string absolute(const char* path) {
+namespace {
+
+std::string absolute(const char* path) {
     return path && path[0] == '/' ? path : "";
 }
 
-static std::string homeFolder() {
+std::string homeFolder() {
     std::string home = absolute(getenv("HOME"));
     if (!home.empty()) return home;
     const passwd* const person =
@@ -17,12 +19,14 @@ static std::string homeFolder() {
 }
 
 // The folder that the variable names or the one below the home folder, with a '/' at its end; or nothing.
-static std::string chosenFolder(const char* variable, const std::string& below) {
+std::string chosenFolder(const char* variable, const std::string& below) {
     const std::string chosen = variable ? absolute(getenv(variable)) : "";
     if (!chosen.empty()) return chosen + "/";
     const std::string home = homeFolder();
     return home.empty() ? "" : home + below;
 }
+
+} // namespace
 
 std::string ownFolder() {
 #ifndef __APPLE__

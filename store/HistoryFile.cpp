@@ -7,8 +7,10 @@
 
 #include <algorithm>
 
+namespace {
+
 // The start of the newest LINES lines of a text.
-static size_t startOfNewest(const std::string& text) {
+size_t startOfNewest(const std::string& text) {
     size_t start = text.size();
     size_t lines = 0;
     while (start > 0) {
@@ -18,6 +20,8 @@ static size_t startOfNewest(const std::string& text) {
     }
     return start;
 }
+
+} // namespace
 
 std::vector<std::string> HistoryFile::Read() {
     std::string text;

@@ -90,9 +90,9 @@ std::string inBase64(const std::string& data) {
     std::string text;
     for (size_t i = 0; i < data.size(); i += 3) {
         unsigned bits = 0;
-        for (size_t k = i; k < i + 3; k++)
+        for (size_t k = i; k < i + 3; ++k)
             bits = bits << 8U | (k < data.size() ? static_cast<unsigned char>(data[k]) : 0U);
-        for (size_t k = 0; k < 4; k++)
+        for (size_t k = 0; k < 4; ++k)
             text += k <= data.size() - i ? SIXTY_FOUR[bits >> (18U - 6U * k) & 0x3FU] : '=';
     }
     return text;
@@ -116,7 +116,7 @@ void removeSettings(Node list) {
     for (Node key = list.first_child(), next; key; key = next) {
         const Node value = key.next_sibling();
         next = value.next_sibling();
-        if (findSetting(key.text().get()) == nullptr) continue;
+        if (!findSetting(key.text().get())) continue;
         list.remove_child(key);
         list.remove_child(value);
     }
@@ -142,7 +142,7 @@ bool readSettings(const std::string& bytes, KeptSettings& kept) {
     if (!list) return false;
     for (Node key = list.first_child(); key; key = key.next_sibling().next_sibling()) {
         const Setting* const setting = findSetting(key.text().get());
-        if (setting == nullptr) continue;
+        if (!setting) continue;
         const double number = numberIn(key.next_sibling());
         const std::string text = dataIn(key.next_sibling());
         if (!setting->IsNumber())

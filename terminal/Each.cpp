@@ -263,9 +263,9 @@ Each::Each(ZqCalculator& with, std::string_view entry, std::string_view fieldSep
 
 bool Each::Set(const std::string& name, const FieldNumber& number) {
     // One that is new is made by an assignment.
-    if (calc.VariableExists(name.c_str()) == nullptr) calc.Calculate((name + "=0").c_str());
+    if (!calc.VariableExists(name.c_str())) calc.Calculate((name + "=0").c_str());
     const node* const variable = calc.VariableExists(name.c_str());
-    if (variable == nullptr || variable->value == nullptr) return true;
+    if (!variable || !variable->value) return true;
     qfloat& value = *variable->value;
     calc.Str2Num(number.digits.c_str(), value);
     merror = 0; // no error of the entry

@@ -19,7 +19,7 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-// How many letters have to be changed, put in, taken out or exchanged with their neighbour to make `b` of
+// How many letters have to be changed, put in, taken out or exchanged with their neighbor to make `b` of
 // `a`. (Damerau's distance in its restricted form; the rows of the usual table.)
 size_t distance(std::string_view a, std::string_view b) {
     std::vector<size_t> beforeLast, last(b.size() + 1), row(b.size() + 1);
@@ -177,7 +177,7 @@ std::string temperature(const Trouble& trouble) {
     const std::string_view left = std::string_view(entry).substr(0, arrow);
     const Scale* const from = scaleAtEnd(left);
     const Scale* const to = scaleAtEnd(std::string_view(entry).substr(arrow + 2));
-    if (from == nullptr || to == nullptr) return "";
+    if (!from || !to) return "";
     const std::string_view number = numberAtEnd(left.substr(0, left.size() - from->name.size()));
     for (const Formula& formula : FORMULAS) {
         if (formula.from == from->letter && formula.to == to->letter) return conversionBy(formula, number);
@@ -198,7 +198,7 @@ std::string unknownUnit(const Trouble& trouble) {
     const std::string_view name = behind.substr(0, behind.find('\''));
     const Scale* const scale = scaleAtEnd(name);
     for (const Formula& formula : FORMULAS) {
-        if (scale != nullptr && scale->letter == formula.to) return conversionBy(formula, "");
+        if (scale && scale->letter == formula.to) return conversionBy(formula, "");
     }
     std::string nearest = nearestName(name, units_names());
     for (const auto& other : OTHER_NAMES) {

@@ -153,7 +153,7 @@ Keyboard::Status Keyboard::Next(std::string& line) {
             end = count < 0 ? 0 : static_cast<size_t>(count);
             break;
         }
-        case Event::Interrupted: return Status::Cancelled;
+        case Event::Interrupted: return Status::Canceled;
         case Event::EndAsked: return Status::End;
         case Event::Failed: return Status::Failed;
         case Event::Stopping: terminal.Stop(); break;

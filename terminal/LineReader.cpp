@@ -41,13 +41,12 @@ LineReader::Status LineReader::Next(std::string& line) {
         const char* const from = block + start;
         const size_t available = end - start;
         const void* const feed = std::memchr(from, '\n', available);
-        const size_t count =
-            feed == nullptr ? available : static_cast<size_t>(static_cast<const char*>(feed) - from);
+        const size_t count = feed ? static_cast<size_t>(static_cast<const char*>(feed) - from) : available;
         const size_t kept = std::min(count, keep - line.size());
         line.append(from, kept);
         complete = complete && kept == count;
         start += count;
-        if (feed != nullptr) {
+        if (feed) {
             ++start;
             break;
         }

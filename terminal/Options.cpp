@@ -103,9 +103,9 @@ private:
         given.hasValue = equals != std::string_view::npos;
         if (given.hasValue) given.value = argument.substr(equals + 1);
         for (const OptionRow& row : TABLE) {
-            if (row.name != nullptr && given.shown.substr(2) == row.name) given.row = &row;
+            if (row.name && given.shown.substr(2) == row.name) given.row = &row;
         }
-        if (given.row == nullptr) return RefuseUnknown(argument);
+        if (!given.row) return RefuseUnknown(argument);
         Take(given);
     }
 
@@ -116,7 +116,7 @@ private:
             for (const OptionRow& row : TABLE) {
                 if (row.letter != 0 && i < argument.size() && argument[i] == row.letter) given.row = &row;
             }
-            if (given.row == nullptr) return RefuseUnknown(argument);
+            if (!given.row) return RefuseUnknown(argument);
             const bool takesRest = given.row->argument != nullptr;
             given.hasValue = takesRest && i + 1 < argument.size();
             if (given.hasValue) given.value = argument.substr(i + 1);
@@ -128,8 +128,8 @@ private:
     void Take(Given given) {
         const std::string name = "option '" + std::string(given.shown) + "'";
         const char* const argument = given.row->argument;
-        if (argument == nullptr && given.hasValue) return Refuse(name + " takes no value");
-        if (argument != nullptr && !given.hasValue) {
+        if (!argument && given.hasValue) return Refuse(name + " takes no value");
+        if (argument && !given.hasValue) {
             if (next >= argc) return Refuse(name + " needs a value: " + argument);
             given.value = argv[next++];
         }
@@ -143,7 +143,7 @@ private:
         const Setting* const setting = one ? findSetting(one->key) : nullptr;
         if (setting && setting->kind == Setting::NUMBER && setting->choices.begin() == setting->choices.end())
             return std::to_string(setting->least) + " to " + std::to_string(setting->most);
-        if (std::get_if<WithOption>(&row.use) == nullptr) return row.argument;
+        if (!std::get_if<WithOption>(&row.use)) return row.argument;
         std::string names;
         for (const std::string_view name : shippedNames()) {
             names += names.empty() ? "" : ", ";
@@ -164,14 +164,14 @@ private:
         const OptionUse& use = row.use;
         if (const auto* const flag = std::get_if<bool Options::*>(&use)) options.** flag = true;
         if (const auto* const action = std::get_if<Action>(&use)) options.action = *action;
-        if (std::get_if<FileOption>(&use) != nullptr) options.inputs.push_back({value, true});
+        if (std::get_if<FileOption>(&use)) options.inputs.push_back({value, true});
         if (const auto* const text = std::get_if<std::string_view Options::*>(&use)) {
             options.** text = value;
             return !value.empty() && IsChoice(row.argument, value);
         }
-        if (std::get_if<WithOption>(&use) != nullptr) return UseShipped(value);
+        if (std::get_if<WithOption>(&use)) return UseShipped(value);
         const auto* const one = std::get_if<SettingOption>(&use);
-        if (one == nullptr) return true;
+        if (!one) return true;
         const Setting* const setting = findSetting(one->key);
         int number = 0;
         if (!setting->Read(*one->value == '\0' ? std::string(value) : one->value, number)) return false;
@@ -203,7 +203,7 @@ constexpr size_t HELP_COLUMN = 25;
 std::string helpOf(const OptionRow& row) {
     std::string line = row.letter != 0 ? std::string("  -") + row.letter + ", --" : "      --";
     line += row.name;
-    if (row.argument != nullptr) line += std::string("=") + row.argument;
+    if (row.argument) line += std::string("=") + row.argument;
     if (line.size() + 2 > HELP_COLUMN)
         line += '\n' + std::string(HELP_COLUMN, ' ');
     else
@@ -227,7 +227,7 @@ std::string helpText() {
                        "lines of standard input; when that is a terminal, prompt for them. Files and\n"
                        "entries are evaluated in the order in which they are given.\n"
                        "\n";
-    for (const OptionRow* row = TABLE; row->name != nullptr; ++row) text += helpOf(*row);
+    for (const OptionRow* row = TABLE; row->name; ++row) text += helpOf(*row);
     return text + "\n"
                   "An ENTRY that begins with a minus sign goes behind --, as in:\n"
                   "  tallyquill -- -2^2\n"

@@ -35,7 +35,7 @@ passwd* getpwent() {
 passwd* getpwnam(const char* name) {
     setpwent();
     passwd* person = getpwent();
-    while (person != nullptr && std::strcmp(person->pw_name, name) != 0) person = getpwent();
+    while (person && std::strcmp(person->pw_name, name) != 0) person = getpwent();
     endpwent();
     return person;
 }
@@ -43,7 +43,7 @@ passwd* getpwnam(const char* name) {
 passwd* getpwuid(uid_t id) {
     setpwent();
     passwd* person = getpwent();
-    while (person != nullptr && person->pw_uid != id) person = getpwent();
+    while (person && person->pw_uid != id) person = getpwent();
     endpwent();
     return person;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Prompt.h"
 
-#include "Colours.h"
+#include "Colors.h"
 #include "Descriptor.h"
 #include "EntryText.h"
 #include "Hints.h"
@@ -76,12 +76,12 @@ Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const Pr
 
 std::string Prompt::PromptText(bool forEditor) const {
     std::string text = PROMPT;
-    if (!options.hasColours) return text;
-    std::string inColour = coloured(Shade::Prompt, text);
-    if (!forEditor) return inColour;
-    const size_t start = inColour.find(text);
-    return "\001" + inColour.substr(0, start) + "\002" + text + "\001" +
-           inColour.substr(start + text.size()) + "\002";
+    if (!options.hasColors) return text;
+    std::string inColor = colored(Shade::Prompt, text);
+    if (!forEditor) return inColor;
+    const size_t start = inColor.find(text);
+    return "\001" + inColor.substr(0, start) + "\002" + text + "\001" + inColor.substr(start + text.size()) +
+           "\002";
 }
 
 PromptEnd Prompt::Run() {
@@ -91,8 +91,8 @@ PromptEnd Prompt::Run() {
         if (status == Status::Failed) return PromptEnd::InputLost;
         if (status == Status::Blank) continue;
         // The shell's prompt, or the next one of ours, begins on a line of its own.
-        if (screen >= 0 && (status == Status::Cancelled || status == Status::End)) writeAll(screen, "\n");
-        if (status == Status::Cancelled) continue;
+        if (screen >= 0 && (status == Status::Canceled || status == Status::End)) writeAll(screen, "\n");
+        if (status == Status::Canceled) continue;
         if (status == Status::End) return PromptEnd::Ended;
         const Session::Outcome outcome = Answer(TypedSigns().Read(line), status == Status::Pasted);
         if (outcome == Session::Outcome::OutputLost) return PromptEnd::OutputLost;
@@ -142,7 +142,7 @@ Session::Outcome Prompt::AnswerWord(const std::string& line) {
 }
 
 std::string Prompt::AsHint(const std::string& text) const {
-    return options.hasColours ? coloured(Shade::Hint, shownText(text)) : shownText(text);
+    return options.hasColors ? colored(Shade::Hint, shownText(text)) : shownText(text);
 }
 
 // The error with a mark above it, below the entry, and a line that may help below it.

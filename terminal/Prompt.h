@@ -7,8 +7,8 @@ class PromptFiles;
 class Session;
 
 struct PromptOptions {
-    bool isPlain = false;    // lines are read without an editor, and no escape sequence is written
-    bool hasColours = false; // of the prompt
+    bool isPlain = false;   // lines are read without an editor, and no escape sequence is written
+    bool hasColors = false; // of the prompt
 };
 
 enum class PromptEnd {

@@ -4,8 +4,10 @@
 #include "Calculator.h"
 #include "Folder.h"
 
+namespace {
+
 // Every setting has a value; a file of an older version may lack some.
-static KeptSettings completed(const KeptSettings& read) {
+KeptSettings completed(const KeptSettings& read) {
     KeptSettings all = defaultSettings();
     for (const Setting& setting : SETTINGS) {
         if (setting.IsNumber()) all.numbers[setting.key] = setting.WhenMissing();
@@ -14,6 +16,8 @@ static KeptSettings completed(const KeptSettings& read) {
     for (const auto& [key, text] : read.texts) all.texts[key] = text;
     return all;
 }
+
+} // namespace
 
 PromptFiles::PromptFiles(ZqCalculator& theCalculator)
     : calc(theCalculator), settings(defaultSettings()), historyFile(historyPath()) {}

@@ -115,7 +115,7 @@ PromptReply functions(const PromptState&, const std::string&) {
 bool canConvert(const std::string& from, const std::string& to) {
     units_clear_exception();
     const double factor = units_convert(from.c_str(), to.c_str());
-    const bool isDone = units_check_exception() == nullptr && factor != 0.0;
+    const bool isDone = !units_check_exception() && factor != 0.0;
     units_clear_exception();
     return isDone;
 }

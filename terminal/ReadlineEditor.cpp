@@ -28,7 +28,7 @@ constexpr char PASTE_END[] = "\x1b[201~";
 
 bool isOn(const char* variable) {
     const char* const value = rl_variable_value(variable);
-    return value != nullptr && std::strcmp(value, "on") == 0;
+    return value && std::strcmp(value, "on") == 0;
 }
 
 // What Readline puts in front of the prompt to show the mode of its keys.
@@ -39,7 +39,7 @@ std::string modeText() {
         variable = rl_get_keymap() == rl_get_keymap_by_name("vi-insert") ? "vi-ins-mode-string"
                                                                          : "vi-cmd-mode-string";
     const char* const text = rl_variable_value(variable);
-    return text == nullptr ? "" : withoutMarkedParts(text);
+    return text ? withoutMarkedParts(text) : "";
 }
 
 // In one step for undo.
@@ -171,7 +171,7 @@ LineSource::Status ReadlineEditor::Finish(Status status) {
 LineSource::Status ReadlineEditor::GiveLine(std::string& line) {
     line.swap(accepted);
     Finish(Status::Line);
-    if (isEnded) return isInterrupted() && endSignal() == 0 ? Status::Cancelled : Status::End;
+    if (isEnded) return isInterrupted() && endSignal() == 0 ? Status::Canceled : Status::End;
     if (isPasted) return line.empty() ? Status::Blank : Status::Pasted;
     // A key arrives by itself, a text that is pasted without marks in large pieces.
     return line.empty() && lastRead > 1 ? Status::Blank : Status::Line;
@@ -197,14 +197,14 @@ LineSource::Status ReadlineEditor::Cancel() {
     bytes.clear();
     taken = 0;
     if (endSignal() != 0) return Status::End;
-    if (!isLine) return Status::Cancelled;
+    if (!isLine) return Status::Canceled;
     ErasePreview();
     rl_callback_sigcleanup(); // a search, say
-    Finish(Status::Cancelled);
+    Finish(Status::Canceled);
     rl_free_line_state();
     std::fputs("^C", screen);
     std::fflush(screen);
-    return Status::Cancelled;
+    return Status::Canceled;
 }
 
 void ReadlineEditor::TakeLine(char* text) {
@@ -212,8 +212,8 @@ void ReadlineEditor::TakeLine(char* text) {
     rl_get_screen_size(nullptr, &width);
     current->promptIndent = placeBehind(modeText(), {}, width).column;
     current->isDone = true;
-    current->isEnded = text == nullptr;
-    current->accepted = text == nullptr ? "" : text;
+    current->isEnded = !text;
+    current->accepted = text ? text : "";
     std::free(text);
     rl_callback_handler_remove();
 }
@@ -345,7 +345,7 @@ void ReadlineEditor::SetHistory(const std::vector<std::string>& lines) {
 void ReadlineEditor::AddToHistory(const std::string& line) {
     const HIST_ENTRY* const newest =
         history_length > 0 ? history_get(history_base + history_length - 1) : nullptr;
-    if (newest == nullptr || line != newest->line) add_history(line.c_str());
+    if (!newest || line != newest->line) add_history(line.c_str());
     using_history();
 }
 
@@ -369,9 +369,8 @@ int ReadlineEditor::Recall(bool isOlder) {
         next += isOlder ? -1 : 1;
         if (next < 0 || next > history_length) return rl_ding();
         const HIST_ENTRY* const entry = next < history_length ? history_get(history_base + next) : nullptr;
-        const std::string text = entry == nullptr ? typed : entry->line;
-        if (text.compare(0, typed.size(), typed) != 0 || (entry != nullptr && text == rl_line_buffer))
-            continue;
+        const std::string text = entry ? entry->line : typed;
+        if (text.compare(0, typed.size(), typed) != 0 || (entry && text == rl_line_buffer)) continue;
         position = next;
         replaceLine(text);
         return 0;
@@ -399,7 +398,7 @@ char** ReadlineEditor::Complete(const char* word, int, int) {
     }
     list.push_back(nullptr);
     auto* const array = static_cast<char**>(std::malloc(list.size() * sizeof(char*)));
-    if (array != nullptr) std::copy(list.begin(), list.end(), array);
+    if (array) std::copy(list.begin(), list.end(), array);
     return array;
 }
 
@@ -445,8 +444,8 @@ void ReadlineEditor::Places(ScreenPlace& cursor, ScreenPlace& end, int& width) c
 // A search shows something else than the line, and a terminal may lack what drawing takes.
 bool ReadlineEditor::IsPreviewPossible() const {
     const char* const clears = rl_get_termcap("ce");
-    return !isDone && rl_end > 0 && rl_display_prompt == rl_prompt && clears != nullptr &&
-           std::strstr(clears, "\x1b[K") != nullptr && !isOn("horizontal-scroll-mode");
+    return !isDone && rl_end > 0 && rl_display_prompt == rl_prompt && clears &&
+           std::strstr(clears, "\x1b[K") && !isOn("horizontal-scroll-mode");
 }
 
 // How long the keys have to rest until the preview is due; -1: nothing has changed.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Session.h"
 
-#include "Colours.h"
+#include "Colors.h"
 #include "ConsoleCommand.h"
 #include "Descriptor.h"
 #include "EntryText.h"
@@ -168,8 +168,8 @@ Session::Outcome Session::Refuse(std::string_view message) {
         return Outcome::Refused;
     }
     const std::string text = shownText(place + asLine(message));
-    const std::string inColour = coloursErrors ? coloured(Shade::Error, text) : text;
-    writeAll(errors, errorForm ? errorForm(inColour) : inColour);
+    const std::string inColor = colorsErrors ? colored(Shade::Error, text) : text;
+    writeAll(errors, errorForm ? errorForm(inColor) : inColor);
     return Outcome::Refused;
 }
 
@@ -212,8 +212,7 @@ Session::Outcome Session::Convert(std::string_view query) {
     if (isatty(answers.Descriptor()) == 1 && !style.json && !Show("...checking...\n"))
         return Outcome::OutputLost;
     const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
-    const std::string found =
-        askService(service == nullptr ? "" : service, query, QUERY_SECONDS, isInterrupted);
+    const std::string found = askService(service ? service : "", query, QUERY_SECONDS, isInterrupted);
     if (isInterrupted()) return Outcome::Interrupted;
     return Answer(found.empty() ? "Not found." : found);
 }
@@ -236,6 +235,6 @@ bool Session::Show(std::string_view text) {
 
 std::string Session::ValueText(std::string_view answer) const {
     std::string text = shownText(answer);
-    if (coloursAnswers && !style.json) return colouredAnswer(text);
+    if (colorsAnswers && !style.json) return coloredAnswer(text);
     return text;
 }

@@ -48,10 +48,10 @@ public:
     using ErrorForm = std::function<std::string(const std::string& line)>;
     void SetErrorForm(ErrorForm form) { errorForm = std::move(form); }
 
-    // Whether answers and errors are written in colours (Colours.h).
-    void SetColours(bool ofAnswers, bool ofErrors) {
-        coloursAnswers = ofAnswers;
-        coloursErrors = ofErrors;
+    // Whether answers and errors are written in colors (Colors.h).
+    void SetColors(bool ofAnswers, bool ofErrors) {
+        colorsAnswers = ofAnswers;
+        colorsErrors = ofErrors;
     }
 
     // Shows a text that is no answer of the engine. False when that failed; errno says why.
@@ -112,8 +112,8 @@ private:
     ErrorForm errorForm;
     std::string lastValue; // held back, as it will be written
     std::string shown;     // with objects: what was shown, or the error
-    bool coloursAnswers = false;
-    bool coloursErrors = false;
+    bool colorsAnswers = false;
+    bool colorsErrors = false;
     bool anyRefused = false;
     ZqCalculator calc;
 };

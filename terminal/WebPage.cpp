@@ -13,7 +13,7 @@ bool openPage() {
     const std::string browser = "xdg-open";
 #endif
     const char* const page = std::getenv("TALLYQUILL_WEB_URL");
-    if (page == nullptr || *page == '\0' || *page == '-') return false;
+    if (!page || *page == '\0' || *page == '-') return false;
     // The shell in between ends at once and leaves the browser to the system. It fails without one.
     const pid_t process = startProgram(
         {"/bin/sh", "-c", "command -v \"$1\" >/dev/null || exit 1; \"$@\" &", "sh", browser, page}, -1);

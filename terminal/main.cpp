@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // tallyquill: the calculator's console for terminals, pipes and scripts.
-#include "Colours.h"
+#include "Colors.h"
 #include "DefinitionsFile.h"
 #include "Descriptor.h"
 #include "Ending.h"
@@ -47,7 +47,7 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     run.TakeSettings();
     PromptOptions how;
     how.isPlain = options.plain;
-    how.hasColours = wantsColours(options.color, promptDescriptor(answers)) && !options.plain;
+    how.hasColors = wantsColors(options.color, promptDescriptor(answers)) && !options.plain;
     const PromptEnd end = runPrompt(session, files, answers, how);
     const int error = errno;
     const std::string unsaved = files.Close();
@@ -87,7 +87,7 @@ int main(int argc, char** argv) {
         answers, STDERR_FILENO,
         {options.quiet, options.last, options.preview, options.json, options.plain, inBlocks});
     if (!options.plain)
-        session.SetColours(wantsColours(options.color, answers), wantsColours(options.color, STDERR_FILENO));
+        session.SetColors(wantsColors(options.color, answers), wantsColors(options.color, STDERR_FILENO));
     Run run(session, answers, options);
     if (isTyped) return evaluateTyped(session, answers, run, options);
     run.TakeShared();

@@ -120,7 +120,7 @@ TEST_F(PromptWordsTest, SetShowsAllSettingsOneOfThemAndChangesIt) {
 }
 
 TEST_F(PromptWordsTest, SetRefusesWhatIsNoSettingAndNoValue) {
-    EXPECT_EQ(Error(":set colour red"), "no setting is called 'colour'; :set lists them\n");
+    EXPECT_EQ(Error(":set color red"), "no setting is called 'color'; :set lists them\n");
     EXPECT_EQ(Error(":set sigfigs 0"), "'0' is no value of sigfigs\n");
     EXPECT_EQ(Error(":set sigfigs 5x"), "'5x' is no value of sigfigs\n");
     EXPECT_EQ(Error(":set dispbase oct"), "'oct' is no value of dispbase\n");

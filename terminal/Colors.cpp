@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Colours.h"
+#include "Colors.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// The eight colours that every terminal has, which people choose to be readable; the value is bold.
+// The eight colors that every terminal has, which people choose to be readable; the value is bold.
 constexpr const char* CODES[] = {
     "32", // Prompt
     "36", // Name
@@ -20,7 +20,7 @@ constexpr const char* CODES[] = {
 
 std::string_view variable(const char* name) {
     const char* const text = std::getenv(name);
-    return text == nullptr ? "" : text;
+    return text ? text : "";
 }
 
 } // namespace
@@ -35,7 +35,7 @@ bool knowsSequences() {
 #endif
 }
 
-bool wantsColours(std::string_view choice, int descriptor) {
+bool wantsColors(std::string_view choice, int descriptor) {
     if (choice == "always" || choice == "never") return choice == "always";
     if (!variable("NO_COLOR").empty()) return false;
     const std::string_view forced = variable("CLICOLOR_FORCE");
@@ -43,7 +43,7 @@ bool wantsColours(std::string_view choice, int descriptor) {
     return isatty(descriptor) == 1 && knowsSequences();
 }
 
-std::string coloured(Shade shade, std::string_view text) {
+std::string colored(Shade shade, std::string_view text) {
     const bool isLine = !text.empty() && text.back() == '\n';
     if (isLine) text.remove_suffix(1);
     if (text.empty()) return isLine ? "\n" : "";
@@ -51,10 +51,10 @@ std::string coloured(Shade shade, std::string_view text) {
     return start + std::string(text) + "\x1b[0m" + (isLine ? "\n" : "");
 }
 
-std::string colouredAnswer(std::string_view line) {
+std::string coloredAnswer(std::string_view line) {
     constexpr std::string_view EQUALS = " = ";
     const size_t equals = line.find(EQUALS);
-    if (equals == std::string_view::npos) return coloured(Shade::Value, line);
-    return coloured(Shade::Name, line.substr(0, equals)) + std::string(EQUALS) +
-           coloured(Shade::Value, line.substr(equals + EQUALS.size()));
+    if (equals == std::string_view::npos) return colored(Shade::Value, line);
+    return colored(Shade::Name, line.substr(0, equals)) + std::string(EQUALS) +
+           colored(Shade::Value, line.substr(equals + EQUALS.size()));
 }

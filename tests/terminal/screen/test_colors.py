@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Colours, and the prompt without an editor."""
+"""Colors, and the prompt without an editor."""
 import unittest
 
 from screen import *
@@ -8,8 +8,8 @@ from screen import *
 PLAIN_TERMINALS = ("dumb", "unheard-of") if HAS_EDITOR else ("dumb",)  # the editor's library knows the kinds
 
 
-class Colours(ScreenTest):
-    def colour(self, console, row, column):
+class Colors(ScreenTest):
+    def color(self, console, row, column):
         cell = console.screen.buffer[row][column]
         return cell.data, cell.fg, cell.bold
 
@@ -17,11 +17,11 @@ class Colours(ScreenTest):
         console = self.start()
         console.enter("x=42", "x = 42")
         console.enter("1/0", "** ERROR: divide by zero **")
-        self.assertEqual(self.colour(console, 0, 0), (">", "green", False))
-        self.assertEqual(self.colour(console, 0, 2), ("x", "default", False))
-        self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
-        self.assertEqual(self.colour(console, 1, 4), ("4", "default", True))
-        self.assertEqual(self.colour(console, 3, 0), ("*", "red", False))
+        self.assertEqual(self.color(console, 0, 0), (">", "green", False))
+        self.assertEqual(self.color(console, 0, 2), ("x", "default", False))
+        self.assertEqual(self.color(console, 1, 0), ("x", "cyan", False))
+        self.assertEqual(self.color(console, 1, 4), ("4", "default", True))
+        self.assertEqual(self.color(console, 3, 0), ("*", "red", False))
 
     def test_can_be_left_out(self):
         for arguments, variables in ((("--color=never",), {}), ((), {"NO_COLOR": "1"}),
@@ -29,13 +29,13 @@ class Colours(ScreenTest):
                                      (("--plain",), {}), *(((), {"TERM": kind}) for kind in PLAIN_TERMINALS)):
             console = self.start(*arguments, **variables)
             console.enter("x=42", "x = 42")
-            self.assertEqual(self.colour(console, 1, 0), ("x", "default", False))
+            self.assertEqual(self.color(console, 1, 0), ("x", "default", False))
             self.assertNotIn(b"\x1b[3", console.bytes)
 
     def test_can_be_asked_for(self):
         console = self.start("--color=always", NO_COLOR="1")
         console.enter("x=42", "x = 42")
-        self.assertEqual(self.colour(console, 1, 0), ("x", "cyan", False))
+        self.assertEqual(self.color(console, 1, 0), ("x", "cyan", False))
 
     @unittest.skipUnless(HAS_EDITOR, "built without the editor")
     def test_a_line_wraps_where_it_should(self):

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The colours of what the terminal shows: one table.
+// The colors of what the terminal shows: one table.
 #pragma once
 
 #include <string>
@@ -12,13 +12,13 @@ enum class Shade { Prompt, Name, Value, Error, Hint };
 // editor's library, if there is one, has heard of.
 bool knowsSequences();
 
-// Whether what goes to the descriptor gets colours. `choice` is "always", "never" or "auto" (also when it is
+// Whether what goes to the descriptor gets colors. `choice` is "always", "never" or "auto" (also when it is
 // empty): then by CLICOLOR_FORCE and NO_COLOR, and otherwise when it is a terminal that knows escape
 // sequences.
-bool wantsColours(std::string_view choice, int descriptor);
+bool wantsColors(std::string_view choice, int descriptor);
 
-// The text in its colour, a line feed at its end behind that.
-std::string coloured(Shade shade, std::string_view text);
+// The text in its color, a line feed at its end behind that.
+std::string colored(Shade shade, std::string_view text);
 
-// "name = value" with each in its colour.
-std::string colouredAnswer(std::string_view line);
+// "name = value" with each in its color.
+std::string coloredAnswer(std::string_view line);
