@@ -173,7 +173,7 @@ int ZqCalculator::Evaluate(std::string_view text) {
     errorRange = TextRange();
     skipped = 0;
     merror = 0;
-    int state = Read(text);
+    int state = Read(text, !traced);
     if (state == 0) state = VerifyTermsSyntax();
     if (state == 0) {
         // That a number is below the range, or is 0e5, says nothing about the evaluation. One above it is
@@ -210,10 +210,10 @@ int ZqCalculator::CalculateWithin(const char* statement, uint64_t& units) {
 }
 
 int ZqCalculator::ProcessStr(const char* statement) {
-    return Read(statement);
+    return Read(statement, false);
 }
 
-int ZqCalculator::Read(std::string_view statement) {
+int ZqCalculator::Read(std::string_view statement, bool mayLeaveOut) {
     terms.Clear();
     if (!vars.first) InitializeVarsList();
     DiscardNewTarget();
@@ -228,12 +228,12 @@ int ZqCalculator::Read(std::string_view statement) {
     }
     markConversion(text);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
-    return scanner.Scan(std::move(text));
+    return scanner.Scan(std::move(text), mayLeaveOut);
 }
 
 int ZqCalculator::VerifyTermsSyntax() {
     if (variables.CheckNames() != 0 || checkSyntax(terms, *this, work) != 0) return STATUS_ERROR;
-    opCount = terms.CountNumberOfOperators();
+    opCount = terms.CountNumberOfOperators() + 2 * enclosed;
     return 0;
 }
 

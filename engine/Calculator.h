@@ -184,7 +184,7 @@ private:
     int ShowResult();
     int Evaluate(std::string_view text);
     void StoreResult();
-    int Read(std::string_view statement);
+    int Read(std::string_view statement, bool mayLeaveOut);
 
     Spending spending{*this, *this, interruptCheck, work};
     EntryContext context{*this, *this, *this, variables, spending, work};

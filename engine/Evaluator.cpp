@@ -14,6 +14,8 @@ int Evaluator::ProcTermsLoop() {
     operators.clear();
     longTexts = 0;
     isExpanding = false;
+    work.reduced += static_cast<uint64_t>(statement.enclosed);
+    if (spending.Spend(static_cast<uint64_t>(statement.enclosed) * Cost::OPERATOR) != 0) return STATUS_ERROR;
     node** next = statement.opOrder;
     while (!operators.empty() || *next) {
         node* const op = operators.empty() ? *next++ : operators.back();
@@ -36,8 +38,12 @@ int Evaluator::ProcTermsLoop() {
     return STATUS_MESSAGE;
 }
 
+void Evaluator::Trace() const {
+    if (statement.traced) puts("Attempting ProcParenth...");
+}
+
 int Evaluator::ProcParenth(node* open) {
-    puts("Attempting ProcParenth...");
+    Trace();
     node* from = open;
     node* before = open->prev;
     if (before && before->type == TERM_FUNC) {

@@ -25,6 +25,8 @@ public:
     node* ProcFunction(node* functionTerm);
 
 private:
+    void Trace() const; // of parentheses that are removed
+
     // The value of a number, or of the variable that a name stands for; null for any other term. ValueOf does
     // so with a message.
     const qfloat* KnownValue(const node* term);

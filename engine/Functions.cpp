@@ -72,7 +72,7 @@ static void addParameters(Function* function, char* argText) {
     while (argText && *argText && *argText != ',') {
         char* comma = strchr(argText, ',');
         if (comma) *comma = '\0';
-        node* const parameter = function->args.Add();
+        node* const parameter = function->args.AddOperand();
         parameter->SetText(argText);
         parameter->type = TERM_NAME;
         function->argCount++;

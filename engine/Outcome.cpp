@@ -24,7 +24,7 @@ int Outcome::FailAt(TextRange range, std::string_view format, std::initializer_l
 
 int Outcome::FailAt(const node* term, std::string_view format,
                     std::initializer_list<std::string_view> texts) {
-    return FailAt(TextRange{term->start, term->length}, format, texts);
+    return FailAt(TextRange{term->start, int32_t{term->length}}, format, texts);
 }
 
 int Outcome::Fail(std::string_view format, std::initializer_list<std::string_view> texts) {

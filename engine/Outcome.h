@@ -29,18 +29,21 @@ struct TextRange {
 };
 
 struct Outcome {
-    int32_t status = STATUS_RESULT;  // of the last full entry's last statement, a Status
-    char message[TEXT_SIZE] = "";    // message of the last statement, or the command for the front end
-    char echoText[TEXT_SIZE] = "";   // what the echo commands of one entry collected
-    qfloat result = {};              // value of the last evaluation
-    char resultLine[TEXT_SIZE] = ""; // "name = value\n" of the last statement
-    qfloat* lastValue = nullptr;     // value of the variable last assigned; null after a full entry
-    char* lastName = nullptr;        // its name, owned by the variable
-    char lastAnswer[TEXT_SIZE] = ""; // the last full entry's result as shown; "name = value" by disp
-    TextRange errorRange;            // what the error in `message` is about, in bytes of the entry
-    bool interrupted = false;        // the last entry was stopped by interruptCheck
+    int32_t status = STATUS_RESULT; // of the last full entry's last statement, a Status
+    char message[TEXT_SIZE];        // message of the last statement, or the command for the front end
+    char echoText[TEXT_SIZE];       // what the echo commands of one entry collected
+    qfloat result = {};             // value of the last evaluation
+    char resultLine[TEXT_SIZE];     // "name = value\n" of the last statement
+    qfloat* lastValue = nullptr;    // value of the variable last assigned; null after a full entry
+    char* lastName = nullptr;       // its name, owned by the variable
+    char lastAnswer[TEXT_SIZE];     // the last full entry's result as shown; "name = value" by disp
+    TextRange errorRange;           // what the error in `message` is about, in bytes of the entry
+    bool interrupted = false;       // the last entry was stopped by interruptCheck
     bool overflowed = false; // what the last statement showed, a preview's and disp's included, is beyond
                              // the range, "+OVERFLOW" in decimal: no error
+
+    // The texts are empty. The rest of their buffers is not written, as most of it is never used.
+    Outcome() { message[0] = echoText[0] = resultLine[0] = lastAnswer[0] = '\0'; }
 
     // Writes a text into `message`, cut at TEXT_SIZE - 1 characters. Returns STATUS_MESSAGE.
     int Tell(std::string_view text);

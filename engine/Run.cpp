@@ -133,7 +133,7 @@ Evaluator::Ending Evaluator::RunStatementsCall(const Call& call, const Function&
     if (ending != Ending::Value) return ending;
     // The parenthesis of a body of one term is removed at once where the call begins the statement.
     if (before || function.body->count > 1) {
-        puts("Attempting ProcParenth...");
+        Trace();
         if (PayForOperator() != 0) return Ending::Failed;
     }
     PutInPlace(call, result);

@@ -154,11 +154,11 @@ int Scanner::ScanBody(std::string text, const Definition& definition) {
     return state;
 }
 
-int Scanner::Scan(std::string text) {
+int Scanner::Scan(std::string text, bool mayLeaveOut) {
     normalize(text, settings.european);
     if (ScanAssignment(text) != 0) return STATUS_ERROR;
     if (settings.tenKey) text = MoveSignsForward(text);
-    ScanTerms(text);
+    ScanTerms(text, mayLeaveOut);
     return 0;
 }
 
@@ -192,54 +192,66 @@ int Scanner::ScanAssignment(std::string& text) {
 void Scanner::Locate(node* term, size_t start, size_t length, bool inSource) const {
     if (settings.tenKey) return;
     term->start = statement.skipped + static_cast<int32_t>(start) - (inSource ? 1 : 0);
-    term->length = static_cast<int32_t>(length) + (term->type == OP_CONVERT ? 1 : 0);
+    term->length = static_cast<uint16_t>(length + (term->type == OP_CONVERT ? 1 : 0));
 }
 
-void Scanner::ScanTerms(const std::string& text) {
+// Before a ')': whether nothing but one value stands behind its '(', which is no call's. Then the '(' goes
+// too: the evaluator would remove both, before anything that they could be seen by.
+bool Scanner::LeaveOut() {
+    const node* const value = statement.terms.last;
+    if (!value || isOp(value->type)) return false;
+    node* const open = value->prev;
+    if (!open || open->type != OP_OPEN) return false;
+    if (open->prev && (open->prev->type == TERM_NAME || open->prev->type == TERM_FUNC)) return false;
+    statement.terms.Del(open);
+    statement.enclosed++;
+    return true;
+}
+
+void Scanner::ScanTerms(const std::string& text, bool mayLeaveOut) {
     Deq& terms = statement.terms;
     const std::string_view view = text;
     isCall.clear();
+    statement.enclosed = 0;
     bool inUnit = false;   // from the mark to the next ')': km/h and m^2 are one term
     bool inSource = false; // from the mark to the arrow
     bool hasSign = false;  // of an exponent: the operand is no name then, and is not looked up again
     size_t start = 0;
-    size_t pos = 0;
-    while (pos < view.size()) {
+    for (size_t pos = 0; pos < view.size();) {
         const int code = isOp(text.c_str() + pos);
-        if (code == 0) {
-            pos++;
-            continue;
-        }
-        const std::string_view operand = view.substr(start, pos - start);
-        bool isPart = false;
-        if (inUnit && code != OP_CONVERT && code != OP_CLOSE) isPart = true;
-        if ((code == OP_ADD || code == OP_SUBTRACT) && isExponentSign(operand) &&
-            (hasSign || !IsValueName(operand))) {
-            isPart = hasSign = true;
-        }
+        bool isPart = code == 0 || (inUnit && code != OP_CONVERT && code != OP_CLOSE);
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
+        if (code == OP_ADD || code == OP_SUBTRACT) {
+            const std::string_view operand = view.substr(start, pos - start);
+            if (isExponentSign(operand) && (hasSign || !IsValueName(operand))) isPart = hasSign = true;
+        }
         if (isPart) {
             pos++;
             continue;
         }
-        AppendOperand(operand, inUnit, code == OP_OPEN);
-        if (!operand.empty()) Locate(terms.last, start, operand.size(), inSource);
+        if (start < pos) {
+            AppendOperand(view.substr(start, pos - start), inUnit, code == OP_OPEN);
+            Locate(terms.last, start, pos - start, inSource);
+        }
         if (code == OP_OPEN) isCall.push_back(terms.last && terms.last->type == TERM_FUNC);
         if (code == OP_CLOSE && !isCall.empty()) isCall.pop_back();
         if (code == OP_UNIT_MARK) inUnit = true;
         if (code == OP_CLOSE) inUnit = false;
-        node* const term = terms.Add();
-        term->type = code;
-        const size_t length = strlen(getOp(code).text);
-        Locate(term, pos, length, inSource);
+        const size_t length = getOp(code).text[1] == '\0' ? 1 : 2;
+        if (code != OP_CLOSE || !mayLeaveOut || !LeaveOut()) {
+            node* const term = terms.Add();
+            term->type = code;
+            Locate(term, pos, length, inSource);
+        }
         if (code == OP_UNIT_MARK) inSource = true;
         if (code == OP_CONVERT) inSource = false;
         pos += length;
         start = pos;
         hasSign = false;
     }
+    if (start == view.size()) return;
     AppendOperand(view.substr(start), inUnit, false);
-    if (start < view.size()) Locate(terms.last, start, view.size() - start, inSource);
+    Locate(terms.last, start, view.size() - start, inSource);
 }
 
 // Whether the name stands for a number, here or where the function is called whose body is read.
@@ -258,9 +270,8 @@ bool Scanner::IsFunctionName(const std::string& name) const {
 // A unit may begin with a number that would be one by itself: 0.5m is half a meter there, not half a
 // thousandth.
 void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis) {
-    if (text.empty()) return;
     work.looked += text.size();
-    node* term = statement.terms.Add();
+    node* term = statement.terms.AddOperand();
     qfloat value;
     const bool isName = (isUnit && std::any_of(text.begin(), text.end(), isLetter)) ||
                         (isLetter(text[0]) && variables.Find(text));

@@ -23,7 +23,9 @@ public:
     // Reads an expression, or name=expression, of which markConversion has seen the text, into the
     // statement's terms and its target: "ans" without a name, a new one where no variable has the name.
     // Returns 0, or -1 with a message.
-    int Scan(std::string text);
+    // Where it `mayLeaveOut` parentheses around one value, as in ((2))*(x), they are counted but become no
+    // terms.
+    int Scan(std::string text, bool mayLeaveOut = false);
 
     // The same for the right-hand side of a definition: the function and its parameters are known in it, and
     // when it was kept every name in front of a parenthesis is that of a function.
@@ -33,7 +35,8 @@ public:
 
 private:
     int ScanAssignment(std::string& text);
-    void ScanTerms(const std::string& text);
+    void ScanTerms(const std::string& text, bool mayLeaveOut);
+    bool LeaveOut();
     std::string MoveSignsForward(const std::string& text);
     void Locate(node* term, size_t start, size_t length, bool inSource) const;
     void AppendOperand(std::string_view text, bool isUnit, bool beforeParenthesis);
@@ -43,7 +46,7 @@ private:
 
     const Definition* inDefinition = nullptr; // whose body is read
     std::string lookedUp;                     // the last operand that is no short number
-    std::vector<bool>
+    std::vector<char>
         isCall; // for every open '(' that was read: whether it opens the arguments of a function
 };
 

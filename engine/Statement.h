@@ -12,10 +12,12 @@
 
 struct Statement {
     bool fullEntry = true;    // false: a quick preview, which stores, defines and runs nothing
+    bool traced = true;       // "Attempting ProcParenth..." goes to the standard output
     node* target = nullptr;   // the variable that receives the result
     Deq terms;                // what is still to be evaluated
     int32_t opCount = 0;      // number of operator terms in `terms`
     int32_t reorder = 0;      // set by a function call that rewrote `terms`
+    int32_t enclosed = 0;     // pairs of parentheses around one value that were left out of `terms`
     int32_t skipped = 0;      // characters in front of the terms, blanks not counted: "name=" or "f(x)="
     node** opOrder = nullptr; // operators in the order of evaluation, null-terminated; one statement long
 

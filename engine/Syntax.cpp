@@ -16,41 +16,18 @@ static const node* lastOpen(const Deq& terms) {
     return term;
 }
 
-static int checkDepths(const Deq& terms, Outcome& outcome, WorkCounters& work) {
-    int32_t depth = 0;
-    for (node* term = terms.first; term; term = term->next) {
-        work.checked++;
-        if (term->type == OP_OPEN) {
-            depth++;
-            if (term->next && term->next->type == OP_CLOSE)
-                return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
-        }
-        term->level = depth;
-        if (term->type == OP_CLOSE && --depth < 0)
-            return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
-    }
-    return depth == 0 ? 0 : outcome.FailAt(lastOpen(terms), "** ERROR: missing parenthesis **\n");
-}
-
 // Whether an operand is still to come: what follows '!' or ')' has its left operand.
 static bool isOpenEnded(const node* term) {
     return isOp(term->type) && term->type != OP_FACTORIAL && term->type != OP_CLOSE;
 }
 
-static int checkOperands(const node* term, Outcome& outcome) {
+// Which of its operands the operator lacks, as a number of the error; null: none.
+static const char* lackedOperand(const node* term) {
     const OpEntry& op = getOp(term->type);
-    const char* number = nullptr;
-    if (op.needsLeft && !term->prev)
-        number = "1";
-    else if (op.needsLeft && isOpenEnded(term->prev))
-        number = "2";
-    else if (op.needsRight && !term->next)
-        number = "3";
-    else if (op.needsRight && term->next->type == OP_CLOSE)
-        number = "4";
-    return number
-               ? outcome.FailAt(term, "** ERROR %s: operator '%s' missing argument **\n", {number, op.text})
-               : 0;
+    if (op.needsLeft && !term->prev) return "1";
+    if (op.needsLeft && isOpenEnded(term->prev)) return "2";
+    if (op.needsRight && !term->next) return "3";
+    return op.needsRight && term->next->type == OP_CLOSE ? "4" : nullptr;
 }
 
 // Whether a '-' behind this term negates before the term's operator is applied. Operators of precedence 0
@@ -68,72 +45,84 @@ static const node* groupBehind(const node* minus) {
     return term && term->type == OP_OPEN ? term : nullptr;
 }
 
+static int failParenthesis(const node* term, Outcome& outcome) {
+    return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
+}
+
+// A wrong parenthesis is told before the first operator without its operands, wherever that is.
 int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
-    if (checkDepths(terms, outcome, work) != 0) return STATUS_ERROR;
+    int32_t depth = 0;
     std::vector<int32_t> raised; // the depths of the raised groups that are open
     const node* toRaise = nullptr;
+    const node* wrong = nullptr;
     for (node* term = terms.first; term; term = term->next) {
         work.checked++;
-        const int32_t depth = term->level;
-        if (term == toRaise) raised.push_back(depth);
-        term->level += static_cast<int32_t>(raised.size());
-        if (!isOp(term->type)) continue;
-        if (checkOperands(term, outcome) != 0) return STATUS_ERROR;
-        if (term->type == OP_CLOSE && !raised.empty() && raised.back() == depth) raised.pop_back();
-        if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
-            term->level++;
-            toRaise = groupBehind(term);
+        if (term->type == OP_OPEN) {
+            depth++;
+            if (term->next && term->next->type == OP_CLOSE)
+                return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
+            if (term == toRaise) raised.push_back(depth);
+        }
+        term->level = depth + static_cast<int32_t>(raised.size());
+        if (term->type == OP_CLOSE) {
+            if (!raised.empty() && raised.back() == depth) raised.pop_back();
+            if (--depth < 0) return failParenthesis(term, outcome);
+        } else if (term->type != OP_OPEN && isOp(term->type)) {
+            if (!wrong && lackedOperand(term)) wrong = term;
+            if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
+                term->level++;
+                toRaise = groupBehind(term);
+            }
         }
     }
-    return 0;
+    if (depth != 0) return failParenthesis(lastOpen(terms), outcome);
+    if (!wrong) return 0;
+    return outcome.FailAt(wrong, "** ERROR %s: operator '%s' missing argument **\n",
+                          {lackedOperand(wrong), getOp(wrong->type).text});
 }
 
 namespace {
 
-struct Operator {
-    node* term;
-    int32_t level;
-    int32_t precedence;
+int32_t levelOf(const node* op) {
+    return std::max(op->level, 0);
+}
+
+int32_t precedenceOf(const node* term) {
+    return getOp(term->type).precedence;
+}
+
+struct Range {
+    int32_t least = INT32_MAX;
+    int32_t most = INT32_MIN;
+
+    void Add(int32_t number) {
+        least = std::min(least, number);
+        most = std::max(most, number);
+    }
 };
 
-// Sorts by a number from 0 to `most` and keeps the order of equal ones: how many operators each number has is
+// Sorts by a number in this range and keeps the order of equal ones: how many operators each number has is
 // counted, and they are dealt out.
-template <class Number> void deal(std::vector<Operator>& operators, int32_t most, Number numberOf) {
-    std::vector<uint32_t> places(static_cast<size_t>(most) + 2);
-    const auto place = [&](const Operator& op) { return places.begin() + numberOf(op); };
-    for (const Operator& op : operators) place(op)[1]++;
+template <class Number> void deal(std::vector<node*>& order, Range range, Number numberOf) {
+    if (range.least == range.most) return;
+    std::vector<uint32_t> places(static_cast<size_t>(range.most - range.least) + 2);
+    const auto place = [&](const node* op) { return places.begin() + (numberOf(op) - range.least); };
+    for (const node* op : order) place(op)[1]++;
     std::partial_sum(places.begin(), places.end(), places.begin());
-    std::vector<Operator> dealt(operators.size());
-    for (const Operator& op : operators) dealt[(*place(op))++] = op;
-    operators.swap(dealt);
-}
-
-Operator operatorOf(node* term) {
-    return {term, std::max(term->level, 0), getOp(term->type).precedence};
-}
-
-void orderMany(std::vector<node*>& order) {
-    std::vector<Operator> operators(order.size());
-    std::transform(order.begin(), order.end(), operators.begin(), operatorOf);
-    const auto isLower = [](const Operator& a, const Operator& b) { return a.level < b.level; };
-    const int32_t highest = std::max_element(operators.begin(), operators.end(), isLower)->level;
-    deal(operators, MAX_PRECEDENCE, [](const Operator& op) { return op.precedence; });
-    if (highest > 0) deal(operators, highest, [=](const Operator& op) { return highest - op.level; });
-    std::transform(operators.begin(), operators.end(), order.begin(),
-                   [](const Operator& op) { return op.term; });
+    std::vector<node*> dealt(order.size());
+    for (node* op : order) dealt[(*place(op))++] = op;
+    order.swap(dealt);
 }
 
 void orderFew(std::vector<node*>& order) {
-    const auto isBefore = [](const Operator& a, const Operator& b) {
-        return a.level != b.level ? a.level > b.level : a.precedence < b.precedence;
+    const auto isBefore = [](const node* a, const node* b) {
+        return levelOf(a) != levelOf(b) ? levelOf(a) > levelOf(b) : precedenceOf(a) < precedenceOf(b);
     };
     for (size_t i = 1; i < order.size(); i++) {
-        node* const term = order[i];
-        const Operator op = operatorOf(term);
+        node* const op = order[i];
         size_t place = i;
-        for (; place > 0 && isBefore(op, operatorOf(order[place - 1])); place--)
-            order[place] = order[place - 1];
-        order[place] = term;
+        for (; place > 0 && isBefore(op, order[place - 1]); place--) order[place] = order[place - 1];
+        order[place] = op;
     }
 }
 
@@ -142,9 +131,18 @@ void orderFew(std::vector<node*>& order) {
 // A long list takes a time that grows with the number of terms, whatever their levels.
 void orderOperators(const Deq& terms, std::vector<node*>& order) {
     constexpr size_t FEW = 16;
+    Range precedences;
+    Range depths; // the deepest first
     order.clear();
+    order.reserve(static_cast<size_t>(terms.count) + 1); // the caller's null ends it
     for (node* term = terms.first; term; term = term->next) {
-        if (getOp(term->type).precedence != 0 && term->type != OP_CLOSE) order.push_back(term);
+        const int32_t precedence = precedenceOf(term);
+        if (precedence == 0 || term->type == OP_CLOSE) continue;
+        order.push_back(term);
+        precedences.Add(precedence);
+        depths.Add(-levelOf(term));
     }
-    order.size() > FEW ? orderMany(order) : orderFew(order);
+    if (order.size() <= FEW) return orderFew(order);
+    deal(order, precedences, precedenceOf);
+    deal(order, depths, [](const node* op) { return -levelOf(op); });
 }

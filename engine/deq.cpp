@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <cstring>
 #include <iterator>
+#include <new>
+#include <utility>
 
 constexpr const char* CVstr = "\x11";
 constexpr const char* CVSstr = "\x10";
@@ -28,38 +30,25 @@ constexpr OpEntry ops[] = {
     {",", OP_COMMA, 0, 0, 0},          {"", 0, 0, 0, 0},
 };
 
-namespace {
+static_assert(sizeof ops / sizeof ops[0] == OPERATOR_COUNT + 1);
 
-constexpr uint8_t OPERATOR_COUNT = sizeof ops / sizeof ops[0] - 1;
-
-// Looking up an operator does not search.
-struct Index {
-    uint8_t byCode[OP_LOGICAL_OR + 1] = {};
-    uint8_t first[256] = {}; // by character: 1 + the position of the first operator that begins with it
-};
-
-constexpr Index makeIndex() {
-    Index made;
+static constexpr OperatorIndex makeIndex() {
+    OperatorIndex made = {};
     for (uint8_t& position : made.byCode) position = OPERATOR_COUNT;
     for (uint8_t i = OPERATOR_COUNT; i > 0; i--) {
         made.byCode[ops[i - 1].code] = static_cast<uint8_t>(i - 1);
-        made.first[static_cast<uint8_t>(ops[i - 1].text[0])] = i;
+        const auto character = static_cast<uint8_t>(ops[i - 1].text[0]);
+        const bool isOnly = made.first[character] == 0 && ops[i - 1].text[1] == '\0';
+        made.only[character] = isOnly ? static_cast<uint8_t>(ops[i - 1].code) : uint8_t{0};
+        made.first[character] = i;
     }
     return made;
 }
 
-constexpr Index OPERATOR_INDEX = makeIndex();
+constexpr OperatorIndex OPERATOR_INDEX = makeIndex();
 
-} // namespace
-
-const OpEntry& getOp(int32_t code) {
-    return ops[code < 0 || code > OP_LOGICAL_OR ? OPERATOR_COUNT : OPERATOR_INDEX.byCode[code]];
-}
-
-int isOp(const char* text) {
-    const uint8_t first = OPERATOR_INDEX.first[static_cast<uint8_t>(text[0])];
-    if (first == 0) return 0;
-    for (const OpEntry* entry = ops + first - 1; entry->code != 0; entry++) {
+int findOp(const char* text, uint32_t position) {
+    for (const OpEntry* entry = ops + position; entry->code != 0; entry++) {
         if (entry->text[0] != text[0]) continue;
         if (entry->code == OP_NOT_EQUAL && text[1] == '=' && text[2] == '=') continue; // 3!==6: a factorial
         if (entry->text[1] == '\0' || entry->text[1] == text[1]) return entry->code;
@@ -69,28 +58,50 @@ int isOp(const char* text) {
 
 void node::SetText(std::string_view copied) {
     DropText();
-    if (copied.size() >= sizeof shortText) {
+    qfloat* const room = Room();
+    if (!room || value == room || copied.size() >= sizeof *room) {
         text = strDuplicate(copied);
     } else {
-        shortText[copied.copy(shortText, copied.size())] = '\0';
-        text = shortText;
+        text = reinterpret_cast<char*>(room);
+        text[copied.copy(text, copied.size())] = '\0';
     }
 }
 
-node* Deq::Add() {
-    if (!spare) {
-        const size_t size = std::clamp<size_t>(made, 8, 1024);
-        blocks.emplace_back(size);
-        made += size;
-        for (node& term : blocks.back()) {
-            term.isOfList = true;
-            term.next = spare;
-            spare = &term;
-        }
+// The next block, or a new one.
+void Deq::BeginBlock() {
+    if (blocksBegun == blocks.size()) {
+        const size_t bytes = std::clamp(made, LEAST_BLOCK, MOST_BLOCK);
+        blocks.push_back({std::unique_ptr<char[]>(new char[bytes]), bytes});
+        made += bytes;
     }
-    node* const term = spare;
-    spare = term->next;
-    return Push(term);
+    const Block& block = blocks[blocksBegun++];
+    unused = block.bytes.get();
+    left = block.size;
+}
+
+inline void* Deq::NewRoom(size_t size) {
+    if (left < size) BeginBlock();
+    left -= size;
+    return std::exchange(unused, unused + size);
+}
+
+template <class Node> node* Deq::AddTo(node*& spares) {
+    void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(sizeof(Node));
+    node* const term = new (room) Node;
+    term->prev = last;
+    (last ? last->next : first) = term;
+    last = term;
+    count++;
+    insertions++;
+    return term;
+}
+
+node* Deq::Add() {
+    return AddTo<ListNode>(spare);
+}
+
+node* Deq::AddOperand() {
+    return AddTo<OperandNode>(spareOperands);
 }
 
 node* Deq::Insert(node* term, node* before) {
@@ -125,13 +136,14 @@ node* Deq::Take(node* term) {
 node* Deq::Del(node* term) {
     node* before = term->prev;
     Take(term);
-    if (!term->isOfList) {
+    if (term->memory == node::Memory::Own) {
         delete term;
         return before;
     }
     term->Drop();
-    term->next = spare;
-    spare = term;
+    node*& spares = term->memory == node::Memory::List ? spare : spareOperands;
+    term->next = spares;
+    spares = term;
     return before;
 }
 
@@ -140,20 +152,24 @@ node* Deq::Del(int i) {
     return term ? Del(term) : nullptr;
 }
 
+// All memory is unused then.
 void Deq::Clear() {
     while (first) Del(first);
+    spare = spareOperands = nullptr;
+    blocksBegun = left = 0;
     if (made <= MOST_KEPT) return;
     blocks.clear();
-    spare = nullptr;
     made = 0;
 }
 
+// The other's blocks are none that is begun here.
 void Deq::TakeAll(Deq& other) {
-    std::move(other.blocks.begin(), other.blocks.end(), std::back_inserter(blocks));
+    std::move(other.blocks.begin(), other.blocks.end(), std::inserter(blocks, blocks.begin()));
+    blocksBegun += other.blocks.size();
     made += other.made;
     other.blocks.clear();
-    other.spare = nullptr;
-    other.made = 0;
+    other.spare = other.spareOperands = nullptr;
+    other.blocksBegun = other.left = other.made = 0;
     if (!other.first) return;
     other.first->prev = last;
     (last ? last->next : first) = other.first;
@@ -169,7 +185,7 @@ void Deq::CopyTo(Deq* target) const {
     const int32_t number = count;
     const node* term = first;
     for (int32_t i = 0; i < number; i++, term = term->next) {
-        node* copy = target->Add();
+        node* copy = term->text || term->value ? target->AddOperand() : target->Add();
         if (term->text) copy->SetText(term->text);
         copy->type = term->type;
         copy->level = term->level;

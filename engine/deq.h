@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -66,11 +67,30 @@ constexpr int MAX_PRECEDENCE = 15;
 // All operators; a text is matched in this order. The entry behind the last one has code 0.
 extern const OpEntry ops[];
 
+constexpr uint32_t OPERATOR_COUNT = 25;
+
+// Looking up an operator does not search.
+struct OperatorIndex {
+    uint8_t byCode[OP_LOGICAL_OR + 1]; // the position in the table, OPERATOR_COUNT for no operator
+    uint8_t only[256];  // by character: the code of the only operator that begins with it, or 0
+    uint8_t first[256]; // by character: 1 + the position of the first operator that begins with it, or 0
+};
+extern const OperatorIndex OPERATOR_INDEX;
+
 // The entry of a code; the terminating entry when no operator has it.
-const OpEntry& getOp(int32_t code);
+inline const OpEntry& getOp(int32_t code) {
+    return ops[code < 0 || code > OP_LOGICAL_OR ? OPERATOR_COUNT : OPERATOR_INDEX.byCode[code]];
+}
 
 // The code of the first entry whose text is a prefix of `text`, or 0. "!==" is a '!' with "==" behind it.
-int isOp(const char* text);
+// FindOp is told the position of the first entry that begins with the character.
+int findOp(const char* text, uint32_t position);
+inline int isOp(const char* text) {
+    const auto character = static_cast<uint8_t>(text[0]);
+    if (const uint8_t code = OPERATOR_INDEX.only[character]) return code;
+    const uint8_t first = OPERATOR_INDEX.first[character];
+    return first == 0 ? 0 : findOp(text, first - 1U);
+}
 
 // Whether a term type is an operator: every code of the table, and TERM_DONE.
 inline bool isOp(int32_t type) {
@@ -79,47 +99,70 @@ inline bool isOp(int32_t type) {
 
 // One term.
 struct node {
+    // Whose memory the term has.
+    enum class Memory : uint8_t {
+        Own,
+        List,       // that of the list whose Add made it
+        OperandList // the same, with room behind the term for its value or its text
+    };
+
     node* prev = nullptr;
     node* next = nullptr;
-    int32_t type = 0;        // an OperatorCode or a TermType
-    int32_t start = -1;      // its first character in the statement, blanks not counted; -1: not known
-    char* text = nullptr;    // owned: from new char[], or set by SetText; operators have none
-    int32_t level = 0;       // parenthesis depth
-    int32_t length = 0;      // the number of its characters there
+    int32_t type = 0;     // an OperatorCode or a TermType
+    int32_t start = -1;   // its first character in the statement, blanks not counted; -1: not known
+    char* text = nullptr; // owned: from new char[], or set by SetText; operators have none
+    int32_t level = 0;    // parenthesis depth
+    uint16_t length = 0;  // the number of its characters there
+    const Memory memory = Memory::Own;
     qfloat* value = nullptr; // owned: from new qfloat[1], or set by SetValue; numbers and variables have one
-
-    bool isOfList = false; // made by Deq::Add: its memory is the list's
 
     node() = default;
     explicit node(char* owned) : text(owned) {}
+    explicit node(Memory whose) : memory(whose) {}
     ~node() { Drop(); } // frees text and value; does not unlink
     node(const node&) = delete;
     node& operator=(const node&) = delete;
 
     void SetText(std::string_view copied);
-    void SetValue(const qfloat copied) {
-        if (!value) value = &number;
-        qmov(copied, *value);
-    }
+    void SetValue(const qfloat copied);
     void DropText() {
-        if (text != shortText) delete[] text;
+        if (text && text != static_cast<void*>(Room())) delete[] text;
         text = nullptr;
     }
 
-    // Back to a term without a type, a text and a value.
+    // Without its text and its value.
     void Drop() {
-        DropText();
-        if (value != &number) delete[] value;
+        if (text) DropText();
+        if (value && value != Room()) delete[] value;
         value = nullptr;
-        type = level = length = 0;
-        start = -1;
     }
 
 private:
-    // Most terms need no memory of their own for their text and value.
-    char shortText[7] = "";
-    qfloat number = {};
+    qfloat* Room();
 };
+
+struct ListNode : node {
+    ListNode() : node(Memory::List) {}
+};
+
+// What most names and numbers take: their text or their value has its place in the term.
+struct OperandNode : node {
+    // cppcheck-suppress uninitMemberVar ; what is not used is not touched
+    OperandNode() : node(Memory::OperandList) {}
+    qfloat room;
+};
+
+inline qfloat* node::Room() {
+    return memory == Memory::OperandList ? &static_cast<OperandNode*>(this)->room : nullptr;
+}
+
+inline void node::SetValue(const qfloat copied) {
+    if (!value) {
+        qfloat* const room = Room();
+        value = room && text != static_cast<void*>(room) ? room : new qfloat[1];
+    }
+    qmov(copied, *value);
+}
 
 // A list of terms. It owns its nodes.
 class Deq {
@@ -137,8 +180,10 @@ public:
     // Appends a node, which the list then owns. Returns it.
     node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
 
-    // Appends a new node in memory of the list: it may be deleted, but not taken.
+    // Append a new node in memory of the list: it may be deleted, but not taken. An operand has room for its
+    // value or its text.
     node* Add();
+    node* AddOperand();
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
     // caller sets its type. Returns it.
@@ -180,9 +225,26 @@ public:
     int32_t CountNumberOfOperators() const;
 
 private:
-    static constexpr size_t MOST_KEPT = 16384; // nodes of an empty list
+    static constexpr size_t LEAST_BLOCK = 512;
+    static constexpr size_t MOST_BLOCK = 65536;
+    static constexpr size_t MOST_KEPT = 2 << 20; // bytes that an empty list keeps
 
-    std::vector<std::vector<node>> blocks; // the memory of the nodes that Add made
-    node* spare = nullptr;                 // those that are free, chained by `next`
-    size_t made = 0;
+    // Memory of nodes that Add made. It is touched when it is used first, and the same again in the next
+    // statement: what was never touched costs nothing.
+    struct Block {
+        std::unique_ptr<char[]> bytes;
+        size_t size = 0;
+    };
+
+    void BeginBlock();
+    void* NewRoom(size_t size);
+    template <class Node> node* AddTo(node*& spares);
+
+    std::vector<Block> blocks;
+    size_t blocksBegun = 0; // the last one of these is being used up
+    char* unused = nullptr; // of it
+    size_t left = 0;        // bytes from there on
+    size_t made = 0;        // bytes of all blocks
+    node* spare = nullptr;  // nodes that were deleted, chained by `next`
+    node* spareOperands = nullptr;
 };

@@ -86,6 +86,7 @@ int main(int argc, char** argv) {
     static Session session(
         answers, STDERR_FILENO,
         {options.quiet, options.last, options.preview, options.json, options.plain, inBlocks});
+    session.Calculator().traced = options.trace;
     if (!options.plain)
         session.SetColors(wantsColors(options.color, answers), wantsColors(options.color, STDERR_FILENO));
     Run run(session, answers, options);

@@ -159,6 +159,54 @@ TEST(Deq, CopyToItselfDoublesTheList) {
     EXPECT_EQ("abab", texts(list));
 }
 
+// Terms that the list made have room for one text or value of their own.
+TEST(Deq, OperandsOfTheListTakeTextsOfAllLengthsAndAValue) {
+    Deq list;
+    for (int round = 0; round < 3; round++) { // the memory is used again
+        for (size_t length : {0U, 1U, 54U, 55U, 56U, 57U, 1000U}) {
+            const std::string text(length, 'n');
+            for (const bool isValueFirst : {false, true}) {
+                node* const term = list.AddOperand();
+                EXPECT_EQ(nullptr, term->text);
+                EXPECT_EQ(nullptr, term->value);
+                EXPECT_EQ(-1, term->start);
+                if (isValueFirst) term->SetValue(qten);
+                term->SetText(text);
+                if (!isValueFirst) term->SetValue(qten);
+                EXPECT_EQ(text, term->text);
+                EXPECT_EQ(0, qcmp(qten, *term->value));
+                term->DropText();
+                EXPECT_EQ(0, qcmp(qten, *term->value));
+                term->level = 5;
+                term->SetText("again");
+            }
+            list.Add()->SetValue(qtwo); // an operator that becomes a number
+            EXPECT_EQ(0, qcmp(qtwo, *list.last->value));
+            if (round == 1) list.Del(list.last->prev);
+        }
+        list.Clear();
+    }
+}
+
+TEST(Deq, TakesTheTermsThatAnotherListMade) {
+    Deq list;
+    Deq other;
+    for (int round = 0; round < 3; round++) {
+        for (int i = 0; i < 100; i++) {
+            list.AddOperand()->SetText("a");
+            other.AddOperand()->SetText("b");
+        }
+        list.TakeAll(other);
+        EXPECT_EQ(0, other.count);
+        list.AddOperand()->SetText("c");
+        other.AddOperand()->SetText("d");
+        EXPECT_EQ(std::string(100, 'a') + std::string(100, 'b') + "c", texts(list));
+        EXPECT_EQ("d", texts(other));
+        other.Clear();
+        list.Clear();
+    }
+}
+
 TEST(Deq, PrintsTextsAndIsBounded) {
     Deq list;
     fill(list, "ab");
