@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: MIT
 //
-// Copy, cut, paste and undo, and the guard of the transcript.
+// Clicks, copy, cut, paste and undo, and the guard of the transcript.
 #import "MainConsole.h"
 
 #import "Controls.h"
 #import "Platform.h"
 
+#include "WordAt.h"
+
 #import <objc/runtime.h>
 
 #include <algorithm>
+#include <cmath>
 #include <unistd.h>
 
-static const useconds_t FLASH = 80000; // microseconds
+static const useconds_t FLASH = 80000;  // microseconds
+static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
 
 @implementation MainConsole (Edit)
 
@@ -112,16 +116,101 @@ static const useconds_t FLASH = 80000; // microseconds
 - (void)mouseDown:(NSEvent*)event {
     if (platformTakeEarlyRelease())
         [self click:event];
+    else if ([event clickCount] == 1 && [self isSelectedAt:event])
+        [self clickOrDrag:event];
     else
         [super mouseDown:event];
+}
+
+- (BOOL)isSelectedAt:(NSEvent*)event {
+    const CharacterPlace place = characterAt(self, [self convertPoint:[event locationInWindow] fromView:nil]);
+    return NSLocationInRange(place.character, [self selectedRange]);
+}
+
+// A press on what is selected may begin to drag it, into the entry or to another program.
+- (void)clickOrDrag:(NSEvent*)event {
+    const NSPoint start = [event locationInWindow];
+    for (;;) {
+        NSEvent* const next =
+            [[self window] nextEventMatchingMask:NSLeftMouseUpMask | NSLeftMouseDraggedMask];
+        const NSPoint now = [next locationInWindow];
+        if ([next type] == NSLeftMouseUp) {
+            [self click:event];
+            return;
+        }
+        if (std::hypot(now.x - start.x, now.y - start.y) <= DRAG_DISTANCE) continue;
+        [self dragSelectionWithEvent:event offset:NSZeroSize slideBack:YES];
+        return;
+    }
+}
+
+// --- The selection of the desktop ---
+
+- (void)setSelectedRange:(NSRange)range
+                affinity:(NSSelectionAffinity)affinity
+          stillSelecting:(BOOL)isSelecting {
+    [super setSelectedRange:range affinity:affinity stillSelecting:isSelecting];
+    SEL offer = @selector(offerSelection);
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:offer object:nil];
+    // When it rests: the answer that blinks when it is copied is no selection.
+    if (!isSelecting && range.length > 0) [self performSelector:offer withObject:nil afterDelay:0];
+}
+
+- (void)offerSelection {
+    const NSRange selection = [self selectedRange];
+    if (selection.length > 0) platformOfferSelection([[self string] substringWithRange:selection]);
+}
+
+- (NumberMarks)marks {
+    const bool hasComma = [self setting:@"european"] != 0;
+    const int mark = [self setting:@"schar"];
+    const int usual = hasComma ? '.' : ',';
+    const bool isUsual = mark == ',' || mark == '.';
+    NumberMarks marks;
+    marks.decimal = hasComma ? u',' : u'.';
+    if ([self setting:@"separator"]) marks.grouping = static_cast<char16_t>(isUsual ? usual : mark);
+    return marks;
+}
+
+- (NSRange)wordAt:(NSUInteger)place {
+    const NSRange paragraph = [[self string] lineRangeForRange:NSMakeRange(place, 0)];
+    std::u16string line(paragraph.length, u'\0');
+    [[self string] getCharacters:reinterpret_cast<unichar*>(line.data()) range:paragraph];
+    const EntryRange word = wordAt(line, place - paragraph.location, [self marks]);
+    return NSMakeRange(paragraph.location + word.location, word.length);
+}
+
+// Without the prompt and the line's end, which nobody wants to paste.
+- (NSRange)lineAt:(NSRange)range {
+    NSUInteger start = 0;
+    NSUInteger end = 0;
+    [[self string] getLineStart:&start end:NULL contentsEnd:&end forRange:range];
+    if ([[self string] compare:@"> "
+                       options:NSLiteralSearch
+                         range:NSMakeRange(start, MIN(2U, end - start))] == NSOrderedSame)
+        start += 2;
+    return NSMakeRange(start, end - start);
+}
+
+// Twice a whole number or name, three times the line; a drag goes on in such steps.
+- (NSRange)selectionRangeForProposedRange:(NSRange)range granularity:(NSSelectionGranularity)granularity {
+    if (granularity == NSSelectByParagraph) return [self lineAt:range];
+    if (granularity != NSSelectByWord || [[self string] length] == 0)
+        return [super selectionRangeForProposedRange:range granularity:granularity];
+    const NSRange first = [self wordAt:range.location];
+    return range.length < 2 ? first : NSUnionRange(first, [self wordAt:NSMaxRange(range) - 1]);
+}
+
+// Between which characters a point of the window lies.
+- (NSUInteger)insertionPointAt:(NSPoint)point {
+    const CharacterPlace place = characterAt(self, [self convertPoint:point fromView:nil]);
+    return std::min(place.character + (place.fraction > 0.5 ? 1 : 0), [[self string] length]);
 }
 
 // What a click does whose button is up again already: the cursor, a word or a line, as often as it was
 // clicked.
 - (void)click:(NSEvent*)event {
-    const CharacterPlace place = characterAt(self, [self convertPoint:[event locationInWindow] fromView:nil]);
-    NSUInteger character = place.character + (place.fraction > 0.5 ? 1 : 0);
-    character = std::min(character, [[self string] length]);
+    const NSUInteger character = [self insertionPointAt:[event locationInWindow]];
     const NSSelectionGranularity units[] = {NSSelectByCharacter, NSSelectByWord, NSSelectByParagraph};
     const NSInteger clicks = std::max<NSInteger>(1, std::min<NSInteger>([event clickCount], 3));
     [[self window] makeFirstResponder:self];
@@ -194,6 +283,17 @@ static NSString* asOneLine(NSString* text) {
         [self updateStatusbar:"The text could not be fetched."]; // so much of it, say, that its owner gave up
     }
     return text && [self insertForeignText:text];
+}
+
+// What is dragged out of the transcript is copied. GNUstep would move it, which the transcript does not
+// allow.
+- (BOOL)performDragOperation:(id<NSDraggingInfo>)sender {
+    const NSRange dragged = [self selectedRange];
+    if ([sender draggingSource] != self || dragged.location >= static_cast<NSUInteger>(g_linestart))
+        return [super performDragOperation:sender];
+    NSString* const text = [[self string] substringWithRange:dragged];
+    [self setSelectedRange:NSMakeRange([self insertionPointAt:[sender draggingLocation]], 0)];
+    return [self insertForeignText:text];
 }
 
 - (void)paste:(id)sender {

@@ -58,6 +58,9 @@ NSMenu* platformMenuBar(NSString* title);
 // Lets the item of a menu show and do what its key does on this platform.
 void platformFitMenuItem(NSMenuItem* item, const KeyRow& row);
 
+// Text that was selected, for other programs to paste with the middle button of the mouse. Nothing on macOS.
+void platformOfferSelection(NSString* text);
+
 // Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape
 // only closes it. On macOS the keys select in menus.
 void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);

@@ -158,6 +158,13 @@ NSString* platformSheetText(NSString* text) {
     return broken;
 }
 
+// GNUstep's name for the X server's primary selection.
+void platformOfferSelection(NSString* text) {
+    NSPasteboard* const board = [NSPasteboard pasteboardWithName:@"Selection"];
+    [board declareTypes:@[ NSStringPboardType ] owner:nil];
+    [board setString:text forType:NSStringPboardType];
+}
+
 CGFloat platformScale() {
     return [[NSScreen mainScreen] userSpaceScaleFactor];
 }

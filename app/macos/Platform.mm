@@ -54,6 +54,8 @@ NSString* platformSheetText(NSString* text) {
     return text;
 }
 
+void platformOfferSelection(NSString*) {}
+
 CGFloat platformScale() {
     return 1;
 }

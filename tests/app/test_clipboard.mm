@@ -322,4 +322,53 @@ TEST_F(CopiedAnswer, ReadsBackInWhateverSettingsHoldAtTheCopy) {
     }
 }
 
+// --- Clicks and the desktop's selection ---
+
+TEST_F(Clipboard, ADoubleClickTakesAWholeNumberInTheMarksOfNow) {
+    Enter("1234567.5*10^20");
+    const NSUInteger digits = Text().find("1.234");
+    const NSRange number = [console selectionRangeForProposedRange:NSMakeRange(digits + 3, 0)
+                                                       granularity:NSSelectByWord];
+    EXPECT_EQ("1.2345675e26", [[[console string] substringWithRange:number] UTF8String] + std::string());
+    [console setSetting:@"separator" to:1];
+    Enter("1234567.5");
+    const NSRange grouped = [console selectionRangeForProposedRange:NSMakeRange(Text().find("1,234"), 0)
+                                                        granularity:NSSelectByWord];
+    EXPECT_EQ("1,234,567.5", [[[console string] substringWithRange:grouped] UTF8String] + std::string());
+}
+
+TEST_F(Clipboard, ADragOfADoubleClickGoesOnInWholeWords) {
+    Type("12.5+width");
+    const NSRange both =
+        [console selectionRangeForProposedRange:NSMakeRange(static_cast<NSUInteger>(g_linestart) + 1, 6)
+                                    granularity:NSSelectByWord];
+    EXPECT_EQ(both.location, static_cast<NSUInteger>(g_linestart));
+    EXPECT_EQ(both.length, 10U);
+}
+
+TEST_F(Clipboard, ATripleClickTakesTheLineWithoutItsPromptAndEnd) {
+    Enter("1+2");
+    Type("45");
+    const auto line = [this](NSUInteger place) {
+        const NSRange range = [console selectionRangeForProposedRange:NSMakeRange(place, 0)
+                                                          granularity:NSSelectByParagraph];
+        return std::string([[[console string] substringWithRange:range] UTF8String]);
+    };
+    EXPECT_EQ("1+2", line(3));
+    EXPECT_EQ("ans = 3", line(8));
+    EXPECT_EQ("45", line(static_cast<NSUInteger>(g_linestart)));
+    EXPECT_EQ("", line(Text().find("\n\n") + 1));
+}
+
+TEST_F(Clipboard, WhatIsSelectedIsTheDesktopsSelection) {
+    Type("12345");
+    SelectEntry(1, 3);
+    Run(0.05);
+    NSPasteboard* const selection = [NSPasteboard pasteboardWithName:@"Selection"];
+    EXPECT_TRUE([[selection stringForType:NSStringPboardType] isEqualToString:@"234"]);
+    SelectEntry(5);
+    Run(0.05);
+    EXPECT_TRUE([[selection stringForType:NSStringPboardType] isEqualToString:@"234"]) << "it stays";
+}
+
 } // namespace

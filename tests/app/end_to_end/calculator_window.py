@@ -68,11 +68,11 @@ def repeat_until(what, act, happened):
     return value
 
 
-def pasteboard():
+def pasteboard(selection="clipboard"):
     """The text on the pasteboard, or None when its owner does not answer at once."""
     try:
         done = subprocess.run(
-            ["xclip", "-o", "-selection", "clipboard"],
+            ["xclip", "-o", "-selection", selection],
             stdout=subprocess.PIPE,
             stderr=subprocess.DEVNULL,
             timeout=1,

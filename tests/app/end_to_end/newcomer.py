@@ -17,6 +17,7 @@ from calculator_window import (
     activate,
     is_open,
     on_screen,
+    pasteboard,
     picture,
     put_on_pasteboard,
     question,
@@ -140,6 +141,24 @@ class Newcomer(unittest.TestCase):
         window.key("ctrl+0")
         window.key("ctrl+q")
         self.assertEqual(window.wait_for_end(), 0)
+
+    def test_a_double_click_takes_a_whole_number_which_can_be_dragged_into_the_entry(self):
+        window = self.first_start()
+        window.enter("1234567*10^20")
+        window.type("2*")
+        x, y, _, _ = window.place()
+        number = (str(x + 90), str(y + 57))  # in "ans = 1.234567e26", the second line
+        entry = (str(x + 60), str(y + 91))
+        run("xdotool", "mousemove", *number, "click", "--repeat", "2", "--delay", "60", "1")
+        wait_until("the selection", lambda: pasteboard("primary") == "1.234567e26")
+        # Elsewhere on it, or it would be the third click.
+        run("xdotool", "mousemove_relative", "--sync", "--", "-30", "0", "mousedown", "1")
+        run("xdotool", "mousemove_relative", "--sync", "--", "-10", "10")
+        run("xdotool", "mousemove", "--sync", *entry)
+        window.rest()
+        run("xdotool", "mouseup", "1")
+        window.wait_for_whole_text("> 1234567*10^20\nans = 1.234567e26\n\n> 2*1.234567e26")
+        self.assertEqual(window.quit(), 0)
 
     def test_a_selection_across_the_prompt_deletes_what_is_in_the_entry(self):
         window = self.first_start()
