@@ -7,6 +7,8 @@
 
 namespace limb {
 
+uint64_t comparisons;
+
 namespace {
 
 // A whole number that grows by multiplication with single limbs.
@@ -61,7 +63,9 @@ int compareProduct(const uint64_t* x, const uint64_t* y, const uint64_t* z) {
 void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     multiply(x, y, z);
     constexpr uint64_t UNIT = uint64_t{1} << 30;
-    if ((z[0] & (UNIT - 1)) >= UNIT - 6) product<COUNT, COUNT, 0, COUNT>(x, y, z);
+    if ((z[0] & (UNIT - 1)) < UNIT - 6) return;
+    ++comparisons;
+    product<COUNT, COUNT, 0, COUNT>(x, y, z);
 }
 
 // c <= x / y exactly where c * y <= x.  With a divisor of one limb divideLimb gives the quotient cut below
@@ -74,7 +78,7 @@ void divideExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     constexpr uint32_t ERROR = 16 + 1; // divide's from the floor
     uint64_t q[COUNT];
     divide(x, y, q);
-    settle(q, ERROR, [x, y](const uint64_t* c) { return compareProduct(c, y, x) <= 0; });
+    settleByComparison(q, ERROR, [x, y](const uint64_t* c) { return compareProduct(c, y, x) <= 0; });
     copy(q, z);
 }
 
@@ -82,7 +86,7 @@ void scaleTenExactly(Extended& x, int n) {
     constexpr uint32_t ERROR = 1 << 10; // scaleTen's 2^-374 of the value
     const Extended before = x;
     scaleTen(x, n);
-    settle(x.limb, ERROR, [&](const uint64_t*) { return compareScaledTen(before, n, x) >= 0; });
+    settleByComparison(x.limb, ERROR, [&](const uint64_t*) { return compareScaledTen(before, n, x) >= 0; });
 }
 
 // With x = X * 2^(e - 384) and x * 10^n = (X * 5^n) * 2^(e - 384 + n), the whole number X * 5^n is compared;

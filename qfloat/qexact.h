@@ -13,14 +13,18 @@
 
 namespace limb {
 
+// How often whole numbers have decided; tests and bench/ read it.
+extern uint64_t comparisons;
+
 // Makes z, normalised, which differs from a true value t by at most `error` units of the last limb (error <
 // 2^30), round as t.  isAtMost(c) tells exactly whether c <= t; it is asked only where z lies that near to a
 // half c, a random z once in 2^31 / error times.  With c <= t the rounding is up: a t half way goes away from
 // zero.
-template <class Test> inline void settle(uint64_t* z, uint32_t error, Test isAtMost) {
+template <class Test> inline void settleByComparison(uint64_t* z, uint32_t error, Test isAtMost) {
     constexpr uint32_t HALF = uint32_t{1} << 31;
     const auto guard = static_cast<uint32_t>(z[0]);
     if (guard + error - HALF > 2 * error) return;
+    ++comparisons;
     z[0] = z[0] - guard + HALF;
     if (!isAtMost(z)) --z[0];
 }

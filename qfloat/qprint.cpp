@@ -144,6 +144,7 @@ int compareMidpoint(const Extended& value, const char* text, int digits, int k) 
     const int zeros = limb::leadingZeros(midpoint.limb);
     limb::shiftUp(midpoint.limb, zeros);
     midpoint.exponent = 64 * COUNT - zeros;
+    ++limb::comparisons;
     return -limb::compareScaledTen(midpoint, k - digits - 1, value);
 }
 

@@ -146,7 +146,8 @@ void qsqrt(const qfloat x, qfloat y) {
     uint64_t m[COUNT], s[COUNT];
     const int64_t exponent = elem::evenMantissa(value, m);
     elem::root(m, s);
-    limb::settle(s, elem::ROOT_ERROR, [&m](const uint64_t* c) { return limb::compareProduct(c, c, m) <= 0; });
+    limb::settleByComparison(s, elem::ROOT_ERROR,
+                             [&m](const uint64_t* c) { return limb::compareProduct(c, c, m) <= 0; });
     elem::normalised(s, exponent, value);
     elem::store(value, 0, y);
 }

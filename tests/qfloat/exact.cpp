@@ -1,13 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "exact.h"
 
-#include "exact_real.h"
-
+#include <algorithm>
 #include <cstdio>
 
 namespace exact {
 
+using namespace oracle;
+
 namespace {
+
+constexpr mpfr_prec_t BITS = MANTISSA_BITS, WORKING_BITS = 1300;
+
+// q = the number nearest to x, ties away from 0; false where there is none with an exponent word in
+// 1 .. 0xFFFF.
+bool toNumber(const Real& x, Number& q) {
+    if (mpfr_regular_p(x) == 0) return false;
+    const Rounded nearest = roundHalfUp(x);
+    if (nearest.exponent < 1 || nearest.exponent > 0xFFFF) return false;
+    q = store(nearest);
+    return true;
+}
 
 int64_t between(Engine& engine, int64_t low, int64_t high) {
     return low + static_cast<int64_t>(engine() % static_cast<uint64_t>(high - low + 1));
@@ -158,7 +171,8 @@ Number drawBesideBranch(const Function& f, Engine& engine) {
     const int64_t shift = chance(engine, 70) ? between(engine, -9, 9) : between(engine, -400, 400);
     q[1] = static_cast<uint32_t>(q[1] + shift);
     q[0] = f.whole.isPositive || chance(engine, 50) ? 0 : NEGATIVE_SIGN;
-    Real moved(q);
+    Real moved(BITS);
+    mpfr_set(moved, Real(q), MPFR_RNDN);
     for (int64_t i = between(engine, -3, 3); i != 0; i += i > 0 ? -1 : 1) {
         if (i > 0) mpfr_nextabove(moved);
         if (i < 0) mpfr_nextbelow(moved);

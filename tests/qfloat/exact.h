@@ -5,20 +5,17 @@
 #pragma once
 
 #include "qfloat.h"
+#include "real.h"
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <random>
 #include <string>
 #include <vector>
 
-#define MPFR_USE_NO_MACRO
-#include <mpfr.h>
-
 namespace exact {
 
-using Number = std::array<uint32_t, 14>;
+using oracle::Number;
 using Engine = std::mt19937_64;
 
 struct Arguments {

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The table of functions, with MPFR's and the ranges of their arguments.
-#include "exact_real.h"
+#include "exact.h"
 #include "qtrig.h"
 
 namespace exact {
+
+using oracle::Real;
 
 namespace {
 

@@ -4,28 +4,18 @@
 #pragma once
 
 #include "../seed.h"
+#include "real.h"
 
-#include <array>
-#include <cstdint>
 #include <random>
 #include <string>
 
-#include <gmpxx.h>
 #include <gtest/gtest.h>
-
-// Functions instead of macros, so that Real converts.
-#define MPFR_USE_NO_MACRO
-#include <mpfr.h>
 
 namespace oracle {
 
-using Number = std::array<uint32_t, 14>;   // a stored number
 using Register = std::array<uint32_t, 15>; // a working register
 
-constexpr int64_t BIAS = 0x8000;
 constexpr int64_t OVERFLOW_EXPONENT = 0x10000;
-constexpr int MANTISSA_BITS = 352;
-constexpr uint32_t NEGATIVE_SIGN = 0xFFFFFFFF;
 
 // How far a rounded result may be from the true value, in units of the last place: what is cut below the
 // guard word shifts the rounding boundary by much less than this excess over one half.
@@ -56,41 +46,9 @@ private:
     ::testing::ScopedTrace trace;
 };
 
-// An MPFR number.
-class Real {
-public:
-    explicit Real(mpfr_prec_t precision = 1000) { mpfr_init2(value, precision); }
-    explicit Real(const Number& q); // exactly the value of q; exponent 0 is zero
-    Real(const Real&) = delete;
-    Real& operator=(const Real&) = delete;
-    ~Real() { mpfr_clear(value); }
-    operator mpfr_ptr() { return value; }
-    operator mpfr_srcptr() const { return value; }
-
-private:
-    mpfr_t value;
-};
-
-// The integer of words first..last, most significant first, and back.
-mpz_class wordsToInteger(const uint32_t* words, int first, int last);
-void integerToWords(const mpz_class& z, uint32_t* words, int first, int last);
-
-// 2^n
-mpz_class power2(unsigned long n);
-
-// A value rounded to 352 bits, with an unbounded exponent (biased as stored).
-struct Rounded {
-    bool negative;
-    int64_t exponent;
-    mpz_class mantissa;
-};
-
-// Rounds half up on the magnitude; the value is not zero.
-Rounded roundHalfUp(const Real& value);
 // Rounds to the nearest, ties to even; the value is not zero.
 Rounded roundToEven(const Real& value);
 
-Number store(const Rounded& value);
 Number overflowValue(uint32_t sign);
 
 // The number that equals the value exactly (the test fails when there is none in range).

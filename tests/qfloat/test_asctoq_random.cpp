@@ -4,6 +4,7 @@
 #include "hard.h"
 #include "oracle.h"
 
+#include "qexact.h"
 #include "qfloat.h"
 
 using namespace oracle;
@@ -124,7 +125,8 @@ TEST_F(Texts, DecimalTextGivesTheNearestNumberOverTheWholeRange) {
 // Texts up to 10^-104 units beside the middle of two numbers, and in the middle.
 TEST_F(Texts, DecimalTextNextToAMidpointGivesTheNearestNumber) {
     const hard::Source source = [this] { return random.Next(); };
-    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
+    const uint64_t before = limb::comparisons;
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         mpz_class digits;
         long n = random.Between(12, 147);
         if (random.Chance(10)) {
@@ -143,6 +145,7 @@ TEST_F(Texts, DecimalTextNextToAMidpointGivesTheNearestNumber) {
         ASSERT_EQ(Parse(text, q), 0) << text;
         expectDecimal(text, text, q);
     }
+    EXPECT_GT(limb::comparisons - before, CASES * 3 / 4) << "the texts are not hard";
     merror = 0;
 }
 

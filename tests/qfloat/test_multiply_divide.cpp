@@ -4,6 +4,7 @@
 #include "hard.h"
 #include "oracle.h"
 
+#include "qexact.h"
 #include "qfloat.h"
 
 using namespace oracle;
@@ -84,10 +85,12 @@ protected:
 
     // The result of every pair lies within 2^-330 units of a midpoint.
     void CheckHard(Routine routine, Oracle oracle, hard::Pair (*draw)(const hard::Source&)) {
+        const uint64_t before = limb::comparisons;
         for (int i = 0; i < CASES && !HasFailure(); ++i) {
             const hard::Pair pair = draw([this] { return random.Next(); });
             CheckPair(routine, oracle, FromMantissa(pair.a), FromMantissa(pair.b), 3);
         }
+        EXPECT_GT(limb::comparisons - before, CASES * 3 / 4) << "the pairs are not hard";
     }
 
     // Half of the pairs have a result inside the range or at its ends.
@@ -312,7 +315,8 @@ TEST_F(DecimalScale, IsTheNearestNumber) {
 }
 
 TEST_F(DecimalScale, IsTheNearestNumberNextToMidpoints) {
-    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
+    const uint64_t before = limb::comparisons;
+    for (int i = 0; i < CASES / 2 && !HasFailure(); ++i) {
         const long n = random.Between(160, random.Chance(50) ? 400 : 9800) * (random.Chance(50) ? -1 : 1);
         const hard::Decimal x =
             hard::decimal([this] { return random.Next(); }, n,
@@ -321,6 +325,7 @@ TEST_F(DecimalScale, IsTheNearestNumberNextToMidpoints) {
         const long small = random.Between(12, 147) * (random.Chance(50) ? -1 : 1);
         Check(FromMantissa(hard::decimalNear([this] { return random.Next(); }, small)), small);
     }
+    EXPECT_GT(limb::comparisons - before, CASES * 3 / 4) << "the numbers are not hard";
 }
 
 TEST_F(DecimalScale, OfAProductHalfWayBetweenTwoNumbersIsTheLargerOne) {

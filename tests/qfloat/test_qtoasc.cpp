@@ -6,6 +6,7 @@
 
 #include <cstring>
 
+#include "qexact.h"
 #include "qfloat.h"
 
 using namespace oracle;
@@ -91,7 +92,8 @@ TEST_F(Printing, RandomNumbersOverTheWholeRangeAreCorrectlyRounded) {
 
 // Numbers up to 2^-352 units of the last digit beside the middle of two texts.
 TEST_F(Printing, NumbersNextToAMidpointAreCorrectlyRounded) {
-    for (int i = 0; i < CASES / 10 && !HasFailure(); ++i) {
+    const uint64_t before = limb::comparisons;
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const auto digits = static_cast<int>(random.Between(0, 104));
         const long n = random.Between(160, random.Chance(50) ? 400 : 9700) * (random.Chance(50) ? -1 : 1);
         mpz_class low; // an odd number of halves of the last digit
@@ -106,6 +108,7 @@ TEST_F(Printing, NumbersNextToAMidpointAreCorrectlyRounded) {
         Check(q, digits);
         if (digits > 0) Check(q, digits - 1);
     }
+    EXPECT_GT(limb::comparisons - before, CASES * 3 / 4) << "the numbers are not hard";
 }
 
 // Numbers of few decimal digits, which end in zeros or need a carry.

@@ -73,7 +73,7 @@ TEST(Settle, AsksOnlyNextToTheHalf) {
             const auto guard = static_cast<uint64_t>(HALF + offset);
             uint64_t z[limb::COUNT] = {0xABCDEF0100000000 + guard, 1, 2, 3, 4, limb::TOP_BIT};
             bool asked = false;
-            limb::settle(z, ERROR, [&](const uint64_t* c) {
+            limb::settleByComparison(z, ERROR, [&](const uint64_t* c) {
                 asked = true;
                 EXPECT_EQ(c[0], 0xABCDEF0180000000U);
                 return reached;
