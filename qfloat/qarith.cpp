@@ -118,7 +118,7 @@ void addMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t 
     storeSum(sign, exponent, big, c);
 }
 
-// big - small, magnitudes; small is already aligned.  Not rounded: the guard is dropped.
+// big - small, magnitudes; small is already aligned. Not rounded: the guard is dropped.
 void subtractMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t exponent, qfloat c) {
     subflg = 1;
     if (limb::subtract(small, big) != 0) {
@@ -234,7 +234,7 @@ inline bool hasOneWord(const uint64_t* x) {
     return ((x[0] | x[1] | x[2] | x[3] | x[4]) | (x[5] & 0xFFFFFFFF)) == 0;
 }
 
-// Normalises and rounds the product or quotient x, whose exponent is biased.  Returns false when x is zero.
+// Normalises and rounds the product or quotient x, whose exponent is biased. Returns false when x is zero.
 inline bool finish(uint64_t* x, int64_t& exponent) {
     // Normalised operands need a shift by one bit at most; without a branch, as it is a toss-up.
     const int one = static_cast<int>(~x[COUNT - 1] >> 63);

@@ -2,14 +2,14 @@
 //
 // Arc tangent, arc sine, arc cosine.
 //
-// arctan v for v <= 1 starts from y0, a double's arc tangent cut to 32 binary places.  With s = sin y0 and
+// arctan v for v <= 1 starts from y0, a double's arc tangent cut to 32 binary places. With s = sin y0 and
 // c = cos y0, arctan v = y0 + arctan t for t = (v c - s) / (c + v s), which is below 2^-32: six terms finish
 // it. The arc sine and cosine are arc tangents of quotients of x and the root of (1 - x)(1 + x), whose
 // factors are exact next to 1, so that nothing cancels at either end of the range.
 //
 // The first way's error: 2^-376 of the arc tangent, 2^-378 of the root, which the arc tangent does not
 // magnify, and 2^-378 of a conversion to degrees: below 2^-375, ARC_UNITS. The second way ends: the angles in
-// radians of numbers other than 0 (1 for the arc cosine) are transcendental (Lindemann).  An angle that is a
+// radians of numbers other than 0 (1 for the arc cosine) are transcendental (Lindemann). An angle that is a
 // binary fraction of degrees has a rational sine or cosine only where that is 0, 1/2 or 1, a rational tangent
 // only where that is 0 or 1 (Niven): the angles are then whole numbers, no midpoints.
 #include "qelem.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The constants as words.  Written by scripts/make_constants.py; change that, not this file.
+// The constants as words. Written by scripts/make_constants.py; change that, not this file.
 // clang-format off
 #include "qlimb.h"
 #include "qfloat.h"

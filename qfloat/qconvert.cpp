@@ -37,7 +37,7 @@ void ltoq(const int64_t* n, qfloat q) {
 }
 
 // ---------------------------------------------------------------------------------------------------------
-// Doubles.  A double's significand lies in [1, 2), a mantissa in [0.5, 1): the exponent fields differ by
+// Doubles. A double's significand lies in [1, 2), a mantissa in [0.5, 1): the exponent fields differ by
 // 0x8000 - 1023 + 1.
 
 namespace {
@@ -58,7 +58,7 @@ void fromDoubleBits(uint64_t bits, qfloat q) {
     q[4] = static_cast<uint32_t>(mantissa << shift);
 }
 
-// Whether the mantissa x is rounded up to its top 53 bits.  A tie stands; what exceeds a tie only below
+// Whether the mantissa x is rounded up to its top 53 bits. A tie stands; what exceeds a tie only below
 // mantissa word 4 counts only after an odd last bit.
 bool roundsUpToDouble(const uint64_t* x) {
     const uint64_t cut = x[5] & 0x7FF;

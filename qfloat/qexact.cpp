@@ -57,7 +57,7 @@ int compareProduct(const uint64_t* x, const uint64_t* y, const uint64_t* z) {
     return order != 0 || isZero(xy) ? order : 1;
 }
 
-// multiply leaves out at most six units, so that the floor of the product is z .. z + 6.  The bit that
+// multiply leaves out at most six units, so that the floor of the product is z .. z + 6. The bit that
 // decides is that of 2^31, or of 2^30 where the product is still to be shifted up: neither changes unless a
 // multiple of 2^30 lies above z by six units or less.
 void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
@@ -68,7 +68,7 @@ void multiplyExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     product<COUNT, COUNT, 0, COUNT>(x, y, z);
 }
 
-// c <= x / y exactly where c * y <= x.  With a divisor of one limb divideLimb gives the quotient cut below
+// c <= x / y exactly where c * y <= x. With a divisor of one limb divideLimb gives the quotient cut below
 // the last limb, which rounds as the quotient itself.
 void divideExactly(const uint64_t* x, const uint64_t* y, uint64_t* z) {
     if ((y[0] | y[1] | y[2] | y[3] | y[4]) == 0) {

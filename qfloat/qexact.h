@@ -3,8 +3,8 @@
 // Private to qfloat/: how a result of 384 bits, known with a small error, is made one that rounds to 352 bits
 // as the true value does.
 //
-// Rounding half up asks one thing of a normalised result: whether its last 32 bits reach the half, 2^31.  An
-// error of a few units of the last limb leaves that open only within those few units of the half.  Whole
+// Rounding half up asks one thing of a normalised result: whether its last 32 bits reach the half, 2^31. An
+// error of a few units of the last limb leaves that open only within those few units of the half. Whole
 // numbers then tell exactly whether the true value reaches it: for products, quotients, roots and decimal
 // numbers there is such a comparison, and hence an end.
 #pragma once
@@ -17,8 +17,8 @@ namespace limb {
 extern uint64_t comparisons;
 
 // Makes z, normalised, which differs from a true value t by at most `error` units of the last limb (error <
-// 2^30), round as t.  isAtMost(c) tells exactly whether c <= t; it is asked only where z lies that near to a
-// half c, a random z once in 2^31 / error times.  With c <= t the rounding is up: a t half way goes away from
+// 2^30), round as t. isAtMost(c) tells exactly whether c <= t; it is asked only where z lies that near to a
+// half c, a random z once in 2^31 / error times. With c <= t the rounding is up: a t half way goes away from
 // zero.
 template <class Test> inline void settleByComparison(uint64_t* z, uint32_t error, Test isAtMost) {
     constexpr uint32_t HALF = uint32_t{1} << 31;

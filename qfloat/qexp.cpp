@@ -2,13 +2,13 @@
 //
 // The exponential.
 //
-// e^x = 2^n e^r with 0 <= r < ln 2.  The fraction r = a + b + c + d + f has four parts of four bits each, a =
-// i / 2^4, b = j / 2^8, ..., whose exponentials less 1 are in a table, and the rest f < 2^-16.  S = e^f - 1
-// is summed by Horner's rule; the first term left out, f^21 / 21!, is below 2^-401.  Then each part takes S
+// e^x = 2^n e^r with 0 <= r < ln 2. The fraction r = a + b + c + d + f has four parts of four bits each, a =
+// i / 2^4, b = j / 2^8, ..., whose exponentials less 1 are in a table, and the rest f < 2^-16. S = e^f - 1
+// is summed by Horner's rule; the first term left out, f^21 / 21!, is below 2^-401. Then each part takes S
 // to E + S + E S, E = e^part - 1, from the smallest part to the largest.
 //
 // In units of 2^-384: the series is cut by 6.1, its last product, as the product that comes to it multiplied
-// by f^n leaves out only limbs below 2^(16 (n - 1)) units.  Each part adds 6.1, its product, and half a unit
+// by f^n leaves out only limbs below 2^(16 (n - 1)) units. Each part adds 6.1, its product, and half a unit
 // of its table entry, and multiplies what was there by 1 + E: 12.7, 19.3 and 27 units after the first three,
 // less than 61 at the end.
 //

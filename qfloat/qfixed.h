@@ -50,7 +50,7 @@ inline Fixed toFixed(const Extended& x) {
     return f;
 }
 
-// The value of a non-negative f, cut to 384 bits.  Zero has an all-zero mantissa.
+// The value of a non-negative f, cut to 384 bits. Zero has an all-zero mantissa.
 inline Extended toExtended(const Fixed& f) {
     Extended x;
     limb::copy(f.limb, x.limb);

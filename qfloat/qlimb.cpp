@@ -93,7 +93,7 @@ uint64_t reciprocal(uint64_t d1, uint64_t d0) {
     return v;
 }
 
-// r (n + 1 limbs from r[0]) -= q * d (n limbs); gives d back once where q was one too large.  Returns q.
+// r (n + 1 limbs from r[0]) -= q * d (n limbs); gives d back once where q was one too large. Returns q.
 template <int N> inline uint64_t reduce(uint64_t* r, const uint64_t* d, uint64_t q) {
     uint64_t high = 0;
     for (int i = 0; i < N; ++i) {

@@ -3,7 +3,7 @@
 // Private to qfloat/: arithmetic on 384-bit mantissas held in six 64-bit limbs, least significant first.
 //
 // The eleven mantissa words and the guard word of a working register are exactly six limbs, so a stored
-// number is loaded pairwise (the lower half of limb 0, the guard, is zero).  Internal steps that need more
+// number is loaded pairwise (the lower half of limb 0, the guard, is zero). Internal steps that need more
 // than 352 bits (powers of ten, the elementary functions) keep all 384 and round once at the end.
 #pragma once
 
@@ -312,7 +312,7 @@ inline int leadingZeros(const uint64_t* x) {
     return 64 * COUNT;
 }
 
-// Rounds to 352 bits, half up on the top bit of the guard, and clears the guard.  Returns 1 when the
+// Rounds to 352 bits, half up on the top bit of the guard, and clears the guard. Returns 1 when the
 // mantissa became 1.0; it is then stored as 0.5 and the exponent must be raised by one.
 inline int roundHalfUp(uint64_t* x) {
     const bool wasHigh = x[0] >> 63 != 0;
@@ -326,7 +326,7 @@ inline int roundHalfUp(uint64_t* x) {
 }
 
 // The upper six limbs of the twelve-limb product, z = floor(x * y / 2^384) less at most 6 units: the products
-// of limbs i, j with i + j < 5 (15 of 36) are not formed.  z may be x or y.
+// of limbs i, j with i + j < 5 (15 of 36) are not formed. z may be x or y.
 void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z);
 
 // The same for y = x: squares each cross product once.
@@ -374,18 +374,18 @@ void multiply(const Extended& x, const Extended& y, Extended& z);
 void divide(const Extended& x, const Extended& y, Extended& z);
 
 // z = x + y, and z = x - y for x >= y, within 2 units of the 384-bit mantissa of z (of x for the difference);
-// nothing is rounded, what falls below is cut.  A difference of zero has an all-zero mantissa.
+// nothing is rounded, what falls below is cut. A difference of zero has an all-zero mantissa.
 void add(const Extended& x, const Extended& y, Extended& z);
 void subtract(const Extended& x, const Extended& y, Extended& z);
 
 // -1, 0, 1 as x < y, x = y, x > y.
 int compare(const Extended& x, const Extended& y);
 
-// |q| for a q that is not zero, exactly, whatever its normalisation.  An all-zero mantissa stays all zero.
+// |q| for a q that is not zero, exactly, whatever its normalisation. An all-zero mantissa stays all zero.
 void load(const uint32_t* q, Extended& x);
 
-// q = x with the given sign word, rounded half up to 352 bits.  Above the range: the overflow value and
-// merror = 3.  Below it: 0, and merror = underflowCode unless that is 0.
+// q = x with the given sign word, rounded half up to 352 bits. Above the range: the overflow value and
+// merror = 3. Below it: 0, and merror = underflowCode unless that is 0.
 void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q);
 
 // p = 10^n for 0 <= n < 16384, within 2^-376 of its value; exact for n <= 160.

@@ -7,7 +7,7 @@
 // Elsewhere a machine logarithm t is corrected: ln m = t + 2 artanh((m - e^t) / (m + e^t)), whose argument
 // is so small that the series has three or four terms.
 //
-// The second way ends: the logarithm of a number other than 1 is transcendental (Lindemann).  One to a base
+// The second way ends: the logarithm of a number other than 1 is transcendental (Lindemann). One to a base
 // is transcendental too (Gelfond and Schneider) or a quotient of two whole numbers: t / s where x = c^t and
 // b = c^s, and t and s are below 2^16 in magnitude, so that it is no midpoint between two numbers.
 #include "qelem.h"
@@ -27,7 +27,7 @@ namespace {
 
 const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
-// The direct series is used for |m - 1| below this, so that |ln m| is 2^-5 or more where it is not.  The
+// The direct series is used for |m - 1| below this, so that |ln m| is 2^-5 or more where it is not. The
 // argument of artanh is then below 2^-5.89, and 32 terms reach 2^-384.
 constexpr double DIRECT_BELOW = 0.033;
 constexpr int TERMS = 32;
@@ -46,8 +46,8 @@ struct OddReciprocals {
     }
 };
 
-// y = 2 artanh(z) = 2 z (1 + w/3 + w^2/5 + ...) with w = z^2 < 2^-11, for z < 2^-5.89.  Relative error below
-// 2^-378: that of the bracket's fixed-point sum, at most 9 units of 2^-384, and three roundings.  A product
+// y = 2 artanh(z) = 2 z (1 + w/3 + w^2/5 + ...) with w = z^2 < 2^-11, for z < 2^-5.89. Relative error below
+// 2^-378: that of the bracket's fixed-point sum, at most 9 units of 2^-384, and three roundings. A product
 // that comes to the bracket multiplied by w^n is formed without the limbs below 2^-384 / (2^8 w^n); that is 9
 // * 2^-8 of those units.
 void doubleArtanh(const Extended& z, Extended& y) {
@@ -90,7 +90,7 @@ bool ratio(const Extended& a, const Extended& b, Extended& z) {
     return less;
 }
 
-// y = |ln m| for a positive double t near |ln m|.  The error is that of e^t, 2^-378, and |ln m| > 2^-5.
+// y = |ln m| for a positive double t near |ln m|. The error is that of e^t, 2^-378, and |ln m| > 2^-5.
 void correctedLog(const Extended& m, bool below, double t, Extended& y) {
     // Above 1 compare m with e^t; below 1 compare 1 with m e^t.
     Fixed start = {};

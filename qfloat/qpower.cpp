@@ -3,10 +3,10 @@
 // Powers and the factorial.
 //
 // The first way's errors, in units of the last of 384 bits: each product of a power by squaring adds 40 at
-// most.  The logarithm is within 2^-377 of the larger of it and 1, and of itself where it is below 2^-5. With
+// most. The logarithm is within 2^-377 of the larger of it and 1, and of itself where it is below 2^-5. With
 // the product's 2^-378, y ln x is within 2^-376 of the larger of |y| and |y ln x|, or of the latter; that and
 // the exponential's 2^-377 is the power's relative error.
-// The second way ends: x^y is algebraic for our x and y, which are binary fractions.  exactPower finds those
+// The second way ends: x^y is algebraic for our x and y, which are binary fractions. exactPower finds those
 // powers that have few enough bits to be a midpoint; the others are none.
 #include "qelem.h"
 #include "qfloat.h"
@@ -45,10 +45,10 @@ int64_t bitLength(const Wide& x) {
     return length;
 }
 
-// z = |x|^y, cut, where that is a binary fraction of up to 704 bits; x is not 0 and no power of two.  Returns
+// z = |x|^y, cut, where that is a binary fraction of up to 704 bits; x is not 0 and no power of two. Returns
 // false for all that is no midpoint between two numbers.
 //
-// y = n / 2^k for an odd n, or k = 0.  With x = X 2^e for an odd X > 1, a binary fraction x^y is A^n 2^f for
+// y = n / 2^k for an odd n, or k = 0. With x = X 2^e for an odd X > 1, a binary fraction x^y is A^n 2^f for
 // an odd A with A^(2^k) = X (2^k and n have no common factor): k exact square roots give it, and n is
 // positive. A^n has more than n (b - 1) bits for an A of b bits, a midpoint 353.
 bool exactPower(const qfloat x, const qfloat y, Extended& z) {
@@ -146,7 +146,7 @@ void powerByLogarithm(const qfloat x, const qfloat y, qfloat z) {
     expOfProduct(product, below != (y[0] != 0), units, x, y, z);
 }
 
-// z = x^n for n >= 1 by squaring, each product within 2^-379.  The exponent stays below 2^17 n.
+// z = x^n for n >= 1 by squaring, each product within 2^-379. The exponent stays below 2^17 n.
 void powerBySquaring(Extended x, int64_t n, Extended& z) {
     bool empty = true;
     for (;; n >>= 1) {
@@ -163,8 +163,8 @@ void powerBySquaring(Extended x, int64_t n, Extended& z) {
     }
 }
 
-// z = x^n for x > 0, n >= 1.  From `logarithmFrom` upward the errors of the products would add up to whole
-// units; the logarithm's do not.  Returns the units that z may be off.
+// z = x^n for x > 0, n >= 1. From `logarithmFrom` upward the errors of the products would add up to whole
+// units; the logarithm's do not. Returns the units that z may be off.
 uint32_t powerOfMagnitude(const Extended& x, int64_t n, Extended& z) {
     if (n < LOGARITHM_FROM) {
         powerBySquaring(x, n, z);
@@ -284,7 +284,7 @@ void qpow(const qfloat x, const qfloat y, qfloat z) {
 
 namespace {
 
-// n! within 2^-374.  None is a midpoint: the odd part of 86! has 352 bits, that of 87! 358.
+// n! within 2^-374. None is a midpoint: the odd part of 86! has 352 bits, that of 87! 358.
 constexpr uint32_t FACTORIAL_UNITS = 1 << 10;
 
 // y = n! for n >= 2: the factors are gathered into limbs first.

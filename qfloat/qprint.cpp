@@ -2,9 +2,9 @@
 //
 // Number to decimal text.
 //
-// The mantissa y = |q| / 10^k is known within 2^-375 of itself, its fraction so within 2^-371.  Taking the
+// The mantissa y = |q| / 10^k is known within 2^-375 of itself, its fraction so within 2^-371. Taking the
 // digits out multiplies that by 10 each and is else exact: what remains after all of them decides the
-// rounding unless it is nearer to one half than its error.  Then |q| is compared with the midpoint of the two
+// rounding unless it is nearer to one half than its error. Then |q| is compared with the midpoint of the two
 // texts, as whole numbers.
 #include "qexact.h"
 #include "qfloat.h"
@@ -34,7 +34,7 @@ void toFixed(Extended& y) {
     limb::shiftDown(y.limb, static_cast<int>(4 - y.exponent));
 }
 
-// Finds the decimal exponent k and the mantissa y = x / 10^k in [1, 10).  An x within y's error of a power of
+// Finds the decimal exponent k and the mantissa y = x / 10^k in [1, 10). An x within y's error of a power of
 // ten may get either exponent: its digits, zeros or nines, round to the same text.
 void findMantissa(const Extended& x, int& k, Extended& y) {
     k = estimateExponent(x);

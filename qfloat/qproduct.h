@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Private to qfloat/: products of limb arrays whose sizes are known when the program is compiled.  A product
+// Private to qfloat/: products of limb arrays whose sizes are known when the program is compiled. A product
 // is formed column by column (column k holds the products of limbs i and j with i + j = k), so that the
 // columns that a caller does without cost nothing.
 #pragma once
@@ -26,7 +26,7 @@ struct Column {
         high += carry;
     }
 
-    // Add for a y in memory.  Compilers move each carry through a register of its own; the processor's chain
+    // Add for a y in memory. Compilers move each carry through a register of its own; the processor's chain
     // of additions with carry takes two thirds of the instructions.
     void AddStored(uint64_t x, const uint64_t& y) {
 #if TALLYQUILL_INT128 && defined(__x86_64__)
@@ -100,7 +100,7 @@ inline void addColumns(const uint64_t* x, const uint64_t* y, uint64_t* z, std::i
 } // namespace detail
 
 // z = limbs KEPT .. X + Y - 1 of the product of x (X limbs) and y (Y limbs), without the columns below FIRST,
-// KEPT >= FIRST.  Exact for FIRST = 0.  z may be x or y where KEPT is at least X and Y: the limbs that it
+// KEPT >= FIRST. Exact for FIRST = 0. z may be x or y where KEPT is at least X and Y: the limbs that it
 // takes are then no longer needed.
 template <int X, int Y, int FIRST, int KEPT>
 inline void product(const uint64_t* x, const uint64_t* y, uint64_t* z) {

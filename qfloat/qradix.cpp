@@ -47,8 +47,8 @@ private:
 };
 
 // Leaves in ac1 the integer part of |x|, two's complemented where that applies, shifted so that word 2 begins
-// with its topmost bits and words 3, 4, ... hold the following chunks of 32 bits.  Sets `negative` to whether
-// a minus sign is due.  Returns the index of the top bit, below `smallestShown` when the integer part is 0.
+// with its topmost bits and words 3, 4, ... hold the following chunks of 32 bits. Sets `negative` to whether
+// a minus sign is due. Returns the index of the top bit, below `smallestShown` when the integer part is 0.
 int64_t shiftInteger(const qfloat x, bool twos, bool& negative) {
     qmovz(x, ac4);
     ac4[0] = 0;
@@ -132,7 +132,7 @@ void qtobin(const qfloat x, char* buffer, bool twos) {
 
 namespace {
 
-// Normalises ac2 and takes the shift off its exponent.  Returns false when the result is settled: zero, or
+// Normalises ac2 and takes the shift off its exponent. Returns false when the result is settled: zero, or
 // out of range.
 bool settle(qfloat c) {
     if (normlz(ac2) != 0) {

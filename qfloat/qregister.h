@@ -3,7 +3,7 @@
 // Private to qfloat/: the working registers and the mantissa primitives.
 //
 // A working register is a qfloat of 14 words followed by a guard word (word 14), which takes the bits shifted
-// out below the mantissa and decides rounding.  Word 2 receives the carries out of the mantissa.  The shifts
+// out below the mantissa and decides rounding. Word 2 receives the carries out of the mantissa. The shifts
 // and sums work on words 2..14.
 #pragma once
 
@@ -20,7 +20,7 @@ extern int32_t SC; // shift count: left by normlz for its callers, consumed by s
 
 // 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be
 // added
-// up, 1 after qsub and 0 after qadd.  qlogic's rounding reads it.  The elementary and circular functions do
+// up, 1 after qsub and 0 after qadd. qlogic's rounding reads it. The elementary and circular functions do
 // not add numbers up and leave it alone.
 extern char subflg;
 
@@ -43,7 +43,7 @@ void xorm(const uint32_t* x, uint32_t* y);
 // Compares words 2..13: 1 when x > y, 0 when equal, -1 when x < y.
 int cmpm(const uint32_t* x, const uint32_t* y);
 
-// y's mantissa = x's * y's, cut below the guard word, then mdnorm(y).  Here and in mulin the high and guard
+// y's mantissa = x's * y's, cut below the guard word, then mdnorm(y). Here and in mulin the high and guard
 // words of x and y do not take part.
 void mulm(const uint32_t* x, uint32_t* y);
 
@@ -51,8 +51,8 @@ void mulm(const uint32_t* x, uint32_t* y);
 void mulin(const uint32_t* x, uint32_t* y);
 
 // y's mantissa = y's / x's, on the scale where equal mantissas give 1/4, then mdnorm(y), which lowers y's
-// exponent by the normalising shift.  x is taken as if normalised; its guard word and y's high word do not
-// take part.  A zero x leaves y as it is.
+// exponent by the normalising shift. x is taken as if normalised; its guard word and y's high word do not
+// take part. A zero x leaves y as it is.
 void divm(const uint32_t* x, uint32_t* y);
 
 // Normalises and rounds after a multiplication or division: up to three shifts by one bit either way,
@@ -60,6 +60,6 @@ void divm(const uint32_t* x, uint32_t* y);
 // merror = 3 when the exponent would pass 0xFFFF (it becomes 0x10000), 4 when it is 0 and would fall.
 void mdnorm(uint32_t* r);
 
-// Normalises the mantissa and leaves in SC what the caller subtracts from the exponent.  Returns 1 when the
+// Normalises the mantissa and leaves in SC what the caller subtracts from the exponent. Returns 1 when the
 // mantissa is all zero.
 int normlz(uint32_t* r);

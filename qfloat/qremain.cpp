@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The remainder: long division of the magnitudes, 64 quotient bits a step, keeping the remainder only.  A
+// The remainder: long division of the magnitudes, 64 quotient bits a step, keeping the remainder only. A
 // quotient of thousands of bits would take hundreds of steps; there the power of two between the operands is
 // reduced first, by squaring.
 #include "qelem.h"
@@ -33,7 +33,7 @@ public:
     }
 
 private:
-    // r = wide (COUNT + 1 limbs, below d * 2^64) modulo d; r may be the place of wide.  The quotient digit,
+    // r = wide (COUNT + 1 limbs, below d * 2^64) modulo d; r may be the place of wide. The quotient digit,
     // estimated from the divisor's top limb alone, is at most two too large.
     void Reduce(const uint64_t* wide, uint64_t* r) const {
         const uint64_t highest = wide[COUNT];
@@ -55,7 +55,7 @@ private:
 };
 
 // Arithmetic modulo an odd d of up to 352 bits, by Montgomery's products x y / 2^384: a multiple of d makes
-// the lower half of x y zero.  For x and y below 2^354 a product is below d + 2^324.
+// the lower half of x y zero. For x and y below 2^354 a product is below d + 2^324.
 class OddModulus {
 public:
     explicit OddModulus(const uint64_t* divisor) : d(divisor), v(NegativeInverse(divisor[0])) {}

@@ -13,8 +13,8 @@ namespace limb {
 enum class Signs { Alternating, Equal };
 
 // `steps` steps sum = c + x * sum, or c - x * sum when alternating; all of n limbs (1 .. 6), fractions in
-// units of 2^(-64 n), as are the sums.  The first step takes the c given, each next one that `stride` limbs
-// before.  Each product is cut by less than n + 1 units.
+// units of 2^(-64 n), as are the sums. The first step takes the c given, each next one that `stride` limbs
+// before. Each product is cut by less than n + 1 units.
 template <Signs SIGNS>
 void hornerSteps(const uint64_t* x, const uint64_t* c, int stride, int steps, uint64_t* sum, int n);
 

@@ -2,11 +2,11 @@
 //
 // The square root.
 //
-// For m in [1/4, 1), R = 1 / (2 sqrt m) lies in (1/2, 1].  From a machine number a little below R,
+// For m in [1/4, 1), R = 1 / (2 sqrt m) lies in (1/2, 1]. From a machine number a little below R,
 //   R <- R + 2 R (1/4 - m R^2)
 // doubles the number of right bits without a division: with R = (1 - e) / (2 sqrt m), the next e is 1.5 e^2
-// less e^3 / 2.  It never passes the root, so that every difference is non-negative: what is cut is smaller
-// than 1.5 e^2 each time.  Each step multiplies only the limbs that it needs:
+// less e^3 / 2. It never passes the root, so that every difference is non-negative: what is cut is smaller
+// than 1.5 e^2 each time. Each step multiplies only the limbs that it needs:
 //
 //   R of   e
 //   1 limb     2^-51 .. 2^-49        the machine's root; see reciprocalRootEstimate
@@ -33,7 +33,7 @@ namespace {
 // How far `root` may stay below the root, in units of its last limb.
 constexpr uint64_t ROOT_ERROR = 6;
 
-// R as a fraction of one limb.  m cut to 51 bits or more makes R too large by up to 2^-52 of itself, the
+// R as a fraction of one limb. m cut to 51 bits or more makes R too large by up to 2^-52 of itself, the
 // machine's three roundings change it by up to 2^-53 each, and the last cut takes up to 2^-52 off: the factor
 // 1 - 9 * 2^-53 puts it between 4 and 14 times 2^-53 below the true R.
 uint64_t reciprocalRootEstimate(uint64_t m) {
@@ -127,7 +127,7 @@ void sqrt(const Extended& x, Extended& y) {
 } // namespace elem
 
 // The nearest number: where the error of the root leaves it open on which side of c = a number and a half
-// unit it lies, c^2 is compared with m.  (No root is such a c itself: c has 353 bits, and the square of an
+// unit it lies, c^2 is compared with m. (No root is such a c itself: c has 353 bits, and the square of an
 // odd number of 353 bits has more than m's.)
 void qsqrt(const qfloat x, qfloat y) {
     elem::Extended value;

@@ -32,7 +32,7 @@ class MantissaReader {
 public:
     MantissaReader(const char* text, int base, int bits) : p(text), radix(base), bitsPerDigit(bits) {}
 
-    // Returns false on a syntax error.  Afterwards `position` is behind the mantissa (and its 'e').
+    // Returns false on a syntax error. Afterwards `position` is behind the mantissa (and its 'e').
     bool Read(Mantissa& m);
     const char* Position() const { return p; }
 
@@ -155,7 +155,7 @@ bool MantissaReader::Read(Mantissa& m) {
     return true;
 }
 
-// Reads "-", "+" (in this order) and digits.  Returns 0, or +1 / -1 when the number over- or underflows
+// Reads "-", "+" (in this order) and digits. Returns 0, or +1 / -1 when the number over- or underflows
 // because a digit follows an exponent of 3276 or more.
 int readExponent(const char* p, int& exponent) {
     const bool negative = *p == '-';

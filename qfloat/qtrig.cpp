@@ -2,11 +2,11 @@
 //
 // Sine, cosine, tangent.
 //
-// The first way: the reduced angle, its sine and cosine are within 2^-379 each.  The tangent magnifies the
+// The first way: the reduced angle, its sine and cosine are within 2^-379 each. The tangent magnifies the
 // angle's error by 1.6 at most and takes the cosine from the sine s: it is within 1.8 * 2^-379 and the error
-// of s, which s^2 / (1 - s^2) <= 1 does not magnify.  The quotient adds 2^-378.  In all that is below 2^-376,
+// of s, which s^2 / (1 - s^2) <= 1 does not magnify. The quotient adds 2^-378. In all that is below 2^-376,
 // CIRCULAR_UNITS.
-// The second way ends: of an angle in radians other than 0 the results are transcendental (Lindemann).  Of a
+// The second way ends: of an angle in radians other than 0 the results are transcendental (Lindemann). Of a
 // binary fraction of degrees they are algebraic, and rational only where they are 0, 1/2, 1 or a pole
 // (Niven); those are numbers, so that no result is a midpoint.
 #include "qtrig.h"

@@ -31,7 +31,7 @@ struct Reduced {
     unsigned quadrant; // 0 .. 3
 };
 
-// Reduces x > 0, x.exponent <= 2^15.  The magnitude is within 2^-379 of the true one, relative to itself,
+// Reduces x > 0, x.exponent <= 2^15. The magnitude is within 2^-379 of the true one, relative to itself,
 // however close x comes to a multiple of pi/2.
 Reduced reduceAngle(const Extended& x);
 

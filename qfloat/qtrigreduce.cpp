@@ -62,7 +62,7 @@ int leadingZerosLong(const uint64_t* p, int length) {
 }
 
 // Splits x * 2/pi, whose top `integerBits` + 64 bits in p are integer, into the nearest integer modulo 4 and
-// a fraction f, |f| <= 1/2.  Returns the number of zero bits between f's point and its first bit.
+// a fraction f, |f| <= 1/2. Returns the number of zero bits between f's point and its first bit.
 int splitQuadrant(uint64_t* p, int length, int integerBits, Reduced& f) {
     shiftUpLong(p, length, integerBits + 62); // two integer bits stay, on top
     uint64_t& top = p[length - 1];

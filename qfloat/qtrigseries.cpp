@@ -6,13 +6,13 @@
 // ...))) are evaluated from the inside out.
 //
 // The inner sums are below 1.06 / n! of their first term, so that no sum or carry reaches a limb that is zero
-// in 1/n!: those limbs are left out.  A product that comes to the result multiplied by z^k, z < 2^-e, is
+// in 1/n!: those limbs are left out. A product that comes to the result multiplied by z^k, z < 2^-e, is
 // formed without the limbs below 2^-384 * 2^(e k - 8), which takes at most 9 * 2^-8 units of 2^-384 from the
 // result, and nothing for z >= 1/2; all of them take less than 1.3 units.
 // Each product is cut by at most 6 units, which z damps from step to step, and z itself by 7 units, so a sum
-// is within 7 / (1 - z) + 3.4 units for the cosine, 7 / (1 - z) + 1.2 for the sine.  The parts 1 - ... are
+// is within 7 / (1 - z) + 3.4 units for the cosine, 7 / (1 - z) + 1.2 for the sine. The parts 1 - ... are
 // above 0.7 for the cosine, 0.9 for the sine, whose product with x takes 7 units of 2^-384 more, relative to
-// x.  The relative error so stays below 2^-379.
+// x. The relative error so stays below 2^-379.
 #include "qelem.h"
 #include "qseries.h"
 #include "qtrigcore.h"

@@ -136,7 +136,7 @@ Wide operator-(Wide x) {
 }
 
 // Of the columns below the n limbs that are kept, two are formed: the others would add less than 2^-60 of the
-// last bit.  Nothing is lost where both mantissas end within n + 2 limbs taken together.
+// last bit. Nothing is lost where both mantissas end within n + 2 limbs taken together.
 Wide operator*(const Wide& x, const Wide& y) {
     const size_t n = x.Width();
     Wide z(0, n + 2);

@@ -4,14 +4,14 @@
 //
 // The first way works with 384 bits and a proven bound; where the bits behind the 352 do not tell to which
 // side of the midpoint between two numbers the true value belongs, it is computed once more here, and with
-// twice as many limbs each time until it is clear (decided()).  Speed matters little here, so there is one
+// twice as many limbs each time until it is clear (decided()). Speed matters little here, so there is one
 // plain series for each family and no table.
 //
-// Errors.  With n limbs let u = 2^(2 - 64 n).  Sums of two numbers of one sign and products have a relative
+// Errors. With n limbs let u = 2^(2 - 64 n). Sums of two numbers of one sign and products have a relative
 // error below u, quotients by a limb 2 u, quotients and roots 8 u; a difference loses u times the larger
-// operand.  The functions add up at most 2^12 terms at 14 limbs, cancel at most four bits and magnify an
+// operand. The functions add up at most 2^12 terms at 14 limbs, cancel at most four bits and magnify an
 // error by 2^15 (the exponential's argument) and 2^8 (its squarings): the result is right to 2^(60 - 64 n)
-// relative, and doubling the limbs doubles the terms.  decided() gives the whole lowest limb away for that.
+// relative, and doubling the limbs doubles the terms. decided() gives the whole lowest limb away for that.
 #pragma once
 
 #include "qlimb.h"
@@ -27,7 +27,7 @@ using limb::Extended;
 constexpr size_t FIRST_WIDTH = 14;
 
 // 0.m * 2^exponent with the mantissa m in limbs, least significant first; the top bit is set, or all bits are
-// zero for zero.  Operands of one operation have the same width.
+// zero for zero. Operands of one operation have the same width.
 struct Wide {
     std::vector<uint64_t> limb;
     int64_t exponent;
@@ -76,7 +76,7 @@ Wide arctangent(const Wide& n, const Wide& d); // arctan(n / d) for n, d > 0
 Wide cosineOfArcsine(const Wide& a);           // the root of 1 - a^2, 0 < a < 1
 
 // The leading 384 bits, cut, of a value that is computed with more and more limbs until it is clear to which
-// 352-bit number it rounds.  The value must not be a midpoint between two numbers.
+// 352-bit number it rounds. The value must not be a midpoint between two numbers.
 Extended decided(const std::function<Wide(size_t width)>& value);
 
 // The leading 384 bits of x, cut.

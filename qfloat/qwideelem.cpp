@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The elementary functions with any number of limbs, by their series.  A series ends when a term falls below
+// The elementary functions with any number of limbs, by their series. A series ends when a term falls below
 // the last bit of its first one; what follows is less than that term.
 #include "qwide.h"
 
@@ -104,7 +104,7 @@ Wide exp(const Wide& x) {
 }
 
 // x = 2^e m with 2/3 <= m < 4/3; ln m = 2 artanh((m - 1) / (m + 1)), whose argument is exact to the last bit
-// and 1/5 at most.  Where e is not 0, |e ln 2| > 2 |ln m| and at most two bits cancel.
+// and 1/5 at most. Where e is not 0, |e ln 2| > 2 |ln m| and at most two bits cancel.
 Wide log(const Wide& x) {
     const Wide one(1, x.Width());
     Wide m = x;
@@ -119,7 +119,7 @@ Wide power(const Wide& x, const Wide& y) {
 }
 
 // x - k pi/2 has an error of 2^(exponent + 16 - 64 width) at most: the width is raised until that leaves
-// enough bits of it.  (A number of 352 bits comes as close to a multiple of pi/2 as 2^-368, so the first try
+// enough bits of it. (A number of 352 bits comes as close to a multiple of pi/2 as 2^-368, so the first try
 // suffices.)
 SineCosine circular(const Wide& x) {
     if (x.exponent < 0) return series(x, Kind::Circular);

@@ -3,7 +3,7 @@
 """Writes qfloat/qconst.cpp: the constants of the number type as word tables.
 
 Everything is exact integer arithmetic on BITS binary places (pi by Machin's formula, ln 2 and Euler's
-constant by series, roots by isqrt), rounded once at the end.  The test suite recomputes each word with MPFR.
+constant by series, roots by isqrt), rounded once at the end. The test suite recomputes each word with MPFR.
 
 usage: scripts/make_constants.py > qfloat/qconst.cpp
 """
@@ -116,7 +116,7 @@ CONSTANTS = [
 
 print("// SPDX-License-Identifier: MIT")
 print("//")
-print("// The constants as words.  Written by scripts/make_constants.py; change that, not this file.")
+print("// The constants as words. Written by scripts/make_constants.py; change that, not this file.")
 print("// clang-format off")
 print('#include "qlimb.h"')
 print('#include "qfloat.h"')
@@ -132,7 +132,7 @@ for i in range(0, 32, 8):
     print("    " + ", ".join("0x%08X" % ((0xFFFFFFFF << k) & 0xFFFFFFFF) for k in range(i, i + 8))
           + ("," if i < 24 else ""))
 print("};")
-print("\nconst limb::Extended limb::tens[14] = {")
+print("\nconst limb::Extended limb::TENS[14] = {")
 for i in range(14):
     m, e = round_to(Fraction(10) ** (2 ** i), 384)
     limbs = [(m >> (64 * k)) & 0xFFFFFFFFFFFFFFFF for k in range(6)]

@@ -3,7 +3,7 @@
 """Writes qfloat/qtables.cpp: the tables of the elementary functions.
 
 Everything is exact integer arithmetic (pi by Machin's formula on BITS binary places, exponentials by their series
-on 512 places), rounded once at the end.  The test suite recomputes every limb with MPFR.
+on 512 places), rounded once at the end. The test suite recomputes every limb with MPFR.
 
 usage: scripts/make_tables.py > qfloat/qtables.cpp
 """

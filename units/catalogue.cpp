@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The catalogue.  Its factors are the texts shown here, with their own precision: people compare results, so
+// The catalogue. Its factors are the texts shown here, with their own precision: people compare results, so
 // none is to be replaced by a better value.
 #include "unitlist.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The known units and prefixes, and how a name is found among them.  Private to the unit library.
+// The known units and prefixes, and how a name is found among them. Private to the unit library.
 #pragma once
 
 #include "units.h"
@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-// A primitive name and how often it occurs: above the '/', or below it with a negative count; never 0.  Each
+// A primitive name and how often it occurs: above the '/', or below it with a negative count; never 0. Each
 // name is stored once, so that equal names have equal addresses.
 struct UnitPower {
     const std::string* name;
@@ -47,17 +47,17 @@ struct UnitReading {
     const Unit* found = nullptr; // the unit of the name, where it was looked for and there is one
 };
 
-// All units and prefixes.  What adds to them throws std::bad_alloc without memory and has then changed
+// All units and prefixes. What adds to them throws std::bad_alloc without memory and has then changed
 // nothing.
 class UnitTable {
 public:
     std::vector<UnitPrefix> prefixes;
     UnitsUndo record;              // see units_record_changes
-    mutable uint64_t compared = 0; // look-ups and prefixes compared.  Tests hold it against the look-ups
+    mutable uint64_t compared = 0; // look-ups and prefixes compared. Tests hold it against the look-ups
 
     bool IsEmpty() const { return units.empty(); }
 
-    // Adds a unit under a name that none has.  False, with a message, when the definition cannot be reduced,
+    // Adds a unit under a name that none has. False, with a message, when the definition cannot be reduced,
     // and without one when all units together would have too many names.
     bool Define(std::string_view name, const char* definition, const UnitsCharge& charge = {});
 
@@ -99,7 +99,7 @@ constexpr int32_t MAX_EXPONENT = 1000;
 bool isLettersOnly(std::string_view name); // false for an empty name
 
 // Reduces a unit expression with the units that exist at the moment; none, and the error state set, on
-// failure.  Throws std::bad_alloc.  The text "-primitive" has the factor 1 and no names.
+// failure. Throws std::bad_alloc. The text "-primitive" has the factor 1 and no names.
 std::optional<ReducedUnit> reduceUnit(const char* text, const UnitsCharge& charge = {});
 
 // --- The catalogue ---
@@ -122,6 +122,6 @@ enum CatalogueTable {
 using CatalogueTables = std::array<const TextPair*, NON_SI_ABBREVIATIONS + 1>;
 extern const CatalogueTables CATALOGUE_TABLES;
 
-// Adds the tables' entries in their order; a definition may only use names that come earlier.  0 on success;
+// Adds the tables' entries in their order; a definition may only use names that come earlier. 0 on success;
 // at the first entry that fails, also where memory ends, it stops with 1 and the message set.
 int buildCatalogue(const CatalogueTables& tables);
