@@ -197,9 +197,11 @@ void qround(const qfloat x, qfloat y) {
     qmov(floor, y);
 }
 
+namespace {
+
 // Whether a number from 1 to 2^300 is far from every whole one: the 32 bits behind its point are neither all
 // zeros nor all ones.
-static bool isFarFromWhole(const qfloat x) {
+bool isFarFromWhole(const qfloat x) {
     const int64_t wholeBits = int64_t{x[1]} - EXPONENT_BIAS;
     if (wholeBits < 1 || wholeBits > 300) return false;
     uint64_t bits[COUNT];
@@ -210,10 +212,12 @@ static bool isFarFromWhole(const qfloat x) {
 }
 
 // A multiple of 2^-63 from 1 on: whole, or far from it.
-static bool isMultiple(const qfloat x) {
+bool isMultiple(const qfloat x) {
     const uint32_t bits = x[1] - EXPONENT_BIAS;
     return bits >= 1 && bits <= 64 && std::all_of(x + 5, x + 14, [](uint32_t word) { return word == 0; });
 }
+
+} // namespace
 
 void qfixintegers(qfloat x) {
     if (isMultiple(x) || isFarFromWhole(x)) {
