@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The definitions file, pelmo_functions.txt: a person's functions, variables, units and history, from one run
-// to the next. Both front ends write and read it here. It is text, one
-// definition or entry a line:
+// to the next. Both front ends write and read it here. It is text, one definition or entry a line:
 //
 //   ### FUNCTIONS ###
 //   square(x)=x^2
@@ -49,19 +48,16 @@ struct DefinitionsRead {
 // first line is left out; each further one up to the one that begins with "### HISTORY" is evaluated without
 // its comment ('#' and what follows), and the lines behind that one join the history.
 // - A line defines a function ("f(x)=..."), a variable ("a=...") or a unit ("unit u=..."). Anything else, a
-// command
-//   word or an expression, has no effect.
+//   command word or an expression, has no effect.
 // - Lines may be in any order: a definition is read after those that it uses. Functions may use those that
-// were
-//   deleted, and each other in a circle.
+//   were deleted, and each other in a circle.
 // - A function that carries the name of a predefined one takes its place: its owner had deleted that one.
 // - A variable that already shows the value in the file keeps its own, which may have more digits (pi).
 // - A unit that was defined by the same line before is not defined again; one that another line has defined
 //   before is defined anew.
 // - The work of evaluating lines is counted and has a limit, for one line and for all of them: some tenths of
-// a
-//   second. Reading each line of fewer than TEXT_SIZE characters once has none. A variable or
-//   a unit whose line is longer takes too long, whatever it says.
+//   a second. Reading each line of fewer than TEXT_SIZE characters once has none. A variable or a unit whose
+//   line is longer takes too long, whatever it says.
 // Settings for entries (european, tenKey, fullEntry, interruptCheck) do not count, and afterwards they, the
 // texts, the result, the status and the interrupted flag are what they were before; target is "ans".
 DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, System& system = System::Real());

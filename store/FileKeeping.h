@@ -57,8 +57,8 @@ void removeLeftovers(const std::string& path, System& system = System::Real());
 
 // As long as it lives, no other program has the lock of the same file: to read the file, change what was read
 // and write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of
-// its own,
-// ".NAME.lock" in the same folder, which stays. The lock of a symbolic link is that of the file it leads to.
+// its own, ".NAME.lock" in the same folder, which stays. The lock of a symbolic link is that of the file it
+// leads to.
 class FileLock {
 public:
     // Waits until other programs have given it back, LOCK_SECONDS at most.

@@ -7,8 +7,6 @@
 #include "ScreenText.h"
 
 #include <algorithm>
-#include <climits>
-#include <sstream>
 
 namespace {
 
@@ -57,31 +55,6 @@ std::vector<std::string> cellsOf(std::string_view row) {
         row.remove_prefix(std::min(end + 1, row.size()));
     }
     return cells;
-}
-
-size_t columnsOf(std::string_view text) {
-    return static_cast<size_t>(placeBehind(text, {}, INT_MAX).column);
-}
-
-// The column in which the text's last line ends.
-size_t columnBehind(const std::string& text) {
-    return columnsOf(std::string_view(text).substr(text.rfind('\n') + 1));
-}
-
-// Adds the words, with line ends where a line would be wider than `width`. Such a line begins with `indent`
-// blanks.
-void addWords(std::string& text, const std::string& words, size_t indent, size_t width) {
-    std::istringstream each(words);
-    size_t column = columnBehind(text);
-    bool isFirst = true;
-    for (std::string word; each >> word; isFirst = false) {
-        const size_t size = columnsOf(word);
-        const bool isFull = !isFirst && column + 1 + size > width;
-        if (isFull) text += "\n" + std::string(indent, ' ');
-        if (!isFull && !isFirst) text += ' ';
-        column = isFull ? indent + size : column + size + (isFirst ? 0 : 1);
-        text += word;
-    }
 }
 
 // The rows with their cells below each other, without the line of dashes below the head. A cell that would

@@ -9,6 +9,7 @@
 #include "Keyboard.h"
 #include "PromptFiles.h"
 #include "PromptWords.h"
+#include "ScreenText.h"
 #include "Session.h"
 #include "ShownText.h"
 #include "TypedSigns.h"
@@ -19,6 +20,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <sys/ioctl.h>
@@ -33,6 +35,11 @@ constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
 // One byte more than an entry may have tells an overlong line apart.
 constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
+
+int widthOf(int screen) {
+    winsize size = {};
+    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
 
 class Prompt : public PromptHost {
 public:
@@ -52,6 +59,7 @@ private:
     Session::Outcome AnswerWord(const std::string& line);
     std::string WithHelp(const std::string& error) const;
     std::string AsHint(const std::string& text) const;
+    std::string Filled(const std::string& text) const;
 
     Session& session;
     PromptFiles& files;
@@ -123,18 +131,13 @@ Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
     const bool isDefinition = calc.status == STATUS_MESSAGE && *calc.message != '\0';
     const bool isComputed = calc.status == STATUS_RESULT || isDefinition; // an echoed text is not
     if (outcome != Session::Outcome::Answered || screen < 0 || !isComputed) return outcome;
-    return writeAll(screen, AsHint(notes.For(line))) ? outcome : Session::Outcome::OutputLost;
-}
-
-int columnsOf(int screen) {
-    winsize size = {};
-    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+    return writeAll(screen, AsHint(Filled(notes.For(line)))) ? outcome : Session::Outcome::OutputLost;
 }
 
 // The prompt's own words, which begin with ':'.
 Session::Outcome Prompt::AnswerWord(const std::string& line) {
     const PromptReply reply =
-        runPromptWord({session.Calculator(), files.Settings(), files.History(), columnsOf(screen)}, line);
+        runPromptWord({session.Calculator(), files.Settings(), files.History(), widthOf(screen)}, line);
     files.NoteChange();
     if (reply.kind == PromptReply::END) return Session::Outcome::Ended;
     if (reply.kind == PromptReply::ERROR) return session.RefuseEntry(line, reply.text);
@@ -145,13 +148,22 @@ std::string Prompt::AsHint(const std::string& text) const {
     return options.hasColors ? colored(Shade::Hint, shownText(text)) : shownText(text);
 }
 
+// The text broken between words: on a narrow screen a number must not look like two.
+std::string Prompt::Filled(const std::string& text) const {
+    std::istringstream each(text);
+    std::string filled;
+    for (std::string line; std::getline(each, line); filled += '\n')
+        addWords(filled, line, 0, static_cast<size_t>(widthOf(screen)));
+    return filled;
+}
+
 // The error with a mark above it, below the entry, and a line that may help below it.
 std::string Prompt::WithHelp(const std::string& error) const {
     ZqCalculator& calc = session.Calculator();
     if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
     const std::string mark =
-        markUnder(current, calc.errorRange, lines->PromptIndent() + PROMPT_WIDTH, columnsOf(screen));
-    return AsHint(mark) + error + AsHint(hintAfterError(current, calc));
+        markUnder(current, calc.errorRange, lines->PromptIndent() + PROMPT_WIDTH, widthOf(screen));
+    return AsHint(mark) + error + AsHint(Filled(hintAfterError(current, calc)));
 }
 
 std::string Prompt::PreviewOf(const std::string& entry) {

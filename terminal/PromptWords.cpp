@@ -8,6 +8,7 @@
 #include "Guide.h"
 #include "Helpers_String.h"
 #include "Hints.h"
+#include "ScreenText.h"
 #include "units.h"
 
 #include <algorithm>
@@ -29,11 +30,13 @@ bool containsI(std::string_view text, std::string_view part) {
 }
 
 // "  left      right", the right texts below each other.
-std::string twoColumns(std::string_view left, std::string_view right) {
-    constexpr size_t COLUMN = 26;
-    if (right.empty()) return "  " + std::string(left) + "\n";
-    const size_t padding = left.size() < COLUMN ? COLUMN - left.size() : 2;
-    return "  " + std::string(left) + std::string(padding, ' ') + std::string(right) + "\n";
+std::string twoColumns(std::string_view left, const std::string& right) {
+    constexpr size_t COLUMN = 28;
+    std::string text = "  " + std::string(left);
+    if (right.empty()) return text + "\n";
+    text.resize(text.size() < COLUMN ? COLUMN : text.size() + 2, ' ');
+    addWords(text, right, COLUMN, WIDTH);
+    return text + "\n";
 }
 
 std::string callOf(const Builtin& builtin) {

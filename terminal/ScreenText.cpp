@@ -4,11 +4,13 @@
 #include "ShownText.h"
 
 #include <algorithm>
+#include <climits>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
 #include <langinfo.h>
+#include <sstream>
 
 namespace {
 
@@ -47,6 +49,28 @@ ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width) {
         i += character.size();
     }
     return place;
+}
+
+size_t columnsOf(std::string_view text) {
+    return static_cast<size_t>(placeBehind(text, {}, INT_MAX).column);
+}
+
+size_t columnBehind(const std::string& text) {
+    return columnsOf(std::string_view(text).substr(text.rfind('\n') + 1));
+}
+
+void addWords(std::string& text, const std::string& words, size_t indent, size_t width) {
+    std::istringstream each(words);
+    size_t column = columnBehind(text);
+    bool isFirst = true;
+    for (std::string word; each >> word; isFirst = false) {
+        const size_t size = columnsOf(word);
+        const bool isFull = !isFirst && column + 1 + size > width;
+        if (isFull) text += "\n" + std::string(indent, ' ');
+        if (!isFull && !isFirst) text += ' ';
+        column = isFull ? indent + size : column + size + (isFirst ? 0 : 1);
+        text += word;
+    }
 }
 
 std::string withoutMarkedParts(std::string_view text) {

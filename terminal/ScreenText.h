@@ -22,6 +22,14 @@ struct ScreenPlace {
 // go to the next multiple of eight, and a wide character that does not fit begins the next row.
 ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width);
 
+// The columns of one line of text, and those of the last line of several.
+size_t columnsOf(std::string_view text);
+size_t columnBehind(const std::string& text);
+
+// Adds the words of a line to a text, with line ends where a line would be wider than `width`. Such a line
+// begins with `indent` blanks.
+void addWords(std::string& text, const std::string& words, size_t indent, size_t width);
+
 // The text without what no screen shows: each "\001...\002".
 std::string withoutMarkedParts(std::string_view text);
 

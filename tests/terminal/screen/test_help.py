@@ -33,6 +33,14 @@ class Help(ScreenTest):
         console.ends_with("** ERROR 7: invalid", "term = wdth **", ">")
         self.assertFalse(any("^" in row for row in console.rows()))
 
+    def test_hints_and_notes_are_broken_between_words(self):
+        console = self.start(width=40)
+        self.type(console, "2^3^2")
+        console.shows("> 2^3^2", "ans = 64", "powers are taken from left to right:", "2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512", ">")
+        self.type(console, "help")
+        console.ends_with("** ERROR 7: invalid term = help **", ":help explains the calculator, :vars", "lists the variables, :quit ends the",
+                          "program", ">")
+
     def test_a_note_on_powers_is_given_once(self):
         console = self.start()
         note = "powers are taken from left to right: 2^3^2 is (2^3)^2 = 64; 2^(3^2) is 512"
