@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+//
+// Scripts that are replayed: their lines, and what ends or delays them.
+#import "script_fixture.h"
+
+#include <chrono>
+
+class Replaying : public ScriptTest {};
+
+TEST_F(Replaying, AReplayShowsAnswersAndEndsWithAPrompt) {
+    EXPECT_EQ(Replay("x=5\nx*2\n"), "\nx = 5\nans = 10\n\n> ");
+    EXPECT_EQ(Entry(), "");
+    EXPECT_EQ(g_linestart, static_cast<int32_t>([[console string] length]));
+}
+
+TEST_F(Replaying, LinesThatBeginWithANumberSignAreNeverExecuted) {
+    Replay("# x=1\n#x=2\n###\n### HISTORY ###\n#");
+    EXPECT_EQ(calc.VariableExists("x"), nullptr);
+    EXPECT_EQ(calc.history.count, 0);
+}
+
+TEST_F(Replaying, ACommentBehindAnEntryIsLeftOut) {
+    Replay("x=5 # five\n");
+    EXPECT_EQ(Variable("x"), "5");
+}
+
+TEST_F(Replaying, ABlankLineIsNoEntry) {
+    Replay("x=5\nx=x+1\n\n  \t\n\r\n");
+    EXPECT_EQ(Variable("x"), "6");
+}
+
+TEST_F(Replaying, LineEndsOfOtherSystemsAndTheLastLineWithoutOne) {
+    Replay("x=5\r\nclear\r\ny=7");
+    EXPECT_EQ(Variable("x"), "5");
+    EXPECT_EQ(Variable("y"), "7");
+}
+
+TEST_F(Replaying, AByteOrderMarkIsNoText) {
+    EXPECT_EQ(Replay("\xEF\xBB\xBF# note\nx=5\n"), "\nx = 5\n\n> ");
+    EXPECT_EQ(Replay("\xEF\xBB\xBFx=6\n"), "\nx = 6\n\n> ");
+    EXPECT_EQ(Replay("\xEF\xBB\xBF"), "\n\n> ");
+    Replay("x=x+1\n");
+    Replay("\xEF\xBB\xBF\n");
+    EXPECT_EQ(Variable("x"), "7"); // the blank line repeated nothing
+}
+
+TEST_F(Replaying, AnEmptyFileGivesANewPrompt) {
+    EXPECT_EQ(Replay(""), "\n\n> ");
+    EXPECT_EQ(Replay("\n"), "\n\n> ");
+}
+
+TEST_F(Replaying, WhatCannotBeOpenedIsRefusedWithoutAMessage) {
+    EXPECT_FALSE([console loadFile:String(home + "/none.script")]);
+    EXPECT_FALSE([console loadFile:String(home)]);
+    EXPECT_FALSE([console loadFile:@""]);
+    EXPECT_FALSE([console loadFile:nil]);
+    ASSERT_EQ(mkfifo((home + "/pipe").c_str(), 0600), 0);
+    EXPECT_FALSE([console loadFile:String(home + "/pipe")]);
+    EXPECT_EQ(Text(), "> ");
+    EXPECT_TRUE(alerts.empty());
+}
+
+TEST_F(Replaying, NothingHidesBehindANul) {
+    Replay(std::string("x=5\0+1\ny=7\n", 12));
+    EXPECT_EQ(calc.VariableExists("x"), nullptr);
+    EXPECT_EQ(Variable("y"), "7");
+}
+
+TEST_F(Replaying, BytesOfChanceAreErrorsAndNothingWorse) {
+    std::string bytes;
+    for (int i = 0; i < 4000; ++i) bytes += static_cast<char>(i * 7919 % 251 + (i % 40 == 0 ? 4 : 0));
+    Replay(bytes);
+    Enter("40+2");
+    EXPECT_STREQ(calc.lastAnswer, "42");
+}
+
+// A cut line would be another entry.
+TEST_F(Replaying, LinesOfMoreThan998CharactersAreReadWhole) {
+    std::string line = "x=0";
+    for (int i = 0; i < 2000; ++i) line += "+1";
+    Replay(line + "\n");
+    EXPECT_EQ(Variable("x"), "2000");
+}
+
+TEST_F(Replaying, ALineThatIsTooLongForAnEntryIsAnErrorAndTheNextOneRuns) {
+    std::string line = "x=0";
+    while (line.size() < 20000) line += "+1";
+    const std::string output = Replay(line + "\ny=7\n");
+    EXPECT_NE(output.find("ERROR"), std::string::npos);
+    EXPECT_EQ(calc.VariableExists("x"), nullptr);
+    EXPECT_EQ(Variable("y"), "7");
+}
+
+TEST_F(Replaying, ClearEmptiesTheConsoleAndTheScriptGoesOn) {
+    const std::string output = Replay("x=5\nclear\ny=7\n");
+    EXPECT_EQ(output.find("x = 5"), std::string::npos);
+    EXPECT_NE(output.find("y = 7"), std::string::npos);
+    EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
+}
+
+TEST_F(Replaying, ExitClosesTheWindowAndEndsTheScript) {
+    Replay("x=5\nexit\nx=6\n");
+    EXPECT_FALSE([window isVisible]);
+    EXPECT_EQ(Variable("x"), "5");
+}
+
+TEST_F(Replaying, APauseWaits) {
+    const auto start = std::chrono::steady_clock::now();
+    Replay("pause 300\nx=5\n");
+    EXPECT_GE(Seconds(start), 0.3); // on a busy machine it takes longer
+    EXPECT_EQ(Variable("x"), "5");
+}
+
+TEST_F(Replaying, EscapeWhileALinePausesEndsTheReplayBehindThatLine) {
+    Post(@"\033");
+    const std::string output = Replay("x=5\npause 5000\nx=6\n");
+    EXPECT_EQ(Variable("x"), "5");
+    EXPECT_EQ(output.substr(output.size() - 3), "\n> ");
+    EXPECT_FALSE(scriptInterrupted);
+}
+
+TEST_F(Replaying, AnInterruptionTellsTheEngine) {
+    Post(@"\033");
+    Replay("pause 5000\nx=6\n");
+    EXPECT_TRUE(calc.interrupted);
+    EXPECT_EQ(calc.VariableExists("x"), nullptr);
+}
+
+TEST_F(Replaying, EscapeWhileATextIsTypedOutEndsTheReplay) {
+    Post(@"\033");
+    Replay("echo5 a long text that takes its time\nx=6\n");
+    EXPECT_EQ(calc.VariableExists("x"), nullptr);
+}
+
+TEST_F(Replaying, OtherKeysDoNotEndIt) {
+    Post(@"x");
+    Replay("pause 200\nx=6\n");
+    EXPECT_EQ(Variable("x"), "6");
+}
+
+TEST_F(Replaying, AnEarlierEntrysInterruptionDoesNotEndTheNextScript) {
+    scriptInterrupted = true;
+    Replay("x=5\nx=6\n");
+    EXPECT_EQ(Variable("x"), "6");
+}
+
+TEST_F(Replaying, TheNextScriptRunsWholeAfterAnInterruption) {
+    Post(@"\033");
+    Replay("pause 5000\nx=5\n");
+    Replay("x=6\nx=x+1\n");
+    EXPECT_EQ(Variable("x"), "7");
+}
+
+// The system hands over a file whenever the run loop turns, also while a script pauses.
+TEST_F(Replaying, AScriptThatComesDuringAnotherWaitsForItsEnd) {
+    const std::string other = home + "/other.script";
+    Write(other, "y=x\n");
+    [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0.05];
+    Replay("x=5\npause 400\nx=6\n");
+    EXPECT_EQ(calc.VariableExists("y"), nullptr);
+    WaitForVariable("y");
+    EXPECT_EQ(Variable("y"), "6");
+}
+
+TEST_F(Replaying, AScriptThatWaitsForOneThatClosesTheWindowNeverRuns) {
+    const std::string other = home + "/other.script";
+    Write(other, "y=1\n");
+    [console performSelector:@selector(loadFile:) withObject:String(other) afterDelay:0];
+    Replay("pause 50\nexit\n");
+    EXPECT_FALSE([window isVisible]);
+    EXPECT_FALSE([console hasWaitingScripts]);
+    EXPECT_EQ(calc.VariableExists("y"), nullptr);
+    EXPECT_EQ(Text().find("y = 1"), std::string::npos);
+}
+
+TEST_F(Replaying, AScriptThatComesDuringAnEntryWaitsForItsEnd) {
+    Write(Path(), "y=1\n");
+    [console entryWillRun];
+    EXPECT_TRUE([console loadFile:String(Path())]);
+    EXPECT_EQ(calc.VariableExists("y"), nullptr);
+    EXPECT_EQ(Text(), "> ");
+    [console entryDidRun];
+    WaitForVariable("y");
+    EXPECT_EQ(Variable("y"), "1");
+}
