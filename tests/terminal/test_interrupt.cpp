@@ -54,8 +54,8 @@ TEST(ControlC, EndsAnEntryAndThePromptReturns) {
     EXPECT_EQ(terminal.Wait(), 1);
 }
 
-// Sends Ctrl-C's signal to this process, again and again, for as long as it lives. It begins when the descriptor
-// has something to read, so that the signal cannot come before what it has to interrupt.
+// Sends Ctrl-C's signal to this process, again and again, for as long as it lives. It begins when the
+// descriptor has something to read, so that the signal cannot come before what it has to interrupt.
 class Interrupter {
 public:
     explicit Interrupter(int descriptor)
