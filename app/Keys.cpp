@@ -79,8 +79,11 @@ static constexpr KeyRow KEYS[] = {
     desktop("Command-S", 's', nullptr, {"File", "Save Script...", "saveDocument:", T::Console}),
     desktop("Command-Shift-S", 'S', nullptr, {"File", "Save Script As...", "saveDocumentAs:", T::Console}),
 
-    desktop("Command-Z", 'z', "undoes changes of the entry, and takes the undoing back",
-            {"Edit", "Undo", "undo:"}),
+    item("Command-Z", 'z',
+         "undoes changes of the entry, and takes the undoing back; Control-Z also brings back what Escape, "
+         "Up, "
+         "Down or New replaced",
+         {"Edit", "Undo", "undo:", T::FirstResponder, 0, "undoChange:"}),
     desktop("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
     item({"Edit", "-"}),
     item("Command-X", 'x',

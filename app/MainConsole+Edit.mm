@@ -26,6 +26,7 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
     if ([@[ @"copy:", @"cut:", @"cutSelection:", @"paste:", @"undo:" ]
             containsObject:NSStringFromSelector(action)])
         return YES;
+    if (sel_isEqual(action, @selector(undoChange:))) return [[self undoManager] canUndo];
     if (sel_isEqual(action, @selector(redo:))) return [[self undoManager] canRedo];
     return [super validateMenuItem:item];
 }
@@ -304,6 +305,12 @@ static NSString* asOneLine(NSString* text) {
     const NSUInteger place = [self selectedRange].location;
     const bool isEmpty = place == static_cast<NSUInteger>(g_linestart) && place == [[self string] length];
     if (isEmpty) return;
+    if ([[self undoManager] canUndo]) [[self undoManager] undo];
+    [self ProcessResult:nullptr:YES];
+}
+
+// Also of an entry that Escape, a walk through the history or New left empty.
+- (void)undoChange:(id)sender {
     if ([[self undoManager] canUndo]) [[self undoManager] undo];
     [self ProcessResult:nullptr:YES];
 }

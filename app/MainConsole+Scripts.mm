@@ -18,8 +18,22 @@ static NSString* textFromPath(const std::string& path) {
 @implementation MainConsole (Scripts)
 
 - (void)newDocument:(id)sender {
+    NSAttributedString* const text =
+        [[[NSAttributedString alloc] initWithAttributedString:[self textStorage]] autorelease];
+    clearedRecord = record;
+    clearedStart = g_linestart;
     [self clearConsole];
+    [[[self undoManager] prepareWithInvocationTarget:self] bringBack:text];
     [self ProcessResult:nullptr:YES];
+}
+
+// What New cleared last: any change above the entry makes undo forget it.
+- (void)bringBack:(NSAttributedString*)text {
+    [[self textStorage] setAttributedString:text];
+    record = clearedRecord;
+    g_linestart = clearedStart;
+    [self gotoEnd];
+    [[[self undoManager] prepareWithInvocationTarget:self] newDocument:nil];
 }
 
 // --- Saving ---

@@ -39,8 +39,10 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 
 @interface MainConsole : NSTextView {
     NSMutableDictionary* settings;
-    Keeper keeper;      // of the settings file and the functions file
-    EntryRecord record; // what a script is saved from
+    Keeper keeper;             // of the settings file and the functions file
+    EntryRecord record;        // what a script is saved from
+    EntryRecord clearedRecord; // what it was, and where the entry began, before New cleared the console
+    int32_t clearedStart;
     ScriptTurns scripts;
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
     PelmoAppDelegate* myAppDelegate;                          // not retained
@@ -168,6 +170,11 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 
 @interface MainConsole (Edit)
 - (void)redo:(id)sender; // what undo took back from the entry
+
+// As other programs cut and undo: also inside the entry, and also when the entry is empty, so that it brings
+// back what Escape, Up, Down or New replaced.
+- (void)cutSelection:(id)sender;
+- (void)undoChange:(id)sender;
 @end
 
 @interface MainConsole (Files)

@@ -140,6 +140,74 @@ TEST_F(Undo, RedoRestoresTheEntry) {
     EXPECT_EQ(first, Transcript());
 }
 
+// --- Drafts and New ---
+
+TEST_F(Undo, BringsBackADraftThatEscapeTook) {
+    Type("45");
+    NextEvent();
+    Press(KEY_ESCAPE);
+    NextEvent();
+    ASSERT_EQ("", Entry());
+    [console undoChange:nil];
+    EXPECT_EQ("45", Entry());
+    EXPECT_EQ("ans = 45", StatusLine());
+}
+
+TEST_F(Undo, BringsBackADraftThatTheHistoryReplaced) {
+    Type("1");
+    NextEvent();
+    Press(KEY_UP);
+    NextEvent();
+    ASSERT_EQ("1+2", Entry());
+    [console undoChange:nil];
+    NextEvent();
+    EXPECT_EQ("1", Entry());
+    SelectEntry(0);
+    Press(KEY_DOWN); // past the newest
+    NextEvent();
+    ASSERT_EQ("", Entry());
+    [console undoChange:nil];
+    EXPECT_EQ("1", Entry());
+    EXPECT_EQ(first, Transcript());
+}
+
+TEST_F(Undo, BringsBackWhatNewCleared) {
+    Type("45");
+    NextEvent();
+    const std::string before = Text();
+    [console newDocument:nil];
+    NextEvent();
+    ASSERT_EQ("> ", Text());
+    [console undoChange:nil];
+    NextEvent();
+    EXPECT_EQ(before, Text());
+    Press(KEY_RETURN);
+    EXPECT_EQ(before + "\nans = 45\n\n> ", Text());
+    EXPECT_NE(std::string([[console scriptText] UTF8String]).find("\n1+2\n45\n"), std::string::npos);
+}
+
+TEST_F(Undo, ClearsAgainWhatItBroughtBack) {
+    const std::string before = Text();
+    [console newDocument:nil];
+    NextEvent();
+    [console undoChange:nil];
+    NextEvent();
+    [console redo:nil];
+    NextEvent();
+    EXPECT_EQ("> ", Text());
+    [console undoChange:nil];
+    EXPECT_EQ(before, Text());
+}
+
+TEST_F(Undo, LeavesTheConsoleClearedOnceSomethingWasAnswered) {
+    [console newDocument:nil];
+    NextEvent();
+    Enter("3");
+    NextEvent();
+    [console undoChange:nil];
+    EXPECT_EQ("> 3\nans = 3\n\n> ", Text());
+}
+
 // Any mixture of editing, undo and redo.
 TEST_F(Undo, NoSequenceHarmsTheTranscript) {
     unsigned state = 12345;
