@@ -182,6 +182,7 @@ void alignDown(uint64_t* x, int64_t n) {
 }
 
 void normalise(Extended& x) {
+    if (x.limb[COUNT - 1] & TOP_BIT) return; // most often
     const int zeros = leadingZeros(x.limb);
     shiftUp(x.limb, zeros);
     x.exponent -= zeros;
