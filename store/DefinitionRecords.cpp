@@ -205,6 +205,14 @@ std::string DefinitionsText::History() const {
     return text;
 }
 
+std::vector<bool> usesAny(const std::vector<DefinitionRecord>& records,
+                          const std::vector<DefinitionRecord>& others) {
+    Uses uses(others);
+    std::vector<bool> answers;
+    for (const DefinitionRecord& record : records) answers.push_back(!uses.Of(record).empty());
+    return answers;
+}
+
 std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records) {
     Uses uses(records);
     std::vector<size_t> order, functions, variables; // the units come first

@@ -66,4 +66,8 @@ struct DefinitionsText {
 // the first counts as used. What is too long for an entry counts as using nothing.
 std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records);
 
+// Of each record whether it uses one of the others. It is asked while the units are there that they use.
+std::vector<bool> usesAny(const std::vector<DefinitionRecord>& records,
+                          const std::vector<DefinitionRecord>& others);
+
 bool isControl(char c); // one that is not a tab

@@ -43,16 +43,24 @@ bool saysWhatItIs(const DefinitionRecord& unit) {
     return !units_check_exception() && std::abs(factor - 1) < 1e-12;
 }
 
-std::string unitLine(const char* line) {
-    const DefinitionRecord unit = recordOf(line);
-    if (unit.kind != Kind::Unit || saysWhatItIs(unit)) return line;
+std::string unitLine(const DefinitionRecord& unit, bool usesElsewhere) {
+    if (unit.kind != Kind::Unit || (saysWhatItIs(unit) && !usesElsewhere)) return unit.line;
     const std::string byValue = units_definition(unit.name.c_str());
-    return byValue.empty() ? line : "unit " + unit.name + "=" + byValue;
+    return byValue.empty() ? unit.line : "unit " + unit.name + "=" + byValue;
 }
 
-std::string unitLines(const ZqCalculator& calc) {
+std::string unitLines(const ZqCalculator& calc, const std::set<std::string>& elsewhere) {
+    std::vector<DefinitionRecord> units, others;
+    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
+        units.push_back(recordOf(unit->text));
+        if (elsewhere.count(units.back().line + '\n') > 0) others.push_back(units.back());
+    }
+    const std::vector<bool> usesElsewhere = usesAny(units, others);
     std::string text;
-    for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) text += unitLine(unit->text) + '\n';
+    for (size_t i = 0; i < units.size(); ++i) {
+        const bool isElsewhere = elsewhere.count(units[i].line + '\n') > 0;
+        text += unitLine(units[i], usesElsewhere[i] && !isElsewhere) + '\n';
+    }
     units_clear_exception();
     return text;
 }
@@ -218,10 +226,10 @@ void deleteDefinition(ZqCalculator& calc, const DefinitionRecord& record) {
 
 } // namespace
 
-std::string definitionsText(const ZqCalculator& calc) {
+std::string definitionsText(const ZqCalculator& calc, const std::set<std::string>& elsewhere) {
     const auto mathError = merror; // printing numbers may leave a code
-    std::string text =
-        textOf({functionLines(), variableLines(calc), unitLines(calc), historyLines(calc.history)});
+    std::string text = textOf(
+        {functionLines(), variableLines(calc), unitLines(calc, elsewhere), historyLines(calc.history)});
     merror = mathError;
     return text;
 }

@@ -27,9 +27,10 @@ class ZqCalculator;
 // with 100 digits, without those that hold the overflow value; the units by the lines that defined them; the
 // history, the oldest line first, control characters other than tabs written as blanks. A unit whose line no
 // longer says what the unit is, since a unit in it was deleted or defined anew, is written with its value
-// ("unit b=10 meter"). The engine stays as it is, but that it ends a walk with funcs.GetNext and clears the
-// unit library's error state.
-std::string definitionsText(const ZqCalculator& calc);
+// ("unit b=10 meter"). So is a unit that uses one of the lines in `elsewhere` (with their ends), which a
+// start without them would not know; but not these themselves. The engine stays as it is, but that it ends a
+// walk with funcs.GetNext and clears the unit library's error state.
+std::string definitionsText(const ZqCalculator& calc, const std::set<std::string>& elsewhere = {});
 
 struct DefinitionsRead {
     bool opened = false; // it was there and could be read

@@ -2,6 +2,12 @@
 #include "DefinitionsMerge.h"
 
 #include "FileKeeping.h"
+#include "Helpers_String.h"
+#include "units.h"
+
+#include <algorithm>
+#include <iterator>
+#include <vector>
 
 namespace {
 
@@ -14,6 +20,20 @@ const std::string& lineOf(const DefinitionLines& lines, const std::string& key) 
 const std::string& answerKey() {
     static const std::string key = recordOf("ans=0").Key();
     return key;
+}
+
+DefinitionRecord recordOfLine(const std::string& line) {
+    return recordOf(line.substr(0, line.find('\n')));
+}
+
+// What is made of a unit that is left out is written with its value: a primitive unit has its whole name.
+bool usesPrimitive(const DefinitionRecord& record, const std::string& name) {
+    if (record.kind != DefinitionRecord::Kind::Unit) return false;
+    const std::string text = "=" + record.body + "\n";
+    for (size_t i = text.find(name); i != std::string::npos; i = text.find(name, i + 1)) {
+        if (!isLetter(text[i - 1]) && !isLetter(text[i + name.size()])) return true;
+    }
+    return false;
 }
 
 void setLine(DefinitionLines& lines, const std::string& key, const std::string& line) {
@@ -45,7 +65,21 @@ void DefinitionsMerge::LeaveOut(const std::string& before, const std::string& af
 // The definitions that are written, by what they define.
 DefinitionLines DefinitionsMerge::PresentIn(const DefinitionsText& ours) const {
     DefinitionLines lines = ours.LinesByKey();
-    for (auto i = lines.begin(); i != lines.end();) i = leftOut.count(i->second) ? lines.erase(i) : ++i;
+    std::vector<DefinitionLines::node_type> primitives;
+    for (auto i = lines.begin(); i != lines.end();) {
+        const auto line = i++;
+        if (leftOut.count(line->second) == 0) continue;
+        const bool isPrimitive = recordOfLine(line->second).body == primitivestring;
+        DefinitionLines::node_type taken = lines.extract(line);
+        if (isPrimitive) primitives.push_back(std::move(taken));
+    }
+    for (DefinitionLines::node_type& primitive : primitives) {
+        const std::string name = recordOfLine(primitive.mapped()).name;
+        const auto uses = [&name](const auto& line) {
+            return usesPrimitive(recordOfLine(line.second), name);
+        };
+        if (std::any_of(lines.begin(), lines.end(), uses)) lines.insert(std::move(primitive));
+    }
     return lines;
 }
 
@@ -92,7 +126,7 @@ DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours,
         setLine(file, key, line);
         if (line == mine) continue;
         // A unit that is there cannot be defined in another way.
-        const bool isUnit = recordOf(mine.substr(0, mine.find('\n'))).kind == DefinitionRecord::Kind::Unit;
+        const bool isUnit = recordOfLine(mine).kind == DefinitionRecord::Kind::Unit;
         if (line.empty() || isUnit) foreign.deleted += mine;
         foreign.defined += line;
     }

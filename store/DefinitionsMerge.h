@@ -29,8 +29,10 @@ public:
     void Know(const std::string& theirs, const std::string& ours, const std::set<std::string>& refused = {});
 
     // Definitions that are in `after` and not in `before`, and were not in the file, are kept elsewhere:
-    // their lines are written as little as if they were not there, until they say something else.
+    // their lines are written as little as if they were not there, until they say something else. But a
+    // primitive unit is written that a unit which is written uses.
     void LeaveOut(const std::string& before, const std::string& after);
+    const std::set<std::string>& LeftOut() const { return leftOut; } // lines with their ends
 
     // What is to be written. A line of the file that counts stays as it stands there; new ones are at the
     // end of their section. Each program has its own `ans`. Where `theirs` is cut off nothing

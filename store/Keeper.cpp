@@ -55,7 +55,7 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     const bool leavesHistory = merge.leavesHistory;
     merge = {};
     merge.leavesHistory = leavesHistory;
-    merge.Know(read.text, definitionsText(calc), read.refused); // what was refused is in the copy
+    merge.Know(read.text, TextOf(calc), read.refused); // what was refused is in the copy
     definitionsSeen = read.text;
     if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
     if (read.damaged)
@@ -72,15 +72,19 @@ void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
     if (!readWholeFile(definitionsFile.path, theirs, system)) return;
     definitionsStamp = stamp;
     if (theirs == definitionsSeen) return;
-    const DefinitionsMerge::Foreign foreign = merge.TakeForeign(definitionsText(calc), theirs);
+    const DefinitionsMerge::Foreign foreign = merge.TakeForeign(TextOf(calc), theirs);
     definitionsSeen = std::move(theirs);
     if (foreign.keys.empty()) return;
     takeDefinitions(calc, foreign.defined, foreign.deleted);
-    merge.Took(foreign, definitionsText(calc));
+    merge.Took(foreign, TextOf(calc));
 }
 
 void Keeper::LeaveOut(const std::string& before, const ZqCalculator& calc) {
     merge.LeaveOut(before, definitionsText(calc));
+}
+
+std::string Keeper::TextOf(const ZqCalculator& calc) const {
+    return definitionsText(calc, merge.LeftOut());
 }
 
 // No reason is given when there is nothing to keep, or when there are ten copies already.
@@ -145,7 +149,7 @@ void Keeper::SaveDefinitions(const ZqCalculator& calc) {
 
 void Keeper::SaveBoth(const ZqCalculator& calc, const std::string& settings) {
     if (folder.empty()) return;
-    Write(settings, isRunning ? std::exchange(textBefore, "") : definitionsText(calc));
+    Write(settings, isRunning ? std::exchange(textBefore, "") : TextOf(calc));
     if (!isRunning) Forget();
 }
 
@@ -154,7 +158,7 @@ void Keeper::EntryWillRun(const ZqCalculator& calc, bool isReplaying) {
     if (!isChanged || definitionsFile.path.empty()) return;
     const System::Time now = system.Now();
     if (isReplaying && now - textTime < 20 * textCost) return;
-    textBefore = definitionsText(calc);
+    textBefore = TextOf(calc);
     textTime = system.Now();
     textCost = textTime - now;
 }

@@ -103,6 +103,7 @@ private:
         void SetFailed(std::error_code reason);
     };
 
+    std::string TextOf(const ZqCalculator& calc) const;
     void KeepBeside(File& file);
     bool MayWrite(File& file);
     void Write(std::string settings, std::string definitions);

@@ -475,6 +475,29 @@ TEST_F(TwoPrograms, WhatIsKeptElsewhereStaysSo) {
     EXPECT_FALSE(Holds("\nrate=7\n"));
 }
 
+TEST_F(TwoPrograms, WhatIsMadeOfWhatIsKeptElsewhereIsThereWithoutThat) {
+    Begin({"v=2"});
+    const std::string before = Text();
+    for (const char* line : {"unit ell=2 m", "unit bead=-primitive", "unit pearl=-primitive", "ten(x)=10*x"})
+        Enter(line); // the init file, say
+    keeper.LeaveOut(before, *calc);
+    for (const char* line : {"unit rod=3 ell", "unit stride=5 kiloell", "unit pole=2 rod",
+                             "unit string=100 beads", "w=2 rod->ell", "fa(x)=ten(x)+(x ell->m)"})
+        EnterAndSave(line);
+    EXPECT_FALSE(Holds("\nunit ell=") || Holds("\nunit pearl=") || Holds("\nten(x)="));
+    EXPECT_TRUE(Holds("\nunit pole=2 rod\n")) << "rod is kept: " << Definitions();
+    StartAgain();
+    EXPECT_EQ("", keeper.ReadDefinitions(*calc)) << Definitions();
+    EXPECT_EQ("ans = 6\n", Answer("1 rod->m"));
+    EXPECT_EQ("ans = 10000\n", Answer("1 stride->m"));
+    EXPECT_EQ("ans = 12\n", Answer("1 pole->m"));
+    EXPECT_EQ("ans = 100\n", Answer("1 string->bead"));
+    EXPECT_EQ("ans = 6\n", Answer("w"));
+    EXPECT_NE(nullptr, funcs.FindByName("fa", 1));
+    SaveBoth();
+    EXPECT_TRUE(Holds("\nunit rod=") && Holds("\nunit bead=-primitive\n"));
+}
+
 // Variables alone: functions and units are those of the process.
 TEST_F(TwoPrograms, KeepersAtRandomDoWhatAPlainModelDoes) {
     SCOPED_TRACE(seedText());
