@@ -25,7 +25,8 @@ static size_t countDigits(std::string_view text) {
 
 void Answer::Keep(const std::string& line, const char* variable, const qfloat number,
                   const EntrySettings& now, std::string text) {
-    entry = line;
+    const auto isLineEnd = [](char c) { return c == '\r' || c == '\n'; };
+    entry.assign(line.begin(), std::find_if(line.begin(), line.end(), isLineEnd));
     name = variable;
     qmov(number, value);
     settings = now;

@@ -90,8 +90,10 @@ int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
     fullEntry = !quick;
     interrupted = false;
     spending.budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
-    std::string entry(withoutLineEnd(line)); // a copy: the line may be one of the texts that are emptied
-    if (fullEntry) BeginEntry(entry);
+    std::string preview;
+    std::string& entry = fullEntry ? entryLine : preview;
+    entry = withoutLineEnd(line); // a copy: the line may be one of the texts that are emptied
+    if (fullEntry) BeginEntry();
     if (fullEntry && interruptCheck)
         RunOrTakeBack(entry);
     else
@@ -104,15 +106,13 @@ int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
 }
 
 // Empties the texts, records the line, and replaces an empty one by the line that it repeats.
-void ZqCalculator::BeginEntry(std::string& entry) {
+void ZqCalculator::BeginEntry() {
     message[0] = resultLine[0] = echoText[0] = '\0';
-    if (histStack && !strIsEqualNI(entry.c_str(), "histstack off", 13)) history.Record(entry);
-    if (entry.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
+    if (histStack && !strIsEqualNI(entryLine.c_str(), "histstack off", 13)) history.Record(entryLine);
+    if (entryLine.empty() && entryCount > 0 && status != STATUS_MESSAGE) {
         const char* newest = history.GetHistoryStr(1);
-        if (isRepeatable(newest)) entry = newest;
+        if (isRepeatable(newest)) entryLine = newest;
     }
-    const auto isLineEnd = [](char c) { return c == '\r' || c == '\n'; };
-    entryLine.assign(entry.begin(), std::find_if(entry.begin(), entry.end(), isLineEnd));
     entryCount += 1;
     history.HistLocReset();
 }
@@ -187,6 +187,7 @@ int ZqCalculator::Evaluate(std::string_view text) {
         opOrder = nullptr;
         if (state != 0) reportPrintedInfinity(*this);
     }
+    enclosed = 0;
     if (state != 0) {
         DiscardNewTarget();
         return state;
@@ -221,19 +222,21 @@ int ZqCalculator::Read(std::string_view statement, bool mayLeaveOut) {
     if (statement.size() >= TEXT_SIZE) {
         return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
     }
-    std::string text(trimStatement(statement));
+    const std::string_view trimmed = trimStatement(statement);
     if (fullEntry) {
-        const int state = commands.Run(text);
+        const int state = commands.Run(trimmed);
         if (state != Commands::NO_COMMAND) return state;
     }
+    if (!european && !tenKey && isBareExpression(trimmed)) return scanner.ScanBare(trimmed, mayLeaveOut);
+    std::string text(trimmed);
     markConversion(text);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
     return scanner.Scan(std::move(text), mayLeaveOut);
 }
 
 int ZqCalculator::VerifyTermsSyntax() {
-    if (variables.CheckNames() != 0 || checkSyntax(terms, *this, work) != 0) return STATUS_ERROR;
-    opCount = terms.CountNumberOfOperators() + 2 * enclosed;
+    if (variables.CheckNames() != 0 || checkSyntax(terms, *this, work, opCount) != 0) return STATUS_ERROR;
+    opCount += 2 * enclosed;
     return 0;
 }
 

@@ -179,7 +179,7 @@ private:
     mutable NamedTerms unitLines;
 
     void RunOrTakeBack(std::string_view entry);
-    void BeginEntry(std::string& entry);
+    void BeginEntry();
     void RunStatements(std::string_view entry);
     int ShowResult();
     int Evaluate(std::string_view text);

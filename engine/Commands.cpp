@@ -314,9 +314,9 @@ const std::vector<Command>& commandTable() {
     return table;
 }
 
-int Commands::Run(const std::string& typed) {
+int Commands::Run(std::string_view typed) {
     if (typed.empty() || !isLetter(typed[0]) || !isValidName(firstWord(typed))) return NO_COMMAND;
-    CommandText text = readCommand(typed);
+    CommandText text = readCommand(std::string(typed));
     for (const Command& command : commandTable()) {
         if (!matches(command, text)) continue;
         units_record_changes([this](Undo::Step takeBack) { undo.Add(std::move(takeBack)); });

@@ -24,7 +24,7 @@ struct Commands : EntryContext {
     static constexpr int NO_COMMAND = 0;
 
     // Carries a statement out. Returns its status, or NO_COMMAND when it is none.
-    int Run(const std::string& typed);
+    int Run(std::string_view typed);
 };
 
 // A command word is a row of commandTable and a function.

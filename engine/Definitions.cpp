@@ -92,7 +92,9 @@ int Definitions::Add(const std::string& name, std::string& parameters, const std
     const std::vector<std::string> names = splitAtCommas(parameters);
     Deq& terms = statement.terms;
     if (scanner.ScanBody(body, {name, {names.begin(), names.end()}, isKept}) != 0) return STATUS_ERROR;
-    if (variables.CheckNames() != 0 || checkSyntax(terms, outcome, work) != 0 || CheckNamesInBody() != 0)
+    int32_t operators = 0;
+    if (variables.CheckNames() != 0 || checkSyntax(terms, outcome, work, operators) != 0 ||
+        CheckNamesInBody() != 0)
         return STATUS_ERROR;
     if (!terms.first) return outcome.Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms, isKept);

@@ -72,7 +72,13 @@ const qfloat* Evaluator::KnownValue(const node* term) {
 }
 
 const qfloat* Evaluator::ValueOf(const node* term) {
-    if (const qfloat* value = KnownValue(term)) return value;
+    if (term->type == TERM_NUMBER && term->value) return term->value; // most are numbers
+    const qfloat* const value = KnownValue(term);
+    return value ? value : RefuseTerm(term);
+}
+
+// It has no value.
+const qfloat* Evaluator::RefuseTerm(const node* term) {
     const char* format = "** ERROR 7: invalid term = %s **\n";
     const char* text = term->text ? term->text : "";
     if (isOp(term->type)) {
@@ -121,7 +127,7 @@ node* Evaluator::FinishPair(node* op, node* left, node* right, const qfloat valu
     term->SetValue(value);
     if (right) statement.terms.Del(right);
     if (left) statement.terms.Del(op);
-    return checkMathError(name, outcome.message) == 0 ? term : nullptr;
+    return merror == 0 || checkMathError(name, outcome.message) == 0 ? term : nullptr;
 }
 
 static bool isOperand(const node* term) {

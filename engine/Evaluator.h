@@ -31,6 +31,7 @@ private:
     // so with a message.
     const qfloat* KnownValue(const node* term);
     const qfloat* ValueOf(const node* term);
+    const qfloat* RefuseTerm(const node* term);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
     int ConversionFactor(const node* source, const node* destination, qfloat value);
     node* ProcConversion(node* arrow);

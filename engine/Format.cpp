@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -101,11 +102,11 @@ ExponentKind exponentKind(const Decimal& all, int sigfigs, int scimode) {
 }
 
 // The digits with the point moved `places` to the right of the first digit, filled with zeros.
-std::string withPoint(const std::string& digits, int places) {
+std::string withPoint(std::string digits, int places) {
     const size_t integerDigits = static_cast<size_t>(places) + 1;
-    std::string text = digits;
-    if (text.size() < integerDigits) text.append(integerDigits - text.size(), '0');
-    return text.insert(integerDigits, 1, '.');
+    if (digits.size() < integerDigits) digits.append(integerDigits - digits.size(), '0');
+    digits.insert(integerDigits, 1, '.');
+    return digits;
 }
 
 void removeTrailingZeros(std::string& text, size_t keep) {
@@ -133,8 +134,8 @@ std::string tinyFixedForm(const Decimal& all, size_t decimals) {
     return text;
 }
 
-std::string plainForm(const Decimal& decimal) {
-    if (decimal.exponent >= 0) return withPoint(decimal.digits, decimal.exponent);
+std::string plainForm(Decimal decimal) {
+    if (decimal.exponent >= 0) return withPoint(std::move(decimal.digits), decimal.exponent);
     return "0." + std::string(static_cast<size_t>(-decimal.exponent - 1), '0') + decimal.digits;
 }
 
@@ -167,15 +168,16 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     const bool isWhole =
         e >= 0 && e <= MAX_WHOLE_EXPONENT && all.SignificantDigits() <= static_cast<size_t>(e) + 1;
     if (kind == NO_EXPONENT && isWhole && scimode != SCI_FIXED) {
-        std::string text = all.digits;
-        text.resize(static_cast<size_t>(e) + 1, '0');
-        return grouped(std::move(text), separator);
+        all.digits.resize(static_cast<size_t>(e) + 1, '0');
+        return grouped(std::move(all.digits), separator);
     }
     const int shown = scimode == SCI_FIXED ? std::max(sigfigs + e + 1, 1) : sigfigs;
     const auto digitsShown = static_cast<size_t>(shown);
     const bool isPlain = kind == NO_EXPONENT && scimode != SCI_FIXED; // without zeros at the end
     const bool isComplete = isPlain && all.digits.size() <= digitsShown;
-    const Decimal decimal = isComplete ? all : withDigits(all, value, digitsShown);
+    const bool hasFraction = e >= 0 && all.SignificantDigits() > static_cast<size_t>(e) + 1;
+    if (isComplete && hasFraction) return grouped(plainForm(std::move(all)), separator);
+    Decimal decimal = isComplete ? all : withDigits(all, value, digitsShown);
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);
     if (scimode == SCI_FIXED) {
         const std::string text = fixedForm(all, decimal, static_cast<size_t>(sigfigs));
@@ -183,7 +185,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
             negative = false; // a rounded zero has no sign
         return grouped(text, separator);
     }
-    std::string text = plainForm(decimal);
+    std::string text = plainForm(std::move(decimal));
     removeTrailingZeros(text, 0);
     if (text.back() == '.') text.pop_back();
     return grouped(std::move(text), separator);

@@ -61,5 +61,5 @@ private:
     void Insert(std::string_view text);
     bool IsToBeStored(std::string_view text) const;
     bool Browse(const char* prefix, int32_t step);
-    int32_t SlotOf(int32_t k) const { return (next - k + maxEntries) % maxEntries; }
+    int32_t SlotOf(int32_t k) const { return next - k < 0 ? next - k + maxEntries : next - k; } // k <= count
 };

@@ -63,7 +63,7 @@ node* NamedTerms::Append(node* term) {
 }
 
 void NamedTerms::SetValue(node* term, const qfloat value) {
-    if (term->value) {
+    if (term->value && undo.IsKept()) {
         std::array<uint32_t, std::extent_v<qfloat>> before;
         qmov(*term->value, before.data());
         undo.Add([term, before] { term->SetValue(before.data()); });

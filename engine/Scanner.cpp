@@ -10,8 +10,9 @@
 
 std::string_view trimStatement(std::string_view statement) {
     std::string_view text = statement.substr(0, statement.find(';'));
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size()));
-    return text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
+    while (!text.empty() && (isBlank(text[0]) || text[0] == '\v' || text[0] == '\f')) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 static bool isSpaceOrTab(char c) {
@@ -42,6 +43,24 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     // A sign in front of the name stays an operator: 5-km->mi must not drop its minus.
     while (start < arrow && (text[start] == '+' || text[start] == '-')) start++;
     return start;
+}
+
+namespace {
+
+struct BareCharacters {
+    bool has[256] = {};
+
+    constexpr BareCharacters() {
+        for (int c = 0; c < 128; c++)
+            has[c] = isOfName(static_cast<char>(c)) || (c >= '(' && c <= '/') || c == '^';
+    }
+};
+
+} // namespace
+
+bool isBareExpression(std::string_view text) {
+    static constexpr BareCharacters BARE;
+    return std::all_of(text.begin(), text.end(), [](char c) { return BARE.has[static_cast<uint8_t>(c)]; });
 }
 
 void markConversion(std::string& text) {
@@ -162,6 +181,11 @@ int Scanner::Scan(std::string text, bool mayLeaveOut) {
     return 0;
 }
 
+int Scanner::ScanBare(std::string_view text, bool mayLeaveOut) {
+    ScanTerms(text, mayLeaveOut);
+    return 0;
+}
+
 // Sets the target and removes the name and the '=' from the text.
 int Scanner::ScanAssignment(std::string& text) {
     const size_t equals = text.find('=');
@@ -208,9 +232,9 @@ bool Scanner::LeaveOut() {
     return true;
 }
 
-void Scanner::ScanTerms(const std::string& text, bool mayLeaveOut) {
+// What follows the text in memory is a NUL or no operator.
+void Scanner::ScanTerms(std::string_view view, bool mayLeaveOut) {
     Deq& terms = statement.terms;
-    const std::string_view view = text;
     isCall.clear();
     statement.enclosed = 0;
     bool inUnit = false;   // from the mark to the next ')': km/h and m^2 are one term
@@ -218,7 +242,7 @@ void Scanner::ScanTerms(const std::string& text, bool mayLeaveOut) {
     bool hasSign = false;  // of an exponent: the operand is no name then, and is not looked up again
     size_t start = 0;
     for (size_t pos = 0; pos < view.size();) {
-        const int code = isOp(text.c_str() + pos);
+        const int code = isOp(view.data() + pos);
         bool isPart = code == 0 || (inUnit && code != OP_CONVERT && code != OP_CLOSE);
         if (code == OP_COMMA && (isCall.empty() || !isCall.back())) isPart = true; // thousands: 1,000
         if (code == OP_ADD || code == OP_SUBTRACT) {
@@ -292,25 +316,31 @@ static bool readShort(std::string_view text, qfloat value) {
     constexpr size_t MOST_DIGITS = 9;
     if (text.size() > MOST_DIGITS + 1) return false;
     int64_t number = 0;
-    int64_t scale = 0; // of the digits behind the point; 0: there has been none
+    int64_t fives = 0; // for each digit behind the point one factor; 0: there has been no point
+    uint32_t places = 0;
     size_t digits = 0;
     for (char c : text) {
         if (isDigit(c)) {
             number = number * 10 + (c - '0');
-            scale *= 10;
+            fives *= 5;
+            places += fives != 0 ? 1 : 0;
             digits++;
-        } else if (c == '.' && scale == 0) {
-            scale = 1;
+        } else if (c == '.' && fives == 0) {
+            fives = 1;
         } else {
             return false;
         }
     }
     if (digits == 0 || digits > MOST_DIGITS) return false;
+    if (number == 0) return qclear(value), true;
+    for (; fives > 1 && number % 5 == 0; number /= 5) fives /= 5; // 2.5 is 5 / 2
     ltoq(&number, value);
-    if (number == 0 || scale <= 1) return true;
-    qfloat divisor;
-    ltoq(&scale, divisor);
-    qdiv(divisor, value, value);
+    if (fives > 1) {
+        qfloat divisor;
+        ltoq(&fives, divisor);
+        qdiv(divisor, value, value);
+    }
+    value[1] -= places; // 10^n is 5^n * 2^n
     return true;
 }
 

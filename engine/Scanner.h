@@ -27,6 +27,10 @@ public:
     // terms.
     int Scan(std::string text, bool mayLeaveOut = false);
 
+    // The same for a bare expression (isBareExpression), with a '.' in numbers and signs in front of them. It
+    // ends where the text or its statement ends.
+    int ScanBare(std::string_view text, bool mayLeaveOut);
+
     // The same for the right-hand side of a definition: the function and its parameters are known in it, and
     // when it was kept every name in front of a parenthesis is that of a function.
     int ScanBody(std::string text, const Definition& definition);
@@ -35,7 +39,7 @@ public:
 
 private:
     int ScanAssignment(std::string& text);
-    void ScanTerms(const std::string& text, bool mayLeaveOut);
+    void ScanTerms(std::string_view text, bool mayLeaveOut);
     bool LeaveOut();
     std::string MoveSignsForward(const std::string& text);
     void Locate(node* term, size_t start, size_t length, bool inSource) const;
@@ -53,6 +57,10 @@ private:
 // The statement without leading white space, without what follows its first ';', and without trailing blanks
 // and line ends.
 std::string_view trimStatement(std::string_view statement);
+
+// Whether the statement has nothing but names, numbers, commas, parentheses and the operators that one types
+// most: no blank, no '=' and no conversion. Then most steps of reading have nothing to do.
+bool isBareExpression(std::string_view text);
 
 // Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi, of the same length.
 void markConversion(std::string& text);

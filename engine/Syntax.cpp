@@ -50,13 +50,14 @@ static int failParenthesis(const node* term, Outcome& outcome) {
 }
 
 // A wrong parenthesis is told before the first operator without its operands, wherever that is.
-int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
+int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work, int32_t& operators) {
+    work.checked += static_cast<uint64_t>(terms.count);
+    int32_t values = 0;
     int32_t depth = 0;
     std::vector<int32_t> raised; // the depths of the raised groups that are open
     const node* toRaise = nullptr;
     const node* wrong = nullptr;
     for (node* term = terms.first; term; term = term->next) {
-        work.checked++;
         if (term->type == OP_OPEN) {
             depth++;
             if (term->next && term->next->type == OP_CLOSE)
@@ -73,10 +74,12 @@ int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work) {
                 term->level++;
                 toRaise = groupBehind(term);
             }
+        } else if (term->type != OP_OPEN) {
+            values += term->type == TERM_NAME || term->type == TERM_FUNC || term->type == TERM_NUMBER ? 1 : 0;
         }
     }
     if (depth != 0) return failParenthesis(lastOpen(terms), outcome);
-    if (!wrong) return 0;
+    if (!wrong) return operators = terms.count - values, 0;
     return outcome.FailAt(wrong, "** ERROR %s: operator '%s' missing argument **\n",
                           {lackedOperand(wrong), getOp(wrong->type).text});
 }

@@ -24,6 +24,8 @@ public:
         if (isOpen) steps.emplace_back(std::forward<Function>(step));
     }
 
+    bool IsKept() const { return isOpen; } // whether Add would keep a step
+
     // Has TakeBack put back what the place holds now.
     template <class T> void Keep(T& place) {
         static_assert(!std::is_array_v<T>);

@@ -52,7 +52,8 @@ protected:
     // The terms as they are scanned and checked.
     int Read(const char* text) {
         statement.terms.Clear();
-        return scanner.Scan(text) != 0 ? STATUS_ERROR : checkSyntax(statement.terms, outcome, work);
+        return scanner.Scan(text) != 0 ? STATUS_ERROR
+                                       : checkSyntax(statement.terms, outcome, work, statement.opCount);
     }
 
     // The positions of the operators in their order.

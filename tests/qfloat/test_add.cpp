@@ -99,6 +99,24 @@ TEST_F(Addition, DifferencesMatchTheRuleBitForBit) {
     CheckMany(qsub, true);
 }
 
+TEST_F(Addition, OfNumbersThatOneLimbHoldsMatchesTheRule) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        const auto operand = [&] {
+            Number a{};
+            a[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+            a[1] = static_cast<uint32_t>(random.Chance(10) ? random.Between(0xFFF0, 0x10000)
+                                                           : random.Between(0x8000, 0x8042));
+            a[3] = static_cast<uint32_t>(random.Between(0x80000000, 0xFFFFFFFF));
+            if (random.Chance(70)) a[3] &= 0xFFFFFFFFU << random.Between(0, 31);
+            if (random.Chance(30)) a[4] = static_cast<uint32_t>(random.Between(0, 0xFFFFFFFF));
+            return a;
+        };
+        const Number a = operand(), b = operand();
+        CheckPair(qadd, false, a, b);
+        CheckPair(qsub, true, a, b);
+    }
+}
+
 TEST_F(Addition, DifferencesNearTheCancellationThresholdMatchTheRule) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number a = randomMantissa(random);
