@@ -12,6 +12,10 @@ static constexpr KeyRow typed(const char* name, char character, KeyAction action
     return {name, KEY_OTHER, character, 0, action, does};
 }
 
+static constexpr KeyRow control(const char* name, char character, KeyAction action, const char* does) {
+    return {name, KEY_OTHER, character, CONTROL_KEY, action, does};
+}
+
 // An item of a menu, with the key `character` and Command, or without a key.
 static constexpr KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
     return {name, KEY_OTHER, character, COMMAND_KEY, KeyAction::Menu, does, item};
@@ -54,6 +58,12 @@ static constexpr KeyRow KEYS[] = {
         "earlier entries: all of them while the entry is empty, or those that begin with what you have "
         "typed"),
     key("Down", KEY_DOWN, 0, K::Down, nullptr),
+    control("Control-R", 'r', K::FindEarlier,
+            "finds an earlier entry by any part of it, which you type: Up or Control-R for an older one, "
+            "Down for a "
+            "newer; Return puts it at the prompt, Escape gives up"),
+    control("Control-F", 'f', K::Find,
+            "finds a text in the window, likewise; Return leaves it selected, Escape goes back to the entry"),
     key("Backspace", KEY_BACKSPACE, 0, K::Backspace, "delete in the entry; the prompt and the answers stay"),
     key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
     typed("`+`", '+', K::Operator,

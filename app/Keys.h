@@ -58,8 +58,10 @@ enum class KeyAction {
     Operator,
     Minus,
     Copy,
-    Interrupt, // ends what runs, and is looked for only then
-    Menu       // the menu's alone
+    Find,        // in the transcript
+    FindEarlier, // an earlier entry
+    Interrupt,   // ends what runs, and is looked for only then
+    Menu         // the menu's alone
 };
 
 enum class Target { FirstResponder, Console, Delegate, Preferences, Application };

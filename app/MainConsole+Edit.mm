@@ -115,6 +115,7 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
 }
 
 - (void)mouseDown:(NSEvent*)event {
+    [self endSearch];
     if (platformTakeEarlyRelease())
         [self click:event];
     else if ([event clickCount] == 1 && [self isSelectedAt:event])
@@ -265,6 +266,7 @@ static NSString* asOneLine(NSString* text) {
 // Text from another place, in place of the selection or, when that is read only, at the end of the entry. NO
 // when the entry has no room for all of it.
 - (BOOL)insertForeignText:(NSString*)text {
+    [self endSearch];
     NSString* const line = asOneLine(text);
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     // Part of a text would be another calculation.

@@ -30,6 +30,7 @@ static NSRange rangeOf(const EntryRange& range) {
 }
 
 - (void)keyDown:(NSEvent*)event {
+    if ([self searchTakes:event]) return;
     const bool minusIsSign = [self setting:@"doublenegans"] != 0;
     const KeyEffect effect = [self transcript].Press(keyPress(event), minusIsSign);
     if (effect.goesToEnd) [self gotoEnd];
@@ -55,6 +56,8 @@ static NSRange rangeOf(const EntryRange& range) {
     case KeyEffect::Then::Nothing: return;
     case KeyEffect::Then::Commit: [self ProcessResult:nullptr:NO]; return;
     case KeyEffect::Then::Copy: [self copy:self]; return;
+    case KeyEffect::Then::Find: [self beginSearch:Search::In::Transcript]; return;
+    case KeyEffect::Then::FindEarlier: [self beginSearch:Search::In::History]; return;
     case KeyEffect::Then::Hide: [myAppDelegate clickedAppStatusItem:self]; break;
     case KeyEffect::Then::Pass: [super keyDown:event]; break;
     case KeyEffect::Then::Preview: break;

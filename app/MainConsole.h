@@ -9,6 +9,7 @@
 //   MainConsole+Runner.mm  entries to the engine, its answers and commands back
 //   MainConsole+Keys.mm    what the keys do
 //   MainConsole+Edit.mm    copy, cut, paste, undo
+//   MainConsole+Search.mm  finding a text while it is typed
 //   MainConsole+Files.mm   the settings, the functions file
 //   MainConsole+Scripts.mm scripts: saving, replaying, the tutorial
 //   MainConsole+Menus.mm   display base, angle mode, size of the text, the lists of variables and functions
@@ -21,6 +22,7 @@
 
 #include "Keeper.h"
 #include "Script.h"
+#include "Search.h"
 #include "Transcript.h"
 
 #include <chrono>
@@ -44,6 +46,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     EntryRecord clearedRecord; // what it was, and where the entry began, before New cleared the console
     int32_t clearedStart;
     ScriptTurns scripts;
+    Search search;
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
     PelmoAppDelegate* myAppDelegate;                          // not retained
     NSTextField* answerStatus;                                // the controls belong to the window
@@ -175,6 +178,12 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // back what Escape, Up, Down or New replaced.
 - (void)cutSelection:(id)sender;
 - (void)undoChange:(id)sender;
+@end
+
+@interface MainConsole (Search)
+- (void)beginSearch:(Search::In)where; // the status line says what is looked for
+- (BOOL)searchTakes:(NSEvent*)event;   // a key press, when a search is on and the key is one of its own
+- (void)endSearch;                     // what was found stays
 @end
 
 @interface MainConsole (Files)

@@ -70,6 +70,8 @@ KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSig
     switch (action) {
     case KeyAction::Commit: update_match_str = 0; return only(Then::Commit);
     case KeyAction::Complete: return Complete();
+    case KeyAction::Find: return only(Then::Find);
+    case KeyAction::FindEarlier: return only(Then::FindEarlier);
     case KeyAction::Escape: return Escape();
     case KeyAction::Backspace: return Erase(false);
     case KeyAction::Delete: return Erase(true);

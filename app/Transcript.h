@@ -55,7 +55,9 @@ struct KeyEffect {
         Pass, // the text view does with the key what text views do; then the preview
         Commit,
         Hide,
-        Copy
+        Copy,
+        Find,
+        FindEarlier
     };
     bool goesToEnd = false; // the cursor, and into view
     std::optional<EntryRange> select = std::nullopt;
