@@ -38,9 +38,10 @@ static constexpr KeyRow KEYS[] = {
     key("Return", KEY_RETURN, 0, K::Commit, "evaluates the entry, wherever in it the cursor is"),
     key("Enter", KEY_ENTER, 0, K::Commit, nullptr),
     key("Tab", KEY_TAB, 0, K::Complete,
-        "completes the name of a function: `sq` becomes `sqrt()`; again for the next one that fits. The "
-        "proposal is "
-        "selected: type over it, or press End to keep it"),
+        "completes the name of a function: `sq` becomes `sqrt()`; again for the next one that fits, then "
+        "variables "
+        "and command words; behind `->` units. The proposal is selected: type over it, or press End to keep "
+        "it"),
     key("Escape", KEY_ESCAPE, 0, K::Escape,
         "empties the entry. On an empty entry it hides the window (see [the window](#the-window))"),
     key("Escape", KEY_ESCAPE, 0, K::Interrupt, "end a script, a pause or a long calculation"),

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Transcript.h"
 
+#include "Completion.h"
 #include "TypedSigns.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstring>
+#include <iterator>
 
 ZqCalculator calc;
 int32_t g_linestart = 0;
@@ -86,23 +87,47 @@ KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSig
     }
 }
 
-// The rest of the next name goes in place of the selection and is selected, so that the next Tab replaces it.
+// The rest of the next proposal goes in place of the selection and is selected, so that the next Tab replaces
+// it.
 KeyEffect Transcript::Complete() const {
     KeyEffect effect;
     const size_t place = selection.location;
     if (place <= Start()) return effect;
-    if (prevKey != KEY_TAB) funcs.TabCompleteReset();
-    const EntryRange word = PartialWord();
-    size_t length = 0;
-    for (; length < std::min(word.length, PROMPT_SIZE - 1); ++length)
-        prompt[length] = static_cast<char>(entry[word.location - Start() + length]);
-    prompt[length] = '\0';
-    const Function* const candidate = funcs.FindTabComplete(prompt);
     effect.edit = Edit::Replace;
-    if (candidate)
-        effect.text = std::string(candidate->name + std::min(length, strlen(candidate->name))) + "()";
+    effect.text = NextProposal();
     effect.selectAfter = EntryRange{place, effect.text.size()};
     return effect;
+}
+
+// A cycle: the functions that begin with the word before the cursor, then whatever else fits there, then
+// nothing. What is selected tells how far it has come. The functions do not fit behind an arrow, for one.
+std::string Transcript::NextProposal() const {
+    if (prevKey != KEY_TAB) funcs.TabCompleteReset();
+    const EntryRange word = PartialWord();
+    const std::string typed = EightBit(0, selection.location - Start());
+    Completion others = completionsAt(typed, typed.size(), calc);
+    if (others.start != word.location - Start()) others.candidates.clear();
+    std::vector<std::string>& rest = others.candidates;
+    const bool isElsewhere = !rest.empty();
+    const auto end =
+        std::remove_if(rest.begin(), rest.end(), [](const std::string& s) { return s.back() == '('; });
+    const bool hasFunctions = end != rest.end() || !isElsewhere;
+    rest.erase(end, rest.end());
+    for (std::string& one : rest) one.erase(0, word.length);
+    const std::string shown = prevKey == KEY_TAB ? EightBit(typed.size(), selection.length) : "";
+    const auto present = shown.empty() ? rest.end() : std::find(rest.begin(), rest.end(), shown);
+    if (present != rest.end()) return std::next(present) == rest.end() ? "" : *std::next(present);
+    snprintf(prompt, sizeof prompt, "%s", EightBit(word.location - Start(), word.length).c_str());
+    const Function* const function = hasFunctions ? funcs.FindTabComplete(prompt) : nullptr;
+    if (function) return std::string(function->name).erase(0, word.length) + "()";
+    return rest.empty() ? "" : rest.front();
+}
+
+std::string Transcript::EightBit(size_t from, size_t length) const {
+    std::string bytes;
+    for (const char16_t c : entry.substr(std::min(from, entry.size()), length))
+        bytes += c > 0xff ? '?' : static_cast<char>(c);
+    return bytes;
 }
 
 KeyEffect Transcript::Escape() const {

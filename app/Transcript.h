@@ -95,6 +95,8 @@ public:
 private:
     KeyEffect Act(KeyAction action, const KeyPress& key, bool minusIsSign) const;
     KeyEffect Complete() const;
+    std::string NextProposal() const;
+    std::string EightBit(size_t from, size_t length) const; // of the entry
     KeyEffect Escape() const;
     KeyEffect Erase(bool isForward) const;
     KeyEffect GoHome(bool extends) const;

@@ -7,6 +7,7 @@
 #include "Hints.h"
 #include "Interrupt.h"
 #include "Keyboard.h"
+#include "PromptCompletion.h"
 #include "PromptFiles.h"
 #include "PromptWords.h"
 #include "ScreenText.h"
@@ -183,7 +184,7 @@ std::string Prompt::PreviewOf(const std::string& entry) {
 }
 
 Completion Prompt::CompletionsAt(const std::string& entry, size_t cursor) {
-    return completionsAt(entry, cursor, session.Calculator());
+    return promptCompletionsAt(entry, cursor, session.Calculator());
 }
 
 } // namespace

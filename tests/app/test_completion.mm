@@ -40,18 +40,50 @@ TEST_F(Completion, EachTabProposesTheNextNameThenNoneThenTheFirstAgain) {
 }
 
 TEST_F(Completion, BuiltInNamesAreProposedToo) {
-    Type("s");
+    Type("1+s");
     std::string seen;
     for (int i = 0; i < 40; ++i) {
         Press(KEY_TAB);
-        if (Entry() == "s") break;
-        EXPECT_EQ("s", Entry().substr(0, 1));
+        if (Entry() == "1+s") break;
+        EXPECT_EQ("1+s", Entry().substr(0, 3));
         EXPECT_EQ("()", Entry().substr(Entry().size() - 2));
         seen += Entry() + " ";
     }
     EXPECT_NE(std::string::npos, seen.find("sin() "));
     EXPECT_NE(std::string::npos, seen.find("sqrt() "));
-    EXPECT_EQ("s", Entry());
+    EXPECT_EQ("1+s", Entry());
+}
+
+TEST_F(Completion, BehindTheFunctionsComeCommandWordsAndVariables) {
+    Enter("zzwidth=3");
+    first = Transcript();
+    Type("zz");
+    for (int i = 0; i < 3; ++i) Press(KEY_TAB);
+    ExpectTab("zzwidth", "width");
+    ExpectTab("zz", "");
+    ExpectTab("zzip9_a()", "ip9_a()");
+    Press(KEY_ESCAPE);
+    Type("sigf");
+    ExpectTab("sigfigs ", "igs ");
+}
+
+TEST_F(Completion, ACommandsArgumentsAreProposedAlone) {
+    Type("display ");
+    ExpectTab("display bin", "bin");
+    ExpectTab("display dec", "dec");
+    ExpectTab("display hex", "hex");
+    ExpectTab("display ", "");
+}
+
+TEST_F(Completion, BehindAnArrowUnitsAreProposed) {
+    Type("5 km->mil");
+    ExpectTab("5 km->mile", "e");
+    Press(KEY_ESCAPE);
+    Type("5 g->kilogra");
+    ExpectTab("5 g->kilogram", "m");
+    Press(KEY_ESCAPE);
+    Type("5 km->zz");
+    ExpectTab("5 km->zz", "");
 }
 
 TEST_F(Completion, AnotherKeyStartsANewCycle) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Completion.h"
+#include "PromptCompletion.h"
 
 #include "Builtins.h"
 #include "Calculator.h"
@@ -27,7 +27,8 @@ protected:
     // What fits at the bar.
     Names At(const std::string& marked) const {
         const size_t cursor = marked.find('|');
-        return completionsAt(marked.substr(0, cursor) + marked.substr(cursor + 1), cursor, calc).candidates;
+        return promptCompletionsAt(marked.substr(0, cursor) + marked.substr(cursor + 1), cursor, calc)
+            .candidates;
     }
     bool Fits(const std::string& marked, const std::string& name) const {
         const Names names = At(marked);
@@ -103,8 +104,8 @@ TEST_F(CompletionTest, NothingFitsANumberAndAComment) {
 }
 
 TEST_F(CompletionTest, TheWordThatIsReplacedBeginsAtItsFirstLetter) {
-    EXPECT_EQ(completionsAt("2+sq", 4, calc).start, 2U);
-    EXPECT_EQ(completionsAt("5 km->", 6, calc).start, 6U);
+    EXPECT_EQ(promptCompletionsAt("2+sq", 4, calc).start, 2U);
+    EXPECT_EQ(promptCompletionsAt("5 km->", 6, calc).start, 6U);
 }
 
 } // namespace

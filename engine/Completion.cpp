@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "Completion.h"
+
+#include "Builtins.h"
+#include "Calculator.h"
+#include "Helpers_String.h"
+#include "units.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+std::string inLowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) c = lowerCase(c);
+    return lower;
+}
+
+bool beginsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+void addFunctions(const EntryPlace& place, std::vector<std::string>& found, const char* end) {
+    const std::string word = inLowerCase(place.word);
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        if (beginsWith(inLowerCase(function->name), word)) found.push_back(function->name + std::string(end));
+    }
+}
+
+void addVariables(const EntryPlace& place, const ZqCalculator& calc, std::vector<std::string>& found) {
+    for (const node* variable = calc.vars.first; variable; variable = variable->next) {
+        if (beginsWith(variable->text, place.word)) found.emplace_back(variable->text);
+    }
+}
+
+// What the command words and their arguments look like.
+std::vector<std::string> commandPhrases() {
+    std::vector<std::string> phrases;
+    for (const Command& command : commandTable()) {
+        const bool hasArgument = command.match == Command::WORD_ARGUMENT || command.match == Command::WORD;
+        if (*command.word != '\0') phrases.push_back(command.word + std::string(hasArgument ? " " : ""));
+    }
+    for (const Setting& setting : SETTINGS) {
+        if (setting.command.word) addChoices(phrases, setting.command.word, setting.choices);
+    }
+    return phrases;
+}
+
+// Whether what is completed is the argument of one of these words.
+bool isArgumentOf(const EntryPlace& place, std::initializer_list<const char*> words) {
+    const std::string head = inLowerCase(place.head);
+    return std::any_of(words.begin(), words.end(),
+                       [&head](const char* word) { return head == word + std::string(" "); });
+}
+
+std::vector<std::string> candidatesAt(const EntryPlace& place, const ZqCalculator& calc, bool isCall) {
+    std::vector<std::string> found;
+    const size_t arrow = place.head.rfind("->");
+    if (arrow != std::string::npos) {
+        const std::string between = place.head.substr(arrow + 2);
+        if (between.find_first_of("(),=<>") == std::string::npos) {
+            addUnits(place, found);
+            return found;
+        }
+    }
+    if (isArgumentOf(place, {"del", "rem", "disp"})) {
+        addVariables(place, calc, found);
+        if (place.head[1] == 'i') return found; // disp
+        addFunctions(place, found, "");
+        for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
+            const std::string name(unit->text + 5, std::strcspn(unit->text + 5, "=")); // behind "unit "
+            if (beginsWith(name, place.word)) found.push_back(name);
+        }
+        if (beginsWith("all", place.word)) found.emplace_back("all");
+        return found;
+    }
+    addPhrases(place, commandPhrases(), found);
+    if (!place.head.empty() && !found.empty()) return found; // the argument of a command
+    addFunctions(place, found, isCall ? "" : "(");
+    addVariables(place, calc, found);
+    return found;
+}
+
+} // namespace
+
+void addChoices(std::vector<std::string>& phrases, const std::string& start, const SettingChoices& choices) {
+    if (choices.begin() == choices.end()) phrases.push_back(start + " ");
+    for (const SettingChoice& choice : choices) phrases.push_back(start + " " + choice.word);
+}
+
+void addPhrases(const EntryPlace& place, const std::vector<std::string>& phrases,
+                std::vector<std::string>& found) {
+    const std::string typed = inLowerCase(place.head + place.word);
+    for (const std::string& phrase : phrases) {
+        if (!beginsWith(inLowerCase(phrase), typed) || phrase.size() == typed.size()) continue;
+        const std::string rest = phrase.substr(place.head.size());
+        const size_t blank = rest.find(' ');
+        found.push_back(rest.substr(0, blank == std::string::npos ? blank : blank + 1));
+    }
+}
+
+void addUnits(const EntryPlace& place, std::vector<std::string>& found) {
+    const std::vector<std::string> units = units_names();
+    const auto add = [&](const std::string& prefix) {
+        for (const std::string& unit : units) {
+            if (beginsWith(prefix + unit, place.word)) found.push_back(prefix + unit);
+        }
+    };
+    add("");
+    for (const std::string& prefix : units_prefix_names()) {
+        if (place.word.size() > prefix.size() && beginsWith(place.word, prefix))
+            add(prefix);
+        else if (beginsWith(prefix, place.word))
+            found.push_back(prefix);
+    }
+}
+
+EntryPlace entryPlace(const std::string& entry, size_t cursor) {
+    const std::string typed = entry.substr(0, cursor);
+    EntryPlace place;
+    place.start = typed.size();
+    while (place.start > 0 && isOfName(typed[place.start - 1])) --place.start;
+    place.word = typed.substr(place.start);
+    const size_t statement = typed.rfind(';', place.start) + 1; // 0 when there is none
+    place.head = typed.substr(statement, place.start - statement);
+    place.head.erase(0, std::min(place.head.find_first_not_of(" \t"), place.head.size()));
+    return place;
+}
+
+Completion completionOf(const EntryPlace& place, std::vector<std::string> candidates) {
+    std::sort(candidates.begin(), candidates.end());
+    candidates.erase(std::unique(candidates.begin(), candidates.end()), candidates.end());
+    return {place.start, std::move(candidates)};
+}
+
+Completion completionsAt(const std::string& entry, size_t cursor, const ZqCalculator& calc) {
+    const EntryPlace place = entryPlace(entry, cursor);
+    const bool isNumber = !place.word.empty() && place.word[0] >= '0' && place.word[0] <= '9';
+    if (isNumber || place.head.find('#') != std::string::npos) return {place.start, {}};
+    return completionOf(place, candidatesAt(place, calc, entry[cursor] == '('));
+}
