@@ -192,6 +192,7 @@ DefinitionsText::DefinitionsText(const std::string& text) {
 
 DefinitionLines DefinitionsText::LinesByKey() const {
     DefinitionLines byKey;
+    byKey.reserve(records.size());
     for (const DefinitionRecord& record : records) {
         const std::string key = record.section == NO_SECTION ? "" : record.Key();
         if (!key.empty()) byKey[key] += record.line + '\n';

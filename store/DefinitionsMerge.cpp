@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -101,7 +103,7 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
     const Theirs others(theirs);
     const DefinitionLines mine = PresentIn(text);
     Sections merged;
-    std::set<std::string> isDone;
+    std::unordered_set<std::string> isDone;
     for (const DefinitionsText* const side : {&text, &others.text}) {
         for (const DefinitionRecord& record : side->records) {
             const std::string key = record.Key();
@@ -116,12 +118,16 @@ std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& 
 DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
     const Theirs others(theirs);
     const DefinitionLines oursNow = PresentIn(DefinitionsText(ours));
-    DefinitionLines all = others.lines;
-    all.insert(file.begin(), file.end());
+    std::set<std::string> changed; // in a fixed order
+    for (const DefinitionLines* const side : {&others.lines, &std::as_const(file)}) {
+        for (const auto& [key, anyLine] : *side) {
+            if (lineOf(others.lines, key) != lineOf(file, key)) changed.insert(key);
+        }
+    }
     Foreign foreign;
-    for (const auto& [key, anyLine] : all) {
+    for (const std::string& key : changed) {
         const std::string &mine = lineOf(oursNow, key), &line = lineOf(others.lines, key);
-        if (line == lineOf(file, key) || line != Choose(key, mine, others)) continue;
+        if (line != Choose(key, mine, others)) continue;
         foreign.keys.insert(key);
         setLine(file, key, line);
         if (line == mine) continue;

@@ -10,7 +10,6 @@
 #include "DefinitionRecords.h"
 #include "System.h"
 
-#include <map>
 #include <set>
 #include <string>
 #include <system_error>

@@ -5,6 +5,7 @@
 #include "Folder.h"
 
 #include <csignal>
+#include <map>
 #include <utility>
 
 void Keeper::Open(const std::string& path) {
