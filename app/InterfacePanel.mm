@@ -12,7 +12,7 @@
 #import "TextFormatter.h"
 
 static const CGFloat WIDTH = 432;
-static const CGFloat HEIGHT = 516;
+static const CGFloat HEIGHT = 544;
 static const CGFloat EDGE = 24;
 static const CGFloat LABELS = 126; // the width of the labels' column
 static const CGFloat GAP = 10;
@@ -182,6 +182,7 @@ static void addWindow(Grid& grid, PrefControls& made) {
     made.prefTransBGOnly = grid.Box("transback");
     made.prefSnapTo = grid.Box("snaptoscreen");
     made.prefAlwaysTop = grid.Box(@"Keep above other windows");
+    grid.Box("startclear");
     made.prefStatusIcon = grid.Box("statusicon");
     if (platformStatusBar()) return;
     [made.prefStatusIcon setEnabled:NO];

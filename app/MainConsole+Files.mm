@@ -7,7 +7,9 @@
 #import "SettingsDictionary.h"
 
 #include "Folder.h"
+#include "TranscriptFile.h"
 
+#include <algorithm>
 #include <cstdio>
 
 @implementation MainConsole (Files)
@@ -54,6 +56,7 @@
 }
 
 - (void)saveSettings {
+    [self keepTranscript];
     keeper.SaveSettings([self settingsFileText]);
     [self tellFailedWritingAfter:0];
 }
@@ -129,11 +132,13 @@
 }
 
 - (void)saveFuncFile {
+    [self keepTranscript];
     keeper.SaveDefinitions(calc);
     [self tellFailedWritingAfter:0];
 }
 
 - (void)startWriting {
+    [self keepTranscript];
     keeper.SaveBoth(calc, [self settingsFileText]);
     [self tellFailedWritingAfter:0];
 }
@@ -148,6 +153,27 @@
     NSString* const text = [NSString stringWithUTF8String:news.c_str()];
     if (!news.empty()) [self performSelector:@selector(tellReading:) withObject:text afterDelay:0];
     for (const Setting& setting : SETTINGS) setting.Apply([self setting:@(setting.key)], calc);
+}
+
+// --- The transcript ---
+
+// What stands in front of the prompt.
+- (void)keepTranscript {
+    if ([self setting:@"startclear"] != 0) return keeper.SetTranscript("");
+    const NSUInteger end = std::min(static_cast<NSUInteger>(g_linestart), [[self string] length]);
+    const NSUInteger length = std::min(end, static_cast<NSUInteger>(TRANSCRIPT_BYTES));
+    std::string last = bytesOf([[self string] substringWithRange:NSMakeRange(end - length, length)]);
+    if (last.size() >= 2 && last.compare(last.size() - 2, 2, "> ") == 0) last.resize(last.size() - 2);
+    keeper.SetTranscript(last);
+}
+
+- (void)bringBackTranscript {
+    const std::string text = keeper.ReadTranscript();
+    if (text.empty() || [self setting:@"startclear"] != 0) return;
+    [self setString:[@(text.c_str()) stringByAppendingString:@"> "]];
+    g_linestart = static_cast<int32_t>([[self string] length]);
+    [[self undoManager] removeAllActions];
+    [self gotoEnd];
 }
 
 // --- Writing shortly after an entry ---

@@ -199,6 +199,10 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)saveFuncFile; // functions, variables, units and history to funcFilePath
 - (void)loadFuncFile;
 
+// The last lines of the transcript are kept in a file of their own, unless the person does not want that.
+- (void)keepTranscript;      // with what is written next
+- (void)bringBackTranscript; // in front of a new prompt
+
 // The integer under the key. A key that is missing reads as its default where zero would be no value.
 - (int)setting:(NSString*)key;
 - (void)setSetting:(NSString*)key to:(int)value;

@@ -88,6 +88,7 @@ static bool isInterrupted() {
     [self applySettings];
     [self populateVarsMenu];
     [self populateFuncMenu];
+    [self bringBackTranscript];
     [self initWindowProperties];
     [self initWindowLocation];
     [self showWindow:window];
@@ -177,6 +178,7 @@ static NSSize scaledSize(NSSize points) {
     // A menu in the window has made the frame larger.
     [self initWindowLocation];
     [self fitToScrollView];
+    [self gotoEnd];
     [NSApp activateIgnoringOtherApps:YES];
 }
 

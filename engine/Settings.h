@@ -128,6 +128,7 @@ inline constexpr Setting SETTINGS[] = {
     {"snaptoscreen", "the window snaps to the edges of the screen", Setting::FLAG, 1, 0, 1, "Snap to screen edges"},
     {"transback", "the window fades when another program is in front", Setting::FLAG, 1, 0, 1, "Fade the window when inactive"},
     {"statusicon", "shows the status item in the menu bar", Setting::FLAG, 1, 0, 1, "Show the status item"},
+    {"startclear", "the window starts with an empty transcript", Setting::FLAG, 0, 0, 1, "Start with an empty transcript"},
     {"alwaystop", "kept for older files; changes nothing", Setting::FLAG, 0},
     {"mintotray", "kept for older files; changes nothing", Setting::FLAG, 0},
     {"autoeval", "shows the answer below the line while you type at the prompt", Setting::FLAG, 1},

@@ -44,6 +44,10 @@ std::string definitionsPath(const std::string& folder) {
     return folder + "/pelmo_functions.txt";
 }
 
+std::string transcriptPath(const std::string& folder) {
+    return folder + "/transcript.txt";
+}
+
 std::string configFolder() {
     return chosenFolder("XDG_CONFIG_HOME", "/.config/") + "tallyquill";
 }

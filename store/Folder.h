@@ -16,6 +16,7 @@ std::string ownFolder();
 // The files in that folder.
 std::string settingsPath(const std::string& folder);
 std::string definitionsPath(const std::string& folder);
+std::string transcriptPath(const std::string& folder);
 
 // The folder of what a person has written to configure the terminal's program: $XDG_CONFIG_HOME/tallyquill
 // when that begins with '/', or ~/.config/tallyquill, as above. It is never made.

@@ -3,7 +3,9 @@
 
 #include "DefinitionsFile.h"
 #include "Folder.h"
+#include "TranscriptFile.h"
 
+#include <cerrno>
 #include <csignal>
 #include <map>
 #include <utility>
@@ -13,15 +15,18 @@ void Keeper::Open(const std::string& path) {
     folder = path;
     settingsFile.path = settingsPath(folder);
     definitionsFile.path = definitionsPath(folder);
+    transcriptFile.path = transcriptPath(folder);
     makeFolder(folder, system);
-    removeLeftovers(settingsFile.path, system);
-    removeLeftovers(definitionsFile.path, system);
+    for (const File* const file : {&settingsFile, &definitionsFile, &transcriptFile})
+        removeLeftovers(file->path, system);
 }
 
 void Keeper::Close() {
     Finish();
     Forget();
-    settingsFile = definitionsFile = {};
+    settingsFile = definitionsFile = transcriptFile = {};
+    transcript.reset();
+    transcriptKept.reset();
     definitionsStamp = {};
     merge = {};
 }
@@ -88,6 +93,14 @@ std::string Keeper::TextOf(const ZqCalculator& calc) const {
     return definitionsText(calc, merge.LeftOut());
 }
 
+std::string Keeper::ReadTranscript() {
+    Finish();
+    std::string text;
+    readWholeFile(transcriptFile.path, text, system);
+    transcriptKept = text;
+    return endOfTranscript(text);
+}
+
 // No reason is given when there is nothing to keep, or when there are ten copies already.
 void Keeper::KeepBeside(File& file) {
     if (file.path.empty()) return;
@@ -105,6 +118,20 @@ bool Keeper::MayWrite(File& file) {
     return !file.path.empty() && !file.isOnlyCopy;
 }
 
+void Keeper::SetTranscript(const std::string& text) {
+    Finish();
+    if (transcriptKept && !transcriptFile.path.empty()) transcript = endOfTranscript(text);
+}
+
+// A file that is to be empty is removed.
+bool Keeper::WriteTranscript(const std::string& text, std::error_code& reason) {
+    const char* const path = transcriptFile.path.c_str();
+    if (!text.empty()) return writeFileAtomically(path, text, &reason, system);
+    if (system.Remove(path) == 0 || errno == ENOENT) return true;
+    reason = {errno, std::generic_category()};
+    return false;
+}
+
 // Starts to write the texts that are not empty, behind those of the call before.
 void Keeper::Write(std::string settings, std::string definitions) {
     Finish();
@@ -112,6 +139,7 @@ void Keeper::Write(std::string settings, std::string definitions) {
     if (!settings.empty() && !MayWrite(settingsFile)) settings.clear();
     if (!definitions.empty() && !MayWrite(definitionsFile)) definitions.clear();
     definitionsSeen.clear();
+    if (transcript == transcriptKept) transcript.reset();
     isBusy = true;
     // Signals are for whoever waits for them, not for this thread: it takes over the mask.
     sigset_t all, found;
@@ -128,6 +156,12 @@ void Keeper::Write(std::string settings, std::string definitions) {
             note(settingsFile, writeFileAtomically(settingsFile.path, settings, &reason, system), reason);
         if (!definitions.empty())
             note(definitionsFile, merge.Write(definitionsFile.path, definitions, reason, system), reason);
+        if (transcript) {
+            const bool isWritten = WriteTranscript(*transcript, reason);
+            if (isWritten) transcriptKept = std::move(transcript);
+            note(transcriptFile, isWritten, reason);
+        }
+        transcript.reset();
         isBusy = false;
     });
     pthread_sigmask(SIG_SETMASK, &found, nullptr);
@@ -187,7 +221,7 @@ void Keeper::File::SetFailed(std::error_code reason) {
 std::string Keeper::TakeNews() {
     Finish();
     std::map<std::string, std::string> names; // by reasons
-    for (File* const file : {&definitionsFile, &settingsFile}) {
+    for (File* const file : {&definitionsFile, &settingsFile, &transcriptFile}) {
         if (!file->failure || std::exchange(file->isTold, true)) continue;
         std::string& text = names[file->failure.message()];
         text += (text.empty() ? "" : ", ") + file->path.substr(folder.size() + 1);
@@ -202,8 +236,8 @@ std::string Keeper::TakeNews() {
 
 std::string Keeper::TakeFailures() {
     Finish();
-    definitionsFile.isTold = settingsFile.isTold = false;
+    definitionsFile.isTold = settingsFile.isTold = transcriptFile.isTold = false;
     std::string all = TakeNews();
-    definitionsFile.failure = settingsFile.failure = {};
+    definitionsFile.failure = settingsFile.failure = transcriptFile.failure = {};
     return all;
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What a front end keeps from one run to the next: the settings and the definitions, in two files of one
-// folder. It knows what is due to be written, writes it while the person goes on (flushing a file takes
-// milliseconds, at times tenths of a second), and what could not be written, and why.
+// What a front end keeps from one run to the next: the settings, the definitions and the end of the window's
+// transcript, in files of one folder. It knows what is due to be written, writes it while the person goes on
+// (flushing a file takes milliseconds, at times tenths of a second), and what could not be written, and why.
 #pragma once
 
 #include "DefinitionsMerge.h"
@@ -10,6 +10,7 @@
 #include "System.h"
 
 #include <atomic>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -58,7 +59,14 @@ public:
     // ReadDefinitions.
     void LeaveOut(const std::string& before, const ZqCalculator& calc);
 
+    // The end of the transcript (TranscriptFile.h), or nothing when there is none.
+    std::string ReadTranscript();
+
     // --- Writing ---
+
+    // The end of this transcript is written with the next of the files; an empty one removes the file.
+    // Nothing before ReadTranscript.
+    void SetTranscript(const std::string& text);
 
     // At once: return when it is written, or has failed. An empty text of settings is not written.
     void SaveSettings(const std::string& text);
@@ -107,12 +115,17 @@ private:
     void KeepBeside(File& file);
     bool MayWrite(File& file);
     void Write(std::string settings, std::string definitions);
+    bool WriteTranscript(const std::string& text, std::error_code& reason);
     void Forget();
 
     System& system;
     std::string folder;
     File settingsFile;
     File definitionsFile;
+    File transcriptFile;
+    std::optional<std::string> transcript; // to be written
+    std::optional<std::string>
+        transcriptKept;     // what the file holds, once it was read; the worker's until Finish
     DefinitionsMerge merge; // another copy of the program may have written the file meanwhile
 
     // What entries have changed since the files were written.

@@ -326,6 +326,58 @@ TEST_F(Kept, WhatAnotherProgramDefinesIsTakenIntoTheCalculator) {
 // --- Two programs ---
 
 // Another program, as the file sees it: it reads the file, changes its text and writes it.
+// --- The transcript ---
+
+TEST_F(Kept, TheTranscriptIsWrittenBesideTheOtherFilesWhenItHasChanged) {
+    EXPECT_EQ("", keeper.ReadTranscript());
+    keeper.SetTranscript("> 1+1\nans = 2\n");
+    SaveBoth();
+    EXPECT_EQ("> 1+1\nans = 2\n", contentOf(File("transcript.txt")));
+    struct stat info = {};
+    ASSERT_EQ(0, stat(File("transcript.txt").c_str(), &info));
+    EXPECT_EQ(0600U, info.st_mode & 07777U);
+    putContent(File("transcript.txt"), "of another window\n");
+    keeper.SetTranscript("> 1+1\nans = 2\n");
+    keeper.SaveSettings("settings");
+    EXPECT_EQ("of another window\n", contentOf(File("transcript.txt"))) << "nothing has changed here";
+    keeper.SetTranscript("3\n");
+    keeper.SaveSettings("settings");
+    EXPECT_EQ("3\n", keeper.ReadTranscript());
+}
+
+TEST_F(Kept, AnEmptyTranscriptHasNoFile) {
+    putContent(File("transcript.txt"), "x\x1b\n");
+    EXPECT_EQ("x?\n", keeper.ReadTranscript());
+    keeper.SetTranscript("");
+    SaveBoth();
+    struct stat info = {};
+    EXPECT_NE(0, stat(File("transcript.txt").c_str(), &info));
+    EXPECT_EQ("", keeper.ReadTranscript());
+    keeper.SetTranscript("");
+    SaveBoth();
+    EXPECT_EQ("", keeper.TakeNews());
+}
+
+TEST_F(Kept, ATranscriptThatWasNotReadIsNotTouched) {
+    putContent(File("transcript.txt"), "x\n");
+    keeper.SetTranscript("");
+    SaveBoth();
+    EXPECT_EQ("x\n", contentOf(File("transcript.txt")));
+}
+
+TEST_F(Kept, ATranscriptThatCouldNotBeWrittenIsToldOfAndWrittenLater) {
+    keeper.ReadTranscript();
+    ASSERT_EQ(0, mkdir(File("transcript.txt").c_str(), 0700));
+    keeper.SetTranscript("x\n");
+    SaveBoth();
+    EXPECT_EQ("Not saved: transcript.txt" + Reason(EISDIR), keeper.TakeNews());
+    ASSERT_EQ(0, rmdir(File("transcript.txt").c_str()));
+    keeper.SetTranscript("x\n");
+    SaveBoth();
+    EXPECT_EQ("x\n", contentOf(File("transcript.txt")));
+    EXPECT_EQ("", keeper.TakeFailures());
+}
+
 class TwoPrograms : public Kept {
 protected:
     void Begin(std::initializer_list<const char*> lines) {

@@ -17,6 +17,7 @@ REST = 8  # looks that show the same
 STEP = 0.05  # seconds between two looks
 FUNCTIONS_FILE = "pelmo_functions.txt"
 SETTINGS_FILE = "pelmo_settings.plist"
+TRANSCRIPT_FILE = "transcript.txt"
 # The middles of a question's buttons, in pixels from its right edge.
 DEFAULT_BUTTON = 60
 OTHER_BUTTON = 179

@@ -86,7 +86,7 @@ class Newcomer(unittest.TestCase):
         window = self.start()
         window.type("s")
         window.key("Up", "Up")
-        window.wait_for_whole_text("> sqrt(2)")
+        window.wait_for_text("> 0xff\nans = 255\n\n> sqrt(2)")  # behind what stood there
         window.key("Escape")
         window.enter("hyp(side,0)")
         window.wait_for_text("\nans = 12.5\n\n> ")

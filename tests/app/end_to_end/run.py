@@ -7,7 +7,8 @@
 import os
 import subprocess
 
-from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, activate, at_rest, is_open, run, titled, wait_until
+from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, TRANSCRIPT_FILE, activate, at_rest, is_open, run
+from calculator_window import titled, wait_until
 from scenario import Scenario, main
 
 MENU_BAR = 22  # pixels that the menu in the window adds to its smallest height
@@ -77,7 +78,7 @@ class EndToEnd(Scenario):
         window = self.start()
         window.type("40")
         window.key("Up")
-        window.wait_for_whole_text("> 40+2")
+        window.wait_for_text("\n> 40+2")
         window.key("Escape")
         window.enter("tripled(width)")
         window.wait_for_text("\nans = 21\n\n> ")
@@ -117,7 +118,8 @@ class EndToEnd(Scenario):
         self.assertIn("first=1", lines)
         self.assertIn("second=2", lines)
         # Nothing is left of the writing but the lock, which stays.
-        self.assertEqual(sorted(os.listdir(two.files)), [f".{FUNCTIONS_FILE}.lock", FUNCTIONS_FILE, SETTINGS_FILE])
+        names = [f".{FUNCTIONS_FILE}.lock", FUNCTIONS_FILE, SETTINGS_FILE, TRANSCRIPT_FILE]
+        self.assertEqual(sorted(os.listdir(two.files)), names)
 
         window = self.start()
         window.enter("first+second")
