@@ -48,6 +48,9 @@ bool isShown(NSWindow* mainWindow);
 // A click on the application's icon brings the window back, wherever it is.
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)application hasVisibleWindows:(BOOL)isAnyVisible;
 
+// The program was started again: shows the window, wherever it is, and opens the files of these paths.
+- (void)showAgainWith:(NSArray*)paths;
+
 - (void)applicationDidBecomeActive:(NSNotification*)notification;
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path;
 

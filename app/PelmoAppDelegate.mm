@@ -51,10 +51,24 @@ bool isShown(NSWindow* mainWindow) {
     calcIsReady = 1;
     NSArray* const paths = [waitingToOpenFilenames autorelease];
     waitingToOpenFilenames = nil;
+    [self openFiles:paths];
+}
+
+- (void)openFiles:(NSArray*)paths {
     for (NSString* const path in paths) {
-        if (![mainConsole loadFile:path]) [mainConsole simpleAlert:@"The script could not be opened.":path];
-        if (![window isVisible]) break; // the script closed it
+        if (![self application:NSApp openFile:path])
+            [mainConsole simpleAlert:@"The script could not be opened.":path];
+        if (calcIsReady && ![window isVisible]) break; // the script closed it
     }
+}
+
+- (void)showAgainWith:(NSArray*)paths {
+    if (calcIsReady) {
+        [self bringBack];
+        [self applicationDidBecomeActive:nil]; // also when it was just fading away
+        platformFocus(window);
+    }
+    [self openFiles:paths];
 }
 
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path {

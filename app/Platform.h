@@ -30,9 +30,18 @@ bool platformHasDisplay();
 // told by displayWasLost before the program ends with status 1.
 void platformAfterLaunch();
 
-// The paths of the files that the command line names, in order. On macOS the system hands files over by
+// The paths of the files that the command line names, in order; our own options and GNUstep's are none. On macOS the system hands files over by
 // itself.
 NSArray* platformFileArguments(int argc, const char* const* argv);
+
+// True when a window of this person on this display was there, has taken the paths and shows itself: this
+// start is over then. Otherwise, and always where another window `isWanted`, later starts are told to the
+// delegate by showAgainWith:. Call it before there is an application. On macOS the system does that, and it
+// is false.
+bool platformHandOver(NSArray* paths, bool isWanted);
+
+// Asks the window manager to give a window the focus, also when another program has it. Nothing on macOS.
+void platformFocus(NSWindow* window);
 
 // Opens a page in the browser. False when the address is none or nothing can be started.
 bool platformOpenPage(NSString* address);

@@ -5,6 +5,7 @@
 #import "Platform.h"
 #import "Termination.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -12,11 +13,14 @@
 
 static const int STATUS_NO_DISPLAY = 1;
 
+static bool hasOption(int argc, const char* const* argv, const char* option) {
+    return std::any_of(argv + 1, argv + argc, [option](const char* one) { return strcmp(one, option) == 0; });
+}
+
 // The engine writes the trace of its evaluation to standard output, where it would fill a desktop's log. With
 // the option of the terminal's program, --trace, it goes to standard error as it does there.
 static void directTrace(int argc, const char* const* argv) {
-    bool isWanted = false;
-    for (int i = 1; i < argc; ++i) isWanted = isWanted || strcmp(argv[i], "--trace") == 0;
+    const bool isWanted = hasOption(argc, argv, "--trace");
     const int trace = isWanted ? dup(STDERR_FILENO) : open("/dev/null", O_WRONLY);
     if (trace < 0 || trace == STDOUT_FILENO) return;
     dup2(trace, STDOUT_FILENO);
@@ -33,6 +37,8 @@ int main(int argc, const char** argv) {
               stderr);
         return STATUS_NO_DISPLAY;
     }
+    NSArray* const paths = platformFileArguments(argc, argv);
+    if (platformHandOver(paths, hasOption(argc, argv, "--new-window"))) return 0;
     const std::vector<int> signals = terminationSignals();
     [NSApplication sharedApplication];
     heedTerminationSignals(signals);
@@ -40,7 +46,7 @@ int main(int argc, const char** argv) {
     useNightTheme();
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];
-    waitingToOpenFilenames = [platformFileArguments(argc, argv) mutableCopy];
+    waitingToOpenFilenames = [paths mutableCopy];
     [pool release];
     [NSApp run]; // the end comes as applicationWillTerminate:, and exits
     [delegate release];

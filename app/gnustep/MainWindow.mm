@@ -6,35 +6,50 @@
 
 #include <GNUstepGUI/GSDisplayServer.h>
 #include <X11/Xlib.h>
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 // A window manager's frame takes up to so much of a zoomed window.
 static const CGFloat FRAME_ROOM = 48;
 
-// Asks the window manager to keep a window that is shown above the others, in front of those that are kept
-// there already, or no longer to. It keeps its place in the lists of windows, which a level of GNUstep's own
-// would cost it.
-static void keepAbove(NSWindow* window, bool isAbove) {
+// Sends the root window a message about a window that is shown, one of the "Extended Window Manager Hints".
+static bool tellManager(NSWindow* window, const char* type, const long (&data)[4]) {
     const int number = static_cast<int>([window windowNumber]);
-    if (number <= 0) return;
+    if (number <= 0) return false;
     GSDisplayServer* const server = GSServerForWindow(window);
     Display* const display = static_cast<Display*>([server serverDevice]);
-    if (!display) return;
-    // The "Extended Window Manager Hints": a message to the root window, 1 to add the state and 0 to remove
-    // it.
+    if (!display) return false;
     XEvent message = {};
     message.xclient.type = ClientMessage;
     message.xclient.window = reinterpret_cast<Window>([server windowDevice:number]);
-    message.xclient.message_type = XInternAtom(display, "_NET_WM_STATE", False);
+    message.xclient.message_type = XInternAtom(display, type, False);
     message.xclient.format = 32;
-    message.xclient.data.l[0] = isAbove ? 1 : 0;
-    message.xclient.data.l[1] = static_cast<long>(XInternAtom(display, "_NET_WM_STATE_ABOVE", False));
-    message.xclient.data.l[3] = 1; // an application asks
+    std::copy(std::begin(data), std::end(data), message.xclient.data.l);
     XSendEvent(display, DefaultRootWindow(display), False, SubstructureNotifyMask | SubstructureRedirectMask,
                &message);
+    return true;
+}
+
+// Asks the window manager to keep a window above the others, in front of those that are kept there already,
+// or no longer to. It keeps its place in the lists of windows, which a level of GNUstep's own would cost it.
+static void keepAbove(NSWindow* window, bool isAbove) {
+    GSDisplayServer* const server = GSServerForWindow(window);
+    Display* const display = static_cast<Display*>([server serverDevice]);
+    if (!display) return;
+    const long above = static_cast<long>(XInternAtom(display, "_NET_WM_STATE_ABOVE", False));
+    // 1 adds the state and 0 removes it; the last 1: an application asks.
+    if (!tellManager(window, "_NET_WM_STATE", {isAbove ? 1 : 0, above, 0, 1})) return;
     // A window that joins those above may come below the front one of them.
-    if (isAbove) XRaiseWindow(display, message.xclient.window);
+    const int number = static_cast<int>([window windowNumber]);
+    if (isAbove) XRaiseWindow(display, reinterpret_cast<Window>([server windowDevice:number]));
     XFlush(display);
+}
+
+// 2: as a taskbar asks, whose wish counts whatever has the focus.
+void platformFocus(NSWindow* window) {
+    if (!tellManager(window, "_NET_ACTIVE_WINDOW", {2, CurrentTime, 0, 0})) return;
+    XFlush(static_cast<Display*>([GSServerForWindow(window) serverDevice]));
 }
 
 @interface MainWindow : NSWindow {

@@ -101,7 +101,7 @@ NSArray* platformFileArguments(int argc, const char* const* argv) {
     NSFileManager* const manager = [NSFileManager defaultManager];
     NSMutableArray* const paths = [NSMutableArray array];
     for (int i = 1; i < argc; ++i) {
-        if (strcmp(argv[i], "--trace") == 0) continue;
+        if (strcmp(argv[i], "--trace") == 0 || strcmp(argv[i], "--new-window") == 0) continue;
         if (argv[i][0] == '-') {
             ++i; // -Key Value sets a default of GNUstep
             continue;

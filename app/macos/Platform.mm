@@ -31,6 +31,12 @@ NSArray* platformFileArguments(int, const char* const*) {
     return @[];
 }
 
+bool platformHandOver(NSArray*, bool) {
+    return false;
+}
+
+void platformFocus(NSWindow*) {}
+
 bool platformOpenPage(NSString* address) {
     NSURL* const page = [address length] == 0 ? nil : [NSURL URLWithString:address];
     return page && [[NSWorkspace sharedWorkspace] openURL:page];

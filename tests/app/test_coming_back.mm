@@ -3,6 +3,8 @@
 // The end of the transcript is there again at the next start.
 #import "shell_fixture.h"
 
+#import "PrefController.h"
+
 namespace {
 
 class ComingBack : public ShellTest {

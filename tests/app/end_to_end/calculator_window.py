@@ -175,16 +175,33 @@ class CalculatorWindow:
         self.files = os.path.join(folder, "Tallyquill")
         others = windows()
         self.log = open(os.path.join(folder, "log.txt"), "a+", encoding="utf-8")
-        self.process = subprocess.Popen(
+        self.process = self._run(*arguments)
+        self.id = wait_until("the window", lambda: self._find(others))
+        if not asks:
+            self.activate()
+
+    def _run(self, *arguments):
+        return subprocess.Popen(
             [os.environ["TALLYQUILL_APP"], *arguments],
-            env=dict(os.environ, XDG_DATA_HOME=folder),
+            env=dict(os.environ, XDG_DATA_HOME=os.path.dirname(self.files)),
             stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL,
             stderr=self.log,
         )
-        self.id = wait_until("the window", lambda: self._find(others))
-        if not asks:
-            self.activate()
+
+    def start_again(self, *arguments):
+        """Starts the program over the same files while this window is there, which shows itself instead."""
+        status = self._run(*arguments).wait(PATIENCE)
+        assert status == 0, f"the second start ended with {status}: {self.remarks()}"
+
+        def is_in_front():
+            try:
+                return not self.is_minimised() and has_focus(self.id)
+            except RuntimeError:
+                return False  # for a moment no window has the focus
+
+        wait_until("the window in front", is_in_front)
+        wait_until("an opaque window", lambda: self.opacity() == 1)
 
     def _find(self, others):
         if self.process.poll() is not None:

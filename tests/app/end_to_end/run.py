@@ -8,7 +8,7 @@ import os
 import subprocess
 
 from calculator_window import FUNCTIONS_FILE, SETTINGS_FILE, TRANSCRIPT_FILE, activate, at_rest, is_open, run
-from calculator_window import titled, wait_until
+from calculator_window import titled, wait_until, windows
 from scenario import Scenario, main
 
 MENU_BAR = 22  # pixels that the menu in the window adds to its smallest height
@@ -107,7 +107,7 @@ class EndToEnd(Scenario):
     def test_two_copies_that_quit_one_after_the_other_leave_whole_files(self):
         one = self.start()
         one.enter("first=1")
-        two = self.start()
+        two = self.start("--new-window")
         two.enter("second=2")
         self.quit(one)
         self.quit(two)
@@ -230,6 +230,38 @@ class EndToEnd(Scenario):
         self.assertEqual(window.rest(), place)
         window.enter("1+1")
         window.wait_for_text("\nans = 2\n\n> ")
+        self.quit(window)
+
+    def test_a_second_start_brings_a_hidden_window_back(self):
+        window = self.start()
+        window.key("Escape")
+        wait_until("the hidden window", window.is_minimised)
+        window.start_again()
+        window.enter("6*7")
+        window.wait_for_text("\nans = 42\n\n> ")
+        self.quit(window)
+
+    def test_a_second_start_brings_a_covered_window_to_the_front_and_its_files_with_it(self):
+        script = os.path.join(self.folder, "doubling.script")
+        with open(script, "w", encoding="ascii") as file:
+            file.write("twice(x)=2*x\ntwice(21)\n")
+        window = self.start()
+        other = subprocess.Popen(["xmessage", "-geometry", "1200x700", "the other one"], stderr=subprocess.DEVNULL)
+        try:
+            activate(wait_until("the other", lambda: titled("xmessage")))
+            window.start_again(script)
+            window.wait_for_text("\nans = 42\n\n> ")
+            self.assertEqual([title for _, title in windows() if title == "Tallyquill"], ["Tallyquill"])
+        finally:
+            other.terminate()
+            other.wait()
+        self.quit(window)
+
+    def test_a_start_after_a_crash_opens_a_window(self):
+        window = self.start()
+        window.kill()
+        window = self.start()
+        window.start_again()
         self.quit(window)
 
     def test_the_end_of_a_hidden_window_keeps_its_place(self):

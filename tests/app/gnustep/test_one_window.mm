@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+//
+// A second start of the program finds the first.
+#import "gnustep/OneWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <future>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace {
+
+using Paths = std::vector<std::string>;
+
+class OneWindowTest : public testing::Test {
+protected:
+    void SetUp() override {
+        char name[] = "/tmp/tallyquill-test-XXXXXX";
+        ASSERT_NE(mkdtemp(name), nullptr);
+        folder = name;
+        place = folder + "/place";
+    }
+    void TearDown() override {
+        unlink(place.c_str());
+        unlink((folder + "/.place.lock").c_str());
+        EXPECT_EQ(rmdir(folder.c_str()), 0);
+    }
+
+    // What a start with these paths does while the first window answers it.
+    bool Start(const OneWindow& first, const Paths& paths, Paths& taken) const {
+        std::future<bool> second =
+            std::async(std::launch::async, [&] { return OneWindow(place).HandOver(paths, false); });
+        pollfd call = {first.Listener(), POLLIN, 0};
+        EXPECT_EQ(poll(&call, 1, 10000), 1);
+        EXPECT_TRUE(first.Answer(taken));
+        return second.get();
+    }
+
+    std::string folder, place;
+};
+
+} // namespace
+
+TEST_F(OneWindowTest, TheFirstListensAndIsToldOfTheSecond) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({"/own.script"}, false));
+    ASSERT_GE(first.Listener(), 0);
+    struct stat info = {};
+    ASSERT_EQ(stat(place.c_str(), &info), 0);
+    EXPECT_TRUE(S_ISSOCK(info.st_mode));
+    EXPECT_EQ(info.st_mode & 0777U, 0600U);
+    Paths taken;
+    EXPECT_TRUE(Start(first, {}, taken));
+    EXPECT_EQ(taken, Paths());
+    const Paths many = {"/a b.script", std::string(20000, 'x'), "/\xc3\xa4.txt"};
+    EXPECT_TRUE(Start(first, many, taken));
+    EXPECT_EQ(taken, many);
+}
+
+TEST_F(OneWindowTest, AnotherWindowThatIsWantedIsOpenedAndDisturbsNobody) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, true));
+    EXPECT_GE(first.Listener(), 0) << "nobody was there";
+    OneWindow second(place);
+    EXPECT_FALSE(second.HandOver({}, true));
+    EXPECT_LT(second.Listener(), 0);
+    Paths taken;
+    EXPECT_FALSE(first.Answer(taken));
+    EXPECT_TRUE(Start(first, {"/a"}, taken)) << "it listens still";
+}
+
+TEST_F(OneWindowTest, WhatAKilledProgramLeftIsReplaced) {
+    { EXPECT_FALSE(OneWindow(place).HandOver({}, false)); }
+    struct stat info = {};
+    ASSERT_EQ(stat(place.c_str(), &info), 0) << "the socket stays behind";
+    OneWindow next(place);
+    EXPECT_FALSE(next.HandOver({}, false));
+    Paths taken;
+    EXPECT_TRUE(Start(next, {"/a"}, taken));
+    EXPECT_EQ(taken, Paths({"/a"}));
+}
+
+TEST_F(OneWindowTest, WhoDoesNotWaitForTheAnswerIsNotServed) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    const int caller = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    place.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(send(caller, "y/a", 3, 0), 3);
+    close(caller);
+    Paths taken;
+    EXPECT_FALSE(first.Answer(taken));
+}
+
+TEST_F(OneWindowTest, WithoutAPlaceEveryWindowIsOnItsOwn) {
+    OneWindow window("");
+    EXPECT_FALSE(window.HandOver({}, false));
+    EXPECT_LT(window.Listener(), 0);
+}
+
+TEST(MeetingPlace, IsAnotherOneForEachFolderAndDisplay) {
+    const std::string one = meetingPlace("/home/a/Tallyquill", ":0");
+    EXPECT_EQ(one, meetingPlace("/home/a/Tallyquill", ":0"));
+    EXPECT_NE(one, meetingPlace("/home/a/Tallyquill", ":1"));
+    EXPECT_NE(one, meetingPlace("/home/b/Tallyquill", ":0"));
+    EXPECT_EQ(one.compare(0, 5, getenv("XDG_RUNTIME_DIR"), 5), 0);
+}
