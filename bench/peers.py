@@ -10,6 +10,7 @@ The exit status is 1 when an answer differs. The last rows compare the program w
 """
 import decimal
 import os
+import pty
 import random
 import re
 import shutil
@@ -19,6 +20,7 @@ import sys
 import tempfile
 
 DIGITS = 100
+OWN_FILE = ".local/share/Tallyquill/pelmo_functions.txt"  # on Linux
 decimal.getcontext().prec = 130
 
 
@@ -142,16 +144,56 @@ def long_line(kind, length):
     return begin * times + middle + end * times
 
 
+def names_of(count):
+    return ["n" + "".join(chr(97 + n // 26 ** k % 26) for k in range(4)) for n in range(count)]
+
+
+def definitions(kind, count):
+    form = {"variables": "{0}={1}", "functions": "{0}(x)=x+{1}", "units": "unit {0}={1} meter"}[kind]
+    return [form.format(name, n + 1) for n, name in enumerate(names_of(count))]
+
+
 def name_lines(kind, count):
     """A script that defines so many names, uses, deletes and lists them."""
-    names = ["n" + "".join(chr(97 + n // 26 ** k % 26) for k in range(4)) for n in range(count)]
-    if kind == "variables":
-        return [f"{name}={n}" for n, name in enumerate(names)] + names + [f"del {name}" for name in names]
-    if kind == "functions":
-        define = [f"{name}(x)=x+{n}" for n, name in enumerate(names)]
-        return define + ["list"] + [f"{name}(1)" for name in names] + [f"del {name}" for name in names]
-    define = [f"unit {name}={n + 1} meter" for n, name in enumerate(names)]
-    return define + ["list units"] + [f"2 {name}->m" for name in names] + [f"del {name}" for name in names]
+    names = names_of(count)
+    used = {"variables": [], "functions": ["list"], "units": ["list units"]}[kind]
+    used += [{"variables": name, "functions": f"{name}(1)", "units": f"2 {name}->m"}[kind] for name in names]
+    return definitions(kind, count) + used + [f"del {name}" for name in names]
+
+
+class Prompt:
+    """A prompt in a folder with so many definitions, which it reads and, after one more entry, writes again."""
+
+    def __init__(self, tallyquill, kind, count, folder):
+        self.tallyquill = tallyquill
+        self.home = tempfile.mkdtemp(dir=folder)
+        headers = {"functions": "FUNCTIONS", "variables": "VARIABLES", "units": "CUSTOM UNITS", "history": "HISTORY"}
+        lines = []
+        for section, header in headers.items():
+            lines += [f"### {header} ###"] + (definitions(kind, count) if section == kind else [])
+        self.file = os.path.join(self.home, OWN_FILE)
+        os.makedirs(os.path.dirname(self.file))
+        with open(self.file, "w", encoding="utf-8") as file:
+            file.write("".join(line + "\n" for line in lines))
+        self.entries = 0
+
+    def milliseconds(self):
+        self.entries += 1
+        process, terminal = pty.fork()
+        if process == 0:
+            os.execve(self.tallyquill, [self.tallyquill, "--plain"], {"HOME": self.home, "TERM": "dumb"})
+        os.write(terminal, f"x={self.entries}\nexit\n".encode())
+        try:
+            while os.read(terminal, 65536):
+                pass
+        except OSError:
+            pass  # it has ended
+        _, status, usage = os.wait4(process, 0)
+        os.close(terminal)
+        with open(self.file, encoding="utf-8") as file:
+            if status != 0 or f"\nx={self.entries}\n" not in file.read():
+                sys.exit("the prompt did not save")
+        return (usage.ru_utime + usage.ru_stime) * 1000
 
 
 def growth(name, runs, short, long):
@@ -220,6 +262,9 @@ def main():
         for kind, count in (("variables", 50000), ("functions", 10000), ("units", 1000)):
             growth(f"{count} {kind} to {count // 10}", 5, ours(["-q"], name_lines(kind, count // 10)),
                    ours(["-q"], name_lines(kind, count)))
+            if sys.platform == "linux":
+                growth("the same, read and saved", 5,
+                       *(Prompt(tallyquill, kind, n, folder) for n in (count // 10, count)))
     if os.path.exists("/proc/self/status"):
         peak = peak_memory(tallyquill)
         print(f"{'peak memory of 1+1':32} {peak:9.3f} MB {'':22} {5:6.2f}{'' if peak <= 5 else '  not reached'}")

@@ -73,13 +73,13 @@ int Evaluator::Compute(const Builtin& builtin, const char* name, const qfloat x,
 
 // A number is known by its value: the digits of a long one are left behind.
 static node* copyTerm(const node* term, int32_t level) {
-    node* copy = new node;
+    node* copy = term->text || term->value ? node::WithRoom() : new node;
     copy->type = term->type;
     copy->level = level;
     copy->start = term->start;
     copy->length = term->length;
     const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLongText(term->text);
-    if (term->text && !isLongNumber) copy->text = strDuplicate(term->text);
+    if (term->text && !isLongNumber) copy->SetText(term->text);
     if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
     return copy;
 }

@@ -4,7 +4,7 @@
 #include "Helpers_String.h"
 
 std::unique_ptr<node> makeTerm(std::string_view name) {
-    auto variable = std::make_unique<node>();
+    std::unique_ptr<node> variable(node::WithRoom());
     variable->type = TERM_NAME;
     variable->SetText(name);
     return variable;

@@ -56,6 +56,10 @@ int findOp(const char* text, uint32_t position) {
     return 0;
 }
 
+node* node::WithRoom() {
+    return new (::operator new(sizeof(node) + ROOM)) node(Memory::OwnWithRoom);
+}
+
 void node::SetText(std::string_view copied) {
     DropText();
     qfloat* const room = Room();
@@ -85,9 +89,9 @@ inline void* Deq::NewRoom(size_t size) {
     return std::exchange(unused, unused + size);
 }
 
-template <class Node> node* Deq::AddTo(node*& spares) {
-    void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(sizeof(Node));
-    node* const term = new (room) Node;
+inline node* Deq::AddTo(node*& spares, node::Memory memory, size_t size) {
+    void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(size);
+    node* const term = new (room) node(memory);
     term->prev = last;
     (last ? last->next : first) = term;
     last = term;
@@ -97,11 +101,11 @@ template <class Node> node* Deq::AddTo(node*& spares) {
 }
 
 node* Deq::Add() {
-    return AddTo<ListNode>(spare);
+    return AddTo(spare, node::Memory::List, sizeof(node));
 }
 
 node* Deq::AddOperand() {
-    return AddTo<OperandNode>(spareOperands);
+    return AddTo(spareOperands, node::Memory::ListWithRoom, sizeof(node) + node::ROOM);
 }
 
 node* Deq::Insert(node* term, node* before) {
@@ -136,7 +140,7 @@ node* Deq::Take(node* term) {
 node* Deq::Del(node* term) {
     node* before = term->prev;
     Take(term);
-    if (term->memory == node::Memory::Own) {
+    if (term->memory < node::Memory::List) {
         delete term;
         return before;
     }

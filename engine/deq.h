@@ -100,11 +100,7 @@ inline bool isOp(int32_t type) {
 // One term.
 struct node {
     // Whose memory the term has.
-    enum class Memory : uint8_t {
-        Own,
-        List,       // that of the list whose Add made it
-        OperandList // the same, with room behind the term for its value or its text
-    };
+    enum class Memory : uint8_t { Own, OwnWithRoom, List, ListWithRoom };
 
     node* prev = nullptr;
     node* next = nullptr;
@@ -119,6 +115,9 @@ struct node {
     node() = default;
     explicit node(char* owned) : text(owned) {}
     explicit node(Memory whose) : memory(whose) {}
+    static constexpr size_t ROOM = sizeof(qfloat); // bytes behind a term that has room for its text or value
+    static node* WithRoom();
+    static void operator delete(void* memory) { ::operator delete(memory); }
     ~node() { Drop(); } // frees text and value; does not unlink
     node(const node&) = delete;
     node& operator=(const node&) = delete;
@@ -138,23 +137,11 @@ struct node {
     }
 
 private:
-    qfloat* Room();
+    qfloat* Room() {
+        const bool hasRoom = memory == Memory::OwnWithRoom || memory == Memory::ListWithRoom;
+        return hasRoom ? reinterpret_cast<qfloat*>(this + 1) : nullptr;
+    }
 };
-
-struct ListNode : node {
-    ListNode() : node(Memory::List) {}
-};
-
-// What most names and numbers take: their text or their value has its place in the term.
-struct OperandNode : node {
-    // cppcheck-suppress uninitMemberVar ; what is not used is not touched
-    OperandNode() : node(Memory::OperandList) {}
-    qfloat room;
-};
-
-inline qfloat* node::Room() {
-    return memory == Memory::OperandList ? &static_cast<OperandNode*>(this)->room : nullptr;
-}
 
 inline void node::SetValue(const qfloat copied) {
     if (!value) {
@@ -238,7 +225,7 @@ private:
 
     void BeginBlock();
     void* NewRoom(size_t size);
-    template <class Node> node* AddTo(node*& spares);
+    node* AddTo(node*& spares, node::Memory memory, size_t size);
 
     std::vector<Block> blocks;
     size_t blocksBegun = 0; // the last one of these is being used up

@@ -149,36 +149,6 @@ void addEqual(uint32_t signA, uint32_t signB, const qfloat b, qfloat c) {
     }
 }
 
-// Whether one limb holds the mantissa, as that of a whole number below 2^64.
-inline bool isShort(const qfloat a) {
-    uint32_t below = 0;
-    for (int i = 5; i <= 13; ++i) below |= a[i];
-    return below == 0 && a[1] != 0 && (a[3] & 0x80000000) != 0;
-}
-
-// c = b + a with b's sign, exactly, where one limb holds each magnitude and the sum, but for one bit. Returns
-// false for all others, also for equal ones.
-bool addShort(const qfloat a, const qfloat b, qfloat c) {
-    if ((a[13] | b[13]) != 0 || !isShort(a) || !isShort(b)) return false;
-    const uint32_t* const big = a[1] > b[1] ? a : b;
-    const uint32_t* const small = a[1] > b[1] ? b : a;
-    const uint32_t d = big[1] - small[1];
-    const uint64_t x = uint64_t{big[3]} << 32 | big[4], y = uint64_t{small[3]} << 32 | small[4];
-    const bool isAligned = d < 64 && (y & ((uint64_t{1} << d) - 1)) == 0; // no bit goes below the limb
-    if (!isAligned || (d == 0 && x == y) || big[1] >= OVERFLOW_EXPONENT - 1) return false;
-    uint64_t carry = 0;
-    const uint64_t sum = limb::addCarry(x, y >> d, carry);
-    const uint32_t sign = b[0], exponent = big[1]; // c may be one of them
-    qclear(c);
-    c[0] = sign;
-    c[1] = exponent + static_cast<uint32_t>(carry);
-    const uint64_t top = carry != 0 ? sum >> 1 | limb::TOP_BIT : sum;
-    c[3] = static_cast<uint32_t>(top >> 32);
-    c[4] = static_cast<uint32_t>(top);
-    c[5] = carry != 0 ? static_cast<uint32_t>(sum << 31) : 0;
-    return true;
-}
-
 // c = b + a with signA in the place of a's sign word.
 void qadd1(const qfloat a, uint32_t signA, const qfloat b, qfloat c) {
     const int64_t d = int64_t{b[1]} - int64_t{a[1]};
@@ -190,10 +160,6 @@ void qadd1(const qfloat a, uint32_t signA, const qfloat b, qfloat c) {
     if (d < -353) {
         qmov(a, c);
         c[0] = signA;
-        return;
-    }
-    if (signA == signB && addShort(a, b, c)) {
-        subflg = 0;
         return;
     }
     uint64_t x[COUNT], y[COUNT];
