@@ -136,6 +136,8 @@ static constexpr KeyRow KEYS[] = {
 
     desktop("Command-?", '?', "opens this guide, in which Home and End go to its ends",
             {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
+    item({"Help", "Functions", "showFunctions:", T::Console}),
+    item({"Help", "Units", "showUnits:", T::Console}),
     item({"Help", "Tutorial", "tutorial:", T::Console}),
 };
 

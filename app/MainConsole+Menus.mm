@@ -3,6 +3,8 @@
 // Display base, angle mode, the size of the text, and the lists of variables and functions.
 #import "MainConsole.h"
 
+#import "NameListPanel.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -170,7 +172,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
 
 // In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be
 // undone.
-- (void)putIn:(NSString*)text {
+- (void)typeName:(NSString*)text {
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     [self insertText:text];
     [self ProcessResult:nullptr:YES];
@@ -179,7 +181,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
 
 - (void)clickedVarsMenu:(id)sender {
     NSString* const title = [sender titleOfSelectedItem];
-    if (title) [self putIn:[[title componentsSeparatedByString:@"\t"] objectAtIndex:0]];
+    if (title) [self typeName:[[title componentsSeparatedByString:@"\t"] objectAtIndex:0]];
 }
 
 - (void)clickedFuncMenu:(id)sender {
@@ -192,11 +194,28 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
     // As it has to be typed: with a decimal comma a point stands between arguments.
     std::string typed = [call UTF8String];
     calc.ProcessStringEuropean(typed.data());
-    [self putIn:textFromBytes(typed.c_str())];
+    [self typeName:textFromBytes(typed.c_str())];
     if (open == NSNotFound || end == NSNotFound || end <= open) return;
     // Counted from the start of the entry, wherever the call went in: the parameter is selected in an entry
     // that the call begins.
     [self setSelectedRange:NSMakeRange(static_cast<NSUInteger>(g_linestart) + open + 1, end - open - 1)];
+}
+
+// --- Help ---
+
+- (void)listNames:(const std::vector<NameRow>&)rows title:(NSString*)title {
+    [nameList close];
+    [nameList release];
+    nameList = [NameListPanel newPanel:title rows:rows console:self];
+    [nameList makeKeyAndOrderFront:nil];
+}
+
+- (void)showFunctions:(id)sender {
+    [self listNames:functionRows() title:@"Functions"];
+}
+
+- (void)showUnits:(id)sender {
+    [self listNames:unitRows() title:@"Units"];
 }
 
 @end

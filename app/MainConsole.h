@@ -29,6 +29,7 @@
 #include <string>
 
 @class MainConsole;
+@class NameListPanel;
 @class PelmoAppDelegate;
 
 // The paths of the functions file and of the settings file; nil before start-up and after shut-down.
@@ -47,6 +48,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     int32_t clearedStart;
     ScriptTurns scripts;
     Search search;
+    NameListPanel* nameList;                                  // the last one that was opened
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
     PelmoAppDelegate* myAppDelegate;                          // not retained
     NSTextField* answerStatus;                                // the controls belong to the window
@@ -252,6 +254,11 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)clickedVarsMenu:(id)sender;
 - (void)populateFuncMenu;
 - (void)clickedFuncMenu:(id)sender;
+
+// Lists to look through, of which a name can be taken.
+- (void)showFunctions:(id)sender;
+- (void)showUnits:(id)sender;
+- (void)typeName:(NSString*)name; // in place of the selection, or at the end
 @end
 
 KeyPress keyPress(NSEvent* event);

@@ -50,6 +50,7 @@ std::string bytesOf(NSString* text, NSStringEncoding encoding) {
     if (interruptedConsole == self) interruptedConsole = nil;
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [settings release];
+    [nameList release];
     [super dealloc];
 }
 

@@ -8,6 +8,7 @@
 #include "Guide.h"
 #include "Helpers_String.h"
 #include "Hints.h"
+#include "NameRows.h"
 #include "ScreenText.h"
 #include "units.h"
 
@@ -102,15 +103,17 @@ PromptReply variables(const PromptState& state, const std::string&) {
     return {PromptReply::TEXT, text};
 }
 
+std::string lineOf(const NameRow& row) {
+    return row.text.empty() ? row.shown + "\n" : twoColumns(row.shown, row.text);
+}
+
 PromptReply functions(const PromptState&, const std::string&) {
     std::string text;
-    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
-        if (function->body) text += function->ToString([] { return true; }) + "\n";
-    }
-    if (!text.empty()) text += "\n";
-    for (const Builtin& builtin : builtinTable()) {
-        const bool isThere = funcs.FindByName(builtin.name, -1) != nullptr;
-        if (builtin.help && isThere) text += twoColumns(callOf(builtin), builtin.help);
+    bool isOwn = false; // the row before
+    for (const NameRow& row : functionRows()) {
+        if (isOwn && !row.text.empty()) text += "\n";
+        isOwn = row.text.empty();
+        text += lineOf(row);
     }
     return {PromptReply::TEXT, text};
 }
@@ -123,24 +126,15 @@ bool canConvert(const std::string& from, const std::string& to) {
     return isDone;
 }
 
-// The definition with ten digits of its factor, which are all that a person reads.
-std::string unitLine(const std::string& name) {
-    const std::string definition = units_definition(name.c_str());
-    char* names = nullptr;
-    char factor[40];
-    snprintf(factor, sizeof factor, "%.10g", strtod(definition.c_str(), &names));
-    return twoColumns(name, definition.empty() ? "" : factor + std::string(names));
-}
-
 PromptReply units(const PromptState&, const std::string& part) {
     std::string named;
     std::string related;
     const bool isUnit = !part.empty() && canConvert(part, part);
-    for (const std::string& name : units_names()) {
-        if (containsI(name, part))
-            named += unitLine(name);
-        else if (isUnit && canConvert(part, name))
-            related += unitLine(name);
+    for (const NameRow& row : unitRows()) {
+        if (containsI(row.name, part))
+            named += twoColumns(row.shown, row.text);
+        else if (isUnit && canConvert(part, row.name))
+            related += twoColumns(row.shown, row.text);
     }
     if (!related.empty()) related = "Units that " + part + " can be converted to:\n" + related;
     if (named.empty() && related.empty()) {
