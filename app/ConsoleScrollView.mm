@@ -4,6 +4,11 @@
 #import "Controls.h"
 #import "MainConsole.h"
 
+#include <algorithm>
+#include <cmath>
+
+static const CGFloat WHEEL_STEP = 48; // points a notch, or a line that is higher: three of the usual font
+
 // A place in the text: its end, or a character at the top and how far its line is scrolled out.
 struct Place {
     bool isEnd = true;
@@ -11,7 +16,56 @@ struct Place {
     CGFloat out = 0;
 };
 
+// The height of the console's lines, which are all alike; 0 without any.
+static CGFloat lineHeight(NSTextView* text) {
+    if ([[text string] length] == 0) return 0;
+    return NSHeight([[text layoutManager] lineFragmentRectForGlyphAtIndex:0 effectiveRange:NULL]);
+}
+
+// Shows whole lines from the top on.
+@interface WholeLines : NSClipView
+@end
+
+@implementation WholeLines
+
+- (NSPoint)constrainScrollPoint:(NSPoint)wanted {
+    NSPoint place = [super constrainScrollPoint:wanted];
+    const CGFloat line = lineHeight([self documentView]);
+    if (line > 0) place.y = std::round(place.y / line) * line;
+    return place;
+}
+
+@end
+
 @implementation ConsoleScrollView
+
+- (id)initWithFrame:(NSRect)frame {
+    self = [super initWithFrame:frame];
+    if (!self) return nil;
+    WholeLines* const clip = [[[WholeLines alloc] initWithFrame:NSZeroRect] autorelease];
+    [self setContentView:clip];
+    return self;
+}
+
+// What is left of the height when whole lines are shown is below them.
+- (void)tile {
+    [super tile];
+    MainConsole* const text = [self documentView];
+    const CGFloat line = lineHeight(text);
+    if (line <= 0) return;
+    NSRect frame = [[self contentView] frame];
+    const CGFloat lines = std::max<CGFloat>(1, std::floor((NSHeight(frame) - 2 * TEXT_AIR) / line));
+    const CGFloat below = NSHeight(frame) - TEXT_AIR - lines * line;
+    frame.origin.y += [self isFlipped] ? TEXT_AIR : below;
+    frame.size.height = lines * line;
+    [[self contentView] setFrame:frame];
+    [self setVerticalLineScroll:line * std::max<CGFloat>(1, std::round(WHEEL_STEP / line))];
+}
+
+// Beside the lines a press is one into the text.
+- (void)mouseDown:(NSEvent*)event {
+    [[self documentView] mouseDown:event];
+}
 
 - (Place)place {
     MainConsole* const text = [self documentView];

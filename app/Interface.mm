@@ -13,25 +13,12 @@
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
 static const CGFloat MARGIN = 6;
 static const CGFloat CONTROL_HEIGHT = 21;
-static const CGFloat WHEEL_STEP = 48; // points a notch: three lines of the usual font
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     NSScrollView* const scroll = [[[ConsoleScrollView alloc] initWithFrame:frame] autorelease];
     [scroll setBorderType:NSNoBorder];
-    [scroll setVerticalLineScroll:WHEEL_STEP];
     scrollText(scroll, console);
     return scroll;
-}
-
-// Lines break between any two characters: an entry without blanks begins beside its prompt.
-static void breakLinesAnywhere(NSTextView* view) {
-    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
-    [style setLineBreakMode:NSLineBreakByCharWrapping];
-    [view setDefaultParagraphStyle:style];
-    NSMutableDictionary* const typing =
-        [NSMutableDictionary dictionaryWithDictionary:[view typingAttributes]];
-    [typing setObject:style forKey:NSParagraphStyleAttributeName];
-    [view setTypingAttributes:typing];
 }
 
 static MainConsole* buildConsole() {
@@ -41,13 +28,13 @@ static MainConsole* buildConsole() {
     [console setAllowsUndo:YES];
     NSFont* const font = [NSFont userFixedPitchFontOfSize:USUAL_TEXT_SIZE];
     if (font) [console setFont:font];
-    breakLinesAnywhere(console);
+    [[console textContainer] setLineFragmentPadding:TEXT_AIR];
     return console;
 }
 
 static NSTextField* buildStatusLine(NSRect frame) {
     NSTextField* const field = [[[NumberField alloc] initWithFrame:frame] autorelease];
-    [field setTextColor:gray(0.75)];
+    [field setTextColor:[NSColor controlTextColor]];
     [field setAutoresizingMask:NSViewWidthSizable | NSViewMaxYMargin];
     return field;
 }
@@ -111,7 +98,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
                                                                        defer:NO] autorelease];
     [window setTitle:@"Tallyquill"];
     [window setReleasedWhenClosed:NO];
-    [window setBackgroundColor:gray(0.16)];
+    [window setBackgroundColor:[NSColor windowBackgroundColor]];
 
     MainConsole* const console = buildConsole();
     [console setMyAppDelegate:delegate];
@@ -126,6 +113,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
         buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT - 2));
     [content addSubview:status];
     [console setAnswerStatus:status];
+    [console setFont:[console font]]; // the status line's too
     buildControls(content, console);
     [window setInitialFirstResponder:console];
     MainWindowDelegate* const mover = [[[MainWindowDelegate alloc] init] autorelease];

@@ -85,20 +85,6 @@
     if (!wasRead) [self saveSettings];
 }
 
-- (void)showTextColor:(NSColor*)text background:(NSColor*)back {
-    if (back) [self setBackgroundColor:back];
-    if (text) [self setTextColor:text];
-    if (text) [self setInsertionPointColor:text];
-    if (!back || !text) return;
-    NSColor* const gray = [text colorUsingColorSpaceName:NSCalibratedWhiteColorSpace];
-    NSColor* const selected = [gray blendedColorWithFraction:0.7 ofColor:back];
-    if (!selected) return;
-    [self setSelectedTextAttributes:@{
-        NSBackgroundColorAttributeName : selected,
-        NSForegroundColorAttributeName : text
-    }];
-}
-
 // --- Functions, variables, units, history ---
 
 - (void)finishWriting {

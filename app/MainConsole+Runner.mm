@@ -7,6 +7,7 @@
 
 #include "ConsoleCommand.h"
 #include "Query.h"
+#include "StatusHint.h"
 
 #include <algorithm>
 #include <chrono>
@@ -75,6 +76,7 @@ static const size_t QUICK_HEAD = 6;
     isAtWork = NO;
     if (quick) {
         [self updateStatusbar:status == STATUS_ERROR ? "" : calc.resultLine];
+        if (status == STATUS_ERROR) [self showHintFor:line];
         return;
     }
     std::string output = calc.echoText;
@@ -91,9 +93,15 @@ static const size_t QUICK_HEAD = 6;
     [self populateFuncMenu];
 }
 
+// What the entry lacks. One with characters that no entry can have was not previewed.
+- (void)showHintFor:(const char*)line {
+    const bool wasPreviewed = line || [self getPromptText];
+    if (wasPreviewed) [self showHint:textFromBytes(statusHint(line ? line : prompt, calc).c_str())];
+}
+
 - (void)showOutput:(const std::string&)output of:(const char*)line {
+    if (line && (prompt[0] == '\0' || output.empty())) return;
     if (line) {
-        if (prompt[0] == '\0' || output.empty()) return;
         if ([self isReplaying]) [self leaveEmptyPrompt];
         [self insertWithoutPrompt:output.c_str()];
     } else if (!output.empty() && prompt[0] == '\0') {
@@ -101,6 +109,10 @@ static const size_t QUICK_HEAD = 6;
     } else {
         [self insertWithNewPrompt:output.c_str()];
     }
+    if (calc.status != STATUS_ERROR) return;
+    const NSUInteger length = [textFromBytes(calc.message) length]; // at the end of the output
+    const NSUInteger end = line ? [[self string] length] : static_cast<NSUInteger>(g_linestart) - 3;
+    [self show:NSMakeRange(end - length, length) as:TextKind::Error];
 }
 
 // A pause or a typed-out text that was entered at the prompt ends with a new prompt like every other entry.

@@ -57,25 +57,27 @@ static NSString* const PROMPT = @"> ";
     [self gotoEnd];
 }
 
-- (void)append:(NSString*)text {
+- (void)append:(NSString*)text as:(TextKind)kind {
     [self gotoEnd];
+    const NSUInteger start = [[self string] length];
     [self replaceSelection:text];
+    [self show:NSMakeRange(start, [[self string] length] - start) as:kind];
     [self forgetUndo];
     [self gotoEnd];
 }
 
 - (void)insertPrompt {
-    [self append:[@"\n" stringByAppendingString:PROMPT]];
+    [self append:[@"\n" stringByAppendingString:PROMPT] as:TextKind::Typed];
     g_linestart = static_cast<int32_t>([[self string] length]);
 }
 
 - (void)insertWithNewPrompt:(const char*)text {
-    [self append:[@"\n" stringByAppendingString:textFromBytes(text)]];
+    [self append:[@"\n" stringByAppendingString:textFromBytes(text)] as:TextKind::Output];
     [self insertPrompt];
 }
 
 - (void)insertWithoutPrompt:(const char*)text {
-    [self append:textFromBytes(text)];
+    [self append:textFromBytes(text) as:TextKind::Output];
 }
 
 - (void)leaveEmptyPrompt {
@@ -89,8 +91,9 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount {
-    const int32_t place = std::max(g_linestart - backCount, 0);
-    [self replaceCharactersInRange:NSMakeRange(static_cast<NSUInteger>(place), 0) withString:text];
+    const auto place = static_cast<NSUInteger>(std::max(g_linestart - backCount, 0));
+    [self replaceCharactersInRange:NSMakeRange(place, 0) withString:text];
+    [self show:NSMakeRange(place, [text length]) as:TextKind::Output];
     [self forgetUndo];
     g_linestart += static_cast<int32_t>([text length]);
     [self gotoEnd];
@@ -147,6 +150,12 @@ static NSString* const PROMPT = @"> ";
     NSString* const line = textFromBytes(text);
     const NSRange end = [line rangeOfString:@"\n" options:NSBackwardsSearch | NSAnchoredSearch];
     [answerStatus setStringValue:end.location == NSNotFound ? line : [line substringToIndex:end.location]];
+    [self showHint:@""];
+}
+
+- (void)showHint:(NSString*)hint {
+    [[answerStatus cell] setPlaceholderString:hint];
+    [answerStatus setNeedsDisplay:YES];
 }
 
 @end

@@ -12,6 +12,7 @@
 //   MainConsole+Search.mm  finding a text while it is typed
 //   MainConsole+Files.mm   the settings, the functions file
 //   MainConsole+Scripts.mm scripts: saving, replaying, the tutorial
+//   MainConsole+Looks.mm   its colors, the shades of what is written, the marked bracket
 //   MainConsole+Menus.mm   display base, angle mode, size of the text, the lists of variables and functions
 //
 // Main thread only. Positions count the characters (UTF-16 units) of the text. "8-bit string" is text in ISO
@@ -26,6 +27,7 @@
 #include "Transcript.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 @class MainConsole;
@@ -50,17 +52,21 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     Search search;
     NameListPanel* nameList;                                  // the last one that was opened
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
-    PelmoAppDelegate* myAppDelegate;                          // not retained
-    NSTextField* answerStatus;                                // the controls belong to the window
-    NSSegmentedControl* ctrlBase;                             // 0 binary, 1 decimal, 2 hexadecimal
-    NSSegmentedControl* ctrlDegMode;                          // 0 degrees, 1 radians
+    std::optional<std::chrono::steady_clock::time_point>
+        longFrom;                    // when that takes long; not once it is said
+    PelmoAppDelegate* myAppDelegate; // not retained
+    NSTextField* answerStatus;       // the controls belong to the window
+    NSSegmentedControl* ctrlBase;    // 0 binary, 1 decimal, 2 hexadecimal
+    NSSegmentedControl* ctrlDegMode; // 0 degrees, 1 radians
     NSMenuItem* menuDispBin;
     NSMenuItem* menuDispDec;
     NSMenuItem* menuDispHex;
     NSPopUpButton* menuVars;
     NSPopUpButton* menuFuncs;
-    BOOL isAtWork;   // an entry runs, or the command that it handed over
-    int32_t prevgis; // the start of the entry and the base at the previous call of setDisplayBase
+    BOOL isAtWork;      // an entry runs, or the command that it handed over
+    NSColor* textColor; // the person's: what was typed has it
+    NSRect bracketMark; // where a bracket is marked; empty: none is
+    int32_t prevgis;    // the start of the entry and the base at the previous call of setDisplayBase
     int prevbase;
 }
 
@@ -146,6 +152,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 
 // The result of the entry as it is typed, in the status line. A line feed at its end is left out.
 - (void)updateStatusbar:(const char*)text;
+
+// What the status line says in gray while it is empty, until the next updateStatusbar:.
+- (void)showHint:(NSString*)hint;
 @end
 
 @interface MainConsole (Runner)
@@ -195,7 +204,6 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)initColorsDefault;     // the default font, colours and transparency in the settings
 - (void)saveSettings;          // writes them to prefFilePath
 - (void)loadSettings;          // reads them and shows the console with their colours and font
-- (void)showTextColor:(NSColor*)text background:(NSColor*)back; // in the console alone; nil changes nothing
 // What cannot be written is said once in the status line, with the reason, and is written with the next
 // change or at the end of the program.
 - (void)saveFuncFile; // functions, variables, units and history to funcFilePath
@@ -217,6 +225,16 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)writeAllFiles;   // at once, without asking the window; while an entry runs, what was there before it
 - (void)finishWriting;   // returns when what is being written is in the files
 - (void)reportUnwritten; // what could not be written, on standard error
+@end
+
+enum class TextKind { Typed, Output, Error };
+
+@interface MainConsole (Looks)
+// The console and what stands around it in these colors; nil changes nothing.
+- (void)showTextColor:(NSColor*)text background:(NSColor*)back;
+
+// How a part of the text looks. It keeps its kind when the colors change; copies are plain text.
+- (void)show:(NSRange)range as:(TextKind)kind;
 @end
 
 @interface MainConsole (Scripts)

@@ -27,6 +27,9 @@ static const NSSize REACHABLE = {100, 40};
 // that short entries leave what is typed ahead alone.
 static const std::chrono::milliseconds INTERRUPT_INTERVAL(50);
 
+// What takes longer is said in the status line.
+static const std::chrono::seconds LONG_TIME(1);
+
 MainConsole* interruptedConsole = nil;
 
 NSString* textFromBytes(const char* bytes) {
@@ -51,6 +54,7 @@ std::string bytesOf(NSString* text, NSStringEncoding encoding) {
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [settings release];
     [nameList release];
+    [textColor release];
     [super dealloc];
 }
 
@@ -65,6 +69,7 @@ static bool isInterrupted() {
     if (now - lastInterruptCheck < INTERRUPT_INTERVAL) return NO;
     lastInterruptCheck = now;
     @autoreleasepool {
+        if (longFrom && now >= *longFrom) [self sayThatItTakesLong];
         [self writeDueFiles];
         return [self checkInterruptEvent] != 0;
     }
@@ -72,6 +77,15 @@ static bool isInterrupted() {
 
 - (void)watchInterrupts {
     lastInterruptCheck = std::chrono::steady_clock::now();
+    longFrom = lastInterruptCheck + LONG_TIME;
+}
+
+// No event is dealt with while an entry runs: it has to be drawn here.
+- (void)sayThatItTakesLong {
+    longFrom.reset();
+    [self updateStatusbar:"Calculating... Escape ends it."];
+    [answerStatus display];
+    [[self window] flushWindow];
 }
 
 - (void)initializeConsole:(NSWindow*)window {

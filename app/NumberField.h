@@ -10,7 +10,8 @@
 // behind it; the ellipsis and `tail` at least.
 NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes);
 
-// Not editable, without border and background. Its string value is always the whole text.
+// Not editable, without border and background. A placeholder of its cell is seen while it is empty. Its
+// string value is always the whole text.
 @interface NumberField : NSTextField
 - (NSString*)shownText; // what is seen of it in the field's width
 @end

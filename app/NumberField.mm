@@ -43,7 +43,7 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
 
 @implementation NumberCell
 
-- (NSDictionary*)attributes {
+- (NSMutableDictionary*)attributes {
     return textLook([self font], [self textColor]);
 }
 
@@ -52,9 +52,17 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
     return headThatFits(text, scaleOf(text), [self titleRectForBounds:frame].size.width, [self attributes]);
 }
 
+// While it is empty the placeholder is shown, in gray.
 - (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView*)view {
-    NSString* const text = [self textShownIn:frame];
-    NSDictionary* const attributes = [self attributes];
+    const bool isEmpty = [[self stringValue] length] == 0;
+    NSMutableDictionary* const attributes = [self attributes];
+    if (isEmpty)
+        [attributes setObject:[NSColor disabledControlTextColor] forKey:NSForegroundColorAttributeName];
+    NSString* text = [self textShownIn:frame];
+    if (isEmpty && [self placeholderString]) {
+        const CGFloat width = [self titleRectForBounds:frame].size.width;
+        text = headThatFits([self placeholderString], @"", width, attributes);
+    }
     const NSSize size = [text sizeWithAttributes:attributes];
     NSRect place = [self titleRectForBounds:frame];
     place.origin.y += (place.size.height - size.height) / 2;

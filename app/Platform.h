@@ -90,9 +90,12 @@ bool platformWindowManagerMoves();
 // Draws a vertical three-part image in a flipped view, `top` at the top as it is seen: source over, opaque.
 void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bottom);
 
-// Makes controls, menus and panels dark, like the console. Call it after [NSApplication sharedApplication].
-// Nothing on GNUstep when the person has chosen a theme with the default GSTheme.
-void useNightTheme();
+// Makes controls, menus and panels flat and dark, like the console at first. Call it after [NSApplication
+// sharedApplication]. Nothing on GNUstep when the person has chosen a theme with the default GSTheme.
+void useFlatTheme();
+
+// Makes them light, or dark again, at once. Nothing on GNUstep without the theme above.
+void platformUseLook(bool isLight);
 
 // Centres the labels of a segmented control; GNUstep's own stand a little to the right. To be called before
 // the labels are set.

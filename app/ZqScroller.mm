@@ -75,9 +75,15 @@ NSRect centeredKnob(NSRect knob, CGFloat width) {
     return frame;
 }
 
+// Where nothing is painted behind the text, what lies behind it is seen here too.
+- (BOOL)isOpaque {
+    NSScrollView* const scroll = [self enclosingScrollView];
+    return !scroll || [scroll drawsBackground];
+}
+
 - (void)drawRect:(NSRect)dirty {
     [[self trackColor] set];
-    NSRectFill(NSIntersectionRect(dirty, [self bounds]));
+    if ([self isOpaque]) NSRectFill(NSIntersectionRect(dirty, [self bounds]));
     [self drawKnobSlot];
     if ([self knobProportion] > 0 && ![self documentFits]) [self drawKnob];
 }

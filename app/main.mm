@@ -43,7 +43,7 @@ int main(int argc, const char** argv) {
     [NSApplication sharedApplication];
     heedTerminationSignals(signals);
     platformAfterLaunch();
-    useNightTheme();
+    useFlatTheme();
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];
     waitingToOpenFilenames = [paths mutableCopy];

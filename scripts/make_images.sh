@@ -100,7 +100,16 @@ convert -size 32x24 xc:none -stroke none -fill '#d0484c' -draw 'rectangle 3,3 8,
     -draw 'rectangle 11,5 28,6' -draw 'rectangle 11,11 28,12' -draw 'rectangle 11,17 28,18' \
     "$theme/GSNamedColorPicker.png"
 
+# The same for the light look: what is gray or white is turned around, what has a color stays.
+light="$out/Light.bundle/Resources/ThemeImages"
+mkdir -p "$light"
+cp "$theme"/*.png "$light"
+for image in "$light"/*.png; do
+    case $image in *SwitchOn* | *Folder* | *HomeDirectory* | *NamedColor*) continue ;; esac
+    convert "$image" -channel RGB -negate "$image"
+done
+
 # Without the time of their making, so that unchanged pictures stay unchanged files.
-for image in "$out"/ThemeImages/*.png; do
+for image in "$theme"/*.png "$light"/*.png; do
     convert "$image" -strip -define png:exclude-chunks=date,time "$image"
 done

@@ -78,11 +78,16 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
     [NSMenu popUpContextMenu:menu withEvent:event forView:view];
 }
 
-void useNightTheme() {
-    // Since 10.14; before, the controls are light.
-    NSAppearance* const dark = [NSAppearance appearanceNamed:@"NSAppearanceNameDarkAqua"];
+// Since 10.14; before, the controls are light.
+void platformUseLook(bool isLight) {
+    NSAppearance* const look =
+        [NSAppearance appearanceNamed:isLight ? @"NSAppearanceNameAqua" : @"NSAppearanceNameDarkAqua"];
     const SEL set = NSSelectorFromString(@"setAppearance:");
-    if (dark && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:dark];
+    if (look && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:look];
+}
+
+void useFlatTheme() {
+    platformUseLook(false);
 }
 
 void centerSegmentLabels(NSSegmentedControl*) {}

@@ -59,7 +59,7 @@ protected:
     void SetUp() override {
         {
             const LeaksOfLibraries here; // a theme of GNUstep's does not release all that it makes
-            useNightTheme();
+            useFlatTheme();
         }
         ConsoleTest::SetUp();
     }

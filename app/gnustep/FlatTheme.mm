@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// How controls, menus and panels look: flat and dark, like the console.
+// How controls, menus and panels look: flat, and dark or light like the console.
 #import "Controls.h"
 #import "Platform.h"
 
@@ -10,18 +10,39 @@
 
 #include <cmath>
 
-// Shades of gray by their use, and the one colour.
-static const CGFloat WINDOW = 0.16, FIELD = 0.11, CONTROL = 0.25, PRESSED = 0.33, EDGE = 0.36, DIM = 0.5,
-                     TEXT = 0.88;
-static const CGFloat CORNER = 3;
+// Shades of gray by their use.
+struct Palette {
+    CGFloat window, field, control, pressed, edge, dim, text, strong;
+    CGFloat focus[3]; // the keyboard's focus: a color, and far from the others, since it is but a line
+};
 
+static const Palette DARK = {0.16, 0.11, 0.25, 0.33, 0.36, 0.62, 0.88, 1, {0.13, 0.72, 0.74}};
+static const Palette LIGHT = {0.93, 1, 0.98, 0.82, 0.66, 0.38, 0.12, 0, {0, 0.5, 0.52}};
+static const CGFloat CORNER = 3;
+static const CGFloat SEPARATOR = 9; // a menu's, in points
+
+// What is chosen, with white text.
 static NSColor* accent() {
     return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
 }
 
-// The keyboard's focus: bright, since it is but a line.
+@interface FlatTheme : GSTheme {
+    bool isLight;
+    NSColorList* list; // nil until it is asked for
+}
+- (const Palette&)palette;
+- (void)becomeLight:(bool)light;
+@end
+
+// That of the theme in use; another one than ours stands on its own colors.
+static const Palette& palette() {
+    GSTheme* const theme = [GSTheme theme];
+    return [theme isKindOfClass:[FlatTheme class]] ? [static_cast<FlatTheme*>(theme) palette] : DARK;
+}
+
 static NSColor* focus() {
-    return [NSColor colorWithCalibratedRed:0.13 green:0.72 blue:0.74 alpha:1];
+    const CGFloat* const parts = palette().focus;
+    return [NSColor colorWithCalibratedRed:parts[0] green:parts[1] blue:parts[2] alpha:1];
 }
 
 static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
@@ -35,16 +56,30 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
     [path stroke];
 }
 
-@interface NightTheme : GSTheme {
-    NSColorList* list; // nil until it is asked for
-}
-@end
-
-@implementation NightTheme
+@implementation FlatTheme
 
 - (void)dealloc {
     [list release];
     [super dealloc];
+}
+
+- (const Palette&)palette {
+    return isLight ? LIGHT : DARK;
+}
+
+// The images of the light look have a bundle of their own.
+- (NSBundle*)bundle {
+    NSString* const path = isLight ? [[NSBundle mainBundle] pathForResource:@"Light" ofType:@"bundle"] : nil;
+    return path ? [NSBundle bundleWithPath:path] : [super bundle];
+}
+
+- (void)becomeLight:(bool)light {
+    if (light == isLight) return;
+    [self deactivate];
+    isLight = light;
+    [list release];
+    list = nil;
+    [self activate];
 }
 
 - (void)setColor:(NSColor*)color forNames:(const char*)names {
@@ -55,25 +90,31 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
 - (NSColorList*)colors {
     if (list) return list;
     list = [[NSColorList alloc] initWithName:@"System" fromFile:nil];
+    const Palette& now = [self palette];
     const struct {
         CGFloat white;
         const char* names; // of GNUstep's colors, without "Color"
     } shades[] = {
-        {FIELD, "controlBackground controlDarkShadow shadow scrollBar textBackground rowBackground"},
-        {WINDOW, "windowBackground control alternateRowBackground menuBackground menuItemBackground "
-                 "menuBarBackground menuBarBorder"},
-        {CONTROL, "header"},
-        {PRESSED, "controlHighlight knob selectedControl"},
-        {EDGE, "windowFrame controlLightHighlight controlShadow grid highlight selectedKnob menuBorder "
-               "menuSeparator"},
-        {DIM, "disabledControlText"},
-        {TEXT, "windowFrameText controlText headerText text"},
-        {1, "selectedControlText selectedMenuItemText selectedText alternateSelectedControlText"},
+        {now.field, "controlBackground controlDarkShadow shadow scrollBar textBackground rowBackground"},
+        {now.window, "windowBackground control alternateRowBackground menuBackground menuItemBackground "
+                     "menuBarBackground menuBarBorder"},
+        {now.control, "header"},
+        {now.pressed, "controlHighlight knob selectedControl"},
+        {now.edge, "windowFrame controlLightHighlight controlShadow grid highlight selectedKnob menuBorder "
+                   "menuSeparator"},
+        {now.dim, "disabledControlText"},
+        {now.text, "windowFrameText controlText headerText text"},
+        {now.strong, "selectedControlText"},
+        {1, "selectedMenuItemText selectedText alternateSelectedControlText"},
     };
     for (const auto& shade : shades) [self setColor:gray(shade.white) forNames:shade.names];
     [self setColor:accent()
           forNames:"selectedMenuItem selectedTextBackground alternateSelectedControl keyboardFocusIndicator"];
     return list;
+}
+
+- (CGFloat)menuSeparatorHeight {
+    return SEPARATOR;
 }
 
 - (BOOL)menuShouldShowIcon {
@@ -86,10 +127,10 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                         withFrame:(NSRect)bounds
                         dirtyRect:(NSRect)dirty
                        horizontal:(BOOL)horizontal {
-    [gray(WINDOW) set];
+    [gray(palette().window) set];
     NSRectFill(NSIntersectionRect(bounds, dirty));
     if (horizontal) return;
-    [gray(EDGE) set];
+    [gray(palette().edge) set];
     NSFrameRect(bounds);
 }
 
@@ -99,11 +140,11 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                                          state:(GSThemeControlState)state
                                   isHorizontal:(BOOL)horizontal {
     const bool isSelected = state == GSThemeSelectedState || state == GSThemeHighlightedState;
-    [isSelected ? accent() : gray(WINDOW) set];
+    [isSelected ? accent() : gray(palette().window) set];
     NSRectFill(frame);
     if (horizontal) return;
     // The items cover the menu's frame at the right and below.
-    [gray(EDGE) set];
+    [gray(palette().edge) set];
     NSRectFill(NSMakeRect(NSMaxX(frame) - 1, NSMinY(frame), 1, NSHeight(frame)));
     const bool isLowest = NSMinY(frame) <= 1;
     if (isLowest && ![view isFlipped])
@@ -114,7 +155,7 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                                withFrame:(NSRect)frame
                                   inView:(NSView*)view
                             isHorizontal:(BOOL)horizontal {
-    [gray(EDGE) set];
+    [gray(palette().edge) set];
     NSRectFill(NSMakeRect(NSMinX(frame) + 4, std::floor(NSMidY(frame)), NSWidth(frame) - 8, 1));
 }
 
@@ -123,8 +164,8 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
 static NSColor* buttonFill(GSThemeControlState state) {
     const bool isPressed = state == GSThemeHighlightedState || state == GSThemeHighlightedFirstResponderState;
     const bool isOn = state == GSThemeSelectedState || state == GSThemeSelectedFirstResponderState;
-    if (state == GSThemeDisabledState) return gray(WINDOW);
-    return gray(isPressed || isOn ? PRESSED : CONTROL);
+    if (state == GSThemeDisabledState) return gray(palette().window);
+    return gray(isPressed || isOn ? palette().pressed : palette().control);
 }
 
 static bool hasFocus(GSThemeControlState state) {
@@ -136,7 +177,7 @@ static bool hasFocus(GSThemeControlState state) {
               view:(NSView*)view
              style:(int)style
              state:(GSThemeControlState)state {
-    fillRounded(frame, buttonFill(state), hasFocus(state) ? focus() : gray(EDGE));
+    fillRounded(frame, buttonFill(state), hasFocus(state) ? focus() : gray(palette().edge));
 }
 
 - (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
@@ -153,7 +194,7 @@ static bool hasFocus(GSThemeControlState state) {
 - (void)drawBarInside:(NSRect)rect inCell:(NSCell*)cell flipped:(BOOL)flipped {
     const NSRect bar =
         NSMakeRect(NSMinX(rect) + CORNER, std::floor(NSMidY(rect)) - 2, NSWidth(rect) - 2 * CORNER, 4);
-    fillRounded(bar, gray(PRESSED), nil);
+    fillRounded(bar, gray(palette().pressed), nil);
 }
 
 - (void)drawKnobInCell:(NSCell*)cell {
@@ -162,7 +203,7 @@ static bool hasFocus(GSThemeControlState state) {
     NSRect knob = [slider knobRectFlipped:[view isFlipped]];
     const CGFloat side = 14;
     knob = NSMakeRect(std::floor(NSMidX(knob) - side / 2), std::floor(NSMidY(knob) - side / 2), side, side);
-    [[[view window] firstResponder] == view ? focus() : gray(TEXT) set];
+    [[[view window] firstResponder] == view ? focus() : gray(palette().text) set];
     [[NSBezierPath bezierPathWithOvalInRect:knob] fill];
 }
 
@@ -180,7 +221,7 @@ static bool hasFocus(GSThemeControlState state) {
 
 - (NSRect)drawGrayBezel:(NSRect)border withClip:(NSRect)clip {
     (void)clip; // at times empty, when all is to be drawn
-    [gray(EDGE) set];
+    [gray(palette().edge) set];
     NSFrameRect(border);
     return NSInsetRect(border, 1, 1);
 }
@@ -221,8 +262,8 @@ static bool hasFocus(GSThemeControlState state) {
 
 - (void)drawSegment:(NSInteger)segment inFrame:(NSRect)frame withView:(NSView*)view {
     const bool isOn = [self isSelectedForSegment:segment];
-    fillRounded(NSInsetRect(frame, 0.5, 0), isOn ? accent() : gray(CONTROL), nil);
-    NSDictionary* const attributes = textLook([self font], gray(isOn ? 1 : TEXT));
+    fillRounded(NSInsetRect(frame, 0.5, 0), isOn ? accent() : gray(palette().control), nil);
+    NSDictionary* const attributes = textLook([self font], gray(isOn ? 1 : palette().text));
     NSString* const label = [self labelForSegment:segment];
     const NSSize size = [label sizeWithAttributes:attributes];
     [label drawAtPoint:NSMakePoint(std::floor(NSMidX(frame) - size.width / 2),
@@ -244,10 +285,10 @@ static bool hasFocus(GSThemeControlState state) {
 
 @end
 
-@interface NightColorWell : NSColorWell
+@interface FlatColorWell : NSColorWell
 @end
 
-@implementation NightColorWell
+@implementation FlatColorWell
 
 - (BOOL)acceptsFirstResponder {
     return [self isEnabled];
@@ -275,25 +316,31 @@ static bool hasFocus(GSThemeControlState state) {
 
 - (void)drawRect:(NSRect)dirty {
     const bool hasKeys = [[self window] firstResponder] == self;
-    fillRounded([self bounds], gray(FIELD), hasKeys ? focus() : gray([self isActive] ? TEXT : EDGE));
+    fillRounded([self bounds], gray(palette().field),
+                hasKeys ? focus() : gray([self isActive] ? palette().text : palette().edge));
     fillRounded(NSInsetRect([self bounds], 3, 3), [self color], nil);
 }
 
 @end
 
 NSColorWell* makeColorWell() {
-    return [[[NightColorWell alloc] initWithFrame:NSZeroRect] autorelease];
+    return [[[FlatColorWell alloc] initWithFrame:NSZeroRect] autorelease];
 }
 
-void useNightTheme() {
+void useFlatTheme() {
     if ([[NSUserDefaults standardUserDefaults] stringForKey:@"GSTheme"]) return;
-    NightTheme* const theme = [[[NightTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
+    FlatTheme* const theme = [[[FlatTheme alloc] initWithBundle:[NSBundle mainBundle]] autorelease];
     [GSTheme setTheme:theme];
     // With every change of the defaults, its own periodic reading included, GNUstep would go back to the
     // theme that they name.
     [[NSNotificationCenter defaultCenter] removeObserver:(id)[GSTheme class]
                                                     name:NSUserDefaultsDidChangeNotification
                                                   object:nil];
+}
+
+void platformUseLook(bool isLight) {
+    GSTheme* const theme = [GSTheme theme];
+    if ([theme isKindOfClass:[FlatTheme class]]) [static_cast<FlatTheme*>(theme) becomeLight:isLight];
 }
 
 void centerSegmentLabels(NSSegmentedControl* control) {
