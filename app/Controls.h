@@ -13,6 +13,9 @@
 // focus. `size`: of what is in it, in points. `style`: beside a title and a button that closes it.
 id makePanel(Class kind, NSString* title, NSSize size, NSUInteger style);
 
+// Places a panel that is not shown yet beside the window, where the screen has more room.
+void placeBeside(NSWindow* panel, NSWindow* window);
+
 // Makes a field a line of text that cannot be changed.
 void makeLabel(NSTextField* field);
 NSTextField* labelIn(NSView* view, NSString* text, NSRect frame);

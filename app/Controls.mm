@@ -4,6 +4,8 @@
 #import "Platform.h"
 #import "ZqScroller.h"
 
+#include <algorithm>
+
 @implementation EscapePanel
 
 - (void)sendEvent:(NSEvent*)event {
@@ -25,6 +27,17 @@ id makePanel(Class kind, NSString* title, NSSize size, NSUInteger style) {
     [panel setHidesOnDeactivate:NO];
     [panel center];
     return [panel autorelease];
+}
+
+void placeBeside(NSWindow* panel, NSWindow* window) {
+    if ([panel isVisible]) return;
+    const CGFloat gap = 16; // window managers put a frame around each
+    const NSRect screen = [[window screen] visibleFrame], beside = [window frame];
+    const CGFloat width = NSWidth([panel frame]);
+    const bool isRight = NSMaxX(screen) - NSMaxX(beside) >= NSMinX(beside) - NSMinX(screen);
+    const CGFloat x = isRight ? std::min(NSMaxX(beside) + gap, NSMaxX(screen) - width)
+                              : std::max(NSMinX(beside) - gap - width, NSMinX(screen));
+    [panel setFrameTopLeftPoint:NSMakePoint(x, NSMaxY(beside))];
 }
 
 void makeLabel(NSTextField* field) {

@@ -12,12 +12,12 @@
 #import "TextFormatter.h"
 
 static const CGFloat WIDTH = 432;
-static const CGFloat HEIGHT = 544;
-static const CGFloat EDGE = 24;
+static const CGFloat HEIGHT = 540; // with its frame it fits on a screen of 600 points
+static const CGFloat EDGE = 20;
 static const CGFloat LABELS = 126; // the width of the labels' column
 static const CGFloat GAP = 10;
-static const CGFloat ROW = 28;
-static const CGFloat SECTION = 12; // the space between sections
+static const CGFloat ROW = 26;
+static const CGFloat SECTION = 10; // the space between sections
 static const CGFloat HIGH = 22;    // a control's height
 static const CGFloat SLIDER = 170;
 static const CGFloat COLUMN = EDGE + LABELS + GAP; // where the controls begin
@@ -110,6 +110,26 @@ struct Grid {
         return AddSetting(key, field, width);
     }
 
+    // A field with arrows for the mouse at its right; the keyboard types.
+    NSTextField* SteppedField(const char* key, NSStepper*& stepper) {
+        const CGFloat width = 60;
+        stepper = [[[NSStepper alloc] initWithFrame:NSMakeRect(COLUMN + width + 3, y, 18, HIGH)] autorelease];
+        [stepper setMinValue:findSetting(key)->least];
+        [stepper setMaxValue:findSetting(key)->most];
+        [stepper setValueWraps:NO];
+        [stepper setTarget:target];
+        [stepper setAction:@selector(step:)];
+        [view addSubview:stepper];
+        return Field(key, width);
+    }
+
+    NSButton* Button(NSString* title, CGFloat width) {
+        NSButton* const button = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
+        [button setTitle:title];
+        [button setBezelStyle:NSRoundedBezelStyle];
+        return Add(button, width);
+    }
+
     NSButton* Box(const char* key) {
         NSButton* const button = Box(@(findSetting(key)->title));
         made.Of(*findSetting(key)) = button;
@@ -132,7 +152,7 @@ static void addNumbers(Grid& grid, PrefControls& made) {
         if (mode.title) [made.prefSciMode addItemWithTitle:@(mode.title)];
     }
     grid.AddSetting("scimode", made.prefSciMode, 170);
-    made.prefSigFigs = grid.Field("sigfigs", 60);
+    made.prefSigFigs = grid.SteppedField("sigfigs", made.steppers[0]);
     made.prefSepReason = grid.Text(@"", COLUMN + 28 + GAP, REST - 28 - GAP);
     made.prefSepChar = grid.Field("schar", 28);
     TextFormatter* const oneCharacter = [[[TextFormatter alloc] init] autorelease];
@@ -148,11 +168,13 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     [grid.view addSubview:made.prefNumPreview];
     grid.y -= ROW + SECTION;
-    made.prefHistSize = grid.Field("histsz", 60);
+    made.prefHistSize = grid.SteppedField("histsz", made.steppers[1]);
     [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
 }
 
 static void addColors(Grid& grid, PrefControls& made) {
+    grid.Label(@"Font:");
+    made.prefFont = grid.Button(@"", REST);
     made.prefFGColor = grid.AddSetting("fgcolor", makeColorWell(), 60);
     made.prefBGColor = grid.AddSetting("bgcolor", makeColorWell(), 60);
     PercentSlider* const slider = [[[PercentSlider alloc] initWithFrame:NSZeroRect] autorelease];
@@ -160,22 +182,7 @@ static void addColors(Grid& grid, PrefControls& made) {
     [slider setMaxValue:100];
     [slider setShown:grid.Text(@"", COLUMN + SLIDER + GAP, 60)];
     made.prefSlider = grid.AddSetting("trans", slider, SLIDER);
-    made.prefResetColors = [[[NSButton alloc] initWithFrame:NSZeroRect] autorelease];
-    [made.prefResetColors setTitle:@"Reset Colors"];
-    [made.prefResetColors setBezelStyle:NSRoundedBezelStyle];
-    grid.Add(made.prefResetColors, 120);
-}
-
-// GNUstep draws the tick of a disabled box as bright as that of the others.
-static void dimTick(NSButton* box) {
-    NSImage* const tick = [box alternateImage];
-    if (!tick) return;
-    const NSRect all = {NSZeroPoint, [tick size]};
-    NSImage* const dim = [[[NSImage alloc] initWithSize:all.size] autorelease];
-    [dim lockFocus];
-    [tick drawInRect:all fromRect:NSZeroRect operation:NSCompositeSourceOver fraction:0.4];
-    [dim unlockFocus];
-    [box setAlternateImage:dim];
+    made.prefResetColors = grid.Button(@"Reset Colors", 120);
 }
 
 static void addWindow(Grid& grid, PrefControls& made) {
@@ -183,11 +190,15 @@ static void addWindow(Grid& grid, PrefControls& made) {
     made.prefSnapTo = grid.Box("snaptoscreen");
     made.prefAlwaysTop = grid.Box(@"Keep above other windows");
     grid.Box("startclear");
+    NSView* const last = grid.last;
+    const CGFloat y = grid.y;
     made.prefStatusIcon = grid.Box("statusicon");
     if (platformStatusBar()) return;
-    [made.prefStatusIcon setEnabled:NO];
-    dimTick(made.prefStatusIcon);
-    [made.prefStatusIcon setToolTip:@"This desktop has no status bar for applications."];
+    // What can never be used is not offered. The setting stays as it is.
+    [made.prefStatusIcon setHidden:YES];
+    [made.prefStatusIcon setFrame:NSZeroRect];
+    grid.last = last;
+    grid.y = y;
 }
 
 void buildPreferences(PelmoAppDelegate* delegate) {
@@ -203,6 +214,9 @@ void buildPreferences(PelmoAppDelegate* delegate) {
     addColors(grid, made);
     grid.y -= SECTION;
     addWindow(grid, made);
+    grid.y -= SECTION;
+    made.prefClose = grid.Button(@"Close", 90);
+    [made.prefClose setFrameOrigin:NSMakePoint(WIDTH - EDGE - 90, NSMinY([made.prefClose frame]))];
     [grid.last setNextKeyView:grid.first];
     [panel setInitialFirstResponder:grid.first];
     [panel setDelegate:(id)controller];

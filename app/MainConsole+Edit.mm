@@ -152,6 +152,7 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
                 affinity:(NSSelectionAffinity)affinity
           stillSelecting:(BOOL)isSelecting {
     [super setSelectedRange:range affinity:affinity stillSelecting:isSelecting];
+    [self markBracket];
     SEL offer = @selector(offerSelection);
     [NSObject cancelPreviousPerformRequestsWithTarget:self selector:offer object:nil];
     // When it rests: the answer that blinks when it is copied is no selection.

@@ -147,11 +147,6 @@ static NSColor* colorOf(TextKind kind, const TextShades& shades) {
     bracketMark = mark;
 }
 
-- (void)setSelectedRange:(NSRange)range affinity:(NSSelectionAffinity)affinity stillSelecting:(BOOL)still {
-    [super setSelectedRange:range affinity:affinity stillSelecting:still];
-    [self markBracket];
-}
-
 - (void)didChangeText {
     [super didChangeText];
     [self markBracket];

@@ -86,7 +86,15 @@ static NSInteger segmentOf(int base) {
 static const CGFloat TEXT_SIZES[] = {6, 8, 9, 10, 11, 12, 13, 14, 16, 18, 20, 24, 28, 32, 40, 48, 64, 80, 96};
 
 - (void)setTextSize:(CGFloat)points {
-    NSFont* const font = [NSFont fontWithName:[[self font] fontName] size:points];
+    [self useFont:[NSFont fontWithName:[[self font] fontName] size:points]];
+}
+
+// What the font panel says.
+- (void)changeConsoleFont:(id)manager {
+    [self useFont:[manager convertFont:[self font]]];
+}
+
+- (void)useFont:(NSFont*)font {
     if (!font) return;
     [self setFont:font];
     [self fitToScrollView];

@@ -30,6 +30,7 @@ static NSString* textFromPath(const std::string& path) {
 // What New cleared last: any change above the entry makes undo forget it.
 - (void)bringBack:(NSAttributedString*)text {
     [[self textStorage] setAttributedString:text];
+    [self setTextColor:[self textColor]]; // it may have changed meanwhile
     record = clearedRecord;
     g_linestart = clearedStart;
     [self gotoEnd];
@@ -38,6 +39,39 @@ static NSString* textFromPath(const std::string& path) {
 
 // --- Saving ---
 
+static NSArray* scriptTypes() {
+    return @[ @"script", @"txt" ];
+}
+
+// The folder of the last script that was saved or opened, kept in the user's defaults; nil for none.
+static NSString* const FOLDER = @"ScriptFolder";
+
+static NSString* lastFolder() {
+    NSString* const folder = [[NSUserDefaults standardUserDefaults] stringForKey:FOLDER];
+    BOOL isFolder = NO;
+    [[NSFileManager defaultManager] fileExistsAtPath:folder ? folder : @"" isDirectory:&isFolder];
+    return isFolder ? folder : nil;
+}
+
+static void keepFolder(NSSavePanel* panel) {
+    NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+    [defaults setObject:[[panel filename] stringByDeletingLastPathComponent] forKey:FOLDER];
+    [defaults synchronize];
+}
+
+- (void)preparePanel:(NSSavePanel*)panel button:(NSString*)title {
+    [panel setDelegate:(id)self];
+    if (lastFolder()) [panel setDirectory:lastFolder()];
+    platformWillOpenPanel(panel, title);
+}
+
+// The panels list folders and scripts alone.
+- (BOOL)panel:(id)sender shouldShowFilename:(NSString*)path {
+    BOOL isFolder = NO;
+    [[NSFileManager defaultManager] fileExistsAtPath:path isDirectory:&isFolder];
+    return isFolder || [scriptTypes() containsObject:[[path pathExtension] lowercaseString]];
+}
+
 - (NSString*)scriptText {
     return [NSString stringWithUTF8String:record.Script(calc, bytesOf([self typedEntry])).c_str()];
 }
@@ -45,10 +79,10 @@ static NSString* textFromPath(const std::string& path) {
 - (void)saveDocument:(id)sender {
     NSSavePanel* const panel = [NSSavePanel savePanel];
     [panel setTitle:@"Save to script file..."];
-    [panel setPrompt:@"Save Script"];
-    [panel setAllowedFileTypes:@[ @"script", @"txt" ]];
-    platformWillOpenPanel(panel);
+    [panel setAllowedFileTypes:scriptTypes()];
+    [self preparePanel:panel button:@"Save Script"];
     if ([panel runModal] != NSOKButton) return;
+    keepFolder(panel);
     if ([self writeScript:[panel filename]]) return;
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
 }
@@ -68,8 +102,9 @@ static NSString* textFromPath(const std::string& path) {
     [panel setCanChooseFiles:YES];
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
-    platformWillOpenPanel(panel);
-    if ([panel runModalForTypes:@[ @"txt", @"script" ]] != NSOKButton) return;
+    [self preparePanel:panel button:@"Open Script"];
+    if ([panel runModalForTypes:scriptTypes()] != NSOKButton) return;
+    keepFolder(panel);
     if ([self loadFile:[panel filename]]) return;
     [self simpleAlert:@"The script could not be opened.":[panel filename]];
 }

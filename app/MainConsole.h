@@ -235,6 +235,8 @@ enum class TextKind { Typed, Output, Error };
 
 // How a part of the text looks. It keeps its kind when the colors change; copies are plain text.
 - (void)show:(NSRange)range as:(TextKind)kind;
+
+- (void)markBracket; // the one that belongs to that at the cursor, which has moved
 @end
 
 @interface MainConsole (Scripts)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #import "MainConsole.h"
 
+#import "Controls.h"
 #include "Folder.h"
 #import "MainWindowDelegate.h"
 #import "PelmoAppDelegate.h"
@@ -19,6 +20,7 @@ NSString* prefFilePath = nil;
 static const NSSize SMALLEST_WINDOW = {400, 150};
 
 static const NSTimeInterval SHEET_DELAY = 0.4;
+static const NSTimeInterval READING_TIME = 0.7; // of a question
 
 // So much of a window has to be on a screen for it to be caught by the mouse.
 static const NSSize REACHABLE = {100, 40};
@@ -246,11 +248,32 @@ static bool writesDecimalComma() {
         [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
         return;
     }
+    [self ignoreKeysSoon];
     NSString* const no = [sheet objectAtIndex:2];
     NSString* const selector = [sheet objectAtIndex:3];
     NSBeginAlertSheet(@"Tallyquill", [sheet objectAtIndex:1], [no length] > 0 ? no : nil, nil, [self window],
                       self, [selector length] > 0 ? NSSelectorFromString(selector) : NULL, NULL, NULL, @"%@",
                       platformSheetText([sheet objectAtIndex:0]));
+}
+
+// What is typed before a question can be read is no answer to it: its keys are dropped for a moment. A
+// question keeps the program until it is answered, so that this has to begin from within.
+- (void)ignoreKeysSoon {
+    [self performSelector:@selector(ignoreKeys) withObject:nil afterDelay:0 inModes:everyMode()];
+}
+
+- (void)ignoreKeys {
+    NSString* const mode = [[NSRunLoop currentRunLoop] currentMode];
+    NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:READING_TIME];
+    for (bool isClicked = false; !isClicked;) {
+        NSEvent* const event = [NSApp nextEventMatchingMask:NSAnyEventMask
+                                                  untilDate:end
+                                                     inMode:mode ? mode : NSDefaultRunLoopMode
+                                                    dequeue:YES];
+        if (!event) return;
+        isClicked = [event type] == NSLeftMouseUp; // which may answer
+        if ([event type] != NSKeyDown) [NSApp sendEvent:event];
+    }
 }
 
 - (void)tutorialSheetDidEnd:(NSWindow*)sheet returnCode:(NSInteger)code contextInfo:(void*)context {
@@ -267,6 +290,7 @@ static bool writesDecimalComma() {
 }
 
 - (void)simpleAlert:(NSString*)title:(NSString*)detail {
+    [self ignoreKeysSoon];
     NSRunAlertPanel(title, @"%@", @"OK", nil, nil, detail);
 }
 

@@ -75,8 +75,8 @@ void platformOfferSelection(NSString* text);
 void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);
 
 // To be called before a panel for files is opened, which there is one of for all of a run. GNUstep's loses
-// its size between two openings.
-void platformWillOpenPanel(NSSavePanel* panel);
+// its size between two openings. `button`: the title of the one that ends it with a file.
+void platformWillOpenPanel(NSSavePanel* panel, NSString* button);
 
 // How many units of a window's frame make one point within the window: more than 1 on a dense screen under
 // GNUstep, whose default GSScaleFactor says it. A new window is made larger by it, and so is a smallest

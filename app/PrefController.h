@@ -38,6 +38,9 @@ struct PrefControls {
     NSButton* prefAlwaysTop;
     NSButton* prefResetColors;
     NSTextField* prefNumPreview;
+    NSButton* prefFont; // opens the font panel
+    NSButton* prefClose;
+    NSStepper* steppers[2];                     // beside prefSigFigs and prefHistSize
     NSControl* ofSettings[std::size(SETTINGS)]; // those of them that edit one, in the order of the table
 
     // The control of a row of SETTINGS, or nil.
@@ -58,6 +61,7 @@ struct PrefControls {
 
 - (void)menuPreferences:(id)sender; // shows the panel with the settings as they are
 - (void)prefCallback:(id)sender;    // a control has changed
+- (void)step:(id)stepper;           // the number beside it goes up or down
 - (void)windowWillClose:(NSNotification*)notification;
 - (void)closePanel; // closes the panel when it is open
 

@@ -44,6 +44,8 @@ static const NSUInteger MANAGED = 4;
     [controls.prefSepChar setStringValue:[self separatorShown]];
     [controls.prefSepReason setStringValue:@""];
     [self showSample];
+    [self showFont];
+    [self showNumbersInSteppers];
     [prefWindow makeKeyAndOrderFront:nil];
     prefWinIsOpen = 1;
 }
@@ -70,6 +72,43 @@ static const NSUInteger MANAGED = 4;
     NSString* const sample = [mainConsole QuickResult:"123456/10":10];
     NSCharacterSet* const lineEnd = [NSCharacterSet newlineCharacterSet];
     [controls.prefNumPreview setStringValue:[sample stringByTrimmingCharactersInSet:lineEnd]];
+}
+
+- (void)showFont {
+    NSFont* const font = [mainConsole font];
+    const auto points = static_cast<float>([font pointSize]);
+    [controls.prefFont setTitle:[NSString stringWithFormat:@"%@ %g", [font displayName], points]];
+}
+
+// It may have been changed in the font panel.
+- (void)windowDidBecomeKey:(NSNotification*)notification {
+    [self showFont];
+}
+
+- (void)chooseFont {
+    NSFontManager* const manager = [NSFontManager sharedFontManager];
+    [manager setAction:@selector(changeConsoleFont:)];
+    [manager setSelectedFont:[mainConsole font] isMultiple:NO];
+    NSFontPanel* const panel = [manager fontPanel:YES];
+    placeBeside(panel, prefWindow);
+    [panel makeKeyAndOrderFront:nil];
+}
+
+// --- Steppers ---
+
+- (NSTextField*)fieldOf:(NSStepper*)stepper {
+    return stepper == controls.steppers[0] ? controls.prefSigFigs : controls.prefHistSize;
+}
+
+- (void)showNumbersInSteppers {
+    for (NSStepper* const stepper : controls.steppers)
+        [stepper setIntValue:[[self fieldOf:stepper] intValue]];
+}
+
+- (void)step:(id)stepper {
+    NSTextField* const field = [self fieldOf:stepper];
+    [field setIntValue:[stepper intValue]];
+    [self prefCallback:field];
 }
 
 // --- What the controls say ---
@@ -125,6 +164,9 @@ static int numberIn(NSTextField* field) {
 
 - (void)prefCallback:(id)sender {
     if (sender == controls.prefResetColors) [self resetColors];
+    if (sender == controls.prefFont) [self chooseFont];
+    if (sender == controls.prefClose) [self closePanel];
+    [self showNumbersInSteppers];
     if (sender == controls.prefStatusIcon) [self applyStatusIcon];
     const id ofNumbers[] = {controls.prefSciMode, controls.prefSigFigs, controls.prefSeparator,
                             controls.prefSepChar, controls.prefEuropean};
@@ -204,6 +246,7 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
     [controls.prefFGColor deactivate];
     [controls.prefBGColor deactivate];
     if ([NSColorPanel sharedColorPanelExists]) [[NSColorPanel sharedColorPanel] orderOut:nil];
+    [[[NSFontManager sharedFontManager] fontPanel:NO] orderOut:nil];
 }
 
 - (void)closePanel {

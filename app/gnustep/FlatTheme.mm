@@ -139,7 +139,8 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
                                         inView:(NSView*)view
                                          state:(GSThemeControlState)state
                                   isHorizontal:(BOOL)horizontal {
-    const bool isSelected = state == GSThemeSelectedState || state == GSThemeHighlightedState;
+    const bool isOn = state == GSThemeSelectedState || state == GSThemeHighlightedState;
+    const bool isSelected = isOn && ![[cell menuItem] isSeparatorItem];
     [isSelected ? accent() : gray(palette().window) set];
     NSRectFill(frame);
     if (horizontal) return;
@@ -181,6 +182,40 @@ static bool hasFocus(GSThemeControlState state) {
 }
 
 - (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
+}
+
+// --- Steppers ---
+
+// An arrow of three points that points up (1) or down (-1).
+static void drawStep(NSRect frame, bool isPressed, int direction) {
+    fillRounded(frame, gray(isPressed ? palette().pressed : palette().control), gray(palette().edge));
+    const NSPoint middle = NSMakePoint(NSMidX(frame), NSMidY(frame));
+    NSBezierPath* const arrow = [NSBezierPath bezierPath];
+    [arrow moveToPoint:NSMakePoint(middle.x - 3, middle.y - direction * 1.5)];
+    [arrow lineToPoint:NSMakePoint(middle.x + 3, middle.y - direction * 1.5)];
+    [arrow lineToPoint:NSMakePoint(middle.x, middle.y + direction * 2)];
+    [arrow closePath];
+    [gray(palette().text) set];
+    [arrow fill];
+}
+
+- (void)drawStepperBorder:(NSRect)frame {
+}
+
+- (void)drawStepperUpButton:(NSRect)frame {
+    drawStep(frame, false, 1);
+}
+
+- (void)drawStepperHighlightUpButton:(NSRect)frame {
+    drawStep(frame, true, 1);
+}
+
+- (void)drawStepperDownButton:(NSRect)frame {
+    drawStep(frame, false, -1);
+}
+
+- (void)drawStepperHighlightDownButton:(NSRect)frame {
+    drawStep(frame, true, -1);
 }
 
 // --- Sliders ---
@@ -289,6 +324,12 @@ static bool hasFocus(GSThemeControlState state) {
 @end
 
 @implementation FlatColorWell
+
+// The color panel comes beside the window, not over it.
+- (void)activate:(BOOL)exclusive {
+    placeBeside([NSColorPanel sharedColorPanel], [self window]);
+    [super activate:exclusive];
+}
 
 - (BOOL)acceptsFirstResponder {
     return [self isEnabled];

@@ -137,8 +137,11 @@ void platformHide(NSWindow* window) {
 // The window manager's frame is not told from the window's own once that was taken away: shown again it would
 // be larger by the frame, with nothing painted there. A window made anew for every opening has the size of
 // the first.
-void platformWillOpenPanel(NSSavePanel* panel) {
+// The prompt is the label of the field for the name here.
+void platformWillOpenPanel(NSSavePanel* panel, NSString* button) {
     [panel setOneShot:YES];
+    [panel setPrompt:@"Name:"];
+    [[[panel contentView] viewWithTag:NSFileHandlingPanelOKButton] setTitle:button];
 }
 
 // Lines are broken at blanks. A word that is longer than a line stays whole.

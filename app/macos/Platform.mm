@@ -54,7 +54,9 @@ Class mainWindowClass() {
     return [NSWindow class];
 }
 
-void platformWillOpenPanel(NSSavePanel*) {}
+void platformWillOpenPanel(NSSavePanel* panel, NSString* button) {
+    [panel setPrompt:button];
+}
 
 NSString* platformSheetText(NSString* text) {
     return text;

@@ -4,6 +4,17 @@
 #import "Platform.h"
 #import "SettingsDictionary.h"
 
+// In place of the font manager, once a font was chosen in its panel.
+@interface FontChoice : NSObject
+- (NSFont*)convertFont:(NSFont*)font;
+@end
+
+@implementation FontChoice
+- (NSFont*)convertFont:(NSFont*)font {
+    return [NSFont fontWithName:@"DejaVuSerif" size:[font pointSize]];
+}
+@end
+
 namespace {
 
 class Preferences : public PanelTest {
@@ -313,10 +324,61 @@ TEST_F(Preferences, WhatWaitsForTheClosing) {
 }
 
 TEST_F(Preferences, TheStatusItemIsOfferedWhereThereIsAStatusBar) {
-    EXPECT_EQ([controls.prefStatusIcon isEnabled], platformStatusBar() != nil);
-    if (!platformStatusBar()) {
-        EXPECT_NE([controls.prefStatusIcon toolTip], nil);
+    EXPECT_EQ([controls.prefStatusIcon isHidden], platformStatusBar() == nil);
+}
+
+TEST_F(Preferences, NothingIsGrayedThatCanNeverBeUsed) {
+    Open();
+    for (NSView* const view in [[panel contentView] subviews]) {
+        if ([view isHidden] || ![view isKindOfClass:[NSControl class]]) continue;
+        EXPECT_TRUE([static_cast<NSControl*>(view) isEnabled]);
     }
+}
+
+TEST_F(Preferences, TheStepperChangesTheNumberBesideIt) {
+    Open();
+    NSStepper* const figures = controls.steppers[0];
+    EXPECT_EQ([figures intValue], 10);
+    [figures setIntValue:12];
+    [controller step:figures];
+    EXPECT_EQ(Shown(controls.prefSigFigs), "12");
+    EXPECT_EQ(SettingOf("sigfigs"), 12);
+    EnterInto(controls.prefSigFigs, @"50");
+    EXPECT_EQ([figures intValue], 50) << "it goes on from what was typed";
+    NSStepper* const lines = controls.steppers[1];
+    [lines setIntValue:31];
+    [controller step:lines];
+    EXPECT_EQ(Shown(controls.prefHistSize), "31");
+    [figures setIntValue:1000];
+    EXPECT_EQ([figures intValue], 100) << "no further than the setting";
+    Close();
+    EXPECT_EQ(SettingOf("histsz"), 31);
+}
+
+TEST_F(Preferences, TheCloseButtonClosesAndStores) {
+    Open();
+    Tick(controls.prefTwosComp, true);
+    [controls.prefClose performClick:nil];
+    EXPECT_FALSE([panel isVisible]);
+    EXPECT_EQ(SettingOf("twoscomp"), 1);
+}
+
+// --- The font ---
+
+TEST_F(Preferences, TheFontPanelsChoiceIsKept) {
+    Open();
+    [controls.prefFont performClick:nil];
+    NSFontPanel* const fonts = [[NSFontManager sharedFontManager] fontPanel:NO];
+    EXPECT_TRUE([fonts isVisible]);
+    EXPECT_FALSE(NSIntersectsRect([fonts frame], [panel frame]));
+    FontChoice* const choice = [[[FontChoice alloc] init] autorelease];
+    [NSApp sendAction:[[NSFontManager sharedFontManager] action] to:console from:choice];
+    EXPECT_TRUE([[[console font] fontName] isEqualToString:@"DejaVuSerif"]);
+    EXPECT_EQ([[console font] pointSize], 13);
+    Close();
+    EXPECT_FALSE([fonts isVisible]);
+    RestartAll();
+    EXPECT_TRUE([[[console font] fontName] isEqualToString:@"DejaVuSerif"]);
 }
 
 // --- Closing ---

@@ -33,6 +33,7 @@ protected:
                 controls.prefEuropean,
                 controls.prefTwosComp,
                 controls.prefHistSize,
+                controls.prefFont,
                 controls.prefFGColor,
                 controls.prefBGColor,
                 controls.prefSlider,
@@ -40,7 +41,8 @@ protected:
                 controls.prefTransBGOnly,
                 controls.prefSnapTo,
                 controls.prefAlwaysTop,
-                controls.ofSettings[findSetting("startclear") - SETTINGS]};
+                controls.ofSettings[findSetting("startclear") - SETTINGS],
+                controls.prefClose};
     }
 };
 
@@ -86,11 +88,25 @@ TEST_F(PreferencesLayout, TabGoesFromTopToBottom) {
     }
 }
 
+// A title bar of 30 points and a panel of the desktop of 24.
+TEST_F(PreferencesLayout, FitsOnAScreenOf600Points) {
+    EXPECT_LE(NSHeight([[panel contentView] frame]), 600 - 30 - 24);
+}
+
+TEST_F(PreferencesLayout, TheColorPanelComesBesideIt) {
+    Open();
+    [panel makeFirstResponder:controls.prefBGColor];
+    [panel sendEvent:KeyPress(@" ", KEY_OTHER)];
+    EXPECT_FALSE(NSIntersectsRect([[NSColorPanel sharedColorPanel] frame], [panel frame]));
+    Close();
+}
+
 TEST_F(PreferencesLayout, NothingOverlapsNorLeavesThePanel) {
     NSView* const content = [panel contentView];
     NSArray* const views = [content subviews];
     for (NSUInteger i = 0; i < [views count]; ++i) {
         const NSRect frame = [[views objectAtIndex:i] frame];
+        if ([[views objectAtIndex:i] isHidden]) continue;
         EXPECT_TRUE(NSContainsRect([content bounds], frame)) << i;
         for (NSUInteger j = i + 1; j < [views count]; ++j) {
             EXPECT_FALSE(NSIntersectsRect(frame, [[views objectAtIndex:j] frame])) << i << " " << j;
@@ -102,7 +118,8 @@ TEST_F(PreferencesLayout, NoTextIsClipped) {
     NSArray* const views = [[panel contentView] subviews];
     for (NSUInteger i = 0; i < [views count]; ++i) {
         const id view = [views objectAtIndex:i];
-        if (![view respondsToSelector:@selector(cell)] || ![view cell] || view == controls.prefSlider)
+        if ([view isHidden] || ![view respondsToSelector:@selector(cell)] || ![view cell] ||
+            view == controls.prefSlider)
             continue;
         EXPECT_LE([[view cell] cellSize].width, NSWidth([view frame])) << i;
     }

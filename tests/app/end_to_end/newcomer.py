@@ -15,6 +15,7 @@ from calculator_window import (
     SETTINGS_FILE,
     CalculatorWindow,
     activate,
+    first_value,
     is_open,
     on_screen,
     pasteboard,
@@ -58,6 +59,14 @@ class Newcomer(unittest.TestCase):
 
     def file(self, name):
         return os.path.join(self.folder, "Tallyquill", name)
+
+    def test_a_return_that_was_typed_before_the_question_could_be_read_is_no_answer(self):
+        window = self.start(asks=True)
+        sheet = wait_until("the question", question)
+        window.key("Return", "Return", "Return")
+        self.assertIsNone(first_value(lambda: not is_open(sheet), 1))
+        activate(sheet)
+        repeat_until("Return", lambda: window.key("Return"), lambda: not is_open(sheet))
 
     def test_the_tutorial_begins_with_return_and_ends_with_escape(self):
         window = self.start(asks=True)

@@ -19,7 +19,7 @@ RADIANS_SEGMENT = (203, 35)
 VARIABLES_BUTTON = (270, 35)
 FIRST_OWN_VARIABLE = (270, 96)  # behind "ans" and "pi"
 BESIDE_THE_CONTROLS = (425, 35)
-KEEP_ABOVE_BOX = (168, 466)  # in the preferences
+KEEP_ABOVE_BOX = (168, 452)  # in the preferences
 
 
 def wait_for_closing(number):

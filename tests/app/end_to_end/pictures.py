@@ -103,7 +103,7 @@ def take_all(folder):
             take(folder, "console", shown.id)
 
             menu = shown.pull_down(20, 11)
-            shown.highlight(menu, 50, 75)
+            shown.highlight(menu, 50, 60)
             take(folder, "menus", shown.id)
             shown.point(400, 250)
             run("xdotool", "mouseup", "1")

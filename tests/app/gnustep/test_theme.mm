@@ -7,6 +7,8 @@
 #import "Platform.h"
 #import "ZqScroller.h"
 
+#include "Shades.h"
+
 #include <string>
 
 #import <GNUstepGUI/GSTheme.h>
@@ -68,6 +70,47 @@ protected:
         [GSTheme setTheme:nil];
     }
 };
+
+Shade shadeOf(NSColor* color) {
+    NSColor* const rgb = [color colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+    return {[rgb redComponent], [rgb greenComponent], [rgb blueComponent]};
+}
+
+// What text is written in, and what it stands on.
+TEST_F(Theme, TextIsLegibleInBothLooks) {
+    for (const bool light : {false, true}) {
+        platformUseLook(light);
+        NSColor* const pairs[][2] = {{[NSColor controlTextColor], [NSColor windowBackgroundColor]},
+                                     {[NSColor controlTextColor], [NSColor controlBackgroundColor]},
+                                     {[NSColor controlTextColor], [NSColor controlColor]},
+                                     {[NSColor disabledControlTextColor], [NSColor windowBackgroundColor]},
+                                     {[NSColor textColor], [NSColor textBackgroundColor]},
+                                     {[NSColor selectedTextColor], [NSColor selectedTextBackgroundColor]},
+                                     {[NSColor selectedControlTextColor], [NSColor selectedControlColor]},
+                                     {[NSColor selectedMenuItemTextColor], [NSColor selectedMenuItemColor]},
+                                     {[NSColor headerTextColor], [NSColor headerColor]}};
+        int row = 0;
+        for (const auto& pair : pairs)
+            EXPECT_GE(contrast(shadeOf(pair[0]), shadeOf(pair[1])), 4.5) << light << " " << row++;
+        EXPECT_EQ(isLight(shadeOf([NSColor windowBackgroundColor])), light);
+    }
+    platformUseLook(false);
+}
+
+TEST_F(Theme, FollowsTheBackgroundOfTheConsole) {
+    [console showTextColor:[NSColor blackColor] background:[NSColor whiteColor]];
+    EXPECT_TRUE(isLight(shadeOf([NSColor windowBackgroundColor])));
+    [console saveSettings];
+    platformUseLook(false);
+    Restart();
+    EXPECT_TRUE(isLight(shadeOf([NSColor windowBackgroundColor]))) << "at the next start";
+    [console showTextColor:[NSColor whiteColor] background:[NSColor blackColor]];
+    EXPECT_FALSE(isLight(shadeOf([NSColor windowBackgroundColor])));
+}
+
+TEST_F(Theme, SeparatorsInMenusAreNinePixelsHigh) {
+    EXPECT_EQ([[GSTheme theme] menuSeparatorHeight], 9);
+}
 
 // GNUstep reads it once, when the first scroll view is made.
 TEST_F(Theme, KeepsAsMuchRoomForScrollersAsTheyDraw) {
