@@ -57,16 +57,17 @@ int findOp(const char* text, uint32_t position) {
 }
 
 node* node::WithRoom() {
-    return new (::operator new(sizeof(node) + ROOM)) node(Memory::OwnWithRoom);
+    return new (::operator new(sizeof(node) + ROOM + SHORT_NAME)) node(Memory::OwnWithRoom);
 }
 
 void node::SetText(std::string_view copied) {
     DropText();
-    qfloat* const room = Room();
-    if (!room || value == room || copied.size() >= sizeof *room) {
+    char* const room = TextRoom();
+    const size_t size = memory == Memory::OwnWithRoom ? SHORT_NAME : ROOM;
+    if (!room || static_cast<void*>(room) == value || copied.size() >= size) {
         text = strDuplicate(copied);
     } else {
-        text = reinterpret_cast<char*>(room);
+        text = room;
         text[copied.copy(text, copied.size())] = '\0';
     }
 }

@@ -125,7 +125,7 @@ struct node {
     void SetText(std::string_view copied);
     void SetValue(const qfloat copied);
     void DropText() {
-        if (text && text != static_cast<void*>(Room())) delete[] text;
+        if (text && text != TextRoom()) delete[] text;
         text = nullptr;
     }
 
@@ -137,6 +137,12 @@ struct node {
     }
 
 private:
+    // A variable has both a value and a name, which is mostly short.
+    static constexpr size_t SHORT_NAME = 8;
+    char* TextRoom() {
+        qfloat* const room = Room();
+        return reinterpret_cast<char*>(room && memory == Memory::OwnWithRoom ? room + 1 : room);
+    }
     qfloat* Room() {
         const bool hasRoom = memory == Memory::OwnWithRoom || memory == Memory::ListWithRoom;
         return hasRoom ? reinterpret_cast<qfloat*>(this + 1) : nullptr;
