@@ -66,7 +66,9 @@
     if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
     if ([self textColor]) [settings setObject:[self textColor] forKey:@"fgcolor"];
     if ([self backgroundColor]) [settings setObject:[self backgroundColor] forKey:@"bgcolor"];
-    return settingsText(keptSettings(settings), keeper.Settings());
+    const std::string present = keeper.Settings();
+    const std::string text = settingsText(keptSettings(settings), present);
+    return text == present ? "" : text; // a start shows base and angle mode, which stores them
 }
 
 - (void)loadSettings {

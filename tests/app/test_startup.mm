@@ -272,6 +272,18 @@ void clearWithoutFeet(id self, SEL selector) {
     EXPECT_FALSE(removeUnit("ft")); // no error
 }
 
+TEST_F(Startup, SettingsThatHaveNotChangedAreNotWrittenAgain) {
+    Terminate();
+    struct stat before = {}, after = {};
+    ASSERT_EQ(stat(SettingsPath().c_str(), &before), 0);
+    Restart();
+    ASSERT_EQ(stat(SettingsPath().c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino) << "each writing waits for the disk";
+    Terminate();
+    ASSERT_EQ(stat(SettingsPath().c_str(), &after), 0);
+    EXPECT_NE(after.st_ino, before.st_ino) << "the count of the starts";
+}
+
 TEST_F(Startup, AFailedUnitsTestIsToldOnceAndTheStartGoesOn) {
     Terminate();
     {
