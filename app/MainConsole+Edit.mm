@@ -166,12 +166,12 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
 
 - (NumberMarks)marks {
     const bool hasComma = [self setting:@"european"] != 0;
-    const int mark = [self setting:@"schar"];
-    const int usual = hasComma ? '.' : ',';
-    const bool isUsual = mark == ',' || mark == '.';
+    const auto mark = static_cast<char16_t>([self setting:@"schar"]);
+    const char16_t usual = hasComma ? u'.' : u',';
+    const bool isUsual = mark == u',' || mark == u'.';
     NumberMarks marks;
     marks.decimal = hasComma ? u',' : u'.';
-    if ([self setting:@"separator"]) marks.grouping = static_cast<char16_t>(isUsual ? usual : mark);
+    if ([self setting:@"separator"]) marks.grouping = isUsual ? usual : mark;
     return marks;
 }
 

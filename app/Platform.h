@@ -30,8 +30,8 @@ bool platformHasDisplay();
 // told by displayWasLost before the program ends with status 1.
 void platformAfterLaunch();
 
-// The paths of the files that the command line names, in order; our own options and GNUstep's are none. On macOS the system hands files over by
-// itself.
+// The paths of the files that the command line names, in order; our own options and GNUstep's are none. On
+// macOS the system hands files over by itself.
 NSArray* platformFileArguments(int argc, const char* const* argv);
 
 // True when a window of this person on this display was there, has taken the paths and shows itself: this

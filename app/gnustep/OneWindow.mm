@@ -24,8 +24,8 @@ static const time_t READING_SECONDS = 1;
 
 std::string meetingPlace(const std::string& folder, const std::string& display) {
     uint64_t mark = 14695981039346656037U; // FNV-1a
-    for (const char c : folder + '\n' + display)
-        mark = (mark ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    const std::string place = folder + '\n' + display;
+    for (const char c : place) mark = (mark ^ static_cast<unsigned char>(c)) * 1099511628211U;
     char name[40];
     snprintf(name, sizeof name, "tallyquill-%016llx", static_cast<unsigned long long>(mark));
     const char* const ofRun = getenv("XDG_RUNTIME_DIR");

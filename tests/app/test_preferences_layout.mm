@@ -26,22 +26,14 @@ protected:
 
     // The controls that take keys, from top to bottom.
     std::vector<NSView*> InOrder() const {
-        return {controls.prefSciMode,
-                controls.prefSigFigs,
-                controls.prefSepChar,
-                controls.prefSeparator,
-                controls.prefEuropean,
-                controls.prefTwosComp,
-                controls.prefHistSize,
-                controls.prefFont,
-                controls.prefFGColor,
-                controls.prefBGColor,
-                controls.prefSlider,
-                controls.prefResetColors,
-                controls.prefTransBGOnly,
-                controls.prefSnapTo,
-                controls.prefAlwaysTop,
-                controls.ofSettings[findSetting("startclear") - SETTINGS],
+        return {controls.prefSciMode,     controls.prefSigFigs,
+                controls.prefSepChar,     controls.prefSeparator,
+                controls.prefEuropean,    controls.prefTwosComp,
+                controls.prefHistSize,    controls.prefFont,
+                controls.prefFGColor,     controls.prefBGColor,
+                controls.prefSlider,      controls.prefResetColors,
+                controls.prefTransBGOnly, controls.prefSnapTo,
+                controls.prefAlwaysTop,   controls.ofSettings[findSetting("startclear") - SETTINGS],
                 controls.prefClose};
     }
 };
