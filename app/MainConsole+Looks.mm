@@ -121,7 +121,9 @@ static NSColor* colorOf(TextKind kind, const TextShades& shades) {
 
 // --- The bracket that belongs to the one at the cursor ---
 
+// While a script is replayed its output stands where the entry does, as much as it may be.
 - (NSRect)bracketToMark {
+    if (isAtWork || scripts.isReplaying) return NSZeroRect;
     const NSRange selected = [self selectedRange];
     const auto start = static_cast<NSUInteger>(g_linestart);
     if (selected.length > 0 || selected.location < start || [[self string] length] <= start)
