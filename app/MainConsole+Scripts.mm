@@ -103,7 +103,7 @@ static void keepFolder(NSSavePanel* panel) {
     [panel setCanChooseDirectories:NO];
     [panel setAllowsMultipleSelection:NO];
     [self preparePanel:panel button:@"Open Script"];
-    if ([panel runModalForTypes:scriptTypes()] != NSOKButton) return;
+    if ([panel runModalForTypes:@[ @"txt", @"script" ]] != NSOKButton) return;
     keepFolder(panel);
     if ([self loadFile:[panel filename]]) return;
     [self simpleAlert:@"The script could not be opened.":[panel filename]];

@@ -39,7 +39,7 @@ public:
 
 private:
     int ScanAssignment(std::string& text);
-    void ScanTerms(std::string_view text, bool mayLeaveOut);
+    void ScanTerms(std::string_view view, bool mayLeaveOut);
     bool LeaveOut();
     std::string MoveSignsForward(const std::string& text);
     void Locate(node* term, size_t start, size_t length, bool inSource) const;

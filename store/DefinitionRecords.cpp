@@ -210,6 +210,7 @@ std::vector<bool> usesAny(const std::vector<DefinitionRecord>& records,
                           const std::vector<DefinitionRecord>& others) {
     Uses uses(others);
     std::vector<bool> answers;
+    answers.reserve(records.size());
     for (const DefinitionRecord& record : records) answers.push_back(!uses.Of(record).empty());
     return answers;
 }

@@ -4,12 +4,15 @@
 #import "PelmoAppDelegate.h"
 
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <unistd.h>
 
 #include <X11/Xlib.h>
+
+static const CGFloat BUTTON_ROOM = 12; // points beside a title
 
 // What waits in front of it, changes of the focus, is dealt with.
 bool platformCloseIsWaiting(NSWindow* window) {
@@ -136,12 +139,21 @@ void platformHide(NSWindow* window) {
 
 // The window manager's frame is not told from the window's own once that was taken away: shown again it would
 // be larger by the frame, with nothing painted there. A window made anew for every opening has the size of
-// the first.
-// The prompt is the label of the field for the name here.
+// the first. The prompt is the label of the field for the name here.
 void platformWillOpenPanel(NSSavePanel* panel, NSString* button) {
     [panel setOneShot:YES];
     [panel setPrompt:@"Name:"];
-    [[[panel contentView] viewWithTag:NSFileHandlingPanelOKButton] setTitle:button];
+    NSButton* const accept = [[panel contentView] viewWithTag:NSFileHandlingPanelOKButton];
+    [accept setTitle:button];
+    const NSRect before = [accept frame];
+    const CGFloat wider = std::ceil([[accept cell] cellSize].width + BUTTON_ROOM) - NSWidth(before);
+    if (wider <= 0) return;
+    for (NSView* const one in [[accept superview] subviews]) {
+        NSRect frame = [one frame];
+        frame.origin.x -= wider;
+        if (one == accept) frame.size.width += wider;
+        if ([one isKindOfClass:[NSButton class]]) [one setFrame:frame];
+    }
 }
 
 // Lines are broken at blanks. A word that is longer than a line stays whole.

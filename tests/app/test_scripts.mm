@@ -175,7 +175,7 @@ static NSString* panelFile;
 
 static NSInteger runSavePanel(NSSavePanel* panel, SEL) {
     panelCalls = {[[panel title] UTF8String],
-                  [[panel prompt] UTF8String],
+                  [[[[panel contentView] viewWithTag:NSFileHandlingPanelOKButton] title] UTF8String],
                   [[[panel allowedFileTypes] componentsJoinedByString:@","] UTF8String]};
     return panelAnswer;
 }
