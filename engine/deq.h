@@ -118,7 +118,8 @@ struct node {
     static constexpr size_t ROOM = sizeof(qfloat); // bytes behind a term that has room for its text or value
     static node* WithRoom();
     // One with room is larger than a term, so its memory is given back without a size.
-    // NOLINTNEXTLINE(misc-new-delete-overloads)
+    static void* operator new(size_t size) { return ::operator new(size); }
+    static void* operator new(size_t, void* place) { return place; }
     static void operator delete(void* memory) { ::operator delete(memory); }
     ~node() { Drop(); } // frees text and value; does not unlink
     node(const node&) = delete;
