@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qadd and qsub: bit for bit against the rule over GMP integers, and against the exact sum.
+#include "cases.h"
 #include "model.h"
 #include "oracle.h"
 
@@ -10,7 +11,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 100000;
+constexpr int CASES = cases(100000);
 
 using Routine = void (*)(const qfloat, const qfloat, qfloat);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // asctoq of random texts against MPFR's reading of the same number.
+#include "cases.h"
 #include "hard.h"
 #include "oracle.h"
 
@@ -11,7 +12,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 // A random numeral: what asctoq reads, and the same number for MPFR.
 struct Numeral {

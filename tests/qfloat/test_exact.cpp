@@ -2,14 +2,15 @@
 //
 // Every result is the number nearest to the true value: 20,000 arguments of each function against MPFR, 1,000
 // of them hard.
+#include "cases.h"
 #include "exact.h"
 #include "oracle.h"
 #include "qwide.h"
 
 namespace {
 
-constexpr int RANDOM_ARGUMENTS = 19000;
-constexpr int HARD_ARGUMENTS = 1000;
+constexpr int RANDOM_ARGUMENTS = cases(19000);
+constexpr int HARD_ARGUMENTS = cases(1000);
 
 class Nearest : public oracle::Seeded, public ::testing::WithParamInterface<exact::Function> {
 protected:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qlogic, bit for bit.
+#include "cases.h"
 #include "model.h"
 #include "oracle.h"
 #include "qregister.h"
@@ -10,7 +11,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 const Number ZERO{};
 const Number OVERFLOW = overflowValue(0);

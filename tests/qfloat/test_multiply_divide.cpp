@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qmul, qmuli, qdiv and qdecexp: the numbers nearest to the exact products and quotients.
+#include "cases.h"
 #include "hard.h"
 #include "oracle.h"
 
@@ -11,7 +12,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 using Routine = void (*)(const qfloat, const qfloat, qfloat);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qtoasc against MPFR's decimal digits, and its rounding rule by hand.
+#include "cases.h"
 #include "hard.h"
 #include "oracle.h"
 
@@ -13,7 +14,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 // Prints into a buffer of exactly the promised size, with guard bytes behind it.
 std::string print(const Number& q, int digits) {
