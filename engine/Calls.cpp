@@ -71,19 +71,6 @@ int Evaluator::Compute(const Builtin& builtin, const char* name, const qfloat x,
     return checkMathError(name, outcome.message) == 0 ? 0 : STATUS_ERROR;
 }
 
-// A number is known by its value: the digits of a long one are left behind.
-static node* copyTerm(const node* term, int32_t level) {
-    node* copy = term->text || term->value ? node::WithRoom() : new node;
-    copy->type = term->type;
-    copy->level = level;
-    copy->start = term->start;
-    copy->length = term->length;
-    const bool isLongNumber = term->type == TERM_NUMBER && term->value && isLongText(term->text);
-    if (term->text && !isLongNumber) copy->SetText(term->text);
-    if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
-    return copy;
-}
-
 int Evaluator::SuspectCircle(const Caller& caller) {
     return outcome.FailAt(caller.place, "** ERROR 5.1: circular function suspected: %s **\n", {caller.name});
 }
@@ -109,9 +96,16 @@ int Evaluator::CopyBody(const Call& call, const Function& function) {
     for (const node* term = function.body->first; term; term = term->next) {
         const int32_t parameter = function.parameters[bodyTerms.size()];
         const node* source = parameter < 0 ? term : call.arguments[static_cast<size_t>(parameter)];
-        node* copy = statement.terms.Insert(copyTerm(source, term->level + call.open->level), call.close);
+        node* copy = statement.terms.AddCopy(source, call.close);
         bodyTerms.push_back(copy);
-        if (isLongText(copy->text)) longTexts += strlen(copy->text);
+        copy->level = term->level + call.open->level;
+        copy->start = source->start;
+        copy->length = source->length;
+        if (!isLongText(copy->text)) continue;
+        if (copy->value)
+            copy->DropText(); // it is known by its value
+        else
+            longTexts += strlen(copy->text);
         if (longTexts > WorkLimit::LONG_TEXTS) return SuspectCircle(call);
     }
     const auto& order = function.order;

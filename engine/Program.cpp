@@ -23,11 +23,9 @@ public:
     }
 
     bool Make(const std::vector<int32_t>& order) {
-        const auto isBarred = [](const node* term) { return term->type == OP_CONVERT || IsLongName(term); };
-        if (std::any_of(nodes.begin(), nodes.end(), isBarred)) return false;
+        if (std::any_of(nodes.begin(), nodes.end(), IsLongName)) return false;
         for (const int32_t position : order) {
-            node* const op = nodes[static_cast<size_t>(position)];
-            if (op->type == OP_OPEN ? !Open(op) : !Pair(op)) return false;
+            if (!Apply(nodes[static_cast<size_t>(position)])) return false;
         }
         if (terms.count != 1 || !IsValue(terms.first)) return false;
         program.result = terms.first->start;
@@ -52,6 +50,42 @@ private:
     void Use(node* term) {
         if (IsValue(term) && term->start >= 0) free.push_back(term->start);
         terms.Del(term);
+    }
+
+    bool Apply(node* op) {
+        if (op->type == OP_OPEN) return Open(op);
+        return op->type == OP_CONVERT ? Convert(op) : Pair(op);
+    }
+
+    // The term of the body with the name of a unit, or null.
+    const node* UnitAt(const node* term) const {
+        if (!term || term->type != TERM_NAME) return nullptr;
+        const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~term->start)];
+        return leaf.parameter < 0 ? leaf.term : nullptr;
+    }
+
+    bool Convert(node* arrow) {
+        const Program::Conversion units = {UnitAt(arrow->prev), UnitAt(arrow->next)};
+        if (!units.from || !units.to) return false;
+        const Program::Place to = NewRegister();
+        terms.Del(arrow->next);
+        terms.Del(arrow->prev);
+        Program::Place converted = Program::NOWHERE;
+        if (arrow->prev && arrow->prev->type == OP_UNIT_MARK) {
+            terms.Del(arrow->prev);
+            node* const left = arrow->prev;
+            if (left && left->type == OP_CLOSE) return false;
+            if (IsValue(left)) {
+                converted = left->start;
+                Use(left);
+            }
+        }
+        program.steps.push_back(
+            {OP_CONVERT, to, converted, static_cast<Program::Place>(program.conversions.size())});
+        program.conversions.push_back(units);
+        arrow->type = TERM_NUMBER;
+        arrow->start = to;
+        return true;
     }
 
     bool Pair(node* op) {
@@ -90,7 +124,7 @@ private:
         }
         const Program::Place to = NewRegister();
         const auto number = static_cast<Program::Place>(program.calls.size());
-        program.steps.push_back({TERM_FUNC, to, number, Program::NOWHERE});
+        program.steps.push_back({TERM_FUNC, to, Program::NOWHERE, number});
         program.calls.push_back(std::move(call));
         terms.Del(open->prev);
         while (open->next->type != OP_CLOSE) Use(open->next);

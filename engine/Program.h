@@ -29,8 +29,14 @@ struct Program {
     struct Step {
         int32_t code; // of the operator; OP_OPEN: parentheses around a value; TERM_FUNC: a call
         Place to;
-        Place left; // NOWHERE without an operand there; of a call its number
-        Place right;
+        Place left;  // NOWHERE without an operand there; of a conversion, what is converted
+        Place right; // of a call or a conversion its number
+    };
+
+    // The terms of the body with the names of the units.
+    struct Conversion {
+        const node* from;
+        const node* to;
     };
 
     struct Call {
@@ -48,6 +54,7 @@ struct Program {
     std::vector<Leaf> leaves;
     std::vector<Step> steps;
     std::vector<Call> calls;
+    std::vector<Conversion> conversions;
     size_t registers = 0;   // that it takes
     Place result = NOWHERE; // without one the body has no program
 
@@ -55,6 +62,6 @@ struct Program {
 
     // Makes the program of a checked body, of which these terms name parameters and these are the operators
     // in their order, by positions. There is none for a body that leaves more or less than a single value, or
-    // in which more than values counts: conversions of units, and names before parentheses.
+    // in which more than values counts: parameters that name units, and names before parentheses.
     void Make(const Deq& body, const std::vector<int32_t>& parameters, const std::vector<int32_t>& order);
 };

@@ -77,6 +77,27 @@ Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call
     return PayForOperator() == 0 ? Ending::Value : Ending::Failed; // the call's parenthesis again
 }
 
+// A conversion of this operand, if there is one.
+int Evaluator::RunConversion(const Program::Conversion& units, const Operand* converted, qfloat value) {
+    if (!converted) return ConversionFactor(units.from, units.to, value);
+    qfloat factor;
+    if (ConversionFactor(units.from, units.to, factor) != 0) return STATUS_ERROR;
+    return RunPair(OP_MULTIPLY, *converted, {&factor, nullptr}, value);
+}
+
+Evaluator::Ending Evaluator::RunStep(const Program& program, const Program::Step& step, Frame& current) {
+    Register& to = current.registers[static_cast<size_t>(step.to)];
+    const auto number = static_cast<size_t>(step.right);
+    if (step.code == TERM_FUNC) return RunCall(program, program.calls[number], current, to);
+    const Operand left = OperandAt(program, current, step.left);
+    to.operand = {&to.number, nullptr};
+    const int state = step.code == OP_CONVERT
+                          ? RunConversion(program.conversions[number],
+                                          step.left == Program::NOWHERE ? nullptr : &left, to.number)
+                          : RunPair(step.code, left, OperandAt(program, current, step.right), to.number);
+    return state == 0 ? Ending::Value : Ending::Failed;
+}
+
 // The body of a function, for a call in a statement of so many terms. The current frame has the call's level
 // and arguments.
 Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& caller, Frame& current,
@@ -90,17 +111,8 @@ Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& cal
     for (const Program::Step& step : program.steps) {
         if (PayForOperator() != 0) return Ending::Failed;
         if (step.code == OP_OPEN) continue;
-        Register& to = current.registers[static_cast<size_t>(step.to)];
-        if (step.code == TERM_FUNC) {
-            const Ending ending =
-                RunCall(program, program.calls[static_cast<size_t>(step.left)], current, to);
-            if (ending != Ending::Value) return ending;
-            continue;
-        }
-        to.operand = {&to.number, nullptr};
-        if (RunPair(step.code, OperandAt(program, current, step.left),
-                    OperandAt(program, current, step.right), to.number) != 0)
-            return Ending::Failed;
+        const Ending ending = RunStep(program, step, current);
+        if (ending != Ending::Value) return ending;
     }
     result = OperandAt(program, current, program.result);
     return Ending::Value;

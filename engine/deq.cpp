@@ -90,25 +90,6 @@ inline void* Deq::NewRoom(size_t size) {
     return std::exchange(unused, unused + size);
 }
 
-inline node* Deq::AddTo(node*& spares, node::Memory memory, size_t size) {
-    void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(size);
-    node* const term = new (room) node(memory);
-    term->prev = last;
-    (last ? last->next : first) = term;
-    last = term;
-    count++;
-    insertions++;
-    return term;
-}
-
-node* Deq::Add() {
-    return AddTo(spare, node::Memory::List, sizeof(node));
-}
-
-node* Deq::AddOperand() {
-    return AddTo(spareOperands, node::Memory::ListWithRoom, sizeof(node) + node::ROOM);
-}
-
 node* Deq::Insert(node* term, node* before) {
     node* after = before ? before->prev : last;
     term->prev = after;
@@ -118,6 +99,28 @@ node* Deq::Insert(node* term, node* before) {
     count++;
     insertions++;
     return term;
+}
+
+inline node* Deq::AddFrom(node*& spares, node::Memory memory, size_t size, node* before) {
+    void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(size);
+    return Insert(new (room) node(memory), before);
+}
+
+node* Deq::Add(node* before) {
+    return AddFrom(spare, node::Memory::List, sizeof(node), before);
+}
+
+node* Deq::AddOperand(node* before) {
+    return AddFrom(spareOperands, node::Memory::ListWithRoom, sizeof(node) + node::ROOM, before);
+}
+
+node* Deq::AddCopy(const node* term, node* before) {
+    node* const copy = term->text || term->value ? AddOperand(before) : Add(before);
+    if (term->text) copy->SetText(term->text);
+    copy->type = term->type;
+    copy->level = term->level;
+    if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
+    return copy;
 }
 
 node* Deq::Get(int i) const {
@@ -189,13 +192,7 @@ void Deq::CopyTo(Deq* target) const {
     // The count is taken first, so that a list can be appended to itself.
     const int32_t number = count;
     const node* term = first;
-    for (int32_t i = 0; i < number; i++, term = term->next) {
-        node* copy = term->text || term->value ? target->AddOperand() : target->Add();
-        if (term->text) copy->SetText(term->text);
-        copy->type = term->type;
-        copy->level = term->level;
-        if (term->type == TERM_NUMBER && term->value) copy->SetValue(*term->value);
-    }
+    for (int32_t i = 0; i < number; i++, term = term->next) target->AddCopy(term);
 }
 
 void Deq::SPrint(char* out) const {

@@ -176,10 +176,13 @@ public:
     // Appends a node, which the list then owns. Returns it.
     node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
 
-    // Append a new node in memory of the list: it may be deleted, but not taken. An operand has room for its
-    // value or its text.
-    node* Add();
-    node* AddOperand();
+    // Insert a new node in memory of the list before a node of it, or append it: it may be deleted, but not
+    // taken. An operand has room for its value or its text.
+    node* Add(node* before = nullptr);
+    node* AddOperand(node* before = nullptr);
+
+    // Inserts such a node with the other's text, type and level, and the value of a number.
+    node* AddCopy(const node* term, node* before = nullptr);
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
     // caller sets its type. Returns it.
@@ -211,7 +214,7 @@ public:
     // Appends all nodes of the other list, which is then empty, in one step.
     void TakeAll(Deq& other);
 
-    // Appends deep copies of all nodes to `target`. Text, type and level are copied, values for numbers only.
+    // Appends copies of all nodes, as AddCopy makes them, to `target`.
     void CopyTo(Deq* target) const;
 
     // Prints the terms' texts one after the other, cut at 9,999 characters: the buffer holds 10,000 bytes.
@@ -234,7 +237,7 @@ private:
 
     void BeginBlock();
     void* NewRoom(size_t size);
-    node* AddTo(node*& spares, node::Memory memory, size_t size);
+    node* AddFrom(node*& spares, node::Memory memory, size_t size, node* before);
 
     std::vector<Block> blocks;
     size_t blocksBegun = 0; // the last one of these is being used up

@@ -166,6 +166,14 @@ TEST_F(Functions, ManyParametersCostTheirTermsOnly) {
     EXPECT_EQ(1599u, calc.work.copied);
 }
 
+TEST_F(Functions, ABodyThatIsCopiedTakesTheMemoryOfTheStatement) {
+    Enter("f(x)=2(x+nosuch)");
+    EXPECT_EQ(STATUS_ERROR, Enter("f(3)"));
+    ASSERT_GT(calc.terms.count, 4); // f is gone, and the body stands behind the parenthesis
+    for (const node* term = calc.terms.first; term; term = term->next)
+        EXPECT_TRUE(term->memory == node::Memory::List || term->memory == node::Memory::ListWithRoom);
+}
+
 TEST_F(Functions, AnArgumentWithoutTextOrValueIsReported) {
     ASSERT_EQ(0, calc.ProcessStr("sqrt(1)"));
     node* argument = calc.terms.Get(2);

@@ -71,11 +71,12 @@ protected:
 
 TEST_F(Programs, ArithmeticCallsAndParenthesesHaveOne) {
     for (const char* body : {"x", "(x)", "-x", "2*-(x+1)", "sin(x)", "sin((x))", "mod(x,mod(3,x))", "x!^2",
-                             "unknown", "f(x)+mod(1,x)", "v+pi", "0x10+x"}) {
+                             "unknown", "f(x)+mod(1,x)", "v+pi", "0x10+x", "x km->mi", "5 km->mi", "km->mi",
+                             "2*(x+1)lb->kg/x", "sin(x rad->deg)^2"}) {
         Enter(std::string("f(x)=") + body);
         EXPECT_TRUE(HasProgram("f")) << body;
     }
-    for (const char* body : {"2(x)", "(x)(x)", "x(2)", "5 km->mi", "2+-x", "mod(x,(1)(2))"}) {
+    for (const char* body : {"2(x)", "(x)(x)", "x(2)", "5 x->mi", "5 km->x", "2+km->m", "mod(x,(1)(2))"}) {
         Enter(std::string("f(x)=") + body);
         EXPECT_FALSE(HasProgram("f")) << body;
     }
@@ -105,6 +106,17 @@ TEST_F(Programs, EndAsExpandedBodiesDo) {
                                   "deepjunk(x)=two(injunk(x),inc(x))",
                                   "conv(x)=5 km->mi",
                                   "inconv(x)=inc(x)*conv(x)",
+                                  "miles(x)=x km->mi",
+                                  "sumconv(x)=(x+1)km->mi",
+                                  "conversions(x)=miles(x)+km->m*x(5)+conv(x)",
+                                  "junkconv(x)=conv(x)+junk(x)",
+                                  "wrongunit(x)=x km->nosuch",
+                                  "wrongkind(x)=x kg->mi",
+                                  "tiny(x)=x km->Ym",
+                                  "to(x)=5 km->x",
+                                  "from(x)=5 x->m",
+                                  "useto(x)=to(x)+miles(2)",
+                                  "manyconv(x)=0" + repeated("+x km->mi", 300),
                                   "big(x)=x*1e9999",
                                   "power(x)=x^.5",
                                   "neg(x)=-x",
@@ -152,6 +164,22 @@ TEST_F(Programs, EndAsExpandedBodiesDo) {
                                   "sin(deepjunk(2))+1",
                                   "conv(1)",
                                   "inconv(2)*2",
+                                  "miles(2)",
+                                  "miles(v)^2",
+                                  "miles(nosuch)",
+                                  "sumconv(2)*sumconv(v)",
+                                  "conversions(1)",
+                                  "junkconv(1)",
+                                  "wrongunit(1)",
+                                  "1+wrongkind(1)",
+                                  "tiny(1)",
+                                  "to(mi)",
+                                  "to(1)",
+                                  "from(mi)",
+                                  "useto(mi)",
+                                  "manyconv(2)",
+                                  "3 km->mi+miles(miles(1))",
+                                  "miles(3)km->mi",
                                   "big(1)",
                                   "big(0)+1",
                                   "power(-1)",
