@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -100,19 +99,26 @@ const std::string& DefinitionsMerge::Choose(const std::string& key, const std::s
 
 std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) const {
     const DefinitionsText text(ours);
-    const Theirs others(theirs);
-    const DefinitionLines mine = PresentIn(text);
-    Sections merged;
-    std::unordered_set<std::string> isDone;
-    for (const DefinitionsText* const side : {&text, &others.text}) {
+    return MergedOf(text, PresentIn(text), Theirs(theirs)).text;
+}
+
+DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const DefinitionsText& ours, const DefinitionLines& mine,
+                                                    const Theirs& theirs) const {
+    Merged merged;
+    Sections sections;
+    for (const DefinitionsText* const side : {&ours, &theirs.text}) {
         for (const DefinitionRecord& record : side->records) {
             const std::string key = record.Key();
-            if (key.empty() || record.section == NO_SECTION || !isDone.insert(key).second) continue;
-            merged[record.section] += Choose(key, lineOf(mine, key), others);
+            if (key.empty() || record.section == NO_SECTION) continue;
+            const auto [place, isNew] = merged.lines.try_emplace(key);
+            if (!isNew) continue;
+            place->second = Choose(key, lineOf(mine, key), theirs);
+            sections[record.section] += place->second;
         }
     }
-    merged[HISTORY] = (leavesHistory ? others.text : text).History();
-    return textOf(merged);
+    sections[HISTORY] = (leavesHistory ? theirs.text : ours).History();
+    merged.text = textOf(sections);
+    return merged;
 }
 
 DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
@@ -153,20 +159,20 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
     }
     std::string theirs;
     readWholeFile(path, theirs, system);
-    const std::string merged = Merge(ours, theirs);
-    if (!writeFileAtomically(path, merged, &reason, system)) return false;
-    Wrote(merged, ours);
+    const DefinitionsText text(ours);
+    DefinitionLines mine = PresentIn(text);
+    const Merged merged = MergedOf(text, mine, Theirs(theirs));
+    if (!writeFileAtomically(path, merged.text, &reason, system)) return false;
+    Wrote(merged.lines, std::move(mine));
     return true;
 }
 
 // A line of another program that counts is still to be told of.
-void DefinitionsMerge::Wrote(const std::string& merged, const std::string& ours) {
-    DefinitionLines now = PresentIn(DefinitionsText(ours));
-    const DefinitionLines written = DefinitionsText(merged).LinesByKey();
+void DefinitionsMerge::Wrote(const DefinitionLines& written, DefinitionLines&& now) {
     for (const auto& [key, line] : now) {
         if (lineOf(written, key) == line) file[key] = line;
     }
     for (auto i = file.begin(); i != file.end();)
-        i = now.count(i->first) || written.count(i->first) ? ++i : file.erase(i);
+        i = now.count(i->first) || !lineOf(written, i->first).empty() ? ++i : file.erase(i);
     present = std::move(now);
 }

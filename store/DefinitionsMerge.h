@@ -61,9 +61,16 @@ private:
         bool isWhole; // what it lacks was deleted: every program writes its `ans`
     };
 
+    // What is written, and its lines.
+    struct Merged {
+        std::string text;
+        DefinitionLines lines;
+    };
+
     DefinitionLines PresentIn(const DefinitionsText& ours) const;
+    Merged MergedOf(const DefinitionsText& ours, const DefinitionLines& mine, const Theirs& theirs) const;
     const std::string& Choose(const std::string& key, const std::string& mine, const Theirs& theirs) const;
-    void Wrote(const std::string& merged, const std::string& ours);
+    void Wrote(const DefinitionLines& written, DefinitionLines&& now);
 
     DefinitionLines present;       // ours, when the file was last read or written
     DefinitionLines file;          // the file's then, but for what TakeForeign is still to tell
