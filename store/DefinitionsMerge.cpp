@@ -49,6 +49,7 @@ void setLine(DefinitionLines& lines, const std::string& key, const std::string& 
 void DefinitionsMerge::Know(const std::string& theirs, const std::string& ours,
                             const std::set<std::string>& refused) {
     file = DefinitionsText(theirs).LinesByKey();
+    settled = theirs;
     present = PresentIn(DefinitionsText(ours));
     // As if it had been read and was changed here.
     for (const std::string& key : refused) present[key] = lineOf(file, key);
@@ -116,6 +117,8 @@ DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const DefinitionsText& ours,
             sections[record.section] += place->second;
         }
     }
+    for (auto i = merged.lines.begin(); i != merged.lines.end();)
+        i = i->second.empty() ? merged.lines.erase(i) : ++i;
     sections[HISTORY] = (leavesHistory ? theirs.text : ours).History();
     merged.text = textOf(sections);
     return merged;
@@ -131,6 +134,7 @@ DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours,
         }
     }
     Foreign foreign;
+    settled.clear();
     for (const std::string& key : changed) {
         const std::string &mine = lineOf(oursNow, key), &line = lineOf(others.lines, key);
         if (line != Choose(key, mine, others)) continue;
@@ -142,6 +146,7 @@ DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours,
         if (line.empty() || isUnit) foreign.deleted += mine;
         foreign.defined += line;
     }
+    if (foreign.keys.size() == changed.size()) settled = theirs;
     return foreign;
 }
 
@@ -161,18 +166,19 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
     readWholeFile(path, theirs, system);
     const DefinitionsText text(ours);
     DefinitionLines mine = PresentIn(text);
-    const Merged merged = MergedOf(text, mine, Theirs(theirs));
+    Merged merged = MergedOf(text, mine, Theirs(theirs));
     if (!writeFileAtomically(path, merged.text, &reason, system)) return false;
-    Wrote(merged.lines, std::move(mine));
+    Wrote(std::move(merged), std::move(mine));
     return true;
 }
 
 // A line of another program that counts is still to be told of.
-void DefinitionsMerge::Wrote(const DefinitionLines& written, DefinitionLines&& now) {
+void DefinitionsMerge::Wrote(Merged&& written, DefinitionLines&& now) {
     for (const auto& [key, line] : now) {
-        if (lineOf(written, key) == line) file[key] = line;
+        if (lineOf(written.lines, key) == line) file[key] = line;
     }
     for (auto i = file.begin(); i != file.end();)
-        i = now.count(i->first) || !lineOf(written, i->first).empty() ? ++i : file.erase(i);
+        i = now.count(i->first) || written.lines.count(i->first) ? ++i : file.erase(i);
+    settled = written.lines == file ? std::move(written.text) : "";
     present = std::move(now);
 }

@@ -38,6 +38,10 @@ public:
     // counts as changed in it, and where it has no `ans`, nothing as deleted: no program left it so.
     std::string Merge(const std::string& ours, const std::string& theirs) const;
 
+    // Whether it is known without a look at ours that TakeForeign has nothing to tell: the text of the file
+    // is as it was read or written here.
+    bool IsSettled(const std::string& theirs) const { return theirs == settled; }
+
     // What Merge takes from `theirs` and has not been told of before. Whoever has carried it out calls
     // Took with what there is then, so that it does not count as changed here.
     Foreign TakeForeign(const std::string& ours, const std::string& theirs);
@@ -70,9 +74,10 @@ private:
     DefinitionLines PresentIn(const DefinitionsText& ours) const;
     Merged MergedOf(const DefinitionsText& ours, const DefinitionLines& mine, const Theirs& theirs) const;
     const std::string& Choose(const std::string& key, const std::string& mine, const Theirs& theirs) const;
-    void Wrote(const DefinitionLines& written, DefinitionLines&& now);
+    void Wrote(Merged&& written, DefinitionLines&& now);
 
     DefinitionLines present;       // ours, when the file was last read or written
     DefinitionLines file;          // the file's then, but for what TakeForeign is still to tell
+    std::string settled;           // a text of the file that has the lines of `file`, or nothing
     std::set<std::string> leftOut; // lines
 };

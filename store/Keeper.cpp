@@ -62,7 +62,6 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     merge = {};
     merge.leavesHistory = leavesHistory;
     merge.Know(read.text, TextOf(calc), read.refused); // what was refused is in the copy
-    definitionsSeen = read.text;
     if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
     if (read.damaged)
         return "Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
@@ -77,9 +76,8 @@ void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
     std::string theirs;
     if (!readWholeFile(definitionsFile.path, theirs, system)) return;
     definitionsStamp = stamp;
-    if (theirs == definitionsSeen) return;
+    if (merge.IsSettled(theirs)) return;
     const DefinitionsMerge::Foreign foreign = merge.TakeForeign(TextOf(calc), theirs);
-    definitionsSeen = std::move(theirs);
     if (foreign.keys.empty()) return;
     takeDefinitions(calc, foreign.defined, foreign.deleted);
     merge.Took(foreign, TextOf(calc));
@@ -138,7 +136,6 @@ void Keeper::Write(std::string settings, std::string definitions) {
     makeFolder(folder, system); // it may have been taken away
     if (!settings.empty() && !MayWrite(settingsFile)) settings.clear();
     if (!definitions.empty() && !MayWrite(definitionsFile)) definitions.clear();
-    definitionsSeen.clear();
     if (transcript == transcriptKept) transcript.reset();
     isBusy = true;
     // Signals are for whoever waits for them, not for this thread: it takes over the mask.
@@ -199,7 +196,6 @@ void Keeper::EntryWillRun(const ZqCalculator& calc, bool isReplaying) {
 }
 
 bool Keeper::NoteChange() {
-    definitionsSeen.clear();
     if (isChanged) return false;
     changeTime = system.Now();
     return isChanged = true;

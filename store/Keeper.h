@@ -132,9 +132,8 @@ private:
     bool isChanged = false;
     bool isRunning = false;
     System::Time changeTime;
-    FileStamp definitionsStamp;  // of the file when it was last taken in
-    std::string definitionsSeen; // the file's text when it was taken in; empty when something changed since
-    std::string textBefore;      // of the definitions before the running entry
+    FileStamp definitionsStamp; // of the file when it was last taken in
+    std::string textBefore;     // of the definitions before the running entry
     System::Time textTime;
     System::Time::duration textCost{};
 

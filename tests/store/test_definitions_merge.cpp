@@ -331,6 +331,24 @@ TEST(DefinitionsMerge, WhatIsWrittenForAnotherProgramIsToldOfAllTheSame) {
     EXPECT_EQ(foreign.defined, "pi=3\nyours=2\n");
 }
 
+TEST(DefinitionsMerge, AFileThatIsAsItWasReadOrWrittenHereIsSettled) {
+    DefinitionsMerge merge;
+    merge.Know(START, START);
+    EXPECT_TRUE(merge.IsSettled(START));
+    const std::string ours = file("f(x)=x\n", "ans=2\npi=3.14\nmine=1\n", "unit u=2 m\n", "1\n");
+    EXPECT_EQ(written(merge, ours, START), ours);
+    EXPECT_TRUE(merge.IsSettled(ours));
+    EXPECT_FALSE(merge.IsSettled(START));
+    const std::string theirs = file("f(x)=x\n", "ans=2\npi=3\nmine=1\n", "unit u=2 m\n", "1\n");
+    EXPECT_EQ(written(merge, ours, theirs), theirs);
+    EXPECT_FALSE(merge.IsSettled(theirs)) << "pi=3 is still to be told";
+    merge.Took(merge.TakeForeign(ours, theirs), theirs);
+    EXPECT_TRUE(merge.IsSettled(theirs));
+    const std::string another = file("f(x)=x\n", "ans=9\npi=3\nmine=1\n", "unit u=2 m\n", "1\n");
+    EXPECT_TRUE(merge.TakeForeign(theirs, another).keys.empty());
+    EXPECT_FALSE(merge.IsSettled(another)) << "the answer of another program never counts";
+}
+
 TEST(DefinitionsMerge, WhatCouldNotBeTakenInStaysInTheFile) {
     DefinitionsMerge merge;
     merge.Know(START, START);
