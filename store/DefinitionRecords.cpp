@@ -171,6 +171,7 @@ std::string textOf(const Sections& sections) {
 DefinitionsText::DefinitionsText(const std::string& text) {
     Section section = NO_SECTION;
     bool beginsWell = false;
+    records.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')));
     for (size_t start = 0, end = 0; start < text.size(); start = end + 1) {
         end = std::min(text.find('\n', start), text.size());
         std::string line = text.substr(start, end - start);

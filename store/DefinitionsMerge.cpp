@@ -111,14 +111,13 @@ DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const DefinitionsText& ours,
         for (const DefinitionRecord& record : side->records) {
             const std::string key = record.Key();
             if (key.empty() || record.section == NO_SECTION) continue;
-            const auto [place, isNew] = merged.lines.try_emplace(key);
-            if (!isNew) continue;
-            place->second = Choose(key, lineOf(mine, key), theirs);
-            sections[record.section] += place->second;
+            const std::string& line = lineOf(mine, key);
+            if (side == &theirs.text && (!line.empty() || merged.others.count(key) > 0)) continue;
+            const std::string& chosen = Choose(key, line, theirs);
+            if (chosen != line || line.empty()) merged.others[key] = chosen;
+            sections[record.section] += chosen;
         }
     }
-    for (auto i = merged.lines.begin(); i != merged.lines.end();)
-        i = i->second.empty() ? merged.lines.erase(i) : ++i;
     sections[HISTORY] = (leavesHistory ? theirs.text : ours).History();
     merged.text = textOf(sections);
     return merged;
@@ -174,11 +173,17 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
 
 // A line of another program that counts is still to be told of.
 void DefinitionsMerge::Wrote(Merged&& written, DefinitionLines&& now) {
+    size_t count = now.size();
     for (const auto& [key, line] : now) {
-        if (lineOf(written.lines, key) == line) file[key] = line;
+        if (written.others.count(key) == 0) file[key] = line;
     }
     for (auto i = file.begin(); i != file.end();)
-        i = now.count(i->first) || written.lines.count(i->first) ? ++i : file.erase(i);
-    settled = written.lines == file ? std::move(written.text) : "";
+        i = now.count(i->first) || !lineOf(written.others, i->first).empty() ? ++i : file.erase(i);
+    bool isSettled = true;
+    for (const auto& [key, line] : written.others) {
+        isSettled = isSettled && lineOf(file, key) == line;
+        count += (line.empty() ? 0 : 1) - now.count(key);
+    }
+    settled = isSettled && count == file.size() ? std::move(written.text) : "";
     present = std::move(now);
 }

@@ -65,10 +65,10 @@ private:
         bool isWhole; // what it lacks was deleted: every program writes its `ans`
     };
 
-    // What is written, and its lines.
+    // What is written, and its lines that are not ours.
     struct Merged {
         std::string text;
-        DefinitionLines lines;
+        DefinitionLines others;
     };
 
     DefinitionLines PresentIn(const DefinitionsText& ours) const;

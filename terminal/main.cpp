@@ -42,8 +42,9 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     // What ships or is in the init file is there at each start without being kept.
     const std::string before = definitionsText(session.Calculator());
     run.TakeShared();
+    const bool isAny = definitionsText(session.Calculator()) != before;
     if (!options.noFiles) tell(files.Open());
-    files.LeaveOut(before);
+    if (isAny) files.LeaveOut(before);
     run.TakeSettings();
     PromptOptions how;
     how.isPlain = options.plain;
