@@ -63,21 +63,41 @@ struct SettingCommand {
     const char* refusal = nullptr; // the error for another value; null: such a statement is no command
 };
 
-struct Setting {
+// The values that a setting can have.
+struct SettingValue {
     // A number, up to CHARACTER; or a text: of a color its calibrated red, green, blue and alpha, "0.1 0.9
     // 0.9 1", and of a font its points and name, "13 DejaVuSansMono".
     enum Kind { FLAG, NUMBER, CHARACTER, COLOR, FONT };
 
-    const char* key;  // in the file
-    const char* help; // what it does; of one with a command, as in the guide
     Kind kind;
-    int standard = 0;            // the default
-    int least = 0, most = 1;     // of a number; with choices only these
-    const char* title = nullptr; // in the preferences; null: it has no control there
-    EntryUse entry = {};
-    SettingChoices choices = {};
-    SettingCommand command = {};
-    const char* text = ""; // the default of a color; that of the font is the console's own
+    int standard = 0;        // the default
+    int least = 0, most = 1; // of a number; with choices only these
+    const char* text = "";   // the default of a color; that of the font is the console's own
+};
+
+constexpr SettingValue flagSetting(int standard) {
+    return {SettingValue::FLAG, standard};
+}
+constexpr SettingValue numberSetting(int standard, int least, int most) {
+    return {SettingValue::NUMBER, standard, least, most};
+}
+constexpr SettingValue colorSetting(const char* standard) {
+    return {SettingValue::COLOR, 0, 0, 0, standard};
+}
+
+struct Setting : SettingValue {
+    constexpr Setting(const char* settingKey, const char* line, const SettingValue& value,
+                      const char* controlTitle = nullptr, EntryUse use = {}, SettingChoices values = {},
+                      SettingCommand changedBy = {})
+        : SettingValue(value), key(settingKey), help(line), title(controlTitle), entry(use), choices(values),
+          command(changedBy) {}
+
+    const char* key;   // in the file
+    const char* help;  // what it does; of one with a command, as in the guide
+    const char* title; // in the preferences; null: it has no control there
+    EntryUse entry;
+    SettingChoices choices;
+    SettingCommand command;
 
     bool IsNumber() const { return kind <= CHARACTER; }
 
@@ -122,42 +142,60 @@ inline constexpr SettingChoice SCI_MODES[] = {
 
 // clang-format off
 inline constexpr Setting SETTINGS[] = {
-    // key, help, kind, default, least, most, title, use, choices, command
-    {"tipscode", "which tips the window has shown", Setting::NUMBER, 0, 0, INT32_MAX},
-    {"firstrun", "counts the starts of the window", Setting::NUMBER, 1, 0, INT32_MAX - 1}, // it is counted up
-    {"snaptoscreen", "the window snaps to the edges of the screen", Setting::FLAG, 1, 0, 1, "Snap to screen edges"},
-    {"transback", "the window fades when another program is in front", Setting::FLAG, 1, 0, 1, "Fade the window when inactive"},
-    {"statusicon", "shows the status item in the menu bar", Setting::FLAG, 1, 0, 1, "Show the status item"},
-    {"startclear", "the window starts with an empty transcript", Setting::FLAG, 0, 0, 1, "Start with an empty transcript"},
-    {"alwaystop", "kept for older files; changes nothing", Setting::FLAG, 0},
-    {"mintotray", "kept for older files; changes nothing", Setting::FLAG, 0},
-    {"autoeval", "shows the answer below the line while you type at the prompt", Setting::FLAG, 1},
-    {"twoscomp", "negative answers in hex and bin as two's complement", Setting::FLAG, 0, 0, 1, "Two's complement in hex and binary", {&EntrySettings::twosComp}},
+    // key, help, its value: default, least and most;
+    //     title, use, choices, command
+    {"tipscode", "which tips the window has shown", numberSetting(0, 0, INT32_MAX)},
+    {"firstrun", "counts the starts of the window", numberSetting(1, 0, INT32_MAX - 1)}, // it is counted up
+    {"snaptoscreen", "the window snaps to the edges of the screen", flagSetting(1),
+        "Snap to screen edges"},
+    {"transback", "the window fades when another program is in front", flagSetting(1),
+        "Fade the window when inactive"},
+    {"statusicon", "shows the status item in the menu bar", flagSetting(1),
+        "Show the status item"},
+    {"startclear", "the window starts with an empty transcript", flagSetting(0),
+        "Start with an empty transcript"},
+    {"alwaystop", "kept for older files; changes nothing", flagSetting(0)},
+    {"mintotray", "kept for older files; changes nothing", flagSetting(0)},
+    {"autoeval", "shows the answer below the line while you type at the prompt", flagSetting(1)},
+    {"twoscomp", "negative answers in hex and bin as two's complement", flagSetting(0),
+        "Two's complement in hex and binary", {&EntrySettings::twosComp}},
     // The misspelling in its answer is what people and scripts know.
-    {"european", "decimal comma, or point", Setting::FLAG, 0, 0, 1, "Decimal comma", {&EntrySettings::european}, ON_OFF,
-        {"european", "EUROPEAN DELIMETERS "}},
-    {"tenkey", "reads the sign behind a number, as adding machines do", Setting::FLAG, 0, 0, 1, nullptr, {&EntrySettings::tenKey, true}},
-    {"separator", "groups the digits of answers by thousands", Setting::FLAG, 0, 0, 1, "Group digits by thousands", {&EntrySettings::useSeparator}},
-    {"doublenegans", "a minus typed first is a sign; off: it puts ans in front", Setting::FLAG, 1},
-    {"degmode", "angles in degrees or radians", Setting::FLAG, 1, 0, 1, nullptr, {&EntrySettings::degreeMode}, ANGLES,
-        {"mode", ""}},
-    {"scimode", "when and how numbers have exponents", Setting::NUMBER, 0, 0, 5, "Exponents:", {&EntrySettings::sciMode}, SCI_MODES,
+    {"european", "decimal comma, or point", flagSetting(0),
+        "Decimal comma", {&EntrySettings::european}, ON_OFF, {"european", "EUROPEAN DELIMETERS "}},
+    {"tenkey", "reads the sign behind a number, as adding machines do", flagSetting(0),
+        nullptr, {&EntrySettings::tenKey, true}},
+    {"separator", "groups the digits of answers by thousands", flagSetting(0),
+        "Group digits by thousands", {&EntrySettings::useSeparator}},
+    {"doublenegans", "a minus typed first is a sign; off: it puts ans in front", flagSetting(1)},
+    {"degmode", "angles in degrees or radians", flagSetting(1),
+        nullptr, {&EntrySettings::degreeMode}, ANGLES, {"mode", ""}},
+    {"scimode", "when and how numbers have exponents", numberSetting(SCI_AUTO, SCI_AUTO, SCI_FIXED),
+        "Exponents:", {&EntrySettings::sciMode}, SCI_MODES,
         {"scimode", "SCIENTIFIC MODE: ", "invalid scimode choice"}},
-    {"nsfont", "the window's font: its points and its name", Setting::FONT},
-    {"schar", "the mark between groups of digits", Setting::CHARACTER, ',', ' ', 255, "Grouping mark:", {&EntrySettings::separatorChar}},
-    {"histsz", "so many entries of the window are kept, 1 to 999", Setting::NUMBER, 30, 1, 999, "Lines of history:"},
-    {"dispbase", "the base in which answers are shown", Setting::NUMBER, 10, 2, 16, nullptr, {&EntrySettings::displayBase}, DISPLAY_BASES,
-        {"display", "DISPLAY "}},
-    {"sigfigs", "shows so many significant figures, 1 to 100", Setting::NUMBER, 10, 1, 100, "Significant figures:", {&EntrySettings::sigFigs}, {},
+    {"nsfont", "the window's font: its points and its name", {SettingValue::FONT}},
+    {"schar", "the mark between groups of digits", {SettingValue::CHARACTER, ',', ' ', 255},
+        "Grouping mark:", {&EntrySettings::separatorChar}},
+    {"histsz", "so many entries of the window are kept, 1 to 999", numberSetting(30, 1, 999),
+        "Lines of history:"},
+    {"dispbase", "the base in which answers are shown", numberSetting(10, 2, 16),
+        nullptr, {&EntrySettings::displayBase}, DISPLAY_BASES, {"display", "DISPLAY "}},
+    {"sigfigs", "shows so many significant figures, 1 to 100", numberSetting(10, 1, 100),
+        "Significant figures:", {&EntrySettings::sigFigs}, {},
         {"sigfigs", "SIGNIFICANT FIGURES: ", "bad significant figures"}},
-    {"financed", "kept for older files; changes nothing", Setting::NUMBER, 2, 0, 100},
-    {"x", "the window's left edge on the screen, in points", Setting::NUMBER, 450, -30000, 30000}, // X servers count in 16 bits
-    {"y", "the window's lower edge on the screen, in points", Setting::NUMBER, 250, -30000, 30000},
-    {"cx", "the window's width, in points", Setting::NUMBER, 450, 100, 10000},
-    {"cy", "the window's height, in points", Setting::NUMBER, 250, 100, 10000},
-    {"bgcolor", "the window's background: red, green, blue and alpha, 0 to 1", Setting::COLOR, 0, 0, 0, "Background color:", {}, {}, {}, "0.1 0.1 0.1 1"},
-    {"fgcolor", "the window's text: red, green, blue and alpha, 0 to 1", Setting::COLOR, 0, 0, 0, "Text color:", {}, {}, {}, "0.1 0.9 0.9 1"},
-    {"trans", "how much the window fades, in percent", Setting::NUMBER, 25, 0, 100, "Transparency:"},
+    {"financed", "kept for older files; changes nothing", numberSetting(2, 0, 100)},
+    // X servers count in 16 bits.
+    {"x", "the window's left edge on the screen, in points", numberSetting(450, -30000, 30000)},
+    {"y", "the window's lower edge on the screen, in points", numberSetting(250, -30000, 30000)},
+    {"cx", "the window's width, in points", numberSetting(450, 100, 10000)},
+    {"cy", "the window's height, in points", numberSetting(250, 100, 10000)},
+    {"bgcolor", "the window's background: red, green, blue and alpha, 0 to 1",
+        colorSetting("0.1 0.1 0.1 1"),
+        "Background color:"},
+    {"fgcolor", "the window's text: red, green, blue and alpha, 0 to 1",
+        colorSetting("0.1 0.9 0.9 1"),
+        "Text color:"},
+    {"trans", "how much the window fades, in percent", numberSetting(25, 0, 100),
+        "Transparency:"},
 };
 // clang-format on
 

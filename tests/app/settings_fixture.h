@@ -7,28 +7,13 @@
 
 #import "SettingsDictionary.h"
 
+#include "../settings_table.h"
+
 #include <cstring>
 #include <iterator>
 #include <string>
 
-struct KnownSetting {
-    const char* key;
-    int standard;
-    int other; // another value that the key may have
-};
-
-// The keys with numbers, in the order of their defaults.
-const KnownSetting NUMBERS[] = {
-    {"tipscode", 0, 1},   {"firstrun", 1, 7},     {"snaptoscreen", 1, 0}, {"transback", 1, 0},
-    {"statusicon", 1, 0}, {"startclear", 0, 1},   {"alwaystop", 0, 1},    {"mintotray", 0, 1},
-    {"autoeval", 1, 0},   {"twoscomp", 0, 1},     {"european", 0, 1},     {"tenkey", 0, 1},
-    {"separator", 0, 1},  {"doublenegans", 1, 0}, {"degmode", 1, 0},      {"scimode", 0, 3},
-    {"schar", 44, 39},    {"histsz", 30, 999},    {"dispbase", 10, 16},   {"sigfigs", 10, 33},
-    {"financed", 2, 4},   {"x", 450, 100},        {"y", 250, 120},        {"cx", 450, 500},
-    {"cy", 250, 300},     {"trans", 25, 60},
-};
-
-const char* const OBJECTS[] = {"nsfont", "fgcolor", "bgcolor"};
+const std::vector<Setting> NUMBERS = numberSettings();
 
 inline NSString* string(const char* text) {
     return [NSString stringWithUTF8String:text];
@@ -103,7 +88,7 @@ protected:
     }
 
     void ExpectDefaults() {
-        for (const KnownSetting& one : NUMBERS) {
+        for (const Setting& one : NUMBERS) {
             SCOPED_TRACE(one.key);
             const bool isFirstRun = strcmp(one.key, "firstrun") == 0; // counted by the start
             EXPECT_EQ([SettingOf(one.key) intValue], isFirstRun ? 2 : one.standard);

@@ -18,10 +18,10 @@ class DamagedSettings : public Settings {};
 // --- Keys ---
 
 TEST_F(DamagedSettings, AMissingKeyStaysMissingAndNothingBreaks) {
-    for (const KnownSetting& left : NUMBERS) {
+    for (const Setting& left : NUMBERS) {
         SCOPED_TRACE(left.key);
         std::string text = HEAD;
-        for (const KnownSetting& one : NUMBERS) {
+        for (const Setting& one : NUMBERS) {
             const int value = strcmp(one.key, "firstrun") == 0 ? 5 : one.standard;
             if (one.key != left.key) text += pair(one.key, integer(value));
         }
@@ -60,7 +60,7 @@ TEST_F(DamagedSettings, AValueOfAnotherKindGivesTheKeysDefault) {
                                   "<real>nan</real>",
                                   "<real>inf</real>",
                                   "<date>2020-01-01T00:00:00Z</date>"};
-    for (const KnownSetting& one : NUMBERS) {
+    for (const Setting& one : NUMBERS) {
         for (const char* const value : values) {
             SCOPED_TRACE(one.key + std::string(value));
             const id found = [settingsOf(fileWith(one.key, value)) objectForKey:string(one.key)];
@@ -78,7 +78,7 @@ TEST_F(DamagedSettings, AnImpossibleNumberGivesTheKeysDefault) {
         {"cy", {0, 99, 10001}},    {"trans", {101}},
         {"european", {2}},         {"degmode", {2}},
         {"firstrun", {0x7fffffff}}};
-    for (const KnownSetting& one : NUMBERS) {
+    for (const Setting& one : NUMBERS) {
         std::vector<long long> values = {-40000, 1LL << 31, 1LL << 32, (1LL << 32) + 10, -(1LL << 62)};
         const auto found = more.find(one.key);
         if (found != more.end()) values.insert(values.end(), found->second.begin(), found->second.end());
@@ -258,7 +258,7 @@ TEST_F(DamagedSettings, TheFolderIsMadeInTheHomeFolder) {
 
 // Whether every key has a value of its kind within its range.
 static void expectSound(NSDictionary* settings) {
-    for (const KnownSetting& one : NUMBERS) {
+    for (const Setting& one : NUMBERS) {
         const id value = [settings objectForKey:string(one.key)];
         if (!value) continue;
         ASSERT_TRUE([value isKindOfClass:[NSNumber class]]) << one.key;

@@ -10,25 +10,26 @@
 TEST_F(Settings, FirstStartMakesTheFolderAndWritesEveryDefault) {
     EXPECT_TRUE(Exists(Folder()));
     NSDictionary* const file = Stored();
-    EXPECT_EQ([file count], std::size(NUMBERS) + std::size(OBJECTS));
-    for (const KnownSetting& one : NUMBERS) {
+    EXPECT_EQ([file count], std::size(SETTINGS));
+    for (const Setting& one : NUMBERS) {
         SCOPED_TRACE(one.key);
         const id value = [file objectForKey:string(one.key)];
         ASSERT_TRUE([value isKindOfClass:[NSNumber class]]);
         EXPECT_EQ([value intValue], one.standard);
     }
-    for (const char* const key : OBJECTS) {
-        EXPECT_TRUE([[file objectForKey:string(key)] isKindOfClass:[NSData class]]) << key;
+    for (const Setting& one : SETTINGS) {
+        if (!one.IsNumber())
+            EXPECT_TRUE([[file objectForKey:string(one.key)] isKindOfClass:[NSData class]]) << one.key;
     }
 }
 
 TEST_F(Settings, SettingsInMemoryHaveEveryDefault) {
-    EXPECT_EQ([[console settings] count], std::size(NUMBERS) + std::size(OBJECTS));
+    EXPECT_EQ([[console settings] count], std::size(SETTINGS));
     ExpectDefaults();
 }
 
 TEST_F(Settings, InitSettingsDefaultDiscardsWhatWasThere) {
-    for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
+    for (const Setting& one : NUMBERS) [console setSetting:string(one.key) to:otherValue(one)];
     [[console settings] setObject:@"x" forKey:@"unknown"];
     [console initSettingsDefault];
     [console setSetting:@"firstrun" to:2];
@@ -37,26 +38,27 @@ TEST_F(Settings, InitSettingsDefaultDiscardsWhatWasThere) {
 }
 
 TEST_F(Settings, InitColorsDefaultSetsColorsAndTransparencyAlone) {
-    for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
+    for (const Setting& one : NUMBERS) [console setSetting:string(one.key) to:otherValue(one)];
     [[console settings] setObject:[NSColor redColor] forKey:@"fgcolor"];
     [[console settings] setObject:[NSColor redColor] forKey:@"bgcolor"];
     [console initColorsDefault];
     expectColor(SettingOf("bgcolor"), 0.1, 0.1, 0.1, 1);
     expectColor(SettingOf("fgcolor"), 0.1, 0.9, 0.9, 1);
     EXPECT_EQ([console setting:@"trans"], 25);
-    EXPECT_EQ([console setting:@"sigfigs"], 33);
+    EXPECT_EQ([console setting:@"sigfigs"], 11);
 }
 
 // --- Saving and loading ---
 
 TEST_F(Settings, EveryNumberComesBackAtTheNextStart) {
-    for (const KnownSetting& one : NUMBERS) [console setSetting:string(one.key) to:one.other];
+    for (const Setting& one : NUMBERS) [console setSetting:string(one.key) to:otherValue(one)];
     [console saveSettings];
-    for (const KnownSetting& one : NUMBERS) EXPECT_EQ(StoredNumber(one.key), one.other) << one.key;
+    for (const Setting& one : NUMBERS) EXPECT_EQ(StoredNumber(one.key), otherValue(one)) << one.key;
     Restart();
-    for (const KnownSetting& one : NUMBERS) {
+    for (const Setting& one : NUMBERS) {
         const bool isFirstRun = strcmp(one.key, "firstrun") == 0; // counted by the start
-        EXPECT_EQ([SettingOf(one.key) intValue], isFirstRun ? one.other + 1 : one.other) << one.key;
+        EXPECT_EQ([SettingOf(one.key) intValue], isFirstRun ? otherValue(one) + 1 : otherValue(one))
+            << one.key;
     }
 }
 
@@ -78,17 +80,15 @@ TEST_F(Settings, TheEngineAndTheWindowStartWithWhatTheFileSays) {
 
 // Ten-key entry is set by a start alone.
 TEST_F(Settings, EverySettingOfAnEntryReachesTheEngineAndItsCommandComesBack) {
-    for (const KnownSetting& one : NUMBERS) {
+    for (const Setting& one : NUMBERS) {
         SCOPED_TRACE(one.key);
-        const Setting& row = *findSetting(one.key);
-        EXPECT_EQ(row.standard, one.standard);
-        [console setSetting:string(one.key) to:one.other];
+        [console setSetting:string(one.key) to:otherValue(one)];
         Enter("1");
-        if (row.entry.IsOfEachEntry()) EXPECT_EQ(row.ValueIn(calc), one.other);
-        if (row.command.word) Enter(row.CommandFor(one.standard).c_str());
-        EXPECT_EQ([console setting:string(one.key)], row.command.word ? one.standard : one.other);
+        if (one.entry.IsOfEachEntry()) EXPECT_EQ(one.ValueIn(calc), otherValue(one));
+        if (one.command.word) Enter(one.CommandFor(one.standard).c_str());
+        EXPECT_EQ([console setting:string(one.key)], one.command.word ? one.standard : otherValue(one));
         if (strcmp(one.key, "tenkey") != 0)
-            EXPECT_EQ(row.entry.field.index() != 0, row.entry.IsOfEachEntry());
+            EXPECT_EQ(one.entry.field.index() != 0, one.entry.IsOfEachEntry());
     }
 }
 

@@ -176,9 +176,17 @@ std::string completion(const std::string& name) {
     return std::string(TALLYQUILL_COMPLETIONS) + "/" + name;
 }
 
+// What bash proposes for a command line of these words.
+std::string bashProposes(const std::string& words) {
+    return shellShows("/",
+                      "source '" + completion("tallyquill.bash") + "'; COMP_WORDS=(" + words +
+                          "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tallyquill; echo \"${COMPREPLY[@]}\"");
+}
+
 TEST(Completions, KnowTheOptionsThatThereAre) {
     const std::string bash = contentOf(completion("tallyquill.bash"));
-    EXPECT_EQ(namesIn(bash.substr(bash.find("options='"), bash.find("-f -F")), "--([a-z-]+)"), longNames());
+    const size_t options = bash.find("options='");
+    EXPECT_EQ(namesIn(bash.substr(options, bash.find('\n', options) - options), "--([a-z-]+)"), longNames());
     EXPECT_EQ(namesIn(contentOf(completion("_tallyquill")), "--([a-z-]+)[=\\[}]"), longNames());
     EXPECT_EQ(namesIn(contentOf(completion("tallyquill.fish")), " -l ([a-z-]+)"), longNames());
     for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
@@ -200,17 +208,11 @@ TEST(Completions, KnowTheValuesThatThereAre) {
         if (std::string(row->name) == "with") values = "everyday|constants|money|time|temperature";
         if (values.find('|') == std::string::npos) continue;
         replaceAll(values, "|", " ");
-        for (const char* const file : {"tallyquill.bash", "_tallyquill", "tallyquill.fish"})
+        EXPECT_EQ(bashProposes("tallyquill --" + std::string(row->name) + " ''"), values + "\n");
+        for (const char* const file : {"_tallyquill", "tallyquill.fish"})
             EXPECT_NE(contentOf(completion(file)).find(values), std::string::npos)
                 << file << ' ' << row->name;
     }
-}
-
-// What bash proposes for a command line of these words.
-std::string bashProposes(const std::string& words) {
-    return shellShows("/",
-                      "source '" + completion("tallyquill.bash") + "'; COMP_WORDS=(" + words +
-                          "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _tallyquill; echo \"${COMPREPLY[@]}\"");
 }
 
 TEST(Completions, WorkInBash) {
