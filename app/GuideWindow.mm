@@ -15,18 +15,17 @@ static const CGFloat COLUMN_GAP = 20;
 // What a heading is known by, as a link names it: "how-answers-look".
 static NSString* const ANCHOR = @"GuideAnchor";
 
+// The colors are the system's, which follow the look.
 static NSDictionary* codeLook() {
-    return textLook([NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS], [NSColor colorWithCalibratedRed:0.35
-                                                                                                  green:0.85
-                                                                                                   blue:0.85
-                                                                                                  alpha:1]);
+    return textLook([NSFont userFixedPitchFontOfSize:TEXT_SIZE_POINTS], platformLinkColor());
 }
 
 static NSDictionary* plainLook(CGFloat indent, NSArray* tabStops) {
     NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
     [style setHeadIndent:indent];
     if (tabStops) [style setTabStops:tabStops];
-    NSMutableDictionary* const look = textLook([NSFont systemFontOfSize:TEXT_SIZE_POINTS], gray(0.86));
+    NSMutableDictionary* const look =
+        textLook([NSFont systemFontOfSize:TEXT_SIZE_POINTS], [NSColor textColor]);
     [look setObject:style forKey:NSParagraphStyleAttributeName];
     return look;
 }
@@ -77,7 +76,7 @@ static void appendLine(NSMutableAttributedString* out, NSString* line, NSDiction
 
 // A little space between what stands above and what follows.
 static void appendSpace(NSMutableAttributedString* out) {
-    append(out, @"\n", textLook([NSFont systemFontOfSize:6], gray(1)));
+    append(out, @"\n", textLook([NSFont systemFontOfSize:6], [NSColor textColor]));
 }
 
 static NSString* trimmed(NSString* text) {
@@ -129,7 +128,8 @@ static void appendTable(NSMutableAttributedString* out, NSArray* rows) {
 // Known by its text: "How answers look" by "how-answers-look".
 static void appendHeading(NSMutableAttributedString* out, NSString* heading, NSUInteger level) {
     const CGFloat sizes[] = {20, 16, 14};
-    NSMutableDictionary* const look = textLook([NSFont boldSystemFontOfSize:sizes[level - 1]], gray(1));
+    NSMutableDictionary* const look =
+        textLook([NSFont boldSystemFontOfSize:sizes[level - 1]], [NSColor textColor]);
     NSString* const words = [heading lowercaseString];
     [look setObject:[words stringByReplacingOccurrencesOfString:@" " withString:@"-"] forKey:ANCHOR];
     appendSpace(out);
@@ -189,19 +189,73 @@ NSAttributedString* guideText(NSString* markdown) {
 // tab stop that lies beyond the edge.
 static const NSSize SMALLEST_CONTENT = {612, 200};
 
+static const CGFloat LINE_STEP = 48; // points that an arrow scrolls
+
+// Tab goes from link to link, and Return follows one.
 @interface GuideView : NSTextView
 @end
 
 @implementation GuideView
 
 - (void)keyDown:(NSEvent*)event {
-    const uint32_t key = platformKeyCode(event);
-    if (key == KEY_HOME)
-        [self scrollPoint:NSZeroPoint];
-    else if (key == KEY_END)
-        [self scrollPoint:NSMakePoint(0, NSMaxY([self bounds]))];
-    else
-        [super keyDown:event];
+    const CGFloat page = NSHeight([self visibleRect]) - LINE_STEP;
+    const bool isBack = ([event modifierFlags] & NSShiftKeyMask) != 0;
+    switch (platformKeyCode(event)) {
+    case KEY_HOME: [self scrollPoint:NSZeroPoint]; return;
+    case KEY_END: [self scrollPoint:NSMakePoint(0, NSMaxY([self bounds]))]; return;
+    case KEY_UP: [self scrollBy:-LINE_STEP]; return;
+    case KEY_DOWN: [self scrollBy:LINE_STEP]; return;
+    case KEY_TAB: [self selectLink:isBack]; return;
+    case KEY_RETURN:
+    case KEY_ENTER: [self followSelectedLink]; return;
+    default: break;
+    }
+    NSString* const plain = [event charactersIgnoringModifiers];
+    switch ([plain length] > 0 ? [plain characterAtIndex:0] : 0) {
+    case ' ': [self scrollBy:isBack ? -page : page]; return;
+    case NSPageUpFunctionKey: [self scrollBy:-page]; return;
+    case NSPageDownFunctionKey: [self scrollBy:page]; return;
+    default: [super keyDown:event];
+    }
+}
+
+- (void)scrollBy:(CGFloat)points {
+    [self scrollPoint:NSMakePoint(0, NSMinY([self visibleRect]) + points)];
+}
+
+- (id)linkAt:(NSUInteger)character run:(NSRange*)run {
+    return [[self textStorage] attribute:NSLinkAttributeName
+                                 atIndex:character
+                   longestEffectiveRange:run
+                                 inRange:NSMakeRange(0, [[self textStorage] length])];
+}
+
+// Selects the link behind the selection, or the one before it, and beyond the last one the first.
+- (void)selectLink:(bool)isBefore {
+    std::vector<NSRange> links;
+    NSRange run = {0, 0};
+    for (NSUInteger i = 0; i < [[self textStorage] length]; i = NSMaxRange(run)) {
+        if ([self linkAt:i run:&run]) links.push_back(run);
+    }
+    if (links.empty()) return;
+    const NSRange from = [self selectedRange];
+    const auto isBehind = [](const NSRange& one, const NSRange& other) {
+        return one.location < other.location;
+    };
+    auto next = isBefore ? std::lower_bound(links.begin(), links.end(), from, isBehind)
+                         : std::upper_bound(links.begin(), links.end(), from, isBehind);
+    if (!isBefore && from.length == 0 && from.location == 0) next = links.begin();
+    if (isBefore && next == links.begin()) next = links.end();
+    if (isBefore) --next;
+    if (next == links.end()) next = links.begin();
+    [self setSelectedRange:*next];
+    [self scrollRangeToVisible:*next];
+}
+
+- (void)followSelectedLink {
+    const NSRange selected = [self selectedRange];
+    const id link = selected.length > 0 ? [self linkAt:selected.location run:NULL] : nil;
+    if (link) [self clickedOnLink:link atIndex:selected.location];
 }
 
 - (NSRect)inkOf:(NSUInteger)character {
@@ -241,9 +295,9 @@ static const NSSize SMALLEST_CONTENT = {612, 200};
 static GuideView* buildView(NSAttributedString* text) {
     GuideView* const view = [[[GuideView alloc] initWithFrame:NSZeroRect] autorelease];
     [view setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
-    [view setBackgroundColor:gray(0.11)];
+    [view setBackgroundColor:[NSColor textBackgroundColor]];
     [view setLinkTextAttributes:@{
-        NSForegroundColorAttributeName : [codeLook() objectForKey:NSForegroundColorAttributeName],
+        NSForegroundColorAttributeName : platformLinkColor(),
         NSUnderlineStyleAttributeName : @(NSUnderlineStyleSingle),
         NSCursorAttributeName : [NSCursor pointingHandCursor]
     }];

@@ -145,7 +145,7 @@
 
 // --- The transcript ---
 
-// What stands in front of the prompt.
+// What stands in front of the prompt. The text alone is kept: what its lines are their beginnings tell.
 - (void)keepTranscript {
     if ([self setting:@"startclear"] != 0) return keeper.SetTranscript("");
     const NSUInteger end = std::min(static_cast<NSUInteger>(g_linestart), [[self string] length]);
@@ -160,8 +160,22 @@
     if (text.empty() || [self setting:@"startclear"] != 0) return;
     [self setString:[@(text.c_str()) stringByAppendingString:@"> "]];
     g_linestart = static_cast<int32_t>([[self string] length]);
+    [self showLines];
     [[self undoManager] removeAllActions];
     [self gotoEnd];
+}
+
+- (void)showLines {
+    NSUInteger end = 0;
+    [[self textStorage] beginEditing];
+    for (NSUInteger start = 0; start < static_cast<NSUInteger>(g_linestart); start = end) {
+        [[self string] getLineStart:NULL end:&end contentsEnd:NULL forRange:NSMakeRange(start, 0)];
+        NSString* const line = [[self string] substringWithRange:NSMakeRange(start, end - start)];
+        const bool isError = [line hasPrefix:@"** "];
+        const TextKind other = isError ? TextKind::Error : TextKind::Output;
+        [self show:NSMakeRange(start, end - start) as:[line hasPrefix:@"> "] ? TextKind::Typed : other];
+    }
+    [[self textStorage] endEditing];
 }
 
 // --- Writing shortly after an entry ---

@@ -184,13 +184,11 @@ static const size_t QUICK_HEAD = 6;
     for (size_t i = 0; i < text.size(); ++i) {
         if (i > 0 && wait > 0 && ![self waitMilliseconds:wait]) break;
         const char character[] = {text[i], '\0'};
-        [self gotoEnd];
-        [self insertText:textFromBytes(character)];
-        g_linestart = static_cast<int32_t>([self selectedRange].location);
+        [self insertWithoutPrompt:character];
+        g_linestart = static_cast<int32_t>([[self string] length]);
         [self displayIfNeeded];
         if ([self isToStop]) break;
     }
-    [[self undoManager] removeAllActions];
 }
 
 - (void)askService:(const std::string&)query {

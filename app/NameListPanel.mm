@@ -3,12 +3,16 @@
 
 #import "MainConsole.h"
 
+#import <objc/runtime.h>
+
 #include <algorithm>
 
 static const NSSize SIZE = {480, 420};
 static const CGFloat MARGIN = 8;
 static const CGFloat FIELD_HEIGHT = 22;
-static const size_t COLUMN = 14; // characters of the name, before what it is
+static const CGFloat LABEL = 56;  // the width of the field's label
+static const NSInteger PAGE = 10; // lines
+static const size_t COLUMN = 14;  // characters of the name, before what it is
 
 // A click takes a line.
 @interface NameListView : NSTextView
@@ -19,9 +23,7 @@ static const size_t COLUMN = 14; // characters of the name, before what it is
 - (void)mouseDown:(NSEvent*)event {
     const NSUInteger place =
         characterAt(self, [self convertPoint:[event locationInWindow] fromView:nil]).character;
-    NSString* const above = [[self string] substringToIndex:MIN(place, [[self string] length])];
-    const NSUInteger line = [[above componentsSeparatedByString:@"\n"] count] - 1;
-    [(NameListPanel*)[self window] take:line];
+    [(NameListPanel*)[self window] takeAt:place];
 }
 
 @end
@@ -42,13 +44,14 @@ static const size_t COLUMN = 14; // characters of the name, before what it is
     NSView* const content = [self contentView];
     const NSSize size = [content bounds].size;
     const CGFloat top = size.height - MARGIN - FIELD_HEIGHT;
-    field = [[[NSTextField alloc]
-        initWithFrame:NSMakeRect(MARGIN, top, size.width - 2 * MARGIN, FIELD_HEIGHT)] autorelease];
+    NSTextField* const label =
+        labelIn(content, @"Search:", NSMakeRect(MARGIN, top, LABEL - MARGIN, FIELD_HEIGHT));
+    [label setAutoresizingMask:NSViewMinYMargin];
+    [label setAlignment:NSRightTextAlignment];
+    const NSRect place = NSMakeRect(LABEL + MARGIN, top, size.width - LABEL - 2 * MARGIN, FIELD_HEIGHT);
+    field = [[[NSTextField alloc] initWithFrame:place] autorelease];
     [field setAutoresizingMask:NSViewWidthSizable | NSViewMinYMargin];
-    [[field cell] setPlaceholderString:@"Type a part of a name or of what it is"];
     [field setDelegate:(id)self];
-    [field setTarget:self];
-    [field setAction:@selector(takeFirst:)];
     [content addSubview:field];
     NSScrollView* const scroll =
         [[[NSScrollView alloc] initWithFrame:NSMakeRect(0, 0, size.width, top - MARGIN)] autorelease];
@@ -56,7 +59,7 @@ static const size_t COLUMN = 14; // characters of the name, before what it is
     list = [[[NameListView alloc] initWithFrame:NSZeroRect] autorelease];
     [list setEditable:NO];
     [list setSelectable:NO];
-    [list setBackgroundColor:gray(0.11)];
+    [list setBackgroundColor:[NSColor textBackgroundColor]];
     [list setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
     scrollText(scroll, list);
     [content addSubview:scroll];
@@ -72,35 +75,78 @@ static const size_t COLUMN = 14; // characters of the name, before what it is
 
 - (void)show {
     inSight.clear();
+    starts.clear();
     std::string text;
     for (size_t i = 0; i < rows.size(); ++i) {
         if (![self row:rows[i] contains:[field stringValue]]) continue;
         inSight.push_back(i);
         std::string line = rows[i].shown;
         if (!rows[i].text.empty()) line.resize(std::max(line.size() + 2, COLUMN), ' ');
-        text += (text.empty() ? "" : "\n") + line + rows[i].text;
+        starts.push_back(text.size()); // a byte is a character
+        text += line + rows[i].text + "\n";
     }
-    NSFont* const font = [NSFont userFixedPitchFontOfSize:12];
-    NSDictionary* const look = textLook(font, gray(0.86));
+    NSDictionary* const look = textLook([NSFont userFixedPitchFontOfSize:12], [NSColor textColor]);
     [[list textStorage]
         setAttributedString:[[[NSAttributedString alloc] initWithString:textFromBytes(text.c_str())
                                                              attributes:look] autorelease]];
     [list sizeToFit];
     [list scrollPoint:NSZeroPoint];
+    chosen = -1;
+    if ([[field stringValue] length] > 0) [self choose:0];
+}
+
+- (NSRange)rangeOf:(NSInteger)line {
+    const auto index = static_cast<size_t>(line);
+    const NSUInteger end = index + 1 < starts.size() ? starts[index + 1] : [[list string] length];
+    return NSMakeRange(starts[index], end - starts[index]);
+}
+
+- (void)show:(NSInteger)line on:(NSColor*)back in:(NSColor*)front {
+    [[list textStorage]
+        addAttributes:@{NSBackgroundColorAttributeName : back, NSForegroundColorAttributeName : front}
+                range:[self rangeOf:line]];
+}
+
+- (void)choose:(NSInteger)line {
+    if (inSight.empty()) return;
+    if (chosen >= 0) [self show:chosen on:[NSColor textBackgroundColor] in:[NSColor textColor]];
+    chosen = std::max<NSInteger>(0, std::min(line, static_cast<NSInteger>(inSight.size()) - 1));
+    [self show:chosen on:[NSColor selectedTextBackgroundColor] in:[NSColor selectedTextColor]];
+    [list scrollRangeToVisible:[self rangeOf:chosen]];
 }
 
 - (void)controlTextDidChange:(NSNotification*)notification {
     [self show];
 }
 
-- (void)take:(NSUInteger)line {
-    if (line >= inSight.size()) return;
-    [console typeName:textFromBytes(rows[inSight[line]].name.c_str())];
+- (void)take:(NSInteger)line {
+    if (line < 0 || line >= static_cast<NSInteger>(inSight.size())) return;
+    const NameRow& row = rows[inSight[static_cast<size_t>(line)]];
+    [console typeName:textFromBytes(row.name.c_str())];
     [[console window] makeKeyAndOrderFront:nil];
 }
 
-- (void)takeFirst:(id)sender {
-    if ([[field stringValue] length] > 0) [self take:0];
+- (void)takeAt:(NSUInteger)character {
+    if (character >= [[list string] length]) return; // below the last line
+    [self take:std::upper_bound(starts.begin(), starts.end(), character) - starts.begin() - 1];
+}
+
+// The keys of the field that are the list's.
+- (BOOL)control:(NSControl*)control textView:(NSTextView*)editor doCommandBySelector:(SEL)command {
+    const struct {
+        SEL selector;
+        NSInteger lines;
+    } moves[] = {{@selector(moveUp:), -1},          {@selector(moveDown:), 1},
+                 {@selector(pageUp:), -PAGE},       {@selector(pageDown:), PAGE},
+                 {@selector(scrollPageUp:), -PAGE}, {@selector(scrollPageDown:), PAGE}};
+    for (const auto& move : moves) {
+        if (!sel_isEqual(command, move.selector)) continue;
+        [self choose:chosen + move.lines];
+        return YES;
+    }
+    if (!sel_isEqual(command, @selector(insertNewline:))) return NO;
+    [self take:chosen];
+    return YES;
 }
 
 @end

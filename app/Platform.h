@@ -94,6 +94,9 @@ void platformDrawVertical(NSRect frame, NSImage* top, NSImage* fill, NSImage* bo
 // sharedApplication]. Nothing on GNUstep when the person has chosen a theme with the default GSTheme.
 void useFlatTheme();
 
+// Of links and code: legible on [NSColor textBackgroundColor] in each look, which it follows.
+NSColor* platformLinkColor();
+
 // Makes them light, or dark again, at once. Nothing on GNUstep without the theme above.
 void platformUseLook(bool isLight);
 

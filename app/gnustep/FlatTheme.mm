@@ -21,6 +21,10 @@ static const Palette LIGHT = {0.93, 1, 0.98, 0.82, 0.66, 0.38, 0.12, 0, {0, 0.5,
 static const CGFloat CORNER = 3;
 static const CGFloat SEPARATOR = 9; // a menu's, in points
 
+static NSColor* focusOf(const Palette& one) {
+    return [NSColor colorWithCalibratedRed:one.focus[0] green:one.focus[1] blue:one.focus[2] alpha:1];
+}
+
 // What is chosen, with white text.
 static NSColor* accent() {
     return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
@@ -41,8 +45,7 @@ static const Palette& palette() {
 }
 
 static NSColor* focus() {
-    const CGFloat* const parts = palette().focus;
-    return [NSColor colorWithCalibratedRed:parts[0] green:parts[1] blue:parts[2] alpha:1];
+    return focusOf(palette());
 }
 
 static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
@@ -108,8 +111,8 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
         {1, "selectedMenuItemText selectedText alternateSelectedControlText"},
     };
     for (const auto& shade : shades) [self setColor:gray(shade.white) forNames:shade.names];
-    [self setColor:accent()
-          forNames:"selectedMenuItem selectedTextBackground alternateSelectedControl keyboardFocusIndicator"];
+    [self setColor:accent() forNames:"selectedMenuItem selectedTextBackground alternateSelectedControl"];
+    [self setColor:focusOf(now) forNames:"keyboardFocusIndicator"];
     return list;
 }
 
@@ -377,6 +380,10 @@ void useFlatTheme() {
     [[NSNotificationCenter defaultCenter] removeObserver:(id)[GSTheme class]
                                                     name:NSUserDefaultsDidChangeNotification
                                                   object:nil];
+}
+
+NSColor* platformLinkColor() {
+    return [NSColor keyboardFocusIndicatorColor];
 }
 
 void platformUseLook(bool isLight) {

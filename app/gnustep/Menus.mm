@@ -120,11 +120,11 @@ void platformFitMenuItem(NSMenuItem* item, const KeyRow& row) {
 // As they stand on the keyboard: "Alt+Shift+S" where GNUstep would write "Alt+S", and "Alt+S" for "Alt+s".
 // The names of the modifiers are GNUstep's defaults (platformRegisterDefaults()).
 
-@interface NSMenuItemCell (NightMenus)
+@interface NSMenuItemCell (WrittenKeys)
 - (NSString*)_keyEquivalentString;
 @end
 
-@implementation NSMenuItemCell (NightMenus)
+@implementation NSMenuItemCell (WrittenKeys)
 
 // In place of GNUstep's own: what is measured and drawn at the right of an item.
 - (NSString*)_keyEquivalentString {

@@ -88,6 +88,10 @@ void platformUseLook(bool isLight) {
     if (look && [NSApp respondsToSelector:set]) [NSApp performSelector:set withObject:look];
 }
 
+NSColor* platformLinkColor() {
+    return [NSColor linkColor];
+}
+
 void useFlatTheme() {
     platformUseLook(false);
 }

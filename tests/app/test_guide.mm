@@ -234,11 +234,11 @@ TEST_F(Guide, TheCellsOfATableStandBelowEachOther) {
     [window close];
 }
 
-NSEvent* keyPress(unichar key) {
+NSEvent* keyPress(unichar key, NSUInteger flags = 0) {
     NSString* const text = [NSString stringWithCharacters:&key length:1];
     return [NSEvent keyEventWithType:NSKeyDown
                             location:NSZeroPoint
-                       modifierFlags:NSFunctionKeyMask
+                       modifierFlags:flags | (key >= 0xf700 ? NSFunctionKeyMask : 0)
                            timestamp:0
                         windowNumber:0
                              context:nil
@@ -257,6 +257,70 @@ TEST_F(Guide, HomeAndEndScrollToItsEnds) {
     EXPECT_GT(NSMinY([view visibleRect]), 3000);
     [view keyDown:keyPress(NSHomeFunctionKey)];
     EXPECT_EQ(NSMinY([view visibleRect]), 0);
+    [window close];
+}
+
+TEST_F(Guide, ArrowsSpaceAndPageKeysScroll) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    NSTextView* const view = viewOf(window);
+    const auto top = [&] { return NSMinY([view visibleRect]); };
+    [view keyDown:keyPress(NSDownArrowFunctionKey)];
+    const CGFloat line = top();
+    EXPECT_GT(line, 0);
+    [view keyDown:keyPress(NSUpArrowFunctionKey)];
+    EXPECT_EQ(top(), 0);
+    for (const unichar key : std::initializer_list<unichar>{NSPageDownFunctionKey, ' '}) {
+        [view keyDown:keyPress(key)];
+        EXPECT_GT(top(), 5 * line);
+        EXPECT_LT(top(), NSHeight([view visibleRect]));
+        [view keyDown:keyPress(NSPageUpFunctionKey)];
+        EXPECT_EQ(top(), 0);
+    }
+    [window close];
+}
+
+// Which stands out as what is selected.
+TEST_F(Guide, TabGoesFromLinkToLinkAndReturnFollowsOne) {
+    NSWindow* const window = shownGuide();
+    ASSERT_NE(window, nil);
+    NSTextView* const view = viewOf(window);
+    const auto selectedLink = [&] {
+        const NSRange range = [view selectedRange];
+        if (range.length == 0) return std::string();
+        NSString* const link = [[view textStorage] attribute:NSLinkAttributeName
+                                                     atIndex:range.location
+                                              effectiveRange:NULL];
+        return std::string(link ? [link UTF8String] : "");
+    };
+    const auto press = [&](unichar key) { [view keyDown:keyPress(key)]; };
+    press(u'\t');
+    const std::string first = selectedLink();
+    EXPECT_NE(first, "");
+    press(u'\t');
+    const std::string second = selectedLink();
+    EXPECT_NE(second, "");
+    EXPECT_NE(second, first);
+    [view keyDown:keyPress(25, NSShiftKeyMask)];
+    EXPECT_EQ(selectedLink(), first);
+    [view keyDown:keyPress(25, NSShiftKeyMask)];
+    const std::string last = selectedLink();
+    EXPECT_NE(last, first);
+    press(u'\t');
+    EXPECT_EQ(selectedLink(), first) << "behind the last one comes the first";
+    EXPECT_LT(NSMinY([view visibleRect]), NSHeight([view visibleRect]));
+    press(u'\t');
+    press(u'\r');
+    NSString* const title = [@(second.c_str()) stringByReplacingOccurrencesOfString:@"-" withString:@" "];
+    const NSRange heading = [[view string] rangeOfString:[NSString stringWithFormat:@"\n%@\n", title]
+                                                 options:NSCaseInsensitiveSearch];
+    const NSRange glyph =
+        [[view layoutManager] glyphRangeForCharacterRange:NSMakeRange(heading.location + 1, 1)
+                                     actualCharacterRange:NULL];
+    const NSRect line = [[view layoutManager] lineFragmentRectForGlyphAtIndex:glyph.location
+                                                               effectiveRange:NULL];
+    EXPECT_TRUE(NSIntersectsRect([view visibleRect], line));
+    EXPECT_GT(NSMinY([view visibleRect]), 0);
     [window close];
 }
 

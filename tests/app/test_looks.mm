@@ -99,6 +99,53 @@ TEST_F(Looks, AScriptsOutputHasTheShades) {
     ExpectSame(ColorOf("> 1"), TEXT);
 }
 
+TEST_F(Looks, ARestoredTranscriptHasTheShades) {
+    Enter("2+3");
+    Enter("echo before; 1/0");
+    Enter("wdith");
+    Enter("clear x");
+    const auto kinds = [this] {
+        std::string colors;
+        for (NSUInteger i = 0; i < [[console string] length]; ++i) {
+            NSColor* const color = [[console textStorage] attribute:NSForegroundColorAttributeName
+                                                            atIndex:i
+                                                     effectiveRange:NULL];
+            const Shade shade = ShadeOf(color);
+            const bool isError = std::abs(shade.red - Wanted().error.red) < 1e-4;
+            colors += isError ? 'e' : std::abs(shade.red - TEXT.red) < 1e-4 ? 't' : 'a';
+        }
+        return colors;
+    };
+    // The empty lines between have no shade.
+    const auto shadesOf = [&] {
+        std::string lines = Text(), shades = kinds();
+        for (size_t i = 0; i < lines.size(); ++i) {
+            if (lines[i] == '\n') shades[i] = ' ';
+        }
+        return shades;
+    };
+    const std::string text = Text(), shades = shadesOf();
+    ASSERT_NE(shades.find('e'), std::string::npos);
+    ASSERT_NE(shades.find('a'), std::string::npos);
+    Terminate();
+    Restart();
+    ASSERT_EQ(Text(), text);
+    EXPECT_EQ(shadesOf(), shades);
+    Type("1");
+    ExpectSame(ColorOf("> 1"), TEXT);
+}
+
+TEST_F(Looks, TextThatIsTypedOutHasTheShadeOfAnswers) {
+    Enter("echo1 slowly");
+    ExpectSame(ColorOf("slowly"), Wanted().answer);
+    EXPECT_EQ(Entry(), "");
+    ShowColors({0, 0, 0}, {1, 1, 1});
+    ExpectSame(ColorOf("slowly"), Wanted().answer);
+    ShowColors(TEXT, {0.1, 0.1, 0.1});
+    Type("1");
+    ExpectSame(ColorOf("> 1"), TEXT);
+}
+
 TEST_F(Looks, NewColorsReachTheWholeTranscript) {
     Enter("2+3");
     Enter("wdith");

@@ -6,6 +6,9 @@
 #import "NameListPanel.h"
 
 #include <algorithm>
+#include <map>
+#include <sstream>
+#include <string>
 
 namespace {
 
@@ -26,18 +29,71 @@ protected:
 
     static NSTextField* Field() {
         for (NSView* const one in [[Panel() contentView] subviews]) {
-            if ([one isKindOfClass:[NSTextField class]]) return static_cast<NSTextField*>(one);
+            if (![one isKindOfClass:[NSTextField class]]) continue;
+            if ([static_cast<NSTextField*>(one) isEditable]) return static_cast<NSTextField*>(one);
         }
         return nil;
     }
 
-    static std::string Lines() {
+    static NSTextView* List() {
         for (NSView* const one in [[Panel() contentView] subviews]) {
-            if (![one isKindOfClass:[NSScrollView class]]) continue;
-            NSTextView* const list = [static_cast<NSScrollView*>(one) documentView];
-            return [[list string] UTF8String];
+            if ([one isKindOfClass:[NSScrollView class]])
+                return [static_cast<NSScrollView*>(one) documentView];
         }
-        return "";
+        return nil;
+    }
+    static std::string Lines() { return [[List() string] UTF8String]; }
+
+    static std::string LineAt(int index) {
+        std::istringstream lines(Lines());
+        std::string line;
+        for (int i = 0; i <= index; ++i) std::getline(lines, line);
+        return line;
+    }
+
+    // The line that looks chosen, or "".
+    static NSRange ChosenRange() {
+        NSRange run = {0, 0};
+        for (NSUInteger i = 0; i < [[List() string] length]; i = NSMaxRange(run)) {
+            NSColor* const back = [[List() textStorage] attribute:NSBackgroundColorAttributeName
+                                                          atIndex:i
+                                                   effectiveRange:&run];
+            if ([back isEqual:[NSColor selectedTextBackgroundColor]]) return run;
+        }
+        return NSMakeRange(0, 0);
+    }
+    static std::string Chosen() {
+        const std::string line = [[[List() string] substringWithRange:ChosenRange()] UTF8String];
+        return line.substr(0, line.find('\n'));
+    }
+    static NSRect ChosenFrame() {
+        NSLayoutManager* const layout = [List() layoutManager];
+        const NSRange glyphs = [layout glyphRangeForCharacterRange:ChosenRange() actualCharacterRange:NULL];
+        const NSRect frame = [layout boundingRectForGlyphRange:glyphs inTextContainer:[List() textContainer]];
+        return NSOffsetRect(frame, [List() textContainerOrigin].x, [List() textContainerOrigin].y);
+    }
+
+    // A key press in the panel, as it has the keyboard's focus.
+    static void Key(uint32_t code) {
+        const std::map<uint32_t, unichar> characters = {{KEY_RETURN, '\r'},
+                                                        {KEY_TAB, '\t'},
+                                                        {KEY_UP, NSUpArrowFunctionKey},
+                                                        {KEY_DOWN, NSDownArrowFunctionKey}};
+        if (![[Panel() firstResponder] isKindOfClass:[NSTextView class]])
+            [Panel() makeFirstResponder:Field()];
+        NSString* const text = [NSString stringWithCharacters:&characters.at(code) length:1];
+        [Panel()
+            sendEvent:[NSEvent keyEventWithType:NSKeyDown
+                                             location:NSZeroPoint
+                                        modifierFlags:code == KEY_UP || code == KEY_DOWN ? NSFunctionKeyMask
+                                                                                         : 0
+                                            timestamp:0
+                                         windowNumber:[Panel() windowNumber]
+                                              context:nil
+                                           characters:text
+                          charactersIgnoringModifiers:text
+                                            isARepeat:NO
+                                              keyCode:0]];
     }
 
     static void Look(NSString* part) {
@@ -60,7 +116,7 @@ TEST_F(NameLists, WhatIsTypedNarrowsThem) {
     [console showUnits:nil];
     const auto count = [] {
         const std::string lines = Lines();
-        return std::count(lines.begin(), lines.end(), '\n') + 1;
+        return std::count(lines.begin(), lines.end(), '\n');
     };
     const auto all = count();
     EXPECT_GT(all, 100);
@@ -84,11 +140,43 @@ TEST_F(NameLists, ALineThatIsTakenIsTypedAtThePrompt) {
 
 TEST_F(NameLists, ReturnTakesTheFirstLineOfASearch) {
     [console showUnits:nil];
-    [[Field() target] performSelector:[Field() action] withObject:Field()];
+    Key(KEY_RETURN);
     EXPECT_EQ(Entry(), "") << "nothing was looked for";
     Look(@"siemens");
-    [[Field() target] performSelector:[Field() action] withObject:Field()];
+    Key(KEY_RETURN);
     EXPECT_EQ(Entry(), "siemens");
+}
+
+TEST_F(NameLists, TheArrowsChooseALineWhichIsSeen) {
+    [console showFunctions:nil];
+    EXPECT_EQ(Chosen(), "");
+    Look(@"sin");
+    EXPECT_EQ(Chosen(), LineAt(0)) << "Return takes it";
+    Key(KEY_DOWN);
+    EXPECT_EQ(Chosen(), LineAt(1));
+    Key(KEY_DOWN);
+    Key(KEY_UP);
+    EXPECT_EQ(Chosen(), LineAt(1));
+    Key(KEY_UP);
+    Key(KEY_UP);
+    EXPECT_EQ(Chosen(), LineAt(0)) << "above it there is none";
+    Look(@"");
+    EXPECT_EQ(Chosen(), "");
+    Key(KEY_DOWN);
+    EXPECT_EQ(Chosen(), LineAt(0));
+    for (int i = 0; i < 200; ++i) Key(KEY_DOWN);
+    const std::string last = Chosen();
+    EXPECT_TRUE(NSIntersectsRect([List() visibleRect], ChosenFrame()));
+    Key(KEY_RETURN);
+    EXPECT_EQ(Entry(), last.substr(0, last.find('(') + 1));
+}
+
+TEST_F(NameLists, AKeyThatLeavesTheFieldTakesNothing) {
+    [console showUnits:nil];
+    Look(@"siemens");
+    Key(KEY_TAB);
+    [Panel() makeFirstResponder:nil];
+    EXPECT_EQ(Entry(), "");
 }
 
 TEST_F(NameLists, OneIsOpenAtATime) {

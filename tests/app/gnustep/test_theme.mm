@@ -3,7 +3,10 @@
 // The looks on GNUstep. macOS has its own.
 #import "../console_fixture.h"
 #include "../leaks.h"
+#import "../replacement.h"
 
+#import "Interface.h"
+#import "NameListPanel.h"
 #import "Platform.h"
 #import "ZqScroller.h"
 
@@ -95,6 +98,50 @@ TEST_F(Theme, TextIsLegibleInBothLooks) {
         EXPECT_EQ(isLight(shadeOf([NSColor windowBackgroundColor])), light);
     }
     platformUseLook(false);
+}
+
+NSString* pathOfGuide(id, SEL, NSString*, NSString*) {
+    return @TALLYQUILL_GUIDE;
+}
+
+NSPanel* guideWindow() {
+    const Replaced path([NSBundle class], @selector(pathForResource:ofType:), pathOfGuide);
+    return buildGuideWindow();
+}
+
+// What the views of the window's text are drawn on; every run of it is legible there.
+void expectLegible(NSTextView* view, bool light) {
+    const Shade back = shadeOf([view backgroundColor]);
+    EXPECT_EQ(isLight(back), light);
+    NSRange run = {0, 0};
+    for (NSUInteger i = 0; i < [[view textStorage] length]; i = NSMaxRange(run)) {
+        NSDictionary* look = [[view textStorage] attributesAtIndex:i effectiveRange:&run];
+        if ([look objectForKey:NSLinkAttributeName]) look = [view linkTextAttributes];
+        NSColor* const behind = [look objectForKey:NSBackgroundColorAttributeName];
+        EXPECT_GE(contrast(shadeOf([look objectForKey:NSForegroundColorAttributeName]),
+                           behind ? shadeOf(behind) : back),
+                  4.5)
+            << light << " " << [[[view string] substringWithRange:run] UTF8String];
+    }
+}
+
+// They are open while the look changes.
+TEST_F(Theme, TheGuideAndTheListsAreLegibleInBothLooks) {
+    NSPanel* const window = guideWindow();
+    NSTextView* const text = [static_cast<NSScrollView*>([window contentView]) documentView];
+    NameListPanel* const names = [NameListPanel newPanel:@"Units" rows:unitRows() console:console];
+    [names choose:1];
+    NSTextView* list = nil;
+    for (NSView* const one in [[names contentView] subviews]) {
+        if ([one isKindOfClass:[NSScrollView class]]) list = [static_cast<NSScrollView*>(one) documentView];
+    }
+    for (const bool light : {false, true}) {
+        platformUseLook(light);
+        expectLegible(text, light);
+        expectLegible(list, light);
+    }
+    platformUseLook(false);
+    [names release];
 }
 
 TEST_F(Theme, FollowsTheBackgroundOfTheConsole) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// GNUstep's color panel on dark ground.
+// GNUstep's color panel in our look.
 #import "Controls.h"
 
 #import <objc/runtime.h>
@@ -43,17 +43,17 @@ static void makeTitlesLegible() {
 
 // --- The tabs ---
 
-@implementation NSColorPicker (NightTabs)
+@implementation NSColorPicker (PickerTabs)
 
 + (void)load {
     SEL selector = @selector(provideNewButtonImage);
-    Method ours = class_getInstanceMethod(self, @selector(nightButtonImage));
+    Method ours = class_getInstanceMethod(self, @selector(ownButtonImage));
     class_replaceMethod(self, selector, method_getImplementation(ours), method_getTypeEncoding(ours));
 }
 
 // In place of GNUstep's own: the theme's image of a picker's tab where it has one, else that of the picker's
 // bundle. Both are named for the picker's class.
-- (NSImage*)nightButtonImage {
+- (NSImage*)ownButtonImage {
     makeTitlesLegible();
     NSString* const name = NSStringFromClass([self class]);
     NSString* path = [[NSBundle mainBundle] pathForResource:name ofType:@"png" inDirectory:@"ThemeImages"];
