@@ -3,38 +3,40 @@
 
 #include <cctype>
 
-static constexpr KeyRow key(const char* name, uint32_t code, unsigned long held, KeyAction action,
-                            const char* does) {
-    return {name, code, 0, held, action, does};
-}
-
-static constexpr KeyRow typed(const char* name, char character, KeyAction action, const char* does) {
-    return {name, KEY_OTHER, character, 0, action, does};
-}
-
-static constexpr KeyRow control(const char* name, char character, KeyAction action, const char* does) {
-    return {name, KEY_OTHER, character, CONTROL_KEY, action, does};
-}
-
-// An item of a menu, with the key `character` and Command, or without a key.
-static constexpr KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
-    return {name, KEY_OTHER, character, COMMAND_KEY, KeyAction::Menu, does, item};
-}
-
-// One with which Control goes too.
-static constexpr KeyRow desktop(const char* name, char character, const char* does, MenuItem chosen) {
-    chosen.withControl = chosen.selector;
-    return item(name, character, does, chosen);
-}
-
-static constexpr KeyRow item(const MenuItem& item) {
-    return {"", KEY_OTHER, 0, 0, KeyAction::Menu, nullptr, item};
-}
+namespace {
 
 using K = KeyAction;
 using T = Target;
 
-static constexpr KeyRow KEYS[] = {
+constexpr KeyRow key(const char* name, uint32_t code, unsigned long held, KeyAction action,
+                     const char* does) {
+    return {name, code, 0, held, action, does};
+}
+
+constexpr KeyRow typed(const char* name, char character, KeyAction action, const char* does) {
+    return {name, KEY_OTHER, character, 0, action, does};
+}
+
+constexpr KeyRow control(const char* name, char character, KeyAction action, const char* does) {
+    return {name, KEY_OTHER, character, CONTROL_KEY, action, does};
+}
+
+// An item of a menu, with the key `character` and Command, or without a key.
+constexpr KeyRow item(const char* name, char character, const char* does, const MenuItem& item) {
+    return {name, KEY_OTHER, character, COMMAND_KEY, KeyAction::Menu, does, item};
+}
+
+// One with which Control goes too.
+constexpr KeyRow desktop(const char* name, char character, const char* does, MenuItem chosen) {
+    chosen.withControl = chosen.selector;
+    return item(name, character, does, chosen);
+}
+
+constexpr KeyRow item(const MenuItem& item) {
+    return {"", KEY_OTHER, 0, 0, KeyAction::Menu, nullptr, item};
+}
+
+constexpr KeyRow KEYS[] = {
     key("Return", KEY_RETURN, 0, K::Commit, "evaluates the entry, wherever in it the cursor is"),
     key("Enter", KEY_ENTER, 0, K::Commit, nullptr),
     key("Tab", KEY_TAB, 0, K::Complete,
@@ -141,12 +143,8 @@ static constexpr KeyRow KEYS[] = {
     item({"Help", "Tutorial", "tutorial:", T::Console}),
 };
 
-KeyTable keyTable() {
-    return {KEYS, sizeof KEYS / sizeof *KEYS};
-}
-
 // A character that is typed is identified by itself; with a modifier the key's own tells.
-static bool matches(const KeyRow& row, const KeyPress& press) {
+bool matches(const KeyRow& row, const KeyPress& press) {
     if ((row.held & press.held) != row.held) return false;
     if (row.code != KEY_OTHER) return row.code == press.code;
     if (row.character == 0) return false;
@@ -155,20 +153,26 @@ static bool matches(const KeyRow& row, const KeyPress& press) {
     return wanted == press.typed && (press.held & (COMMAND_KEY | CONTROL_KEY)) == 0;
 }
 
+// The key's character: a letter is a capital where Shift is held, whatever Caps Lock says. The key of plus
+// needs no Shift.
+char16_t menuCharacter(const KeyPress& press) {
+    if (press.plain == '=') return '+';
+    if (press.plain >= 0x80 || !isalpha(press.plain)) return press.plain;
+    return static_cast<char16_t>((press.held & SHIFT_KEY) ? toupper(press.plain) : tolower(press.plain));
+}
+
+} // namespace
+
+KeyTable keyTable() {
+    return {KEYS, sizeof KEYS / sizeof *KEYS};
+}
+
 KeyAction actionOf(const KeyPress& press) {
     for (const KeyRow& row : keyTable()) {
         const bool isOurs = row.action != KeyAction::Interrupt && row.action != KeyAction::Menu;
         if (isOurs && matches(row, press)) return row.action;
     }
     return KeyAction::Type;
-}
-
-// The key's character: a letter is a capital where Shift is held, whatever Caps Lock says. The key of plus
-// needs no Shift.
-static char16_t menuCharacter(const KeyPress& press) {
-    if (press.plain == '=') return '+';
-    if (press.plain >= 0x80 || !isalpha(press.plain)) return press.plain;
-    return static_cast<char16_t>((press.held & SHIFT_KEY) ? toupper(press.plain) : tolower(press.plain));
 }
 
 const KeyRow* menuRow(const KeyPress& press) {

@@ -10,15 +10,17 @@ Script::Script(std::string bytes) : text(std::move(bytes)) {
     if (text.compare(0, 3, "\xEF\xBB\xBF") == 0) place = 3; // editors put it in front of UTF-8
 }
 
+namespace {
+
 // The bytes of a sequence of UTF-8 as a character of ISO Latin-1.
-static char latin1Of(const std::string& line, size_t start, size_t length) {
+char latin1Of(const std::string& line, size_t start, size_t length) {
     const auto byte = [&](size_t i) { return static_cast<unsigned char>(line[start + i]); };
     if (length == 1) return line[start];
     const unsigned code = (byte(0) & 0x1FU) << 6 | (byte(1) & 0x3FU);
     return length == 2 && code <= 0xFF ? static_cast<char>(code) : '?';
 }
 
-static std::string asLatin1(std::string line) {
+std::string asLatin1(std::string line) {
     std::replace(line.begin(), line.end(), '\0', '?'); // it would hide what follows it
     if (!isUtf8(line)) return line;
     std::string latin1;
@@ -29,6 +31,8 @@ static std::string asLatin1(std::string line) {
     }
     return latin1;
 }
+
+} // namespace
 
 bool Script::Next(std::string& entry) {
     while (place < text.size()) {

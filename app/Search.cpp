@@ -5,16 +5,18 @@
 #include <cctype>
 #include <utility>
 
-static char16_t small(char16_t c) {
+namespace {
+
+char16_t small(char16_t c) {
     return c < 0x80 ? static_cast<char16_t>(tolower(c)) : c;
 }
 
-static bool beginsAt(const std::u16string& text, size_t at, const std::u16string& wanted) {
+bool beginsAt(const std::u16string& text, size_t at, const std::u16string& wanted) {
     return std::equal(wanted.begin(), wanted.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
                       [](char16_t a, char16_t b) { return small(a) == small(b); });
 }
 
-static bool contains(const char* line, const std::u16string& wanted) {
+bool contains(const char* line, const std::u16string& wanted) {
     std::u16string text;
     for (; *line; ++line) text += static_cast<unsigned char>(*line);
     for (size_t at = 0; at + wanted.size() <= text.size(); ++at) {
@@ -22,6 +24,8 @@ static bool contains(const char* line, const std::u16string& wanted) {
     }
     return false;
 }
+
+} // namespace
 
 void Search::Begin(In where, std::string entry, EntryRange selected) {
     in = where;

@@ -22,11 +22,15 @@ uint32_t prevKey = 0;
 using Edit = KeyEffect::Edit;
 using Then = KeyEffect::Then;
 
-static KeyEffect only(Then then) {
+namespace {
+
+KeyEffect only(Then then) {
     KeyEffect effect;
     effect.then = then;
     return effect;
 }
+
+} // namespace
 
 bool Transcript::FetchPrompt() const {
     const size_t length = std::min(entry.size(), PROMPT_SIZE - 1);

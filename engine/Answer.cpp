@@ -12,9 +12,11 @@
 constexpr size_t DIGITS_READ = 104;
 constexpr int32_t ALL_FIGURES = 100;
 
+namespace {
+
 // The digits of a shown number behind its leading zeros, as they are counted when it is read: zeros behind
 // the point are digits, those of the exponent are none.
-static size_t countDigits(std::string_view text) {
+size_t countDigits(std::string_view text) {
     text.remove_prefix(text.substr(0, 1) == "-" ? 1 : 0);
     const bool isRadix = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0b";
     text = isRadix ? text.substr(2) : text.substr(0, text.find('e'));
@@ -22,6 +24,8 @@ static size_t countDigits(std::string_view text) {
     return static_cast<size_t>(
         std::count_if(text.begin(), text.end(), [](char c) { return isDigit(c) || (c >= 'A' && c <= 'F'); }));
 }
+
+} // namespace
 
 void Answer::Keep(const std::string& line, const char* variable, const qfloat number,
                   const EntrySettings& now, std::string text) {

@@ -72,6 +72,50 @@ const char* const LOG_OF_NEGATIVE = "** ERROR: %s of negative number: %g **\n";
 const char* const LOG_OF_ZERO = "** ERROR: %s of zero **\n";
 const char* const ROOT_OF_NEGATIVE = "** ERROR: sqrt of negative number **\n";
 
+// The base of a name such as log2 or log1.5, or null: the whole rest must be a decimal number.
+const char* logBase(const char* name) {
+    if (strncmp(name, "log", 3) != 0) return nullptr;
+    const char* base = name + 3;
+    std::string_view rest;
+    const bool hasDigit = isDigit(base[0]) || (base[0] == '.' && isDigit(base[1]));
+    return hasDigit && findDecString(base, rest) == 1 ? base : nullptr;
+}
+
+int checkArgument(const Builtin& builtin, const char* name, const qfloat x, Outcome& outcome) {
+    if (isNegative(x) && builtin.ofNegative) {
+        char number[40];
+        snprintf(number, sizeof number, "%g", asDouble(x));
+        return outcome.Fail(builtin.ofNegative, {name, number});
+    }
+    return isZero(x) && builtin.ofZero ? outcome.Fail(builtin.ofZero, {name}) : 0;
+}
+
+// A base so small that a machine number holds it as zero counts as zero.
+int computeLogarithm(const char* name, const qfloat x, qfloat value, Outcome& outcome) {
+    qfloat base;
+    qmov(qten, base);
+    if (const char* text = logBase(name)) {
+        asctoq(text, base);
+        if (merror == MATH_UNDERFLOW) merror = 0; // of reading a base such as 0e5
+        if (static_cast<float>(asDouble(base)) == 0.0F) return outcome.Fail("** ERROR: log base zero **\n");
+    }
+    qlogbase(x, base, value);
+    return 0;
+}
+
+// What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is
+// one.
+int roundCircular(const Builtin& builtin, qfloat value, Outcome& outcome) {
+    if (isTiny(value)) {
+        qclear(value);
+        return 0;
+    }
+    if (builtin.compute != qtan) return 0;
+    qfloat reciprocal;
+    qdiv(value, qone, reciprocal);
+    return isTiny(reciprocal) ? outcome.Fail("** ERROR: tan result undefined **\n") : 0;
+}
+
 } // namespace
 
 const std::vector<Builtin>& builtinTable() {
@@ -103,56 +147,12 @@ const std::vector<Builtin>& builtinTable() {
     return table;
 }
 
-// The base of a name such as log2 or log1.5, or null: the whole rest must be a decimal number.
-static const char* logBase(const char* name) {
-    if (strncmp(name, "log", 3) != 0) return nullptr;
-    const char* base = name + 3;
-    std::string_view rest;
-    const bool hasDigit = isDigit(base[0]) || (base[0] == '.' && isDigit(base[1]));
-    return hasDigit && findDecString(base, rest) == 1 ? base : nullptr;
-}
-
 const Builtin* findBuiltin(const char* name) {
     const char* row = logBase(name) ? "log" : name;
     for (const Builtin& builtin : builtinTable()) {
         if (builtin.compute && strIsEqual(builtin.name, row)) return &builtin;
     }
     return nullptr;
-}
-
-static int checkArgument(const Builtin& builtin, const char* name, const qfloat x, Outcome& outcome) {
-    if (isNegative(x) && builtin.ofNegative) {
-        char number[40];
-        snprintf(number, sizeof number, "%g", asDouble(x));
-        return outcome.Fail(builtin.ofNegative, {name, number});
-    }
-    return isZero(x) && builtin.ofZero ? outcome.Fail(builtin.ofZero, {name}) : 0;
-}
-
-// A base so small that a machine number holds it as zero counts as zero.
-static int computeLogarithm(const char* name, const qfloat x, qfloat value, Outcome& outcome) {
-    qfloat base;
-    qmov(qten, base);
-    if (const char* text = logBase(name)) {
-        asctoq(text, base);
-        if (merror == MATH_UNDERFLOW) merror = 0; // of reading a base such as 0e5
-        if (static_cast<float>(asDouble(base)) == 0.0F) return outcome.Fail("** ERROR: log base zero **\n");
-    }
-    qlogbase(x, base, value);
-    return 0;
-}
-
-// What is next to nothing is a zero that the angle's last digit has moved, and a tangent next to a pole is
-// one.
-static int roundCircular(const Builtin& builtin, qfloat value, Outcome& outcome) {
-    if (isTiny(value)) {
-        qclear(value);
-        return 0;
-    }
-    if (builtin.compute != qtan) return 0;
-    qfloat reciprocal;
-    qdiv(value, qone, reciprocal);
-    return isTiny(reciprocal) ? outcome.Fail("** ERROR: tan result undefined **\n") : 0;
 }
 
 int computeBuiltin(const Builtin& builtin, const char* name, const qfloat x, qfloat value,

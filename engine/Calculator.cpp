@@ -13,35 +13,27 @@
 
 constexpr uint32_t EXPONENT_OF_HALF = 0x8000; // the exponent word of 1/2, which has no integer bits
 
-static uint64_t workOfShowing(const qfloat value) {
+namespace {
+
+uint64_t workOfShowing(const qfloat value) {
     const uint64_t bits = value[1] > EXPONENT_OF_HALF ? value[1] - EXPONENT_OF_HALF : 0;
     return Cost::SHOWN_RESULT + bits / Cost::SHOWN_BITS;
 }
 
 // The line an empty entry repeats: only one that assigned, or used the last answer.
-static bool isRepeatable(const char* line) {
+bool isRepeatable(const char* line) {
     return line && (strstr(line, "ans") || strchr(line, '='));
 }
 
 // Of "unit name=definition".
-static std::string_view unitName(std::string_view text) {
+std::string_view unitName(std::string_view text) {
     const std::string_view head = "unit ";
     if (text.substr(0, head.size()) != head) return "";
     return text.substr(head.size(), text.find('=') - head.size());
 }
 
-bool Statements::Next(std::string_view& statement) {
-    if (isOver || number == MAX_STATEMENTS) return false;
-    const size_t end = rest.find(';');
-    isOver = end == std::string_view::npos;
-    statement = rest.substr(0, end);
-    statement = statement.substr(0, statement.find('#'));
-    if (!isOver) rest.remove_prefix(end + 1);
-    return number++ == 0 || !isOver || statement.find_first_not_of(" \t\r\n") != std::string_view::npos;
-}
-
 // From a place counted without blanks, in one of the entry's statements, to the place in the entry's text.
-static TextRange rangeInEntry(TextRange range, std::string_view statement, std::string_view entry) {
+TextRange rangeInEntry(TextRange range, std::string_view statement, std::string_view entry) {
     if (range.start < 0) return {};
     const size_t offset = static_cast<size_t>(statement.data() - entry.data());
     TextRange found;
@@ -56,7 +48,7 @@ static TextRange rangeInEntry(TextRange range, std::string_view statement, std::
 }
 
 // Some platforms print an infinite double as "1.#INF": a message "... = 1.#INF" becomes an overflow error.
-static void reportPrintedInfinity(Outcome& outcome) {
+void reportPrintedInfinity(Outcome& outcome) {
     const char* equals = strchr(outcome.message, '=');
     if (!equals || equals == outcome.message) return;
     char* end = nullptr;
@@ -64,6 +56,18 @@ static void reportPrintedInfinity(Outcome& outcome) {
     if (end == equals + 1 || strncmp(end, ".#INF", 5) != 0) return;
     if (end[5] != '\0' && !strchr(" \t\r\n\v\f", end[5])) return;
     outcome.Fail("** ERROR: %c overflow **\n", {number < 1 ? "-" : "+"});
+}
+
+} // namespace
+
+bool Statements::Next(std::string_view& statement) {
+    if (isOver || number == MAX_STATEMENTS) return false;
+    const size_t end = rest.find(';');
+    isOver = end == std::string_view::npos;
+    statement = rest.substr(0, end);
+    statement = statement.substr(0, statement.find('#'));
+    if (!isOver) rest.remove_prefix(end + 1);
+    return number++ == 0 || !isOver || statement.find_first_not_of(" \t\r\n") != std::string_view::npos;
 }
 
 ZqCalculator::ZqCalculator() : unitLines(unitDefs, unitName, undo, work.indexed) {}

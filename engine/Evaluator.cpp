@@ -61,7 +61,23 @@ int Evaluator::ProcParenth(node* open) {
     return 1;
 }
 
-static const qfloat NO_OPERAND = {};
+namespace {
+
+const qfloat NO_OPERAND = {};
+
+bool isOperand(const node* term) {
+    return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
+}
+
+// The unit that the unit library's message ends with; the target when that is both or none.
+const node* wrongUnit(std::string_view error, const node* source, const node* destination) {
+    const size_t end = std::min(error.rfind('\''), error.size());
+    const std::string_view quoted = error.substr(0, end);
+    const std::string_view named = quoted.substr(quoted.rfind('\'') + 1);
+    return named == source->text && named != destination->text ? source : destination;
+}
+
+} // namespace
 
 const qfloat* Evaluator::KnownValue(const node* term) {
     if (term->type == TERM_NAME && term->text)
@@ -128,18 +144,6 @@ node* Evaluator::FinishPair(node* op, node* left, node* right, const qfloat valu
     if (right) statement.terms.Del(right);
     if (left) statement.terms.Del(op);
     return merror == 0 || checkMathError(name, outcome.message) == 0 ? term : nullptr;
-}
-
-static bool isOperand(const node* term) {
-    return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
-}
-
-// The unit that the unit library's message ends with; the target when that is both or none.
-static const node* wrongUnit(std::string_view error, const node* source, const node* destination) {
-    const size_t end = std::min(error.rfind('\''), error.size());
-    const std::string_view quoted = error.substr(0, end);
-    const std::string_view named = quoted.substr(quoted.rfind('\'') + 1);
-    return named == source->text && named != destination->text ? source : destination;
 }
 
 // How many of the target units are in one source unit. Returns 0, or -1 with a message.

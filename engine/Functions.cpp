@@ -21,7 +21,9 @@ Function::~Function() {
 
 // --- Definitions as text ---
 
-static void appendNumber(std::string& text, const node* term) {
+namespace {
+
+void appendNumber(std::string& text, const node* term) {
     if (term->text) {
         text += term->text;
     } else if (term->value && (*term->value)[1] >= OVERFLOW_EXPONENT) {
@@ -34,7 +36,7 @@ static void appendNumber(std::string& text, const node* term) {
     }
 }
 
-static void appendTerm(std::string& text, const node* term) {
+void appendTerm(std::string& text, const node* term) {
     switch (term->type) {
     case TERM_NAME:
     case TERM_FUNC: text += term->text ? term->text : ""; break;
@@ -45,6 +47,42 @@ static void appendTerm(std::string& text, const node* term) {
     default: text += getOp(term->type).text;
     }
 }
+
+void addParameters(Function* function, char* argText) {
+    while (argText && *argText && *argText != ',') {
+        char* comma = strchr(argText, ',');
+        if (comma) *comma = '\0';
+        node* const parameter = function->args.AddOperand();
+        parameter->SetText(argText);
+        parameter->type = TERM_NAME;
+        function->argCount++;
+        argText = comma ? comma + 1 : nullptr;
+    }
+}
+
+// Which term of the body stands for which parameter. Of two parameters of one name the first counts.
+void bindParameters(Function* function) {
+    std::unordered_map<std::string_view, int32_t> positions;
+    int32_t position = 0;
+    for (const node* name = function->args.first; name; name = name->next)
+        positions.emplace(name->text, position++);
+    for (const node* term = function->body->first; term; term = term->next) {
+        const auto found =
+            term->type == TERM_NAME && term->text ? positions.find(term->text) : positions.end();
+        function->parameters.push_back(found == positions.end() ? -1 : found->second);
+    }
+}
+
+void orderBody(Function* function) {
+    std::unordered_map<const node*, int32_t> positions;
+    for (const node* term = function->body->first; term; term = term->next)
+        positions.emplace(term, static_cast<int32_t>(positions.size()));
+    std::vector<node*> order;
+    orderOperators(*function->body, order);
+    for (const node* op : order) function->order.push_back(positions[op]);
+}
+
+} // namespace
 
 std::string Function::ToString(const std::function<bool()>& mayGoOn) const {
     std::string text = name;
@@ -67,40 +105,6 @@ void Function::FuncToStr(char* out) const {
 }
 
 // --- The list ---
-
-static void addParameters(Function* function, char* argText) {
-    while (argText && *argText && *argText != ',') {
-        char* comma = strchr(argText, ',');
-        if (comma) *comma = '\0';
-        node* const parameter = function->args.AddOperand();
-        parameter->SetText(argText);
-        parameter->type = TERM_NAME;
-        function->argCount++;
-        argText = comma ? comma + 1 : nullptr;
-    }
-}
-
-// Which term of the body stands for which parameter. Of two parameters of one name the first counts.
-static void bindParameters(Function* function) {
-    std::unordered_map<std::string_view, int32_t> positions;
-    int32_t position = 0;
-    for (const node* name = function->args.first; name; name = name->next)
-        positions.emplace(name->text, position++);
-    for (const node* term = function->body->first; term; term = term->next) {
-        const auto found =
-            term->type == TERM_NAME && term->text ? positions.find(term->text) : positions.end();
-        function->parameters.push_back(found == positions.end() ? -1 : found->second);
-    }
-}
-
-static void orderBody(Function* function) {
-    std::unordered_map<const node*, int32_t> positions;
-    for (const node* term = function->body->first; term; term = term->next)
-        positions.emplace(term, static_cast<int32_t>(positions.size()));
-    std::vector<node*> order;
-    orderOperators(*function->body, order);
-    for (const node* op : order) function->order.push_back(positions[op]);
-}
 
 Function* CFunctionList::Find(const char* name, int32_t argCount, bool own, bool builtin) const {
     if (last.version != version || last.name != name) {

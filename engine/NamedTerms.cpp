@@ -8,9 +8,13 @@
 // Freeing one takes a tenth of a microsecond.
 constexpr int FREED_AT_ONCE = 32;
 
-static std::string_view textOf(const node* term) {
+namespace {
+
+std::string_view textOf(const node* term) {
     return term->text ? term->text : std::string_view();
 }
+
+} // namespace
 
 // Insertions only grow, so that they and the number of nodes tell every change of the list.
 node* NamedTerms::Find(std::string_view name) {

@@ -4,13 +4,34 @@
 #include <cstring>
 #include <string>
 
-static bool isZero(const qfloat number) {
+namespace {
+
+bool isZero(const qfloat number) {
     return number[1] == 0;
 }
 
-static void setTruth(bool truth, qfloat value) {
+void setTruth(bool truth, qfloat value) {
     qmov(truth ? qone : qzero, value);
 }
+
+// The floor of x * 2^n. A zero has no exponent to shift.
+void shiftBits(const qfloat x, int64_t n, qfloat value) {
+    if (isZero(x)) {
+        qclear(value);
+        return;
+    }
+    qldexp(x, n, value);
+    qfloor(value, value);
+}
+
+int64_t integerPart(const qfloat x) {
+    int64_t n = 0;
+    qfloat fraction;
+    qifrac(x, &n, fraction);
+    return n;
+}
+
+} // namespace
 
 uint64_t extraWork(int32_t code, const qfloat left, const qfloat right) {
     if (code == OP_POWER || code == OP_FACTORIAL) return Cost::EXPENSIVE;
@@ -23,23 +44,6 @@ void noteOverflow(const qfloat operand) {
     qfloat overflow = {};
     qinfin(overflow);
     if (memcmp(operand + 1, overflow + 1, sizeof overflow - sizeof *overflow) == 0) merror = MATH_OVERFLOW;
-}
-
-// The floor of x * 2^n. A zero has no exponent to shift.
-static void shiftBits(const qfloat x, int64_t n, qfloat value) {
-    if (isZero(x)) {
-        qclear(value);
-        return;
-    }
-    qldexp(x, n, value);
-    qfloor(value, value);
-}
-
-static int64_t integerPart(const qfloat x) {
-    int64_t n = 0;
-    qfloat fraction;
-    qifrac(x, &n, fraction);
-    return n;
 }
 
 int applyOperator(int32_t code, const qfloat left, const qfloat right, qfloat value, Outcome& outcome) {

@@ -14,7 +14,25 @@ Evaluator::Operand Evaluator::OperandOf(const node* term) {
     return {KnownValue(term), term->type == TERM_NAME ? term : nullptr};
 }
 
-static const qfloat NO_OPERAND = {};
+namespace {
+
+const qfloat NO_OPERAND = {};
+
+// What a name stands for does not change while the list of functions stays as it is.
+void lookUp(const Program::Call& call) {
+    if (call.version == funcs.Version()) return;
+    call.version = funcs.Version();
+    const size_t number = call.arguments.size();
+    call.function = funcs.FunctionExists(call.name.c_str(), static_cast<int32_t>(number));
+    const bool isOwn = call.function && call.function->body;
+    call.builtin = number == 1 && !isOwn ? findBuiltin(call.name.c_str()) : nullptr;
+}
+
+bool isLongName(const node* term) {
+    return term->type == TERM_NAME && isLongText(term->text);
+}
+
+} // namespace
 
 Evaluator::Operand Evaluator::OperandAt(const Program& program, const Frame& current, Program::Place place) {
     if (place == Program::NOWHERE) return {&NO_OPERAND, nullptr};
@@ -39,16 +57,6 @@ int Evaluator::RunPair(int32_t code, const Operand& left, const Operand& right, 
     if (merror == 0) return 0;
     checkMathError(getOp(code).text, outcome.message);
     return STATUS_ERROR;
-}
-
-// What a name stands for does not change while the list of functions stays as it is.
-static void lookUp(const Program::Call& call) {
-    if (call.version == funcs.Version()) return;
-    call.version = funcs.Version();
-    const size_t number = call.arguments.size();
-    call.function = funcs.FunctionExists(call.name.c_str(), static_cast<int32_t>(number));
-    const bool isOwn = call.function && call.function->body;
-    call.builtin = number == 1 && !isOwn ? findBuiltin(call.name.c_str()) : nullptr;
 }
 
 // A call in the body of the current frame.
@@ -116,10 +124,6 @@ Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& cal
     }
     result = OperandAt(program, current, program.result);
     return Ending::Value;
-}
-
-static bool isLongName(const node* term) {
-    return term->type == TERM_NAME && isLongText(term->text);
 }
 
 // A call in the statement. Where it meets a function without a program, all begins anew by expanding.

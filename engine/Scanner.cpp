@@ -15,18 +15,29 @@ std::string_view trimStatement(std::string_view statement) {
     return text;
 }
 
-static bool isSpaceOrTab(char c) {
+namespace {
+
+struct BareCharacters {
+    bool has[256] = {};
+
+    constexpr BareCharacters() {
+        for (int c = 0; c < 128; c++)
+            has[c] = isOfName(static_cast<char>(c)) || (c >= '(' && c <= '/') || c == '^';
+    }
+};
+
+bool isSpaceOrTab(char c) {
     return c == ' ' || c == '\t';
 }
 
 // Whether the digits that end at `end` (exclusive) are the exponent of a unit, as in m^2.
-static bool endsUnitExponent(const std::string& text, size_t end) {
+bool endsUnitExponent(const std::string& text, size_t end) {
     while (end > 0 && isDigit(text[end - 1])) end--;
     return end > 0 && text[end - 1] == '^';
 }
 
 // The start of the unit name in front of an arrow at `arrow`.
-static size_t findUnitName(const std::string& text, size_t arrow) {
+size_t findUnitName(const std::string& text, size_t arrow) {
     size_t start = arrow;
     while (start > 0 && isSpaceOrTab(text[start - 1])) start--;
     bool inExponent = false;
@@ -45,16 +56,118 @@ static size_t findUnitName(const std::string& text, size_t arrow) {
     return start;
 }
 
-namespace {
-
-struct BareCharacters {
-    bool has[256] = {};
-
-    constexpr BareCharacters() {
-        for (int c = 0; c < 128; c++)
-            has[c] = isOfName(static_cast<char>(c)) || (c >= '(' && c <= '/') || c == '^';
+// Removes blanks and line ends, makes all brackets parentheses, and gives the number its '.' and ','.
+void normalize(std::string& text, bool european) {
+    size_t length = 0;
+    for (char c : text) {
+        switch (c) {
+        case ' ':
+        case '\t':
+        case '\r':
+        case '\n': continue;
+        case '{':
+        case '[': c = '('; break;
+        case '}':
+        case ']': c = ')'; break;
+        default: break;
+        }
+        text[length++] = c;
     }
-};
+    text.resize(length);
+    if (european) StrSwapChars(text.data(), '.', ',');
+}
+
+// A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
+bool isExponentSign(std::string_view operand) {
+    const size_t n = operand.size();
+    if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
+    if (!isDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
+    return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
+}
+
+// The operand that ends where the text ends.
+std::string_view lastOperand(std::string_view text) {
+    size_t start = text.size();
+    for (; start > 0; start--) {
+        const char character[] = {text[start - 1], '\0'};
+        if (isOp(character) != 0) break;
+    }
+    return text.substr(start);
+}
+
+// The first sign at or behind `from` that is none of a conversion's units, as in N-m: these reach from the
+// mark to the next ')'.
+size_t findSign(const std::string& text, size_t from) {
+    for (size_t pos = from; pos < text.size(); pos++) {
+        if (text[pos] == CVSstr[0]) pos = std::min(text.find(')', pos), text.size());
+        if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) return pos;
+    }
+    return std::string::npos;
+}
+
+// Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to
+// the next ')'.
+bool isArrowInUnit(const std::string& text) {
+    const size_t mark = text.find(CVSstr[0]);
+    return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
+}
+
+// Reads what most numbers are: up to nine digits, with a point or without, which machine numbers hold.
+// Otherwise it answers false.
+bool readShort(std::string_view text, qfloat value) {
+    constexpr size_t MOST_DIGITS = 9;
+    if (text.size() > MOST_DIGITS + 1) return false;
+    int64_t number = 0;
+    int64_t fives = 0; // for each digit behind the point one factor; 0: there has been no point
+    uint32_t places = 0;
+    size_t digits = 0;
+    for (char c : text) {
+        if (isDigit(c)) {
+            number = number * 10 + (c - '0');
+            fives *= 5;
+            places += fives != 0 ? 1 : 0;
+            digits++;
+        } else if (c == '.' && fives == 0) {
+            fives = 1;
+        } else {
+            return false;
+        }
+    }
+    if (digits == 0 || digits > MOST_DIGITS) return false;
+    if (number == 0) return qclear(value), true;
+    for (; fives > 1 && number % 5 == 0; number /= 5) fives /= 5; // 2.5 is 5 / 2
+    ltoq(&number, value);
+    if (fives > 1) {
+        qfloat divisor;
+        ltoq(&fives, divisor);
+        qdiv(divisor, value, value);
+    }
+    value[1] -= places; // 10^n is 5^n * 2^n
+    return true;
+}
+
+bool isRadixText(std::string_view text) {
+    return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'b' || text[1] == 'o');
+}
+
+// The number without its thousands separators, or an empty text when the grouping is wrong: groups of a comma
+// and three digits follow the leading digits, up to the end or a point.
+std::string joinThousands(std::string_view text) {
+    std::string joined;
+    size_t i = 0;
+    while (i < text.size() && isDigit(text[i])) i++;
+    joined.append(text.substr(0, i));
+    while (i < text.size() && text[i] == ',') {
+        const std::string_view group = text.substr(i + 1, 3);
+        if (group.size() < 3 || !std::all_of(group.begin(), group.end(), isDigit)) return "";
+        joined.append(group);
+        i += 4;
+    }
+    if (i < text.size() && text[i] != '.') return "";
+    joined.append(text.substr(i));
+    std::string_view rest;
+    return findDecString(joined, rest) == 1 ? joined : "";
+}
 
 } // namespace
 
@@ -86,55 +199,6 @@ bool isDefinition(const std::string& text) {
     return before != '<' && before != '>' && before != '!' && after != '=';
 }
 
-// Removes blanks and line ends, makes all brackets parentheses, and gives the number its '.' and ','.
-static void normalize(std::string& text, bool european) {
-    size_t length = 0;
-    for (char c : text) {
-        switch (c) {
-        case ' ':
-        case '\t':
-        case '\r':
-        case '\n': continue;
-        case '{':
-        case '[': c = '('; break;
-        case '}':
-        case ']': c = ')'; break;
-        default: break;
-        }
-        text[length++] = c;
-    }
-    text.resize(length);
-    if (european) StrSwapChars(text.data(), '.', ',');
-}
-
-// A sign directly behind the 'e' of a number, as in 1e-5. In 0x1e-3 the e is a digit.
-static bool isExponentSign(std::string_view operand) {
-    const size_t n = operand.size();
-    if (n < 2 || (operand[n - 1] != 'e' && operand[n - 1] != 'E')) return false;
-    if (!isDigit(operand[n - 2]) && operand[n - 2] != '.') return false;
-    return !(operand[0] == '0' && (operand[1] == 'x' || operand[1] == 'b'));
-}
-
-// The operand that ends where the text ends.
-static std::string_view lastOperand(std::string_view text) {
-    size_t start = text.size();
-    for (; start > 0; start--) {
-        const char character[] = {text[start - 1], '\0'};
-        if (isOp(character) != 0) break;
-    }
-    return text.substr(start);
-}
-
-// The first sign at or behind `from` that is none of a conversion's units, as in N-m: these reach from the
-// mark to the next ')'.
-static size_t findSign(const std::string& text, size_t from) {
-    for (size_t pos = from; pos < text.size(); pos++) {
-        if (text[pos] == CVSstr[0]) pos = std::min(text.find(')', pos), text.size());
-        if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) return pos;
-    }
-    return std::string::npos;
-}
-
 // Adding-machine entry: every sign moves in front of its number, 10+20- becomes +10-20. The sign of an
 // exponent belongs to its number.
 std::string Scanner::MoveSignsForward(const std::string& text) {
@@ -155,13 +219,6 @@ std::string Scanner::MoveSignsForward(const std::string& text) {
         start = isLast ? text.size() : sign + 1;
     }
     return moved;
-}
-
-// Whether the text's first arrow stands in the units of a conversion that is marked already. They reach to
-// the next ')'.
-static bool isArrowInUnit(const std::string& text) {
-    const size_t mark = text.find(CVSstr[0]);
-    return mark != std::string::npos && text.find("->") < text.find_first_of(")]}", mark);
 }
 
 int Scanner::ScanBody(std::string text, const Definition& definition) {
@@ -310,40 +367,6 @@ void Scanner::AppendOperand(std::string_view text, bool isUnit, bool beforeParen
     }
 }
 
-// Reads what most numbers are: up to nine digits, with a point or without, which machine numbers hold.
-// Otherwise it answers false.
-static bool readShort(std::string_view text, qfloat value) {
-    constexpr size_t MOST_DIGITS = 9;
-    if (text.size() > MOST_DIGITS + 1) return false;
-    int64_t number = 0;
-    int64_t fives = 0; // for each digit behind the point one factor; 0: there has been no point
-    uint32_t places = 0;
-    size_t digits = 0;
-    for (char c : text) {
-        if (isDigit(c)) {
-            number = number * 10 + (c - '0');
-            fives *= 5;
-            places += fives != 0 ? 1 : 0;
-            digits++;
-        } else if (c == '.' && fives == 0) {
-            fives = 1;
-        } else {
-            return false;
-        }
-    }
-    if (digits == 0 || digits > MOST_DIGITS) return false;
-    if (number == 0) return qclear(value), true;
-    for (; fives > 1 && number % 5 == 0; number /= 5) fives /= 5; // 2.5 is 5 / 2
-    ltoq(&number, value);
-    if (fives > 1) {
-        qfloat divisor;
-        ltoq(&fives, divisor);
-        qdiv(divisor, value, value);
-    }
-    value[1] -= places; // 10^n is 5^n * 2^n
-    return true;
-}
-
 // That an earlier number of the statement was beyond the range stays known.
 bool Scanner::ReadNumber(std::string_view text, qfloat value) {
     if (readShort(text, value)) return true;
@@ -374,29 +397,6 @@ int findDecString(std::string_view text, std::string_view& rest) {
     if (i == 0) return 0;
     rest = text.substr(i);
     return 2;
-}
-
-static bool isRadixText(std::string_view text) {
-    return text.size() >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'b' || text[1] == 'o');
-}
-
-// The number without its thousands separators, or an empty text when the grouping is wrong: groups of a comma
-// and three digits follow the leading digits, up to the end or a point.
-static std::string joinThousands(std::string_view text) {
-    std::string joined;
-    size_t i = 0;
-    while (i < text.size() && isDigit(text[i])) i++;
-    joined.append(text.substr(0, i));
-    while (i < text.size() && text[i] == ',') {
-        const std::string_view group = text.substr(i + 1, 3);
-        if (group.size() < 3 || !std::all_of(group.begin(), group.end(), isDigit)) return "";
-        joined.append(group);
-        i += 4;
-    }
-    if (i < text.size() && text[i] != '.') return "";
-    joined.append(text.substr(i));
-    std::string_view rest;
-    return findDecString(joined, rest) == 1 ? joined : "";
 }
 
 int Scanner::Str2Num(const char* text, qfloat value) {

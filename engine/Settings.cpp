@@ -16,11 +16,22 @@ const Setting* findSetting(std::string_view key) {
     return row == std::end(SETTINGS) ? nullptr : row;
 }
 
+namespace {
+
 // The first choice with the value; the end when there is none.
-static const SettingChoice* choiceOf(int value, const SettingChoices& choices) {
+const SettingChoice* choiceOf(int value, const SettingChoices& choices) {
     return std::find_if(choices.begin(), choices.end(),
                         [value](const SettingChoice& one) { return one.value == value; });
 }
+
+bool isOfOperator(int c) {
+    for (const OpEntry* op = ops; op->code != 0; op++) {
+        if (c < 0x80 && c != ',' && strchr(op->text, c)) return true;
+    }
+    return false;
+}
+
+} // namespace
 
 bool Setting::IsPossible(double number) const {
     if (!IsNumber() || !(number >= least && number <= most && number == std::floor(number))) return false;
@@ -113,13 +124,6 @@ std::string fontText(double points, const std::string& name) {
     char text[40];
     snprintf(text, sizeof text, "%.6g ", points);
     return text + name;
-}
-
-static bool isOfOperator(int c) {
-    for (const OpEntry* op = ops; op->code != 0; op++) {
-        if (c < 0x80 && c != ',' && strchr(op->text, c)) return true;
-    }
-    return false;
 }
 
 std::string groupingMarkFault(int c) {

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 
-static uint32_t byteAt(std::string_view text, size_t i) {
+namespace {
+
+uint32_t byteAt(std::string_view text, size_t i) {
     return static_cast<unsigned char>(text[i]);
 }
 
 // Reads the sequence that begins at `start`. Returns its length, or 0 when there is none.
-static size_t readUtf8(std::string_view text, size_t start, uint32_t& code) {
+size_t readUtf8(std::string_view text, size_t start, uint32_t& code) {
     static constexpr uint32_t LEAST[] = {0, 0, 0x80, 0x800, 0x10000}; // by length: less would be overlong
     const uint32_t lead = byteAt(text, start);
     const size_t length = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -23,6 +25,26 @@ static size_t readUtf8(std::string_view text, size_t start, uint32_t& code) {
     return code < LEAST[length] || code > 0x10FFFF || isSurrogate ? 0 : length;
 }
 
+// Whether the character changes the direction in which a line is written, or breaks it.
+bool isLayout(uint32_t code) {
+    return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
+}
+
+void appendShown(std::string& shown, std::string_view character, bool isShown) {
+    if (isShown || character == "\n")
+        shown += character;
+    else
+        shown += character == "\t" ? ' ' : '?';
+}
+
+// Most texts are nothing else.
+bool isPrintableAscii(char c) {
+    return (c >= ' ' && c <= '~') || c == '\n';
+}
+
+} // namespace
+
 size_t utf8Length(std::string_view text, size_t start) {
     uint32_t code = 0;
     return readUtf8(text, start, code);
@@ -34,24 +56,6 @@ bool isUtf8(std::string_view text) {
         if (length == 0) return false;
     }
     return true;
-}
-
-// Whether the character changes the direction in which a line is written, or breaks it.
-static bool isLayout(uint32_t code) {
-    return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x2028 && code <= 0x202E) ||
-           (code >= 0x2066 && code <= 0x2069);
-}
-
-static void appendShown(std::string& shown, std::string_view character, bool isShown) {
-    if (isShown || character == "\n")
-        shown += character;
-    else
-        shown += character == "\t" ? ' ' : '?';
-}
-
-// Most texts are nothing else.
-static bool isPrintableAscii(char c) {
-    return (c >= ' ' && c <= '~') || c == '\n';
 }
 
 std::string shownText(std::string_view text) {

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <numeric>
 
+namespace {
+
 // The last '(' without a partner.
-static const node* lastOpen(const Deq& terms) {
+const node* lastOpen(const Deq& terms) {
     int32_t closed = 0;
     const node* term = terms.last;
     for (; term->type != OP_OPEN || closed > 0; term = term->prev)
@@ -17,12 +19,12 @@ static const node* lastOpen(const Deq& terms) {
 }
 
 // Whether an operand is still to come: what follows '!' or ')' has its left operand.
-static bool isOpenEnded(const node* term) {
+bool isOpenEnded(const node* term) {
     return isOp(term->type) && term->type != OP_FACTORIAL && term->type != OP_CLOSE;
 }
 
 // Which of its operands the operator lacks, as a number of the error; null: none.
-static const char* lackedOperand(const node* term) {
+const char* lackedOperand(const node* term) {
     const OpEntry& op = getOp(term->type);
     if (op.needsLeft && !term->prev) return "1";
     if (op.needsLeft && isOpenEnded(term->prev)) return "2";
@@ -32,59 +34,22 @@ static const char* lackedOperand(const node* term) {
 
 // Whether a '-' behind this term negates before the term's operator is applied. Operators of precedence 0
 // bind nothing.
-static bool bindsTighterThanMinus(const node* term) {
+bool bindsTighterThanMinus(const node* term) {
     if (!term || !isOpenEnded(term)) return false;
     const int precedence = getOp(term->type).precedence;
     return precedence > 0 && precedence < getOp(OP_SUBTRACT).precedence;
 }
 
 // The '(' of the group or call behind a '-', or null.
-static const node* groupBehind(const node* minus) {
+const node* groupBehind(const node* minus) {
     const node* term = minus->next;
     if (term && (term->type == TERM_FUNC || term->type == TERM_NAME)) term = term->next;
     return term && term->type == OP_OPEN ? term : nullptr;
 }
 
-static int failParenthesis(const node* term, Outcome& outcome) {
+int failParenthesis(const node* term, Outcome& outcome) {
     return outcome.FailAt(term, "** ERROR: missing parenthesis **\n");
 }
-
-// A wrong parenthesis is told before the first operator without its operands, wherever that is.
-int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work, int32_t& operators) {
-    work.checked += static_cast<uint64_t>(terms.count);
-    int32_t values = 0;
-    int32_t depth = 0;
-    std::vector<int32_t> raised; // the depths of the raised groups that are open
-    const node* toRaise = nullptr;
-    const node* wrong = nullptr;
-    for (node* term = terms.first; term; term = term->next) {
-        if (term->type == OP_OPEN) {
-            depth++;
-            if (term->next && term->next->type == OP_CLOSE)
-                return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
-            if (term == toRaise) raised.push_back(depth);
-        }
-        term->level = depth + static_cast<int32_t>(raised.size());
-        if (term->type == OP_CLOSE) {
-            if (!raised.empty() && raised.back() == depth) raised.pop_back();
-            if (--depth < 0) return failParenthesis(term, outcome);
-        } else if (term->type != OP_OPEN && isOp(term->type)) {
-            if (!wrong && lackedOperand(term)) wrong = term;
-            if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
-                term->level++;
-                toRaise = groupBehind(term);
-            }
-        } else if (term->type != OP_OPEN) {
-            values += term->type == TERM_NAME || term->type == TERM_FUNC || term->type == TERM_NUMBER ? 1 : 0;
-        }
-    }
-    if (depth != 0) return failParenthesis(lastOpen(terms), outcome);
-    if (!wrong) return operators = terms.count - values, 0;
-    return outcome.FailAt(wrong, "** ERROR %s: operator '%s' missing argument **\n",
-                          {lackedOperand(wrong), getOp(wrong->type).text});
-}
-
-namespace {
 
 int32_t levelOf(const node* op) {
     return std::max(op->level, 0);
@@ -130,6 +95,41 @@ void orderFew(std::vector<node*>& order) {
 }
 
 } // namespace
+
+// A wrong parenthesis is told before the first operator without its operands, wherever that is.
+int checkSyntax(const Deq& terms, Outcome& outcome, WorkCounters& work, int32_t& operators) {
+    work.checked += static_cast<uint64_t>(terms.count);
+    int32_t values = 0;
+    int32_t depth = 0;
+    std::vector<int32_t> raised; // the depths of the raised groups that are open
+    const node* toRaise = nullptr;
+    const node* wrong = nullptr;
+    for (node* term = terms.first; term; term = term->next) {
+        if (term->type == OP_OPEN) {
+            depth++;
+            if (term->next && term->next->type == OP_CLOSE)
+                return outcome.FailAt(term, "** ERROR: empty parenthesis **\n");
+            if (term == toRaise) raised.push_back(depth);
+        }
+        term->level = depth + static_cast<int32_t>(raised.size());
+        if (term->type == OP_CLOSE) {
+            if (!raised.empty() && raised.back() == depth) raised.pop_back();
+            if (--depth < 0) return failParenthesis(term, outcome);
+        } else if (term->type != OP_OPEN && isOp(term->type)) {
+            if (!wrong && lackedOperand(term)) wrong = term;
+            if (term->type == OP_SUBTRACT && bindsTighterThanMinus(term->prev)) {
+                term->level++;
+                toRaise = groupBehind(term);
+            }
+        } else if (term->type != OP_OPEN) {
+            values += term->type == TERM_NAME || term->type == TERM_FUNC || term->type == TERM_NUMBER ? 1 : 0;
+        }
+    }
+    if (depth != 0) return failParenthesis(lastOpen(terms), outcome);
+    if (!wrong) return operators = terms.count - values, 0;
+    return outcome.FailAt(wrong, "** ERROR %s: operator '%s' missing argument **\n",
+                          {lackedOperand(wrong), getOp(wrong->type).text});
+}
 
 // A long list takes a time that grows with the number of terms, whatever their levels.
 void orderOperators(const Deq& terms, std::vector<node*>& order) {

@@ -32,7 +32,9 @@ constexpr OpEntry ops[] = {
 
 static_assert(sizeof ops / sizeof ops[0] == OPERATOR_COUNT + 1);
 
-static constexpr OperatorIndex makeIndex() {
+namespace {
+
+constexpr OperatorIndex makeIndex() {
     OperatorIndex made = {};
     for (uint8_t& position : made.byCode) position = OPERATOR_COUNT;
     for (uint8_t i = OPERATOR_COUNT; i > 0; i--) {
@@ -44,6 +46,8 @@ static constexpr OperatorIndex makeIndex() {
     }
     return made;
 }
+
+} // namespace
 
 constexpr OperatorIndex OPERATOR_INDEX = makeIndex();
 

@@ -5,11 +5,15 @@
 
 #include <string_view>
 
+namespace {
+
 // The start of the last line in front of `end`, which is behind a line feed.
-static size_t startOfLine(std::string_view text, size_t end) {
+size_t startOfLine(std::string_view text, size_t end) {
     const size_t before = end >= 2 ? text.rfind('\n', end - 2) : std::string_view::npos;
     return before == std::string_view::npos ? 0 : before + 1;
 }
+
+} // namespace
 
 std::string endOfTranscript(const std::string& text) {
     std::string shown = shownText(text);
