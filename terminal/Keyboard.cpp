@@ -8,6 +8,8 @@
 
 #include <cerrno>
 #include <climits>
+#include <fstream>
+#include <unistd.h>
 
 namespace {
 
@@ -18,10 +20,18 @@ bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// It leaves no other mark on what it starts. Where there is no such folder, as on macOS, it needs its option
+// -a.
+TerminalModes::Use useHere() {
+    std::string name;
+    std::ifstream("/proc/" + std::to_string(getppid()) + "/comm") >> name;
+    return name == "rlwrap" ? TerminalModes::Use::Lines : TerminalModes::Use::Plain;
+}
+
 } // namespace
 
 Keyboard::Keyboard(PromptHost& theHost, int from, int to, size_t length)
-    : host(theHost), terminal(from, to, TerminalModes::Use::Plain), screen(to), keep(length) {
+    : host(theHost), terminal(from, to, useHere()), screen(to), keep(length) {
     useUtf8();
 }
 
@@ -126,6 +136,7 @@ bool Keyboard::Take(char byte, std::string& line) {
 
 // A key arrives by itself, a pasted text in large pieces.
 Keyboard::Status Keyboard::LineStatus(const std::string& line) const {
+    if (terminal.HasLineMode() && line.size() >= TerminalModes::LONGEST_LINE) return Status::Cut;
     return line.empty() && end > 1 ? Status::Blank : Status::Line;
 }
 

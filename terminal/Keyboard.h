@@ -4,7 +4,8 @@
 // no more, for screen readers, and for programs that put an editor of their own around this one.
 //
 // The bytes are taken one by one (TerminalModes.h), and the keys that a terminal's line mode knows (erase a
-// character, a word, the line; end of input) are carried out here.
+// character, a word, the line; end of input) are carried out here. rlwrap edits lines only for programs that
+// leave that to the terminal: where it stands around this one, the terminal reads them.
 #pragma once
 
 #include "LineSource.h"

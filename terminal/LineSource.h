@@ -35,6 +35,7 @@ public:
         Line,     // a line was typed; it is empty when someone pressed Return alone
         Pasted,   // a line of a pasted text of several lines
         Blank,    // an empty line that came together with other input, as in a pasted text
+        Cut,      // a line that is too long for the terminal, which may have dropped its end
         Canceled, // Ctrl-C came (Interrupt.h): what was typed or pasted is dropped
         End,      // end of input (Ctrl-D on an empty line), a hang-up or a signal that asks for the end
         Failed    // the terminal cannot be read; errno says why

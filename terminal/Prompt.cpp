@@ -34,6 +34,8 @@ using Status = LineSource::Status;
 constexpr char PROMPT[] = "> ";
 constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
+constexpr char CUT_LINE[] = "** ERROR: this terminal cuts lines of more than 4094 characters **\n";
+
 // One byte more than an entry may have tells an overlong line apart.
 constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
@@ -103,7 +105,9 @@ PromptEnd Prompt::Run() {
         if (screen >= 0 && (status == Status::Canceled || status == Status::End)) writeAll(screen, "\n");
         if (status == Status::Canceled) continue;
         if (status == Status::End) return PromptEnd::Ended;
-        const Session::Outcome outcome = Answer(TypedSigns().Read(line), status == Status::Pasted);
+        const Session::Outcome outcome = status == Status::Cut
+                                             ? session.RefuseEntry(line, CUT_LINE)
+                                             : Answer(TypedSigns().Read(line), status == Status::Pasted);
         if (outcome == Session::Outcome::OutputLost) return PromptEnd::OutputLost;
         if (outcome == Session::Outcome::Ended) return PromptEnd::Ended;
     }

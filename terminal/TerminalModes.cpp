@@ -90,6 +90,7 @@ void TerminalModes::Take() {
 void TerminalModes::UseModes(const termios& found) {
     modes = found;
     byteModes = found;
+    if (use == Use::Lines) return;
     byteModes.c_lflag &= static_cast<tcflag_t>(~static_cast<tcflag_t>(ICANON | ECHO));
     byteModes.c_cc[VMIN] = 0; // reading does not wait: Ctrl-C may take away what Wait has seen
     byteModes.c_cc[VTIME] = 0;
@@ -168,7 +169,8 @@ long TerminalModes::Read(char* to, size_t size) const {
         return -1;
     }
     ssize_t count = read(input, to, size);
-    if (count == 0 && isTerminal) { // at the end there is always something to read, which is nothing
+    if (count == 0 && isTerminal &&
+        use != Use::Lines) { // at the end there is always something to read, which is nothing
         pollfd waiting = {input, POLLIN, 0};
         const bool isEnd = poll(&waiting, 1, 0) != 0;
         errno = EAGAIN;

@@ -3,7 +3,8 @@
 // A terminal that hands over single bytes, and what can happen while one waits for them.
 //
 // A terminal's own line mode drops what a line has beyond 4,095 bytes without a word, which would turn a long
-// pasted sum into a wrong one. So it is not used, from the first prompt to the last.
+// pasted sum into a wrong one. So it is not used, from the first prompt to the last - but for a program
+// around this one that edits lines only for programs that use it.
 #pragma once
 
 #include "Signals.h"
@@ -17,9 +18,11 @@
 class TerminalModes {
 public:
     enum class Use {
-        Plain,  // Return gives a line feed
-        Editing // an editor reads every key as it is
+        Plain,   // Return gives a line feed
+        Editing, // an editor reads every key as it is
+        Lines    // the line mode: lines arrive whole, and what is typed is shown and erased by others
     };
+    static constexpr size_t LONGEST_LINE = 4095; // bytes that the line mode keeps
 
     enum class Event {
         Input,       // there is something to read
@@ -62,8 +65,10 @@ public:
     // it behind a Wait that told of input.
     long Read(char* to, size_t size) const;
 
+    bool HasLineMode() const { return use == Use::Lines; }
+
     // Whether what is typed is to be shown: whoever turned that off wants it off.
-    bool Echoes() const { return (modes.c_lflag & ECHO) != 0; }
+    bool Echoes() const { return use != Use::Lines && (modes.c_lflag & ECHO) != 0; }
 
     // Whether this is the terminal's key for something, such as VERASE.
     bool IsKey(char byte, int key) const;

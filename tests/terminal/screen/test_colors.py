@@ -1,5 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Colors, and the prompt without an editor."""
+import os
+import shutil
+import termios
 import unittest
 
 from screen import *
@@ -79,6 +82,23 @@ class Plain(ScreenTest):
             console.ends_with("> 1+ 漢字")
             console.send(ctrl("w") + "2" + RETURN)
             console.ends_with("> 1+ 2", "ans = 3", ">")
+
+    @unittest.skipUnless(os.path.exists("/proc/self/comm"), "the system does not tell whose child a program is")
+    def test_inside_rlwrap_the_terminal_reads_lines(self):
+        shell = shutil.copy("/bin/sh", self.home.path + "/rlwrap")  # it sees what the wrapper would see
+        console = self.start(command=[shell, "-c", "trap : INT; \"$TALLYQUILL\" --plain; echo status $?"])
+        flags = termios.tcgetattr(console.child.child_fd)[3]
+        self.assertTrue(flags & termios.ICANON and flags & termios.ECHO)
+        console.enter("1+" + "x" + BACKSPACE + "2", "ans = 3")
+        console.send("1+1")
+        console.ends_with("> 1+1")
+        console.send(ctrl("c"))
+        console.ends_with(">")
+        console.send("+".join(["1"] * 2048) + RETURN)
+        console.ends_with("** ERROR: this terminal cuts lines of more than 4094 characters **", ">")
+        console.enter("6*7", "ans = 42")
+        console.send(ctrl("d"))
+        console.has("status 1")
 
     def test_operators_stay_literal(self):
         console = self.start("--plain")
