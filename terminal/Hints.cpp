@@ -188,7 +188,28 @@ std::string temperature(const Trouble& trouble) {
 // Units under names that no few letters lead to.
 constexpr struct {
     std::string_view name, unit;
-} OTHER_NAMES[] = {{"feet", "foot"}, {"mph", "mile/hr"}, {"kph", "km/hr"}};
+} OTHER_NAMES[] = {{"feet", "foot"}, {"mph", "mile/hr"}, {"kph", "km/hr"}, {"kmh", "km/hr"}};
+
+// Behind a prefix anything short is near to something: there it is a wrong capital or a letter typed twice.
+std::string nearestUnit(std::string_view name) {
+    constexpr size_t LONG = 6;
+    for (const auto& other : OTHER_NAMES) {
+        if (name == other.name) return std::string(other.unit);
+    }
+    const std::vector<std::string> units = units_names();
+    std::vector<std::string> prefixed;
+    for (const std::string& prefix : units_prefix_names()) {
+        for (const std::string& unit : units) prefixed.push_back(prefix + unit);
+    }
+    const std::string nearest = nearestName(name, prefixed);
+    if (lowerCased(nearest) == lowerCased(std::string(name))) return nearest;
+    std::string nearestAlone = nearestName(name, units);
+    if (!nearestAlone.empty() || name.size() >= LONG) return nearestAlone.empty() ? nearest : nearestAlone;
+    const std::string_view once = name.substr(0, name.size() - 1);
+    const bool isTwice = !once.empty() && once.back() == name.back();
+    const bool isUnit = std::find(prefixed.begin(), prefixed.end(), once) != prefixed.end();
+    return isTwice && isUnit ? std::string(once) : "";
+}
 
 std::string unknownUnit(const Trouble& trouble) {
     constexpr std::string_view TEXT = "invalid unit name '";
@@ -200,10 +221,7 @@ std::string unknownUnit(const Trouble& trouble) {
     for (const Formula& formula : FORMULAS) {
         if (scale && scale->letter == formula.to) return conversionBy(formula, "");
     }
-    std::string nearest = nearestName(name, units_names());
-    for (const auto& other : OTHER_NAMES) {
-        if (name == other.name) nearest = other.unit;
-    }
+    const std::string nearest = nearestUnit(name);
     return nearest.empty() ? ":units lists the units" : "the nearest unit is " + nearest;
 }
 

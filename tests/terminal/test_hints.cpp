@@ -70,7 +70,14 @@ TEST_F(HintAfterError, NamesTheNearestUnit) {
     EXPECT_EQ(Hint("90 kph->m/s"), "the nearest unit is km/hr\n");
     EXPECT_EQ(Hint("5 foot->celsius"),
               "F and C are farad and coulomb here; temperatures: write (72-32)/1.8\n");
-    EXPECT_EQ(Hint("5 qqqqq->m"), ":units lists the units\n");
+    EXPECT_EQ(Hint("5 kmm->mi"), "the nearest unit is km\n");
+    EXPECT_EQ(Hint("5 m->Km"), "the nearest unit is km\n");
+    EXPECT_EQ(Hint("5 kpa->Pa"), "the nearest unit is kPa\n");
+    EXPECT_EQ(Hint("5 kmh->m/s"), "the nearest unit is km/hr\n");
+    EXPECT_EQ(Hint("5 milimeter->m"), "the nearest unit is millimeter\n");
+    EXPECT_EQ(Hint("5 kilometre->m"), "the nearest unit is kilometer\n");
+    for (const char* name : {"usd", "eur", "ton", "kilo", "kWh", "qqqqq"})
+        EXPECT_EQ(Hint("5 " + std::string(name) + "->m"), ":units lists the units\n") << name;
 }
 
 TEST_F(HintAfterError, NamesTheNearestNameOfAVariableOrFunction) {
