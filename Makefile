@@ -56,10 +56,10 @@ test: deps ## build what people run and pass all its tests
 gcc: deps ## build with g++, without the window, and test
 	$(call build_and_test,gcc)
 
-sanitize: deps ## build with the address and undefined-behaviour sanitizers and test
+sanitize: deps ## build with the address and undefined-behavior sanitizers and test
 	$(call build_and_test,sanitize)
 
-lint: deps ## check format and licence lines, run cppcheck and clang-tidy
+lint: deps ## check format and license lines, run cppcheck and clang-tidy
 	$(configure_lint) </dev/null
 	scripts/lint.sh build/lint $(JOBS)
 

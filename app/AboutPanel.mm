@@ -7,7 +7,7 @@ static const NSSize SIZE = {340, 240};
 static const CGFloat ICON = 96;
 static const CGFloat MARGIN = 18;
 
-// A centred line whose lower edge is at y.
+// A centered line whose lower edge is at y.
 static void addLine(NSView* content, NSString* text, NSFont* font, CGFloat y) {
     NSTextField* const line = labelIn(content, text, NSMakeRect(MARGIN, y, SIZE.width - 2 * MARGIN, 24));
     [line setFont:font];
@@ -34,6 +34,6 @@ NSPanel* buildAboutPanel() {
     if (!version) version = [about objectForKey:@"ApplicationRelease"];
     if (version) addLine(content, [@"Version " stringByAppendingString:version], plain, 66);
     addLine(content, @"A calculator that works like a console.", plain, 38);
-    addLine(content, @"Free software under the MIT licence.", plain, 16);
+    addLine(content, @"Free software under the MIT license.", plain, 16);
     return panel;
 }

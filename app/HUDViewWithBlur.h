@@ -14,6 +14,6 @@
 @property(nonatomic, assign) MainConsole* mainConsole;
 
 // Fills the band between the status line and the controls, as far as it lies in `dirty`, with the console's
-// background colour at an alpha of 1 - 0.004 x the setting `trans`.
+// background color at an alpha of 1 - 0.004 x the setting `trans`.
 - (void)drawRect:(NSRect)dirty;
 @end

@@ -27,7 +27,7 @@ void buildPreferences(PelmoAppDelegate* delegate);
 // The menu bar (InterfaceMenus.mm). Items of the first responder have no target.
 void buildMenus(PelmoAppDelegate* delegate);
 
-// What the program is: its icon, version and licence (AboutPanel.mm). Not shown yet.
+// What the program is: its icon, version and license (AboutPanel.mm). Not shown yet.
 NSPanel* buildAboutPanel();
 
 // The guide that belongs to the application (GuideWindow.mm), not shown yet; nil when the application has

@@ -71,7 +71,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 }
 
 // The start-up of the console in `window`: paths, settings, engine, functions file, menus, window; then the
-// first-run or the review sheet. `calc` must not have been initialised before.
+// first-run or the review sheet. `calc` must not have been initialized before.
 - (void)initializeConsole:(NSWindow*)window;
 
 // The shut-down: stores the window's frame, writes the settings and the functions file, releases the paths
@@ -84,7 +84,7 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // Makes the text at least as high as the part of it that is seen, and no higher than it needs to be then.
 - (void)fitToScrollView;
 
-// The window's frame into the settings x, y, cx, cy. Nothing while it is hidden or minimised: its frame is
+// The window's frame into the settings x, y, cx, cy. Nothing while it is hidden or minimized: its frame is
 // then not where it will be.
 - (void)storeFrame;
 
@@ -201,9 +201,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (NSMutableDictionary*)settings;
 - (NSString*)appSupportFolder; // the folder of our files, made when it is missing
 - (void)initSettingsDefault;   // new settings, all at their defaults
-- (void)initColorsDefault;     // the default font, colours and transparency in the settings
+- (void)initColorsDefault;     // the default font, colors and transparency in the settings
 - (void)saveSettings;          // writes them to prefFilePath
-- (void)loadSettings;          // reads them and shows the console with their colours and font
+- (void)loadSettings;          // reads them and shows the console with their colors and font
 // What cannot be written is said once in the status line, with the reason, and is written with the next
 // change or at the end of the program.
 - (void)saveFuncFile; // functions, variables, units and history to funcFilePath

@@ -15,7 +15,7 @@ extern uint8_t mainWinIsHidden;                // 1 while the window has been fa
 extern uint8_t calcIsReady;                    // 1 once start-up has finished
 extern NSMutableArray* waitingToOpenFilenames; // handed over before that, in order, or nil; retained
 
-// Whether it is neither hidden, minimised nor closed.
+// Whether it is neither hidden, minimized nor closed.
 bool isShown(NSWindow* mainWindow);
 
 @interface PelmoAppDelegate : NSObject {

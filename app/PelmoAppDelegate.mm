@@ -83,7 +83,7 @@ bool isShown(NSWindow* mainWindow) {
 }
 
 - (BOOL)applicationShouldTerminateAfterLastWindowClosed:(NSApplication*)application {
-    // GNUstep asks also when another window is closed while this one is minimised.
+    // GNUstep asks also when another window is closed while this one is minimized.
     return !mainWinIsHidden && ![window isMiniaturized];
 }
 

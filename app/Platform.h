@@ -50,7 +50,7 @@ bool platformOpenPage(NSString* address);
 NSStatusBar* platformStatusBar();
 
 // Hides the application, whose main window has been faded away. Where no status item brings it back (GNUstep)
-// the window is put among the minimised ones instead, from where the window manager does.
+// the window is put among the minimized ones instead, from where the window manager does.
 void platformHide(NSWindow* window);
 
 // The class of the main window. It may stand partly outside the screens, as the person or a snap leaves it,
@@ -100,11 +100,11 @@ NSColor* platformLinkColor();
 // Makes them light, or dark again, at once. Nothing on GNUstep without the theme above.
 void platformUseLook(bool isLight);
 
-// Centres the labels of a segmented control; GNUstep's own stand a little to the right. To be called before
+// Centers the labels of a segmented control; GNUstep's own stand a little to the right. To be called before
 // the labels are set.
 void centerSegmentLabels(NSSegmentedControl* control);
 
-// A colour well that shows whether it has the keyboard's focus and opens the color panel with the space bar
+// A color well that shows whether it has the keyboard's focus and opens the color panel with the space bar
 // and with Return, which GNUstep's own does not.
 NSColorWell* makeColorWell();
 

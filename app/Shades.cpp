@@ -26,7 +26,7 @@ Shade poleOf(const Shade& background) {
     return isLight(background) ? BLACK : WHITE;
 }
 
-// The color, as far towards black or white as it takes.
+// The color, as far toward black or white as it takes.
 Shade legible(const Shade& shade, const Shade& background) {
     Shade found = shade;
     for (int step = 1; contrast(found, background) < LEGIBLE && step <= 20; ++step)

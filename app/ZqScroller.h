@@ -14,5 +14,5 @@
 + (CGFloat)scrollerWidth; // points
 @end
 
-// The rectangle of a knob image `width` points wide, centred in the knob's track.
+// The rectangle of a knob image `width` points wide, centered in the knob's track.
 NSRect centeredKnob(NSRect knob, CGFloat width);

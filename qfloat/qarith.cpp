@@ -73,7 +73,7 @@ inline void loadValue(const qfloat a, uint64_t* x) {
 }
 
 // Shifts x up until its top bit is set; returns the shift, or 384 when x is zero.
-inline int normalise(uint64_t* x) {
+inline int normalize(uint64_t* x) {
     if (x[COUNT - 1] & limb::TOP_BIT) return 0;
     const int n = limb::leadingZeros(x);
     if (n < 64 * COUNT) limb::shiftUp(x, n);
@@ -107,7 +107,7 @@ void addMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t 
         takeCarry(big);
         ++exponent;
     } else {
-        const int n = normalise(big);
+        const int n = normalize(big);
         if (n == 64 * COUNT) {
             qclear(c);
             return;
@@ -122,7 +122,7 @@ void addMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t 
 void subtractMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int64_t exponent, qfloat c) {
     subflg = 1;
     if (limb::subtract(small, big) != 0) {
-        // Only for a mantissa that was not normalised.
+        // Only for a mantissa that was not normalized.
         for (int i = 0; i < COUNT; ++i) big[i] = ~big[i];
         sign = sign != 0 ? 0 : NEGATIVE_SIGN;
     }
@@ -131,7 +131,7 @@ void subtractMagnitudes(const uint64_t* small, uint64_t* big, uint32_t sign, int
         qclear(c);
         return;
     }
-    exponent -= normalise(big);
+    exponent -= normalize(big);
     storeSum(sign, exponent, big, c);
 }
 
@@ -234,9 +234,9 @@ inline bool hasOneWord(const uint64_t* x) {
     return ((x[0] | x[1] | x[2] | x[3] | x[4]) | (x[5] & 0xFFFFFFFF)) == 0;
 }
 
-// Normalises and rounds the product or quotient x, whose exponent is biased. Returns false when x is zero.
+// Normalizes and rounds the product or quotient x, whose exponent is biased. Returns false when x is zero.
 inline bool finish(uint64_t* x, int64_t& exponent) {
-    // Normalised operands need a shift by one bit at most; without a branch, as it is a toss-up.
+    // Normalized operands need a shift by one bit at most; without a branch, as it is a toss-up.
     const int one = static_cast<int>(~x[COUNT - 1] >> 63);
     for (int i = COUNT - 1; i > 0; --i) x[i] = limb::joinUp(x[i], x[i - 1], one);
     x[0] <<= one;
@@ -323,7 +323,7 @@ void qdiv(const qfloat a, const qfloat b, qfloat c) {
     }
     limb::load(b, y);
     int64_t exponent = int64_t{b[1]} - a[1] + EXPONENT_BIAS;
-    exponent += normalise(x); // 0 for a normalised divisor
+    exponent += normalize(x); // 0 for a normalized divisor
     if (limb::compare(y, x) >= 0) {
         limb::shiftDown(y, 1); // below the divisor; the bit goes into the guard
         ++exponent;

@@ -9,7 +9,7 @@
 //   word 1      exponent  biased by 0x8000; value = 0.m * 2^(exponent - 0x8000); exponent 0 is the number
 //                         zero whatever the other words hold
 //   word 2      high      always 0 in a stored number
-//   words 3-13  mantissa  352 bits, word 3 first; normalised: the top bit of word 3 is set
+//   words 3-13  mantissa  352 bits, word 3 first; normalized: the top bit of word 3 is set
 //
 // 1.0 is { 0, 0x8001, 0, 0x80000000, 0, ... }. The overflow value has exponent 0x10000 and a mantissa of
 // all ones. The largest finite exponent is 0xFFFF, the smallest 1.
@@ -76,7 +76,7 @@ void qabs(qfloat a);        // a = |a|: clears the sign word
 int qisneg(const qfloat a); // 1 when the sign word is non-zero, else 0
 void qinfin(qfloat a);      // a = the overflow value; the sign word stays as it is
 
-// Normalises a in place. An all-zero mantissa gives 0, as does an exponent that falls below 0; one that
+// Normalizes a in place. An all-zero mantissa gives 0, as does an exponent that falls below 0; one that
 // rises above 0x10000 gives the overflow value and merror = 3.
 void qnrmlz(qfloat a);
 
@@ -91,7 +91,7 @@ int qcmp(const qfloat a, const qfloat b);
 
 // c = b + a. Exact sum, then: a sum of magnitudes is rounded half up on the 32-bit guard word, a difference
 // of magnitudes is cut (not rounded). Operands whose exponents differ by more than 353 give the larger one.
-// A difference whose mantissa before normalising is below 4095 units of the last mantissa word is taken as
+// A difference whose mantissa before normalizing is below 4095 units of the last mantissa word is taken as
 // exact cancellation and gives 0. On overflow c's sign word keeps what it held (except for a + a, which
 // has the sign of a).
 void qadd(const qfloat a, const qfloat b, qfloat c);
@@ -182,7 +182,7 @@ void qpowi(const qfloat x, const qfloat y, qfloat z);
 // merror = 3.
 void qfac(const qfloat x, qfloat y);
 
-// c = b - k a for the integer k, towards zero, that leaves |c| < |a| (divisor first): exact for any
+// c = b - k a for the integer k, toward zero, that leaves |c| < |a| (divisor first): exact for any
 // exponents, with b's sign, but 0 where it lies below the range; a zero remainder is a plain 0. |b| < |a|: c
 // = b. a = 0: 0, merror = 2.
 void qremain(const qfloat a, const qfloat b, qfloat c);
@@ -194,7 +194,7 @@ void qremain(const qfloat a, const qfloat b, qfloat c);
 // brings the text to 9,001 characters or more and then append " . . .".
 constexpr int RADIX_TEXT_SIZE = 10000;
 
-// Writes the integer part of x (towards zero) in hexadecimal: "0x00FF", "-0x0001", "0x000100000000".
+// Writes the integer part of x (toward zero) in hexadecimal: "0x00FF", "-0x0001", "0x000100000000".
 // Groups of eight digits, the first of four when it fits. With `twos` a negative number above -2^31 is
 // shown as its 32-bit two's complement ("0xFFFFFFFF" for -1); others keep the minus sign. An integer part of
 // 0 is "0x0000", without a sign.
@@ -229,7 +229,7 @@ void etoq(const uint16_t e[4], qfloat q);
 void qtoe(const qfloat q, double* d);
 void qtoe(const qfloat q, uint16_t e[4]);
 
-// *i = the integer part of x, towards zero; f = the fraction.
+// *i = the integer part of x, toward zero; f = the fraction.
 //   |x| < 1: i = 0 and f = x, with its sign.
 //   1 <= |x| < 2^31: exact; f is non-negative also for negative x (-2.75 gives -2 and 0.75).
 //   |x| >= 2^31: i is saturated to 2147483647 with x's sign; f is still exact.

@@ -181,7 +181,7 @@ void alignDown(uint64_t* x, int64_t n) {
     shiftDown(x, n < 64 * COUNT ? static_cast<int>(n) : 64 * COUNT);
 }
 
-void normalise(Extended& x) {
+void normalize(Extended& x) {
     if (x.limb[COUNT - 1] & TOP_BIT) return; // most often
     const int zeros = leadingZeros(x.limb);
     shiftUp(x.limb, zeros);
@@ -207,7 +207,7 @@ void subtract(const Extended& x, const Extended& y, Extended& z) {
     Extended small = y;
     alignDown(small.limb, x.exponent - y.exponent);
     subtract(small.limb, difference.limb);
-    normalise(difference);
+    normalize(difference);
     z = difference;
 }
 
@@ -219,7 +219,7 @@ int compare(const Extended& x, const Extended& y) {
 void load(const uint32_t* q, Extended& x) {
     load(q, x.limb);
     x.exponent = int64_t{q[1]} - EXPONENT_BIAS;
-    normalise(x);
+    normalize(x);
 }
 
 void store(const Extended& x, uint32_t sign, int underflowCode, uint32_t* q) {

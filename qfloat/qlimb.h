@@ -27,7 +27,7 @@ inline namespace portable {
 constexpr int COUNT = 6;
 constexpr uint64_t TOP_BIT = uint64_t{1} << 63;
 
-// A value 0.m * 2^exponent with the mantissa m of 384 bits, normalised (top bit of limb[5] set).
+// A value 0.m * 2^exponent with the mantissa m of 384 bits, normalized (top bit of limb[5] set).
 struct Extended {
     uint64_t limb[COUNT];
     int64_t exponent;
@@ -356,7 +356,7 @@ inline uint64_t multiplyAdd(uint64_t* x, uint64_t y, uint64_t addend) {
     return addend;
 }
 
-// z = floor(x * 2^384 / y), at most 16 units off, for x < y and y normalised; exact for a y of one limb.
+// z = floor(x * 2^384 / y), at most 16 units off, for x < y and y normalized; exact for a y of one limb.
 // z may be x or y.
 // Schoolbook division, one 64-bit quotient digit a step, with the divisor cut by a limb from the second
 // step on (what is cut stays below the quotient's last limb).
@@ -381,7 +381,7 @@ void subtract(const Extended& x, const Extended& y, Extended& z);
 // -1, 0, 1 as x < y, x = y, x > y.
 int compare(const Extended& x, const Extended& y);
 
-// |q| for a q that is not zero, exactly, whatever its normalisation. An all-zero mantissa stays all zero.
+// |q| for a q that is not zero, exactly, whatever its normalization. An all-zero mantissa stays all zero.
 void load(const uint32_t* q, Extended& x);
 
 // q = x with the given sign word, rounded half up to 352 bits. Above the range: the overflow value and

@@ -132,7 +132,7 @@ void qtobin(const qfloat x, char* buffer, bool twos) {
 
 namespace {
 
-// Normalises ac2 and takes the shift off its exponent. Returns false when the result is settled: zero, or
+// Normalizes ac2 and takes the shift off its exponent. Returns false when the result is settled: zero, or
 // out of range.
 bool settle(qfloat c) {
     if (normlz(ac2) != 0) {

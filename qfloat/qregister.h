@@ -51,15 +51,15 @@ void mulm(const uint32_t* x, uint32_t* y);
 void mulin(const uint32_t* x, uint32_t* y);
 
 // y's mantissa = y's / x's, on the scale where equal mantissas give 1/4, then mdnorm(y), which lowers y's
-// exponent by the normalising shift. x is taken as if normalised; its guard word and y's high word do not
+// exponent by the normalizing shift. x is taken as if normalized; its guard word and y's high word do not
 // take part. A zero x leaves y as it is.
 void divm(const uint32_t* x, uint32_t* y);
 
-// Normalises and rounds after a multiplication or division: up to three shifts by one bit either way,
+// Normalizes and rounds after a multiplication or division: up to three shifts by one bit either way,
 // adjusting the exponent, then half up on the guard word's top bit; the guard is cleared.
 // merror = 3 when the exponent would pass 0xFFFF (it becomes 0x10000), 4 when it is 0 and would fall.
 void mdnorm(uint32_t* r);
 
-// Normalises the mantissa and leaves in SC what the caller subtracts from the exponent. Returns 1 when the
+// Normalizes the mantissa and leaves in SC what the caller subtracts from the exponent. Returns 1 when the
 // mantissa is all zero.
 int normlz(uint32_t* r);

@@ -108,7 +108,7 @@ int64_t evenMantissa(const Extended& x, uint64_t* m) {
 }
 
 // y = s * 2^(exponent / 2); s is just below 1/2 where the true root is 1/2.
-void normalised(uint64_t* s, int64_t exponent, Extended& y) {
+void normalized(uint64_t* s, int64_t exponent, Extended& y) {
     const int zeros = static_cast<int>(~s[COUNT - 1] >> 63);
     limb::shiftUp(s, zeros);
     limb::copy(s, y.limb);
@@ -121,7 +121,7 @@ void sqrt(const Extended& x, Extended& y) {
     uint64_t m[COUNT], s[COUNT];
     const int64_t exponent = evenMantissa(x, m);
     root(m, s);
-    normalised(s, exponent, y);
+    normalized(s, exponent, y);
 }
 
 } // namespace elem
@@ -148,6 +148,6 @@ void qsqrt(const qfloat x, qfloat y) {
     elem::root(m, s);
     limb::settleByComparison(s, elem::ROOT_ERROR,
                              [&m](const uint64_t* c) { return limb::compareProduct(c, c, m) <= 0; });
-    elem::normalised(s, exponent, value);
+    elem::normalized(s, exponent, value);
     elem::store(value, 0, y);
 }

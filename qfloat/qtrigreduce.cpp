@@ -88,14 +88,14 @@ Reduced reduceAngle(const Extended& x) {
     const int64_t skipped = x.exponent > 386 ? (x.exponent - 386) / 64 : 0;
     const int integerBits = static_cast<int>(x.exponent - 64 * skipped);
     // The cut table leaves an error below 2^(integerBits - 64 n) in the fraction.
-    int64_t cancelled = 8;
+    int64_t canceled = 8;
     for (;;) {
-        const int n = static_cast<int>((integerBits + 64 * COUNT + GUARD_BITS + cancelled + 63) / 64);
+        const int n = static_cast<int>((integerBits + 64 * COUNT + GUARD_BITS + canceled + 63) / 64);
         uint64_t p[PRODUCT_LIMBS];
         multiplyWindow(x.limb, skipped, n, p);
         const int zeros = splitQuadrant(p, n + COUNT + 1, integerBits, r);
-        if (zeros <= cancelled || cancelled == WORST_CANCELLATION) break;
-        cancelled = zeros < WORST_CANCELLATION ? zeros : WORST_CANCELLATION;
+        if (zeros <= canceled || canceled == WORST_CANCELLATION) break;
+        canceled = zeros < WORST_CANCELLATION ? zeros : WORST_CANCELLATION;
     }
     multiply(r.magnitude, HALF_PI, r.magnitude);
     return r;

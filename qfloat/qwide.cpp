@@ -37,7 +37,7 @@ void shiftUp(Limbs& x, uint64_t bits) {
     }
 }
 
-void normalise(Wide& x) {
+void normalize(Wide& x) {
     size_t zeros = 0;
     while (zeros < x.Width() && x.limb[x.Width() - 1 - zeros] == 0) ++zeros;
     if (zeros == x.Width()) return;
@@ -67,7 +67,7 @@ Wide sum(const Wide& x, const Wide& y, bool yNegative) {
         ++big.exponent;
     } else {
         for (size_t i = 0; i < small.size(); ++i) a[i] = limb::subtractBorrow(a[i], b[i], carry);
-        normalise(big);
+        normalize(big);
     }
     return big;
 }
@@ -76,7 +76,7 @@ Wide sum(const Wide& x, const Wide& y, bool yNegative) {
 
 Wide::Wide(int64_t whole, size_t width) : limb(width), exponent(64), negative(whole < 0) {
     limb.back() = static_cast<uint64_t>(whole < 0 ? -whole : whole);
-    normalise(*this);
+    normalize(*this);
 }
 
 Wide Wide::OfDouble(double value, size_t width) {
@@ -161,7 +161,7 @@ Wide operator*(const Wide& x, const Wide& y) {
     }
     z.exponent = x.exponent + y.exponent;
     z.negative = x.negative != y.negative;
-    normalise(z);
+    normalize(z);
     z.limb.erase(z.limb.begin(), z.limb.begin() + 2);
     return z;
 }
@@ -174,7 +174,7 @@ Wide operator/(const Wide& x, uint64_t y) {
     // The quotient's top limb may be small: one more limb of it keeps the last one full.
     const uint64_t below = limb::divideWide(rest, 0, y, rest);
     z.limb.insert(z.limb.begin(), below);
-    normalise(z);
+    normalize(z);
     z.limb.erase(z.limb.begin());
     return z;
 }

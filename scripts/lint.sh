@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 #
-# Checks the sources without running them: licence lines, format, clang-tidy, cppcheck.
+# Checks the sources without running them: license lines, format, clang-tidy, cppcheck.
 #
 #   scripts/lint.sh BUILD_DIR [JOBS] [SOURCES]
 #
@@ -27,7 +27,7 @@ sources() {
     }
 }
 
-echo "lint: licence lines"
+echo "lint: license lines"
 unlicensed=$(sources '\.(cpp|mm|h|sh|py)$|(^|/)(CMakeLists\.txt|Makefile)$|^\.ci/run$' |
     xargs grep -L 'SPDX-License-Identifier: MIT' || true)
 if [ -n "$unlicensed" ]; then

@@ -67,7 +67,7 @@ uint32_t platformKeyCode(NSEvent* event) {
 
 void platformRegisterDefaults() {
     // The menu in the window, the scroller at its right, no icon of the application on the desktop, a
-    // minimised window left to the window manager, and in menus the names of the keys as they stand
+    // minimized window left to the window manager, and in menus the names of the keys as they stand
     // on the keyboards here.
     [[NSUserDefaults standardUserDefaults] registerDefaults:@{
         @"NSMenuInterfaceStyle" : @"NSWindows95InterfaceStyle",

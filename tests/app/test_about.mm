@@ -34,7 +34,7 @@ protected:
     NSWindow* panel = nil;
 };
 
-TEST_F(About, TellsNameVersionPurposeAndLicence) {
+TEST_F(About, TellsNameVersionPurposeAndLicense) {
     std::string lines;
     bool hasIcon = false;
     for (NSView* const view in [[panel contentView] subviews]) {
@@ -46,7 +46,7 @@ TEST_F(About, TellsNameVersionPurposeAndLicence) {
         EXPECT_LE([[line cell] cellSize].width, NSWidth([line frame])) << lines;
     }
     EXPECT_EQ(lines, "Tallyquill\nVersion 1.2.3\nA calculator that works like a console.\n"
-                     "Free software under the MIT licence.\n");
+                     "Free software under the MIT license.\n");
     EXPECT_TRUE(hasIcon);
 }
 

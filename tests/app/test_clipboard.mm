@@ -305,7 +305,7 @@ TEST_F(CopiedAnswer, ReadsBackInWhateverSettingsHoldAtTheCopy) {
             [console ProcessResult:line.c_str():NO];
             qfloat wanted;
             qmov(calc.answer.value, wanted);
-            if (shown.dispbase != 10) { // whole ones alone, towards zero
+            if (shown.dispbase != 10) { // whole ones alone, toward zero
                 const uint32_t sign = wanted[0];
                 wanted[0] = 0;
                 qfloor(wanted, wanted);

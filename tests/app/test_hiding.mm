@@ -27,8 +27,8 @@ void tell(id, SEL selector, id) {
     stand.told.push_back(sel_getName(selector));
 }
 
-void tellBehaviour(id, SEL, NSUInteger behaviour) {
-    stand.told.push_back("behaviour " + std::to_string(behaviour));
+void tellBehavior(id, SEL, NSUInteger behavior) {
+    stand.told.push_back("behavior " + std::to_string(behavior));
 }
 
 void tellActivate(id, SEL, BOOL ignoring) {
@@ -59,7 +59,7 @@ protected:
         const Replaced miniaturized(type, @selector(isMiniaturized), isMiniaturized);
         const Replaced deminiaturize(type, @selector(deminiaturize:), tell);
         const Replaced front(type, @selector(makeKeyAndOrderFront:), tell);
-        const Replaced behaviour(type, @selector(setCollectionBehavior:), tellBehaviour);
+        const Replaced behavior(type, @selector(setCollectionBehavior:), tellBehavior);
         const Replaced activate([NSApplication class], @selector(activateIgnoringOtherApps:), tellActivate);
         const Replaced fade([PrefController class], @selector(fadeWindow:rate:), tellFade);
         stand.told.clear();
@@ -83,8 +83,8 @@ protected:
         return ToldBy([this] { [Application() applicationDidBecomeActive:nil]; });
     }
 
-    const Told fadesAway = {"fade -1 -0.3", "behaviour 1"};
-    const Told comesBack = {"behaviour 1", "makeKeyAndOrderFront:", "activate"};
+    const Told fadesAway = {"fade -1 -0.3", "behavior 1"};
+    const Told comesBack = {"behavior 1", "makeKeyAndOrderFront:", "activate"};
 };
 
 // --- The status item ---
@@ -98,7 +98,7 @@ TEST_F(Hiding, AClickBringsAHiddenWindowBack) {
     mainWinIsHidden = 1;
     EXPECT_EQ(Click(), comesBack);
     EXPECT_EQ(mainWinIsHidden, 1) << "until the application is active";
-    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.25", "behaviour 0"}));
+    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.25", "behavior 0"}));
     EXPECT_EQ(mainWinIsHidden, 0);
 }
 
@@ -112,7 +112,7 @@ TEST_F(Hiding, AClickTakesTheWindowOutOfTheDock) {
     for (const BOOL key : {NO, YES}) {
         stand.isKey = key;
         stand.isMiniaturized = YES;
-        EXPECT_EQ(Click(), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
+        EXPECT_EQ(Click(), Told({"behavior 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
         EXPECT_EQ(mainWinIsHidden, 0);
     }
 }
@@ -171,8 +171,8 @@ TEST_F(Hiding, AHiddenWindowDoesNotFadeOnLosingTheFocus) {
 }
 
 TEST_F(Hiding, GainingTheFocusFadesBackToOpaque) {
-    EXPECT_EQ(WillBecomeActive(), Told{"behaviour 1"});
-    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.15", "behaviour 0"}));
+    EXPECT_EQ(WillBecomeActive(), Told{"behavior 1"});
+    EXPECT_EQ(BecomeActive(), Told({"fade 1 0.15", "behavior 0"}));
 }
 
 // --- The ways back ---
@@ -186,7 +186,7 @@ TEST_F(Hiding, TheIconOfTheApplicationBringsTheWindowBack) {
     EXPECT_EQ(ToldBy(reopen), comesBack);
     mainWinIsHidden = 0;
     stand.isMiniaturized = YES;
-    EXPECT_EQ(ToldBy(reopen), Told({"behaviour 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
+    EXPECT_EQ(ToldBy(reopen), Told({"behavior 1", "deminiaturize:", "makeKeyAndOrderFront:", "activate"}));
 }
 
 // --- The end ---
@@ -202,7 +202,7 @@ TEST_F(Hiding, AHiddenWindowThatIsTakenOutOfTheDockIsShown) {
     const auto deminiaturized = [this] {
         [reinterpret_cast<id>([window delegate]) windowDidDeminiaturize:nil];
     };
-    EXPECT_EQ(ToldBy(deminiaturized), Told({"fade 1 0.25", "behaviour 0"}));
+    EXPECT_EQ(ToldBy(deminiaturized), Told({"fade 1 0.25", "behavior 0"}));
     EXPECT_EQ(mainWinIsHidden, 0);
     EXPECT_EQ(ToldBy(deminiaturized), Told()) << "it was not hidden";
 }

@@ -316,9 +316,9 @@ TEST_F(MenuBar, BringAllToFrontAsksTheProgramForIt) {
     EXPECT_EQ(requests, 1);
 }
 
-TEST_F(MenuBar, MinimizeMinimisesTheWindow) {
+TEST_F(MenuBar, MinimizeMinimizesTheWindow) {
     requests = 0;
-    const Replaced minimise([NSWindow class], @selector(miniaturize:), countRequest);
+    const Replaced minimize([NSWindow class], @selector(miniaturize:), countRequest);
     Choose("Minimize");
     EXPECT_EQ(requests, 1);
 }

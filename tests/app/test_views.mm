@@ -62,7 +62,7 @@ protected:
     HUDViewWithBlur* view = nil;
 };
 
-const double STEP = 1.5 / 255; // of a colour's component
+const double STEP = 1.5 / 255; // of a color's component
 
 TEST_F(Background, TheBandLeavesTwentyPointsBelowAndTwentySevenAbove) {
     const Picture picture = Draw();
@@ -181,7 +181,7 @@ TEST_F(Scroller, ItsImagesAreFoundInTheBundle) {
     }
 }
 
-TEST_F(Scroller, TheKnobIsCentredAtTheWidthOfItsImage) {
+TEST_F(Scroller, TheKnobIsCenteredAtTheWidthOfItsImage) {
     const struct {
         CGFloat knob, image, x, width;
     } cases[] = {{15, 7, 4, 7}, {14, 7, 3, 7}, {7, 7, 0, 7}, {8, 7, 0, 7}, {7, 9, -1, 9}};

@@ -30,7 +30,7 @@ bool chance(Engine& engine, int percent) {
     return between(engine, 1, 100) <= percent;
 }
 
-// A normalised mantissa: dense, sparse, or short; short ones are often moved by a few units.
+// A normalized mantissa: dense, sparse, or short; short ones are often moved by a few units.
 void drawMantissa(Engine& engine, Number& q) {
     switch (between(engine, 0, 3)) {
     case 0:

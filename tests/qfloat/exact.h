@@ -44,7 +44,7 @@ const std::vector<Function>& functions();
 Arguments randomArguments(const Function& f, Engine& engine);
 
 // Hard ones: values that continued fractions bring to about 2^-100 units from a midpoint; numbers whose
-// value is that of a midpoint, rounded; numbers next to 0 or 1; neighbours of constants and powers of two.
+// value is that of a midpoint, rounded; numbers next to 0 or 1; neighbors of constants and powers of two.
 Arguments hardArguments(const Function& f, Engine& engine);
 
 enum class Verdict { Right, Wrong, OutOfRange };

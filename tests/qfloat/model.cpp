@@ -42,7 +42,7 @@ Register toRegister(const Work& w) {
     return r;
 }
 
-int64_t normalise(Work& w) {
+int64_t normalize(Work& w) {
     if (w.words == 0) return 0;
     const auto length = static_cast<int64_t>(mpz_sizeinbase(w.words.get_mpz_t(), 2));
     const int64_t left = static_cast<int64_t>(BELOW_HIGH_WORD) - length;
@@ -54,7 +54,7 @@ int64_t normalise(Work& w) {
     return left;
 }
 
-void normaliseAndRound(Work& w, int& code) {
+void normalizeAndRound(Work& w, int& code) {
     const auto halve = [&w, &code] {
         w.words >>= 1;
         if (w.exponent > 0xFFFF) {
@@ -103,9 +103,9 @@ Sum addEqual(const Work& x, const Work& y) {
     return s;
 }
 
-// Normalises, takes the shift off the exponent; false when the result left the range (then `s` holds it).
+// Normalizes, takes the shift off the exponent; false when the result left the range (then `s` holds it).
 bool settle(Work& w, uint32_t outputSign, Sum& s) {
-    w.exponent -= normalise(w);
+    w.exponent -= normalize(w);
     if (w.exponent > OVERFLOW_EXPONENT) {
         s = overflow(outputSign);
         return false;

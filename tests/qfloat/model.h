@@ -23,11 +23,11 @@ Work load(const Register& r);
 Register toRegister(const Work& w);
 
 // Sets the top bit of word 3 by shifting; returns the left shift (negative: right), 0 for all zero words.
-int64_t normalise(Work& w);
+int64_t normalize(Work& w);
 
-// Normalises and rounds after a multiply or divide; sets `code` to 3 or 4 where the exponent leaves its
+// Normalizes and rounds after a multiply or divide; sets `code` to 3 or 4 where the exponent leaves its
 // range.
-void normaliseAndRound(Work& w, int& code);
+void normalizeAndRound(Work& w, int& code);
 
 struct Sum {
     Number result;
@@ -39,7 +39,7 @@ struct Sum {
 // b + a, or b - a when `subtract`; `outputSign` is the sign word that the output array holds before.
 Sum add(const Number& a, const Number& b, bool subtract, uint32_t outputSign);
 
-// The double of a normalised number, as its 64 bits; code 3 on overflow.
+// The double of a normalized number, as its 64 bits; code 3 on overflow.
 uint64_t toDouble(const Number& q, int& code);
 
 } // namespace model

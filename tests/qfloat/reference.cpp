@@ -328,7 +328,7 @@ Number number(double d) {
     return q;
 }
 
-Number neighbour(const Number& q, int units) {
+Number neighbor(const Number& q, int units) {
     Number n = q;
     const mpz_class mantissa = wordsToInteger(q.data(), 3, 13) + units;
     if (mantissa >= power2(MANTISSA_BITS)) {

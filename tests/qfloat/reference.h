@@ -40,7 +40,7 @@ Outcome run(Binary routine, const oracle::Number& a, const oracle::Number& b);
 
 // The number q of a double, a decimal text's nearest number, and q moved by `units` of the last place.
 oracle::Number number(double d);
-oracle::Number neighbour(const oracle::Number& q, int units);
+oracle::Number neighbor(const oracle::Number& q, int units);
 oracle::Number negated(oracle::Number q);
 
 // A dense or patterned mantissa, value 0.m * 2^e with e in low .. high.

@@ -244,7 +244,7 @@ TEST(CancellationFlush, ADifferenceOfExactly4095UnitsIsKept) {
     EXPECT_EQ(difference(onePlusUnits(0), onePlusUnits(4096)), scaled("1000", -351));
 }
 
-TEST(CancellationFlush, HoldsAcrossNeighbouringExponents) {
+TEST(CancellationFlush, HoldsAcrossNeighboringExponents) {
     // 1 - (1 - n * 2^-352): the raw difference is n / 2 units, the half being in the guard word.
     const auto justBelowOne = [](unsigned long n) { return store({false, 0x8000, power2(352) - n}); };
     EXPECT_EQ(difference(justBelowOne(8188), integer(1)), Number{}) << "4094 units";

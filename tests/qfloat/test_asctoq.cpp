@@ -252,7 +252,7 @@ TEST(AsctoqDigits, FractionDigitsBeyondThe104thAreDropped) {
     expectNumber(first + "999e-5", (first + "e-5").c_str());
 }
 
-TEST(AsctoqDigits, ZerosBehindThePointCountTowardsThe104) {
+TEST(AsctoqDigits, ZerosBehindThePointCountTowardThe104) {
     expectNumber("0." + digits('0', 103) + "1", "1e-104");
     expectNumber("0." + digits('0', 103) + "19", "1e-104");
     expectNumber("." + digits('0', 100) + "123456789", "1234e-104");

@@ -86,8 +86,8 @@ TEST(Degrees, OfTwoToThe333RadiansAndMoreAreRefusedBySineAndCosine) {
     for (const Unary f : {qsindeg, qcosdeg}) {
         EXPECT_EQ(run(f, degrees("1e200")), (Outcome{ZERO, 3}));
         EXPECT_EQ(run(f, degrees("-1e200")), (Outcome{ZERO, 3}));
-        EXPECT_EQ(run(f, neighbour(limit, 2000000)), (Outcome{ZERO, 3})); // some 244 degrees more
-        EXPECT_EQ(run(f, neighbour(limit, -4)).code, 0);
+        EXPECT_EQ(run(f, neighbor(limit, 2000000)), (Outcome{ZERO, 3})); // some 244 degrees more
+        EXPECT_EQ(run(f, neighbor(limit, -4)).code, 0);
     }
     expectNearest(FUNCTIONS[2], degrees("1e200"));
     expectNearest(FUNCTIONS[2], degrees("1e9000"));
@@ -102,7 +102,7 @@ TEST_F(RandomDegrees, NextToExactAnglesAreTheNearestNumbers) {
             const int64_t step =
                 random.Chance(50) ? random.Between(-60, 60) : random.Between(-(1LL << 40), 1LL << 40);
             const Number exactly = number(15.0 * static_cast<double>(step == 0 ? 1 : step));
-            expectNearest(f, neighbour(exactly, static_cast<int>(random.Between(-5000, 5000))));
+            expectNearest(f, neighbor(exactly, static_cast<int>(random.Between(-5000, 5000))));
         }
     }
 }

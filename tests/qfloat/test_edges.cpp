@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the routines do at the edges of the format: the flag that sums leave behind, exponent word 0,
-// mantissas that are not normalised, exponents that leave the range.
+// mantissas that are not normalized, exponents that leave the range.
 #include "oracle.h"
 
 #include "qfloat.h"
@@ -99,20 +99,20 @@ TEST(ScaledZero, DividesAsASingularity) {
     merror = 0;
 }
 
-TEST(Unnormalised, DivisorGivesTheQuotientOfItsValue) {
+TEST(Unnormalized, DivisorGivesTheQuotientOfItsValue) {
     const Number quarter = raw(0x8001, 0x20000000), three = decimal("3");
     Number z{};
     qdiv(quarter.data(), three.data(), z.data());
     EXPECT_EQ(z, decimal("12"));
 }
 
-TEST(Unnormalised, NumberPrintsItsValue) {
+TEST(Unnormalized, NumberPrintsItsValue) {
     char text[40];
     qtoasc(raw(0x8020, 1).data(), text, 3);
     EXPECT_STREQ(text, " 1.000E0");
 }
 
-TEST(Unnormalised, PrimitiveDivisorDoesNotTrap) {
+TEST(Unnormalized, PrimitiveDivisorDoesNotTrap) {
     Register x{}, y{};
     y[1] = 4;
     y[3] = 0x80000000;
@@ -124,7 +124,7 @@ TEST(Unnormalised, PrimitiveDivisorDoesNotTrap) {
     EXPECT_NE(y[3] & 0x80000000, 0U);
 }
 
-TEST(Normalising, OutOfTheRangeGivesZeroOrOverflow) {
+TEST(Normalizing, OutOfTheRangeGivesZeroOrOverflow) {
     Number q = raw(5, 0, 0x80000000);
     qnrmlz(q.data());
     EXPECT_EQ(q, Number{});

@@ -115,7 +115,7 @@ TEST_F(SquareRoot, IsTheNearestNumber) {
     for (int i = 0; i < ROOTS && !HasFailure(); ++i) {
         checkRoot(randomWithin(random, -32767, 32767, true));
         checkRoot(randomWithin(random, -1, 2, true));
-        checkRoot(neighbour(randomWithin(random, -40, 40, true), static_cast<int>(random.Between(-2, 2))));
+        checkRoot(neighbor(randomWithin(random, -40, 40, true), static_cast<int>(random.Between(-2, 2))));
     }
     checkRoot(OVERFLOW);
 }
@@ -134,10 +134,10 @@ TEST_F(SquareRoot, NextToAMidpointIsTheNearestNumber) {
 
 // sqrt(1 - 2^-352) = 1 - 2^-353 - 2^-707 - ..., below the middle of 1 - 2^-352 and 1.
 TEST_F(SquareRoot, OfTheNumberBelowOneIsThatNumber) {
-    const Number below = neighbour(ONE, -1);
+    const Number below = neighbor(ONE, -1);
     EXPECT_EQ(run(qsqrt, below), (Outcome{below, 0}));
-    EXPECT_EQ(run(qsqrt, neighbour(ONE, 1)), (Outcome{ONE, 0}));
-    EXPECT_EQ(run(qsqrt, neighbour(number(0.25), -1)), (Outcome{neighbour(number(0.5), -1), 0}));
+    EXPECT_EQ(run(qsqrt, neighbor(ONE, 1)), (Outcome{ONE, 0}));
+    EXPECT_EQ(run(qsqrt, neighbor(number(0.25), -1)), (Outcome{neighbor(number(0.5), -1), 0}));
 }
 
 TEST_F(SquareRoot, AgreesWithThePlainAlgorithm) {
@@ -166,7 +166,7 @@ TEST_F(SquareRoot, SquaresBackToItsArgument) {
 TEST_F(SquareRoot, NeverFallsFromOneNumberToTheNext) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -300, 300, true);
-        EXPECT_LE(compare(call(qsqrt, x), call(qsqrt, neighbour(x, 1))), 0) << show(x);
+        EXPECT_LE(compare(call(qsqrt, x), call(qsqrt, neighbor(x, 1))), 0) << show(x);
     }
 }
 
@@ -177,18 +177,18 @@ TEST_F(Exponential, OfZeroIsExactlyOne) {
     EXPECT_EQ(run(qexp, NEGATIVE_ZERO), (Outcome{ONE, 0}));
 }
 
-TEST_F(Exponential, OfATinyNumberIsOneOrItsNeighbour) {
+TEST_F(Exponential, OfATinyNumberIsOneOrItsNeighbor) {
     EXPECT_EQ(run(qexp, scaled("1", -32768)), (Outcome{ONE, 0}));
     EXPECT_EQ(run(qexp, scaled("-1", -32768)), (Outcome{ONE, 0}));
-    EXPECT_EQ(run(qexp, scaled("1", -351)), (Outcome{neighbour(ONE, 1), 0}));
-    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbour(ONE, -1), 0}));
+    EXPECT_EQ(run(qexp, scaled("1", -351)), (Outcome{neighbor(ONE, 1), 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbor(ONE, -1), 0}));
 }
 
 // e^x = 1 + x + x^2/2 + ...: half a unit above 1 is passed by 2^-705, half a unit below it missed by 2^-707.
 TEST_F(Exponential, BesideOneIsRoundedByWhatLiesSevenHundredBitsDown) {
-    EXPECT_EQ(run(qexp, scaled("1", -352)), (Outcome{neighbour(ONE, 1), 0}));
+    EXPECT_EQ(run(qexp, scaled("1", -352)), (Outcome{neighbor(ONE, 1), 0}));
     EXPECT_EQ(run(qexp, scaled("-1", -353)), (Outcome{ONE, 0}));
-    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbour(ONE, -1), 0}));
+    EXPECT_EQ(run(qexp, scaled("-1", -352)), (Outcome{neighbor(ONE, -1), 0}));
 }
 
 TEST_F(Exponential, From32768UpwardOverflowsWithCodeThree) {
@@ -255,9 +255,9 @@ TEST_F(Exponential, IsUndoneByTheLogarithm) {
 TEST_F(Exponential, NeverFallsFromOneNumberToTheNext) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -20, 14, true);
-        EXPECT_LE(compare(call(qexp, x), call(qexp, neighbour(x, 1))), 0) << show(x);
+        EXPECT_LE(compare(call(qexp, x), call(qexp, neighbor(x, 1))), 0) << show(x);
         const Number below = negated(x);
-        EXPECT_GE(compare(call(qexp, below), call(qexp, neighbour(below, 1))), 0) << show(below);
+        EXPECT_GE(compare(call(qexp, below), call(qexp, neighbor(below, 1))), 0) << show(below);
     }
 }
 
@@ -288,15 +288,15 @@ TEST_F(Logarithm, AtTheEndsOfTheRangeAndOfTheReduction) {
     Number root;
     qmov(qsqrt2, root.data());
     for (int units = -2; units <= 2; ++units) {
-        checkNearest(LOGARITHM, neighbour(root, units));
-        Number half = neighbour(root, units);
+        checkNearest(LOGARITHM, neighbor(root, units));
+        Number half = neighbor(root, units);
         --half[1];
         checkNearest(LOGARITHM, half);
     }
     checkNearest(LOGARITHM, OVERFLOW);
     checkNearest(LOGARITHM, scaled("1", -32768));
-    checkNearest(LOGARITHM, neighbour(ONE, 1));
-    checkNearest(LOGARITHM, neighbour(ONE, -1));
+    checkNearest(LOGARITHM, neighbor(ONE, 1));
+    checkNearest(LOGARITHM, neighbor(ONE, -1));
 }
 
 TEST_F(Logarithm, AgreesWithThePlainAlgorithm) {
@@ -322,7 +322,7 @@ TEST_F(Logarithm, IsUndoneByTheExponential) {
 TEST_F(Logarithm, NeverFallsFromOneNumberToTheNext) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Number x = randomWithin(random, -3, 3, true);
-        EXPECT_LE(compare(call(qlog, x), call(qlog, neighbour(x, 1))), 0) << show(x);
+        EXPECT_LE(compare(call(qlog, x), call(qlog, neighbor(x, 1))), 0) << show(x);
     }
 }
 

@@ -61,8 +61,8 @@ TEST(Factorial, TakesTheIntegerPart) {
 
 // The argument is converted to a double first, which rounds.
 TEST(Factorial, OfANumberJustBelowAnIntegerIsThatIntegersFactorial) {
-    EXPECT_EQ(run(qfac, neighbour(number(6), -1)), (Outcome{number(720), 0}));
-    EXPECT_EQ(run(qfac, neighbour(number(1754), 1)).code, 0);
+    EXPECT_EQ(run(qfac, neighbor(number(6), -1)), (Outcome{number(720), 0}));
+    EXPECT_EQ(run(qfac, neighbor(number(1754), 1)).code, 0);
 }
 
 TEST(Factorial, OfANegativeNumberIsTheOverflowValueWithCodeOne) {

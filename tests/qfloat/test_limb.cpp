@@ -31,11 +31,11 @@ public:
         default: return random();
         }
     }
-    Limbs Six(bool normalised) {
+    Limbs Six(bool normalized) {
         Limbs x(COUNT);
         const bool dense = (random() & 1) != 0;
         for (uint64_t& l : x) l = dense ? random() : One();
-        if (normalised) x[COUNT - 1] |= limb::TOP_BIT;
+        if (normalized) x[COUNT - 1] |= limb::TOP_BIT;
         return x;
     }
     std::mt19937_64 random{testSeed()};

@@ -79,17 +79,17 @@ TEST(Logic, WithAnUnknownOperatorGivesTheOperandOfTheLargerExponent) {
 
 // The rounding reads what the last sum or difference left, because nothing here sets it.
 TEST(Logic, RoundsOnlyWhenTheLastSumAddedMagnitudes) {
-    const Number large = neighbour(scaled("1", 352), 0); // its last place is 2
+    const Number large = neighbor(scaled("1", 352), 0); // its last place is 2
     const Number low = number(1);
     Number sum{};
     qadd(qone, qtwo, sum.data());
-    EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{neighbour(large, 1), 0}));
+    EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{neighbor(large, 1), 0}));
     qsub(qone, qthree, sum.data());
     EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{large, 0}));
     qadd(number(-1).data(), qthree, sum.data());
     EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{large, 0}));
     qsub(number(-1).data(), qthree, sum.data());
-    EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{neighbour(large, 1), 0}));
+    EXPECT_EQ(run(logic<'|'>, low, large), (Outcome{neighbor(large, 1), 0}));
 }
 
 TEST(Logic, OverflowsByRoundingWithCodeThreeAndKeepsTheOutputsSignWord) {
@@ -121,7 +121,7 @@ Outcome expected(const Number& a, const Number& b, char op, bool rounds, uint32_
     if (op == '^') words ^= x.words;
     for (int pass = 0; pass < 2; ++pass) {
         if (words == 0) return {ZERO, 0};
-        y.exponent -= model::normalise(y);
+        y.exponent -= model::normalize(y);
         if (y.exponent > oracle::OVERFLOW_EXPONENT) return {overflowValue(outputSign), 3};
         if (y.exponent < 0) return {ZERO, 0};
         if (pass == 0 && rounds && mpz_tstbit(words.get_mpz_t(), 31)) words += power2(32);

@@ -102,7 +102,7 @@ TEST(IntegerPower, OfANegativeExponentWhosePowerUnderflowsOverflows) {
 // What overflows there sets code 3.  The overflow value is 2^32768 (1 - 2^-352), its reciprocal 2^-32768 and
 // a little more than half a unit of the last place.
 TEST(IntegerPower, OfANegativeExponentWhosePowerOverflowsIsAlmostTheSmallestNumberWithCodeThree) {
-    const Number tiny = neighbour(scaled("1", -32768), 1);
+    const Number tiny = neighbor(scaled("1", -32768), 1);
     EXPECT_EQ(run(qpowi, number(10), number(-10000)), (Outcome{tiny, 3}));
     EXPECT_EQ(run(qpowi, number(-10), number(-10001)), (Outcome{negated(tiny), 3}));
 }
@@ -340,12 +340,12 @@ TEST_F(RandomPower, NeverFallsFromOneNumberToTheNext) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         Number x = randomWithin(random, 1, 40, true); // at least 1
         const Number y = randomWithin(random, -20, 8, true);
-        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, neighbour(x, 1), y).value))
+        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, neighbor(x, 1), y).value))
             << show(x) << show(y);
-        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, x, neighbour(y, 1)).value))
+        EXPECT_TRUE(notAbove(run(qpow, x, y).value, run(qpow, x, neighbor(y, 1)).value))
             << show(x) << show(y);
         const Number n = number(static_cast<double>(random.Between(1, 500)));
-        EXPECT_TRUE(notAbove(run(qpowi, x, n).value, run(qpowi, neighbour(x, 1), n).value))
+        EXPECT_TRUE(notAbove(run(qpowi, x, n).value, run(qpowi, neighbor(x, 1), n).value))
             << show(x) << show(n);
     }
 }

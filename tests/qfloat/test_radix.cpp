@@ -44,7 +44,7 @@ TEST(Hexadecimal, IsWrittenInGroupsOfEightTheFirstOfFourWhereItFits) {
     EXPECT_EQ(hex(18446744073709551616.0), "0x00010000000000000000");
 }
 
-TEST(Hexadecimal, DropsTheFractionTowardsZero) {
+TEST(Hexadecimal, DropsTheFractionTowardZero) {
     EXPECT_EQ(hex(255.99), "0x00FF");
     EXPECT_EQ(hex(-255.99), "-0x00FF");
     EXPECT_EQ(hex(-2.5, true), "0xFFFFFFFE");
@@ -108,7 +108,7 @@ TEST(Binary, OfMoreThan9001CharactersIsCutBehindAChunk) {
 }
 
 // The 225 chunks alone have 9,000 characters.
-TEST(Binary, CountsThePrefixTowardsTheLimit) {
+TEST(Binary, CountsThePrefixTowardTheLimit) {
     const auto length = [](int groups, int chunks, bool minus) {
         const Number x = scaled(minus ? "-8" : "8", (chunks - 1) * 32 + (groups - 1) * 4);
         return text(qtobin, x, false).size();

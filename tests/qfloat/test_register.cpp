@@ -35,8 +35,8 @@ protected:
         return r;
     }
 
-    // A normalised mantissa with a zero guard word.
-    Register Normalised(int64_t lowExponent, int64_t highExponent) {
+    // A normalized mantissa with a zero guard word.
+    Register Normalized(int64_t lowExponent, int64_t highExponent) {
         const Number q = oracle::randomMantissa(random);
         Register r{};
         std::copy(q.begin(), q.end(), r.begin());
@@ -166,9 +166,9 @@ TEST_F(Registers, CompareLooksAtWords2To13Only) {
 }
 
 // ---------------------------------------------------------------------------------------------------------
-// Normalising
+// Normalizing
 
-TEST_F(Registers, NormaliseSetsTheTopBitAndLeavesTheShift) {
+TEST_F(Registers, NormalizeSetsTheTopBitAndLeavesTheShift) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Register before = AnyRegister();
         if (value(before) == 0) continue;
@@ -176,12 +176,12 @@ TEST_F(Registers, NormaliseSetsTheTopBitAndLeavesTheShift) {
         SC = 12345;
         EXPECT_EQ(normlz(r.data()), 0) << show(before);
         model::Work expected = model::load(before);
-        EXPECT_EQ(SC, model::normalise(expected)) << show(before);
+        EXPECT_EQ(SC, model::normalize(expected)) << show(before);
         EXPECT_TRUE(holds(r, expected.words, before));
     }
 }
 
-TEST(Normalise, ANormalisedMantissaStaysWithACountOfZero) {
+TEST(Normalize, ANormalizedMantissaStaysWithACountOfZero) {
     Register r{};
     r[3] = 0x80000000;
     r[14] = 5;
@@ -192,7 +192,7 @@ TEST(Normalise, ANormalisedMantissaStaysWithACountOfZero) {
     EXPECT_EQ(r, before);
 }
 
-TEST(Normalise, ShiftsLeftByWholeHalfWordsBytesAndBits) {
+TEST(Normalize, ShiftsLeftByWholeHalfWordsBytesAndBits) {
     for (int bit = 0; bit < 352; ++bit) {
         Register r{};
         r[static_cast<size_t>(3 + bit / 32)] = 0x80000000U >> (bit % 32);
@@ -204,7 +204,7 @@ TEST(Normalise, ShiftsLeftByWholeHalfWordsBytesAndBits) {
     }
 }
 
-TEST(Normalise, ACarryAboveThePointIsShiftedRightIntoTheGuard) {
+TEST(Normalize, ACarryAboveThePointIsShiftedRightIntoTheGuard) {
     for (int bit = 0; bit < 32; ++bit) {
         Register r{};
         r[2] = 1U << bit;
@@ -218,7 +218,7 @@ TEST(Normalise, ACarryAboveThePointIsShiftedRightIntoTheGuard) {
     }
 }
 
-TEST(Normalise, AnAllZeroMantissaAnswersOne) {
+TEST(Normalize, AnAllZeroMantissaAnswersOne) {
     Register r{};
     r[0] = 1;
     r[1] = 0x8000;
@@ -227,7 +227,7 @@ TEST(Normalise, AnAllZeroMantissaAnswersOne) {
     EXPECT_TRUE(value(r) == 0);
 }
 
-TEST_F(Registers, QnrmlzNormalisesAStoredNumberAndItsExponent) {
+TEST_F(Registers, QnrmlzNormalizesAStoredNumberAndItsExponent) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
         const Register r = AnyRegister();
         Number q;
@@ -237,7 +237,7 @@ TEST_F(Registers, QnrmlzNormalisesAStoredNumberAndItsExponent) {
         if (expected.words == 0) continue;
         const Number before = q;
         qnrmlz(q.data());
-        expected.exponent -= model::normalise(expected);
+        expected.exponent -= model::normalize(expected);
         const Register e = model::toRegister(expected);
         EXPECT_TRUE(std::equal(q.begin(), q.end(), e.begin())) << show(before) << show(q);
     }
@@ -279,7 +279,7 @@ TEST_F(Registers, MdnormMatchesItsFiveSteps) {
         r[1] = static_cast<uint32_t>(exponents[random.Between(0, 8)]);
         model::Work work = model::load(r);
         int code = 0;
-        model::normaliseAndRound(work, code);
+        model::normalizeAndRound(work, code);
         merror = 0;
         const Register got = afterMdnorm(r);
         EXPECT_EQ(got, model::toRegister(work)) << "\n from     " << show(r) << "\n got      " << show(got)
@@ -356,14 +356,14 @@ void mantissaOf(const Register& r, Real& m) {
     mpfr_set(m, Real(q), MPFR_RNDN);
 }
 
-bool normalisedAndRounded(const Register& got, const Register& before) {
+bool normalizedAndRounded(const Register& got, const Register& before) {
     return got[0] == before[0] && got[2] == 0 && (got[3] & 0x80000000) != 0 && got[14] == 0;
 }
 
 TEST_F(Registers, MulmMultipliesMantissasWithinALastPlace) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
-        const Register x = Normalised(1, 0xFFFF);
-        const Register before = Normalised(10, 0xFFF0);
+        const Register x = Normalized(1, 0xFFFF);
+        const Register before = Normalized(10, 0xFFF0);
         Register y = before;
         mulm(x.data(), y.data());
         Real product;
@@ -374,14 +374,14 @@ TEST_F(Registers, MulmMultipliesMantissasWithinALastPlace) {
         Number got = firstWords(y);
         got[0] = 0;
         EXPECT_LE(oracle::errorInUlps(got, product), 1.0) << show(x) << show(before) << show(y);
-        EXPECT_TRUE(normalisedAndRounded(y, before)) << show(y);
+        EXPECT_TRUE(normalizedAndRounded(y, before)) << show(y);
     }
 }
 
 TEST_F(Registers, MulinMultipliesByWord3AloneExactlyRounded) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
-        const Register x = Normalised(1, 0xFFFF);
-        const Register before = Normalised(10, 0xFFF0);
+        const Register x = Normalized(1, 0xFFFF);
+        const Register before = Normalized(10, 0xFFF0);
         Register y = before;
         mulin(x.data(), y.data());
         Number expected = firstWords(before);
@@ -399,8 +399,8 @@ TEST_F(Registers, MulinMultipliesByWord3AloneExactlyRounded) {
 // y / x on the scale where equal mantissas give 1/4.
 TEST_F(Registers, DivmDividesMantissasWithinALastPlace) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
-        const Register x = Normalised(1, 0xFFFF);
-        const Register before = Normalised(10, 0xFFF0);
+        const Register x = Normalized(1, 0xFFFF);
+        const Register before = Normalized(10, 0xFFF0);
         Register y = before;
         divm(x.data(), y.data());
         Real divisor;
@@ -413,7 +413,7 @@ TEST_F(Registers, DivmDividesMantissasWithinALastPlace) {
         Number got = firstWords(y);
         got[0] = 0;
         EXPECT_LE(oracle::errorInUlps(got, quotient), 1.0) << show(x) << show(before) << show(y);
-        EXPECT_TRUE(normalisedAndRounded(y, before)) << show(y);
+        EXPECT_TRUE(normalizedAndRounded(y, before)) << show(y);
         if (std::all_of(x.begin() + 4, x.begin() + 14, [](uint32_t w) { return w == 0; })) {
             EXPECT_EQ(got, store(oracle::roundHalfUp(quotient))) << "one-word divisor";
         }

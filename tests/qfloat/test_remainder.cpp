@@ -66,7 +66,7 @@ TEST(Remainder, OfHugePowersIsExact) {
 }
 
 TEST(Remainder, OverTheWholeRangeOfExponents) {
-    const Number smallest = neighbour(scaled("1", -32768), 12345);
+    const Number smallest = neighbor(scaled("1", -32768), 12345);
     const Outcome got = run(qremain, smallest, OVERFLOW);
     Real exact;
     mpfr_fmod(exact, Real(OVERFLOW), Real(smallest), MPFR_RNDN);

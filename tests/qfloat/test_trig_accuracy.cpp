@@ -36,8 +36,8 @@ TEST_P(TrigAccuracy, IsTheNearestNumberWhereMethodsChangeAndAtTheEndsOfTheRange)
     expectAllNearest(GetParam(), list);
 }
 
-// A larger argument never has a result on the wrong side of its neighbour's.
-TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbours) {
+// A larger argument never has a result on the wrong side of its neighbor's.
+TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbors) {
     const Function& f = GetParam();
     for (int i = 0; i < 5000; ++i) {
         const Number x = randomArgument(random, f);
@@ -51,7 +51,7 @@ TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbours) {
         exactValue(f, above, high);
         const int order = mpfr_cmp(low, high);
         const int got = mpfr_cmp(Real(valueOf(f, x)), Real(valueOf(f, above)));
-        EXPECT_TRUE(got == 0 || got == order) << f.name << " of " << show(x) << " and its neighbour above";
+        EXPECT_TRUE(got == 0 || got == order) << f.name << " of " << show(x) << " and its neighbor above";
     }
 }
 

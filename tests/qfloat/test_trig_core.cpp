@@ -22,7 +22,7 @@ void toReal(const Extended& x, Real& value) {
 void expectWithin(int bits, const Extended& got, const Real& exact, const char* what) {
     Real error(1000);
     toReal(got, error);
-    EXPECT_NE(got.limb[limb::COUNT - 1] & limb::TOP_BIT, 0U) << what << " is not normalised";
+    EXPECT_NE(got.limb[limb::COUNT - 1] & limb::TOP_BIT, 0U) << what << " is not normalized";
     mpfr_sub(error, error, exact, MPFR_RNDN);
     mpfr_div(error, error, exact, MPFR_RNDN);
     EXPECT_LT(std::fabs(mpfr_get_d(error, MPFR_RNDA)), std::ldexp(1.0, -bits)) << what;

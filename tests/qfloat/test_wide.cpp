@@ -57,7 +57,7 @@ TEST_F(WideFunctions, KeepTheirError) {
             expectFunction(wide::arctangent(value, Wide(1, width)), mpfr_atan, x, "arctan");
             expectFunction(wide::log(value), mpfr_log, x, "ln");
             expectFunction(wide::sqrt(value), mpfr_sqrt, x, "root");
-            const Number one = neighbour(number(1), static_cast<int>(random.Between(1, 1000)));
+            const Number one = neighbor(number(1), static_cast<int>(random.Between(1, 1000)));
             expectFunction(wide::log(Wide::Of(one.data(), width)), mpfr_log, one, "ln next to 1");
         }
     }
@@ -70,7 +70,7 @@ TEST_F(WideFunctions, KeepTheErrorOfAnglesNextToMultiplesOfARightAngle) {
         const wide::SineCosine got = wide::circular(Wide::Of(x.data(), width));
         expectFunction(got.sine, mpfr_sin, x, "sin");
         expectFunction(got.cosine, mpfr_cos, x, "cos");
-        const Number degrees = neighbour(number(180), 1);
+        const Number degrees = neighbor(number(180), 1);
         Real exact(BITS);
         mpfr_sinu(exact, Real(degrees), 360, MPFR_RNDN);
         expectWithin(wide::circularOfDegrees(Wide::Of(degrees.data(), width)).sine, exact, "sin of degrees");

@@ -196,7 +196,7 @@ class CalculatorWindow:
 
         def is_in_front():
             try:
-                return not self.is_minimised() and has_focus(self.id)
+                return not self.is_minimized() and has_focus(self.id)
             except RuntimeError:
                 return False  # for a moment no window has the focus
 
@@ -268,7 +268,7 @@ class CalculatorWindow:
         """Moves the pointer, whose button is pressed, to an item of the menu whose window that is."""
         before = at_rest("the menu", lambda: picture(menu))
         self.point(x, y)
-        wait_until("the item's colours", lambda: picture(menu) != before)
+        wait_until("the item's colors", lambda: picture(menu) != before)
 
     def choose(self, menu, item):
         """Pulls the menu or list at the place `menu` down to the place `item` and lets it go there."""
@@ -306,7 +306,7 @@ class CalculatorWindow:
         found = re.search(r"= (\d+)", run("xprop", "-id", self.id, "_NET_WM_WINDOW_OPACITY"))
         return int(found.group(1)) / 0xFFFFFFFF if found else 1.0
 
-    def is_minimised(self):
+    def is_minimized(self):
         return "Iconic" in run("xprop", "-id", self.id, "WM_STATE")
 
     def copy(self, *keys):
