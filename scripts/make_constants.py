@@ -11,30 +11,10 @@ import struct
 from fractions import Fraction
 from math import isqrt
 
+from series import inverse_series, pi_in
+
 BITS = 1200
 ONE = 1 << BITS
-
-
-def atan_inverse(n):
-    """arctan(1/n) in units of 2^-BITS, with a few units of error."""
-    term = ONE // n
-    total, k = term, 1
-    while term:
-        term //= n * n
-        k += 2
-        total += -(term // k) if k % 4 == 3 else term // k
-    return total
-
-
-def ln_2():
-    """2 * artanh(1/3)."""
-    term = ONE // 3
-    total, k = term, 1
-    while term:
-        term //= 9
-        k += 2
-        total += term // k
-    return 2 * total
 
 
 def ln_of(n, ln2):
@@ -96,8 +76,8 @@ def double(x):
     return Fraction(struct.unpack("<d", struct.pack("<d", x))[0])
 
 
-pi = Fraction(16 * atan_inverse(5) - 4 * atan_inverse(239), ONE)
-ln2_scaled = ln_2()
+pi = Fraction(pi_in(ONE), ONE)
+ln2_scaled = 2 * inverse_series(3, 1, ONE)
 ln2 = Fraction(ln2_scaled, ONE)
 root2 = Fraction(isqrt(2 * ONE * ONE), ONE)
 root_pi = Fraction(isqrt(pi.numerator * ONE * ONE // pi.denominator), ONE)

@@ -7,6 +7,7 @@ on 512 places), rounded once at the end. The test suite recomputes every limb wi
 
 usage: scripts/make_tables.py > qfloat/qtables.cpp
 """
+from series import pi_in
 
 TWO_OVER_PI_LIMBS = 528   # the largest exponent, 2^15, plus the operand, the result and what cancels
 FACTORIALS = 80           # 1/n! for n = 0 .. 79
@@ -15,17 +16,6 @@ EXP_LEVELS = 4            # of four bits of an exponent each
 
 BITS = 64 * TWO_OVER_PI_LIMBS + 128
 ONE = 1 << BITS
-
-
-def atan_inverse(n):
-    """arctan(1/n) in units of 2^-BITS, within one unit a term."""
-    term = ONE // n
-    total, k = term, 1
-    while term:
-        term //= n * n
-        k += 2
-        total += -(term // k) if k % 4 == 3 else term // k
-    return total
 
 
 def limbs(value, count):
@@ -66,7 +56,7 @@ def exponential_less_one(numerator, bits):
     return nearest(total, 1 << (places - 384))
 
 
-pi = 16 * atan_inverse(5) - 4 * atan_inverse(239)
+pi = pi_in(ONE)
 two_over_pi = 2 * ONE * ONE // pi
 assert two_over_pi < ONE
 
