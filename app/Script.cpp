@@ -32,6 +32,9 @@ std::string asLatin1(std::string line) {
     return latin1;
 }
 
+// The settings that a script begins with, in this order.
+const char* const FIRST_SETTINGS[] = {"degmode", "sigfigs", "scimode", "dispbase"};
+
 } // namespace
 
 bool Script::Next(std::string& entry) {
@@ -52,7 +55,7 @@ void EntryRecord::Add(const std::string& entry) {
 
 std::string EntryRecord::Script(const ZqCalculator& engine, const std::string& typed) const {
     std::string text = "# PELMO SCRIPT: uncomment line below to include calculator settings.\n#";
-    for (const char* const key : {"degmode", "sigfigs", "scimode", "dispbase"}) {
+    for (const char* const key : FIRST_SETTINGS) {
         const Setting& setting = *findSetting(key);
         text += setting.CommandFor(setting.ValueIn(engine)) + ";";
     }
