@@ -15,10 +15,6 @@ bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }
 
-bool beginsWith(const std::string& text, const std::string& start) {
-    return text.compare(0, start.size(), start) == 0;
-}
-
 std::vector<std::string> commandWords() {
     std::vector<std::string> words;
     for (const Command& command : commandTable()) words.emplace_back(command.word);
@@ -46,7 +42,7 @@ struct Known {
 Known known(const std::string& name, bool isFactor, const ZqCalculator& calc) {
     Known found;
     const auto meet = [&](const std::string& other, const std::string& typed, const char* lack) {
-        if (!beginsWith(other, typed)) return;
+        if (!startsWith(other, typed)) return;
         found.isNone = false;
         if (other == typed) found.lacks = lack;
     };
@@ -54,7 +50,7 @@ Known known(const std::string& name, bool isFactor, const ZqCalculator& calc) {
     for (const std::string& unit : units) meet(unit, name, "missing ->");
     for (const std::string& prefix : units_prefix_names()) {
         meet(prefix, name, "");
-        if (!beginsWith(name, prefix)) continue;
+        if (!startsWith(name, prefix)) continue;
         for (const std::string& unit : units) meet(unit, name.substr(prefix.size()), "missing ->");
     }
     for (int i = 0; const Function* function = funcs.Get(i); ++i)

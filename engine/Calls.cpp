@@ -57,9 +57,7 @@ node* Evaluator::CallBuiltin(const Call& call, const Builtin& builtin, const qfl
     const int state = Compute(builtin, call.Name(), x, value);
     if (state != 0) return nullptr;
     node* argument = call.open->next;
-    argument->type = TERM_NUMBER;
-    argument->DropText();
-    argument->SetValue(value);
+    argument->BecomeNumber(value);
     statement.terms.Del(call.function);
     return call.open;
 }

@@ -12,26 +12,16 @@
 
 namespace {
 
-std::string inLowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) c = lowerCase(c);
-    return lower;
-}
-
-bool beginsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}
-
 void addFunctions(const EntryPlace& place, std::vector<std::string>& found, const char* end) {
-    const std::string word = inLowerCase(place.word);
+    const std::string word = lowerCased(place.word);
     for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
-        if (beginsWith(inLowerCase(function->name), word)) found.push_back(function->name + std::string(end));
+        if (startsWith(lowerCased(function->name), word)) found.push_back(function->name + std::string(end));
     }
 }
 
 void addVariables(const EntryPlace& place, const ZqCalculator& calc, std::vector<std::string>& found) {
     for (const node* variable = calc.vars.first; variable; variable = variable->next) {
-        if (beginsWith(variable->text, place.word)) found.emplace_back(variable->text);
+        if (startsWith(variable->text, place.word)) found.emplace_back(variable->text);
     }
 }
 
@@ -50,7 +40,7 @@ std::vector<std::string> commandPhrases() {
 
 // Whether what is completed is the argument of one of these words.
 bool isArgumentOf(const EntryPlace& place, std::initializer_list<const char*> words) {
-    const std::string head = inLowerCase(place.head);
+    const std::string head = lowerCased(place.head);
     return std::any_of(words.begin(), words.end(),
                        [&head](const char* word) { return head == word + std::string(" "); });
 }
@@ -71,9 +61,9 @@ std::vector<std::string> candidatesAt(const EntryPlace& place, const ZqCalculato
         addFunctions(place, found, "");
         for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
             const std::string name(unit->text + 5, std::strcspn(unit->text + 5, "=")); // behind "unit "
-            if (beginsWith(name, place.word)) found.push_back(name);
+            if (startsWith(name, place.word)) found.push_back(name);
         }
-        if (beginsWith("all", place.word)) found.emplace_back("all");
+        if (startsWith("all", place.word)) found.emplace_back("all");
         return found;
     }
     addPhrases(place, commandPhrases(), found);
@@ -92,9 +82,9 @@ void addChoices(std::vector<std::string>& phrases, const std::string& start, con
 
 void addPhrases(const EntryPlace& place, const std::vector<std::string>& phrases,
                 std::vector<std::string>& found) {
-    const std::string typed = inLowerCase(place.head + place.word);
+    const std::string typed = lowerCased(place.head + place.word);
     for (const std::string& phrase : phrases) {
-        if (!beginsWith(inLowerCase(phrase), typed) || phrase.size() == typed.size()) continue;
+        if (!startsWith(lowerCased(phrase), typed) || phrase.size() == typed.size()) continue;
         const std::string rest = phrase.substr(place.head.size());
         const size_t blank = rest.find(' ');
         found.push_back(rest.substr(0, blank == std::string::npos ? blank : blank + 1));
@@ -105,14 +95,14 @@ void addUnits(const EntryPlace& place, std::vector<std::string>& found) {
     const std::vector<std::string> units = units_names();
     const auto add = [&](const std::string& prefix) {
         for (const std::string& unit : units) {
-            if (beginsWith(prefix + unit, place.word)) found.push_back(prefix + unit);
+            if (startsWith(prefix + unit, place.word)) found.push_back(prefix + unit);
         }
     };
     add("");
     for (const std::string& prefix : units_prefix_names()) {
-        if (place.word.size() > prefix.size() && beginsWith(place.word, prefix))
+        if (place.word.size() > prefix.size() && startsWith(place.word, prefix))
             add(prefix);
-        else if (beginsWith(prefix, place.word))
+        else if (startsWith(prefix, place.word))
             found.push_back(prefix);
     }
 }

@@ -63,8 +63,6 @@ int Evaluator::ProcParenth(node* open) {
 
 namespace {
 
-const qfloat NO_OPERAND = {};
-
 bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
@@ -138,9 +136,7 @@ node* Evaluator::ProcPair(node* op, int32_t code) {
 // Puts the result in the place of the operator and its operands.
 node* Evaluator::FinishPair(node* op, node* left, node* right, const qfloat value, const char* name) {
     node* term = left ? left : op;
-    term->type = TERM_NUMBER;
-    term->DropText();
-    term->SetValue(value);
+    term->BecomeNumber(value);
     if (right) statement.terms.Del(right);
     if (left) statement.terms.Del(op);
     return merror == 0 || checkMathError(name, outcome.message) == 0 ? term : nullptr;
@@ -177,9 +173,7 @@ node* Evaluator::ProcConversion(node* arrow) {
         return outcome.FailAt(arrow, "** ERROR 12: missing conversion unit **"), nullptr;
     qfloat value;
     if (ConversionFactor(source, destination, value) != 0) return nullptr;
-    source->type = TERM_NUMBER;
-    source->DropText();
-    source->SetValue(value);
+    source->BecomeNumber(value);
     statement.terms.Del(destination);
     statement.terms.Del(arrow);
     node* mark = source->prev;

@@ -25,6 +25,8 @@ public:
     node* ProcFunction(node* functionTerm);
 
 private:
+    static constexpr qfloat NO_OPERAND = {};
+
     void Trace() const; // of parentheses that are removed
 
     // The value of a number, or of the variable that a name stands for; null for any other term. ValueOf does

@@ -224,6 +224,10 @@ void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scim
     }
 }
 
+std::string plainNumber(const qfloat value) {
+    return decimalText(value, ALL_DIGITS, SCI_AUTO, '\0');
+}
+
 std::string shownNumber(const qfloat value, const EntrySettings& settings, size_t nameLength) {
     const char separator = settings.useSeparator ? settings.separatorChar : '\0';
     std::string text = numberText(value, settings, settings.sciMode, separator);

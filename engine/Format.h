@@ -25,6 +25,9 @@ void qtoascii(const qfloat value, char* out, int sigfigs, int scimode, char sepa
 void formatNumber(const qfloat value, int base, char* out, int sigfigs, int scimode, bool twoscomp,
                   char separator);
 
+// The number as files and other programs read it: in auto mode with 100 digits, '.' and no separator.
+std::string plainNumber(const qfloat value);
+
 // The number in base, notation and punctuation of the settings, so that it fits into a line behind a name of
 // so many characters: where its digits would not, it is shown with an exponent, for a cut number would be a
 // wrong one.

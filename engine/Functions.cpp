@@ -30,9 +30,7 @@ void appendNumber(std::string& text, const node* term) {
         // What the display shows for it cannot be read again; a number above the range can.
         text += qisneg(*term->value) ? "-1e9999" : "1e9999";
     } else if (term->value) {
-        char digits[FORMAT_SIZE];
-        qtoascii(*term->value, digits, 100, SCI_AUTO, '\0');
-        text += digits;
+        text += plainNumber(*term->value);
     }
 }
 

@@ -42,6 +42,10 @@ constexpr char lowerCase(char c) { // A to Z become a to z
 }
 std::string lowerCased(std::string text);
 
+inline bool startsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
 // The text without one line feed at its end, and then without one carriage return.
 std::string_view withoutLineEnd(std::string_view text);
 

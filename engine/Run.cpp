@@ -16,8 +16,6 @@ Evaluator::Operand Evaluator::OperandOf(const node* term) {
 
 namespace {
 
-const qfloat NO_OPERAND = {};
-
 // What a name stands for does not change while the list of functions stays as it is.
 void lookUp(const Program::Call& call) {
     if (call.version == funcs.Version()) return;
@@ -160,9 +158,7 @@ Evaluator::Ending Evaluator::RunStatementsCall(const Call& call, const Function&
 void Evaluator::PutInPlace(const Call& call, const Operand& result) {
     node* const term = call.open->next;
     if (!result.name) {
-        term->type = TERM_NUMBER;
-        term->DropText();
-        term->SetValue(*result.value);
+        term->BecomeNumber(*result.value);
     } else if (result.name != term) {
         term->type = TERM_NAME;
         term->SetText(result.name->text);

@@ -132,6 +132,13 @@ struct node {
         text = nullptr;
     }
 
+    // What stood for the number becomes a term without a text.
+    void BecomeNumber(const qfloat copied) {
+        type = TERM_NUMBER;
+        DropText();
+        SetValue(copied);
+    }
+
     // Without its text and its value.
     void Drop() {
         if (text) DropText();

@@ -14,8 +14,6 @@ using Kind = DefinitionRecord::Kind;
 
 namespace {
 
-constexpr int VALUE_DIGITS = 100;
-
 // What reading takes besides the evaluation of its lines, and how much work it may be, as WorkBudget counts.
 namespace FileWork {
 
@@ -26,12 +24,6 @@ constexpr uint64_t LIMIT = 8000000; // 0.4 seconds, beside reading each of the l
 constexpr uint64_t LIMIT_OF_LINE = 400000;
 
 } // namespace FileWork
-
-std::string valueText(const qfloat value) {
-    char digits[FORMAT_SIZE];
-    qtoascii(value, digits, VALUE_DIGITS, SCI_AUTO, '\0');
-    return digits;
-}
 
 // --- Writing ---
 
@@ -77,7 +69,7 @@ std::string variableLines(const ZqCalculator& calc) {
     std::string text;
     for (const node* variable = calc.vars.first; variable; variable = variable->next) {
         if (!variable->value || (*variable->value)[1] >= OVERFLOW_EXPONENT) continue;
-        text += std::string(variable->text) + '=' + valueText(*variable->value) + '\n';
+        text += std::string(variable->text) + '=' + plainNumber(*variable->value) + '\n';
     }
     return text;
 }
@@ -155,7 +147,7 @@ private:
             return unit && record.statement == unit->text;
         }
         const node* const variable = calc.VariableExists(record.name.c_str());
-        return variable && variable->value && record.body == valueText(*variable->value);
+        return variable && variable->value && record.body == plainNumber(*variable->value);
     }
 
     Reading TakeOne(const DefinitionRecord& record) {

@@ -157,10 +157,7 @@ void DefinitionsMerge::Took(const Foreign& foreign, const std::string& ours) {
 bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, std::error_code& reason,
                              System& system) {
     const FileLock lock(path, system);
-    if (lock.IsTaken()) {
-        reason = std::make_error_code(std::errc::resource_unavailable_try_again);
-        return false;
-    }
+    if (lock.IsTaken(&reason)) return false;
     std::string theirs;
     readWholeFile(path, theirs, system);
     const DefinitionsText text(ours);

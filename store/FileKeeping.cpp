@@ -264,8 +264,24 @@ FileLock::FileLock(const std::string& path, System& calls)
     }
 }
 
+bool FileLock::IsTaken(std::error_code* reason) const {
+    if (isTaken && reason) *reason = std::make_error_code(std::errc::resource_unavailable_try_again);
+    return isTaken;
+}
+
 FileLock::~FileLock() {
     if (file >= 0) system.Close(file);
+}
+
+size_t startOfNewest(std::string_view text, size_t lines, size_t bytes) {
+    size_t start = text.size();
+    for (; start > 0 && lines > 0; --lines) {
+        const size_t before = start >= 2 ? text.rfind('\n', start - 2) : std::string_view::npos;
+        const size_t next = before == std::string_view::npos ? 0 : before + 1;
+        if (text.size() - next > bytes) break;
+        start = next;
+    }
+    return start;
 }
 
 std::string keepUnreadable(const std::string& path, std::error_code* reason, System& system) {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 // Reads a regular file, or what a symbolic link to one leads to, into `text`. False, with an empty text, for
@@ -69,7 +70,8 @@ public:
 
     // Whether another program still has it. Where no lock can be had at all, as in a folder that cannot be
     // written or on a file system that has none, nobody is kept out and it is false.
-    bool IsTaken() const { return isTaken; }
+    // `reason`, when given, receives that it has.
+    bool IsTaken(std::error_code* reason = nullptr) const;
 
     static constexpr int LOCK_SECONDS = 2;
 
@@ -78,6 +80,9 @@ private:
     int file;
     bool isTaken = false;
 };
+
+// The start of the newest lines of a text: so many, of so many bytes at most.
+size_t startOfNewest(std::string_view text, size_t lines, size_t bytes = SIZE_MAX);
 
 // Keeps a file that is damaged or cannot be read from being overwritten: it is copied to `path`.unreadable,
 // or moved there when it cannot be read (no permission, a folder). When other content stands there already

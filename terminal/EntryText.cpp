@@ -58,7 +58,3 @@ std::string withoutBlanks(std::string_view text) {
 char decimalMark(const EntrySettings& settings) {
     return settings.european ? ',' : '.';
 }
-
-bool startsWith(std::string_view text, std::string_view start) {
-    return text.substr(0, start.size()) == start;
-}

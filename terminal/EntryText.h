@@ -35,6 +35,3 @@ std::string withoutBlanks(std::string_view text);
 
 // The sign between a number's whole part and its decimals.
 char decimalMark(const EntrySettings& settings);
-
-// Whether `text` begins with `start`.
-bool startsWith(std::string_view text, std::string_view start);

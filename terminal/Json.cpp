@@ -59,14 +59,6 @@ std::string positionIn(std::string_view entry, TextRange range) {
            ", \"length\": " + std::to_string(charactersIn(entry.substr(start, length))) + "}";
 }
 
-constexpr int VALUE_DIGITS = 100;
-
-std::string valueOf(const qfloat number) {
-    char digits[FORMAT_SIZE];
-    qtoascii(number, digits, VALUE_DIGITS, SCI_AUTO, '\0');
-    return digits;
-}
-
 // Without the line feed; null when nothing is left.
 std::optional<std::string> textOf(std::string_view text) {
     while (!text.empty() && text.back() == '\n') text.remove_suffix(1);
@@ -84,7 +76,7 @@ JsonAnswer jsonAnswer(const Outcome& outcome, int status, std::string_view shown
         answer.status = "value";
         answer.name = line.substr(0, line.find(" = "));
         answer.text = textOf(line.substr(answer.name->size() + 3));
-        if (!outcome.overflowed) answer.value = valueOf(outcome.result);
+        if (!outcome.overflowed) answer.value = plainNumber(outcome.result);
         break;
     }
     case STATUS_MESSAGE:

@@ -2,10 +2,10 @@
 #include "Query.h"
 
 #include "ChildProcess.h"
+#include "Helpers_String.h"
 #include "ShownText.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -17,14 +17,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-bool beginsWith(std::string_view text, std::string_view beginning) {
-    return text.size() >= beginning.size() &&
-           std::equal(beginning.begin(), beginning.end(), text.begin(),
-                      [](char a, char b) { return a == std::tolower(static_cast<unsigned char>(b)); });
-}
-
-bool isWebAddress(std::string_view address) {
-    return beginsWith(address, "http://") || beginsWith(address, "https://");
+bool isWebAddress(const std::string& address) {
+    const std::string lower = lowerCased(address);
+    return startsWith(lower, "http://") || startsWith(lower, "https://");
 }
 
 // What curl writes behind the page of a transfer that is complete: a status of 200 to 299 and no error.
@@ -121,6 +116,6 @@ std::string answerInPage(std::string_view page) {
 
 std::string askService(std::string_view service, std::string_view query, int seconds,
                        const std::function<bool()>& isGivenUp) {
-    if (!isWebAddress(service)) return "";
+    if (!isWebAddress(std::string(service))) return "";
     return answerInPage(fetch(queryAddress(service, query), seconds, isGivenUp));
 }
