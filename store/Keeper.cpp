@@ -202,9 +202,9 @@ bool Keeper::NoteChange() {
 }
 
 // A timer may fire a little early.
-bool Keeper::IsDue() const {
+bool Keeper::IsDue(double delay) const {
     const std::chrono::duration<double> age = system.Now() - changeTime;
-    return isChanged && age.count() >= 0.9 * DELAY && !(isRunning && textBefore.empty());
+    return isChanged && age.count() >= 0.9 * delay && !(isRunning && textBefore.empty());
 }
 
 // --- What could not be written ---

@@ -85,8 +85,10 @@ public:
     bool NoteChange();
     static constexpr double DELAY = 1;
 
-    // Whether it is due now. Of a running entry it is so once.
-    bool IsDue() const;
+    // Whether it is due now. Of a running entry it is so once. Among entries that come without a rest it may
+    // wait for longer, so that not as much is written again and again, but for less than two seconds.
+    bool IsDue(double delay = DELAY) const;
+    static constexpr double DELAY_WITHOUT_REST = 1.75;
 
     // --- What could not be written ---
 

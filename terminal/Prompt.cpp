@@ -131,7 +131,7 @@ Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
     files.EntryWillRun(isPasted);
     const Session::Outcome outcome = isInterrupted() ? session.GiveUp() : session.Run(line);
     files.EntryDidRun();
-    if (isPasted) files.DoDue(); // nobody rests
+    if (isPasted) files.DoDue(false);
     const ZqCalculator& calc = session.Calculator();
     const bool isDefinition = calc.status == STATUS_MESSAGE && *calc.message != '\0';
     const bool isComputed = calc.status == STATUS_RESULT || isDefinition; // an echoed text is not

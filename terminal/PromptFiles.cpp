@@ -89,10 +89,10 @@ void PromptFiles::NoteChange() {
     isDue = true;
 }
 
-long PromptFiles::DoDue() {
+long PromptFiles::DoDue(bool isResting) {
     constexpr long LOOK = static_cast<long>(Keeper::DELAY * 250);
     if (!isOpen || !isDue) return -1;
-    if (!keeper.IsDue()) return LOOK;
+    if (!keeper.IsDue(isResting ? Keeper::DELAY : Keeper::DELAY_WITHOUT_REST)) return LOOK;
     Save();
     return -1;
 }

@@ -41,8 +41,9 @@ public:
     void EntryWillRun(bool isPasted);
     void EntryDidRun();
 
-    // Writes what is due. Returns in how many milliseconds something will be, -1 never.
-    long DoDue();
+    // Writes what is due, which among entries without a rest is later. Returns in how many milliseconds
+    // something will be, -1 never.
+    long DoDue(bool isResting = true);
 
     // What could not be written, once; or nothing.
     std::string TakeNews();

@@ -135,6 +135,15 @@ TEST_F(Kept, IsDueASecondAfterTheFirstChange) {
     EXPECT_TRUE(keeper.NoteChange());
 }
 
+TEST_F(Kept, IsDueLaterAmongEntriesWithoutARest) {
+    keeper.NoteChange();
+    system.Wait(1);
+    EXPECT_FALSE(keeper.IsDue(Keeper::DELAY_WITHOUT_REST));
+    EXPECT_TRUE(keeper.IsDue());
+    system.Wait(0.75);
+    EXPECT_TRUE(keeper.IsDue(Keeper::DELAY_WITHOUT_REST));
+}
+
 TEST_F(Kept, OfARunningEntryIsWhatWasThereBeforeItOnce) {
     EnterAndNote("a=1");
     system.Wait(1);
