@@ -75,6 +75,8 @@ ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to)
     rl_change_environment = 0;
     useUtf8();
     rl_initialize();
+    rl_completion_query_items = -1; // Readline asks without waiting for an answer while it is fed keys
+    rl_variable_bind("page-completions", "off"); // there, too
     if (isOn("enable-bracketed-paste")) terminal.MarkPastes();
     using_history();
     stifle_history(KEPT_ENTRIES);
@@ -261,7 +263,10 @@ int ReadlineEditor::HasBytes() {
     return isEscape && editor.ReadBytes(PATIENCE) ? 1 : 0;
 }
 
-// The preview goes first: Readline writes only where it knows what is there.
+// The preview goes first: Readline writes only where it knows what is there. Not its hook for drawing the
+// line (rl_redisplay_function) but this is the place: the hook runs for each of many keys that came together
+// and in the middle of what is not the line (a search, an argument, a list of names), and not at all when a
+// key leaves the line alone. Here it is known that Readline has written all it will until the next key.
 void ReadlineEditor::RunKeys() {
     std::fputs(row.Erase().c_str(), screen);
     while (taken < bytes.size() && !isDone) rl_callback_read_char();

@@ -27,6 +27,14 @@ class Completion(ScreenTest):
         console.send("t" + TAB + "0)")
         console.shows("> 7*8+a", "abs(   acos(  ans    asin(  atan(", "> 7*8+atan(0)", "56")
 
+    def test_a_long_list_asks_nothing_that_cannot_be_answered(self):
+        self.home.write(".inputrc", "set completion-query-items 2\n")
+        console = self.start(width=40, height=3)
+        console.send("s" + TAB + TAB)
+        console.shows("scimode   sin(      sinh(", "sigfigs   sinc(     sqrt(", "> s")
+        self.assertNotIn(b"possibilities", console.bytes)
+        self.assertNotIn(b"More", console.bytes)
+
     def test_a_name_of_this_run_is_known(self):
         console = self.start()
         console.enter("hypot(a,b)=sqrt(a^2+b^2)", "hypot(a,b)=sqrt(a^2+b^2)")
