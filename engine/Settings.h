@@ -69,7 +69,7 @@ struct SettingValue {
     // 0.9 1", and of a font its points and name, "13 DejaVuSansMono".
     enum Kind { FLAG, NUMBER, CHARACTER, COLOR, FONT };
 
-    Kind kind;
+    Kind kind = FLAG;
     int standard = 0;        // the default
     int least = 0, most = 1; // of a number; with choices only these
     const char* text = "";   // the default of a color; that of the font is the console's own

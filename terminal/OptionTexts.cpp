@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr std::string_view PLACE = "@OPTIONS@\n";
+
 std::string replaced(std::string text, const std::string& from, const std::string& to) {
     for (size_t i = text.find(from); i != std::string::npos; i = text.find(from, i + to.size()))
         text.replace(i, from.size(), to);
@@ -52,8 +54,9 @@ std::string bashOptions() {
         const std::string letter = row->letter != 0 ? std::string("-") + row->letter : "";
         options += std::string("--") + row->name + " " + letter + (letter.empty() ? "" : " ");
         if (!row->argument) continue;
-        const std::string value = std::string("]='") + row->argument + "' ";
-        arguments += std::string("[--") + row->name + value + (letter.empty() ? "" : "[" + letter + value);
+        for (const std::string& option : {std::string("--") + row->name, letter}) {
+            if (!option.empty()) arguments += "[" + option + "]='" + row->argument + "' ";
+        }
         if (std::get_if<WithOption>(&row->use)) names = valuesOf(*row);
     }
     return "    local options='" + options + "'\n    local names='" + names + "'\n    local -A arguments=(" +
@@ -133,7 +136,6 @@ int main(int argc, char** argv) {
     }
     std::ifstream in(argv[2]);
     std::string text((std::istreambuf_iterator<char>(in)), {});
-    const std::string PLACE = "@OPTIONS@\n";
     const size_t place = text.find(PLACE);
     if (place == std::string::npos) {
         fprintf(stderr, "option_texts: no line @OPTIONS@ in %s\n", argv[2]);
