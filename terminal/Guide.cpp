@@ -124,21 +124,29 @@ std::string plainText(std::string_view markdown, int columns) {
     return text;
 }
 
-std::vector<std::string> guideTopics() {
+// With its title.
+static std::string_view sectionOf(const std::string& title) {
+    const size_t start = GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
+    return GUIDE_TEXT.substr(start, GUIDE_TEXT.find("\n## ", start) - start);
+}
+
+static bool containsIn(std::string_view text, std::string_view part) {
+    return lowerCased(std::string(text)).find(lowerCased(std::string(part))) != std::string::npos;
+}
+
+std::vector<std::string> guideTopics(std::string_view something) {
     std::vector<std::string> topics;
     for (const std::string_view line : linesOf(GUIDE_TEXT)) {
-        if (line.substr(0, TITLE.size()) == TITLE) topics.emplace_back(line.substr(TITLE.size()));
+        if (line.substr(0, TITLE.size()) != TITLE) continue;
+        std::string title(line.substr(TITLE.size()));
+        if (containsIn(sectionOf(title), something)) topics.push_back(std::move(title));
     }
     return topics;
 }
 
 std::string guideSection(std::string_view topic, int columns) {
-    const std::string wanted = lowerCased(std::string(topic));
     for (const std::string& title : guideTopics()) {
-        if (lowerCased(title).find(wanted) == std::string::npos) continue;
-        const size_t start = GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
-        const size_t end = std::min(GUIDE_TEXT.find("\n## ", start), GUIDE_TEXT.size());
-        return plainText(GUIDE_TEXT.substr(start, end - start), columns);
+        if (containsIn(title, topic)) return plainText(sectionOf(title), columns);
     }
     return "";
 }

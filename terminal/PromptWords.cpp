@@ -88,8 +88,11 @@ PromptReply help(const PromptState& state, const std::string& topic) {
     if (topic.empty()) return {PromptReply::TEXT, helpOfWords()};
     std::string text = helpOfName(topic);
     if (text.empty()) text = guideSection(topic, state.columns);
-    if (text.empty()) return refuse("no help on '" + topic + "'; :help lists the topics");
-    return {PromptReply::TEXT, text};
+    if (!text.empty()) return {PromptReply::TEXT, text};
+    std::string titles;
+    for (const std::string& title : guideTopics(topic)) titles += (titles.empty() ? "" : ", ") + title;
+    const std::string rest = titles.empty() ? ":help lists the topics" : "these topics tell of it: " + titles;
+    return {PromptReply::ERROR, plainText("no help on '" + topic + "'; " + rest, state.columns)};
 }
 
 // --- :vars, :funcs, :units ---

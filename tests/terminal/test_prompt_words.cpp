@@ -61,6 +61,8 @@ TEST_F(PromptWordsTest, TheGuideHasTheSameWords) {
 
 TEST_F(PromptWordsTest, HelpOnATopicIsThatPartOfTheGuide) {
     EXPECT_TRUE(Contains(Text(":help bases"), "Bases\n"));
+    EXPECT_EQ(Error(":help RLWRAP"),
+              "no help on 'RLWRAP'; these topics tell of it: The prompt of the terminal\n");
     EXPECT_EQ(Error(":help nonsense"), "no help on 'nonsense'; :help lists the topics\n");
 }
 
