@@ -65,6 +65,22 @@ class Preview(ScreenTest):
         console.send(ctrl("k"))
         console.shows("> 2")
 
+    def test_stands_below_a_line_with_wide_characters(self):
+        console = self.start(width=11)
+        console.send("5*5 # 漢字字")  # the second one would need the last column and one more
+        console.shows("> 5*5 # 漢", "字字", "25")
+        self.assertEqual(console.cursor(), (1, 4))
+        console.send(BACKSPACE * 2)
+        console.shows("> 5*5 # 漢", "25")
+        console.send(RETURN)
+        console.shows("> 5*5 # 漢", "ans = 25", ">")
+
+    def test_is_not_drawn_during_a_paste(self):
+        console = self.start()
+        console.send(pasted("1+1\n" * 200 + "2*3"))
+        console.ends_with("ans = 2", "> 2*3", "6")
+        self.assertEqual(console.bytes.count(b"\x1b[2m"), 1)
+
     def test_stands_below_a_line_that_fills_its_row(self):
         console = self.start(width=20)
         console.send("1+" * 8 + "10")
