@@ -98,8 +98,7 @@ private:
     int PayForOperator();
     int RunPair(int32_t code, const Operand& left, const Operand& right, qfloat value);
     Ending RunCall(const Program& program, const Program::Call& call, Frame& current, Register& to);
-    int RunConversion(const Program::Conversion& units, const Operand* converted, qfloat value);
-    Ending RunStep(const Program& program, const Program::Step& step, Frame& current);
+    int RunConversion(const Program& program, const Program::Step& step, const Frame& current, qfloat value);
     Ending RunBody(const Function* function, const Caller& caller, Frame& current, int32_t terms,
                    Operand& result);
     Ending RunStatementsCall(const Call& call, const Function& function);

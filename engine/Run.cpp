@@ -83,25 +83,13 @@ Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call
     return PayForOperator() == 0 ? Ending::Value : Ending::Failed; // the call's parenthesis again
 }
 
-// A conversion of this operand, if there is one.
-int Evaluator::RunConversion(const Program::Conversion& units, const Operand* converted, qfloat value) {
-    if (!converted) return ConversionFactor(units.from, units.to, value);
+int Evaluator::RunConversion(const Program& program, const Program::Step& step, const Frame& current,
+                             qfloat value) {
+    const Program::Conversion& units = program.conversions[static_cast<size_t>(step.right)];
+    if (step.left == Program::NOWHERE) return ConversionFactor(units.from, units.to, value);
     qfloat factor;
     if (ConversionFactor(units.from, units.to, factor) != 0) return STATUS_ERROR;
-    return RunPair(OP_MULTIPLY, *converted, {&factor, nullptr}, value);
-}
-
-Evaluator::Ending Evaluator::RunStep(const Program& program, const Program::Step& step, Frame& current) {
-    Register& to = current.registers[static_cast<size_t>(step.to)];
-    const auto number = static_cast<size_t>(step.right);
-    if (step.code == TERM_FUNC) return RunCall(program, program.calls[number], current, to);
-    const Operand left = OperandAt(program, current, step.left);
-    to.operand = {&to.number, nullptr};
-    const int state = step.code == OP_CONVERT
-                          ? RunConversion(program.conversions[number],
-                                          step.left == Program::NOWHERE ? nullptr : &left, to.number)
-                          : RunPair(step.code, left, OperandAt(program, current, step.right), to.number);
-    return state == 0 ? Ending::Value : Ending::Failed;
+    return RunPair(OP_MULTIPLY, OperandAt(program, current, step.left), {&factor, nullptr}, value);
 }
 
 // The body of a function, for a call in a statement of so many terms. The current frame has the call's level
@@ -117,8 +105,19 @@ Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& cal
     for (const Program::Step& step : program.steps) {
         if (PayForOperator() != 0) return Ending::Failed;
         if (step.code == OP_OPEN) continue;
-        const Ending ending = RunStep(program, step, current);
-        if (ending != Ending::Value) return ending;
+        Register& to = current.registers[static_cast<size_t>(step.to)];
+        if (step.code == TERM_FUNC) {
+            const Ending ending =
+                RunCall(program, program.calls[static_cast<size_t>(step.right)], current, to);
+            if (ending != Ending::Value) return ending;
+            continue;
+        }
+        to.operand = {&to.number, nullptr};
+        const int state = step.code == OP_CONVERT
+                              ? RunConversion(program, step, current, to.number)
+                              : RunPair(step.code, OperandAt(program, current, step.left),
+                                        OperandAt(program, current, step.right), to.number);
+        if (state != 0) return Ending::Failed;
     }
     result = OperandAt(program, current, program.result);
     return Ending::Value;

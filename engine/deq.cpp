@@ -94,7 +94,7 @@ inline void* Deq::NewRoom(size_t size) {
     return std::exchange(unused, unused + size);
 }
 
-node* Deq::Insert(node* term, node* before) {
+inline void Deq::Link(node* term, node* before) {
     node* after = before ? before->prev : last;
     term->prev = after;
     term->next = before;
@@ -102,24 +102,32 @@ node* Deq::Insert(node* term, node* before) {
     (before ? before->prev : last) = term;
     count++;
     insertions++;
+}
+
+node* Deq::Insert(node* term, node* before) {
+    Link(term, before);
     return term;
 }
 
 inline node* Deq::AddFrom(node*& spares, node::Memory memory, size_t size, node* before) {
     void* const room = spares ? std::exchange(spares, spares->next) : NewRoom(size);
-    return Insert(new (room) node(memory), before);
+    node* const term = new (room) node(memory);
+    Link(term, before);
+    return term;
 }
 
-node* Deq::Add(node* before) {
-    return AddFrom(spare, node::Memory::List, sizeof(node), before);
+node* Deq::Add() {
+    return AddFrom(spare, node::Memory::List, sizeof(node), nullptr);
 }
 
-node* Deq::AddOperand(node* before) {
-    return AddFrom(spareOperands, node::Memory::ListWithRoom, sizeof(node) + node::ROOM, before);
+node* Deq::AddOperand() {
+    return AddFrom(spareOperands, node::Memory::ListWithRoom, sizeof(node) + node::ROOM, nullptr);
 }
 
 node* Deq::AddCopy(const node* term, node* before) {
-    node* const copy = term->text || term->value ? AddOperand(before) : Add(before);
+    node* const copy = term->text || term->value ? AddFrom(spareOperands, node::Memory::ListWithRoom,
+                                                           sizeof(node) + node::ROOM, before)
+                                                 : AddFrom(spare, node::Memory::List, sizeof(node), before);
     if (term->text) copy->SetText(term->text);
     copy->type = term->type;
     copy->level = term->level;

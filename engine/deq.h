@@ -183,12 +183,13 @@ public:
     // Appends a node, which the list then owns. Returns it.
     node* Push(node* term) { return Insert(term, static_cast<node*>(nullptr)); }
 
-    // Insert a new node in memory of the list before a node of it, or append it: it may be deleted, but not
-    // taken. An operand has room for its value or its text.
-    node* Add(node* before = nullptr);
-    node* AddOperand(node* before = nullptr);
+    // Append a new node in memory of the list: it may be deleted, but not taken. An operand has room for its
+    // value or its text.
+    node* Add();
+    node* AddOperand();
 
-    // Inserts such a node with the other's text, type and level, and the value of a number.
+    // Inserts such a node before one of this list, or appends it, with the other's text, type and level, and
+    // the value of a number.
     node* AddCopy(const node* term, node* before = nullptr);
 
     // Appends a new node of level 0 without a value. It takes ownership of `text` (from new char[]); the
@@ -244,6 +245,7 @@ private:
 
     void BeginBlock();
     void* NewRoom(size_t size);
+    void Link(node* term, node* before);
     node* AddFrom(node*& spares, node::Memory memory, size_t size, node* before);
 
     std::vector<Block> blocks;
