@@ -3,10 +3,23 @@
 
 #import "Interface.h"
 #import "MainConsole.h"
+#import "Platform.h"
 
 @implementation HUDViewWithBlur
 
 @synthesize mainConsole;
+
+// What is typed while a control has the keyboard's focus, and is none of its keys, is for the entry. Escape
+// and F6 only go back there; Tab is the window's.
+- (void)keyDown:(NSEvent*)event {
+    const uint32_t key = platformKeyCode(event);
+    if (key == KEY_TAB || [[self window] firstResponder] == mainConsole) {
+        [super keyDown:event];
+        return;
+    }
+    [[self window] makeFirstResponder:mainConsole];
+    if (key != KEY_ESCAPE && key != KEY_F6) [mainConsole keyDown:event];
+}
 
 // The superclass keeps a press to itself and hands the drags on, which would then begin nowhere.
 - (NSResponder*)dragger {

@@ -40,8 +40,7 @@ static NSTextField* buildStatusLine(NSRect frame) {
 }
 
 static NSSegmentedControl* buildSegments(NSArray* labels, CGFloat width, MainConsole* target, SEL action) {
-    NSSegmentedControl* const control = [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
-    centerSegmentLabels(control);
+    NSSegmentedControl* const control = makeSegmentedControl();
     [control setSegmentCount:static_cast<NSInteger>([labels count])];
     for (NSUInteger i = 0; i < [labels count]; ++i) {
         [control setLabel:[labels objectAtIndex:i] forSegment:static_cast<NSInteger>(i)];
@@ -82,7 +81,10 @@ static void buildControls(NSView* content, MainConsole* console) {
     NSPopUpButton* const vars = buildPopUp(@"Vars", console, @selector(clickedVarsMenu:));
     NSPopUpButton* const functions = buildPopUp(@"Func", console, @selector(clickedFuncMenu:));
     const CGFloat widths[] = {128, 86, 76, 76};
-    placeControls(content, @[ base, mode, vars, functions ], widths);
+    NSArray* const controls = @[ base, mode, vars, functions ];
+    placeControls(content, controls, widths);
+    for (NSUInteger i = 0; i < 4; ++i)
+        [[controls objectAtIndex:i] setNextKeyView:[controls objectAtIndex:(i + 1) % 4]];
     [console setCtrlBase:base];
     [console setCtrlDegMode:mode];
     [console setMenuVars:vars];

@@ -67,6 +67,11 @@ constexpr KeyRow KEYS[] = {
             "newer; Return puts it at the prompt, Escape gives up"),
     control("Control-F", 'f', K::Find,
             "finds a text in the window, likewise; Return leaves it selected, Escape goes back to the entry"),
+    key("F6", KEY_F6, 0, K::Controls,
+        "to the controls above: Tab goes on to the next one, Left and Right choose, Space opens a list, "
+        "Escape "
+        "goes back to the entry"),
+    key("F10", KEY_F10, 0, K::MenuBar, "opens the menus: the arrows choose, Return takes, Escape closes"),
     key("Backspace", KEY_BACKSPACE, 0, K::Backspace, "delete in the entry; the prompt and the answers stay"),
     key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
     typed("`+`", '+', K::Operator,

@@ -16,6 +16,8 @@ enum VirtualKey : uint32_t {
     KEY_BACKSPACE = 51,
     KEY_ESCAPE = 53,
     KEY_ENTER = 76, // keypad
+    KEY_F6 = 97,
+    KEY_F10 = 109,
     KEY_HOME = 115,
     KEY_FORWARD_DELETE = 117,
     KEY_END = 119,
@@ -60,8 +62,10 @@ enum class KeyAction {
     Copy,
     Find,        // in the transcript
     FindEarlier, // an earlier entry
-    Interrupt,   // ends what runs, and is looked for only then
-    Menu         // the menu's alone
+    Controls,    // to those above the console
+    MenuBar,
+    Interrupt, // ends what runs, and is looked for only then
+    Menu       // the menu's alone
 };
 
 enum class Target { FirstResponder, Console, Delegate, Preferences, Application };

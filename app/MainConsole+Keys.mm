@@ -58,6 +58,8 @@ static NSRange rangeOf(const EntryRange& range) {
     case KeyEffect::Then::Copy: [self copy:self]; return;
     case KeyEffect::Then::Find: [self beginSearch:Search::In::Transcript]; return;
     case KeyEffect::Then::FindEarlier: [self beginSearch:Search::In::History]; return;
+    case KeyEffect::Then::Controls: [[self window] makeFirstResponder:ctrlBase]; return;
+    case KeyEffect::Then::MenuBar: platformOpenMenuBar([self window]); return;
     case KeyEffect::Then::Hide: [myAppDelegate clickedAppStatusItem:self]; break;
     case KeyEffect::Then::Pass: [super keyDown:event]; break;
     case KeyEffect::Then::Preview: break;

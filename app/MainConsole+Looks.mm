@@ -3,6 +3,7 @@
 // The colors of the console, the shades of what is written there, and the bracket that is marked.
 #import "MainConsole.h"
 
+#import "Controls.h"
 #import "Platform.h"
 
 #include "Brackets.h"
@@ -91,16 +92,25 @@ static NSColor* colorOf(TextKind kind, const TextShades& shades) {
     return colorOf(kind == TextKind::Error ? shades.error : shades.answer);
 }
 
+- (NSDictionary*)lookOf:(TextKind)kind {
+    if (kind == TextKind::Typed) return textLook([self font], [self textColor]);
+    NSMutableDictionary* const look = textLook([self font], colorOf(kind, [self shades]));
+    [look setObject:@(static_cast<int>(kind)) forKey:KIND];
+    return look;
+}
+
+- (NSAttributedString*)text:(NSString*)text as:(TextKind)kind {
+    NSMutableDictionary* const look = [NSMutableDictionary dictionaryWithDictionary:[self lookOf:kind]];
+    if ([self defaultParagraphStyle])
+        [look setObject:[self defaultParagraphStyle] forKey:NSParagraphStyleAttributeName];
+    return [[[NSAttributedString alloc] initWithString:text attributes:look] autorelease];
+}
+
 - (void)show:(NSRange)range as:(TextKind)kind {
     NSTextStorage* const storage = [self textStorage];
     [storage beginEditing];
-    if (kind == TextKind::Typed) {
-        [storage removeAttribute:KIND range:range];
-        [storage addAttribute:NSForegroundColorAttributeName value:[self textColor] range:range];
-    } else {
-        [storage addAttribute:KIND value:@(static_cast<int>(kind)) range:range];
-        [storage addAttribute:NSForegroundColorAttributeName value:colorOf(kind, [self shades]) range:range];
-    }
+    if (kind == TextKind::Typed) [storage removeAttribute:KIND range:range];
+    [storage addAttributes:[self lookOf:kind] range:range];
     [storage endEditing];
 }
 

@@ -64,7 +64,12 @@ static NSInteger segmentOf(int base) {
     [menuDispDec setState:base == 10 ? NSOnState : NSOffState];
     [menuDispHex setState:base == 16 ? NSOnState : NSOffState];
     [ctrlBase setSelectedSegment:segmentOf(base)];
-    [self saveSettings];
+    [self saveShown];
+}
+
+// While a script runs its changes are written a second later, all together.
+- (void)saveShown {
+    if (![self isReplaying]) [self saveSettings];
     [self ProcessResult:nullptr:YES];
 }
 
@@ -77,8 +82,7 @@ static NSInteger segmentOf(int base) {
 - (void)setDegreeMode:(int)degrees {
     [self setSetting:@"degmode" to:degrees];
     [ctrlDegMode setSelectedSegment:degrees == 1 ? 0 : 1];
-    [self saveSettings];
-    [self ProcessResult:nullptr:YES];
+    [self saveShown];
 }
 
 // --- The size of the text ---

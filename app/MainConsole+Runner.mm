@@ -69,6 +69,7 @@ static const size_t QUICK_HEAD = 6;
 
 - (void)ProcessResult:(const char*)line:(BOOL)quick {
     if (isAtWork) return;
+    if (quick && !line && [self isReplaying]) return; // its output stands where the entry does
     [self copySettingsToEngine];
     if (!line && !quick) record.Add(bytesOf([self typedEntry]));
     isAtWork = !quick;
@@ -100,23 +101,32 @@ static const size_t QUICK_HEAD = 6;
 }
 
 - (void)showOutput:(const std::string&)output of:(const char*)line {
-    if (line && (prompt[0] == '\0' || output.empty())) return;
     if (line) {
-        if ([self isReplaying]) [self leaveEmptyPrompt];
-        [self insertWithoutPrompt:output.c_str()];
-    } else if (!output.empty() && prompt[0] == '\0') {
+        if (prompt[0] != '\0' && !output.empty()) [self showScriptLine:output];
+        return;
+    }
+    if (!output.empty() && prompt[0] == '\0') {
         [self insertPrePrompt:output.c_str():3];
     } else {
         [self insertWithNewPrompt:output.c_str()];
     }
     if (calc.status != STATUS_ERROR) return;
     const NSUInteger length = [textFromBytes(calc.message) length]; // at the end of the output
-    const NSUInteger end = line ? [[self string] length] : static_cast<NSUInteger>(g_linestart) - 3;
+    const NSUInteger end = static_cast<NSUInteger>(g_linestart) - 3;
     [self show:NSMakeRange(end - length, length) as:TextKind::Error];
+}
+
+- (void)showScriptLine:(const std::string&)output {
+    if ([self isReplaying]) [self leaveEmptyPrompt];
+    const size_t length = calc.status == STATUS_ERROR ? strlen(calc.message) : 0; // at its end
+    [self addScriptOutput:output.substr(0, output.size() - length) as:TextKind::Output];
+    [self addScriptOutput:output.substr(output.size() - length) as:TextKind::Error];
+    if (![self isReplaying]) [self showScriptOutput];
 }
 
 // A pause or a typed-out text that was entered at the prompt ends with a new prompt like every other entry.
 - (void)runCommandOf:(const char*)line {
+    [self showScriptOutput];
     const std::string command = calc.message; // a preview meanwhile would empty it
     const ConsoleCommand::Kind kind = consoleCommand(command).kind;
     const bool isTimed = kind == ConsoleCommand::Kind::Pause || kind == ConsoleCommand::Kind::TypeOut;

@@ -160,8 +160,10 @@ static void keepFolder(NSSavePanel* panel) {
 
 - (void)replayScript:(const std::string&)bytes {
     [self insertWithoutPrompt:"\n"];
+    [self watchInterrupts];
     scripts.isReplaying = true;
     [self replay:Script(bytes)];
+    [self showScriptOutput];
     scripts.isReplaying = false;
     [self populateVarsMenu];
     [self populateFuncMenu];

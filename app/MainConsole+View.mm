@@ -57,13 +57,30 @@ static NSString* const PROMPT = @"> ";
     [self gotoEnd];
 }
 
-- (void)append:(NSString*)text as:(TextKind)kind {
-    [self gotoEnd];
-    const NSUInteger start = [[self string] length];
-    [self replaceSelection:text];
-    [self show:NSMakeRange(start, [[self string] length] - start) as:kind];
+- (void)append:(NSAttributedString*)text {
+    const NSRange end = NSMakeRange([[self string] length], 0);
+    [self breakUndoCoalescing];
+    if (![self shouldChangeTextInRange:end replacementString:[text string]]) return;
+    [[self textStorage] replaceCharactersInRange:end withAttributedString:text];
+    [self didChangeText];
     [self forgetUndo];
     [self gotoEnd];
+}
+
+- (void)append:(NSString*)text as:(TextKind)kind {
+    [self append:[self text:text as:kind]];
+}
+
+- (void)addScriptOutput:(const std::string&)text as:(TextKind)kind {
+    if (!scriptOutput) scriptOutput = [[NSMutableAttributedString alloc] init];
+    [scriptOutput appendAttributedString:[self text:textFromBytes(text.c_str()) as:kind]];
+}
+
+- (void)showScriptOutput {
+    if ([scriptOutput length] == 0) return;
+    NSAttributedString* const text = [scriptOutput autorelease];
+    scriptOutput = nil;
+    [self append:text];
 }
 
 - (void)insertPrompt {
@@ -81,6 +98,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (void)leaveEmptyPrompt {
+    if ([scriptOutput length] > 0) return;
     const NSUInteger length = [[self string] length];
     if (length == static_cast<NSUInteger>(g_linestart) && [[self string] hasSuffix:PROMPT])
         [self insertWithoutPrompt:"\n"];
@@ -91,6 +109,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (void)insertTextPrePrompt:(NSString*)text:(int32_t)backCount {
+    [self showScriptOutput];
     const auto place = static_cast<NSUInteger>(std::max(g_linestart - backCount, 0));
     [self replaceCharactersInRange:NSMakeRange(place, 0) withString:text];
     [self show:NSMakeRange(place, [text length]) as:TextKind::Output];

@@ -63,10 +63,11 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     NSMenuItem* menuDispHex;
     NSPopUpButton* menuVars;
     NSPopUpButton* menuFuncs;
-    BOOL isAtWork;      // an entry runs, or the command that it handed over
-    NSColor* textColor; // the person's: what was typed has it
-    NSRect bracketMark; // where a bracket is marked; empty: none is
-    int32_t prevgis;    // the start of the entry and the base at the previous call of setDisplayBase
+    NSMutableAttributedString* scriptOutput; // of the script that runs, and not shown yet
+    BOOL isAtWork;                           // an entry runs, or the command that it handed over
+    NSColor* textColor;                      // the person's: what was typed has it
+    NSRect bracketMark;                      // where a bracket is marked; empty: none is
+    int32_t prevgis; // the start of the entry and the base at the previous call of setDisplayBase
     int prevbase;
 }
 
@@ -114,6 +115,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 @property(nonatomic, assign) NSPopUpButton* menuFuncs;
 @end
 
+enum class TextKind { Typed, Output, Error };
+
 @interface MainConsole (View)
 - (void)gotoEnd;                          // an empty selection at the end, scrolled into view
 - (void)replaceSelection:(NSString*)text; // in place of the selection
@@ -127,6 +130,11 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 
 // Appends the 8-bit string; the entry's start stays where it was.
 - (void)insertWithoutPrompt:(const char*)text;
+
+// Output of a script that runs, in Latin-1. To lay out each of thousands of lines by itself takes long: they
+// are shown together.
+- (void)addScriptOutput:(const std::string&)text as:(TextKind)kind;
+- (void)showScriptOutput;
 
 // A script's output does not stand behind the prompt that "clear" or "gospel" left: it begins a line of its
 // own.
@@ -227,13 +235,13 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 - (void)reportUnwritten; // what could not be written, on standard error
 @end
 
-enum class TextKind { Typed, Output, Error };
-
 @interface MainConsole (Looks)
 // The console and what stands around it in these colors; nil changes nothing.
 - (void)showTextColor:(NSColor*)text background:(NSColor*)back;
 
-// How a part of the text looks. It keeps its kind when the colors change; copies are plain text.
+// Text as it looks, and how a part of the text is to look. It keeps its kind when the colors change; copies
+// are plain text.
+- (NSAttributedString*)text:(NSString*)text as:(TextKind)kind;
 - (void)show:(NSRange)range as:(TextKind)kind;
 
 - (void)markBracket; // the one that belongs to that at the cursor, which has moved

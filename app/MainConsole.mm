@@ -57,6 +57,7 @@ std::string bytesOf(NSString* text, NSStringEncoding encoding) {
     [settings release];
     [nameList release];
     [textColor release];
+    [scriptOutput release];
     [super dealloc];
 }
 
@@ -73,13 +74,19 @@ static bool isInterrupted() {
     @autoreleasepool {
         if (longFrom && now >= *longFrom) [self sayThatItTakesLong];
         [self writeDueFiles];
+        if ([self isReplaying]) {
+            [self showScriptOutput];
+            [self displayIfNeeded];
+        }
         return [self checkInterruptEvent] != 0;
     }
 }
 
+// A script is watched as a whole: thousands of short lines would never be interrupted.
 - (void)watchInterrupts {
-    lastInterruptCheck = std::chrono::steady_clock::now();
-    longFrom = lastInterruptCheck + LONG_TIME;
+    const auto now = std::chrono::steady_clock::now();
+    if (![self isReplaying]) lastInterruptCheck = now;
+    longFrom = now + LONG_TIME;
 }
 
 // No event is dealt with while an entry runs: it has to be drawn here.
@@ -244,7 +251,8 @@ static bool writesDecimalComma() {
 
 - (void)presentSheet:(NSArray*)sheet {
     // A script that runs looks for interruptions, and timers fire meanwhile: it would wait for the sheet.
-    if (isAtWork || [self isReplaying]) {
+    // Nor can one that a script has closed be asked, which ends the program.
+    if (isAtWork || [self isReplaying] || !isShown([self window])) {
         [self performSelector:@selector(presentSheet:) withObject:sheet afterDelay:SHEET_DELAY];
         return;
     }

@@ -64,6 +64,10 @@ NSString* platformSheetText(NSString* text);
 // where a row of the table of keys says so, and Command, which is Alt there, as everywhere.
 NSMenu* platformMenuBar(NSString* title);
 
+// Opens the first menu of the bar in the window for the keyboard and returns when all are closed again: the
+// arrows choose, Return takes an item, Escape and the mouse close. Nothing on macOS, whose own keys do that.
+void platformOpenMenuBar(NSWindow* window);
+
 // Lets the item of a menu show and do what its key does on this platform.
 void platformFitMenuItem(NSMenuItem* item, const KeyRow& row);
 
@@ -100,9 +104,9 @@ NSColor* platformLinkColor();
 // Makes them light, or dark again, at once. Nothing on GNUstep without the theme above.
 void platformUseLook(bool isLight);
 
-// Centers the labels of a segmented control; GNUstep's own stand a little to the right. To be called before
-// the labels are set.
-void centerSegmentLabels(NSSegmentedControl* control);
+// A segmented control with its labels in the middle, which shows the keyboard's focus and in which Left and
+// Right choose. GNUstep's own has its labels a little to the right and takes no keys.
+NSSegmentedControl* makeSegmentedControl();
 
 // A color well that shows whether it has the keyboard's focus and opens the color panel with the space bar
 // and with Return, which GNUstep's own does not.

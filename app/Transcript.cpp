@@ -77,6 +77,8 @@ KeyEffect Transcript::Act(KeyAction action, const KeyPress& key, bool minusIsSig
     case KeyAction::Complete: return Complete();
     case KeyAction::Find: return only(Then::Find);
     case KeyAction::FindEarlier: return only(Then::FindEarlier);
+    case KeyAction::Controls: return only(Then::Controls);
+    case KeyAction::MenuBar: return only(Then::MenuBar);
     case KeyAction::Escape: return Escape();
     case KeyAction::Backspace: return Erase(false);
     case KeyAction::Delete: return Erase(true);

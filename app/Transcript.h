@@ -57,7 +57,9 @@ struct KeyEffect {
         Hide,
         Copy,
         Find,
-        FindEarlier
+        FindEarlier,
+        Controls,
+        MenuBar
     };
     bool goesToEnd = false; // the cursor, and into view
     std::optional<EntryRange> select = std::nullopt;

@@ -47,8 +47,9 @@ int main(int argc, const char** argv) {
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];
     waitingToOpenFilenames = [paths mutableCopy];
-    [pool release];
-    [NSApp run]; // the end comes as applicationWillTerminate:, and exits
+    [NSApp
+        run]; // the end comes as applicationWillTerminate:, and exits: what is released then needs the pool
     [delegate release];
+    [pool release];
     return 0;
 }

@@ -293,10 +293,10 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 
 @end
 
-@interface CenteredSegmentedCell : NSSegmentedCell
+@interface FlatSegmentedCell : NSSegmentedCell
 @end
 
-@implementation CenteredSegmentedCell
+@implementation FlatSegmentedCell
 
 - (void)drawSegment:(NSInteger)segment inFrame:(NSRect)frame withView:(NSView*)view {
     const bool isOn = [self isSelectedForSegment:segment];
@@ -319,6 +319,50 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
         [self setSelectedSegment:i];
         return;
     }
+}
+
+@end
+
+@interface FlatSegmentedControl : NSSegmentedControl
+@end
+
+@implementation FlatSegmentedControl
+
++ (Class)cellClass {
+    return [FlatSegmentedCell class];
+}
+
+- (BOOL)acceptsFirstResponder {
+    return YES;
+}
+
+- (BOOL)becomeFirstResponder {
+    [self setNeedsDisplay:YES];
+    return YES;
+}
+
+- (BOOL)resignFirstResponder {
+    [self setNeedsDisplay:YES];
+    return YES;
+}
+
+- (void)keyDown:(NSEvent*)event {
+    const uint32_t key = platformKeyCode(event);
+    const NSInteger next = [self selectedSegment] + (key == KEY_RIGHT ? 1 : -1);
+    if (key != KEY_LEFT && key != KEY_RIGHT) {
+        [super keyDown:event];
+    } else if (next >= 0 && next < [self segmentCount]) {
+        [self setSelectedSegment:next];
+        [self sendAction:[self action] to:[self target]];
+        [[self window] makeFirstResponder:self]; // which a click would leave to the entry
+    }
+}
+
+- (void)drawRect:(NSRect)dirty {
+    [super drawRect:dirty];
+    if ([[self window] firstResponder] != self) return;
+    [focus() set];
+    NSFrameRectWithWidth([self bounds], 2);
 }
 
 @end
@@ -391,6 +435,6 @@ void platformUseLook(bool isLight) {
     if ([theme isKindOfClass:[FlatTheme class]]) [static_cast<FlatTheme*>(theme) becomeLight:isLight];
 }
 
-void centerSegmentLabels(NSSegmentedControl* control) {
-    [control setCell:[[[CenteredSegmentedCell alloc] init] autorelease]];
+NSSegmentedControl* makeSegmentedControl() {
+    return [[[FlatSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
 }

@@ -383,6 +383,14 @@ static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint plac
     [self openList:nil];
 }
 
+- (void)keyDown:(NSEvent*)event {
+    const uint32_t key = platformKeyCode(event);
+    if (key == KEY_DOWN || key == KEY_RETURN || [[event characters] isEqualToString:@" "])
+        [self openList:nil];
+    else
+        [[self nextResponder] keyDown:event]; // the superclass keeps Escape to itself
+}
+
 @end
 
 NSPopUpButton* makeListPopUp(NSString* title) {

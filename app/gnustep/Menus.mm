@@ -105,6 +105,79 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
 
 @end
 
+// The bar's own view, in the window.
+static NSMenuView* barIn(NSView* view) {
+    if ([view isKindOfClass:[NSMenuView class]]) return (NSMenuView*)view;
+    for (NSView* const one in [view subviews]) {
+        NSMenuView* const found = barIn(one);
+        if (found) return found;
+    }
+    return nil;
+}
+
+// Highlights the next item in that direction that can be chosen, and behind the last one the first.
+static void step(NSMenuView* view, NSInteger direction, NSInteger place) {
+    NSMenu* const menu = [view menu];
+    const NSInteger count = [menu numberOfItems];
+    for (NSInteger i = 0; i < count; ++i) {
+        place = (place + direction + count) % count;
+        NSMenuItem* const item = (NSMenuItem*)[menu itemAtIndex:place];
+        if ([item isSeparatorItem] || ![item isEnabled]) continue;
+        [view setHighlightedItemIndex:place];
+        return;
+    }
+}
+
+static NSMenuView* openMenu(NSMenuView* bar, NSInteger place) {
+    [bar detachSubmenu];
+    [bar setHighlightedItemIndex:place];
+    if (place < 0) return nil;
+    [[[[bar menu] itemAtIndex:place] submenu] update];
+    [bar attachSubmenuForItemAtIndex:place];
+    NSMenuView* const opened = [bar attachedMenuView];
+    step(opened, 1, -1);
+    return opened;
+}
+
+// What the event does with the menu at `place` of the bar: where it goes, -1 for the end.
+static NSInteger afterEvent(NSEvent* event, NSMenuView* menu, NSInteger place, NSInteger count) {
+    const bool isPress = [event type] == NSLeftMouseDown || [event type] == NSRightMouseDown;
+    if ([event type] != NSKeyDown) return isPress ? -1 : place;
+    switch (platformKeyCode(event)) {
+    case KEY_LEFT: return (place + count - 1) % count;
+    case KEY_RIGHT: return (place + 1) % count;
+    case KEY_UP: step(menu, -1, [menu highlightedItemIndex]); return place;
+    case KEY_DOWN: step(menu, 1, [menu highlightedItemIndex]); return place;
+    default: return -1;
+    }
+}
+
+void platformOpenMenuBar(NSWindow* window) {
+    NSMenuView* const bar = barIn([[window contentView] superview]);
+    if (!bar) return;
+    NSMenuView* menu = nil;
+    NSMenu* chosen = nil;
+    NSInteger row = -1;
+    for (NSInteger place = 0, shown = -1; place >= 0;) {
+        if (place != shown) menu = openMenu(bar, place);
+        shown = place;
+        [menu display]; // as above
+        [[menu window] flushWindow];
+        NSEvent* const event = [NSApp nextEventMatchingMask:NSKeyDownMask | BUTTONS
+                                                  untilDate:[NSDate dateWithTimeIntervalSinceNow:LOOK]
+                                                     inMode:NSEventTrackingRunLoopMode
+                                                    dequeue:YES];
+        if (!event) continue;
+        place = afterEvent(event, menu, place, [[bar menu] numberOfItems]);
+        const uint32_t key = [event type] == NSKeyDown ? platformKeyCode(event) : KEY_OTHER;
+        if (key != KEY_RETURN && key != KEY_ENTER) continue;
+        chosen = [menu menu];
+        row = [menu highlightedItemIndex];
+    }
+    openMenu(bar, -1);
+    if (row >= 0) [chosen performActionForItemAtIndex:row];
+}
+
 NSMenu* platformMenuBar(NSString* title) {
     return [[[KeyMenu alloc] initWithTitle:title] autorelease];
 }

@@ -52,6 +52,8 @@ uint32_t platformKeyCode(NSEvent* event) {
     case 8:
     case 127: return KEY_BACKSPACE;
     case NSDeleteFunctionKey: return KEY_FORWARD_DELETE;
+    case NSF6FunctionKey: return KEY_F6;
+    case NSF10FunctionKey: return KEY_F10;
     case NSHomeFunctionKey: return KEY_HOME;
     case NSEndFunctionKey: return KEY_END;
     case NSLeftArrowFunctionKey: return KEY_LEFT;

@@ -96,7 +96,9 @@ void useFlatTheme() {
     platformUseLook(false);
 }
 
-void centerSegmentLabels(NSSegmentedControl*) {}
+NSSegmentedControl* makeSegmentedControl() {
+    return [[[NSSegmentedControl alloc] initWithFrame:NSZeroRect] autorelease];
+}
 
 NSColorWell* makeColorWell() {
     return [[[NSColorWell alloc] initWithFrame:NSZeroRect] autorelease];
@@ -112,5 +114,7 @@ NSPopUpButton* makeListPopUp(NSString* title) {
 NSMenu* platformMenuBar(NSString* title) {
     return [[[NSMenu alloc] initWithTitle:title] autorelease];
 }
+
+void platformOpenMenuBar(NSWindow*) {}
 
 void platformFitMenuItem(NSMenuItem*, const KeyRow&) {}

@@ -139,6 +139,8 @@ static NSString* charactersOf(uint32_t virtualKey) {
         uint32_t key;
         unichar character;
     } keys[] = {{KEY_FORWARD_DELETE, NSDeleteFunctionKey},
+                {KEY_F6, NSF6FunctionKey},
+                {KEY_F10, NSF10FunctionKey},
                 {KEY_HOME, NSHomeFunctionKey},
                 {KEY_END, NSEndFunctionKey},
                 {KEY_LEFT, NSLeftArrowFunctionKey},

@@ -52,6 +52,11 @@ protected:
         [console showTextColor:color(text) background:color(back)];
     }
 
+    template <typename Type> Type& PartOf(const char* name) const {
+        Ivar const part = class_getInstanceVariable([MainConsole class], name);
+        return *reinterpret_cast<Type*>(reinterpret_cast<char*>(console) + ivar_getOffset(part));
+    }
+
     std::string Hint() const {
         Ivar const field = class_getInstanceVariable([MainConsole class], "answerStatus");
         NSString* const hint = [[object_getIvar(console, field) cell] placeholderString];
@@ -136,7 +141,7 @@ TEST_F(Looks, ARestoredTranscriptHasTheShades) {
 }
 
 TEST_F(Looks, TextThatIsTypedOutHasTheShadeOfAnswers) {
-    Enter("echo1 slowly");
+    Enter("echo100 slowly");
     ExpectSame(ColorOf("slowly"), Wanted().answer);
     EXPECT_EQ(Entry(), "");
     ShowColors({0, 0, 0}, {1, 1, 1});
@@ -205,10 +210,7 @@ class BracketMark : public Looks {
 protected:
     bool IsMarked() const { return !NSIsEmptyRect(Mark()); }
 
-    NSRect Mark() const {
-        Ivar const mark = class_getInstanceVariable([MainConsole class], "bracketMark");
-        return *reinterpret_cast<NSRect*>(reinterpret_cast<char*>(console) + ivar_getOffset(mark));
-    }
+    NSRect Mark() const { return PartOf<NSRect>("bracketMark"); }
 
     // Where a character of the entry stands.
     NSRect PlaceOf(NSUInteger place) const {
@@ -292,7 +294,10 @@ TEST_F(Looks, ALongEntryIsSaidToBeCalculated) {
     [console watchInterrupts];
     EXPECT_FALSE([console isInterrupted]);
     EXPECT_EQ(StatusLine(), "");
-    usleep(1060000);
+    // Later than both: it looks again, and a second has gone by.
+    using Clock = std::chrono::steady_clock;
+    PartOf<Clock::time_point>("lastInterruptCheck") -= std::chrono::seconds(1);
+    PartOf<std::optional<Clock::time_point>>("longFrom") = Clock::now();
     EXPECT_FALSE([console isInterrupted]);
     EXPECT_EQ(StatusLine(), "Calculating... Escape ends it.");
     Enter("1+1");

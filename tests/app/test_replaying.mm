@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // Scripts that are replayed: their lines, and what ends or delays them.
+#import "replacement.h"
 #import "script_fixture.h"
 
 #include <chrono>
+#include <cstdlib>
 
 class Replaying : public ScriptTest {};
 
@@ -182,4 +184,88 @@ TEST_F(Replaying, AScriptThatComesDuringAnEntryWaitsForItsEnd) {
     [console entryDidRun];
     WaitForVariable("y");
     EXPECT_EQ(Variable("y"), "1");
+}
+
+// --- Long scripts ---
+
+namespace {
+
+int layouts = 0, settingsWrites = 0;
+
+void (*originalAppend)(id, SEL, NSAttributedString*) = nullptr;
+
+void countAppend(id self, SEL command, NSAttributedString* text) {
+    ++layouts;
+    originalAppend(self, command, text);
+}
+
+void countSettings(id, SEL) {
+    ++settingsWrites;
+}
+
+std::string repeated(const char* line, int times) {
+    std::string lines;
+    for (int i = 0; i < times; ++i) lines += line;
+    return lines;
+}
+
+NSUInteger charactersLookedAt = 0;
+NSString* (*originalRest)(id, SEL, NSUInteger) = nullptr;
+
+NSString* countRest(id self, SEL command, NSUInteger from) {
+    NSString* const rest = originalRest(self, command, from);
+    charactersLookedAt += [rest length];
+    return rest;
+}
+
+} // namespace
+
+// Lines are gathered for as long as no interruption is looked for, which is said here to be never.
+TEST_F(Replaying, TheOutputOfShortLinesIsLaidOutTogether) {
+    const Replaced check(
+        [MainConsole class], @selector(isInterrupted), +[](id, SEL) -> BOOL { return NO; });
+    const Replaced append([MainConsole class], @selector(append:), countAppend);
+    originalAppend = reinterpret_cast<decltype(originalAppend)>(append.Implementation());
+    layouts = 0;
+    const std::string text = Replay(repeated("echo a\n1/0\n", 300));
+    EXPECT_EQ(text, "\n" + repeated("a\n** ERROR: divide by zero **\n", 300) + "\n> ");
+    EXPECT_LE(layouts, 3) << "a line feed, the output, the prompt";
+}
+
+// What stands where the entry does is no entry: neither brackets nor a preview are looked for in it.
+TEST_F(Replaying, NoLineLooksAtTheOutputAboveIt) {
+    const Replaced rest([[console string] class], @selector(substringFromIndex:), countRest);
+    originalRest = reinterpret_cast<decltype(originalRest)>(rest.Implementation());
+    charactersLookedAt = 0;
+    Replay(repeated("echo (a)\nmode rad\nmode deg\n", 200));
+    EXPECT_LT(charactersLookedAt, 600u * 100); // lines
+}
+
+TEST_F(Replaying, ItsSettingsAreWrittenTogether) {
+    {
+        const Replaced save([MainConsole class], @selector(saveSettings), countSettings);
+        settingsWrites = 0;
+        Replay(repeated("mode rad\ndisplay hex\nmode deg\ndisplay bin\n", 20));
+        EXPECT_EQ(settingsWrites, 0);
+    }
+    WriteWhatIsDue();
+    const std::string settings = Read(SettingsPath());
+    EXPECT_NE(settings.find("<key>dispbase</key>\n\t<integer>2</integer>"), std::string::npos) << settings;
+}
+
+TEST_F(Replaying, EscapeEndsAScriptOfShortLines) {
+    const int many = 200000;
+    Post(@"\033");
+    Replay("n=0\n" + repeated("n=n+1\n", many));
+    EXPECT_LT(atoi(Variable("n").c_str()), many);
+    EXPECT_EQ(Entry(), "");
+    Enter("1+1");
+    EXPECT_STREQ(calc.lastAnswer, "2");
+}
+
+TEST_F(Replaying, OutputAboveWhatAnotherLineWritesStaysAboveIt) {
+    EXPECT_EQ(Replay("echo one\necho100 two\necho three\n6*7\ndisplay hex\necho four\nclear\necho five\n"),
+              "\nfive\n\n> ");
+    EXPECT_EQ(Replay("echo one\npause 1\necho100 two\n1/0\necho three\n"),
+              "\none\ntwo\n** ERROR: divide by zero **\nthree\n\n> ");
 }

@@ -92,6 +92,15 @@ class Endings(unittest.TestCase):
     def test_a_termination_writes_what_is_due(self):
         self.expect_written_after(signal.SIGTERM)
 
+    def test_the_end_leaves_no_remarks(self):
+        process = self.start(self.script("a.script", *[f"echo {n}" for n in range(2000)], "exit"))
+        self.assertEqual(process.wait(PATIENCE), 0)
+        self.assertNotIn("without pool", self.content("stderr"))
+
+    def test_a_first_start_ends_with_its_script_though_a_question_waits(self):
+        process = self.start(self.script("a.script", "pause 600", "exit"))
+        self.assertEqual(process.wait(PATIENCE), 0)
+
     def test_a_signal_ends_an_entry_that_would_take_long(self):
         lines = ["f0(x)=x"] + [f"f{i}(x)=f{i - 1}(x)+f{i - 1}(x)" for i in range(1, 41)]
         process = self.start("--trace", self.script("a.script", *lines, "a=(5)", "b=f40(1)"))

@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: MIT
+//
+// The controls of the window and its menus by the keyboard alone.
+#import "shell_fixture.h"
+
+#import "Interface.h"
+
+namespace {
+
+class KeyboardReach : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        buildMenus(reinterpret_cast<PelmoAppDelegate*>(delegate));
+        [window makeKeyAndOrderFront:nil];
+        [window makeFirstResponder:console];
+    }
+    void TearDown() override {
+        [NSApp discardEventsMatchingMask:NSKeyDownMask beforeEvent:nil];
+        [NSApp setMainMenu:[[[NSMenu alloc] initWithTitle:@""] autorelease]];
+        [NSApp setWindowsMenu:nil];
+        ShellTest::TearDown();
+    }
+
+    NSEvent* Event(unichar character, NSUInteger flags = 0) const {
+        NSString* const text = [NSString stringWithCharacters:&character length:1];
+        return [NSEvent keyEventWithType:NSKeyDown
+                                location:NSZeroPoint
+                           modifierFlags:flags
+                               timestamp:0
+                            windowNumber:[window windowNumber]
+                                 context:nil
+                              characters:text
+             charactersIgnoringModifiers:text
+                               isARepeat:NO
+                                 keyCode:0];
+    }
+
+    // To whatever has the keyboard's focus.
+    void Send(unichar character, NSUInteger flags = 0) const { [NSApp sendEvent:Event(character, flags)]; }
+
+    // Waits in the queue for what looks there.
+    void Wait(unichar character) const { [NSApp postEvent:Event(character) atStart:NO]; }
+
+    static NSUInteger VisibleWindows() {
+        NSUInteger count = 0;
+        for (NSWindow* const one in [NSApp windows]) count += [one isVisible];
+        return count;
+    }
+
+    bool HasFocus(const char* outlet) const { return [window firstResponder] == Outlet(outlet); }
+    bool ConsoleHasFocus() const { return [window firstResponder] == console; }
+
+    // Whether it looks another way with the focus than without.
+    bool ShowsFocus(NSView* view) const {
+        const auto picture = [&] {
+            [window display];
+            [view lockFocus];
+            NSBitmapImageRep* const bits =
+                [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[view bounds]] autorelease];
+            [view unlockFocus];
+            return [bits TIFFRepresentation];
+        };
+        [window makeFirstResponder:view];
+        NSData* const with = picture();
+        [window makeFirstResponder:console];
+        return with && ![with isEqualToData:picture()];
+    }
+};
+
+TEST_F(KeyboardReach, F6AndTabGoThroughTheControlsAndEscapeBack) {
+    const char* const outlets[] = {"ctrlBase", "ctrlDegMode", "menuVars", "menuFuncs"};
+    Press(KEY_F6);
+    for (const char* const outlet : outlets) {
+        EXPECT_TRUE(HasFocus(outlet)) << outlet;
+        Send('\t');
+    }
+    EXPECT_TRUE(HasFocus("ctrlBase")) << "behind the last one comes the first";
+    Send(25, NSShiftKeyMask);
+    EXPECT_TRUE(HasFocus("menuFuncs"));
+    Send(27);
+    EXPECT_TRUE(ConsoleHasFocus());
+    Press(KEY_F6);
+    Send(NSF6FunctionKey, NSFunctionKeyMask);
+    EXPECT_TRUE(ConsoleHasFocus());
+    EXPECT_EQ(Text(), "> ");
+}
+
+TEST_F(KeyboardReach, TheFocusIsSeen) {
+    for (const char* const outlet : {"ctrlBase", "ctrlDegMode", "menuVars", "menuFuncs"})
+        EXPECT_TRUE(ShowsFocus(Outlet(outlet))) << outlet;
+}
+
+TEST_F(KeyboardReach, LeftAndRightChooseASegment) {
+    Press(KEY_F6);
+    Send(NSLeftArrowFunctionKey, NSFunctionKeyMask);
+    EXPECT_EQ(SettingOf("dispbase"), 2);
+    Send(NSLeftArrowFunctionKey, NSFunctionKeyMask);
+    EXPECT_EQ(SettingOf("dispbase"), 2) << "there is none to its left";
+    Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
+    Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
+    EXPECT_EQ(SettingOf("dispbase"), 16);
+    Send('\t');
+    Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
+    EXPECT_EQ(SettingOf("degmode"), 0);
+}
+
+TEST_F(KeyboardReach, SpaceOpensAListOfWhichOneIsTyped) {
+    Enter("width=7");
+    Press(KEY_F6);
+    Send('\t');
+    Send('\t');
+    Wait('w');
+    Wait('\r');
+    Send(' ');
+    EXPECT_EQ(Entry(), "width");
+    EXPECT_TRUE(ConsoleHasFocus());
+}
+
+TEST_F(KeyboardReach, WhatIsTypedAtAControlIsForTheEntry) {
+    Press(KEY_F6);
+    Send('7');
+    EXPECT_TRUE(ConsoleHasFocus());
+    EXPECT_EQ(Entry(), "7");
+}
+
+// --- The menus ---
+
+TEST_F(KeyboardReach, F10OpensTheMenusInWhichTheArrowsChoose) {
+    Enter("5");
+    const NSInteger display = [[NSApp mainMenu] indexOfItemWithTitle:@"Display"];
+    for (NSInteger i = 0; i < display; ++i) Wait(NSRightArrowFunctionKey);
+    Wait(NSDownArrowFunctionKey); // behind Binary
+    Wait(NSDownArrowFunctionKey); // Hexadecimal
+    Wait('\r');
+    Press(KEY_F10);
+    EXPECT_EQ(SettingOf("dispbase"), 16);
+    const NSInteger count = [[NSApp mainMenu] numberOfItems];
+    for (NSInteger i = count; i > display; --i) Wait(NSLeftArrowFunctionKey); // round the first one
+    Wait(NSUpArrowFunctionKey);   // Default Size, the last one
+    Wait(NSUpArrowFunctionKey);   // Smaller
+    Wait('\r');
+    Press(KEY_F10);
+    EXPECT_EQ([[console font] pointSize], 12);
+}
+
+TEST_F(KeyboardReach, EscapeClosesTheMenus) {
+    const NSUInteger windows = VisibleWindows();
+    Wait(27);
+    Press(KEY_F10);
+    EXPECT_EQ(VisibleWindows(), windows);
+    Type("3");
+    EXPECT_EQ(Entry(), "3");
+}
+
+} // namespace
