@@ -201,7 +201,7 @@ std::string nearestUnit(std::string_view name) {
     for (const std::string& prefix : units_prefix_names()) {
         for (const std::string& unit : units) prefixed.push_back(prefix + unit);
     }
-    const std::string nearest = nearestName(name, prefixed);
+    std::string nearest = nearestName(name, prefixed);
     if (lowerCased(nearest) == lowerCased(std::string(name))) return nearest;
     std::string nearestAlone = nearestName(name, units);
     if (!nearestAlone.empty() || name.size() >= LONG) return nearestAlone.empty() ? nearest : nearestAlone;
