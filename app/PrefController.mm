@@ -6,7 +6,6 @@
 #import "Platform.h"
 
 #include <algorithm>
-#include <cctype>
 #include <climits>
 
 uint8_t prefWinIsOpen = 0;

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Completion.h"
 
-#include "Builtins.h"
 #include "Calculator.h"
 #include "Helpers_String.h"
 #include "units.h"
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 
 namespace {
 
@@ -127,7 +125,7 @@ Completion completionOf(const EntryPlace& place, std::vector<std::string> candid
 
 Completion completionsAt(const std::string& entry, size_t cursor, const ZqCalculator& calc) {
     const EntryPlace place = entryPlace(entry, cursor);
-    const bool isNumber = !place.word.empty() && place.word[0] >= '0' && place.word[0] <= '9';
+    const bool isNumber = !place.word.empty() && isDigit(place.word[0]);
     if (isNumber || place.head.find('#') != std::string::npos) return {place.start, {}};
     return completionOf(place, candidatesAt(place, calc, entry[cursor] == '('));
 }

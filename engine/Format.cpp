@@ -5,7 +5,6 @@
 #include "Outcome.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <utility>

@@ -7,7 +7,6 @@
 #include "Functions.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
 Evaluator::Operand Evaluator::OperandOf(const node* term) {

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
-#include <cstring>
 
 using limb::COUNT;
 using limb::Extended;

@@ -4,7 +4,6 @@
 // the last bit of its first one; what follows is less than that term.
 #include "qwide.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace wide {

@@ -6,7 +6,6 @@
 #include "units.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 #include <vector>
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Guide.h"
 
-#include "EntryText.h"
 #include "GuideText.h"
 #include "Helpers_String.h"
 #include "ScreenText.h"

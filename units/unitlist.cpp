@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 constexpr size_t MAX_POWERS = 1000000; // 16 MB

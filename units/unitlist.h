@@ -7,7 +7,6 @@
 
 #include <array>
 #include <map>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
