@@ -19,7 +19,7 @@ debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-g
 debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales bc apcalc qalc units
     man-db groff-base zsh fish
-    python3 python3-pexpect python3-pyte xvfb openbox xdotool xclip x11-utils imagemagick"
+    python3 python3-pexpect python3-pyte tmux xvfb openbox xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this
 # list on a Mac yet.
