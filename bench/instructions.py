@@ -27,6 +27,7 @@ def scripts():
         "start: 1+1": ["1+1"],
         "2,000 short lines": [f"{n}*2.5" for n in range(1, 2001)],
         "1,000 lines of calls": CALLS + [f"h({n})" for n in range(1, 1001)],
+        "1,000 calls that convert": ["f(x)=x*2 km->mi"] + [f"f({n})" for n in range(1, 1001)],
         "2^15 calls": chain + ["f14(1)"],
         "nested, 9,900 characters": ["(" * 4949 + "1" + ")" * 4949],
         "nested sums, 9,900 characters": ["(1+" * 2474 + "1" + ")" * 2474],

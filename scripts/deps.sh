@@ -31,7 +31,7 @@ brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck 
 programs_terminal="clang++ cmake ninja curl"
 programs_run="$programs_terminal gnustep-config"
 programs_test="$programs_run units man zsh fish g++ pkg-config clang-format clang-tidy cppcheck valgrind git
-    python3 Xvfb openbox xdotool xclip xprop import"
+    python3 tmux Xvfb openbox xdotool xclip xprop import"
 
 fail() {
     printf 'deps: %s\n' "$1" >&2
