@@ -85,6 +85,16 @@ std::string tableText(const std::vector<std::string_view>& rows, size_t width) {
     return text;
 }
 
+// With its title.
+std::string_view sectionOf(const std::string& title) {
+    const size_t start = GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
+    return GUIDE_TEXT.substr(start, GUIDE_TEXT.find("\n## ", start) - start);
+}
+
+bool containsIn(std::string_view text, std::string_view part) {
+    return lowerCased(std::string(text)).find(lowerCased(std::string(part))) != std::string::npos;
+}
+
 } // namespace
 
 std::string plainText(std::string_view markdown, int columns) {
@@ -121,16 +131,6 @@ std::string plainText(std::string_view markdown, int columns) {
     }
     endBlock();
     return text;
-}
-
-// With its title.
-static std::string_view sectionOf(const std::string& title) {
-    const size_t start = GUIDE_TEXT.find("\n" + std::string(TITLE) + title + "\n") + 1 + TITLE.size();
-    return GUIDE_TEXT.substr(start, GUIDE_TEXT.find("\n## ", start) - start);
-}
-
-static bool containsIn(std::string_view text, std::string_view part) {
-    return lowerCased(std::string(text)).find(lowerCased(std::string(part))) != std::string::npos;
 }
 
 std::vector<std::string> guideTopics(std::string_view something) {
