@@ -6,6 +6,7 @@
 #import "Controls.h"
 #import "Platform.h"
 
+#include "TypedSigns.h"
 #include "WordAt.h"
 
 #import <objc/runtime.h>
@@ -268,7 +269,11 @@ static NSString* asOneLine(NSString* text) {
 // when the entry has no room for all of it.
 - (BOOL)insertForeignText:(NSString*)text {
     [self endSearch];
-    NSString* const line = asOneLine(text);
+    TypedSigns signs; // of pages and letters
+    const std::string read = signs.Read(bytesOf(asOneLine(text)));
+    NSString* const line = [[[NSString alloc] initWithBytes:read.data()
+                                                     length:read.size()
+                                                   encoding:NSUTF8StringEncoding] autorelease];
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     // Part of a text would be another calculation.
     if (![self transcript].HasRoomFor([line length])) {
@@ -298,6 +303,18 @@ static NSString* asOneLine(NSString* text) {
     NSString* const text = [[self string] substringWithRange:dragged];
     [self setSelectedRange:NSMakeRange([self insertionPointAt:[sender draggingLocation]], 0)];
     return [self insertForeignText:text];
+}
+
+// The middle button, where it was clicked. GNUstep's own pastes what was selected here, at the release, which
+// it loses when that comes at once.
+- (void)otherMouseUp:(NSEvent*)event {
+}
+
+- (void)otherMouseDown:(NSEvent*)event {
+    NSString* const text = platformSelection();
+    if ([text length] == 0) return;
+    [self setSelectedRange:NSMakeRange([self insertionPointAt:[event locationInWindow]], 0)];
+    [self insertForeignText:text];
 }
 
 - (void)paste:(id)sender {

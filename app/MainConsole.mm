@@ -320,6 +320,7 @@ static bool writesDecimalComma() {
     [self saveSettings];
     [self saveFuncFile];
     [self reportUnwritten];
+    platformKeepClipboard();
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [funcFilePath release];
     [prefFilePath release];

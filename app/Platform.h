@@ -74,6 +74,13 @@ void platformFitMenuItem(NSMenuItem* item, const KeyRow& row);
 // Text that was selected, for other programs to paste with the middle button of the mouse. Nothing on macOS.
 void platformOfferSelection(NSString* text);
 
+// Text that is selected in any program, for the middle button to paste; nil for none, and on macOS.
+NSString* platformSelection();
+
+// Has the desktop's manager of clipboards, where one runs, take over what was copied, which would be lost with
+// the end of the program. Waits for it a second at most. Whether it has it. False on macOS, where it is kept.
+bool platformKeepClipboard();
+
 // Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape
 // only closes it. On macOS the keys select in menus.
 void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view);

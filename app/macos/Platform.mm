@@ -64,6 +64,14 @@ NSString* platformSheetText(NSString* text) {
 
 void platformOfferSelection(NSString*) {}
 
+NSString* platformSelection() {
+    return nil;
+}
+
+bool platformKeepClipboard() {
+    return false;
+}
+
 CGFloat platformScale() {
     return 1;
 }

@@ -24,6 +24,15 @@ protected:
 
 // --- Cut ---
 
+TEST_F(Pasting, NothingHidesBehindANul) {
+    NSPasteboard* const board = [NSPasteboard generalPasteboard];
+    [board declareTypes:@[ NSStringPboardType ] owner:nil];
+    [board setString:[NSString stringWithFormat:@"5%C+1", static_cast<unichar>(0)] forType:NSStringPboardType];
+    [console paste:nil];
+    Press(KEY_RETURN);
+    EXPECT_EQ(Text().find("ans = 5"), std::string::npos);
+}
+
 TEST_F(Pasting, CutAcrossThePromptTakesWhatIsInTheEntry) {
     Enter("1+2");
     Type("45");
