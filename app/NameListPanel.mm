@@ -45,7 +45,7 @@ static const size_t COLUMN = 14;  // characters of the name, before what it is
     const NSSize size = [content bounds].size;
     const CGFloat top = size.height - MARGIN - FIELD_HEIGHT;
     NSTextField* const label =
-        labelIn(content, @"Search:", NSMakeRect(MARGIN, top, LABEL - MARGIN, FIELD_HEIGHT));
+        labelIn(content, @"Search:", NSMakeRect(MARGIN, top, LABEL - MARGIN, FIELD_HEIGHT - 3));
     [label setAutoresizingMask:NSViewMinYMargin];
     [label setAlignment:NSRightTextAlignment];
     const NSRect place = NSMakeRect(LABEL + MARGIN, top, size.width - LABEL - 2 * MARGIN, FIELD_HEIGHT);
@@ -76,10 +76,17 @@ static const size_t COLUMN = 14;  // characters of the name, before what it is
 - (void)show {
     inSight.clear();
     starts.clear();
-    std::string text;
     for (size_t i = 0; i < rows.size(); ++i) {
-        if (![self row:rows[i] contains:[field stringValue]]) continue;
-        inSight.push_back(i);
+        if ([self row:rows[i] contains:[field stringValue]]) inSight.push_back(i);
+    }
+    // What begins as what is typed comes first.
+    const std::string start = bytesOf([[field stringValue] lowercaseString], NSISOLatin1StringEncoding);
+    std::stable_partition(inSight.begin(), inSight.end(), [&](size_t row) {
+        NSString* const name = [textFromBytes(rows[row].name.c_str()) lowercaseString];
+        return bytesOf(name, NSISOLatin1StringEncoding).compare(0, start.size(), start) == 0;
+    });
+    std::string text;
+    for (const size_t i : inSight) {
         std::string line = rows[i].shown;
         if (!rows[i].text.empty()) line.resize(std::max(line.size() + 2, COLUMN), ' ');
         starts.push_back(text.size()); // a byte is a character

@@ -137,8 +137,8 @@ TEST_F(KeyboardReach, F10OpensTheMenusInWhichTheArrowsChoose) {
     EXPECT_EQ(SettingOf("dispbase"), 16);
     const NSInteger count = [[NSApp mainMenu] numberOfItems];
     for (NSInteger i = count; i > display; --i) Wait(NSLeftArrowFunctionKey); // round the first one
-    Wait(NSUpArrowFunctionKey);   // Default Size, the last one
-    Wait(NSUpArrowFunctionKey);   // Smaller
+    Wait(NSUpArrowFunctionKey);                                               // Default Size, the last one
+    Wait(NSUpArrowFunctionKey);                                               // Smaller
     Wait('\r');
     Press(KEY_F10);
     EXPECT_EQ([[console font] pointSize], 12);

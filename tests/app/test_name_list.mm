@@ -171,6 +171,14 @@ TEST_F(NameLists, TheArrowsChooseALineWhichIsSeen) {
     EXPECT_EQ(Entry(), last.substr(0, last.find('(') + 1));
 }
 
+TEST_F(NameLists, NamesThatBeginAsWhatIsTypedComeFirst) {
+    Enter("hyp(a,b)=sqrt(a^2+b^2)");
+    [console showFunctions:nil];
+    Look(@"SQ");
+    EXPECT_EQ(LineAt(0).substr(0, 7), "sqrt(x)");
+    EXPECT_EQ(LineAt(1), "hyp(a,b)=sqrt(a^2+b^2)");
+}
+
 TEST_F(NameLists, AKeyThatLeavesTheFieldTakesNothing) {
     [console showUnits:nil];
     Look(@"siemens");
