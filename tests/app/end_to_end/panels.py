@@ -4,10 +4,22 @@
     tests/app/with_display.sh --wm env TALLYQUILL_APP=.../Tallyquill python3 tests/app/end_to_end/panels.py [TEST ...]
 """
 
+import os
 import re
 import subprocess
 
-from calculator_window import activate, at_rest, geometry, is_open, repeat_until, run, titled, wait_until, windows
+from calculator_window import (
+    activate,
+    at_rest,
+    geometry,
+    is_open,
+    question,
+    repeat_until,
+    run,
+    titled,
+    wait_until,
+    windows,
+)
 from scenario import Scenario, main
 
 # Pixels from the corner of the window, whose menu bar comes first.
@@ -126,6 +138,46 @@ class Panels(Scenario):
             wait_for_closing(panel)
             window.activate()
         self.assertEqual(sizes[0], sizes[1])
+        self.quit(window)
+
+    def save_script(self, window, name):
+        """Types the name into the panel; the panel, which may ask then."""
+        panel = window.open("Save to script file", "ctrl+s")
+        at_rest("the panel", lambda: geometry(panel))
+        window.type(name)
+        window.key("Return")
+        return panel
+
+    def saved(self, name):
+        try:
+            with open(os.path.join(self.folder, "scripts", name), encoding="utf-8") as file:
+                return file.read().splitlines()[2:]  # behind the header
+        except FileNotFoundError:
+            return None
+
+    def test_a_script_is_not_replaced_unasked_and_its_folder_is_found_again(self):
+        os.mkdir(os.path.join(self.folder, "scripts"))
+        window = self.start("-ScriptFolder", os.path.join(self.folder, "scripts"))
+        window.enter("1+2")
+        wait_for_closing(self.save_script(window, "mine.script"))
+        self.assertEqual(self.saved("mine.script"), ["1+2"])
+        window.activate()
+        window.enter("3+4")
+        panel = self.save_script(window, "mine.script")
+        asked = wait_until("the question", question)
+        activate(asked)
+        self.assertEqual(self.saved("mine.script"), ["1+2"])
+        window.key("Return")
+        wait_for_closing(panel)
+        self.assertEqual(self.saved("mine.script"), ["1+2", "3+4"])
+        window.activate()
+        self.quit(window)
+
+        window = self.start()
+        window.enter("5+6")
+        wait_for_closing(self.save_script(window, "other.script"))
+        self.assertEqual(self.saved("other.script"), ["5+6"])
+        window.activate()
         self.quit(window)
 
     def test_the_strip_beside_the_controls_drags_the_window(self):
