@@ -24,8 +24,11 @@ define build_and_test
 	ctest --preset $(1) -j $(test_jobs) </dev/null
 endef
 
+# Seconds for each fuzz target.
+FUZZ_SECONDS ?= 60
+
 .NOTPARALLEL:
-.PHONY: help deps build terminal run test gcc sanitize lint lint-program format bench bench-check install clean
+.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast lint lint-program format bench bench-check install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
@@ -58,6 +61,16 @@ gcc: deps ## build with g++, without the window, and test
 
 sanitize: deps ## build with the address and undefined-behavior sanitizers and test
 	$(call build_and_test,sanitize)
+
+fuzz: deps ## run the fuzz targets with sanitizers, FUZZ_SECONDS each (60)
+	cmake --preset fuzz </dev/null
+	$(call compile,fuzz) </dev/null
+	scripts/fuzz.sh $(FUZZ_SECONDS) build/fuzz/found build/fuzz/bin/fuzz_*
+
+fuzz-fast: deps ## run sequences of entries without sanitizers, FUZZ_SECONDS (60)
+	cmake --preset fuzz-fast </dev/null
+	$(call compile,fuzz-fast) --target fuzz_entries </dev/null
+	scripts/fuzz.sh $(FUZZ_SECONDS) build/fuzz/found build/fuzz-fast/bin/fuzz_entries
 
 lint: deps ## check format and license lines, run cppcheck and clang-tidy
 	$(configure_lint) </dev/null

@@ -179,14 +179,16 @@ void qlog(const qfloat x, qfloat y) {
 }
 
 void qlogbase(const qfloat x, const qfloat b, qfloat y) {
-    const auto isPositive = [](const qfloat q) { return q[0] == 0 && q[1] != 0; };
-    if (!isPositive(x) || !isPositive(b)) {
-        qlog(isPositive(x) ? b : x, y);
-        return;
-    }
     elem::Extended value, base;
     limb::load(x, value);
     limb::load(b, base);
+    const auto isPositive = [](const qfloat q, const elem::Extended& magnitude) {
+        return q[0] == 0 && q[1] != 0 && !elem::isZero(magnitude);
+    };
+    if (!isPositive(x, value) || !isPositive(b, base)) {
+        qlog(isPositive(x, value) ? b : x, y);
+        return;
+    }
     const bool negative = elem::log(value, value) != elem::log(base, base);
     if (elem::isZero(value)) {
         qclear(y);

@@ -278,6 +278,15 @@ TEST_F(Logarithm, OfZeroIsMinusTheOverflowValueWithCodeTwo) {
     EXPECT_EQ(run(qlog, ZERO), (Outcome{MINUS_OVERFLOW, 2}));
 }
 
+// A number with an exponent and no bit in its mantissa is 0.
+TEST_F(Logarithm, OfAnEmptyMantissaIsThatOfZeroToAnyBase) {
+    Number empty = ONE;
+    empty[3] = 0;
+    EXPECT_EQ(run(qlog, empty), (Outcome{MINUS_OVERFLOW, 2}));
+    EXPECT_EQ(run(qlogbase, empty, number(2)), (Outcome{MINUS_OVERFLOW, 2}));
+    EXPECT_EQ(run(qlogbase, number(2), empty), (Outcome{MINUS_OVERFLOW, 2}));
+}
+
 TEST_F(Logarithm, OfANegativeNumberIsZeroWithCodeOne) {
     for (const Number& x : {number(-1), number(-0.5), MINUS_OVERFLOW, NEGATIVE_ZERO}) {
         EXPECT_EQ(run(qlog, x), (Outcome{ZERO, 1})) << show(x);

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+//
+// Calculators for the fuzz targets: each begins like a new program, and long entries are interrupted.
+#pragma once
+
+#include "../engine/clean_start.h"
+#include "Calculator.h"
+#include "fuzz.h"
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+// So many questions for an interruption are answered with no, and the next one with yes.
+class Patience {
+public:
+    static constexpr int QUESTIONS = 20;
+
+    static void Begin() { questionsLeft() = QUESTIONS; }
+    static bool IsOver() { return questionsLeft()-- <= 0; }
+
+private:
+    static int& questionsLeft() {
+        static int left = QUESTIONS;
+        return left;
+    }
+};
+
+// Functions and units belong to the process, so there is one at a time.
+inline std::unique_ptr<ZqCalculator> newCalculator(bool withNewUnits) {
+    deleteAllFunctions();
+    if (withNewUnits) deleteAllUnits();
+    auto calc = std::make_unique<ZqCalculator>();
+    calc->InitializeFunctionsAndVars();
+    static_cast<EntrySettings&>(*calc) = standardSettings();
+    calc->traced = false;
+    calc->interruptCheck = Patience::IsOver;
+    return calc;
+}
+
+// Whether an entry of the text may change the unit library.
+inline bool mayChangeUnits(std::string_view text) {
+    const std::string lower = lowerCased(std::string(text));
+    return lower.find("unit") != std::string::npos || lower.find("del") != std::string::npos;
+}
+
+// One entry. Random numbers begin anew with each.
+inline int enter(ZqCalculator& calc, const std::string& line, bool isQuick) {
+    std::srand(1); // NOLINT(cert-msc51-cpp): always the same ones
+    Patience::Begin();
+    return calc.ProcessEntry(line, isQuick);
+}
+
+// All that an entry has answered.
+inline std::string answerOf(const ZqCalculator& calc, int status) {
+    std::string text = std::to_string(status) + '|' + calc.resultLine + '|' + calc.message;
+    text += '|' + std::to_string(calc.errorRange.start) + '+' + std::to_string(calc.errorRange.length);
+    return text + (calc.overflowed ? "|overflowed\n" : "\n");
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+//
+// Any bytes as what is typed at the prompt: the first one tells which of the two editors gets them, from a
+// pipe.
+#include "Completion.h"
+#include "Keyboard.h"
+#include "ReadlineEditor.h"
+#include "calculators.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+
+class Host : public PromptHost {
+public:
+    explicit Host(ZqCalculator& with) : calc(with) {}
+
+    std::string PromptText(bool forEditor) const override {
+        return forEditor ? "\001\x1b[1m\002> \001\x1b[0m\002" : "> ";
+    }
+    long DoDue() override { return -1; }
+    std::string PreviewOf(const std::string& entry) override {
+        return enter(calc, entry, true) == STATUS_RESULT ? calc.resultLine : "";
+    }
+    Completion CompletionsAt(const std::string& entry, size_t cursor) override {
+        return completionsAt(entry, cursor, calc);
+    }
+    bool MinusIsSign() const override { return true; }
+
+private:
+    ZqCalculator& calc;
+};
+
+// Both ends of a pipe that holds the bytes and has no more.
+int pipeOf(const std::string& bytes) {
+    int ends[2];
+    require(pipe(ends) == 0, "there is a pipe");
+    const auto count = write(ends[1], bytes.data(), bytes.size());
+    require(count == static_cast<ssize_t>(bytes.size()), "a pipe takes the bytes");
+    close(ends[1]);
+    return ends[0];
+}
+
+void readLines(LineSource& source, ZqCalculator& calc) {
+    std::string line;
+    for (;;) {
+        const LineSource::Status status = source.Next(line);
+        if (status == LineSource::Status::End || status == LineSource::Status::Failed) return;
+        require(line.find('\n') == std::string::npos, "a line is one", line);
+        source.AddToHistory(line);
+        enter(calc, line, false);
+    }
+}
+
+// What a terminal without escape sequences gets has none.
+void checkPlain(int screen) {
+    char block[1 << 16];
+    const auto count = pread(screen, block, sizeof block, 0);
+    require(count >= 0, "the screen can be read");
+    for (ssize_t i = 0; i < count; i++)
+        require(block[i] != '\x1b' && block[i] != '\a', "no escape sequence is shown");
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    constexpr size_t MOST_BYTES = 60000; // a pipe holds them
+    if (size > MOST_BYTES) return 0;
+    setenv("INPUTRC", "/dev/null", 1);
+    setenv("TERM", "xterm", 1);
+    Input input(data, size);
+    const bool isPlain = input.Byte() % 2 == 0;
+    const std::string bytes = input.Rest();
+    const auto calc = newCalculator(mayChangeUnits(bytes));
+    Host host(*calc);
+    const int keys = pipeOf(bytes);
+    static const int screen = memfd_create("screen", MFD_CLOEXEC);
+    require(ftruncate(screen, 0) == 0 && lseek(screen, 0, SEEK_SET) == 0, "the screen is empty");
+    if (isPlain) {
+        Keyboard keyboard(host, keys, screen, 9999);
+        readLines(keyboard, *calc);
+        checkPlain(screen);
+    } else {
+        ReadlineEditor editor(host, keys, screen);
+        readLines(editor, *calc);
+    }
+    close(keys);
+    if (mayChangeUnits(bytes)) deleteAllUnits();
+    return 0;
+}
