@@ -33,9 +33,9 @@ def look_dark():
     folder = os.path.expanduser("~/.config/openbox")
     os.makedirs(folder)
     with open("/etc/xdg/openbox/rc.xml", encoding="utf-8") as file:
-        settings = file.read().replace("<name>Clearlooks</name>", "<name>Night</name>")
+        settings = file.read().replace("<name>Clearlooks</name>", "<name>Dark</name>")
     # A window behind its question keeps its colors.
-    theme = os.path.expanduser("~/.themes/Night/openbox-3")
+    theme = os.path.expanduser("~/.themes/Dark/openbox-3")
     shutil.copytree("/usr/share/themes/Onyx/openbox-3", theme)
     with open(theme + "/themerc", encoding="utf-8") as file:
         kept = [line for line in file if not re.match(r"window\.inactive\.(title|border|client)", line)]
