@@ -3,19 +3,21 @@
 
 #import "Controls.h"
 
-static const NSSize SIZE = {340, 240};
+static const NSSize PANEL_SIZE = {340, 240};
 static const CGFloat ICON = 96;
-static const CGFloat MARGIN = 18;
+static const CGFloat PANEL_MARGIN = 18;
 
 // A centered line whose lower edge is at y.
 static void addLine(NSView* content, NSString* text, NSFont* font, CGFloat y) {
-    NSTextField* const line = labelIn(content, text, NSMakeRect(MARGIN, y, SIZE.width - 2 * MARGIN, 24));
+    NSTextField* const line =
+        labelIn(content, text, NSMakeRect(PANEL_MARGIN, y, PANEL_SIZE.width - 2 * PANEL_MARGIN, 24));
     [line setFont:font];
     [line setAlignment:NSCenterTextAlignment];
 }
 
 static void addIcon(NSView* content) {
-    const NSRect frame = NSMakeRect((SIZE.width - ICON) / 2, SIZE.height - MARGIN - ICON, ICON, ICON);
+    const NSRect frame =
+        NSMakeRect((PANEL_SIZE.width - ICON) / 2, PANEL_SIZE.height - PANEL_MARGIN - ICON, ICON, ICON);
     NSImageView* const icon = [[[NSImageView alloc] initWithFrame:frame] autorelease];
     [icon setImageScaling:NSImageScaleProportionallyUpOrDown];
     [icon setImage:bundleImage(@"Tallyquill")];
@@ -24,7 +26,7 @@ static void addIcon(NSView* content) {
 
 // GNUstep's own panel takes no keys, and names GNUstep.
 NSPanel* buildAboutPanel() {
-    NSPanel* const panel = makePanel([EscapePanel class], @"About Tallyquill", SIZE, 0);
+    NSPanel* const panel = makePanel([EscapePanel class], @"About Tallyquill", PANEL_SIZE, 0);
     NSView* const content = [panel contentView];
     NSFont* const plain = [NSFont systemFontOfSize:12];
     addIcon(content);

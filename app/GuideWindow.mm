@@ -9,7 +9,7 @@
 #include <vector>
 
 static const CGFloat TEXT_SIZE_POINTS = 13;
-static const CGFloat MARGIN = 16;
+static const CGFloat TEXT_MARGIN = 16;
 static const CGFloat COLUMN_GAP = 20;
 
 // What a heading is known by, as a link names it: "how-answers-look".
@@ -145,7 +145,8 @@ static NSUInteger headingLevel(NSString* line) {
 
 // Appends what was collected, the lines of a paragraph or the rows of a table, and empties it.
 static void appendCollected(NSMutableAttributedString* out, NSMutableString* text, NSMutableArray* rows) {
-    if ([text length] > 0) appendLine(out, text, plainLook([text hasPrefix:@"\u2022"] ? MARGIN : 0, nil));
+    if ([text length] > 0)
+        appendLine(out, text, plainLook([text hasPrefix:@"\u2022"] ? TEXT_MARGIN : 0, nil));
     if ([rows count] > 0) appendTable(out, rows);
     [text setString:@""];
     [rows removeAllObjects];
@@ -285,7 +286,7 @@ static const CGFloat LINE_STEP = 48; // points that an arrow scrolls
     NSRange run = {0, 0};
     for (NSUInteger i = 0; i < [text length]; i = NSMaxRange(run)) {
         if (![link isEqual:[text attribute:ANCHOR atIndex:i effectiveRange:&run]]) continue;
-        [self scrollPoint:NSMakePoint(0, topOfLine(self, run.location) - MARGIN / 2)];
+        [self scrollPoint:NSMakePoint(0, topOfLine(self, run.location) - TEXT_MARGIN / 2)];
         return;
     }
 }
@@ -294,7 +295,7 @@ static const CGFloat LINE_STEP = 48; // points that an arrow scrolls
 
 static GuideView* buildView(NSAttributedString* text) {
     GuideView* const view = [[[GuideView alloc] initWithFrame:NSZeroRect] autorelease];
-    [view setTextContainerInset:NSMakeSize(MARGIN, MARGIN)];
+    [view setTextContainerInset:NSMakeSize(TEXT_MARGIN, TEXT_MARGIN)];
     [view setBackgroundColor:[NSColor textBackgroundColor]];
     [view setLinkTextAttributes:@{
         NSForegroundColorAttributeName : platformLinkColor(),

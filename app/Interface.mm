@@ -11,7 +11,7 @@
 #import "Platform.h"
 
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
-static const CGFloat MARGIN = 6;
+static const CGFloat FRAME_MARGIN = 6;
 static const CGFloat CONTROL_HEIGHT = 21;
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
@@ -62,14 +62,14 @@ static NSPopUpButton* buildPopUp(NSString* title, MainConsole* target, SEL actio
 
 // Places the controls side by side in the strip at the top.
 static void placeControls(NSView* content, NSArray* controls, const CGFloat* widths) {
-    CGFloat x = MARGIN;
+    CGFloat x = FRAME_MARGIN;
     const CGFloat y = NSHeight([content bounds]) - CONTROLS_HEIGHT + (CONTROLS_HEIGHT - CONTROL_HEIGHT) / 2;
     for (NSUInteger i = 0; i < [controls count]; ++i) {
         NSControl* const control = [controls objectAtIndex:i];
         [control setFrame:NSMakeRect(x, y, widths[i], CONTROL_HEIGHT)];
         [control setAutoresizingMask:NSViewMinYMargin | NSViewMaxXMargin];
         [content addSubview:control];
-        x += widths[i] + MARGIN;
+        x += widths[i] + FRAME_MARGIN;
     }
 }
 
@@ -112,7 +112,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
                                                    NSHeight(bounds) - STATUS_HEIGHT - CONTROLS_HEIGHT),
                                         console)];
     NSTextField* const status =
-        buildStatusLine(NSMakeRect(MARGIN, 0, NSWidth(bounds) - 2 * MARGIN, STATUS_HEIGHT - 2));
+        buildStatusLine(NSMakeRect(FRAME_MARGIN, 0, NSWidth(bounds) - 2 * FRAME_MARGIN, STATUS_HEIGHT - 2));
     [content addSubview:status];
     [console setAnswerStatus:status];
     [console setFont:[console font]]; // the status line's too

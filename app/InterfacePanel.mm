@@ -11,17 +11,17 @@
 #import "PrefController.h"
 #import "TextFormatter.h"
 
-static const CGFloat WIDTH = 432;
+static const CGFloat PANEL_WIDTH = 432;
 static const CGFloat HEIGHT = 540; // with its frame it fits on a screen of 600 points
-static const CGFloat EDGE = 20;
+static const CGFloat PANEL_EDGE = 20;
 static const CGFloat LABELS = 126; // the width of the labels' column
 static const CGFloat GAP = 10;
-static const CGFloat ROW = 26;
+static const CGFloat ROW_HEIGHT = 26;
 static const CGFloat SECTION = 10; // the space between sections
 static const CGFloat HIGH = 22;    // a control's height
 static const CGFloat SLIDER = 170;
-static const CGFloat COLUMN = EDGE + LABELS + GAP; // where the controls begin
-static const CGFloat REST = WIDTH - EDGE - COLUMN; // what is free from there
+static const CGFloat COLUMN = PANEL_EDGE + LABELS + GAP;       // where the controls begin
+static const CGFloat REST = PANEL_WIDTH - PANEL_EDGE - COLUMN; // what is free from there
 
 // A slider from 0 to 100 with its value beside it.
 @interface PercentSlider : NSSlider {
@@ -83,7 +83,7 @@ struct Grid {
         return labelIn(view, content, NSMakeRect(x, y - 3, width, HIGH));
     }
 
-    void Label(NSString* title) { [Text(title, EDGE, LABELS) setAlignment:NSRightTextAlignment]; }
+    void Label(NSString* title) { [Text(title, PANEL_EDGE, LABELS) setAlignment:NSRightTextAlignment]; }
 
     template <typename Control> Control* Add(Control* control, CGFloat width) {
         [control setFrame:NSMakeRect(COLUMN, y, width, HIGH)];
@@ -93,7 +93,7 @@ struct Grid {
         if (last) [last setNextKeyView:control];
         if (!first) first = control;
         last = control;
-        y -= ROW;
+        y -= ROW_HEIGHT;
         return control;
     }
 
@@ -167,7 +167,7 @@ static void addNumbers(Grid& grid, PrefControls& made) {
     made.prefNumPreview = [[[NumberField alloc] initWithFrame:frame] autorelease];
     [made.prefNumPreview setFont:[NSFont userFixedPitchFontOfSize:13]];
     [grid.view addSubview:made.prefNumPreview];
-    grid.y -= ROW + SECTION;
+    grid.y -= ROW_HEIGHT + SECTION;
     made.prefHistSize = grid.SteppedField("histsz", made.steppers[1]);
     [made.prefHistSize setToolTip:@"1 to 999, from the next start on"];
 }
@@ -206,9 +206,9 @@ void buildPreferences(PelmoAppDelegate* delegate) {
     [controller setMainConsole:[delegate mainConsole]];
     [controller setAppDelegate:delegate];
     MyPrefPanel* const panel =
-        makePanel([MyPrefPanel class], @"Tallyquill Preferences", NSMakeSize(WIDTH, HEIGHT), 0);
+        makePanel([MyPrefPanel class], @"Tallyquill Preferences", NSMakeSize(PANEL_WIDTH, HEIGHT), 0);
     PrefControls made = {};
-    Grid grid = {[panel contentView], controller, made, HEIGHT - EDGE - HIGH, nil, nil};
+    Grid grid = {[panel contentView], controller, made, HEIGHT - PANEL_EDGE - HIGH, nil, nil};
     addNumbers(grid, made);
     grid.y -= SECTION;
     addColors(grid, made);
@@ -216,7 +216,8 @@ void buildPreferences(PelmoAppDelegate* delegate) {
     addWindow(grid, made);
     grid.y -= SECTION;
     made.prefClose = grid.Button(@"Close", 90);
-    [made.prefClose setFrameOrigin:NSMakePoint(WIDTH - EDGE - 90, NSMinY([made.prefClose frame]))];
+    [made.prefClose
+        setFrameOrigin:NSMakePoint(PANEL_WIDTH - PANEL_EDGE - 90, NSMinY([made.prefClose frame]))];
     [grid.last setNextKeyView:grid.first];
     [panel setInitialFirstResponder:grid.first];
     [panel setDelegate:(id)controller];

@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-static const NSTimeInterval RETRY_DELAY = 0.1; // of a script that waits for another one
+static const NSTimeInterval SCRIPT_RETRY_DELAY = 0.1; // of a script that waits for another one
 
 static NSString* textFromPath(const std::string& path) {
     return [[NSFileManager defaultManager] stringWithFileSystemRepresentation:path.data() length:path.size()];
@@ -132,7 +132,7 @@ static void keepFolder(NSSavePanel* panel) {
 - (void)loadWaitingScriptsLater {
     [self forgetLoading];
     if (scripts.waiting.empty()) return;
-    [self performSelector:@selector(loadWaitingScripts) withObject:nil afterDelay:RETRY_DELAY];
+    [self performSelector:@selector(loadWaitingScripts) withObject:nil afterDelay:SCRIPT_RETRY_DELAY];
 }
 
 - (void)forgetLoading {

@@ -7,12 +7,12 @@
 
 #include <algorithm>
 
-static const NSSize SIZE = {480, 420};
+static const NSSize LIST_SIZE = {480, 420};
 static const CGFloat MARGIN = 8;
 static const CGFloat FIELD_HEIGHT = 22;
-static const CGFloat LABEL = 56;  // the width of the field's label
-static const NSInteger PAGE = 10; // lines
-static const size_t COLUMN = 14;  // characters of the name, before what it is
+static const CGFloat LABEL = 56;      // the width of the field's label
+static const NSInteger PAGE = 10;     // lines
+static const size_t NAME_COLUMN = 14; // characters of the name, before what it is
 
 // A click takes a line.
 @interface NameListView : NSTextView
@@ -33,7 +33,7 @@ static const size_t COLUMN = 14;  // characters of the name, before what it is
 + (NameListPanel*)newPanel:(NSString*)title
                       rows:(const std::vector<NameRow>&)names
                    console:(MainConsole*)owner {
-    NameListPanel* const panel = [makePanel(self, title, SIZE, NSResizableWindowMask) retain];
+    NameListPanel* const panel = [makePanel(self, title, LIST_SIZE, NSResizableWindowMask) retain];
     panel->rows = names;
     panel->console = owner;
     [panel fill];
@@ -88,7 +88,7 @@ static const size_t COLUMN = 14;  // characters of the name, before what it is
     std::string text;
     for (const size_t i : inSight) {
         std::string line = rows[i].shown;
-        if (!rows[i].text.empty()) line.resize(std::max(line.size() + 2, COLUMN), ' ');
+        if (!rows[i].text.empty()) line.resize(std::max(line.size() + 2, NAME_COLUMN), ' ');
         starts.push_back(text.size()); // a byte is a character
         text += line + rows[i].text + "\n";
     }

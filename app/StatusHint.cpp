@@ -39,7 +39,7 @@ struct Known {
     std::string lacks;  // what the name itself lacks
 };
 
-Known known(const std::string& name, bool isFactor, const ZqCalculator& calc) {
+Known known(const std::string& name, bool isFactor, const ZqCalculator& calculator) {
     Known found;
     const auto meet = [&](const std::string& other, const std::string& typed, const char* lack) {
         if (!startsWith(other, typed)) return;
@@ -55,7 +55,7 @@ Known known(const std::string& name, bool isFactor, const ZqCalculator& calc) {
     }
     for (int i = 0; const Function* function = funcs.Get(i); ++i)
         meet(lowerCased(function->name), lowerCased(name), "missing (");
-    for (const node* variable = calc.vars.first; variable; variable = variable->next)
+    for (const node* variable = calculator.vars.first; variable; variable = variable->next)
         meet(variable->text, name, isFactor ? "missing *" : "");
     for (const std::string& word : commandWords()) meet(word, lowerCased(name), "");
     return found;
@@ -70,20 +70,20 @@ std::string nameIn(std::string_view part) {
 }
 
 std::string missingBracket(std::string_view part) {
-    constexpr std::string_view OPEN = "([{", CLOSED = ")]}";
+    constexpr std::string_view OPENING = "([{", CLOSING = ")]}";
     const char bracket = part.empty() ? '(' : part[0];
-    const size_t opened = OPEN.find(bracket), closed = CLOSED.find(bracket);
-    if (opened != std::string_view::npos) return std::string("missing ") + CLOSED[opened];
-    return closed == std::string_view::npos ? "" : std::string("missing ") + OPEN[closed];
+    const size_t opened = OPENING.find(bracket), closed = CLOSING.find(bracket);
+    if (opened != std::string_view::npos) return std::string("missing ") + CLOSING[opened];
+    return closed == std::string_view::npos ? "" : std::string("missing ") + OPENING[closed];
 }
 
 } // namespace
 
-std::string statusHint(std::string_view entry, const ZqCalculator& calc) {
-    const TextRange range = calc.errorRange;
+std::string statusHint(std::string_view entry, const ZqCalculator& calculator) {
+    const TextRange range = calculator.errorRange;
     const auto start = static_cast<size_t>(range.start), length = static_cast<size_t>(range.length);
     if (range.start < 0 || start + length > entry.size()) return "";
-    const std::string_view part = entry.substr(start, length), message = calc.message;
+    const std::string_view part = entry.substr(start, length), message = calculator.message;
     const size_t before = entry.substr(0, start).rfind(';');
     if (isCommand(entry.substr(before == std::string_view::npos ? 0 : before + 1))) return "";
     if (contains(message, "missing parenthesis")) return missingBracket(part);
@@ -93,7 +93,7 @@ std::string statusHint(std::string_view entry, const ZqCalculator& calc) {
                            contains(message, "invalid unit name");
     const std::string name = isUnknown ? nameIn(part) : "";
     if (name.empty()) return "";
-    const Known found = known(name, name.size() < part.size(), calc);
+    const Known found = known(name, name.size() < part.size(), calculator);
     const bool goesOn = entry.find_first_not_of(" \t", start + length) != std::string_view::npos;
     if (!found.lacks.empty()) return found.lacks;
     return goesOn || found.isNone ? "unknown: " + name : "";

@@ -12,10 +12,6 @@
 
 namespace {
 
-bool isZero(const qfloat x) {
-    return x[1] == 0;
-}
-
 bool isNegative(const qfloat x) {
     return qisneg(x) && !isZero(x);
 }

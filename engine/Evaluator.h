@@ -25,7 +25,7 @@ public:
     node* ProcFunction(node* functionTerm);
 
 private:
-    static constexpr qfloat NO_OPERAND = {};
+    static constexpr qfloat NO_OPERAND = {}; // beside an operator that has one operand only
 
     void Trace() const; // of parentheses that are removed
 

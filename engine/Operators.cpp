@@ -6,10 +6,6 @@
 
 namespace {
 
-bool isZero(const qfloat number) {
-    return number[1] == 0;
-}
-
 void setTruth(bool truth, qfloat value) {
     qmov(truth ? qone : qzero, value);
 }

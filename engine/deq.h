@@ -167,6 +167,11 @@ inline void node::SetValue(const qfloat copied) {
     qmov(copied, *value);
 }
 
+// True for 0, the only number with this exponent.
+inline bool isZero(const qfloat number) {
+    return number[1] == 0;
+}
+
 // A list of terms. It owns its nodes.
 class Deq {
 public:

@@ -33,6 +33,11 @@ struct Extended {
     int64_t exponent;
 };
 
+constexpr Extended ONE = {{0, 0, 0, 0, 0, TOP_BIT}, 1};
+
+// So many digits of a decimal number count: 10^104 < 2^346, they are an exact integer of six limbs.
+constexpr int MAX_DIGITS = 104;
+
 // 10^(2^k), k = 0 .. 13, to the nearest 384-bit mantissa.
 extern const Extended TENS[14];
 

@@ -20,12 +20,11 @@
 #include <cmath>
 
 using limb::COUNT;
+using limb::ONE;
 
 namespace elem {
 
 namespace {
-
-const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
 // The direct series is used for |m - 1| below this, so that |ln m| is 2^-5 or more where it is not. The
 // argument of artanh is then below 2^-5.89, and 32 terms reach 2^-384.

@@ -14,6 +14,7 @@
 #include "qregister.h"
 
 using elem::Extended;
+using limb::ONE;
 
 namespace {
 
@@ -23,8 +24,6 @@ constexpr uint32_t HUGE_EXPONENT = 0x8010;   // of 2^15: e^x leaves the range
 constexpr int64_t BEYOND = int64_t{1} << 40; // an exponent outside the range in any further step
 
 constexpr uint32_t UNITS_OF_PRODUCT = 40; // what a product or quotient adds to an error
-
-const Extended ONE = {{0, 0, 0, 0, 0, limb::TOP_BIT}, 1};
 
 // The exponent word that x has after rounding.
 int64_t exponentWord(const Extended& x) {

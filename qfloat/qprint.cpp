@@ -17,10 +17,10 @@
 
 using limb::COUNT;
 using limb::Extended;
+using limb::MAX_DIGITS;
 
 namespace {
 
-constexpr int MAX_DIGITS = 104;
 constexpr int CHUNK_DIGITS = 16; // two times eight
 // floor(log10 x), at most one off, from the top 64 bits.
 int estimateExponent(const Extended& x) {

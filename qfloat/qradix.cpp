@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int HIGH_WORD = 2, LAST_WORD = 13, GUARD_WORD = 14;
 constexpr int CUT_LENGTH = 9001; // a text that has reached this length is cut
 constexpr int SMALLEST_SHOWN = -31;
 

@@ -11,8 +11,6 @@ char subflg;
 
 namespace {
 
-constexpr int HIGH_WORD = 2, FIRST_WORD = 3, LAST_WORD = 13, GUARD_WORD = 14;
-
 void shiftRight(uint32_t* r, int bits) {
     uint32_t in = 0;
     for (int i = HIGH_WORD; i <= GUARD_WORD; ++i) {

@@ -10,6 +10,7 @@
 #include <cstdint>
 
 constexpr int REGISTER_WORDS = 15;
+constexpr int HIGH_WORD = 2, FIRST_WORD = 3, LAST_WORD = 13, GUARD_WORD = 14;
 constexpr int MANTISSA_BITS = 352;
 constexpr uint32_t EXPONENT_BIAS = 0x8000;
 constexpr uint32_t OVERFLOW_EXPONENT = 0x10000;

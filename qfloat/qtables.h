@@ -22,6 +22,4 @@ extern const uint64_t INVERSE_ODD[INVERSE_ODD_COUNT][COUNT];             // fixe
 extern const uint64_t EXP_STEPS[EXP_LEVELS][16][COUNT]; // [l][n]: fixed e^x - 1 of x = n / 16^(l + 1) < ln 2
 extern const uint64_t TWO_OVER_PI[TWO_OVER_PI_LIMBS];   // fraction of 2/pi, top limb first
 
-constexpr Extended ONE = {{0, 0, 0, 0, 0, TOP_BIT}, 1};
-
 } // namespace limb

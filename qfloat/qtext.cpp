@@ -12,10 +12,9 @@
 
 using limb::COUNT;
 using limb::Extended;
+using limb::MAX_DIGITS;
 
 namespace {
-
-constexpr int MAX_DIGITS = 104; // 10^104 < 2^346: the digits are an exact integer of six limbs
 
 // What is known of a number after its mantissa has been read.
 struct Mantissa {

@@ -14,7 +14,6 @@
 namespace {
 
 constexpr std::string_view MINUS_SIGN = "\u2212";
-constexpr std::string_view BLANKS = " \t";
 constexpr size_t MAX_DIGITS = 104; // so many the number library reads; it drops the others
 constexpr int SHOWN_FIELD = 60;    // columns of a field in a message
 
@@ -36,12 +35,6 @@ bool removeEnd(std::string_view& text, std::string_view end) {
     if (text.size() < end.size() || text.substr(text.size() - end.size()) != end) return false;
     text.remove_suffix(end.size());
     return true;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const size_t start = std::min(text.find_first_not_of(BLANKS), text.size());
-    text.remove_prefix(start);
-    return text.substr(0, text.find_last_not_of(BLANKS) + 1);
 }
 
 // Takes digits off the text.

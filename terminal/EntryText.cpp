@@ -31,7 +31,12 @@ EntryFault checkEntry(std::string_view entry) {
 }
 
 bool isBlank(std::string_view line) {
-    return line.find_first_not_of(" \t") == std::string_view::npos;
+    return trimmed(line).empty();
+}
+
+std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(BLANKS), text.size()));
+    return text.substr(0, text.find_last_not_of(BLANKS) + 1);
 }
 
 std::string_view faultMessage(EntryFault fault) {

@@ -12,6 +12,12 @@ struct EntrySettings;
 // The longest entry, in bytes without its line end.
 constexpr size_t MAX_ENTRY_LENGTH = 9999;
 
+// What is kept of a longer line. The byte more tells an overlong line apart, or is the CR of its line end.
+constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
+
+// What may stand between the words of a line.
+constexpr std::string_view BLANKS = " \t";
+
 enum class EntryFault { None, TooLong, NotText };
 
 // Says whether `entry` (without its line end) can be evaluated. NotText: it is no valid UTF-8, or it holds a
@@ -23,6 +29,9 @@ EntryFault checkEntry(std::string_view entry);
 // on an empty prompt, which repeats the last assignment; in a file, a pipe or a pasted text it only sets
 // lines apart.
 bool isBlank(std::string_view line);
+
+// `text` without the blanks and tabs around it.
+std::string_view trimmed(std::string_view text);
 
 // The message for a fault, one line with its line feed; empty for None.
 std::string_view faultMessage(EntryFault fault);

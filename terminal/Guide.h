@@ -7,7 +7,8 @@
 #include <string_view>
 #include <vector>
 
-// The titles of the guide's sections, in their order; of those that tell of something, in any case of letters.
+// The titles of the guide's sections, in their order; of those that tell of something, in any case of
+// letters.
 std::vector<std::string> guideTopics(std::string_view something = {});
 
 // The first section whose title contains the topic, in any case of letters, with its title, as plainText

@@ -36,9 +36,6 @@ constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
 constexpr char CUT_LINE[] = "** ERROR: this terminal cuts lines of more than 4094 characters **\n";
 
-// One byte more than an entry may have tells an overlong line apart.
-constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
-
 int widthOf(int screen) {
     winsize size = {};
     return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;

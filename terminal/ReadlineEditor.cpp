@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 namespace {
 
 // Readline calls functions without an object: they find the one here.
-ReadlineEditor* current = nullptr;
+ReadlineEditor* editing = nullptr;
 
 constexpr milliseconds REST{80};
 constexpr int KEPT_ENTRIES = 10000;
@@ -58,7 +58,7 @@ void replaceLine(const std::string& text) {
 ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to)
     : host(theHost), terminal(from, to, TerminalModes::Use::Editing),
       screen(fdopen(fcntl(to, F_DUPFD_CLOEXEC, 3), "w")) {
-    current = this;
+    editing = this;
     rl_readline_name = "tallyquill"; // for "$if" in .inputrc
     rl_instream = stdin;
     rl_outstream = screen;
@@ -85,7 +85,7 @@ ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to)
 ReadlineEditor::~ReadlineEditor() {
     clear_history();
     std::fclose(screen);
-    current = nullptr;
+    editing = nullptr;
 }
 
 void ReadlineEditor::BindKeys() {
@@ -212,10 +212,10 @@ LineSource::Status ReadlineEditor::Cancel() {
 void ReadlineEditor::TakeLine(char* text) {
     int width = 0;
     rl_get_screen_size(nullptr, &width);
-    current->promptIndent = placeBehind(modeText(), {}, width).column;
-    current->isDone = true;
-    current->isEnded = !text;
-    current->accepted = text ? text : "";
+    editing->promptIndent = placeBehind(modeText(), {}, width).column;
+    editing->isDone = true;
+    editing->isEnded = !text;
+    editing->accepted = text ? text : "";
     std::free(text);
     rl_callback_handler_remove();
 }
@@ -247,7 +247,7 @@ bool ReadlineEditor::ReadBytes(long patience) {
 
 // Within a sequence of keys Readline may ask for more than there is.
 int ReadlineEditor::GiveByte(std::FILE*) {
-    ReadlineEditor& editor = *current;
+    ReadlineEditor& editor = *editing;
     while (!editor.ReadBytes(-1)) {
         if (editor.isAtEnd || editor.failure != 0 || isInterrupted()) return EOF;
     }
@@ -257,7 +257,7 @@ int ReadlineEditor::GiveByte(std::FILE*) {
 // Readline asks whether there is more. Only behind an Escape, which may begin a sequence, is it waited for.
 int ReadlineEditor::HasBytes() {
     constexpr long PATIENCE = 100;
-    ReadlineEditor& editor = *current;
+    ReadlineEditor& editor = *editing;
     if (editor.taken < editor.bytes.size()) return 1;
     const bool isEscape = editor.taken > 0 && editor.bytes[editor.taken - 1] == '\x1b';
     return isEscape && editor.ReadBytes(PATIENCE) ? 1 : 0;
@@ -275,9 +275,9 @@ void ReadlineEditor::RunKeys() {
 }
 
 int ReadlineEditor::TypeOperator(int count, int key) {
-    const bool isTyped = current->terminal.MarksPastes() || current->lastRead == 1;
+    const bool isTyped = editing->terminal.MarksPastes() || editing->lastRead == 1;
     const auto change = changeByOperator(rl_line_buffer, static_cast<size_t>(rl_point),
-                                         static_cast<char>(key), current->host.MinusIsSign());
+                                         static_cast<char>(key), editing->host.MinusIsSign());
     if (!change || !isTyped) return rl_insert(count, key);
     rl_begin_undo_group();
     rl_delete_text(0, static_cast<int>(change->length));
@@ -314,7 +314,7 @@ std::string ReadlineEditor::ReadPaste() {
 
 // A pasted text of several lines: each that has an end is run, what follows the last end stays in the editor.
 int ReadlineEditor::TakePaste(int, int) {
-    ReadlineEditor& editor = *current;
+    ReadlineEditor& editor = *editing;
     const std::string text = editor.ReadPaste();
     std::vector<std::string> lines(1);
     for (size_t i = 0; i < text.size(); ++i) {
@@ -355,11 +355,11 @@ void ReadlineEditor::AddToHistory(const std::string& line) {
 }
 
 int ReadlineEditor::RecallOlder(int, int) {
-    return current->Recall(true);
+    return editing->Recall(true);
 }
 
 int ReadlineEditor::RecallNewer(int, int) {
-    return current->Recall(false);
+    return editing->Recall(false);
 }
 
 // Those that begin as what was typed; with the cursor at the start of the line, all. Behind the newest one
@@ -389,7 +389,7 @@ char** ReadlineEditor::Complete(const char* word, int, int) {
     rl_attempted_completion_over = 1; // no names of files
     rl_completion_suppress_append = 1;
     const std::vector<std::string> found =
-        current->host.CompletionsAt(rl_line_buffer, static_cast<size_t>(rl_point)).candidates;
+        editing->host.CompletionsAt(rl_line_buffer, static_cast<size_t>(rl_point)).candidates;
     if (found.empty()) return nullptr;
     std::string common = found.front();
     for (const std::string& one : found) {

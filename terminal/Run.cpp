@@ -13,9 +13,6 @@ namespace {
 
 constexpr const char* STANDARD_INPUT = "-"; // as the name of a file
 
-// One byte more than an entry may have tells an overlong line apart, or is the CR of its line end.
-constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
-
 // Of a line of data for --each.
 constexpr size_t MAX_DATA_LENGTH = 1 << 20;
 

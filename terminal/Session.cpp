@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr std::string_view BLANKS = " \t";
-
 // The length of the character at the front of the text.
 size_t characterLength(std::string_view text) {
     size_t length = 1;
@@ -74,8 +72,7 @@ Session::Outcome Session::Evaluate(std::string_view entry) {
 Session::Outcome Session::EvaluateStatements(std::string_view entry) {
     Statements statements(entry);
     for (std::string_view statement; statements.Next(statement);) {
-        statement.remove_prefix(std::min(statement.find_first_not_of(BLANKS), statement.size()));
-        statement = statement.substr(0, statement.find_last_not_of(BLANKS) + 1);
+        statement = trimmed(statement);
         if (statement.empty()) continue;
         const Outcome outcome = EvaluateStatement(statement);
         if (outcome != Outcome::Answered || calc.status == STATUS_COMMAND) return outcome;

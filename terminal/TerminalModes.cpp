@@ -12,7 +12,7 @@
 namespace {
 
 // The one object, for the signal handlers.
-std::atomic<TerminalModes*> current{nullptr};
+std::atomic<TerminalModes*> watching{nullptr};
 
 bool isInBackground(int terminal) {
     const pid_t foreground = tcgetpgrp(terminal);
@@ -52,12 +52,12 @@ void TerminalModes::PassOn(int signal) {
 
 void TerminalModes::GiveBack(int signal) {
     const int saved = errno;
-    current.load()->PassOn(signal);
+    watching.load()->PassOn(signal);
     errno = saved;
 }
 
 void TerminalModes::HoldOrStop(int signal) {
-    TerminalModes* const terminal = current;
+    TerminalModes* const terminal = watching;
     if (terminal->isEditing)
         terminal->isStopping = 1;
     else
@@ -73,7 +73,7 @@ void TerminalModes::Stop() {
 // without lines are our own, after a stop that could not be caught.
 void TerminalModes::TakeAgain(int) {
     const int saved = errno;
-    TerminalModes* const terminal = current;
+    TerminalModes* const terminal = watching;
     waitForForeground(terminal->input);
     termios found = {};
     if (tcgetattr(terminal->input, &found) == 0 && (found.c_lflag & ICANON) != 0) terminal->UseModes(found);
@@ -106,18 +106,18 @@ TerminalModes::TerminalModes(int from, int to, Use purpose) : input(from), scree
     if (tcgetattr(input, &found) != 0) return;
     isTerminal = true;
     UseModes(found);
-    current = this;
+    watching = this;
     catchers[0].Start(SIGQUIT, GiveBack);
     catchers[1].Start(SIGTSTP, HoldOrStop);
     catchers[2].Start(SIGCONT, TakeAgain);
-    catchers[3].Start(SIGWINCH, [](int) { current.load()->isResized = 1; });
+    catchers[3].Start(SIGWINCH, [](int) { watching.load()->isResized = 1; });
     Take();
 }
 
 TerminalModes::~TerminalModes() {
     if (!isTerminal) return;
     for (SignalCatcher& catcher : catchers) catcher.Stop();
-    current = nullptr;
+    watching = nullptr;
     WriteMarks(false);
     tcsetattr(input, TCSADRAIN, &modes);
 }

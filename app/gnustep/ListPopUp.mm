@@ -11,11 +11,11 @@
 #include <cmath>
 
 // In points.
-static const CGFloat ROW = 20;
+static const CGFloat ITEM_HEIGHT = 20;
 static const CGFloat END = 8; // so near to an end of what is in sight the pointer scrolls
 static const CGFloat EDGE = 1;
 static const CGFloat PADDING = 10;
-static const CGFloat COLUMN_GAP = 24;
+static const CGFloat GAP_BEFORE_KEYS = 24;
 static const CGFloat WIDEST_COLUMN = 260;
 static const CGFloat SCREEN_GAP = 8; // to the screen's edge
 
@@ -91,15 +91,15 @@ static NSFont* listFont() {
     const CGFloat scale = platformScale();
     const CGFloat below = NSMinY(opener) - NSMinY(screen) - SCREEN_GAP;
     const CGFloat above = NSMaxY(screen) - NSMaxY(opener) - SCREEN_GAP;
-    const CGFloat wanted = (count * ROW + 2 * EDGE) * scale;
+    const CGFloat wanted = (count * ITEM_HEIGHT + 2 * EDGE) * scale;
     const bool goesDown = wanted <= below || below >= above;
     const CGFloat room = goesDown ? below : above;
     int inSight = count;
-    if (wanted > room) inSight = std::max(static_cast<int>((room / scale - 2 * EDGE) / ROW), 1);
-    const CGFloat columns = widths[0] + (widths[1] > 0 ? COLUMN_GAP + widths[1] : 0);
+    if (wanted > room) inSight = std::max(static_cast<int>((room / scale - 2 * EDGE) / ITEM_HEIGHT), 1);
+    const CGFloat columns = widths[0] + (widths[1] > 0 ? GAP_BEFORE_KEYS + widths[1] : 0);
     const CGFloat scroller = inSight < count ? [ZqScroller scrollerWidth] : 0;
     const CGFloat width = std::max((columns + scroller + 2 * (PADDING + EDGE)) * scale, NSWidth(opener));
-    const CGFloat height = (inSight * ROW + 2 * EDGE) * scale;
+    const CGFloat height = (inSight * ITEM_HEIGHT + 2 * EDGE) * scale;
     const CGFloat x = std::max(std::min(NSMinX(opener), NSMaxX(screen) - width), NSMinX(screen));
     return NSMakeRect(x, goesDown ? NSMinY(opener) - height : NSMaxY(opener), width, height);
 }
@@ -122,7 +122,7 @@ static NSFont* listFont() {
 }
 
 - (NSRect)frameOf:(int)row {
-    return NSMakeRect(0, row * ROW, NSWidth([self bounds]), ROW);
+    return NSMakeRect(0, row * ITEM_HEIGHT, NSWidth([self bounds]), ITEM_HEIGHT);
 }
 
 // Selects the row, or the next one in that direction (1 or -1) that can be, and brings it into sight.
@@ -150,7 +150,7 @@ static NSFont* listFont() {
 
 - (int)rowAtPointer {
     const NSPoint here = [self pointerHere];
-    return NSPointInRect(here, [self visibleRect]) ? static_cast<int>(here.y / ROW) : -1;
+    return NSPointInRect(here, [self visibleRect]) ? static_cast<int>(here.y / ITEM_HEIGHT) : -1;
 }
 
 - (void)followPointer:(NSEvent*)event {
@@ -170,8 +170,8 @@ static NSFont* listFont() {
     const NSRect seen = [self visibleRect];
     const NSPoint here = [self pointerHere];
     if (here.x < NSMinX(seen) || here.x >= NSMaxX(seen)) return;
-    if (here.y < NSMinY(seen) + END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) - ROW)];
-    if (here.y > NSMaxY(seen) - END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) + ROW)];
+    if (here.y < NSMinY(seen) + END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) - ITEM_HEIGHT)];
+    if (here.y > NSMaxY(seen) - END) [self scrollPoint:NSMakePoint(0, NSMinY(seen) + ITEM_HEIGHT)];
     if ([self isOnList]) [self selectAtPointer];
 }
 
@@ -202,7 +202,7 @@ static NSFont* listFont() {
 }
 
 - (void)moveBy:(NSEvent*)event {
-    const int inSight = static_cast<int>(std::lround(NSHeight([self visibleRect]) / ROW));
+    const int inSight = static_cast<int>(std::lround(NSHeight([self visibleRect]) / ITEM_HEIGHT));
     NSString* const plain = [event charactersIgnoringModifiers];
     switch ([plain length] > 0 ? [plain characterAtIndex:0] : 0) {
     case NSUpArrowFunctionKey: [self goTo:selected < 0 ? count - 1 : selected - 1 direction:-1]; return;
@@ -277,15 +277,15 @@ static NSFont* listFont() {
     NSScrollView* const scroll =
         [[[NSScrollView alloc] initWithFrame:NSInsetRect([content bounds], EDGE, EDGE)] autorelease];
     useOurScroller(scroll);
-    [scroll setHasVerticalScroller:NSHeight([scroll frame]) < count * ROW];
-    [scroll setVerticalLineScroll:3 * ROW];
-    [self setFrame:NSMakeRect(0, 0, [scroll contentSize].width, count * ROW)];
+    [scroll setHasVerticalScroller:NSHeight([scroll frame]) < count * ITEM_HEIGHT];
+    [scroll setVerticalLineScroll:3 * ITEM_HEIGHT];
+    [self setFrame:NSMakeRect(0, 0, [scroll contentSize].width, count * ITEM_HEIGHT)];
     [scroll setDocumentView:self];
     [content addSubview:scroll];
 }
 
 - (NSMenuItem*)run:(NSEvent*)event {
-    NSPanel* const panel = [[[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, ROW, ROW)
+    NSPanel* const panel = [[[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, ITEM_HEIGHT, ITEM_HEIGHT)
                                                        styleMask:NSBorderlessWindowMask
                                                          backing:NSBackingStoreBuffered
                                                            defer:YES] autorelease];
@@ -348,8 +348,8 @@ static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint plac
 - (void)drawRect:(NSRect)dirty {
     [[NSColor windowBackgroundColor] set];
     NSRectFill(dirty);
-    const int end = std::min(static_cast<int>(std::ceil(NSMaxY(dirty) / ROW)), count);
-    for (int row = static_cast<int>(NSMinY(dirty) / ROW); row < end; ++row)
+    const int end = std::min(static_cast<int>(std::ceil(NSMaxY(dirty) / ITEM_HEIGHT)), count);
+    for (int row = static_cast<int>(NSMinY(dirty) / ITEM_HEIGHT); row < end; ++row)
         [self drawRow:row in:[self frameOf:row]];
 }
 

@@ -15,7 +15,7 @@ std::string head(const Builtin& builtin) {
 }
 
 // The rows of the guide's table of functions.
-std::multiset<std::string> rowsOfGuide() {
+std::multiset<std::string> functionsOfGuide() {
     std::ifstream guide(GUIDE);
     std::multiset<std::string> rows;
     bool isInside = false;
@@ -31,7 +31,7 @@ TEST(Builtins, AreListedInTheGuide) {
     for (const Builtin& builtin : builtinTable()) {
         if (builtin.help) rows.insert("| `" + head(builtin) + "` | " + builtin.help + " |");
     }
-    EXPECT_EQ(rows, rowsOfGuide());
+    EXPECT_EQ(rows, functionsOfGuide());
 }
 
 TEST_F(Functions, EachRowOfTheTableIsAFunctionInItsOrder) {

@@ -63,7 +63,7 @@ TEST_F(Functions, WhatIsEchoedBeyondTheTextsSizeIsRefused) {
 // --- The guide ---
 
 // The rows of the guide's table of command words, without its head and without links.
-std::vector<std::string> rowsOfGuide() {
+std::vector<std::string> commandsOfGuide() {
     std::ifstream guide(GUIDE);
     std::string line;
     while (std::getline(guide, line) && line != "## Command words") continue;
@@ -121,7 +121,7 @@ std::vector<std::string> rowsOfCommands() {
 }
 
 TEST_F(Functions, CommandWordsAreThoseOfTheGuide) {
-    EXPECT_EQ(rowsOfCommands(), rowsOfGuide());
+    EXPECT_EQ(rowsOfCommands(), commandsOfGuide());
 }
 
 // --- The table ---

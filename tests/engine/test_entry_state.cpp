@@ -6,6 +6,7 @@
 #include "functions_fixture.h"
 
 #include "../settings_table.h"
+#include "questions.h"
 
 #include <cstdio>
 #include <memory>
@@ -84,17 +85,6 @@ std::vector<Row> rows() {
 // These end a line.
 const char* const HANDED_OVER[] = {
     "convert 5 miles to km", "echo20 text", "echorep text", "pause 7", "clear", "cls", "exit"};
-
-int checksLeft;
-
-bool stopAtLastCheck() {
-    return --checksLeft == 0;
-}
-
-bool neverStop() {
-    checksLeft++;
-    return false;
-}
 
 class EntryState : public testing::Test {
 protected:
@@ -182,8 +172,9 @@ protected:
         const std::string name = LastName();
         const node* target = calc->target;
         const double entries = calc->entryCount;
-        checksLeft = stop;
-        calc->interruptCheck = stopAtLastCheck;
+        questions = 0;
+        stopAt = stop;
+        calc->interruptCheck = countQuestions;
         EXPECT_EQ(STATUS_ERROR, calc->ProcessEntry(line.c_str(), false));
         EXPECT_EQ(STATUS_ERROR, calc->status);
         EXPECT_TRUE(calc->interrupted);
@@ -223,10 +214,11 @@ TEST_F(EntryState, EveryStatementOfTheLineChangesWhatItSays) {
 TEST_F(EntryState, IsThatBeforeAnInterruptedEntryWhereverItWasStopped) {
     const std::string line = Line();
     Start();
-    checksLeft = 0;
-    calc->interruptCheck = neverStop;
+    questions = 0;
+    stopAt = 0;
+    calc->interruptCheck = countQuestions;
     ASSERT_EQ(STATUS_COMMAND, calc->ProcessEntry(line.c_str(), false)) << calc->message;
-    const int checks = checksLeft;
+    const int checks = questions;
     ASSERT_GT(checks, static_cast<int>(rows().size())); // more than one in the long statement
     const std::string after = State();
 

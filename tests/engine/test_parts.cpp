@@ -7,6 +7,7 @@
 #include "Scanner.h"
 #include "Syntax.h"
 #include "clean_start.h"
+#include "questions.h"
 
 #include <gtest/gtest.h>
 
@@ -16,19 +17,13 @@
 
 namespace {
 
-int questions = 0;
-
-bool askOnce() {
-    questions++;
-    return true;
-}
-
 class Parts : public testing::Test {
 protected:
     Parts() {
         deleteAllFunctions();
         merror = 0;
         questions = 0;
+        stopAt = 1;
         variables.Reset();
     }
     ~Parts() override { deleteAllFunctions(); }
@@ -133,7 +128,7 @@ TEST_F(Parts, ATermListThatIsAddedAsAFunctionIsOrderedToo) {
 }
 
 TEST_F(Parts, SpendingGivesUpAPreviewAndAsksAnEntry) {
-    interruptCheck = askOnce;
+    interruptCheck = countQuestions;
     statement.fullEntry = false;
     spending.budget.Begin(10000);
     EXPECT_EQ(0, spending.Spend(10000));

@@ -4,6 +4,7 @@
 // statement and evaluated there, have to give the same in every respect.
 #include "../seed.h"
 #include "functions_fixture.h"
+#include "questions.h"
 
 #include <cstring>
 #include <random>
@@ -12,13 +13,6 @@
 
 namespace {
 
-int questions = 0;
-
-bool countQuestions() {
-    questions++;
-    return false;
-}
-
 class Programs : public Functions {
 protected:
     Programs() { calc.interruptCheck = countQuestions; }
@@ -26,6 +20,7 @@ protected:
     // What an entry answers, and all that it took.
     std::string Seen(const std::string& line, bool quick) {
         questions = 0;
+        stopAt = 0;
         const int status = calc.ProcessEntry(line.c_str(), quick);
         const WorkCounters& work = calc.work;
         std::string seen = std::to_string(status) + " " + (status == STATUS_RESULT ? "" : calc.message);

@@ -6,17 +6,12 @@
 #include "functions_fixture.h"
 
 #include "../settings_table.h"
+#include "questions.h"
 
 #include <set>
 #include <string>
 
 namespace {
-
-int checksLeft = 0;
-
-bool stopAtLastCheck() {
-    return --checksLeft == 0;
-}
 
 // Stands for the value of any field.
 struct AnyValue {
@@ -111,8 +106,9 @@ TEST_F(SettingsTable, EveryCommandSetsItsValueAndAnInterruptedEntryTakesItBack) 
             EXPECT_EQ(STATUS_MESSAGE, Enter(command)) << command;
             EXPECT_EQ(setting.ValueIn(calc), value) << command;
         }
-        checksLeft = 2; // at the second statement
-        calc.interruptCheck = stopAtLastCheck;
+        questions = 0;
+        stopAt = 2; // at the second statement
+        calc.interruptCheck = countQuestions;
         EXPECT_EQ(STATUS_ERROR, Enter(setting.CommandFor(otherValue(setting)) + ";1")) << setting.key;
         calc.interruptCheck = nullptr;
         EXPECT_EQ(setting.ValueIn(calc), setting.standard) << setting.key;

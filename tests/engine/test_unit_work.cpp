@@ -3,25 +3,19 @@
 // Conversions count as the work they are, before it is done; an interrupted entry leaves the units as they
 // were.
 #include "functions_fixture.h"
+#include "questions.h"
 
 #include <string>
 
 namespace {
 
-int checks = 0;
-int checksUntilStop = 0;
-
-bool countChecks() {
-    return ++checks >= checksUntilStop;
-}
-
 class UnitWork : public Functions {
 protected:
     // Of an entry of so many statements, stops the last.
     std::string Interrupted(const std::string& entry, int statements) {
-        checks = 0;
-        checksUntilStop = statements + 1;
-        calc.interruptCheck = countChecks;
+        questions = 0;
+        stopAt = statements + 1;
+        calc.interruptCheck = countQuestions;
         std::string answer = Answer(entry);
         calc.interruptCheck = nullptr;
         EXPECT_TRUE(calc.interrupted);
@@ -75,11 +69,11 @@ TEST_F(UnitWork, TheNamesOfAUnitAreWork) {
     EXPECT_GE(calc.work.units, 4 * 2 * 1500 * 4u);
     EXPECT_EQ(STATUS_ERROR, Preview("g(1)" + repeated("+g(1)", 1900)));
     EXPECT_STREQ(TOO_MUCH, calc.message);
-    checks = 0;
-    checksUntilStop = 1000000;
-    calc.interruptCheck = countChecks;
+    questions = 0;
+    stopAt = 1000000;
+    calc.interruptCheck = countQuestions;
     EXPECT_EQ(STATUS_RESULT, Enter("g(1)"));
-    EXPECT_GE(checks, 2 * 1500 * 4 / 1004);
+    EXPECT_GE(questions, 2 * 1500 * 4 / 1004);
 }
 
 TEST_F(UnitWork, ExponentsBeyondEveryLimitAreRefusedInAPreviewToo) {
@@ -135,16 +129,16 @@ TEST_F(UnitWork, AFailedConversionCountsToo) {
 TEST_F(UnitWork, LongUnitsAskOften) {
     Enter("unit k=1.0000001 radian");
     for (const std::string& entry : {"1 " + EXPENSIVE + "->radian", "unit q=" + EXPENSIVE}) {
-        checks = 0;
-        checksUntilStop = 1000000;
-        calc.interruptCheck = countChecks;
+        questions = 0;
+        stopAt = 1000000;
+        calc.interruptCheck = countQuestions;
         EXPECT_NE(STATUS_ERROR, Enter(entry));
-        EXPECT_GE(checks, 200);
-        checks = 0;
-        checksUntilStop = 100;
+        EXPECT_GE(questions, 200);
+        questions = 0;
+        stopAt = 100;
         Enter("del q");
         EXPECT_EQ(INTERRUPTED, Answer(entry));
-        EXPECT_EQ(100, checks);
+        EXPECT_EQ(100, questions);
         calc.interruptCheck = nullptr;
     }
     EXPECT_EQ("unit k=1.0000001 radian\n", Answer("list units"));

@@ -3,6 +3,7 @@
 // Nothing typed may hang: the limits of previews, of copies and of recursion.
 #include "Helpers_String.h"
 #include "functions_fixture.h"
+#include "questions.h"
 
 #include <algorithm>
 #include <cstring>
@@ -149,26 +150,24 @@ TEST_F(Functions, AListIsFormattedAsFarAsItFits) {
     EXPECT_EQ(3u + (1 + 2 * 1105), calc.work.listed); // the first that does not fit is the last
 }
 
-int checks = 0;
-int checksUntilStop = 0;
 const ZqCalculator* watched = nullptr;
 uint64_t lastCheck = 0;
 uint64_t longestWork = 0; // operators, copied and listed terms between two checks
 
 // A statement begins with a check, and counts from 0.
-bool countChecks() {
+bool measureQuestions() {
     const uint64_t now = watched->work.reduced + watched->work.copied + watched->work.listed;
-    if (checks++ > 0) longestWork = std::max(longestWork, now < lastCheck ? now : now - lastCheck);
+    if (questions > 0) longestWork = std::max(longestWork, now < lastCheck ? now : now - lastCheck);
     lastCheck = now;
-    return checks >= checksUntilStop;
+    return countQuestions();
 }
 
 void stopAfter(ZqCalculator& calc, int number) {
-    checks = 0;
-    checksUntilStop = number;
+    questions = 0;
+    stopAt = number;
     longestWork = 0;
     watched = &calc;
-    calc.interruptCheck = countChecks;
+    calc.interruptCheck = measureQuestions;
 }
 
 TEST_F(Functions, ALongEntryIsAskedOftenAndStops) {
@@ -185,11 +184,11 @@ TEST_F(Functions, EveryStatementOfAnEntryAsks) {
         stopAfter(calc, 6);
         EXPECT_EQ("** ERROR: interrupted **\n", Answer(repeated(statement, 999))) << statement;
         EXPECT_TRUE(calc.interrupted);
-        EXPECT_EQ(6, checks);
+        EXPECT_EQ(6, questions);
     }
     stopAfter(calc, 1000000);
     EXPECT_EQ(STATUS_MESSAGE, Enter(repeated("list;", 999)));
-    EXPECT_EQ(999, checks); // its three terms are too few for another question
+    EXPECT_EQ(999, questions); // its three terms are too few for another question
 }
 
 TEST_F(Functions, ASingleStatementAsksBeforeItRuns) {
@@ -211,12 +210,12 @@ TEST_F(Functions, TheWorkBetweenTwoChecksIsShort) {
     Enter("0" + repeated("+sin(1e99)", 990));
     // A sine counts 27 with its parentheses, a '+' 3. A question comes after 1,000 units, or with the sine
     // behind them.
-    EXPECT_GE(checks, 1 + 990 * 30 / 1027);
-    EXPECT_LE(checks, 1 + 990 * 30 / 1000);
+    EXPECT_GE(questions, 1 + 990 * 30 / 1027);
+    EXPECT_LE(questions, 1 + 990 * 30 / 1000);
     EXPECT_LE(longestWork, 1003u / 3); // the operators behind the sines
     stopAfter(calc, 1000000);
     Enter("1" + repeated("+wide(1)", 100));
-    EXPECT_GT(checks, 1500);
+    EXPECT_GT(questions, 1500);
     EXPECT_LE(longestWork, 1000u + 9801u);
     Enter("long(x)=x" + repeated("+1e-9000", 1200));
     stopAfter(calc, 1000000);
@@ -226,7 +225,7 @@ TEST_F(Functions, TheWorkBetweenTwoChecksIsShort) {
     const int wideTerms = 1 + 2 * 4900;
     const int longTerms = 1 + 2 * 1200;
     // A listed term counts 40, so that 26 are more than 1,000.
-    EXPECT_EQ(20 * (1 + longTerms / 26 + 1 + (3 + wideTerms + longTerms) / 26), checks);
+    EXPECT_EQ(20 * (1 + longTerms / 26 + 1 + (3 + wideTerms + longTerms) / 26), questions);
     EXPECT_LE(longestWork, 26u);
 }
 
@@ -250,7 +249,7 @@ TEST_F(Functions, ADefinitionCanBeInterruptedWhileItIsShown) {
     const std::string definition = "long(x)=x" + repeated("+1e-9000", 900);
     stopAfter(calc, 1000000);
     EXPECT_EQ(STATUS_MESSAGE, Enter(definition));
-    EXPECT_EQ(1 + 1801 / 26, checks);
+    EXPECT_EQ(1 + 1801 / 26, questions);
     EXPECT_LE(longestWork, 26u);
     EXPECT_EQ(STATUS_MESSAGE, Enter("long(x)=x"));
     stopAfter(calc, 4);

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 class TemporaryFolder {
@@ -50,4 +51,10 @@ inline std::string contentOf(const std::string& path) {
 
 inline void putContent(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
+}
+
+// The rights of a file or folder, as 0600; 0 where there is none.
+inline unsigned permissions(const std::string& path) {
+    struct stat info = {};
+    return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
 }

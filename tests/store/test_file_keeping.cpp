@@ -25,11 +25,6 @@ protected:
     const std::string path = folder.File("file");
 };
 
-unsigned permissions(const std::string& path) {
-    struct stat info;
-    return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
-}
-
 // The superuser may do everything: as long as this lives the test is somebody else.
 class WithoutPrivileges {
 public:

@@ -27,11 +27,6 @@ private:
     std::optional<std::string> before;
 };
 
-mode_t permissions(const std::string& path) {
-    struct stat info = {};
-    return stat(path.c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
-}
-
 } // namespace
 
 #ifndef __APPLE__

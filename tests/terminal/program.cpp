@@ -184,6 +184,12 @@ Result runProgram(const Invocation& invocation) {
     return result;
 }
 
+void expectRun(const Result& run, int status, const std::string& out, const std::string& err) {
+    EXPECT_EQ(run.status, status) << run.err;
+    EXPECT_EQ(run.out, out);
+    EXPECT_EQ(run.err, err);
+}
+
 Result evaluate(const std::vector<std::string>& arguments) {
     Invocation invocation;
     invocation.arguments = arguments;

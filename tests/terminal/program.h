@@ -38,6 +38,9 @@ struct Result {
 
 Result runProgram(const Invocation& invocation);
 
+// Expects this of a run.
+void expectRun(const Result& run, int status, const std::string& out, const std::string& err);
+
 // The program with `arguments` and nothing on standard input.
 Result evaluate(const std::vector<std::string>& arguments);
 
@@ -54,6 +57,8 @@ struct TerminalSetup {
     int ignoredSignal = 0;                // the program starts with this signal ignored
     std::vector<std::string> environment; // "NAME=value"; see cleanEnvironment
 };
+
+inline const std::string END_OF_INPUT = "\x04"; // Ctrl-D
 
 // A terminal that shows what is typed.
 TerminalSetup withEcho();

@@ -19,15 +19,15 @@
 
 namespace {
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 std::string fileOf(const std::string& name) {
     return std::string(TALLYQUILL_DEFINITIONS) + "/" + name + ".script";
 }
 
 // The names that the file defines.
-Names namesIn(const std::string& name) {
-    Names names;
+NameSet namesIn(const std::string& name) {
+    NameSet names;
     std::ifstream file(fileOf(name));
     for (std::string line; std::getline(file, line);) {
         if (line.empty() || line[0] == '#') continue;
@@ -165,7 +165,7 @@ constexpr UnitCase UNITS[] = {
 };
 
 TEST(EverydayUnits, AreThoseOfGnuUnits) {
-    Names tested;
+    NameSet tested;
     std::vector<std::string> entries;
     for (const UnitCase& one : UNITS) {
         tested.insert(one.name);
@@ -228,7 +228,7 @@ TEST(Constants, AgreeWithEachOtherAndWithGnuUnits) {
         {"eulerNumber", std::exp(1.0), 1e-15},
         {"goldenRatio", (1 + std::sqrt(5.0)) / 2, 1e-15},
     };
-    Names tested;
+    NameSet tested;
     for (const Relation& one : relations) {
         tested.insert(one.name);
         expectNear(valueOf(one.name), one.derived, one.relative, one.name);
@@ -273,7 +273,7 @@ TEST(Money, HasWhatIsDerivedByHand) {
         {"change(80,60)", -25},
         {"eachPays(90,20,4)", 27},
     };
-    Names tested = {"payment", "totalPaid", "savings"}; // above
+    NameSet tested = {"payment", "totalPaid", "savings"}; // above
     for (const Case& one : cases) {
         tested.insert(std::string(one.entry, std::string(one.entry).find('(')));
         expectNear(answerWith("money", one.entry), one.expected, 1e-15, one.entry);
@@ -320,8 +320,8 @@ TEST(Time, DaysAreThoseOfTheCalendar) {
     }
     const std::vector<double> answers = answersWith("time", entries);
     for (size_t i = 0; i < entries.size(); ++i) EXPECT_EQ(answers[i], expected[i]) << entries[i];
-    EXPECT_EQ(namesIn("time"), (Names{"hours", "wholeHours", "restMinutes", "fromClock", "toClock",
-                                      "marchYear", "marchMonth", "yearDays", "dayNumber", "weekday"}));
+    EXPECT_EQ(namesIn("time"), (NameSet{"hours", "wholeHours", "restMinutes", "fromClock", "toClock",
+                                        "marchYear", "marchMonth", "yearDays", "dayNumber", "weekday"}));
 }
 
 TEST(Temperature, MeetsTheKnownPoints) {
@@ -334,7 +334,7 @@ TEST(Temperature, MeetsTheKnownPoints) {
         {"cToK(0)", 273.15},  {"kToC(0)", -273.15},  {"fToK(32)", 273.15}, {"fToK(-459.67)", 0},
         {"kToF(273.15)", 32}, {"kToF(373.15)", 212},
     };
-    Names tested;
+    NameSet tested;
     for (const Case& one : cases) {
         tested.insert(std::string(one.entry, 4));
         EXPECT_DOUBLE_EQ(answerWith("temperature", one.entry), one.expected) << one.entry;

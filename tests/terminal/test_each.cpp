@@ -112,12 +112,6 @@ Result evaluateEach(const Texts& arguments, const std::string& input) {
     return runProgram(invocation);
 }
 
-void expectRun(const Result& run, int status, const std::string& out, const std::string& err) {
-    EXPECT_EQ(run.status, status) << run.err;
-    EXPECT_EQ(run.out, out);
-    EXPECT_EQ(run.err, err);
-}
-
 TEST(EachLine, GivesItsNumberToTheEntry) {
     expectRun(evaluateEach({"--each", "x*2"}, "5\r\n\n-3\n \t\n+2.5"), 0, "ans = 10\nans = -6\nans = 5\n",
               "");

@@ -18,7 +18,6 @@
 namespace {
 
 const std::string CONTROL_C = "\x03";
-const std::string END_OF_INPUT = "\x04";
 
 // A chain of functions that each call the one before twice: the last takes 2^length calls.
 std::string chain(int length) {

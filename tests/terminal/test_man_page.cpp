@@ -19,7 +19,7 @@
 
 namespace {
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 std::string contentOf(const std::string& path) {
     std::ifstream file(path);
@@ -96,16 +96,16 @@ int runExamples(const std::string& text, const std::string& open, const std::str
     return commands;
 }
 
-Names longNames() {
-    Names names;
+NameSet longNames() {
+    NameSet names;
     for (const OptionRow* row = optionTable(); row->name != nullptr; ++row)
         names.insert(std::string("--") + row->name);
     return names;
 }
 
-Names namesIn(const std::string& text, const char* pattern) {
+NameSet namesIn(const std::string& text, const char* pattern) {
     const std::regex expression(pattern);
-    Names names;
+    NameSet names;
     for (auto one = std::sregex_iterator(text.begin(), text.end(), expression); one != std::sregex_iterator();
          ++one)
         names.insert("--" + (*one)[1].str());

@@ -14,11 +14,11 @@ Options parse(std::initializer_list<const char*> arguments) {
     return parseOptions(static_cast<int>(argv.size()), argv.data());
 }
 
-using Texts = std::vector<std::string_view>;
+using Entries = std::vector<std::string_view>;
 
 // The inputs, all of which are entries.
-Texts entriesOf(const Options& options) {
-    Texts entries;
+Entries entriesOf(const Options& options) {
+    Entries entries;
     for (const Options::Input& input : options.inputs) {
         EXPECT_FALSE(input.isFile) << input.text;
         entries.push_back(input.text);
@@ -40,19 +40,19 @@ TEST(Options, NothingGivenMeansEvaluateNothing) {
 }
 
 TEST(Options, EveryOperandIsAnEntry) {
-    EXPECT_EQ(entriesOf(parse({"1+1", "", "x=2"})), (Texts{"1+1", "", "x=2"}));
+    EXPECT_EQ(entriesOf(parse({"1+1", "", "x=2"})), (Entries{"1+1", "", "x=2"}));
 }
 
 TEST(Options, OptionsMayFollowEntries) {
     const Options options = parse({"1+1", "--trace", "2+2"});
     EXPECT_TRUE(options.trace);
-    EXPECT_EQ(entriesOf(options), (Texts{"1+1", "2+2"}));
+    EXPECT_EQ(entriesOf(options), (Entries{"1+1", "2+2"}));
 }
 
 TEST(Options, BehindTwoDashesEverythingIsAnEntry) {
     const Options options = parse({"--", "-2^2", "--help", "--"});
     EXPECT_EQ(options.action, Options::Action::Evaluate);
-    EXPECT_EQ(entriesOf(options), (Texts{"-2^2", "--help", "--"}));
+    EXPECT_EQ(entriesOf(options), (Entries{"-2^2", "--help", "--"}));
 }
 
 TEST(Options, HelpAndVersionAreAnsweredAtOnce) {

@@ -13,12 +13,6 @@
 
 namespace {
 
-void expectRun(const Result& run, int status, const std::string& out, const std::string& err) {
-    EXPECT_EQ(run.status, status) << run.err;
-    EXPECT_EQ(run.out, out);
-    EXPECT_EQ(run.err, err);
-}
-
 // A person with files.
 class OwnFiles : public testing::Test {
 protected:

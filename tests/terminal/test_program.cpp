@@ -20,12 +20,6 @@ std::string sumOfOnes(size_t length) {
     return sum;
 }
 
-void expectRun(const Result& run, int status, const std::string& out, const std::string& err) {
-    EXPECT_EQ(run.status, status);
-    EXPECT_EQ(run.out, out);
-    EXPECT_EQ(run.err, err);
-}
-
 TEST(Arguments, AnEntryIsAnsweredOnStandardOutput) {
     expectRun(evaluate({"2+3*4"}), 0, "ans = 14\n", "");
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-const std::string END_OF_INPUT = "\x04"; // Ctrl-D
-
 TEST(Prompt, IsShownBeforeEachEntry) {
     Terminal terminal({});
     EXPECT_EQ(terminal.ReadUntil("> "), "> ");

@@ -11,12 +11,6 @@
 
 namespace {
 
-void expectRun(const Result& run, int status, const std::string& out, const std::string& err) {
-    EXPECT_EQ(run.status, status) << run.err;
-    EXPECT_EQ(run.out, out);
-    EXPECT_EQ(run.err, err);
-}
-
 Result evaluateLines(const std::vector<std::string>& arguments, const std::string& input) {
     Invocation invocation;
     invocation.arguments = arguments;

@@ -173,8 +173,8 @@ bool ignoresBrokenPipes(int ignoredSignal) {
     const std::string opened = browser.Opened();
     const size_t ignored = opened.find("SigIgn:");
     if (ignored == std::string::npos) ADD_FAILURE() << opened;
-    const unsigned long signals = std::stoul(opened.substr(ignored + 7), nullptr, 16);
-    return (signals & (1UL << (SIGPIPE - 1))) != 0;
+    const unsigned long ignoredOnes = std::stoul(opened.substr(ignored + 7), nullptr, 16);
+    return (ignoredOnes & (1UL << (SIGPIPE - 1))) != 0;
 }
 
 TEST(Web, ABrowserIgnoresBrokenPipesOnlyIfThisProgramWasToldTo) {
