@@ -9,7 +9,8 @@ PREFIX ?= /usr/local
 configure_plain = cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=OFF
 configure_tests = cmake --preset $(1) -DTALLYQUILL_TESTS=ON -DTALLYQUILL_BENCH=OFF
 # Nothing is built for the linters, so precompiled headers would be missing.
-configure_lint = $(call configure_tests,release) -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON
+configure_lint = $(call configure_tests,release) -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON $(unity)
+unity = -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=16
 compile = cmake --build --preset $(1) -j $(JOBS)
 
 bundle = build/release/bin/Tallyquill.app
@@ -28,7 +29,7 @@ endef
 FUZZ_SECONDS ?= 60
 
 .NOTPARALLEL:
-.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast lint lint-program format bench bench-check install clean
+.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast lint format bench bench-check install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
@@ -75,10 +76,6 @@ fuzz-fast: deps ## run sequences of entries without sanitizers, FUZZ_SECONDS (60
 lint: deps ## check format and license lines, run cppcheck and clang-tidy
 	$(configure_lint) </dev/null
 	scripts/lint.sh build/lint $(JOBS)
-
-lint-program: deps ## the same, without clang-tidy on the tests, which takes as long as building them
-	$(configure_lint) </dev/null
-	scripts/lint.sh build/lint $(JOBS) '^(qfloat|units|engine|store|web|terminal|app)/'
 
 format: deps ## rewrite the sources in the project's format
 	git ls-files '*.cpp' '*.mm' '*.h' | xargs clang-format -i

@@ -77,8 +77,9 @@ void platformOfferSelection(NSString* text);
 // Text that is selected in any program, for the middle button to paste; nil for none, and on macOS.
 NSString* platformSelection();
 
-// Has the desktop's manager of clipboards, where one runs, take over what was copied, which would be lost with
-// the end of the program. Waits for it a second at most. Whether it has it. False on macOS, where it is kept.
+// Has the desktop's manager of clipboards, where one runs, take over what was copied, which would be lost
+// with the end of the program. Waits for it a second at most. Whether it has it. False on macOS, where it is
+// kept.
 bool platformKeepClipboard();
 
 // Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape

@@ -27,7 +27,8 @@ protected:
 TEST_F(Pasting, NothingHidesBehindANul) {
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:@[ NSStringPboardType ] owner:nil];
-    [board setString:[NSString stringWithFormat:@"5%C+1", static_cast<unichar>(0)] forType:NSStringPboardType];
+    [board setString:[NSString stringWithFormat:@"5%C+1", static_cast<unichar>(0)]
+             forType:NSStringPboardType];
     [console paste:nil];
     Press(KEY_RETURN);
     EXPECT_EQ(Text().find("ans = 5"), std::string::npos);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../cases.h"
 #include "../seed.h"
 #include "Helpers_String.h"
 #include "deq.h"
@@ -235,7 +236,7 @@ TEST(Deq, BehavesAsAPlainListUnderRandomOperations) {
     std::mt19937 random = seededRandom();
     Deq list;
     std::vector<std::string> model;
-    for (int step = 0; step < 20000; step++) {
+    for (int step = 0; step < cases(20000); step++) {
         const int size = static_cast<int>(model.size());
         const std::string text(1, static_cast<char>('a' + random() % 26));
         const int i = static_cast<int>(random() % static_cast<unsigned>(size + 4)) - 2;

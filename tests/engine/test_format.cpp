@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../cases.h"
 #include "../seed.h"
 #include "Calculator.h"
 
@@ -182,7 +183,7 @@ TEST(Format, TheLongestTextsFit) {
 TEST(Format, AllDigitsAreThoseOfTheNumberLibrary) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
-    for (int i = 0; i < 20000; i++) {
+    for (int i = 0; i < cases(20000); i++) {
         const auto whole = static_cast<int64_t>(random() >> random() % 32) * (i % 2 == 0 ? 1 : -1);
         qfloat value, fraction;
         ltoq(&whole, value);

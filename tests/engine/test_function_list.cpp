@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The list of functions and completion.
+#include "../cases.h"
 #include "../seed.h"
 #include "Builtins.h"
 #include "Helpers_String.h"
@@ -153,7 +154,7 @@ TEST_F(Functions, LookUpsGiveWhatAWalkGives) {
     const std::string names[] = {"a", "A", "b", "aB", "Ab", "sqrt", "mod"};
     const char* const parameters[] = {"", "x", "x,y"};
     Undo undo;
-    for (int step = 0; step < 20000; step++) {
+    for (int step = 0; step < cases(20000); step++) {
         const std::string name = names[random() % 7];
         switch (random() % 8) {
         case 0:

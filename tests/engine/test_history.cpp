@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../cases.h"
 #include "../seed.h"
 #include "History.h"
 
@@ -378,7 +379,7 @@ private:
 TEST(History, BehavesAsAPlainListUnderRandomOperations) {
     SCOPED_TRACE(seedText());
     Pair pair;
-    for (int step = 0; step < 100000; step++) {
+    for (int step = 0; step < cases(100000); step++) {
         pair.Step();
         pair.Compare();
         if (step % 1000 == 0) pair.CompareAllLines();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Random lines: valid ones against machine integers, and any text at all for its manners.
+#include "../cases.h"
 #include "../seed.h"
 #include "Calculator.h"
 #include "clean_start.h"
@@ -64,7 +65,7 @@ TEST(RandomLines, ValidExpressionsHaveTheirMathematicalValue) {
     ZqCalculator calc;
     calc.InitializeFunctionsAndVars();
     calc.sciMode = SCI_NEVER;
-    for (int i = 0; i < 3000; i++) {
+    for (int i = 0; i < cases(3000); i++) {
         const Expression e = randomExpression(random, 4);
         ASSERT_EQ(STATUS_RESULT, calc.ProcessEntry(e.text.c_str(), false)) << e.text << "\n" << calc.message;
         ASSERT_EQ("ans = " + std::to_string(e.value) + "\n", calc.resultLine) << e.text;
@@ -98,7 +99,7 @@ TEST(RandomLines, EveryLineGetsOneWellFormedAnswer) {
     deleteAllUnits();
     ZqCalculator calc;
     calc.InitializeFunctionsAndVars();
-    for (int i = 0; i < 30000; i++) {
+    for (int i = 0; i < cases(30000); i++) {
         const std::string line = randomLine(random);
         calc.european = random() % 8 == 0;
         calc.tenKey = random() % 8 == 0;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "../cases.h"
 #include "../seed.h"
 #include "Calculator.h"
 
@@ -214,7 +215,7 @@ TEST_F(Scanner, ReadsNumbersInEveryWritingAndBase) {
 TEST_F(Scanner, ReadsShortNumbersAsTheNumberLibraryDoes) {
     SCOPED_TRACE(seedText());
     std::mt19937 random = seededRandom();
-    for (int i = 0; i < 20000; i++) {
+    for (int i = 0; i < cases(20000); i++) {
         std::string text;
         for (auto digits = 1 + random() % 11; digits > 0; digits--)
             text += static_cast<char>('0' + random() % 10);

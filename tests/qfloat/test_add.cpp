@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qadd and qsub: bit for bit against the rule over GMP integers, and against the exact sum.
-#include "cases.h"
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // asctoq of random texts against MPFR's reading of the same number.
-#include "cases.h"
+#include "../cases.h"
 #include "hard.h"
 #include "oracle.h"
 
@@ -188,7 +188,7 @@ TEST_F(Texts, RadixTextIsExactAndCut) {
 // Any bytes: an error or a number, never more than the 14 words, never a crash.
 TEST_F(Texts, AnyBytesGiveANumberOrAnError) {
     static const std::string alphabet = "0123456789..--++eE  xXboaAfFgG:@`[\n\r\t,\x01\xFF\xC3";
-    for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+    for (int i = 0; i < cases(20000) && !HasFailure(); ++i) {
         std::string text;
         if (random.Chance(30)) text = random.Chance(50) ? "0x" : "0b";
         const auto length = random.Chance(5) ? random.Between(100, 400) : random.Between(0, 12);

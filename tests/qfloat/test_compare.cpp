@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qcmp, and the routines that copy a number or touch its sign.
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 
@@ -10,7 +11,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 100000;
+constexpr int CASES = cases(100000);
 
 // Numbers of exponents up to 352 are compared by their difference, which may be flushed to zero.
 int expectedOrder(const Number& a, const Number& b) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Integers and fractions, floor, round, snap, scaling by two.
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 
@@ -12,7 +13,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 100000;
+constexpr int CASES = cases(100000);
 
 class Convert : public Seeded {
 protected:
@@ -228,7 +229,7 @@ TEST(Qfixintegers, ZeroIsNeverSnappedTo) {
 
 TEST_F(Convert, QfixintegersComparesWithTheConstantExactly) {
     const Number limit = decimal("1e-80");
-    for (int i = 0; i < 20000 && !HasFailure(); ++i) {
+    for (int i = 0; i < cases(20000) && !HasFailure(); ++i) {
         // An integer of at most 70 bits and an offset around 10^-80.
         Real value;
         mpfr_set_si(value, random.Between(1, 1000000000), MPFR_RNDN);

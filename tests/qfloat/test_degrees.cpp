@@ -2,6 +2,7 @@
 //
 // The circular functions of degrees: exact angles, and all others against MPFR, which reduces them exactly
 // too.
+#include "../cases.h"
 #include "oracle.h"
 #include "qtrig.h"
 #include "reference.h"
@@ -98,7 +99,7 @@ class RandomDegrees : public Seeded {};
 // Where the reduced angle is as small as it can be: next to multiples of 15 degrees.
 TEST_F(RandomDegrees, NextToExactAnglesAreTheNearestNumbers) {
     for (const DegreeFunction& f : FUNCTIONS) {
-        for (int i = 0; i < 3000 && !HasFailure(); ++i) {
+        for (int i = 0; i < cases(3000) && !HasFailure(); ++i) {
             const int64_t step =
                 random.Chance(50) ? random.Between(-60, 60) : random.Between(-(1LL << 40), 1LL << 40);
             const Number exactly = number(15.0 * static_cast<double>(step == 0 ? 1 : step));

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // etoq and qtoe: machine doubles.
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 
@@ -14,7 +15,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 100000;
+constexpr int CASES = cases(100000);
 
 double doubleOf(uint64_t bits) {
     double d;
@@ -95,7 +96,7 @@ TEST_F(Doubles, EtoqIsExactForEveryFiniteDouble) {
 }
 
 TEST_F(Doubles, EtoqOfFourWordsIsTheSame) {
-    for (int i = 0; i < 10000 && !HasFailure(); ++i) {
+    for (int i = 0; i < cases(10000) && !HasFailure(); ++i) {
         const uint64_t bits = random.Next();
         uint16_t words[4];
         for (int k = 0; k < 4; ++k) words[k] = static_cast<uint16_t>(bits >> (16 * k));

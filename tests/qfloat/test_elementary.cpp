@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qsqrt, qexp and qlog: special values and codes, accuracy against MPFR, the plain algorithms beside them.
+#include "../cases.h"
 #include "hard.h"
 #include "qexact.h"
 #include "reference.h"
@@ -9,9 +10,9 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 8000;
-constexpr int REFERENCE_CASES = 1500;
-constexpr int ROOTS = 10000;
+constexpr int CASES = cases(8000);
+constexpr int REFERENCE_CASES = cases(1500);
+constexpr int ROOTS = cases(10000);
 
 const Number ZERO{};
 const Number NEGATIVE_ZERO = negated(ZERO);

@@ -2,6 +2,7 @@
 //
 // The extended-precision cores keep the errors that their header states: powers and the hyperbolic functions
 // rest on them.
+#include "../cases.h"
 #include "qelem.h"
 #include "reference.h"
 
@@ -13,7 +14,7 @@ using limb::Extended;
 
 namespace {
 
-constexpr int CASES = 4000;
+constexpr int CASES = cases(4000);
 
 Extended randomExtended(Random& random, int64_t low, int64_t high) {
     Extended x;

@@ -2,7 +2,7 @@
 //
 // Every result is the number nearest to the true value: 20,000 arguments of each function against MPFR, 1,000
 // of them hard.
-#include "cases.h"
+#include "../cases.h"
 #include "exact.h"
 #include "oracle.h"
 #include "qwide.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The six-limb arithmetic under the number type, against GMP integers and against its portable form.
+#include "../cases.h"
 #include "oracle.h"
 #include "portable_limb.h"
 #include "qlimb.h"
@@ -17,7 +18,7 @@ namespace {
 using limb::COUNT;
 using Limbs = std::vector<uint64_t>;
 
-constexpr int CASES = 100000;
+constexpr int CASES = cases(100000);
 
 // Limbs of dense, sparse, all-zero and all-one bits: the patterns that carry far and divide badly.
 class Source {

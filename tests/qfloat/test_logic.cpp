@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qlogic, bit for bit.
-#include "cases.h"
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 #include "qregister.h"

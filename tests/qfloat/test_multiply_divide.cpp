@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qmul, qmuli, qdiv and qdecexp: the numbers nearest to the exact products and quotients.
-#include "cases.h"
+#include "../cases.h"
 #include "hard.h"
 #include "oracle.h"
 

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 //
 // qpow and qpowi: special values and codes, accuracy against MPFR, the plain algorithms beside them.
+#include "../cases.h"
 #include "reference.h"
 
 using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 5000;
-constexpr int REFERENCE_CASES = 1000;
+constexpr int CASES = cases(5000);
+constexpr int REFERENCE_CASES = cases(1000);
 
 const Number ZERO{};
 const Number NEGATIVE_ZERO = negated(ZERO);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qtoasc against MPFR's decimal digits, and its rounding rule by hand.
-#include "cases.h"
+#include "../cases.h"
 #include "hard.h"
 #include "oracle.h"
 

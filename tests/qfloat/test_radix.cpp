@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // qtohex and qtobin against the digits of GMP integers.
+#include "../cases.h"
 #include "oracle.h"
 #include "reference.h"
 
@@ -176,7 +177,7 @@ std::string expectedBinary(const Number& x, bool twos) {
 class RandomRadix : public Seeded {};
 
 TEST_F(RandomRadix, TextsHaveTheDigitsOfTheInteger) {
-    for (int i = 0; i < 6000 && !HasFailure(); ++i) {
+    for (int i = 0; i < cases(6000) && !HasFailure(); ++i) {
         const int64_t reach = random.Chance(5) ? 0x7FFF : random.Chance(50) ? 40 : 400;
         const Number x = randomWithin(random, random.Chance(20) ? -40 : 1, reach, false);
         const bool twos = random.Chance(50);

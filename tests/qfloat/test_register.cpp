@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The mantissa primitives over working registers, against GMP integers.
+#include "../cases.h"
 #include "model.h"
 #include "oracle.h"
 
@@ -17,7 +18,7 @@ using oracle::wordsToInteger;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 constexpr unsigned long REGISTER_BITS = 416; // words 2..14
 
 class Registers : public oracle::Seeded {

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
 // qremain (divisor first) against MPFR's exact remainder.
+#include "../cases.h"
 #include "reference.h"
 
 using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 const Number ZERO{};
 const Number OVERFLOW = overflowValue(0);

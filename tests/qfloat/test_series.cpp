@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The steps of Horner's rule against GMP integers: each is cut by less than its header says.
+#include "../cases.h"
 #include "oracle.h"
 #include "qseries.h"
 
@@ -11,7 +12,7 @@ using limb::Signs;
 
 namespace {
 
-constexpr int CASES = 5000, MOST_STEPS = 5;
+constexpr int CASES = cases(5000), MOST_STEPS = 5;
 
 mpz_class integer(const uint64_t* limbs, int n) {
     mpz_class z;

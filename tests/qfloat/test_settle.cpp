@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The exact comparisons behind the rounding, against GMP integers.
+#include "../cases.h"
 #include "oracle.h"
 #include "qexact.h"
 
@@ -8,7 +9,7 @@ using namespace oracle;
 
 namespace {
 
-constexpr int CASES = 20000;
+constexpr int CASES = cases(20000);
 
 class Exact : public Seeded {
 protected:

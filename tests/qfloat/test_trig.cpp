@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Special results, limits, codes and identities of the circular, inverse and hyperbolic functions.
+#include "../cases.h"
 #include "trig_arguments.h"
 
 #include "qtrig.h"
@@ -270,7 +271,7 @@ protected:
     // outer(inner(x)) against x for |x| <= 1.  One rounding is a relative error of at most 2^-352; the inner
     // one counts `condition` times, and 2^-352 is at most one unit of the last place.
     void ExpectInverse(const char* inner, const char* outer, double condition, int64_t lowest) {
-        for (int i = 0; i < 5000; ++i) {
+        for (int i = 0; i < cases(5000); ++i) {
             Number x = randomMantissa(random);
             x[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
             x[1] = static_cast<uint32_t>(BIAS + random.Between(lowest, 0));
@@ -301,7 +302,7 @@ TEST_F(TrigPairs, CosineUndoesArcCosine) {
 }
 
 TEST_F(TrigPairs, ArcCosineOfTheNegativeIsTheSupplement) {
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < cases(5000); ++i) {
         const Number x = randomArgument(random, find("acos"));
         Number opposite = x;
         opposite[0] = ~x[0];
@@ -316,7 +317,7 @@ TEST_F(TrigPairs, ArcCosineOfTheNegativeIsTheSupplement) {
 }
 
 TEST_F(TrigPairs, HyperbolicTangentIsTheQuotient) {
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < cases(5000); ++i) {
         Number x = randomMantissa(random);
         x[1] = static_cast<uint32_t>(BIAS + random.Between(-400, 14));
         Real quotient(1000);

@@ -2,6 +2,7 @@
 //
 // The circular, inverse and hyperbolic functions against MPFR where methods
 // change; test_exact.cpp has random and hard arguments.
+#include "../cases.h"
 #include "trig_arguments.h"
 
 using namespace oracle;
@@ -39,7 +40,7 @@ TEST_P(TrigAccuracy, IsTheNearestNumberWhereMethodsChangeAndAtTheEndsOfTheRange)
 // A larger argument never has a result on the wrong side of its neighbor's.
 TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbors) {
     const Function& f = GetParam();
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < cases(5000); ++i) {
         const Number x = randomArgument(random, f);
         Real next(x);
         mpfr_nextabove(next);
@@ -57,7 +58,7 @@ TEST_P(TrigAccuracy, KeepsTheOrderOfNeighbors) {
 
 TEST_P(TrigAccuracy, MayWriteOverItsArgument) {
     const Function& f = GetParam();
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < cases(5000); ++i) {
         const Number x = randomArgument(random, f);
         Number inPlace = x;
         f.ours(inPlace.data(), inPlace.data());
@@ -72,7 +73,7 @@ class TrigSymmetry : public Seeded {};
 
 TEST_F(TrigSymmetry, OddAndEvenFunctionsAreSoToTheLastBit) {
     for (const Function& f : FUNCTIONS) {
-        for (int i = 0; i < 5000 && f.symmetry != Symmetry::None; ++i) {
+        for (int i = 0; i < cases(5000) && f.symmetry != Symmetry::None; ++i) {
             const Number x = randomArgument(random, f);
             Number opposite = x;
             opposite[0] = ~x[0];

@@ -2,6 +2,7 @@
 //
 // The 384-bit steps under the trigonometric functions: each keeps the relative error that its header
 // promises.
+#include "../cases.h"
 #include "oracle.h"
 #include "qtrigcore.h"
 
@@ -10,7 +11,7 @@ using limb::Extended;
 
 namespace {
 
-constexpr int ROUNDS = 10000;
+constexpr int ROUNDS = cases(10000);
 
 void toReal(const Extended& x, Real& value) {
     mpz_class mantissa;

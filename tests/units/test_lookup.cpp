@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What a name is taken for, and that many units do not make the look-up slow.
+#include "../cases.h"
 #include "../seed.h"
 #include "fixture.h"
 #include "model.h"
@@ -89,7 +90,7 @@ TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
     std::vector<std::string> names;
     for (const TableUnit& unit : tableUnits()) names.push_back(unit.name);
     int found = 0;
-    for (int i = 0; i < 40000; ++i) {
+    for (int i = 0; i < cases(40000); ++i) {
         const std::string name = randomName(random, names);
         if (i % 100 == 0 && !name.empty()) { // now and then a user's unit comes or a unit goes
             const std::string definition = std::to_string(i + 2) + "meter";
@@ -116,7 +117,7 @@ TEST_F(UnitsTest, RandomNamesAreTakenAsInTheModel) {
             ASSERT_EQ(actual.prefix->factor, model.Prefix(expected.prefix)) << name;
         }
     }
-    EXPECT_GT(found, 10000);
+    EXPECT_GT(found, cases(10000));
 }
 
 std::string numberedName(size_t i) {

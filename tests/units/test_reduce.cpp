@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Unit expressions: what they reduce to and what each wrong one is told.
+#include "../cases.h"
 #include "../seed.h"
 #include "fixture.h"
 #include "model.h"
@@ -253,7 +254,7 @@ TEST_F(UnitsTest, RandomExpressionsReduceAsInTheModel) {
         model.Define(name, definition);
     }
     int successes = 0;
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < cases(100000); ++i) {
         const std::string text = expressions.Next();
         model.message.clear();
         const std::optional<Reduced> expected = model.Reduce(text);
@@ -268,7 +269,7 @@ TEST_F(UnitsTest, RandomExpressionsReduceAsInTheModel) {
         ASSERT_EQ(namesOf(*actual, 1), expected->numerator) << text;
         ASSERT_EQ(namesOf(*actual, -1), expected->denominator) << text;
     }
-    EXPECT_GT(successes, 20000);
+    EXPECT_GT(successes, cases(20000));
 }
 
 } // namespace
