@@ -96,7 +96,8 @@ int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
     spending.budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
     std::string preview;
     std::string& entry = fullEntry ? entryLine : preview;
-    entry = withoutLineEnd(line); // a copy: the line may be one of the texts that are emptied
+    // A copy: the line may be one of the texts that are emptied.
+    entry = withoutLineEnd(line.substr(0, line.find('\0')));
     if (fullEntry) BeginEntry();
     if (fullEntry && interruptCheck)
         RunOrTakeBack(entry);

@@ -25,7 +25,7 @@ for program in "$@"; do
     mkdir -p "$folder/$target"
     log=$folder/$target.log
     status=0
-    "$program" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=4096 -max_len=1024 -close_fd_mask=1 \
+    "$program" -entropic=0 -max_total_time="$seconds" -timeout=20 -rss_limit_mb=4096 -max_len=1024 -close_fd_mask=1 \
         -print_final_stats=1 -artifact_prefix="$folder/$target-" -dict="$corpora/dictionary" \
         "$folder/$target" "$corpora/corpus/$target" >"$log" 2>&1 || status=$?
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")

@@ -160,6 +160,7 @@ LineSource::Status ReadlineEditor::Finish(Status status) {
     const int error = errno;
     ErasePreview();
     if (!isDone) {
+        rl_callback_sigcleanup(); // a search, say
         rl_point = rl_end;
         rl_redisplay();
         rl_callback_handler_remove();
@@ -201,7 +202,6 @@ LineSource::Status ReadlineEditor::Cancel() {
     if (endSignal() != 0) return Status::End;
     if (!isLine) return Status::Canceled;
     ErasePreview();
-    rl_callback_sigcleanup(); // a search, say
     Finish(Status::Canceled);
     rl_free_line_state();
     std::fputs("^C", screen);

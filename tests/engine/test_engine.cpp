@@ -158,6 +158,16 @@ TEST_F(Engine, TakesLinesOfAnyLength) {
     EXPECT_EQ("ans = 4\n", Answer("2+2"));
 }
 
+TEST_F(Engine, ALineEndsAtANul) {
+    Enter("x=5");
+    for (const bool quick : {false, true}) {
+        EXPECT_EQ(STATUS_RESULT, calc.ProcessEntry(std::string_view("x+1\0+1", 6), quick));
+        EXPECT_STREQ("ans = 6\n", calc.resultLine);
+        EXPECT_EQ(STATUS_RESULT, calc.ProcessEntry(std::string_view("x\0", 2), quick));
+        EXPECT_STREQ("ans = 5\n", calc.resultLine);
+    }
+}
+
 TEST_F(Engine, RunsAtMost999Statements) {
     EXPECT_EQ("ans = 998\n", Answer("ans=0" + repeated(";ans+1", 998) + ";5"));
     Enter("ans=0");
