@@ -150,7 +150,10 @@ public:
     // `message`, or -1 with an error. A name has fewer than 50 characters.
     // One that was kept from an earlier run takes the place of a predefined function, and may call functions
     // that are still to come or were deleted.
-    int DefineFunction(const char* text, bool isKept) { return definitions.Define(text, isKept); }
+    int DefineFunction(const char* text, bool isKept) {
+        interrupted = false; // as at the start of an entry
+        return definitions.Define(text, isKept);
+    }
     int DefineFunction(const char* text) { return DefineFunction(text, false); }
 
     // Whether the text is a letter followed by letters, digits and '_'.

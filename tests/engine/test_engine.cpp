@@ -168,6 +168,14 @@ TEST_F(Engine, ALineEndsAtANul) {
     }
 }
 
+TEST_F(Engine, DefinesAFunctionBehindAnInterruptedEntry) {
+    calc.interruptCheck = [] { return true; };
+    EXPECT_EQ(STATUS_ERROR, Enter("1+1"));
+    calc.interruptCheck = nullptr;
+    EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction("behind(x)=x"));
+    EXPECT_STREQ("behind(x)=x\n", calc.message);
+}
+
 TEST_F(Engine, RunsAtMost999Statements) {
     EXPECT_EQ("ans = 998\n", Answer("ans=0" + repeated(";ans+1", 998) + ";5"));
     Enter("ans=0");

@@ -38,10 +38,14 @@ inline std::unique_ptr<ZqCalculator> newCalculator(bool withNewUnits) {
     return calc;
 }
 
-// Whether an entry of the text may change the unit library.
+// Whether an entry of the text, or a line of a file, may change the unit library. The header of a file's
+// section does not.
 inline bool mayChangeUnits(std::string_view text) {
     const std::string lower = lowerCased(std::string(text));
-    return lower.find("unit") != std::string::npos || lower.find("del") != std::string::npos;
+    size_t word = lower.find("unit");
+    while (word < lower.size() && lower.compare(word, 9, "units ###") == 0)
+        word = lower.find("unit", word + 4);
+    return word < lower.size() || lower.find("del") < lower.size();
 }
 
 // One entry. Random numbers begin anew with each.

@@ -8,11 +8,19 @@
 
 namespace {
 
-std::string textRead(const std::string& path, const std::string& bytes, DefinitionsRead& read) {
-    const auto calc = newCalculator(true);
+// The calculator of a start with this file.
+std::unique_ptr<ZqCalculator> started(const std::string& path, const std::string& bytes,
+                                      DefinitionsRead& read) {
+    auto calc = newCalculator(mayChangeUnits(bytes));
     putContent(path, bytes);
     read = readDefinitions(*calc, path);
-    return definitionsText(*calc);
+    return calc;
+}
+
+std::string textRead(const std::string& path, const std::string& bytes, DefinitionsRead& read) {
+    const std::string text = definitionsText(*started(path, bytes, read));
+    if (mayChangeUnits(bytes)) deleteAllUnits();
+    return text;
 }
 
 } // namespace
@@ -40,12 +48,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string merged = merge.Merge(saved, theirs);
     require(DefinitionsText(merged).isFramed, "a merged file is whole", merged);
     const DefinitionsMerge::Foreign foreign = merge.TakeForeign(saved, theirs);
-    const auto calc = newCalculator(true);
-    putContent(path, saved);
-    readDefinitions(*calc, path);
+    const auto calc = started(path, saved, again);
     takeDefinitions(*calc, foreign.defined, foreign.deleted);
     merge.Took(foreign, definitionsText(*calc));
     require(merge.TakeForeign(definitionsText(*calc), theirs).keys.empty(),
             "what others changed is told once", merged);
+    if (mayChangeUnits(bytes)) deleteAllUnits();
     return 0;
 }
