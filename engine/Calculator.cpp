@@ -234,7 +234,7 @@ int ZqCalculator::Read(std::string_view statement, bool mayLeaveOut) {
     }
     if (!european && !tenKey && isBareExpression(trimmed)) return scanner.ScanBare(trimmed, mayLeaveOut);
     std::string text(trimmed);
-    markConversion(text);
+    markConversion(text, european);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
     return scanner.Scan(std::move(text), mayLeaveOut);
 }

@@ -56,7 +56,7 @@ bool Definitions::CheckParameters(const std::string& list) {
 int Definitions::Define(const char* text, bool isKept) {
     DefinitionText parts;
     std::string definition = text;
-    if (definition.find(CVSstr) == std::string::npos) markConversion(definition);
+    if (definition.find(CVSstr) == std::string::npos) markConversion(definition, settings.european);
     definition.erase(std::remove_if(definition.begin(), definition.end(), isBlank), definition.end());
     if (!splitDefinition(definition, parts)) {
         return outcome.Fail("** ERROR: can't define an empty function **\n");

@@ -37,14 +37,16 @@ bool endsUnitExponent(const std::string& text, size_t end) {
 }
 
 // The start of the unit name in front of an arrow at `arrow`.
-size_t findUnitName(const std::string& text, size_t arrow) {
+size_t findUnitName(const std::string& text, size_t arrow, bool european) {
+    const char point = european ? ',' : '.';
+    const char comma = european ? '.' : ',';
     size_t start = arrow;
     while (start > 0 && isSpaceOrTab(text[start - 1])) start--;
     bool inExponent = false;
     while (start > 0) {
         const char c = text[start - 1];
-        if (isSpaceOrTab(c) || strchr("()[]{}=,", c)) break;
-        if (c == '.' && start > 1 && isDigit(text[start - 2])) break; // 5.km
+        if (isSpaceOrTab(c) || c == comma || strchr("()[]{}=", c)) break;
+        if (c == point && start > 1 && isDigit(text[start - 2])) break; // 5.km
         if (!isDigit(c))
             inExponent = false;
         else if (!inExponent && !(inExponent = endsUnitExponent(text, start)))
@@ -176,11 +178,11 @@ bool isBareExpression(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return BARE.has[static_cast<uint8_t>(c)]; });
 }
 
-void markConversion(std::string& text) {
+void markConversion(std::string& text, bool european) {
     if (text.size() < 5) return;
     const size_t arrow = text.find("->");
     if (arrow == std::string::npos) return;
-    const size_t start = findUnitName(text, arrow);
+    const size_t start = findUnitName(text, arrow, european);
     text[arrow + 1] = CVstr[0];
     text.erase(arrow, 1);
     text.insert(start, 1, CVSstr[0]);
@@ -223,7 +225,7 @@ std::string Scanner::MoveSignsForward(const std::string& text) {
 
 int Scanner::ScanBody(std::string text, const Definition& definition) {
     statement.terms.Clear();
-    if (!isArrowInUnit(text)) markConversion(text);
+    if (!isArrowInUnit(text)) markConversion(text, settings.european);
     inDefinition = &definition;
     const int state = Scan(std::move(text));
     inDefinition = nullptr;

@@ -63,7 +63,8 @@ std::string_view trimStatement(std::string_view statement);
 bool isBareExpression(std::string_view text);
 
 // Rewrites the first "->": 5 km->mi becomes 5 <mark>km<arrow>mi, of the same length.
-void markConversion(std::string& text);
+// `european`: in the text ',' and '.' have not traded places yet.
+void markConversion(std::string& text, bool european);
 
 // Whether the statement defines a function: name(...)=...
 bool isDefinition(const std::string& text);
