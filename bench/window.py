@@ -44,7 +44,7 @@ def megabytes(window):
 def settle(window):
     """Waits until the program uses nothing any more."""
     before = -1.0
-    while used(window) > before + 0.005:  # the cursor blinks
+    while used(window) > before + 0.005:  # the cursor blinks for ten seconds
         before = used(window)
         time.sleep(1)
 

@@ -78,6 +78,6 @@ tidy() {
 }
 
 compiled="$build/compiled-files.txt"
-sed -n 's/.*"file": "\(.*\)".*/\1/p' "$build/compile_commands.json" | sort -u >"$compiled"
-grep -v '/tests/' "$compiled" | tidy --extra-arg=-Xclang --extra-arg=-analyzer-opt-analyze-headers
-grep '/tests/.*\.c' "$compiled" | tidy --checks='-clang-analyzer-*,-performance-*'
+sed -n 's/.*"file": "\(.*\)".*/\1/p' "$build/compile_commands.json" | sed "s|^$PWD/||" | sort -u >"$compiled"
+grep -Ev "^($build/)?tests/" "$compiled" | tidy --extra-arg=-Xclang --extra-arg=-analyzer-opt-analyze-headers
+grep -E "^($build/)?tests/.*\.c" "$compiled" | tidy --checks='-clang-analyzer-*,-performance-*'
