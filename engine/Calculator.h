@@ -73,10 +73,10 @@ public:
     // Sets up the variables and registers the predefined functions. Call it once, before the first entry.
     void InitializeFunctionsAndVars();
 
-    // Processes one typed line of any length, up to a NUL; `quick` is the live preview. Returns the status of the last
-    // statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a later entry
-    // reads; `resultLine` and `message` hold its answer until then. A preview that takes more than its share
-    // of work (WorkBudget.h), some milliseconds, is given up: status -1.
+    // Processes one typed line of any length, up to a NUL; `quick` is the live preview. Returns the status of
+    // the last statement that ran. A full entry leaves it in `status` too. A preview leaves nothing that a
+    // later entry reads; `resultLine` and `message` hold its answer until then. A preview that takes more
+    // than its share of work (WorkBudget.h), some milliseconds, is given up: status -1.
     int ProcessEntry(std::string_view line, bool quick);
     int ProcessEntry(const char* line, bool quick) {
         return ProcessEntry(std::string_view(line ? line : ""), quick);

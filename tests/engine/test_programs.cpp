@@ -15,7 +15,10 @@ namespace {
 
 class Programs : public Functions {
 protected:
-    Programs() { calc.interruptCheck = countQuestions; }
+    Programs() {
+        stopAt = 0;
+        calc.interruptCheck = countQuestions;
+    }
 
     // What an entry answers, and all that it took.
     std::string Seen(const std::string& line, bool quick) {

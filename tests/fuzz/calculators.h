@@ -16,14 +16,11 @@ class Patience {
 public:
     static constexpr int QUESTIONS = 20;
 
-    static void Begin() { questionsLeft() = QUESTIONS; }
-    static bool IsOver() { return questionsLeft()-- <= 0; }
+    static void Begin() { questionsLeft = QUESTIONS; }
+    static bool IsOver() { return questionsLeft-- <= 0; }
 
 private:
-    static int& questionsLeft() {
-        static int left = QUESTIONS;
-        return left;
-    }
+    static inline int questionsLeft = QUESTIONS;
 };
 
 // Functions and units belong to the process, so there is one at a time.

@@ -66,8 +66,8 @@ void checkPlain(int screen) {
 } // namespace
 
 // Readline keeps texts for itself, such as one that was searched for when the input ended.
-extern "C" const char* __lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier)
-extern "C" const char* __lsan_default_suppressions() { // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
     return "leak:xmalloc\nleak:xrealloc\n";
 }
 

@@ -46,7 +46,7 @@ void checkTexts(const qfloat number, int digits) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    const int digits = static_cast<int8_t>(input.Byte());
+    const int digits = int{input.Byte()} - 64;
     const std::string text = input.Rest();
     qfloat number;
     std::memset(number, 0xA5, sizeof number);

@@ -19,7 +19,7 @@ public:
     };
 
     // Sends these bytes, the head of the response included.
-    explicit Service(std::string answer, Manner manner = Manner::Answers);
+    explicit Service(std::string answer, Manner how = Manner::Answers);
     ~Service();
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
