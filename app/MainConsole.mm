@@ -82,11 +82,11 @@ static bool isInterrupted() {
     }
 }
 
-// A script is watched as a whole: thousands of short lines would never be interrupted.
+// A script is watched as a whole: thousands of short lines would never be interrupted, nor said to take long.
 - (void)watchInterrupts {
-    const auto now = std::chrono::steady_clock::now();
-    if (![self isReplaying]) lastInterruptCheck = now;
-    longFrom = now + LONG_TIME;
+    if ([self isReplaying]) return;
+    lastInterruptCheck = std::chrono::steady_clock::now();
+    longFrom = lastInterruptCheck + LONG_TIME;
 }
 
 // No event is dealt with while an entry runs: it has to be drawn here.

@@ -304,6 +304,18 @@ TEST_F(Looks, ALongEntryIsSaidToBeCalculated) {
     EXPECT_EQ(StatusLine(), "");
 }
 
+TEST_F(Looks, ALongScriptOfShortLinesIsSaidToBeCalculated) {
+    using Clock = std::chrono::steady_clock;
+    [console watchInterrupts];
+    PartOf<ScriptTurns>("scripts").isReplaying = true;
+    PartOf<std::optional<Clock::time_point>>("longFrom") = Clock::now();
+    [console watchInterrupts]; // its next line
+    PartOf<Clock::time_point>("lastInterruptCheck") -= std::chrono::seconds(1);
+    EXPECT_FALSE([console isInterrupted]);
+    EXPECT_EQ(StatusLine(), "Calculating... Escape ends it.");
+    PartOf<ScriptTurns>("scripts").isReplaying = false;
+}
+
 // --- Lines ---
 
 class WholeLinesTest : public Looks {
