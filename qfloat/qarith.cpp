@@ -86,11 +86,12 @@ inline void takeCarry(uint64_t* x) {
     x[COUNT - 1] |= limb::TOP_BIT;
 }
 
-// The end of a sum: exponent and mantissa into c, unless out of range.
-inline void storeSum(uint32_t sign, int64_t exponent, const uint64_t* x, qfloat c) {
+// Stores a result; exponents below `lowest` give zero.
+inline void storeResult(uint32_t sign, int64_t exponent, int64_t lowest, const uint64_t* x, qfloat c) {
     if (exponent > OVERFLOW_EXPONENT) {
-        overflow(c); // c's sign word stays
-    } else if (exponent < 0) {
+        c[0] = sign;
+        overflow(c);
+    } else if (exponent < lowest) {
         qclear(c);
     } else {
         c[0] = sign;
@@ -98,6 +99,14 @@ inline void storeSum(uint32_t sign, int64_t exponent, const uint64_t* x, qfloat 
         c[2] = 0;
         limb::store(x, c);
     }
+}
+
+// The end of a sum: exponent and mantissa into c, unless out of range.
+inline void storeSum(uint32_t sign, int64_t exponent, const uint64_t* x, qfloat c) {
+    if (exponent > OVERFLOW_EXPONENT)
+        overflow(c); // c's sign word stays
+    else
+        storeResult(sign, exponent, 0, x, c);
 }
 
 // big + small, magnitudes; small is already aligned.
@@ -205,7 +214,8 @@ inline int64_t signedExponent(const qfloat a) {
     return a[0] != 0 ? -int64_t{a[1]} : int64_t{a[1]};
 }
 
-int compareTiny(const qfloat a, const qfloat b) {
+// It stays out of qcmp, which would set up its frame for every two numbers.
+__attribute__((noinline)) int compareTiny(const qfloat a, const qfloat b) {
     qfloat d = {};
     qsub(b, a, d);
     if (d[1] == 0) return 0;
@@ -236,7 +246,7 @@ inline bool hasOneWord(const uint64_t* x) {
 
 // Normalizes and rounds the product or quotient x, whose exponent is biased. Returns false when x is zero.
 inline bool finish(uint64_t* x, int64_t& exponent) {
-    // Normalized operands need a shift by one bit at most; without a branch, as it is a toss-up.
+    // Normalized operands need a shift by one bit at most; without a branch, which nobody can predict.
     const int one = static_cast<int>(~x[COUNT - 1] >> 63);
     for (int i = COUNT - 1; i > 0; --i) x[i] = limb::joinUp(x[i], x[i - 1], one);
     x[0] <<= one;
@@ -249,21 +259,6 @@ inline bool finish(uint64_t* x, int64_t& exponent) {
     }
     exponent += limb::roundHalfUp(x);
     return true;
-}
-
-// Stores a product or quotient; exponents below `lowest` give zero.
-inline void storeProduct(uint32_t sign, int64_t exponent, int64_t lowest, const uint64_t* x, qfloat c) {
-    if (exponent > OVERFLOW_EXPONENT) {
-        c[0] = sign;
-        overflow(c);
-    } else if (exponent < lowest) {
-        qclear(c);
-    } else {
-        c[0] = sign;
-        c[1] = static_cast<uint32_t>(exponent);
-        c[2] = 0;
-        limb::store(x, c);
-    }
 }
 
 } // namespace
@@ -286,7 +281,7 @@ void qmul(const qfloat a, const qfloat b, qfloat c) {
     int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
     if (finish(z, exponent)) {
-        storeProduct(sign, exponent, 1, z, c);
+        storeResult(sign, exponent, 1, z, c);
     } else {
         qclear(c);
     }
@@ -303,7 +298,7 @@ void qmuli(const qfloat a, const qfloat b, qfloat c) {
     int64_t exponent = int64_t{a[1]} + b[1] - EXPONENT_BIAS;
     const uint32_t sign = productSign(a, b);
     if (finish(x, exponent)) {
-        storeProduct(sign, exponent, 0, x, c); // an exponent of 0 is stored as it is
+        storeResult(sign, exponent, 0, x, c); // an exponent of 0 is stored as it is
     } else {
         qclear(c);
     }
@@ -331,7 +326,7 @@ void qdiv(const qfloat a, const qfloat b, qfloat c) {
     limb::divideExactly(y, x, y);
     const uint32_t sign = productSign(a, b);
     if (finish(y, exponent)) {
-        storeProduct(sign, exponent, 1, y, c);
+        storeResult(sign, exponent, 1, y, c);
     } else {
         qclear(c);
     }

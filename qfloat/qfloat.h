@@ -59,7 +59,7 @@ extern qconstant qtp8;             // tan(pi/8) = square root of 2, less 1
 extern qconstant qt3p8;            // tan(3 pi/8) = square root of 2, plus 1
 extern qconstant qtens[14];        // entry i = 10^(2^(13-i)): 10^8192 ... 10^1
 extern qconstant qmtens[14];       // their reciprocals, correctly rounded
-extern qconstant rndbit;           // zero but for a 1 in word 13: one unit of the last place
+extern qconstant rndbit;           // zero except a 1 in word 13: one unit of the last place
 extern const uint32_t bmask[32];   // entry k clears the k lowest bits of a word
 
 // ---------------------------------------------------------------------------------------------------------

@@ -36,10 +36,18 @@ wide::SineCosine wider(const uint32_t* x, size_t width) {
     return wide::hyperbolic(wide::Wide::OfMagnitude(x, width));
 }
 
-// The exponential and its reciprocal.
-void exponentials(const Extended& x, Extended& grown, Extended& shrunk) {
-    elem::exp(x, false, grown);
-    divide(ONE, grown, shrunk);
+// The sine or the cosine.
+void hyperbolic(const Extended& x, bool isSine, Extended& y) {
+    Extended s, c;
+    if (x.exponent < EXPONENTIAL_FROM) {
+        sinhCoshSeries(x, s, c);
+        y = isSine ? s : c;
+        return;
+    }
+    elem::exp(x, false, s);
+    divide(ONE, s, c);
+    isSine ? subtract(s, c, y) : add(s, c, y);
+    --y.exponent;
 }
 
 } // namespace
@@ -55,15 +63,8 @@ void qsinh(const qfloat x, qfloat y) {
     } else if (a.exponent >= HOPELESS) {
         overflow(sign, y);
     } else {
-        Extended s, c;
-        if (a.exponent < EXPONENTIAL_FROM) {
-            sinhCoshSeries(a, s, c);
-        } else {
-            Extended grown, shrunk;
-            exponentials(a, grown, shrunk);
-            limb::subtract(grown, shrunk, s);
-            --s.exponent;
-        }
+        Extended s;
+        hyperbolic(a, true, s);
         elem::settle(s, HYPERBOLIC_UNITS, [x](size_t width) { return wider(x, width).sine; });
         limb::store(s, sign, 0, y);
     }
@@ -76,15 +77,8 @@ void qcosh(const qfloat x, qfloat y) {
     } else if (a.exponent >= HOPELESS) {
         overflow(0, y);
     } else {
-        Extended s, c;
-        if (a.exponent < EXPONENTIAL_FROM) {
-            sinhCoshSeries(a, s, c);
-        } else {
-            Extended grown, shrunk;
-            exponentials(a, grown, shrunk);
-            limb::add(grown, shrunk, c);
-            --c.exponent;
-        }
+        Extended c;
+        hyperbolic(a, false, c);
         elem::settle(c, HYPERBOLIC_UNITS, [x](size_t width) { return wider(x, width).cosine; });
         limb::store(c, 0, 0, y);
     }

@@ -337,7 +337,7 @@ void multiply(const uint64_t* x, const uint64_t* y, uint64_t* z);
 // The same for y = x: squares each cross product once.
 void square(const uint64_t* x, uint64_t* z);
 
-// z = floor(x * y / 2^64) for one limb y; exact but for the limb cut below.
+// z = floor(x * y / 2^64) for one limb y; exact except the limb cut below.
 inline void multiplyLimb(const uint64_t* x, uint64_t y, uint64_t* z) {
     uint64_t high;
     multiply(x[0], y, high);

@@ -7,9 +7,11 @@
 // Elsewhere a machine logarithm t is corrected: ln m = t + 2 artanh((m - e^t) / (m + e^t)), whose argument
 // is so small that the series has three or four terms.
 //
-// The second way ends: the logarithm of a number other than 1 is transcendental (Lindemann). One to a base
-// is transcendental too (Gelfond and Schneider) or a quotient of two whole numbers: t / s where x = c^t and
-// b = c^s, and t and s are below 2^16 in magnitude, so that it is no midpoint between two numbers.
+// The first way's error: below 2^-373 of the logarithm (qelem.h), LOG_UNITS, and of the quotient of two, for
+// a base, below 4 LOG_UNITS. The second way ends: the logarithm of a number other than 1 is transcendental
+// (Lindemann). One to a base is transcendental too (Gelfond and Schneider) or a quotient of two whole
+// numbers: t / s where x = c^t and b = c^s, and t and s are below 2^16 in magnitude, so that it is no
+// midpoint between two numbers.
 #include "qelem.h"
 #include "qfixed.h"
 #include "qfloat.h"

@@ -283,7 +283,9 @@ void qpow(const qfloat x, const qfloat y, qfloat z) {
 
 namespace {
 
-// n! within 2^-374. None is a midpoint: the odd part of 86! has 352 bits, that of 87! 358.
+// The first way's error: each of the 275 products at most is cut by less than a unit of the last of 384 bits.
+// Relative to the products, which are known, that adds up to less than 558 units for every n. The second way
+// ends: no factorial is a midpoint, as the odd part of 86! has 352 bits, that of 87! 358.
 constexpr uint32_t FACTORIAL_UNITS = 1 << 10;
 
 // y = n! for n >= 2: the factors are gathered into limbs first.

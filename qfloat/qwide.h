@@ -5,7 +5,9 @@
 // The first way works with 384 bits and a proven bound; where the bits behind the 352 do not tell to which
 // side of the midpoint between two numbers the true value belongs, it is computed once more here, and with
 // twice as many limbs each time until it is clear (decided()). Speed matters little here, so there is one
-// plain series for each family and no table.
+// plain series for each family and no table: nothing of the first way's tables and proven bounds, which hold
+// for its six limbs alone, decides here too. No width that is known when this is compiled would be enough for
+// every argument, so the width is a number of the run and doubling it always ends.
 //
 // Errors. With n limbs let u = 2^(2 - 64 n). Sums of two numbers of one sign and products have a relative
 // error below u, quotients by a limb 2 u, quotients and roots 8 u; a difference loses u times the larger

@@ -42,8 +42,20 @@ Function binary(const char* name, Binary ours,
     return {name, ours, truth, whole, usual, second, isSecondWhole, true};
 }
 
+// Whether x^-y, rounded, is above the range for a whole y < 0. Then x^y is a special value, also where it is
+// the smallest number.
+bool isOfOverflow(mpfr_srcptr x, mpfr_srcptr y) {
+    if (mpfr_sgn(y) >= 0 || mpfr_integer_p(y) == 0) return false;
+    Real opposite(oracle::MANTISSA_BITS), inverse(oracle::MANTISSA_BITS);
+    mpfr_neg(opposite, y, MPFR_RNDN);
+    mpfr_pow(inverse, x, opposite, MPFR_RNDN);
+    return mpfr_get_exp(inverse) > 32768;
+}
+
+// 0, which no power is, where it is no number of the type.
 void power(mpfr_ptr z, mpfr_srcptr x, mpfr_srcptr y, mpfr_rnd_t rounding) {
     mpfr_pow(z, x, y, rounding);
+    if (mpfr_regular_p(z) != 0 && mpfr_get_exp(z) <= -32767 && isOfOverflow(x, y)) mpfr_set_zero(z, 1);
 }
 
 // MPFR has no logarithm to any base: a quotient with so many bits more that its error does not show.

@@ -1,33 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "reference.h"
 
-using namespace oracle;
+#include "reference_trig.h"
 
 namespace reference {
-
-namespace {
 
 void integer(int64_t n, qfloat q) {
     ltoq(&n, q);
 }
 
+namespace {
+
 // Halves or doubles a number that is not zero.
 void scaleBinary(qfloat q, int n) {
     if (q[1] != 0) q[1] = static_cast<uint32_t>(static_cast<int64_t>(q[1]) + n);
-}
-
-// tanh x for |x| < 1: x / (1 + z / (3 + z / (5 + ... + z / 81))), z = x^2.
-void hyperbolicTangent(const qfloat x, qfloat y) {
-    qfloat z = {}, n = {}, d = {};
-    qmul(x, x, z);
-    integer(81, n);
-    qmov(n, d);
-    for (int k = 0; k < 40; ++k) {
-        qsub(qtwo, n, n);
-        qdiv(d, z, d);
-        qadd(n, d, d);
-    }
-    qdiv(d, x, y);
 }
 
 } // namespace
@@ -142,7 +128,7 @@ void logarithm(const qfloat x, qfloat y) {
     }
     if (x[1] == 0) {
         qinfin(y);
-        y[0] = NEGATIVE_SIGN;
+        y[0] = oracle::NEGATIVE_SIGN;
         merror = 2;
         return;
     }
@@ -278,6 +264,8 @@ void factorial(const qfloat x, qfloat y) {
 
 } // namespace reference
 
+namespace oracle {
+
 bool operator==(const Outcome& a, const Outcome& b) {
     return a.value == b.value && a.code == b.code;
 }
@@ -354,3 +342,5 @@ Number randomWithin(Random& random, int64_t low, int64_t high, bool positive) {
     q[1] = static_cast<uint32_t>(BIAS + random.Between(low, high));
     return q;
 }
+
+} // namespace oracle

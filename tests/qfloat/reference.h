@@ -12,6 +12,7 @@
 
 namespace reference {
 
+void integer(int64_t n, qfloat q); // q is n
 void squareRoot(const qfloat x, qfloat y);
 void exponential(const qfloat x, qfloat y);
 void logarithm(const qfloat x, qfloat y);
@@ -21,9 +22,11 @@ void factorial(const qfloat x, qfloat y);
 
 } // namespace reference
 
+namespace oracle {
+
 // What a routine leaves behind.
 struct Outcome {
-    oracle::Number value;
+    Number value;
     int code; // merror, cleared before the call
 };
 
@@ -35,13 +38,15 @@ using Binary = void (*)(const qfloat, const qfloat, qfloat);
 
 // Calls the routine with a separate output, then with the output in the place of each input; the test fails
 // unless all agree.  The output arrays are full of other values; their sign word is 0.
-Outcome run(Unary routine, const oracle::Number& x);
-Outcome run(Binary routine, const oracle::Number& a, const oracle::Number& b);
+Outcome run(Unary routine, const Number& x);
+Outcome run(Binary routine, const Number& a, const Number& b);
 
 // The number q of a double, a decimal text's nearest number, and q moved by `units` of the last place.
-oracle::Number number(double d);
-oracle::Number neighbor(const oracle::Number& q, int units);
-oracle::Number negated(oracle::Number q);
+Number number(double d);
+Number neighbor(const Number& q, int units);
+Number negated(Number q);
 
 // A dense or patterned mantissa, value 0.m * 2^e with e in low .. high.
-oracle::Number randomWithin(oracle::Random& random, int64_t low, int64_t high, bool positive);
+Number randomWithin(Random& random, int64_t low, int64_t high, bool positive);
+
+} // namespace oracle

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "reference_trig.h"
 
+#include "reference.h"
+
 namespace reference {
 
 namespace {
 
 constexpr uint32_t ALL_ONES = 0xFFFFFFFF;
-
-void integer(int64_t n, qfloat q) {
-    ltoq(&n, q);
-}
 
 void halve(qfloat q) {
     if (q[1] != 0) --q[1];
@@ -72,53 +70,6 @@ int64_t moduloEight(const qfloat t) {
     qsub(eighths, t, eighths);
     qifrac(eighths, &k, fraction);
     return k;
-}
-
-// e^x = 2^n (1 + t) / (1 - t), t = tanh(r/2), r = x - n ln 2 in two parts.
-void exponential(const qfloat x, qfloat y) {
-    if (x[1] == 0) {
-        qmov(qone, y);
-        return;
-    }
-    qfloat n, r, part, t, upper, lower;
-    int64_t count;
-    qdiv(qlog2, x, n);
-    qadd(qhalf, n, n);
-    qfloor(n, n);
-    qifrac(n, &count, part);
-    qmul(n, C1, part);
-    qsub(part, x, r);
-    qmul(n, C2, part);
-    qsub(part, r, r);
-    halve(r);
-    hyperbolicTangent(r, t);
-    qadd(t, qone, upper);
-    qsub(t, qone, lower);
-    qdiv(lower, upper, y);
-    y[1] = static_cast<uint32_t>(y[1] + count);
-}
-
-// Newton's iteration from a double-precision fit, eight steps.
-void squareRoot(const qfloat x, qfloat y) {
-    if (x[1] == 0) {
-        qclear(y);
-        return;
-    }
-    qfloat m, quotient;
-    const int64_t e = int64_t{x[1]} - 0x8000;
-    qmov(x, m);
-    m[1] = 0x8000;
-    qmul(qsq2, m, y);
-    qadd(qsq1, y, y);
-    qmul(m, y, y);
-    qadd(qsq0, y, y);
-    y[1] = static_cast<uint32_t>(0x8000 + (e - (e & 1)) / 2);
-    if ((e & 1) != 0) qmul(y, qsqrt2, y);
-    for (int i = 0; i < 8; ++i) {
-        qdiv(y, x, quotient);
-        qadd(quotient, y, y);
-        halve(y);
-    }
 }
 
 } // namespace

@@ -7,9 +7,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_add {
 
 constexpr int CASES = cases(100000);
 
@@ -303,4 +301,4 @@ TEST(Underflow, ADifferenceBelowTheRangeIsZeroWithoutACode) {
     EXPECT_EQ(merror, 0);
 }
 
-} // namespace
+} // namespace oracle::test_add

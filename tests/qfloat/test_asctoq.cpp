@@ -5,9 +5,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_asctoq {
 
 struct Parsed {
     Number q;
@@ -314,4 +312,4 @@ TEST(AsctoqRange, ManyFractionDigitsWithASmallExponentAreRight) {
     expectNumber(small, small.c_str());
 }
 
-} // namespace
+} // namespace oracle::test_asctoq

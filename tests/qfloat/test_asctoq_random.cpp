@@ -8,9 +8,7 @@
 #include "qexact.h"
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_asctoq_random {
 
 constexpr int CASES = cases(20000);
 
@@ -214,4 +212,4 @@ TEST_F(Texts, AnyBytesGiveANumberOrAnError) {
     merror = 0;
 }
 
-} // namespace
+} // namespace oracle::test_asctoq_random

@@ -7,9 +7,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_compare {
 
 constexpr int CASES = cases(100000);
 
@@ -183,4 +181,4 @@ TEST(OverflowValue, QinfinLeavesTheSignWord) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_compare

@@ -5,9 +5,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_constants {
 
 using Words = std::array<uint32_t, 16>;
 
@@ -215,4 +213,4 @@ TEST(ErrorCodes, TextsStandInTheOrderOfTheCodes) {
     EXPECT_STREQ(MATH_ERROR_TEXTS[6], "partial loss of precision");
 }
 
-} // namespace
+} // namespace oracle::test_constants

@@ -9,9 +9,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_convert {
 
 constexpr int CASES = cases(100000);
 
@@ -377,4 +375,4 @@ TEST(Qfrexp, SplitsIntoFractionAndExponent) {
     EXPECT_EQ(y, Number{});
 }
 
-} // namespace
+} // namespace oracle::test_convert

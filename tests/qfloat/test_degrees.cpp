@@ -7,9 +7,7 @@
 #include "qtrig.h"
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_degrees {
 
 struct DegreeFunction {
     const char* name;
@@ -42,8 +40,6 @@ void expectNearest(const DegreeFunction& f, const Number& x) {
 const Number ZERO{};
 const Number ONE = number(1);
 const Number HALF = number(0.5);
-
-} // namespace
 
 TEST(Degrees, HaveExactSinesAndCosinesWhereThereAreSuch) {
     // By steps of 30 degrees: the sine, 2 where it is irrational.
@@ -121,3 +117,5 @@ TEST_F(RandomDegrees, ThatAreTinyHaveTheNearestNumbers) {
         EXPECT_EQ(run(qtandeg, nothing), (Outcome{nothing, 0}));
     }
 }
+
+} // namespace oracle::test_degrees

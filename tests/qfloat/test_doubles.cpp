@@ -11,9 +11,7 @@
 
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_doubles {
 
 constexpr int CASES = cases(100000);
 
@@ -231,4 +229,4 @@ TEST(Qtoe, AnExponentFieldOf2047CountsAsOverflow) {
     merror = 0;
 }
 
-} // namespace
+} // namespace oracle::test_doubles

@@ -7,9 +7,7 @@
 #include "qfloat.h"
 #include "qregister.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_edges {
 
 // mantissa words 3 and 4, the others zero
 Number raw(uint32_t exponent, uint32_t word3, uint32_t word4 = 0) {
@@ -27,8 +25,6 @@ int flagAfter(void (*routine)(const qfloat, const qfloat, qfloat), const char* a
     routine(x.data(), y.data(), z.data());
     return subflg;
 }
-
-} // namespace
 
 TEST(SubtractFlag, TellsSumsOfMagnitudesFromDifferences) {
     EXPECT_EQ(flagAfter(qadd, "1", "3"), 0);
@@ -144,3 +140,5 @@ TEST(ScalingByTen, ReachesFromOneEndOfTheRangeToTheOther) {
     qdecexp(q.data(), -19600);
     EXPECT_EQ(q, decimal("1e-9800"));
 }
+
+} // namespace oracle::test_edges

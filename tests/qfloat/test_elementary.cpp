@@ -6,9 +6,7 @@
 #include "qexact.h"
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_elementary {
 
 constexpr int CASES = cases(8000);
 constexpr int REFERENCE_CASES = cases(1500);
@@ -348,4 +346,4 @@ TEST_F(Logarithm, OfAProductIsTheSum) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_elementary

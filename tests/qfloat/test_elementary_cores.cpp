@@ -9,10 +9,9 @@
 #include <algorithm>
 #include <cmath>
 
-using namespace oracle;
-using limb::Extended;
+namespace oracle::test_elementary_cores {
 
-namespace {
+using limb::Extended;
 
 constexpr int CASES = cases(4000);
 
@@ -137,4 +136,4 @@ TEST_F(ElementaryCores, ExpFractionIsWithin64Units) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_elementary_cores

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_factorial {
 
 const Number ONE = number(1);
 const Number OVERFLOW = overflowValue(0);
@@ -78,4 +76,4 @@ TEST(Factorial, Above1754IsTheOverflowValueWithCodeThree) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_factorial

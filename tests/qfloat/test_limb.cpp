@@ -13,7 +13,7 @@
 #include <random>
 #include <vector>
 
-namespace {
+namespace oracle::test_limb {
 
 using limb::COUNT;
 using Limbs = std::vector<uint64_t>;
@@ -60,8 +60,6 @@ bool within(const Integer& a, const Integer& b, unsigned long limit) {
     mpz_sub(d.z, a.z, b.z);
     return mpz_cmpabs_ui(d.z, limit) <= 0;
 }
-
-} // namespace
 
 TEST(Limb, ProductIsTheTopHalfLessAtMostSixUnits) {
     Source source;
@@ -205,3 +203,5 @@ TEST(Limb, PowersOfTenAreRightToTheirBound) {
         ASSERT_TRUE(within(exact, ours, n <= 160 ? 0 : 32)) << n;
     }
 }
+
+} // namespace oracle::test_limb

@@ -7,9 +7,7 @@
 #include "qregister.h"
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_logic {
 
 constexpr int CASES = cases(20000);
 
@@ -163,4 +161,4 @@ TEST_F(RandomLogic, IsExactToTheLastBit) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_logic

@@ -8,9 +8,7 @@
 #include "qexact.h"
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_multiply_divide {
 
 constexpr int CASES = cases(20000);
 
@@ -355,4 +353,4 @@ TEST(Qdecexp, EndsOfTheRange) {
     EXPECT_EQ(q, decimal("-2000"));
 }
 
-} // namespace
+} // namespace oracle::test_multiply_divide

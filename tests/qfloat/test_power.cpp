@@ -4,9 +4,7 @@
 #include "../cases.h"
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_power {
 
 constexpr int CASES = cases(5000);
 constexpr int REFERENCE_CASES = cases(1000);
@@ -106,6 +104,8 @@ TEST(IntegerPower, OfANegativeExponentWhosePowerOverflowsIsAlmostTheSmallestNumb
     const Number tiny = neighbor(scaled("1", -32768), 1);
     EXPECT_EQ(run(qpowi, number(10), number(-10000)), (Outcome{tiny, 3}));
     EXPECT_EQ(run(qpowi, number(-10), number(-10001)), (Outcome{negated(tiny), 3}));
+    EXPECT_EQ(run(qpowi, scaled("1", 64), number(-512)), (Outcome{tiny, 3}))
+        << "2^-32768 is stored, 2^32768 is not";
 }
 
 TEST(IntegerPower, OfExactPowersIsExact) {
@@ -351,4 +351,4 @@ TEST_F(RandomPower, NeverFallsFromOneNumberToTheNext) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_power

@@ -10,9 +10,7 @@
 #include "qexact.h"
 #include "qfloat.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_qtoasc {
 
 constexpr int CASES = cases(20000);
 
@@ -276,4 +274,4 @@ TEST_F(Printing, ANumberSurvivesTextOf104FractionDigitsUpToAFewUnits) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_qtoasc

@@ -7,9 +7,7 @@
 
 #include <vector>
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_radix {
 
 using Writer = void (*)(const qfloat, char*, bool);
 
@@ -186,4 +184,4 @@ TEST_F(RandomRadix, TextsHaveTheDigitsOfTheInteger) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_radix

@@ -8,6 +8,8 @@
 #include "qfloat.h"
 #include "qregister.h"
 
+namespace oracle::test_register {
+
 using oracle::Number;
 using oracle::power2;
 using oracle::Random;
@@ -15,8 +17,6 @@ using oracle::Real;
 using oracle::Register;
 using oracle::show;
 using oracle::wordsToInteger;
-
-namespace {
 
 constexpr int CASES = cases(20000);
 constexpr unsigned long REGISTER_BITS = 416; // words 2..14
@@ -428,4 +428,4 @@ TEST(Divm, EqualMantissasGiveAQuarter) {
     EXPECT_EQ(y, (Register{oracle::NEGATIVE_SIGN, 3, 0, 0x80000000}));
 }
 
-} // namespace
+} // namespace oracle::test_register

@@ -4,9 +4,7 @@
 #include "../cases.h"
 #include "reference.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_remainder {
 
 constexpr int CASES = cases(20000);
 
@@ -124,4 +122,4 @@ TEST_F(RandomRemainder, IsExactForAwkwardDivisors) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_remainder

@@ -7,10 +7,9 @@
 
 #include <algorithm>
 
-using namespace oracle;
-using limb::Signs;
+namespace oracle::test_series {
 
-namespace {
+using limb::Signs;
 
 constexpr int CASES = cases(5000), MOST_STEPS = 5;
 
@@ -57,8 +56,6 @@ protected:
     }
 };
 
-} // namespace
-
 TEST_F(HornerSteps, AreCutByNoMoreThanTheirHeaderSays) {
     const auto all = [](const uint64_t* x) { return x; };
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
@@ -78,3 +75,5 @@ TEST_F(HornerSteps, OfAFactorOfOneLimbAreCutByLessThanAUnit) {
         }
     }
 }
+
+} // namespace oracle::test_series

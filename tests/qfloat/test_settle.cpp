@@ -5,9 +5,7 @@
 #include "oracle.h"
 #include "qexact.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_settle {
 
 constexpr int CASES = cases(20000);
 
@@ -88,4 +86,4 @@ TEST(Settle, AsksOnlyNextToTheHalf) {
     }
 }
 
-} // namespace
+} // namespace oracle::test_settle

@@ -6,10 +6,9 @@
 
 #include "qtrig.h"
 
-using namespace oracle;
-using namespace trigtest;
+namespace oracle::test_trig {
 
-namespace {
+using namespace trigtest;
 
 Number number(const std::string& text) {
     Number x = decimal(text);
@@ -48,8 +47,6 @@ void expectClose(const char* name, const Number& x, double ulps) {
 }
 
 const Number ZERO{};
-
-} // namespace
 
 TEST(Trig, ZeroKeepsItsSignInOddFunctions) {
     for (const char* name : {"sin", "tan", "atan", "asin", "tanh"}) {
@@ -264,8 +261,6 @@ TEST(Trig, RefusedArgumentsMayBeWrittenOver) {
     EXPECT_EQ(x, piOver(0));
 }
 
-namespace {
-
 class TrigPairs : public Seeded {
 protected:
     // outer(inner(x)) against x for |x| <= 1.  One rounding is a relative error of at most 2^-352; the inner
@@ -281,8 +276,6 @@ protected:
         }
     }
 };
-
-} // namespace
 
 TEST_F(TrigPairs, ArcSineUndoesSine) {
     ExpectInverse("sin", "asin", 1.558, -400); // tan(1)
@@ -325,3 +318,5 @@ TEST_F(TrigPairs, HyperbolicTangentIsTheQuotient) {
         EXPECT_LE(errorInUlps(valueOf(find("tanh"), x), quotient), 3.001) << show(x);
     }
 }
+
+} // namespace oracle::test_trig

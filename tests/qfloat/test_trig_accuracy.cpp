@@ -5,10 +5,9 @@
 #include "../cases.h"
 #include "trig_arguments.h"
 
-using namespace oracle;
-using namespace trigtest;
+namespace oracle::test_trig_accuracy {
 
-namespace {
+using namespace trigtest;
 
 void exactValue(const Function& f, const Number& x, Real& y) {
     f.exact(y, Real(x), MPFR_RNDN);
@@ -28,8 +27,6 @@ void expectAllNearest(const Function& f, const std::vector<Number>& list) {
 }
 
 class TrigAccuracy : public Seeded, public ::testing::WithParamInterface<Function> {};
-
-} // namespace
 
 TEST_P(TrigAccuracy, IsTheNearestNumberWhereMethodsChangeAndAtTheEndsOfTheRange) {
     const auto list = branchArguments(GetParam());
@@ -109,3 +106,5 @@ TEST_F(TrigReduction, KeepsAllDigitsOfTheNumbersClosestToMultiplesOfHalfPi) {
     ASSERT_GT(huge.size(), 90U);
     expectAllNearest(find("tan"), huge);
 }
+
+} // namespace oracle::test_trig_accuracy

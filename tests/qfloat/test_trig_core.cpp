@@ -6,10 +6,9 @@
 #include "oracle.h"
 #include "qtrigcore.h"
 
-using namespace oracle;
-using limb::Extended;
+namespace oracle::test_trig_core {
 
-namespace {
+using limb::Extended;
 
 constexpr int ROUNDS = cases(10000);
 
@@ -49,8 +48,6 @@ protected:
         }
     }
 };
-
-} // namespace
 
 TEST_F(TrigCore, SineAndCosineKeepTheirBound) {
     for (int i = 0; i < ROUNDS; ++i) {
@@ -135,3 +132,5 @@ TEST_F(TrigCore, TheArcTangentKeepsItsBound) {
         expectWithin(376, y, exact, "arc tangent");
     }
 }
+
+} // namespace oracle::test_trig_core

@@ -5,10 +5,9 @@
 #include "../cases.h"
 #include "trig_arguments.h"
 
-using namespace oracle;
-using namespace trigtest;
+namespace oracle::test_trig_reference {
 
-namespace {
+using namespace trigtest;
 
 struct Result {
     Number value;
@@ -66,8 +65,6 @@ void expectSame(const char* name, const Number& x) {
                                 << show(b.value);
     EXPECT_EQ(a.code, b.code) << name << " of " << show(x);
 }
-
-} // namespace
 
 TEST_P(TrigReference, IsNeverFurtherFromTheTruth) {
     for (int i = 0; i < cases(3000); ++i) expectNoWorse(GetParam(), randomArgument(random, GetParam()));
@@ -146,3 +143,5 @@ TEST(TrigReferenceSpecial, LimitsOfSineAndCosineAreTheSame) {
     EXPECT_GT(refused, 200);
     EXPECT_GT(computed, 200);
 }
+
+} // namespace oracle::test_trig_reference

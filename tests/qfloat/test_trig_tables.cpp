@@ -4,9 +4,7 @@
 #include "oracle.h"
 #include "qtrigcore.h"
 
-using namespace oracle;
-
-namespace {
+namespace oracle::test_trig_tables {
 
 std::string fromLimbs(const uint64_t* limbs) {
     mpz_class z;
@@ -27,8 +25,6 @@ void expectPi(const limb::Extended& x, int64_t exponent) {
     EXPECT_EQ(fromLimbs(x.limb), mantissa.get_str(16));
     EXPECT_EQ(x.exponent, exponent);
 }
-
-} // namespace
 
 TEST(TrigTables, PiAndItsHalvesAreCutTrueValues) {
     expectPi(limb::WHOLE_PI, 2);
@@ -87,3 +83,5 @@ TEST(TrigTables, TwoOverPiIsCutTrueValue) {
         ASSERT_EQ(limb::TWO_OVER_PI[i], whole) << i;
     }
 }
+
+} // namespace oracle::test_trig_tables

@@ -5,10 +5,9 @@
 #include "qwide.h"
 #include "reference.h"
 
-using namespace oracle;
-using wide::Wide;
+namespace oracle::test_wide {
 
-namespace {
+using wide::Wide;
 
 constexpr int CASES = 12;
 constexpr size_t WIDTHS[] = {wide::FIRST_WIDTH, 2 * wide::FIRST_WIDTH, 4 * wide::FIRST_WIDTH};
@@ -40,8 +39,6 @@ void expectFunction(const Wide& got, Truth truth, const Number& x, const char* w
 }
 
 class WideFunctions : public Seeded {};
-
-} // namespace
 
 TEST_F(WideFunctions, KeepTheirError) {
     for (int i = 0; i < CASES && !HasFailure(); ++i) {
@@ -112,3 +109,5 @@ TEST(WideDecision, IsClearAtOnceBesideAMidpointThatTheErrorDoesNotReach) {
     });
     EXPECT_EQ(calls, 1);
 }
+
+} // namespace oracle::test_wide

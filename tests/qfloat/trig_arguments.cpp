@@ -65,7 +65,7 @@ Number randomArgument(Random& random, const Function& f) {
         const int64_t exponent = kind < 6   ? random.Between(-8, f.usual)
                                  : kind < 9 ? random.Between(-400, std::min<int64_t>(f.highest, 400))
                                             : random.Between(f.lowest, f.highest);
-        x[0] = random.Chance(50) ? NEGATIVE_SIGN : 0;
+        x[0] = random.Chance(50) ? oracle::NEGATIVE_SIGN : 0;
         x[1] = static_cast<uint32_t>(BIAS + exponent);
         if (inRange(f, x)) return x;
     }
@@ -74,12 +74,12 @@ Number randomArgument(Random& random, const Function& f) {
 void addAround(const Function& f, const Real& value, std::vector<Number>& list) {
     for (const int offset : {-1000, -2, -1, 0, 1, 2, 1000}) {
         Real near(1000);
-        mpfr_set_si_2exp(near, offset, mpfr_get_exp(value) - MANTISSA_BITS, MPFR_RNDN);
+        mpfr_set_si_2exp(near, offset, mpfr_get_exp(value) - oracle::MANTISSA_BITS, MPFR_RNDN);
         mpfr_add(near, near, value, MPFR_RNDN);
         Number x = nearest(near);
         if (!inRange(f, x)) continue;
         list.push_back(x);
-        x[0] = x[0] != 0 ? 0 : NEGATIVE_SIGN;
+        x[0] = x[0] != 0 ? 0 : oracle::NEGATIVE_SIGN;
         list.push_back(x);
     }
 }
@@ -151,7 +151,7 @@ std::vector<Number> closestToMultiples(const Function& f, int64_t lowestScale, i
         while (true) {
             mpfr_get_z(term.get_mpz_t(), ratio, MPFR_RNDD);
             const mpz_class next = term * m + before;
-            if (next >= power2(MANTISSA_BITS)) break;
+            if (next >= power2(oracle::MANTISSA_BITS)) break;
             before = m;
             m = next;
             mpfr_sub_z(ratio, ratio, term.get_mpz_t(), MPFR_RNDN);
