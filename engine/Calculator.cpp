@@ -227,13 +227,13 @@ int ZqCalculator::Read(std::string_view statement, bool mayLeaveOut) {
     if (statement.size() >= TEXT_SIZE) {
         return Fail("** ERROR: %i max characters **\n", {std::to_string(TEXT_SIZE)});
     }
-    const std::string_view trimmed = trimStatement(statement);
+    const std::string_view bare = trimStatement(statement);
     if (fullEntry) {
-        const int state = commands.Run(trimmed);
+        const int state = commands.Run(bare);
         if (state != Commands::NO_COMMAND) return state;
     }
-    if (!european && !tenKey && isBareExpression(trimmed)) return scanner.ScanBare(trimmed, mayLeaveOut);
-    std::string text(trimmed);
+    if (!european && !tenKey && isBareExpression(bare)) return scanner.ScanBare(bare, mayLeaveOut);
+    std::string text(bare);
     markConversion(text, european);
     if (isDefinition(text)) return fullEntry ? DefineFunction(text.c_str()) : STATUS_MESSAGE;
     return scanner.Scan(std::move(text), mayLeaveOut);

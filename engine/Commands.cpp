@@ -176,10 +176,10 @@ int defineUnit(Commands& c, const CommandText& text) {
     name.resize(std::min(name.size(), name.find_first_of(" \t")));
     std::string definition = text.argument.substr(start);
     if (c.settings.european) StrSwapChars(definition.data(), '.', ','); // kept with a '.', as functions are
-    bool isStopped = false;
+    Spending::UnitsAccount account;
     units_clear_exception();
-    units_new(name.c_str(), definition.c_str(), c.spending.ForUnits(isStopped));
-    if (isStopped) return STATUS_ERROR;
+    units_new(name.c_str(), definition.c_str(), c.spending.ForUnits(account));
+    if (account.isStopped) return STATUS_ERROR;
     if (const char* error = units_check_exception()) return c.outcome.Fail("** ERROR: %s **\n", {error});
     c.unitLines.Append(makeTerm("unit " + name + "=" + definition).release());
     return c.outcome.Tell("new unit defined: " + name + "\n");

@@ -90,18 +90,9 @@ void addPhrases(const EntryPlace& place, const std::vector<std::string>& phrases
 }
 
 void addUnits(const EntryPlace& place, std::vector<std::string>& found) {
-    const std::vector<std::string> units = units_names();
-    const auto add = [&](const std::string& prefix) {
-        for (const std::string& unit : units) {
-            if (startsWith(prefix + unit, place.word)) found.push_back(prefix + unit);
-        }
-    };
-    add("");
-    for (const std::string& prefix : units_prefix_names()) {
-        if (place.word.size() > prefix.size() && startsWith(place.word, prefix))
-            add(prefix);
-        else if (startsWith(prefix, place.word))
-            found.push_back(prefix);
+    for (const UnitSpelling& spelling : units_spellings(place.word)) {
+        const bool isBehindPrefix = spelling.prefixLength > 0 && !spelling.IsPrefix();
+        if (!isBehindPrefix || place.word.size() > spelling.prefixLength) found.push_back(spelling.name);
     }
 }
 

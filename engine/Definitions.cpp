@@ -3,7 +3,6 @@
 
 #include "Functions.h"
 #include "Helpers_String.h"
-#include "Scanner.h"
 #include "Syntax.h"
 
 #include <algorithm>
@@ -88,14 +87,26 @@ int Definitions::CheckNamesInBody() {
     return 0;
 }
 
+int Definitions::ReadBody(const std::string& body, const Scanner::Definition& definition) {
+    int32_t operators = 0;
+    if (scanner.ScanBody(body, definition) != 0 || variables.CheckNames() != 0 ||
+        checkSyntax(statement.terms, outcome, work, operators) != 0)
+        return STATUS_ERROR;
+    return CheckNamesInBody();
+}
+
 int Definitions::Add(const std::string& name, std::string& parameters, const std::string& body, bool isKept) {
     const std::vector<std::string> names = splitAtCommas(parameters);
     Deq& terms = statement.terms;
-    if (scanner.ScanBody(body, {name, {names.begin(), names.end()}, isKept}) != 0) return STATUS_ERROR;
-    int32_t operators = 0;
-    if (variables.CheckNames() != 0 || checkSyntax(terms, outcome, work, operators) != 0 ||
-        CheckNamesInBody() != 0)
-        return STATUS_ERROR;
+    Scanner::Definition definition{name, {names.begin(), names.end()}, isKept};
+    int state = ReadBody(body, definition);
+    if (state != 0 && isKept) {
+        // Where g was no function, the comma in g(1,<5) was part of a name.
+        statement.DiscardNewTarget();
+        definition.isKept = false;
+        state = ReadBody(body, definition);
+    }
+    if (state != 0) return STATUS_ERROR;
     if (!terms.first) return outcome.Fail("** ERROR: can't define an empty function **\n");
     const Function* function = funcs.AddFunction(name.c_str(), parameters.data(), &terms, isKept);
     if (!function) return outcome.Fail("** ERROR: '%s' is a built-in predefined function **\n", {name});

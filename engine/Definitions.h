@@ -4,10 +4,10 @@
 #pragma once
 
 #include "EntryContext.h"
+#include "Scanner.h"
 
 #include <string>
 
-class Scanner;
 struct Function;
 
 class Definitions : EntryContext {
@@ -29,6 +29,7 @@ public:
 
 private:
     int CheckNamesInBody();
+    int ReadBody(const std::string& body, const Scanner::Definition& definition);
     int Add(const std::string& name, std::string& parameters, const std::string& body, bool isKept);
 
     Scanner& scanner;

@@ -142,15 +142,17 @@ node* Evaluator::FinishPair(node* op, node* left, node* right, const qfloat valu
     return merror == 0 || checkMathError(name, outcome.message) == 0 ? term : nullptr;
 }
 
-// How many of the target units are in one source unit. Returns 0, or -1 with a message.
-int Evaluator::ConversionFactor(const node* source, const node* destination, qfloat value) {
+// How many of the target units are in one source unit, and what the unit library charged for that. Returns 0,
+// or -1 with a message.
+int Evaluator::ConversionFactor(const node* source, const node* destination, qfloat value,
+                                std::vector<uint64_t>* charges) {
     const char* from = source->text;
     const char* to = destination->text;
     if (spending.Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
-    bool isStopped = false;
+    Spending::UnitsAccount account = {false, charges};
     units_clear_exception();
-    const double factor = units_convert(from, to, spending.ForUnits(isStopped));
-    if (isStopped) return STATUS_ERROR;
+    const double factor = units_convert(from, to, spending.ForUnits(account));
+    if (account.isStopped) return STATUS_ERROR;
     if (const char* error = units_check_exception()) {
         return outcome.FailAt(wrongUnit(error, source, destination), "** ERROR 13: %s **\n", {error});
     }

@@ -35,7 +35,8 @@ private:
     const qfloat* ValueOf(const node* term);
     const qfloat* RefuseTerm(const node* term);
     node* FinishPair(node* op, node* left, node* right, const qfloat value, const char* name);
-    int ConversionFactor(const node* source, const node* destination, qfloat value);
+    int ConversionFactor(const node* source, const node* destination, qfloat value,
+                         std::vector<uint64_t>* charges = nullptr);
     node* ProcConversion(node* arrow);
 
     // --- Calls ---
@@ -93,12 +94,14 @@ private:
     // NoProgram: a function that is called has none.
     enum class Ending { Value, Failed, NoProgram };
 
-    Operand OperandOf(const node* term);
     Operand OperandAt(const Program& program, const Frame& current, Program::Place place);
     int PayForOperator();
     int RunPair(int32_t code, const Operand& left, const Operand& right, qfloat value);
     Ending RunCall(const Program& program, const Program::Call& call, Frame& current, Register& to);
-    int RunConversion(const Program& program, const Program::Step& step, const Frame& current, qfloat value);
+    static const node* UnitAt(const Program& program, const Frame& current, Program::Place place);
+    int FactorOf(const Program::Conversion& units, const node* from, const node* to, qfloat value);
+    Ending RunConversion(const Program& program, const Program::Step& step, const Frame& current,
+                         qfloat value);
     Ending RunBody(const Function* function, const Caller& caller, Frame& current, int32_t terms,
                    Operand& result);
     Ending RunStatementsCall(const Call& call, const Function& function);

@@ -48,6 +48,17 @@ const char* FindStrAfterLastChar(const char* text, char c) {
     return found ? found + 1 : text;
 }
 
+std::string_view trimmed(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(BLANKS), text.size()));
+    return text.substr(0, text.find_last_not_of(BLANKS) + 1);
+}
+
+std::string withoutBlanks(std::string_view text) {
+    std::string joined(text);
+    joined.erase(std::remove_if(joined.begin(), joined.end(), isBlank), joined.end());
+    return joined;
+}
+
 std::string_view withoutLineEnd(std::string_view text) {
     if (!text.empty() && text.back() == '\n') text.remove_suffix(1);
     if (!text.empty() && text.back() == '\r') text.remove_suffix(1);

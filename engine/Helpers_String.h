@@ -8,8 +8,8 @@
 #include <string_view>
 
 bool strIsEqual(const char* a, const char* b);             // exactly equal
-bool strIsEqualI(const char* a, const char* b);            // equal but for case
-bool strIsEqualNI(const char* a, const char* b, size_t n); // the first n characters are equal but for case
+bool strIsEqualI(const char* a, const char* b);            // equal except for case
+bool strIsEqualNI(const char* a, const char* b, size_t n); // the first n characters are equal except for case
 
 void StrSwapChars(char* text, char a, char b); // exchanges a and b throughout the text
 void StrRemoveChar(char* text, char c);        // removes every c
@@ -34,6 +34,9 @@ constexpr bool isDigit(char c) {
 constexpr bool isBlank(char c) { // or a line end
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
+constexpr bool isControl(char c) { // that is no tab
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f';
+}
 constexpr bool isOfName(char c) { // behind the first letter of a name
     return isLetter(c) || isDigit(c) || c == '_';
 }
@@ -45,6 +48,15 @@ std::string lowerCased(std::string text);
 inline bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
+
+// What may stand between words.
+constexpr std::string_view BLANKS = " \t";
+
+// The text without the blanks and tabs around it.
+std::string_view trimmed(std::string_view text);
+
+// The text without its blanks, tabs and line ends.
+std::string withoutBlanks(std::string_view text);
 
 // The text without one line feed at its end, and then without one carriage return.
 std::string_view withoutLineEnd(std::string_view text);

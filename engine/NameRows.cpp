@@ -7,18 +7,26 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 
 std::vector<NameRow> functionRows() {
-    std::vector<NameRow> rows;
-    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
-        if (function->body)
-            rows.push_back({function->name + std::string("("), function->ToString([] { return true; }), ""});
-    }
+    std::vector<NameRow> ours, rows;
+    std::set<std::string> definitions; // of functions that are predefined as a person would do it
     for (const Builtin& builtin : builtinTable()) {
-        const std::string name = builtin.name;
-        if (builtin.help && funcs.FindByName(builtin.name, -1))
-            rows.push_back({name + "(", name + "(" + builtin.arguments + ")", builtin.help});
+        const Function* const function = funcs.FindByName(builtin.name, -1);
+        if (!builtin.help || !function) continue;
+        const std::string name = builtin.name, call = name + "(" + builtin.arguments + ")";
+        const std::string definition = builtin.definition ? call + "=" + builtin.definition : "";
+        if (function->body && function->ToString() != definition) continue; // the person's own
+        definitions.insert(definition);
+        ours.push_back({name + "(", call, builtin.help});
     }
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        if (!function->body) continue;
+        const std::string text = function->ToString([] { return true; });
+        if (!definitions.count(text)) rows.push_back({function->name + std::string("("), text, ""});
+    }
+    rows.insert(rows.end(), ours.begin(), ours.end());
     return rows;
 }
 

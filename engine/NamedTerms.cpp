@@ -33,7 +33,17 @@ node* NamedTerms::Find(std::string_view name) {
     return found == index.byName.end() ? nullptr : found->second;
 }
 
+// A bond shares the era, so that no later one, of another list neither, has its address.
+node* NamedTerms::Find(std::string_view name, Bond& bond) {
+    if (era && bond.era == era && IsIndexed()) return bond.term;
+    bond.term = Find(name);
+    if (!era) era = std::make_shared<const char>();
+    bond.era = era;
+    return bond.term;
+}
+
 void NamedTerms::Follow() {
+    era.reset();
     index.insertions = list.insertions;
     index.count = list.count;
 }

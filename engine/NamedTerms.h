@@ -29,6 +29,16 @@ public:
     // The first term of exactly this name, or null.
     node* Find(std::string_view name);
 
+    // What a name was found to stand for in a list.
+    struct Bond {
+        std::shared_ptr<const char> era; // of that list
+        node* term = nullptr;
+    };
+
+    // The same for one who asks for one name again and again and keeps the bond: there is no search while all
+    // names stand for what they stood for.
+    node* Find(std::string_view name, Bond& bond);
+
     // Append a term, which the list then owns; give a term a value; remove and free a term, or all. Taken
     // back, the same terms stand at the same places with the same values. All terms are removed in one step
     // however many they are; the look-ups that follow free them, a few each.
@@ -44,6 +54,8 @@ public:
 private:
     // The terms by name.
     struct Index {
+        Index() { byName.max_load_factor(0.4F); } // names that share a place are far apart in memory
+
         std::unordered_map<std::string_view, node*> byName; // of two terms of one name the first
         bool hasNamesakes = false;                          // there were such two
 
@@ -68,5 +80,6 @@ private:
     Undo& undo;
     uint64_t& visited;
     Index index;
+    std::shared_ptr<const char> era; // ends with each change of names; null while none has a bond
     std::vector<std::shared_ptr<Removed>> removed; // by DeleteAll
 };

@@ -57,16 +57,16 @@ private:
         return op->type == OP_CONVERT ? Convert(op) : Pair(op);
     }
 
-    // The term of the body with the name of a unit, or null.
-    const node* UnitAt(const node* term) const {
-        if (!term || term->type != TERM_NAME) return nullptr;
-        const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~term->start)];
-        return leaf.parameter < 0 ? leaf.term : nullptr;
+    static bool IsName(const node* term) { return term && term->type == TERM_NAME; }
+
+    bool IsParameter(const node* name) const {
+        return program.leaves[static_cast<size_t>(~name->start)].parameter >= 0;
     }
 
     bool Convert(node* arrow) {
-        const Program::Conversion units = {UnitAt(arrow->prev), UnitAt(arrow->next)};
-        if (!units.from || !units.to) return false;
+        const node *const from = arrow->prev, *const unit = arrow->next;
+        if (!IsName(from) || !IsName(unit)) return false;
+        Program::Conversion units = {from->start, unit->start, !IsParameter(from) && !IsParameter(unit)};
         const Program::Place to = NewRegister();
         terms.Del(arrow->next);
         terms.Del(arrow->prev);
@@ -82,7 +82,7 @@ private:
         }
         program.steps.push_back(
             {OP_CONVERT, to, converted, static_cast<Program::Place>(program.conversions.size())});
-        program.conversions.push_back(units);
+        program.conversions.push_back(std::move(units));
         arrow->type = TERM_NUMBER;
         arrow->start = to;
         return true;

@@ -3,6 +3,7 @@
 // What the call of a person's function executes: its body, worked out once, when it is defined.
 #pragma once
 
+#include "NamedTerms.h"
 #include "deq.h"
 
 #include <cstddef>
@@ -24,6 +25,7 @@ struct Program {
     struct Leaf {
         int32_t parameter; // the parameter that it names, or -1
         const node* term;
+        mutable NamedTerms::Bond variable = {}; // that it names
     };
 
     struct Step {
@@ -33,10 +35,15 @@ struct Program {
         Place right; // of a call or a conversion its number
     };
 
-    // The terms of the body with the names of the units.
     struct Conversion {
-        const node* from;
-        const node* to;
+        Place from; // the leaves that name the units
+        Place to;
+        bool isFixed; // neither is a parameter
+
+        // Then the factor, and what the unit library charged for it, as long as the units have this version.
+        mutable uint64_t version = 0;
+        mutable qfloat factor = {};
+        mutable std::vector<uint64_t> charges = {};
     };
 
     struct Call {
@@ -61,7 +68,10 @@ struct Program {
     bool Exists() const { return result != NOWHERE; }
 
     // Makes the program of a checked body, of which these terms name parameters and these are the operators
-    // in their order, by positions. There is none for a body that leaves more or less than a single value, or
-    // in which more than values counts: parameters that name units, and names before parentheses.
+    // in their order, by positions. There is none for a body that leaves more or less than a single value,
+    // as 2(x) and (x)(x) do, or in which a name that is no function's stands before parentheses, as in x(2).
+    // Each call of these ends with an error, whatever is defined later, and its message counts the terms of
+    // the whole statement or tells the place of one. Nor is there one with a text of more than
+    // WorkLimit::LONG_TEXT characters in the body, the copies of which are counted.
     void Make(const Deq& body, const std::vector<int32_t>& parameters, const std::vector<int32_t>& order);
 };

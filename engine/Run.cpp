@@ -5,13 +5,10 @@
 #include "Builtins.h"
 #include "Evaluator.h"
 #include "Functions.h"
+#include "units.h"
 
 #include <algorithm>
 #include <memory>
-
-Evaluator::Operand Evaluator::OperandOf(const node* term) {
-    return {KnownValue(term), term->type == TERM_NAME ? term : nullptr};
-}
 
 namespace {
 
@@ -36,7 +33,10 @@ Evaluator::Operand Evaluator::OperandAt(const Program& program, const Frame& cur
     if (place >= 0) return current.registers[static_cast<size_t>(place)].operand;
     const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~place)];
     if (leaf.parameter >= 0) return current.arguments[static_cast<size_t>(leaf.parameter)];
-    return OperandOf(leaf.term);
+    const node* const term = leaf.term;
+    if (term->type != TERM_NAME) return {term->value, nullptr};
+    const node* const variable = term->text ? variables.Find(term->text, leaf.variable) : nullptr;
+    return {variable ? variable->value : nullptr, term};
 }
 
 // Counts an operator or a parenthesis.
@@ -82,13 +82,41 @@ Evaluator::Ending Evaluator::RunCall(const Program& program, const Program::Call
     return PayForOperator() == 0 ? Ending::Value : Ending::Failed; // the call's parenthesis again
 }
 
-int Evaluator::RunConversion(const Program& program, const Program::Step& step, const Frame& current,
-                             qfloat value) {
+// The name of a unit that stands in the body or as an argument; null for another argument.
+const node* Evaluator::UnitAt(const Program& program, const Frame& current, Program::Place place) {
+    const Program::Leaf& leaf = program.leaves[static_cast<size_t>(~place)];
+    return leaf.parameter < 0 ? leaf.term : current.arguments[static_cast<size_t>(leaf.parameter)].name;
+}
+
+// A factor that is known costs what finding it did.
+int Evaluator::FactorOf(const Program::Conversion& units, const node* from, const node* to, qfloat value) {
+    if (!units.isFixed) return ConversionFactor(from, to, value);
+    if (units.version != units_version()) {
+        units.charges.clear();
+        if (ConversionFactor(from, to, units.factor, &units.charges) != 0) return STATUS_ERROR;
+        units.version = units_version();
+    } else {
+        if (spending.Spend(Cost::EXPENSIVE) != 0) return STATUS_ERROR;
+        for (const uint64_t charge : units.charges) {
+            if (spending.SpendForUnits(charge) != 0) return STATUS_ERROR;
+        }
+    }
+    qmov(units.factor, value);
+    return 0;
+}
+
+Evaluator::Ending Evaluator::RunConversion(const Program& program, const Program::Step& step,
+                                           const Frame& current, qfloat value) {
     const Program::Conversion& units = program.conversions[static_cast<size_t>(step.right)];
-    if (step.left == Program::NOWHERE) return ConversionFactor(units.from, units.to, value);
-    qfloat factor;
-    if (ConversionFactor(units.from, units.to, factor) != 0) return STATUS_ERROR;
-    return RunPair(OP_MULTIPLY, OperandAt(program, current, step.left), {&factor, nullptr}, value);
+    const node* const from = UnitAt(program, current, units.from);
+    const node* const to = UnitAt(program, current, units.to);
+    if (!from || !to) return Ending::NoProgram; // a number may have a text, as 0x10
+    qfloat factor = {};
+    if (FactorOf(units, from, to, factor) != 0) return Ending::Failed;
+    if (step.left == Program::NOWHERE) return qmov(factor, value), Ending::Value;
+    const Operand converted = OperandAt(program, current, step.left);
+    const int state = RunPair(OP_MULTIPLY, converted, {&factor, nullptr}, value);
+    return state == 0 ? Ending::Value : Ending::Failed;
 }
 
 // The body of a function, for a call in a statement of so many terms. The current frame has the call's level
@@ -112,11 +140,13 @@ Evaluator::Ending Evaluator::RunBody(const Function* function, const Caller& cal
             continue;
         }
         to.operand = {&to.number, nullptr};
-        const int state = step.code == OP_CONVERT
-                              ? RunConversion(program, step, current, to.number)
-                              : RunPair(step.code, OperandAt(program, current, step.left),
-                                        OperandAt(program, current, step.right), to.number);
-        if (state != 0) return Ending::Failed;
+        if (step.code == OP_CONVERT) {
+            const Ending ending = RunConversion(program, step, current, to.number);
+            if (ending != Ending::Value) return ending;
+        } else if (RunPair(step.code, OperandAt(program, current, step.left),
+                           OperandAt(program, current, step.right), to.number) != 0) {
+            return Ending::Failed;
+        }
     }
     result = OperandAt(program, current, program.result);
     return Ending::Value;
@@ -133,7 +163,8 @@ Evaluator::Ending Evaluator::RunStatementsCall(const Call& call, const Function&
     const int pending = merror;
     frame.level = call.open->level;
     frame.arguments.clear();
-    for (const node* argument : call.arguments) frame.arguments.push_back(OperandOf(argument));
+    for (const node* argument : call.arguments)
+        frame.arguments.push_back({KnownValue(argument), argument->type == TERM_NAME ? argument : nullptr});
     Operand result;
     const Ending ending = RunBody(&function, call, frame, statement.terms.count, result);
     if (ending == Ending::NoProgram) {

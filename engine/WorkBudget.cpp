@@ -16,10 +16,10 @@ int Spending::AskForInterruption() {
     return outcome.interrupted ? outcome.Fail("** ERROR: interrupted **\n") : 0;
 }
 
-std::function<bool(uint64_t)> Spending::ForUnits(bool& isStopped) {
-    return [this, &isStopped](uint64_t units) {
-        work.units += units;
-        isStopped = Spend(units) != 0;
-        return !isStopped;
+std::function<bool(uint64_t)> Spending::ForUnits(UnitsAccount& account) {
+    return [this, &account](uint64_t units) {
+        if (account.charges) account.charges->push_back(units);
+        account.isStopped = SpendForUnits(units) != 0;
+        return !account.isStopped;
     };
 }

@@ -7,12 +7,13 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <vector>
 
 struct Outcome;
 struct Statement;
 
-// What work costs. A unit takes 0.05 to 0.1 microseconds. What only another folder does has its costs there,
-// in the same unit: conversions in units.h, the definitions file in DefinitionsFile.cpp.
+// What work costs. A unit takes 0.05 to 0.1 microseconds. Conversions have their costs in units.h, in the
+// same unit: that folder knows nothing of this one.
 namespace Cost {
 
 constexpr uint64_t COPIED_TERM = 1;
@@ -23,6 +24,12 @@ constexpr uint64_t SHOWN_RESULT = 150;   // and one for so many bits of its inte
 constexpr uint64_t SHOWN_BITS = 32;
 constexpr uint64_t LISTED_TERM = 40; // a number, with an operator to it
 
+// A line of the definitions file, besides the evaluation of its statement, and each of the statement's
+// characters.
+constexpr uint64_t READ_LINE = 20;
+constexpr uint64_t CHARACTER_OF_FUNCTION = 8;
+constexpr uint64_t CHARACTER_OF_VALUE = 2;
+
 } // namespace Cost
 
 // How much work there may be.
@@ -31,6 +38,8 @@ namespace WorkLimit {
 constexpr uint64_t NONE = UINT64_MAX;
 constexpr uint64_t PREVIEW = 60000;          // it is evaluated at every key press: 2 to 5 milliseconds
 constexpr uint64_t BETWEEN_QUESTIONS = 1000; // 0.1 milliseconds; a few of what takes longest
+constexpr uint64_t READ_FILE = 8000000;      // 0.4 seconds, beside reading each definition of the file once
+constexpr uint64_t READ_DEFINITION = 400000; // of that, for one of them
 
 // These are not work but memory, which calls of functions could fill in a short time.
 constexpr int32_t CALL_LEVEL = 100; // every expansion raises its body by the level of the call
@@ -116,9 +125,18 @@ public:
     // Asks now. Returns 0, or -1 with a message.
     int AskForInterruption();
 
-    // What the unit library asks before it works; `isStopped` is set, with a message, when it must not go on.
-    // The flag has to live longer.
-    std::function<bool(uint64_t)> ForUnits(bool& isStopped);
+    // The same for work of the unit library.
+    int SpendForUnits(uint64_t units) {
+        work.units += units;
+        return Spend(units);
+    }
+
+    // What the unit library asks before it works. The account has to live longer.
+    struct UnitsAccount {
+        bool isStopped = false;                   // it must not go on; the message says why
+        std::vector<uint64_t>* charges = nullptr; // if given it receives each of them
+    };
+    std::function<bool(uint64_t)> ForUnits(UnitsAccount& account);
 
 private:
     int Stop(WorkBudget::Next next);

@@ -24,9 +24,14 @@ bool UnitTable::Define(std::string_view name, const char* definition, const Unit
     const size_t powers = reduced->powers.size();
     if (powersHeld + powers > MAX_POWERS) return false;
     // First what needs memory: without the unit there is nothing to take back.
-    if (record) record([this, own = std::string(name)] { Free(units.extract(own)); });
+    if (record)
+        record([this, own = std::string(name)] {
+            Free(units.extract(own));
+            ++version;
+        });
     units.emplace(name, Unit{std::move(*reduced), defined});
     ++defined;
+    ++version;
     powersHeld += powers;
     return true;
 }
@@ -51,8 +56,13 @@ bool UnitTable::Remove(std::string_view name) {
         delete unit;
     };
     const std::shared_ptr<Node> removed(new Node, free); // while it can come back
-    if (record) record([this, removed] { units.insert(std::move(*removed)); });
+    if (record)
+        record([this, removed] {
+            units.insert(std::move(*removed));
+            ++version;
+        });
     *removed = units.extract(found);
+    ++version;
     return true;
 }
 

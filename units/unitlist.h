@@ -52,6 +52,7 @@ class UnitTable {
 public:
     std::vector<UnitPrefix> prefixes;
     UnitsUndo record;              // see units_record_changes
+    uint64_t version = 1;          // see units_version
     mutable uint64_t compared = 0; // look-ups and prefixes compared. Tests hold it against the look-ups
 
     bool IsEmpty() const { return units.empty(); }

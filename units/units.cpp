@@ -97,6 +97,22 @@ std::vector<std::string> units_prefix_names() {
     return names;
 }
 
+std::vector<UnitSpelling> units_spellings(std::string_view start) {
+    std::vector<UnitSpelling> spellings;
+    const std::vector<std::string> units = units_names();
+    const auto add = [&](const std::string& prefix, const std::string& unit) {
+        std::string name = prefix + unit;
+        if (name.compare(0, start.size(), start) == 0) spellings.push_back({std::move(name), prefix.size()});
+    };
+    for (const std::string& unit : units) add("", unit);
+    for (const std::string& prefix : units_prefix_names()) {
+        if (start.substr(0, prefix.size()).compare(prefix.substr(0, start.size())) != 0) continue;
+        add(prefix, "");
+        for (const std::string& unit : units) add(prefix, unit);
+    }
+    return spellings;
+}
+
 std::vector<std::string> units_readings(const std::string& name) {
     std::vector<std::string> readings;
     unitInitialize(); // for the prefixes
@@ -126,8 +142,14 @@ void units_record_changes(UnitsUndo record) {
     unitTable.record = std::move(record);
 }
 
+uint64_t units_version() {
+    return unitTable.version;
+}
+
 void unitFreeMemory() {
+    const uint64_t version = unitTable.version + 1;
     unitTable = UnitTable();
+    unitTable.version = version;
 }
 
 void units_clear_exception() {

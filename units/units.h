@@ -57,6 +57,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Is told how much work comes next, before it is done; false gives the operation up. A unit of work takes
@@ -104,6 +105,17 @@ std::vector<std::string> units_readings(const std::string& name);
 std::vector<std::string> units_names();
 std::vector<std::string> units_prefix_names();
 
+// A name that is known: a unit's, a prefix's, or both behind each other.
+struct UnitSpelling {
+    std::string name;
+    size_t prefixLength; // of the prefix at its start: 0 for a unit alone, the whole name for a prefix alone
+
+    bool IsPrefix() const { return prefixLength == name.size(); }
+};
+
+// The names that begin with `start`: the units in byte order, then each prefix, alone and before each unit.
+std::vector<UnitSpelling> units_spellings(std::string_view start);
+
 // Defines the unit `name` (letters only, upper and lower case being different) as `definition`, a unit
 // expression, or as a new primitive unit if the definition is exactly "-primitive". On failure the error
 // state is set and nothing is defined.
@@ -113,6 +125,9 @@ void units_new(const char* name, const char* definition, const UnitsCharge& char
 // they are, and the name can be defined again. False if it was removed, true if there is no such unit; the
 // error state is set only if the catalogue fails or memory ends.
 bool removeUnit(const char* name);
+
+// Another number after each change of a unit: what was converted before may give another number now.
+uint64_t units_version();
 
 // Is handed what takes a change back: it may be called once, the later ones first, and never fails.
 using UnitsUndo = std::function<void(std::function<void()> takeBack)>;

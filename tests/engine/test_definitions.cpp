@@ -118,6 +118,15 @@ TEST_F(Functions, AKeptDefinitionMayCallWhatIsNotThere) {
     EXPECT_EQ("ans = 14\n", Answer("f(5)"));
 }
 
+// g was unknown there: its comma is part of a name.
+TEST_F(Functions, ADefinitionThatWasAcceptedCanBeKept) {
+    for (const std::string text : {"f(x)=g(1,<5)", "f(x)=g(x,)", "f(x)=g(1a,/5)"}) {
+        EXPECT_EQ(text + "\n", Answer(text + ";"));
+        EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction(text.c_str(), true)) << calc.message;
+        EXPECT_EQ(text + "\n", calc.message);
+    }
+}
+
 TEST_F(Functions, AKeptDefinitionTakesThePlaceOfAPredefinedFunction) {
     EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x*1000"));
     EXPECT_EQ(STATUS_ERROR, calc.DefineFunction("sin(x)=x+*1000", true));

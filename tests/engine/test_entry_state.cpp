@@ -8,8 +8,11 @@
 #include "../settings_table.h"
 #include "questions.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <regex>
+#include <string>
 #include <vector>
 
 namespace {
@@ -51,6 +54,7 @@ std::vector<Row> rows() {
         {"list", false},
         {"list units", false},
         {"echo text", false},
+
         {"disp x", true}, // the last answer
         {"european on", true},
         {"w=1,5", true},
@@ -124,7 +128,7 @@ protected:
         return text;
     }
 
-    // All that a later entry or a front end finds, but for the texts of the entry and its place in the
+    // All that a later entry or a front end finds, except the texts of the entry and its place in the
     // history.
     std::string State() {
         std::string text;
@@ -238,16 +242,31 @@ TEST_F(EntryState, IsThatBeforeAnInterruptedEntryOfOneStatement) {
     for (const char* statement : HANDED_OVER) ASSERT_NO_FATAL_FAILURE(ExpectUnchanged(statement, 1));
 }
 
+// What a statement of a row of commandTable looks like.
+std::regex formOf(const Command& command) {
+    const std::string word = command.word;
+    switch (command.match) {
+    case Command::WORD: return std::regex(word + "( .*)?");
+    case Command::WORD_ARGUMENT: return std::regex(word + " .+");
+    case Command::NUMBER: return std::regex(word + " *[0-9].*");
+    case Command::EXACT: return std::regex(word);
+    case Command::SETTING: return std::regex("european on"); // the rows have those of all settings
+    case Command::FUNCTION: return std::regex("f");
+    }
+    return {};
+}
+
 // A command word that stands in no row would not be tested.
 TEST_F(EntryState, TheRowsHaveEveryCommandWord) {
     std::vector<std::string> statements(std::begin(HANDED_OVER), std::end(HANDED_OVER));
     for (const Row& row : rows()) statements.push_back(row.statement);
-    const auto isThere = [&statements](const std::string& word) {
-        for (const std::string& statement : statements)
-            if (statement.rfind(word, 0) == 0) return true;
-        return false;
-    };
-    for (const Command& command : commandTable()) EXPECT_TRUE(isThere(command.word)) << command.word;
+    for (const Command& command : commandTable()) {
+        const std::regex form = formOf(command);
+        EXPECT_TRUE(
+            std::any_of(statements.begin(), statements.end(),
+                        [&form](const std::string& statement) { return std::regex_match(statement, form); }))
+            << command.word << " " << command.match;
+    }
 }
 
 TEST_F(EntryState, IsThatBeforeAPreview) {

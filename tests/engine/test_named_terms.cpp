@@ -45,6 +45,58 @@ protected:
     }
 };
 
+TEST_F(NamedTermsTest, ABondAsksForNoNameWhileAllNamesStandForTheSame) {
+    node* const a = terms.Append(makeTerm("a", 1));
+    node* const b = terms.Append(makeTerm("b", 2));
+    NamedTerms::Bond bond;
+    EXPECT_EQ(a, terms.Find("a", bond));
+    EXPECT_EQ(a, terms.Find("b", bond)); // the name is not looked at
+    terms.SetValue(b, qone);
+    EXPECT_EQ(a, terms.Find("b", bond));
+    terms.Append(makeTerm("c", 3));
+    EXPECT_EQ(b, terms.Find("b", bond));
+}
+
+TEST_F(NamedTermsTest, ABondFollowsEachChangeAndThoseThatAreTakenBack) {
+    NamedTerms::Bond bond;
+    const auto found = [&] {
+        EXPECT_EQ(terms.Find("a"), terms.Find("a", bond));
+        return terms.Find("a", bond);
+    };
+    EXPECT_EQ(nullptr, found());
+    undo.Begin();
+    node* const first = terms.Append(makeTerm("a", 1));
+    EXPECT_EQ(first, found());
+    undo.TakeBack();
+    EXPECT_EQ(nullptr, found());
+    node* const second = terms.Append(makeTerm("a", 2));
+    EXPECT_EQ(second, found());
+    undo.Begin();
+    terms.Delete(second);
+    EXPECT_EQ(nullptr, found());
+    undo.TakeBack();
+    EXPECT_EQ(second, found());
+    undo.Begin();
+    terms.DeleteAll();
+    EXPECT_EQ(nullptr, found());
+    undo.TakeBack();
+    EXPECT_EQ(second, found());
+    node* const namesake = makeTerm("a", 3); // its owner puts it in front
+    list.Insert(namesake, list.first);
+    EXPECT_EQ(namesake, found());
+}
+
+TEST_F(NamedTermsTest, ABondOfOneListHoldsInNoOther) {
+    terms.Append(makeTerm("a", 1));
+    Deq another;
+    NamedTerms others{another, [](std::string_view text) { return text; }, undo, work};
+    node* const other = others.Append(makeTerm("a", 2));
+    NamedTerms::Bond bond;
+    EXPECT_EQ(list.first, terms.Find("a", bond));
+    EXPECT_EQ(other, others.Find("a", bond));
+    EXPECT_EQ(list.first, terms.Find("a", bond));
+}
+
 TEST_F(NamedTermsTest, AChangeCostsItselfHoweverLongTheListIs) {
     for (int i = 0; i < 5000; i++) terms.Append(makeTerm("v" + std::to_string(i), i));
     EXPECT_EQ(list.last, terms.Find("v4999"));

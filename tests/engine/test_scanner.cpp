@@ -161,24 +161,11 @@ TEST_F(Scanner, ReadsNumbersInEveryWritingAndBase) {
         {"0b11", "3"},
         {"0o17", "15"},
         {"0x1e", "30"},
-        {"0xg", "none"},
-        {"0b2", "none"},
-        {"0o8", "none"},
         {"1,000", "1000"},
         {"12,345,678", "12345678"},
         {"1,000.5", "1000.5"},
         {"1234,567", "1234567"},
-        {"1,00", "none"},
-        {"1,0000", "none"},
-        {"1,", "none"},
-        {"1.5,000", "none"},
-        {"1,000,", "none"},
-        {"1,abc", "none"},
-        {",000", "none"},
-        {"1e5,000", "none"},
         {"1,000.5e2", "100050"},
-        {"1,000k", "none"},
-        {"1,000.5k", "none"},
         {"2.5k", "2500"},
         {"3m", "0.003"},
         {"5c", "0.05"},
@@ -191,25 +178,17 @@ TEST_F(Scanner, ReadsNumbersInEveryWritingAndBase) {
         {"2G", "2000000000"},
         {"2T", "2.0e12"},
         {"2P", "2.0e15"},
-        {"2K", "none"},
-        {"2km", "none"},
-        {"2b", "none"},
         {"2e3k", "2000000"},
-        {"k", "none"},
-        {"1.2.3", "none"},
-        {"1e2.5", "none"},
-        {"1e2e3", "none"},
-        {"e", "none"},
-        {"e5", "none"},
-        {"E", "none"},
-        {"em", "none"},
-        {"abc", "none"},
-        {"sin", "none"},
-        {"\xe9", "none"},
-        {"5\xe9", "none"},
-        {"=5", "none"},
     };
     for (const auto& test : cases) EXPECT_EQ(test.number, Number(test.text)) << test.text;
+}
+
+TEST_F(Scanner, ReadsNoNumberInWhatIsAlmostOne) {
+    for (const char* text :
+         {"0xg",     "0b2",    "0o8",      "1,00", "1,0000", "1,",  "1.5,000", "1,000,", "1,abc", ",000",
+          "1e5,000", "1,000k", "1,000.5k", "2K",   "2km",    "2b",  "k",       "1.2.3",  "1e2.5", "1e2e3",
+          "e",       "e5",     "E",        "em",   "abc",    "sin", "\xe9",    "5\xe9",  "=5",    "5 "})
+        EXPECT_EQ("none", Number(text)) << text;
 }
 
 TEST_F(Scanner, ReadsShortNumbersAsTheNumberLibraryDoes) {

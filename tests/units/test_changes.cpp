@@ -4,6 +4,8 @@
 #include "allocation.h"
 #include "fixture.h"
 
+#include <set>
+
 namespace {
 
 class UnitChanges : public UnitsTest {
@@ -55,6 +57,28 @@ TEST_F(UnitChanges, UnitsOfTheCatalogueComeBackInTheirPlace) {
     EXPECT_LT(unitTable.Find("h")->position, unitTable.Find("Q")->position);
 }
 
+TEST_F(UnitChanges, EachHasAVersionAndNothingElseHas) {
+    std::set<uint64_t> versions;
+    const auto isNew = [&versions] { return versions.insert(units_version()).second; };
+    units_reduce("m");
+    EXPECT_TRUE(isNew());
+    convert("kilometer", "mile");
+    define("Q", "2 nosuch");
+    EXPECT_TRUE(removeUnit("nosuch"));
+    EXPECT_FALSE(isNew());
+    changes.begin();
+    define("Q", "2 m");
+    EXPECT_TRUE(isNew());
+    removeUnit("mile");
+    EXPECT_TRUE(isNew());
+    changes.TakeBack();
+    EXPECT_TRUE(isNew());
+    unitFreeMemory();
+    EXPECT_TRUE(isNew());
+    units_reduce("m");
+    EXPECT_TRUE(isNew());
+}
+
 TEST_F(UnitChanges, TheCatalogueBuiltMeanwhileStays) {
     changes.begin();
     define("smoot", "1.7018 m");
@@ -78,7 +102,7 @@ TEST_F(UnitChanges, ChangesThatAreKeptStay) {
     EXPECT_TRUE(removeUnit("smoot"));
 }
 
-// The index grows several times, each time without the slots of units removed for good.
+// The index grows several times, each time without the slots of removed units that cannot come back.
 TEST_F(UnitChanges, ManyChangesAreTakenBack) {
     define("smoot", "1.7018 m");
     changes.begin();

@@ -45,6 +45,32 @@ TEST_F(UnitsTest, AllNamesAreListedInByteOrderWithAPersonsOwn) {
     EXPECT_EQ("y", prefixes.back());
 }
 
+// The names, each prefix in brackets.
+std::vector<std::string> spelled(const std::string& start) {
+    std::vector<std::string> names;
+    for (const UnitSpelling& spelling : units_spellings(start)) {
+        const std::string& name = spelling.name;
+        const size_t length = spelling.prefixLength;
+        EXPECT_EQ(length == name.size(), spelling.IsPrefix()) << name;
+        names.push_back("[" + name.substr(0, length) + "]" + name.substr(length));
+    }
+    return names;
+}
+
+TEST_F(UnitsTest, TheSpellingsThatGoOnFromAStartAreUnitsAndPrefixesAloneAndTogether) {
+    using Names = std::vector<std::string>;
+    EXPECT_EQ((Names{"[milli]micron"}), spelled("millimic"));
+    EXPECT_EQ(define("vvalpha", "2 meter"), "");
+    EXPECT_EQ((Names{"[]vvalpha"}), spelled("vv"));
+    EXPECT_EQ((Names{"[kilo]vvalpha"}), spelled("kilovv"));
+    EXPECT_EQ(Names(), spelled("Kilom")); // upper and lower case are different
+    const Names beside = spelled("yott"); // the one prefix, alone and before every unit
+    EXPECT_EQ("[yotta]", beside.front());
+    EXPECT_EQ(units_names().size() + 1, beside.size());
+    const size_t units = units_names().size(), prefixes = units_prefix_names().size();
+    EXPECT_EQ(units + prefixes * (units + 1), spelled("").size());
+}
+
 TEST_F(UnitsTest, OfTwoReadingsWithAPrefixTheEarlierUnitWins) {
     EXPECT_EQ(define("ax", "2 meter"), "");
     EXPECT_EQ(define("x", "3 meter"), "");
