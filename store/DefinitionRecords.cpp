@@ -15,48 +15,37 @@ namespace {
 
 constexpr size_t HEADER_START = 11; // so many characters of a header tell which it is: "### HISTORY"
 
-std::string withoutBlanks(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return c == ' ' || c == '\t'; }),
-               text.end());
-    return text;
-}
-
-std::string trimmed(const std::string& text) {
-    const size_t start = std::min(text.find_first_not_of(" \t"), text.size());
-    return text.substr(start, text.find_last_not_of(" \t") + 1 - start);
-}
-
 // name(parameters)=body
 bool splitFunction(DefinitionRecord& record) {
-    const std::string& text = record.statement;
+    const std::string_view text = record.statement;
     const size_t open = text.find('(');
-    const size_t close = open == std::string::npos ? open : text.find(')', open);
-    if (close == std::string::npos) return false;
-    const size_t equals = text.find_first_not_of(" \t", close + 1);
-    if (equals == std::string::npos || text[equals] != '=' || text.compare(equals, 2, "==") == 0)
+    const size_t close = open == std::string_view::npos ? open : text.find(')', open);
+    if (close == std::string_view::npos) return false;
+    const size_t equals = text.find_first_not_of(BLANKS, close + 1);
+    if (equals == std::string_view::npos || text[equals] != '=' || text.compare(equals, 2, "==") == 0)
         return false;
-    record.name = withoutBlanks(text.substr(0, open));
-    record.parameters = withoutBlanks(text.substr(open + 1, close - open - 1));
+    record.name = trimmed(text.substr(0, open));
+    record.parameters = trimmed(text.substr(open + 1, close - open - 1));
     record.body = text.substr(equals + 1);
     return true;
 }
 
 // Splits the statement at its first '=', whatever it is.
 Kind split(DefinitionRecord& record) {
-    const std::string& text = record.statement;
+    const std::string_view text = record.statement;
     const std::string_view unit = "unit ";
     const size_t equals = text.find('=');
-    if (equals == std::string::npos) return Kind::Nothing;
+    if (equals == std::string_view::npos) return Kind::Nothing;
     record.name = text.substr(0, equals);
     record.body = text.substr(equals + 1);
     if (std::any_of(text.begin(), text.end(), [](char c) { return isControl(c) || c == ';'; }))
         return Kind::Nothing;
-    if (text.compare(0, unit.size(), unit) == 0) {
+    if (startsWith(text, unit)) {
         record.name = trimmed(record.name.substr(unit.size()));
         return Kind::Unit;
     }
     if (splitFunction(record)) return Kind::Function;
-    const std::string name = trimmed(record.name);
+    const std::string_view name = trimmed(record.name);
     if (!isValidName(name) || text.compare(equals, 2, "==") == 0) return Kind::Nothing;
     record.name = name;
     return Kind::Variable;
@@ -64,47 +53,51 @@ Kind split(DefinitionRecord& record) {
 
 // --- The order ---
 
+// The same text for a function's name in whatever case and with whatever blanks.
+std::string nameOf(Kind kind, std::string_view name) {
+    std::string text(1, static_cast<char>('0' + static_cast<int>(kind)));
+    return kind == Kind::Function ? text + lowerCased(withoutBlanks(name)) : text.append(name);
+}
+
 class Uses {
 public:
-    explicit Uses(const std::vector<DefinitionRecord>& all) : records(all) {
-        for (size_t i = 0; i < records.size(); ++i)
-            positions.emplace(NameOf(records[i].kind, records[i].name), i);
-    }
+    explicit Uses(const std::vector<DefinitionRecord>& all) : records(all) {}
 
     // The positions of the records that this one uses.
     std::vector<size_t> Of(const DefinitionRecord& record) {
         used.clear();
         if (record.statement.size() >= TEXT_SIZE) return {};
-        const std::string& text = record.body;
+        const std::string_view text = record.body;
+        const std::string parameters = "," + withoutBlanks(record.parameters) + ",";
         for (size_t i = 0; i < text.size();) {
             const size_t start = i;
             while (i < text.size() && (isOfName(text[i]) || text[i] == '.')) i++;
+            const std::string_view word = text.substr(start, i - start);
             if (record.kind == Kind::Unit)
-                UseUnits(std::string_view(text).substr(start, i - start));
-            else if (i > start && isLetter(text[start]) &&
-                     !IsParameter(record, text.substr(start, i - start)))
-                Use(IsCalled(text, i) ? Kind::Function : Kind::Variable, text.substr(start, i - start));
+                UseUnits(word);
+            else if (!word.empty() && isLetter(word[0]) && !IsOneOf(parameters, word))
+                Use(IsCalled(text, i) ? Kind::Function : Kind::Variable, word);
             i += i == start ? 1 : 0;
         }
         return std::move(used);
     }
 
 private:
-    static std::string NameOf(Kind kind, const std::string& name) {
-        return std::to_string(static_cast<int>(kind)) + (kind == Kind::Function ? lowerCased(name) : name);
+    static bool IsCalled(std::string_view text, size_t end) {
+        const size_t next = text.find_first_not_of(BLANKS, end);
+        return next != std::string_view::npos &&
+               (text[next] == '(' || text[next] == '[' || text[next] == '{');
     }
 
-    static bool IsCalled(const std::string& text, size_t end) {
-        const size_t next = text.find_first_not_of(" \t", end);
-        return next != std::string::npos && (text[next] == '(' || text[next] == '[' || text[next] == '{');
+    static bool IsOneOf(const std::string& names, std::string_view name) {
+        return names.find("," + std::string(name) + ",") != std::string::npos;
     }
 
-    static bool IsParameter(const DefinitionRecord& record, const std::string& name) {
-        return ("," + record.parameters + ",").find("," + name + ",") != std::string::npos;
-    }
-
-    bool Use(Kind kind, const std::string& name) {
-        const auto found = positions.find(NameOf(kind, name));
+    // Most records use none: their names are gathered for the first that may.
+    bool Use(Kind kind, std::string_view name) {
+        for (size_t i = positions.empty() ? 0 : records.size(); i < records.size(); ++i)
+            positions.emplace(nameOf(records[i].kind, records[i].name), i);
+        const auto found = positions.find(nameOf(kind, name));
         if (found != positions.end()) used.push_back(found->second);
         return found != positions.end();
     }
@@ -138,15 +131,10 @@ struct Visit {
 
 } // namespace
 
-bool isControl(char c) {
-    return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f';
-}
-
 std::string DefinitionRecord::Key() const {
     if (statement.find('=') == std::string::npos) return "";
-    const std::string key = std::to_string(static_cast<int>(kind));
-    if (kind != Kind::Function) return key + name;
-    return key + lowerCased(name) + "(" + std::to_string(ParameterCount());
+    const std::string key = nameOf(kind, name);
+    return kind == Kind::Function ? key + "(" + std::to_string(ParameterCount()) : key;
 }
 
 int32_t DefinitionRecord::ParameterCount() const {
@@ -154,7 +142,7 @@ int32_t DefinitionRecord::ParameterCount() const {
     return parameters.empty() ? 0 : static_cast<int32_t>(commas) + 1;
 }
 
-DefinitionRecord recordOf(const std::string& line) {
+DefinitionRecord recordOf(std::string_view line) {
     DefinitionRecord record;
     record.line = line;
     record.statement = line.substr(0, line.find('#'));
@@ -168,16 +156,15 @@ std::string textOf(const Sections& sections) {
     return text;
 }
 
-DefinitionsText::DefinitionsText(const std::string& text) {
+DefinitionsText::DefinitionsText(std::string whole) : text(std::move(whole)) {
     Section section = NO_SECTION;
     bool beginsWell = false;
     records.reserve(static_cast<size_t>(std::count(text.begin(), text.end(), '\n')));
     for (size_t start = 0, end = 0; start < text.size(); start = end + 1) {
         end = std::min(text.find('\n', start), text.size());
-        std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.pop_back();
+        const std::string_view line = withoutLineEnd(std::string_view(text).substr(start, end - start));
         if (section == HISTORY) { // it runs to the end, whatever was typed
-            history.push_back(std::move(line));
+            history.push_back(line);
             continue;
         }
         for (const Section one : {FUNCTIONS, VARIABLES, UNITS, HISTORY}) {
@@ -186,7 +173,7 @@ DefinitionsText::DefinitionsText(const std::string& text) {
         if (start == 0) beginsWell = section == FUNCTIONS;
         DefinitionRecord record = recordOf(line);
         record.section = section;
-        if (start > 0 && !trimmed(record.statement).empty()) records.push_back(std::move(record));
+        if (start > 0 && !trimmed(record.statement).empty()) records.push_back(record);
     }
     isFramed = beginsWell && section == HISTORY && text.back() == '\n';
 }
@@ -196,15 +183,15 @@ DefinitionLines DefinitionsText::LinesByKey() const {
     byKey.reserve(records.size());
     for (const DefinitionRecord& record : records) {
         const std::string key = record.section == NO_SECTION ? "" : record.Key();
-        if (!key.empty()) byKey[key] += record.line + '\n';
+        if (!key.empty()) byKey[key].append(record.line) += '\n';
     }
     return byKey;
 }
 
 std::string DefinitionsText::History() const {
-    std::string text;
-    for (const std::string& line : history) text += line + '\n';
-    return text;
+    std::string lines;
+    for (const std::string_view line : history) lines.append(line) += '\n';
+    return lines;
 }
 
 std::vector<bool> usesAny(const std::vector<DefinitionRecord>& records,

@@ -4,6 +4,7 @@
 #include "Calculator.h"
 #include "DefinitionRecords.h"
 #include "FileKeeping.h"
+#include "Helpers_String.h"
 #include "units.h"
 
 #include <algorithm>
@@ -14,45 +15,36 @@ using Kind = DefinitionRecord::Kind;
 
 namespace {
 
-// What reading takes besides the evaluation of its lines, and how much work it may be, as WorkBudget counts.
-namespace FileWork {
-
-constexpr uint64_t LINE = 20; // and for each of its characters:
-constexpr uint64_t CHARACTER_OF_FUNCTION = 8;
-constexpr uint64_t CHARACTER_OF_VALUE = 2;
-constexpr uint64_t LIMIT = 8000000; // 0.4 seconds, beside reading each of the lines once
-constexpr uint64_t LIMIT_OF_LINE = 400000;
-
-} // namespace FileWork
-
 // --- Writing ---
 
 // Whether the definition, read now, makes the unit that it once made. A unit of its own stands for itself.
 bool saysWhatItIs(const DefinitionRecord& unit) {
     if (unit.body == primitivestring) return true;
     units_clear_exception();
-    const double factor = units_convert(unit.name.c_str(), unit.body.c_str());
+    const double factor = units_convert(std::string(unit.name).c_str(), std::string(unit.body).c_str());
     return !units_check_exception() && std::abs(factor - 1) < 1e-12;
 }
 
 std::string unitLine(const DefinitionRecord& unit, bool usesElsewhere) {
-    if (unit.kind != Kind::Unit || (saysWhatItIs(unit) && !usesElsewhere)) return unit.line;
-    const std::string byValue = units_definition(unit.name.c_str());
-    return byValue.empty() ? unit.line : "unit " + unit.name + "=" + byValue;
+    std::string line(unit.line);
+    const std::string name(unit.name);
+    if (unit.kind != Kind::Unit || (saysWhatItIs(unit) && !usesElsewhere)) return line;
+    const std::string byValue = units_definition(name.c_str());
+    return byValue.empty() ? line : "unit " + name + "=" + byValue;
 }
 
 std::string unitLines(const ZqCalculator& calc, const std::set<std::string>& elsewhere) {
     std::vector<DefinitionRecord> units, others;
+    std::vector<bool> isElsewhere;
     for (const node* unit = calc.unitDefs.first; unit; unit = unit->next) {
         units.push_back(recordOf(unit->text));
-        if (elsewhere.count(units.back().line + '\n') > 0) others.push_back(units.back());
+        isElsewhere.push_back(elsewhere.count(std::string(unit->text) + '\n') > 0);
+        if (isElsewhere.back()) others.push_back(units.back());
     }
     const std::vector<bool> usesElsewhere = usesAny(units, others);
     std::string text;
-    for (size_t i = 0; i < units.size(); ++i) {
-        const bool isElsewhere = elsewhere.count(units[i].line + '\n') > 0;
-        text += unitLine(units[i], usesElsewhere[i] && !isElsewhere) + '\n';
-    }
+    for (size_t i = 0; i < units.size(); ++i)
+        text += unitLine(units[i], usesElsewhere[i] && !isElsewhere[i]) + '\n';
     units_clear_exception();
     return text;
 }
@@ -117,7 +109,7 @@ public:
     // is refused then may need it and counts as such, too.
     std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
         // A person may have any number of definitions: the limit is for evaluations and for long lines.
-        uint64_t limit = FileWork::LIMIT;
+        uint64_t limit = WorkLimit::READ_FILE;
         for (const DefinitionRecord& record : records) limit += IsLong(record) ? 0 : CostOf(record);
         budget.Begin(limit);
         std::vector<Reading> readings(records.size(), Reading::Refused);
@@ -137,16 +129,16 @@ private:
     // What reading it takes besides its evaluation.
     static uint64_t CostOf(const DefinitionRecord& record) {
         const bool isFunction = record.kind == Kind::Function;
-        return FileWork::LINE + record.statement.size() * (isFunction ? FileWork::CHARACTER_OF_FUNCTION
-                                                                      : FileWork::CHARACTER_OF_VALUE);
+        return Cost::READ_LINE + record.statement.size() *
+                                     (isFunction ? Cost::CHARACTER_OF_FUNCTION : Cost::CHARACTER_OF_VALUE);
     }
 
     bool IsKnown(const DefinitionRecord& record) const {
         if (record.kind == Kind::Unit) {
-            const node* const unit = calc.UnitExists(record.name.c_str());
+            const node* const unit = calc.UnitExists(std::string(record.name).c_str());
             return unit && record.statement == unit->text;
         }
-        const node* const variable = calc.VariableExists(record.name.c_str());
+        const node* const variable = calc.VariableExists(std::string(record.name).c_str());
         return variable && variable->value && record.body == plainNumber(*variable->value);
     }
 
@@ -156,7 +148,7 @@ private:
         if (cost > budget.Left() || (IsLong(record) && !isFunction)) return Reading::TooLong;
         budget.Spend(cost);
         if (isFunction) {
-            const int state = calc.DefineFunction(record.statement.c_str(), true);
+            const int state = calc.DefineFunction(std::string(record.statement).c_str(), true);
             return state == STATUS_ERROR ? Reading::Refused : Reading::Taken;
         }
         return IsKnown(record) ? Reading::Taken : Evaluate(record);
@@ -164,11 +156,11 @@ private:
 
     // A variable may have the name of a command, which would read what follows a blank.
     Reading Evaluate(const DefinitionRecord& record) {
-        const uint64_t allowed = std::min(budget.Left(), FileWork::LIMIT_OF_LINE);
+        const uint64_t allowed = std::min(budget.Left(), WorkLimit::READ_DEFINITION);
         uint64_t work = allowed;
-        const std::string assignment = record.name + "=" + record.body;
-        const bool isUnit = record.kind == Kind::Unit;
-        const int state = calc.CalculateWithin(isUnit ? record.statement.c_str() : assignment.c_str(), work);
+        std::string statement(record.statement);
+        if (record.kind == Kind::Variable) (statement = record.name).append("=").append(record.body);
+        const int state = calc.CalculateWithin(statement.c_str(), work);
         budget.Spend(allowed - work);
         if (state != STATUS_ERROR) return Reading::Taken;
         return work == 0 ? Reading::TooLong : Reading::Refused;
@@ -179,16 +171,17 @@ private:
 };
 
 // Whether the history was read completely.
-bool takeHistory(CHistory& history, std::vector<std::string>& lines) {
+bool takeHistory(CHistory& history, const std::vector<std::string_view>& lines) {
     bool isWhole = true;
-    for (std::string& line : lines) {
+    for (const std::string_view shown : lines) {
+        std::string line(shown);
         if (std::any_of(line.begin(), line.end(), isControl)) isWhole = false;
         history.FilteredInsertNew(line.data(), true);
     }
     return isWhole;
 }
 
-void takeText(ZqCalculator& calc, DefinitionsText& text, DefinitionsRead& result) {
+void takeText(ZqCalculator& calc, const DefinitionsText& text, DefinitionsRead& result) {
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
     result.damaged = !takeHistory(calc.history, text.history) || !text.isFramed;
     for (size_t i = 0; i < readings.size(); ++i) {
@@ -204,15 +197,17 @@ void takeText(ZqCalculator& calc, DefinitionsText& text, DefinitionsRead& result
 }
 
 void deleteDefinition(ZqCalculator& calc, const DefinitionRecord& record) {
+    const std::string name(record.name);
     if (record.kind == Kind::Function) {
-        const Function* const function = funcs.FindByName(record.name.c_str(), record.ParameterCount());
+        const std::string joined = withoutBlanks(name);
+        const Function* const function = funcs.FindByName(joined.c_str(), record.ParameterCount());
         if (function && function->body) funcs.DeleteFunction(function);
     } else if (record.kind == Kind::Variable) {
-        node* const variable = calc.VariableExists(record.name.c_str());
+        node* const variable = calc.VariableExists(name.c_str());
         if (variable && variable != calc.vars.first) calc.DeleteVariable(variable);
-    } else if (node* const unit = calc.UnitExists(record.name.c_str())) {
+    } else if (node* const unit = calc.UnitExists(name.c_str())) {
         calc.unitDefs.Del(unit);
-        removeUnit(record.name.c_str());
+        removeUnit(name.c_str());
     }
 }
 
@@ -230,9 +225,10 @@ DefinitionsRead readDefinitions(ZqCalculator& calc, const std::string& path, Sys
     DefinitionsRead result;
     result.opened = readWholeFile(path, result.text, system);
     if (!result.opened) return result;
-    DefinitionsText text(result.text);
+    const DefinitionsText text(result.text);
     for (const DefinitionRecord& record : text.records) {
-        const node* const unit = record.kind == Kind::Unit ? calc.UnitExists(record.name.c_str()) : nullptr;
+        if (record.kind != Kind::Unit) continue;
+        const node* const unit = calc.UnitExists(std::string(record.name).c_str());
         if (unit && record.statement != unit->text) deleteDefinition(calc, record);
     }
     Undo undo;

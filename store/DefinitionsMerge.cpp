@@ -23,17 +23,23 @@ const std::string& answerKey() {
 }
 
 DefinitionRecord recordOfLine(const std::string& line) {
-    return recordOf(line.substr(0, line.find('\n')));
+    return recordOf(std::string_view(line).substr(0, line.find('\n')));
 }
 
 // What is made of a unit that is left out is written with its value: a primitive unit has its whole name.
-bool usesPrimitive(const DefinitionRecord& record, const std::string& name) {
+bool usesPrimitive(const DefinitionRecord& record, std::string_view name) {
     if (record.kind != DefinitionRecord::Kind::Unit) return false;
-    const std::string text = "=" + record.body + "\n";
+    const std::string text = "=" + std::string(record.body) + "\n";
     for (size_t i = text.find(name); i != std::string::npos; i = text.find(name, i + 1)) {
         if (!isLetter(text[i - 1]) && !isLetter(text[i + name.size()])) return true;
     }
     return false;
+}
+
+// A whole file's text in front of its history, or nothing.
+std::string_view definitionsIn(std::string_view text) {
+    const size_t header = text.find("\n" + std::string(HEADERS[HISTORY]) + "\n");
+    return header == std::string_view::npos || text.back() != '\n' ? "" : text.substr(0, header + 1);
 }
 
 void setLine(DefinitionLines& lines, const std::string& key, const std::string& line) {
@@ -47,41 +53,65 @@ void setLine(DefinitionLines& lines, const std::string& key, const std::string& 
 
 void DefinitionsMerge::Know(const std::string& theirs, const std::string& ours,
                             const std::set<std::string>& refused) {
-    file = DefinitionsText(theirs).LinesByKey();
+    const std::string written = WrittenOf(ours);
+    if (refused.empty() && Agree(written, theirs)) return;
+    isAgreed = false;
     settled = theirs;
-    present = PresentIn(DefinitionsText(ours));
+    file = DefinitionsText(theirs).LinesByKey();
+    present = DefinitionsText(written).LinesByKey();
     // As if it had been read and was changed here.
     for (const std::string& key : refused) present[key] = lineOf(file, key);
 }
 
+// Whether the file's definitions are ours. Mostly they are, as one program runs and wrote them.
+bool DefinitionsMerge::Agree(const std::string& written, const std::string& theirs) {
+    const std::string_view definitions = definitionsIn(theirs);
+    isAgreed = !definitions.empty() && definitions == definitionsIn(written);
+    if (!isAgreed) return false;
+    settled = theirs;
+    present = {};
+    file = {};
+    return true;
+}
+
+void DefinitionsMerge::TakeApart() {
+    if (!isAgreed) return;
+    isAgreed = false;
+    file = DefinitionsText(settled).LinesByKey();
+    present = file;
+}
+
 void DefinitionsMerge::LeaveOut(const std::string& before, const std::string& after) {
+    TakeApart();
     const DefinitionLines earlier = DefinitionsText(before).LinesByKey();
     for (const auto& [key, line] : DefinitionsText(after).LinesByKey()) {
         if (earlier.count(key) > 0 || file.count(key) > 0) continue;
         leftOut.insert(line);
         present.erase(key);
     }
+    Agree(WrittenOf(after), settled);
 }
 
-// The definitions that are written, by what they define.
-DefinitionLines DefinitionsMerge::PresentIn(const DefinitionsText& ours) const {
-    DefinitionLines lines = ours.LinesByKey();
-    std::vector<DefinitionLines::node_type> primitives;
-    for (auto i = lines.begin(); i != lines.end();) {
-        const auto line = i++;
-        if (leftOut.count(line->second) == 0) continue;
-        const bool isPrimitive = recordOfLine(line->second).body == primitivestring;
-        DefinitionLines::node_type taken = lines.extract(line);
-        if (isPrimitive) primitives.push_back(std::move(taken));
+// Ours without what is left out.
+std::string DefinitionsMerge::WrittenOf(const std::string& ours) const {
+    if (leftOut.empty()) return ours;
+    const DefinitionsText text(ours);
+    const auto isLeftOut = [this](const DefinitionRecord& record) {
+        return leftOut.count(std::string(record.line) + '\n') > 0;
+    };
+    const auto isNeeded = [&](const DefinitionRecord& unit) {
+        return unit.body == primitivestring &&
+               std::any_of(text.records.begin(), text.records.end(), [&](const DefinitionRecord& other) {
+                   return !isLeftOut(other) && usesPrimitive(other, unit.name);
+               });
+    };
+    Sections sections;
+    for (const DefinitionRecord& record : text.records) {
+        if (record.section != NO_SECTION && (!isLeftOut(record) || isNeeded(record)))
+            sections[record.section].append(record.line) += '\n';
     }
-    for (DefinitionLines::node_type& primitive : primitives) {
-        const std::string name = recordOfLine(primitive.mapped()).name;
-        const auto uses = [&name](const auto& line) {
-            return usesPrimitive(recordOfLine(line.second), name);
-        };
-        if (std::any_of(lines.begin(), lines.end(), uses)) lines.insert(std::move(primitive));
-    }
-    return lines;
+    sections[HISTORY] = text.History();
+    return textOf(sections);
 }
 
 DefinitionsMerge::Theirs::Theirs(const std::string& content)
@@ -97,16 +127,25 @@ const std::string& DefinitionsMerge::Choose(const std::string& key, const std::s
     return counts && key != answerKey() ? line : mine;
 }
 
-std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) const {
-    const DefinitionsText text(ours);
-    return MergedOf(text, PresentIn(text), Theirs(theirs)).text;
+std::string DefinitionsMerge::Merge(const std::string& ours, const std::string& theirs) {
+    DefinitionLines now;
+    return MergedOf(WrittenOf(ours), theirs, now).text;
 }
 
-DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const DefinitionsText& ours, const DefinitionLines& mine,
-                                                    const Theirs& theirs) const {
+// Our lines that are merged join `mine`. Where nobody else wrote, all of ours are written as they are.
+DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const std::string& written, const std::string& inFile,
+                                                    DefinitionLines& mine) {
+    if (isAgreed && inFile == settled) {
+        const std::string& kept = leavesHistory ? inFile : written;
+        return {std::string(definitionsIn(written)).append(kept, definitionsIn(kept).size()), {}};
+    }
+    TakeApart();
+    const DefinitionsText text(written);
+    const Theirs theirs(inFile);
+    mine = text.LinesByKey();
     Merged merged;
     Sections sections;
-    for (const DefinitionsText* const side : {&ours, &theirs.text}) {
+    for (const DefinitionsText* const side : {&text, &theirs.text}) {
         for (const DefinitionRecord& record : side->records) {
             const std::string key = record.Key();
             if (key.empty() || record.section == NO_SECTION) continue;
@@ -117,14 +156,15 @@ DefinitionsMerge::Merged DefinitionsMerge::MergedOf(const DefinitionsText& ours,
             sections[record.section] += chosen;
         }
     }
-    sections[HISTORY] = (leavesHistory ? theirs.text : ours).History();
+    sections[HISTORY] = (leavesHistory ? theirs.text : text).History();
     merged.text = textOf(sections);
     return merged;
 }
 
 DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours, const std::string& theirs) {
+    TakeApart();
     const Theirs others(theirs);
-    const DefinitionLines oursNow = PresentIn(DefinitionsText(ours));
+    const DefinitionLines oursNow = DefinitionsText(WrittenOf(ours)).LinesByKey();
     std::set<std::string> changed; // in a fixed order
     for (const DefinitionLines* const side : {&others.lines, &std::as_const(file)}) {
         for (const auto& [key, anyLine] : *side) {
@@ -149,7 +189,8 @@ DefinitionsMerge::Foreign DefinitionsMerge::TakeForeign(const std::string& ours,
 }
 
 void DefinitionsMerge::Took(const Foreign& foreign, const std::string& ours) {
-    const DefinitionLines now = PresentIn(DefinitionsText(ours));
+    TakeApart();
+    const DefinitionLines now = DefinitionsText(WrittenOf(ours)).LinesByKey();
     for (const std::string& key : foreign.keys) setLine(present, key, lineOf(now, key));
 }
 
@@ -158,12 +199,16 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
     const FileLock lock(path, system);
     if (lock.IsTaken(&reason)) return false;
     std::string theirs;
-    readWholeFile(path, theirs, system);
-    const DefinitionsText text(ours);
-    DefinitionLines mine = PresentIn(text);
-    Merged merged = MergedOf(text, mine, Theirs(theirs));
+    std::error_code unread;
+    if (!readWholeFile(path, theirs, system, &unread) && unread) {
+        reason = unread; // what is in it would be lost
+        return false;
+    }
+    const std::string written = WrittenOf(ours);
+    DefinitionLines mine;
+    Merged merged = MergedOf(written, theirs, mine);
     if (!writeFileAtomically(path, merged.text, &reason, system)) return false;
-    Wrote(std::move(merged), std::move(mine));
+    if (!Agree(written, merged.text)) Wrote(std::move(merged), std::move(mine));
     return true;
 }
 

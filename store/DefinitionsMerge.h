@@ -36,7 +36,7 @@ public:
     // What is to be written. A line of the file that counts stays as it stands there; new ones are at the
     // end of their section. Each program has its own `ans`. Where `theirs` is cut off nothing
     // counts as changed in it, and where it has no `ans`, nothing as deleted: no program left it so.
-    std::string Merge(const std::string& ours, const std::string& theirs) const;
+    std::string Merge(const std::string& ours, const std::string& theirs);
 
     // Whether it is known without a look at ours that TakeForeign has nothing to tell: the text of the file
     // is as it was read or written here.
@@ -71,13 +71,16 @@ private:
         DefinitionLines others;
     };
 
-    DefinitionLines PresentIn(const DefinitionsText& ours) const;
-    Merged MergedOf(const DefinitionsText& ours, const DefinitionLines& mine, const Theirs& theirs) const;
+    std::string WrittenOf(const std::string& ours) const;
+    bool Agree(const std::string& written, const std::string& theirs);
+    void TakeApart();
+    Merged MergedOf(const std::string& written, const std::string& inFile, DefinitionLines& mine);
     const std::string& Choose(const std::string& key, const std::string& mine, const Theirs& theirs) const;
     void Wrote(Merged&& written, DefinitionLines&& now);
 
-    DefinitionLines present;       // ours, when the file was last read or written
-    DefinitionLines file;          // the file's then, but for what TakeForeign is still to tell
     std::string settled;           // a text of the file that has the lines of `file`, or nothing
+    bool isAgreed = false;         // ours was the same: `present` and `file` are not made from it yet
+    DefinitionLines present;       // ours, when the file was last read or written
+    DefinitionLines file;          // the file's then, except what TakeForeign is still to tell
     std::set<std::string> leftOut; // lines
 };

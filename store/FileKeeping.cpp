@@ -10,7 +10,6 @@ namespace {
 constexpr size_t LARGEST_FILE = size_t{256} << 20;
 constexpr size_t PIECE = size_t{1} << 16;  // bytes read at once
 constexpr size_t LARGEST_WRITE = 1U << 30; // some systems refuse more at once
-constexpr int MAX_LINKS = 40;              // symbolic links followed one after the other
 constexpr int KEPT_FILES = 10;
 constexpr char KEPT_NAME[] = ".unreadable";
 constexpr char TEMPORARY_NAME[] = ".tallyquill-XXXXXX";
@@ -52,7 +51,17 @@ bool readAll(System& system, int file, std::string& text) {
         else if (errno != EINTR)
             return false;
     }
+    errno = EFBIG;
     return false;
+}
+
+// False with errno set. Opening a pipe would wait for its other end.
+bool readRegular(System& system, const std::string& path, std::string& text) {
+    const Descriptor file(system, system.Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat info;
+    if (!file.IsOpen() || system.StatusOf(file.Number(), info) != 0) return false;
+    errno = S_ISDIR(info.st_mode) ? EISDIR : EINVAL;
+    return S_ISREG(info.st_mode) && readAll(system, file.Number(), text);
 }
 
 bool writeAll(System& system, int file, std::string_view text) {
@@ -89,32 +98,12 @@ void flushFolder(System& system, const std::string& path) {
     if (opened.IsOpen()) flush(system, opened.Number());
 }
 
-// Where the text of a symbolic link leads: the path, from the link's own folder.
-bool readLink(System& system, const std::string& path, std::string& destination) {
-    std::string text(PIECE, '\0');
-    const ssize_t length = system.ReadLink(path.c_str(), text.data(), text.size());
-    if (length <= 0 || static_cast<size_t>(length) >= text.size()) return false;
-    text.resize(static_cast<size_t>(length));
-    destination = text[0] == '/' ? text : folderOf(path) + text;
-    return true;
-}
-
-// Follows the symbolic links from `path` to the file itself, which need not exist. False with errno set for
-// links in a circle.
-bool followLinks(System& system, std::string& path) {
-    for (int links = 0; links <= MAX_LINKS; ++links) {
-        struct stat info;
-        if (system.StatusOfLink(path.c_str(), info) != 0 || !S_ISLNK(info.st_mode)) return true;
-        if (!readLink(system, path, path)) return false;
-    }
-    errno = ELOOP;
-    return false;
-}
-
-// Nothing there yet, or a regular file that may be written; otherwise errno says why not.
+// Nothing there yet, a symbolic link, which is replaced itself, or a regular file that may be written;
+// otherwise errno says why not.
 bool isReplaceable(System& system, const std::string& path) {
     struct stat info;
     if (system.StatusOfLink(path.c_str(), info) != 0) return errno == ENOENT;
+    if (S_ISLNK(info.st_mode)) return true;
     if (S_ISREG(info.st_mode)) return system.MayWrite(path.c_str()) == 0;
     errno = S_ISDIR(info.st_mode) ? EISDIR : EEXIST;
     return false;
@@ -150,8 +139,8 @@ bool closeWritten(Descriptor& file, bool isWritten) {
 }
 
 // False with errno set.
-bool replaceFile(System& system, std::string destination, const std::string& text) {
-    if (!followLinks(system, destination) || !isReplaceable(system, destination)) return false;
+bool replaceFile(System& system, const std::string& destination, const std::string& text) {
+    if (!isReplaceable(system, destination)) return false;
     std::string temporary = destination + TEMPORARY_NAME;
     Descriptor file(system, makeTemporary(system, temporary));
     if (!file.IsOpen()) return false;
@@ -184,24 +173,19 @@ void removeUnlocked(System& system, const std::string& path) {
     if (system.Lock(file.Number(), LOCK_EX | LOCK_NB) == 0) system.Remove(path.c_str());
 }
 
-// Beside the file itself, so that programs that reach it through different links have one lock. Links in a
-// circle have one of their own.
-std::string lockName(System& system, std::string path) {
-    followLinks(system, path);
+std::string lockName(const std::string& path) {
     const std::string folder = folderOf(path);
     return folder + "." + path.substr(folder.size()) + ".lock";
 }
 
 } // namespace
 
-bool readWholeFile(const std::string& path, std::string& text, System& system) {
+bool readWholeFile(const std::string& path, std::string& text, System& system, std::error_code* reason) {
     text.clear();
-    // Opening a pipe would wait for its other end.
-    const Descriptor file(system, system.Open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    struct stat info;
-    if (!file.IsOpen() || system.StatusOf(file.Number(), info) != 0 || !S_ISREG(info.st_mode)) return false;
-    if (readAll(system, file.Number(), text)) return true;
+    if (readRegular(system, path, text)) return true;
     text.clear();
+    const bool isThere = errno != ENOENT && errno != ENOTDIR;
+    if (reason) *reason = std::error_code(isThere ? errno : 0, std::generic_category());
     return false;
 }
 
@@ -234,17 +218,21 @@ bool writeFileAtomically(const std::string& path, const std::string& text, std::
 bool appendToFile(const std::string& path, const std::string& text, std::error_code& reason, System& system) {
     Descriptor file(
         system,
-        system.Open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0600));
+        system.Open(path.c_str(),
+                    O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0600));
+    if (!file.IsOpen() && errno == ELOOP) { // a symbolic link
+        std::string before;
+        readWholeFile(path, before, system);
+        return writeFileAtomically(path, before + text, &reason, system);
+    }
     if (closeWritten(file, file.IsOpen() && writeAll(system, file.Number(), text))) return true;
     reason = std::error_code(errno, std::generic_category());
     return false;
 }
 
 void removeLeftovers(const std::string& path, System& system) {
-    std::string file = path;
-    if (!followLinks(system, file)) return;
-    const std::string folder = folderOf(file);
-    const std::string name = file.substr(folder.size());
+    const std::string folder = folderOf(path);
+    const std::string name = path.substr(folder.size());
     DIR* const opened = system.OpenFolder(folder.empty() ? "." : folder.c_str());
     if (!opened) return;
     while (const dirent* const entry = system.NextEntry(opened)) {
@@ -254,8 +242,8 @@ void removeLeftovers(const std::string& path, System& system) {
 }
 
 FileLock::FileLock(const std::string& path, System& calls)
-    : system(calls), file(system.Open(lockName(system, path).c_str(),
-                                      O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
+    : system(calls),
+      file(system.Open(lockName(path).c_str(), O_RDWR | O_CREAT | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC, 0600)) {
     if (file < 0) return;
     for (int waits = LOCK_SECONDS * (1000000 / static_cast<int>(LOCK_PAUSE)); waits >= 0; --waits) {
         isTaken = system.Lock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Files that must not be lost: written in one step, and kept beside when they cannot be read. It needs POSIX
-// (Linux, macOS). Paths are bytes as the system takes them; nothing throws but for lack of memory.
+// (Linux, macOS). Paths are bytes as the system takes them; nothing throws except for lack of memory.
 #pragma once
 
 #include "System.h"
@@ -14,7 +14,9 @@
 
 // Reads a regular file, or what a symbolic link to one leads to, into `text`. False, with an empty text, for
 // anything else: no such file, no permission, a folder, a device, a pipe, more than 256 MiB. Never waits.
-bool readWholeFile(const std::string& path, std::string& text, System& system = System::Real());
+// `reason`, when given, receives why; nothing when there is no such file.
+bool readWholeFile(const std::string& path, std::string& text, System& system = System::Real(),
+                   std::error_code* reason = nullptr);
 
 // What tells two states of a file apart without reading it: which file it is, its size, and when its content
 // and its state were changed.
@@ -39,15 +41,16 @@ private:
 };
 
 // Puts `text` in the place of the file: a new file in the same folder, readable and writable by its owner
-// alone, is filled, flushed to the disk and renamed over the old one. A symbolic link stays, and the file
-// that it leads to is written. Returns whether the text is there now; on a failure the old file is as it was
-// and no other is left. What is there but no regular file (a folder, a device), or may not be written, is not
-// replaced. `reason`, when given, receives why it failed; it stays as it is otherwise.
+// alone, is filled, flushed to the disk and renamed over the old one. A symbolic link is replaced, and the
+// file that it leads to stays as it is. Returns whether the text is there now; on a failure the old file is
+// as it was and no other is left. What is there but no regular file (a folder, a device), or may not be
+// written, is not replaced. `reason`, when given, receives why it failed; it stays as it is otherwise.
 bool writeFileAtomically(const std::string& path, const std::string& text, std::error_code* reason = nullptr,
                          System& system = System::Real());
 
-// Appends `text` to the file, which is made when it is missing, readable and writable by its owner alone.
-// False when not all of it was written: `reason` says why.
+// Appends `text` to the file, which is made when it is missing, readable and writable by its owner alone. A
+// symbolic link is replaced by a file with what it led to and `text`. False when not all of it was written:
+// `reason` says why.
 bool appendToFile(const std::string& path, const std::string& text, std::error_code& reason,
                   System& system = System::Real());
 
@@ -58,8 +61,7 @@ void removeLeftovers(const std::string& path, System& system = System::Real());
 
 // As long as it lives, no other program has the lock of the same file: to read the file, change what was read
 // and write it again. The system gives it back when a program is killed. The lock belongs to a hidden file of
-// its own, ".NAME.lock" in the same folder, which stays. The lock of a symbolic link is that of the file it
-// leads to.
+// its own, ".NAME.lock" in the same folder, which stays.
 class FileLock {
 public:
     // Waits until other programs have given it back, LOCK_SECONDS at most.

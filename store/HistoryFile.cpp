@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "HistoryFile.h"
 
-#include "DefinitionRecords.h"
 #include "FileKeeping.h"
 #include "Folder.h"
+#include "Helpers_String.h"
 
 #include <algorithm>
 
-std::vector<std::string> HistoryFile::Read() {
+std::vector<std::string> HistoryFile::Read(std::error_code* reason) {
     std::string text;
-    readWholeFile(path, text, system);
+    readWholeFile(path, text, system, reason);
     isCut = !text.empty() && text.back() != '\n';
     std::vector<std::string> lines;
     for (size_t start = startOfNewest(text, LINES); start < text.size();) {

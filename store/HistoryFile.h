@@ -19,8 +19,9 @@ public:
     explicit HistoryFile(std::string where, System& calls = System::Real())
         : path(std::move(where)), system(calls) {}
 
-    // The newest LINES of its lines that can be entries (no control characters but tabs).
-    std::vector<std::string> Read();
+    // The newest LINES of its lines that can be entries (no control characters but tabs). `reason`, when
+    // given, receives why it cannot be read; nothing when there is none.
+    std::vector<std::string> Read(std::error_code* reason = nullptr);
 
     // Appends a line, which holds no line feed. False when that failed, and `reason` says why.
     bool Append(const std::string& line, std::error_code& reason);

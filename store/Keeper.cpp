@@ -8,7 +8,17 @@
 #include <cerrno>
 #include <csignal>
 #include <map>
+#include <new>
 #include <utility>
+
+namespace {
+
+// The name of a file without its folder.
+std::string nameIn(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+} // namespace
 
 void Keeper::Open(const std::string& path) {
     Close();
@@ -41,15 +51,16 @@ void Keeper::Forget() {
 
 // --- Reading ---
 
-std::string Keeper::Settings() {
+std::string Keeper::Settings(std::error_code* reason) {
     Finish();
     std::string text;
-    readWholeFile(settingsFile.path, text, system);
+    readWholeFile(settingsFile.path, text, system, reason);
     return text;
 }
 
-void Keeper::KeepSettingsBeside() {
-    KeepBeside(settingsFile);
+std::string Keeper::KeepSettingsBeside() {
+    const std::string copy = KeepBeside(settingsFile);
+    return copy.empty() ? "" : "pelmo_settings.plist could not be read: see " + nameIn(copy);
 }
 
 std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
@@ -57,15 +68,16 @@ std::string Keeper::ReadDefinitions(ZqCalculator& calc) {
     Finish();
     definitionsStamp = FileStamp(definitionsFile.path, system);
     const DefinitionsRead read = readDefinitions(calc, definitionsFile.path, system);
-    if (!read.opened || read.damaged) KeepBeside(definitionsFile);
+    if (!read.opened) definitionsStamp = {}; // the next reading may do better
+    const std::string copy = read.opened && !read.damaged ? "" : KeepBeside(definitionsFile);
     const bool leavesHistory = merge.leavesHistory;
     merge = {};
     merge.leavesHistory = leavesHistory;
     merge.Know(read.text, TextOf(calc), read.refused); // what was refused is in the copy
     if (read.unread > 0) return "Some of pelmo_functions.txt takes too long to read; it stays in the file";
-    if (read.damaged)
-        return "Not all of pelmo_functions.txt could be read: see pelmo_functions.txt.unreadable";
-    return "";
+    const std::string where = copy.empty() ? "" : ": see " + nameIn(copy);
+    if (read.damaged) return "Not all of pelmo_functions.txt could be read" + where;
+    return copy.empty() ? "" : "pelmo_functions.txt could not be read" + where;
 }
 
 void Keeper::TakeForeignDefinitions(ZqCalculator& calc) {
@@ -94,18 +106,24 @@ std::string Keeper::TextOf(const ZqCalculator& calc) const {
 std::string Keeper::ReadTranscript() {
     Finish();
     std::string text;
-    readWholeFile(transcriptFile.path, text, system);
-    transcriptKept = text;
+    std::error_code reason;
+    readWholeFile(transcriptFile.path, text, system, &reason);
+    if (reason)
+        transcriptFile.SetFailed(reason);
+    else
+        transcriptKept = text;
     return endOfTranscript(text);
 }
 
 // No reason is given when there is nothing to keep, or when there are ten copies already.
-void Keeper::KeepBeside(File& file) {
-    if (file.path.empty()) return;
+// Returns the path of the copy, or nothing.
+std::string Keeper::KeepBeside(File& file) {
+    if (file.path.empty()) return "";
     std::error_code reason;
-    keepUnreadable(file.path, &reason, system);
+    std::string copy = keepUnreadable(file.path, &reason, system);
     file.isOnlyCopy = static_cast<bool>(reason);
     if (file.isOnlyCopy) file.SetFailed(reason);
+    return copy;
 }
 
 // --- Writing ---
@@ -137,31 +155,49 @@ void Keeper::Write(std::string settings, std::string definitions) {
     if (!settings.empty() && !MayWrite(settingsFile)) settings.clear();
     if (!definitions.empty() && !MayWrite(definitionsFile)) definitions.clear();
     if (transcript == transcriptKept) transcript.reset();
+    settingsDue = std::move(settings);
+    definitionsDue = std::move(definitions);
     isBusy = true;
     // Signals are for whoever waits for them, not for this thread: it takes over the mask.
     sigset_t all, found;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &found);
-    worker = std::thread([this, settings = std::move(settings), definitions = std::move(definitions)] {
-        const auto note = [](File& file, bool isWritten, const std::error_code& reason) {
-            if (!isWritten) return file.SetFailed(reason);
-            file.failure.clear();
-            file.isTold = false;
-        };
-        std::error_code reason;
-        if (!settings.empty())
-            note(settingsFile, writeFileAtomically(settingsFile.path, settings, &reason, system), reason);
-        if (!definitions.empty())
-            note(definitionsFile, merge.Write(definitionsFile.path, definitions, reason, system), reason);
-        if (transcript) {
-            const bool isWritten = WriteTranscript(*transcript, reason);
-            if (isWritten) transcriptKept = std::move(transcript);
-            note(transcriptFile, isWritten, reason);
-        }
-        transcript.reset();
-        isBusy = false;
-    });
+    try {
+        worker = std::thread([this] { WriteTexts(); });
+    } catch (const std::exception&) {
+        WriteTexts(); // there can be no other thread: the person waits
+    }
     pthread_sigmask(SIG_SETMASK, &found, nullptr);
+}
+
+void Keeper::WriteTexts() {
+    const auto write = [](File& file, auto action) {
+        std::error_code reason = std::make_error_code(std::errc::not_enough_memory);
+        bool isWritten = false;
+        try {
+            isWritten = action(reason);
+        } catch (const std::bad_alloc&) { // a thread must not end with it
+        }
+        if (!isWritten) return file.SetFailed(reason);
+        file.failure.clear();
+        file.isTold = false;
+    };
+    if (!settingsDue.empty())
+        write(settingsFile, [this](std::error_code& reason) {
+            return writeFileAtomically(settingsFile.path, settingsDue, &reason, system);
+        });
+    if (!definitionsDue.empty())
+        write(definitionsFile, [this](std::error_code& reason) {
+            return merge.Write(definitionsFile.path, definitionsDue, reason, system);
+        });
+    if (transcript)
+        write(transcriptFile, [this](std::error_code& reason) {
+            if (!WriteTranscript(*transcript, reason)) return false;
+            transcriptKept = std::move(transcript);
+            return true;
+        });
+    transcript.reset();
+    isBusy = false;
 }
 
 void Keeper::Finish() {
@@ -209,6 +245,11 @@ bool Keeper::IsDue(double delay) const {
 
 // --- What could not be written ---
 
+bool Keeper::IsAnyUnsaved() {
+    Finish();
+    return settingsFile.failure || definitionsFile.failure || transcriptFile.failure;
+}
+
 void Keeper::File::SetFailed(std::error_code reason) {
     isTold = isTold && failure == reason;
     failure = reason;
@@ -220,7 +261,7 @@ std::string Keeper::TakeNews() {
     for (File* const file : {&definitionsFile, &settingsFile, &transcriptFile}) {
         if (!file->failure || std::exchange(file->isTold, true)) continue;
         std::string& text = names[file->failure.message()];
-        text += (text.empty() ? "" : ", ") + file->path.substr(folder.size() + 1);
+        text += (text.empty() ? "" : ", ") + nameIn(file->path);
     }
     std::string news;
     for (const auto& [reason, text] : names) {

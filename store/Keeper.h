@@ -34,20 +34,25 @@ public:
 
     // --- Reading ---
 
-    // The bytes of the settings file, or nothing when it cannot be read.
-    std::string Settings();
+    // The bytes of the settings file, or nothing when it cannot be read. `reason`, when given, receives why;
+    // nothing when there is none.
+    std::string Settings(std::error_code* reason = nullptr);
 
     // It could be read but not understood, or not be read: it is kept beside (FileKeeping.h). Where that
     // fails, it is tried again before the file is written, which waits for it. Nothing happens when there is
-    // none.
-    void KeepSettingsBeside();
+    // none. Returns what is to be said to the person, or nothing.
+    std::string KeepSettingsBeside();
+
+    // The settings could not be written the last time, or could not be read by whoever wanted to write them.
+    void NoteUnsavedSettings(std::error_code reason) { settingsFile.SetFailed(reason); }
+    bool AreSettingsUnsaved() const { return static_cast<bool>(settingsFile.failure); }
 
     // Reads the definitions file into a calculator (DefinitionsFile.h). A damaged one is kept beside in the
     // same way. Returns what is to be said to the person, or nothing.
     std::string ReadDefinitions(ZqCalculator& calc);
 
     // Takes what other programs have defined, changed or deleted in that file since then into the
-    // calculator, but for names that were changed here, too. Call it before an entry. Does nothing while
+    // calculator, except names that were changed here, too. Call it before an entry. Does nothing while
     // something is being written, and reads the file only when it has changed since then.
     void TakeForeignDefinitions(ZqCalculator& calc);
 
@@ -59,7 +64,8 @@ public:
     // ReadDefinitions.
     void LeaveOut(const std::string& before, const ZqCalculator& calc);
 
-    // The end of the transcript (TranscriptFile.h), or nothing when there is none.
+    // The end of the transcript (TranscriptFile.h), or nothing when there is none. One that cannot be read
+    // stays as it is.
     std::string ReadTranscript();
 
     // --- Writing ---
@@ -86,7 +92,7 @@ public:
     static constexpr double DELAY = 1;
 
     // Whether it is due now. Of a running entry it is so once. Among entries that come without a rest it may
-    // wait for longer, so that not as much is written again and again, but for less than two seconds.
+    // wait for longer, so that not as much is written again and again; always less than two seconds.
     bool IsDue(double delay = DELAY) const;
     static constexpr double DELAY_WITHOUT_REST = 1.75;
 
@@ -94,6 +100,7 @@ public:
 
     bool IsBusy() const { return isBusy; } // something is still being written
     void Finish();                         // returns when nothing is
+    bool IsAnyUnsaved();                   // the last write of a file failed; waits for what is being written
 
     // The failures that nobody was told of, as one line without an end, "Not saved: NAME, NAME (reason), NAME
     // (other reason)" in UTF-8, or nothing. They count as told then, until the file has been written or fails
@@ -114,9 +121,10 @@ private:
     };
 
     std::string TextOf(const ZqCalculator& calc) const;
-    void KeepBeside(File& file);
+    std::string KeepBeside(File& file);
     bool MayWrite(File& file);
     void Write(std::string settings, std::string definitions);
+    void WriteTexts();
     bool WriteTranscript(const std::string& text, std::error_code& reason);
     void Forget();
 
@@ -139,6 +147,7 @@ private:
     System::Time textTime;
     System::Time::duration textCost{};
 
-    std::thread worker; // writes
+    std::thread worker;                      // writes
+    std::string settingsDue, definitionsDue; // what it writes, unless empty; its own until Finish
     std::atomic<bool> isBusy{false};
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The system's calls for files and the clock. Whatever is kept goes through one object of this class, so that
-// a test can put another one in its place and let each of the calls fail.
+// The system's calls for files, terminals and the clock. Whatever is kept, read and answered goes through one
+// object of this class, so that a test can put another one in its place and let each of the calls fail.
 #pragma once
 
 #include <cerrno>
@@ -11,8 +11,11 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
+#include <sys/select.h>
 #include <sys/stat.h>
+#include <termios.h>
 #include <unistd.h>
 
 // To the disk itself where the system tells the disk's memory from the disk.
@@ -39,7 +42,9 @@ public:
 
     virtual int Open(const char* path, int flags, mode_t mode = 0) { return open(path, flags, mode); }
     virtual int MakeTemporary(char* name) { return mkstemp(name); }
-    virtual int Duplicate(int file) { return fcntl(file, F_DUPFD_CLOEXEC, 0); }
+    // The new descriptor is the lowest free one from `lowest` on.
+    virtual int Duplicate(int file, int lowest = 0) { return fcntl(file, F_DUPFD_CLOEXEC, lowest); }
+    virtual int DuplicateTo(int file, int number) { return dup2(file, number); }
     virtual int CloseOnExec(int file) { return fcntl(file, F_SETFD, FD_CLOEXEC); }
     virtual ssize_t Read(int file, void* bytes, size_t size) { return read(file, bytes, size); }
     virtual ssize_t Write(int file, const void* bytes, size_t size) { return write(file, bytes, size); }
@@ -47,16 +52,28 @@ public:
     virtual int Lock(int file, int operation) { return flock(file, operation); }
     virtual int Close(int file) { return close(file); }
 
+    virtual int Poll(pollfd& file, int milliseconds) { return poll(&file, 1, milliseconds); }
+    virtual int WaitForInput(int file, const timespec* time, const sigset_t& signals) {
+        fd_set inputs;
+        FD_ZERO(&inputs);
+        FD_SET(file, &inputs);
+        return pselect(file + 1, &inputs, nullptr, nullptr, time, &signals);
+    }
+    virtual int Modes(int terminal, termios& modes) { return tcgetattr(terminal, &modes); }
+    virtual int SetModes(int terminal, int when, const termios& modes) {
+        return tcsetattr(terminal, when, &modes);
+    }
+
     virtual int StatusOf(int file, struct stat& info) { return fstat(file, &info); }
     virtual int Status(const char* path, struct stat& info) { return stat(path, &info); }
     virtual int StatusOfLink(const char* path, struct stat& info) { return lstat(path, &info); }
-    virtual ssize_t ReadLink(const char* path, char* text, size_t size) { return readlink(path, text, size); }
     virtual int MayWrite(const char* path) { return faccessat(AT_FDCWD, path, W_OK, AT_EACCESS); }
     virtual int Rename(const char* from, const char* to) { return rename(from, to); }
     virtual int Remove(const char* path) { return unlink(path); }
     virtual int MakeFolder(const char* path, mode_t mode) { return mkdir(path, mode); }
     virtual DIR* OpenFolder(const char* path) { return opendir(path); }
-    virtual const dirent* NextEntry(DIR* folder) { return readdir(folder); } // NOLINT(concurrency-mt-unsafe)
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): each thread reads a folder that it has opened itself
+    virtual const dirent* NextEntry(DIR* folder) { return readdir(folder); }
     virtual int CloseFolder(DIR* folder) { return closedir(folder); }
     using Time = std::chrono::steady_clock::time_point;
     virtual Time Now() { return std::chrono::steady_clock::now(); }

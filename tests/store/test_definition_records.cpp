@@ -42,6 +42,7 @@ TEST(DefinitionRecords, ALineIsWhatItSays) {
 TEST(DefinitionRecords, KeysAreEqualForWhatReplacesEachOther) {
     const auto isSame = [](const char* a, const char* b) { return recordOf(a).Key() == recordOf(b).Key(); };
     EXPECT_TRUE(isSame("f(x)=x", "F ( y ) = 2"));
+    EXPECT_TRUE(isSame("fg(x,y)=x", "F g( a , b )=2"));
     EXPECT_FALSE(isSame("f(x)=x", "f(x,y)=x"));
     EXPECT_FALSE(isSame("f(x)=x", "f()=x"));
     EXPECT_FALSE(isSame("f(x)=x", "f=x"));
@@ -55,7 +56,7 @@ TEST(DefinitionRecords, KeysAreEqualForWhatReplacesEachOther) {
 TEST(DefinitionRecords, SectionsBeginWithTheirHeadersAndTheHistoryHasNoRecords) {
     const DefinitionsText text("### FUNCTIONS ###\r\nf(x)=x\r\n\n### CUSTOM UNITS\n# a comment\nunit u=2 m\n"
                                "### HISTORY ###\na=1\n### VARIABLES ###\nb=1");
-    EXPECT_EQ((std::vector<std::string>{"a=1", "### VARIABLES ###", "b=1"}), text.history);
+    EXPECT_EQ((std::vector<std::string_view>{"a=1", "### VARIABLES ###", "b=1"}), text.history);
     EXPECT_EQ("a=1\n### VARIABLES ###\nb=1\n", text.History());
     EXPECT_FALSE(text.isFramed) << "its last line has no end";
     ASSERT_EQ(2U, text.records.size());
@@ -76,9 +77,10 @@ TEST(DefinitionRecords, AFileHasItsFirstHeaderThatOfTheHistoryAndEndsItsLastLine
 // The names of what is read, in the order of reading.
 std::string orderOf(const std::string& lines) {
     deleteAllUnits();
-    const std::vector<DefinitionRecord> records = DefinitionsText("\n" + lines).records;
+    const DefinitionsText text("\n" + lines);
     std::string order;
-    for (const size_t position : orderOfReading(records)) order += records[position].name + " ";
+    for (const size_t position : orderOfReading(text.records))
+        order.append(text.records[position].name) += " ";
     return order;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "DefinitionsMerge.h"
 
+#include "../engine/held_bytes.h"
 #include "../seed.h"
 #include "temporary_folder.h"
 
@@ -220,6 +221,7 @@ TEST(DefinitionsMerge, LeavesTheHistoryOfTheFileWhenToldTo) {
     const std::string theirs = file("f(x)=x\n", "ans=3\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n");
     EXPECT_EQ(merge.Merge(ours, theirs),
               file("f(x)=x\n", "ans=2\npi=3.14\nyours=2\n", "unit u=2 m\n", "1\ntheirs\n"));
+    EXPECT_EQ(merge.Merge(ours, START), file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", "1\n"));
     // There is no file yet.
     EXPECT_EQ(merge.Merge(ours, ""), file("f(x)=x\n", "ans=2\npi=3.14\n", "unit u=2 m\n", ""));
 }
@@ -349,6 +351,28 @@ TEST(DefinitionsMerge, AFileThatIsAsItWasReadOrWrittenHereIsSettled) {
     EXPECT_FALSE(merge.IsSettled(another)) << "the answer of another program never counts";
 }
 
+// A line that is known by its name takes ten times its length.
+TEST(DefinitionsMerge, WhatNobodyElseWritesIsKeptAsOneText) {
+    std::string variables = "ans=1\n";
+    for (int i = 0; i < 5000; i++)
+        variables += "variable" + std::to_string(i) + "=" + std::to_string(i) + "\n";
+    const std::string first = file("", variables, "", ""), second = file("f(x)=x\n", variables, "", "");
+    for (const std::string leftOut : {"", "rate=7\n"}) {
+        SCOPED_TRACE(leftOut);
+        const TemporaryFolder folder;
+        putContent(folder.File("file"), first);
+        const size_t before = heldBytes();
+        DefinitionsMerge merge;
+        merge.Know(first, file("", variables + leftOut, "", ""));
+        merge.LeaveOut(file("", "ans=1\n", "", ""), file("", variables + leftOut, "", ""));
+        EXPECT_LT(heldBytes() - before, 3 * first.size());
+        std::error_code reason;
+        EXPECT_TRUE(merge.Write(folder.File("file"), file("f(x)=x\n", variables + leftOut, "", ""), reason));
+        EXPECT_LT(heldBytes() - before, 3 * first.size());
+        EXPECT_EQ(contentOf(folder.File("file")), second);
+    }
+}
+
 TEST(DefinitionsMerge, WhatCouldNotBeTakenInStaysInTheFile) {
     DefinitionsMerge merge;
     merge.Know(START, START);
@@ -378,8 +402,9 @@ std::string textOfValues(const Values& values) {
 Values valuesIn(const std::string& lines) {
     Values values;
     for (const DefinitionRecord& record : DefinitionsText("\n" + lines).records) {
-        const size_t equals = record.line.find('=');
-        if (record.name != "ans") values[record.line.substr(0, equals)] = record.line.substr(equals + 1);
+        const std::string line(record.line);
+        const size_t equals = line.find('=');
+        if (record.name != "ans") values[line.substr(0, equals)] = line.substr(equals + 1);
     }
     return values;
 }
