@@ -3,6 +3,8 @@
 // The way of answers to their descriptor.
 #pragma once
 
+#include "System.h"
+
 #include <string>
 #include <string_view>
 
@@ -10,7 +12,8 @@ class AnswerStream {
 public:
     // Writes each text at once, or collects texts and writes blocks of them. The descriptor stays the
     // caller's.
-    AnswerStream(int to, bool inBlocks) : descriptor(to), isCollecting(inBlocks) {}
+    AnswerStream(int to, bool inBlocks, System& calls = System::Real())
+        : system(calls), descriptor(to), isCollecting(inBlocks) {}
 
     int Descriptor() const { return descriptor; }
 
@@ -22,6 +25,7 @@ public:
     bool Flush();
 
 private:
+    System& system;
     int descriptor;
     bool isCollecting;
     std::string collected;

@@ -21,10 +21,6 @@ constexpr int SHOWN_FIELD = 60;    // columns of a field in a message
 constexpr std::array<std::string_view, 7> GROUP_MARKS = {"'",      " ",      "\u2019", "\u00a0",
                                                          "\u202f", "\u2009", "\u2007"};
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool removeStart(std::string_view& text, std::string_view start) {
     if (!startsWith(text, start)) return false;
     text.remove_prefix(start.size());

@@ -21,8 +21,8 @@ struct FieldNumber {
 // a decimal comma), apostrophes or blanks, also those that do not break a line. "-5", the same with the minus
 // of typesetters, "5-" and "(5)" are negative. Currency signs, percent signs and whatever else stands beside
 // the digits make it no number, and so do groups that are not three digits long: "1,23" is either wrong or
-// has a decimal comma. A number of more than 104 digits, but for zeros at its ends, is none either: it would
-// be cut.
+// has a decimal comma. A number of more than 104 digits, not counting zeros at its ends, is none either: it
+// would be cut.
 FieldNumber readField(std::string_view field, bool hasDecimalComma);
 
 // The fields of a line: between runs of blanks and tabs, or with a separator between these. Then a field in

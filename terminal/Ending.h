@@ -9,7 +9,7 @@ enum ExitStatus {
     ALL_ANSWERED = 0,
     SOME_REFUSED = 1, // an entry failed, or its answer is beyond the range
     BAD_USAGE = 2,    // the options cannot be understood
-    FILE_LOST = 3     // a file or the input cannot be read, or a file or the output not be written
+    FILE_LOST = 3,    // a file, the input or the output cannot be read or written, or memory ran out
 };
 
 // Tells the person on standard error what is wrong.

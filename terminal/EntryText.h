@@ -15,9 +15,6 @@ constexpr size_t MAX_ENTRY_LENGTH = 9999;
 // What is kept of a longer line. The byte more tells an overlong line apart, or is the CR of its line end.
 constexpr size_t KEPT_LENGTH = MAX_ENTRY_LENGTH + 1;
 
-// What may stand between the words of a line.
-constexpr std::string_view BLANKS = " \t";
-
 enum class EntryFault { None, TooLong, NotText };
 
 // Says whether `entry` (without its line end) can be evaluated. NotText: it is no valid UTF-8, or it holds a
@@ -30,17 +27,11 @@ EntryFault checkEntry(std::string_view entry);
 // lines apart.
 bool isBlank(std::string_view line);
 
-// `text` without the blanks and tabs around it.
-std::string_view trimmed(std::string_view text);
-
 // The message for a fault, one line with its line feed; empty for None.
 std::string_view faultMessage(EntryFault fault);
 
 // `text` with a line feed at its end, which some of the engine's messages lack; an empty text stays empty.
 std::string asLine(std::string_view text);
-
-// `text` without its blanks, tabs and line ends.
-std::string withoutBlanks(std::string_view text);
 
 // The sign between a number's whole part and its decimals.
 char decimalMark(const EntrySettings& settings);

@@ -196,10 +196,9 @@ std::string nearestUnit(std::string_view name) {
     for (const auto& other : OTHER_NAMES) {
         if (name == other.name) return std::string(other.unit);
     }
-    const std::vector<std::string> units = units_names();
-    std::vector<std::string> prefixed;
-    for (const std::string& prefix : units_prefix_names()) {
-        for (const std::string& unit : units) prefixed.push_back(prefix + unit);
+    std::vector<std::string> units, prefixed;
+    for (const UnitSpelling& spelling : units_spellings("")) {
+        if (!spelling.IsPrefix()) (spelling.prefixLength == 0 ? units : prefixed).push_back(spelling.name);
     }
     std::string nearest = nearestName(name, prefixed);
     if (lowerCased(nearest) == lowerCased(std::string(name))) return nearest;

@@ -31,7 +31,7 @@ private:
     bool toldMinus = false;
 };
 
-// The one of `names` that `name` was probably meant to be: equal but for the case of letters, or with one
+// The one of `names` that `name` was probably meant to be: equal except for the case of letters, or with one
 // letter (two of more than four, and of four behind the right first one) wrong, missing, too many or
 // exchanged with its neighbor. Of equals one that `name` begins with, or the first. Empty for none.
 std::string nearestName(std::string_view name, const std::vector<std::string>& names);

@@ -15,7 +15,7 @@ int endSignal();
 void forgetInterrupt();
 
 // Catches Ctrl-C for its lifetime, beginning with the flag cleared: it sets the flag and lets a blocking read
-// fail with EINTR. Then all is as it was, but for the flag. A process that was started with Ctrl-C ignored,
+// fail with EINTR. Then all is as it was, except the flag. A process that was started with Ctrl-C ignored,
 // as in the background, goes on ignoring it.
 class InterruptCatcher {
 public:

@@ -9,7 +9,7 @@
 
 LineReader::Status LineReader::Fill() {
     if (start < end) return Status::Line;
-    const long count = readSome(descriptor, block, sizeof block);
+    const long count = readSome(descriptor, block, sizeof block, system);
     if (count < 0) return Status::Failed;
     start = 0;
     end = static_cast<size_t>(count);
@@ -22,7 +22,7 @@ bool LineReader::HasLine() const {
 
 bool LineReader::IsReady() const {
     pollfd input = {descriptor, POLLIN, 0};
-    return poll(&input, 1, 0) != 0;
+    return system.Poll(input, 0) != 0;
 }
 
 void LineReader::DropCarriageReturn(std::string& line, bool complete) {

@@ -3,6 +3,8 @@
 // Lines from a descriptor in bounded memory.
 #pragma once
 
+#include "System.h"
+
 #include <cstddef>
 #include <string>
 
@@ -16,7 +18,8 @@ public:
 
     // Reads from `from`, which stays the caller's. Of each line at most `length` bytes are kept.
     // cppcheck-suppress uninitMemberVar ; the block is touched as far as there is input
-    LineReader(int from, size_t length) : descriptor(from), keep(length) {}
+    LineReader(int from, size_t length, System& calls = System::Real())
+        : system(calls), descriptor(from), keep(length) {}
 
     // Puts the next line into `line`, without its LF or CR LF. Of a line longer than that its first
     // bytes are given and the rest is read and dropped, whatever its length. Bytes behind the last LF are a
@@ -36,6 +39,7 @@ private:
     // Drops the CR of a CR LF, unless it was the byte of an overlong line at which keeping stopped.
     static void DropCarriageReturn(std::string& line, bool complete);
 
+    System& system;
     int descriptor;
     size_t keep;
     size_t start = 0; // block[start, end) is unread

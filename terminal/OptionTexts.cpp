@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // A program of the build: writes a template with the options of the program tallyquill in place of its line
-// "@OPTIONS@".
+// "@OPTIONS@", and its version in place of "@VERSION@".
 //
 //   option_texts bash|zsh|fish|man TEMPLATE FILE
 //
@@ -143,6 +143,6 @@ int main(int argc, char** argv) {
     }
     text.replace(place, PLACE.size(), options);
     std::ofstream out(argv[3]);
-    out << text << std::flush;
+    out << replaced(text, "@VERSION@", TALLYQUILL_VERSION) << std::flush;
     return out ? 0 : 1;
 }

@@ -10,7 +10,6 @@
 #include "ShippedText.h"
 
 #include <sstream>
-#include <unistd.h>
 
 namespace {
 
@@ -41,12 +40,9 @@ private:
     qfloat ans = {};
 };
 
-bool isThere(const std::string& path) {
-    return access(path.c_str(), F_OK) == 0;
-}
-
-FileReading lost(const std::string& path) {
-    if (!isThere(path)) return {};
+FileReading lost(const std::string& path, System& system) {
+    struct stat info;
+    if (system.Status(path.c_str(), info) != 0) return {};
     return {true, path + ": cannot be read"};
 }
 
@@ -73,21 +69,21 @@ std::string takeEntries(ZqCalculator& calc, const std::string& name, const std::
 
 } // namespace
 
-FileReading takeOwnDefinitions(ZqCalculator& calc) {
+FileReading takeOwnDefinitions(ZqCalculator& calc, System& system) {
     const std::string path = definitionsPath(ownFolder());
     const EntryState state(calc);
-    const DefinitionsRead read = readDefinitions(calc, path);
+    const DefinitionsRead read = readDefinitions(calc, path, system);
     calc.history.Clear();
-    if (!read.opened) return lost(path);
+    if (!read.opened) return lost(path, system);
     if (read.unread > 0) return {false, path + ": some of it takes too long to read"};
     if (read.damaged) return {false, path + ": not all of it could be read"};
     return {};
 }
 
-FileReading takeOwnSettings(ZqCalculator& calc) {
+FileReading takeOwnSettings(ZqCalculator& calc, System& system) {
     const std::string path = settingsPath(ownFolder());
     std::string bytes;
-    if (!readWholeFile(path, bytes)) return lost(path);
+    if (!readWholeFile(path, bytes, system)) return lost(path, system);
     KeptSettings kept;
     if (!readSettings(bytes, kept)) return {true, path + ": cannot be read"};
     for (const Setting& setting : SETTINGS) {
@@ -97,10 +93,10 @@ FileReading takeOwnSettings(ZqCalculator& calc) {
     return {};
 }
 
-FileReading takeInitFile(ZqCalculator& calc) {
+FileReading takeInitFile(ZqCalculator& calc, System& system) {
     const std::string path = configFolder() + "/init";
     std::string text;
-    if (!readWholeFile(path, text)) return lost(path);
+    if (!readWholeFile(path, text, system)) return lost(path, system);
     return {false, takeEntries(calc, path, text)};
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// What a run takes from a person's files, and the definitions that ship. Nothing is written. But for
+// What a run takes from a person's files, and the definitions that ship. Nothing is written. Except in
 // takeOwnSettings, an entry's settings, `ans` and the history stay as they are, whatever the files hold, so
 // that what a script answers depends on definitions alone.
 #pragma once
+
+#include "System.h"
 
 #include <string>
 #include <string_view>
@@ -19,14 +21,14 @@ struct FileReading {
 
 // Takes the functions, variables and units of the definitions file (DefinitionsFile.h), which the window and
 // the prompt keep.
-FileReading takeOwnDefinitions(ZqCalculator& calc);
+FileReading takeOwnDefinitions(ZqCalculator& calc, System& system = System::Real());
 
 // Takes the settings of the entries to come from the settings file (SettingsFile.h).
-FileReading takeOwnSettings(ZqCalculator& calc);
+FileReading takeOwnSettings(ZqCalculator& calc, System& system = System::Real());
 
 // Carries out the lines of the file "init" in the folder for configuration (Folder.h), entries that define
 // what a person wants to have in every run. What they answer is not shown, and settings end with the file.
-FileReading takeInitFile(ZqCalculator& calc);
+FileReading takeInitFile(ZqCalculator& calc, System& system = System::Real());
 
 // Takes the definitions that ship under the name, a file of the folder definitions/. Nothing happens when it
 // is none of shippedNames. They are compiled in.

@@ -4,6 +4,7 @@
 #include "Colors.h"
 #include "Descriptor.h"
 #include "EntryText.h"
+#include "Helpers_String.h"
 #include "Hints.h"
 #include "Interrupt.h"
 #include "Keyboard.h"
@@ -18,7 +19,6 @@
 #include "ReadlineEditor.h"
 #endif
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <sstream>

@@ -8,7 +8,7 @@
 
 namespace {
 
-// What the prompt's own words and their arguments look like, but for units.
+// What the prompt's own words and their arguments look like, except units.
 std::vector<std::string> promptPhrases() {
     std::vector<std::string> phrases;
     for (const PromptWord& word : promptWords())

@@ -17,26 +17,33 @@ KeptSettings completed(const KeptSettings& read) {
     return all;
 }
 
+void addNews(std::string& news, const std::string& more) {
+    news += (news.empty() || more.empty() ? "" : "; ") + more;
+}
+
 } // namespace
 
-PromptFiles::PromptFiles(ZqCalculator& theCalculator)
-    : calc(theCalculator), settings(defaultSettings()), historyFile(historyPath()) {}
+PromptFiles::PromptFiles(ZqCalculator& theCalculator, System& calls)
+    : calc(theCalculator), keeper(calls), settings(defaultSettings()), historyFile(historyPath(), calls) {}
 
 std::string PromptFiles::Open() {
     isOpen = true;
     keeper.Open(ownFolder());
     keeper.LeaveHistory();
+    std::string news;
     KeptSettings read;
     if (readSettings(keeper.Settings(), read)) {
         settings = completed(read);
         for (const Setting& setting : SETTINGS) Apply(setting);
     } else {
-        keeper.KeepSettingsBeside();
+        news = keeper.KeepSettingsBeside();
     }
     written = settings;
-    std::string news = keeper.ReadDefinitions(calc);
+    addNews(news, keeper.ReadDefinitions(calc));
     calc.history.Clear(); // the window's
-    history = historyFile.Read();
+    std::error_code unread;
+    history = historyFile.Read(&unread);
+    if (unread) addNews(news, "history could not be read (" + unread.message() + ")");
     historyFile.Shorten();
     return news;
 }
@@ -57,6 +64,9 @@ PromptFiles::Numbers PromptFiles::SettingsOfEntries() const {
 bool PromptFiles::AddToHistory(const std::string& entry) {
     const bool isLeftOut = entry.empty() || entry[0] == ' ' || entry[0] == '\t' || entry == "exit";
     if (isLeftOut || (!history.empty() && history.back() == entry)) return false;
+    // As many as the next start will find, or more: rarely enough that it takes no time.
+    constexpr auto LINES = static_cast<long>(HistoryFile::LINES);
+    if (history.size() >= 2 * HistoryFile::LINES) history.erase(history.begin(), history.begin() + LINES);
     history.push_back(entry);
     std::error_code reason;
     if (!isOpen) return true;
@@ -103,12 +113,17 @@ void PromptFiles::Save() {
 }
 
 // Of each setting the value that was changed here, or else what another program has written meanwhile.
-// Nothing when none was changed here.
+// Nothing when none was changed here, or when it is not known what others have written.
 std::string PromptFiles::SettingsToWrite() {
-    const std::string present = keeper.Settings();
+    std::error_code unread;
+    const std::string present = keeper.Settings(&unread);
+    if (unread) {
+        keeper.NoteUnsavedSettings(unread);
+        return "";
+    }
     KeptSettings theirs;
     theirs = readSettings(present, theirs) ? completed(theirs) : written;
-    bool isChanged = false;
+    bool isChanged = keeper.AreSettingsUnsaved();
     const auto takeOver = [&isChanged](auto& ours, const auto& before, const auto& others) {
         if (ours != before)
             isChanged = true;
@@ -139,10 +154,10 @@ std::string PromptFiles::TakeNews() {
 std::string PromptFiles::Close() {
     if (!isOpen) return "";
     isOpen = false;
-    if (isDue) Save();
-    const std::string failures = keeper.TakeFailures();
+    if (isDue || keeper.IsAnyUnsaved()) Save();
+    std::string failures = keeper.TakeFailures();
     keeper.Close();
     historyFile.Shorten();
-    const char* const between = failures.empty() || historyFailure.empty() ? "" : "; ";
-    return failures + between + historyFailure;
+    addNews(failures, historyFailure);
+    return failures;
 }

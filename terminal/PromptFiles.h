@@ -14,7 +14,7 @@
 
 class PromptFiles {
 public:
-    explicit PromptFiles(ZqCalculator& theCalculator);
+    explicit PromptFiles(ZqCalculator& theCalculator, System& calls = System::Real());
 
     // Reads the files into the calculator. Without it nothing is read and nothing is written. Returns what is
     // to be said to the person, or nothing.
@@ -30,7 +30,7 @@ public:
     int ValueOf(const char* key) const { return settings.numbers.at(key); }
     void NoteChange();
 
-    // The entries, the oldest first.
+    // The entries, the oldest first: at least the newest 10,000, no more than twice as many.
     const std::vector<std::string>& History() const { return history; }
 
     // Keeps an entry, unless it begins with a blank, is empty or "exit", or repeats the last one. Returns

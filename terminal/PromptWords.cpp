@@ -4,17 +4,13 @@
 #include "Builtins.h"
 #include "EntryText.h"
 #include "Format.h"
-#include "Functions.h"
 #include "Guide.h"
 #include "Helpers_String.h"
-#include "Hints.h"
 #include "NameRows.h"
 #include "ScreenText.h"
 #include "units.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -257,8 +253,7 @@ const std::vector<PromptWord>& promptWords() {
 PromptReply runPromptWord(const PromptState& state, std::string_view line) {
     const size_t end = std::min(line.find_first_of(" \t"), line.size());
     const std::string typed = lowerCased(std::string(line.substr(0, end)));
-    const size_t start = std::min(line.find_first_not_of(" \t", end), line.size());
-    const std::string argument(line.substr(start, line.find_last_not_of(" \t") + 1 - start));
+    const std::string argument(trimmed(line.substr(end)));
     const PromptWord* found = nullptr;
     for (const PromptWord& word : promptWords()) {
         if (std::string_view(word.word).substr(0, typed.size()) != typed || typed.size() < 2) continue;

@@ -24,16 +24,16 @@ constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
 void Run::TakeShared() {
     ZqCalculator& calc = session.Calculator();
     for (const std::string_view name : options.with) takeShipped(calc, name);
-    if (!options.noFiles) Tell(takeInitFile(calc));
+    if (!options.noFiles) Tell(takeInitFile(calc, system));
 }
 
 void Run::TakeOwnDefinitions() {
-    if (!options.noFiles) Tell(takeOwnDefinitions(session.Calculator()));
+    if (!options.noFiles) Tell(takeOwnDefinitions(session.Calculator(), system));
 }
 
 void Run::TakeSettings() {
     ZqCalculator& calc = session.Calculator();
-    if (options.user && !options.noFiles) Tell(takeOwnSettings(calc));
+    if (options.user && !options.noFiles) Tell(takeOwnSettings(calc, system));
     for (const auto& [setting, value] : options.settings) setting->Apply(value, calc);
 }
 
@@ -61,7 +61,7 @@ int Run::Evaluate() {
 
 int Run::End() {
     LetGo();
-    if (!session.End() || close(answers) != 0) return outputLost(errno);
+    if (!session.End() || system.Close(answers) != 0) return outputLost(errno);
     if (isFileLost) return FILE_LOST;
     return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
 }
@@ -103,7 +103,7 @@ Run::Over Run::Answer(Session::Outcome outcome) {
 }
 
 Run::Over Run::EvaluateEach(Each& each) {
-    const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1);
+    const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1, system);
     std::string line;
     for (size_t number = 1;; ++number) {
         if (!MayRead(*reader)) return outputLost(errno);
@@ -126,17 +126,17 @@ Run::Over Run::EvaluateEach(Each& each) {
 Run::Over Run::EvaluateFile(const std::string& name) {
     if (name == STANDARD_INPUT) return EvaluateLines(STDIN_FILENO, "standard input");
     LetGo(); // it may have to wait
-    const int file = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = system.Open(name.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) return InputLost(name);
     const Over over = EvaluateLines(file, name);
-    close(file);
+    system.Close(file);
     return over;
 }
 
 // A first line such as "#!/usr/bin/env -S tallyquill -f" is no entry. Each error is told with the file's name
 // and the line's number, but those of standard input.
 Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
-    const auto reader = std::make_unique<LineReader>(descriptor, KEPT_LENGTH);
+    const auto reader = std::make_unique<LineReader>(descriptor, KEPT_LENGTH, system);
     const bool isFile = descriptor != STDIN_FILENO;
     std::string line;
     for (size_t number = 1;; ++number) {

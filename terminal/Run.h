@@ -18,7 +18,8 @@
 class Run {
 public:
     // Answers go to the descriptor `out`, which End closes.
-    Run(Session& with, int out, const Options& how) : session(with), answers(out), options(how) {}
+    Run(Session& with, int out, const Options& how, System& calls = System::Real())
+        : session(with), answers(out), options(how), system(calls) {}
 
     // Each of the three counts over the one before. First the definitions that ship and are asked for and
     // those of the person's init file, so that what the person keeps may use them and change them. Files that
@@ -57,6 +58,7 @@ private:
     Session& session;
     int answers;
     const Options& options;
+    System& system;
     bool isFileLost = false;                 // one of the person's
     std::optional<InterruptCatcher> catcher; // while entries run
 };

@@ -34,7 +34,8 @@ Session::Outcome orInterrupted(Session::Outcome outcome) {
 
 } // namespace
 
-Session::Session(int out, int err, Style how) : answers(out, how.inBlocks), errors(err), style(how) {
+Session::Session(int out, int err, Style how, System& calls)
+    : system(calls), answers(out, how.inBlocks, calls), errors(err), style(how) {
     calc.InitializeFunctionsAndVars();
     static_cast<EntrySettings&>(calc) = standardSettings();
     calc.history.SetMaxEntries(findSetting("histsz")->standard);
@@ -166,7 +167,7 @@ Session::Outcome Session::Refuse(std::string_view message) {
     }
     const std::string text = shownText(place + asLine(message));
     const std::string inColor = colorsErrors ? colored(Shade::Error, text) : text;
-    writeAll(errors, errorForm ? errorForm(inColor) : inColor);
+    writeAll(errors, errorForm ? errorForm(inColor) : inColor, system);
     return Outcome::Refused;
 }
 

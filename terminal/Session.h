@@ -33,7 +33,7 @@ public:
     };
 
     // Answers are written to the descriptor `out`, errors to `err`. Both stay the caller's.
-    Session(int out, int err, Style how);
+    Session(int out, int err, Style how, System& calls = System::Real());
     Session(int out, int err) : Session(out, err, Style()) {}
 
     // Where the next entry comes from: the line of the input or the number of the argument, and what is
@@ -104,6 +104,7 @@ private:
     Outcome Answer(std::string_view text);
     std::string ValueText(std::string_view answer) const;
 
+    System& system;
     AnswerStream answers;
     int errors;
     Style style;

@@ -6,7 +6,6 @@
 #include <atomic>
 #include <cerrno>
 #include <poll.h>
-#include <sys/select.h>
 #include <unistd.h>
 
 namespace {
@@ -37,13 +36,13 @@ void TerminalModes::WriteMarks(bool isOn) const {
     constexpr std::string_view ON = "\x1b[?2004h";
     constexpr std::string_view OFF = "\x1b[?2004l";
     const std::string_view text = isOn ? ON : OFF;
-    if (marksPastes && write(screen, text.data(), text.size()) < 0) return; // nothing can be done
+    if (marksPastes && system.Write(screen, text.data(), text.size()) < 0) return; // nothing can be done
 }
 
 // What is behind the raising happens only when the signal does not end the program.
 void TerminalModes::PassOn(int signal) {
     WriteMarks(false);
-    tcsetattr(input, TCSANOW, &modes);
+    system.SetModes(input, TCSANOW, modes);
     for (const SignalCatcher& catcher : catchers) {
         if (catcher.IsCatching(signal)) catcher.PassOn();
     }
@@ -76,14 +75,15 @@ void TerminalModes::TakeAgain(int) {
     TerminalModes* const terminal = watching;
     waitForForeground(terminal->input);
     termios found = {};
-    if (tcgetattr(terminal->input, &found) == 0 && (found.c_lflag & ICANON) != 0) terminal->UseModes(found);
+    if (terminal->system.Modes(terminal->input, found) == 0 && (found.c_lflag & ICANON) != 0)
+        terminal->UseModes(found);
     terminal->Take();
     terminal->isBack = 1;
     errno = saved;
 }
 
 void TerminalModes::Take() {
-    tcsetattr(input, TCSANOW, &byteModes);
+    system.SetModes(input, TCSANOW, byteModes);
     WriteMarks(true);
 }
 
@@ -99,11 +99,12 @@ void TerminalModes::UseModes(const termios& found) {
     byteModes.c_cc[VLNEXT] = _POSIX_VDISABLE; // the editor has a key for it
 }
 
-TerminalModes::TerminalModes(int from, int to, Use purpose) : input(from), screen(to), use(purpose) {
+TerminalModes::TerminalModes(int from, int to, Use purpose, System& calls)
+    : system(calls), input(from), screen(to), use(purpose) {
     if (isatty(input) == 0) return;
     waitForForeground(input);
     termios found = {};
-    if (tcgetattr(input, &found) != 0) return;
+    if (system.Modes(input, found) != 0) return;
     isTerminal = true;
     UseModes(found);
     watching = this;
@@ -119,7 +120,7 @@ TerminalModes::~TerminalModes() {
     for (SignalCatcher& catcher : catchers) catcher.Stop();
     watching = nullptr;
     WriteMarks(false);
-    tcsetattr(input, TCSADRAIN, &modes);
+    system.SetModes(input, TCSADRAIN, modes);
 }
 
 bool TerminalModes::IsKey(char byte, int key) const {
@@ -136,9 +137,6 @@ TerminalModes::Event TerminalModes::Wait(long milliseconds) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGTSTP, SIGCONT, SIGWINCH})
         sigaddset(&signals, signal);
     pthread_sigmask(SIG_BLOCK, &signals, &found);
-    fd_set inputs;
-    FD_ZERO(&inputs);
-    FD_SET(input, &inputs);
     const timespec time = {milliseconds / 1000, milliseconds % 1000 * 1000000};
     int ready = 0;
     const auto happened = [this] {
@@ -149,7 +147,7 @@ TerminalModes::Event TerminalModes::Wait(long milliseconds) {
         return isResized != 0 ? Event::Resized : Event::Rest;
     };
     if (happened() == Event::Rest)
-        ready = pselect(input + 1, &inputs, nullptr, nullptr, milliseconds < 0 ? nullptr : &time, &found);
+        ready = system.WaitForInput(input, milliseconds < 0 ? nullptr : &time, found);
     const int error = errno;
     pthread_sigmask(SIG_SETMASK, &found, nullptr);
     errno = error;
@@ -168,13 +166,13 @@ long TerminalModes::Read(char* to, size_t size) const {
         errno = EAGAIN;
         return -1;
     }
-    ssize_t count = read(input, to, size);
+    ssize_t count = system.Read(input, to, size);
     if (count == 0 && isTerminal &&
         use != Use::Lines) { // at the end there is always something to read, which is nothing
         pollfd waiting = {input, POLLIN, 0};
-        const bool isEnd = poll(&waiting, 1, 0) != 0;
+        const bool isEnd = system.Poll(waiting, 0) != 0;
         errno = EAGAIN;
-        count = isEnd ? read(input, to, size) : -1;
+        count = isEnd ? system.Read(input, to, size) : -1;
     }
     if (count < 0 && errno == EIO) return 0;
     if (count < 0 && (errno == EINTR || errno == EWOULDBLOCK)) errno = EAGAIN;

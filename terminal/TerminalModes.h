@@ -3,11 +3,12 @@
 // A terminal that hands over single bytes, and what can happen while one waits for them.
 //
 // A terminal's own line mode drops what a line has beyond 4,095 bytes without a word, which would turn a long
-// pasted sum into a wrong one. So it is not used, from the first prompt to the last - but for a program
+// pasted sum into a wrong one. So it is not used, from the first prompt to the last, except within a program
 // around this one that edits lines only for programs that use it.
 #pragma once
 
 #include "Signals.h"
+#include "System.h"
 
 #include <array>
 #include <csignal>
@@ -39,7 +40,7 @@ public:
     // are written to `to` (-1: nowhere). The modes are given back at the end, also when a signal ends or
     // stops the program. In the background this waits until the program comes to the foreground. One object
     // at a time.
-    TerminalModes(int from, int to, Use purpose);
+    TerminalModes(int from, int to, Use purpose, System& calls = System::Real());
     ~TerminalModes();
     TerminalModes(const TerminalModes&) = delete;
     TerminalModes& operator=(const TerminalModes&) = delete;
@@ -83,6 +84,7 @@ private:
     static void HoldOrStop(int signal);
     static void TakeAgain(int signal);
 
+    System& system;
     int input;
     int screen;
     Use use;

@@ -15,6 +15,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <new>
 #include <string>
 #include <string_view>
 #include <unistd.h>
@@ -64,20 +65,7 @@ int evaluateTyped(Session& session, int answers, Run& run, const Options& option
     return unsaved.empty() ? status : FILE_LOST;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    // Writing to a pipe that nobody reads is reported like any other failed write. Caught and not ignored:
-    // programs that this one starts get the signal as it was.
-    static SignalCatcher brokenPipes;
-    brokenPipes.Start(SIGPIPE, [](int) {});
-    const Options options = parseOptions(argc, argv);
-    switch (options.action) {
-    case Options::Action::ShowHelp: return showText(helpText());
-    case Options::Action::ShowVersion: return showText(VERSION);
-    case Options::Action::RefuseUsage: return refuseUsage(options.refusal);
-    case Options::Action::Evaluate: break;
-    }
+int evaluate(const Options& options) {
     const int answers = setAnswersAside(options.trace);
     if (answers < 0) return outputLost(errno);
     const bool isScript = !options.inputs.empty() || !options.each.empty() || options.json;
@@ -91,9 +79,39 @@ int main(int argc, char** argv) {
     if (!options.plain)
         session.SetColors(wantsColors(options.color, answers), wantsColors(options.color, STDERR_FILENO));
     Run run(session, answers, options);
-    if (isTyped) return evaluateTyped(session, answers, run, options);
-    run.TakeShared();
-    run.TakeOwnDefinitions();
-    run.TakeSettings();
-    return run.Evaluate();
+    try {
+        if (isTyped) return evaluateTyped(session, answers, run, options);
+        run.TakeShared();
+        run.TakeOwnDefinitions();
+        run.TakeSettings();
+        return run.Evaluate();
+    } catch (const std::bad_alloc&) {
+        session.Flush(); // what was answered
+        throw;
+    }
+}
+
+// What the entry has left of the calculator is not known: nothing is written behind it.
+int memoryLost() {
+    writeAll(STDERR_FILENO, "tallyquill: out of memory\n");
+    return FILE_LOST;
+}
+
+} // namespace
+
+int main(int argc, char** argv) try {
+    // Writing to a pipe that nobody reads is reported like any other failed write. Caught and not ignored:
+    // programs that this one starts get the signal as it was.
+    static SignalCatcher brokenPipes;
+    brokenPipes.Start(SIGPIPE, [](int) {});
+    const Options options = parseOptions(argc, argv);
+    switch (options.action) {
+    case Options::Action::ShowHelp: return showText(helpText());
+    case Options::Action::ShowVersion: return showText(VERSION);
+    case Options::Action::RefuseUsage: return refuseUsage(options.refusal);
+    case Options::Action::Evaluate: break;
+    }
+    return evaluate(options);
+} catch (const std::bad_alloc&) {
+    return memoryLost();
 }

@@ -70,9 +70,9 @@ void become(const char* path, std::vector<std::string> arguments, int ignoredSig
     _exit(127);
 }
 
-void becomeProgram(std::vector<std::string> arguments, int ignoredSignal) {
+void becomeProgram(const std::string& program, std::vector<std::string> arguments, int ignoredSignal) {
     arguments.insert(arguments.begin(), "tallyquill");
-    become(TALLYQUILL_PROGRAM, std::move(arguments), ignoredSignal);
+    become(program.c_str(), std::move(arguments), ignoredSignal);
 }
 
 int openForWriting(const std::string& path) {
@@ -169,7 +169,7 @@ Result runProgram(const Invocation& invocation) {
     if (child == 0) {
         arrangeDescriptors(invocation, in, out, err);
         cleanEnvironment(invocation.environment);
-        becomeProgram(invocation.arguments, invocation.ignoredSignal);
+        becomeProgram(invocation.program, invocation.arguments, invocation.ignoredSignal);
     }
     Pipe::Shut(in.readEnd);
     Pipe::Shut(out.writeEnd);
@@ -231,7 +231,7 @@ Terminal::Terminal(const std::vector<std::string>& arguments, const TerminalSetu
         cleanEnvironment(environment);
         if (!setup.shellScript.empty())
             become("/bin/sh", {"sh", "-mc", setup.shellScript, TALLYQUILL_PROGRAM}, setup.ignoredSignal);
-        becomeProgram(arguments, setup.ignoredSignal);
+        becomeProgram(TALLYQUILL_PROGRAM, arguments, setup.ignoredSignal);
     }
     close(slave);
 }

@@ -10,6 +10,7 @@
 
 // How one run through pipes is set up.
 struct Invocation {
+    std::string program = TALLYQUILL_PROGRAM;
     std::vector<std::string> arguments;
     std::string input;          // fed to standard input ...
     size_t inputTimes = 1;      // ... this many times
@@ -23,7 +24,7 @@ struct Invocation {
     std::vector<std::string> environment; // "NAME=value"; see cleanEnvironment
 };
 
-// The environment of the program is this one's, but for what tells where a person's files are: there are
+// The environment of the program is this one's, except what tells where a person's files are: there are
 // none unless `changes`, each a "NAME=value", says where. Call it in the child.
 void cleanEnvironment(const std::vector<std::string>& changes);
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "PromptCompletion.h"
 
+#include "../engine/clean_start.h"
 #include "Builtins.h"
 #include "Calculator.h"
-#include "units.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -15,13 +15,14 @@ using Names = std::vector<std::string>;
 class CompletionTest : public testing::Test {
 protected:
     CompletionTest() {
+        deleteAllFunctions();
         calc.InitializeFunctionsAndVars();
         for (const char* const entry : {"price=3", "hypot(a,b)=sqrt(a^2+b^2)", "unit smoot=67 inch"})
             calc.ProcessEntry(entry, false);
     }
     ~CompletionTest() override {
-        while (const Function* function = funcs.Get(0)) funcs.DeleteFunction(function);
-        unitFreeMemory();
+        deleteAllFunctions();
+        deleteAllUnits();
     }
 
     // What fits at the bar.

@@ -102,7 +102,7 @@ struct UnitCase {
     const char* gnuName;
 };
 
-constexpr UnitCase UNITS[] = {
+constexpr UnitCase UNIT_CASES[] = {
     {"mph", "meter/second", "mph"},
     {"kmh", "meter/second", "km/hour"},
     {"knot", "meter/second", "knot"},
@@ -167,14 +167,15 @@ constexpr UnitCase UNITS[] = {
 TEST(EverydayUnits, AreThoseOfGnuUnits) {
     NameSet tested;
     std::vector<std::string> entries;
-    for (const UnitCase& one : UNITS) {
+    for (const UnitCase& one : UNIT_CASES) {
         tested.insert(one.name);
         entries.push_back(std::string("1 ") + one.name + "->" + one.inSi);
     }
     EXPECT_EQ(tested, namesIn("everyday"));
     const std::vector<double> answers = answersWith("everyday", entries);
     for (size_t i = 0; i < answers.size(); ++i)
-        expectNear(answers[i], gnuFactor(UNITS[i].gnuName, UNITS[i].inSi), 4e-16, UNITS[i].name);
+        expectNear(answers[i], gnuFactor(UNIT_CASES[i].gnuName, UNIT_CASES[i].inSi), 4e-16,
+                   UNIT_CASES[i].name);
 }
 
 TEST(EverydayUnits, TakePrefixesAndPlurals) {

@@ -50,10 +50,10 @@ protected:
     int ends[2] = {-1, -1};
 };
 
-volatile std::sig_atomic_t signals = 0;
+volatile std::sig_atomic_t signalsCaught = 0;
 
 void countSignal(int) {
-    signals = signals + 1;
+    signalsCaught = signalsCaught + 1;
 }
 
 std::string manyDigits() {
@@ -95,7 +95,7 @@ TEST_F(DescriptorTest, AnInterruptedReadGoesOn) {
     sigaction(SIGUSR1, &action, nullptr);
     const pthread_t reader = pthread_self();
     std::thread writer([&] {
-        while (signals < 5) {
+        while (signalsCaught < 5) {
             pthread_kill(reader, SIGUSR1);
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }

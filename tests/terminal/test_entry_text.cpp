@@ -82,9 +82,4 @@ TEST(EntryText, EveryFaultHasItsMessage) {
     EXPECT_EQ(faultMessage(EntryFault::NotText), "** Invalid character/encoding used. **\n");
 }
 
-TEST(WithoutBlanks, LeavesOutBlanksTabsAndLineEnds) {
-    EXPECT_EQ(withoutBlanks(" 1 +\t2 \r\n"), "1+2");
-    EXPECT_EQ(withoutBlanks(""), "");
-}
-
 } // namespace

@@ -72,7 +72,7 @@ class Console:
             "HOME": home.path, "PATH": os.environ["PATH"], "TERM": "xterm", "LC_ALL": "C.UTF-8",
             "INPUTRC": home.path + "/.inputrc", "TALLYQUILL": PROGRAM,
         }
-        for name in ("LSAN_OPTIONS", "ASAN_OPTIONS", "UBSAN_OPTIONS"):
+        for name in ("LSAN_OPTIONS", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LLVM_PROFILE_FILE"):
             if name in os.environ:
                 variables[name] = os.environ[name]
         variables.update(environment)

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+//
+// Every call of the system fails once while entries are read, answered and kept: what could not be read or
+// written is told, and a run that succeeds has answered everything.
+#include "DefinitionsFile.h"
+#include "Descriptor.h"
+#include "Ending.h"
+#include "Options.h"
+#include "PromptFiles.h"
+#include "Run.h"
+#include "Session.h"
+#include "TerminalModes.h"
+#include "failing_system.h"
+#include "temporary_folder.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+// A descriptor that is another one as long as this lives.
+class Redirection {
+public:
+    Redirection(int descriptor, const std::string& path, int flags)
+        : number(descriptor), before(fcntl(descriptor, F_DUPFD_CLOEXEC, 10)) {
+        const int file = open(path.c_str(), flags | O_CLOEXEC, 0600);
+        EXPECT_EQ(number, dup2(file, number));
+        close(file);
+    }
+    ~Redirection() {
+        EXPECT_EQ(number, dup2(before, number));
+        close(before);
+    }
+    Redirection(const Redirection&) = delete;
+    Redirection& operator=(const Redirection&) = delete;
+
+private:
+    int number;
+    int before;
+};
+
+class FailingCallsOfARun : public testing::Test {
+protected:
+    FailingCallsOfARun() {
+        for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"})
+            setenv(name, folder.Path().c_str(), 1);
+        std::filesystem::create_directory(folder.File("Tallyquill"));
+        std::filesystem::create_directory(folder.File("tallyquill"));
+    }
+    ~FailingCallsOfARun() override {
+        for (const char* const name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"}) unsetenv(name);
+    }
+
+    // One run of the program. Returns its exit status; answers and errors are in the files.
+    int RunWith(std::vector<std::string> arguments, System& system) const {
+        arguments.insert(arguments.begin(), "tallyquill");
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) argv.push_back(argument.data());
+        const Options options = parseOptions(static_cast<int>(argv.size()), argv.data());
+        const Redirection in(STDIN_FILENO, folder.File("in"), O_RDONLY);
+        const Redirection out(STDOUT_FILENO, folder.File("out"), O_WRONLY | O_CREAT | O_TRUNC);
+        const Redirection err(STDERR_FILENO, folder.File("err"), O_WRONLY | O_CREAT | O_TRUNC);
+        const int answers = setAnswersAside(false, system);
+        if (answers < 0) return outputLost(errno);
+        Session session(answers, STDERR_FILENO, {options.quiet, false, false, false, false, true}, system);
+        ::Run run(session, answers, options, system);
+        run.TakeShared();
+        run.TakeOwnDefinitions();
+        run.TakeSettings();
+        return run.Evaluate();
+    }
+
+    // The run answers everything, or says what it could not do and has the status for that.
+    void ExpectAllOrTold(const std::vector<std::string>& arguments, const std::string& answers) {
+        const size_t count = failEveryCall([&](FailingSystem& system) {
+            const int status = RunWith(arguments, system);
+            const std::string out = contentOf(folder.File("out"));
+            const std::string err = contentOf(folder.File("err"));
+            const std::string what = system.WhatFailed() + ": " + out + err;
+            if (status == ALL_ANSWERED) {
+                EXPECT_EQ(answers, out) << what;
+                EXPECT_EQ("", err) << what;
+            } else {
+                EXPECT_NE("", err) << what;
+                EXPECT_EQ(FILE_LOST, status) << what;
+            }
+        });
+        EXPECT_GT(count, 20U);
+        FailingSystem whole;
+        EXPECT_EQ(ALL_ANSWERED, RunWith(arguments, whole));
+        EXPECT_EQ(answers, contentOf(folder.File("out")));
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(FailingCallsOfARun, OfAScriptAndAPersonsFilesAreTold) {
+    putContent(folder.File("in"), "");
+    putContent(folder.File("script"), "#!/usr/bin/tallyquill -f\ndouble(4)\nx=3\nx*tax\n");
+    putContent(folder.File("tallyquill/init"), "tax=2\n");
+    putContent(
+        folder.File("Tallyquill/pelmo_functions.txt"),
+        "### FUNCTIONS ###\ndouble(x)=2*x\n### VARIABLES ###\nans=1\n### CUSTOM UNITS ###\n### HISTORY "
+        "###\n");
+    ExpectAllOrTold({"-f", folder.File("script"), "1+1"}, "ans = 8\nx = 3\nans = 6\nans = 2\n");
+}
+
+TEST_F(FailingCallsOfARun, OfStandardInputAreTold) {
+    putContent(folder.File("in"), "1+1\n2+2\n");
+    ExpectAllOrTold({}, "ans = 2\nans = 4\n");
+}
+
+TEST_F(FailingCallsOfARun, OfLinesOfDataAreTold) {
+    putContent(folder.File("in"), "1 2\n3 4\n");
+    ExpectAllOrTold({"--each", "x1*x2"}, "ans = 2\nans = 12\n");
+}
+
+// --- The prompt's files ---
+
+class FailingCallsOfThePrompt : public FailingCallsOfARun {
+protected:
+    const std::string definitions = folder.File("Tallyquill/pelmo_functions.txt");
+    const std::string settings = folder.File("Tallyquill/pelmo_settings.plist");
+    const std::string history = folder.File("tallyquill/history");
+
+    // A prompt at which a person changes a setting, defines a variable and leaves. Returns all that was said.
+    static std::string Use(System& system, int figures, const std::string& entry) {
+        Session session(-1, -1);
+        PromptFiles files(session.Calculator(), system);
+        std::string news = files.Open();
+        files.Settings().numbers["sigfigs"] = figures;
+        files.NoteChange();
+        files.AddToHistory(entry);
+        files.EntryWillRun(false);
+        session.Run(entry);
+        files.EntryDidRun();
+        return news + files.TakeNews() + files.Close();
+    }
+
+    bool Holds(const std::string& path, const std::string& text) const {
+        return contentOf(path).find(text) != std::string::npos;
+    }
+};
+
+TEST_F(FailingCallsOfThePrompt, AreToldAndNothingIsLost) {
+    const std::string key = "<key>sigfigs</key>\n\t<integer>";
+    const size_t count = failEveryCall([&](FailingSystem& system) {
+        for (const std::string& file : {definitions, settings, history}) std::filesystem::remove(file);
+        for (const std::string& file : {definitions, settings})
+            for (const auto* const end : {".unreadable", ".unreadable.1"})
+                std::filesystem::remove(file + end);
+        FailingSystem whole;
+        EXPECT_EQ("", Use(whole, 11, "first=1"));
+        const std::string news = Use(system, 12, "second=2");
+        const std::string what = system.WhatFailed() + ": " + news;
+        EXPECT_TRUE(Holds(definitions, "\nfirst=1\n")) << what;
+        EXPECT_TRUE(Holds(definitions, "\nsecond=2\n") || !news.empty()) << what;
+        EXPECT_TRUE(Holds(settings, key + "12<") || (Holds(settings, key + "11<") && !news.empty()))
+            << what << contentOf(settings);
+        EXPECT_TRUE(Holds(history, "first=1\n")) << what;
+        EXPECT_TRUE(Holds(history, "second=2\n") || !news.empty()) << what;
+        EXPECT_EQ("", Use(whole, 13, "third=3")) << what;
+        EXPECT_TRUE(Holds(definitions, "\nfirst=1\n") && Holds(definitions, "\nthird=3\n")) << what;
+        EXPECT_TRUE(Holds(settings, key + "13<")) << what;
+        EXPECT_TRUE(Holds(history, "third=3\n")) << what;
+    });
+    EXPECT_GT(count, 200U);
+}
+
+// A disk that is full for one write.
+TEST_F(FailingCallsOfThePrompt, ASettingThatCouldNotBeWrittenIsWrittenWithTheNextOne) {
+    class FullOnce : public FailingSystem {
+    public:
+        std::atomic<bool> isFull{true};
+        Time now{};
+        Time Now() override { return now; }
+        int MakeTemporary(char* name) override {
+            if (std::string(name).find("settings") == std::string::npos || !isFull.exchange(false))
+                return System::MakeTemporary(name);
+            errno = ENOSPC;
+            return -1;
+        }
+    } disk;
+    Session session(-1, -1);
+    PromptFiles files(session.Calculator(), disk);
+    EXPECT_EQ("", files.Open());
+    files.Settings().numbers["sigfigs"] = 12;
+    files.NoteChange();
+    disk.now += std::chrono::seconds(2);
+    EXPECT_EQ(-1, files.DoDue());
+    EXPECT_EQ("", files.Close());
+    EXPECT_FALSE(disk.isFull);
+    EXPECT_TRUE(Holds(settings, "<key>sigfigs</key>\n\t<integer>12<"));
+}
+
+TEST_F(FailingCallsOfThePrompt, TheHistoryOfALongSessionKeepsItsNewestEntries) {
+    Session session(-1, -1);
+    PromptFiles files(session.Calculator()); // not open: none is written
+    for (size_t i = 1; i <= 5 * HistoryFile::LINES; ++i) files.AddToHistory(std::to_string(i));
+    EXPECT_GE(files.History().size(), HistoryFile::LINES);
+    EXPECT_LE(files.History().size(), 2 * HistoryFile::LINES);
+    EXPECT_EQ("50000", files.History().back());
+}
+
+// --- The terminal ---
+
+TEST_F(FailingCallsOfARun, OfTheTerminalEndItsInputOrAreTriedAgain) {
+    const size_t count = failEveryCall([](FailingSystem& system) {
+        int ends[2];
+        ASSERT_EQ(0, pipe(ends));
+        ASSERT_EQ(1, write(ends[1], "k", 1));
+        {
+            TerminalModes terminal(ends[0], -1, TerminalModes::Use::Plain, system);
+            char key = '\0';
+            for (int i = 0; i < 3 && key == '\0'; ++i) {
+                const TerminalModes::Event event = terminal.Wait(1000);
+                if (event == TerminalModes::Event::Failed) break;
+                if (event == TerminalModes::Event::Input && terminal.Read(&key, 1) < 0 && errno != EAGAIN)
+                    break;
+            }
+            const bool isTold = system.WhatFailed() != "" && errno != 0;
+            EXPECT_TRUE(key == 'k' || isTold) << system.WhatFailed();
+        }
+        close(ends[0]);
+        close(ends[1]);
+    });
+    EXPECT_GT(count, 5U);
+}
+
+} // namespace
