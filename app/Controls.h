@@ -16,6 +16,11 @@ id makePanel(Class kind, NSString* title, NSSize size, NSUInteger style);
 // Places a panel that is not shown yet beside the window, where the screen has more room.
 void placeBeside(NSWindow* panel, NSWindow* window);
 
+// Shows a panel to which the keys go then. It is drawn whole at once: a system's own panel would be black,
+// except what changes in it, until the window manager has answered, which takes seconds on a machine that is
+// busy.
+void showWhole(NSWindow* panel);
+
 // Makes a field a line of text that cannot be changed.
 void makeLabel(NSTextField* field);
 NSTextField* labelIn(NSView* view, NSString* text, NSRect frame);

@@ -40,6 +40,11 @@ void placeBeside(NSWindow* panel, NSWindow* window) {
     [panel setFrameTopLeftPoint:NSMakePoint(x, NSMaxY(beside))];
 }
 
+void showWhole(NSWindow* panel) {
+    [panel makeKeyAndOrderFront:nil];
+    [panel display];
+}
+
 void makeLabel(NSTextField* field) {
     [field setEditable:NO];
     [field setSelectable:NO];
@@ -110,6 +115,9 @@ NSColor* gray(CGFloat white) {
 }
 
 NSMutableDictionary* textLook(NSFont* font, NSColor* color) {
-    return [NSMutableDictionary
-        dictionaryWithDictionary:@{NSFontAttributeName : font, NSForegroundColorAttributeName : color}];
+    return [NSMutableDictionary dictionaryWithDictionary:@{
+        NSFontAttributeName : font,
+        NSForegroundColorAttributeName : color,
+        NSLigatureAttributeName : @0
+    }];
 }

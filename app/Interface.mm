@@ -13,6 +13,7 @@
 static const NSRect FIRST_FRAME = {{450, 250}, {450, 250}};
 static const CGFloat FRAME_MARGIN = 6;
 static const CGFloat CONTROL_HEIGHT = 21;
+static const NSUInteger UNDO_LEVELS = 100; // drafts that nobody undoes would take memory all day
 
 static NSScrollView* buildScrollView(NSRect frame, MainConsole* console) {
     NSScrollView* const scroll = [[[ConsoleScrollView alloc] initWithFrame:frame] autorelease];
@@ -26,6 +27,7 @@ static MainConsole* buildConsole() {
     [console setRichText:NO];
     [console setUsesFontPanel:YES];
     [console setAllowsUndo:YES];
+    [[console textStorage] setDelegate:(id)console];
     NSFont* const font = [NSFont userFixedPitchFontOfSize:USUAL_TEXT_SIZE];
     if (font) [console setFont:font];
     [[console textContainer] setLineFragmentPadding:TEXT_AIR];
@@ -118,6 +120,7 @@ NSWindow* buildMainWindow(PelmoAppDelegate* delegate) {
     [console setFont:[console font]]; // the status line's too
     buildControls(content, console);
     [window setInitialFirstResponder:console];
+    [[console undoManager] setLevelsOfUndo:UNDO_LEVELS];
     MainWindowDelegate* const mover = [[[MainWindowDelegate alloc] init] autorelease];
     [mover setWindow:window console:console];
     [window setDelegate:(id)mover];

@@ -10,9 +10,14 @@
 #import "Platform.h"
 #import "PrefController.h"
 #import "TextFormatter.h"
+#import "ZqScroller.h"
+
+#include <algorithm>
+#include <cmath>
 
 static const CGFloat PANEL_WIDTH = 432;
-static const CGFloat HEIGHT = 540; // with its frame it fits on a screen of 600 points
+static const CGFloat HEIGHT = 540;   // with its frame it fits on a screen of 600 points; lower ones scroll
+static const CGFloat TITLE_BAR = 30; // with the edges of the frame, at most
 static const CGFloat PANEL_EDGE = 20;
 static const CGFloat LABELS = 126; // the width of the labels' column
 static const CGFloat GAP = 10;
@@ -201,14 +206,38 @@ static void addWindow(Grid& grid, PrefControls& made) {
     grid.y = y;
 }
 
+// A panel around the form; where the screen is lower, with a scroller beside what there is room for.
+static MyPrefPanel* makePanelAround(NSView* form) {
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    const CGFloat room = std::floor(NSHeight(screen) / platformScale()) - TITLE_BAR;
+    const bool isWhole = room >= HEIGHT;
+    const CGFloat width = PANEL_WIDTH + (isWhole ? 0 : [ZqScroller scrollerWidth]);
+    MyPrefPanel* const panel = makePanel([MyPrefPanel class], @"Tallyquill Preferences",
+                                         NSMakeSize(width, std::min(HEIGHT, room)), 0);
+    if (isWhole) {
+        [panel setContentView:form];
+        return panel;
+    }
+    const NSRect inside = [[panel contentView] bounds];
+    NSScrollView* const scroll = [[[NSScrollView alloc] initWithFrame:inside] autorelease];
+    useOurScroller(scroll);
+    [scroll setBackgroundColor:[panel backgroundColor]];
+    [scroll setLineScroll:ROW_HEIGHT];
+    [scroll setDocumentView:form];
+    [panel setContentView:scroll];
+    [panel setFrameTopLeftPoint:NSMakePoint(NSMinX([panel frame]), NSMaxY(screen))];
+    [form scrollPoint:NSMakePoint(0, HEIGHT - [scroll contentSize].height)];
+    return panel;
+}
+
 void buildPreferences(PelmoAppDelegate* delegate) {
     PrefController* const controller = [[[PrefController alloc] init] autorelease];
     [controller setMainConsole:[delegate mainConsole]];
     [controller setAppDelegate:delegate];
-    MyPrefPanel* const panel =
-        makePanel([MyPrefPanel class], @"Tallyquill Preferences", NSMakeSize(PANEL_WIDTH, HEIGHT), 0);
+    NSView* const form = [[[NSView alloc] initWithFrame:NSMakeRect(0, 0, PANEL_WIDTH, HEIGHT)] autorelease];
+    MyPrefPanel* const panel = makePanelAround(form);
     PrefControls made = {};
-    Grid grid = {[panel contentView], controller, made, HEIGHT - PANEL_EDGE - HIGH, nil, nil};
+    Grid grid = {form, controller, made, HEIGHT - PANEL_EDGE - HIGH, nil, nil};
     addNumbers(grid, made);
     grid.y -= SECTION;
     addColors(grid, made);

@@ -41,9 +41,8 @@ constexpr KeyRow KEYS[] = {
     key("Enter", KEY_ENTER, 0, K::Commit, nullptr),
     key("Tab", KEY_TAB, 0, K::Complete,
         "completes the name of a function: `sq` becomes `sqrt()`; again for the next one that fits, then "
-        "variables "
-        "and command words; behind `->` units. The proposal is selected: type over it, or press End to keep "
-        "it"),
+        "variables and command words; behind `->` units. The proposal is selected: type over it, or press "
+        "End to keep it"),
     key("Escape", KEY_ESCAPE, 0, K::Escape,
         "empties the entry. On an empty entry it hides the window (see [the window](#the-window))"),
     key("Escape", KEY_ESCAPE, 0, K::Interrupt, "end a script, a pause or a long calculation"),
@@ -63,15 +62,14 @@ constexpr KeyRow KEYS[] = {
     key("Down", KEY_DOWN, 0, K::Down, nullptr),
     control("Control-R", 'r', K::FindEarlier,
             "finds an earlier entry by any part of it, which you type: Up or Control-R for an older one, "
-            "Down for a "
-            "newer; Return puts it at the prompt, Escape gives up"),
+            "Down for a newer; Return puts it at the prompt, Escape gives up"),
     control("Control-F", 'f', K::Find,
             "finds a text in the window, likewise; Return leaves it selected, Escape goes back to the entry"),
     key("F6", KEY_F6, 0, K::Controls,
         "to the controls above: Tab goes on to the next one, Left and Right choose, Space opens a list, "
-        "Escape "
-        "goes back to the entry"),
-    key("F10", KEY_F10, 0, K::MenuBar, "opens the menus: the arrows choose, Return takes, Escape closes"),
+        "Escape goes back to the entry"),
+    key("F10", KEY_F10, 0, K::MenuBar,
+        "opens the menus (on Linux): the arrows choose, Return takes, Escape closes"),
     key("Backspace", KEY_BACKSPACE, 0, K::Backspace, "delete in the entry; the prompt and the answers stay"),
     key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
     typed("`+`", '+', K::Operator,
@@ -99,26 +97,22 @@ constexpr KeyRow KEYS[] = {
 
     item("Command-Z", 'z',
          "undoes changes of the entry, and takes the undoing back; Control-Z also brings back what Escape, "
-         "Up, "
-         "Down or New replaced",
+         "Up, Down or New replaced",
          {"Edit", "Undo", "undo:", T::FirstResponder, 0, "undoChange:"}),
     desktop("Command-Shift-Z", 'Z', nullptr, {"Edit", "Redo", "redo:"}),
     item({"Edit", "-"}),
     item("Command-X", 'x',
-         "of a selection that begins above the entry, cuts what is in the entry; above the entry it "
-         "copies. Inside the "
-         "entry it does nothing",
+         "of a selection that begins above the entry, cuts what is in the entry; above the entry it copies. "
+         "Inside the entry it does nothing",
          {"Edit", "Cut", "cut:", T::FirstResponder, 0, "cutSelection:"}),
     {"Command-C",
      KEY_OTHER,
      'c',
      COMMAND_KEY,
      K::Copy,
-     "copies the selection. With nothing selected it copies the last answer, and the answer blinks. What "
-     "is copied "
-     "reads back as the same number: with the decimal mark of now, without grouping marks, a negative "
-     "one in hex or "
-     "binary with its sign",
+     "copies the selection. With nothing selected it copies the last answer, and the answer blinks. What is "
+     "copied reads back as the same number: with the decimal mark of now, without grouping marks, a negative "
+     "one in hex or binary with its sign",
      {"Edit", "Copy", "copy:", T::FirstResponder, 0, "copy:"}},
     desktop("Command-V", 'v', "pastes as plain text. Several lines become one entry with `; ` between them",
             {"Edit", "Paste", "paste:"}),
@@ -143,8 +137,9 @@ constexpr KeyRow KEYS[] = {
 
     desktop("Command-?", '?', "opens this guide, in which Home and End go to its ends",
             {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
-    item({"Help", "Functions", "showFunctions:", T::Console}),
-    item({"Help", "Units", "showUnits:", T::Console}),
+    desktop("Command-Shift-F", 'F', "lists all functions, all units",
+            {"Help", "Functions", "showFunctions:", T::Console}),
+    desktop("Command-Shift-U", 'U', nullptr, {"Help", "Units", "showUnits:", T::Console}),
     item({"Help", "Tutorial", "tutorial:", T::Console}),
 };
 

@@ -18,6 +18,8 @@
 static const useconds_t FLASH = 80000;  // microseconds
 static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
 
+static const char NOT_FETCHED[] = "The text could not be fetched.";
+
 @implementation MainConsole (Edit)
 
 - (BOOL)validateMenuItem:(NSMenuItem*)item {
@@ -47,6 +49,7 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
         [self copyAnswer:sender];
         return;
     }
+    copiedAt = std::chrono::steady_clock::now();
     [super copy:nil];
     const bool isInTranscript = selection.location + 4 < static_cast<NSUInteger>(g_linestart);
     if (isInTranscript && !([self setting:@"tipscode"] & 1)) [self showCopyTip];
@@ -67,6 +70,7 @@ static const CGFloat DRAG_DISTANCE = 4; // points: less is a click
     [self copySettingsToEngine];
     const std::string answer = calc.PlainAnswer();
     if (answer.empty()) return; // what the pasteboard holds is better than nothing
+    copiedAt = std::chrono::steady_clock::now();
     NSPasteboard* const board = [NSPasteboard generalPasteboard];
     [board declareTypes:@[ NSStringPboardType ] owner:nil];
     [board setString:textFromBytes(answer.c_str()) forType:NSStringPboardType];
@@ -289,7 +293,7 @@ static NSString* asOneLine(NSString* text) {
 - (BOOL)readSelectionFromPasteboard:(NSPasteboard*)board type:(NSString*)type {
     NSString* const text = [board stringForType:NSStringPboardType];
     if (!text && [board availableTypeFromArray:@[ NSStringPboardType ]]) {
-        [self updateStatusbar:"The text could not be fetched."]; // so much of it, say, that its owner gave up
+        [self updateStatusbar:NOT_FETCHED]; // so much of it, say, that its owner gave up
     }
     return text && [self insertForeignText:text];
 }
@@ -312,6 +316,7 @@ static NSString* asOneLine(NSString* text) {
 
 - (void)otherMouseDown:(NSEvent*)event {
     NSString* const text = platformSelection();
+    if (!text) [self updateStatusbar:NOT_FETCHED];
     if ([text length] == 0) return;
     [self setSelectedRange:NSMakeRange([self insertionPointAt:[event locationInWindow]], 0)];
     [self insertForeignText:text];

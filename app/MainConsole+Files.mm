@@ -66,9 +66,15 @@
     if ([self font]) [settings setObject:[self font] forKey:@"nsfont"];
     if ([self textColor]) [settings setObject:[self textColor] forKey:@"fgcolor"];
     if ([self backgroundColor]) [settings setObject:[self backgroundColor] forKey:@"bgcolor"];
-    const std::string present = keeper.Settings();
+    std::error_code unread;
+    const std::string present = keeper.Settings(&unread);
+    if (unread) { // what newer versions have put there would be lost
+        keeper.NoteUnsavedSettings(unread);
+        return "";
+    }
     const std::string text = settingsText(keptSettings(settings), present);
-    return text == present ? "" : text; // a start shows base and angle mode, which stores them
+    // A start shows base and angle mode, which stores them.
+    return text == present && !keeper.AreSettingsUnsaved() ? "" : text;
 }
 
 - (void)loadSettings {
@@ -79,7 +85,7 @@
     if (wasRead) {
         settings = [settingsDictionary(kept, [self font]) retain];
     } else {
-        keeper.KeepSettingsBeside();
+        [self tellReadingLater:keeper.KeepSettingsBeside()];
         [self initSettingsDefault];
     }
     if ([settings objectForKey:@"nsfont"]) [self setFont:[settings objectForKey:@"nsfont"]];
@@ -104,14 +110,21 @@
         [self tellFailedWritingAfter:0.1];
         return;
     }
-    NSString* const news = [NSString stringWithUTF8String:keeper.TakeNews().c_str()];
-    if ([news length] == 0) return;
-    [self updateStatusbar:bytesOf(news, NSISOLatin1StringEncoding).c_str()];
+    [self tellNews:@(keeper.TakeNews().c_str())];
 }
 
 // When the start is over, which empties the status line.
-- (void)tellReading:(NSString*)text {
-    [self updateStatusbar:[text UTF8String]];
+- (void)tellReadingLater:(const std::string&)text {
+    [self performSelector:@selector(tellNews:) withObject:@(text.c_str()) afterDelay:0];
+}
+
+// Behind the news that are shown still: both files may be damaged, and no writing possible.
+- (void)tellNews:(NSString*)text {
+    if ([text length] == 0) return;
+    const std::string told = shownNews.empty() ? "" : shownNews + "; ";
+    const std::string all = told + bytesOf(text, NSISOLatin1StringEncoding);
+    [self updateStatusbar:all.c_str()];
+    shownNews = all;
 }
 
 - (void)reportUnwritten {
@@ -137,9 +150,7 @@
 }
 
 - (void)loadFuncFile {
-    const std::string news = keeper.ReadDefinitions(calc);
-    NSString* const text = [NSString stringWithUTF8String:news.c_str()];
-    if (!news.empty()) [self performSelector:@selector(tellReading:) withObject:text afterDelay:0];
+    [self tellReadingLater:keeper.ReadDefinitions(calc)];
     for (const Setting& setting : SETTINGS) setting.Apply([self setting:@(setting.key)], calc);
 }
 

@@ -74,10 +74,12 @@ static NSParagraphStyle* linesOf(NSFont* font) {
     NSParagraphStyle* const lines = linesOf(font);
     [self setDefaultParagraphStyle:lines];
     NSMutableDictionary* const typing = [[[self typingAttributes] mutableCopy] autorelease];
-    [typing setObject:lines forKey:NSParagraphStyleAttributeName];
+    // In a fixed width "fl" takes two places and not one.
+    NSDictionary* const look = @{NSParagraphStyleAttributeName : lines, NSLigatureAttributeName : @0};
+    [typing addEntriesFromDictionary:look];
     [self setTypingAttributes:typing];
     NSTextStorage* const storage = [self textStorage];
-    [storage addAttribute:NSParagraphStyleAttributeName value:lines range:NSMakeRange(0, [storage length])];
+    [storage addAttributes:look range:NSMakeRange(0, [storage length])];
     [[self enclosingScrollView] tile];
     [answerStatus setFont:[NSFont fontWithName:[font fontName] size:STATUS_TEXT_SIZE]];
 }

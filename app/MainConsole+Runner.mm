@@ -83,7 +83,7 @@ static const size_t QUICK_HEAD = 6;
     std::string output = calc.echoText;
     if (status == STATUS_RESULT) output += calc.resultLine;
     if (status == STATUS_MESSAGE || status == STATUS_ERROR) output += calc.message;
-    [self updateStatusbar:""];
+    if (![self isReplaying]) [self updateStatusbar:""]; // that a script takes long is said until its end
     if (status == STATUS_COMMAND)
         [self runCommandOf:line];
     else

@@ -81,10 +81,21 @@ static void keepFolder(NSSavePanel* panel) {
     [panel setTitle:@"Save to script file..."];
     [panel setAllowedFileTypes:scriptTypes()];
     [self preparePanel:panel button:@"Save Script"];
-    if ([panel runModal] != NSOKButton) return;
+    NSNotificationCenter* const center = [NSNotificationCenter defaultCenter];
+    NSString* const news = NSWindowDidBecomeKeyNotification;
+    [center addObserver:self selector:@selector(windowCameBeforePanel:) name:news object:nil];
+    const NSInteger end = [panel runModal];
+    [center removeObserver:self name:news object:nil];
+    if (end != NSOKButton) return;
     keepFolder(panel);
     if ([self writeScript:[panel filename]]) return;
     [self simpleAlert:@"The script could not be saved.":[panel filename]];
+}
+
+// The panel's question whether a file is to be replaced.
+- (void)windowCameBeforePanel:(NSNotification*)notification {
+    NSWindow* const came = [notification object];
+    if (came != [self window] && ![came isKindOfClass:[NSSavePanel class]]) [self ignoreKeysSoon];
 }
 
 - (BOOL)writeScript:(NSString*)path {
@@ -165,6 +176,7 @@ static void keepFolder(NSSavePanel* panel) {
     [self replay:Script(bytes)];
     [self showScriptOutput];
     scripts.isReplaying = false;
+    [self updateStatusbar:""];
     [self populateVarsMenu];
     [self populateFuncMenu];
     [self insertPrompt];

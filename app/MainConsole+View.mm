@@ -166,6 +166,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (void)updateStatusbar:(const char*)text {
+    shownNews.clear();
     NSString* const line = textFromBytes(text);
     const NSRange end = [line rangeOfString:@"\n" options:NSBackwardsSearch | NSAnchoredSearch];
     [answerStatus setStringValue:end.location == NSNotFound ? line : [line substringToIndex:end.location]];

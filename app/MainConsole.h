@@ -50,6 +50,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     int32_t clearedStart;
     ScriptTurns scripts;
     Search search;
+    std::string shownNews;                                    // of the files, in the status line
+    std::chrono::steady_clock::time_point copiedAt;           // to the pasteboard, the last time
     NameListPanel* nameList;                                  // the last one that was opened
     std::chrono::steady_clock::time_point lastInterruptCheck; // or the start of the entry
     std::optional<std::chrono::steady_clock::time_point>
@@ -67,6 +69,8 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
     BOOL isAtWork;                           // an entry runs, or the command that it handed over
     NSColor* textColor;                      // the person's: what was typed has it
     NSRect bracketMark;                      // where a bracket is marked; empty: none is
+    NSUInteger changedFrom;                  // the first character that is not drawn as it is now
+    BOOL isUpdating;                         // what changed is taken over by the view
     int32_t prevgis; // the start of the entry and the base at the previous call of setDisplayBase
     int prevbase;
 }
@@ -95,6 +99,9 @@ extern MainConsole* interruptedConsole; // that calc.interruptCheck asks; not re
 // A sheet on the window with one button or, with `no`, two. The selector, which may be null, is that of a
 // sheet's end.
 - (void)showSheet:(NSString*)message yes:(NSString*)yes no:(NSString*)no didEnd:(SEL)selector;
+
+// For what has just come before the window: the keys of the next 0.7 seconds are no answer to it.
+- (void)ignoreKeysSoon;
 
 // An entry begins: key presses that wait are taken for interruptions from now on, though not at once.
 - (void)watchInterrupts;

@@ -22,7 +22,7 @@ static const NSSize SMALLEST_WINDOW = {400, 150};
 static const NSTimeInterval SHEET_DELAY = 0.4;
 static const NSTimeInterval READING_TIME = 0.7; // of a question
 
-// So much of a window has to be on a screen for it to be caught by the mouse.
+// So much of the upper edge of a window has to be on a screen for it to be caught by the mouse.
 static const NSSize REACHABLE = {100, 40};
 
 // The engine asks often; the event queue is asked this often, and not before an entry has run this long, so
@@ -173,14 +173,19 @@ static NSSize scaledSize(NSSize points) {
     [[myAppDelegate windowDelegate] placeWindow:[self reachableFrame:frame]];
 }
 
-// A frame that no screen shows any more, as after a monitor was taken away, comes to the first one.
+// A frame that no screen shows any more, as after a monitor was taken away, comes to the first one. At the
+// first start all of it is to be seen.
 - (NSRect)reachableFrame:(NSRect)frame {
     const NSSize least = scaledSize(SMALLEST_WINDOW);
     frame.size.width = std::max(frame.size.width, least.width);
     frame.size.height = std::max(frame.size.height, least.height);
+    const NSSize needed = [self setting:@"firstrun"] > 1 ? REACHABLE : frame.size;
+    NSRect upper = frame;
+    upper.origin.y = NSMaxY(frame) - needed.height;
+    upper.size.height = needed.height;
     for (NSScreen* const screen in [NSScreen screens]) {
-        const NSRect shown = NSIntersectionRect(frame, [screen visibleFrame]);
-        if (shown.size.width >= REACHABLE.width && shown.size.height >= REACHABLE.height) return frame;
+        const NSRect shown = NSIntersectionRect(upper, [screen visibleFrame]);
+        if (NSWidth(shown) >= needed.width && NSHeight(shown) >= needed.height) return frame;
     }
     const NSRect screen = [[NSScreen mainScreen] visibleFrame];
     frame.size.width = std::min(frame.size.width, screen.size.width);
@@ -320,7 +325,8 @@ static bool writesDecimalComma() {
     [self saveSettings];
     [self saveFuncFile];
     [self reportUnwritten];
-    platformKeepClipboard();
+    [[self window] orderOut:nil]; // others may have to be waited for
+    platformKeepClipboard(copiedAt);
     [NSObject cancelPreviousPerformRequestsWithTarget:self];
     [funcFilePath release];
     [prefFilePath release];

@@ -92,7 +92,13 @@ static const size_t NAME_COLUMN = 14; // characters of the name, before what it 
         starts.push_back(text.size()); // a byte is a character
         text += line + rows[i].text + "\n";
     }
-    NSDictionary* const look = textLook([NSFont userFixedPitchFontOfSize:12], [NSColor textColor]);
+    NSFont* const font = [NSFont userFixedPitchFontOfSize:12];
+    NSMutableDictionary* const look = textLook(font, [NSColor textColor]);
+    // What does not fit on a line goes on below what the name is.
+    NSMutableParagraphStyle* const style = [[[NSMutableParagraphStyle alloc] init] autorelease];
+    [style setHeadIndent:NAME_COLUMN * [@"0" sizeWithAttributes:look].width +
+                         [[list textContainer] lineFragmentPadding]];
+    [look setObject:style forKey:NSParagraphStyleAttributeName];
     [[list textStorage]
         setAttributedString:[[[NSAttributedString alloc] initWithString:textFromBytes(text.c_str())
                                                              attributes:look] autorelease]];

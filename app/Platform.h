@@ -8,6 +8,8 @@
 
 #include "Keys.h"
 
+#include <chrono>
+
 // Whether the window manager has asked for this window to be closed, which waits in the queue of events and
 // stays there. Other windows are closed at once. On macOS a click does that, which is not looked for.
 bool platformCloseIsWaiting(NSWindow* window);
@@ -20,7 +22,8 @@ bool platformTakeEarlyRelease();
 // The virtual key code of a key press.
 uint32_t platformKeyCode(NSEvent* event);
 
-// Before [NSApplication sharedApplication]: defaults that the window needs.
+// Before [NSApplication sharedApplication]: defaults that the window needs, and kinds of images that it does
+// not.
 void platformRegisterDefaults();
 
 // Whether windows can be shown: where an X server does that, whether it answers.
@@ -74,13 +77,16 @@ void platformFitMenuItem(NSMenuItem* item, const KeyRow& row);
 // Text that was selected, for other programs to paste with the middle button of the mouse. Nothing on macOS.
 void platformOfferSelection(NSString* text);
 
-// Text that is selected in any program, for the middle button to paste; nil for none, and on macOS.
+// Text that is selected in any program, for the middle button to paste; empty for none, and on macOS. Of a
+// text that is longer than any entry at least the first 100,000 bytes. Nil when its owner does not hand it
+// over: no part of it is waited for longer than 0.3 seconds.
 NSString* platformSelection();
 
 // Has the desktop's manager of clipboards, where one runs, take over what was copied, which would be lost
-// with the end of the program. Waits for it a second at most. Whether it has it. False on macOS, where it is
-// kept.
-bool platformKeepClipboard();
+// with the end of the program. Waits for it a second at most. Whether it has it. Where there is none that can
+// be asked, waits until a second after the copy: some managers only look now and then. False on macOS, where
+// what was copied is kept.
+bool platformKeepClipboard(std::chrono::steady_clock::time_point copied);
 
 // Shows a menu at the mouse and returns when it is gone. A key closes it and then goes to the window; Escape
 // only closes it. On macOS the keys select in menus.

@@ -20,6 +20,17 @@ static const int USUAL_LINES = 99;
 static const NSUInteger MANAGED = 4;
 
 @implementation MyPrefPanel
+
+// On a low screen what the keyboard goes to is scrolled into sight.
+- (BOOL)makeFirstResponder:(NSResponder*)responder {
+    const BOOL isMade = [super makeFirstResponder:responder];
+    if (isMade && [responder isKindOfClass:[NSControl class]]) {
+        NSControl* const control = (NSControl*)responder;
+        [control scrollRectToVisible:[control bounds]];
+    }
+    return isMade;
+}
+
 @end
 
 @implementation PrefController
@@ -90,7 +101,7 @@ static const NSUInteger MANAGED = 4;
     [manager setSelectedFont:[mainConsole font] isMultiple:NO];
     NSFontPanel* const panel = [manager fontPanel:YES];
     placeBeside(panel, prefWindow);
-    [panel makeKeyAndOrderFront:nil];
+    showWhole(panel);
 }
 
 // --- Steppers ---

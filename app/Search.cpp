@@ -38,8 +38,8 @@ void Search::Begin(In where, std::string entry, EntryRange selected) {
 
 Search::Step Search::Press(const KeyPress& key) {
     direction = Direction::Same;
-    const bool isControl = (key.held & CONTROL_KEY) != 0;
-    const bool isAgain = isControl && (key.plain == u'f' || key.plain == u'r');
+    const KeyAction action = actionOf(key);
+    const bool isAgain = action == KeyAction::Find || action == KeyAction::FindEarlier;
     switch (key.code) {
     case KEY_ESCAPE: return Step::GiveUp;
     case KEY_RETURN:

@@ -7,7 +7,7 @@
 
 #include "SettingsFile.h"
 
-// `font` stands in for one that cannot be had; it may be nil.
+// `font` is taken in place of one that cannot be had; it may be nil.
 NSMutableDictionary* settingsDictionary(const KeptSettings& kept, NSFont* font);
 
 // What the dictionary has under the keys of the settings. A value of another kind is missing.

@@ -42,10 +42,11 @@ KeptSettings keptSettings(NSDictionary* settings) {
     KeptSettings kept;
     for (const Setting& setting : SETTINGS) {
         const id value = [settings objectForKey:@(setting.key)];
+        const std::string text = setting.IsNumber() ? "" : textOf(value);
         if (setting.IsNumber() && [value isKindOfClass:[NSNumber class]])
             kept.numbers[setting.key] = [value intValue];
-        else if (!setting.IsNumber() && !textOf(value).empty())
-            kept.texts[setting.key] = textOf(value);
+        else if (!text.empty())
+            kept.texts[setting.key] = text;
     }
     return kept;
 }

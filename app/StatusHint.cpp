@@ -46,13 +46,8 @@ Known known(const std::string& name, bool isFactor, const ZqCalculator& calculat
         found.isNone = false;
         if (other == typed) found.lacks = lack;
     };
-    const std::vector<std::string> units = units_names();
-    for (const std::string& unit : units) meet(unit, name, "missing ->");
-    for (const std::string& prefix : units_prefix_names()) {
-        meet(prefix, name, "");
-        if (!startsWith(name, prefix)) continue;
-        for (const std::string& unit : units) meet(unit, name.substr(prefix.size()), "missing ->");
-    }
+    for (const UnitSpelling& spelling : units_spellings(name))
+        meet(spelling.name, name, spelling.IsPrefix() ? "" : "missing ->");
     for (int i = 0; const Function* function = funcs.Get(i); ++i)
         meet(lowerCased(function->name), lowerCased(name), "missing (");
     for (const node* variable = calculator.vars.first; variable; variable = variable->next)

@@ -96,6 +96,8 @@ NSRect centeredKnob(NSRect knob, CGFloat width) {
 - (void)drawKnob {
     const NSRect knob = centeredKnob([self rectForPart:NSScrollerKnob], [knobVerticalFill size].width);
     platformDrawVertical(knob, knobTop, knobVerticalFill, knobBottom);
+    // Where a point is no whole pixel the parts do not quite touch: others cover the seams.
+    platformDrawVertical(NSInsetRect(knob, 0, 1), knobTop, knobVerticalFill, knobBottom);
 }
 
 @end

@@ -47,8 +47,8 @@ int main(int argc, const char** argv) {
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];
     waitingToOpenFilenames = [paths mutableCopy];
-    [NSApp
-        run]; // the end comes as applicationWillTerminate:, and exits: what is released then needs the pool
+    // The end comes as applicationWillTerminate:, and exits: what is released then needs the pool.
+    [NSApp run];
     [delegate release];
     [pool release];
     return 0;

@@ -32,6 +32,15 @@ static const NSTimeInterval BLINKING = 10; // seconds
                   inModes:everyMode()];
 }
 
+// GNUstep's own covers the cursor with the background's color, which is not what is behind the text: a line
+// would stay.
+- (void)drawInsertionPointInRect:(NSRect)rect color:(NSColor*)color turnedOn:(BOOL)isOn {
+    if (isOn)
+        [super drawInsertionPointInRect:rect color:color turnedOn:YES];
+    else
+        [self setNeedsDisplayInRect:rect];
+}
+
 - (void)restCursor {
     [self updateInsertionPointStateAndRestartTimer:YES]; // which draws it
     [self forgetResting];

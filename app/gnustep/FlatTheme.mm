@@ -202,6 +202,15 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
     [arrow fill];
 }
 
+// GNUstep's own are as high together as no control is.
+- (NSRect)stepperUpButtonRectWithFrame:(NSRect)frame {
+    return NSMakeRect(NSMinX(frame), NSMidY(frame), NSWidth(frame), NSHeight(frame) / 2);
+}
+
+- (NSRect)stepperDownButtonRectWithFrame:(NSRect)frame {
+    return NSMakeRect(NSMinX(frame), NSMinY(frame), NSWidth(frame), NSHeight(frame) / 2);
+}
+
 - (void)drawStepperBorder:(NSRect)frame {
 }
 
@@ -376,6 +385,7 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 - (void)activate:(BOOL)exclusive {
     placeBeside([NSColorPanel sharedColorPanel], [self window]);
     [super activate:exclusive];
+    [[NSColorPanel sharedColorPanel] display];
 }
 
 - (BOOL)acceptsFirstResponder {
@@ -399,7 +409,7 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
         return;
     }
     [self performClick:self];
-    [[NSColorPanel sharedColorPanel] makeKeyAndOrderFront:self];
+    showWhole([NSColorPanel sharedColorPanel]);
 }
 
 - (void)drawRect:(NSRect)dirty {

@@ -320,7 +320,9 @@ static NSFont* listFont() {
 static void drawCell(NSString* cell, CGFloat width, NSColor* color, NSPoint place, bool endsThere) {
     NSDictionary* const attributes =
         @{NSFontAttributeName : listFont(), NSForegroundColorAttributeName : color};
-    NSString* const text = headThatFits(cell, @"", width, attributes);
+    // A column is as wide as the font says; drawn on pixels, the widest text may take a little more.
+    const bool fits = [listFont() widthOfString:cell] <= width;
+    NSString* const text = fits ? cell : headThatFits(cell, @"", width, attributes);
     if (endsThere) place.x -= [text sizeWithAttributes:attributes].width;
     [text drawAtPoint:place withAttributes:attributes];
 }

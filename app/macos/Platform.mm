@@ -65,10 +65,10 @@ NSString* platformSheetText(NSString* text) {
 void platformOfferSelection(NSString*) {}
 
 NSString* platformSelection() {
-    return nil;
+    return @"";
 }
 
-bool platformKeepClipboard() {
+bool platformKeepClipboard(std::chrono::steady_clock::time_point) {
     return false;
 }
 

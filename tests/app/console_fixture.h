@@ -52,6 +52,9 @@ protected:
     // A key press in the application's queue, where checkInterruptEvent finds it.
     void Post(NSString* characters, NSUInteger flags = 0);
 
+    // A press of a button of the mouse, or its end, at a place of the window.
+    NSEvent* Mouse(NSEventType type, NSPoint where) const;
+
     void Type(const char* text);  // a key press for each character
     void Enter(const char* line); // types a line and presses Return
     void Select(NSUInteger location, NSUInteger length = 0);
@@ -74,6 +77,7 @@ protected:
     NSUInteger Cursor() const;        // the selection's location
     NSUInteger CursorInEntry() const; // counted from g_linestart
     std::string StatusLine() const;   // the status line
+    std::string News();               // the status line as soon as it says something, or the empty text
     std::string Pasteboard() const;
     void SetPasteboard(const char* text) const;
 

@@ -186,6 +186,18 @@ void ConsoleTest::Post(NSString* characters, NSUInteger flags) {
     [NSApp postEvent:keyEvent(window, characters, characters, flags, 0xff) atStart:NO];
 }
 
+NSEvent* ConsoleTest::Mouse(NSEventType type, NSPoint where) const {
+    return [NSEvent mouseEventWithType:type
+                              location:where
+                         modifierFlags:0
+                             timestamp:0
+                          windowNumber:[window windowNumber]
+                               context:nil
+                           eventNumber:0
+                            clickCount:1
+                              pressure:0];
+}
+
 void ConsoleTest::Type(const char* text) {
     for (; *text; ++text) {
         const char character[] = {*text, '\0'};
@@ -250,6 +262,11 @@ NSUInteger ConsoleTest::CursorInEntry() const {
 std::string ConsoleTest::StatusLine() const {
     Ivar const field = class_getInstanceVariable([MainConsole class], "answerStatus");
     return utf8([object_getIvar(console, field) stringValue]);
+}
+
+std::string ConsoleTest::News() {
+    for (int i = 0; i < 100 && StatusLine().empty(); ++i) Run(0.05);
+    return StatusLine();
 }
 
 std::string ConsoleTest::Pasteboard() const {

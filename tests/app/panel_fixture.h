@@ -6,6 +6,7 @@
 #import "Interface.h"
 #import "PelmoAppDelegate.h"
 #import "PrefController.h"
+#import "SettingsDictionary.h"
 #import "console_fixture.h"
 
 #include <string>
@@ -81,6 +82,17 @@ protected:
     void Set(const char* key, int value) {
         [console setSetting:[NSString stringWithUTF8String:key] to:value];
     }
+    // The settings as the file holds them.
+    NSDictionary* Stored() const {
+        KeptSettings kept;
+        EXPECT_TRUE(readSettings(Read(SettingsPath()), kept));
+        return settingsDictionary(kept, nil);
+    }
+
+    int InFile(const char* key) const {
+        return [[Stored() objectForKey:[NSString stringWithUTF8String:key]] intValue];
+    }
+
     static std::string Shown(NSTextField* field) { return [[field stringValue] UTF8String]; }
     static bool IsTicked(NSButton* box) { return [box state] == NSOnState; }
 

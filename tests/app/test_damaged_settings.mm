@@ -7,6 +7,7 @@
 #include "damage.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <map>
 #include <sys/stat.h>
@@ -196,6 +197,83 @@ TEST_F(DamagedSettings, APipeInTheFilesPlaceDoesNotHang) {
     Restart();
     ExpectDefaults();
     ExpectUsable();
+}
+
+TEST_F(DamagedSettings, DamageIsSaidInTheStatusLine) {
+    Write(SettingsPath(), "nonsense");
+    Restart();
+    EXPECT_EQ(News(), "pelmo_settings.plist could not be read: see pelmo_settings.plist.unreadable");
+}
+
+TEST_F(DamagedSettings, DamageOfBothFilesIsSaid) {
+    Write(SettingsPath(), "nonsense");
+    Write(FunctionsPath(), "### FUNCTIONS ###\nf(x)=x+\x02\n### HISTORY ###\n");
+    Restart();
+    const std::string said = News();
+    EXPECT_NE(said.find("pelmo_settings.plist.unreadable; "), std::string::npos) << said;
+    EXPECT_NE(said.find("pelmo_functions.txt.unreadable"), std::string::npos) << said;
+}
+
+// --- Files that may not be read ---
+
+// As a person without the rights of root, to whom no file is closed, while it lives.
+class AsAnybody {
+public:
+    explicit AsAnybody(const std::string& home) {
+        if (geteuid() != 0) return;
+        const std::string own = "chown -R " + std::to_string(ANYBODY) + " '" + home + "'";
+        EXPECT_EQ(std::system(own.c_str()), 0);
+        EXPECT_EQ(seteuid(ANYBODY), 0);
+    }
+    ~AsAnybody() {
+        if (getuid() == 0) EXPECT_EQ(seteuid(0), 0);
+    }
+    AsAnybody(const AsAnybody&) = delete;
+    AsAnybody& operator=(const AsAnybody&) = delete;
+
+private:
+    static constexpr uid_t ANYBODY = 65534;
+};
+
+TEST_F(DamagedSettings, AFileThatMayNotBeReadIsNotWrittenOver) {
+    const AsAnybody person(home);
+    const std::string kept = Read(SettingsPath());
+    ASSERT_NE(kept, "");
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0200), 0);
+    [console setSetting:@"sigfigs" to:20];
+    [console saveSettings];
+    EXPECT_EQ(News(), std::string("Not saved: pelmo_settings.plist (") + strerror(EACCES) + ")");
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0600), 0);
+    EXPECT_EQ(Read(SettingsPath()), kept);
+    Terminate(); // writes what was not
+    EXPECT_EQ(StoredNumber("sigfigs"), 20);
+}
+
+TEST_F(DamagedSettings, AFailedWritingDoesNotHideAFailedReading) {
+    const AsAnybody person(home);
+    Write(FunctionsPath(), "### FUNCTIONS ###\nf(x)=x+\x02\n### HISTORY ###\n");
+    Restart();
+    const std::string read = News();
+    EXPECT_NE(read.find("pelmo_functions.txt.unreadable"), std::string::npos) << read;
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0200), 0);
+    [console setSetting:@"sigfigs" to:20];
+    [console saveSettings];
+    for (int i = 0; i < 100 && StatusLine() == read; ++i) Run(0.05);
+    EXPECT_EQ(StatusLine(), read + "; Not saved: pelmo_settings.plist (" + strerror(EACCES) + ")");
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0600), 0);
+    Type("1"); // the preview
+    EXPECT_EQ(StatusLine(), "ans = 1");
+}
+
+TEST_F(DamagedSettings, WhatWasNotSavedCountsAsSavedWhenTheFileHasIt) {
+    const AsAnybody person(home);
+    [console saveSettings];
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0200), 0);
+    [console saveSettings];
+    ASSERT_EQ(chmod(SettingsPath().c_str(), 0600), 0);
+    testing::internal::CaptureStderr();
+    Terminate();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 // --- Folders that cannot be had ---

@@ -31,12 +31,6 @@ protected:
         return Holds(line);
     }
 
-    // Waits until the status line says something. The empty text when it does not.
-    std::string News() {
-        for (int i = 0; i < 100 && StatusLine().empty(); ++i) Run(0.05);
-        return StatusLine();
-    }
-
     // What an entry answers, without its line feed.
     std::string Answer(const char* line) {
         run(line);

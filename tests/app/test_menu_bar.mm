@@ -148,8 +148,8 @@ TEST_F(MenuBar, ItsItemsHaveTheUsualKeys) {
                                                "Window / Close / w",
                                                "Window / Bring All to Front / ",
                                                "Help / Tallyquill Guide / ?",
-                                               "Help / Functions / ",
-                                               "Help / Units / ",
+                                               "Help / Functions / F",
+                                               "Help / Units / U",
                                                "Help / Tutorial / "};
     EXPECT_EQ(found, expected);
 }

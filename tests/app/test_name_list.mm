@@ -107,9 +107,58 @@ TEST_F(NameLists, FunctionsHaveALineEachThePersonsFirst) {
     Enter("hyp(a,b)=sqrt(a^2+b^2)");
     [console showFunctions:nil];
     const std::string lines = Lines();
-    EXPECT_EQ(lines.substr(0, lines.find('\n')), "mod(x,d)=x%d");
-    EXPECT_NE(lines.find("\nhyp(a,b)=sqrt(a^2+b^2)\n"), std::string::npos);
+    EXPECT_EQ(lines.substr(0, lines.find('\n')), "hyp(a,b)=sqrt(a^2+b^2)");
     EXPECT_NE(lines.find("\nsqrt(x)  "), std::string::npos);
+    EXPECT_NE(lines.find("\nmod(x,d)      remainder"), std::string::npos);
+    EXPECT_EQ(lines.find("mod(x,d)="), std::string::npos) << "twice";
+}
+
+TEST_F(NameLists, AFunctionOfThePersonTakesThePlaceOfAPredefinedOne) {
+    Enter("mod(x,d)=x-d");
+    [console showFunctions:nil];
+    const std::string lines = Lines();
+    EXPECT_EQ(lines.substr(0, lines.find('\n')), "mod(x,d)=x-d");
+    EXPECT_EQ(lines.find("mod(x,d)  "), std::string::npos);
+}
+
+// A fixed width is one for each letter: "fl" is two.
+TEST_F(NameLists, TheSecondColumnBeginsAtTheSamePlaceInEachLine) {
+    [console showFunctions:nil];
+    for (NSString* const name in @[ @"floor(x)", @"sqrt(x)" ]) {
+        NSTextStorage* const text = [List() textStorage];
+        const NSRange place = [[text string] rangeOfString:name];
+        NSNumber* const joins = [text attribute:NSLigatureAttributeName
+                                        atIndex:place.location
+                                 effectiveRange:NULL];
+        EXPECT_TRUE(joins && [joins intValue] == 0) << [name UTF8String];
+    }
+    Enter("floor(2.5)");
+    const NSUInteger typed = [[console string] rangeOfString:@"floor"].location;
+    NSNumber* const joins = [[console textStorage] attribute:NSLigatureAttributeName
+                                                     atIndex:typed
+                                              effectiveRange:NULL];
+    EXPECT_TRUE(joins && [joins intValue] == 0) << "in the console";
+}
+
+TEST_F(NameLists, WhatDoesNotFitGoesOnBelowTheSecondColumn) {
+    [console showFunctions:nil];
+    NSLayoutManager* const layout = [List() layoutManager];
+    const NSRange place = [[List() string] rangeOfString:@"hyperbolic tangent"];
+    ASSERT_NE(place.location, static_cast<NSUInteger>(NSNotFound));
+    const auto left = [layout](NSUInteger glyph) {
+        const NSRect line = [layout lineFragmentRectForGlyphAtIndex:glyph effectiveRange:NULL];
+        return NSMinX(line) + [layout locationForGlyphAtIndex:glyph].x;
+    };
+    int wrapped = 0;
+    NSRange line = {0, 0};
+    for (NSUInteger i = 0; i < [[List() string] length]; i = NSMaxRange(line)) {
+        [layout lineFragmentRectForGlyphAtIndex:i effectiveRange:&line];
+        if (i == 0 || [[List() string] characterAtIndex:i - 1] == '\n') continue;
+        ++wrapped;
+        EXPECT_NEAR(left(i), left(place.location), 1)
+            << [[[List() string] substringWithRange:line] UTF8String];
+    }
+    EXPECT_GT(wrapped, 0);
 }
 
 TEST_F(NameLists, WhatIsTypedNarrowsThem) {

@@ -2,7 +2,6 @@
 #import "panel_fixture.h"
 
 #import "Platform.h"
-#import "SettingsDictionary.h"
 
 // In place of the font manager, once a font was chosen in its panel.
 @interface FontChoice : NSObject
@@ -17,19 +16,7 @@
 
 namespace {
 
-class Preferences : public PanelTest {
-protected:
-    // The settings as the file holds them.
-    NSDictionary* Stored() const {
-        KeptSettings kept;
-        EXPECT_TRUE(readSettings(Read(SettingsPath()), kept));
-        return settingsDictionary(kept, nil);
-    }
-
-    int InFile(const char* key) const {
-        return [[Stored() objectForKey:[NSString stringWithUTF8String:key]] intValue];
-    }
-};
+class Preferences : public PanelTest {};
 
 // --- Opening ---
 
@@ -379,141 +366,6 @@ TEST_F(Preferences, TheFontPanelsChoiceIsKept) {
     EXPECT_FALSE([fonts isVisible]);
     RestartAll();
     EXPECT_TRUE([[[console font] fontName] isEqualToString:@"DejaVuSerif"]);
-}
-
-// --- Closing ---
-
-TEST_F(Preferences, ClosingStoresAndSavesEverything) {
-    Open();
-    Choose(2);
-    EnterInto(controls.prefSigFigs, @"12");
-    EnterInto(controls.prefSepChar, @"'");
-    EnterInto(controls.prefHistSize, @"123");
-    Tick(controls.prefSeparator, true);
-    Tick(controls.prefEuropean, true);
-    Tick(controls.prefTwosComp, true);
-    Tick(controls.prefSnapTo, false);
-    Tick(controls.prefTransBGOnly, false);
-    Tick(controls.prefStatusIcon, false);
-    Slide(41.7);
-    Pick(controls.prefFGColor, 0.5, 0.25, 0.75);
-    Pick(controls.prefBGColor, 0.125, 0.25, 0);
-    Close();
-    EXPECT_EQ(InFile("scimode"), 2);
-    EXPECT_EQ(InFile("sigfigs"), 12);
-    EXPECT_EQ(InFile("schar"), '\'');
-    EXPECT_EQ(InFile("histsz"), 123);
-    EXPECT_EQ(InFile("separator"), 1);
-    EXPECT_EQ(InFile("european"), 1);
-    EXPECT_EQ(InFile("twoscomp"), 1);
-    EXPECT_EQ(InFile("snaptoscreen"), 0);
-    EXPECT_EQ(InFile("transback"), 0);
-    EXPECT_EQ(InFile("statusicon"), 0);
-    EXPECT_EQ(InFile("trans"), 41);
-    ExpectColor([Stored() objectForKey:@"fgcolor"], 0.5, 0.25, 0.75);
-    ExpectColor([Stored() objectForKey:@"bgcolor"], 0.125, 0.25, 0);
-    ExpectColor([console textColor], 0.5, 0.25, 0.75);
-    ExpectColor([console backgroundColor], 0.125, 0.25, 0);
-}
-
-TEST_F(Preferences, WhatClosingStoredIsThereAtTheNextStart) {
-    Open();
-    EnterInto(controls.prefHistSize, @"2");
-    Pick(controls.prefFGColor, 0.5, 0.25, 0.75);
-    Close();
-    EXPECT_EQ(calc.history.maxEntries, 30); // it acts at the next start
-    Terminate();
-    RestartAll();
-    EXPECT_EQ(calc.history.maxEntries, 2);
-    Open();
-    EXPECT_EQ(Shown(controls.prefHistSize), "2");
-    ExpectColor([controls.prefFGColor color], 0.5, 0.25, 0.75);
-}
-
-TEST_F(Preferences, ClosingRedrawsAndClearsTheFlag) {
-    Open();
-    [window displayIfNeeded];
-    Close();
-    EXPECT_TRUE([[window contentView] needsDisplay]);
-    EXPECT_EQ(prefWinIsOpen, 0);
-    EXPECT_FALSE([panel isVisible]);
-}
-
-TEST_F(Preferences, WhatIsBeingTypedCountsAtTheClosing) {
-    Open();
-    [panel makeFirstResponder:controls.prefHistSize];
-    NSText* const editor = [controls.prefHistSize currentEditor];
-    ASSERT_NE(editor, nil);
-    [editor selectAll:nil];
-    [static_cast<NSTextView*>(editor) insertText:@"321"];
-    Close();
-    EXPECT_EQ(SettingOf("histsz"), 321);
-}
-
-TEST_F(Preferences, ClosingEndsThePickingOfColors) {
-    Open();
-    [controls.prefBGColor activate:YES];
-    [[NSColorPanel sharedColorPanel] orderFront:nil];
-    Close();
-    EXPECT_FALSE([controls.prefBGColor isActive]);
-    EXPECT_FALSE([[NSColorPanel sharedColorPanel] isVisible]);
-    [[NSColorPanel sharedColorPanel] setColor:[NSColor colorWithCalibratedRed:1 green:0 blue:0 alpha:1]];
-    Run(0.05);
-    ExpectColor([console backgroundColor], 0.1, 0.1, 0.1);
-}
-
-TEST_F(Preferences, AColorOfTheColorPanelGoesToTheActiveWell) {
-    Open();
-    [controls.prefBGColor activate:YES];
-    [[NSColorPanel sharedColorPanel] setColor:[NSColor colorWithCalibratedRed:0.3
-                                                                        green:0.2
-                                                                         blue:0.1
-                                                                        alpha:1]];
-    Run(0.05);
-    ExpectColor([console backgroundColor], 0.3, 0.2, 0.1);
-    ExpectColor([console textColor], 0.1, 0.9, 0.9);
-}
-
-TEST_F(Preferences, AClosedPanelStoresNothing) {
-    Open();
-    Close();
-    Set("sigfigs", 33);
-    [panel close];
-    [controller windowWillClose:nil];
-    [controller closePanel];
-    EXPECT_EQ(SettingOf("sigfigs"), 33);
-}
-
-TEST_F(Preferences, QuittingWithThePanelOpenSaves) {
-    Open();
-    EnterInto(controls.prefHistSize, @"55");
-    Quit();
-    EXPECT_EQ(InFile("histsz"), 55);
-    EXPECT_EQ(prefWinIsOpen, 0);
-}
-
-TEST_F(Preferences, QuittingWithThePanelClosedKeepsTheSettings) {
-    Set("histsz", 56);
-    Quit();
-    EXPECT_EQ(InFile("histsz"), 56);
-}
-
-TEST_F(Preferences, TheLiveResultTakesTheNewFormAtTheClosing) {
-    Type("1/3");
-    Open();
-    EnterInto(controls.prefSigFigs, @"4");
-    Close();
-    EXPECT_EQ(StatusLine().substr(StatusLine().size() - 6), "0.3333");
-}
-
-TEST_F(Preferences, ThePanelSurvivesManyOpenings) {
-    for (int i = 0; i < 20; ++i) {
-        Open();
-        Close();
-    }
-    EXPECT_EQ(prefWinIsOpen, 0);
-    EXPECT_EQ(SettingOf("sigfigs"), 10);
-    EXPECT_EQ(SettingOf("schar"), ',');
 }
 
 } // namespace

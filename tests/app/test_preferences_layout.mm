@@ -2,6 +2,7 @@
 //
 // The controls of the preferences: their layout and their keys.
 #import "panel_fixture.h"
+#import "replacement.h"
 
 #import "Platform.h"
 
@@ -85,11 +86,49 @@ TEST_F(PreferencesLayout, FitsOnAScreenOf600Points) {
     EXPECT_LE(NSHeight([[panel contentView] frame]), 600 - 30 - 24);
 }
 
+bool isWholeInSight(NSView* view) {
+    return NSEqualRects([view visibleRect], [view bounds]);
+}
+
+CGFloat scaleOfDenseScreen(id, SEL) {
+    return 2;
+}
+
+// As on 1280x800 pixels at a scale of 2.
+TEST_F(PreferencesLayout, OnALowScreenItIsOnTheScreenAndAllOfItInReach) {
+    const Replaced ofScreen {
+        [NSScreen class], @selector(userSpaceScaleFactor), scaleOfDenseScreen
+    };
+    BuildPanel();
+    Open();
+    const NSRect screen = [[NSScreen mainScreen] visibleFrame];
+    ASSERT_LT(NSHeight(screen), 2 * 540);
+    EXPECT_TRUE(NSContainsRect(screen, [panel frame])) << [NSStringFromRect([panel frame]) UTF8String];
+    EXPECT_TRUE(isWholeInSight(controls.prefSciMode));
+    EXPECT_FALSE(isWholeInSight(controls.prefClose));
+    [panel makeFirstResponder:controls.prefSciMode];
+    for (NSView* const view : InOrder()) {
+        EXPECT_TRUE(isWholeInSight(view)) << [[view description] UTF8String];
+        [panel sendEvent:KeyPress(@"\t", KEY_OTHER)];
+    }
+    EXPECT_TRUE(isWholeInSight(controls.prefSciMode)); // behind the last comes the first
+}
+
 TEST_F(PreferencesLayout, TheColorPanelComesBesideIt) {
     Open();
     [panel makeFirstResponder:controls.prefBGColor];
     [panel sendEvent:KeyPress(@" ", KEY_OTHER)];
     EXPECT_FALSE(NSIntersectsRect([[NSColorPanel sharedColorPanel] frame], [panel frame]));
+    Close();
+}
+
+TEST_F(PreferencesLayout, TheSystemsPanelsAreDrawnWholeAtOnce) {
+    Open();
+    [panel makeFirstResponder:controls.prefBGColor];
+    [panel sendEvent:KeyPress(@" ", KEY_OTHER)];
+    EXPECT_FALSE([[NSColorPanel sharedColorPanel] viewsNeedDisplay]);
+    [controls.prefFont performClick:nil];
+    EXPECT_FALSE([[[NSFontManager sharedFontManager] fontPanel:NO] viewsNeedDisplay]);
     Close();
 }
 

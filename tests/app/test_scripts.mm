@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Scripts: the text that is saved, the panels, and files that the system hands over.
+#import "replacement.h"
 #import "script_fixture.h"
 
 #import "PelmoAppDelegate.h"
@@ -9,6 +10,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <list>
 #include <sys/stat.h>
 
 class Scripts : public ScriptTest {};
@@ -206,23 +208,48 @@ protected:
     }
 
     void TearDown() override {
-        for (const Replaced& one : replaced) method_setImplementation(one.method, one.original);
+        while (!replaced.empty()) replaced.pop_back();
         Scripts::TearDown();
     }
 
-private:
-    struct Replaced {
-        Method method;
-        IMP original;
-    };
-    std::vector<Replaced> replaced;
+    std::list<Replaced> replaced; // what came later is put back first
 
     void Replace(Class panel, SEL selector, IMP implementation) {
-        Method const method = class_getInstanceMethod(panel, selector);
-        ASSERT_NE(method, nullptr);
-        replaced.push_back({method, method_setImplementation(method, implementation)});
+        replaced.emplace_back(panel, selector, implementation);
     }
 };
+
+static bool isKeyLeft;
+
+// The panel asks whether the file is to be replaced, and a Return comes before anybody can have read that.
+static NSInteger runPanelThatAsks(NSSavePanel*, SEL) {
+    NSWindow* const question = [[[NSWindow alloc] init] autorelease];
+    [[NSNotificationCenter defaultCenter] postNotificationName:NSWindowDidBecomeKeyNotification
+                                                        object:question];
+    [NSApp postEvent:[NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:0
+                                           timestamp:0
+                                        windowNumber:0
+                                             context:nil
+                                          characters:@"\r"
+                         charactersIgnoringModifiers:@"\r"
+                                           isARepeat:NO
+                                             keyCode:0]
+             atStart:NO];
+    [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
+    isKeyLeft = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                   untilDate:[NSDate distantPast]
+                                      inMode:NSDefaultRunLoopMode
+                                     dequeue:YES] != nil;
+    return NSCancelButton;
+}
+
+TEST_F(ScriptPanels, AQuickReturnDoesNotReplaceAFile) {
+    Replace([NSSavePanel class], @selector(runModal), reinterpret_cast<IMP>(runPanelThatAsks));
+    [console saveDocument:nil];
+    EXPECT_FALSE(isKeyLeft);
+}
 
 TEST_F(ScriptPanels, SavingAsksForAScriptOrATextFile) {
     Enter("1+2");

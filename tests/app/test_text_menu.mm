@@ -21,15 +21,7 @@ namespace {
 class TextMenu : public ConsoleTest {
 protected:
     NSEvent* RightClick(NSEventType type = NSRightMouseDown) {
-        return [NSEvent mouseEventWithType:type
-                                  location:[console convertPoint:NSMakePoint(30, 10) toView:nil]
-                             modifierFlags:0
-                                 timestamp:0
-                              windowNumber:[window windowNumber]
-                                   context:nil
-                               eventNumber:0
-                                clickCount:1
-                                  pressure:1];
+        return Mouse(type, [console convertPoint:NSMakePoint(30, 10) toView:nil]);
     }
 
     NSMenuItem* Item(const char* title) {

@@ -209,6 +209,18 @@ TEST_F(Undo, LeavesTheConsoleClearedOnceSomethingWasAnswered) {
 }
 
 // Any mixture of editing, undo and redo.
+TEST_F(Undo, GoesBackAHundredSteps) {
+    for (int i = 0; i < 150; ++i) {
+        Type("7");
+        [console breakUndoCoalescing];
+        NextEvent();
+    }
+    int steps = 0;
+    for (;[[console undoManager] canUndo] && steps < 150; ++steps) Undone();
+    EXPECT_EQ(steps, 100);
+    EXPECT_EQ(Entry(), std::string(50, '7'));
+}
+
 TEST_F(Undo, NoSequenceHarmsTheTranscript) {
     unsigned state = 12345;
     const auto dice = [&state](unsigned sides) {

@@ -123,7 +123,14 @@ def is_open(window):
 
 def on_screen():
     """All that stands on the screen, menus too: a set of numbers that say nothing but what is new."""
-    return set(run("xdotool", "search", "--onlyvisible", "--maxdepth", "1", "--class", ".*").split())
+
+    def look():
+        try:
+            return run("xdotool", "search", "--onlyvisible", "--maxdepth", "1", "--class", ".*").split()
+        except RuntimeError:
+            return None  # something went away meanwhile
+
+    return set(wait_until("the windows", look))
 
 
 def picture(window):
@@ -132,16 +139,16 @@ def picture(window):
     return subprocess.run(command, stdout=subprocess.PIPE, timeout=PATIENCE, check=True).stdout
 
 
-def at_rest(what, look):
-    """What look() gives, once it has given the same for a while."""
-    looks = []
+def at_rest(what, look, looks=REST):
+    """What look() gives, once it has given the same so many times."""
+    seen = []
 
     def rests():
-        looks.append(look())
-        return looks[-REST:] == [looks[-1]] * REST
+        seen.append(look())
+        return seen[-looks:] == [seen[-1]] * looks
 
     wait_until(f"{what} at rest", rests)
-    return looks[-1]
+    return seen[-1]
 
 
 def geometry(window):

@@ -5,6 +5,7 @@
 """
 
 import subprocess
+import time
 
 from calculator_window import PATIENCE, at_rest, pasteboard, picture, put_on_pasteboard, run, wait_until
 from scenario import Scenario, main
@@ -50,6 +51,19 @@ class Clipboard(Scenario):
         run("xdotool", "click", "2")
         window.wait_for_whole_text("> 2*21")
         self.quit(window)
+
+    def test_a_manager_that_looks_twice_a_second_has_what_was_copied_before_the_end(self):
+        window = self.start()
+        window.enter("6*7")
+        window.wait_for_text("\nans = 42\n\n> ")
+        put_on_pasteboard("before")
+        seen = []
+        window.key("ctrl+c", "alt+q")
+        while window.process.poll() is None:
+            time.sleep(0.5)
+            seen.append(pasteboard())
+        self.assertEqual(window.wait_for_end(), 0)
+        self.assertIn("42", seen)
 
     def test_another_program_that_takes_it_over_has_all_of_it(self):
         """As managers of clipboards do: they fetch the text in each form that is offered, and offer it themselves."""

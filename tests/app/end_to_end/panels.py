@@ -165,9 +165,11 @@ class Panels(Scenario):
         window.enter("3+4")
         panel = self.save_script(window, "mine.script")
         asked = wait_until("the question", question)
+        window.key("Return")  # before anybody can have read it
         activate(asked)
         self.assertEqual(self.saved("mine.script"), ["1+2"])
-        window.key("Return")
+        self.assertTrue(is_open(asked))
+        repeat_until("the answer", lambda: window.key("Return"), lambda: not is_open(asked))
         wait_for_closing(panel)
         self.assertEqual(self.saved("mine.script"), ["1+2", "3+4"])
         window.activate()

@@ -58,7 +58,9 @@ class WorkingDay(Scenario):
         script = os.path.join(self.folder, "long.script")
         with open(script, "w", encoding="ascii") as file:
             file.write("n=0\n" + "n=n+1\n" * 2_000_000)
+        empty = at_rest("the status line", lambda: status_line(window))
         window.start_again(script)
+        wait_until("that it is calculated", lambda: status_line(window) != empty)
         window.key("Escape")
         window.enter("n<2000000")
         window.wait_for_text("\nans = 1\n\n> ")

@@ -52,4 +52,15 @@ TEST_F(Blinking, GoesOnForSeconds) {
     EXPECT_GE([console blinkingTime], 5);
 }
 
+// What is behind the text is drawn anew: to cover the cursor with the background's color would leave a line.
+TEST_F(Blinking, LeavesNothingWhereTheCursorWas) {
+    isDrawn = true;
+    const Replaced drawing([NSTextView class], @selector(drawInsertionPointInRect:color:turnedOn:),
+                           noteDrawing);
+    [console displayIfNeeded];
+    [console drawInsertionPointInRect:NSMakeRect(20, 4, 1, 12) color:[console textColor] turnedOn:NO];
+    EXPECT_TRUE(isDrawn) << "GNUstep's own was not asked";
+    EXPECT_TRUE([console needsDisplay]);
+}
+
 } // namespace

@@ -80,18 +80,6 @@ protected:
         return static_cast<int>((room - 2 * EDGE) / ROW);
     }
 
-    NSEvent* Mouse(NSEventType type, NSPoint where) const {
-        return [NSEvent mouseEventWithType:type
-                                  location:where
-                             modifierFlags:0
-                                 timestamp:0
-                              windowNumber:[window windowNumber]
-                                   context:nil
-                               eventNumber:0
-                                clickCount:1
-                                  pressure:0];
-    }
-
     static void PostEvent(NSEvent* event) { [NSApp postEvent:event atStart:NO]; }
     void PostMouse(NSEventType type, NSPoint where) const { PostEvent(Mouse(type, where)); }
 
@@ -332,6 +320,27 @@ TEST_F(ListPopUpTest, AKeyWithCommandClosesItAndIsLeftForTheMenu) {
                                                 inMode:NSDefaultRunLoopMode
                                                dequeue:YES];
     EXPECT_EQ(std::string([[left characters] UTF8String]), "q");
+}
+
+std::string drawn;
+
+void noteText(NSString* text, SEL, NSPoint, NSDictionary*) {
+    drawn += std::string([text UTF8String]) + ";";
+}
+
+// Drawn letters are wider than the font says, by part of a pixel each.
+NSSize wideOnPixels(NSString* text, SEL, NSDictionary*) {
+    return NSMakeSize(100 * static_cast<CGFloat>([text length]), 13);
+}
+
+TEST_F(ListPopUpTest, TheWidestTextOfAColumnIsWhole) {
+    for (NSString* const title in @[ @"ans\t5", @"price\t19.90" ]) Add(title);
+    const Replaced size([NSString class], @selector(sizeWithAttributes:), wideOnPixels);
+    const Replaced drawing([NSString class], @selector(drawAtPoint:withAttributes:), noteText);
+    drawn.clear();
+    PostKey(@"\x1b");
+    [button performClick:nil];
+    EXPECT_EQ(drawn.substr(0, drawn.find("19.90;") + 6), "ans;5;price;19.90;");
 }
 
 TEST_F(ListPopUpTest, AnEmptyListDoesNotOpen) {

@@ -37,6 +37,18 @@ TEST(SheetText, KeepsItsOwnLinesAndLongWords) {
     EXPECT_EQ(lines("a " + word + " b"), "a\n" + word + "\nb");
 }
 
+// --- Images ---
+
+// Each is looked for in many folders under each ending.
+TEST(ImageKinds, AreFewAndThoseThatAreUsed) {
+    NSAutoreleasePool* const pool = [[NSAutoreleasePool alloc] init];
+    NSArray* const endings = [NSImage imageFileTypes];
+    EXPECT_LE([endings count], 20u);
+    for (NSString* const used in @[ @"png", @"tif", @"tiff" ])
+        EXPECT_TRUE([endings containsObject:used]) << [used UTF8String];
+    [pool release];
+}
+
 // --- Keys ---
 
 TEST(KeyCodes, CharactersTellTheKeys) {

@@ -83,6 +83,31 @@ protected:
         Answer(display, request, request.property);
     }
 
+    static void Put(Display* display, const XSelectionRequestEvent& request, const std::string& text) {
+        XChangeProperty(display, request.requestor, request.property, request.target, 8, PropModeReplace,
+                        reinterpret_cast<const unsigned char*>(text.data()), static_cast<int>(text.size()));
+    }
+
+    // As a program does with a long text: part by part, each when the one before was taken.
+    static void GiveInParts(Display* display, const XSelectionRequestEvent& request,
+                            const std::vector<std::string>& parts) {
+        if (request.target != XInternAtom(display, "UTF8_STRING", False)) return;
+        XSelectInput(display, request.requestor, PropertyChangeMask);
+        const long least = 1;
+        XChangeProperty(display, request.requestor, request.property, XInternAtom(display, "INCR", False), 32,
+                        PropModeReplace, reinterpret_cast<const unsigned char*>(&least), 1);
+        Answer(display, request, request.property);
+        for (const std::string& part : parts) {
+            XEvent event;
+            do XNextEvent(display, &event);
+            while (event.type != PropertyNotify || event.xproperty.state != PropertyDelete);
+            Put(display, request, part);
+        }
+        XFlush(display);
+    }
+
+    void ClickMiddleButton() const { [console otherMouseDown:Mouse(NSOtherMouseDown, NSMakePoint(20, 60))]; }
+
     static void BeSilent(Display*, Window, const XSelectionRequestEvent&, int) {}
 
     pid_t other = 0;
@@ -92,9 +117,9 @@ protected:
 TEST_F(Selections, AManagerHasTheClipboardBeforeTheEnd) {
     Enter("6*7");
     [console copy:nil];
-    EXPECT_FALSE(platformKeepClipboard()) << "there is no manager";
+    EXPECT_FALSE(platformKeepClipboard({})) << "there is no manager";
     Own("CLIPBOARD_MANAGER", Keep);
-    EXPECT_TRUE(platformKeepClipboard());
+    EXPECT_TRUE(platformKeepClipboard({}));
     EXPECT_EQ(Told(2), "42");
 }
 
@@ -110,7 +135,7 @@ TEST_F(Selections, WhoeverDoesNotAnswerIsNotWaitedForLong) {
     Enter("6*7");
     [console copy:nil];
     Own("CLIPBOARD_MANAGER", BeSilent);
-    EXPECT_FALSE(platformKeepClipboard());
+    EXPECT_FALSE(platformKeepClipboard({}));
 }
 
 // --- The middle button ---
@@ -118,23 +143,12 @@ TEST_F(Selections, WhoeverDoesNotAnswerIsNotWaitedForLong) {
 TEST_F(Selections, TheMiddleButtonPastesWhatIsSelectedElsewhere) {
     Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
         if (request.target != XInternAtom(display, "UTF8_STRING", False)) return;
-        const auto* const text = reinterpret_cast<const unsigned char*>("5 \xc3\x97 2\n");
-        XChangeProperty(display, request.requestor, request.property, request.target, 8, PropModeReplace,
-                        text, 7);
+        Put(display, request, "5 \xc3\x97 2\n");
         Answer(display, request, request.property);
     });
     Enter("1+1");
     Type("3*");
-    NSEvent* const click = [NSEvent mouseEventWithType:NSOtherMouseDown
-                                              location:NSMakePoint(20, 60)
-                                         modifierFlags:0
-                                             timestamp:0
-                                          windowNumber:[window windowNumber]
-                                               context:nil
-                                           eventNumber:0
-                                            clickCount:1
-                                              pressure:0];
-    [console otherMouseDown:click];
+    ClickMiddleButton();
     EXPECT_EQ(Entry(), "3*5 * 2") << "with the sign of multiplication as it is typed";
 }
 
@@ -142,7 +156,45 @@ TEST_F(Selections, NothingSelectedPastesNothing) {
     Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
         Answer(display, request, None);
     });
-    EXPECT_EQ(platformSelection(), nil);
+    EXPECT_EQ([platformSelection() length], 0u);
+    ClickMiddleButton();
+    EXPECT_EQ(StatusLine(), "");
+}
+
+TEST_F(Selections, ALongTextThatComesInPartsIsPasted) {
+    Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
+        GiveInParts(display, request, {"1+", std::string(3000, '2'), "+3", ""});
+    });
+    ClickMiddleButton();
+    EXPECT_EQ(Entry(), "1+" + std::string(3000, '2') + "+3");
+}
+
+TEST_F(Selections, ATextTooLongForAnEntryIsRefusedWithTheReason) {
+    Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
+        GiveInParts(display, request, std::vector<std::string>(10, std::string(60000, '2')));
+    });
+    Type("7");
+    ClickMiddleButton();
+    EXPECT_EQ(Entry(), "7");
+    EXPECT_EQ(StatusLine(), "The text is too long for an entry.");
+}
+
+// Its owner hangs: the window does not, and says why nothing came.
+TEST_F(Selections, WhatIsNotHandedOverIsSaid) {
+    Own("PRIMARY", BeSilent);
+    Type("7");
+    ClickMiddleButton();
+    EXPECT_EQ(Entry(), "7");
+    EXPECT_EQ(StatusLine(), "The text could not be fetched.");
+}
+
+TEST_F(Selections, PartsThatDoNotComeAreNotWaitedFor) {
+    Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
+        GiveInParts(display, request, {"1+"});
+    });
+    ClickMiddleButton();
+    EXPECT_EQ(Entry(), "");
+    EXPECT_EQ(StatusLine(), "The text could not be fetched.");
 }
 
 } // namespace

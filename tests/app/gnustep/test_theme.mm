@@ -74,6 +74,24 @@ protected:
     }
 };
 
+// A row of a panel for files or fonts on its list, which is white where it has no rows.
+TEST_F(Theme, TheRowsOfPanelsHaveTheColorOfTheirList) {
+    for (const bool isLight : {false, true}) {
+        platformUseLook(isLight);
+        NSBrowserCell* const cell = [[[NSBrowserCell alloc] initTextCell:@"a name"] autorelease];
+        [cell setLeaf:YES];
+        NSView* const view = [window contentView];
+        const NSRect row = NSMakeRect(0, 0, 120, 18);
+        [view lockFocus];
+        [cell drawInteriorWithFrame:row inView:view];
+        NSBitmapImageRep* const bits = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:row] autorelease];
+        [view unlockFocus];
+        NSColor* const list =
+            [[NSColor textBackgroundColor] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+        EXPECT_NEAR([[bits colorAtX:115 y:9] redComponent], [list redComponent], 0.01) << isLight;
+    }
+}
+
 Shade shadeOf(NSColor* color) {
     NSColor* const rgb = [color colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
     return {[rgb redComponent], [rgb greenComponent], [rgb blueComponent]};
@@ -157,6 +175,15 @@ TEST_F(Theme, FollowsTheBackgroundOfTheConsole) {
 
 TEST_F(Theme, SeparatorsInMenusAreNinePixelsHigh) {
     EXPECT_EQ([[GSTheme theme] menuSeparatorHeight], 9);
+}
+
+TEST_F(Theme, TheTwoButtonsOfAStepperShareItsFrame) {
+    const NSRect frame = NSMakeRect(3, 4, 18, 22);
+    const NSRect up = [[GSTheme theme] stepperUpButtonRectWithFrame:frame];
+    const NSRect down = [[GSTheme theme] stepperDownButtonRectWithFrame:frame];
+    EXPECT_TRUE(NSContainsRect(frame, up));
+    EXPECT_TRUE(NSContainsRect(frame, down));
+    EXPECT_FALSE(NSIntersectsRect(up, down));
 }
 
 // GNUstep reads it once, when the first scroll view is made.

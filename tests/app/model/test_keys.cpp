@@ -101,6 +101,9 @@ TEST(MenuKeys, ShiftIsToldFromCapsLock) {
     EXPECT_EQ(chosen('Z', CONTROL_KEY), "Undo") << "Caps Lock alone";
     EXPECT_EQ(chosen('z', CONTROL_KEY | SHIFT_KEY), "Redo") << "both";
     EXPECT_EQ(chosen('S', COMMAND_KEY | SHIFT_KEY), "Save Script As...");
+    EXPECT_EQ(chosen('F', CONTROL_KEY | SHIFT_KEY), "Functions");
+    EXPECT_EQ(chosen('U', CONTROL_KEY | SHIFT_KEY), "Units");
+    EXPECT_EQ(chosen('f', CONTROL_KEY), "") << "which finds";
 }
 
 TEST(MenuKeys, PlusNeedsNoShift) {
