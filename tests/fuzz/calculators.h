@@ -23,18 +23,6 @@ private:
     static inline int questionsLeft = QUESTIONS;
 };
 
-// Functions and units belong to the process, so there is one at a time.
-inline std::unique_ptr<ZqCalculator> newCalculator(bool withNewUnits) {
-    deleteAllFunctions();
-    if (withNewUnits) deleteAllUnits();
-    auto calc = std::make_unique<ZqCalculator>();
-    calc->InitializeFunctionsAndVars();
-    static_cast<EntrySettings&>(*calc) = standardSettings();
-    calc->traced = false;
-    calc->interruptCheck = Patience::IsOver;
-    return calc;
-}
-
 // Whether an entry of the text, or a line of a file, may change the unit library. The header of a file's
 // section does not.
 inline bool mayChangeUnits(std::string_view text) {
@@ -43,6 +31,33 @@ inline bool mayChangeUnits(std::string_view text) {
     while (word < lower.size() && lower.compare(word, 9, "units ###") == 0)
         word = lower.find("unit", word + 4);
     return word < lower.size() || lower.find("del") < lower.size();
+}
+
+// Whether it may change a function, too.
+inline bool mayChangeFunctions(std::string_view text) {
+    return text.find('=') < text.size() || lowerCased(std::string(text)).find("del") < text.size();
+}
+
+// A calculator for such a text. Functions and units belong to the process, so there is one at a time; those
+// that no text since could change are as they were at the start.
+inline std::unique_ptr<ZqCalculator> newCalculator(std::string_view text) {
+    static bool areFunctionsNew = false;
+    static bool areUnitsNew = true;
+    auto calc = std::make_unique<ZqCalculator>();
+    if (!areUnitsNew) deleteAllUnits();
+    if (areFunctionsNew) {
+        calc->InitializeVarsList();
+        calc->initialized = true;
+    } else {
+        deleteAllFunctions();
+        calc->InitializeFunctionsAndVars();
+    }
+    areFunctionsNew = !mayChangeFunctions(text);
+    areUnitsNew = !mayChangeUnits(text);
+    static_cast<EntrySettings&>(*calc) = standardSettings();
+    calc->traced = false;
+    calc->interruptCheck = Patience::IsOver;
+    return calc;
 }
 
 // One entry. Random numbers begin anew with each.

@@ -105,8 +105,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     const Kind kind = input.Byte() % 4 == 0 ? ANY : NUMBER;
     const size_t routine = input.Byte() % (std::size(UNARY) + std::size(BINARY) + 1);
-    const auto n = static_cast<int64_t>(static_cast<uint64_t>(input.Word()) << (input.Byte() % 33U)) *
-                   (input.Byte() % 2 == 0 ? 1 : -1);
+    const uint64_t word = input.Word();
+    const uint64_t shifted = word << (input.Byte() % 33U);
+    const auto n = static_cast<int64_t>(input.Byte() % 2 == 0 ? shifted : 0 - shifted);
     qfloat x;
     qfloat y;
     read(input, kind, x);
