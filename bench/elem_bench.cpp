@@ -51,11 +51,11 @@ void addRemainder(const Shared& w, const char* name, double bar, Operands Worksp
 void addRows() {
     const auto w = std::make_shared<Workspace>();
     addUnary(w, "square root", 0.9, &Workspace::roots, qsqrt, mpfr_sqrt);
-    addUnary(w, "exp", 1.5, &Workspace::exponents, qexp, mpfr_exp);
-    addUnary(w, "ln", 1.3, &Workspace::logarithms, qlog, mpfr_log);
-    addUnary(w, "ln of 1 to 2", 1.3, &Workspace::nearOne, qlog, mpfr_log);
+    addUnary(w, "exp", 1.0, &Workspace::exponents, qexp, mpfr_exp);
+    addUnary(w, "ln", 1.0, &Workspace::logarithms, qlog, mpfr_log);
+    addUnary(w, "ln of 1 to 2", 1.0, &Workspace::nearOne, qlog, mpfr_log);
     bench::addRow(
-        "power", 1.5, [w](size_t i) { qpow(w->bases.Ours(i), w->powers.Ours(i), w->result); },
+        "power", 1.0, [w](size_t i) { qpow(w->bases.Ours(i), w->powers.Ours(i), w->result); },
         [w](size_t i) { mpfr_pow(w->peerResult, w->bases.Peer(i), w->powers.Peer(i), MPFR_RNDN); });
     bench::addRow(
         "factorial of 1000", 0.6, [w](size_t) { qfac(w->whole, w->result); },

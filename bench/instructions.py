@@ -28,6 +28,8 @@ def scripts():
         "2,000 short lines": [f"{n}*2.5" for n in range(1, 2001)],
         "1,000 lines of calls": CALLS + [f"h({n})" for n in range(1, 1001)],
         "1,000 calls that convert": ["f(x)=x*2 km->mi"] + [f"f({n})" for n in range(1, 1001)],
+        "1,000 calls with variables": ["v=3", "w=5", "f(x)=v*x+w", "g(x)=f(x)+v*f(w)"]
+                                      + [f"g({n})" for n in range(1, 1001)],
         "2^15 calls": chain + ["f14(1)"],
         "nested, 9,900 characters": ["(" * 4949 + "1" + ")" * 4949],
         "nested sums, 9,900 characters": ["(1+" * 2474 + "1" + ")" * 2474],
@@ -64,6 +66,9 @@ def measure(folder):
     rows = {name: count([f"{folder}/tallyquill", "-q", "--no-files"], lines) for name, lines in scripts().items()}
     for line in range(PREVIEWS):
         rows[f"preview {line}"] = count([f"{folder}/preview_bench", str(line)], toggle="onePreview*")
+    bench = f"{folder}/tallyquill_bench"
+    for row in subprocess.run([bench, "--rows"], capture_output=True, text=True, check=True).stdout.splitlines():
+        rows[f"256 of: {row}"] = count([bench, "--count", row], toggle="bench::allOperands*")
     return rows
 
 

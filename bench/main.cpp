@@ -1,23 +1,30 @@
 // SPDX-License-Identifier: MIT
 //
 // usage: tallyquill_bench [Google Benchmark options]
+//        tallyquill_bench --rows
+//        tallyquill_bench --count ROW
 //
 // Prints one table: operation, ours, peer (MPFR at 352 bits unless the row's name says otherwise), ratio,
-// bar.
+// bar; behind it the geometric mean of the ratios. --rows only names the rows, and --count only does our
+// operation of a row once with each operand, for whoever counts instructions.
 #include "ratio.h"
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 #include <map>
 
 namespace {
 
+constexpr double BAR_OF_MEAN = 0.28;
+
 struct Row {
     std::string name;
     double bar;
+    std::function<void(size_t)> ours;
 };
 
 std::vector<Row>& rows() {
@@ -64,6 +71,8 @@ public:
 
     void Finalize() override {
         std::printf("%-28s %10s %10s %7s %7s\n", "operation", "ours ns", "peer ns", "ratio", "bar");
+        double logarithms = 0;
+        int count = 0;
         for (const Row& row : rows()) {
             const auto ours = fastest.find(row.name + "/ours");
             const auto peer = fastest.find(row.name + "/peer");
@@ -71,7 +80,12 @@ public:
             const double ratio = ours->second / peer->second;
             std::printf("%-28s %10.1f %10.1f %7.2f %7.2f%s\n", row.name.c_str(), ours->second, peer->second,
                         ratio, row.bar, ratio > row.bar ? "  above the bar" : "");
+            logarithms += std::log(ratio);
+            ++count;
         }
+        const double mean = count > 0 ? std::exp(logarithms / count) : 0;
+        std::printf("geometric mean of %-3d rows %29.3f %7.2f%s\n", count, mean, BAR_OF_MEAN,
+                    mean > BAR_OF_MEAN ? "  above the bar" : "");
     }
 
 private:
@@ -88,9 +102,14 @@ RowGroup::RowGroup(void (*add)()) {
 
 void addRow(const std::string& name, double bar, std::function<void(size_t)> ours,
             std::function<void(size_t)> peer) {
-    rows().push_back({name, bar});
+    rows().push_back({name, bar, ours});
     registerSide(name + "/ours", std::move(ours));
     registerSide(name + "/peer", std::move(peer));
+}
+
+// A name that a counter of instructions can be told.
+__attribute__((noinline)) static void allOperands(const std::function<void(size_t)>& operation) {
+    for (size_t i = 0; i < OPERAND_COUNT; ++i) operation(i);
 }
 
 void toPeer(const qfloat q, mpfr_ptr m) {
@@ -125,13 +144,25 @@ Operands::~Operands() {
 } // namespace bench
 
 int main(int argc, char** argv) {
+    for (void (*add)() : groups()) add();
+    const std::string option = argc > 1 ? argv[1] : "";
+    if (option == "--rows") {
+        for (const Row& row : rows()) std::puts(row.name.c_str());
+        return 0;
+    }
+    if (option == "--count") {
+        const auto row = std::find_if(rows().begin(), rows().end(),
+                                      [&](const Row& one) { return argc == 3 && one.name == argv[2]; });
+        if (row == rows().end()) return 2;
+        bench::allOperands(row->ours);
+        return 0;
+    }
     std::vector<char*> arguments(argv, argv + argc);
     char interleave[] = "--benchmark_enable_random_interleaving=true";
     arguments.insert(arguments.begin() + 1, interleave);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-    for (void (*add)() : groups()) add();
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return 0;

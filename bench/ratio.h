@@ -3,8 +3,7 @@
 // Speed as ratios: each row times one of our routines and its peer on the same operands in the same run
 // (interleaved at random) and prints ours / peer.  A bar is what a release must not exceed; it is printed
 // beside the ratio and never asserted, because the machine may be busy.
-#ifndef TALLYQUILL_BENCH_RATIO_H
-#define TALLYQUILL_BENCH_RATIO_H
+#pragma once
 
 #include "qfloat.h"
 
@@ -51,5 +50,3 @@ struct RowGroup {
 };
 
 } // namespace bench
-
-#endif

@@ -23,7 +23,7 @@ TRANSCRIPT = 300_000  # bytes
 KEYS = 400
 IDLE = 30  # seconds
 ENTRIES = 10_000
-PREVIEWS = 20_000
+PREVIEWS = 5_000
 
 
 def used(window):
@@ -114,7 +114,7 @@ def measure_memory(folder):
     settle(window)
     entries = megabytes(window)
     for _ in range(PREVIEWS // 20):
-        run("xdotool", "type", "--delay", "2", "sin(30)+sqrt(2)*1.25")
+        run("xdotool", "type", "--delay", "12", "sin(30)+sqrt(2)*1.25")  # as fast as keys repeat
         run("xdotool", "key", "Escape")
     settle(window)
     print(

@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Runs the suites of tests in other languages and places: whatever LC_ALL, TZ, HOME and the XDG folders are.
+
+    places.py FOLDER [--few]      the folder of the built suites; --few: the quick tests alone
+"""
+import argparse
+import os
+import subprocess
+import sys
+import tempfile
+import time
+
+SUITES = ["qfloat_tests", "units_tests", "engine_tests", "store_tests", "web_tests", "terminal_tests"]
+QUICK = {
+    "units_tests": "UnitChanges*",
+    "engine_tests": "Scanner*:Commands*:Definitions*:Completion*:History*:SettingsTable*",
+    "store_tests": "Folder*:SettingsFile*:DefinitionRecords*:ReadingADefinitionsFile.D*",
+    "terminal_tests": "Options*:OwnFiles*:EntryText*",
+}
+XDG = ["XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_STATE_HOME"]
+# None: the variable is missing.
+PLACES = [
+    ("in C", {"LC_ALL": "C"}),
+    ("in German", {"LC_ALL": "de_DE.UTF-8", "TZ": "Antarctica/Troll"}),
+    ("in Turkish", {"LC_ALL": "tr_TR.UTF-8", "TZ": ":::odd/zone"}),
+    ("without HOME", {"HOME": None, "TZ": None, **{name: None for name in XDG}}),
+    ("with relative folders", {"HOME": "here", "TZ": "UTC-25:61", **{name: "./there" for name in XDG}}),
+    ("with empty variables", {"HOME": "", "TZ": "", "LC_ALL": "", **{name: "" for name in XDG}}),
+    ("in a language that there is not", {"LC_ALL": "xx_XX.NONE", "HOME": "/nonexistent/\n"}),
+]
+
+
+def make_locales(folder):
+    for name in ("de_DE", "tr_TR"):
+        # It warns of details with the status 1 and writes the locale all the same.
+        subprocess.run(["localedef", "-i", name, "-f", "UTF-8", f"{folder}/{name}.UTF-8"], stderr=subprocess.DEVNULL)
+        if not os.path.exists(f"{folder}/{name}.UTF-8/LC_CTYPE"):
+            sys.exit(f"places: the locale {name} cannot be made: the package locales is missing")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
+    parser.add_argument("folder")
+    parser.add_argument("--few", action="store_true")
+    options = parser.parse_args()
+    print("| Suite | Where | Tests | Seconds | Failed |\n|---|---|---:|---:|---:|")
+    failed = 0
+    with tempfile.TemporaryDirectory() as locales:
+        make_locales(locales)
+        for suite in QUICK if options.few else SUITES:
+            for title, changes in PLACES:
+                variables = {**os.environ, "LOCPATH": locales, **changes}
+                variables = {name: value for name, value in variables.items() if value is not None}
+                arguments = ["--gtest_filter=" + QUICK[suite]] if options.few else []
+                start = time.monotonic()
+                run = subprocess.run([os.path.abspath(f"{options.folder}/{suite}"), "--gtest_brief=1", *arguments],
+                                     env=variables, cwd=locales, stdin=subprocess.DEVNULL, capture_output=True,
+                                     text=True, errors="replace")
+                ran = next((l.split()[1] for l in run.stdout.split("\n") if l.startswith("[==========] ")), "0")
+                wrong = [l for l in run.stdout.split("\n") if l.startswith("[  FAILED  ]")]
+                failed += run.returncode != 0 or ran == "0"
+                print(f"| {suite} | {title} | {ran} | {time.monotonic() - start:.1f} | {len(wrong)} |", flush=True)
+                if run.returncode != 0:
+                    print(run.stdout[-4000:] + run.stderr[-1000:], file=sys.stderr)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
