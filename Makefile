@@ -16,8 +16,8 @@ compile = cmake --build --preset $(1) -j $(JOBS)
 bundle = build/release/bin/Tallyquill.app
 window = $(bundle)/$(if $(filter Darwin,$(shell uname -s)),Contents/MacOS/)Tallyquill
 
-# Three tests of windows run at a time, and they wait more than they work.
-test_jobs = $(shell expr $(JOBS) + 2)
+# Four tests of windows run at a time, and they wait more than they work.
+test_jobs = $(shell expr $(JOBS) + 3)
 
 define build_and_test
 	$(call configure_tests,$(1)) </dev/null
@@ -27,9 +27,11 @@ endef
 
 # Seconds for each fuzz target.
 FUZZ_SECONDS ?= 60
+# Changes of sources that are tried; SEED=N draws those of an earlier run again.
+MUTANTS ?= 200
 
 .NOTPARALLEL:
-.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast lint format bench bench-check install clean
+.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast faults mutants coverage lint format bench bench-check install clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
@@ -73,6 +75,32 @@ fuzz-fast: deps ## run sequences of entries without sanitizers, FUZZ_SECONDS (60
 	$(call compile,fuzz-fast) --target fuzz_entries </dev/null
 	scripts/fuzz.sh $(FUZZ_SECONDS) build/fuzz/found build/fuzz-fast/bin/fuzz_entries
 
+# Runs in which the program is killed, and runs of each other fault; entries of the long session.
+FAULTS_KILLS ?= 1000
+FAULTS_OTHERS ?= 20
+SOAK_ENTRIES ?= 1000000
+
+faults: deps ## kill the program at random moments, take its files away, have it in other places, and a long session
+	$(call configure_tests,release) </dev/null
+	$(call compile,release) </dev/null
+	tests/faults/faults.py build/release/bin/tallyquill --kills $(FAULTS_KILLS) --others $(FAULTS_OTHERS)
+	tests/faults/places.py build/release/bin
+	nice tests/faults/soak.py build/release/bin/tallyquill $(SOAK_ENTRIES)
+
+mutants: deps ## change one operator or constant at a time: do the tests notice? (MUTANTS=200, SEED=)
+	scripts/mutants.py --jobs $(JOBS) --count $(MUTANTS) $(if $(SEED),--seed $(SEED))
+
+profiles = $(CURDIR)/build/coverage/profiles
+# A program that is killed has its counts too when it keeps them in a file of its own (%c%p).
+killing = ^(screen|plain|app)\.
+coverage: deps ## count what the tests run of each file; those below the bar are printed
+	cmake --preset coverage </dev/null
+	$(call compile,coverage) </dev/null
+	rm -rf $(profiles)
+	LLVM_PROFILE_FILE='$(profiles)/%2m.profraw' ctest --preset coverage -j $(test_jobs) -E '$(killing)' </dev/null
+	LLVM_PROFILE_FILE='$(profiles)/%c%p.profraw' ctest --preset coverage -j $(test_jobs) -R '$(killing)' </dev/null
+	scripts/coverage.py build/coverage
+
 lint: deps ## check format and license lines, run cppcheck and clang-tidy
 	$(configure_lint) </dev/null
 	scripts/lint.sh build/lint $(JOBS)
@@ -83,7 +111,9 @@ format: deps ## rewrite the sources in the project's format
 bench: deps ## build and run the benchmarks, also against other calculators
 	cmake --preset release -DTALLYQUILL_TESTS=OFF -DTALLYQUILL_BENCH=ON </dev/null
 	$(call compile,release) </dev/null
-	@set -e; for program in build/release/bin/*bench*; do $$program; done
+	build/release/bin/tallyquill_bench
+	build/release/bin/preview_bench
+	[ ! -x build/release/bin/key_press_bench ] || tests/app/with_display.sh --limit 600 build/release/bin/key_press_bench
 	bench/peers.py build/release/bin/tallyquill
 
 bench-check: deps ## count instructions: more than 3 % above bench/instructions.txt fails

@@ -16,10 +16,10 @@ set -eu
 debian_terminal="clang cmake ninja-build libpugixml-dev libreadline-dev xdg-utils curl"
 debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-gui-runtime gnustep-base-runtime
     libx11-dev fonts-dejavu-core"
-debian_test="$debian_run g++ libclang-rt-dev libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
+debian_test="$debian_run g++ libclang-rt-dev llvm libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales bc apcalc qalc units
     man-db groff-base zsh fish
-    python3 python3-pexpect python3-pyte tmux xvfb openbox xdotool xclip x11-utils imagemagick"
+    python3 python3-pexpect python3-pyte tmux xvfb openbox picom xdotool xclip x11-utils imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this
 # list on a Mac yet.
@@ -30,8 +30,8 @@ brew_test="$brew_run googletest gmp mpfr google-benchmark pkgconf llvm cppcheck 
 # Elsewhere only the presence of these programs is checked.
 programs_terminal="clang++ cmake ninja curl"
 programs_run="$programs_terminal gnustep-config"
-programs_test="$programs_run units man zsh fish g++ pkg-config clang-format clang-tidy cppcheck valgrind git
-    python3 tmux Xvfb openbox xdotool xclip xprop import"
+programs_test="$programs_run units man zsh fish g++ llvm-cov llvm-symbolizer pkg-config clang-format clang-tidy cppcheck valgrind git
+    python3 tmux Xvfb openbox picom xdotool xclip xprop import"
 
 fail() {
     printf 'deps: %s\n' "$1" >&2

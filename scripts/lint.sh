@@ -40,6 +40,15 @@ if [ -n "$twice" ]; then
     exit 1
 fi
 
+echo "lint: docs/architecture.md"
+# It names the home of everything. Left out is qfloat/, whose routines qfloat.h describes.
+unnamed=$(sources '^(units|engine|store|web|terminal)/.*\.h$|^app/.*\.(h|mm)$' | sed 's|.*[/+]||; s|\.[a-z]*$||' | sort -u |
+    while read -r name; do grep -qwF -e "$name" docs/architecture.md || echo "$name"; done)
+if [ -n "$unnamed" ]; then
+    printf 'lint: docs/architecture.md does not name:\n%s\n' "$unnamed" >&2
+    exit 1
+fi
+
 echo "lint: anonymous namespaces"
 # This clang-tidy has no check for it.
 if sources '^(qfloat|units|engine|store|web|terminal|app)/.*\.cpp$' | xargs grep -nE '^static ' >&2; then

@@ -32,12 +32,13 @@ for state in tray:#202020 tray_clicked:#ffffff; do
     rsvg-convert "$work/tray.svg" -o "$out/Pelmo_${state%%:*}.png"
 done
 
-# The scroller: a rounded knob, 7 points wide, in a track without a drawing of its own but for a fine line.
+# The scroller: a rounded knob, 7 points wide, in a track of which only a fine line is drawn. What is
+# repeated is 16 points high: the higher, the less often it is drawn; the track is never lower than two of them.
 convert -size 7x7 xc:none -fill '#6f787c' -draw 'roundrectangle 0,0 6,6 3,3' "$work/knob.png"
 convert "$work/knob.png" -crop 7x3+0+0 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobTop.tif"
-convert "$work/knob.png" -crop 7x1+0+3 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobVerticalFill.tif"
+convert "$work/knob.png" -crop 7x1+0+3 +repage -scale '7x16!' -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobVerticalFill.tif"
 convert "$work/knob.png" -crop 7x3+0+4 +repage -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none "$out/TransparentScrollerKnobBottom.tif"
-convert -size 15x1 xc:none -fill 'rgba(255,255,255,0.05)' -draw 'rectangle 0,0 14,0' -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none \
+convert -size 15x16 xc:none -fill 'rgba(255,255,255,0.05)' -draw 'rectangle 0,0 14,15' -depth 8 -type TrueColorAlpha -define tiff:alpha=associated -compress none \
     "$out/TransparentScrollerSlotVerticalFill.tif"
 
 # The check boxes of the dark theme, with the space between box and title.
@@ -77,6 +78,9 @@ mark='-fill none -stroke #b8c0c4 -strokewidth 1.3'
     mark='-fill #0d7075 -stroke #5fb9bd -strokewidth 1.6'
     convert -size 48x48 xc:none $mark -draw 'polygon 6,12 19,12 23,17 42,17 42,38 6,38' "$theme/common_Folder.png"
     cp "$theme/common_Folder.png" "$theme/common_HomeDirectory.png"
+    mark='-fill none -stroke #b8c0c4 -strokewidth 2.5'
+    convert -size 48x48 xc:none $mark -draw 'polygon 11,5 28,5 37,14 37,43 11,43' -draw 'polyline 28,5 28,14 37,14' \
+        "$theme/common_Unknown.png"
     mark='-fill none -stroke #b8c0c4 -strokewidth 1.5'
     convert -size 24x24 xc:none $mark -draw 'polyline 4,12 12,4 20,12' -draw 'polyline 6,11 6,20 18,20 18,11' \
         "$theme/common_Home.png"
