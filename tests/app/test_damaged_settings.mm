@@ -216,7 +216,8 @@ TEST_F(DamagedSettings, DamageOfBothFilesIsSaid) {
 
 // --- Files that may not be read ---
 
-// As a person without the rights of root, to whom no file is closed, while it lives.
+// As a person without the rights of root, to whom no file is closed, while it lives. No window is opened
+// meanwhile: GNUstep asks for the user's name then, and loses the one before.
 class AsAnybody {
 public:
     explicit AsAnybody(const std::string& home) {
@@ -250,9 +251,9 @@ TEST_F(DamagedSettings, AFileThatMayNotBeReadIsNotWrittenOver) {
 }
 
 TEST_F(DamagedSettings, AFailedWritingDoesNotHideAFailedReading) {
-    const AsAnybody person(home);
     Write(FunctionsPath(), "### FUNCTIONS ###\nf(x)=x+\x02\n### HISTORY ###\n");
     Restart();
+    const AsAnybody person(home);
     const std::string read = News();
     EXPECT_NE(read.find("pelmo_functions.txt.unreadable"), std::string::npos) << read;
     ASSERT_EQ(chmod(SettingsPath().c_str(), 0200), 0);
