@@ -3,6 +3,7 @@
 
 #include "Interrupt.h"
 #include "ShownText.h"
+#include "TypedText.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -239,7 +240,7 @@ bool ReadlineEditor::ReadBytes(long patience) {
     lastRead = static_cast<size_t>(count);
     piece.append(block, lastRead);
     const size_t whole = wholeCharacters(piece);
-    bytes = signs.Read(std::string_view(piece).substr(0, whole));
+    bytes = signs.Read(asUtf8(std::string_view(piece).substr(0, whole)));
     piece.erase(0, whole);
     taken = 0;
     return !bytes.empty();
@@ -263,15 +264,29 @@ int ReadlineEditor::HasBytes() {
     return isEscape && editor.ReadBytes(PATIENCE) ? 1 : 0;
 }
 
-// The preview goes first: Readline writes only where it knows what is there. Not its hook for drawing the
-// line (rl_redisplay_function) but this is the place: the hook runs for each of many keys that came together
-// and in the middle of what is not the line (a search, an argument, a list of names), and not at all when a
-// key leaves the line alone. Here it is known that Readline has written all it will until the next key.
+// The preview goes first: Readline writes only where it knows what is there. Its hook for drawing the line
+// runs for each of many keys that came together, in the middle of a search or a list of names, and not at all
+// when a key leaves the line alone. Here all is written until the next key.
 void ReadlineEditor::RunKeys() {
     std::fputs(row.Erase().c_str(), screen);
-    while (taken < bytes.size() && !isDone) rl_callback_read_char();
+    while (taken < bytes.size() && !isDone) {
+        rl_callback_read_char();
+        if (!isDone) KeepText();
+    }
     lastKey = Clock::now();
     if (!isDone) DrawPreview();
+}
+
+// Readline's keys of vi that go to the next word never end in a line that is no UTF-8. It gets none, but
+// keeps the rest of a character behind a key that wants another one. Undoing does not bring it back.
+void ReadlineEditor::KeepText() {
+    const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
+    if (isUtf8(line)) return;
+    const std::string before = asUtf8(line.substr(0, static_cast<size_t>(rl_point)));
+    const std::string behind = asUtf8(line.substr(static_cast<size_t>(rl_point)));
+    rl_replace_line((before + behind).c_str(), 1);
+    rl_point = rl_mark = static_cast<int>(before.size());
+    rl_redisplay();
 }
 
 int ReadlineEditor::TypeOperator(int count, int key) {
@@ -315,17 +330,9 @@ std::string ReadlineEditor::ReadPaste() {
 // A pasted text of several lines: each that has an end is run, what follows the last end stays in the editor.
 int ReadlineEditor::TakePaste(int, int) {
     ReadlineEditor& editor = *editing;
-    const std::string text = editor.ReadPaste();
-    std::vector<std::string> lines(1);
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
-        if (text[i] == '\r' || text[i] == '\n')
-            lines.emplace_back();
-        else
-            lines.back() += text[i];
-    }
+    std::vector<std::string> lines = pastedLines(editor.ReadPaste());
     if (lines.size() == 1) {
-        rl_insert_text(text.c_str());
+        rl_insert_text(lines.front().c_str());
         return 0;
     }
     editor.isPasted = true;

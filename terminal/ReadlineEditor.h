@@ -51,6 +51,7 @@ private:
     bool ReadBytes(long patience);
     std::string ReadPaste();
     void RunKeys();
+    void KeepText();
     void ShowAgain();
     void FollowSize();
     int Recall(bool isOlder);

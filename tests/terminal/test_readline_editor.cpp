@@ -3,6 +3,9 @@
 // What stays in Readline, which belongs to the process, from one editor to the next.
 #include "ReadlineEditor.h"
 
+#include "ShownText.h"
+
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -46,6 +49,47 @@ TEST(ReadlineEditor, BeginsWithoutTheSearchInWhichTheInputOfAnotherOneEnded) {
     EXPECT_EQ(LineSource::Status::End, firstLine("\x12s", line)); // Ctrl-R
     EXPECT_EQ(LineSource::Status::Line, firstLine("2+3\r", line));
     EXPECT_EQ("2+3", line);
+}
+
+// The line that Readline leaves of these keys, in a process of its own, which ends when they do not: Readline
+// would keep the keys of vi, to which Alt with Ctrl-J turns.
+void expectLine(const std::string& keys, const std::string& expected) {
+    const auto inChild = [&] {
+        alarm(10);
+        setenv("INPUTRC", "/dev/null", 1);
+        setenv("TERM", "xterm", 1);
+        std::string line;
+        firstLine(keys + "\r", line);
+        if (line != expected) std::fputs(shownText(line).c_str(), stderr);
+        std::_Exit(line == expected ? 0 : 1);
+    };
+    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "") << shownText(keys);
+}
+
+const std::string MARK = "\xEF\xBF\xBD"; // for a byte that is no text
+
+TEST(ReadlineEditor, GoesToTheNextWordWithKeysOfViInWhatIsNoText) {
+    for (const char* const command : {"e", "E", "w", "W", "="}) {
+        const std::string keys = std::string("\x1b"
+                                             "0") +
+                                 command + "A";
+        expectLine("\x1b\n"
+                   "a\xE4\xB8" +
+                       keys,
+                   "a" + MARK + MARK);
+        expectLine("\x1b\n\xFF\xE4\xB8 2" + keys, MARK + MARK + MARK + " 2");
+    }
+}
+
+TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
+    expectLine("1+2\x02\xFF\x33", "1+" + MARK + "32");          // Ctrl-B
+    expectLine("\x1b\xC3\xA9\x32\x02\x33", MARK + "32");        // Alt with a letter that is no key
+    expectLine("\x1b\xC3\xA9\x02\x06\x1f\x1f\x32", MARK + "2"); // Ctrl-_ brings the byte not back
+}
+
+TEST(ReadlineEditor, TakesAPastedTextToItsEnd) {
+    const std::string nul(1, '\0');
+    expectLine("\x1b[200~1" + nul + "2\xE4\x1b[201~", "1?2" + MARK);
 }
 
 } // namespace
