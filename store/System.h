@@ -1,20 +1,25 @@
 // SPDX-License-Identifier: MIT
 //
-// The system's calls for files, terminals and the clock. Whatever is kept, read and answered goes through one
-// object of this class, so that a test can put another one in its place and let each of the calls fail.
+// The system's calls for files, terminals, other programs and the clock. Whatever is kept, read and answered
+// goes through one object of this class, so that a test can put another one in its place and let each of the
+// calls fail.
 #pragma once
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
+#include <spawn.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/select.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -63,6 +68,18 @@ public:
     virtual int SetModes(int terminal, int when, const termios& modes) {
         return tcsetattr(terminal, when, &modes);
     }
+    virtual int IsTerminal(int file) { return isatty(file); }
+    virtual int Size(int terminal, winsize& size) { return ioctl(terminal, TIOCGWINSZ, &size); }
+    virtual pid_t Foreground(int terminal) { return tcgetpgrp(terminal); }
+
+    virtual int MakePipe(int* ends) { return pipe(ends); }
+    // Looks for the program in PATH and gives it this environment. Returns what errno would say.
+    virtual int Start(pid_t& process, const posix_spawn_file_actions_t& actions, char** arguments,
+                      char** environment) {
+        return posix_spawnp(&process, arguments[0], &actions, nullptr, arguments, environment);
+    }
+    virtual pid_t WaitForEnd(pid_t process, int& status) { return waitpid(process, &status, 0); }
+    virtual int Signal(pid_t process, int signal) { return kill(process, signal); }
 
     virtual int StatusOf(int file, struct stat& info) { return fstat(file, &info); }
     virtual int Status(const char* path, struct stat& info) { return stat(path, &info); }

@@ -2,7 +2,6 @@
 #include "Colors.h"
 
 #include <cstdlib>
-#include <unistd.h>
 #ifdef TALLYQUILL_READLINE
 #include <termcap.h>
 #endif
@@ -35,12 +34,12 @@ bool knowsSequences() {
 #endif
 }
 
-bool wantsColors(std::string_view choice, int descriptor) {
+bool wantsColors(std::string_view choice, int descriptor, System& system) {
     if (choice == "always" || choice == "never") return choice == "always";
     if (!variable("NO_COLOR").empty()) return false;
     const std::string_view forced = variable("CLICOLOR_FORCE");
     if (!forced.empty() && forced != "0") return true;
-    return isatty(descriptor) == 1 && knowsSequences();
+    return system.IsTerminal(descriptor) == 1 && knowsSequences();
 }
 
 std::string colored(Shade shade, std::string_view text) {

@@ -3,6 +3,8 @@
 // The colors of what the terminal shows: one table.
 #pragma once
 
+#include "System.h"
+
 #include <string>
 #include <string_view>
 
@@ -15,7 +17,7 @@ bool knowsSequences();
 // Whether what goes to the descriptor gets colors. `choice` is "always", "never" or "auto" (also when it is
 // empty): then by CLICOLOR_FORCE and NO_COLOR, and otherwise when it is a terminal that knows escape
 // sequences.
-bool wantsColors(std::string_view choice, int descriptor);
+bool wantsColors(std::string_view choice, int descriptor, System& system = System::Real());
 
 // The text in its color, a line feed at its end behind that.
 std::string colored(Shade shade, std::string_view text);

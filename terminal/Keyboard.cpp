@@ -30,13 +30,13 @@ TerminalModes::Use useHere() {
 
 } // namespace
 
-Keyboard::Keyboard(PromptHost& theHost, int from, int to, size_t length)
-    : host(theHost), terminal(from, to, useHere()), screen(to), keep(length) {
+Keyboard::Keyboard(PromptHost& theHost, int from, int to, size_t length, System& calls)
+    : system(calls), host(theHost), terminal(from, to, useHere(), calls), screen(to), keep(length) {
     useUtf8();
 }
 
 void Keyboard::Flush() {
-    if (screen >= 0 && !shown.empty()) writeAll(screen, shown);
+    if (screen >= 0 && !shown.empty()) writeAll(screen, shown, system);
     shown.clear();
 }
 

@@ -18,7 +18,7 @@ class Keyboard : public LineSource {
 public:
     // Reads from the terminal `from` and shows prompts and what is typed on `to` (-1: nowhere). Of each
     // line at most `length` bytes are kept. One object at a time. Sets the process's locale for characters.
-    Keyboard(PromptHost& theHost, int from, int to, size_t length);
+    Keyboard(PromptHost& theHost, int from, int to, size_t length, System& calls = System::Real());
 
     Status Next(std::string& line) override;
 
@@ -40,6 +40,7 @@ private:
     // The status of the line whose line feed was just taken.
     Status LineStatus(const std::string& line) const;
 
+    System& system;
     PromptHost& host;
     TerminalModes terminal;
     int screen;

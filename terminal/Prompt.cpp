@@ -24,7 +24,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <sys/ioctl.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -36,14 +36,9 @@ constexpr int PROMPT_WIDTH = sizeof PROMPT - 1;
 
 constexpr char CUT_LINE[] = "** ERROR: this terminal cuts lines of more than 4094 characters **\n";
 
-int widthOf(int screen) {
-    winsize size = {};
-    return ioctl(screen, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
 class Prompt : public PromptHost {
 public:
-    Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how);
+    Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how, System& calls);
 
     PromptEnd Run();
 
@@ -60,7 +55,9 @@ private:
     std::string WithHelp(const std::string& error) const;
     std::string AsHint(const std::string& text) const;
     std::string Filled(const std::string& text) const;
+    int Width() const;
 
+    System& system;
     Session& session;
     PromptFiles& files;
     PromptOptions options;
@@ -70,15 +67,21 @@ private:
     std::unique_ptr<LineSource> lines;
 };
 
-Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how)
-    : session(theSession), files(theFiles), options(how), screen(promptDescriptor(answers)) {
+Prompt::Prompt(Session& theSession, PromptFiles& theFiles, int answers, const PromptOptions& how,
+               System& calls)
+    : system(calls), session(theSession), files(theFiles), options(how),
+      screen(promptDescriptor(answers, calls)) {
 #ifdef TALLYQUILL_READLINE
-    if (!options.isPlain && screen >= 0 && knowsSequences())
-        lines = std::make_unique<ReadlineEditor>(*this, STDIN_FILENO, screen);
+    if (!options.isPlain && screen >= 0 && knowsSequences()) {
+        try {
+            lines = std::make_unique<ReadlineEditor>(*this, STDIN_FILENO, screen, system);
+        } catch (const std::system_error&) { // lines without an editor are left
+        }
+    }
 #endif
-    if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH);
+    if (!lines) lines = std::make_unique<Keyboard>(*this, STDIN_FILENO, screen, KEPT_LENGTH, system);
     lines->SetHistory(files.History());
-    if (isatty(STDERR_FILENO) == 1)
+    if (system.IsTerminal(STDERR_FILENO) == 1)
         session.SetErrorForm([this](const std::string& error) { return WithHelp(error); });
 }
 
@@ -99,7 +102,8 @@ PromptEnd Prompt::Run() {
         if (status == Status::Failed) return PromptEnd::InputLost;
         if (status == Status::Blank) continue;
         // The shell's prompt, or the next one of ours, begins on a line of its own.
-        if (screen >= 0 && (status == Status::Canceled || status == Status::End)) writeAll(screen, "\n");
+        if (screen >= 0 && (status == Status::Canceled || status == Status::End))
+            writeAll(screen, "\n", system);
         if (status == Status::Canceled) continue;
         if (status == Status::End) return PromptEnd::Ended;
         const Session::Outcome outcome = status == Status::Cut
@@ -120,7 +124,7 @@ Session::Outcome Prompt::Answer(const std::string& line, bool isPasted) {
     const Session::Outcome outcome = isWord ? AnswerWord(line.substr(start)) : Evaluate(line, isPasted);
     if (outcome == Session::Outcome::OutputLost) return outcome;
     const std::string news = files.TakeNews();
-    if (!news.empty() && screen >= 0) writeAll(screen, shownText(news + "\n"));
+    if (!news.empty() && screen >= 0) writeAll(screen, shownText(news + "\n"), system);
     return outcome;
 }
 
@@ -133,17 +137,22 @@ Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {
     const bool isDefinition = calc.status == STATUS_MESSAGE && *calc.message != '\0';
     const bool isComputed = calc.status == STATUS_RESULT || isDefinition; // an echoed text is not
     if (outcome != Session::Outcome::Answered || screen < 0 || !isComputed) return outcome;
-    return writeAll(screen, AsHint(Filled(notes.For(line)))) ? outcome : Session::Outcome::OutputLost;
+    return writeAll(screen, AsHint(Filled(notes.For(line))), system) ? outcome : Session::Outcome::OutputLost;
 }
 
 // The prompt's own words, which begin with ':'.
 Session::Outcome Prompt::AnswerWord(const std::string& line) {
     const PromptReply reply =
-        runPromptWord({session.Calculator(), files.Settings(), files.History(), widthOf(screen)}, line);
+        runPromptWord({session.Calculator(), files.Settings(), files.History(), Width()}, line);
     files.NoteChange();
     if (reply.kind == PromptReply::END) return Session::Outcome::Ended;
     if (reply.kind == PromptReply::ERROR) return session.RefuseEntry(line, reply.text);
     return session.Show(reply.text) ? Session::Outcome::Answered : Session::Outcome::OutputLost;
+}
+
+int Prompt::Width() const {
+    winsize size = {};
+    return system.Size(screen, size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
 }
 
 std::string Prompt::AsHint(const std::string& text) const {
@@ -155,7 +164,7 @@ std::string Prompt::Filled(const std::string& text) const {
     std::istringstream each(text);
     std::string filled;
     for (std::string line; std::getline(each, line); filled += '\n')
-        addWords(filled, line, 0, static_cast<size_t>(widthOf(screen)));
+        addWords(filled, line, 0, static_cast<size_t>(Width()));
     return filled;
 }
 
@@ -164,7 +173,7 @@ std::string Prompt::WithHelp(const std::string& error) const {
     ZqCalculator& calc = session.Calculator();
     if (calc.status != STATUS_ERROR || calc.entryLine != current) return error;
     const std::string mark =
-        markUnder(current, calc.errorRange, lines->PromptIndent() + PROMPT_WIDTH, widthOf(screen));
+        markUnder(current, calc.errorRange, lines->PromptIndent() + PROMPT_WIDTH, Width());
     return AsHint(mark) + error + AsHint(Filled(hintAfterError(current, calc)));
 }
 
@@ -190,12 +199,13 @@ Completion Prompt::CompletionsAt(const std::string& entry, size_t cursor) {
 
 } // namespace
 
-int promptDescriptor(int answers) {
-    if (isatty(answers) == 1) return answers;
-    return isatty(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
+int promptDescriptor(int answers, System& system) {
+    if (system.IsTerminal(answers) == 1) return answers;
+    return system.IsTerminal(STDERR_FILENO) == 1 ? STDERR_FILENO : -1;
 }
 
-PromptEnd runPrompt(Session& session, PromptFiles& files, int answers, const PromptOptions& options) {
+PromptEnd runPrompt(Session& session, PromptFiles& files, int answers, const PromptOptions& options,
+                    System& system) {
     const InterruptCatcher catcher;
-    return Prompt(session, files, answers, options).Run();
+    return Prompt(session, files, answers, options, system).Run();
 }

@@ -9,8 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
+#include <system_error>
 
 #include <readline/history.h>
 #include <readline/readline.h>
@@ -56,9 +55,10 @@ void replaceLine(const std::string& text) {
 
 // --- Start and end ---
 
-ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to)
-    : host(theHost), terminal(from, to, TerminalModes::Use::Editing),
-      screen(fdopen(fcntl(to, F_DUPFD_CLOEXEC, 3), "w")) {
+ReadlineEditor::ReadlineEditor(PromptHost& theHost, int from, int to, System& calls)
+    : host(theHost), terminal(from, to, TerminalModes::Use::Editing, calls),
+      screen(fdopen(calls.Duplicate(to, 3), "w")) {
+    if (!screen) throw std::system_error(errno, std::generic_category());
     editing = this;
     rl_readline_name = "tallyquill"; // for "$if" in .inputrc
     rl_instream = stdin;

@@ -19,8 +19,8 @@
 class ReadlineEditor : public LineSource {
 public:
     // Reads from the terminal `from` and draws on the terminal `to`. One object at a time. Sets the process's
-    // locale for characters.
-    ReadlineEditor(PromptHost& theHost, int from, int to);
+    // locale for characters. Throws std::system_error when it cannot have a descriptor of its own.
+    ReadlineEditor(PromptHost& theHost, int from, int to, System& calls = System::Real());
     ~ReadlineEditor() override;
 
     Status Next(std::string& line) override;

@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -189,7 +188,7 @@ Session::Outcome Session::CarryOut(std::string_view message) {
 }
 
 Session::Outcome Session::Clear() {
-    if (style.json || style.plain || isatty(answers.Descriptor()) != 1 || !knowsSequences())
+    if (style.json || style.plain || system.IsTerminal(answers.Descriptor()) != 1 || !knowsSequences())
         return Outcome::Answered;
     return answers.Write("\x1b[H\x1b[2J") ? Outcome::Answered : Outcome::OutputLost;
 }
@@ -207,10 +206,10 @@ Session::Outcome Session::TypeOut(std::string_view text, long wait) {
 }
 
 Session::Outcome Session::Convert(std::string_view query) {
-    if (isatty(answers.Descriptor()) == 1 && !style.json && !Show("...checking...\n"))
+    if (system.IsTerminal(answers.Descriptor()) == 1 && !style.json && !Show("...checking...\n"))
         return Outcome::OutputLost;
     const char* const service = std::getenv("TALLYQUILL_QUERY_URL");
-    const std::string found = askService(service ? service : "", query, QUERY_SECONDS, isInterrupted);
+    const std::string found = askService(service ? service : "", query, QUERY_SECONDS, isInterrupted, system);
     if (isInterrupted()) return Outcome::Interrupted;
     return Answer(found.empty() ? "Not found." : found);
 }

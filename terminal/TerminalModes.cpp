@@ -13,15 +13,15 @@ namespace {
 // The one object, for the signal handlers.
 std::atomic<TerminalModes*> watching{nullptr};
 
-bool isInBackground(int terminal) {
-    const pid_t foreground = tcgetpgrp(terminal);
+bool isInBackground(int terminal, System& system) {
+    const pid_t foreground = system.Foreground(terminal);
     return foreground > 0 && foreground != getpgrp();
 }
 
 // In the background the terminal has the modes of the shell's line editor. There the system stops whoever
 // waits for the output, which changes nothing, until the shell brings the program to the foreground.
-void waitForForeground(int terminal) {
-    while (isInBackground(terminal) && tcdrain(terminal) != 0 && errno == EINTR) {
+void waitForForeground(int terminal, System& system) {
+    while (isInBackground(terminal, system) && tcdrain(terminal) != 0 && errno == EINTR) {
     }
 }
 
@@ -73,7 +73,7 @@ void TerminalModes::Stop() {
 void TerminalModes::TakeAgain(int) {
     const int saved = errno;
     TerminalModes* const terminal = watching;
-    waitForForeground(terminal->input);
+    waitForForeground(terminal->input, terminal->system);
     termios found = {};
     if (terminal->system.Modes(terminal->input, found) == 0 && (found.c_lflag & ICANON) != 0)
         terminal->UseModes(found);
@@ -101,8 +101,8 @@ void TerminalModes::UseModes(const termios& found) {
 
 TerminalModes::TerminalModes(int from, int to, Use purpose, System& calls)
     : system(calls), input(from), screen(to), use(purpose) {
-    if (isatty(input) == 0) return;
-    waitForForeground(input);
+    if (system.IsTerminal(input) == 0) return;
+    waitForForeground(input, system);
     termios found = {};
     if (system.Modes(input, found) != 0) return;
     isTerminal = true;
@@ -120,7 +120,8 @@ TerminalModes::~TerminalModes() {
     for (SignalCatcher& catcher : catchers) catcher.Stop();
     watching = nullptr;
     WriteMarks(false);
-    system.SetModes(input, TCSADRAIN, modes);
+    while (system.SetModes(input, TCSADRAIN, modes) != 0 && errno == EINTR) {
+    }
 }
 
 bool TerminalModes::IsKey(char byte, int key) const {

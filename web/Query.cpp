@@ -6,16 +6,9 @@
 #include "ShownText.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <csignal>
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 bool isWebAddress(const std::string& address) {
     const std::string lower = lowerCased(address);
@@ -35,16 +28,26 @@ size_t pageLength(std::string_view output) {
     return length;
 }
 
-// Reads to the end. False when that does not come in time, is given up, or lies beyond the longest page.
-bool readAll(int descriptor, Clock::time_point deadline, const std::function<bool()>& isGivenUp,
-             std::string& output) {
+// Whether there is something to read, or the end, before long.
+enum class Ready { Yes, NotYet, Never };
+
+Ready whenReady(int descriptor, System& system) {
     constexpr int INTERVAL = 20; // milliseconds
+    pollfd waiting = {descriptor, POLLIN, 0};
+    const int ready = system.Poll(waiting, INTERVAL);
+    if (ready > 0) return Ready::Yes;
+    return ready == 0 || errno == EINTR ? Ready::NotYet : Ready::Never;
+}
+
+// Reads to the end. False when that does not come in time, is given up, or lies beyond the longest page.
+bool readAll(int descriptor, System::Time deadline, const std::function<bool()>& isGivenUp, System& system,
+             std::string& output) {
     char block[16384];
-    while (output.size() <= LONGEST_PAGE + GOOD_END.size() && Clock::now() < deadline && !isGivenUp()) {
-        pollfd waiting = {descriptor, POLLIN, 0};
-        const int ready = poll(&waiting, 1, INTERVAL);
-        if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
-        const ssize_t count = read(descriptor, block, sizeof block);
+    while (output.size() <= LONGEST_PAGE + GOOD_END.size() && system.Now() < deadline && !isGivenUp()) {
+        const Ready ready = whenReady(descriptor, system);
+        if (ready == Ready::Never) return false;
+        if (ready == Ready::NotYet) continue;
+        const ssize_t count = system.Read(descriptor, block, sizeof block);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return count == 0;
         output.append(block, static_cast<size_t>(count));
@@ -53,25 +56,25 @@ bool readAll(int descriptor, Clock::time_point deadline, const std::function<boo
 }
 
 // The page at the address, empty on every failure.
-std::string fetch(const std::string& address, int seconds, const std::function<bool()>& isGivenUp) {
+std::string fetch(const std::string& address, int seconds, const std::function<bool()>& isGivenUp,
+                  System& system) {
     int ends[2];
-    if (pipe(ends) != 0) return "";
-    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    if (system.MakePipe(ends) != 0) return "";
+    for (const int end : ends) system.CloseOnExec(end);
     // Its own time-out is there for the case that this process is killed meanwhile.
     const pid_t process =
         startProgram({"curl", "--disable", "--silent", "--globoff", "--location", "--max-redirs", "5",
                       "--proto", "=http,https", "--max-time", std::to_string(seconds), "--write-out",
                       "\n%{http_code} %{exitcode}", "--", address},
-                     ends[1]);
-    close(ends[1]);
+                     ends[1], system);
+    system.Close(ends[1]);
     std::string output;
-    const auto deadline = Clock::now() + std::chrono::seconds(seconds);
-    const bool isWhole = process >= 0 && readAll(ends[0], deadline, isGivenUp, output);
-    close(ends[0]);
+    const auto deadline = system.Now() + std::chrono::seconds(seconds);
+    const bool isWhole = process >= 0 && readAll(ends[0], deadline, isGivenUp, system, output);
+    system.Close(ends[0]);
     if (process < 0) return "";
-    if (!isWhole) kill(process, SIGKILL);
-    waitForProgram(process);
+    if (!isWhole) system.Signal(process, SIGKILL);
+    waitForProgram(process, system);
     output.resize(isWhole ? pageLength(output) : 0);
     return output;
 }
@@ -115,7 +118,7 @@ std::string answerInPage(std::string_view page) {
 }
 
 std::string askService(std::string_view service, std::string_view query, int seconds,
-                       const std::function<bool()>& isGivenUp) {
+                       const std::function<bool()>& isGivenUp, System& system) {
     if (!isWebAddress(std::string(service))) return "";
-    return answerInPage(fetch(queryAddress(service, query), seconds, isGivenUp));
+    return answerInPage(fetch(queryAddress(service, query), seconds, isGivenUp, system));
 }

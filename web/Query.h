@@ -9,6 +9,8 @@
 // linked statically, which the library's own libraries do not allow. And a child can be ended at any time.
 #pragma once
 
+#include "System.h"
+
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -24,11 +26,11 @@ constexpr size_t LONGEST_PAGE = size_t{8} << 20;
 // an HTTP GET of its path /input/?i=QUERY by the program curl, for so many seconds at most. Redirections are
 // followed, to http and https. Empty when there is no answer: an address of another kind, a service that
 // cannot be reached or does not answer in time, an HTTP status that is not 200 to 299, a page that is too
-// long, that is not UTF-8 or that holds no answer, or no curl. `isGivenUp` is asked about every 20
-// milliseconds and ends the wait, without an answer, by returning true. In every case, no process is
-// left behind.
+// long, that is not UTF-8 or that holds no answer, no curl, or a call of the system that fails. `isGivenUp`
+// is asked about every 20 milliseconds and ends the wait, without an answer, by returning true. In every
+// case, no process is left behind.
 std::string askService(std::string_view service, std::string_view query, int seconds,
-                       const std::function<bool()>& isGivenUp);
+                       const std::function<bool()>& isGivenUp, System& system = System::Real());
 
 // The answer in a page: the value of the first title attribute behind "pod_0200", in one line and without
 // control characters. Empty when there is none.

@@ -25,6 +25,8 @@ public:
     // Whether there were so many calls.
     bool IsReached() const { return calls > failing; }
 
+    int Failure() const { return failure; }
+
     // The name of the call that failed, and of the file if it had one. Nothing where a call cannot be short.
     const std::string& WhatFailed() const { return whatFailed; }
 
@@ -68,6 +70,23 @@ public:
     }
     int SetModes(int terminal, int when, const termios& modes) override {
         return Fails("tcsetattr") ? -1 : System::SetModes(terminal, when, modes);
+    }
+    int IsTerminal(int file) override { return Fails("isatty") ? 0 : System::IsTerminal(file); }
+    int Size(int terminal, winsize& size) override {
+        return Fails("ioctl") ? -1 : System::Size(terminal, size);
+    }
+    pid_t Foreground(int terminal) override { return Fails("tcgetpgrp") ? -1 : System::Foreground(terminal); }
+    int MakePipe(int* ends) override { return Fails("pipe") ? -1 : System::MakePipe(ends); }
+    int Start(pid_t& process, const posix_spawn_file_actions_t& actions, char** arguments,
+              char** environment) override {
+        if (Fails("posix_spawn", arguments[0])) return failure;
+        return System::Start(process, actions, arguments, environment);
+    }
+    pid_t WaitForEnd(pid_t process, int& status) override {
+        return Fails("waitpid") ? -1 : System::WaitForEnd(process, status);
+    }
+    int Signal(pid_t process, int signal) override {
+        return Fails("kill") ? -1 : System::Signal(process, signal);
     }
     int StatusOf(int file, struct stat& info) override {
         return Fails("fstat") ? -1 : System::StatusOf(file, info);

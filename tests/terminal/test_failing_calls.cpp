@@ -6,6 +6,7 @@
 #include "Descriptor.h"
 #include "Ending.h"
 #include "Options.h"
+#include "Prompt.h"
 #include "PromptFiles.h"
 #include "Run.h"
 #include "Session.h"
@@ -18,7 +19,9 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <string>
+#include <termios.h>
 #include <unistd.h>
 #include <vector>
 
@@ -232,5 +235,107 @@ TEST_F(FailingCallsOfARun, OfTheTerminalEndItsInputOrAreTriedAgain) {
     });
     EXPECT_GT(count, 5U);
 }
+
+// A pseudo-terminal at which keys were typed.
+class TypedAt {
+public:
+    explicit TypedAt(const std::string& keys) : person(posix_openpt(O_RDWR | O_NOCTTY)) {
+        EXPECT_EQ(0, grantpt(person));
+        EXPECT_EQ(0, unlockpt(person));
+        path = ptsname(person);
+        program = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        EXPECT_EQ(static_cast<ssize_t>(keys.size()), write(person, keys.data(), keys.size()));
+    }
+    ~TypedAt() {
+        close(program);
+        close(person);
+    }
+    TypedAt(const TypedAt&) = delete;
+    TypedAt& operator=(const TypedAt&) = delete;
+
+    // Whether lines are edited and shown by the terminal, as one finds it.
+    bool HasLineMode() const {
+        termios modes = {};
+        EXPECT_EQ(0, tcgetattr(program, &modes));
+        return (modes.c_lflag & ICANON) != 0 && (modes.c_lflag & ECHO) != 0;
+    }
+
+    // What is on the screen.
+    std::string Screen() const {
+        std::string all;
+        char block[4096];
+        for (pollfd waiting = {person, POLLIN, 0};
+             poll(&waiting, 1, 0) > 0 && (waiting.revents & POLLIN) != 0;) {
+            const ssize_t count = read(person, block, sizeof block);
+            if (count <= 0) break;
+            all.append(block, static_cast<size_t>(count));
+        }
+        return all;
+    }
+
+    std::string path;
+    int program = -1;
+
+private:
+    int person;
+};
+
+TEST_F(FailingCallsOfARun, OfATerminalLeaveItAsItWas) {
+    const size_t count = failEveryCall([](FailingSystem& system) {
+        const TypedAt terminal("k\n");
+        char key = '\0';
+        int error = 0;
+        {
+            TerminalModes modes(terminal.program, terminal.program, TerminalModes::Use::Editing, system);
+            for (int i = 0; i < 3 && key == '\0' && error == 0; ++i) {
+                const TerminalModes::Event event = modes.Wait(1000);
+                const bool isRead = event != TerminalModes::Event::Input || modes.Read(&key, 1) >= 0;
+                if (event == TerminalModes::Event::Failed || (!isRead && errno != EAGAIN)) error = errno;
+            }
+        }
+        EXPECT_TRUE(key == 'k' || error != 0) << system.WhatFailed();
+        // It can only be given back by that call.
+        EXPECT_TRUE(terminal.HasLineMode() || system.WhatFailed() == "tcsetattr ") << system.WhatFailed();
+    });
+    EXPECT_GT(count, 20U);
+    for (size_t number = 0; number < 20; ++number) {
+        FailingSystem system(number, EINTR);
+        const TypedAt terminal("");
+        { const TerminalModes modes(terminal.program, -1, TerminalModes::Use::Plain, system); }
+        EXPECT_TRUE(terminal.HasLineMode()) << number;
+    }
+}
+
+// At a terminal, with the editor and without: the entry is answered, or the end says why it is not.
+class FailingCallsAtATerminal : public FailingCallsOfThePrompt, public testing::WithParamInterface<bool> {};
+
+TEST_P(FailingCallsAtATerminal, AreToldOrCostNoAnswer) {
+    setenv("TERM", "xterm", 1);
+    setenv("INPUTRC", "/dev/null", 1);
+    const size_t count = failEveryCall([](FailingSystem& system) {
+        const TypedAt terminal("1+1\nexit\n");
+        PromptEnd end = PromptEnd::Ended;
+        {
+            const Redirection in(STDIN_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            const Redirection out(STDOUT_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            const Redirection err(STDERR_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            Session session(STDOUT_FILENO, STDERR_FILENO, Session::Style(), system);
+            session.Calculator().traced = false;
+            PromptFiles files(session.Calculator()); // not open
+            PromptOptions options;
+            options.isPlain = GetParam();
+            end = runPrompt(session, files, STDOUT_FILENO, options, system);
+        }
+        const std::string screen = terminal.Screen();
+        const bool isGone = system.WhatFailed() == "read " && system.Failure() == EIO; // which is the end
+        EXPECT_TRUE(end != PromptEnd::Ended || isGone || screen.find("ans = 2") != std::string::npos)
+            << system.WhatFailed() << ": " << screen;
+        EXPECT_TRUE(end == PromptEnd::Ended || !system.WhatFailed().empty()) << system.WhatFailed();
+        EXPECT_TRUE(terminal.HasLineMode() || system.WhatFailed() == "tcsetattr ") << system.WhatFailed();
+    });
+    EXPECT_GT(count, 40U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, FailingCallsAtATerminal, testing::Bool());
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The online service, played by a server on the loopback interface, and the web page.
+#include "Interrupt.h"
 #include "Session.h"
 #include "WebPage.h"
 #include "program.h"
@@ -75,6 +76,7 @@ TEST(Web, ControlCEndsAQueryThatNobodyAnswers) {
     });
     EXPECT_EQ(session.Run("convert 5 miles to km"), Session::Outcome::Interrupted);
     person.join();
+    forgetInterrupt();
     EXPECT_FALSE(hasChildren());
     close(answers[1]);
     char byte = 0;
