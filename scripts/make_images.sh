@@ -1,9 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 #
-# Draws the images of app/resources from their sources in app/art. It needs ImageMagick, an SVG renderer for
-# it (Debian: librsvg2-bin) and python3. The images are kept in the repository; run this after changing a
-# source.
+# Draws the images of app/resources and packaging/icons from their sources in app/art. It needs ImageMagick, an
+# SVG renderer for it (Debian: librsvg2-bin) and python3. The images are kept in the repository; run this after
+# changing a source.
 set -eu
 cd "$(dirname "$0")/.."
 art=app/art
@@ -11,8 +11,14 @@ out=app/resources
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-for size in 16 32 128 256 512; do
-    rsvg-convert -w "$size" -h "$size" "$art/icon.svg" -o "$work/icon_$size.png"
+# The icon in the sizes that desktops ask for; the small ones have a drawing of their own.
+icons=packaging/icons/hicolor
+for size in 16 24 32 48 64 128 256 512; do
+    source=$art/icon.svg
+    if [ "$size" -le 32 ]; then source=$art/icon_small.svg; fi
+    rsvg-convert -w "$size" -h "$size" "$source" -o "$work/icon_$size.png"
+    mkdir -p "$icons/${size}x$size/apps"
+    cp "$work/icon_$size.png" "$icons/${size}x$size/apps/org.tallyquill.Tallyquill.png"
 done
 cp "$work/icon_256.png" "$out/Tallyquill.png"
 
