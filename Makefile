@@ -31,10 +31,11 @@ FUZZ_SECONDS ?= 60
 MUTANTS ?= 200
 
 .NOTPARALLEL:
-.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast faults mutants coverage lint format bench bench-check install clean
+.PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast faults mutants coverage lint format bench bench-check \
+    install uninstall dist dist-check package clean
 
 help: ## list the targets
-	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-12s %s\n", $$1, $$2 }' Makefile
+	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-13s %s\n", $$1, $$2 }' Makefile
 
 deps: ## install what building and testing need (does nothing when all is there)
 	@scripts/deps.sh test
@@ -121,8 +122,24 @@ bench-check: deps ## count instructions: more than 3 % above bench/instructions.
 	$(call compile,release) </dev/null
 	bench/instructions.py build/release/bin
 
-install: build ## install below PREFIX (/usr/local)
+install: build ## install below PREFIX (/usr/local); DESTDIR goes before it
 	cmake --install build/release --prefix $(PREFIX)
+	cp build/release/install_manifest.txt build/installed.txt
+	@[ -n "$(DESTDIR)" ] || packaging/refresh.sh $(PREFIX)
+
+uninstall: ## remove what make install has installed, with the same PREFIX and DESTDIR
+	packaging/uninstall.sh build/installed.txt $(PREFIX)
+	@[ -n "$(DESTDIR)" ] || packaging/refresh.sh $(PREFIX)
+
+dist: ## pack the last commit into build/dist: the same commit, the same bytes
+	packaging/source.sh build/dist
+
+dist-check: deps dist ## build and test the source archive where there is no network
+	packaging/check_source.sh build/dist
+
+package: ## build Debian packages of the last commit into build/packages
+	@scripts/deps.sh package
+	packaging/package.sh build/packages
 
 clean: ## remove everything that was built
 	rm -rf build

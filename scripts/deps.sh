@@ -6,6 +6,7 @@
 #   scripts/deps.sh terminal    what the program for terminals alone takes
 #   scripts/deps.sh run         that, and what the window takes
 #   scripts/deps.sh test        that, and what the tests, the linters and the benchmarks take
+#   scripts/deps.sh package     what building takes (run), and what Debian packages and their check take
 #
 # When everything is there it says nothing, asks for nothing and calls no package manager.
 set -eu
@@ -18,8 +19,10 @@ debian_run="$debian_terminal libgnustep-gui-dev gnustep-back0.29-cairo gnustep-g
     libx11-dev fonts-dejavu-core"
 debian_test="$debian_run g++ libclang-rt-dev llvm libgtest-dev libgmp-dev libmpfr-dev libbenchmark-dev pkg-config
     clang-format clang-tidy cppcheck valgrind git locales bc apcalc qalc units
-    man-db groff-base zsh fish
+    man-db groff-base zsh fish desktop-file-utils appstream shared-mime-info iproute2
     python3 python3-pexpect python3-pyte tmux xvfb openbox picom xdotool xclip x11-utils imagemagick"
+
+debian_package="$debian_run git dpkg-dev debhelper lintian debootstrap xvfb x11-utils xdotool desktop-file-utils appstream"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this
 # list on a Mac yet.
@@ -90,7 +93,8 @@ case $group in
 terminal) debian=$debian_terminal brew=$brew_terminal programs=$programs_terminal ;;
 run) debian=$debian_run brew=$brew_run programs=$programs_run ;;
 test) debian=$debian_test brew=$brew_test programs=$programs_test ;;
-*) fail "unknown group '$group' (terminal, run or test)" ;;
+package) debian=$debian_package brew=$brew_run programs="$programs_run dpkg-buildpackage dh lintian debootstrap" ;;
+*) fail "unknown group '$group' (terminal, run, test or package)" ;;
 esac
 
 # shellcheck disable=SC2086 # the lists are meant to be split
