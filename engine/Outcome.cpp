@@ -12,6 +12,22 @@ void copyTexts(char* out, std::initializer_list<std::string_view> texts) {
     out[used] = '\0';
 }
 
+Outcome& Outcome::operator=(const Outcome& other) {
+    if (this == &other) return *this;
+    status = other.status;
+    copyText(message, other.message);
+    copyText(echoText, other.echoText);
+    qmov(other.result, result);
+    copyText(resultLine, other.resultLine);
+    lastValue = other.lastValue;
+    lastName = other.lastName;
+    copyText(lastAnswer, other.lastAnswer);
+    errorRange = other.errorRange;
+    interrupted = other.interrupted;
+    overflowed = other.overflowed;
+    return *this;
+}
+
 int Outcome::Tell(std::string_view text) {
     copyText(message, text);
     return STATUS_MESSAGE;

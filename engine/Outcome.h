@@ -45,6 +45,11 @@ struct Outcome {
     // The texts are empty. The rest of their buffers is not written, as most of it is never used.
     Outcome() { message[0] = echoText[0] = resultLine[0] = lastAnswer[0] = '\0'; }
 
+    // Copies the texts up to their ends, which are short, and not their buffers.
+    Outcome(const Outcome& other) : Outcome() { *this = other; }
+    Outcome& operator=(const Outcome& other);
+    ~Outcome() = default;
+
     // Writes a text into `message`, cut at TEXT_SIZE - 1 characters. Returns STATUS_MESSAGE.
     int Tell(std::string_view text);
 

@@ -73,6 +73,35 @@ protected:
 
 using Numbers = std::vector<int32_t>;
 
+TEST_F(Parts, ACopyOfAnOutcomeHasAllThatIsInIt) {
+    char name[] = "x";
+    qfloat value = {};
+    outcome.status = STATUS_MESSAGE;
+    outcome.Tell(std::string(TEXT_SIZE, 'm')); // cut: it fills its buffer
+    copyText(outcome.echoText, "echo");
+    qmov(qten, outcome.result);
+    copyText(outcome.resultLine, "x = 10\n");
+    outcome.lastValue = &value;
+    outcome.lastName = name;
+    copyText(outcome.lastAnswer, "10");
+    outcome.errorRange = {3, 4};
+    outcome.interrupted = outcome.overflowed = true;
+
+    const Outcome copy(outcome);
+
+    EXPECT_EQ(copy.status, STATUS_MESSAGE);
+    EXPECT_EQ(copy.message, std::string(TEXT_SIZE - 1, 'm'));
+    EXPECT_STREQ(copy.echoText, "echo");
+    EXPECT_EQ(qcmp(copy.result, qten), 0);
+    EXPECT_STREQ(copy.resultLine, "x = 10\n");
+    EXPECT_EQ(copy.lastValue, &value);
+    EXPECT_EQ(copy.lastName, name);
+    EXPECT_STREQ(copy.lastAnswer, "10");
+    EXPECT_EQ(copy.errorRange.start, 3);
+    EXPECT_EQ(copy.errorRange.length, 4);
+    EXPECT_TRUE(copy.interrupted && copy.overflowed);
+}
+
 TEST_F(Parts, LevelsAreDepthsAndARaisedMinusStandsOneHigher) {
     ASSERT_EQ(0, Read("(1+2)*3"));
     EXPECT_EQ((Numbers{1, 1, 1, 1, 1, 0, 0}), Levels());
