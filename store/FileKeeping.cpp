@@ -42,12 +42,12 @@ private:
 };
 
 bool readAll(System& system, int file, std::string& text) {
-    std::string piece(PIECE, '\0');
+    char piece[PIECE];
     while (text.size() <= LARGEST_FILE) {
-        const ssize_t got = system.Read(file, piece.data(), piece.size());
+        const ssize_t got = system.Read(file, piece, sizeof piece);
         if (got == 0) return true;
         if (got > 0)
-            text.append(piece, 0, static_cast<size_t>(got));
+            text.append(piece, static_cast<size_t>(got));
         else if (errno != EINTR)
             return false;
     }
