@@ -6,10 +6,13 @@
 #include "../engine/clean_start.h"
 #include "Calculator.h"
 #include "fuzz.h"
+#include "unitlist.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 // So many questions for an interruption are answered with no, and the next one with yes.
 class Patience {
@@ -23,37 +26,64 @@ private:
     static inline int questionsLeft = QUESTIONS;
 };
 
-// Whether an entry of the text, or a line of a file, may change the unit library. The header of a file's
-// section does not.
-inline bool mayChangeUnits(std::string_view text) {
-    const std::string lower = lowerCased(std::string(text));
-    size_t word = lower.find("unit");
-    while (word < lower.size() && lower.compare(word, 9, "units ###") == 0)
-        word = lower.find("unit", word + 4);
-    return word < lower.size() || lower.find("del") < lower.size();
+// Removes the functions that were added to those of a new program. False when one of these is not there any
+// more.
+inline bool removeAddedFunctions() {
+    const std::vector<Builtin>& own = builtinTable();
+    std::vector<const Function*> added;
+    size_t kept = 0;
+    const auto isOwn = [](const Function& function, const Builtin& builtin) {
+        if (std::strcmp(function.name, builtin.name) != 0) return false;
+        if (!function.body || !builtin.definition) return !function.body && !builtin.definition;
+        const std::string head = std::string(builtin.name) + '(' + builtin.arguments + ")=";
+        return function.ToString() == head + builtin.definition;
+    };
+    for (const Function* function = funcs.Get(0); function; function = funcs.GetNext()) {
+        if (kept < own.size() && isOwn(*function, own[kept]))
+            kept++;
+        else
+            added.push_back(function);
+    }
+    for (const Function* function : added) funcs.DeleteFunction(function);
+    return kept == own.size();
 }
 
-// Whether it may change a function, too.
-inline bool mayChangeFunctions(std::string_view text) {
-    return text.find('=') < text.size() || lowerCased(std::string(text)).find("del") < text.size();
+// Has the units of a new program again. Building the catalogue takes longer than most runs.
+inline void renewUnits() {
+    static const size_t own = units_names().size();
+    size_t kept = 0;
+    for (const std::string& name : units_names()) {
+        if (unitTable.Find(name)->position < own)
+            kept++;
+        else
+            removeUnit(name.c_str());
+    }
+    if (kept == own) return;
+    deleteAllUnits();
+    unitInitialize();
 }
 
-// A calculator for such a text. Functions and units belong to the process, so there is one at a time; those
-// that no text since could change are as they were at the start.
-inline std::unique_ptr<ZqCalculator> newCalculator(std::string_view text) {
-    static bool areFunctionsNew = false;
-    static bool areUnitsNew = true;
+// A calculator as in a new program. Functions and units belong to the process, so there is one at a time.
+inline std::unique_ptr<ZqCalculator> newCalculator() {
+    static uint64_t functions = 0; // their versions when they were those of a new program
+    static uint64_t units = 0;
+    static char randomState[8];
+    // With a state of the smallest size each entry can begin with the same random numbers quickly.
+    if (functions == 0) initstate(1, randomState, sizeof randomState);
     auto calc = std::make_unique<ZqCalculator>();
-    if (!areUnitsNew) deleteAllUnits();
-    if (areFunctionsNew) {
+    if (units != units_version()) renewUnits();
+    units = units_version();
+    if (functions == funcs.Version() || (functions != 0 && removeAddedFunctions())) {
         calc->InitializeVarsList();
         calc->initialized = true;
     } else {
         deleteAllFunctions();
         calc->InitializeFunctionsAndVars();
     }
-    areFunctionsNew = !mayChangeFunctions(text);
-    areUnitsNew = !mayChangeUnits(text);
+    funcs.TabCompleteReset();
+    units_clear_exception();
+    functions = funcs.Version();
+    merror = 0;
     static_cast<EntrySettings&>(*calc) = standardSettings();
     calc->traced = false;
     calc->interruptCheck = Patience::IsOver;

@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string separator = SEPARATORS[how / 2U % 5];
     const std::string entry = input.Line();
     if (checkEntry(entry) != EntryFault::None) return 0;
-    const auto calc = newCalculator(entry);
+    const auto calc = newCalculator();
     calc->european = how % 2 != 0;
     Each each(*calc, entry, separator);
     for (int i = 0; i < MOST_LINES && !input.IsOver(); i++) {

@@ -46,13 +46,13 @@ public:
 
     // Up to the next line feed, without it.
     std::string Line() {
-        const std::string line(rest.substr(0, rest.find('\n')));
+        std::string line(rest.substr(0, rest.find('\n')));
         rest.remove_prefix(line.size() < rest.size() ? line.size() + 1 : line.size());
         return line;
     }
 
     std::string Rest() {
-        const std::string all(rest);
+        std::string all(rest);
         rest = {};
         return all;
     }

@@ -3,13 +3,13 @@
 // Any bytes as the file of the prompt's entries.
 #include "HistoryFile.h"
 #include "fuzz.h"
-#include "temporary_folder.h"
+#include "memory_system.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const TemporaryFolder folder;
-    const std::string path = folder.File("history");
-    putContent(path, Input(data, size).Rest());
-    HistoryFile file(path);
+    const std::string bytes = Input(data, size).Rest();
+    MemorySystem system;
+    system.files["folder/history"] = bytes;
+    HistoryFile file("folder/history", system);
     std::vector<std::string> lines = file.Read();
     for (const std::string& line : lines) {
         require(line.find_first_of("\n\r\x1b") == std::string::npos && !line.empty(), "a line is an entry",

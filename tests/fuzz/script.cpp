@@ -26,7 +26,7 @@ std::string utf8Of(const std::string& latin1) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::unique_ptr<ZqCalculator> calc = newCalculator("");
+    static const std::unique_ptr<ZqCalculator> calc = newCalculator();
     const std::vector<std::string> entries = entriesOf(Input(data, size).Rest());
     EntryRecord record;
     for (const std::string& entry : entries) {
