@@ -135,7 +135,7 @@ constexpr KeyRow KEYS[] = {
     item({"Window", "-"}),
     item({"Window", "Bring All to Front", "arrangeInFront:", T::Application}),
 
-    desktop("Command-?", '?', "opens this guide, in which Home and End go to its ends",
+    desktop("Command-?", '?', "opens the guide, in which Home and End go to its ends",
             {"Help", "Tallyquill Guide", "showGuide:", T::Delegate}),
     desktop("Command-Shift-F", 'F', "lists all functions, all units",
             {"Help", "Functions", "showFunctions:", T::Console}),

@@ -5,6 +5,7 @@
 #include "Settings.h"
 #include "functions_fixture.h"
 
+#include "../guide.h"
 #include "../settings_table.h"
 #include "questions.h"
 
@@ -28,6 +29,29 @@ constexpr auto fieldsFrom(int) -> decltype(Aggregate{Values()..., AnyValue()}, s
 }
 
 class SettingsTable : public Functions {};
+
+// --- The guide ---
+
+// The default as a person writes it.
+std::string standardText(const Setting& setting) {
+    if (!setting.IsNumber()) return setting.text;
+    for (const SettingChoice& choice : setting.choices) {
+        if (choice.value == setting.standard) return choice.word;
+    }
+    if (setting.kind == Setting::FLAG) return setting.standard != 0 ? "on" : "off";
+    if (setting.kind == Setting::CHARACTER) return {static_cast<char>(setting.standard)};
+    return std::to_string(setting.standard);
+}
+
+TEST_F(SettingsTable, IsThatOfTheGuide) {
+    std::vector<GuideCells> rows;
+    for (const Setting& setting : SETTINGS) {
+        const std::string text = standardText(setting);
+        rows.push_back(
+            {std::string("`") + setting.key + "`", text.empty() ? "" : "`" + text + "`", setting.help});
+    }
+    EXPECT_EQ(guideTable(GUIDE, "| Setting | At first | What it is |"), rows);
+}
 
 } // namespace
 

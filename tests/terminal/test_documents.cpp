@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // What README.md and docs/guide.md show is what the program does.
+#include "../guide.h"
 #include "program.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
@@ -21,30 +23,19 @@ Lines linesOf(const char* path) {
     return lines;
 }
 
-// Evaluates the rows of tables that begin with an entry and its answer, both between backquotes. Returns how
-// many there are.
+// Evaluates the rows of the tables that are headed Entry and Answer: both stand between backquotes. Returns
+// how many there are.
 int evaluateRows(const char* path) {
-    static const std::regex row("\\| `([^`]+)` \\| `([^`]+)` \\|.*");
     int rows = 0;
-    for (const std::string& line : linesOf(path)) {
-        std::smatch cells;
-        if (!std::regex_match(line, cells, row)) continue;
-        // A '|' inside a table is written with a backslash.
-        const std::string entry = std::regex_replace(cells[1].str(), std::regex("\\\\\\|"), "|");
-        EXPECT_EQ(evaluate({"--", entry}).out, cells[2].str() + "\n") << entry;
-        ++rows;
-    }
-    return rows;
-}
-
-// How many rows the tables have that are headed Entry and Answer.
-int rowsOfEntries(const char* path) {
-    int rows = 0;
-    bool isInside = false;
-    for (const std::string& line : linesOf(path)) {
-        const bool isHead = line.rfind("| Entry | Answer |", 0) == 0;
-        isInside = isHead || (isInside && line.rfind('|', 0) == 0);
-        rows += isInside && !isHead && line.rfind("|-", 0) != 0 ? 1 : 0;
+    for (const char* const head : {"| Entry | Answer |", "| Entry | Answer | |"}) {
+        for (const GuideCells& cells : guideTable(path, head)) {
+            const Lines entry = guideCode(cells.at(0));
+            const Lines answer = guideCode(cells.at(1));
+            EXPECT_EQ(entry.size() + answer.size(), 2U) << cells[0];
+            if (entry.empty() || answer.empty()) continue;
+            EXPECT_EQ(evaluate({"--", entry[0]}).out, answer[0] + "\n") << entry[0];
+            ++rows;
+        }
     }
     return rows;
 }
@@ -87,12 +78,75 @@ TEST(Readme, ItsTranscriptIsTrue) {
 }
 
 TEST(Guide, ItsExamplesAreTrue) {
-    EXPECT_GT(rowsOfEntries(TALLYQUILL_GUIDE), 0);
-    EXPECT_EQ(evaluateRows(TALLYQUILL_GUIDE), rowsOfEntries(TALLYQUILL_GUIDE));
+    EXPECT_GT(evaluateRows(TALLYQUILL_GUIDE), 60);
+}
+
+// How many blocks between fences begin with these signs; all of them without any.
+int blocksThatBegin(const char* path, const std::string& signs) {
+    int blocks = 0;
+    bool isInside = false;
+    bool isFirst = false;
+    for (const std::string& line : linesOf(path)) {
+        blocks += isFirst && line.rfind(signs, 0) == 0 ? 1 : 0;
+        isFirst = !isInside && line.rfind("```", 0) == 0;
+        isInside = line.rfind("```", 0) == 0 ? !isInside : isInside;
+    }
+    return blocks;
 }
 
 TEST(Guide, ItsTranscriptsAreTrue) {
-    EXPECT_EQ(evaluateTranscripts(TALLYQUILL_GUIDE), 4);
+    EXPECT_EQ(evaluateTranscripts(TALLYQUILL_GUIDE), blocksThatBegin(TALLYQUILL_GUIDE, "> "));
+}
+
+// Those for a shell are run by another test.
+TEST(Guide, HasNoBlockThatIsNotTried) {
+    const int typed = blocksThatBegin(TALLYQUILL_GUIDE, "> ");
+    const int run = blocksThatBegin(TALLYQUILL_GUIDE, "$ ");
+    EXPECT_GT(typed, 0);
+    EXPECT_GT(run, 0);
+    EXPECT_EQ(typed + run, blocksThatBegin(TALLYQUILL_GUIDE, ""));
+}
+
+// The items of its lists, each on one line.
+Lines itemsOfGuide() {
+    Lines items;
+    bool isInside = false;
+    for (const std::string& line : linesOf(TALLYQUILL_GUIDE)) {
+        const bool goesOn = isInside && line.rfind("  ", 0) == 0;
+        isInside = goesOn || line.rfind("- ", 0) == 0;
+        if (goesOn)
+            items.back() += line.substr(1);
+        else if (isInside)
+            items.push_back(line);
+    }
+    return items;
+}
+
+TEST(Guide, ItsErrorsAreThoseOfTheirEntries) {
+    static const std::regex item("- `([^`]+)` after `([^`]+)`:.*");
+    int errors = 0;
+    for (const std::string& line : itemsOfGuide()) {
+        std::smatch parts;
+        if (!std::regex_match(line, parts, item)) continue;
+        const Result run = evaluate({"--", parts[2]});
+        EXPECT_EQ(run.err, parts[1].str() + "\n") << parts[2];
+        EXPECT_EQ(run.status, 1) << parts[2];
+        ++errors;
+    }
+    EXPECT_GT(errors, 40);
+}
+
+TEST(Guide, ItsLinesOfThePromptAreTrue) {
+    const auto rows = guideTable(TALLYQUILL_GUIDE, "| After | The line |");
+    EXPECT_GT(rows.size(), 20U);
+    for (const GuideCells& cells : rows) {
+        Terminal terminal({});
+        terminal.ReadUntil("> ");
+        terminal.Type(guideCode(cells.at(0)).at(0) + "\n");
+        const std::string shown = "\n" + terminal.ReadUntil("> ");
+        const std::string line = "\n" + guideCode(cells.at(1)).at(0) + "\n> ";
+        EXPECT_EQ(shown.substr(shown.size() - std::min(line.size(), shown.size())), line) << cells[0];
+    }
 }
 
 // The pieces between backquotes in the first cells of the table below a heading.
