@@ -56,13 +56,17 @@ std::vector<std::string> cellsOf(std::string_view row) {
     return cells;
 }
 
+bool isRule(std::string_view row) {
+    return row.find_first_not_of("|-: ") == std::string_view::npos;
+}
+
 // The rows with their cells below each other, without the line of dashes below the head. A cell that would
 // take too much of the width for that stands in a line of its own.
 std::string tableText(const std::vector<std::string_view>& rows, size_t width) {
     std::vector<std::vector<std::string>> table;
     std::vector<size_t> widths;
     for (const std::string_view row : rows) {
-        if (row.find_first_not_of("|-: ") == std::string_view::npos) continue;
+        if (isRule(row)) continue;
         table.push_back(cellsOf(row));
         widths.resize(std::max(widths.size(), table.back().size()));
         for (size_t i = 0; i < table.back().size(); ++i) {
@@ -148,4 +152,15 @@ std::string guideSection(std::string_view topic, int columns) {
         if (containsIn(title, topic)) return plainText(sectionOf(title), columns);
     }
     return "";
+}
+
+std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head) {
+    std::vector<std::vector<std::string>> rows;
+    bool isInside = false;
+    for (const std::string_view line : linesOf(sectionOf(std::string(title)))) {
+        const bool isRow = startsWith(line, "|");
+        if (isRow && isInside && !isRule(line)) rows.push_back(cellsOf(line));
+        isInside = isRow && (isInside || cellsOf(line)[0] == head);
+    }
+    return rows;
 }

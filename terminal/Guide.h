@@ -15,6 +15,10 @@ std::vector<std::string> guideTopics(std::string_view something = {});
 // gives it. Empty when there is none.
 std::string guideSection(std::string_view topic, int columns);
 
+// The rows of a table: of the section with this title the table whose head begins with this cell, without the
+// head. The cells are plain text. Empty when there is no such table.
+std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head);
+
 // Markdown as plain text: `marks`, **bold** and [links](#there) without their signs, no pictures, the lines
 // between fences set in by two blanks, a table's columns side by side. Paragraphs, items and cells are filled
 // to so many columns of the screen.

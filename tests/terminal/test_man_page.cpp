@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The man page and the completions know the options that there are, and the examples for a shell are true.
+// The man pages and the completions know the options that there are, and the examples for a shell are true.
+#include "Guide.h"
 #include "Options.h"
 #include "PromptWords.h"
 
@@ -34,8 +35,8 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 }
 
 // The page as it is read.
-std::string manPage() {
-    std::string text = contentOf(TALLYQUILL_MAN_PAGE);
+std::string manPage(const std::string& path = TALLYQUILL_MAN_PAGE) {
+    std::string text = contentOf(path);
     const std::pair<const char*, const char*> escapes[] = {{"\\-", "-"},   {"\\(aq", "'"}, {"\\(ha", "^"},
                                                            {"\\(ti", "~"}, {"\\fR", ""},   {"\\fB", ""},
                                                            {"\\fI", ""},   {"\\ ", " "},   {"\\e", "\\"}};
@@ -118,22 +119,19 @@ TEST(ManPage, HasTheOptionsThatThereAre) {
     const std::string options = page.substr(start, page.find("\n.SH ", start + 1) - start);
     EXPECT_EQ(namesIn(options, "\n\\.TP\n[^\n]*--([a-z-]+)"), longNames());
     for (const OptionRow* row = optionTable(); row->name != nullptr; ++row) {
-        const std::string value = row->argument == nullptr ? "" : std::string("= ") + row->argument;
-        EXPECT_NE(options.find(std::string("--") + row->name + value + "\n"), std::string::npos) << row->name;
-        if (row->letter != 0) {
-            const std::string letter = std::string(" -") + row->letter;
-            EXPECT_TRUE(
-                std::regex_search(options, std::regex("\n\\.TP\n[^\n]*" + letter + "[^\n]*--" + row->name)))
-                << row->name;
-        }
+        const std::string value = row->argument == nullptr ? "" : "=[A-Z]+";
+        const std::string letter = row->letter == 0 ? "" : std::string("-") + row->letter + "( [A-Z]+)?, ";
+        EXPECT_TRUE(std::regex_search(
+            options, std::regex("\n\\.TP\n\\.B \"" + letter + "--" + row->name + value + "\"\n")))
+            << row->name;
     }
 }
 
 TEST(ManPage, HasTheSectionsOfOne) {
     const std::string page = manPage();
     for (const char* const section :
-         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "PROMPT", "JSON", "EXIT STATUS", "ENVIRONMENT",
-          "FILES", "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
+         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "COLUMNS", "PROMPT", "JSON", "EXIT STATUS",
+          "ENVIRONMENT", "FILES", "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
         EXPECT_NE(page.find("\n.SH " + std::string(section) + "\n"), std::string::npos) << section;
     EXPECT_NE(page.find("Tallyquill " TALLYQUILL_VERSION "\""), std::string::npos);
 }
@@ -156,11 +154,44 @@ TEST(ManPage, HasExamplesThatAreTrue) {
     EXPECT_EQ(runExamples(manPage(), ".EX", ".EE"), 11);
 }
 
-TEST(ManPage, IsFormattedWithoutWarnings) {
-    EXPECT_EQ(shellShows("/", std::string("man --warnings -E UTF-8 -l -Tutf8 -Z '") + TALLYQUILL_MAN_PAGE +
-                                  "' 2>&1 >/dev/null && echo done"),
-              "done\n");
+void expectNoWarnings(const std::string& page) {
+    EXPECT_EQ(
+        shellShows("/", "man --warnings -E UTF-8 -l -Tutf8 -Z '" + page + "' 2>&1 >/dev/null && echo done"),
+        "done\n");
 }
+
+TEST(ManPage, IsFormattedWithoutWarnings) {
+    expectNoWarnings(TALLYQUILL_MAN_PAGE);
+}
+
+#ifdef TALLYQUILL_WINDOW_MAN_PAGE
+
+TEST(ManPageOfTheWindow, HasTheSectionsOfOne) {
+    const std::string page = manPage(TALLYQUILL_WINDOW_MAN_PAGE);
+    for (const char* const section : {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "KEYS", "EXIT STATUS",
+                                      "ENVIRONMENT", "FILES", "SEE ALSO"})
+        EXPECT_NE(page.find("\n.SH " + std::string(section) + "\n"), std::string::npos) << section;
+}
+
+TEST(ManPageOfTheWindow, HasTheTablesOfTheGuide) {
+    const std::string page = manPage(TALLYQUILL_WINDOW_MAN_PAGE);
+    const std::pair<const char*, const char*> tables[] = {{"Starting the window", "Option"},
+                                                          {"Starting the window", "Status"},
+                                                          {"Keys", "Key"},
+                                                          {"Files", "File"}};
+    for (const auto& [title, head] : tables) {
+        const auto rows = guideRows(title, head);
+        EXPECT_FALSE(rows.empty()) << title;
+        for (const auto& cells : rows)
+            EXPECT_NE(page.find("\n.TP\n.B \"" + cells.at(0) + "\"\n"), std::string::npos) << cells.at(0);
+    }
+}
+
+TEST(ManPageOfTheWindow, IsFormattedWithoutWarnings) {
+    expectNoWarnings(TALLYQUILL_WINDOW_MAN_PAGE);
+}
+
+#endif
 
 TEST(Readme, ItsExamplesForAShellAreTrue) {
     EXPECT_EQ(runExamples(contentOf(TALLYQUILL_README), "```", "```"), 5);
