@@ -77,6 +77,19 @@ TEST(Readme, ItsTranscriptIsTrue) {
     EXPECT_EQ(evaluateTranscripts(TALLYQUILL_README), 1);
 }
 
+// A reader sees an answer before anything else but what the program is for, and then a picture of it.
+TEST(Readme, BeginsWithAnAnswerAndAPicture) {
+    const Lines lines = linesOf(TALLYQUILL_README);
+    const auto first = [&lines](const std::string& start) {
+        return std::find_if(lines.begin(), lines.end(),
+                            [&start](const std::string& line) { return line.rfind(start, 0) == 0; }) -
+               lines.begin();
+    };
+    EXPECT_LT(first("ans = "), 10);
+    EXPECT_LT(first("!["), 15);
+    EXPECT_LT(first("!["), first("## "));
+}
+
 TEST(Guide, ItsExamplesAreTrue) {
     EXPECT_GT(evaluateRows(TALLYQUILL_GUIDE), 60);
 }
