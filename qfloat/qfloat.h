@@ -24,6 +24,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default) // what programs may call in the shared library
+
 typedef uint32_t qfloat[14];
 
 // The code of the last failure. Callers clear it before a calculation and read it afterwards.
@@ -251,3 +253,5 @@ void qfrexp(const qfloat x, int64_t* e, qfloat y);
 
 // Sets the shift count that the mantissa primitive `shift` consumes (qregister.h).
 void setshiftcount(int32_t n);
+
+#pragma GCC visibility pop

@@ -12,6 +12,8 @@
 
 #include "qfloat.h"
 
+#pragma GCC visibility push(default) // what programs may call in the shared library
+
 // y = sin x. |x| >= 2^333: y = 0 and merror = 3.
 void qsin(const qfloat x, qfloat y);
 
@@ -56,3 +58,5 @@ void qcosh(const qfloat x, qfloat y);
 
 // y = tanh x; 1 or -1, and no code, from where the difference falls below half a unit on (|x| > 122.69).
 void qtanh(const qfloat x, qfloat y);
+
+#pragma GCC visibility pop

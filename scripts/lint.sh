@@ -33,7 +33,7 @@ if [ -n "$unlicensed" ]; then
 fi
 
 echo "lint: names of headers"
-# A header is included by its name alone.
+# A header is included by its name alone, those of library/ with the folder in which they are installed.
 twice=$(sources '^(qfloat|units|engine|store|web|terminal|app)/.*\.h$' | sed 's|.*/||' | tr '[:upper:]' '[:lower:]' | sort | uniq -d)
 if [ -n "$twice" ]; then
     printf 'lint: several folders have a header of this name:\n%s\n' "$twice" >&2
@@ -42,7 +42,7 @@ fi
 
 echo "lint: docs/architecture.md"
 # It names the home of everything. Left out is qfloat/, whose routines qfloat.h describes.
-unnamed=$(sources '^(units|engine|store|web|terminal)/.*\.h$|^app/.*\.(h|mm)$' | sed 's|.*[/+]||; s|\.[a-z]*$||' | sort -u |
+unnamed=$(sources '^(units|engine|library|store|web|terminal)/.*\.h$|^app/.*\.(h|mm)$' | sed 's|.*[/+]||; s|\.[a-z]*$||' | sort -u |
     while read -r name; do grep -qwF -e "$name" docs/architecture.md || echo "$name"; done)
 if [ -n "$unnamed" ]; then
     printf 'lint: docs/architecture.md does not name:\n%s\n' "$unnamed" >&2
@@ -51,7 +51,7 @@ fi
 
 echo "lint: anonymous namespaces"
 # This clang-tidy has no check for it.
-if sources '^(qfloat|units|engine|store|web|terminal|app)/.*\.cpp$' | xargs grep -nE '^static ' >&2; then
+if sources '^(qfloat|units|engine|library|store|web|terminal|app)/.*\.cpp$' | xargs grep -nE '^static ' >&2; then
     echo "lint: it goes into an anonymous namespace, without static" >&2
     exit 1
 fi
@@ -66,7 +66,7 @@ sources '\.(cpp|mm|h)$' | xargs clang-format --dry-run -Werror
 check() {
     xargs cppcheck --quiet -j "$jobs" --std=c++17 --language=c++ --error-exitcode=1 --enable="$1" \
         --inline-suppr --library=googletest --suppress=missingIncludeSystem --suppress=containerOutOfBounds \
-        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Istore -Iweb -Iterminal -Iapp
+        --suppress=passedByValue -Iqfloat -Iunits -Iengine -Ilibrary -Istore -Iweb -Iterminal -Iapp
 }
 
 echo "lint: cppcheck"

@@ -56,7 +56,7 @@ std::string takeEntries(ZqCalculator& calc, const std::string& name, const std::
     std::string line;
     for (size_t number = 1; std::getline(lines, line); ++number) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (isBlank(line)) continue;
+        if (isBlankLine(line)) continue;
         std::string_view error = faultMessage(checkEntry(line));
         if (error.empty() && calc.ProcessEntry(line.c_str(), false) == STATUS_ERROR) error = calc.message;
         if (error.empty()) continue;

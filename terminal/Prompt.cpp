@@ -179,7 +179,7 @@ std::string Prompt::WithHelp(const std::string& error) const {
 
 std::string Prompt::PreviewOf(const std::string& entry) {
     if (files.ValueOf("autoeval") == 0) return "";
-    if (isBlank(entry) || checkEntry(entry) != EntryFault::None) return "";
+    if (isBlankLine(entry) || checkEntry(entry) != EntryFault::None) return "";
     ZqCalculator& calc = session.Calculator();
     if (calc.ProcessEntry(entry.c_str(), true) != STATUS_RESULT) return "";
     std::string text(calc.resultLine, std::strcspn(calc.resultLine, "\n"));

@@ -67,7 +67,7 @@ int Run::End() {
 }
 
 Run::Over Run::EvaluateEntry(std::string_view entry) {
-    if (isBlank(entry)) return {};
+    if (isBlankLine(entry)) return {};
     if (!catcher) catcher.emplace();
     return Answer(session.RunCaught(entry));
 }
@@ -112,7 +112,7 @@ Run::Over Run::EvaluateEach(Each& each) {
         if (status == LineReader::Status::End) return {};
         if (number == 1 && line.compare(0, BYTE_ORDER_MARK.size(), BYTE_ORDER_MARK) == 0)
             line.erase(0, BYTE_ORDER_MARK.size());
-        if (isBlank(line)) continue;
+        if (isBlankLine(line)) continue;
         session.SetPlace(number, "line " + std::to_string(number) + ": ");
         const std::string error = line.size() > MAX_DATA_LENGTH
                                       ? "** ERROR: " + std::to_string(MAX_DATA_LENGTH) + " max characters **"

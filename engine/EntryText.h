@@ -25,7 +25,7 @@ EntryFault checkEntry(std::string_view entry);
 // Whether a line holds nothing but blanks and tabs. Handed to the engine, an empty line is a person's Return
 // on an empty prompt, which repeats the last assignment; in a file, a pipe or a pasted text it only sets
 // lines apart.
-bool isBlank(std::string_view line);
+bool isBlankLine(std::string_view line);
 
 // The message for a fault, one line with its line feed; empty for None.
 std::string_view faultMessage(EntryFault fault);

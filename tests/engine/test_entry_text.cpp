@@ -21,8 +21,8 @@ TEST(EntryText, LengthIsLimitedTo9999Bytes) {
 }
 
 TEST(EntryText, ALineIsBlankWhenItHoldsBlanksAndTabsAlone) {
-    for (const char* const text : {"", " ", "\t", " \t "}) EXPECT_TRUE(isBlank(text)) << text;
-    for (const char* const text : {"1", " 1", "# note", ";", "\r"}) EXPECT_FALSE(isBlank(text)) << text;
+    for (const char* const text : {"", " ", "\t", " \t "}) EXPECT_TRUE(isBlankLine(text)) << text;
+    for (const char* const text : {"1", " 1", "# note", ";", "\r"}) EXPECT_FALSE(isBlankLine(text)) << text;
 }
 
 TEST(EntryText, WellFormedUtf8Passes) {

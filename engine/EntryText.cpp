@@ -19,7 +19,7 @@ EntryFault checkEntry(std::string_view entry) {
     return EntryFault::None;
 }
 
-bool isBlank(std::string_view line) {
+bool isBlankLine(std::string_view line) {
     return trimmed(line).empty();
 }
 

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: MIT
+//
+// Real numbers as texts. What a stream writes is compared with what the same stream writes for a double,
+// whose value both have exactly.
+#include "tallyquill/Real.h"
+
+#include <gtest/gtest.h>
+
+#include <iomanip>
+#include <sstream>
+#include <string>
+#include <vector>
+
+using namespace tallyquill;
+
+class RealText : public testing::Test {
+protected:
+    void SetUp() override { takeError(); }
+    void TearDown() override { EXPECT_EQ(takeError(), 0); }
+};
+
+TEST_F(RealText, ReadsTheNumberNearestToADecimalText) {
+    EXPECT_EQ(Real("0.1") * 10, Real(1));
+    EXPECT_EQ(Real("0.1"), Real(1) / 10);
+    EXPECT_EQ(Real("-2.5e3"), Real(-2500));
+    EXPECT_EQ(Real("+2500E-3"), Real(2.5));
+    EXPECT_EQ(Real(".5"), Real("5.e-1"));
+    EXPECT_EQ(Real("0e5"), Real());
+    EXPECT_EQ(Real("000"), Real());
+    EXPECT_TRUE(Real("-0").IsNegative());
+}
+
+TEST_F(RealText, FiguresBehindThe104thCountForTheScaleAlone) {
+    EXPECT_EQ(Real('1' + std::string(200, '0')), Real("1e200"));
+    EXPECT_EQ(Real(std::string(150, '9')), Real(std::string(104, '9') + "e46"));
+    EXPECT_EQ(Real("0." + std::string(150, '0') + "15"), Real("1.5e-151"));
+    EXPECT_EQ(Real(std::string(300, '0') + "7"), Real(7));
+}
+
+TEST_F(RealText, ReadsOtherRadicesExactlyUpTo352Bits) {
+    EXPECT_EQ(Real("0x1F"), Real(31));
+    EXPECT_EQ(Real("0X1f.8"), Real(31.5));
+    EXPECT_EQ(Real("-0b101.01"), Real(-5.25));
+    EXPECT_EQ(Real("0o17"), Real(15));
+    EXPECT_EQ(Real("0b1" + std::string(351, '1')) + 1, ldexp(Real(1), 352));
+    EXPECT_EQ(Real("0x" + std::string(88, 'F')) + 1, ldexp(Real(1), 352));
+}
+
+TEST_F(RealText, RefusesWhatIsNoNumber) {
+    for (const char* const text :
+         {"",   "-",  "+-1", "1-",  "--1", ".",   "e5",  "1e",  "1e+", "1e1.5", "1.2.3", "1,5",
+          " 1", "1 ", "0x",  "0xg", "0b2", "0o8", "0x.", "abc", "1_0", "inf",   "nan"}) {
+        EXPECT_THROW(Real(std::string_view(text)), std::invalid_argument) << text;
+    }
+}
+
+TEST_F(RealText, BeyondTheRangeHasACode) {
+    EXPECT_TRUE(Real("1e999999999999999999999").IsOverflow());
+    EXPECT_EQ(takeError(), 3);
+    EXPECT_EQ(Real("1e-999999999999999999999"), Real());
+    EXPECT_EQ(takeError(), 4);
+}
+
+TEST_F(RealText, LiteralsAreNoDoubles) {
+    EXPECT_EQ(0.1_real, Real(1) / 10);
+    EXPECT_NE(0.1_real, Real(0.1));
+    EXPECT_EQ(1'000'000_real, Real(1000000));
+    EXPECT_EQ(1.5e-3_real, Real(3) / 2000);
+    EXPECT_EQ(0xFF_real, Real(255));
+    EXPECT_EQ(-2_real, Real(-2));
+}
+
+// Every format with every precision, for numbers around the places where formats change.
+TEST_F(RealText, StreamsWriteAsTheyWriteDoubles) {
+    const std::vector<double> numbers = {
+        0,          1,    -1,       0.5,     2.5,     0.0001, 0.00001, 123456,      999999,      9999995,
+        99999.5,    1e10, -1.25e-7, 1.0 / 3, 2.0 / 3, 0.06,   0.05,    0.04,        0.951171875, 9.990234,
+        1234567.89, 1e22, 3e-300,   0.25,    0.75,    100,    1e15,    -0.009765625};
+    using Format = std::ios_base& (*)(std::ios_base&);
+    const Format formats[] = {std::defaultfloat, std::fixed, std::scientific};
+    for (const double number : numbers) {
+        for (const Format format : formats) {
+            for (const int precision : {1, 2, 3, 6, 10, 17, 40}) {
+                std::ostringstream real, expected;
+                real << format << std::setprecision(precision) << Real(number);
+                expected << format << std::setprecision(precision) << number;
+                EXPECT_EQ(real.str(), expected.str()) << number << ' ' << precision;
+            }
+        }
+    }
+}
+
+TEST_F(RealText, StreamsHonorTheOtherFlags) {
+    const auto written = [](auto number) {
+        std::ostringstream out;
+        out << std::showpos << std::setw(12) << number << '|' << std::noshowpos << std::left << std::setw(12)
+            << number << '|' << std::internal << std::setfill('0') << std::setw(12) << number << '|'
+            << std::showpoint << number << '|' << std::uppercase << std::scientific << number << '|'
+            << std::fixed << std::setprecision(0) << number;
+        return out.str();
+    };
+    for (const double number : {2.5, -1.5, 1e20, 0.0}) EXPECT_EQ(written(Real(number)), written(number));
+}
+
+TEST_F(RealText, AHundredFiguresAreThere) {
+    // pi, known for centuries
+    EXPECT_EQ(toString(pi()),
+              "3.141592653589793238462643383279502884197169399375105820974944592307816406286208998"
+              "628034825342117068");
+    EXPECT_EQ(toString(Real(1) / 3), "0." + std::string(100, '3'));
+    EXPECT_EQ(toString(Real("1e-20"), 3), "1e-20");
+    EXPECT_EQ(toString(Real(1) / 0), "overflow");
+    takeError();
+}
+
+TEST_F(RealText, StreamsReadWordByWord) {
+    std::istringstream in("1.5 -2e3\n0x10;");
+    Real a, b, c;
+    in >> a >> b >> c;
+    EXPECT_TRUE(static_cast<bool>(in));
+    EXPECT_EQ(a, Real(1.5));
+    EXPECT_EQ(b, Real(-2000));
+    EXPECT_EQ(c, Real(16));
+    EXPECT_EQ(in.get(), ';');
+}
+
+TEST_F(RealText, AStreamWithoutANumberFailsAndKeepsTheValue) {
+    std::istringstream in("abc");
+    Real a = 7;
+    in >> a;
+    EXPECT_TRUE(in.fail());
+    EXPECT_EQ(a, Real(7));
+    std::istringstream nothing("");
+    nothing >> a;
+    EXPECT_TRUE(nothing.eof());
+    EXPECT_EQ(a, Real(7));
+}
