@@ -16,8 +16,6 @@ struct Decimal {
     bool negative = false;
     std::string digits; // the one before the point first; those that lack are zeros
     int exponent = 0;
-
-    size_t SignificantDigits() const { return digits == "0" ? 0 : digits.size(); } // as toDecimal made it
 };
 
 enum ExponentKind { NO_EXPONENT, PLAIN_EXPONENT, EXPONENT_OF_THREE };
@@ -94,7 +92,7 @@ ExponentKind exponentKind(const Decimal& all, int sigfigs, int scimode) {
     case SCI_AUTO:
         if (e >= -3 && !(e >= 8 || e > sigfigs)) return NO_EXPONENT;
         // Numbers such as 123456780 have no more digits than their exponent: they are shown in full.
-        if (e >= 0 && e < 10 && all.SignificantDigits() <= static_cast<size_t>(e)) return NO_EXPONENT;
+        if (e >= 0 && e < 10 && all.digits.size() <= static_cast<size_t>(e)) return NO_EXPONENT;
         return PLAIN_EXPONENT;
     default: return NO_EXPONENT;
     }
@@ -164,8 +162,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     const ExponentKind kind = exponentKind(all, sigfigs, scimode);
     const int e = all.exponent;
     negative = all.negative;
-    const bool isWhole =
-        e >= 0 && e <= MAX_WHOLE_EXPONENT && all.SignificantDigits() <= static_cast<size_t>(e) + 1;
+    const bool isWhole = e >= 0 && e <= MAX_WHOLE_EXPONENT && all.digits.size() <= static_cast<size_t>(e) + 1;
     if (kind == NO_EXPONENT && isWhole && scimode != SCI_FIXED) {
         all.digits.resize(static_cast<size_t>(e) + 1, '0');
         return grouped(std::move(all.digits), separator);
@@ -174,7 +171,7 @@ std::string formatFinite(const qfloat value, int sigfigs, int scimode, char sepa
     const auto digitsShown = static_cast<size_t>(shown);
     const bool isPlain = kind == NO_EXPONENT && scimode != SCI_FIXED; // without zeros at the end
     const bool isComplete = isPlain && all.digits.size() <= digitsShown;
-    const bool hasFraction = e >= 0 && all.SignificantDigits() > static_cast<size_t>(e) + 1;
+    const bool hasFraction = e >= 0 && all.digits.size() > static_cast<size_t>(e) + 1;
     if (isComplete && hasFraction) return grouped(plainForm(std::move(all)), separator);
     Decimal decimal = isComplete ? all : withDigits(all, value, digitsShown);
     if (kind != NO_EXPONENT) return exponentForm(decimal, kind, scimode);

@@ -185,14 +185,10 @@ void takeText(ZqCalculator& calc, const DefinitionsText& text, DefinitionsRead& 
     const std::vector<Reading> readings = Reader(calc).Take(text.records);
     result.damaged = !takeHistory(calc.history, text.history) || !text.isFramed;
     for (size_t i = 0; i < readings.size(); ++i) {
-        const DefinitionRecord& record = text.records[i];
-        if (readings[i] == Reading::TooLong) {
-            ++result.unread;
-            if (record.section == NO_SECTION) result.damaged = true; // it does not stay in the file
-        } else if (readings[i] == Reading::Refused) {
-            result.damaged = true;
-            result.refused.insert(record.Key());
-        }
+        if (readings[i] == Reading::TooLong) ++result.unread;
+        if (readings[i] != Reading::Refused) continue;
+        result.damaged = true;
+        result.refused.insert(text.records[i].Key());
     }
 }
 
