@@ -8,25 +8,26 @@ namespace {
 // What becomes of the standard descriptors of a program that is started.
 class Descriptors {
 public:
-    Descriptors() { isGood = posix_spawn_file_actions_init(&actions) == 0; }
+    Descriptors() : error(posix_spawn_file_actions_init(&actions)) {}
     ~Descriptors() { posix_spawn_file_actions_destroy(&actions); }
     Descriptors(const Descriptors&) = delete;
     Descriptors& operator=(const Descriptors&) = delete;
 
-    void LeadNowhere(int number) {
-        const int flags = number == STDIN_FILENO ? O_RDONLY : O_WRONLY;
-        isGood = isGood && posix_spawn_file_actions_addopen(&actions, number, "/dev/null", flags, 0) == 0;
+    void LeadNowhere(int number, int flags) {
+        error |= posix_spawn_file_actions_addopen(&actions, number, "/dev/null", flags, 0);
     }
     void LeadTo(int descriptor, int number) {
-        isGood = isGood && posix_spawn_file_actions_adddup2(&actions, descriptor, number) == 0;
+        error |= posix_spawn_file_actions_adddup2(&actions, descriptor, number);
     }
 
-    // Nothing when there was no memory for one of them.
-    const posix_spawn_file_actions_t* Actions() const { return isGood ? &actions : nullptr; }
+    const posix_spawn_file_actions_t& Actions() const { return actions; }
+
+    // False when there was no memory for one of them.
+    bool AreGood() const { return error == 0; }
 
 private:
     posix_spawn_file_actions_t actions = {};
-    bool isGood = false;
+    int error;
 };
 
 } // namespace
@@ -37,15 +38,16 @@ pid_t startProgram(std::vector<std::string> arguments, int output, System& syste
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
     Descriptors descriptors;
-    descriptors.LeadNowhere(STDIN_FILENO);
+    descriptors.LeadNowhere(STDIN_FILENO, O_RDONLY);
     if (output >= 0)
         descriptors.LeadTo(output, STDOUT_FILENO);
     else
-        descriptors.LeadNowhere(STDOUT_FILENO);
-    descriptors.LeadNowhere(STDERR_FILENO);
+        descriptors.LeadNowhere(STDOUT_FILENO, O_WRONLY);
+    descriptors.LeadNowhere(STDERR_FILENO, O_WRONLY);
     pid_t process = -1;
-    const auto* const actions = descriptors.Actions();
-    return actions && system.Start(process, *actions, argv.data(), environ) == 0 ? process : -1;
+    const bool isStarted =
+        descriptors.AreGood() && system.Start(process, descriptors.Actions(), argv.data(), environ) == 0;
+    return isStarted ? process : -1;
 }
 
 int waitForProgram(pid_t process, System& system) {

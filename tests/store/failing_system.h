@@ -140,11 +140,11 @@ private:
 
 // Does something again and again, with the first, the second and every further call failing in each way, as
 // long as it makes so many calls. Returns how many times one failed.
-template <typename Action> size_t failEveryCall(Action action) {
+template <typename Calls = FailingSystem, typename Action> size_t failEveryCall(Action action) {
     size_t count = 0;
     for (const int failure : FAILURES) {
         for (size_t number = 0;; ++number) {
-            FailingSystem system(number, failure);
+            Calls system(number, failure);
             action(system);
             if (!system.IsReached()) break;
             if (!system.WhatFailed().empty()) ++count;
