@@ -102,6 +102,10 @@ TEST_F(LastAnswer, IsWrittenInAnotherBaseInTheSettingsOfNow) {
 
 // Of a longer text only the first 104 digits would be read, without the scale of the others.
 TEST_F(LastAnswer, IsCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
+    const char* const manyAs = "1.18300573615821434008679005188611741518502779075663"
+                               "2123535614992541427454682169268931055819264674274e131";
+    const char* const manyFs = "1.77450860423732151013018507782917612277754168613494"
+                               "8185303422488812141182023253903396583728897011411e131";
     const char* const power = "1.606938044258990275541962092341162602522202993782792835301376e60";
     const struct {
         const char* settings;
@@ -112,6 +116,8 @@ TEST_F(LastAnswer, IsCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
                  {"display bin", "2^104", "2.0282409603651670423947251286016e31"},
                  {"display hex", "2^200", "0x0100"}, // and 48 zeros
                  {"display hex", "1e400", "1.0e400"},
+                 {"display hex", "0xAAAAAAAAAAAAAAAAAAAAAAAA*2^340", manyAs}, // 24 letters, 85 zeros
+                 {"display hex", "0xFFFFFFFFFFFFFFFFFFFFFFFF*2^340", manyFs},
                  {"display hex", "0-1e400", "-1.0e400"},
                  {"display dec; scimode never", "1e100", "10000"}, // and 96 zeros
                  {"scimode never", "1e103", "10000"},

@@ -52,6 +52,10 @@ TEST_F(Functions, WhatIsEchoedBeyondTheTextsSizeIsRefused) {
     const std::string thousand(1000, 'x');
     EXPECT_EQ("** ERROR: 10000 max characters to show **\n", Answer(repeated("echo " + thousand + ";", 12)));
     EXPECT_EQ(9u * 1001u, strlen(calc.echoText));
+    const std::string nine = "echo " + std::string(9000, 'x') + ";echo ";
+    EXPECT_EQ(STATUS_MESSAGE, Enter(nine + std::string(997, 'z'))); // with two line ends and the NUL 10000
+    EXPECT_EQ(9999u, strlen(calc.echoText));
+    EXPECT_EQ("** ERROR: 10000 max characters to show **\n", Answer(nine + std::string(998, 'z')));
     EXPECT_EQ(STATUS_MESSAGE, Enter("echo " + std::string(9990, 'y')));
     EXPECT_EQ(9991u, strlen(calc.echoText));
     EXPECT_EQ(STATUS_COMMAND, Enter("convert " + std::string(5000, 'a')));

@@ -3,6 +3,7 @@
 #include "../seed.h"
 #include "Helpers_String.h"
 #include "deq.h"
+#include "held_bytes.h"
 
 #include <gtest/gtest.h>
 
@@ -206,6 +207,18 @@ TEST(Deq, TakesTheTermsThatAnotherListMade) {
         other.Clear();
         list.Clear();
     }
+}
+
+TEST(Deq, HoldsLittleOfALongListThatItTookOver) {
+    Deq list;
+    Deq other;
+    const size_t before = heldBytes();
+    for (int i = 0; i < 40000; i++) list.AddOperand()->SetText("a");
+    for (int i = 0; i < 38000; i++) other.AddOperand()->SetText("b");
+    EXPECT_GT(heldBytes(), before + (5U << 20)); // what is to be given back
+    list.TakeAll(other);
+    list.Clear();
+    EXPECT_LT(heldBytes(), before + (2U << 20));
 }
 
 TEST(Deq, PrintsTextsAndIsBounded) {

@@ -65,6 +65,8 @@ TEST_F(Scanner, HexadecimalNumbersKeepTheirText) {
 TEST_F(Scanner, TheSignOfAnExponentBelongsToTheNumber) {
     EXPECT_EQ("n", Terms("1e-3"));
     EXPECT_EQ("n", Terms("1.E+3"));
+    EXPECT_EQ("n", Terms("0.5e-3"));
+    EXPECT_EQ("n + n", Terms("2+05E-1"));
     EXPECT_EQ("<e> - n", Terms("e-3"));
     EXPECT_EQ("( n ) <e> - n", Terms("(1)e-3"));
 }

@@ -4,6 +4,7 @@
 #include "oracle.h"
 
 #include "qfloat.h"
+#include "qlimb.h"
 
 namespace oracle::test_constants {
 
@@ -150,6 +151,24 @@ TEST(Constants, PowersOfTenAndTheirReciprocals) {
         expectValue(qtens[i], value, ("qtens " + std::to_string(i)).c_str());
         powerOfTen(value, -(1L << (13 - i)));
         expectValue(qmtens[i], value, ("qmtens " + std::to_string(i)).c_str());
+    }
+}
+
+TEST(Constants, ExtendedPowersOfTenHaveEveryBit) {
+    constexpr int BITS = 64 * limb::COUNT;
+    for (unsigned k = 0; k < 14; ++k) {
+        mpfr_t power;
+        mpfr_init2(power, BITS);
+        mpfr_ui_pow_ui(power, 10, 1UL << k, MPFR_RNDN);
+        mpz_t mantissa;
+        mpz_init(mantissa);
+        const mpfr_exp_t exponent = mpfr_get_z_2exp(mantissa, power) + BITS;
+        uint64_t limbs[limb::COUNT] = {};
+        mpz_export(limbs, nullptr, -1, sizeof limbs[0], 0, 0, mantissa);
+        EXPECT_EQ(exponent, limb::TENS[k].exponent) << k;
+        for (int i = 0; i < limb::COUNT; ++i) EXPECT_EQ(limbs[i], limb::TENS[k].limb[i]) << k << " " << i;
+        mpz_clear(mantissa);
+        mpfr_clear(power);
     }
 }
 

@@ -261,7 +261,28 @@ TEST_F(DefinitionsFile, AUnitThatIsThereIsNotDefinedTwice) {
 TEST_F(DefinitionsFile, UnitsMayBeInAnyOrder) {
     EXPECT_FALSE(IsDamaged(fileWith("unit ca=3 cb\nunit cb=2 cc\nunit cc=5 m\n")));
     EXPECT_EQ("ans = 30\n", Answer("1 ca->m"));
+    EXPECT_FALSE(IsDamaged(fileWith("unit ca=3 cb cc ce\nunit cb=2 m\nunit cc=5 m\nunit ce=7 m\n")));
     ExpectNothingLost();
+}
+
+// "meter" is the catalogue's and no "eter" behind a prefix.
+TEST_F(DefinitionsFile, AUnitOfTheCatalogueIsNoneThatIsKeptElsewhereBehindAPrefix) {
+    for (const char* line : {"unit eter=3 s", "unit ell=2.50 meter", "unit ess=2.50 keter"})
+        ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc->message;
+    const std::string text = definitionsText(*calc, {"unit eter=3 s\n"});
+    EXPECT_NE(std::string::npos, text.find("\nunit ell=2.50 meter\n")) << text;
+    EXPECT_NE(std::string::npos, text.find("\nunit ess=7500 second\n"))
+        << text; // which may not be there then
+}
+
+TEST_F(DefinitionsFile, AUnitOfTheFileGoesBeforeOneThatIsThere) {
+    for (const char* line : {"unit qa=2 m", "unit qb=7 m"}) ASSERT_EQ(STATUS_MESSAGE, Enter(line));
+    putContent(path, fileWith("unit qa=3 m\nunit qb=7 m\nunit qc=5 m\n"));
+    EXPECT_FALSE(readDefinitions(*calc, path).damaged);
+    EXPECT_EQ("ans = 3\n", Answer("1 qa->m"));
+    EXPECT_EQ("ans = 7\n", Answer("1 qb->m"));
+    EXPECT_EQ("ans = 5\n", Answer("1 qc->m"));
+    EXPECT_EQ(3, calc->unitDefs.count);
 }
 
 TEST_F(DefinitionsFile, AUnitKeepsItsValueWhenAnotherInItWasDefinedAnewOrDeleted) {

@@ -259,6 +259,36 @@ TEST_F(ReadingADefinitionsFile, AnyNumberOfPlainDefinitionsIsRead) {
     EXPECT_EQ("ans = 3.111111111\n", Answer("x11999"));
 }
 
+// The line of a sum, of so many characters.
+std::string longSum(std::string line, size_t characters) {
+    if ((characters - line.size()) % 2 != 0) line += '1';
+    return line + repeated("+1", (characters - line.size()) / 2) + "\n";
+}
+
+// They are no entries: what reading them takes has a limit by itself, which is that of 99 functions of 10,000
+// characters each (8 units of work for one, 20 for a line, 8,000,000 for all).
+TEST_F(ReadingADefinitionsFile, LongFunctionsTogetherHaveALimit) {
+    for (const size_t characters : {TEXT_SIZE - 1, TEXT_SIZE}) {
+        std::string lines;
+        for (int i = 100; i < 205; ++i) lines += longSum("f" + std::to_string(i) + "(x)=x+1", characters);
+        StartAgain();
+        putContent(path, fileWith(lines));
+        const DefinitionsRead read = readDefinitions(*calc, path);
+        EXPECT_FALSE(read.damaged);
+        EXPECT_EQ(characters == TEXT_SIZE ? 6U : 0U, read.unread) << characters;
+    }
+}
+
+TEST_F(ReadingADefinitionsFile, AVariableWhoseLineIsNoEntryIsLeftAlone) {
+    for (const size_t characters : {TEXT_SIZE - 1, TEXT_SIZE}) {
+        StartAgain();
+        putContent(path, fileWith(longSum("v=2", characters)));
+        const DefinitionsRead read = readDefinitions(*calc, path);
+        EXPECT_FALSE(read.damaged);
+        EXPECT_EQ(characters == TEXT_SIZE ? 1U : 0U, read.unread) << characters;
+    }
+}
+
 TEST_F(ReadingADefinitionsFile, WhatWasLeftAloneStaysInTheFileWithEverySave) {
     std::string text = fileWith(bomb("a"));
     text.erase(text.find("a=f40(1)\n"), strlen("a=f40(1)\n"));

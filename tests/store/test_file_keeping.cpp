@@ -2,6 +2,7 @@
 //
 // Files written in one step, and files kept beside.
 #include "FileKeeping.h"
+#include "failing_system.h"
 #include "temporary_folder.h"
 
 #include <csignal>
@@ -409,6 +410,53 @@ TEST_F(FileKeeping, AFileThatCannotBeKeptStays) {
     }
     EXPECT_EQ(std::string(5000, 'x'), contentOf(path));
     EXPECT_EQ(Names{"file"}, folder.Names());
+}
+
+// --- Without a standard input ---
+
+// A program that starts with standard input closed gets the descriptor 0 for a file.
+class WithoutStandardInput {
+public:
+    WithoutStandardInput() : kept(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 100)) { close(STDIN_FILENO); }
+    ~WithoutStandardInput() {
+        EXPECT_EQ(STDIN_FILENO, dup2(kept, STDIN_FILENO));
+        close(kept);
+    }
+    WithoutStandardInput(const WithoutStandardInput&) = delete;
+    WithoutStandardInput& operator=(const WithoutStandardInput&) = delete;
+
+private:
+    int kept;
+};
+
+TEST_F(FileKeeping, WorksWithTheDescriptorZero) {
+    const WithoutStandardInput closed;
+    std::error_code reason;
+    EXPECT_TRUE(writeFileAtomically(path, "one\n", &reason)) << reason.message();
+    EXPECT_TRUE(appendToFile(path, "two\n", reason)) << reason.message();
+    std::string text;
+    EXPECT_TRUE(readWholeFile(path, text, System::Real(), &reason)) << reason.message();
+    EXPECT_EQ("one\ntwo\n", text);
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD)) << "all are closed";
+}
+
+TEST_F(FileKeeping, ALockOnTheDescriptorZeroIsOne) {
+    const WithoutStandardInput closed;
+    const FileLock lock(path, System::Real());
+    EXPECT_FALSE(lock.IsTaken());
+    const int other = open((folder.Path() + "/.file.lock").c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_GT(other, 0);
+    EXPECT_NE(0, flock(other, LOCK_EX | LOCK_NB));
+    close(other);
+}
+
+TEST_F(FileKeeping, AFileThatCannotBeOpenedIsNotAppendedTo) {
+    putContent(path, "old\n");
+    FailingSystem disk(0, EIO); // the first call, which opens the file
+    std::error_code reason;
+    EXPECT_FALSE(appendToFile(path, "new\n", reason, disk));
+    EXPECT_EQ(EIO, reason.value());
+    EXPECT_EQ("old\n", contentOf(path));
 }
 
 } // namespace

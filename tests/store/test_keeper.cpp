@@ -66,7 +66,9 @@ TEST_F(Kept, IsDueLaterAmongEntriesWithoutARest) {
 TEST_F(Kept, OfARunningEntryIsWhatWasThereBeforeItOnce) {
     EnterAndNote("a=1");
     system.Wait(1);
+    EXPECT_FALSE(keeper.IsEntryRunning());
     keeper.EntryWillRun(*calc, false);
+    EXPECT_TRUE(keeper.IsEntryRunning());
     Enter("b=2");
     EXPECT_TRUE(keeper.IsDue());
     SaveBoth();
@@ -284,6 +286,17 @@ TEST_F(Kept, AnEmptyTranscriptHasNoFile) {
     keeper.SetTranscript("");
     SaveBoth();
     EXPECT_EQ("", keeper.TakeNews());
+}
+
+TEST_F(Kept, ATranscriptComesBackBehindAnEmptyOne) {
+    putContent(File("transcript.txt"), "x\n");
+    EXPECT_EQ("x\n", keeper.ReadTranscript());
+    for (const char* const text : {"", "x\n", ""}) {
+        keeper.SetTranscript(text);
+        SaveBoth();
+        EXPECT_EQ(text, contentOf(File("transcript.txt")));
+    }
+    EXPECT_FALSE(keeper.IsAnyUnsaved());
 }
 
 TEST_F(Kept, ATranscriptThatWasNotReadIsNotTouched) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -122,6 +123,33 @@ TEST_F(DescriptorTest, FailuresAreReportedWithTheirReason) {
 
 TEST_F(DescriptorTest, WritingNothingAlwaysWorks) {
     EXPECT_TRUE(writeAll(-1, ""));
+}
+
+// A descriptor that is never ready, and a wait that is interrupted once and then fails for good.
+TEST_F(DescriptorTest, AnInterruptedWaitGoesOnAndOneThatFailsEndsTheCall) {
+    class NeverReady : public System {
+    public:
+        ssize_t Read(int, void*, size_t) override {
+            errno = EAGAIN;
+            return -1;
+        }
+        ssize_t Write(int, const void*, size_t) override {
+            errno = EAGAIN;
+            return -1;
+        }
+        int Poll(pollfd& file, int) override {
+            waited.push_back(file.events);
+            errno = waited.size() % 2 == 1 ? EINTR : ENOMEM;
+            return -1;
+        }
+        std::vector<short> waited;
+    } system;
+    char byte = 0;
+    EXPECT_EQ(-1, readSome(ends[0], &byte, 1, system));
+    EXPECT_EQ(ENOMEM, errno);
+    EXPECT_FALSE(writeAll(ends[1], "text", system));
+    EXPECT_EQ(ENOMEM, errno);
+    EXPECT_EQ(std::vector<short>({POLLIN, POLLIN, POLLOUT, POLLOUT}), system.waited);
 }
 
 } // namespace

@@ -37,7 +37,13 @@ TEST_F(HintAfterError, WritesTheSignOfAMultiplication) {
     EXPECT_EQ(Hint("3(4)"), "a multiplication needs its sign: write 3*(4)\n");
     EXPECT_EQ(Hint("(1+2)(4)"), "a multiplication needs its sign: write (1+2)*(4)\n");
     EXPECT_EQ(Hint("(1+2)4"), "a multiplication needs its sign: write (1+2)*4\n");
+    EXPECT_EQ(Hint("(1+2)pi"), "a multiplication needs its sign: write (1+2)*pi\n");
+    EXPECT_EQ(Hint("3 X 4"), "a multiplication needs its sign: write 3*4\n");
     EXPECT_EQ(Hint("pi(3)"), "pi is a variable; a multiplication needs its sign: write pi*(...)\n");
+}
+
+TEST_F(HintAfterError, WritesEulersNumber) {
+    EXPECT_EQ(Hint("2*e"), "the base of natural logarithms is exp(1)\n");
 }
 
 TEST_F(HintAfterError, ShowsHowAPowerIsWritten) {

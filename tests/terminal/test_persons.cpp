@@ -39,6 +39,15 @@ TEST(Persons, AreThoseThatTheSystemKnows) {
     endpwent();
 }
 
+TEST(Persons, BeginWithTheFirstWithoutBeingAsked) {
+    setpwent();
+    const std::string first = lineOf(getpwent());
+    EXPECT_NE(first, lineOf(getpwent()));
+    endpwent();
+    EXPECT_EQ(first, lineOf(getpwent()));
+    endpwent();
+}
+
 TEST(Persons, AreFoundByNameAndByNumber) {
     const std::string root = outputOf("getent -s files passwd root");
     EXPECT_EQ(lineOf(getpwnam("root")), root);

@@ -79,6 +79,16 @@ TEST(Prompt, StaysOutOfAFileThatCollectsTheAnswers) {
     EXPECT_EQ(file.Content(), "ans = 42\n");
 }
 
+TEST(Prompt, EndsWhenAnAnswerCannotBeWritten) {
+    TerminalSetup setup;
+    setup.outputFile = "/dev/full";
+    Terminal terminal({}, setup);
+    EXPECT_EQ(terminal.ReadUntil("> "), "> ");
+    terminal.Type("6*7\n");
+    EXPECT_EQ(terminal.ReadUntil("device\n"), "tallyquill: standard output: No space left on device\n");
+    EXPECT_EQ(terminal.Wait(), 3);
+}
+
 TEST(Prompt, IsNotShownForLinesOfAFile) {
     const TemporaryFile file;
     std::ofstream(file.Path()) << "1+1\n2+2\n";
@@ -208,7 +218,8 @@ TEST(Prompt, IsShownAgainAfterAStopFromOutside) {
 TEST(Prompt, AStopDuringAnEntryShowsNoSecondPrompt) {
     Terminal terminal({});
     terminal.ReadUntil("> ");
-    terminal.Type("echo2 abcd\n"); // half a second between two letters, so that the stop comes before the last
+    terminal.Type(
+        "echo2 abcd\n"); // half a second between two letters, so that the stop comes before the last
     terminal.ReadUntil("a");
     terminal.StopAndContinue();
     EXPECT_EQ(terminal.ReadUntil("> "), "bcd\n> ");

@@ -253,4 +253,66 @@ TEST_F(SessionTest, ThePageIsNotOpenedWithoutAnAddress) {
     EXPECT_FALSE(session->AnyRefused());
 }
 
+// --- Answers that cannot be written ---
+
+// What an entry comes to where there is nowhere to answer.
+Outcome unwritten(const std::string& entry, const Session::Style& style) {
+    Session session(-1, -1, style);
+    session.Calculator().traced = false;
+    return session.Run(entry);
+}
+
+TEST(UnwrittenAnswers, OfEveryKindAreReported) {
+    for (const char* const entry :
+         {"1", "echo text", "echo text; 1/0", "f(x)=x", "mode deg", "echo50 text", "convert 5 miles to km"})
+        EXPECT_EQ(Outcome::OutputLost, unwritten(entry, {})) << entry;
+    EXPECT_EQ(Outcome::Refused, unwritten("1/0", {})); // errors go elsewhere
+    EXPECT_EQ(Outcome::Ended, unwritten("exit", {}));
+}
+
+TEST(UnwrittenAnswers, AsObjectsAreReported) {
+    Session::Style objects;
+    objects.json = true;
+    for (const char* const entry : {"1", "1/0", "echo text", "mode deg", "\x01"})
+        EXPECT_EQ(Outcome::OutputLost, unwritten(entry, objects)) << entry;
+}
+
+TEST(UnwrittenAnswers, ThatWereCollectedAreReportedBeforeAnErrorOrACommand) {
+    Session::Style blocks;
+    blocks.inBlocks = true;
+    for (const char* const next : {"1/0", "clear", "exit"}) {
+        Session session(-1, -1, blocks);
+        session.Calculator().traced = false;
+        EXPECT_EQ(Outcome::Answered, session.Run("1"));
+        EXPECT_EQ(Outcome::OutputLost, session.Run(next)) << next;
+    }
+    Session session(-1, -1, blocks);
+    session.Run("1");
+    EXPECT_FALSE(session.End());
+}
+
+TEST(UnwrittenAnswers, OfATerminalAreReported) {
+    class ATerminal : public System {
+    public:
+        int IsTerminal(int) override { return 1; }
+    } terminal;
+    setenv("TERM", "xterm", 1);
+    Session session(-1, -1, {}, terminal);
+    session.Calculator().traced = false;
+    EXPECT_EQ(Outcome::OutputLost, session.Run("clear"));                 // a sequence
+    EXPECT_EQ(Outcome::OutputLost, session.Run("convert 5 miles to km")); // that it checks
+}
+
+TEST_F(SessionTest, TextThatIsTypedOutIsNoValue) {
+    Session::Style style;
+    style.quiet = true;
+    Session quiet(answers[1], errors[1], style);
+    EXPECT_EQ(Outcome::Answered, quiet.Run("echo50 text"));
+    style.quiet = false;
+    style.last = true;
+    Session last(answers[1], errors[1], style);
+    EXPECT_EQ(Outcome::Answered, last.Run("echo50 text"));
+    EXPECT_EQ("", Answers());
+}
+
 } // namespace

@@ -77,6 +77,26 @@ TEST_F(TerminalModesTest, GivesBackTheActionsThatItFound) {
     }
 }
 
+void receiveInfo(int signal, siginfo_t*, void*) {
+    received = signal;
+}
+
+TEST(SignalCatcher, GivesBackAnActionThatIsToldMoreAndCatchesNoSignalThatIsNone) {
+    struct sigaction told = {};
+    told.sa_sigaction = receiveInfo;
+    told.sa_flags = SA_SIGINFO;
+    struct sigaction before = {};
+    sigaction(SIGUSR2, &told, &before);
+    SignalCatcher catcher;
+    catcher.Start(SIGUSR2, receive);
+    EXPECT_TRUE(catcher.IsCatching(SIGUSR2));
+    catcher.Start(9999, receive);
+    EXPECT_FALSE(catcher.IsCatching(SIGUSR2));
+    EXPECT_FALSE(catcher.IsCatching(9999));
+    EXPECT_EQ(receiveInfo, actionOf(SIGUSR2).sa_sigaction);
+    sigaction(SIGUSR2, &before, nullptr);
+}
+
 TEST_F(TerminalModesTest, LeavesIgnoredSignalsIgnored) {
     for (const int signal : SIGNALS) {
         const auto before = std::signal(signal, SIG_IGN);

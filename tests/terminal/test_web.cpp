@@ -58,8 +58,10 @@ TEST(Web, APageWithAnErrorStatusIsNoAnswer) {
 TEST(Web, OpensNoPageWithoutAnAddress) {
     unsetenv("TALLYQUILL_WEB_URL");
     EXPECT_FALSE(openPage());
-    setenv("TALLYQUILL_WEB_URL", "--help", 1);
-    EXPECT_FALSE(openPage());
+    for (const char* const address : {"", "--help"}) {
+        setenv("TALLYQUILL_WEB_URL", address, 1);
+        EXPECT_FALSE(openPage()) << address;
+    }
     unsetenv("TALLYQUILL_WEB_URL");
 }
 

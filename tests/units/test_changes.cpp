@@ -73,6 +73,8 @@ TEST_F(UnitChanges, EachHasAVersionAndNothingElseHas) {
     EXPECT_TRUE(isNew());
     changes.TakeBack();
     EXPECT_TRUE(isNew());
+    define("R", "2 m");
+    EXPECT_TRUE(isNew());
     unitFreeMemory();
     EXPECT_TRUE(isNew());
     units_reduce("m");

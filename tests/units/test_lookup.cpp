@@ -28,6 +28,7 @@ TEST_F(UnitsTest, TheReadingsOfANameAreItselfAndWhatStandsBehindAPrefixAndBefore
     EXPECT_EQ((Names{"qxes", "qxe", "qx"}), units_readings("qxes"));
     EXPECT_EQ((Names{"kqs", "qs", "kq", "q"}), units_readings("kqs"));
     EXPECT_EQ((Names{"s"}), units_readings("s")); // no empty name
+    EXPECT_EQ((Names{"qes", "qe", "q"}), units_readings("qes"));
     EXPECT_EQ(Names(), units_readings(""));
 }
 
@@ -69,6 +70,14 @@ TEST_F(UnitsTest, TheSpellingsThatGoOnFromAStartAreUnitsAndPrefixesAloneAndToget
     EXPECT_EQ(units_names().size() + 1, beside.size());
     const size_t units = units_names().size(), prefixes = units_prefix_names().size();
     EXPECT_EQ(units + prefixes * (units + 1), spelled("").size());
+}
+
+TEST_F(UnitsTest, ANameOfOneLetterHasItsPlurals) {
+    EXPECT_EQ(define("q", "2 meter"), "");
+    EXPECT_EQ(reduced("q"), "2.0 meter");
+    EXPECT_EQ(reduced("qs"), "2.0 meter");
+    EXPECT_EQ(reduced("qes"), "2.0 meter");
+    EXPECT_EQ(reduced("kqs"), "2000.0 meter");
 }
 
 TEST_F(UnitsTest, OfTwoReadingsWithAPrefixTheEarlierUnitWins) {
