@@ -4,6 +4,7 @@
 // they mean.
 #include "OwnFiles.h"
 
+#include "../guide.h"
 #include "program.h"
 
 #include <cmath>
@@ -12,6 +13,7 @@
 #include <ctime>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
 #include <sstream>
 #include <string>
@@ -341,6 +343,62 @@ TEST(Temperature, MeetsTheKnownPoints) {
         EXPECT_DOUBLE_EQ(answerWith("temperature", one.entry), one.expected) << one.entry;
     }
     EXPECT_EQ(tested, namesIn("temperature"));
+}
+
+// --- The guide ---
+
+// What the file defines as it is used: "mph", "cToF(celsius)".
+NameSet usesIn(const std::string& name) {
+    NameSet uses;
+    std::ifstream file(fileOf(name));
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        const size_t start = line.rfind("unit ", 0) == 0 ? 5 : 0;
+        uses.insert(line.substr(start, line.find('=') - start));
+    }
+    return uses;
+}
+
+TEST(ShippedDefinitions, AreThoseOfTheGuide) {
+    const auto rows = guideTable(TALLYQUILL_GUIDE, "| Set | Defines |");
+    EXPECT_EQ(rows.size(), shippedNames().size());
+    for (const GuideCells& cells : rows) {
+        const std::vector<std::string> told = guideCode(cells.at(1));
+        EXPECT_EQ(NameSet(told.begin(), told.end()), usesIn(guideCode(cells.at(0)).at(0))) << cells[0];
+    }
+}
+
+// What GNU units calls a unit of the catalogue, where that is something else.
+std::string gnuNameOf(const std::string& unit) {
+    static const std::map<std::string, std::string> names = {
+        {"astronomicalUnit", "au"},   {"calorie", "calorie_IT"},      {"electronVolt", "eV"},
+        {"gilbert", "2.5 ampere/pi"}, {"lightYear", "lightyear"},     {"parsec", "648000 au/pi"},
+        {"pica", "inch/6"},           {"revolutionPerMinute", "rpm"}, {"year", "365 day"}};
+    const auto found = names.find(unit);
+    return found == names.end() ? unit : found->second;
+}
+
+// Whether a number in the text is this one.
+bool hasNumber(const std::string& text, double wanted) {
+    for (size_t i = 0; i < text.size();) {
+        char* end = nullptr;
+        const double number = std::strtod(text.c_str() + i, &end);
+        const auto next = static_cast<size_t>(end - text.c_str());
+        if (next > i && std::abs(number / wanted - 1) < 3e-15) return true;
+        i = next > i ? next : i + 1;
+    }
+    return false;
+}
+
+TEST(GuideOfUnits, HasAFactorThatIsExactOrANoteWithTheOneOfGnuUnits) {
+    const auto rows = guideTable(TALLYQUILL_GUIDE, "| Unit | Short | Is | Note |");
+    EXPECT_GT(rows.size(), 40U);
+    for (const GuideCells& cells : rows) {
+        const std::string name = guideCode(cells.at(0)).at(0);
+        const std::string is = guideCode(cells.at(2)).at(0);
+        const double exact = gnuFactor(gnuNameOf(name), is.substr(is.find(' ') + 1));
+        EXPECT_TRUE(hasNumber(is, exact) || hasNumber(cells.at(3), exact)) << name << " " << exact;
+    }
 }
 
 } // namespace
