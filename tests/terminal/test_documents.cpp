@@ -8,6 +8,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,71 @@ TEST(Readme, BeginsWithAnAnswerAndAPicture) {
     EXPECT_LT(first("ans = "), 10);
     EXPECT_LT(first("!["), 15);
     EXPECT_LT(first("!["), first("## "));
+}
+
+// --- The figures of README are those of the other documents ---
+
+std::string document(const std::string& name) {
+    return TALLYQUILL_SOURCES + ("/docs/" + name);
+}
+
+TEST(Readme, HasTheRatiosThatWereMeasured) {
+    std::set<std::string> measured;
+    const std::regex ratio("([0-9.]+ of [a-z]+)");
+    for (const GuideCells& cells :
+         guideTable(document("performance.md").c_str(), "| Work | Ratio | Bar | What limits it |"))
+        for (auto one = std::sregex_iterator(cells.at(1).begin(), cells.at(1).end(), ratio);
+             one != std::sregex_iterator(); ++one)
+            measured.insert((*one)[1]);
+    int rows = 0;
+    for (const GuideCells& cells : guideTable(TALLYQUILL_README, "| Work | Ratio | Peer |")) {
+        if (cells.at(2).rfind("MPFR", 0) == 0) continue; // a mean of other rows
+        EXPECT_EQ(measured.count(cells.at(1) + " of " + cells.at(2)), 1U) << cells[0];
+        ++rows;
+    }
+    EXPECT_GT(rows, 3);
+}
+
+TEST(Readme, HasResultsThatWereAllTheNearest) {
+    const std::string path = document("accuracy.md");
+    int rows = 0;
+    for (const char* const head : {"| Function | Random | second way | Hard | second way | Not the nearest |",
+                                   "| Function | Operands | Count | Second way | Not the nearest |"}) {
+        for (const GuideCells& cells : guideTable(path.c_str(), head)) {
+            EXPECT_EQ(cells.back(), "0") << cells[0];
+            ++rows;
+        }
+    }
+    EXPECT_EQ(rows, 21 + 13);
+    for (const GuideCells& cells : guideTable(
+             TALLYQUILL_README, "| What | Random | Beside the middle of two numbers | Not the nearest |"))
+        EXPECT_EQ(cells.back(), "0") << cells[0];
+}
+
+// "1,000" is 1000.
+int countIn(std::string cell) {
+    cell.erase(std::remove(cell.begin(), cell.end(), ','), cell.end());
+    return std::stoi(cell);
+}
+
+TEST(Readme, HasTheKillsThatWereTried) {
+    int kills = 0;
+    int others = 0;
+    for (const GuideCells& cells :
+         guideTable(document("reliability.md").c_str(),
+                    "| What happens | Runs | Torn files | Runs that lost a definition |")) {
+        EXPECT_EQ(countIn(cells.at(2)) + countIn(cells.at(3)), 0) << cells[0];
+        if (cells[0].rfind("kill -9", 0) == 0)
+            kills += countIn(cells.at(1));
+        else if (cells[0].rfind("SIG", 0) != 0)
+            others += countIn(cells.at(1));
+    }
+    const auto told = guideTable(TALLYQUILL_README, "| What happens | Runs | Torn files, or definitions lost "
+                                                    "that were answered two seconds before | To repeat |");
+    ASSERT_GE(told.size(), 2U);
+    EXPECT_EQ(countIn(told[0].at(1)), kills);
+    EXPECT_EQ(countIn(told[1].at(1)), others);
+    for (const GuideCells& cells : told) EXPECT_EQ(cells.at(2), "0") << cells[0];
 }
 
 TEST(Guide, ItsExamplesAreTrue) {
