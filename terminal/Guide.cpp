@@ -22,12 +22,16 @@ std::vector<std::string_view> linesOf(std::string_view text) {
     return lines;
 }
 
-// A line's text without the signs for code, bold and links.
+// A line's text without the signs for code, bold and links; in code there are no others.
 std::string withoutMarks(std::string_view line) {
     std::string text;
     for (size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '`' || line.substr(i, 2) == "**") {
-            i += line[i] == '`' ? 0 : 1;
+        if (line[i] == '`') {
+            const size_t end = std::min(line.find('`', i + 1), line.size());
+            text += line.substr(i + 1, end - i - 1);
+            i = end;
+        } else if (line.substr(i, 2) == "**") {
+            ++i;
         } else if (line.substr(i, 2) == "](") {
             i = std::min(line.find(')', i), line.size() - 1);
         } else if (line[i] == '[' && line.find("](", i) != std::string_view::npos) {
@@ -48,7 +52,8 @@ std::vector<std::string> cellsOf(std::string_view row) {
         while (end > 0 && end < row.size() && row[end - 1] == '\\')
             end = std::min(row.find('|', end + 1), row.size());
         std::string cell = withoutMarks(row.substr(0, end));
-        cell.erase(std::remove(cell.begin(), cell.end(), '\\'), cell.end());
+        for (size_t bar = cell.find("\\|"); bar != std::string::npos; bar = cell.find("\\|"))
+            cell.erase(bar, 1);
         const size_t start = std::min(cell.find_first_not_of(' '), cell.size());
         cells.push_back(cell.substr(start, cell.find_last_not_of(' ') + 1 - start));
         row.remove_prefix(std::min(end + 1, row.size()));

@@ -27,6 +27,9 @@ TEST(Guide, FindsASectionByAPartOfItsTitleInAnyCase) {
 TEST(PlainText, LeavesOutTheSignsForCodeBoldAndLinks) {
     EXPECT_EQ(plainText("A `1+1`, a **bold** word and a [link](#there) (aside).\n", 80),
               "A 1+1, a bold word and a link (aside).\n");
+    EXPECT_EQ(plainText("Not `2**3` nor `[1](2)` of **`**`** here\n", 80),
+              "Not 2**3 nor [1](2) of ** here\n");
+    EXPECT_EQ(plainText("an open ` sign\n", 80), "an open sign\n");
     EXPECT_EQ(plainText("![a picture](a.png)\n", 80), "");
 }
 
@@ -52,6 +55,15 @@ TEST(Guide, HasNoLineThatATerminalWouldBreak) {
     }
 }
 
+TEST(Guide, HasTheRowsOfATableAsPlainText) {
+    const auto rows = guideRows("Exit status", "Status");
+    ASSERT_EQ(rows.size(), 5U);
+    EXPECT_EQ(rows[0], (std::vector<std::string>{"0", "everything was answered"}));
+    EXPECT_TRUE(guideRows("Exit status", "Key").empty());
+    EXPECT_EQ(guideRows("Starting the window", "Option")[0][0], "--new-window"); // the first of two tables
+    EXPECT_EQ(guideRows("Starting the window", "Status")[0][0], "0");
+}
+
 TEST(PlainText, KeepsWhatStandsBetweenFencesAndSetsItIn) {
     EXPECT_EQ(plainText("```\n> 2**3 `x`\n```\nend\n", 80), "  > 2**3 `x`\nend\n");
 }
@@ -61,6 +73,7 @@ TEST(PlainText, PutsATablesColumnsSideBySide) {
               "  Entry    Answer\n  1+1      2\n  sin(30)  half\nend\n");
     EXPECT_EQ(plainText("| a | b |", 80), "  a  b\n");
     EXPECT_EQ(plainText("| `bin\\|dec` | b |", 80), "  bin|dec  b\n");
+    EXPECT_EQ(plainText("| `\\t` | a\\|\\|b |", 80), "  \\t  a||b\n");
 }
 
 } // namespace
