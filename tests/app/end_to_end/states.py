@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: MIT
 """A picture of each state of the window, looked at as far as a program can: see calculator_window.py.
 
-    tests/app/with_display.sh --wm --screen 2560x1600 env TALLYQUILL_APP=.../Tallyquill \\
+    tests/app/with_display.sh --wm --screen 3840x2160 env TALLYQUILL_APP=.../Tallyquill \\
         python3 tests/app/end_to_end/states.py [TEST ...]
 
 The pictures go to the folder TALLYQUILL_PICTURES, when there is one, for a person to look at.
@@ -34,6 +34,10 @@ SCROLLED = ["Tallyquill Guide", "Functions", "Units"]  # which text goes on belo
 EDGE = 2  # pixels around each picture, on which no text stands
 EDGE_COLORS = 16  # of lines and surfaces; text has many more
 DRAWN_COLORS = 20  # at least, of what is drawn whole
+SCREEN = (3840, 2160)
+HEAD = 49  # pixels above the console: the menus and the controls
+FOOT = 20  # below it: the status line
+AIR = 5  # above and below the console's text
 
 
 def colors_of(pixels, most=None):
@@ -72,6 +76,13 @@ def faults(pixels, width, scrolled):
     return found
 
 
+def cut_lines(pixels, width):
+    """Where a line of the console is cut: beside the scroller nothing stands in the air around the text."""
+    rows = [pixels[i : i + 3 * (width - 40)] for i in range(0, len(pixels), 3 * width)]
+    air = {"top": rows[HEAD + 1 : HEAD + AIR], "bottom": rows[-FOOT - AIR : -FOOT - 1]}
+    return [side for side, strip in air.items() if len(colors_of(b"".join(strip))) > 1]
+
+
 def opened(before):
     """The number of the menu that has come since, once it is the last one that was opened."""
     wait_until("a menu", lambda: on_screen() - before)
@@ -104,6 +115,7 @@ class States(Scenario):
             command = ["convert", "-size", f"{width}x{len(pixels) // 3 // width}", "-depth", "8", "rgb:-", path]
             subprocess.run(command, input=pixels, timeout=PATIENCE, check=True)
         self.assertEqual(found, [], name)
+        return pixels
 
     def look_at_console(self, window):
         window.enter("tripled(x)=3*x")
@@ -195,6 +207,28 @@ class States(Scenario):
             run("xdotool", "windowsize", window.id, str(width), str(height))
             wait_until("the size", lambda: abs(geometry(window.id)[2] - width) < 10)
             self.look(window.id, f"{width}")
+        self.quit(window)
+
+    def test_whole_4k_screen(self):
+        self.prepare({"sigfigs": 100})
+        script = os.path.join(self.folder, "roots.script")
+        with open(script, "w", encoding="ascii") as file:
+            for i in range(90):
+                file.write(f"echo {i}: {'the root of this number has a hundred digits ' * 11}\nsqrt({i})\n")
+        window = self.start(script)
+        left, right, top, bottom = window.frame()
+        width, height = SCREEN[0] - left - right, SCREEN[1] - top - bottom
+        run("xdotool", "windowmove", window.id, "0", "0", "windowsize", window.id, str(width), str(height))
+        wait_until("the size", lambda: geometry(window.id)[2:] == (width, height))
+        window.wait_for_text("\n\n> ")
+        window.enter("26.2 mile->km")
+        window.type("2*(3+(4*5))")
+        pixels = self.look(window.id, "console")
+        self.assertEqual(cut_lines(pixels, width), [])
+        # Its text goes on to the right edge and down to the last line.
+        rows = [pixels[i : i + 3 * width] for i in range(0, len(pixels), 3 * width)]
+        right_side = b"".join(row[3 * (width - 140) : 3 * (width - 40)] for row in rows[HEAD:-FOOT])
+        self.assertGreater(len(colors_of(right_side)), EDGE_COLORS)
         self.quit(window)
 
 
