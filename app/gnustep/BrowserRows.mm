@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
 // The rows of the panels for files and fonts. GNUstep's own lie on the color of the window, not on that of
-// the list, and have an arrow of single pixels.
+// the list, have an arrow of single pixels and are as high as the letters.
 #import "Controls.h"
+#import "Exchange.h"
 #import "NumberField.h"
 
+#include <algorithm>
 #include <cmath>
 
 static const CGFloat ROW_GAP = 4; // between the parts of a row
 static const CGFloat ARROW = 12;  // the room for an arrow
+static const CGFloat ROW_AIR = 2; // above and below the letters
 
 // That of a folder, at the right.
 static void drawArrow(NSRect row, NSColor* color) {
@@ -23,6 +26,13 @@ static void drawArrow(NSRect row, NSColor* color) {
 }
 
 @implementation NSBrowserCell (Rows)
+
+// Whole points: between two rows there would be a seam.
+- (NSSize)cellSize {
+    NSSize size = [super cellSize];
+    size.height = std::ceil([[self font] ascender] - [[self font] descender]) + 2 * ROW_AIR;
+    return size;
+}
 
 // In place of GNUstep's own.
 - (void)drawInteriorWithFrame:(NSRect)frame inView:(NSView*)view {
@@ -51,6 +61,28 @@ static void drawArrow(NSRect row, NSColor* color) {
     NSString* const text = headThatFits([self stringValue], @"", NSWidth(room), look);
     const CGFloat height = [text sizeWithAttributes:look].height;
     [text drawAtPoint:NSMakePoint(NSMinX(room), std::floor(NSMidY(frame) - height / 2)) withAttributes:look];
+}
+
+@end
+
+// A list ends with a whole row; what is left of its height is below.
+@implementation NSScrollView (Rows)
+
++ (void)load {
+    exchange(self, @selector(tile), @selector(tileWholeRows));
+}
+
+// Under this name is GNUstep's own.
+- (void)tileWholeRows {
+    [self tileWholeRows];
+    NSMatrix* const rows = [self documentView];
+    if (![[self superview] isKindOfClass:[NSBrowser class]] || ![rows isKindOfClass:[NSMatrix class]]) return;
+    NSRect frame = [[self contentView] frame];
+    const CGFloat rest = std::fmod(NSHeight(frame), std::max<CGFloat>(1, [rows cellSize].height));
+    if (rest == NSHeight(frame)) return; // it is lower than a row
+    frame.size.height -= rest;
+    if (![self isFlipped]) frame.origin.y += rest;
+    [[self contentView] setFrame:frame];
 }
 
 @end

@@ -2,10 +2,10 @@
 //
 // A screen on which a point is more than a pixel, such as one and a half. GNUstep scales all that is drawn,
 // except what is here.
+#import "Exchange.h"
 #import "Platform.h"
 
 #import <GNUstepGUI/GSWindowDecorationView.h>
-#import <objc/runtime.h>
 
 CGFloat platformScale() {
     return [[NSScreen mainScreen] userSpaceScaleFactor];
@@ -29,9 +29,7 @@ CGFloat platformScale() {
 @implementation NSView (DenseScreen)
 
 + (void)load {
-    method_exchangeImplementations(class_getInstanceMethod(self, @selector(displayRectIgnoringOpacity:
-                                                                                            inContext:)),
-                                   class_getInstanceMethod(self, @selector(displayAllOfRect:inContext:)));
+    exchange(self, @selector(displayRectIgnoringOpacity:inContext:), @selector(displayAllOfRect:inContext:));
 }
 
 // Under this name is GNUstep's own.

@@ -99,11 +99,12 @@ static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
         const char* names; // of GNUstep's colors, without "Color"
     } shades[] = {
         {now.field, "controlBackground controlDarkShadow shadow scrollBar textBackground rowBackground"},
-        {now.window, "windowBackground control alternateRowBackground menuBackground menuItemBackground "
-                     "menuBarBackground menuBarBorder"},
+        {now.window,
+         "windowBackground control controlShadow alternateRowBackground menuBackground menuItemBackground "
+         "menuBarBackground menuBarBorder"},
         {now.control, "header"},
         {now.pressed, "controlHighlight knob selectedControl"},
-        {now.edge, "windowFrame controlLightHighlight controlShadow grid highlight selectedKnob menuBorder "
+        {now.edge, "windowFrame controlLightHighlight grid highlight selectedKnob menuBorder "
                    "menuSeparator"},
         {now.dim, "disabledControlText"},
         {now.text, "windowFrameText controlText headerText text"},
@@ -256,8 +257,12 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 
 // --- Scroll views ---
 
-// GNUstep's own line between the scroller and the document is not drawn.
+// GNUstep's own line between the scroller and the document is not drawn. Below the last row of a list that
+// has only whole ones (BrowserRows.mm) it goes on.
 - (void)drawScrollViewRect:(NSRect)rect inView:(NSView*)view {
+    if (![[view superview] isKindOfClass:[NSBrowser class]]) return;
+    [gray(palette().field) set];
+    NSRectFill([view bounds]);
 }
 
 - (float)defaultScrollerWidth {

@@ -14,6 +14,9 @@
 
 static const CGFloat BUTTON_ROOM = 12; // points beside a title
 
+// Of GSFontHinting: the shapes of letters are fitted to the pixels, their widths are not.
+static const int WIDTHS_OF_FONT = 16;
+
 // What waits in front of it, changes of the focus, is dealt with.
 bool platformCloseIsWaiting(NSWindow* window) {
     for (;;) {
@@ -67,6 +70,14 @@ uint32_t platformKeyCode(NSEvent* event) {
     }
 }
 
+// GNUstep counts the widths of letters in whole points, and draws them in whole pixels, sixteen at a time: on
+// a dense screen words had gaps and letters ran into each other. There they have the widths of their font.
+static void useEvenText() {
+    NSUserDefaults* const defaults = [NSUserDefaults standardUserDefaults];
+    const double scale = [defaults doubleForKey:@"GSScaleFactor"];
+    if (scale != 0 && scale != 1) [defaults registerDefaults:@{@"GSFontHinting" : @(WIDTHS_OF_FONT)}];
+}
+
 void platformRegisterDefaults() {
     // The menu in the window, the scroller at its right, no icon of the application on the desktop, a
     // minimized window left to the window manager, and in menus the names of the keys as they stand
@@ -79,6 +90,7 @@ void platformRegisterDefaults() {
         @"GSShiftKeyString" : @"Shift+",
         @"GSAppOwnsMiniwindow" : @"NO"
     }];
+    useEvenText();
     // GNUstep looks for each image under every ending that it can read, which took half of the start. Ours
     // and its own need none of the 200 kinds that this class adds.
     [NSImageRep unregisterImageRepClass:NSClassFromString(@"GSImageMagickImageRep")];

@@ -2,11 +2,11 @@
 //
 // Runs the tests of the window.
 //
-//   app_tests [--file test_x.mm] [GoogleTest's flags]
+//   app_tests [--file test_x.mm [-KEY VALUE]] [GoogleTest's flags]
 //
 // --file  only the tests of that source file, and it must have some: this is how CTest runs them, one entry
-// for
-//         each file.
+//         for each file.
+// -KEY    a user default, as the program itself takes them
 //
 // Every test lives in a file test_*.mm; the program refuses to run when one does not, because CTest would
 // miss it. Listing the tests (--gtest_list_tests) needs no display.
@@ -70,9 +70,10 @@ static void startAppKit() {
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const bool hasFile = argc == 3 && strcmp(argv[1], "--file") == 0;
+    const bool hasDefault = argc == 5 && argv[3][0] == '-';
+    const bool hasFile = (argc == 3 || hasDefault) && strcmp(argv[1], "--file") == 0;
     if (argc != 1 && !hasFile) {
-        fprintf(stderr, "usage: app_tests [--file test_x.mm] [GoogleTest's flags]\n");
+        fprintf(stderr, "usage: app_tests [--file test_x.mm [-KEY VALUE]] [GoogleTest's flags]\n");
         return STATUS_USAGE;
     }
     std::string names;

@@ -12,6 +12,7 @@
 
 #include "Shades.h"
 
+#include <cmath>
 #include <string>
 
 #import <GNUstepGUI/GSTheme.h>
@@ -89,6 +90,31 @@ TEST_F(Theme, TheRowsOfPanelsHaveTheColorOfTheirList) {
         NSColor* const list =
             [[NSColor textBackgroundColor] colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
         EXPECT_NEAR([[bits colorAtX:115 y:9] redComponent], [list redComponent], 0.01) << isLight;
+    }
+}
+
+NSArray* browsersIn(NSView* view) {
+    NSMutableArray* const found = [NSMutableArray array];
+    for (NSView* const one in [view subviews])
+        [found addObjectsFromArray:[one isKindOfClass:[NSBrowser class]] ? @[ one ] : browsersIn(one)];
+    return found;
+}
+
+// Of whole points too, without seams where they meet.
+TEST_F(Theme, TheListsOfPanelsShowWholeRows) {
+    NSFontPanel* const fonts = [[NSFontManager sharedFontManager] fontPanel:YES];
+    NSArray* const browsers = browsersIn([fonts contentView]);
+    EXPECT_EQ([browsers count], 3u); // families, faces, sizes
+    for (const CGFloat height : {300, 301, 307, 313, 360}) {
+        [fonts setFrame:NSMakeRect(0, 0, 320, height) display:NO];
+        for (NSBrowser* const browser in browsers) {
+            NSMatrix* const rows = [browser matrixInColumn:0];
+            const CGFloat row = [rows cellSize].height;
+            const CGFloat shown = NSHeight([[[rows enclosingScrollView] contentView] frame]);
+            EXPECT_EQ(row, std::floor(row));
+            EXPECT_GE(shown, 3 * row) << height;
+            EXPECT_NEAR(std::remainder(shown, row), 0, 1e-6) << height;
+        }
     }
 }
 
