@@ -46,6 +46,7 @@ static NSColor* colorOf(const Shade& shade) {
     if (text) [self setTextColor:text];
     if (text) [self setInsertionPointColor:text];
     if (back) platformUseLook(isLight(shadeOf(back)));
+    [[[self window] contentView] setNeedsDisplay:YES]; // the air around the text too
     if (!back || !text) return;
     NSColor* const gray = [text colorUsingColorSpaceName:NSCalibratedWhiteColorSpace];
     NSColor* const selected = [gray blendedColorWithFraction:0.7 ofColor:back];

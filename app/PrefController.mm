@@ -243,7 +243,6 @@ static void keepPossible(NSTextField* field, const char* key, int usual) {
     [settings setObject:[controls.prefFGColor color] forKey:@"fgcolor"];
     [settings setObject:[controls.prefBGColor color] forKey:@"bgcolor"];
     [self storeSeparator];
-    [self redraw];
     prefWinIsOpen = 0;
     [self showColors];
     [self letGoOfColorPanel];

@@ -376,6 +376,26 @@ TEST_F(WholeLinesTest, TheTextHasAirAroundIt) {
     EXPECT_EQ([console textContainerOrigin].x, 0);
 }
 
+// The air around the text too, which is no part of the text view.
+TEST_F(WholeLinesTest, NewColorsAreDrawnEverywhereAtOnce) {
+    NSView* const content = [window contentView];
+    const auto picture = [&] {
+        [content lockFocus];
+        NSBitmapImageRep* const bits =
+            [[[NSBitmapImageRep alloc] initWithFocusedViewRect:[content bounds]] autorelease];
+        [content unlockFocus];
+        return [bits TIFFRepresentation];
+    };
+    [window display];
+    NSData* const before = picture();
+    ShowColors({0.1, 0.1, 0.1}, {0.9, 0.8, 0.7});
+    [window displayIfNeeded];
+    NSData* const changed = picture();
+    [window display];
+    EXPECT_FALSE([changed isEqualToData:before]);
+    EXPECT_TRUE([changed isEqualToData:picture()]) << "parts were left as they were";
+}
+
 TEST_F(WholeLinesTest, ANotchOfTheWheelMovesHugeTextToo) {
     FillUp();
     for (int i = 0; i < 20; ++i) [console makeTextBigger:nil];
