@@ -68,7 +68,8 @@ NSString* platformSheetText(NSString* text);
 NSMenu* platformMenuBar(NSString* title);
 
 // Opens the first menu of the bar in the window for the keyboard and returns when all are closed again: the
-// arrows choose, Return takes an item, Escape and the mouse close. Nothing on macOS, whose own keys do that.
+// arrows choose, Return takes an item, Escape, F10 and the mouse close. Any other key closes them and goes to
+// the window. Nothing on macOS, whose own keys do that.
 void platformOpenMenuBar(NSWindow* window);
 
 // Lets the item of a menu show and do what its key does on this platform.

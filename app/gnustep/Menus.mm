@@ -152,6 +152,11 @@ static NSInteger afterEvent(NSEvent* event, NSMenuView* menu, NSInteger place, N
     }
 }
 
+// A key that does nothing in a menu closes it and goes to the window: what is typed fast is not lost.
+static bool isForWindow(uint32_t key) {
+    return key != KEY_ESCAPE && key != KEY_F10;
+}
+
 void platformOpenMenuBar(NSWindow* window) {
     NSMenuView* const bar = barIn([[window contentView] superview]);
     if (!bar) return;
@@ -169,10 +174,14 @@ void platformOpenMenuBar(NSWindow* window) {
                                                     dequeue:YES];
         if (!event) continue;
         place = afterEvent(event, menu, place, [[bar menu] numberOfItems]);
-        const uint32_t key = [event type] == NSKeyDown ? platformKeyCode(event) : KEY_OTHER;
-        if (key != KEY_RETURN && key != KEY_ENTER) continue;
-        chosen = [menu menu];
-        row = [menu highlightedItemIndex];
+        if (place >= 0 || [event type] != NSKeyDown) continue;
+        const uint32_t key = platformKeyCode(event);
+        if (key == KEY_RETURN || key == KEY_ENTER) {
+            chosen = [menu menu];
+            row = [menu highlightedItemIndex];
+        } else if (isForWindow(key)) {
+            [NSApp postEvent:event atStart:YES];
+        }
     }
     openMenu(bar, -1);
     if (row >= 0) [chosen performActionForItemAtIndex:row];

@@ -153,4 +153,36 @@ TEST_F(KeyboardReach, EscapeClosesTheMenus) {
     EXPECT_EQ(Entry(), "3");
 }
 
+TEST_F(KeyboardReach, F10ClosesTheMenusToo) {
+    const NSUInteger windows = VisibleWindows();
+    Wait(NSF10FunctionKey);
+    Press(KEY_F10);
+    EXPECT_EQ(VisibleWindows(), windows);
+    EXPECT_EQ([NSApp nextEventMatchingMask:NSKeyDownMask
+                                 untilDate:[NSDate distantPast]
+                                    inMode:NSDefaultRunLoopMode
+                                   dequeue:YES],
+              nil)
+        << "it would open them again";
+}
+
+// A person who types on has no use for the menus.
+TEST_F(KeyboardReach, WhatIsTypedInTheMenusIsForTheEntry) {
+    const NSUInteger windows = VisibleWindows();
+    Wait(NSDownArrowFunctionKey);
+    Wait('4');
+    Wait('2');
+    Press(KEY_F10);
+    EXPECT_EQ(VisibleWindows(), windows);
+    for (int i = 0; i < 2; ++i) {
+        NSEvent* const next = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                                 untilDate:[NSDate distantPast]
+                                                    inMode:NSDefaultRunLoopMode
+                                                   dequeue:YES];
+        ASSERT_NE(next, nil);
+        [NSApp sendEvent:next];
+    }
+    EXPECT_EQ(Entry(), "42");
+}
+
 } // namespace

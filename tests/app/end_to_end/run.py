@@ -211,6 +211,19 @@ class EndToEnd(Scenario):
         window.wait_for_text("\nans = 17\n\n> ")
         self.quit(window)
 
+    def test_the_menus_take_keys_as_fast_as_they_come(self):
+        window = self.start()
+        expected = "> 10\nans = 10\n"
+        window.enter("10")
+        display = ["F10", "Right", "Right", "Right"]
+        for _ in range(5):
+            for downs, answer in ((2, "0x000A"), (0, "0b 1010"), (1, "10")):
+                run("xdotool", "key", "--delay", "0", *display, *["Down"] * downs, "Return")
+                expected += f"10 = {answer}\n"
+        run("xdotool", "key", "--delay", "0", "F10", "Escape", "7", "F10", "Right", "plus", "1", "Return")
+        window.wait_for_whole_text(expected + "\n> 7+1\nans = 8\n\n> ")
+        self.quit(window)
+
     def test_a_function_is_chosen_and_its_parameter_overtyped(self):
         window = self.start()
         window.enter("area(wide,high)=wide*high")
