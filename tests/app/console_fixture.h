@@ -77,7 +77,14 @@ protected:
     NSUInteger Cursor() const;        // the selection's location
     NSUInteger CursorInEntry() const; // counted from g_linestart
     std::string StatusLine() const;   // the status line
-    std::string News();               // the status line as soon as it says something, or the empty text
+
+    // A variable of the console that nobody else asks for.
+    template <typename Type> Type& PartOf(const char* name) const {
+        Ivar const part = class_getInstanceVariable([MainConsole class], name);
+        return *reinterpret_cast<Type*>(reinterpret_cast<char*>(console) + ivar_getOffset(part));
+    }
+
+    std::string News(); // the status line as soon as it says something, or the empty text
     std::string Pasteboard() const;
     void SetPasteboard(const char* text) const;
 

@@ -52,11 +52,6 @@ protected:
         [console showTextColor:color(text) background:color(back)];
     }
 
-    template <typename Type> Type& PartOf(const char* name) const {
-        Ivar const part = class_getInstanceVariable([MainConsole class], name);
-        return *reinterpret_cast<Type*>(reinterpret_cast<char*>(console) + ivar_getOffset(part));
-    }
-
     std::string Hint() const {
         Ivar const field = class_getInstanceVariable([MainConsole class], "answerStatus");
         NSString* const hint = [[object_getIvar(console, field) cell] placeholderString];
@@ -302,18 +297,6 @@ TEST_F(Looks, ALongEntryIsSaidToBeCalculated) {
     EXPECT_EQ(StatusLine(), "Calculating... Escape ends it.");
     Enter("1+1");
     EXPECT_EQ(StatusLine(), "");
-}
-
-TEST_F(Looks, ALongScriptOfShortLinesIsSaidToBeCalculated) {
-    using Clock = std::chrono::steady_clock;
-    [console watchInterrupts];
-    PartOf<ScriptTurns>("scripts").isReplaying = true;
-    PartOf<std::optional<Clock::time_point>>("longFrom") = Clock::now();
-    [console watchInterrupts]; // its next line
-    PartOf<Clock::time_point>("lastInterruptCheck") -= std::chrono::seconds(1);
-    EXPECT_FALSE([console isInterrupted]);
-    EXPECT_EQ(StatusLine(), "Calculating... Escape ends it.");
-    PartOf<ScriptTurns>("scripts").isReplaying = false;
 }
 
 // --- Lines ---

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
 // Scripts that are replayed: their lines, and what ends or delays them.
-#import "replacement.h"
 #import "script_fixture.h"
 
 #include <chrono>
@@ -253,14 +252,36 @@ TEST_F(Replaying, ItsSettingsAreWrittenTogether) {
     EXPECT_NE(settings.find("<key>dispbase</key>\n\t<integer>2</integer>"), std::string::npos) << settings;
 }
 
+// The engine asks every few hundred steps, over the lines of a script together.
 TEST_F(Replaying, EscapeEndsAScriptOfShortLines) {
-    const int many = 2000000; // on no machine done before the first look for keys
-    Post(@"\033");
+    const int many = 20000;
+    const BehindLines lines([this](int line) {
+        if (line != 100) return;
+        Post(@"\033");
+        LetTimePass();
+    });
     Replay("n=0\n" + repeated("n=n+1\n", many));
+    EXPECT_GE(atoi(Variable("n").c_str()), 99);
     EXPECT_LT(atoi(Variable("n").c_str()), many);
     EXPECT_EQ(Entry(), "");
     Enter("1+1");
     EXPECT_STREQ(calc.lastAnswer, "2");
+}
+
+TEST_F(Replaying, ALongScriptOfShortLinesIsSaidToBeCalculatedUntilItsEnd) {
+    const int many = 20000;
+    std::string early, late;
+    const BehindLines lines([&](int line) {
+        if (line == 100) {
+            early = StatusLine();
+            LetTimePass();
+        }
+        if (line == many) late = StatusLine();
+    });
+    Replay(repeated("n=2\n", many));
+    EXPECT_EQ(early, "");
+    EXPECT_EQ(late, "Calculating... Escape ends it.");
+    EXPECT_EQ(StatusLine(), "");
 }
 
 TEST_F(Replaying, OutputAboveWhatAnotherLineWritesStaysAboveIt) {
