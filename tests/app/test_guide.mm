@@ -417,4 +417,14 @@ TEST_F(Guide, OurGuideIsLaidOutWithoutLeftovers) {
     }
 }
 
+// GNUstep has no interface for them: the window is silent, and a person must not have to find that out.
+TEST_F(Guide, SaysThatScreenReadersReadTheTerminal) {
+    std::ifstream guide(TALLYQUILL_GUIDE);
+    std::string text;
+    for (std::string line; std::getline(guide, line);) text += line + " ";
+    const size_t place = text.find("For screen readers take the terminal's `tallyquill`");
+    ASSERT_NE(place, std::string::npos);
+    EXPECT_NE(text.find("because GNUstep", place), std::string::npos);
+}
+
 } // namespace

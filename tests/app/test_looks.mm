@@ -8,6 +8,8 @@
 
 #import <objc/runtime.h>
 
+#include <sstream>
+
 namespace {
 
 class Looks : public ConsoleTest {
@@ -197,6 +199,30 @@ TEST_F(Looks, CopiesArePlainText) {
     EXPECT_FALSE([types containsObject:NSRTFPboardType]);
     EXPECT_FALSE([types containsObject:NSRTFDPboardType]);
     EXPECT_EQ(Pasteboard(), Text());
+}
+
+// --- Without colors ---
+
+// A person who tells no color from another, or a printer, has the words and the places: an error is between
+// asterisks, an answer has no prompt, and what is missing is said in words.
+TEST_F(Looks, NothingIsMeantByColorAlone) {
+    Enter("2+3");
+    Enter("wdith");
+    Enter("1/0");
+    std::string kinds;
+    std::istringstream lines(Text());
+    for (std::string line; std::getline(lines, line);) {
+        if (line.empty()) continue;
+        const Shade shade = ColorOf(line.c_str());
+        const bool isError = std::abs(shade.red - Wanted().error.red) < 1e-4;
+        const bool isTyped = std::abs(shade.red - TEXT.red) < 1e-4;
+        EXPECT_EQ(isError, line.rfind("** ", 0) == 0) << line;
+        EXPECT_EQ(isTyped, line.rfind("> ", 0) == 0) << line;
+        kinds += isError ? 'e' : isTyped ? 't' : 'a';
+    }
+    EXPECT_EQ(kinds, "tatetet") << "the last one is the new prompt";
+    Type("(2");
+    EXPECT_EQ(Hint(), "missing )");
 }
 
 // --- The bracket ---
