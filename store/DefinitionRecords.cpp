@@ -214,8 +214,9 @@ std::vector<size_t> orderOfReading(const std::vector<DefinitionRecord>& records)
         path.push_back({position, uses.Of(records[position])});
     };
     for (size_t i = 0; i < records.size(); ++i) {
-        if (records[i].kind == Kind::Function) functions.push_back(i);
-        if (records[i].kind != Kind::Nothing) visit(i);
+        const Kind kind = records[i].kind;
+        if (kind == Kind::Function) functions.push_back(i); // it can be read without what it uses
+        if (kind == Kind::Unit || kind == Kind::Variable) visit(i);
         while (!path.empty()) {
             Visit& last = path.back();
             if (last.next < last.used.size()) {

@@ -100,6 +100,11 @@ TEST(DefinitionRecords, WhatOnlyLooksLikeAUseIsNone) {
     EXPECT_EQ("r er ", orderOf("unit r=5 meter\nunit er=2 r\n")); // no "met" in front of er
 }
 
+TEST(DefinitionRecords, WhatOnlyAFunctionUsesStaysInItsPlace) {
+    EXPECT_EQ("f a rate ", orderOf("f(x)=x*rate\na=1\nrate=2\n"));
+    EXPECT_EQ("qqa qqb f ", orderOf("f(x)=x*1[qqb->m]\nunit qqa=2 m\nunit qqb=3 m\n"));
+}
+
 TEST(DefinitionRecords, CirclesStayAsTheyAre) {
     EXPECT_EQ("b a ", orderOf("a=b\nb=a\n"));
     EXPECT_EQ("a ", orderOf("a=a+1\n"));
