@@ -16,7 +16,8 @@
     changedFrom = std::min(changedFrom, [[self textStorage] editedRange].location);
 }
 
-// GNUstep's own, once for all changes of a turn of the run loop.
+// GNUstep's own, once for all changes of a turn of the run loop. A version without it calls nothing here, and
+// all of the view is drawn then.
 - (void)_updateState:(id)sender {
     isUpdating = YES;
     [super _updateState:sender];
