@@ -5,6 +5,8 @@
 #include "program.h"
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
@@ -252,6 +254,55 @@ TEST(Guide, ItsCommandWordsAreKnown) {
         EXPECT_EQ(answer.err, "") << command;
         EXPECT_EQ(answer.status, 0) << command;
     }
+}
+
+// --- Links ---
+
+// "How answers look" is "how-answers-look", as a link names it.
+std::string anchorOf(const std::string& heading) {
+    std::string anchor;
+    for (const char c : heading.substr(heading.find(' ') + 1)) {
+        if (isalnum(static_cast<unsigned char>(c)) || c == '-') anchor += static_cast<char>(tolower(c));
+        if (c == ' ') anchor += '-';
+    }
+    return anchor;
+}
+
+bool hasHeading(const std::string& path, const std::string& anchor) {
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind('#', 0) == 0 && anchorOf(line) == anchor) return true;
+    }
+    return false;
+}
+
+void expectLinksThatLeadSomewhere(const std::filesystem::path& path) {
+    static const std::regex link("\\]\\(([^)# ]*)#?([^) ]*)\\)");
+    for (std::string line : linesOf(path.c_str())) {
+        line = std::regex_replace(line, std::regex("`[^`]*`"), "");
+        for (auto one = std::sregex_iterator(line.begin(), line.end(), link); one != std::sregex_iterator();
+             ++one) {
+            const std::string target = (*one)[1];
+            if (target.find("://") != std::string::npos) continue;
+            const std::filesystem::path file = target.empty() ? path : path.parent_path() / target;
+            EXPECT_TRUE(std::filesystem::exists(file)) << path << ": " << target;
+            const std::string anchor = (*one)[2];
+            EXPECT_TRUE(anchor.empty() || hasHeading(file, anchor))
+                << path << ": " << target << "#" << anchor;
+        }
+    }
+}
+
+TEST(Documents, HaveLinksThatLeadSomewhere) {
+    expectLinksThatLeadSomewhere(TALLYQUILL_README);
+    expectLinksThatLeadSomewhere(TALLYQUILL_SOURCES "/CONTRIBUTING.md");
+    int documents = 0;
+    for (const auto& file : std::filesystem::directory_iterator(TALLYQUILL_SOURCES "/docs")) {
+        if (file.path().extension() != ".md") continue;
+        expectLinksThatLeadSomewhere(file.path());
+        ++documents;
+    }
+    EXPECT_GT(documents, 4);
 }
 
 } // namespace

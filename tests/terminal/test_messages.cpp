@@ -46,7 +46,7 @@ private:
         else if (source[i] == '"')
             Take();
         else if (source[i] == '\'' && !IsSeparator())
-            i = source.find('\'', i + (source[i + 1] == '\\' ? 3 : 1)) + 1;
+            i = std::min(source.find('\'', i + (source[i + 1] == '\\' ? 3 : 1)), source.size() - 1) + 1;
         else {
             if (!isspace(static_cast<unsigned char>(source[i])) && source[i] != '@') End();
             ++i;
@@ -66,7 +66,7 @@ private:
         isOpen = true;
         for (++i; i < source.size() && source[i] != '"'; ++i) {
             const size_t kind = source.find_first_not_of("0123456789.", i + 1);
-            if (source[i] == '%' && strchr("sigcC", source[kind])) {
+            if (source[i] == '%' && kind < source.size() && strchr("sigcC", source[kind])) {
                 i = kind;
                 text += HOLE;
             } else if (source[i] == '\\') {
