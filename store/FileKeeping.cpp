@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "FileKeeping.h"
 
+#include "Helpers_String.h"
+
 #include <algorithm>
-#include <fnmatch.h>
 #include <string_view>
 
 namespace {
@@ -13,8 +14,7 @@ constexpr size_t LARGEST_WRITE = 1U << 30; // some systems refuse more at once
 constexpr int KEPT_FILES = 10;
 constexpr char KEPT_NAME[] = ".unreadable";
 constexpr char TEMPORARY_NAME[] = ".tallyquill-XXXXXX";
-constexpr char TEMPORARY_PATTERN[] =
-    ".tallyquill-[0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z][0-9A-Za-z]";
+constexpr size_t TEMPORARY_LETTERS = 6; // the X
 constexpr useconds_t LOCK_PAUSE = 2000; // microseconds
 
 // An open file, closed at the end of its life.
@@ -156,12 +156,22 @@ bool replaceFile(System& system, const std::string& destination, const std::stri
     return true;
 }
 
+// Whether the end of a name is what mkstemp makes of TEMPORARY_NAME. Not by fnmatch: in Turkish "i" is none
+// of its a-z.
+bool isTemporaryEnd(std::string_view end) {
+    constexpr std::string_view PATTERN = TEMPORARY_NAME;
+    const size_t letters = PATTERN.size() - TEMPORARY_LETTERS;
+    return end.size() == PATTERN.size() && startsWith(end, PATTERN.substr(0, letters)) &&
+           std::all_of(end.begin() + letters, end.end(), [](char c) { return isLetter(c) || isDigit(c); });
+}
+
 // Whether a name in a folder is that of a temporary file for `name` or for a file kept beside that.
-bool isTemporaryName(const std::string& entry, const std::string& name) {
-    if (entry.compare(0, name.size(), name) != 0) return false;
-    const char* const rest = entry.c_str() + name.size();
-    return fnmatch(TEMPORARY_PATTERN, rest, 0) == 0 ||
-           fnmatch((std::string(KEPT_NAME) + "*" + TEMPORARY_PATTERN).c_str(), rest, 0) == 0;
+bool isTemporaryName(std::string_view entry, std::string_view name) {
+    constexpr size_t LENGTH = sizeof TEMPORARY_NAME - 1;
+    if (!startsWith(entry, name) || entry.size() < name.size() + LENGTH) return false;
+    const std::string_view between = entry.substr(name.size(), entry.size() - name.size() - LENGTH);
+    return (between.empty() || startsWith(between, KEPT_NAME)) &&
+           isTemporaryEnd(entry.substr(entry.size() - LENGTH));
 }
 
 // Under its lock, which a living program would have.

@@ -262,6 +262,15 @@ TEST_F(Leftovers, OfProgramsThatWereKilledWhileTheyWroteAreRemoved) {
     EXPECT_EQ("whole\n", text);
 }
 
+// In every language: the Turkish one has an i of its own.
+TEST_F(Leftovers, OfAnyLettersAreRemoved) {
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789aaaa";
+    for (size_t i = 0; i < letters.size(); i += 6)
+        putContent(folder.File("file.tallyquill-" + letters.substr(i, 6)), "half");
+    removeLeftovers(path);
+    EXPECT_EQ(Names{}, folder.Names());
+}
+
 TEST_F(Leftovers, OfKeptFilesAreRemoved) {
     putContent(folder.File("file.unreadable.7.tallyquill-aB3dEf"), "half");
     removeLeftovers(path);
@@ -275,6 +284,8 @@ TEST_F(Leftovers, ThatAreNotOursStay) {
                           "file.tallyquill-abc_ef",
                           "file.tallyquill-abcdef.txt",
                           "file.tallyquill-abcdefg",
+                          "file.unread.tallyquill-abcdef",
+                          "file.unreadable.tallyquill-abc-ef",
                           "file2.tallyquill-abcdef",
                           "tallyquill-abcdef"};
     for (const std::string& name : others) putContent(folder.File(name), "a person's");
