@@ -269,6 +269,7 @@ TEST_F(DefinitionsFile, UnitsMayBeInAnyOrder) {
 TEST_F(DefinitionsFile, AUnitOfTheCatalogueIsNoneThatIsKeptElsewhereBehindAPrefix) {
     for (const char* line : {"unit eter=3 s", "unit ell=2.50 meter", "unit ess=2.50 keter"})
         ASSERT_EQ(STATUS_MESSAGE, Enter(line)) << line << calc->message;
+    calc->history.Clear(); // where the lines stand as they were typed
     const std::string text = definitionsText(*calc, {"unit eter=3 s\n"});
     EXPECT_NE(std::string::npos, text.find("\nunit ell=2.50 meter\n")) << text;
     EXPECT_NE(std::string::npos, text.find("\nunit ess=7500 second\n"))

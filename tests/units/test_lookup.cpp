@@ -29,6 +29,7 @@ TEST_F(UnitsTest, TheReadingsOfANameAreItselfAndWhatStandsBehindAPrefixAndBefore
     EXPECT_EQ((Names{"kqs", "qs", "kq", "q"}), units_readings("kqs"));
     EXPECT_EQ((Names{"s"}), units_readings("s")); // no empty name
     EXPECT_EQ((Names{"qes", "qe", "q"}), units_readings("qes"));
+    EXPECT_EQ((Names{"kilo", "ilo"}), units_readings("kilo")); // nothing stands behind it
     EXPECT_EQ(Names(), units_readings(""));
 }
 
