@@ -209,6 +209,13 @@ TEST(Deq, TakesTheTermsThatAnotherListMade) {
     }
 }
 
+TEST(Deq, AShortListHoldsLittle) {
+    const size_t before = heldBytes();
+    Deq list;
+    for (int i = 0; i < 20; i++) list.AddOperand()->SetText("a"); // 2 KB
+    EXPECT_LT(heldBytes(), before + 10000);
+}
+
 TEST(Deq, HoldsLittleOfALongListThatItTookOver) {
     Deq list;
     Deq other;
