@@ -327,6 +327,18 @@ TEST_F(DecimalScale, IsTheNearestNumberNextToMidpoints) {
     EXPECT_GT(limb::comparisons - before, CASES * 3 / 4) << "the numbers are not hard";
 }
 
+// Up to 10^16383 it is one step.
+TEST_F(DecimalScale, IsTheNearestNumberWhereASecondStepBegins) {
+    for (long n = 16381; n <= 16386; ++n) {
+        Number q = randomMantissa(random);
+        q[0] = 0;
+        q[1] = 1000;
+        Check(q, n);
+        q[1] = 0xFFFF - 1000;
+        Check(q, -n);
+    }
+}
+
 TEST_F(DecimalScale, OfAProductHalfWayBetweenTwoNumbersIsTheLargerOne) {
     for (unsigned long n = 1; n < 150; ++n) {
         Check(FromMantissa(hard::decimalTie([this] { return random.Next(); }, n)), static_cast<long>(n));
