@@ -114,7 +114,7 @@ TEST_F(LastAnswer, IsCopiedWithAnExponentWhereItHasMoreDigitsThanAreRead) {
     } cases[] = {{"display bin", "2^200", power},
                  {"display bin", "2^103", "0b 1000"}, // and 100 zeros
                  {"display bin", "2^104", "2.0282409603651670423947251286016e31"},
-                 {"display hex", "2^200", "0x0100"}, // and 48 zeros
+                 {"display hex", "2^200", "0x0100"},    // and 48 zeros
                  {"display hex", "0-2^412", "-0x1000"}, // and 100 zeros
                  {"display hex", "1e400", "1.0e400"},
                  {"display hex", "0xAAAAAAAAAAAAAAAAAAAAAAAA*2^340", manyAs}, // 24 letters, 85 zeros
