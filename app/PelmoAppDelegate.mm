@@ -74,7 +74,10 @@ bool isShown(NSWindow* mainWindow) {
 - (BOOL)application:(NSApplication*)application openFile:(NSString*)path {
     if (calcIsReady) return [mainConsole loadFile:path];
     if (!waitingToOpenFilenames) waitingToOpenFilenames = [[NSMutableArray alloc] init];
-    [waitingToOpenFilenames addObject:path];
+    // GNUstep hands over the first argument, as it was typed, though main() has read it.
+    NSString* const folder = [[NSFileManager defaultManager] currentDirectoryPath];
+    NSString* const whole = [path isAbsolutePath] ? path : [folder stringByAppendingPathComponent:path];
+    if (![waitingToOpenFilenames containsObject:whole]) [waitingToOpenFilenames addObject:whole];
     return YES;
 }
 

@@ -171,6 +171,17 @@ class Endings(unittest.TestCase):
         self.assertEqual(process.wait(PATIENCE), 0)
         self.assertIn("a=21", self.functions())
 
+    def test_a_script_on_the_command_line_runs_once(self):
+        for number, folder in enumerate((self.folder, ".")):
+            script = self.script("once.script", "pause 100", "(1)", "(2)", f"once=(40+{number})")
+            argument = os.path.join(folder, os.path.basename(script))
+            process = self.start(argument, "--trace", prepare=lambda: os.chdir(self.folder))
+            # It is kept after the script's end; one that runs again would have come before that.
+            wait_until("the functions file", lambda: f"once=4{number}" in self.functions())
+            process.terminate()
+            self.assertEqual(process.wait(PATIENCE), 0)
+            self.assertEqual(self.content("stderr").count(TRACE), 3)
+
 
 if __name__ == "__main__":
     unittest.main()
