@@ -33,7 +33,7 @@ MUTANTS ?= 200
 
 .NOTPARALLEL:
 .PHONY: help deps build terminal run test gcc sanitize fuzz fuzz-fast faults mutants coverage lint format bench bench-check \
-    install uninstall dist dist-check package clean
+    install uninstall dist dist-check package package-check clean
 
 help: ## list the targets
 	@awk -F ':.*## ' '/^[a-z-]+:.*## / { printf "  make %-13s %s\n", $$1, $$2 }' Makefile
@@ -124,8 +124,11 @@ bench-check: deps ## count instructions: more than 3 % above bench/instructions.
 	$(call compile,release) </dev/null
 	bench/instructions.py build/release/bin
 
-install: build ## install below PREFIX (/usr/local); DESTDIR goes before it
-	cmake --install build/release --prefix $(PREFIX)
+install: ## build and install below PREFIX (/usr/local); DESTDIR goes before it
+	@scripts/deps.sh run
+	$(configure_plain) -DCMAKE_INSTALL_PREFIX=$(PREFIX) </dev/null # which the files for pkg-config name
+	$(call compile,release) </dev/null
+	cmake --install build/release
 	cp build/release/install_manifest.txt build/installed.txt
 	@[ -n "$(DESTDIR)" ] || packaging/refresh.sh $(PREFIX)
 
@@ -142,6 +145,9 @@ dist-check: deps dist ## build and test the source archive where there is no net
 package: ## build Debian packages of the last commit into build/packages
 	@scripts/deps.sh package
 	packaging/package.sh build/packages
+
+package-check: package ## as root: install the packages in a fresh system, use them, upgrade, remove
+	packaging/check.sh build/packages
 
 clean: ## remove everything that was built
 	rm -rf build

@@ -12,6 +12,7 @@ mkdir -p "$1"
 folder=$(cd "$1" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
 
+rm -f "$folder"/tallyquill* "$folder"/libtallyquill*
 archive=$("$here/source.sh" "$folder")
 rm -rf "$folder/source"
 mkdir "$folder/source"
@@ -44,4 +45,4 @@ dpkg-buildpackage --build=binary --unsigned-changes --unsigned-buildinfo >"$fold
 }
 cd "$folder"
 rm -rf source
-ls ./*.deb
+ls "$folder"/*.deb

@@ -61,6 +61,11 @@ class Programs(Installed):
         headings = re.findall(r"^## \[([0-9.]+)\] - \d{4}-\d\d-\d\d$", content(SOURCE + "/CHANGELOG.md"), re.M)
         self.assertEqual(headings[0], VERSION)
 
+    def test_other_systems_take_the_archive_of_this_version(self):
+        for name in ("homebrew/tallyquill.rb", f"flatpak/{ID}.yml"):
+            archives = re.findall(r"tallyquill-[0-9.]+\.tar\.gz", content(f"{SOURCE}/packaging/{name}"))
+            self.assertEqual(archives, [f"tallyquill-{VERSION}.tar.gz"], name)
+
     def test_each_file_is_in_one_part_and_a_program_is_in_its_own(self):
         parts = {}
         for part in ("terminal", "window", "library", "dev"):
@@ -76,7 +81,8 @@ class Programs(Installed):
 
     def test_man_pages_have_no_mistakes_and_this_version(self):
         pages = sorted(name for name in self.files if name.startswith("share/man/"))
-        self.assertIn("share/man/man1/tallyquill.1", pages)
+        programs = sorted(name for name in self.files if name.startswith("bin/"))
+        self.assertEqual({os.path.basename(page) for page in pages}, {os.path.basename(p) + ".1" for p in programs})
         for page in pages:
             self.assertIn(f'"Tallyquill {VERSION}"', content(f"{self.prefix}/{page}"))
             # groff's complaints come on standard error; the page itself does not matter here.

@@ -1,0 +1,16 @@
+#!/bin/sh
+# SPDX-License-Identifier: MIT
+#
+# Runs a compiler of Objective-C++, from a folder below the sources. The runtime keeps the name of each source file in the
+# program; given relative to the folder it is the same wherever the sources are.
+#
+#   packaging/relative.sh SOURCES COMMAND [ARGUMENT...]
+set -eu
+sources=$1
+shift
+for argument; do
+    shift
+    case $argument in "$sources"/*.mm) argument=..${argument#"$sources"} ;; esac
+    set -- "$@" "$argument"
+done
+exec "$@"
