@@ -69,7 +69,7 @@ constexpr KeyRow KEYS[] = {
         "to the controls above: Tab goes on to the next one, Left and Right choose, Space opens a list, "
         "Escape goes back to the entry"),
     key("F10", KEY_F10, 0, K::MenuBar,
-        "opens the menus (on Linux): the arrows choose, Return takes, Escape closes"),
+        "opens the menus (on Linux): the arrows choose, Return takes, Escape and typing on close"),
     key("Backspace", KEY_BACKSPACE, 0, K::Backspace, "delete in the entry; the prompt and the answers stay"),
     key("Delete", KEY_FORWARD_DELETE, 0, K::Delete, nullptr),
     typed("`+`", '+', K::Operator,
