@@ -98,8 +98,13 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
     [menu update];
     const auto item = static_cast<NSMenuItem*>([menu itemWithTitle:@(row->item.title)]);
     const bool isControl = ([event modifierFlags] & NSControlKeyMask) != 0;
-    const char* const selector = isControl ? row->item.withControl : row->item.selector;
-    if ([item isEnabled]) [NSApp sendAction:sel_registerName(selector) to:[item target] from:item];
+    const SEL action = sel_registerName(isControl ? row->item.withControl : row->item.selector);
+    NSResponder* const responder = [[event window] firstResponder];
+    // A field knows nothing of what Control does in the console alone, and its keys are not for the console.
+    if (isControl && ![item target] && ![responder respondsToSelector:action])
+        [responder tryToPerform:sel_registerName(row->item.selector) with:item];
+    else if ([item isEnabled])
+        [NSApp sendAction:action to:[item target] from:item];
     return YES;
 }
 

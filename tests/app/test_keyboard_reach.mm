@@ -23,12 +23,16 @@ protected:
     }
 
     NSEvent* Event(unichar character, NSUInteger flags = 0) const {
+        return EventIn(window, character, flags);
+    }
+
+    static NSEvent* EventIn(NSWindow* where, unichar character, NSUInteger flags) {
         NSString* const text = [NSString stringWithCharacters:&character length:1];
         return [NSEvent keyEventWithType:NSKeyDown
                                 location:NSZeroPoint
                            modifierFlags:flags
                                timestamp:0
-                            windowNumber:[window windowNumber]
+                            windowNumber:[where windowNumber]
                                  context:nil
                               characters:text
              charactersIgnoringModifiers:text
@@ -183,6 +187,38 @@ TEST_F(KeyboardReach, WhatIsTypedInTheMenusIsForTheEntry) {
         [NSApp sendEvent:next];
     }
     EXPECT_EQ(Entry(), "42");
+}
+
+// What Control does in the console alone, it does in a field as other programs do, and nothing in the
+// console.
+TEST_F(KeyboardReach, ControlXOfAFieldCutsInTheField) {
+    Type("45");
+    [console setSelectedRange:NSMakeRange(static_cast<NSUInteger>(g_linestart), 2)];
+    NSPanel* const panel = [[[NSPanel alloc] initWithContentRect:NSMakeRect(0, 0, 200, 100)
+                                                       styleMask:NSTitledWindowMask
+                                                         backing:NSBackingStoreBuffered
+                                                           defer:NO] autorelease];
+    [panel setReleasedWhenClosed:NO];
+    NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 10, 150, 24)] autorelease];
+    [[panel contentView] addSubview:field];
+    [field setStringValue:@"abc"];
+    [panel makeKeyAndOrderFront:nil];
+    [panel makeFirstResponder:field];
+    [field selectText:nil];
+    for (const unichar key : {u'z', u'x'})
+        [[NSApp mainMenu] performKeyEquivalent:EventIn(panel, key, NSControlKeyMask)];
+    EXPECT_STREQ([[field stringValue] UTF8String], "");
+    EXPECT_EQ(Pasteboard(), "abc");
+    EXPECT_EQ(Entry(), "45");
+    [panel close];
+}
+
+TEST_F(KeyboardReach, TheMenusShowControl) {
+    for (NSString* const title in @[ @"New", @"Open Script...", @"Save Script..." ]) {
+        NSMenuItem* const item =
+            (NSMenuItem*)[[[[NSApp mainMenu] itemWithTitle:@"File"] submenu] itemWithTitle:title];
+        EXPECT_EQ([item keyEquivalentModifierMask], NSUInteger(NSControlKeyMask)) << [title UTF8String];
+    }
 }
 
 } // namespace

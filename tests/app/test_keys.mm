@@ -288,6 +288,13 @@ TEST_F(Keys, ControlAActsAsHome) {
     ExpectSelection(begin, 0);
 }
 
+TEST_F(Keys, ControlAAgainSelectsTheEntryAndThenEverything) {
+    for (int i = 0; i < 2; ++i) Press(@"\001", @"a", NSControlKeyMask);
+    EXPECT_EQ("4+5", Selected());
+    Press(@"\001", @"a", NSControlKeyMask);
+    EXPECT_EQ(Text(), Selected());
+}
+
 TEST_F(Keys, TheLetterATypesItself) {
     Type("aA");
     Expect("4+5aA");

@@ -49,6 +49,11 @@ TEST_F(MenuKeys, AreWrittenAsTheyStandOnTheKeyboard) {
     EXPECT_EQ(written(@"?"), "Alt+?");
 }
 
+TEST_F(MenuKeys, WhatControlDoesIsWrittenWithControl) {
+    EXPECT_EQ(written(@"s", NSControlKeyMask), "Ctrl+S");
+    EXPECT_EQ(written(@"S", NSControlKeyMask), "Ctrl+Shift+S");
+}
+
 TEST_F(MenuKeys, ACapitalNeedsShift) {
     EXPECT_EQ(written(@"S"), "Alt+Shift+S");
     EXPECT_EQ(written(@"z", NSCommandKeyMask | NSShiftKeyMask), "Alt+Shift+Z");
