@@ -231,6 +231,7 @@ static const char NOT_FETCHED[] = "The text could not be fetched.";
 // Of what lies in the transcript nothing is removed: it is copied. A selection inside the entry stays as it
 // is.
 - (void)cut:(id)sender {
+    [self endSearch];
     const NSRange selection = [self selectedRange];
     const EntryRange inEntry = [self transcript].SelectedInEntry();
     if (selection.location < static_cast<NSUInteger>(g_linestart)) {
@@ -246,6 +247,7 @@ static const char NOT_FETCHED[] = "The text could not be fetched.";
 
 // As other programs cut. The transcript is read only: of what lies there nothing is removed.
 - (void)cutSelection:(id)sender {
+    [self endSearch];
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) {
         [self cut:sender];
         return;
@@ -327,6 +329,7 @@ static NSString* asOneLine(NSString* text) {
 }
 
 - (void)undo:(id)sender {
+    [self endSearch];
     const NSUInteger place = [self selectedRange].location;
     const bool isEmpty = place == static_cast<NSUInteger>(g_linestart) && place == [[self string] length];
     if (isEmpty) return;
@@ -336,12 +339,14 @@ static NSString* asOneLine(NSString* text) {
 
 // Also of an entry that Escape, a walk through the history or New left empty.
 - (void)undoChange:(id)sender {
+    [self endSearch];
     if ([[self undoManager] canUndo]) [[self undoManager] undo];
     [self ProcessResult:nullptr:YES];
 }
 
 // Nothing can be redone once something was written above the entry.
 - (void)redo:(id)sender {
+    [self endSearch];
     if ([[self undoManager] canRedo]) [[self undoManager] redo];
     [self ProcessResult:nullptr:YES];
 }

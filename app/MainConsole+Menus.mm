@@ -28,11 +28,13 @@ static NSInteger segmentOf(int base) {
 }
 
 - (void)menuChangeBase:(id)sender {
+    [self endSearch];
     const NSInteger tag = [sender tag];
     if (tag >= 0 && tag <= 2) [self setDisplayBase:BASES[tag]:NO];
 }
 
 - (void)clickedChangeBase:(id)sender {
+    [self endSearch];
     const NSInteger segment = [sender selectedSegment];
     const bool isShifted = ([[NSApp currentEvent] modifierFlags] & NSShiftKeyMask) != 0;
     if (segment >= 0 && segment <= 2) [self setDisplayBase:BASES[segment]:isShifted];
@@ -185,6 +187,7 @@ static void setTitles(NSPopUpButton* button, NSArray* titles) {
 // In place of the selection, or at the end when the cursor is in the transcript. As if typed: it can be
 // undone.
 - (void)typeName:(NSString*)text {
+    [self endSearch];
     if ([self selectedRange].location < static_cast<NSUInteger>(g_linestart)) [self gotoEnd];
     [self insertText:text];
     [self ProcessResult:nullptr:YES];

@@ -18,6 +18,8 @@ static NSString* textFromPath(const std::string& path) {
 @implementation MainConsole (Scripts)
 
 - (void)newDocument:(id)sender {
+    [self endSearch];
+    if ([self isClear]) return; // what was cleared before can still be brought back
     NSAttributedString* const text =
         [[[NSAttributedString alloc] initWithAttributedString:[self textStorage]] autorelease];
     clearedRecord = record;
@@ -29,8 +31,10 @@ static NSString* textFromPath(const std::string& path) {
 
 // What New cleared last: any change above the entry makes undo forget it.
 - (void)bringBack:(NSAttributedString*)text {
+    NSFont* const font = [self font]; // it and the color may have changed meanwhile
     [[self textStorage] setAttributedString:text];
-    [self setTextColor:[self textColor]]; // it may have changed meanwhile
+    [self setFont:font];
+    [self setTextColor:[self textColor]];
     record = clearedRecord;
     g_linestart = clearedStart;
     [self gotoEnd];
@@ -170,6 +174,7 @@ static void keepFolder(NSSavePanel* panel) {
 }
 
 - (void)replayScript:(const std::string&)bytes {
+    [self endSearch];
     [self insertWithoutPrompt:"\n"];
     [self watchInterrupts];
     scripts.isReplaying = true;

@@ -38,6 +38,10 @@ static NSString* const PROMPT = @"> ";
     [[self undoManager] removeAllActions];
 }
 
+- (BOOL)isClear {
+    return [[self string] isEqualToString:PROMPT];
+}
+
 - (void)clearConsole {
     [self setString:PROMPT];
     record.Clear();

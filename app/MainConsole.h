@@ -127,10 +127,11 @@ enum class TextKind { Typed, Output, Error };
 @interface MainConsole (View)
 - (void)gotoEnd;                          // an empty selection at the end, scrolled into view
 - (void)replaceSelection:(NSString*)text; // in place of the selection
-- (void)clearConsole;                     // the whole text becomes "> "
-- (void)clearPrompt;                      // empties the entry
-- (void)replacePrompt:(const char*)text;  // the entry becomes the 8-bit string
-- (void)insertPrompt;                     // a line feed and a new prompt at the end
+- (BOOL)isClear;
+- (void)clearConsole;                    // the whole text becomes "> "
+- (void)clearPrompt;                     // empties the entry
+- (void)replacePrompt:(const char*)text; // the entry becomes the 8-bit string
+- (void)insertPrompt;                    // a line feed and a new prompt at the end
 
 // Appends a line feed, the 8-bit string and a new prompt: how an answer is written.
 - (void)insertWithNewPrompt:(const char*)text;

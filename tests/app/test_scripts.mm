@@ -17,6 +17,14 @@ class Scripts : public ScriptTest {};
 
 // --- Saving ---
 
+TEST_F(Scripts, ThePanelsListFoldersAndScriptsAlone) {
+    EXPECT_TRUE([console panel:nil shouldShowFilename:@"/tmp"]);
+    for (NSString* const name in @[ @"/tmp/a.script", @"/tmp/b.txt", @"/tmp/C.TXT" ])
+        EXPECT_TRUE([console panel:nil shouldShowFilename:name]) << [name UTF8String];
+    for (NSString* const name in @[ @"/tmp/a.png", @"/tmp/script", @"/tmp/a.script.bak", @"/tmp/a" ])
+        EXPECT_FALSE([console panel:nil shouldShowFilename:name]) << [name UTF8String];
+}
+
 TEST_F(Scripts, TheHeaderIsTwoComments) {
     EXPECT_EQ(Script(), header + std::string("#mode deg;sigfigs 10;scimode auto;display dec;\n"));
 }

@@ -3,6 +3,8 @@
 // Finding texts of the window and earlier entries.
 #import "keys_fixture.h"
 
+#include <functional>
+
 namespace {
 
 class Finding : public Keys {
@@ -43,6 +45,27 @@ TEST_F(Finding, AnEarlierEntryComesToThePrompt) {
     Press(KEY_RETURN); // to change it, or to evaluate it with another Return
     Expect("1+2");
     EXPECT_EQ("ans = 3", StatusLine());
+}
+
+// Escape would bring back the draft of before, over what was chosen.
+TEST_F(Finding, WhateverElseChangesTheEntryEndsIt) {
+    NSMenuItem* const hex = [[[NSMenuItem alloc] init] autorelease];
+    [hex setTag:2];
+    const std::function<void()> changes[] = {
+        [this] { [console typeName:@"sin("]; }, [this] { [console undoChange:nil]; },
+        [this] { [console redo:nil]; },         [this] { [console cutSelection:nil]; },
+        [this] { [console cut:nil]; },          [this, hex] { [console menuChangeBase:hex]; },
+        [this] { [console newDocument:nil]; }};
+    for (const auto& change : changes) {
+        FindEarlier();
+        Type("+2");
+        ASSERT_EQ("Earlier entry: +2", StatusLine());
+        change();
+        EXPECT_NE(StatusLine().substr(0, 8), "Earlier ");
+        [console gotoEnd];
+        Type("7"); // goes to the entry
+        EXPECT_EQ(Entry().back(), '7');
+    }
 }
 
 TEST_F(Finding, EscapeBringsTheDraftBack) {

@@ -186,6 +186,26 @@ TEST_F(Undo, BringsBackWhatNewCleared) {
     EXPECT_NE(std::string([[console scriptText] UTF8String]).find("\n1+2\n45\n"), std::string::npos);
 }
 
+TEST_F(Undo, NewOfAClearConsoleForgetsNothing) {
+    const std::string before = Text();
+    for (int i = 0; i < 2; ++i) {
+        [console newDocument:nil];
+        NextEvent();
+    }
+    [console undoChange:nil];
+    EXPECT_EQ(before, Text());
+}
+
+TEST_F(Undo, WhatComesBackHasTheFontOfNow) {
+    [console newDocument:nil];
+    NextEvent();
+    NSFont* const bigger = [NSFont userFixedPitchFontOfSize:29];
+    [console setFont:bigger];
+    [console undoChange:nil];
+    EXPECT_EQ([[console textStorage] attribute:NSFontAttributeName atIndex:0 effectiveRange:NULL], bigger);
+    EXPECT_EQ([console font], bigger);
+}
+
 TEST_F(Undo, ClearsAgainWhatItBroughtBack) {
     const std::string before = Text();
     [console newDocument:nil];
