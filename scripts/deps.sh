@@ -22,7 +22,7 @@ debian_test="$debian_run g++ libclang-rt-dev llvm libgtest-dev libgmp-dev libmpf
     man-db groff-base zsh fish desktop-file-utils appstream shared-mime-info iproute2
     python3 python3-pexpect python3-pyte tmux xvfb openbox picom xdotool xclip x11-utils imagemagick"
 
-debian_package="$debian_run git dpkg-dev debhelper lintian debootstrap xvfb openbox x11-utils xdotool
+debian_package="$debian_run git dpkg-dev debhelper lintian debootstrap python3 xvfb openbox x11-utils xdotool
     imagemagick"
 
 # Homebrew formulae; the compiler and AppKit come with Apple's command line tools. Nobody has verified this
