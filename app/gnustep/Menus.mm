@@ -98,7 +98,7 @@ void platformPopUpMenu(NSMenu* menu, NSEvent* event, NSView* view) {
     [menu update];
     const auto item = static_cast<NSMenuItem*>([menu itemWithTitle:@(row->item.title)]);
     const bool isControl = ([event modifierFlags] & NSControlKeyMask) != 0;
-    const SEL action = sel_registerName(isControl ? row->item.withControl : row->item.selector);
+    SEL action = sel_registerName(isControl ? row->item.withControl : row->item.selector);
     NSResponder* const responder = [[event window] firstResponder];
     // A field knows nothing of what Control does in the console alone, and its keys are not for the console.
     if (isControl && ![item target] && ![responder respondsToSelector:action])
