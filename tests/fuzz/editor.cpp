@@ -7,7 +7,9 @@
 #include "Keyboard.h"
 #include "ReadlineEditor.h"
 #include "calculators.h"
+#include "kill_ring.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -44,17 +46,30 @@ int pipeOf(const std::string& bytes) {
     return ends[0];
 }
 
-// Whether keys are typed a thousand times or more: Alt with a digit begins a count.
+// Whether keys are typed a thousand times or more: Alt with a digit begins a count, as an Escape in front or
+// in the eighth bit.
 bool hasLargeCount(const std::string& keys) {
     size_t digits = 0;
     bool isCount = false;
     for (size_t i = 0; i < keys.size(); i++) {
-        const bool isDigit = keys[i] >= '0' && keys[i] <= '9';
-        isCount = isDigit ? isCount || (i > 0 && keys[i - 1] == '\x1b') : isCount && keys[i] == '\x1b';
+        const bool isAlt = static_cast<unsigned char>(keys[i]) >= 0x80;
+        const char key = static_cast<char>(keys[i] & 0x7F);
+        const bool isDigit = key >= '0' && key <= '9';
+        if (isDigit)
+            isCount = isCount || isAlt || (i > 0 && keys[i - 1] == '\x1b');
+        else
+            isCount = isCount && key == '\x1b';
         digits = isCount ? digits + (isDigit ? 1 : 0) : 0;
         if (digits > 3) return true;
     }
     return false;
+}
+
+// Whether a killed text (Ctrl-Y puts it back) may double so often that it fills the memory: by itself, or
+// with a macro (Ctrl-X e).
+bool hasManyYanks(const std::string& keys) {
+    const auto yanks = std::count(keys.begin(), keys.end(), '\x19');
+    return yanks > 8 || (yanks > 0 && keys.find("\x18\x65") != std::string::npos);
 }
 
 void readLines(LineSource& source, bool isPlain, ZqCalculator& calc) {
@@ -98,7 +113,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string bytes = input.Rest();
     // Alt with Return turns to the keys of vi, which would stay for all later runs.
     if (bytes.find("\x1b\n") < bytes.size() || bytes.find("\x1b\r") < bytes.size()) return 0;
-    if (hasLargeCount(bytes)) return 0; // takes seconds
+    if (hasLargeCount(bytes) || hasManyYanks(bytes)) return 0;
     const auto calc = newCalculator();
     Host host(*calc);
     const int keys = pipeOf(bytes);
@@ -111,6 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } else {
         static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
         ReadlineEditor editor(host, keys, nowhere);
+        if (bytes.find('\x19') != std::string::npos) emptyKillRing();
         readLines(editor, false, *calc);
     }
     close(keys);
