@@ -31,7 +31,8 @@ void convert(const std::string& from, const std::string& to, const UnitsCharge& 
     require(there == again || (std::isnan(there) && std::isnan(again)), "a conversion repeats itself", from);
 }
 
-void reduce(const std::string& text, const UnitsCharge&) {
+// `isRemoved`: units were.
+void reduce(const std::string& text, bool isRemoved) {
     const char* const reduced = units_reduce(text.c_str());
     if (!reduced) {
         require(units_check_exception() != nullptr, "what has no reduced form is an error", text);
@@ -40,6 +41,7 @@ void reduce(const std::string& text, const UnitsCharge&) {
     const std::string once = reduced;
     if (once.find("inf") != std::string::npos || once.find("nan") != std::string::npos) return;
     if (once.size() > LONGEST_REDUCED) return; // a power is written out, factor by factor
+    if (isRemoved) return;                     // it may have the name of a unit that is gone
     const char* const again = units_reduce(once.c_str());
     require(again != nullptr, "a reduced form can be reduced", once);
     requireSame(once, again, "a reduced form is its own");
@@ -54,9 +56,10 @@ void define(const std::string& name, const std::string& text, const UnitsCharge&
     if (!units_check_exception()) require(one == 1, "a unit is what its definition says", definition);
 }
 
-void remove(const std::string& name) {
-    if (removeUnit(name.c_str())) return;
+bool remove(const std::string& name) {
+    if (removeUnit(name.c_str())) return false;
     require(removeUnit(name.c_str()), "a unit can be removed once", name);
+    return true;
 }
 
 } // namespace
@@ -65,6 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     static const std::vector<std::string> catalogue = units_names();
     std::vector<std::function<void()>> changes;
+    bool isRemoved = false;
     units_record_changes([&](std::function<void()> takeBack) { changes.push_back(std::move(takeBack)); });
     for (int i = 0; i < MOST_LINES && !input.IsOver(); i++) {
         const auto operation = static_cast<char>(input.Byte());
@@ -78,9 +82,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const UnitsCharge charge = [&left](uint64_t work) { return isAffordable(work, left); };
         units_clear_exception();
         switch (operation) {
-        case 'r': reduce(first, charge); break;
+        case 'r': reduce(first, isRemoved); break;
         case 'n': define(first, second, charge); break;
-        case 'd': remove(first); break;
+        case 'd': isRemoved = remove(first) || isRemoved; break;
         default: convert(first, second, charge);
         }
     }
