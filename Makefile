@@ -139,7 +139,7 @@ uninstall: ## remove what make install has installed, with the same PREFIX and D
 dist: ## pack the last commit into build/dist: the same commit, the same bytes
 	packaging/source.sh build/dist
 
-dist-check: deps dist ## build and test the source archive where there is no network
+dist-check: deps dist ## as root: build and test the source archive where there is no network
 	packaging/check_source.sh build/dist
 
 package: ## build Debian packages of the last commit into build/packages

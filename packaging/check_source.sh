@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 #
-# Makes the source archive twice, compares the two, and builds and tests what is in it without a network.
+# Makes the source archive twice, compares the two, and builds and tests what is in it without a network; as root.
 #
 #   packaging/check_source.sh FOLDER     where the archive is; it is unpacked in FOLDER/check
 set -eu
@@ -14,5 +14,6 @@ rm -rf "$folder/again" "$folder/check"
 mkdir "$folder/check"
 tar --extract --file="$archive" --strip-components=1 --directory="$folder/check"
 cd "$folder/check"
-# Tests ask services on this machine, so that it is to have its own address.
-unshare --map-root-user --net sh -c 'ip link set lo up && make test'
+# Tests ask services on this machine, so that it is to have its own address; and they become other users, who
+# would not be there in a space of users of its own.
+unshare --net sh -c 'ip link set lo up && make test'
