@@ -8,7 +8,7 @@
 #include <readline/readline.h>
 
 // Readline's own: when it is 0, the next text that is killed is no part of the one before.
-extern "C" int _rl_last_command_was_kill; // NOLINT(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" int _rl_last_command_was_kill; // NOLINT(readability-identifier-naming): Readline's name
 
 void emptyKillRing() {
     constexpr int MOST_TEXTS = 10;
