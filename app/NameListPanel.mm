@@ -21,9 +21,10 @@ static const size_t NAME_COLUMN = 14; // characters of the name, before what it 
 @implementation NameListView
 
 - (void)mouseDown:(NSEvent*)event {
-    const NSUInteger place =
-        characterAt(self, [self convertPoint:[event locationInWindow] fromView:nil]).character;
-    [(NameListPanel*)[self window] takeAt:place];
+    const NSPoint place = [self convertPoint:[event locationInWindow] fromView:nil];
+    const NSRect lines = [[self layoutManager] usedRectForTextContainer:[self textContainer]];
+    if (place.y - [self textContainerOrigin].y >= NSMaxY(lines)) return; // below them
+    [(NameListPanel*)[self window] takeAt:characterAt(self, place).character];
 }
 
 @end

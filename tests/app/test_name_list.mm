@@ -73,6 +73,29 @@ protected:
         return NSOffsetRect(frame, [List() textContainerOrigin].x, [List() textContainerOrigin].y);
     }
 
+    // Where the line with this number is drawn.
+    static NSPoint PlaceOf(int index) {
+        const std::string line = LineAt(index);
+        const NSRange range = [[List() string] rangeOfString:@(line.c_str())];
+        NSLayoutManager* const layout = [List() layoutManager];
+        const NSRange glyphs = [layout glyphRangeForCharacterRange:range actualCharacterRange:NULL];
+        const NSRect frame = [layout boundingRectForGlyphRange:glyphs inTextContainer:[List() textContainer]];
+        const NSPoint origin = [List() textContainerOrigin];
+        return NSMakePoint(NSMinX(frame) + origin.x + 8, NSMidY(frame) + origin.y);
+    }
+
+    static void Click(NSPoint place) {
+        [List() mouseDown:[NSEvent mouseEventWithType:NSLeftMouseDown
+                                             location:[List() convertPoint:place toView:nil]
+                                        modifierFlags:0
+                                            timestamp:0
+                                         windowNumber:[Panel() windowNumber]
+                                              context:nil
+                                          eventNumber:0
+                                           clickCount:1
+                                             pressure:1]];
+    }
+
     // A key press in the panel, as it has the keyboard's focus.
     static void Key(uint32_t code) {
         const std::map<uint32_t, unichar> characters = {{KEY_RETURN, '\r'},
@@ -185,6 +208,17 @@ TEST_F(NameLists, ALineThatIsTakenIsTypedAtThePrompt) {
     EXPECT_EQ(Entry(), "2*sqrt(");
     [Panel() take:7]; // below the last line
     EXPECT_EQ(Entry(), "2*sqrt(");
+}
+
+TEST_F(NameLists, AClickTakesTheLineUnderIt) {
+    [console showFunctions:nil];
+    Look(@"sin");
+    const std::string third = LineAt(2);
+    Click(PlaceOf(2));
+    EXPECT_EQ(Entry(), third.substr(0, third.find('(') + 1));
+    Look(@"sqrt(x)");
+    Click(NSMakePoint(20, NSMaxY([List() bounds]) - 2)); // below the last line
+    EXPECT_EQ(Entry(), third.substr(0, third.find('(') + 1));
 }
 
 TEST_F(NameLists, ReturnTakesTheFirstLineOfASearch) {
