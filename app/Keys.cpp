@@ -48,6 +48,7 @@ constexpr KeyRow KEYS[] = {
     key("Escape", KEY_ESCAPE, 0, K::Interrupt, "end a script, a pause or a long calculation"),
     {"Control-C", KEY_OTHER, 'c', CONTROL_KEY, K::Interrupt, nullptr},
     {"Command-Q", KEY_OTHER, 'q', COMMAND_KEY, K::Interrupt, nullptr},
+    {"Control-Q", KEY_OTHER, 'q', CONTROL_KEY, K::Interrupt, nullptr},
     key("Home", KEY_HOME, 0, K::Home, "to the start of the entry; Shift selects up to there"),
     key("Control-Left", KEY_LEFT, CONTROL_KEY, K::Home, "as Home"),
     key("Command-Left", KEY_LEFT, COMMAND_KEY, K::Home, nullptr),

@@ -67,7 +67,7 @@ TEST_F(InterruptKeys, OtherKeysAreConsumedOneByOne) {
     Post(@"q");
     Post(@"c");
     Post(@"c", NSCommandKeyMask);
-    Post(@"q", NSControlKeyMask);
+    Post(@"s", NSControlKeyMask);
     Post(@"\r");
     Post(@"7");
     for (int i = 0; i < 6; ++i) EXPECT_EQ(0, [console checkInterruptEvent]) << i;
@@ -84,7 +84,7 @@ TEST_F(InterruptKeys, EachOfThemEndsALongEntry) {
     const struct {
         NSString* key;
         NSUInteger flags;
-    } keys[] = {{@"\033", 0}, {@"q", NSCommandKeyMask}, {@"c", NSControlKeyMask}};
+    } keys[] = {{@"\033", 0}, {@"q", NSCommandKeyMask}, {@"c", NSControlKeyMask}, {@"q", NSControlKeyMask}};
     for (const auto& one : keys) {
         Post(one.key, one.flags);
         RunAlone("d7(1)");
