@@ -182,6 +182,17 @@ TEST_F(Menus, ChoosingReplacesTheSelection) {
     EXPECT_EQ(Selected(), "x");
 }
 
+TEST_F(Menus, UndoBringsBackTheDraftThatAChoiceReplaced) {
+    Enter("width=7");
+    Type("12345");
+    Run(0.01); // what a choice changes is undone by itself, as the user chooses in an event of its own
+    SelectEntry(0, 5);
+    ChooseVariable("width\t7");
+    ASSERT_EQ(Entry(), "width");
+    [static_cast<id>(console) undo:nil];
+    EXPECT_EQ(Entry(), "12345");
+}
+
 TEST_F(Menus, ChoosingNothingChangesNothing) {
     Type("12");
     ChooseVariable(nullptr);
