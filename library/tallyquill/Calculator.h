@@ -42,7 +42,8 @@ struct Answer {
 
 // One at a time in a process, and in one thread at a time: functions and units belong to the process. When it
 // has ended another one may begin, with nothing left of the first. It writes nothing, reads no file, starts
-// no program, and works in every locale. A line leaves `merror` at 0.
+// no program, and works in every locale. A line leaves `merror` at 0. A
+// new calculator begins the sequence of std::rand, from which rand() takes its numbers.
 class Calculator {
 public:
     // Throws std::logic_error while there is another one.
@@ -56,8 +57,9 @@ public:
     // an empty prompt does.
     Answer Evaluate(std::string_view line);
 
-    // What Evaluate would answer, with nothing changed. A line that takes more than some milliseconds has an
-    // empty message.
+    // The value or the error of a line while it is typed, as the calculator shows it below the line. Nothing
+    // is stored, but rand() goes on in its sequence. A function's definition has an empty message, and so has
+    // what takes more than some milliseconds; command words are not known.
     Answer Preview(std::string_view line);
 
     // Asked every few milliseconds of a long evaluation, in its thread. True ends it with an error, and

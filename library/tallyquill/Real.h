@@ -7,8 +7,9 @@
 //   std::cout << std::setprecision(50) << sqrt(a * b + c) << '\n';
 //
 // Every operator and function is one call of the routine named beside it, and has its range, its rounding and
-// its error codes: docs/library.md. Nothing throws but the reading of texts. A failure gives the value
-// that the routine documents and leaves its code in `merror` until takeError().
+// its error codes: docs/library.md. Nothing throws but the reading of texts, and std::bad_alloc where memory
+// for an elementary function runs out. A failure gives the value that the routine documents and leaves its
+// code in `merror` until takeError().
 //
 // One thread at a time, as the routines.
 #pragma once
@@ -27,12 +28,15 @@
 
 namespace tallyquill {
 
+// One of 64 bits at most.
+template <typename Number> constexpr bool IS_INTEGER = std::is_integral_v<Number> && sizeof(Number) <= 8;
+
 class Real {
 public:
     Real() : Real(qzero) {}
 
     // An integer, exactly.
-    template <typename Integer, std::enable_if_t<std::is_integral_v<Integer>, int> = 0>
+    template <typename Integer, std::enable_if_t<IS_INTEGER<Integer>, int> = 0>
     Real(Integer number) : Real(qzero) { // NOLINT(google-explicit-constructor): as the built-in numbers mix
         if (number == 0) return;
         const bool isBelowZero = number < Integer{0};
@@ -51,29 +55,37 @@ public:
     // The number nearest to a decimal text, or a hexadecimal, octal or binary one behind 0x, 0o, 0b:
     // RealText.h.
     explicit Real(std::string_view text);
+    Real(long double) = delete; // it would lose digits
+    Real(std::nullptr_t) = delete;
 
     // The 14 words of a stored number (qfloat.h).
     explicit Real(const uint32_t* stored) { std::memcpy(words, stored, sizeof words); }
     const uint32_t* Words() const { return words; }
     uint32_t* Words() { return words; }
 
-    // The nearest double; the largest one, with a code, beyond its range.
-    explicit operator double() const {
+    // The double that qtoe gives: the nearest one, where the value is not next to the middle of two. The
+    // largest one, with a code, beyond its range. A float, and a long double, is that double.
+    template <typename Float, std::enable_if_t<std::is_floating_point_v<Float>, int> = 0>
+    explicit operator Float() const {
         double number = 0;
         qtoe(words, &number);
-        return number;
+        return static_cast<Float>(number);
     }
 
-    // The integer part, toward zero; the least or the greatest integer of 64 bits beyond their range.
-    explicit operator int64_t() const {
-        if (words[1] <= BIAS) return 0;
-        const uint32_t bits = words[1] - BIAS; // of the integer part
-        if (bits > 63)
-            return IsNegative() ? std::numeric_limits<int64_t>::min() : std::numeric_limits<int64_t>::max();
-        const uint64_t first = uint64_t{words[3]} << 32 | words[4];
-        const auto magnitude = static_cast<int64_t>(first >> (64 - bits));
-        return IsNegative() ? -magnitude : magnitude;
+    // The integer part, toward zero; the least or the greatest integer of its type beyond that one's range.
+    template <typename Integer,
+              std::enable_if_t<IS_INTEGER<Integer> && !std::is_same_v<Integer, bool>, int> = 0>
+    explicit operator Integer() const {
+        using Range = std::numeric_limits<Integer>;
+        const bool isBelowZero = IsNegative();
+        const uint64_t most = static_cast<uint64_t>(Range::max()) + (isBelowZero && Range::is_signed ? 1 : 0);
+        const uint64_t magnitude = isBelowZero && !Range::is_signed ? 0 : WholePart();
+        if (magnitude >= most) return isBelowZero ? Range::min() : Range::max();
+        return static_cast<Integer>(isBelowZero ? 0 - magnitude : magnitude);
     }
+
+    // Whether it is not 0.
+    explicit operator bool() const { return words[1] != 0; }
 
     bool IsNegative() const { return qisneg(words) != 0; }
     // Whether it stands for a result beyond the range.
@@ -89,6 +101,7 @@ public:
     Real& operator-=(const Real& b) { return *this = *this - b; }
     Real& operator*=(const Real& b) { return *this = *this * b; }
     Real& operator/=(const Real& b) { return *this = *this / b; }
+    Real& operator%=(const Real& b) { return *this = *this % b; }
     Real& operator++() { return *this += Real(qone); }
     Real& operator--() { return *this -= Real(qone); }
     Real operator++(int) {
@@ -105,10 +118,13 @@ public:
     friend Real operator+(const Real& a, const Real& b) { return Combine(qadd, b, a, a.words[0]); }
     friend Real operator-(const Real& a, const Real& b) { return Combine(qsub, b, a, a.words[0]); }
     friend Real operator*(const Real& a, const Real& b) { return Combine(qmul, a, b, 0); }
-    // Dividing by zero gives the overflow value with the sign of a quotient.
+    // Dividing by zero gives the overflow value with the sign of a quotient; 0 / 0 is 0.
     friend Real operator/(const Real& a, const Real& b) {
         return Combine(qdiv, b, a, a.IsNegative() != b.IsNegative() ? NEGATIVE : 0);
     }
+
+    // What is left of a, as fmod.
+    friend Real operator%(const Real& a, const Real& b) { return Combine(qremain, b, a, 0); }
 
     // By qcmp: differences too small for qsub to show count as none.
     friend bool operator==(const Real& a, const Real& b) { return qcmp(a.words, b.words) == 0; }
@@ -138,6 +154,14 @@ private:
     static constexpr uint32_t NEGATIVE = 0xFFFFFFFF;
     static constexpr uint32_t BIAS = 0x8000; // of the exponent word
     static constexpr uint32_t OVERFLOW_WORD = 0x10000;
+
+    // The integer part of the magnitude; the greatest integer where it has more than 64 bits.
+    uint64_t WholePart() const {
+        if (words[1] <= BIAS) return 0;
+        const uint32_t bits = words[1] - BIAS;
+        const uint64_t first = uint64_t{words[3]} << 32 | words[4];
+        return bits > 64 ? std::numeric_limits<uint64_t>::max() : first >> (64 - bits);
+    }
 
     struct Unset {};
     // cppcheck-suppress uninitMemberVarPrivate ; a routine writes all words
@@ -175,9 +199,6 @@ inline Real round(const Real& x) {
 // x - k y for the integer k, toward zero, that leaves less than y: exact (qremain).
 inline Real fmod(const Real& x, const Real& y) {
     return Real::Combine(qremain, y, x, 0);
-}
-inline Real operator%(const Real& x, const Real& y) {
-    return fmod(x, y);
 }
 inline Real ldexp(Real x, int64_t n) { // x 2^n
     if (x != Real()) qldexp(x.Words(), n, x.Words());

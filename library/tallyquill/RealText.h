@@ -20,8 +20,9 @@ constexpr int MOST_FIGURES = 105; // that qtoasc writes
 
 namespace detail {
 
-constexpr size_t FIGURES_READ = 104; // that asctoq reads
-constexpr int64_t EXPONENT_LIMIT = 100000;
+constexpr size_t FIGURES_READ = 104;               // that asctoq reads
+constexpr int64_t EXPONENT_LIMIT = 100000;         // beyond all numbers
+constexpr int64_t TEXT_EXPONENT_LIMIT = 1LL << 40; // beyond what digits of a text in memory make up for
 
 [[noreturn]] inline void refuse(std::string_view text) {
     throw std::invalid_argument("not a number: " + std::string(text));
@@ -46,35 +47,43 @@ inline int digitOf(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
 }
 
-// Digits with at most one point, at least one digit; exact up to 352 bits.
+// Digits with at most one point, at least one digit; exact up to 352 bits, behind which digits count for the
+// scale alone.
 inline Real readRadix(std::string_view digits, int radix) {
     const int bitsPerDigit = radix == 16 ? 4 : radix == 8 ? 3 : 1;
+    constexpr int MOST_DIGITS = 352;
     Real value;
     bool isBehindPoint = false;
-    size_t count = 0, behindPoint = 0;
+    size_t count = 0;
+    int figures = 0; // from the first that is not 0
+    int64_t scale = 0;
     for (const char c : digits) {
         if (c == '.' && !isBehindPoint) {
             isBehindPoint = true;
             continue;
         }
         if (digitOf(c) >= radix) refuse(digits);
-        value = ldexp(value, bitsPerDigit) + Real(digitOf(c));
         ++count;
-        behindPoint += isBehindPoint ? 1 : 0;
+        if (isBehindPoint) scale -= bitsPerDigit;
+        if (figures == 0 && c == '0') continue;
+        if (figures++ < MOST_DIGITS)
+            value = ldexp(value, bitsPerDigit) + Real(digitOf(c));
+        else
+            scale += bitsPerDigit;
     }
     if (count == 0) refuse(digits);
-    return ldexp(value, -static_cast<int64_t>(behindPoint) * bitsPerDigit);
+    return ldexp(value, scale);
 }
 
 // An exponent: a sign or none, and digits. Beyond the limit it does not grow.
-inline int64_t readExponent(std::string_view text) {
-    const bool isBelowZero = !text.empty() && text[0] == '-';
-    if (!text.empty() && (text[0] == '+' || text[0] == '-')) text.remove_prefix(1);
-    if (text.empty()) refuse(text);
+inline int64_t readExponent(std::string_view digits, std::string_view text) {
+    const bool isBelowZero = !digits.empty() && digits[0] == '-';
+    if (!digits.empty() && (digits[0] == '+' || digits[0] == '-')) digits.remove_prefix(1);
+    if (digits.empty()) refuse(text);
     int64_t exponent = 0;
-    for (const char c : text) {
+    for (const char c : digits) {
         if (c < '0' || c > '9') refuse(text);
-        exponent = std::min<int64_t>(exponent * 10 + (c - '0'), EXPONENT_LIMIT);
+        exponent = std::min<int64_t>(exponent * 10 + (c - '0'), TEXT_EXPONENT_LIMIT);
     }
     return isBelowZero ? -exponent : exponent;
 }
@@ -83,7 +92,7 @@ inline int64_t readExponent(std::string_view text) {
 // number with an exponent: it would drop digits behind its 104th without a change to the scale.
 inline Real readDecimal(std::string_view text) {
     const size_t mark = std::min(text.find_first_of("eE"), text.size());
-    int64_t exponent = mark < text.size() ? readExponent(text.substr(mark + 1)) : 0;
+    int64_t exponent = mark < text.size() ? readExponent(text.substr(mark + 1), text) : 0;
     std::string figures;
     bool isBehindPoint = false;
     size_t count = 0;
@@ -115,11 +124,11 @@ struct Figures {
     int64_t exponent = 0;
 };
 
-// Whether a magnitude lies exactly between two numbers of one figure, the lower of which is digit * 10^k.
-// With k above 150 the half has more than 352 bits, with k below -1 it is no binary number.
+// Whether a magnitude lies exactly between two numbers of one figure, the lower of which is digit * 10^k and
+// odd. Below 1 only 0.75 does, being a binary number; with k above 150 the half has more than 352 bits.
 inline bool isTieOfOneFigure(const Real& x, int digit, int64_t k) {
-    const Real half = Real(2 * digit + 1) / 2;
-    return k < 0 ? k == -1 && x * 10 == half : k <= 150 && x == half * pow(Real(10), Real(k));
+    if (k < 0) return x == Real(0.75);
+    return k <= 150 && x == Real(2 * digit + 1) / 2 * pow(Real(10), Real(k));
 }
 
 // Rounded to so many figures, at least one; those behind the 105th are zeros. Ties go to the even figure,
@@ -129,7 +138,7 @@ inline Figures figuresOf(const Real& x, int64_t count) {
     qtoasc(x.Words(), buffer, static_cast<int>(std::min<int64_t>(count, MOST_FIGURES)) - 1);
     const std::string_view text(buffer);
     const size_t mark = text.find('E');
-    Figures found{std::string(1, text[1]), readExponent(text.substr(mark + 1))};
+    Figures found{std::string(1, text[1]), readExponent(text.substr(mark + 1), text)};
     found.digits += text.substr(3, mark - 3);
     found.digits.resize(static_cast<size_t>(count), '0');
     const int digit = text[1] - '0';
@@ -147,13 +156,14 @@ inline std::string placePoint(const Figures& figures, int64_t decimals) {
     return whole == 0 ? '0' + text : text;
 }
 
-inline std::string fixedText(const Real& x, int decimals) {
+inline std::string fixedText(const Real& x, int64_t decimals) {
     const Figures all = figuresOf(x, MOST_FIGURES);
     const int64_t count = all.exponent + 1 + decimals;
     if (x == Real() || count < 0) return placePoint({"0", 0}, decimals);
     if (count > 0) return placePoint(figuresOf(x, count), decimals);
     // The first figure stands one place behind the last decimal.
-    const bool isAboveHalf = all.digits > '5' + std::string(MOST_FIGURES - 1, '0');
+    const bool isAboveHalf =
+        decimals == 0 ? x > Real(0.5) : all.digits > '5' + std::string(MOST_FIGURES - 1, '0');
     return placePoint({isAboveHalf ? "1" : "0", -decimals}, decimals);
 }
 
@@ -166,8 +176,8 @@ inline std::string scientificText(const Figures& figures) {
 }
 
 // As many figures as the precision says, and without zeros at the end unless they are wanted.
-inline std::string generalText(const Real& x, int precision, bool keepsZeros) {
-    const int count = std::max(precision, 1);
+inline std::string generalText(const Real& x, int64_t precision, bool keepsZeros) {
+    const int64_t count = std::max<int64_t>(precision, 1);
     Figures figures =
         x == Real() ? Figures{std::string(static_cast<size_t>(count), '0'), 0} : figuresOf(x, count);
     if (!keepsZeros) figures.digits.resize(std::max<size_t>(figures.digits.find_last_not_of('0') + 1, 1));
@@ -176,8 +186,9 @@ inline std::string generalText(const Real& x, int precision, bool keepsZeros) {
     return placePoint(figures, std::max<int64_t>(left - 1 - figures.exponent, 0));
 }
 
-// As std::ostream has a double in this format.
-inline std::string formatted(const Real& x, std::ios_base::fmtflags flags, int precision) {
+// As std::ostream has a double in this format; hexfloat is not there. A precision below 0 is 6.
+inline std::string formatted(const Real& x, std::ios_base::fmtflags flags, int64_t precision) {
+    if (precision < 0) precision = 6;
     const std::ios_base::fmtflags notation = flags & std::ios_base::floatfield;
     const Real magnitude = abs(x);
     std::string text;
@@ -220,7 +231,7 @@ inline std::string toString(const Real& x, int figures = MOST_FIGURES - 5) {
 }
 
 inline std::ostream& operator<<(std::ostream& out, const Real& x) {
-    std::string text = detail::formatted(x, out.flags(), static_cast<int>(out.precision()));
+    std::string text = detail::formatted(x, out.flags(), out.precision());
     const auto width = static_cast<size_t>(std::max<std::streamsize>(out.width(), 0));
     if (text.size() < width && (out.flags() & std::ios_base::adjustfield) == std::ios_base::internal) {
         const size_t behindSign = text[0] == '-' || text[0] == '+' ? 1 : 0;
@@ -248,7 +259,7 @@ inline std::istream& operator>>(std::istream& in, Real& x) {
     return in;
 }
 
-// 1.5_real, 1'000_real, 0x1F_real: every digit counts, as the compiler makes no double of it.
+// 1.5_real, 1'000_real, 0x1F_real: 104 figures count, as the compiler makes no double of it. 017_real is 17.
 inline namespace literals {
 inline Real operator""_real(const char* text) {
     std::string digits(text);

@@ -57,6 +57,9 @@ TEST_F(RealNumbers, AssigningOperatorsChangeTheLeftOperand) {
     EXPECT_EQ(a, Real(6));
     a *= a;
     EXPECT_EQ(a, Real(36));
+    a %= 20;
+    EXPECT_EQ(a, Real(16));
+    a = 36;
     a /= 8;
     EXPECT_EQ(a, Real(4.5));
     EXPECT_EQ(a++, Real(4.5));
@@ -87,6 +90,34 @@ TEST_F(RealNumbers, IntegersAreCutTowardZeroAndStopAtTheirRange) {
     EXPECT_EQ(static_cast<int64_t>(Real(0.75)), 0);
     EXPECT_EQ(static_cast<int64_t>(ldexp(Real(1), 63)), std::numeric_limits<int64_t>::max());
     EXPECT_EQ(static_cast<int64_t>(ldexp(Real(-1), 300)), std::numeric_limits<int64_t>::min());
+}
+
+TEST_F(RealNumbers, EachIntegerTypeHasItsRange) {
+    EXPECT_EQ(static_cast<int>(Real(-7.9)), -7);
+    EXPECT_EQ(static_cast<int>(Real(3e9)), std::numeric_limits<int>::max());
+    EXPECT_EQ(static_cast<int>(Real(-3e9)), std::numeric_limits<int>::min());
+    EXPECT_EQ(static_cast<signed char>(Real(-128)), -128);
+    EXPECT_EQ(static_cast<unsigned>(Real(-1)), 0U);
+    EXPECT_EQ(static_cast<unsigned long long>(ldexp(Real(1), 64) - 1), std::numeric_limits<uint64_t>::max());
+    EXPECT_EQ(static_cast<unsigned long long>(ldexp(Real(1), 64)), std::numeric_limits<uint64_t>::max());
+    EXPECT_EQ(static_cast<long>(Real(123)), 123L);
+    EXPECT_EQ(static_cast<float>(Real(0.25)), 0.25F);
+    EXPECT_EQ(static_cast<long double>(Real(0.25)), 0.25L);
+}
+
+TEST_F(RealNumbers, ANumberIsTrueWhenItIsNotZero) {
+    EXPECT_TRUE(Real(0.5) ? true : false);
+    EXPECT_FALSE(Real() ? true : false);
+    EXPECT_TRUE(!-Real());
+}
+
+TEST_F(RealNumbers, WhatWouldLoseDigitsOrBitsIsNotTaken) {
+    EXPECT_FALSE((std::is_constructible_v<Real, long double>));
+    EXPECT_FALSE((std::is_constructible_v<Real, std::nullptr_t>));
+#ifdef __SIZEOF_INT128__
+    __extension__ using Wide = __int128;
+    EXPECT_FALSE((IS_INTEGER<Wide>));
+#endif
 }
 
 TEST_F(RealNumbers, DoublesAreExactBothWays) {

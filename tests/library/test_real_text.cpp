@@ -46,6 +46,25 @@ TEST_F(RealText, ReadsOtherRadicesExactlyUpTo352Bits) {
     EXPECT_EQ(Real("0x" + std::string(88, 'F')) + 1, ldexp(Real(1), 352));
 }
 
+TEST_F(RealText, ZerosOfAnyNumberCountForTheScaleAlone) {
+    EXPECT_EQ(Real("0x1." + std::string(9000, '0')), Real(1));
+    EXPECT_EQ(Real("0x1" + std::string(8000, '0') + "." + std::string(4000, '0')), ldexp(Real(1), 32000));
+    EXPECT_EQ(Real("0x0." + std::string(2000, '0') + "1"), ldexp(Real(1), -8004));
+    EXPECT_EQ(Real("0x" + std::string(5000, '0') + "F"), Real(15));
+    EXPECT_TRUE(Real("0x1" + std::string(9000, '0')).IsOverflow());
+    EXPECT_EQ(Real("0." + std::string(200000, '0') + "1e200001"), Real(1));
+    EXPECT_EQ(Real("1" + std::string(200000, '0') + "e-200000"), Real(1));
+}
+
+TEST_F(RealText, TheRefusalNamesTheText) {
+    try {
+        Real("1e");
+        FAIL() << "it was taken";
+    } catch (const std::invalid_argument& error) {
+        EXPECT_STREQ(error.what(), "not a number: 1e");
+    }
+}
+
 TEST_F(RealText, RefusesWhatIsNoNumber) {
     for (const char* const text :
          {"",   "-",  "+-1", "1-",  "--1", ".",   "e5",  "1e",  "1e+", "1e1.5", "1.2.3", "1,5",
@@ -80,13 +99,37 @@ TEST_F(RealText, StreamsWriteAsTheyWriteDoubles) {
     const Format formats[] = {std::defaultfloat, std::fixed, std::scientific};
     for (const double number : numbers) {
         for (const Format format : formats) {
-            for (const int precision : {1, 2, 3, 6, 10, 17, 40}) {
+            for (const int precision : {0, 1, 2, 3, 6, 10, 17, 40}) {
                 std::ostringstream real, expected;
                 real << format << std::setprecision(precision) << Real(number);
                 expected << format << std::setprecision(precision) << number;
                 EXPECT_EQ(real.str(), expected.str()) << number << ' ' << precision;
             }
         }
+    }
+}
+
+TEST_F(RealText, OneFigureIsRoundedAsTheValueIs) {
+    const auto fixed = [](const Real& x, int decimals) {
+        std::ostringstream out;
+        out << std::fixed << std::setprecision(decimals) << x;
+        return out.str();
+    };
+    EXPECT_EQ(fixed(0.35_real, 1), "0.3"); // the number nearest to 0.35 lies below it
+    EXPECT_EQ(fixed(0.95_real, 1), "0.9"); // and so does this one
+    EXPECT_EQ(fixed(0.75_real, 1), "0.8");
+    EXPECT_EQ(fixed(0.5_real, 0), "0");
+    EXPECT_EQ(fixed(1.5_real, 0), "2");
+    EXPECT_EQ(fixed(Real(0.5) + ldexp(Real(1), -352), 0), "1");
+    EXPECT_EQ(fixed(9.5_real, 0), "10");
+}
+
+TEST_F(RealText, APrecisionBelowZeroIsSix) {
+    for (const int precision : {-1, -5}) {
+        std::ostringstream out;
+        out << std::setprecision(precision) << Real(1234.5) << ' ' << std::fixed << Real(1234.5) << ' '
+            << std::scientific << Real(1234.5);
+        EXPECT_EQ(out.str(), "1234.5 1234.500000 1.234500e+03");
     }
 }
 
