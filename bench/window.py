@@ -16,7 +16,8 @@ import time
 HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "tests", "app", "end_to_end"))
 
-from calculator_window import FUNCTIONS_FILE, OTHER_BUTTON, CalculatorWindow, run  # noqa: E402
+from calculator_window import FUNCTIONS_FILE, CalculatorWindow, run  # noqa: E402
+from measures import answer_first_questions, megabytes, settle, used, write_script  # noqa: E402
 
 DEFINITIONS = 1000
 TRANSCRIPT = 300_000  # bytes
@@ -26,42 +27,10 @@ ENTRIES = 10_000
 PREVIEWS = 5_000
 
 
-def used(window):
-    """Seconds of processor time so far, of the threads that are there."""
-    tasks = f"/proc/{window.process.pid}/task"
-    total = 0
-    for task in os.listdir(tasks):
-        with open(f"{tasks}/{task}/schedstat", encoding="ascii") as file:
-            total += int(file.read().split()[0])
-    return total / 1e9
-
-
-def megabytes(window):
-    with open(f"/proc/{window.process.pid}/statm", encoding="ascii") as file:
-        return int(file.read().split()[1]) * os.sysconf("SC_PAGE_SIZE") / 1e6
-
-
-def settle(window):
-    """Waits until the program uses nothing any more."""
-    before = -1.0
-    while used(window) > before + 0.005:  # the cursor blinks for ten seconds
-        before = used(window)
-        time.sleep(1)
-
-
-def script(folder, name, lines):
-    path = os.path.join(folder, name)
-    with open(path, "w", encoding="ascii") as file:
-        file.write("\n".join(lines) + "\n")
-    return path
-
-
 def prepared():
     """A folder with settings whose questions are answered, and definitions."""
     folder = tempfile.mkdtemp()
-    window = CalculatorWindow(folder, asks=True)
-    window.answer(OTHER_BUTTON)
-    window.quit()
+    answer_first_questions(folder)
     halves = range(DEFINITIONS // 2)
     with open(os.path.join(folder, "Tallyquill", FUNCTIONS_FILE), "w", encoding="ascii") as file:
         file.write("### FUNCTIONS ###\n")
@@ -87,7 +56,7 @@ def measure_start(folder):
 def measure_key(folder):
     text = "7" * 100
     lines = [f'echo "{text}"'] * (TRANSCRIPT // (len(text) + 1))
-    window = CalculatorWindow(folder, script(folder, "long.script", lines))
+    window = CalculatorWindow(folder, write_script(folder, "long.script", lines))
     settle(window)
     before = used(window)
     run("xdotool", "type", "--delay", "25", "1+" * (KEYS // 2))
@@ -110,7 +79,7 @@ def measure_memory(folder):
     window = CalculatorWindow(folder)
     settle(window)
     start = megabytes(window)
-    window.start_again(script(folder, "use.script", [f"{i}*1.5+sin({i})" for i in range(ENTRIES)]))
+    window.start_again(write_script(folder, "use.script", [f"{i}*1.5+sin({i})" for i in range(ENTRIES)]))
     settle(window)
     entries = megabytes(window)
     for _ in range(PREVIEWS // 20):

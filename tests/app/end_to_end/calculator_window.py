@@ -46,9 +46,9 @@ def first_value(happened, patience):
         time.sleep(STEP)
 
 
-def wait_until(what, happened):
+def wait_until(what, happened, patience=PATIENCE):
     """The first true value of happened(); fails when there is none in time."""
-    value = first_value(happened, PATIENCE)
+    value = first_value(happened, patience)
     assert value, f"waited in vain: {what}"
     return value
 

@@ -1,0 +1,167 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""The window over a long time, and at its sudden end.
+
+    tests/app/with_display.sh --wm --limit 90000 env TALLYQUILL_APP=.../Tallyquill.app/Tallyquill \\
+        tests/faults/window.py [previews=SECONDS] [use=SECONDS] [entries=N] [kills=N]
+
+previews  types and takes back, ten keys a second: the memory grows by less than 5 MB
+use       types entries, five keys a second, and looks at lists, the history and the search: by at most 10 MB
+entries   so many entries from scripts: behind the first tenth memory grows by at most 2 MB
+kills     ends the program so many times while definitions are typed: the definitions file is whole each time, and
+          has what was answered two seconds before
+
+Ends with 1 when something does not hold.
+"""
+import os
+import random
+import signal
+import sys
+import tempfile
+import time
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.join(HERE, "..", "app", "end_to_end"))
+
+from calculator_window import FUNCTIONS_FILE, CalculatorWindow, run, wait_until  # noqa: E402
+from faults import KEPT_AFTER, Person  # noqa: E402
+from measures import answer_first_questions, megabytes, settle, write_script  # noqa: E402
+from soak import ENTRIES  # noqa: E402
+
+SEED = 20240229
+PREVIEWED = ["sin({n})+sqrt({m})*1.25", "{n} km->mi", "0x{m}F & 0b1010", "f{m}(x)=x^{m}+{n}", "{n}/7*(3+{m}", "pi^{m}"]
+
+
+def ten_keys_a_second(text):
+    run("xdotool", "type", "--delay", "200", text)  # half of it passes between two keys
+
+
+def five_keys_a_second(text):
+    run("xdotool", "type", "--delay", "400", text)
+
+
+def while_time(window, seconds, act):
+    """Does act(0), act(1) and so on for so long; how many megabytes the memory has grown by."""
+    settle(window)
+    start = megabytes(window)
+    end = time.monotonic() + seconds
+    shown = time.monotonic()
+    step = 0
+    while time.monotonic() < end:
+        act(step)
+        step += 1
+        if time.monotonic() > shown + 600:
+            shown += 600
+            print(f"  {(shown - end + seconds) / 60:.0f} minutes: {megabytes(window) - start:+.1f} MB", flush=True)
+    settle(window)
+    grown = megabytes(window) - start
+    print(f"{start:.1f} MB at the start, {grown:+.1f} MB behind {step} steps in {seconds} s", flush=True)
+    return grown
+
+
+def previews(seconds):
+    folder = tempfile.mkdtemp()
+    answer_first_questions(folder)
+    window = CalculatorWindow(folder)
+
+    def act(step):
+        ten_keys_a_second(PREVIEWED[step % len(PREVIEWED)].format(n=step, m=step % 90))
+        window.key("Escape")
+
+    grown = while_time(window, seconds, act)
+    window.quit()
+    return grown < 5
+
+
+def use(seconds):
+    folder = tempfile.mkdtemp()
+    answer_first_questions(folder)
+    window = CalculatorWindow(folder)
+    others = [("Up", "Up", "Return"), ("ctrl+a", "ctrl+c", "End"), ("ctrl+z", "Escape"), ("ctrl+r", "k", "m", "Return", "Escape")]
+
+    def act(step):
+        five_keys_a_second(ENTRIES[step % len(ENTRIES)].format(n=step, m=step % 90))
+        window.key("Return")
+        time.sleep(1)
+        if step % 10 == 9:
+            window.key(*others[step // 10 % len(others)])
+
+    grown = while_time(window, seconds, act)
+    window.quit()
+    return grown <= 10
+
+
+def entries(count):
+    folder = tempfile.mkdtemp()
+    answer_first_questions(folder)
+    window = CalculatorWindow(folder)
+    tenth = count // 10
+    figures = []
+    for start in range(0, count, tenth):
+        lines = [ENTRIES[i % len(ENTRIES)].format(n=i, m=i % 90) for i in range(start, start + tenth)]
+        window.start_again(write_script(folder, "entries.script", [*lines, f"behind={start}"]))
+        wait_until("the last entry", lambda start=start: window.text().endswith(f"behind = {start}\n\n> "), 3600)
+        settle(window)
+        figures.append(megabytes(window))
+        print(f"{start + tenth:>9} entries: {figures[-1]:.1f} MB", flush=True)
+    window.quit()
+    grown = figures[-1] - figures[0]
+    print(f"grown by {grown:+.1f} MB behind the first tenth", flush=True)
+    return grown <= 2
+
+
+class WindowsPerson(Person):
+    """Whose files are where CalculatorWindow has them."""
+
+    def __init__(self):
+        super().__init__()
+        self.folder = self.home + "/Tallyquill"
+        self.file = f"{self.folder}/{FUNCTIONS_FILE}"
+        os.mkdir(self.folder)
+
+
+def kill_once(person, dice):
+    """Definitions without a rest; the end comes around the first saves."""
+    window = CalculatorWindow(person.home)
+    typed = []
+    end = time.monotonic() + dice.uniform(0.9, 3.5)
+    while time.monotonic() < end:
+        line = f"v{len(typed)}={dice.randrange(1000)}"
+        window.enter(line)
+        typed.append((line, time.monotonic()))
+    time.sleep(dice.uniform(0, 0.05))
+    window.process.send_signal(signal.SIGKILL)
+    killed = time.monotonic()
+    window.kill()
+    person.due = {line for line, when in typed if killed - when > KEPT_AFTER}
+    return len(person.due)
+
+
+def kills(count):
+    print(f"seed {SEED}", flush=True)
+    failures, due = 0, 0
+    first = WindowsPerson()
+    answer_first_questions(first.home)
+    for i in range(count):
+        os.path.exists(first.file) and os.remove(first.file)
+        due += kill_once(first, random.Random(f"{SEED} {i}"))
+        torn, lost = first.faults()
+        if torn or lost:
+            failures += 1
+            print(f"run {i}: {torn or 'whole'}; lost: {lost}", flush=True)
+    print(f"{count} kills, {due} definitions due, {failures} files torn or without one of them", flush=True)
+    first.remove()
+    return failures == 0
+
+
+def main():
+    measures = {"previews": previews, "use": use, "entries": entries, "kills": kills}
+    passed = True
+    for argument in sys.argv[1:]:
+        name, amount = argument.split("=")
+        passed = measures[name](int(amount)) and passed
+    return 0 if passed else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
