@@ -3,6 +3,7 @@
 // The keys: Transcript decides what they do, which is carried out here.
 #import "MainConsole.h"
 
+#import "LackOfMemory.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 
@@ -30,6 +31,7 @@ static NSRange rangeOf(const EntryRange& range) {
 }
 
 - (void)keyDown:(NSEvent*)event {
+    endWhenMemoryIsLow();
     if ([self searchTakes:event]) return;
     const bool minusIsSign = [self setting:@"doublenegans"] != 0;
     const KeyEffect effect = [self transcript].Press(keyPress(event), minusIsSign);

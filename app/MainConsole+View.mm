@@ -3,6 +3,7 @@
 // Writing into the transcript and into the entry.
 #import "MainConsole.h"
 
+#import "LackOfMemory.h"
 #import "Platform.h"
 #import "Termination.h"
 
@@ -62,6 +63,7 @@ static NSString* const PROMPT = @"> ";
 }
 
 - (void)append:(NSAttributedString*)text {
+    endWhenMemoryIsLow();
     const NSRange end = NSMakeRange([[self string] length], 0);
     [self breakUndoCoalescing];
     if (![self shouldChangeTextInRange:end replacementString:[text string]]) return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The calculator's window.
+#import "LackOfMemory.h"
 #import "PelmoAppDelegate.h"
 #import "Platform.h"
 #import "Termination.h"
@@ -43,6 +44,7 @@ int main(int argc, const char** argv) {
     [NSApplication sharedApplication];
     heedTerminationSignals(signals);
     platformAfterLaunch();
+    tellOfLackOfMemory();
     useFlatTheme();
     PelmoAppDelegate* const delegate = [[PelmoAppDelegate alloc] init];
     [NSApp setDelegate:(id)delegate];

@@ -3,18 +3,21 @@
 """The window over a long time, and at its sudden end.
 
     tests/app/with_display.sh --wm --limit 90000 env TALLYQUILL_APP=.../Tallyquill.app/Tallyquill \\
-        tests/faults/window.py [previews=SECONDS] [use=SECONDS] [entries=N] [kills=N]
+        tests/faults/window.py [previews=SECONDS] [use=SECONDS] [entries=N] [kills=N] [memory=N]
 
 previews  types and takes back, ten keys a second: the memory grows by less than 5 MB
 use       types entries, five keys a second, and looks at lists, the history and the search: by at most 10 MB
 entries   so many entries from scripts: behind the first tenth memory grows by at most 2 MB
 kills     ends the program so many times while definitions are typed: the definitions file is whole each time, and
           has what was answered two seconds before
+memory    so many times, no more than 3 MB more are to be had: the same file, and a message when the program ends
 
 Ends with 1 when something does not hold.
 """
+import collections
 import os
 import random
+import resource
 import signal
 import sys
 import tempfile
@@ -143,7 +146,8 @@ def kills(count):
     first = WindowsPerson()
     answer_first_questions(first.home)
     for i in range(count):
-        os.path.exists(first.file) and os.remove(first.file)
+        if os.path.exists(first.file):
+            os.remove(first.file)
         due += kill_once(first, random.Random(f"{SEED} {i}"))
         torn, lost = first.faults()
         if torn or lost:
@@ -154,8 +158,54 @@ def kills(count):
     return failures == 0
 
 
+def lose_memory_once(person, dice):
+    """No more than a few MB are left while definitions are typed and long ones run. How the program ended: "" when it
+    did not end, else its last remark."""
+    window = CalculatorWindow(person.home)
+    typed = [f"v{i}={dice.randrange(1000)}" for i in range(5)]
+    for line in typed:
+        window.enter(line)
+    wait_until("the definitions", lambda: set(typed) <= set(person.lines()))
+    person.due = set(typed)
+    with open(f"/proc/{window.process.pid}/statm", encoding="ascii") as file:
+        size = int(file.read().split()[0]) * os.sysconf("SC_PAGE_SIZE")
+    limit = size + dice.randrange(3_000_000)
+    resource.prlimit(window.process.pid, resource.RLIMIT_AS, (limit, limit))
+    lines = [f"w{i}(x)=x+{'1+' * dice.randrange(4000)}1" for i in range(2000)]
+    script = write_script(person.home, "memory.script", lines)
+    window.hand_over(script)
+    end = time.monotonic() + 12
+    while window.process.poll() is None and time.monotonic() < end:
+        time.sleep(0.1)
+    ended = window.process.poll() is not None
+    remark = (window.remarks().strip().splitlines() or [f"no remark, status {window.process.poll()}"])[-1] if ended else ""
+    window.kill()
+    os.remove(script)
+    return remark
+
+
+def memory(count):
+    print(f"seed {SEED}", flush=True)
+    person = WindowsPerson()
+    answer_first_questions(person.home)
+    failures, ends = 0, collections.Counter()
+    for i in range(count):
+        if os.path.exists(person.file):
+            os.remove(person.file)
+        ends[lose_memory_once(person, random.Random(f"{SEED} {i}"))] += 1
+        torn, lost = person.faults()
+        failures += 1 if torn or lost else 0
+        if torn or lost:
+            print(f"run {i}: {torn or 'whole'}; lost: {lost}", flush=True)
+    for remark, times in ends.most_common():
+        print(f"{times:>5} {remark or 'went on'}", flush=True)
+    print(f"{count} runs short of memory, {failures} files torn or without a definition", flush=True)
+    person.remove()
+    return failures == 0
+
+
 def main():
-    measures = {"previews": previews, "use": use, "entries": entries, "kills": kills}
+    measures = {"previews": previews, "use": use, "entries": entries, "kills": kills, "memory": memory}
     passed = True
     for argument in sys.argv[1:]:
         name, amount = argument.split("=")

@@ -196,10 +196,14 @@ class CalculatorWindow:
             stderr=self.log,
         )
 
-    def start_again(self, *arguments):
-        """Starts the program over the same files while this window is there, which shows itself instead."""
+    def hand_over(self, *arguments):
+        """Starts the program over the same files while this window is there, which gets the arguments instead."""
         status = self._run(*arguments).wait(PATIENCE)
         assert status == 0, f"the second start ended with {status}: {self.remarks()}"
+
+    def start_again(self, *arguments):
+        """The same, and waits until this window shows itself."""
+        self.hand_over(*arguments)
 
         def is_in_front():
             try:
