@@ -126,7 +126,7 @@ bench-check: deps ## count instructions: more than 3 % above bench/instructions.
 
 install: ## build and install below PREFIX (/usr/local); DESTDIR goes before it
 	@scripts/deps.sh run
-	$(configure_plain) -DCMAKE_INSTALL_PREFIX=$(PREFIX) </dev/null # which the files for pkg-config name
+	$(configure_plain) -DCMAKE_INSTALL_PREFIX=$(PREFIX) </dev/null # which the library on macOS names
 	$(call compile,release) </dev/null
 	cmake --install build/release
 	cp build/release/install_manifest.txt build/installed.txt
