@@ -17,6 +17,7 @@ import unittest
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
+DOCUMENT = ROOT / "docs" / "library.md"
 COMPILERS = ("clang++", "g++")
 
 # What each program answers: the payment by the formula of loans with bc, the digits from tables.
@@ -27,6 +28,9 @@ PROGRAMS = {
     "calculator": ("2+3*4\nx = 5 km->mi\n1/0\n", "ans = 14\nx = 3.106855961\n** ERROR: divide by zero **\n"),
     "routines": ("", "30! = 2.65252859812191058636308480000000E32\n1/0: singularity\n"),
 }
+# How the document builds the first of them.
+COMMANDS = ("c++ -std=c++17 numbers.cpp -ltallyquill\n"
+            "c++ -std=c++17 numbers.cpp $(pkg-config --cflags --libs tallyquill)\n")
 
 
 def run(*command, **options):
@@ -134,12 +138,23 @@ class Installed(unittest.TestCase):
                 calls = re.findall(r"\b(?:call|callq|jmp|bl|b)\s+(\w*q\w+|_Z\w+|mem\w+)", body)
                 self.assertEqual([re.sub(r"^_Z\d+|P.*$", "", call) for call in calls], ["qmul", "qadd"])
 
-    def test_the_document_has_the_programs(self):
-        document = (ROOT / "docs" / "library.md").read_text()
-        for program in PROGRAMS:
+    def test_the_document_has_the_programs_and_what_they_answer(self):
+        shown = []
+        for program, (typed, answer) in PROGRAMS.items():
             source = (HERE / "programs" / f"{program}.cpp").read_text().split("\n", 1)[1]
-            self.assertIn(f"```cpp\n{source}```", document)
-        self.assertIn((HERE / "programs" / "CMakeLists.txt").read_text().split("\n", 1)[1], document)
+            shown += [source, typed, answer] if typed else [source, answer]
+        shown += [COMMANDS, (HERE / "programs" / "CMakeLists.txt").read_text().split("\n", 1)[1]]
+        # These blocks and no other one.
+        self.assertEqual(re.findall(r"^```\w*\n(.*?)^```$", DOCUMENT.read_text(), re.M | re.S), shown)
+
+    def test_the_commands_of_the_document_build_the_program(self):
+        environment = {**self.environment, "CPATH": str(self.prefix / "include"), "LIBRARY_PATH": str(self.lib)}
+        for compiler in COMPILERS:
+            for line in COMMANDS.splitlines():
+                with self.subTest(compiler=compiler, line=line), tempfile.TemporaryDirectory() as folder:
+                    run("sh", "-c", f"cp {HERE}/programs/numbers.cpp . && {line.replace('c++ ', compiler + ' ', 1)}",
+                        env=environment, cwd=folder)
+                    self.answers("numbers", f"{folder}/a.out")
 
 
 if __name__ == "__main__":

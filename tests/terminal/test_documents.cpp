@@ -116,6 +116,16 @@ TEST(Readme, HasTheRatiosThatWereMeasured) {
     EXPECT_GT(rows, 3);
 }
 
+TEST(LibraryDocument, HasTheRatiosThatWereMeasured) {
+    const auto measured =
+        guideTable(document("performance.md").c_str(), "| Rows | Ratio | What limits them |");
+    const auto told = guideTable(document("library.md").c_str(), "| Rows | Ratio |");
+    EXPECT_GT(measured.size(), 10U);
+    ASSERT_EQ(told.size(), measured.size());
+    for (size_t i = 0; i < told.size(); ++i)
+        EXPECT_EQ(told[i], GuideCells(measured[i].begin(), measured[i].begin() + 2));
+}
+
 TEST(Readme, HasResultsThatWereAllTheNearest) {
     const std::string path = document("accuracy.md");
     int rows = 0;
