@@ -2,10 +2,11 @@
 # SPDX-License-Identifier: MIT
 """The library as it is installed: three programs are built against it in three ways with two compilers, and run.
 
-    installed.py BUILD_FOLDER
+    installed.py BUILD_FOLDER [TEST...]
 
 Also looked at: which names the library shows, what Real costs, and that docs/library.md has the programs.
 """
+import difflib
 import os
 import pathlib
 import re
@@ -13,6 +14,8 @@ import subprocess
 import sys
 import tempfile
 import unittest
+
+import abi
 
 HERE = pathlib.Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
@@ -56,6 +59,8 @@ class Installed(unittest.TestCase):
     def tearDownClass(cls):
         cls.folder.cleanup()
 
+
+class Programs(Installed):
     def answers(self, program, file, environment=None):
         typed, expected = PROGRAMS[program]
         self.assertEqual(run(file, input=typed, env=environment or self.environment), expected)
@@ -99,6 +104,26 @@ class Installed(unittest.TestCase):
                     with self.subTest(compiler=compiler, program=program + kind):
                         self.answers(program, build / (program + kind))
 
+    def test_the_document_has_the_programs_and_what_they_answer(self):
+        shown = []
+        for program, (typed, answer) in PROGRAMS.items():
+            source = (HERE / "programs" / f"{program}.cpp").read_text().split("\n", 1)[1]
+            shown += [source, typed, answer] if typed else [source, answer]
+        shown += [COMMANDS, (HERE / "programs" / "CMakeLists.txt").read_text().split("\n", 1)[1]]
+        # These blocks and no other one.
+        self.assertEqual(re.findall(r"^```\w*\n(.*?)^```$", DOCUMENT.read_text(), re.M | re.S), shown)
+
+    def test_the_commands_of_the_document_build_the_program(self):
+        environment = {**self.environment, "CPATH": str(self.prefix / "include"), "LIBRARY_PATH": str(self.lib)}
+        for compiler in COMPILERS:
+            for line in COMMANDS.splitlines():
+                with self.subTest(compiler=compiler, line=line), tempfile.TemporaryDirectory() as folder:
+                    run("sh", "-c", f"cp {HERE}/programs/numbers.cpp . && {line.replace('c++ ', compiler + ' ', 1)}",
+                        env=environment, cwd=folder)
+                    self.answers("numbers", f"{folder}/a.out")
+
+
+class Library(Installed):
     def test_a_program_may_use_the_names_of_the_insides(self):
         source = self.work / "names.cpp"
         source.write_text("#include <tallyquill/Calculator.h>\n#include <cstdio>\n"
@@ -120,6 +145,12 @@ class Installed(unittest.TestCase):
             self.assertRegex(code, rf"\b{re.escape(name)}\b", line)
             self.assertFalse(line.startswith("std::"), line)
 
+    def test_is_what_programs_are_compiled_against(self):
+        expected = (ROOT / "library" / "abi.txt").read_text().splitlines()
+        found = abi.lines_of(str(self.lib / "libtallyquill.so"), self.prefix / "include")
+        told = "\n".join(difflib.unified_diff(expected, found, "library/abi.txt", "the library", lineterm="", n=0))
+        self.assertEqual(found, expected, f"\n{told}\nCONTRIBUTING.md, \"How to change the library\", tells what to do.")
+
     def test_has_its_name_and_version(self):
         version = re.search(r"VERSION (\d+)\.(\d+)\.(\d+) LANGUAGES", (ROOT / "CMakeLists.txt").read_text()).groups()
         dynamic = run("readelf", "-d", self.lib / "libtallyquill.so")
@@ -137,24 +168,6 @@ class Installed(unittest.TestCase):
                 body = code[code.index("combine"):code.index(".cfi_endproc")]
                 calls = re.findall(r"\b(?:call|callq|jmp|bl|b)\s+(\w*q\w+|_Z\w+|mem\w+)", body)
                 self.assertEqual([re.sub(r"^_Z\d+|P.*$", "", call) for call in calls], ["qmul", "qadd"])
-
-    def test_the_document_has_the_programs_and_what_they_answer(self):
-        shown = []
-        for program, (typed, answer) in PROGRAMS.items():
-            source = (HERE / "programs" / f"{program}.cpp").read_text().split("\n", 1)[1]
-            shown += [source, typed, answer] if typed else [source, answer]
-        shown += [COMMANDS, (HERE / "programs" / "CMakeLists.txt").read_text().split("\n", 1)[1]]
-        # These blocks and no other one.
-        self.assertEqual(re.findall(r"^```\w*\n(.*?)^```$", DOCUMENT.read_text(), re.M | re.S), shown)
-
-    def test_the_commands_of_the_document_build_the_program(self):
-        environment = {**self.environment, "CPATH": str(self.prefix / "include"), "LIBRARY_PATH": str(self.lib)}
-        for compiler in COMPILERS:
-            for line in COMMANDS.splitlines():
-                with self.subTest(compiler=compiler, line=line), tempfile.TemporaryDirectory() as folder:
-                    run("sh", "-c", f"cp {HERE}/programs/numbers.cpp . && {line.replace('c++ ', compiler + ' ', 1)}",
-                        env=environment, cwd=folder)
-                    self.answers("numbers", f"{folder}/a.out")
 
 
 if __name__ == "__main__":
