@@ -20,6 +20,7 @@ static const Palette DARK = {0.16, 0.11, 0.25, 0.33, 0.36, 0.62, 0.88, 1, {0.13,
 static const Palette LIGHT = {0.93, 1, 0.98, 0.82, 0.66, 0.38, 0.12, 0, {0, 0.5, 0.52}};
 static const CGFloat CORNER = 3;
 static const CGFloat SEPARATOR = 9; // a menu's, in points
+static const CGFloat FOCUS_WIDTH = 2;
 
 static NSColor* focusOf(const Palette& one) {
     return [NSColor colorWithCalibratedRed:one.focus[0] green:one.focus[1] blue:one.focus[2] alpha:1];
@@ -48,14 +49,26 @@ static NSColor* focus() {
     return focusOf(palette());
 }
 
+static NSBezierPath* rounded(NSRect frame, CGFloat inset) {
+    return [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(frame, inset, inset)
+                                           xRadius:CORNER
+                                           yRadius:CORNER];
+}
+
 static void fillRounded(NSRect frame, NSColor* fill, NSColor* edge) {
-    NSBezierPath* const path = [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(frame, 0.5, 0.5)
-                                                               xRadius:CORNER
-                                                               yRadius:CORNER];
+    NSBezierPath* const path = rounded(frame, 0.5);
     [fill set];
     [path fill];
     if (!edge) return;
     [edge set];
+    [path stroke];
+}
+
+// A line of another width than that of the edges, so that its color is not all that tells.
+static void drawFocus(NSRect frame) {
+    NSBezierPath* const path = rounded(frame, FOCUS_WIDTH / 2);
+    [path setLineWidth:FOCUS_WIDTH];
+    [focus() set];
     [path stroke];
 }
 
@@ -182,7 +195,8 @@ static bool hasFocus(GSThemeControlState state) {
               view:(NSView*)view
              style:(int)style
              state:(GSThemeControlState)state {
-    fillRounded(frame, buttonFill(state), hasFocus(state) ? focus() : gray(palette().edge));
+    fillRounded(frame, buttonFill(state), gray(palette().edge));
+    if (hasFocus(state)) drawFocus(frame);
 }
 
 - (void)drawPopUpButtonCellInteriorWithFrame:(NSRect)frame withCell:(NSCell*)cell inView:(NSView*)view {
@@ -251,8 +265,13 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
     NSRect knob = [slider knobRectFlipped:[view isFlipped]];
     const CGFloat side = 14;
     knob = NSMakeRect(std::floor(NSMidX(knob) - side / 2), std::floor(NSMidY(knob) - side / 2), side, side);
-    [[[view window] firstResponder] == view ? focus() : gray(palette().text) set];
+    [gray(palette().text) set];
     [[NSBezierPath bezierPathWithOvalInRect:knob] fill];
+    if ([[view window] firstResponder] != view) return;
+    NSBezierPath* const ring = [NSBezierPath bezierPathWithOvalInRect:NSInsetRect(knob, -3, -3)];
+    [ring setLineWidth:FOCUS_WIDTH];
+    [focus() set];
+    [ring stroke];
 }
 
 // --- Scroll views ---
@@ -301,8 +320,13 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 - (void)drawFocusFrame:(NSRect)frame view:(NSView*)view {
     // The edge of a button with an edge shows it already.
     if ([view isKindOfClass:[NSButton class]] && [(NSButton*)view isBordered]) return;
-    [focus() set];
-    NSFrameRect(frame);
+    drawFocus(frame);
+}
+
+// A field that is typed in. GNUstep shows that with its cursor alone.
+- (void)drawBorderType:(NSBorderType)type frame:(NSRect)frame view:(NSView*)view {
+    [super drawBorderType:type frame:frame view:view];
+    if ([view isKindOfClass:[NSTextField class]] && [(NSTextField*)view currentEditor]) drawFocus(frame);
 }
 
 @end
@@ -375,8 +399,7 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 - (void)drawRect:(NSRect)dirty {
     [super drawRect:dirty];
     if ([[self window] firstResponder] != self) return;
-    [focus() set];
-    NSFrameRectWithWidth([self bounds], 2);
+    drawFocus([self bounds]);
 }
 
 @end
@@ -418,9 +441,9 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 }
 
 - (void)drawRect:(NSRect)dirty {
-    const bool hasKeys = [[self window] firstResponder] == self;
     fillRounded([self bounds], gray(palette().field),
-                hasKeys ? focus() : gray([self isActive] ? palette().text : palette().edge));
+                gray([self isActive] ? palette().text : palette().edge));
+    if ([[self window] firstResponder] == self) drawFocus([self bounds]);
     fillRounded(NSInsetRect([self bounds], 3, 3), [self color], nil);
 }
 

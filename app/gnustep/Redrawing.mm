@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// What is drawn again when the text has changed: GNUstep draws all of the view for each key press.
+// What is drawn again: of the console's text only what has changed, where GNUstep draws all of the view for
+// each key press; and the edge of a field, which shows the keyboard's focus.
 #import "Controls.h"
+#import "Exchange.h"
 #import "MainConsole.h"
 
 #include <algorithm>
@@ -39,6 +41,28 @@
     below.size.height = NSMaxY(below) - top;
     below.origin.y = top;
     if (NSHeight(below) > 0) [self setNeedsDisplayInRect:below];
+}
+
+@end
+
+// GNUstep draws a field's edge with the next change of its text only.
+@implementation NSTextField (Redrawing)
+
++ (void)load {
+    exchange(self, @selector(becomeFirstResponder), @selector(becomeFirstResponderSeen));
+    exchange(self, @selector(textDidEndEditing:), @selector(textDidEndEditingSeen:));
+}
+
+// Under these names is GNUstep's own.
+- (BOOL)becomeFirstResponderSeen {
+    const BOOL becomes = [self becomeFirstResponderSeen];
+    [self setNeedsDisplay:YES];
+    return becomes;
+}
+
+- (void)textDidEndEditingSeen:(NSNotification*)notification {
+    [self textDidEndEditingSeen:notification];
+    [self setNeedsDisplay:YES];
 }
 
 @end
