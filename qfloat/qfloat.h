@@ -128,6 +128,9 @@ void qdiv(const qfloat a, const qfloat b, qfloat c);
 // zero); radix values are cut.
 int asctoq(const char* text, qfloat q);
 
+// As asctoq, and writes nothing: for programs that own their standard output.
+int qparse(const char* text, qfloat q);
+
 // Writes q as a sign (blank or '-'), one digit, a point, min(digits, 104) fraction digits, 'E' and the
 // decimal exponent: " 1.2345E3", "-5.E-7". The text nearest to q, ties to the even digit; without fraction
 // digits (digits below 1) ties are cut.

@@ -219,6 +219,12 @@ int prefixBits(const char* text) {
 } // namespace
 
 int asctoq(const char* text, qfloat q) {
+    const int status = qparse(text, q);
+    if (status != 0) std::puts("asctoq conversion error");
+    return status;
+}
+
+int qparse(const char* text, qfloat q) {
     qclear(q);
     const int bitsPerDigit = prefixBits(text);
     if (bitsPerDigit != 0) {
@@ -228,10 +234,7 @@ int asctoq(const char* text, qfloat q) {
     }
     Mantissa m;
     MantissaReader reader(text, bitsPerDigit != 0 ? 1 << bitsPerDigit : 10, bitsPerDigit);
-    if (!reader.Read(m)) {
-        std::puts("asctoq conversion error");
-        return -1;
-    }
+    if (!reader.Read(m)) return -1;
     if (limb::isZero(m.integer)) {
         if (m.exponentFollows) merror = 4;
         return 0;

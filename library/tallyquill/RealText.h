@@ -13,6 +13,7 @@
 #include <istream>
 #include <ostream>
 #include <stdexcept>
+#include <utility>
 
 namespace tallyquill {
 
@@ -20,7 +21,7 @@ constexpr int MOST_FIGURES = 105; // that qtoasc writes
 
 namespace detail {
 
-constexpr size_t FIGURES_READ = 104;               // that asctoq reads
+constexpr size_t FIGURES_READ = 104;               // that qparse reads
 constexpr int64_t EXPONENT_LIMIT = 100000;         // beyond all numbers
 constexpr int64_t TEXT_EXPONENT_LIMIT = 1LL << 40; // beyond what digits of a text in memory make up for
 
@@ -114,7 +115,7 @@ inline Real readDecimal(std::string_view text) {
     if (figures.empty()) return {};
     figures += 'e' + std::to_string(std::clamp(exponent, -EXPONENT_LIMIT, EXPONENT_LIMIT));
     qfloat words;
-    asctoq(figures.c_str(), words);
+    qparse(figures.c_str(), words);
     return Real(words);
 }
 
@@ -186,7 +187,7 @@ inline std::string generalText(const Real& x, int64_t precision, bool keepsZeros
     return placePoint(figures, std::max<int64_t>(left - 1 - figures.exponent, 0));
 }
 
-// As std::ostream has a double in this format; hexfloat is not there. A precision below 0 is 6.
+// As std::ostream has a double in this format; hexfloat is taken for defaultfloat. A precision below 0 is 6.
 inline std::string formatted(const Real& x, std::ios_base::fmtflags flags, int64_t precision) {
     if (precision < 0) precision = 6;
     const std::ios_base::fmtflags notation = flags & std::ios_base::floatfield;
@@ -210,11 +211,65 @@ inline std::string formatted(const Real& x, std::ios_base::fmtflags flags, int64
     return (flags & std::ios_base::showpos) != 0 ? '+' + text : text;
 }
 
+// --- Reading from a stream ---
+
+constexpr std::string_view DECIMAL_DIGITS = "0123456789";
+
+inline bool isNext(std::istream& in, std::string_view characters) {
+    const int c = in.peek();
+    return c != std::istream::traits_type::eof() && characters.find(static_cast<char>(c)) < characters.size();
+}
+
+inline bool takeOneOf(std::istream& in, std::string_view characters, std::string& text) {
+    if (!isNext(in, characters)) return false;
+    text += static_cast<char>(in.get());
+    return true;
+}
+
+// A mark counts only with one of these characters behind it.
+inline bool takeMark(std::istream& in, std::string_view marks, const std::string& behind, std::string& text) {
+    if (!takeOneOf(in, marks, text)) return false;
+    if (isNext(in, behind)) return true;
+    in.unget();
+    text.pop_back();
+    return false;
+}
+
+// With at most one point.
+inline void takeDigits(std::istream& in, std::string_view digits, std::string& text) {
+    while (takeOneOf(in, digits, text)) {
+    }
+    if (!takeOneOf(in, ".", text)) return;
+    while (takeOneOf(in, digits, text)) {
+    }
+}
+
+// The longest text that may be a number.
+inline std::string takeNumber(std::istream& in) {
+    constexpr std::pair<std::string_view, std::string_view> RADICES[] = {
+        {"xX", "0123456789abcdefABCDEF"}, {"oO", "01234567"}, {"bB", "01"}};
+    std::string text;
+    takeOneOf(in, "+-", text);
+    if (takeOneOf(in, "0", text)) {
+        for (const auto& [marks, digits] : RADICES) {
+            if (!takeMark(in, marks, std::string(digits) + '.', text)) continue;
+            takeDigits(in, digits, text);
+            return text;
+        }
+    }
+    takeDigits(in, DECIMAL_DIGITS, text);
+    if (!takeMark(in, "eE", std::string(DECIMAL_DIGITS) + "+-", text)) return text;
+    takeOneOf(in, "+-", text);
+    while (takeOneOf(in, DECIMAL_DIGITS, text)) {
+    }
+    return text;
+}
+
 } // namespace detail
 
 // Reads a sign or none, then digits with at most one point, and a decimal number's exponent: "-1.5e-3",
 // "0x1F.8". A decimal number is the one nearest to its first 104 figures, others are exact up to 352 bits. A
-// number beyond the range is the overflow value, or 0, with a code (asctoq). Anything else throws
+// number beyond the range is the overflow value, or 0, with a code (qparse). Anything else throws
 // std::invalid_argument.
 inline Real::Real(std::string_view text) : Real() {
     std::string_view digits = text;
@@ -240,17 +295,12 @@ inline std::ostream& operator<<(std::ostream& out, const Real& x) {
     return out << text;
 }
 
-// Takes what a number may consist of. What is no number leaves x as it was and sets failbit.
+// Takes a number and leaves what follows it: of "1.5km" the letters, of "5eV" too. What is no number leaves x
+// as it was and sets failbit.
 inline std::istream& operator>>(std::istream& in, Real& x) {
     const std::istream::sentry hasText(in);
     if (!hasText) return in;
-    std::string text;
-    const auto mayFollow = [&text](int c) {
-        if (std::isalnum(c) != 0 || c == '.') return true;
-        return (c == '+' || c == '-') && (text.empty() || text.back() == 'e' || text.back() == 'E');
-    };
-    for (int c = in.peek(); c != std::istream::traits_type::eof() && mayFollow(c); c = in.peek())
-        text += static_cast<char>(in.get());
+    const std::string text = detail::takeNumber(in);
     try {
         x = Real(std::string_view(text));
     } catch (const std::invalid_argument&) {

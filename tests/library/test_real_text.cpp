@@ -167,6 +167,51 @@ TEST_F(RealText, StreamsReadWordByWord) {
     EXPECT_EQ(in.get(), ';');
 }
 
+// What is read from a text, what is left in the stream, and whether a number was there.
+void expectRead(const std::string& text, const Real& value, const std::string& rest) {
+    std::istringstream in(text);
+    Real x;
+    in >> x;
+    EXPECT_FALSE(in.fail()) << text;
+    EXPECT_EQ(x, value) << text;
+    in.clear();
+    std::string left;
+    std::getline(in, left);
+    EXPECT_EQ(left, rest) << text;
+}
+
+TEST_F(RealText, StreamsLeaveWhatBelongsToNoNumber) {
+    expectRead("1.5km", Real(1.5), "km");
+    expectRead("1.5.2", Real(1.5), ".2");
+    expectRead("12-3", Real(12), "-3");
+    expectRead("5eV", Real(5), "eV");
+    expectRead("5e", Real(5), "e");
+    expectRead("2e3e4", Real(2000), "e4");
+    expectRead("0x1Fkm", Real(31), "km");
+    expectRead("0x.8p", Real(0.5), "p");
+    expectRead("-0b102", Real(-2), "2");
+    expectRead("0o178", Real(15), "8");
+    expectRead("0bar", Real(), "bar");
+    expectRead("0x", Real(), "x");
+    expectRead("+.5,7", Real(0.5), ",7");
+}
+
+TEST_F(RealText, AStreamWithASignOrAPointAloneFails) {
+    for (const char* const text : {"-", ".", "+.", "-km", "1e+", "--1"}) {
+        std::istringstream in(text);
+        Real x = 7;
+        in >> x;
+        EXPECT_TRUE(in.fail()) << text;
+        EXPECT_EQ(x, Real(7)) << text;
+    }
+}
+
+TEST_F(RealText, HexfloatIsTheDefaultFormat) {
+    std::ostringstream out;
+    out << std::hexfloat << Real(1.5);
+    EXPECT_EQ(out.str(), "1.5");
+}
+
 TEST_F(RealText, AStreamWithoutANumberFailsAndKeepsTheValue) {
     std::istringstream in("abc");
     Real a = 7;

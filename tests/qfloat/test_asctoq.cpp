@@ -27,6 +27,19 @@ Parsed parse(const std::string& text) {
     return p;
 }
 
+// The same, but for the word on standard output.
+void expectThatQparseGives(const Parsed& p, const std::string& text) {
+    Number q;
+    q.fill(0xA5A5A5A5);
+    ::testing::internal::CaptureStdout();
+    EXPECT_EQ(qparse(text.c_str(), q.data()), p.status) << text;
+    std::fflush(stdout);
+    EXPECT_EQ(::testing::internal::GetCapturedStdout(), "") << text;
+    EXPECT_EQ(q, p.q) << text;
+    EXPECT_EQ(merror, p.code) << text;
+    merror = 0;
+}
+
 // The text is read as the number, without a code and without a word on standard output.
 void expectNumber(const std::string& text, const Number& expected, int code = 0) {
     const Parsed p = parse(text);
@@ -34,6 +47,7 @@ void expectNumber(const std::string& text, const Number& expected, int code = 0)
     EXPECT_EQ(p.q, expected) << text << " gave " << show(p.q);
     EXPECT_EQ(p.code, code) << text;
     EXPECT_EQ(p.printed, "") << text;
+    expectThatQparseGives(p, text);
 }
 
 void expectNumber(const std::string& text, const char* expected) {
@@ -50,6 +64,7 @@ void expectSyntaxError(const std::string& text) {
     EXPECT_EQ(p.q, Number{}) << text;
     EXPECT_EQ(p.code, 0) << text;
     EXPECT_EQ(p.printed, "asctoq conversion error\n") << text;
+    expectThatQparseGives(p, text);
 }
 
 std::string digits(char digit, size_t count) {
