@@ -154,7 +154,8 @@ class Library(Installed):
     def test_has_its_name_and_version(self):
         version = re.search(r"VERSION (\d+)\.(\d+)\.(\d+) LANGUAGES", (ROOT / "CMakeLists.txt").read_text()).groups()
         dynamic = run("readelf", "-d", self.lib / "libtallyquill.so")
-        self.assertIn(f"[libtallyquill.so.{version[0]}]", dynamic)
+        package = re.search(r"^Package: libtallyquill(\d+)$", (ROOT / "packaging/debian/control").read_text(), re.M).group(1)
+        self.assertIn(f"[libtallyquill.so.{package}]", dynamic)
         self.assertTrue((self.lib / f"libtallyquill.so.{'.'.join(version)}").is_file())
         self.assertEqual(run("pkg-config", "--modversion", "tallyquill", env=self.environment).strip(), ".".join(version))
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The guide tells of every message of the sources: what the texts of two words or more in them are, it has
-// too.
+// The guide tells of every message of the sources: the texts of two words or more in them, and those of one
+// word that end as a line or a sentence does, it has too.
 #include "Options.h"
 
 #include <algorithm>
@@ -91,7 +91,14 @@ private:
     bool isOpen = false;
 };
 
-// Whether a person would read it: two words, or the sign of errors.
+// A word alone is said when it is a line, or ends as a sentence or the head of something does; names of
+// methods do so too, and begin with a small letter.
+bool isWordThatIsSaid(const std::string& text) {
+    const char last = text.back();
+    return last == HOLE || (strchr(".:!?", last) && !islower(static_cast<unsigned char>(text[0])));
+}
+
+// Whether a person would read it: two words, the sign of errors, or a word that is said.
 bool isMessage(const std::string& text) {
     if (text.rfind("** ", 0) == 0) return text.size() > 3;
     int words = 0;
@@ -99,14 +106,14 @@ bool isMessage(const std::string& text) {
     for (const char c : text + " ") {
         if (isalpha(static_cast<unsigned char>(c))) {
             ++letters;
-        } else if (strchr(" ,:;.?!", c)) {
+        } else if (strchr(" ,:;.?!\x01", c)) {
             words += letters > 1 ? 1 : 0;
             letters = 0;
         } else {
             letters = 0;
         }
     }
-    return words > 1;
+    return words > 1 || (words == 1 && isWordThatIsSaid(text));
 }
 
 // The parts between the holes, in which something is said. The colon behind the name of a control is left
@@ -164,12 +171,13 @@ bool isLeftOut(const std::filesystem::path& path) {
 
 // Texts that are no messages.
 bool isLeftOut(const std::string& text) {
-    static constexpr std::array<std::string_view, 15> STARTS = {
+    static constexpr std::array<std::string_view, 16> STARTS = {
         "In the beginning was the prompt", // what "gospel" says
         "histstack o",                     // words of commands
         "convert+",
         "display ",
         "list units",
+        "mulq %",       // a processor's instructions
         "no parent!!!", // a trace
         "Attempting ProcParenth",
         "=http,https", // an argument of curl
@@ -187,7 +195,8 @@ bool isLeftOut(const std::string& text) {
 
 std::vector<std::filesystem::path> sources() {
     std::vector<std::filesystem::path> paths;
-    for (const char* const folder : {"engine", "units", "store", "web", "terminal", "app"}) {
+    for (const char* const folder :
+         {"qfloat", "units", "engine", "library", "store", "web", "terminal", "app"}) {
         for (const auto& file : std::filesystem::recursive_directory_iterator(TALLYQUILL_SOURCES +
                                                                               ("/" + std::string(folder)))) {
             const std::string ending = file.path().extension().string();
@@ -228,6 +237,9 @@ TEST(Messages, AreFoundInSources) {
     EXPECT_EQ(Literals(source).found, literals);
     EXPECT_TRUE(isMessage("is empty"));
     EXPECT_FALSE(isMessage("empty"));
+    EXPECT_FALSE(isMessage("empty:"));
+    EXPECT_TRUE(isMessage("Empty:"));
+    EXPECT_TRUE(isMessage(std::string("empty") + HOLE));
     EXPECT_TRUE(isMessage("** x"));
 }
 
