@@ -159,6 +159,22 @@ std::string guideSection(std::string_view topic, int columns) {
     return "";
 }
 
+std::string_view guideMarkdown(std::string_view title) {
+    for (const std::string& topic : guideTopics()) {
+        if (topic == title) return sectionOf(topic).substr(topic.size() + 1);
+    }
+    return {};
+}
+
+std::vector<std::vector<std::string>> tableRows(std::string_view markdown) {
+    std::vector<std::vector<std::string>> rows;
+    for (const std::string_view line : linesOf(markdown)) {
+        if (!isRule(line)) rows.push_back(cellsOf(line));
+    }
+    if (!rows.empty()) rows.erase(rows.begin());
+    return rows;
+}
+
 std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head) {
     std::vector<std::vector<std::string>> rows;
     bool isInside = false;

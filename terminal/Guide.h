@@ -15,6 +15,12 @@ std::vector<std::string> guideTopics(std::string_view something = {});
 // gives it. Empty when there is none.
 std::string guideSection(std::string_view topic, int columns);
 
+// The section with this title as it is written in the guide, without its title. Empty when there is none.
+std::string_view guideMarkdown(std::string_view title);
+
+// The rows of a table without its head, as guideRows gives them.
+std::vector<std::vector<std::string>> tableRows(std::string_view markdown);
+
 // The rows of a table: of the section with this title the table whose head begins with this cell, without the
 // head. The cells are plain text. Empty when there is no such table.
 std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head);

@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// A program of the build: writes a template with its places filled in.
+// A program of the build: writes the completions for a shell.
 //
-//   option_texts bash|zsh|fish|man TEMPLATE FILE
+//   option_texts bash|zsh|fish TEMPLATE FILE
 //
-// In completions the line "@OPTIONS@" becomes the options of the program tallyquill. In man pages a line
-// "@TABLE TITLE: HEAD@" becomes the rows of the guide's table in the section TITLE whose head begins with
-// HEAD: what both tell is written in the guide alone. "@VERSION@" becomes the version.
-#include "Guide.h"
+// The line "@OPTIONS@" of the template becomes the options of the program tallyquill.
 #include "Options.h"
 #include "OwnFiles.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -109,55 +105,6 @@ std::string fishOption(const OptionRow& row, const std::string& help) {
     return line + " -d '" + replaced(help, "'", "\\'") + "'\n";
 }
 
-// --- The man pages ---
-
-// As roff reads it.
-std::string roff(const std::string& text) {
-    static constexpr std::pair<char, const char*> ESCAPES[] = {
-        {'\\', "\\e"},  {'-', "\\-"},   {'\'', "\\(aq"}, {'"', "\\(dq"},
-        {'^', "\\(ha"}, {'~', "\\(ti"}, {'`', "\\(ga"}};
-    std::string escaped;
-    for (const char c : text) {
-        const auto* const one = std::find_if(std::begin(ESCAPES), std::end(ESCAPES),
-                                             [c](const auto& escape) { return escape.first == c; });
-        escaped += one == std::end(ESCAPES) ? std::string(1, c) : one->second;
-    }
-    return escaped[0] == '.' ? "\\&" + escaped : escaped;
-}
-
-// A cell of the guide as a sentence.
-std::string sentence(std::string cell) {
-    cell[0] = static_cast<char>(toupper(static_cast<unsigned char>(cell[0])));
-    return cell.back() == '.' ? cell : cell + ".";
-}
-
-// Each row of a table of the guide as a paragraph with its first cell for a heading. `place` is "TITLE:
-// HEAD", what guideRows wants. Empty when there is no such table.
-std::string paragraphsOf(const std::string& place) {
-    const size_t colon = std::min(place.find(": "), place.size());
-    const std::string head = place.substr(std::min(colon + 2, place.size()));
-    std::string text;
-    for (const auto& cells : guideRows(place.substr(0, colon), head))
-        text += ".TP\n.B \"" + roff(cells.at(0)) + "\"\n" + roff(sentence(cells.at(1))) + "\n";
-    return text;
-}
-
-// Replaces the lines "@TABLE TITLE: HEAD@". False when the guide has no such table.
-bool putTables(std::string& text) {
-    constexpr std::string_view START = "@TABLE ";
-    for (size_t at = text.find(START); at != std::string::npos; at = text.find(START, at)) {
-        const size_t end = text.find("@\n", at + 1);
-        const std::string place = text.substr(at + START.size(), end - at - START.size());
-        const std::string paragraphs = paragraphsOf(place);
-        if (paragraphs.empty()) {
-            fprintf(stderr, "option_texts: the guide has no table %s\n", place.c_str());
-            return false;
-        }
-        text.replace(at, end + 2 - at, paragraphs);
-    }
-    return true;
-}
-
 // False when there is no such shell.
 bool optionsFor(const std::string& form, std::string& text) {
     if (form != "bash" && form != "zsh" && form != "fish") return false;
@@ -184,17 +131,16 @@ bool putOptions(const std::string& shell, std::string& text) {
 
 int main(int argc, char** argv) {
     if (argc != 4) {
-        fputs("usage: option_texts bash|zsh|fish|man TEMPLATE FILE\n", stderr);
+        fputs("usage: option_texts bash|zsh|fish TEMPLATE FILE\n", stderr);
         return 2;
     }
-    const std::string form = argv[1];
     std::ifstream in(argv[2]);
     std::string text((std::istreambuf_iterator<char>(in)), {});
-    if (!(form == "man" ? putTables(text) : putOptions(form, text))) {
+    if (!putOptions(argv[1], text)) {
         fprintf(stderr, "option_texts: %s cannot be filled in as %s\n", argv[2], argv[1]);
         return 1;
     }
     std::ofstream out(argv[3]);
-    out << replaced(text, "@VERSION@", TALLYQUILL_VERSION) << std::flush;
+    out << text << std::flush;
     return out ? 0 : 1;
 }

@@ -37,9 +37,9 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
 // The page as it is read.
 std::string manPage(const std::string& path = TALLYQUILL_MAN_PAGE) {
     std::string text = contentOf(path);
-    const std::pair<const char*, const char*> escapes[] = {{"\\-", "-"},   {"\\(aq", "'"}, {"\\(ha", "^"},
-                                                           {"\\(ti", "~"}, {"\\fR", ""},   {"\\fB", ""},
-                                                           {"\\fI", ""},   {"\\ ", " "},   {"\\e", "\\"}};
+    const std::pair<const char*, const char*> escapes[] = {
+        {"\\-", "-"}, {"\\(aq", "'"}, {"\\(ha", "^"}, {"\\(ti", "~"}, {"\\(dq", "\""}, {"\\(ga", "`"},
+        {"\\fR", ""}, {"\\fB", ""},   {"\\fI", ""},   {"\\&", ""},    {"\\ ", " "},    {"\\e", "\\"}};
     for (const auto& [from, to] : escapes) replaceAll(text, from, to);
     return text;
 }
@@ -130,8 +130,9 @@ TEST(ManPage, HasTheOptionsThatThereAre) {
 TEST(ManPage, HasTheSectionsOfOne) {
     const std::string page = manPage();
     for (const char* const section :
-         {"NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "COLUMNS", "PROMPT", "JSON", "EXIT STATUS",
-          "ENVIRONMENT", "FILES", "EXAMPLES", "TRAPS", "ACCESSIBILITY", "SEE ALSO"})
+         {"NAME", "SYNOPSIS", "DESCRIPTION", "ENTRIES", "OPTIONS", "COMMAND WORDS", "COLUMNS", "PROMPT",
+          "JSON", "EXIT STATUS", "ENVIRONMENT", "FILES", "SETTINGS", "EXAMPLES", "TRAPS", "ACCESSIBILITY",
+          "SEE ALSO"})
         EXPECT_NE(page.find("\n.SH " + std::string(section) + "\n"), std::string::npos) << section;
     EXPECT_NE(page.find("Tallyquill " TALLYQUILL_VERSION "\""), std::string::npos);
 }
@@ -151,7 +152,110 @@ TEST(ManPage, TellsWhatThePromptHas) {
 }
 
 TEST(ManPage, HasExamplesThatAreTrue) {
-    EXPECT_EQ(runExamples(manPage(), ".EX", ".EE"), 11);
+    const std::string page = manPage();
+    int commands = 0;
+    for (size_t at = page.find("\n$ "); at != std::string::npos; at = page.find("\n$ ", at + 1)) ++commands;
+    EXPECT_GT(commands, 8);
+    EXPECT_EQ(runExamples(page, ".EX", ".EE"), commands);
+}
+
+// --- One source: the guide ---
+
+// A text with one blank in the place of blanks and line ends.
+std::string inOneLine(const std::string& text) {
+    std::istringstream words(text);
+    std::string line;
+    for (std::string word; words >> word;) line += (line.empty() ? "" : " ") + word;
+    return line;
+}
+
+// The page's text, without its commands and what they say.
+std::string textOfPage(const std::string& page) {
+    std::istringstream lines(page);
+    std::string text;
+    for (std::string line; std::getline(lines, line);) {
+        if (line[0] != '.') text += line + '\n';
+    }
+    return inOneLine(text);
+}
+
+// The parts of the guide that a template names, with their kinds: "@SECTION Files@".
+std::vector<std::pair<std::string, std::string>> sectionsIn(const std::string& path) {
+    static const std::regex part("\n@(SECTION|PROSE) ([^@]+)@(?=\n)");
+    const std::string text = contentOf(path);
+    std::vector<std::pair<std::string, std::string>> titles;
+    for (auto one = std::sregex_iterator(text.begin(), text.end(), part); one != std::sregex_iterator();
+         ++one)
+        titles.emplace_back((*one)[2], (*one)[1]);
+    return titles;
+}
+
+// The rows of a table stand in the page, each below its first cell.
+void expectTable(const std::string& page, const std::string& text, const std::string& table) {
+    for (const std::vector<std::string>& cells : tableRows(table)) {
+        EXPECT_NE(page.find("\n.TP\n.B \"" + cells.at(0) + "\"\n"), std::string::npos) << cells[0];
+        for (size_t i = 1; i < cells.size(); ++i)
+            EXPECT_NE(text.find(inOneLine(cells[i].substr(cells[i].empty() ? 0 : 1))), std::string::npos) << cells[i];
+    }
+}
+
+// Each paragraph of these sections, and each example, stands in the page; so do the rows of their tables.
+void expectSections(const std::string& page,
+                    const std::vector<std::pair<std::string, std::string>>& sections) {
+    const std::string text = textOfPage(page);
+    for (const auto& [title, kind] : sections) {
+        SCOPED_TRACE(title);
+        const bool isProse = kind == "PROSE";
+        std::istringstream lines{std::string(guideMarkdown(title))};
+        std::string paragraphs;
+        std::string table;
+        bool isExample = false;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind("```", 0) == 0)
+                isExample = !isExample;
+            else if (isExample)
+                EXPECT_NE(text.find(inOneLine(line)), std::string::npos) << line;
+            else if (line.rfind('|', 0) == 0)
+                table += line + '\n';
+            else
+                paragraphs += line + '\n';
+            if (!table.empty() && line.rfind('|', 0) != 0) {
+                if (!isProse) expectTable(page, text, table);
+                table.clear();
+            }
+        }
+        std::istringstream plain(plainText(paragraphs, 100000));
+        int found = 0;
+        for (std::string line; std::getline(plain, line); ++found) {
+            if (line.rfind("- ", 0) == 0) line.erase(0, 2);
+            EXPECT_NE(text.find(inOneLine(line)), std::string::npos) << line;
+        }
+        EXPECT_GT(found, 0);
+    }
+}
+
+// A template has nothing that the guide says, too.
+void expectNothingOfTheGuide(const std::string& path) {
+    const std::string guide = inOneLine(plainText(contentOf(TALLYQUILL_GUIDE), 100000));
+    const std::string text = textOfPage(manPage(path));
+    const std::regex sentence("[^.:;]{40,}[.:;]");
+    int sentences = 0;
+    for (auto one = std::sregex_iterator(text.begin(), text.end(), sentence); one != std::sregex_iterator();
+         ++one, ++sentences)
+        EXPECT_EQ(guide.find(inOneLine(one->str())), std::string::npos) << one->str();
+    EXPECT_GT(sentences, 1);
+}
+
+TEST(ManPage, HasWhatTheGuideSays) {
+    const std::string source = TALLYQUILL_SOURCES "/docs/tallyquill.1.in";
+    EXPECT_GT(sectionsIn(source).size(), 10U);
+    expectSections(manPage(), sectionsIn(source));
+    expectNothingOfTheGuide(source);
+}
+
+// The pages that people have come from these templates, and no line of them is left.
+TEST(ManPage, HasNoPlaceThatIsNotFilledIn) {
+    EXPECT_FALSE(std::regex_search(manPage(), std::regex("\n@[A-Z]+ ")));
 }
 
 void expectNoWarnings(const std::string& page) {
@@ -185,6 +289,13 @@ TEST(ManPageOfTheWindow, HasTheTablesOfTheGuide) {
         for (const auto& cells : rows)
             EXPECT_NE(page.find("\n.TP\n.B \"" + cells.at(0) + "\"\n"), std::string::npos) << cells.at(0);
     }
+}
+
+TEST(ManPageOfTheWindow, HasWhatTheGuideSays) {
+    const std::string source = TALLYQUILL_SOURCES "/docs/tallyquill-window.1.in";
+    EXPECT_GT(sectionsIn(source).size(), 3U);
+    expectSections(manPage(TALLYQUILL_WINDOW_MAN_PAGE), sectionsIn(source));
+    expectNothingOfTheGuide(source);
 }
 
 TEST(ManPageOfTheWindow, IsFormattedWithoutWarnings) {
