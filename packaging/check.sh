@@ -29,6 +29,9 @@ step "lintian"
 # Nobody has asked Debian for them in its list of bugs.
 lintian --allow-root --fail-on error --suppress-tags initial-upload-closes-no-bugs "$folder"/*.changes
 
+step "what they depend on"
+"$here/check_linked.sh" "$folder"
+
 step "packages of an earlier version"
 "$here/package.sh" "$folder/before" 0.9.0 >/dev/null
 
