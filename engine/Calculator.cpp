@@ -91,6 +91,7 @@ void ZqCalculator::InitializeFunctionsAndVars() {
 
 int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
     const int32_t statusBefore = status;
+    const char roundingBefore = subflg;
     fullEntry = !quick;
     interrupted = false;
     spending.budget.Begin(quick ? WorkLimit::PREVIEW : WorkLimit::NONE);
@@ -106,7 +107,10 @@ int ZqCalculator::ProcessEntry(std::string_view line, bool quick) {
     spending.budget.Begin();
     if (fullEntry) lastValue = nullptr;
     const int32_t answered = status;
-    if (quick) status = statusBefore; // an empty line asks what the last entry answered
+    if (quick) {
+        status = statusBefore; // an empty line asks what the last entry answered
+        subflg = roundingBefore;
+    }
     return answered;
 }
 
@@ -125,6 +129,7 @@ void ZqCalculator::BeginEntry() {
 // An interrupted entry changes nothing.
 void ZqCalculator::RunOrTakeBack(std::string_view entry) {
     undo.Begin();
+    undo.Keep(subflg);
     undo.Keep(target);
     undo.Keep(lastName); // of a variable, which comes back as the same term
     funcs.RecordIn(&undo);

@@ -258,3 +258,8 @@ void qfrexp(const qfloat x, int64_t* e, qfloat y);
 void setshiftcount(int32_t n);
 
 #pragma GCC visibility pop
+
+// 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be
+// added up, 1 after qsub and 0 after qadd. qlogic's rounding reads it. The elementary and circular functions
+// do not add numbers up and leave it alone. The shared library does not show it to programs.
+extern char subflg;

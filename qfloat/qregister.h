@@ -19,12 +19,6 @@ constexpr uint32_t NEGATIVE_SIGN = 0xFFFFFFFF;
 extern uint32_t ac1[REGISTER_WORDS], ac2[REGISTER_WORDS], ac3[REGISTER_WORDS], ac4[REGISTER_WORDS];
 extern int32_t SC; // shift count: left by normlz for its callers, consumed by shift
 
-// 1 after a difference of magnitudes, 0 after a sum; where the operands were equal or too far apart to be
-// added
-// up, 1 after qsub and 0 after qadd. qlogic's rounding reads it. The elementary and circular functions do
-// not add numbers up and leave it alone.
-extern char subflg;
-
 void shdn1(uint32_t* r); // shift right by 1, 8, 16 bits
 void shdn8(uint32_t* r);
 void shdn16(uint32_t* r);

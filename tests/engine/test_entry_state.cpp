@@ -294,4 +294,21 @@ TEST_F(EntryState, IsThatBeforeAPreview) {
     EXPECT_EQ(after, State());
 }
 
+// By which the last bit of a logical operation on fractions is rounded.
+TEST_F(EntryState, KeepsTheFlagOfTheLastDifference) {
+    Start();
+    subflg = 0;
+    calc->ProcessEntry("3-2", true);
+    EXPECT_EQ(subflg, 0) << "a preview";
+    calc->interruptCheck = countQuestions;
+    questions = 0;
+    stopAt = 2; // in front of the second statement
+    calc->ProcessEntry("3-2; 1", false);
+    EXPECT_TRUE(calc->interrupted);
+    EXPECT_EQ(subflg, 0) << "an interrupted entry";
+    calc->interruptCheck = nullptr;
+    calc->ProcessEntry("3-2", false);
+    EXPECT_EQ(subflg, 1) << "an entry";
+}
+
 } // namespace

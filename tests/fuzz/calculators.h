@@ -84,6 +84,7 @@ inline std::unique_ptr<ZqCalculator> newCalculator() {
     units_clear_exception();
     functions = funcs.Version();
     merror = 0;
+    subflg = 0;
     static_cast<EntrySettings&>(*calc) = standardSettings();
     calc->traced = false;
     calc->interruptCheck = Patience::IsOver;
