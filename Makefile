@@ -81,6 +81,8 @@ fuzz-fast: deps ## run them without sanitizers, which is several times as fast
 FAULTS_KILLS ?= 1000
 FAULTS_OTHERS ?= 20
 SOAK_ENTRIES ?= 1000000
+# The window: seconds of previews and of use, entries, kills, runs short of memory.
+WINDOW_FAULTS ?= previews=3600 use=3600 entries=100000 kills=200 memory=40
 
 faults: deps ## kill the program at random moments, take its files away, have it in other places, and a long session
 	$(call configure_tests,release) </dev/null
@@ -88,6 +90,8 @@ faults: deps ## kill the program at random moments, take its files away, have it
 	tests/faults/faults.py build/release/bin/tallyquill --kills $(FAULTS_KILLS) --others $(FAULTS_OTHERS)
 	tests/faults/places.py build/release/bin
 	nice tests/faults/soak.py build/release/bin/tallyquill $(SOAK_ENTRIES)
+	tests/app/with_display.sh --wm --limit 90000 env TALLYQUILL_APP=$(CURDIR)/build/release/bin/Tallyquill.app/Tallyquill \
+	    tests/faults/window.py $(WINDOW_FAULTS)
 
 mutants: deps ## change one operator or constant at a time: do the tests notice? (MUTANTS=200, SEED=)
 	scripts/mutants.py --jobs $(JOBS) --count $(MUTANTS) $(if $(SEED),--seed $(SEED))

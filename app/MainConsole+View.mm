@@ -11,6 +11,11 @@
 
 static NSString* const PROMPT = @"> ";
 
+// Characters of the transcript: so that the memory of a day's scripts has an end, what is more is shortened
+// to the second number. A script that is saved has the older entries, too.
+static const NSUInteger MOST_TEXT = 500000;
+static const NSUInteger KEPT_TEXT = 400000;
+
 @implementation MainConsole (View)
 
 - (NSRange)entryRange {
@@ -70,7 +75,21 @@ static NSString* const PROMPT = @"> ";
     [[self textStorage] replaceCharactersInRange:end withAttributedString:text];
     [self didChangeText];
     [self forgetUndo];
+    [self shortenTranscript];
     [self gotoEnd];
+}
+
+// The new first line is an entry, or at least a whole line.
+- (void)shortenTranscript {
+    NSString* const text = [self string];
+    if ([text length] <= MOST_TEXT) return;
+    const NSRange kept = NSMakeRange([text length] - KEPT_TEXT, KEPT_TEXT);
+    NSRange end = [text rangeOfString:[@"\n" stringByAppendingString:PROMPT] options:0 range:kept];
+    if (end.location == NSNotFound) end = [text rangeOfString:@"\n" options:0 range:kept];
+    if (end.location == NSNotFound) return;
+    const NSUInteger surplus = end.location + 1;
+    [[self textStorage] deleteCharactersInRange:NSMakeRange(0, surplus)];
+    g_linestart = std::max(g_linestart - static_cast<int32_t>(surplus), 0);
 }
 
 - (void)append:(NSString*)text as:(TextKind)kind {

@@ -6,6 +6,7 @@
 #include "units.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string_view>
 #include <unordered_map>
 
@@ -59,6 +60,16 @@ std::string nameOf(Kind kind, std::string_view name) {
     return kind == Kind::Function ? text + lowerCased(withoutBlanks(name)) : text.append(name);
 }
 
+// Of the number that a unit begins with, read as the unit library does: strtod, but for the words inf and
+// nan. The e of 1.5e-3 is no name.
+size_t lengthOfNumber(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t+-");
+    if (first == std::string::npos || isLetter(text[first])) return 0;
+    char* end = nullptr;
+    std::strtod(text.c_str(), &end);
+    return static_cast<size_t>(end - text.c_str());
+}
+
 class Uses {
 public:
     explicit Uses(const std::vector<DefinitionRecord>& all) : records(all) {}
@@ -69,7 +80,8 @@ public:
         if (record.statement.size() >= TEXT_SIZE) return {};
         const std::string_view text = record.body;
         const std::string parameters = "," + withoutBlanks(record.parameters) + ",";
-        for (size_t i = 0; i < text.size();) {
+        size_t i = record.kind == Kind::Unit ? lengthOfNumber(std::string(text)) : 0;
+        while (i < text.size()) {
             const size_t start = i;
             while (i < text.size() && (isOfName(text[i]) || text[i] == '.')) i++;
             const std::string_view word = text.substr(start, i - start);

@@ -219,4 +219,37 @@ TEST_F(Prompt, TheStatusLineLeavesOutALineFeedAtTheEnd) {
     EXPECT_EQ("", StatusLine());
 }
 
+// 500,000 characters, of which 400,000 are kept: the memory of long scripts has an end.
+TEST_F(Prompt, AVeryLongTranscriptLosesItsOldestEntries) {
+    Enter("first=1");
+    const std::string answer(1000, '7');
+    while (Length() < 499500) {
+        NSString* const entry = [@"7" stringByPaddingToLength:90 withString:@"7" startingAtIndex:0];
+        [console replacePrompt:[entry UTF8String]];
+        [console insertWithNewPrompt:answer.c_str()];
+    }
+    ASSERT_LE(Length(), 500000U);
+    EXPECT_EQ(0U, Text().find("> first=1\n"));
+    Enter(("2+3*4 # " + answer).c_str());
+    EXPECT_LE(Length(), 400000U);
+    EXPECT_GE(Length(), 398000U);
+    EXPECT_EQ(0U, Text().find("> 777")) << "the first line is an entry";
+    EXPECT_EQ(static_cast<int32_t>(Length()), g_linestart);
+    EXPECT_EQ(Length(), Cursor());
+    const std::string end = "ans = 14\n\n> ";
+    EXPECT_EQ(Text().size() - end.size(), Text().rfind(end));
+    Enter("first+1");
+    const std::string next = "> first+1\nans = 2\n\n> ";
+    EXPECT_EQ(Text().size() - next.size(), Text().rfind(next));
+    EXPECT_NE(std::string::npos, std::string([[console scriptText] UTF8String]).find("\nfirst=1\n2+3*4"));
+}
+
+TEST_F(Prompt, ALineWithoutAnEndStays) {
+    Enter("echo 1");
+    const std::string before = Text();
+    [console insertWithoutPrompt:std::string(600000, 'x').c_str()];
+    EXPECT_EQ(before.size() + 600000, Length());
+    EXPECT_EQ(static_cast<int32_t>(before.size()), g_linestart);
+}
+
 } // namespace

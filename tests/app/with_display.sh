@@ -9,6 +9,8 @@
 # --limit   the command is ended after this time (100 seconds)
 # --screen  its size in pixels (1280x800)
 #
+# The language is C unless TALLYQUILL_TEST_LANGUAGE says another one, as tests/faults/places.py does.
+#
 # The command has an empty home folder, empty user defaults and a pasteboard server of its own, and reads no
 # input. The exit status is the command's; 124 when the time was up, 125 when the display could not be had.
 # On macOS, which has a display anyway, only the home folder is new.
@@ -124,7 +126,9 @@ export HOME="$dir/home" XDG_DATA_HOME="$dir/home/data" LANG=C
 # The sockets of GNUstep's daemons lie in the folder for temporary files: with one of our own they are not
 # shared.
 export TMPDIR="$dir/tmp" TMP="$dir/tmp" TEMP="$dir/tmp" XDG_RUNTIME_DIR="$dir/run"
-unset LC_ALL LC_NUMERIC LC_CTYPE XDG_CONFIG_HOME XDG_CACHE_HOME XDG_STATE_HOME WAYLAND_DISPLAY
+unset LC_ALL LC_NUMERIC LC_CTYPE
+[ -z "${TALLYQUILL_TEST_LANGUAGE:-}" ] || export LC_ALL="$TALLYQUILL_TEST_LANGUAGE"
+unset XDG_CONFIG_HOME XDG_CACHE_HOME XDG_STATE_HOME WAYLAND_DISPLAY
 unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER XAUTHORITY
 
 if [ "$(uname -s)" != Darwin ]; then

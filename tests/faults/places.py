@@ -2,16 +2,19 @@
 # SPDX-License-Identifier: MIT
 """Runs the suites of tests in other languages and places: whatever LC_ALL, TZ, HOME and the XDG folders are.
 
-    places.py FOLDER [--few]      the folder of the built suites; --few: the quick tests alone
+    places.py FOLDER [--few] [SUITE ...]      the folder of the built suites; --few: the quick tests alone
 """
 import argparse
+import glob
 import os
 import subprocess
 import sys
 import tempfile
 import time
 
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SUITES = ["qfloat_tests", "units_tests", "engine_tests", "store_tests", "web_tests", "terminal_tests"]
+WINDOW = "app_tests"
 QUICK = {
     "units_tests": "UnitChanges*",
     "engine_tests": "Scanner*:Commands*:Definitions*:Completion*:History*:SettingsTable*",
@@ -39,30 +42,52 @@ def make_locales(folder):
             sys.exit(f"places: the locale {name} cannot be made: the package locales is missing")
 
 
+def run_suite(command, variables, folder):
+    """How many tests ran, how many of them failed, and what was written when one did."""
+    run = subprocess.run(command, env=variables, cwd=folder, stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                         errors="replace")
+    lines = run.stdout.split("\n")
+    ran = int(next((l.split()[1] for l in lines if l.startswith("[==========] ")), "0"))
+    wrong = sum(l.startswith("[  FAILED  ]") for l in lines)
+    failed = run.returncode != 0 or ran == 0
+    return ran, max(wrong, failed), run.stdout[-4000:] + run.stderr[-1000:] if failed else ""
+
+
+def run_window(program, variables, folder):
+    """The same for the window's tests, each file on a display of its own; HOME and the XDG folders are the display's."""
+    language = {"TALLYQUILL_TEST_LANGUAGE": variables.get("LC_ALL", "")}
+    ran, wrong, written = 0, 0, ""
+    for file in sorted(glob.glob(f"{ROOT}/tests/app/test_*.mm") + glob.glob(f"{ROOT}/tests/app/gnustep/test_*.mm")):
+        command = [f"{ROOT}/tests/app/with_display.sh", program, "--gtest_brief=1", "--file", os.path.basename(file)]
+        result = run_suite(command, {**variables, **language}, folder)
+        ran, wrong, written = ran + result[0], wrong + result[1], written + result[2]
+    return ran, wrong, written
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("folder")
     parser.add_argument("--few", action="store_true")
+    parser.add_argument("suites", nargs="*")
     options = parser.parse_args()
     print("| Suite | Where | Tests | Seconds | Failed |\n|---|---|---:|---:|---:|")
     failed = 0
     with tempfile.TemporaryDirectory() as locales:
         make_locales(locales)
-        for suite in QUICK if options.few else SUITES:
+        for suite in options.suites or (QUICK if options.few else [*SUITES, WINDOW]):
             for title, changes in PLACES:
                 variables = {**os.environ, "LOCPATH": locales, **changes}
                 variables = {name: value for name, value in variables.items() if value is not None}
                 arguments = ["--gtest_filter=" + QUICK[suite]] if options.few else []
                 start = time.monotonic()
-                run = subprocess.run([os.path.abspath(f"{options.folder}/{suite}"), "--gtest_brief=1", *arguments],
-                                     env=variables, cwd=locales, stdin=subprocess.DEVNULL, capture_output=True,
-                                     text=True, errors="replace")
-                ran = next((l.split()[1] for l in run.stdout.split("\n") if l.startswith("[==========] ")), "0")
-                wrong = [l for l in run.stdout.split("\n") if l.startswith("[  FAILED  ]")]
-                failed += run.returncode != 0 or ran == "0"
-                print(f"| {suite} | {title} | {ran} | {time.monotonic() - start:.1f} | {len(wrong)} |", flush=True)
-                if run.returncode != 0:
-                    print(run.stdout[-4000:] + run.stderr[-1000:], file=sys.stderr)
+                program = os.path.abspath(f"{options.folder}/{suite}")
+                if suite == WINDOW:
+                    ran, wrong, written = run_window(program, variables, locales)
+                else:
+                    ran, wrong, written = run_suite([program, "--gtest_brief=1", *arguments], variables, locales)
+                failed += wrong
+                print(f"| {suite} | {title} | {ran} | {time.monotonic() - start:.1f} | {wrong} |", flush=True)
+                print(written, file=sys.stderr, end="", flush=True)
     return 1 if failed else 0
 
 

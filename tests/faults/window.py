@@ -7,7 +7,7 @@
 
 previews  types and takes back, ten keys a second: the memory grows by less than 5 MB
 use       types entries, five keys a second, and looks at lists, the history and the search: by at most 10 MB
-entries   so many entries from scripts: behind the first tenth memory grows by at most 2 MB
+entries   so many entries from scripts: once the transcript is as long as it gets, memory grows by at most 2 MB
 kills     ends the program so many times while definitions are typed: the definitions file is whole each time, and
           has what was answered two seconds before
 memory    so many times, no more than 3 MB more are to be had: the same file, and a message when the program ends
@@ -18,6 +18,7 @@ import collections
 import os
 import random
 import resource
+import shutil
 import signal
 import sys
 import tempfile
@@ -28,10 +29,11 @@ sys.path.insert(0, os.path.join(HERE, "..", "app", "end_to_end"))
 
 from calculator_window import FUNCTIONS_FILE, CalculatorWindow, run, wait_until  # noqa: E402
 from faults import KEPT_AFTER, Person  # noqa: E402
-from measures import answer_first_questions, megabytes, settle, write_script  # noqa: E402
+from measures import answer_first_questions, megabytes, settle, used, write_script  # noqa: E402
 from soak import ENTRIES  # noqa: E402
 
 SEED = 20240229
+LONGEST_TRANSCRIPT = 30_000  # entries, amply
 PREVIEWED = ["sin({n})+sqrt({m})*1.25", "{n} km->mi", "0x{m}F & 0b1010", "f{m}(x)=x^{m}+{n}", "{n}/7*(3+{m}", "pi^{m}"]
 
 
@@ -99,28 +101,51 @@ def entries(count):
     answer_first_questions(folder)
     window = CalculatorWindow(folder)
     tenth = count // 10
-    figures = []
+    figures = {}
     for start in range(0, count, tenth):
         lines = [ENTRIES[i % len(ENTRIES)].format(n=i, m=i % 90) for i in range(start, start + tenth)]
         window.start_again(write_script(folder, "entries.script", [*lines, f"behind={start}"]))
-        wait_until("the last entry", lambda start=start: window.text().endswith(f"behind = {start}\n\n> "), 3600)
+        wait_until("the last entry", lambda start=start: f"behind={start}" in window.functions_file(), 3600)
         settle(window)
-        figures.append(megabytes(window))
-        print(f"{start + tenth:>9} entries: {figures[-1]:.1f} MB", flush=True)
+        figures[start + tenth] = megabytes(window)
+        print(f"{start + tenth:>9} entries: {megabytes(window):.1f} MB", flush=True)
     window.quit()
-    grown = figures[-1] - figures[0]
-    print(f"grown by {grown:+.1f} MB behind the first tenth", flush=True)
+    grown = max(figures.values()) - next(memory for done, memory in figures.items() if done >= LONGEST_TRANSCRIPT)
+    print(f"grown by {grown:+.1f} MB behind {LONGEST_TRANSCRIPT} entries", flush=True)
     return grown <= 2
 
 
 class WindowsPerson(Person):
-    """Whose files are where CalculatorWindow has them."""
+    """Whose files are where CalculatorWindow has them. `settings`: a folder in which the first questions are answered."""
 
-    def __init__(self):
+    def __init__(self, settings):
         super().__init__()
         self.folder = self.home + "/Tallyquill"
         self.file = f"{self.folder}/{FUNCTIONS_FILE}"
-        os.mkdir(self.folder)
+        shutil.copytree(settings + "/Tallyquill", self.folder)
+
+
+def repeat(count, run):
+    """Does run(person, dice) so many times, each for a new person; how many files were torn or lacked a definition."""
+    print(f"seed {SEED}", flush=True)
+    settings = tempfile.mkdtemp()
+    answer_first_questions(settings)
+    failures = 0
+    for i in range(count):
+        person = WindowsPerson(settings)
+        run(person, random.Random(f"{SEED} {i}"))
+        torn, lost = person.faults()
+        if torn or lost:
+            failures += 1
+            print(f"run {i}: {torn or 'whole'}; lost: {lost}", flush=True)
+        person.remove()
+    return failures
+
+
+def is_waiting(window):
+    """Whether the program waits for events: it does not wait for the processor then."""
+    with open(f"/proc/{window.process.pid}/stat", encoding="ascii") as file:
+        return file.read().rsplit(")", 1)[1].split()[0] == "S"
 
 
 def kill_once(person, dice):
@@ -130,7 +155,9 @@ def kill_once(person, dice):
     end = time.monotonic() + dice.uniform(0.9, 3.5)
     while time.monotonic() < end:
         line = f"v{len(typed)}={dice.randrange(1000)}"
+        before = used(window)
         window.enter(line)
+        wait_until("the answer", lambda before=before: used(window) > before and is_waiting(window))
         typed.append((line, time.monotonic()))
     time.sleep(dice.uniform(0, 0.05))
     window.process.send_signal(signal.SIGKILL)
@@ -141,20 +168,14 @@ def kill_once(person, dice):
 
 
 def kills(count):
-    print(f"seed {SEED}", flush=True)
-    failures, due = 0, 0
-    first = WindowsPerson()
-    answer_first_questions(first.home)
-    for i in range(count):
-        if os.path.exists(first.file):
-            os.remove(first.file)
-        due += kill_once(first, random.Random(f"{SEED} {i}"))
-        torn, lost = first.faults()
-        if torn or lost:
-            failures += 1
-            print(f"run {i}: {torn or 'whole'}; lost: {lost}", flush=True)
+    due = 0
+
+    def run_once(person, dice):
+        nonlocal due
+        due += kill_once(person, dice)
+
+    failures = repeat(count, run_once)
     print(f"{count} kills, {due} definitions due, {failures} files torn or without one of them", flush=True)
-    first.remove()
     return failures == 0
 
 
@@ -185,22 +206,15 @@ def lose_memory_once(person, dice):
 
 
 def memory(count):
-    print(f"seed {SEED}", flush=True)
-    person = WindowsPerson()
-    answer_first_questions(person.home)
-    failures, ends = 0, collections.Counter()
-    for i in range(count):
-        if os.path.exists(person.file):
-            os.remove(person.file)
-        ends[lose_memory_once(person, random.Random(f"{SEED} {i}"))] += 1
-        torn, lost = person.faults()
-        failures += 1 if torn or lost else 0
-        if torn or lost:
-            print(f"run {i}: {torn or 'whole'}; lost: {lost}", flush=True)
+    ends = collections.Counter()
+
+    def run_once(person, dice):
+        ends[lose_memory_once(person, dice)] += 1
+
+    failures = repeat(count, run_once)
     for remark, times in ends.most_common():
         print(f"{times:>5} {remark or 'went on'}", flush=True)
     print(f"{count} runs short of memory, {failures} files torn or without a definition", flush=True)
-    person.remove()
     return failures == 0
 
 

@@ -88,6 +88,8 @@ TEST(DefinitionRecords, WhatIsUsedIsReadFirst) {
     EXPECT_EQ("u f b a ", orderOf("a=b+1\nb=2\nf(x)=x\nunit u=2 m\nmode deg\n"));
     EXPECT_EQ("g f ", orderOf("g(x)=f(x)\nf(x)=x\n")); // functions need not
     EXPECT_EQ("f g rate a ", orderOf("f(x)=g(x)\na=f [1]\ng(x)=x*rate\nrate=2\n"));
+    EXPECT_EQ("e qqa ", orderOf("unit qqa=1.5e-3 e\nunit e=2 m\n"));
+    EXPECT_EQ("e qqa ", orderOf("unit qqa=1.5 e\nunit e=2 m\n"));
     EXPECT_EQ("qqc qqb qqa ", orderOf("unit qqa=2 qqbs/s\nunit qqb=5kiloqqc^2\nunit qqc=3 m\n"));
 }
 
@@ -95,6 +97,7 @@ TEST(DefinitionRecords, WhatOnlyLooksLikeAUseIsNone) {
     EXPECT_EQ("f a x ", orderOf("a=f(1)\nx=a+1\nf(x)=x*2\n")); // x is a parameter in f
     EXPECT_EQ("a k ", orderOf("a=5k\nk=2*a\n"));               // 5000
     EXPECT_EQ("a e ", orderOf("a=1e5\ne=2*a\n"));
+    EXPECT_EQ("qqa e qqb qqc ", orderOf("unit qqa=1.5e-3 m\nunit e=2 m\nunit qqb=1e5\nunit qqc=-.5E+2 m\n"));
     EXPECT_EQ("f a b ", orderOf("a=f(1)\nb=a\nf(x)=b(x)\n")); // b() is a function
     EXPECT_EQ("r er ", orderOf("unit er=2 r\nunit r=5 meter\n"));
     EXPECT_EQ("r er ", orderOf("unit r=5 meter\nunit er=2 r\n")); // no "met" in front of er
