@@ -8,6 +8,7 @@
 #include "program.h"
 #include "temporary_folder.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <regex>
@@ -195,7 +196,8 @@ void expectTable(const std::string& page, const std::string& text, const std::st
     for (const std::vector<std::string>& cells : tableRows(table)) {
         EXPECT_NE(page.find("\n.TP\n.B \"" + cells.at(0) + "\"\n"), std::string::npos) << cells[0];
         for (size_t i = 1; i < cells.size(); ++i)
-            EXPECT_NE(text.find(inOneLine(cells[i].substr(cells[i].empty() ? 0 : 1))), std::string::npos) << cells[i];
+            EXPECT_NE(text.find(inOneLine(cells[i].substr(cells[i].empty() ? 0 : 1))), std::string::npos)
+                << cells[i];
     }
 }
 
@@ -327,6 +329,12 @@ std::string completion(const std::string& name) {
     return std::string(TALLYQUILL_COMPLETIONS) + "/" + name;
 }
 
+// As one word of a shell's.
+std::string quoted(std::string text) {
+    replaceAll(text, "'", "'\\''");
+    return "'" + text + "'";
+}
+
 // What bash proposes for a command line of these words.
 std::string bashProposes(const std::string& words) {
     return shellShows("/",
@@ -381,6 +389,32 @@ TEST(Completions, WorkInFish) {
                              "; complete -C\"tallyquill ";
     EXPECT_EQ(shellShows("/", fish + "--fi\"' | cut -f1"), "--figures\n--file\n");
     EXPECT_EQ(shellShows("/", fish + "--base \"' | cut -f1"), "bin\ndec\nhex\n");
+}
+
+// What zsh makes of these words when Tab is pressed behind them, without the signs that move its cursor.
+std::string zshCompletes(const std::string& words) {
+    const std::string script = "zmodload zsh/zpty; zpty z zsh -f -i; zpty -w z \"PS1=; stty -echo; fpath=(" +
+                               std::string(TALLYQUILL_COMPLETIONS) +
+                               " \\$fpath); autoload -U compinit; compinit -D -u; echo rea''dy\"; "
+                               "zpty -r -m z out '*ready*'; zpty -w -n z $'" +
+                               words + "\\tEND'; zpty -r -m z out '*END*'; print -r -- $out; zpty -d z";
+    const std::string shown = shellShows("/", "TERM=dumb timeout 30 zsh -f -c " + quoted(script));
+    std::string line;
+    for (const char c : shown.substr(std::min(shown.rfind("tallyquill"), shown.size()))) {
+        if (c == '\b' && !line.empty())
+            line.pop_back();
+        else
+            line += c;
+    }
+    return line.substr(0, line.find("END"));
+}
+
+TEST(Completions, WorkInZsh) {
+    EXPECT_EQ(zshCompletes("tallyquill --qui"), "tallyquill --quiet ");
+    EXPECT_EQ(zshCompletes("tallyquill --fig"), "tallyquill --figures=");
+    EXPECT_EQ(zshCompletes("tallyquill --base=h"), "tallyquill --base=hex ");
+    EXPECT_EQ(zshCompletes("tallyquill -f /etc/hostn"), "tallyquill -f /etc/hostname ");
+    EXPECT_EQ(zshCompletes("tallyquill 1+1 --with=money,ti"), "tallyquill 1+1 --with=money,time,");
 }
 
 TEST(Completions, AreReadByZsh) {
