@@ -12,8 +12,11 @@ def used(window):
     tasks = f"/proc/{window.process.pid}/task"
     total = 0
     for task in os.listdir(tasks):
-        with open(f"{tasks}/{task}/schedstat", encoding="ascii") as file:
-            total += int(file.read().split()[0])
+        try:
+            with open(f"{tasks}/{task}/schedstat", encoding="ascii") as file:
+                total += int(file.read().split()[0])
+        except FileNotFoundError:
+            pass  # it has ended meanwhile
     return total / 1e9
 
 
