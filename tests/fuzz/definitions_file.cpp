@@ -32,10 +32,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string savedAgain = definitionsText(*started(saved, again));
     // A pi beyond the range is left out, and the next start has pi; it is the same with the last answer.
     const auto has = [&](const char* line) { return saved.find(line) < saved.find("\n### HISTORY"); };
-    // Entries of the history may differ in control characters alone, which no front end lets through.
+    // Entries of the history may differ in control characters alone, which no front end lets through. One
+    // that is cut at ";;" may leave empty and equal ones, which the next start leaves out.
     const bool isTyped =
         std::none_of(mine.begin(), mine.end(), [](char c) { return isControl(c) && c != '\n' && c != '\r'; });
-    const size_t compared = isTyped ? std::string::npos : saved.find("\n### HISTORY");
+    const bool isWhole = isTyped && mine.find(";;") == std::string::npos;
+    const size_t compared = isWhole ? std::string::npos : saved.find("\n### HISTORY");
     if (has("\npi=") && has("\nans="))
         requireSame(saved.substr(0, compared), savedAgain.substr(0, compared),
                     "saved, loaded and saved again it is the same file");
