@@ -127,7 +127,8 @@ export HOME="$dir/home" XDG_DATA_HOME="$dir/home/data" LANG=C
 # shared.
 export TMPDIR="$dir/tmp" TMP="$dir/tmp" TEMP="$dir/tmp" XDG_RUNTIME_DIR="$dir/run"
 unset LC_ALL LC_NUMERIC LC_CTYPE
-[ -z "${TALLYQUILL_TEST_LANGUAGE:-}" ] || export LC_ALL="$TALLYQUILL_TEST_LANGUAGE"
+# The first start takes the decimal mark from the language, and the tests expect a point.
+[ -z "${TALLYQUILL_TEST_LANGUAGE:-}" ] || export LANG="$TALLYQUILL_TEST_LANGUAGE" LC_NUMERIC=C
 unset XDG_CONFIG_HOME XDG_CACHE_HOME XDG_STATE_HOME WAYLAND_DISPLAY
 unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER XAUTHORITY
 
