@@ -26,72 +26,67 @@ struct Claim {
     const char* input = "";
 };
 
-const std::vector<Claim>& claims() {
-    static const std::vector<Claim> all = {
-        {"`2 3` is 23", {"-q", "2 3"}, "23\n"},
-        {"(`sigfigs 50` shows more)",
-         {"-q", "sigfigs 50; 1/3"},
-         "0.33333333333333333333333333333333333333333333333333\n"},
-        {"`2^3^2` is (2^3)^2, which is 64", {"-q", "2^3^2", "(2^3)^2"}, "64\n64\n"},
-        {"Many other calculators say 512; for that, write `2^(3^2)`", {"-q", "2^(3^2)"}, "512\n"},
-        {"`2+-3` has no answer; write `2+(-3)` or `2-3`", {"2+-3"}, nullptr},
-        {"write `2+(-3)` or `2-3`", {"-q", "2+(-3)", "2-3"}, "-1\n-1\n"},
-        {"Write `2+(-3)`", {"-q", "2+(-3)"}, "-1\n"},
-        {"`2*-3` and `2^-1` work", {"-q", "2*-3", "2^-1"}, "-6\n0.5\n"},
-        {"type `x=1`, `x=x*2`", {"-q", "x=1", "x=x*2", "x"}, "1\n2\n2\n"},
-        {"with `f(m)=5 km->m` the call fails", {"-q", "f(m)=5 km->m; f(1)"}, nullptr},
-        {"`g()=5`, can be defined and listed", {"g()=5", "list"}, "g()=5\nmod(x,d)=x%d\ng()=5\n"},
-        {"but not called", {"g()=5; g()"}, nullptr},
-        {"write `(10 km/hr->m/s)-3`", {"-q", "(10 km/hr->m/s)-3"}, "-0.2222222222\n"},
-        {"`(5 km->mi)+(3 m->ft)` is an error", {"(5 km->mi)+(3 m->ft)"}, nullptr},
-        {"`kg/m*s^2` is kg/(m s^2)", {"-q", "1 kg/m*s^2->Pa"}, "1\n"},
-        {"(`20 kilometers->miles`)", {"-q", "20 kilometers->miles"}, "12.42742384\n"},
-        {"written as `0xFF` (hexadecimal), `0b1010` (binary) or `0o17` (octal)",
-         {"-q", "0xFF", "0b1010", "0o17"},
-         "255\n10\n15\n"},
-        {"`scimode auto; sigfigs 10` is how it was before",
-         {"-q", "scimode auto; sigfigs 10; 2^0.5"},
-         "1.414213562\n"},
-        {"1 h 45 min is `1+45/60`", {"-q", "1+45/60"}, "1.75\n"},
-        {"a power is `2^3`", {"-q", "2^3"}, "8\n"},
-        {"12 percent are `12/100`", {"-q", "12/100"}, "0.12\n"},
-        {"Write `3*(4)`", {"-q", "3*(4)"}, "12\n"},
-        {"Write `2*pi` for `2pi`", {"-q", "2*pi"}, "6.283185307\n"},
-        {"for `2pi`", {"2pi"}, nullptr},
-        {"and `1000` or `1,000`", {"-q", "1000", "1,000"}, "1000\n1000\n"},
-        {"for `1.000,0`", {"1.000,0"}, nullptr},
-        {"hexadecimal digits are `0` to `9`", {"-q", "0x1239"}, "4665\n"},
-        {"binary digits are `0` and `1`", {"-q", "0b10"}, "2\n"},
-        {"octal digits are `0` to `7`", {"-q", "0o70"}, "56\n"},
-        {"for a product write `x*(2)`", {"-q", "x=3", "x*(2)"}, "3\n6\n"},
-        {"To compare, write `f(1)==2`", {"-q", "f(x)=x+1", "f(1)==2"}, "1\n"},
-        {"write `unit smoot = 1.7018 meter`", {"-q", "unit smoot = 1.7018 meter", "1 smoot->m"}, "1.7018\n"},
-        {"write `km/s^2`", {"-q", "5 km/s^2->m/s^2"}, "5000\n"},
-        {"Write `(5 km->m)+3`", {"-q", "(5 km->m)+3"}, "5003\n"},
-        {"they are `x1`, `x2` and so on", {"-q", "--each", "x1-x2"}, "4\n", "7 3\n"},
-        {"`1,234.50`, `1'234.50`, `1.5e3`, and negative as `-12`, `12-` or `(12.00)`",
-         {"-q", "--each", "x"},
-         "1234.5\n1234.5\n1500\n-12\n-12\n-12\n",
-         "1,234.50\n1'234.50\n1.5e3\n-12\n12-\n(12.00)\n"},
-        {"with `--comma`, `1.234,50`", {"-q", "--comma", "--each", "x"}, "1234,5\n", "1.234,50\n"},
-        {"A sign directly behind `+` or `-` is an error", {"2--3"}, nullptr},
-        {"`scimode finance` is `scimode fixed`",
-         {"-q", "scimode finance; 12.3", "scimode fixed; 12.3"},
-         "12.3000000000\n12.3000000000\n"},
-        {"After `del sinc` you can define it",
-         {"-q", "del sinc; sinc(x)=sin(x)/x", "sinc(90)"},
-         "0.01111111111\n"},
-        {"`mW` is a thousandth of a watt, `MW` a million", {"-q", "1 mW->W", "1 MW->W"}, "0.001\n1000000\n"},
-        {"a new base unit is `unit bit = -primitive`",
-         {"-q", "unit bit = -primitive", "8 kbit->bit"},
-         "8000\n"},
-        {"`C` and `F` are coulomb and farad", {"-q", "1 C->coulomb", "1 F->farad"}, "1\n1\n"},
-        {"`rem` is another word for `del`", {"x=1; rem x"}, "** deleted x **\n"},
-        {"Capitals do not count in the names of functions", {"-q", "SQRT(16)"}, "4\n"},
-        {"so is the difference of two numbers that agree to 103 digits", {"-q", "(1+1e-104)-1"}, "0\n"},
-    };
-    return all;
-}
+const std::vector<Claim> CLAIMS = {
+    {"`2 3` is 23", {"-q", "2 3"}, "23\n"},
+    {"(`sigfigs 50` shows more)",
+     {"-q", "sigfigs 50; 1/3"},
+     "0.33333333333333333333333333333333333333333333333333\n"},
+    {"`2^3^2` is (2^3)^2, which is 64", {"-q", "2^3^2", "(2^3)^2"}, "64\n64\n"},
+    {"Many other calculators say 512; for that, write `2^(3^2)`", {"-q", "2^(3^2)"}, "512\n"},
+    {"`2+-3` has no answer; write `2+(-3)` or `2-3`", {"2+-3"}, nullptr},
+    {"write `2+(-3)` or `2-3`", {"-q", "2+(-3)", "2-3"}, "-1\n-1\n"},
+    {"Write `2+(-3)`", {"-q", "2+(-3)"}, "-1\n"},
+    {"`2*-3` and `2^-1` work", {"-q", "2*-3", "2^-1"}, "-6\n0.5\n"},
+    {"type `x=1`, `x=x*2`", {"-q", "x=1", "x=x*2", "x"}, "1\n2\n2\n"},
+    {"with `f(m)=5 km->m` the call fails", {"-q", "f(m)=5 km->m; f(1)"}, nullptr},
+    {"`g()=5`, can be defined and listed", {"g()=5", "list"}, "g()=5\nmod(x,d)=x%d\ng()=5\n"},
+    {"but not called", {"g()=5; g()"}, nullptr},
+    {"write `(10 km/hr->m/s)-3`", {"-q", "(10 km/hr->m/s)-3"}, "-0.2222222222\n"},
+    {"`(5 km->mi)+(3 m->ft)` is an error", {"(5 km->mi)+(3 m->ft)"}, nullptr},
+    {"`kg/m*s^2` is kg/(m s^2)", {"-q", "1 kg/m*s^2->Pa"}, "1\n"},
+    {"(`20 kilometers->miles`)", {"-q", "20 kilometers->miles"}, "12.42742384\n"},
+    {"written as `0xFF` (hexadecimal), `0b1010` (binary) or `0o17` (octal)",
+     {"-q", "0xFF", "0b1010", "0o17"},
+     "255\n10\n15\n"},
+    {"`scimode auto; sigfigs 10` is how it was before",
+     {"-q", "scimode auto; sigfigs 10; 2^0.5"},
+     "1.414213562\n"},
+    {"1 h 45 min is `1+45/60`", {"-q", "1+45/60"}, "1.75\n"},
+    {"a power is `2^3`", {"-q", "2^3"}, "8\n"},
+    {"12 percent are `12/100`", {"-q", "12/100"}, "0.12\n"},
+    {"Write `3*(4)`", {"-q", "3*(4)"}, "12\n"},
+    {"Write `2*pi` for `2pi`", {"-q", "2*pi"}, "6.283185307\n"},
+    {"for `2pi`", {"2pi"}, nullptr},
+    {"and `1000` or `1,000`", {"-q", "1000", "1,000"}, "1000\n1000\n"},
+    {"for `1.000,0`", {"1.000,0"}, nullptr},
+    {"hexadecimal digits are `0` to `9`", {"-q", "0x1239"}, "4665\n"},
+    {"binary digits are `0` and `1`", {"-q", "0b10"}, "2\n"},
+    {"octal digits are `0` to `7`", {"-q", "0o70"}, "56\n"},
+    {"for a product write `x*(2)`", {"-q", "x=3", "x*(2)"}, "3\n6\n"},
+    {"To compare, write `f(1)==2`", {"-q", "f(x)=x+1", "f(1)==2"}, "1\n"},
+    {"write `unit smoot = 1.7018 meter`", {"-q", "unit smoot = 1.7018 meter", "1 smoot->m"}, "1.7018\n"},
+    {"write `km/s^2`", {"-q", "5 km/s^2->m/s^2"}, "5000\n"},
+    {"Write `(5 km->m)+3`", {"-q", "(5 km->m)+3"}, "5003\n"},
+    {"they are `x1`, `x2` and so on", {"-q", "--each", "x1-x2"}, "4\n", "7 3\n"},
+    {"`1,234.50`, `1'234.50`, `1.5e3`, and negative as `-12`, `12-` or `(12.00)`",
+     {"-q", "--each", "x"},
+     "1234.5\n1234.5\n1500\n-12\n-12\n-12\n",
+     "1,234.50\n1'234.50\n1.5e3\n-12\n12-\n(12.00)\n"},
+    {"with `--comma`, `1.234,50`", {"-q", "--comma", "--each", "x"}, "1234,5\n", "1.234,50\n"},
+    {"A sign directly behind `+` or `-` is an error", {"2--3"}, nullptr},
+    {"`scimode finance` is `scimode fixed`",
+     {"-q", "scimode finance; 12.3", "scimode fixed; 12.3"},
+     "12.3000000000\n12.3000000000\n"},
+    {"After `del sinc` you can define it",
+     {"-q", "del sinc; sinc(x)=sin(x)/x", "sinc(90)"},
+     "0.01111111111\n"},
+    {"`mW` is a thousandth of a watt, `MW` a million", {"-q", "1 mW->W", "1 MW->W"}, "0.001\n1000000\n"},
+    {"a new base unit is `unit bit = -primitive`", {"-q", "unit bit = -primitive", "8 kbit->bit"}, "8000\n"},
+    {"`C` and `F` are coulomb and farad", {"-q", "1 C->coulomb", "1 F->farad"}, "1\n1\n"},
+    {"`rem` is another word for `del`", {"x=1; rem x"}, "** deleted x **\n"},
+    {"Capitals do not count in the names of functions", {"-q", "SQRT(16)"}, "4\n"},
+    {"so is the difference of two numbers that agree to 103 digits", {"-q", "(1+1e-104)-1"}, "0\n"},
+};
 
 // What is code with a digit in the running text and no entry: files, messages and other programs.
 bool isNoEntry(const std::string& code) {
@@ -127,7 +122,7 @@ Texts paragraphs() {
 
 TEST(GuideProse, SaysOfEntriesWhatIsTrue) {
     const Texts all = paragraphs();
-    for (const Claim& claim : claims()) {
+    for (const Claim& claim : CLAIMS) {
         SCOPED_TRACE(claim.sentence);
         EXPECT_TRUE(std::any_of(all.begin(), all.end(), [&claim](const std::string& one) {
             return one.find(claim.sentence) != std::string::npos;
@@ -157,7 +152,7 @@ TEST(GuideProse, HasNoEntryThatIsNotTried) {
                 return at <= open && close < at + std::string(claim.sentence).size();
             };
             if (hasDigit && !isAfterMessage && !isNoEntry(code)) {
-                EXPECT_TRUE(std::any_of(claims().begin(), claims().end(), isIn)) << code << " in: " << text;
+                EXPECT_TRUE(std::any_of(CLAIMS.begin(), CLAIMS.end(), isIn)) << code << " in: " << text;
                 ++tried;
             }
             open = text.find('`', close + 1);
