@@ -168,6 +168,40 @@ TEST(Readme, HasTheKillsThatWereTried) {
     for (const GuideCells& cells : told) EXPECT_EQ(cells.at(2), "0") << cells[0];
 }
 
+// "seven" is 7, in any case of letters; -1 for what is no such word.
+int numberOf(std::string word) {
+    static const Lines words = {"no",     "one",      "two",      "three",   "four",   "five",
+                                "six",    "seven",    "eight",    "nine",    "ten",    "eleven",
+                                "twelve", "thirteen", "fourteen", "fifteen", "sixteen"};
+    word[0] = static_cast<char>(tolower(static_cast<unsigned char>(word[0])));
+    const auto found = std::find(words.begin(), words.end(), word);
+    return found == words.end() ? -1 : static_cast<int>(found - words.begin());
+}
+
+TEST(Readme, HasTheInputsThatWereFuzzed) {
+    const auto targets = guideTable(
+        document("reliability.md").c_str(),
+        "| Target | Executions with sanitizers | Without | Speed with | Without | Lines covered | Of |");
+    const auto found = guideTable(document("reliability.md").c_str(), "| Found by | What it was | Test |");
+    int with = 0;
+    int all = 0;
+    for (const GuideCells& cells : targets) {
+        with += countIn(cells.at(1));
+        all += countIn(cells.at(1)) + countIn(cells.at(2));
+    }
+    std::string text;
+    for (const std::string& line : linesOf(TALLYQUILL_README)) text += line + " ";
+    static const std::regex sentence(
+        "(\\w+) fuzz targets have run (\\d+) million inputs, (\\d+) million of them "
+        "under sanitizers; the (\\w+) errors");
+    std::smatch told;
+    ASSERT_TRUE(std::regex_search(text, told, sentence));
+    EXPECT_EQ(numberOf(told[1]), static_cast<int>(targets.size()));
+    EXPECT_EQ(std::stoi(told[2]), all / 1'000'000);
+    EXPECT_EQ(std::stoi(told[3]), with / 1'000'000);
+    EXPECT_EQ(numberOf(told[4]), static_cast<int>(found.size()));
+}
+
 TEST(Guide, ItsExamplesAreTrue) {
     EXPECT_GT(evaluateRows(TALLYQUILL_GUIDE), 60);
 }
