@@ -26,6 +26,9 @@ namespace {
 void appendNumber(std::string& text, const node* term) {
     if (term->text) {
         text += term->text;
+    } else if (term->prev && term->prev->type == OP_UNIT_MARK) {
+        // The one number that a source unit can be; digits would belong to what stands in front of it.
+        text += '.';
     } else if (term->value && (*term->value)[1] >= OVERFLOW_EXPONENT) {
         // What the display shows for it cannot be read again; a number above the range can.
         text += qisneg(*term->value) ? "-1e9999" : "1e9999";

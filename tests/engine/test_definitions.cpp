@@ -120,7 +120,7 @@ TEST_F(Functions, AKeptDefinitionMayCallWhatIsNotThere) {
 
 // g was unknown there: its comma is part of a name.
 TEST_F(Functions, ADefinitionThatWasAcceptedCanBeKept) {
-    for (const std::string text : {"f(x)=g(1,<5)", "f(x)=g(x,)", "f(x)=g(1a,/5)"}) {
+    for (const std::string text : {"f(x)=g(1,<5)", "f(x)=g(x,)", "f(x)=g(1a,/5)", "f(x)=5 .->mm"}) {
         EXPECT_EQ(text + "\n", Answer(text + ";"));
         EXPECT_EQ(STATUS_MESSAGE, calc.DefineFunction(text.c_str(), true)) << calc.message;
         EXPECT_EQ(text + "\n", calc.message);
