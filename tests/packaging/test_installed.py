@@ -83,8 +83,9 @@ class Programs(Installed):
         pages = sorted(name for name in self.files if name.startswith("share/man/"))
         programs = sorted(name for name in self.files if name.startswith("bin/"))
         self.assertEqual({os.path.basename(page) for page in pages}, {os.path.basename(p) + ".1" for p in programs})
+        day = re.search(rf"^## \[{VERSION}\] - (\S+)$", content(SOURCE + "/CHANGELOG.md"), re.M).group(1)
         for page in pages:
-            self.assertIn(f'"Tallyquill {VERSION}"', content(f"{self.prefix}/{page}"))
+            self.assertRegex(content(f"{self.prefix}/{page}"), rf'\n\.TH \S+ 1 {day} "Tallyquill {VERSION}" ')
             # groff's complaints come on standard error; the page itself does not matter here.
             shown = subprocess.run(
                 ["man", "--warnings", "--encoding=UTF-8", "--local-file", f"{self.prefix}/{page}"],
