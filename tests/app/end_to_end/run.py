@@ -53,6 +53,29 @@ class EndToEnd(Scenario):
         window.wait_for_text("\nans = 24\n\n> ")
         self.quit(window)
 
+    def test_control_r_finds_an_older_entry_which_return_takes(self):
+        window = self.start()
+        for line in ("side=12.5", "side*2", "side*3", "1+1"):
+            window.enter(line)
+        window.wait_for_text("\nans = 2\n\n> ")
+        window.key("ctrl+r")
+        window.type("de*")
+        window.key("Return")
+        window.wait_for_text("\n> side*3")
+        window.key("Escape")
+        window.key("ctrl+r")
+        window.type("de*")
+        window.key("ctrl+r", "Return")
+        window.wait_for_text("\n> side*2")
+        window.key("Return")
+        window.wait_for_text("\n> side*2\nans = 25\n\n> ")
+        window.type("9")
+        window.key("ctrl+r")
+        window.type("=12")
+        window.key("Escape")  # which brings back what was typed
+        window.wait_for_text("\n> 9")
+        self.quit(window)
+
     def test_tab_completes(self):
         window = self.start()
         window.enter("tripled(x)=3*x")
