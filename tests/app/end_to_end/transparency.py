@@ -2,6 +2,8 @@
 """What is seen through the window where a compositor (picom) mixes the windows: see calculator_window.py.
 
     tests/app/with_display.sh --wm env TALLYQUILL_APP=.../Tallyquill python3 tests/app/end_to_end/transparency.py
+
+Pictures go to the folder TALLYQUILL_PICTURES, when there is one.
 """
 
 import os
@@ -12,6 +14,7 @@ from calculator_window import PATIENCE, SETTINGS_FILE, activate, geometry, run, 
 from scenario import Scenario, main
 
 WHITE = ["xmessage", "-bg", "white", "-geometry", "1000x700+40+40", "behind it"]
+BLACK = ["xmessage", "-title", "black", "-bg", "black", "-geometry", "1000x700+40+40", "behind it"]
 OTHER = ["xmessage", "-title", "another", "-geometry", "150x100+1080+600", "beside it"]
 
 
@@ -25,12 +28,24 @@ class Transparency(Scenario):
     def setUp(self):
         super().setUp()
         for command in (["picom", "--backend", "xrender", "--config", "/dev/null"], WHITE, OTHER):
-            program = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            self.addCleanup(program.wait)
-            self.addCleanup(program.terminate)
+            self.run_beside(command)
         self.white = wait_until("a white window", lambda: titled("xmessage"))
         activate(self.white)
         wait_until("white", lambda: shade(300, 300) > 0xF0)
+
+    def run_beside(self, command):
+        program = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(program.wait)
+        self.addCleanup(program.terminate)
+
+    def look(self, window, name):
+        """A picture of the window as it is mixed with what is behind."""
+        folder = os.environ.get("TALLYQUILL_PICTURES")
+        if not folder:
+            return
+        left, top, width, height = geometry(window.id)
+        crop = f"{width}x{height}+{left}+{top}"
+        run("import", "-silent", "-window", "root", "-crop", crop, os.path.join(folder, f"transparent-{name}.png"))
 
     def start_with(self, **settings):
         path = os.path.join(self.folder, "Tallyquill", SETTINGS_FILE)
@@ -60,6 +75,23 @@ class Transparency(Scenario):
         wait_until("a mixture", lambda: abs(shade(*self.place(window)) - 0x75) < 8)
         left, top, width, _ = geometry(window.id)
         self.assertLess(abs(shade(left + width - 10, top + 35) - 0x7E), 8)
+        self.quit(window)
+
+    def test_half_of_it_is_a_mixture_with_white_and_with_black(self):
+        window = self.start_with(trans=50)
+        for line in ("price=19.90", "price*3+4.50", "5 kilomter->km"):
+            window.enter(line)
+        window.type("2*(3+4")
+        place = self.place(window)
+        # 0.8 of the console's color, 0x1A, and 0.2 of white.
+        wait_until("a mixture with white", lambda: abs(shade(*place) - 0x48) < 8)
+        self.look(window, "over-white")
+        self.run_beside(BLACK)
+        activate(wait_until("a black window", lambda: titled("black")))
+        wait_until("black", lambda: shade(300, 120) < 0x10)
+        window.activate()
+        wait_until("a mixture with black", lambda: abs(shade(*place) - 0x15) < 4)
+        self.look(window, "over-black")
         self.quit(window)
 
     def test_it_fades_out_when_another_program_is_used_and_in_again(self):
