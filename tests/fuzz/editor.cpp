@@ -46,8 +46,8 @@ int pipeOf(const std::string& bytes) {
     return ends[0];
 }
 
-// Whether keys are typed a thousand times or more: Alt with a digit begins a count, as an Escape in front or
-// in the eighth bit.
+// Whether keys are typed a thousand times or more: Alt with a digit or a minus begins a count, as an Escape in
+// front or in the eighth bit.
 bool hasLargeCount(const std::string& keys) {
     size_t digits = 0;
     bool isCount = false;
@@ -55,7 +55,7 @@ bool hasLargeCount(const std::string& keys) {
         const bool isAlt = static_cast<unsigned char>(keys[i]) >= 0x80;
         const char key = static_cast<char>(keys[i] & 0x7F);
         const bool isDigit = key >= '0' && key <= '9';
-        if (isDigit)
+        if (isDigit || key == '-')
             isCount = isCount || isAlt || (i > 0 && keys[i - 1] == '\x1b');
         else
             isCount = isCount && key == '\x1b';
