@@ -21,8 +21,9 @@ constexpr size_t LEAST = size_t{8} << 20; // bytes
 
 // Called in the place of std::terminate.
 void endForException() {
+    const std::exception_ptr uncaught = std::current_exception();
     try {
-        if (std::current_exception()) throw;
+        if (uncaught) std::rethrow_exception(uncaught);
     } catch (const std::bad_alloc&) {
         endForLackOfMemory();
     } catch (...) { // ends as ever
