@@ -10,6 +10,8 @@ import time
 from calculator_window import PATIENCE, at_rest, pasteboard, picture, put_on_pasteboard, run, wait_until
 from scenario import Scenario, main
 
+SECOND_ANSWER = (100, 131)  # pixels from the corner of the window, whose menu bar comes first
+
 
 class Clipboard(Scenario):
     def test_answers_go_to_another_program_and_its_text_comes_back(self):
@@ -34,6 +36,34 @@ class Clipboard(Scenario):
         window.type("2+3*4")
         window.key("shift+Home")
         wait_until("the selection", lambda: pasteboard("primary") == "2+3*4")
+        self.quit(window)
+
+    def test_a_triple_click_selects_the_line(self):
+        window = self.start()
+        window.enter("1+2")
+        window.enter("1234567*10^20")
+        window.wait_for_text("\nans = 1.234567e26\n\n> ")
+        window.point(*SECOND_ANSWER)
+        for _ in range(3):
+            run("xdotool", "mousedown", "1", "sleep", "0.08", "mouseup", "1", "sleep", "0.06")
+        wait_until("the selection", lambda: pasteboard("primary") == "ans = 1.234567e26")
+        window.type("7")  # the keys go on to the entry
+        window.wait_for_text("\n> 7")
+        self.quit(window)
+
+    def test_what_is_found_is_selected(self):
+        window = self.start()
+        for line in ("width=12", "height=5", "width*height", "7+7"):
+            window.enter(line)
+        window.wait_for_text("\nans = 14\n\n> ")
+        window.key("ctrl+f")
+        window.type("WID")
+        wait_until("what was found", lambda: pasteboard("primary") == "wid")
+        window.type("TH = 12")
+        wait_until("more of it", lambda: pasteboard("primary") == "width = 12")
+        window.key("Return")
+        self.assertEqual(window.copy("ctrl+c"), "width = 12")  # it stays selected
+        self.assertIn("> width=12\nwidth = 12\n", window.text())
         self.quit(window)
 
     def test_the_middle_button_pastes_what_another_program_has_selected(self):
