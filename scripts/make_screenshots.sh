@@ -12,4 +12,4 @@ build=$(cd "$1" && pwd)
 cd "$(dirname "$0")/.."
 mkdir -p docs/images
 TALLYQUILL_APP="$build/bin/Tallyquill.app/Tallyquill" TALLYQUILL_PICTURES="$PWD/docs/images" PYTHONDONTWRITEBYTECODE=1 \
-    tests/app/with_display.sh --wm --limit 60 python3 tests/app/end_to_end/pictures.py
+    tests/app/with_display.sh --wm --limit 200 python3 tests/app/end_to_end/pictures.py

@@ -157,6 +157,14 @@ def geometry(window):
     return tuple(int(lines[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
 
 
+def sides(number):
+    """Left, top, right and bottom on the screen. The geometry counts the frame of the window manager twice."""
+    facts = run("xwininfo", "-id", number)
+    names = ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+    left, top, width, height = (int(re.search(rf"{name}: +(-?\d+)", facts).group(1)) for name in names)
+    return left, top, left + width, top + height
+
+
 def has_focus(window):
     """Whether the keys go to the window, given by its number."""
     return int(run("xdotool", "getwindowfocus", "-f")) == int(window, 0)

@@ -13,19 +13,25 @@ import subprocess
 import time
 
 from calculator_window import (
+    DEFAULT_BUTTON,
+    OTHER_BUTTON,
     PATIENCE,
     SETTINGS_FILE,
+    CalculatorWindow,
     activate,
     at_rest,
     geometry,
     is_open,
     on_screen,
     picture,
+    question,
     run,
+    sides,
     titled,
     wait_until,
 )
 from scenario import Scenario, main
+from status_line import picture_of, wait_for_status
 
 LIGHT = {"bgcolor": b"1 1 0.97 1", "fgcolor": b"0 0.2 0.4 1"}
 SESSION = ["price=19.90", "price*3+4.50", "26.2 mile->km", "5 kilomter->km", "c(a,b)=sqrt(a^2+b^2)", "c(3,4)"]
@@ -37,6 +43,10 @@ DRAWN_COLORS = 20  # at least, of what is drawn whole
 SCREEN = (3840, 2160)
 HEAD = 49  # pixels above the console: the menus and the controls
 FOOT = 20  # below it: the status line
+SMALL = (400, 150)
+TOGETHER = 1280 * 800  # pixels at most of a picture of two windows; one that shows more shows little of them
+CALCULATING = "Calculating... Escape ends it."
+LONG_ENTRY = ["f0(x)=x", *(f"f{i}(x)=f{i - 1}(x)+f{i - 1}(x)" for i in range(1, 41)), "f40(1)"]
 AIR = 5  # above and below the console's text
 
 
@@ -109,13 +119,31 @@ class States(Scenario):
             width = at_rest(name, lambda: geometry(number))[2]
             pixels = at_rest(name, lambda: picture(number), looks=3)  # the cursor blinks
             found = faults(pixels, width, name in SCROLLED)
-        folder = os.environ.get("TALLYQUILL_PICTURES")
-        if folder:
-            path = os.path.join(folder, f"{self._testMethodName}-{name}.png")
-            command = ["convert", "-size", f"{width}x{len(pixels) // 3 // width}", "-depth", "8", "rgb:-", path]
+        if self.picture_path(name):
+            size = f"{width}x{len(pixels) // 3 // width}"
+            command = ["convert", "-size", size, "-depth", "8", "rgb:-", self.picture_path(name)]
             subprocess.run(command, input=pixels, timeout=PATIENCE, check=True)
         self.assertEqual(found, [], name)
         return pixels
+
+    def picture_path(self, name):
+        """Where the picture goes, or None."""
+        folder = os.environ.get("TALLYQUILL_PICTURES")
+        return os.path.join(folder, f"{self._testMethodName}-{name}.png") if folder else None
+
+    def look_together(self, window, number, name):
+        """The same of what stands over the window or beside it, which has to be on the screen as a whole."""
+        self.look(number, name)
+        left, top, right, bottom = sides(number)
+        self.assertGreaterEqual(min(left, top), 0, name)
+        self.assertLessEqual(right, SCREEN[0], name)
+        self.assertLessEqual(bottom, SCREEN[1], name)
+        mine = sides(window.id)
+        left, top = min(left, mine[0]), min(top, mine[1])
+        width, height = max(right, mine[2]) - left, max(bottom, mine[3]) - top
+        if self.picture_path(name) and width * height < TOGETHER:
+            crop = f"{width}x{height}+{left}+{top}"
+            run("import", "-silent", "-window", "root", "-crop", crop, self.picture_path(f"{name}-together"))
 
     def look_at_console(self, window):
         window.enter("tripled(x)=3*x")
@@ -134,7 +162,7 @@ class States(Scenario):
         for place, name in enumerate(MENUS):
             before = on_screen()
             window.key("F10", *["Right"] * place)
-            self.look(opened(before), f"menu-{name}")
+            self.look_together(window, opened(before), f"menu-{name}")
             window.key("Escape")
             wait_until("the end of the menu", lambda: not on_screen() - before)
 
@@ -142,16 +170,25 @@ class States(Scenario):
         for tabs, name in ((2, "variables"), (3, "functions")):
             before = on_screen()
             window.key("F6", *["Tab"] * tabs, "space")
-            self.look(opened(before), name)
+            self.look_together(window, opened(before), name)
             window.key("Escape", "Escape")
             wait_until("the end of the list", lambda: not on_screen() - before)
+
+    def look_at_text_menu(self, window):
+        before = on_screen()
+        _, _, width, height = window.place()
+        window.point(width // 2, height // 2)
+        run("xdotool", "click", "3")
+        self.look_together(window, opened(before), "text-menu")
+        window.key("Escape")
+        wait_until("the end of the menu", lambda: not on_screen() - before)
 
     def look_at_panel(self, window, title, *keys):
         window.activate()
         for key in keys:
             window.key(key)
         panel = wait_until(title, lambda: titled(title))
-        self.look(panel, title)
+        self.look_together(window, panel, title)
         return panel
 
     def close(self, panel):
@@ -181,6 +218,7 @@ class States(Scenario):
         self.look_at_console(window)
         self.look_at_menus(window)
         self.look_at_lists(window)
+        self.look_at_text_menu(window)
         if panels:
             self.look_at_panels(window)
         window.activate()
@@ -196,17 +234,104 @@ class States(Scenario):
         self.go_through({}, "-GSScaleFactor", "2")
 
     def test_one_and_a_half(self):
-        # The panels are of what is looked at already, and take as long as all the rest.
+        # Most panels are of what is looked at already, and take as long as all the rest.
         self.go_through(LIGHT, "-GSScaleFactor", "1.5", panels=False)
+
+    def look_at_dense_panels(self, scale):
+        window = self.start("-GSScaleFactor", scale)
+        self.close(self.look_at_panel(window, "Tallyquill Preferences", "ctrl+comma"))
+        self.close(self.look_at_panel(window, "Functions", "alt+shift+f"))
+        window.activate()
+        self.quit(window)
+
+    def test_panels_at_one_and_a_half(self):
+        self.look_at_dense_panels("1.5")
+
+    def test_panels_at_three(self):
+        self.look_at_dense_panels("3")
+
+    def resize(self, window, width, height):
+        run("xdotool", "windowsize", window.id, str(width), str(height))
+        wait_until("the size", lambda: abs(geometry(window.id)[2] - width) < 10)
 
     def test_sizes(self):
         window = self.start()
         for line in SESSION:
             window.enter(line)
-        for width, height in ((400, 150), (2500, 1500)):
-            run("xdotool", "windowsize", window.id, str(width), str(height))
-            wait_until("the size", lambda: abs(geometry(window.id)[2] - width) < 10)
-            self.look(window.id, f"{width}")
+        for size in (SMALL, (2500, 1500)):
+            self.resize(window, *size)
+            self.look(window.id, f"{size[0]}")
+        self.quit(window)
+
+    def go_through_small(self, colors):
+        self.prepare(colors)
+        window = self.start()
+        self.resize(window, *SMALL)
+        self.look_at_console(window)
+        self.look_at_menus(window)
+        self.look_at_lists(window)
+        self.look_at_text_menu(window)
+        self.close(self.look_at_panel(window, "Tallyquill Preferences", "ctrl+comma"))
+        self.close(self.look_at_panel(window, "Units", "alt+shift+u"))
+        window.activate()
+        self.quit(window)
+
+    def test_small_and_dark(self):
+        self.go_through_small({})
+
+    def test_small_and_light(self):
+        self.go_through_small(LIGHT)
+
+    def look_at_question(self, window, name):
+        sheet = wait_until(name, question)
+        self.look_together(window, sheet, name)
+
+    def test_questions_of_the_first_start(self):
+        os.remove(os.path.join(self.folder, "Tallyquill", SETTINGS_FILE))
+        window = CalculatorWindow(self.folder, asks=True)
+        self.addCleanup(window.kill)
+        self.look_at_question(window, "tutorial")
+        window.answer(OTHER_BUTTON)
+        window.enter("1+1")
+        window.key("ctrl+a", "ctrl+a", "ctrl+a", "ctrl+c")
+        self.look_at_question(window, "tip")
+        window.answer(DEFAULT_BUTTON)
+        self.quit(window)
+
+    def look_at_replacing(self, colors):
+        self.prepare(colors)
+        with open(os.path.join(self.folder, "mine.script"), "w", encoding="ascii") as file:
+            file.write("1+1\n")
+        window = self.start("-ScriptFolder", self.folder)
+        window.enter("2+2")
+        panel = window.open("Save to script file", "ctrl+s")
+        window.type("mine.script")
+        window.key("Return")
+        self.look_at_question(window, "replacing")
+        window.key("Escape")
+        wait_until("the end of the question", lambda: not question())
+        self.close(panel)
+        window.activate()
+        self.quit(window)
+
+    def test_question_before_a_file_is_replaced(self):
+        self.look_at_replacing({})
+
+    def test_question_before_a_file_is_replaced_in_the_light(self):
+        self.look_at_replacing(LIGHT)
+
+    def test_calculating(self):
+        window = self.start()
+        window.enter(f"echo {CALCULATING}")
+        window.wait_for_text(f"\n{CALCULATING}\n\n> ")
+        calculating = picture_of(window, CALCULATING)
+        for line in LONG_ENTRY:
+            window.enter(line)
+        wait_for_status(window, CALCULATING, calculating)
+        self.look(window.id, "calculating")
+        window.key("Escape")
+        window.enter("1+1")
+        window.wait_for_text("\nans = 2\n\n> ")
         self.quit(window)
 
     def test_whole_4k_screen(self):

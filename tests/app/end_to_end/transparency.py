@@ -10,7 +10,7 @@ import os
 import plistlib
 import subprocess
 
-from calculator_window import PATIENCE, SETTINGS_FILE, activate, geometry, run, titled, wait_until
+from calculator_window import PATIENCE, SETTINGS_FILE, activate, geometry, run, sides, titled, wait_until
 from scenario import Scenario, main
 
 WHITE = ["xmessage", "-bg", "white", "-geometry", "1000x700+40+40", "behind it"]
@@ -43,8 +43,8 @@ class Transparency(Scenario):
         folder = os.environ.get("TALLYQUILL_PICTURES")
         if not folder:
             return
-        left, top, width, height = geometry(window.id)
-        crop = f"{width}x{height}+{left}+{top}"
+        left, top, right, bottom = sides(window.id)
+        crop = f"{right - left}x{bottom - top}+{left}+{top}"
         run("import", "-silent", "-window", "root", "-crop", crop, os.path.join(folder, f"transparent-{name}.png"))
 
     def start_with(self, **settings):
