@@ -62,3 +62,43 @@ static void makeTitlesLegible() {
 }
 
 @end
+
+// --- Keys ---
+
+// GNUstep's panel goes on through the controls of the picker that was there before.
+@implementation NSColorPanel (PanelKeys)
+
+- (void)selectNextKeyView:(id)sender {
+    [self recalculateKeyViewLoop];
+    [super selectNextKeyView:sender];
+}
+
+- (void)selectPreviousKeyView:(id)sender {
+    [self recalculateKeyViewLoop];
+    [super selectPreviousKeyView:sender];
+}
+
+// The magnifier waits for a click, whatever is typed.
+static void leaveToTheMouse(NSView* view) {
+    for (NSView* const one in [view subviews]) {
+        if ([one isKindOfClass:[NSButton class]]) [(NSButton*)one setRefusesFirstResponder:YES];
+        leaveToTheMouse(one);
+    }
+}
+
+- (void)beginWithPicker {
+    leaveToTheMouse([self contentView]);
+    [self makeFirstResponder:nil];
+    [self selectNextKeyView:nil];
+}
+
+@end
+
+// Those of the color panel take colors from the mouse alone.
+@implementation NSColorWell (PanelKeys)
+
+- (BOOL)acceptsFirstResponder {
+    return NO;
+}
+
+@end

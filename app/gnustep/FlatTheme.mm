@@ -404,6 +404,10 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 
 @end
 
+@interface NSColorPanel (PickerFocus)
+- (void)beginWithPicker; // the keyboard's focus (ColorPanel.mm)
+@end
+
 @interface FlatColorWell : NSColorWell
 @end
 
@@ -411,9 +415,11 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 
 // The color panel comes beside the window, not over it.
 - (void)activate:(BOOL)exclusive {
-    placeBeside([NSColorPanel sharedColorPanel], [self window]);
+    NSColorPanel* const colors = [NSColorPanel sharedColorPanel];
+    placeBeside(colors, [self window]);
     [super activate:exclusive];
-    [[NSColorPanel sharedColorPanel] display];
+    [colors beginWithPicker];
+    [colors display];
 }
 
 - (BOOL)acceptsFirstResponder {
