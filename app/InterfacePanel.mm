@@ -61,17 +61,6 @@ static const CGFloat REST = PANEL_WIDTH - PANEL_EDGE - COLUMN; // what is free f
     return [super sendAction:action to:target];
 }
 
-// GNUstep would show the keyboard's focus with the next change only.
-- (BOOL)becomeFirstResponder {
-    [self setNeedsDisplay:YES];
-    return [super becomeFirstResponder];
-}
-
-- (BOOL)resignFirstResponder {
-    [self setNeedsDisplay:YES];
-    return [super resignFirstResponder];
-}
-
 @end
 
 // Places rows from top to bottom and links the controls for the Tab key in that order.

@@ -374,16 +374,6 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
     return YES;
 }
 
-- (BOOL)becomeFirstResponder {
-    [self setNeedsDisplay:YES];
-    return YES;
-}
-
-- (BOOL)resignFirstResponder {
-    [self setNeedsDisplay:YES];
-    return YES;
-}
-
 - (void)keyDown:(NSEvent*)event {
     const uint32_t key = platformKeyCode(event);
     const NSInteger next = [self selectedSegment] + (key == KEY_RIGHT ? 1 : -1);
@@ -424,16 +414,6 @@ static void drawStep(NSRect frame, bool isPressed, int direction) {
 
 - (BOOL)acceptsFirstResponder {
     return [self isEnabled];
-}
-
-- (BOOL)becomeFirstResponder {
-    [self setNeedsDisplay:YES];
-    return YES;
-}
-
-- (BOOL)resignFirstResponder {
-    [self setNeedsDisplay:YES];
-    return YES;
 }
 
 - (void)keyDown:(NSEvent*)event {

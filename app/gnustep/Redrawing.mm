@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What is drawn again: of the console's text only what has changed, where GNUstep draws all of the view for
-// each key press; and the edge of a field, which shows the keyboard's focus.
+// each key press; and what shows the keyboard's focus.
 #import "Controls.h"
 #import "Exchange.h"
 #import "MainConsole.h"
@@ -45,24 +45,28 @@
 
 @end
 
-// GNUstep draws a field's edge with the next change of its text only.
-@implementation NSTextField (Redrawing)
+// GNUstep shows the keyboard's focus with a control's next change, if at all.
+@implementation NSWindow (Redrawing)
 
 + (void)load {
-    exchange(self, @selector(becomeFirstResponder), @selector(becomeFirstResponderSeen));
-    exchange(self, @selector(textDidEndEditing:), @selector(textDidEndEditingSeen:));
+    exchange(self, @selector(makeFirstResponder:), @selector(makeFirstResponderSeen:));
 }
 
-// Under these names is GNUstep's own.
-- (BOOL)becomeFirstResponderSeen {
-    const BOOL becomes = [self becomeFirstResponderSeen];
-    [self setNeedsDisplay:YES];
-    return becomes;
+// What has the focus is the window's editor while a field is typed in.
+static NSView* ownerOf(NSResponder* responder) {
+    const bool isEditor =
+        [responder isKindOfClass:[NSText class]] && [static_cast<NSText*>(responder) isFieldEditor];
+    const id owner = isEditor ? [static_cast<NSText*>(responder) delegate] : responder;
+    return [owner isKindOfClass:[NSControl class]] ? owner : nil;
 }
 
-- (void)textDidEndEditingSeen:(NSNotification*)notification {
-    [self textDidEndEditingSeen:notification];
-    [self setNeedsDisplay:YES];
+// Under this name is GNUstep's own.
+- (BOOL)makeFirstResponderSeen:(NSResponder*)responder {
+    NSView* const before = [[ownerOf([self firstResponder]) retain] autorelease];
+    const BOOL isMade = [self makeFirstResponderSeen:responder];
+    [before setNeedsDisplay:YES];
+    [ownerOf([self firstResponder]) setNeedsDisplay:YES];
+    return isMade;
 }
 
 @end
