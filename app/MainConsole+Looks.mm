@@ -53,7 +53,7 @@ static NSColor* colorOf(const Shade& shade) {
     if (!selected) return;
     [self setSelectedTextAttributes:@{
         NSBackgroundColorAttributeName : selected,
-        NSForegroundColorAttributeName : text
+        NSForegroundColorAttributeName : colorOf(legible(shadeOf(text), shadeOf(selected)))
     }];
 }
 

@@ -26,11 +26,14 @@ Shade poleOf(const Shade& background) {
     return isLight(background) ? BLACK : WHITE;
 }
 
-// The color, as far toward black or white as it takes.
-Shade legible(const Shade& shade, const Shade& background) {
-    Shade found = shade;
-    for (int step = 1; contrast(found, background) < LEGIBLE && step <= 20; ++step)
-        found = mixed(shade, poleOf(background), step / 20.0);
+// What text stands on, of a color between it and the background: nearer to the background where the text
+// would not be legible on it.
+Shade behind(const Shade& text, const Shade& background) {
+    constexpr double PART = 0.75; // of the background
+    const double wanted = std::min(LEGIBLE, contrast(text, background));
+    Shade found = mixed(text, background, PART);
+    for (int step = 1; contrast(text, found) < wanted && step <= 5; ++step)
+        found = mixed(text, background, PART + 0.05 * step);
     return found;
 }
 
@@ -58,6 +61,13 @@ double contrast(const Shade& one, const Shade& other) {
     return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
+Shade legible(const Shade& text, const Shade& background) {
+    Shade found = text;
+    for (int step = 1; contrast(found, background) < LEGIBLE && step <= 20; ++step)
+        found = mixed(text, poleOf(background), step / 20.0);
+    return found;
+}
+
 bool isLight(const Shade& background) {
     return contrast(background, BLACK) > contrast(background, WHITE);
 }
@@ -72,7 +82,7 @@ TextShades textShades(const Shade& text, const Shade& background) {
     const Shade onLight[] = {{0.75, 0.1, 0.05}, {0.5, 0.3, 0}, {0.55, 0, 0.55}};
     shades.error =
         firstThatDiffers(isLight(background) ? onLight : onDark, {text, shades.answer}, background);
-    shades.mark = mixed(text, background, 0.75);
+    shades.mark = behind(text, background);
     shades.markEdge = mixed(text, background, 0.35);
     return shades;
 }

@@ -15,13 +15,16 @@ double contrast(const Shade& one, const Shade& other);
 // What text should at least have on its background.
 constexpr double LEGIBLE = 4.5;
 
+// The color itself, or as far toward black or white as makes text of it legible there.
+Shade legible(const Shade& text, const Shade& background);
+
 // Whether dark text is more legible on it than light text.
 bool isLight(const Shade& background);
 
 struct TextShades {
     Shade answer; // brighter than the text where there is room for that, else nearer to the background
     Shade error;  // of a warm color
-    Shade mark;   // behind a bracket
+    Shade mark;   // behind a bracket, which stays as legible as it takes
     Shade markEdge;
 };
 

@@ -189,6 +189,24 @@ TEST_F(Looks, TypingBehindAClickIntoAnAnswerHasTheShadeOfEntries) {
     ExpectSame(ColorOf("> 9"), TEXT);
 }
 
+// The selection lies between the text and the background.
+TEST_F(Looks, SelectedTextIsLegible) {
+    const Shade pairs[][2] = {{TEXT, {0.1, 0.1, 0.1}},
+                              {{0, 0, 0}, {1, 1, 1}},
+                              {{0, 0.5, 0.4}, {1, 1, 0.9}},
+                              {{0.6, 0.6, 0.6}, {0.1, 0.1, 0.3}},
+                              {{1, 0.2, 0.2}, {0, 0, 0}}};
+    for (const auto& pair : pairs) {
+        ShowColors(pair[0], pair[1]);
+        NSDictionary* const look = [console selectedTextAttributes];
+        const Shade text = ShadeOf([look objectForKey:NSForegroundColorAttributeName]);
+        const Shade back = ShadeOf([look objectForKey:NSBackgroundColorAttributeName]);
+        EXPECT_GE(contrast(text, back), 4.5) << &pair - pairs;
+    }
+    ShowColors(TEXT, {0.1, 0.1, 0.1});
+    ExpectSame(ShadeOf([[console selectedTextAttributes] objectForKey:NSForegroundColorAttributeName]), TEXT);
+}
+
 TEST_F(Looks, CopiesArePlainText) {
     Enter("2+3");
     Enter("wdith");

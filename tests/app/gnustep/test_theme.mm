@@ -132,19 +132,52 @@ Shade shadeOf(NSColor* color) {
 TEST_F(Theme, TextIsLegibleInBothLooks) {
     for (const bool light : {false, true}) {
         platformUseLook(light);
+        NSColor* const grayed = [NSColor disabledControlTextColor]; // and hints
         NSColor* const pairs[][2] = {{[NSColor controlTextColor], [NSColor windowBackgroundColor]},
                                      {[NSColor controlTextColor], [NSColor controlBackgroundColor]},
                                      {[NSColor controlTextColor], [NSColor controlColor]},
-                                     {[NSColor disabledControlTextColor], [NSColor windowBackgroundColor]},
+                                     {[NSColor controlTextColor], [NSColor selectedControlColor]},
+                                     {[NSColor controlTextColor], [NSColor controlHighlightColor]},
+                                     {grayed, [NSColor windowBackgroundColor]},
+                                     {grayed, [NSColor textBackgroundColor]},
                                      {[NSColor textColor], [NSColor textBackgroundColor]},
                                      {[NSColor selectedTextColor], [NSColor selectedTextBackgroundColor]},
                                      {[NSColor selectedControlTextColor], [NSColor selectedControlColor]},
                                      {[NSColor selectedMenuItemTextColor], [NSColor selectedMenuItemColor]},
                                      {[NSColor headerTextColor], [NSColor headerColor]}};
-        int row = 0;
         for (const auto& pair : pairs)
-            EXPECT_GE(contrast(shadeOf(pair[0]), shadeOf(pair[1])), 4.5) << light << " " << row++;
+            EXPECT_GE(contrast(shadeOf(pair[0]), shadeOf(pair[1])), 4.5) << light << " " << &pair - pairs;
         EXPECT_EQ(isLight(shadeOf([NSColor windowBackgroundColor])), light);
+    }
+    platformUseLook(false);
+}
+
+// As it is drawn: a block is all of the text's color.
+TEST_F(Theme, SelectedTextOfAFieldIsLegibleInBothLooks) {
+    NSTextField* const field = [[[NSTextField alloc] initWithFrame:NSMakeRect(10, 30, 100, 24)] autorelease];
+    [[window contentView] addSubview:field];
+    [field setStringValue:@"\u2588\u2588 \u2588"];
+    [window makeKeyAndOrderFront:nil];
+    for (const bool light : {false, true}) {
+        platformUseLook(light);
+        [window makeFirstResponder:nil];
+        [window makeFirstResponder:field];
+        [[field currentEditor] selectAll:nil];
+        [window display];
+        [field lockFocus];
+        NSBitmapImageRep* const bits =
+            [[[NSBitmapImageRep alloc] initWithFocusedViewRect:NSMakeRect(0, 0, 100, 24)] autorelease];
+        [field unlockFocus];
+        const auto colorAt = [&](NSInteger x) { return shadeOf([bits colorAtX:x y:12]); };
+        const Shade text = colorAt(8);
+        Shade back = text; // that of the blank
+        for (NSInteger x = 9; x < 30; ++x) {
+            if (contrast(text, colorAt(x)) > contrast(text, back)) back = colorAt(x);
+        }
+        EXPECT_GE(contrast(text, back), 4.5) << light;
+        const Shade accent = shadeOf([NSColor selectedTextBackgroundColor]);
+        EXPECT_NEAR(back.red, accent.red, 0.02) << light;
+        EXPECT_NEAR(back.green, accent.green, 0.02) << light;
     }
     platformUseLook(false);
 }

@@ -44,3 +44,22 @@ TEST(Shades, AnswersAndErrorsAreLegibleAndDifferWhateverThePersonChose) {
         ASSERT_GE(difference(shades.error, shades.answer), 0.2) << i;
     }
 }
+
+// The person may have chosen a text that is not legible itself.
+TEST(Shades, ABracketStaysAsLegibleOnItsMark) {
+    const auto color = [](int i) { return Shade{(i & 3) / 3.0, (i >> 2 & 3) / 3.0, (i >> 4 & 3) / 3.0}; };
+    for (int i = 0; i < 64 * 64; ++i) {
+        const Shade text = color(i % 64), back = color(i / 64);
+        const Shade mark = textShades(text, back).mark;
+        ASSERT_GE(contrast(text, mark), std::min(4.5, contrast(text, back)) - 1e-9) << i;
+    }
+    EXPECT_NEAR(textShades({1, 1, 1}, {0, 0, 0}).mark.red, 0.25, 1e-9) << "where there is room, it is seen";
+}
+
+TEST(Shades, AnyColorIsMadeLegibleAnywhere) {
+    EXPECT_EQ(difference(legible({1, 1, 0}, {0, 0, 0}), {1, 1, 0}), 0) << "it is already";
+    for (int i = 0; i < 11 * 11; ++i) {
+        const double text = i % 11 / 10.0, back = i / 11 / 10.0;
+        EXPECT_GE(contrast(legible({text, text, text}, {back, back, back}), {back, back, back}), 4.5) << i;
+    }
+}
