@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Keys.h"
 
-#include <cctype>
+#include "Helpers_String.h"
 
 namespace {
 
@@ -158,8 +158,10 @@ bool matches(const KeyRow& row, const KeyPress& press) {
 // needs no Shift.
 char16_t menuCharacter(const KeyPress& press) {
     if (press.plain == '=') return '+';
-    if (press.plain >= 0x80 || !isalpha(press.plain)) return press.plain;
-    return static_cast<char16_t>((press.held & SHIFT_KEY) ? toupper(press.plain) : tolower(press.plain));
+    const char key = press.plain < 0x80 ? static_cast<char>(press.plain) : '\0';
+    if (!isLetter(key)) return press.plain;
+    const char small = lowerCase(key);
+    return static_cast<char16_t>((press.held & SHIFT_KEY) ? small - 'a' + 'A' : small);
 }
 
 } // namespace

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "Search.h"
 
+#include "Helpers_String.h"
+
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace {
 
+// Whatever the locale: in a Turkish one the small letter of I has no dot.
 char16_t small(char16_t c) {
-    return c < 0x80 ? static_cast<char16_t>(tolower(c)) : c;
+    return c < 0x80 ? static_cast<char16_t>(lowerCase(static_cast<char>(c))) : c;
 }
 
 bool beginsAt(const std::u16string& text, size_t at, const std::u16string& wanted) {
