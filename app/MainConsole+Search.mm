@@ -3,6 +3,8 @@
 // Finding a text while it is typed. The search knows what keys mean; what it finds is shown here.
 #import "MainConsole.h"
 
+#import "NumberField.h"
+
 static NSString* stringOf(const std::u16string& text) {
     return [NSString stringWithCharacters:reinterpret_cast<const unichar*>(text.data()) length:text.size()];
 }
@@ -17,6 +19,7 @@ static NSString* stringOf(const std::u16string& text) {
 }
 
 - (void)tellSearch {
+    [static_cast<NumberField*>(answerStatus) setShowsEnd:YES];
     [answerStatus setStringValue:stringOf(search.Text())];
 }
 
@@ -60,6 +63,7 @@ static NSString* stringOf(const std::u16string& text) {
 - (void)endSearch {
     if (search.Where() == Search::In::Nothing) return;
     search.End();
+    [static_cast<NumberField*>(answerStatus) setShowsEnd:NO];
     [self ProcessResult:nullptr:YES];
 }
 

@@ -10,8 +10,12 @@
 // behind it; the ellipsis and `tail` at least.
 NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes);
 
+// The text, or as much of its end as fits the width with an ellipsis in front of it.
+NSString* endThatFits(NSString* text, CGFloat width, NSDictionary* attributes);
+
 // Not editable, without border and background. A placeholder of its cell is seen while it is empty. Its
 // string value is always the whole text.
 @interface NumberField : NSTextField
-- (NSString*)shownText; // what is seen of it in the field's width
+- (NSString*)shownText;          // what is seen of it in the field's width
+- (void)setShowsEnd:(BOOL)isEnd; // of a text that does not fit, where the person types, and not its start
 @end

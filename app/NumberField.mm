@@ -22,26 +22,45 @@ static NSString* scaleOf(NSString* text) {
     return isDigit(before) || before == '.' || before == ',' ? [text substringFromIndex:start] : @"";
 }
 
-NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes) {
-    if ([text sizeWithAttributes:attributes].width <= width) return text;
-    NSString* shown = [@"\u2026" stringByAppendingString:tail];
-    NSUInteger fits = 0, tooMuch = [text length] - [tail length];
+// What `shorten` makes of the most characters, fewer than `all`, that fit.
+template <typename Shorten>
+static NSString* longest(NSUInteger all, CGFloat width, NSDictionary* attributes, Shorten shorten) {
+    NSString* shown = shorten(0);
+    NSUInteger fits = 0, tooMuch = all;
     while (fits + 1 < tooMuch) {
         const NSUInteger middle = fits + (tooMuch - fits) / 2;
-        NSString* const head =
-            [NSString stringWithFormat:@"%@\u2026%@", [text substringToIndex:middle], tail];
-        const bool doesFit = [head sizeWithAttributes:attributes].width <= width;
-        if (doesFit) shown = head;
+        NSString* const part = shorten(middle);
+        const bool doesFit = [part sizeWithAttributes:attributes].width <= width;
+        if (doesFit) shown = part;
         (doesFit ? fits : tooMuch) = middle;
     }
     return shown;
 }
 
-@interface NumberCell : NSTextFieldCell
+NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictionary* attributes) {
+    if ([text sizeWithAttributes:attributes].width <= width) return text;
+    return longest([text length] - [tail length], width, attributes, [&](NSUInteger count) {
+        return [NSString stringWithFormat:@"%@\u2026%@", [text substringToIndex:count], tail];
+    });
+}
+
+NSString* endThatFits(NSString* text, CGFloat width, NSDictionary* attributes) {
+    if ([text sizeWithAttributes:attributes].width <= width) return text;
+    return longest([text length], width, attributes, [&](NSUInteger count) {
+        return [@"\u2026" stringByAppendingString:[text substringFromIndex:[text length] - count]];
+    });
+}
+
+@interface NumberCell : NSTextFieldCell {
+    BOOL showsEnd;
+}
+@property(nonatomic, assign) BOOL showsEnd;
 - (NSString*)textShownIn:(NSRect)frame;
 @end
 
 @implementation NumberCell
+
+@synthesize showsEnd;
 
 - (NSMutableDictionary*)attributes {
     return textLook([self font], [self textColor]);
@@ -49,7 +68,9 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
 
 - (NSString*)textShownIn:(NSRect)frame {
     NSString* const text = [self stringValue];
-    return headThatFits(text, scaleOf(text), [self titleRectForBounds:frame].size.width, [self attributes]);
+    const CGFloat width = [self titleRectForBounds:frame].size.width;
+    return showsEnd ? endThatFits(text, width, [self attributes])
+                    : headThatFits(text, scaleOf(text), width, [self attributes]);
 }
 
 // While it is empty the placeholder is shown, in gray.
@@ -85,6 +106,10 @@ NSString* headThatFits(NSString* text, NSString* tail, CGFloat width, NSDictiona
 
 - (NSString*)shownText {
     return [static_cast<NumberCell*>([self cell]) textShownIn:[self bounds]];
+}
+
+- (void)setShowsEnd:(BOOL)isEnd {
+    [static_cast<NumberCell*>([self cell]) setShowsEnd:isEnd];
 }
 
 @end

@@ -86,6 +86,25 @@ TEST_F(NumberInStatusLine, FollowsTheSizeOfTheWindow) {
     EXPECT_EQ(Seen(), whole);
 }
 
+// There the person types.
+TEST_F(NumberInStatusLine, ShowsTheEndOfALongSearch) {
+    Enter("1+2");
+    [console beginSearch:Search::In::Transcript];
+    Type("1+2");
+    EXPECT_EQ(Seen(), "Find: 1+2");
+    for (int i = 0; i < 30; ++i) Type("abcdefg");
+    Type("xyz");
+    const std::string seen = Seen();
+    EXPECT_EQ(seen.find(ELLIPSIS), 0U) << seen;
+    EXPECT_TRUE(EndsWith(seen, "abcdefgxyz  (not found)")) << seen;
+    EXPECT_LE(WidthOf(seen), [Field() bounds].size.width);
+    EXPECT_GT(WidthOf(seen), [Field() bounds].size.width * 0.8);
+    Press(KEY_ESCAPE);
+    Enter("sigfigs 100");
+    Type("1/3");
+    EXPECT_EQ(Seen().find("ans = 0.3"), 0U) << "of a number the start";
+}
+
 TEST_F(NumberInStatusLine, KeepsTheScaleWhereNothingElseFits) {
     NumberField* const narrow = [[[NumberField alloc] initWithFrame:NSMakeRect(0, 0, 12, 20)] autorelease];
     [narrow setStringValue:@"ans = 1.234e56"];
