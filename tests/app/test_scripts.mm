@@ -229,6 +229,13 @@ protected:
 
 static bool isKeyLeft;
 
+static bool isKeyWaiting(BOOL isTaken) {
+    return [NSApp nextEventMatchingMask:NSKeyDownMask
+                              untilDate:[NSDate distantPast]
+                                 inMode:NSDefaultRunLoopMode
+                                dequeue:isTaken] != nil;
+}
+
 // The panel asks whether the file is to be replaced, and a Return comes before anybody can have read that.
 static NSInteger runPanelThatAsks(NSSavePanel*, SEL) {
     NSWindow* const question = [[[NSWindow alloc] init] autorelease];
@@ -245,11 +252,9 @@ static NSInteger runPanelThatAsks(NSSavePanel*, SEL) {
                                            isARepeat:NO
                                              keyCode:0]
              atStart:NO];
-    [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
-    isKeyLeft = [NSApp nextEventMatchingMask:NSKeyDownMask
-                                   untilDate:[NSDate distantPast]
-                                      inMode:NSDefaultRunLoopMode
-                                     dequeue:YES] != nil;
+    for (int i = 0; i < 100 && isKeyWaiting(NO); ++i)
+        [[NSRunLoop currentRunLoop] runUntilDate:[NSDate dateWithTimeIntervalSinceNow:0.05]];
+    isKeyLeft = isKeyWaiting(YES);
     return NSCancelButton;
 }
 

@@ -12,15 +12,50 @@
 
 namespace {
 
-std::vector<bool> madeAnew; // the panels for files
+// What a panel for files was like when it waited for the person.
+struct Waiting {
+    bool isMadeAnew;
+    bool isNamed; // the field for the name has its label
+    std::string folder;
+    std::string listed; // each name behind a blank
+};
+std::vector<Waiting> panels;
+NSString* chosen = nil; // the file, or nil for none
 
-NSInteger cancel(id self, SEL) {
-    madeAnew.push_back([self isOneShot]);
-    return NSCancelButton;
+void textsIn(NSView* view, NSMutableArray* texts) {
+    for (NSView* const one in [view subviews]) {
+        if ([one isKindOfClass:[NSTextField class]]) [texts addObject:[(NSTextField*)one stringValue]];
+        if ([one isKindOfClass:[NSForm class]]) [texts addObject:[[(NSForm*)one cellAtIndex:0] title]];
+        textsIn(one, texts);
+    }
 }
 
-NSInteger cancelOpening(id self, SEL, NSArray*) {
-    return cancel(self, NULL);
+NSBrowser* browserIn(NSView* view) {
+    if ([view isKindOfClass:[NSBrowser class]]) return (NSBrowser*)view;
+    for (NSView* const one in [view subviews]) {
+        if (NSBrowser* const found = browserIn(one)) return found;
+    }
+    return nil;
+}
+
+NSInteger answer(id self, SEL) {
+    NSMutableArray* const texts = [NSMutableArray array];
+    textsIn([self contentView], texts);
+    Waiting one = {
+        [self isOneShot] != NO, [texts containsObject:@"Name:"] != NO, [[self directory] UTF8String], ""};
+    NSBrowser* const browser = browserIn([self contentView]);
+    for (NSCell* const cell in [[browser matrixInColumn:[browser lastColumn]] cells])
+        one.listed += std::string(" ") + [[cell stringValue] UTF8String];
+    panels.push_back(one);
+    return chosen ? NSOKButton : NSCancelButton;
+}
+
+NSInteger answerOpening(id self, SEL, NSArray*) {
+    return answer(self, NULL);
+}
+
+NSString* fileOfPanel(id, SEL) {
+    return chosen;
 }
 
 NSDictionary* environment = nil;
@@ -36,13 +71,72 @@ void setPage(NSString* address) {
 
 class FilesAndPages : public ShellTest {};
 
-TEST_F(FilesAndPages, ThePanelsForFilesAreMadeAnewAtEveryOpening) {
-    madeAnew.clear();
-    const Replaced save([NSSavePanel class], @selector(runModal), cancel);
-    const Replaced openPanel([NSOpenPanel class], @selector(runModalForTypes:), cancelOpening);
+class FilePanels : public ShellTest {
+protected:
+    void SetUp() override {
+        ShellTest::SetUp();
+        panels.clear();
+        chosen = nil;
+        [[NSUserDefaults standardUserDefaults] removeObjectForKey:@"ScriptFolder"];
+    }
+
+    std::string Folder(const char* name) const {
+        const std::string path = home + "/" + name;
+        EXPECT_EQ(mkdir(path.c_str(), 0700), 0);
+        return path;
+    }
+
+    const Replaced save { [NSSavePanel class], @selector(runModal), answer };
+    const Replaced open { [NSOpenPanel class], @selector(runModalForTypes:), answerOpening };
+    const Replaced file { [NSSavePanel class], @selector(filename), fileOfPanel };
+};
+
+TEST_F(FilePanels, AreMadeAnewAtEveryOpeningOrTheyGrow) {
     [console openDocument:nil];
     [console saveDocument:nil];
-    EXPECT_EQ(madeAnew, std::vector<bool>({true, true})) << "or they grow";
+    ASSERT_EQ(panels.size(), 2U);
+    for (const Waiting& one : panels) EXPECT_TRUE(one.isMadeAnew);
+}
+
+TEST_F(FilePanels, SayNameInFrontOfTheField) {
+    [console saveDocument:nil];
+    ASSERT_EQ(panels.size(), 1U);
+    EXPECT_TRUE(panels[0].isNamed);
+}
+
+TEST_F(FilePanels, BeginInTheFolderOfTheLastScript) {
+    const std::string one = Folder("one"), two = Folder("two");
+    chosen = @((one + "/a.script").c_str());
+    [console saveDocument:nil];
+    Write(two + "/b.script", "1\n");
+    chosen = @((two + "/b.script").c_str());
+    [console openDocument:nil];
+    chosen = nil; // this one changes nothing
+    [console saveDocument:nil];
+    [console openDocument:nil];
+    ASSERT_EQ(panels.size(), 4U);
+    EXPECT_EQ(panels[1].folder, one);
+    EXPECT_EQ(panels[2].folder, two);
+    EXPECT_EQ(panels[3].folder, two);
+    ASSERT_EQ(remove((two + "/b.script").c_str()), 0);
+    ASSERT_EQ(rmdir(two.c_str()), 0);
+    [console saveDocument:nil];
+    EXPECT_NE(panels[4].folder, "") << "that it is gone is no harm";
+}
+
+TEST_F(FilePanels, ListFoldersAndScriptsAlone) {
+    const std::string all = Folder("all");
+    ASSERT_EQ(mkdir((all + "/folder").c_str(), 0700), 0);
+    for (const char* const name : {"/a.script", "/b.txt", "/c.png", "/d", "/e.script.bak"})
+        Write(all + name, "1\n");
+    chosen = @((all + "/a.script").c_str());
+    [console saveDocument:nil];
+    chosen = nil;
+    [console saveDocument:nil];
+    [console openDocument:nil];
+    ASSERT_EQ(panels.size(), 3U);
+    EXPECT_EQ(panels[1].listed, " a.script b.txt folder");
+    EXPECT_EQ(panels[2].listed, " a.script b.txt folder");
 }
 
 TEST_F(FilesAndPages, GospelOpensThePageInTheBrowser) {
