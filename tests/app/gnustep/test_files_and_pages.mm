@@ -43,7 +43,10 @@ NSInteger answer(id self, SEL) {
     textsIn([self contentView], texts);
     Waiting one = {
         [self isOneShot] != NO, [texts containsObject:@"Name:"] != NO, [[self directory] UTF8String], ""};
+    // It reads the folders again when it begins to wait: it knows none that came since the last time.
     NSBrowser* const browser = browserIn([self contentView]);
+    [browser loadColumnZero];
+    [browser setPath:[self directory]];
     for (NSCell* const cell in [[browser matrixInColumn:[browser lastColumn]] cells])
         one.listed += std::string(" ") + [[cell stringValue] UTF8String];
     panels.push_back(one);
