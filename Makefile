@@ -54,7 +54,7 @@ terminal: ## build the program for terminals alone, which needs no window, into 
 run: ## build and open the calculator: its window, or the console in this terminal where there is no display
 	@scripts/deps.sh run
 	@mkdir -p build
-	@[ -x $(window) ] || echo "building the calculator, progress in build/run.log ..." >&2
+	@[ -x $(window) ] || echo "building the calculator, which takes minutes the first time; progress in build/run.log ..." >&2
 	@{ $(configure_plain) && $(call compile,release); } </dev/null >build/run.log 2>&1 || { cat build/run.log >&2; exit 1; }
 	@scripts/run.sh $(window) build/release/bin/tallyquill
 

@@ -122,7 +122,7 @@ const std::vector<Builtin>& builtinTable() {
         {"sinh", "x", "hyperbolic sine", qsinh},
         {"rand", "x", "another random number from 0 to x each time", qrandom},
         {"floor", "x", "the largest whole number that is not above x", qfloorFixed},
-        {"round", "x", "the nearest whole number; halves go away from zero", qround},
+        {"round", "x", "the nearest whole number; halves go up, -2.5 to -2", qround},
         {"ceil", "x", "the smallest whole number that is not below x", qceil},
         {"abs", "x", "x without its sign", qabsolute},
         {"atan", "x", "inverse tangent, an angle", qatn, Kind::GivesAngle, qatndeg},

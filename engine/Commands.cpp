@@ -294,7 +294,7 @@ const std::vector<Command>& commandTable() {
         {"unit", Command::WORD_ARGUMENT, "unit smoot = 1.7018 meter", "a unit of your own, for `3 smoot->m` and the like", defineUnit},
         {"list", Command::EXACT, "list", nullptr, listFunctions},
         {"list units", Command::EXACT, "list units", "your functions, your units", listUnits},
-        {"del", Command::WORD, "del NAME, del all", "deletes a function, a variable or a unit; all variables", deleteNamed},
+        {"del", Command::WORD, "del NAME, del all", "deletes a function, a variable or a unit; all variables; not to be undone", deleteNamed},
         {"rem", Command::WORD, nullptr, nullptr, deleteNamed},
         {"disp", Command::WORD_ARGUMENT, "disp NAME", nullptr, display},
         {"echo", Command::WORD, "echo TEXT", "shows a variable, a text", showEcho},

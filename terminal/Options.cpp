@@ -43,8 +43,8 @@ constexpr OptionRow TABLE[] = {
     {"plain", 0, nullptr, "at the prompt, no editor, no preview and no colors", &Options::plain},
     {"color", 0, "auto|always|never", "whether the output has colors", &Options::color},
     {"trace", 0, nullptr, "show the trace of the evaluation on standard error", &Options::trace},
-    {"help", 0, nullptr, "show this help and exit", Action::ShowHelp},
-    {"version", 0, nullptr, "show the version and exit", Action::ShowVersion},
+    {"help", 'h', nullptr, "show this help and exit", Action::ShowHelp},
+    {"version", 'V', nullptr, "show the version and exit", Action::ShowVersion},
     {nullptr, 0, nullptr, nullptr, {}},
 };
 // clang-format on

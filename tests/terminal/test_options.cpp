@@ -58,6 +58,8 @@ TEST(Options, BehindTwoDashesEverythingIsAnEntry) {
 TEST(Options, HelpAndVersionAreAnsweredAtOnce) {
     EXPECT_EQ(parse({"--help"}).action, Options::Action::ShowHelp);
     EXPECT_EQ(parse({"1+1", "--version"}).action, Options::Action::ShowVersion);
+    EXPECT_EQ(parse({"-h"}).action, Options::Action::ShowHelp);
+    EXPECT_EQ(parse({"1+1", "-qV"}).action, Options::Action::ShowVersion);
 }
 
 TEST(Options, TheFirstDecidingOptionWins) {
@@ -67,7 +69,7 @@ TEST(Options, TheFirstDecidingOptionWins) {
 }
 
 TEST(Options, AnUnknownOptionIsRefusedByName) {
-    for (const char* const wrong : {"-5+3", "-", "-h", "--hel", "--trac=yes", "---", "-q5", "-\xff"}) {
+    for (const char* const wrong : {"-5+3", "-", "-H", "--hel", "--trac=yes", "---", "-q5", "-\xff"}) {
         EXPECT_EQ(refusalOf({wrong}).rfind("unknown option '" + std::string(wrong) + "'\n", 0), 0U) << wrong;
     }
 }
