@@ -67,12 +67,12 @@ bool isOperand(const node* term) {
     return term && (term->type == TERM_NUMBER || term->type == TERM_NAME || term->type == OP_CLOSE);
 }
 
-// The unit that the unit library's message ends with; the target when that is both or none.
+// The unit that the unit library's message names last; the target when that is both or none.
 const node* wrongUnit(std::string_view error, const node* source, const node* destination) {
-    const size_t end = std::min(error.rfind('\''), error.size());
-    const std::string_view quoted = error.substr(0, end);
-    const std::string_view named = quoted.substr(quoted.rfind('\'') + 1);
-    return named == source->text && named != destination->text ? source : destination;
+    const size_t sourceAt = error.rfind("'" + std::string(source->text) + "'");
+    const size_t destinationAt = error.rfind("'" + std::string(destination->text) + "'");
+    const bool isDestination = destinationAt != std::string_view::npos && destinationAt >= sourceAt;
+    return sourceAt == std::string_view::npos || isDestination ? destination : source;
 }
 
 } // namespace

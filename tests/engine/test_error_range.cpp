@@ -67,6 +67,8 @@ TEST_F(ErrorRange, IsTheNameOfAnUnknownFunction) {
 TEST_F(ErrorRange, IsTheWrongUnitOfAConversion) {
     EXPECT_EQ(Marked("5 km->milz"), "5 km->[milz]");
     EXPECT_EQ(Marked("(5 kmm -> mi) + 1"), "(5 [kmm] -> mi) + 1");
+    EXPECT_EQ(Marked("9.81 m/s/s->ft/s^2"), "9.81 [m/s/s]->ft/s^2");
+    EXPECT_EQ(Marked("9.81 m/s^2->ft/s/s"), "9.81 m/s^2->[ft/s/s]");
     EXPECT_EQ(Marked("1+5 km->s"), "1+5 km->[s]");
     EXPECT_EQ(Marked("(5 km->m)+wdth"), "(5 km->m)+[wdth]");
     EXPECT_EQ(Marked("2*km->"), "2*km[->]");
