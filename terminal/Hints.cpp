@@ -6,10 +6,13 @@
 #include "EntryText.h"
 #include "Functions.h"
 #include "Helpers_String.h"
+#include "OtherHabits.h"
 #include "ScreenText.h"
 #include "units.h"
 
 #include <algorithm>
+#include <functional>
+#include <numeric>
 #include <set>
 #include <vector>
 
@@ -121,6 +124,7 @@ std::string missingParentheses(const Trouble& trouble) {
     const std::string& part = trouble.part;
     const size_t digits = part.find_first_of("0123456789.");
     if (digits == 0 || digits == std::string::npos) return "";
+    if (startsWith(trouble.behind, "(")) return ""; // atan2(1,1)
     const std::string name = part.substr(0, digits);
     if (!funcs.FunctionExists(name.c_str(), 1)) return "";
     return "a function's argument stands in parentheses: write " + name + "(" + part.substr(digits) + ")";
@@ -190,18 +194,38 @@ constexpr struct {
     std::string_view name, unit;
 } OTHER_NAMES[] = {{"feet", "foot"}, {"mph", "mile/hr"}, {"kph", "km/hr"}, {"kmh", "km/hr"}};
 
-// Behind a prefix anything short is near to something: there it is a wrong capital or a letter typed twice.
-std::string nearestUnit(std::string_view name) {
-    constexpr size_t LONG = 6;
+std::string underOtherName(std::string_view name) {
     for (const auto& other : OTHER_NAMES) {
         if (name == other.name) return std::string(other.unit);
     }
+    return "";
+}
+
+// The one of the names that differs in capitals alone, and in the fewest of them: of ml not ML but mL.
+std::string withOtherCase(std::string_view name, const std::vector<std::string>& names) {
+    const std::string lower = lowerCased(std::string(name));
+    std::string best;
+    ptrdiff_t most = -1;
+    for (const std::string& candidate : names) {
+        if (lowerCased(candidate) != lower) continue;
+        const ptrdiff_t same = std::inner_product(candidate.begin(), candidate.end(), name.begin(),
+                                                  ptrdiff_t{0}, std::plus<>(), std::equal_to<>());
+        if (same > most) best = candidate;
+        most = std::max(most, same);
+    }
+    return best;
+}
+
+// Behind a prefix anything short is near to something: there it is a wrong capital or a letter typed twice.
+std::string nearestUnit(std::string_view name) {
+    constexpr size_t LONG = 6;
     std::vector<std::string> units, prefixed;
     for (const UnitSpelling& spelling : units_spellings("")) {
         if (!spelling.IsPrefix()) (spelling.prefixLength == 0 ? units : prefixed).push_back(spelling.name);
     }
-    std::string nearest = nearestName(name, prefixed);
-    if (lowerCased(nearest) == lowerCased(std::string(name))) return nearest;
+    const std::string otherCase = withOtherCase(name, prefixed);
+    if (!otherCase.empty()) return otherCase;
+    const std::string nearest = nearestName(name, prefixed);
     std::string nearestAlone = nearestName(name, units);
     if (!nearestAlone.empty() || name.size() >= LONG) return nearestAlone.empty() ? nearest : nearestAlone;
     const std::string_view once = name.substr(0, name.size() - 1);
@@ -220,8 +244,46 @@ std::string unknownUnit(const Trouble& trouble) {
     for (const Formula& formula : FORMULAS) {
         if (scale && scale->letter == formula.to) return conversionBy(formula, "");
     }
-    const std::string nearest = nearestUnit(name);
+    const std::string other = underOtherName(name);
+    const std::string shipped = other.empty() ? hintForUnit(name) : "";
+    if (!shipped.empty()) return shipped;
+    const std::string nearest = other.empty() ? nearestUnit(name) : other;
     return nearest.empty() ? ":units lists the units" : "the nearest unit is " + nearest;
+}
+
+// m/s/s
+std::string secondSlash(const Trouble& trouble) {
+    return contains(trouble.message, "only one '/' allowed")
+               ? "a unit has one /, and all behind it divides: write m/s^2"
+               : "";
+}
+
+// (5 ft->cm)+(3 in->cm)
+std::string secondArrow(const Trouble& trouble) {
+    const size_t arrow = trouble.entry.find("->");
+    if (trouble.part != ">" || arrow == std::string_view::npos) return "";
+    if (trouble.entry.find("->", arrow + 2) == std::string_view::npos) return "";
+    return "a statement has one conversion: write a=5 ft->cm; a+(3 in->cm)";
+}
+
+// 5 km to mi, 10 mod 3
+std::string operatorAsWord(const Trouble& trouble) {
+    return contains(trouble.message, "ERROR 7") ? hintForWords(trouble.entry) : "";
+}
+
+std::string functionOfOthers(const Trouble& trouble) {
+    return startsWith(trouble.message, "** ERROR: unrecognized function") ? hintForFunction(trouble.part)
+                                                                          : "";
+}
+
+// 12,34
+std::string commaAsPoint(const Trouble& trouble) {
+    const std::string& part = trouble.part;
+    const size_t comma = part.find(',');
+    const bool isNumber = part.find_first_not_of("0123456789,") == std::string::npos;
+    if (trouble.calc.european || !isNumber || comma == 0 || comma == std::string::npos) return "";
+    if (comma + 1 == part.size() || part.find(',', comma + 1) != std::string::npos) return "";
+    return "decimals have a point here: write " + part.substr(0, comma) + "." + part.substr(comma + 1);
 }
 
 std::string frontEndWord(const Trouble& trouble) {
@@ -265,8 +327,9 @@ std::string unknownName(const Trouble& trouble) {
 }
 
 constexpr std::string (*HINTS[])(const Trouble&) = {
-    frontEndWord, signBehindSign,     starredPower, percent,      missingStarBeforeParenthesis,
-    missingStar,  missingParentheses, temperature,  eulersNumber, unknownUnit,
+    frontEndWord,   signBehindSign,     starredPower, percent,      missingStarBeforeParenthesis,
+    operatorAsWord, commaAsPoint,       secondArrow,  secondSlash,  functionOfOthers,
+    missingStar,    missingParentheses, temperature,  eulersNumber, unknownUnit,
     unknownName};
 
 } // namespace

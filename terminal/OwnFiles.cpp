@@ -106,6 +106,13 @@ void takeShipped(ZqCalculator& calc, std::string_view name) {
     }
 }
 
+std::string_view shippedText(std::string_view name) {
+    for (const ShippedText& shipped : SHIPPED_TEXTS) {
+        if (name == shipped.name) return shipped.text;
+    }
+    return {};
+}
+
 std::vector<std::string_view> shippedNames() {
     std::vector<std::string_view> names;
     for (const ShippedText& shipped : SHIPPED_TEXTS) names.emplace_back(shipped.name);

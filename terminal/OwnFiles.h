@@ -34,3 +34,6 @@ FileReading takeInitFile(ZqCalculator& calc, System& system = System::Real());
 // is none of shippedNames. They are compiled in.
 void takeShipped(ZqCalculator& calc, std::string_view name);
 std::vector<std::string_view> shippedNames();
+
+// The entries of that file, one a line; empty when the name is none of them.
+std::string_view shippedText(std::string_view name);

@@ -73,6 +73,8 @@ TEST_F(HintAfterError, NamesTheNearestUnit) {
     EXPECT_EQ(Hint("5 galons->m^3"), "the nearest unit is gallon\n");
     EXPECT_EQ(Hint("5 feet->meters"), "the nearest unit is foot\n");
     EXPECT_EQ(Hint("5 metr->foot"), "the nearest unit is meter\n");
+    EXPECT_EQ(Hint("1 l->m^3"), "the nearest unit is L\n");
+    EXPECT_EQ(Hint("1 L->ml"), "the nearest unit is mL\n");
     EXPECT_EQ(Hint("90 kph->m/s"), "the nearest unit is km/hr\n");
     EXPECT_EQ(Hint("5 foot->celsius"),
               "F and C are farad and coulomb here; temperatures: write (72-32)/1.8\n");
@@ -82,8 +84,50 @@ TEST_F(HintAfterError, NamesTheNearestUnit) {
     EXPECT_EQ(Hint("5 kmh->m/s"), "the nearest unit is km/hr\n");
     EXPECT_EQ(Hint("5 milimeter->m"), "the nearest unit is millimeter\n");
     EXPECT_EQ(Hint("5 kilometre->m"), "the nearest unit is kilometer\n");
-    for (const char* name : {"usd", "eur", "ton", "kilo", "kWh", "qqqqq"})
+    for (const char* name : {"usd", "eur", "ton", "kilo", "qqqqq"})
         EXPECT_EQ(Hint("5 " + std::string(name) + "->m"), ":units lists the units\n") << name;
+}
+
+TEST_F(HintAfterError, TellsWhichUnitsASetHas) {
+    EXPECT_EQ(Hint("32 psi->bar"), "psi is there after tallyquill --with everyday\n");
+    EXPECT_EQ(Hint("1 MJ->kWh"), "kWh is there after tallyquill --with everyday; or write kW*h\n");
+    EXPECT_EQ(Hint("1 Wh->J"), "Wh is there after tallyquill --with everyday; or write W*h\n");
+    EXPECT_EQ(Hint("1 KiB->m"), "KiB is there after tallyquill --with everyday\n");
+    EXPECT_EQ(Hint("90 mph->m/s"), "the nearest unit is mile/hr\n");
+}
+
+TEST_F(HintAfterError, TellsThatAStatementHasOneConversionAndAUnitOneDivision) {
+    EXPECT_EQ(Hint("(5 ft->cm)+(3 in->cm)"),
+              "a statement has one conversion: write a=5 ft->cm; a+(3 in->cm)\n");
+    EXPECT_EQ(Hint("9.81 m/s/s->ft/s^2"), "a unit has one /, and all behind it divides: write m/s^2\n");
+    EXPECT_EQ(Hint("3+>5"), "");
+}
+
+TEST_F(HintAfterError, WritesOperatorsThatAreWordsElsewhere) {
+    EXPECT_EQ(Hint("5 km to mi"), "a conversion is written with ->: write 5 km->mi\n");
+    EXPECT_EQ(Hint("5 km in mi"), "a conversion is written with ->: write 5 km->mi\n");
+    EXPECT_EQ(Hint("0xFF xor 3"), "an exclusive or is written with @: write 0xFF @ 3\n");
+    EXPECT_EQ(Hint("10 MOD 3"), "a remainder is written with %: write 10 % 3\n");
+    EXPECT_EQ(Hint("12 and 10"), "an and of bits is written with &: write 12 & 10\n");
+    EXPECT_EQ(Hint("12 or 10"), "an or of bits is written with |: write 12 | 10\n");
+    EXPECT_EQ(Hint("255 in hex"), "display hex shows answers so; at the prompt, :base hex the last one\n");
+    EXPECT_EQ(Hint("xor 3"), "");
+}
+
+TEST_F(HintAfterError, SaysHowOtherFunctionsAreWritten) {
+    EXPECT_EQ(Hint("cbrt(27)"), "roots are powers: write 27^(1/3)\n");
+    EXPECT_EQ(Hint("1+Pow(2,3)"), "a power is written with ^: write 2^3\n");
+    EXPECT_EQ(Hint("hex(255)"), "display hex shows answers so; at the prompt, :base hex the last one\n");
+    EXPECT_EQ(Hint("atan2(1,1)"), "where x is above zero, it is atan(y/x)\n");
+    EXPECT_EQ(Hint("max(1,2)"), "there is none at first; define max(a,b)=(a+b+abs(a-b))/2\n");
+    EXPECT_EQ(Hint("min(1,2)"), "there is none at first; define min(a,b)=(a+b-abs(a-b))/2\n");
+}
+
+TEST_F(HintAfterError, WritesADecimalPoint) {
+    EXPECT_EQ(Hint("12,34*2"), "decimals have a point here: write 12.34\n");
+    EXPECT_EQ(Hint("1,2,3"), "");
+    calc->european = true;
+    EXPECT_EQ(Hint("12.34"), "");
 }
 
 TEST_F(HintAfterError, NamesTheNearestNameOfAVariableOrFunction) {
