@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "Run.h"
 
+#include "Colors.h"
 #include "Ending.h"
 #include "EntryText.h"
+#include "Helpers_String.h"
+#include "Hints.h"
+#include "ShownText.h"
 
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -18,6 +24,16 @@ constexpr size_t MAX_DATA_LENGTH = 1 << 20;
 
 // Some programs begin a file with it.
 constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
+
+// What may help after the error of an entry that was an argument, or nothing.
+std::string hintForArgument(const std::string& entry, ZqCalculator& calc) {
+    std::error_code unknown; // a name that is too long, say, is no file's
+    if (std::filesystem::is_regular_file(entry, unknown))
+        return entry + " is a file: tallyquill -f " + entry + " evaluates its lines\n";
+    if (calc.status != STATUS_ERROR || calc.entryLine != entry) return "";
+    const std::string hint = hintAfterError(entry, calc);
+    return startsWith(hint, ":") ? "at the prompt, " + hint : hint;
+}
 
 } // namespace
 
@@ -42,16 +58,30 @@ void Run::Tell(const FileReading& reading) {
     if (!reading.complaint.empty()) complain(reading.complaint);
 }
 
+// Scripts and other programs read what is no terminal: they get the error alone.
+void Run::AddHints() {
+    if (system.IsTerminal(STDERR_FILENO) != 1) return;
+    const bool hasColors = !options.plain && wantsColors(options.color, STDERR_FILENO, system);
+    session.SetErrorForm([this, hasColors](const std::string& error) {
+        if (argument.empty()) return error;
+        const std::string hint = shownText(hintForArgument(std::string(argument), session.Calculator()));
+        return error + (hasColors && !hint.empty() ? colored(Shade::Hint, hint) : hint);
+    });
+}
+
 int Run::Evaluate() {
+    AddHints();
     std::optional<Each> each; // before the inputs, which may set other values to begin with
     if (!options.each.empty()) each.emplace(session.Calculator(), options.each, options.separator);
     Over over;
     size_t number = 0;
     for (const Options::Input& input : options.inputs) {
         session.SetPlace(++number);
+        argument = input.isFile ? std::string_view() : input.text;
         over = input.isFile ? EvaluateFile(std::string(input.text)) : EvaluateEntry(input.text);
         if (over) return *over;
     }
+    argument = {};
     if (each)
         over = EvaluateEach(*each);
     else if (options.inputs.empty())

@@ -49,6 +49,9 @@ private:
     int InputLost(const std::string& name);
 
     void Tell(const FileReading& reading);
+
+    // From here on errors of arguments are followed by a line that may help, when a person reads them.
+    void AddHints();
     Over EvaluateEntry(std::string_view entry);
     Over EvaluateEach(Each& each);
     Over Answer(Session::Outcome outcome);
@@ -59,6 +62,7 @@ private:
     int answers;
     const Options& options;
     System& system;
+    std::string_view argument;               // the entry that runs, when it is one
     bool isFileLost = false;                 // one of the person's
     std::optional<InterruptCatcher> catcher; // while entries run
 };

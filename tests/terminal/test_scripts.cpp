@@ -3,11 +3,13 @@
 // Files of entries, and the options for scripts.
 #include "program.h"
 
+#include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -209,6 +211,42 @@ TEST(Streams, TheLocaleChangesNothing) {
         invocation.environment = {std::string("LC_ALL=") + locale};
         expectRun(runProgram(invocation), 0, "3\n5400000\n0.5\n", "");
     }
+}
+
+// What stands in a terminal behind the run; its last line is of an entry without a hint.
+std::string shownInTerminal(std::vector<std::string> arguments) {
+    const std::string last = "** ERROR: divide by zero **\n";
+    arguments.insert(arguments.begin(), "--color=never");
+    arguments.emplace_back("1/0");
+    Terminal terminal(arguments);
+    const std::string shown = terminal.ReadUntil(last);
+    EXPECT_EQ(terminal.Wait(), 1);
+    return shown.substr(0, shown.size() - std::min(last.size(), shown.size()));
+}
+
+TEST(Hints, FollowTheErrorOfAnArgumentInATerminal) {
+    EXPECT_EQ(shownInTerminal({"2**3"}), "** ERROR 2: operator '*' missing argument **\n"
+                                         "a power is written with ^: write 2^3\n");
+    EXPECT_EQ(shownInTerminal({"1 zork->m"}), "** ERROR 13: invalid unit name 'zork' in 'zork' **\n"
+                                              "at the prompt, :units lists the units\n");
+}
+
+TEST(Hints, SayHowAFileIsEvaluated) {
+    const TemporaryFile file;
+    const std::string name = file.Path();
+    const std::string shown = shownInTerminal({name});
+    const std::string end = "\n" + name + " is a file: tallyquill -f " + name + " evaluates its lines\n";
+    EXPECT_EQ(shown.substr(shown.size() - std::min(end.size(), shown.size())), end);
+}
+
+TEST(Hints, DoNotFollowErrorsOfFiles) {
+    const Script file("2**3\n");
+    EXPECT_EQ(shownInTerminal({"-f", file.Path()}),
+              file.Path() + ":1: ** ERROR 2: operator '*' missing argument **\n");
+}
+
+TEST(Hints, AreNotForOtherPrograms) {
+    expectRun(evaluate({"2**3"}), 1, "", "** ERROR 2: operator '*' missing argument **\n");
 }
 
 TEST(Streams, ControlCIsTheStatus130ForAShell) {
