@@ -22,36 +22,16 @@ std::vector<std::string_view> linesOf(std::string_view text) {
     return lines;
 }
 
-// A line's text without the signs for code, bold and links; in code there are no others.
-std::string withoutMarks(std::string_view line) {
-    std::string text;
-    for (size_t i = 0; i < line.size(); ++i) {
-        if (line[i] == '`') {
-            const size_t end = std::min(line.find('`', i + 1), line.size());
-            text += line.substr(i + 1, end - i - 1);
-            i = end;
-        } else if (line.substr(i, 2) == "**") {
-            ++i;
-        } else if (line.substr(i, 2) == "](") {
-            i = std::min(line.find(')', i), line.size() - 1);
-        } else if (line[i] == '[' && line.find("](", i) != std::string_view::npos) {
-            continue;
-        } else {
-            text += line[i];
-        }
-    }
-    return text;
-}
-
 // The cells of "| a | b |".
-std::vector<std::string> cellsOf(std::string_view row) {
+std::vector<std::string> cellsOf(std::string_view row, Marks marks = Marks::Removed) {
     std::vector<std::string> cells;
     row.remove_prefix(1);
     while (!row.empty()) {
         size_t end = std::min(row.find('|'), row.size());
         while (end > 0 && end < row.size() && row[end - 1] == '\\')
             end = std::min(row.find('|', end + 1), row.size());
-        std::string cell = withoutMarks(row.substr(0, end));
+        std::string cell(row.substr(0, end));
+        if (marks == Marks::Removed) cell = withoutMarks(cell);
         for (size_t bar = cell.find("\\|"); bar != std::string::npos; bar = cell.find("\\|"))
             cell.erase(bar, 1);
         const size_t start = std::min(cell.find_first_not_of(' '), cell.size());
@@ -106,6 +86,27 @@ bool containsIn(std::string_view text, std::string_view part) {
 
 } // namespace
 
+// In code there are no other signs.
+std::string withoutMarks(std::string_view line) {
+    std::string text;
+    for (size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '`') {
+            const size_t end = std::min(line.find('`', i + 1), line.size());
+            text += line.substr(i + 1, end - i - 1);
+            i = end;
+        } else if (line.substr(i, 2) == "**") {
+            ++i;
+        } else if (line.substr(i, 2) == "](") {
+            i = std::min(line.find(')', i), line.size() - 1);
+        } else if (line[i] == '[' && line.find("](", i) != std::string_view::npos) {
+            continue;
+        } else {
+            text += line[i];
+        }
+    }
+    return text;
+}
+
 std::string plainText(std::string_view markdown, int columns) {
     const auto width = static_cast<size_t>(columns);
     std::string text;
@@ -159,6 +160,29 @@ std::string guideSection(std::string_view topic, int columns) {
     return "";
 }
 
+std::string guideLines(std::string_view something, int columns) {
+    std::string text;
+    for (const std::string& title : guideTopics(something)) {
+        std::string found;
+        std::string block;
+        const auto endBlock = [&] {
+            if (containsIn(block, something)) found += block + (startsWith(block, "|") ? "" : "\n");
+            block.clear();
+        };
+        bool isCode = false;
+        for (const std::string_view line : linesOf(guideMarkdown(title))) {
+            const bool isFence = startsWith(line, "```");
+            if (isFence) isCode = !isCode;
+            if (isCode || isFence || line.empty() || startsWith(line, "|") || startsWith(line, ITEM))
+                endBlock();
+            if (!isCode && !isFence && !line.empty()) block.append(line).append("\n");
+        }
+        endBlock();
+        if (!found.empty()) text += title + "\n" + plainText(found, columns);
+    }
+    return text;
+}
+
 std::string_view guideMarkdown(std::string_view title) {
     for (const std::string& topic : guideTopics()) {
         if (topic == title) return sectionOf(topic).substr(topic.size() + 1);
@@ -166,21 +190,21 @@ std::string_view guideMarkdown(std::string_view title) {
     return {};
 }
 
-std::vector<std::vector<std::string>> tableRows(std::string_view markdown) {
+std::vector<std::vector<std::string>> tableRows(std::string_view markdown, Marks marks) {
     std::vector<std::vector<std::string>> rows;
     for (const std::string_view line : linesOf(markdown)) {
-        if (!isRule(line)) rows.push_back(cellsOf(line));
+        if (!isRule(line)) rows.push_back(cellsOf(line, marks));
     }
     if (!rows.empty()) rows.erase(rows.begin());
     return rows;
 }
 
-std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head) {
+std::vector<std::vector<std::string>> guideRows(std::string_view title, std::string_view head, Marks marks) {
     std::vector<std::vector<std::string>> rows;
     bool isInside = false;
     for (const std::string_view line : linesOf(sectionOf(std::string(title)))) {
         const bool isRow = startsWith(line, "|");
-        if (isRow && isInside && !isRule(line)) rows.push_back(cellsOf(line));
+        if (isRow && isInside && !isRule(line)) rows.push_back(cellsOf(line, marks));
         isInside = isRow && (isInside || cellsOf(line)[0] == head);
     }
     return rows;

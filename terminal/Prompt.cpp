@@ -50,6 +50,7 @@ public:
 
 private:
     Session::Outcome Answer(const std::string& line, bool isPasted);
+    void Remember(const std::string& line);
     Session::Outcome Evaluate(const std::string& line, bool isPasted);
     Session::Outcome AnswerWord(const std::string& line);
     std::string WithHelp(const std::string& error) const;
@@ -117,15 +118,20 @@ PromptEnd Prompt::Run() {
 Session::Outcome Prompt::Answer(const std::string& line, bool isPasted) {
     const size_t start = line.find_first_not_of(" \t");
     const bool isWord = start != std::string::npos && line[start] == ':';
-    const bool isRecorded = session.Calculator().histStack && checkEntry(line) == EntryFault::None;
-    if (isRecorded && !strIsEqualNI(line.c_str(), "histstack off", 13) && files.AddToHistory(line))
-        lines->AddToHistory(line);
+    if (!isWord) Remember(line);
     current = line;
     const Session::Outcome outcome = isWord ? AnswerWord(line.substr(start)) : Evaluate(line, isPasted);
+    if (isWord) Remember(line); // so that ":history x" does not find itself
     if (outcome == Session::Outcome::OutputLost) return outcome;
     const std::string news = files.TakeNews();
     if (!news.empty() && screen >= 0) writeAll(screen, shownText(news + "\n"), system);
     return outcome;
+}
+
+void Prompt::Remember(const std::string& line) {
+    const bool isRecorded = session.Calculator().histStack && checkEntry(line) == EntryFault::None;
+    if (isRecorded && !strIsEqualNI(line.c_str(), "histstack off", 13) && files.AddToHistory(line))
+        lines->AddToHistory(line);
 }
 
 Session::Outcome Prompt::Evaluate(const std::string& line, bool isPasted) {

@@ -80,11 +80,17 @@ std::string helpOfName(const std::string& name) {
     return text;
 }
 
+// Of lines from several parts of the guide; more are no answer.
+constexpr size_t MOST_LINES = 20;
+
 PromptReply help(const PromptState& state, const std::string& topic) {
     if (topic.empty()) return {PromptReply::TEXT, helpOfWords()};
     std::string text = helpOfName(topic);
     if (text.empty()) text = guideSection(topic, state.columns);
-    if (!text.empty()) return {PromptReply::TEXT, text};
+    const bool isSection = !text.empty(); // or a name
+    if (text.empty()) text = guideLines(topic, state.columns);
+    const auto lines = static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+    if (isSection || (lines > 0 && lines <= MOST_LINES)) return {PromptReply::TEXT, text};
     std::string titles;
     for (const std::string& title : guideTopics(topic)) titles += (titles.empty() ? "" : ", ") + title;
     const std::string rest = titles.empty() ? ":help lists the topics" : "these topics tell of it: " + titles;

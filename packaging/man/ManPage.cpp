@@ -61,18 +61,36 @@ std::string inlineRoff(std::string_view text) {
     return out;
 }
 
-// A cell of the guide as a sentence.
-std::string sentence(std::string cell) {
-    cell[0] = static_cast<char>(toupper(static_cast<unsigned char>(cell[0])));
+// A cell of the guide as the end of a sentence, and as a whole one.
+std::string ended(std::string cell) {
     return cell.back() == '.' ? cell : cell + ".";
 }
 
-std::string rowOf(const std::vector<std::string>& cells) {
+std::string sentence(std::string cell) {
+    cell[0] = static_cast<char>(toupper(static_cast<unsigned char>(cell[0])));
+    return ended(std::move(cell));
+}
+
+// One `code` and nothing else: an answer or a value, which is no sentence.
+bool isOneCode(const std::string& cell) {
+    return cell.size() > 2 && cell.find('`', 1) == cell.size() - 1 && cell.front() == '`';
+}
+
+// The cells behind the first, with their marks: "`off`" and "decimal comma" become "off: decimal comma."
+std::string textOf(const std::vector<std::string>& cells) {
     std::string text;
+    bool isBehindCode = false;
     for (size_t i = 1; i < cells.size(); ++i) {
-        if (!cells[i].empty()) text += (text.empty() ? "" : " ") + escaped(sentence(cells[i]));
+        if (cells[i].empty()) continue;
+        if (!text.empty()) text += isBehindCode ? ": " : " ";
+        text += isOneCode(cells[i]) ? cells[i] : isBehindCode ? ended(cells[i]) : sentence(cells[i]);
+        isBehindCode = isOneCode(cells[i]);
     }
-    return ".TP\n.B \"" + escaped(cells.at(0)) + "\"\n" + lineOf(text);
+    return text;
+}
+
+std::string rowOf(const std::vector<std::string>& cells) {
+    return ".TP\n.B \"" + escaped(withoutMarks(cells.at(0))) + "\"\n" + lineOf(inlineRoff(textOf(cells)));
 }
 
 std::string tableOf(const std::vector<std::vector<std::string>>& rows) {
@@ -131,7 +149,7 @@ private:
     }
 
     void EndTable() {
-        if (!isProseOnly) text += tableOf(tableRows(table));
+        if (!isProseOnly) text += tableOf(tableRows(table, Marks::Kept));
         table.clear();
     }
 
@@ -146,7 +164,8 @@ private:
 std::string partOf(std::string_view kind, const std::string& place) {
     if (kind == "TABLE") {
         const size_t colon = std::min(place.find(": "), place.size());
-        return tableOf(guideRows(place.substr(0, colon), place.substr(std::min(colon + 2, place.size()))));
+        return tableOf(
+            guideRows(place.substr(0, colon), place.substr(std::min(colon + 2, place.size())), Marks::Kept));
     }
     return roffOf(guideMarkdown(place), kind == "PROSE");
 }

@@ -255,6 +255,14 @@ TEST(ManPage, HasWhatTheGuideSays) {
     expectNothingOfTheGuide(source);
 }
 
+TEST(ManPage, LeavesAnswersAndValuesAsTheyAre) {
+    const std::string page = manPage();
+    EXPECT_NE(page.find("\n.TP\n.B \"17%5\"\nans = 2: remainder.\n"), std::string::npos);
+    EXPECT_NE(page.find("\n.TP\n.B \"european\"\noff: decimal comma, or point.\n"), std::string::npos);
+    EXPECT_NE(page.find("\n.TP\n.B \"(6&3)==2\"\nans = 1\n"), std::string::npos);
+    EXPECT_NE(page.find("\n.TP\n.B \"@\"\nExclusive or (xor), bit by bit.\n"), std::string::npos);
+}
+
 // The pages that people have come from these templates, and no line of them is left.
 TEST(ManPage, HasNoPlaceThatIsNotFilledIn) {
     EXPECT_FALSE(std::regex_search(manPage(), std::regex("\n@[A-Z]+ ")));
