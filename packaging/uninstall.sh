@@ -18,7 +18,12 @@ destination=${DESTDIR:-}
     exit 1
 }
 
-while read -r file || [ -n "$file" ]; do rm -f "$destination$file"; done <"$list"
+files=0
+while read -r file || [ -n "$file" ]; do
+    [ ! -e "$destination$file" ] && [ ! -L "$destination$file" ] || files=$((files + 1))
+    rm -f "$destination$file"
+done <"$list"
+echo "uninstall: removed $files files below $destination$prefix"
 
 # Every folder above a file up to the prefix; the deepest come first.
 above() {

@@ -118,7 +118,10 @@ class Programs(Installed):
         for name in foreign:
             with open(f"{other}/{name}", "w", encoding="utf-8") as file:
                 file.write("of another program\n")
-        output(SOURCE + "/packaging/uninstall.sh", self.folder + "/other.txt", other)
+        count = len(text.splitlines())
+        os.remove(text.splitlines()[0])  # by hand, so it is not there to be removed
+        said = output(SOURCE + "/packaging/uninstall.sh", self.folder + "/other.txt", other)
+        self.assertEqual(said, f"uninstall: removed {count - 1} files below {other}\n")
         self.assertEqual(files_below(other), set(foreign))
         folders = {os.path.relpath(path, other) for path, _, _ in os.walk(other)}
         self.assertEqual({name for name in folders if "/" in name}, {"share/man", "share/man/man1", "share/doc"})
