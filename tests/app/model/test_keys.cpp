@@ -71,6 +71,7 @@ TEST(MenuKeys, AreTakenWithCommand) {
     EXPECT_EQ(chosen('y', COMMAND_KEY), "");
     EXPECT_EQ(chosen('c', 0), "");
     EXPECT_EQ(chosen('c', SHIFT_KEY), "");
+    EXPECT_EQ(chosen(0x443, COMMAND_KEY), "") << "0x43, which is C, in its low byte";
 }
 
 TEST(MenuKeys, AreTakenWithControlWhereOtherProgramsDo) {
