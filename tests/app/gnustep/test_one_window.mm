@@ -100,6 +100,12 @@ TEST_F(OneWindowTest, WhoDoesNotWaitForTheAnswerIsNotServed) {
     EXPECT_FALSE(first.Answer(taken));
 }
 
+TEST_F(OneWindowTest, WhereNothingCanBeMadeEveryWindowIsOnItsOwn) {
+    OneWindow window(folder + "/missing/place");
+    EXPECT_FALSE(window.HandOver({}, false));
+    EXPECT_LT(window.Listener(), 0);
+}
+
 TEST_F(OneWindowTest, WithoutAPlaceEveryWindowIsOnItsOwn) {
     OneWindow window("");
     EXPECT_FALSE(window.HandOver({}, false));
@@ -112,4 +118,16 @@ TEST(MeetingPlace, IsAnotherOneForEachFolderAndDisplay) {
     EXPECT_NE(one, meetingPlace("/home/a/Tallyquill", ":1"));
     EXPECT_NE(one, meetingPlace("/home/b/Tallyquill", ":0"));
     EXPECT_EQ(one.compare(0, 5, getenv("XDG_RUNTIME_DIR"), 5), 0);
+}
+
+TEST(MeetingPlace, IsInTheFolderWhereTheSystemHasNoneForTheRun) {
+    const std::string before = getenv("XDG_RUNTIME_DIR");
+    for (const char* const none : {"", "relative"}) {
+        setenv("XDG_RUNTIME_DIR", none, 1);
+        EXPECT_EQ(meetingPlace("/home/a/Tallyquill", ":0").rfind("/home/a/Tallyquill/tallyquill-", 0), 0u);
+    }
+    unsetenv("XDG_RUNTIME_DIR");
+    EXPECT_EQ(meetingPlace("/home/a/Tallyquill", ":0").rfind("/home/a/Tallyquill/tallyquill-", 0), 0u);
+    EXPECT_EQ(meetingPlace(std::string(100, 'x'), ":0"), "") << "longer than the address of a socket";
+    setenv("XDG_RUNTIME_DIR", before.c_str(), 1);
 }
