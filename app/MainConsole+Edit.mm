@@ -121,12 +121,16 @@ static const char NOT_FETCHED[] = "The text could not be fetched.";
 
 - (void)mouseDown:(NSEvent*)event {
     [self endSearch];
-    if (platformTakeEarlyRelease())
+    if (platformTakeEarlyRelease()) {
         [self click:event];
-    else if ([event clickCount] == 1 && [self isSelectedAt:event])
+        return;
+    }
+    NSTimer* const watch = platformWatchForRelease(event);
+    if ([event clickCount] == 1 && [self isSelectedAt:event])
         [self clickOrDrag:event];
     else
         [super mouseDown:event];
+    [watch invalidate];
 }
 
 - (BOOL)isSelectedAt:(NSEvent*)event {

@@ -13,6 +13,10 @@ bool platformTakeEarlyRelease() {
     return false;
 }
 
+NSTimer* platformWatchForRelease(NSEvent*) {
+    return nil;
+}
+
 uint32_t platformKeyCode(NSEvent* event) {
     return [event keyCode];
 }

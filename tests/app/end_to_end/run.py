@@ -76,6 +76,18 @@ class EndToEnd(Scenario):
         window.wait_for_text("\n> 9")
         self.quit(window)
 
+    def test_clicks_without_length_leave_the_keys_alive(self):
+        """As those of touch pads are: the button is up again before the program looks."""
+        window = self.start()
+        for number in range(10):
+            window.enter(f"{number}+1")
+            window.point(60, 70)
+            run("xdotool", "click", "--repeat", str(1 + number % 3), "--delay", "0", "1")
+            window.key("End")
+        window.enter("40+2")
+        window.wait_for_text("\nans = 42\n\n> ")
+        self.quit(window)
+
     def test_tab_completes(self):
         window = self.start()
         window.enter("tripled(x)=3*x")
