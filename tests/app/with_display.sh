@@ -127,8 +127,10 @@ export HOME="$dir/home" XDG_DATA_HOME="$dir/home/data" LANG=C
 # shared.
 export TMPDIR="$dir/tmp" TMP="$dir/tmp" TEMP="$dir/tmp" XDG_RUNTIME_DIR="$dir/run"
 unset LC_ALL LC_NUMERIC LC_CTYPE
-# The first start takes the decimal mark from the language, and the tests expect a point.
-[ -z "${TALLYQUILL_TEST_LANGUAGE:-}" ] || export LANG="$TALLYQUILL_TEST_LANGUAGE" LC_NUMERIC=C
+# Not that of numbers and messages: the first start takes the decimal mark from it, and the tests expect a point.
+if [ -n "${TALLYQUILL_TEST_LANGUAGE:-}" ]; then
+    export LC_CTYPE="$TALLYQUILL_TEST_LANGUAGE" LC_COLLATE="$TALLYQUILL_TEST_LANGUAGE" LC_TIME="$TALLYQUILL_TEST_LANGUAGE"
+fi
 unset XDG_CONFIG_HOME XDG_CACHE_HOME XDG_STATE_HOME WAYLAND_DISPLAY
 unset DBUS_SESSION_BUS_ADDRESS SESSION_MANAGER XAUTHORITY
 

@@ -32,6 +32,8 @@ PLACES = [
     ("with empty variables", {"HOME": "", "TZ": "", "LC_ALL": "", **{name: "" for name in XDG}}),
     ("in a language that there is not", {"LC_ALL": "xx_XX.NONE", "HOME": "/nonexistent/\n"}),
 ]
+# Its home and the XDG folders are those of the display that it gets.
+PLACES_OF_THE_WINDOW = [place for place in PLACES if "LC_ALL" in place[1] and "HOME" not in place[1]]
 
 
 def make_locales(folder):
@@ -75,7 +77,7 @@ def main():
     with tempfile.TemporaryDirectory() as locales:
         make_locales(locales)
         for suite in options.suites or (QUICK if options.few else [*SUITES, WINDOW]):
-            for title, changes in PLACES:
+            for title, changes in PLACES_OF_THE_WINDOW if suite == WINDOW else PLACES:
                 variables = {**os.environ, "LOCPATH": locales, **changes}
                 variables = {name: value for name, value in variables.items() if value is not None}
                 arguments = ["--gtest_filter=" + QUICK[suite]] if options.few else []
