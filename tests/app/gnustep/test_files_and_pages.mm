@@ -3,6 +3,7 @@
 // The panels for files, and opening pages in the browser.
 #import "../shell_fixture.h"
 
+#include <set>
 #include <sys/stat.h>
 
 @interface MainConsole (FilePanels)
@@ -17,10 +18,11 @@ struct Waiting {
     bool isMadeAnew;
     bool isNamed; // the field for the name has its label
     std::string folder;
-    std::string listed; // each name behind a blank
+    std::set<std::string> listed; // of the folder `offered`
 };
 std::vector<Waiting> panels;
-NSString* chosen = nil; // the file, or nil for none
+NSString* chosen = nil;  // the file, or nil for none
+NSString* offered = nil; // a folder
 
 void textsIn(NSView* view, NSMutableArray* texts) {
     for (NSView* const one in [view subviews]) {
@@ -30,25 +32,17 @@ void textsIn(NSView* view, NSMutableArray* texts) {
     }
 }
 
-NSBrowser* browserIn(NSView* view) {
-    if ([view isKindOfClass:[NSBrowser class]]) return (NSBrowser*)view;
-    for (NSView* const one in [view subviews]) {
-        if (NSBrowser* const found = browserIn(one)) return found;
-    }
-    return nil;
-}
-
 NSInteger answer(id self, SEL) {
     NSMutableArray* const texts = [NSMutableArray array];
     textsIn([self contentView], texts);
     Waiting one = {
-        [self isOneShot] != NO, [texts containsObject:@"Name:"] != NO, [[self directory] UTF8String], ""};
-    // It reads the folders again when it begins to wait: it knows none that came since the last time.
-    NSBrowser* const browser = browserIn([self contentView]);
-    [browser loadColumnZero];
-    [browser setPath:[self directory]];
-    for (NSCell* const cell in [[browser matrixInColumn:[browser lastColumn]] cells])
-        one.listed += std::string(" ") + [[cell stringValue] UTF8String];
+        [self isOneShot] != NO, [texts containsObject:@"Name:"] != NO, [[self directory] UTF8String], {}};
+    // GNUstep's own list is left alone: it loses its place when a folder above changes meanwhile, as /tmp
+    // does.
+    for (NSString* const name in [[NSFileManager defaultManager] directoryContentsAtPath:offered]) {
+        NSString* const path = [offered stringByAppendingPathComponent:name];
+        if ([[self delegate] panel:self shouldShowFilename:path]) one.listed.insert([name UTF8String]);
+    }
     panels.push_back(one);
     return chosen ? NSOKButton : NSCancelButton;
 }
@@ -80,6 +74,7 @@ protected:
         ShellTest::SetUp();
         panels.clear();
         chosen = nil;
+        offered = nil;
         [[NSUserDefaults standardUserDefaults] removeObjectForKey:@"ScriptFolder"];
     }
 
@@ -132,14 +127,12 @@ TEST_F(FilePanels, ListFoldersAndScriptsAlone) {
     ASSERT_EQ(mkdir((all + "/folder").c_str(), 0700), 0);
     for (const char* const name : {"/a.script", "/b.txt", "/c.png", "/d", "/e.script.bak"})
         Write(all + name, "1\n");
-    chosen = @((all + "/a.script").c_str());
-    [console saveDocument:nil];
-    chosen = nil;
+    offered = @(all.c_str());
     [console saveDocument:nil];
     [console openDocument:nil];
-    ASSERT_EQ(panels.size(), 3U);
-    EXPECT_EQ(panels[1].listed, " a.script b.txt folder");
-    EXPECT_EQ(panels[2].listed, " a.script b.txt folder");
+    ASSERT_EQ(panels.size(), 2U);
+    const std::set<std::string> scripts = {"a.script", "b.txt", "folder"};
+    for (const Waiting& one : panels) EXPECT_EQ(one.listed, scripts);
 }
 
 TEST_F(FilesAndPages, GospelOpensThePageInTheBrowser) {
