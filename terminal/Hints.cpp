@@ -223,7 +223,7 @@ std::string nearestUnit(std::string_view name) {
     for (const UnitSpelling& spelling : units_spellings("")) {
         if (!spelling.IsPrefix()) (spelling.prefixLength == 0 ? units : prefixed).push_back(spelling.name);
     }
-    const std::string otherCase = withOtherCase(name, prefixed);
+    std::string otherCase = withOtherCase(name, prefixed);
     if (!otherCase.empty()) return otherCase;
     const std::string nearest = nearestName(name, prefixed);
     std::string nearestAlone = nearestName(name, units);
@@ -245,7 +245,7 @@ std::string unknownUnit(const Trouble& trouble) {
         if (scale && scale->letter == formula.to) return conversionBy(formula, "");
     }
     const std::string other = underOtherName(name);
-    const std::string shipped = other.empty() ? hintForUnit(name) : "";
+    std::string shipped = other.empty() ? hintForUnit(name) : "";
     if (!shipped.empty()) return shipped;
     const std::string nearest = other.empty() ? nearestUnit(name) : other;
     return nearest.empty() ? ":units lists the units" : "the nearest unit is " + nearest;
