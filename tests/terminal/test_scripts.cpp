@@ -233,7 +233,7 @@ TEST(Hints, FollowTheErrorOfAnArgumentInATerminal) {
 
 TEST(Hints, SayHowAFileIsEvaluated) {
     const TemporaryFile file;
-    const std::string name = file.Path();
+    const std::string& name = file.Path();
     const std::string shown = shownInTerminal({name});
     const std::string end = "\n" + name + " is a file: tallyquill -f " + name + " evaluates its lines\n";
     EXPECT_EQ(shown.substr(shown.size() - std::min(end.size(), shown.size())), end);
