@@ -335,6 +335,11 @@ TEST_F(Clipboard, ADoubleClickTakesAWholeNumberInTheMarksOfNow) {
     const NSRange grouped = [console selectionRangeForProposedRange:NSMakeRange(Text().find("1,234"), 0)
                                                         granularity:NSSelectByWord];
     EXPECT_EQ("1,234,567.5", [[[console string] substringWithRange:grouped] UTF8String] + std::string());
+    [console setSetting:@"european" to:1];
+    Enter("7654321,5");
+    const NSRange european = [console selectionRangeForProposedRange:NSMakeRange(Text().find("7.654"), 0)
+                                                         granularity:NSSelectByWord];
+    EXPECT_EQ("7.654.321,5", [[[console string] substringWithRange:european] UTF8String] + std::string());
 }
 
 TEST_F(Clipboard, ADragOfADoubleClickGoesOnInWholeWords) {

@@ -47,6 +47,14 @@ TEST_F(MenusByKeyboard, F10ClosesTheMenusToo) {
         << "it would open them again";
 }
 
+TEST_F(MenusByKeyboard, EnterOfTheKeypadChoosesAsReturnDoes) {
+    const NSInteger display = [[NSApp mainMenu] indexOfItemWithTitle:@"Display"];
+    for (NSInteger i = 0; i < display; ++i) Wait(NSRightArrowFunctionKey);
+    Wait(3);
+    Press(KEY_F10);
+    EXPECT_EQ(SettingOf("dispbase"), 2);
+}
+
 // A person who types on has no use for the menus.
 TEST_F(MenusByKeyboard, WhatIsTypedInTheMenusIsForTheEntry) {
     const NSUInteger windows = VisibleWindows();

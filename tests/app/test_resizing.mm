@@ -77,6 +77,11 @@ TEST_F(Resizing, WhatWasScrolledToStaysWhereItIs) {
         Resize(size[0], size[1]);
         EXPECT_EQ(place, FirstLineInSight()) << size[0] << " x " << size[1];
     }
+    const CGFloat parts[][2] = {{600, 200}, {450, 150}, {650, 250}};
+    for (const auto& size : parts) { // as macOS has views resize
+        [scroll setFrameSize:NSMakeSize(size[0], size[1])];
+        EXPECT_EQ(place, FirstLineInSight()) << size[0] << " x " << size[1];
+    }
 }
 
 } // namespace

@@ -257,6 +257,13 @@ TEST_F(ListPopUpTest, TheArrowsMoveAndReturnChooses) {
     EXPECT_EQ(ChooseByKeys(), "row4\t16") << "there it ends";
 }
 
+TEST_F(ListPopUpTest, EnterOfTheKeypadChoosesAsReturnDoes) {
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(@"\003");
+    EXPECT_EQ(Choose(), "row0\t0");
+}
+
 TEST_F(ListPopUpTest, TheKeysReachAllOfALongList) {
     AddRows(2000);
     for (int i = 0; i < 151; ++i) PostKey(NSDownArrowFunctionKey);
