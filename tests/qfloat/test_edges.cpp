@@ -40,6 +40,22 @@ TEST(SubtractFlag, IsWhatTheCallSetWhereNothingIsAddedUp) {
     EXPECT_EQ(flagAfter(qsub, "-3", "3"), 1) << "equal";
 }
 
+// The exponent alone decides which operand is taken from which: of a mantissa that is not normalized the sign
+// shows that it was the other way round.
+TEST(Subtraction, OfASmallerMantissaWithALargerExponentHasTheOtherSign) {
+    const Number one = decimal("1");
+    Number small = raw(0x8002, 1); // 2^-30
+    Number result{};
+    qsub(one.data(), small.data(), result.data());
+    EXPECT_NE(result[0], 0U);
+    EXPECT_EQ(result[1], 0x8000U);
+    EXPECT_EQ(result[3] >> 4, 0xFFFFFFFU);
+    small[0] = 0xFFFFFFFF;
+    qadd(one.data(), small.data(), result.data());
+    EXPECT_EQ(result[0], 0U);
+    EXPECT_EQ(result[1], 0x8000U);
+}
+
 TEST(SubtractFlag, IsSetByRoundingToAnInteger) {
     Number x = decimal("7"), y{};
     subflg = 0;
