@@ -19,9 +19,9 @@ bool platformCloseIsWaiting(NSWindow* window);
 // ever. False on macOS.
 bool platformTakeEarlyRelease();
 
-// What ends the way of GNUstep's text view with the mouse, which waits for the release of the left button: when
-// the button is up and the release was lost all the same, another one comes. For a press that is handed to the
-// text view; to be invalidated behind that. Nil on macOS.
+// What ends the way of GNUstep's text view with the mouse, which waits for the release of the left button:
+// when the button is up and the release was lost all the same, another one comes. For a press that is handed
+// to the text view; to be invalidated behind that. Nil on macOS.
 NSTimer* platformWatchForRelease(NSEvent* press);
 
 // The virtual key code of a key press.

@@ -49,6 +49,8 @@ TEST_F(Functions, AtTheStartAreFunctionsVariablesAndCommands) {
     EXPECT_EQ((Names{"fog", "fox"}), at("del fo"));
     EXPECT_EQ(Names{"fox"}, at("disp fo"));
     EXPECT_EQ(Names{"fog"}, completionsAt("fog(2)", 3, calc).candidates); // the parenthesis is there
+    EXPECT_EQ(Names{"fog("}, at("5 km->(fog"));                           // no unit begins with a parenthesis
+    EXPECT_EQ(Names{"sigfigs "}, at("sigf")); // a setting of numbers has no words to choose from
 }
 
 // --- All names ---

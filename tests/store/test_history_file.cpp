@@ -68,6 +68,18 @@ TEST_F(HistoryFileTest, TheNewestTenThousandLinesCount) {
     EXPECT_EQ(contentOf(path), text.substr(6));
 }
 
+TEST_F(HistoryFileTest, AFileThatIsShortEnoughIsNotWrittenAgain) {
+    Put("1+1\n");
+    const auto fileNumber = [&] {
+        struct stat info = {};
+        EXPECT_EQ(stat(path.c_str(), &info), 0);
+        return info.st_ino;
+    };
+    const ino_t before = fileNumber();
+    HistoryFile(path).Shorten();
+    EXPECT_EQ(before, fileNumber()); // writing puts another file in its place
+}
+
 TEST_F(HistoryFileTest, AFailureSaysWhy) {
     Put("");
     HistoryFile file(path + "/below");

@@ -70,7 +70,7 @@ TEST(SettingsFile, NumbersAreIntegersAndColorsAreDataThatSpellThemOut) {
     const std::string text = settingsText(otherSettings(), "");
     EXPECT_EQ(text.substr(0, 5), "<?xml");
     EXPECT_NE(text.find("<key>x</key>\n\t<integer>451</integer>"), std::string::npos) << text;
-    EXPECT_NE(text.find("MC41IDAuMjUgMSAw"), std::string::npos) << "0.5 0.25 1 0 in base 64\n" << text;
+    EXPECT_NE(text.find(">MC41IDAuMjUgMSAw<"), std::string::npos) << "0.5 0.25 1 0 in base 64\n" << text;
 }
 
 TEST(SettingsFile, SavedLoadedAndSavedAgainIsTheSameFile) {
