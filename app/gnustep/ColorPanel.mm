@@ -2,6 +2,7 @@
 //
 // GNUstep's color panel in our look.
 #import "Controls.h"
+#import "ThemeImages.h"
 
 #import <objc/runtime.h>
 
@@ -56,8 +57,9 @@ static void makeTitlesLegible() {
 - (NSImage*)ownButtonImage {
     makeTitlesLegible();
     NSString* const name = NSStringFromClass([self class]);
-    NSString* path = [[NSBundle mainBundle] pathForResource:name ofType:@"png" inDirectory:@"ThemeImages"];
-    if (!path) path = [[NSBundle bundleForClass:[self class]] pathForImageResource:name];
+    NSImage* const drawn = themeImage(name);
+    if (drawn) return drawn;
+    NSString* const path = [[NSBundle bundleForClass:[self class]] pathForImageResource:name];
     return path ? [[[NSImage alloc] initWithContentsOfFile:path] autorelease] : nil;
 }
 

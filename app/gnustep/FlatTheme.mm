@@ -2,7 +2,9 @@
 //
 // How controls, menus and panels look: flat, and dark or light like the console.
 #import "Controls.h"
+#import "Palette.h"
 #import "Platform.h"
+#import "ThemeImages.h"
 
 #import "ZqScroller.h"
 
@@ -10,14 +12,8 @@
 
 #include <cmath>
 
-// Shades of gray by their use.
-struct Palette {
-    CGFloat window, field, control, pressed, edge, dim, text, strong;
-    CGFloat focus[3]; // the keyboard's focus: a color, and far from the others, since it is but a line
-};
-
-static const Palette DARK = {0.16, 0.11, 0.25, 0.33, 0.36, 0.62, 0.88, 1, {0.13, 0.72, 0.74}};
-static const Palette LIGHT = {0.93, 1, 0.98, 0.82, 0.66, 0.38, 0.12, 0, {0, 0.5, 0.52}};
+static const Palette DARK = {0.16, 0.11, 0.25, 0.33, 0.36, 0.62, 0.74, 0.88, 1, {0.13, 0.72, 0.74}};
+static const Palette LIGHT = {0.93, 1, 0.98, 0.82, 0.66, 0.38, 0.26, 0.12, 0, {0, 0.5, 0.52}};
 static const CGFloat CORNER = 3;
 static const CGFloat SEPARATOR = 9; // a menu's, in points
 static const CGFloat FOCUS_WIDTH = 2;
@@ -26,8 +22,7 @@ static NSColor* focusOf(const Palette& one) {
     return [NSColor colorWithCalibratedRed:one.focus[0] green:one.focus[1] blue:one.focus[2] alpha:1];
 }
 
-// What is chosen, with white text.
-static NSColor* accent() {
+NSColor* accent() {
     return [NSColor colorWithCalibratedRed:0.05 green:0.44 blue:0.46 alpha:1];
 }
 
@@ -39,8 +34,7 @@ static NSColor* accent() {
 - (void)becomeLight:(bool)light;
 @end
 
-// That of the theme in use; another one than ours stands on its own colors.
-static const Palette& palette() {
+const Palette& palette() {
     GSTheme* const theme = [GSTheme theme];
     return [theme isKindOfClass:[FlatTheme class]] ? [static_cast<FlatTheme*>(theme) palette] : DARK;
 }
@@ -83,10 +77,9 @@ static void drawFocus(NSRect frame) {
     return isLight ? LIGHT : DARK;
 }
 
-// The images of the light look have a bundle of their own.
-- (NSBundle*)bundle {
-    NSString* const path = isLight ? [[NSBundle mainBundle] pathForResource:@"Light" ofType:@"bundle"] : nil;
-    return path ? [NSBundle bundleWithPath:path] : [super bundle];
+- (void)activate {
+    [super activate];
+    useThemeImages();
 }
 
 - (void)becomeLight:(bool)light {
@@ -157,7 +150,9 @@ static void drawFocus(NSRect frame) {
                                          state:(GSThemeControlState)state
                                   isHorizontal:(BOOL)horizontal {
     const bool isOn = state == GSThemeSelectedState || state == GSThemeHighlightedState;
-    const bool isSelected = isOn && ![[cell menuItem] isSeparatorItem];
+    // What cannot be chosen is gray, which would be too dark there.
+    NSMenuItem* const item = [cell menuItem];
+    const bool isSelected = isOn && [item isEnabled] && ![item isSeparatorItem];
     [isSelected ? accent() : gray(palette().window) set];
     NSRectFill(frame);
     if (horizontal) return;
@@ -167,6 +162,20 @@ static void drawFocus(NSRect frame) {
     const bool isLowest = NSMinY(frame) <= 1;
     if (isLowest && ![view isFlipped])
         NSRectFill(NSMakeRect(NSMinX(frame), NSMinY(frame), NSWidth(frame), 1));
+}
+
+// In the bar GNUstep would begin it at the edge of its room.
+- (void)drawTitleForMenuItemCell:(NSMenuItemCell*)cell
+                       withFrame:(NSRect)frame
+                          inView:(NSView*)view
+                           state:(GSThemeControlState)state
+                    isHorizontal:(BOOL)horizontal {
+    const CGFloat free = horizontal ? NSWidth(frame) - [cell titleWidth] : 0;
+    [super drawTitleForMenuItemCell:cell
+                          withFrame:NSOffsetRect(frame, free / 2, 0)
+                             inView:view
+                              state:state
+                       isHorizontal:horizontal];
 }
 
 - (void)drawSeparatorItemForMenuItemCell:(NSMenuItemCell*)cell

@@ -158,10 +158,11 @@ bool hasInOrder(const std::string& text, const std::vector<std::string>& parts) 
 
 // Sources whose texts are no messages, or stand elsewhere.
 bool isLeftOut(const std::filesystem::path& path) {
-    static constexpr std::array<std::string_view, 6> FILES = {
+    static constexpr std::array<std::string_view, 7> FILES = {
         "OptionTexts.cpp", // a program of the build
         "Keys.cpp",     // titles of menus; what keys do is compared with the guide by the tests of the window
         "FlatTheme.mm", // names of colors
+        "ThemeImages.mm",   // names of images
         "AboutPanel.mm",    // who made it
         "SettingsFile.cpp", // a file's head
         "Script.cpp",       // likewise

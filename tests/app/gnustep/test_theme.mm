@@ -182,6 +182,73 @@ TEST_F(Theme, SelectedTextOfAFieldIsLegibleInBothLooks) {
     platformUseLook(false);
 }
 
+// A highlighted item as it is drawn: a row of a menu, or the title of an open menu in the bar.
+NSBitmapImageRep* drawnItem(NSView* view, NSMenuItem* item, bool isInBar) {
+    NSMenuView* const menu = [[[NSMenuView alloc] initWithFrame:NSMakeRect(0, 0, 120, 20)] autorelease];
+    [menu setHorizontal:isInBar];
+    NSMenuItemCell* const cell = [[[NSMenuItemCell alloc] init] autorelease];
+    [cell setMenuItem:item];
+    [cell setMenuView:menu];
+    [cell setHighlighted:YES];
+    const NSRect frame = NSMakeRect(0, 0, 120, 20);
+    [view lockFocus];
+    [[GSTheme theme] drawBorderAndBackgroundForMenuItemCell:cell
+                                                  withFrame:frame
+                                                     inView:view
+                                                      state:GSThemeHighlightedState
+                                               isHorizontal:isInBar];
+    if (isInBar) {
+        [[GSTheme theme] drawTitleForMenuItemCell:cell
+                                        withFrame:frame
+                                           inView:view
+                                            state:GSThemeHighlightedState
+                                     isHorizontal:YES];
+    } else {
+        [cell drawStateImageWithFrame:frame inView:view];
+    }
+    NSBitmapImageRep* const bits = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:frame] autorelease];
+    [view unlockFocus];
+    return bits;
+}
+
+// The most that a pixel differs from the one at the upper right, on which nothing is written.
+double greatestContrast(NSBitmapImageRep* bits) {
+    const Shade back = shadeOf([bits colorAtX:115 y:2]);
+    double greatest = 1;
+    for (NSInteger y = 2; y < 18; ++y) {
+        for (NSInteger x = 0; x < 115; ++x)
+            greatest = std::max(greatest, contrast(shadeOf([bits colorAtX:x y:y]), back));
+    }
+    return greatest;
+}
+
+TEST_F(Theme, WhatIsHighlightedInMenusIsLegibleInBothLooks) {
+    NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:@"\u2588\u2588" action:NULL
+                                                  keyEquivalent:@""] autorelease];
+    [item setState:NSOnState];
+    NSView* const view = [window contentView];
+    for (const bool light : {false, true}) {
+        platformUseLook(light);
+        EXPECT_GE(greatestContrast(drawnItem(view, item, true)), 4.5) << light << " the title in the bar";
+        EXPECT_GE(greatestContrast(drawnItem(view, item, false)), 4.5)
+            << light << " the mark of what is chosen";
+    }
+    platformUseLook(false);
+}
+
+// Its gray could hardly be read there.
+TEST_F(Theme, WhatCannotBeChosenInAMenuIsNotHighlighted) {
+    NSMenuItem* const item = [[[NSMenuItem alloc] initWithTitle:@"Redo" action:NULL
+                                                  keyEquivalent:@""] autorelease];
+    [item setEnabled:NO];
+    for (const bool light : {false, true}) {
+        platformUseLook(light);
+        const Shade back = shadeOf([drawnItem([window contentView], item, false) colorAtX:115 y:2]);
+        EXPECT_NEAR(contrast(back, shadeOf([NSColor windowBackgroundColor])), 1, 0.02) << light;
+    }
+    platformUseLook(false);
+}
+
 NSString* pathOfGuide(id, SEL, NSString*, NSString*) {
     return @TALLYQUILL_GUIDE;
 }
