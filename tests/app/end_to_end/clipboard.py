@@ -51,6 +51,20 @@ class Clipboard(Scenario):
         window.wait_for_text("\n> 7")
         self.quit(window)
 
+    def test_dragging_the_mouse_selects(self):
+        window = self.start()
+        window.enter("1+2")
+        window.enter("1234567*10^20")
+        window.wait_for_text("\nans = 1.234567e26\n\n> ")
+        _, line = SECOND_ANSWER
+        window.point(2, line)
+        run("xdotool", "mousedown", "1", "sleep", "0.1")
+        for place in range(10, 300, 10):
+            window.point(place, line)
+        run("xdotool", "mouseup", "1")
+        wait_until("the selection", lambda: pasteboard("primary") == "ans = 1.234567e26")
+        self.quit(window)
+
     def test_what_is_found_is_selected(self):
         window = self.start()
         for line in ("width=12", "height=5", "width*height", "7+7"):
