@@ -24,6 +24,7 @@ ReadlineEditor* editing = nullptr;
 
 constexpr milliseconds REST{80};
 constexpr int KEPT_ENTRIES = 10000;
+constexpr int MOST_COUNT = 9999; // of a key: an entry has no more characters
 constexpr char PASTE_END[] = "\x1b[201~";
 
 bool isOn(const char* variable) {
@@ -270,6 +271,7 @@ int ReadlineEditor::HasBytes() {
 void ReadlineEditor::RunKeys() {
     std::fputs(row.Erase().c_str(), screen);
     while (taken < bytes.size() && !isDone) {
+        rl_numeric_arg = std::min(rl_numeric_arg, MOST_COUNT); // else bells ring for hours
         rl_callback_read_char();
         if (!isDone) KeepText();
     }

@@ -43,6 +43,16 @@ class Line(ScreenTest):
         console.send("0r5A*2" + RETURN)
         console.ends_with("> 5+2*2", "ans = 9", ">")
 
+    def test_a_key_is_done_no_oftener_than_an_entry_has_characters(self):
+        """Readline would ring the bell, or type, for hours."""
+        console = self.start()
+        console.send(ESCAPE + "99999999" + "1" + ctrl("h") + "2+3" + RETURN)  # deletes as often
+        console.ends_with("> 2+3", "ans = 5", ">")
+        console.send(ESCAPE + "\n" + "7" + ESCAPE)  # the keys of vi
+        console.wait(lambda: console.cursor()[1] == 2, "the cursor on the 7")
+        console.send("77777777777~" + RETURN)
+        console.ends_with("> 7", "ans = 7", ">")
+
     def test_bindings_of_the_person_win(self):
         self.home.write(".inputrc", '$if tallyquill\n"\\C-t": "6*7"\n"\\e[A": "up"\n$endif\n')
         console = self.start()
