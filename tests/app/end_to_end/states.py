@@ -25,6 +25,7 @@ from calculator_window import (
     on_screen,
     picture,
     question,
+    repeat_until,
     run,
     sides,
     titled,
@@ -308,8 +309,8 @@ class States(Scenario):
         window.type("mine.script")
         window.key("Return")
         self.look_at_question(window, "replacing")
-        window.key("Escape")
-        wait_until("the end of the question", lambda: not question())
+        # It takes no key before a person could have read it.
+        repeat_until("the end of the question", lambda: window.key("Escape"), lambda: not question())
         self.close(panel)
         window.activate()
         self.quit(window)
