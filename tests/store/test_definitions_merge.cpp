@@ -379,6 +379,8 @@ TEST(DefinitionsMerge, WhatCouldNotBeTakenInStaysInTheFile) {
     const std::string theirs = file("f(x)=x\n", "ans=1\npi=3.14\nlong=f(f(1))\n", "unit u=2 m\n", "1\n");
     merge.Took(merge.TakeForeign(START, theirs), START);
     EXPECT_EQ(written(merge, START, theirs), theirs);
+    const std::string more = file("f(x)=x\n", "ans=1\npi=3.14\nlong=f(f(1))\nz=1\n", "unit u=2 m\n", "1\n");
+    EXPECT_EQ(merge.TakeForeign(START, more).defined, "z=1\n") << "it was told before";
 }
 
 // --- Two programs at random ---

@@ -470,4 +470,12 @@ TEST_F(FileKeeping, AFileThatCannotBeOpenedIsNotAppendedTo) {
     EXPECT_EQ("old\n", contentOf(path));
 }
 
+TEST_F(FileKeeping, TheNewestLinesOfATextBeginBehindALineFeed) {
+    EXPECT_EQ(startOfNewest("", 3), 0U);
+    EXPECT_EQ(startOfNewest("1\n22\n", 1), 2U);
+    EXPECT_EQ(startOfNewest("1\n22\n", 2), 0U);
+    EXPECT_EQ(startOfNewest("\n\n", 1), 1U) << "empty lines are lines";
+    EXPECT_EQ(startOfNewest("1\n22\n333\n", 3, 7), 2U) << "no more bytes";
+}
+
 } // namespace
