@@ -7,8 +7,8 @@
 
 #include <X11/Xlib.h>
 
-static const NSTimeInterval LOOK = 0.05; // seconds
-static const int LOOKS = 2;              // by the second one a release that is on its way has come
+static const NSTimeInterval LOOK_INTERVAL = 0.05; // seconds
+static const int LOOKS = 2;                       // by the second one a release that is on its way has come
 
 // Looks at the button as long as its timer lives, which retains it.
 @interface ReleaseWatch : NSObject {
@@ -64,7 +64,7 @@ static bool isButtonDown(NSWindow* window) {
 
 NSTimer* platformWatchForRelease(NSEvent* press) {
     ReleaseWatch* const watch = [[[ReleaseWatch alloc] initWithPress:press] autorelease];
-    NSTimer* const timer = [NSTimer timerWithTimeInterval:LOOK
+    NSTimer* const timer = [NSTimer timerWithTimeInterval:LOOK_INTERVAL
                                                    target:watch
                                                  selector:@selector(look:)
                                                  userInfo:nil
