@@ -20,6 +20,9 @@ void noteDrawing(id, SEL, NSRect dirty) {
     drawn = NSUnionRect(drawn, dirty);
 }
 
+// It blinks, and may between two pictures.
+void drawNoCursor(id, SEL, NSRect, NSColor*, BOOL) {}
+
 class Redrawing : public ConsoleTest {
 protected:
     void TearDown() override {
@@ -73,6 +76,8 @@ TEST_F(Redrawing, AKeyPressDrawsItsLine) {
 }
 
 TEST_F(Redrawing, NothingIsMissing) {
+    const Replaced cursor([MainConsole class], @selector(drawInsertionPointInRect:color:turnedOn:),
+                          drawNoCursor);
     for (const CGFloat each : {1.0, 1.5, 2.0}) {
         scale = each;
         Restart();
