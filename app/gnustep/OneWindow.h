@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // One window for each person and display: a second start of the program hands what it was asked to open to
-// the first, which shows itself. They meet at a socket, which only the person can reach.
+// the first, which shows itself. They meet at a socket, which only the person can reach, and neither talks to
+// the program of somebody else.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -27,10 +29,12 @@ public:
     // What can be read when somebody calls, or -1 when this one does not listen.
     int Listener() const { return listener; }
 
-    // Answers a caller. False when there was none, or it did not wait; `paths` is what it hands over.
+    // Answers a caller, which has ANSWERING_TIME to say all that it wants. False when there was none, when it
+    // took longer or did not wait; `paths` is what it hands over.
     bool Answer(std::vector<std::string>& paths) const;
 
     static constexpr int ANSWER_SECONDS = 3;
+    static constexpr std::chrono::seconds ANSWERING_TIME{1};
 
 private:
     int Call() const;

@@ -9,10 +9,13 @@
 #include "Folder.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -20,7 +23,6 @@
 
 static const char SIGN = 'y';             // the first byte of what is asked, and all of the answer
 static const size_t MOST_BYTES = 1000000; // of paths
-static const time_t READING_SECONDS = 1;
 
 std::string meetingPlace(const std::string& folder, const std::string& display) {
     uint64_t mark = 14695981039346656037U; // FNV-1a
@@ -50,6 +52,31 @@ static void setPatience(int caller, time_t seconds) {
     setsockopt(caller, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
 }
 
+static bool isOfThisPerson(int caller) {
+    ucred other = {};
+    socklen_t size = sizeof other;
+    return getsockopt(caller, SOL_SOCKET, SO_PEERCRED, &other, &size) == 0 && other.uid == geteuid();
+}
+
+// What a caller that does not block says up to its end. False when it is not at its end in ANSWERING_TIME, or
+// says too much: the window waits meanwhile.
+static bool receiveAll(int caller, std::string& text) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + OneWindow::ANSWERING_TIME;
+    char bytes[4096];
+    while (text.size() < MOST_BYTES) {
+        const ssize_t count = recv(caller, bytes, sizeof bytes, 0);
+        if (count == 0) return true;
+        if (count > 0) text.append(bytes, static_cast<size_t>(count));
+        if (count < 0 && errno != EAGAIN && errno != EINTR) return false;
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
+        if (left <= 0) return false;
+        pollfd waiting = {caller, POLLIN, 0};
+        poll(&waiting, 1, static_cast<int>(left));
+    }
+    return false;
+}
+
 static bool sendAll(int caller, const std::string& text) {
     for (size_t sent = 0; sent < text.size();) {
         const ssize_t count = send(caller, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
@@ -69,7 +96,9 @@ int OneWindow::Call() const {
     const int caller = newSocket();
     if (caller < 0) return -1;
     setPatience(caller, ANSWER_SECONDS);
-    if (connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) return caller;
+    if (connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+        isOfThisPerson(caller))
+        return caller;
     close(caller);
     return -1;
 }
@@ -105,16 +134,12 @@ bool OneWindow::HandOver(const std::vector<std::string>& paths, bool isWanted) {
 }
 
 bool OneWindow::Answer(std::vector<std::string>& paths) const {
-    const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    const int caller = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
     if (caller < 0) return false;
-    setPatience(caller, READING_SECONDS);
     std::string text;
-    char bytes[4096];
-    ssize_t count = 0;
-    while (text.size() < MOST_BYTES && (count = recv(caller, bytes, sizeof bytes, 0)) > 0)
-        text.append(bytes, static_cast<size_t>(count));
     // Whoever has given up has closed its end, and opens the files itself.
-    const bool isWaiting = count == 0 && !text.empty() && send(caller, &SIGN, 1, MSG_NOSIGNAL) == 1;
+    const bool isWaiting = isOfThisPerson(caller) && receiveAll(caller, text) && !text.empty() &&
+                           send(caller, &SIGN, 1, MSG_NOSIGNAL) == 1;
     close(caller);
     paths.clear();
     for (size_t start = 1, end = 0; start < text.size(); start = end + 1) {

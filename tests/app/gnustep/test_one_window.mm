@@ -42,6 +42,16 @@ protected:
         return second.get();
     }
 
+    // A program that calls the window by itself.
+    int Call() const {
+        const int caller = socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        place.copy(address.sun_path, sizeof address.sun_path - 1);
+        EXPECT_EQ(connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        return caller;
+    }
+
     std::string folder, place;
 };
 
@@ -89,15 +99,59 @@ TEST_F(OneWindowTest, WhatAKilledProgramLeftIsReplaced) {
 TEST_F(OneWindowTest, WhoDoesNotWaitForTheAnswerIsNotServed) {
     OneWindow first(place);
     EXPECT_FALSE(first.HandOver({}, false));
-    const int caller = socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address = {};
-    address.sun_family = AF_UNIX;
-    place.copy(address.sun_path, sizeof address.sun_path - 1);
-    ASSERT_EQ(connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    const int caller = Call();
     ASSERT_EQ(send(caller, "y/a", 3, 0), 3);
     close(caller);
     Paths taken;
     EXPECT_FALSE(first.Answer(taken));
+}
+
+TEST_F(OneWindowTest, WhoComesToNoEndHoldsTheWindowForALimitedTime) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    const int caller = Call();
+    std::future<bool> isGivenUp = std::async(std::launch::async, [caller] {
+        for (int i = 0; i < 200; ++i, usleep(50000))
+            if (send(caller, "y", 1, MSG_NOSIGNAL) < 0) return true;
+        shutdown(caller, SHUT_WR);
+        return false;
+    });
+    Paths taken;
+    EXPECT_FALSE(first.Answer(taken));
+    EXPECT_TRUE(isGivenUp.get()) << "it could go on for ten seconds";
+    close(caller);
+    EXPECT_TRUE(Start(first, {"/a"}, taken)) << "it listens still";
+}
+
+// Only root can be somebody else.
+TEST_F(OneWindowTest, NobodyElseIsServedOrAsked) {
+    if (geteuid() != 0) return;
+    const uid_t nobody = 65534;
+    ASSERT_EQ(chmod(folder.c_str(), 0777), 0);
+    {
+        OneWindow first(place);
+        EXPECT_FALSE(first.HandOver({}, false));
+        ASSERT_EQ(chmod(place.c_str(), 0666), 0);
+        ASSERT_EQ(seteuid(nobody), 0);
+        const int caller = Call();
+        ASSERT_EQ(seteuid(0), 0);
+        ASSERT_EQ(send(caller, "y/a", 3, 0), 3);
+        ASSERT_EQ(shutdown(caller, SHUT_WR), 0);
+        Paths taken;
+        EXPECT_FALSE(first.Answer(taken));
+        EXPECT_EQ(taken, Paths());
+        close(caller);
+    }
+    ASSERT_EQ(unlink(place.c_str()), 0);
+    ASSERT_EQ(unlink((folder + "/.place.lock").c_str()), 0);
+    ASSERT_EQ(seteuid(nobody), 0);
+    OneWindow theirs(place);
+    EXPECT_FALSE(theirs.HandOver({}, false));
+    ASSERT_EQ(seteuid(0), 0);
+    ASSERT_GE(theirs.Listener(), 0);
+    OneWindow ours(place);
+    EXPECT_FALSE(ours.HandOver({"/a"}, false));
+    EXPECT_GE(ours.Listener(), 0) << "it does without the other one";
 }
 
 TEST_F(OneWindowTest, WhereNothingCanBeMadeEveryWindowIsOnItsOwn) {
