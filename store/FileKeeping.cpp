@@ -156,6 +156,27 @@ bool replaceFile(System& system, const std::string& destination, const std::stri
     return true;
 }
 
+// For the owner alone, as a new file is. One that has another name or another owner is not ours alone. It is
+// written all the same where this fails.
+void keepFromOthers(System& system, int file) {
+    struct stat info;
+    if (system.StatusOf(file, info) == 0 && S_ISREG(info.st_mode) && (info.st_mode & 0077U) != 0 &&
+        info.st_nlink == 1 && info.st_uid == geteuid())
+        system.ChangeMode(file, 0600);
+}
+
+// What the link leads to is not lost: one that cannot be read stays. A link in a circle leads to nothing.
+bool appendToLinked(System& system, const std::string& path, const std::string& text,
+                    std::error_code& reason) {
+    std::string before;
+    std::error_code unread;
+    if (!readWholeFile(path, before, system, &unread) && unread && unread.value() != ELOOP) {
+        reason = unread;
+        return false;
+    }
+    return writeFileAtomically(path, before + text, &reason, system);
+}
+
 // Whether the end of a name is what mkstemp makes of TEMPORARY_NAME. Not by fnmatch: in Turkish "i" is none
 // of its a-z.
 bool isTemporaryEnd(std::string_view end) {
@@ -230,11 +251,8 @@ bool appendToFile(const std::string& path, const std::string& text, std::error_c
         system,
         system.Open(path.c_str(),
                     O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NOCTTY | O_NONBLOCK | O_CLOEXEC, 0600));
-    if (!file.IsOpen() && errno == ELOOP) { // a symbolic link
-        std::string before;
-        readWholeFile(path, before, system);
-        return writeFileAtomically(path, before + text, &reason, system);
-    }
+    if (!file.IsOpen() && errno == ELOOP) return appendToLinked(system, path, text, reason);
+    if (file.IsOpen()) keepFromOthers(system, file.Number());
     if (closeWritten(file, file.IsOpen() && writeAll(system, file.Number(), text))) return true;
     reason = std::error_code(errno, std::generic_category());
     return false;

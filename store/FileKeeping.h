@@ -49,8 +49,9 @@ bool writeFileAtomically(const std::string& path, const std::string& text, std::
                          System& system = System::Real());
 
 // Appends `text` to the file, which is made when it is missing, readable and writable by its owner alone. A
-// symbolic link is replaced by a file with what it led to and `text`. False when not all of it was written:
-// `reason` says why.
+// symbolic link is replaced by a file with what it led to and `text`, unless that cannot be read. A file that
+// others could read becomes its owner's alone, if we are the owner and it has no other name. False when not
+// all was written: `reason` says why.
 bool appendToFile(const std::string& path, const std::string& text, std::error_code& reason,
                   System& system = System::Real());
 
@@ -70,8 +71,9 @@ public:
     FileLock(const FileLock&) = delete;
     FileLock& operator=(const FileLock&) = delete;
 
-    // Whether another program still has it. Where no lock can be had at all, as in a folder that cannot be
-    // written or on a file system that has none, nobody is kept out and it is false.
+    // Whether another program still has it. Where no lock can be had at all, nobody is kept out and it is
+    // false: in a folder that cannot be written, on a file system that has none, and where a link or a folder
+    // stands in the lock's place. A link is not followed. To save without a lock is better than not to save.
     // `reason`, when given, receives that it has.
     bool IsTaken(std::error_code* reason = nullptr) const;
 

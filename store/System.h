@@ -84,6 +84,7 @@ public:
     virtual int StatusOf(int file, struct stat& info) { return fstat(file, &info); }
     virtual int Status(const char* path, struct stat& info) { return stat(path, &info); }
     virtual int StatusOfLink(const char* path, struct stat& info) { return lstat(path, &info); }
+    virtual int ChangeMode(int file, mode_t mode) { return fchmod(file, mode); }
     virtual int MayWrite(const char* path) { return faccessat(AT_FDCWD, path, W_OK, AT_EACCESS); }
     virtual int Rename(const char* from, const char* to) { return rename(from, to); }
     virtual int Remove(const char* path) { return unlink(path); }

@@ -56,6 +56,7 @@ public:
     int Status(const char*, struct stat&) override { return None("stat"); }
     int StatusOfLink(const char*, struct stat&) override { return None("lstat"); }
     int MayWrite(const char*) override { return None("access"); }
+    int ChangeMode(int, mode_t) override { return None("fchmod"); }
 
 private:
     struct OpenFile {

@@ -97,6 +97,9 @@ public:
     int StatusOfLink(const char* path, struct stat& info) override {
         return Fails("lstat", path) ? -1 : System::StatusOfLink(path, info);
     }
+    int ChangeMode(int file, mode_t mode) override {
+        return Fails("fchmod") ? -1 : System::ChangeMode(file, mode);
+    }
     int MayWrite(const char* path) override { return Fails("access", path) ? -1 : System::MayWrite(path); }
     int Rename(const char* from, const char* to) override {
         return Fails("rename", from) ? -1 : System::Rename(from, to);

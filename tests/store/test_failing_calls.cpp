@@ -127,6 +127,28 @@ TEST_F(FailingCalls, LeaveTheHistoryWholeAndAreTold) {
     EXPECT_GT(count, 50U);
 }
 
+// What cannot be read is not replaced by the new line alone.
+TEST_F(FailingCalls, LeaveALinkedHistoryWholeAndAreTold) {
+    const std::string where = folder.File("history");
+    const std::string real = folder.File("real");
+    const std::string old = "1+1\n2+2\n";
+    const size_t count = failEveryCall([&](FailingSystem& system) {
+        std::filesystem::remove(where);
+        putContent(real, old);
+        std::filesystem::create_symlink("real", where);
+        std::error_code reason;
+        const bool isAppended = HistoryFile(where, system).Append("3+3", reason);
+        const std::string what = system.WhatFailed() + "\n" + contentOf(where);
+        EXPECT_TRUE(isAppended || reason) << what;
+        EXPECT_EQ(isAppended ? old + "3+3\n" : old, contentOf(where)) << what;
+        EXPECT_EQ(!isAppended, std::filesystem::is_symlink(where)) << what;
+        EXPECT_TRUE(HistoryFile(where, whole).Append("4+4", reason)) << what;
+        EXPECT_EQ(old + (isAppended ? "3+3\n4+4\n" : "4+4\n"), contentOf(where)) << what;
+        EXPECT_EQ(old, contentOf(real)) << what;
+    });
+    EXPECT_GT(count, 50U);
+}
+
 TEST_F(FailingCalls, ShortenAHistoryWholeOrNotAtAll) {
     const std::string where = folder.File("history");
     std::string old;
@@ -156,6 +178,13 @@ TEST_F(FailingCalls, KeepTheTranscriptThatIsThere) {
         EXPECT_TRUE(now == "before\nnow\n" || (now == "before\n" && !news.empty()))
             << system.WhatFailed() << "\n"
             << now;
+        Keeper next(whole);
+        next.Open(kept);
+        EXPECT_EQ(now, next.ReadTranscript()) << system.WhatFailed();
+        next.SetTranscript(now + "later\n");
+        next.SaveSettings(NEW_SETTINGS);
+        EXPECT_EQ("", next.TakeFailures()) << system.WhatFailed();
+        EXPECT_EQ(now + "later\n", contentOf(where)) << system.WhatFailed();
     });
 }
 

@@ -109,48 +109,6 @@ TEST_F(FileKeeping, TheNameOfAFileInTheCurrentFolderNeedsNoFolder) {
     EXPECT_EQ("new\n", contentOf(path));
 }
 
-// Another's link cannot have a save change a file elsewhere.
-TEST_F(FileKeeping, ASymbolicLinkIsReplacedAndItsFileStays) {
-    putContent(folder.File("real"), "old\n");
-    ASSERT_EQ(0, symlink("real", path.c_str()));
-    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
-    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(path)));
-    EXPECT_EQ("new\n", contentOf(path));
-    EXPECT_EQ("old\n", contentOf(folder.File("real")));
-    EXPECT_EQ((Names{"file", "real"}), folder.Names());
-}
-
-TEST_F(FileKeeping, WhatIsAppendedToASymbolicLinkIsKeptInItsPlace) {
-    putContent(folder.File("real"), "old\n");
-    ASSERT_EQ(0, symlink("real", path.c_str()));
-    std::error_code reason;
-    EXPECT_TRUE(appendToFile(path, "new\n", reason));
-    EXPECT_TRUE(appendToFile(path, "newer\n", reason));
-    EXPECT_FALSE(std::filesystem::is_symlink(path));
-    EXPECT_EQ("old\nnew\nnewer\n", contentOf(path));
-    EXPECT_EQ("old\n", contentOf(folder.File("real")));
-}
-
-TEST_F(FileKeeping, ASymbolicLinkToNothingOrInACircleIsReplaced) {
-    for (const char* const target : {"nowhere", "file"}) {
-        std::filesystem::remove(path);
-        ASSERT_EQ(0, symlink(target, path.c_str()));
-        EXPECT_TRUE(writeFileAtomically(path, "new\n"));
-        EXPECT_EQ("new\n", contentOf(path));
-        EXPECT_EQ(Names{"file"}, folder.Names());
-    }
-}
-
-// A pipe stands for what people link to, such as /dev/null: were the link followed, a test that is run by the
-// superuser would replace the device.
-TEST_F(FileKeeping, ALinkToADeviceDoesNotReplaceTheDevice) {
-    ASSERT_EQ(0, mkfifo(folder.File("pipe").c_str(), 0600));
-    ASSERT_EQ(0, symlink("pipe", path.c_str()));
-    EXPECT_TRUE(writeFileAtomically(path, "new\n"));
-    EXPECT_TRUE(std::filesystem::is_fifo(folder.File("pipe")));
-    EXPECT_EQ((Names{"file", "pipe"}), folder.Names());
-}
-
 TEST_F(FileKeeping, AFolderInTheFilesPlaceStays) {
     ASSERT_TRUE(std::filesystem::create_directory(path));
     EXPECT_FALSE(writeFileAtomically(path, "new\n"));
