@@ -163,7 +163,7 @@ void Keeper::Write(std::string settings, std::string definitions) {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &found);
     try {
-        worker = std::thread([this] { WriteTexts(); });
+        worker = system.StartThread([this] { WriteTexts(); });
     } catch (const std::exception&) {
         WriteTexts(); // there can be no other thread: the person waits
     }

@@ -13,6 +13,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
+#include <functional>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/file.h>
@@ -21,7 +22,9 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <termios.h>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 // To the disk itself where the system tells the disk's memory from the disk.
 inline int syncToDisk(int file) {
@@ -71,7 +74,10 @@ public:
     virtual int IsTerminal(int file) { return isatty(file); }
     virtual int Size(int terminal, winsize& size) { return ioctl(terminal, TIOCGWINSZ, &size); }
     virtual pid_t Foreground(int terminal) { return tcgetpgrp(terminal); }
+    virtual int Drain(int terminal) { return tcdrain(terminal); }
 
+    // Throws std::system_error when there can be no other thread.
+    virtual std::thread StartThread(std::function<void()> action) { return std::thread(std::move(action)); }
     virtual int MakePipe(int* ends) { return pipe(ends); }
     // Looks for the program in PATH and gives it this environment. Returns what errno would say.
     virtual int Start(pid_t& process, const posix_spawn_file_actions_t& actions, char** arguments,

@@ -8,16 +8,16 @@
 #include <cstring>
 #include <unistd.h>
 
-void complain(const std::string& text) {
-    writeAll(STDERR_FILENO, shownText("tallyquill: " + text + "\n"));
+void complain(const std::string& text, System& system) {
+    writeAll(STDERR_FILENO, shownText("tallyquill: " + text + "\n"), system);
 }
 
-int outputLost(int error) {
-    if (error != EPIPE) complain(std::string("standard output: ") + std::strerror(error));
+int outputLost(int error, System& system) {
+    if (error != EPIPE) complain(std::string("standard output: ") + std::strerror(error), system);
     return FILE_LOST;
 }
 
-int inputLost(const std::string& name) {
-    complain(name + ": " + std::strerror(errno));
+int inputLost(const std::string& name, System& system) {
+    complain(name + ": " + std::strerror(errno), system);
     return FILE_LOST;
 }

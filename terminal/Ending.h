@@ -3,6 +3,8 @@
 // How a run of the program ends, and what it says then.
 #pragma once
 
+#include "System.h"
+
 #include <string>
 
 enum ExitStatus {
@@ -13,11 +15,11 @@ enum ExitStatus {
 };
 
 // Tells the person on standard error what is wrong.
-void complain(const std::string& text);
+void complain(const std::string& text, System& system = System::Real());
 
 // Answers cannot be delivered; `error` says why. A reader that has gone away, as head does, needs no message.
 // Returns FILE_LOST.
-int outputLost(int error);
+int outputLost(int error, System& system = System::Real());
 
 // The input of this name cannot be read; errno says why. Returns FILE_LOST.
-int inputLost(const std::string& name);
+int inputLost(const std::string& name, System& system = System::Real());

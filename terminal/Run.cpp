@@ -10,9 +10,8 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <filesystem>
 #include <memory>
-#include <system_error>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -26,9 +25,9 @@ constexpr size_t MAX_DATA_LENGTH = 1 << 20;
 constexpr std::string_view BYTE_ORDER_MARK = "\xef\xbb\xbf";
 
 // What may help after the error of an entry that was an argument, or nothing.
-std::string hintForArgument(const std::string& entry, ZqCalculator& calc) {
-    std::error_code unknown; // a name that is too long, say, is no file's
-    if (std::filesystem::is_regular_file(entry, unknown))
+std::string hintForArgument(const std::string& entry, ZqCalculator& calc, System& system) {
+    struct stat info;
+    if (system.Status(entry.c_str(), info) == 0 && S_ISREG(info.st_mode))
         return entry + " is a file: tallyquill -f " + entry + " evaluates its lines\n";
     if (calc.status != STATUS_ERROR || calc.entryLine != entry) return "";
     const std::string hint = hintAfterError(entry, calc);
@@ -55,7 +54,7 @@ void Run::TakeSettings() {
 
 void Run::Tell(const FileReading& reading) {
     isFileLost = isFileLost || reading.isLost;
-    if (!reading.complaint.empty()) complain(reading.complaint);
+    if (!reading.complaint.empty()) complain(reading.complaint, system);
 }
 
 // Scripts and other programs read what is no terminal: they get the error alone.
@@ -64,7 +63,8 @@ void Run::AddHints() {
     const bool hasColors = !options.plain && wantsColors(options.color, STDERR_FILENO, system);
     session.SetErrorForm([this, hasColors](const std::string& error) {
         if (argument.empty()) return error;
-        const std::string hint = shownText(hintForArgument(std::string(argument), session.Calculator()));
+        const std::string hint =
+            shownText(hintForArgument(std::string(argument), session.Calculator(), system));
         return error + (hasColors && !hint.empty() ? colored(Shade::Hint, hint) : hint);
     });
 }
@@ -91,7 +91,7 @@ int Run::Evaluate() {
 
 int Run::End() {
     LetGo();
-    if (!session.End() || system.Close(answers) != 0) return outputLost(errno);
+    if (!session.End() || system.Close(answers) != 0) return outputLost(errno, system);
     if (isFileLost) return FILE_LOST;
     return session.AnyRefused() ? SOME_REFUSED : ALL_ANSWERED;
 }
@@ -117,7 +117,7 @@ int Run::InputLost(const std::string& name) {
     const int error = errno;
     session.Flush();
     errno = error;
-    return inputLost(name);
+    return inputLost(name, system);
 }
 
 Run::Over Run::Answer(Session::Outcome outcome) {
@@ -125,7 +125,7 @@ Run::Over Run::Answer(Session::Outcome outcome) {
     case Session::Outcome::Answered: return {};
     case Session::Outcome::Refused: return options.failFast ? Over(End()) : Over();
     case Session::Outcome::Ended: return End();
-    case Session::Outcome::OutputLost: return outputLost(errno);
+    case Session::Outcome::OutputLost: return outputLost(errno, system);
     case Session::Outcome::Interrupted: break;
     }
     session.Flush();
@@ -136,7 +136,7 @@ Run::Over Run::EvaluateEach(Each& each) {
     const auto reader = std::make_unique<LineReader>(STDIN_FILENO, MAX_DATA_LENGTH + 1, system);
     std::string line;
     for (size_t number = 1;; ++number) {
-        if (!MayRead(*reader)) return outputLost(errno);
+        if (!MayRead(*reader)) return outputLost(errno, system);
         const LineReader::Status status = reader->Next(line);
         if (status == LineReader::Status::Failed) return InputLost("standard input");
         if (status == LineReader::Status::End) return {};
@@ -170,7 +170,7 @@ Run::Over Run::EvaluateLines(int descriptor, const std::string& name) {
     const bool isFile = descriptor != STDIN_FILENO;
     std::string line;
     for (size_t number = 1;; ++number) {
-        if (!MayRead(*reader)) return outputLost(errno);
+        if (!MayRead(*reader)) return outputLost(errno, system);
         const LineReader::Status status = reader->Next(line);
         if (status == LineReader::Status::Failed) return InputLost(name);
         if (status == LineReader::Status::End) break;

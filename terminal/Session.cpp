@@ -215,7 +215,7 @@ Session::Outcome Session::Convert(std::string_view query) {
 }
 
 Session::Outcome Session::OpenWebPage() {
-    return Answer(openPage() ? "<<< opening URL >>>" : "There is no web page to open.");
+    return Answer(openPage(system) ? "<<< opening URL >>>" : "There is no web page to open.");
 }
 
 Session::Outcome Session::Answer(std::string_view text) {

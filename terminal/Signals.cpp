@@ -18,7 +18,7 @@ void SignalCatcher::Start(int toCatch, void (*handler)(int)) {
     struct sigaction action = {};
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
-    sigaction(signal, &action, nullptr); // without SA_RESTART
+    if (sigaction(signal, &action, nullptr) != 0) signal = 0; // without SA_RESTART
 }
 
 void SignalCatcher::Stop() {

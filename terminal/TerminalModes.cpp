@@ -21,7 +21,7 @@ bool isInBackground(int terminal, System& system) {
 // In the background the terminal has the modes of the shell's line editor. There the system stops whoever
 // waits for the output, which changes nothing, until the shell brings the program to the foreground.
 void waitForForeground(int terminal, System& system) {
-    while (isInBackground(terminal, system) && tcdrain(terminal) != 0 && errno == EINTR) {
+    while (isInBackground(terminal, system) && system.Drain(terminal) != 0 && errno == EINTR) {
     }
 }
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-bool openPage() {
+bool openPage(System& system) {
 #ifdef __APPLE__
     const std::string browser = "open";
 #else
@@ -16,6 +16,7 @@ bool openPage() {
     if (!page || *page == '\0' || *page == '-') return false;
     // The shell in between ends at once and leaves the browser to the system. It fails without one.
     const pid_t process = startProgram(
-        {"/bin/sh", "-c", "command -v \"$1\" >/dev/null || exit 1; \"$@\" &", "sh", browser, page}, -1);
-    return process >= 0 && waitForProgram(process) == 0;
+        {"/bin/sh", "-c", "command -v \"$1\" >/dev/null || exit 1; \"$@\" &", "sh", browser, page}, -1,
+        system);
+    return process >= 0 && waitForProgram(process, system) == 0;
 }

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <system_error>
 
 // Of what a system answers when a call goes wrong. SHORT is no error: a read or a write that takes one byte.
 constexpr int SHORT = 0;
@@ -76,6 +77,11 @@ public:
         return Fails("ioctl") ? -1 : System::Size(terminal, size);
     }
     pid_t Foreground(int terminal) override { return Fails("tcgetpgrp") ? -1 : System::Foreground(terminal); }
+    int Drain(int terminal) override { return Fails("tcdrain") ? -1 : System::Drain(terminal); }
+    std::thread StartThread(std::function<void()> action) override {
+        if (Fails("pthread_create")) throw std::system_error(failure, std::generic_category());
+        return System::StartThread(std::move(action));
+    }
     int MakePipe(int* ends) override { return Fails("pipe") ? -1 : System::MakePipe(ends); }
     int Start(pid_t& process, const posix_spawn_file_actions_t& actions, char** arguments,
               char** environment) override {

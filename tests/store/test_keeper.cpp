@@ -154,6 +154,21 @@ TEST_F(Kept, IsWrittenWhenTheKeeperGoesAway) {
     EXPECT_EQ(1000000U, SettingsFile().size());
 }
 
+TEST_F(Kept, IsWrittenAtOnceWhereThereIsNoOtherThread) {
+    class NoThread : public System {
+    public:
+        std::thread StartThread(std::function<void()> /*action*/) override {
+            throw std::system_error(EAGAIN, std::generic_category());
+        }
+    } busy;
+    Keeper alone(busy);
+    alone.Open(folder.File("Alone"));
+    alone.SaveBoth(*calc, "settings");
+    EXPECT_EQ("settings", contentOf(folder.File("Alone/pelmo_settings.plist")));
+    EXPECT_NE("", contentOf(folder.File("Alone/pelmo_functions.txt")));
+    EXPECT_EQ("", alone.TakeFailures());
+}
+
 TEST_F(Kept, IsInTheOtherFileWhenOneCannotBeWritten) {
     std::filesystem::create_directory(File("pelmo_settings.plist"));
     Enter("a=1");

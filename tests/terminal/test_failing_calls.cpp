@@ -2,13 +2,10 @@
 //
 // Every call of the system fails once while entries are read, answered and kept: what could not be read or
 // written is told, and a run that succeeds has answered everything.
-#include "DefinitionsFile.h"
-#include "Descriptor.h"
+#include "Console.h"
 #include "Ending.h"
-#include "Options.h"
 #include "Prompt.h"
 #include "PromptFiles.h"
-#include "Run.h"
 #include "Session.h"
 #include "TerminalModes.h"
 #include "failing_system.h"
@@ -65,26 +62,21 @@ protected:
         arguments.insert(arguments.begin(), "tallyquill");
         std::vector<char*> argv;
         for (std::string& argument : arguments) argv.push_back(argument.data());
-        const Options options = parseOptions(static_cast<int>(argv.size()), argv.data());
         const Redirection in(STDIN_FILENO, folder.File("in"), O_RDONLY);
         const Redirection out(STDOUT_FILENO, folder.File("out"), O_WRONLY | O_CREAT | O_TRUNC);
         const Redirection err(STDERR_FILENO, folder.File("err"), O_WRONLY | O_CREAT | O_TRUNC);
-        const int answers = setAnswersAside(false, system);
-        if (answers < 0) return outputLost(errno);
-        Session session(answers, STDERR_FILENO, {options.quiet, false, false, false, false, true}, system);
-        ::Run run(session, answers, options, system);
-        run.TakeShared();
-        run.TakeOwnDefinitions();
-        run.TakeSettings();
-        return run.Evaluate();
+        return runConsole(static_cast<int>(argv.size()), argv.data(), system);
     }
+
+    std::string Out() const { return contentOf(folder.File("out")); }
+    std::string Err() const { return contentOf(folder.File("err")); }
 
     // The run answers everything, or says what it could not do and has the status for that.
     void ExpectAllOrTold(const std::vector<std::string>& arguments, const std::string& answers) {
         const size_t count = failEveryCall([&](FailingSystem& system) {
             const int status = RunWith(arguments, system);
-            const std::string out = contentOf(folder.File("out"));
-            const std::string err = contentOf(folder.File("err"));
+            const std::string out = Out();
+            const std::string err = Err();
             const std::string what = system.WhatFailed() + ": " + out + err;
             if (status == ALL_ANSWERED) {
                 EXPECT_EQ(answers, out) << what;
@@ -97,7 +89,7 @@ protected:
         EXPECT_GT(count, 20U);
         FailingSystem whole;
         EXPECT_EQ(ALL_ANSWERED, RunWith(arguments, whole));
-        EXPECT_EQ(answers, contentOf(folder.File("out")));
+        EXPECT_EQ(answers, Out());
     }
 
     TemporaryFolder folder;
@@ -122,6 +114,62 @@ TEST_F(FailingCallsOfARun, OfStandardInputAreTold) {
 TEST_F(FailingCallsOfARun, OfLinesOfDataAreTold) {
     putContent(folder.File("in"), "1 2\n3 4\n");
     ExpectAllOrTold({"--each", "x1*x2"}, "ans = 2\nans = 12\n");
+}
+
+// The message itself may be what cannot be written. The status tells all the same.
+TEST_F(FailingCallsOfARun, OfAMessageLeaveTheStatus) {
+    putContent(folder.File("in"), "");
+    const std::vector<std::pair<std::vector<std::string>, int>> runs = {
+        {{"--unknown"}, BAD_USAGE}, {{"-f", folder.File("none")}, FILE_LOST}};
+    for (const auto& run : runs) {
+        size_t unwritten = 0;
+        failEveryCall([&](FailingSystem& system) {
+            EXPECT_EQ(run.second, RunWith(run.first, system)) << system.WhatFailed();
+            const bool isUnwritten = Err().empty();
+            EXPECT_TRUE(!isUnwritten || system.WhatFailed() == "write ") << system.WhatFailed();
+            unwritten += isUnwritten ? 1U : 0U;
+        });
+        EXPECT_EQ(3U, unwritten) << "a full disk, a broken one and a refusal";
+    }
+}
+
+TEST_F(FailingCallsOfARun, OfTheVersionAreTold) {
+    FailingSystem whole;
+    putContent(folder.File("in"), "");
+    ASSERT_EQ(ALL_ANSWERED, RunWith({"--version"}, whole));
+    const std::string version = Out();
+    failEveryCall([&](FailingSystem& system) {
+        const int status = RunWith({"--version"}, system);
+        EXPECT_EQ(status == ALL_ANSWERED ? version : "", Out()) << system.WhatFailed();
+        EXPECT_EQ(status == ALL_ANSWERED, Err().empty()) << system.WhatFailed();
+        EXPECT_TRUE(status == ALL_ANSWERED || status == FILE_LOST) << system.WhatFailed();
+    });
+}
+
+// A name of a file in the place of an entry, told to a person.
+TEST_F(FailingCallsOfARun, OfAHintCostTheHintAlone) {
+    class PersonReads : public FailingSystem {
+    public:
+        using FailingSystem::FailingSystem;
+        int IsTerminal(int file) override {
+            return file == STDERR_FILENO ? 1 : FailingSystem::IsTerminal(file);
+        }
+    };
+    const std::string script = folder.File("script");
+    putContent(folder.File("in"), "");
+    putContent(script, "1+1\n");
+    size_t without = 0;
+    failEveryCall<PersonReads>([&](PersonReads& system) {
+        const int status = RunWith({"--no-files", script}, system);
+        EXPECT_TRUE(status == SOME_REFUSED || (status == FILE_LOST && !system.WhatFailed().empty()))
+            << system.WhatFailed();
+        if (status != SOME_REFUSED || system.WhatFailed() == "write ") return;
+        EXPECT_NE(std::string::npos, Err().find("ERROR")) << system.WhatFailed();
+        const bool isHinted = Err().find("is a file: tallyquill -f") != std::string::npos;
+        EXPECT_EQ(isHinted, system.WhatFailed() != "stat " + script) << Err();
+        without += isHinted ? 0U : 1U;
+    });
+    EXPECT_EQ(4U, without) << "one for each error";
 }
 
 // --- The prompt's files ---
@@ -343,6 +391,38 @@ TEST_P(FailingCallsAtATerminal, AreToldOrCostNoAnswer) {
         EXPECT_TRUE(terminal.HasLineMode() || system.WhatFailed() == "tcsetattr ") << system.WhatFailed();
     });
     EXPECT_GT(count, 40U);
+}
+
+// From the options to the exit status.
+TEST_P(FailingCallsAtATerminal, OfAWholeRunAreToldOrCostNoAnswer) {
+    setenv("TERM", "xterm", 1);
+    setenv("INPUTRC", "/dev/null", 1);
+    const size_t count = failEveryCall([this](FailingSystem& system) {
+        for (const std::string& file : {definitions, settings, history}) std::filesystem::remove(file);
+        const TypedAt terminal("kept=1+1\nexit\n");
+        std::vector<std::string> arguments = {"tallyquill", GetParam() ? "--plain" : "--color=never"};
+        char* argv[] = {arguments[0].data(), arguments[1].data()};
+        int status = -1;
+        {
+            const Redirection in(STDIN_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            const Redirection out(STDOUT_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            const Redirection err(STDERR_FILENO, terminal.path, O_RDWR | O_NOCTTY);
+            status = runConsole(2, argv, system);
+        }
+        const std::string screen = terminal.Screen();
+        const std::string what = system.WhatFailed() + ": " + screen;
+        const bool isGone = system.WhatFailed() == "read " && system.Failure() == EIO; // which is the end
+        const bool isAnswered = screen.find("kept = 2") != std::string::npos;
+        EXPECT_TRUE(status == ALL_ANSWERED || status == FILE_LOST) << what;
+        EXPECT_TRUE(status != ALL_ANSWERED || isAnswered || isGone) << what;
+        EXPECT_TRUE(status == ALL_ANSWERED || screen.find("tallyquill: ") != std::string::npos) << what;
+        EXPECT_TRUE(terminal.HasLineMode() || system.WhatFailed() == "tcsetattr ") << what;
+        // Where the terminal is taken for none, the entries are a script.
+        const bool isScript = system.WhatFailed() == "isatty " && screen.find("> ") == std::string::npos;
+        const bool isKept = Holds(definitions, "\nkept=2\n") || isScript;
+        EXPECT_TRUE(!isAnswered || isKept || screen.find("Not saved") != std::string::npos) << what;
+    });
+    EXPECT_GT(count, 100U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, FailingCallsAtATerminal, testing::Bool());

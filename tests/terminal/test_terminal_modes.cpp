@@ -97,6 +97,49 @@ TEST(SignalCatcher, GivesBackAnActionThatIsToldMoreAndCatchesNoSignalThatIsNone)
     sigaction(SIGUSR2, &before, nullptr);
 }
 
+TEST(SignalCatcher, HasNoSignalThatCannotBeCaught) {
+    SignalCatcher catcher;
+    catcher.Start(SIGKILL, receive);
+    EXPECT_FALSE(catcher.IsCatching(SIGKILL));
+}
+
+// The system would stop the program in tcdrain. An interruption of that is no reason to take the terminal.
+TEST_F(TerminalModesTest, WaitsForTheForegroundThroughInterruptions) {
+    class InBackground : public System {
+    public:
+        pid_t Foreground(int) override { return interruptions < 3 ? getpgrp() + 1 : getpgrp(); }
+        int Drain(int) override {
+            ++interruptions;
+            errno = EINTR;
+            return -1;
+        }
+        int Modes(int terminal, termios& modes) override {
+            EXPECT_EQ(interruptions, 3);
+            return System::Modes(terminal, modes);
+        }
+        int interruptions = 0;
+    } system;
+    { const TerminalModes terminal(nearEnd, -1, TerminalModes::Use::Plain, system); }
+    EXPECT_EQ(system.interruptions, 3);
+}
+
+// As where the terminal is gone.
+TEST_F(TerminalModesTest, DoesNotWaitWhereWaitingForTheForegroundFails) {
+    class NoForeground : public System {
+    public:
+        pid_t Foreground(int) override { return getpgrp() + 1; }
+        int Drain(int) override {
+            ++drains;
+            errno = EIO;
+            return -1;
+        }
+        int drains = 0;
+    } system;
+    { const TerminalModes terminal(nearEnd, -1, TerminalModes::Use::Plain, system); }
+    EXPECT_EQ(system.drains, 1);
+    EXPECT_NE(Modes().c_lflag & ICANON, 0U);
+}
+
 TEST_F(TerminalModesTest, LeavesIgnoredSignalsIgnored) {
     for (const int signal : SIGNALS) {
         const auto before = std::signal(signal, SIG_IGN);

@@ -4,6 +4,7 @@
 #include "Interrupt.h"
 #include "Session.h"
 #include "WebPage.h"
+#include "failing_system.h"
 #include "program.h"
 #include "service.h"
 
@@ -16,6 +17,7 @@
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -164,6 +166,20 @@ TEST(Web, ABrowserIsNoChild) {
     EXPECT_FALSE(hasChildren());
     const std::string opened = browser.Opened();
     EXPECT_EQ(opened.substr(0, opened.find('\n')), "http://example.org/?a=1&b=$HOME");
+}
+
+TEST(Web, ACallThatFailsOpensThePageOrSaysNo) {
+    const size_t count = failEveryCall([](FailingSystem& system) {
+        const Browser browser(true);
+        const bool isOpened = openPage(system);
+        const std::string& what = system.WhatFailed();
+        EXPECT_EQ(isOpened, what.empty() || (what == "waitpid " && system.Failure() == EINTR)) << what;
+        EXPECT_TRUE(!isOpened || browser.Opened() != "") << what;
+        if (what == "waitpid " && !isOpened)
+            waitpid(-1, nullptr, 0); // a failure of waitpid itself leaves the child
+        EXPECT_FALSE(hasChildren()) << what;
+    });
+    EXPECT_EQ(count, 8U);
 }
 
 #ifdef __linux__
