@@ -64,7 +64,7 @@ protected:
     std::string File(const char* name) const { return folder.File("Tallyquill/" + std::string(name)); }
     std::string SettingsFile() const { return contentOf(File("pelmo_settings.plist")); }
     std::string Definitions() const { return contentOf(File("pelmo_functions.txt")); }
-    bool Holds(const char* line) const { return Definitions().find(line) != std::string::npos; }
+    bool Holds(const std::string& line) const { return Definitions().find(line) != std::string::npos; }
     static std::string Reason(int error) { return std::string(" (") + strerror(error) + ")"; }
 
     // An entry, as a front end carries it out.

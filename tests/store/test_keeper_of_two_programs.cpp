@@ -32,9 +32,9 @@ protected:
     }
 
     // An entry of this program, which is saved.
-    std::string EnterAndSave(const char* line) {
+    std::string EnterAndSave(const std::string& line) {
         keeper.TakeForeignDefinitions(*calc);
-        EnterAndNote(line);
+        EnterAndNote(line.c_str());
         const std::string answer = calc->status == STATUS_RESULT ? calc->resultLine : calc->message;
         SaveBoth();
         return answer;
@@ -138,6 +138,22 @@ TEST_F(TwoPrograms, AFileThatWasAtRestAtTheStartIsNotReadBeforeTheFirstEntry) {
     keeper.TakeForeignDefinitions(*calc);
     EXPECT_EQ(0, system.readings);
     EXPECT_EQ("ans = 2\n", Answer("v"));
+}
+
+TEST_F(TwoPrograms, AClockThatJumpsLosesNothing) {
+    constexpr time_t YEARS = 30 * 31556952LL;
+    Begin({"v=0"});
+    int value = 0;
+    for (const time_t jump : {YEARS, -2 * YEARS, YEARS, time_t{-10}, time_t{10}, -system.wallTime}) {
+        const std::string before = "v=" + std::to_string(value++);
+        const std::string behind = "v=" + std::to_string(value);
+        system.wallTime += jump;
+        ElsewhereReplace(before, behind);
+        const std::string own = "w" + std::to_string(value);
+        EXPECT_EQ(own + " = 5\n", EnterAndSave(own + "=5"));
+        EXPECT_TRUE(Holds("\n" + behind + "\n") && Holds("\n" + own + "=5\n")) << jump;
+    }
+    for (int i = 1; i <= value; i++) EXPECT_TRUE(Holds("\nw" + std::to_string(i) + "=5\n"));
 }
 
 TEST_F(TwoPrograms, AChangeInTheSameTickOfTheClockIsNotMissed) {
