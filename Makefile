@@ -81,17 +81,19 @@ fuzz-fast: deps ## run them without sanitizers, which is several times as fast
 FAULTS_KILLS ?= 1000
 FAULTS_OTHERS ?= 20
 SOAK_ENTRIES ?= 1000000
-# The window: seconds of previews and of use, entries, kills, runs short of memory.
-WINDOW_FAULTS ?= previews=3600 use=3600 entries=100000 kills=200 memory=40
+# The window: entries, kills, runs short of memory, and beside them seconds of previews and of use.
+WINDOW_FAULTS ?= previews=3600 use=3600 entries=100000 kills=200 changes=20 memory=40
+window_faults = tests/app/with_display.sh --wm --limit 90000 env PYTHONDONTWRITEBYTECODE=1 \
+    TALLYQUILL_APP=$(CURDIR)/build/release/bin/Tallyquill.app/Tallyquill tests/faults/window.py
 
-faults: deps ## kill the program at random moments, take its files away, have it in other places, and a long session
+faults: deps ## kill the program at random moments, take its files away, have it in other places, and long sessions
 	$(call configure_tests,release) </dev/null
 	$(call compile,release) </dev/null
 	tests/faults/faults.py build/release/bin/tallyquill --kills $(FAULTS_KILLS) --others $(FAULTS_OTHERS)
 	tests/faults/places.py build/release/bin
 	nice tests/faults/soak.py build/release/bin/tallyquill $(SOAK_ENTRIES)
-	tests/app/with_display.sh --wm --limit 90000 env TALLYQUILL_APP=$(CURDIR)/build/release/bin/Tallyquill.app/Tallyquill \
-	    tests/faults/window.py $(WINDOW_FAULTS)
+	nice tests/faults/soak.py build/release/bin/tallyquill $(SOAK_ENTRIES) editor
+	printf '%s\n' $(WINDOW_FAULTS) | xargs -n 1 -P 3 $(window_faults)
 
 mutants: deps ## change one operator or constant at a time: do the tests notice? (MUTANTS=200, SEED=)
 	scripts/mutants.py --jobs $(JOBS) --count $(MUTANTS) $(if $(SEED),--seed $(SEED))

@@ -2,9 +2,11 @@
 # SPDX-License-Identifier: MIT
 """Ends the program, or changes its files, at random moments, and looks at what is kept.
 
-Each run is a prompt in a pseudo-terminal at which definitions are made one after the other. Behind it the
-definitions file has to be whole, and to have each definition that was answered more than two seconds before;
-after a signal that asks for the end, all of them. Prints a table, and ends with 1 when something was lost.
+Each run is a prompt in a pseudo-terminal, in turn with the editor and without, at which definitions are made one
+after the other. Behind it the definitions file has to be whole, and to have each definition that was answered more
+than two seconds before; after a signal that asks for the end, all of them. Prints a table, and ends with 1 when
+something was lost. Its columns: the runs, those that ended in the middle of a save (a new file was begun and not in
+its place), the definitions that had to be there, files that were torn, runs in which a definition was lost.
 
     faults.py PROGRAM [--kills N] [--others N] [--jobs N] [--seed N]
 """
@@ -34,6 +36,14 @@ class Person:
         self.folder = self.home + "/.local/share/Tallyquill"
         self.file = self.folder + "/pelmo_functions.txt"
         self.due = set()  # lines
+        self.has_editor = False
+
+    def unfinished(self):
+        """The files of saves that have begun and are not done."""
+        try:
+            return [name for name in os.listdir(self.folder) if ".tallyquill-" in name]
+        except OSError:
+            return []
 
     def lines(self, path=None):
         try:
@@ -59,11 +69,15 @@ class Prompt:
 
     def __init__(self, program, person, **environment):
         variables = {"HOME": person.home, "TERM": "dumb", "PATH": os.environ["PATH"], "LC_ALL": "C.UTF-8"}
+        if person.has_editor:
+            variables.update(TERM="xterm", INPUTRC="/dev/null")
         variables.update(environment)
+        style = "--color=never" if person.has_editor else "--plain"
         with FORKING:
             self.child, self.terminal = pty.fork()
             if self.child == 0:
-                os.execve(program, [program, "--plain"], variables)
+                signal.signal(signal.SIGHUP, signal.SIG_DFL)  # nohup ignores it, and so would the program
+                os.execve(program, [program, style], variables)
         self.shown = ""
         self.answered = []  # lines of definitions, with the time of their answer
         self.wait_for("> ")
@@ -97,8 +111,8 @@ def signaled(number, programs=1):
 
     def run(program, person, dice):
         prompts = [Prompt(program, person) for _ in range(programs)]
-        # The first save comes after one to two seconds: most signals come around it.
-        end = time.monotonic() + dice.uniform(0.9, 2.6)
+        # A save comes each second: the signals come around the second one to the fourth.
+        end = time.monotonic() + dice.uniform(KEPT_AFTER, KEPT_AFTER + 2)
         value = 0
         while time.monotonic() < end:
             for i, prompt in enumerate(prompts):
@@ -113,11 +127,20 @@ def signaled(number, programs=1):
 
 
 def killed_among_saves(program, person, dice):
-    """Definitions with rests, so that a save is under way at nearly every moment of the last second."""
+    """Behind a save that is old enough, another one is due. The end comes around the time when it begins, or, every
+    second time, as soon as it has begun."""
     prompt = Prompt(program, person)
     for value in range(3):
+        prompt.define(f"w{value}", dice.randrange(1000))
+    time.sleep(KEPT_AFTER + 0.1)
+    for value in range(3):
         prompt.define(f"x{value}", dice.randrange(1000))
-    time.sleep(max(0, 1.0 + dice.uniform(-0.01, 0.04)))
+    defined = time.monotonic()
+    if dice.random() < 0.5:
+        time.sleep(max(0, 1.0 + dice.uniform(-0.01, 0.04)))
+    else:
+        while not person.unfinished() and time.monotonic() < defined + KEPT_AFTER:
+            time.sleep(0.0002)
     person.due |= prompt.end(signal.SIGKILL)
 
 
@@ -195,21 +218,27 @@ SCENARIOS = [
 ]
 
 
-def once(program, run, seed):
-    """Returns what was torn and what was lost, and what the next start says."""
-    dice = random.Random(seed)
-    person = Person()
-    try:
-        run(program, person, dice)
-        torn, lost = person.faults()
-        after = Prompt(program, person)  # reads what is there, removes what is left, and adds to it
-        after.define("behind", 1)
-        person.due |= after.end(signal.SIGTERM)
-        torn_after, lost_after = person.faults()
-        left = [name for name in os.listdir(person.folder) if ".tallyquill-" in name or ".unreadable" in name]
-        return torn or torn_after, " ".join([lost, lost_after, *left]).strip()
-    finally:
-        person.remove()
+class Result:
+    """Of one run: what was torn and what was lost, or left; whether a save was under way; how much had to be there."""
+
+    def __init__(self, program, run, seed):
+        dice = random.Random(seed)
+        person = Person()
+        person.has_editor = dice.random() < 0.5
+        try:
+            run(program, person, dice)
+            self.was_saving = bool(person.unfinished())
+            self.due = len(person.due)
+            torn, lost = person.faults()
+            after = Prompt(program, person)  # reads what is there, removes what is left, and adds to it
+            after.define("behind", 1)
+            person.due |= after.end(signal.SIGTERM)
+            torn_after, lost_after = person.faults()
+            left = [name for name in os.listdir(person.folder) if ".tallyquill-" in name or ".unreadable" in name]
+            self.torn = torn or torn_after
+            self.lost = " ".join([lost, lost_after, *left]).strip()
+        finally:
+            person.remove()
 
 
 def main():
@@ -221,16 +250,18 @@ def main():
     parser.add_argument("--seed", type=int, default=20240229)
     options = parser.parse_args()
     program = os.path.abspath(options.program)
-    print(f"seed {options.seed}\n\n| What happens | Runs | Torn files | Runs that lost a definition |\n|---|---:|---:|---:|")
+    print(f"seed {options.seed}\n\n| What happens | Runs | In a save | Definitions due | Torn files | Runs that lost one |")
+    print("|---|---:|---:|---:|---:|---:|")
     failures = []
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         for title, kind, share, run in SCENARIOS:
             count = max(1, round(getattr(options, kind) * share))
             seeds = [f"{options.seed} {title} {i}" for i in range(count)]
-            results = list(pool.map(lambda seed, run=run: once(program, run, seed), seeds))
-            torn = [text for text, _ in results if text]
-            lost = [text for _, text in results if text]
-            print(f"| {title} | {count} | {len(torn)} | {len(lost)} |", flush=True)
+            results = list(pool.map(lambda seed, run=run: Result(program, run, seed), seeds))
+            torn = [result.torn for result in results if result.torn]
+            lost = [result.lost for result in results if result.lost]
+            saving, due = sum(result.was_saving for result in results), sum(result.due for result in results)
+            print(f"| {title} | {count} | {saving} | {due} | {len(torn)} | {len(lost)} |", flush=True)
             failures += [f"{title}: {text}" for text in (torn + lost)[:3]]
     print("\n" + "\n".join(failures))
     return 1 if failures else 0

@@ -2,10 +2,10 @@
 # SPDX-License-Identifier: MIT
 """Types many entries at the prompt, one after the other, and looks at the memory of the program.
 
-    soak.py PROGRAM ENTRIES
+    soak.py PROGRAM ENTRIES [editor]
 
-Prints the resident memory after each tenth. Ends with 1 when it has grown by more than 2 MB behind the first one
-(or behind 30,000 entries, when the history is as long as it gets).
+Without the editor of lines, or with it. Prints the resident memory after each tenth. Ends with 1 when it has grown
+by more than 2 MB behind the first one (or behind 30,000 entries, when the history is as long as it gets).
 """
 import os
 import select
@@ -29,6 +29,7 @@ def memory(process):
 def main():
     program, count = os.path.abspath(sys.argv[1]), int(sys.argv[2])
     person = Person()
+    person.has_editor = sys.argv[3:] == ["editor"]
     prompt = Prompt(program, person)
     terminal = prompt.terminal
     seen = 0  # prompts

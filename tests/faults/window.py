@@ -3,13 +3,14 @@
 """The window over a long time, and at its sudden end.
 
     tests/app/with_display.sh --wm --limit 90000 env TALLYQUILL_APP=.../Tallyquill.app/Tallyquill \\
-        tests/faults/window.py [previews=SECONDS] [use=SECONDS] [entries=N] [kills=N] [memory=N]
+        tests/faults/window.py [previews=SECONDS] [use=SECONDS] [entries=N] [kills=N] [changes=N] [memory=N]
 
 previews  types and takes back, ten keys a second: the memory grows by less than 5 MB
 use       types entries, five keys a second, and looks at lists, the history and the search: by at most 10 MB
 entries   so many entries from scripts: once the transcript is as long as it gets, memory grows by at most 2 MB
 kills     ends the program so many times while definitions are typed: the definitions file is whole each time, and
           has what was answered two seconds before
+changes   takes the folder away, replaces it and so on, each so many times, and ends the program by SIGTERM: all is there
 memory    so many times, no more than 3 MB more are to be had: the same file, and a message when the program ends
 
 Ends with 1 when something does not hold.
@@ -28,7 +29,8 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, os.path.join(HERE, "..", "app", "end_to_end"))
 
 from calculator_window import FUNCTIONS_FILE, CalculatorWindow, run, wait_until  # noqa: E402
-from faults import KEPT_AFTER, Person  # noqa: E402
+from faults import (KEPT_AFTER, Person, jump_clock, link_folder, put_folder_in_place, refuse_folder,  # noqa: E402
+                    take_folder_away)
 from measures import answer_first_questions, megabytes, settle, write_script  # noqa: E402
 from soak import ENTRIES  # noqa: E402
 
@@ -45,7 +47,7 @@ def five_keys_a_second(text):
     run("xdotool", "type", "--delay", "400", text)
 
 
-def while_time(window, seconds, act):
+def while_time(title, window, seconds, act):
     """Does act(0), act(1) and so on for so long; how many megabytes the memory has grown by."""
     settle(window)
     start = megabytes(window)
@@ -57,10 +59,10 @@ def while_time(window, seconds, act):
         step += 1
         if time.monotonic() > shown + 600:
             shown += 600
-            print(f"  {(shown - end + seconds) / 60:.0f} minutes: {megabytes(window) - start:+.1f} MB", flush=True)
+            print(f"{title}, {(shown - end + seconds) / 60:.0f} minutes: {megabytes(window) - start:+.1f} MB", flush=True)
     settle(window)
     grown = megabytes(window) - start
-    print(f"{start:.1f} MB at the start, {grown:+.1f} MB behind {step} steps in {seconds} s", flush=True)
+    print(f"{title}: {start:.1f} MB at the start, {grown:+.1f} MB behind {step} steps in {seconds} s", flush=True)
     return grown
 
 
@@ -73,7 +75,7 @@ def previews(seconds):
         ten_keys_a_second(PREVIEWED[step % len(PREVIEWED)].format(n=step, m=step % 90))
         window.key("Escape")
 
-    grown = while_time(window, seconds, act)
+    grown = while_time("previews", window, seconds, act)
     window.quit()
     return grown < 5
 
@@ -91,7 +93,7 @@ def use(seconds):
         if step % 10 == 9:
             window.key(*others[step // 10 % len(others)])
 
-    grown = while_time(window, seconds, act)
+    grown = while_time("use", window, seconds, act)
     window.quit()
     return grown <= 10
 
@@ -127,7 +129,6 @@ class WindowsPerson(Person):
 
 def repeat(count, run):
     """Does run(person, dice) so many times, each for a new person; how many files were torn or lacked a definition."""
-    print(f"seed {SEED}", flush=True)
     settings = tempfile.mkdtemp()
     answer_first_questions(settings)
     failures = 0
@@ -154,17 +155,21 @@ def is_waiting(window):
         return file.read().rsplit(")", 1)[1].split()[0] == "S"
 
 
+def define(window, line):
+    """Returns when it is answered."""
+    before = ran(window)
+    window.enter(line)
+    wait_until("the answer", lambda: ran(window) > before and is_waiting(window))
+    return line
+
+
 def kill_once(person, dice):
     """Definitions without a rest; the end comes around the first saves."""
     window = CalculatorWindow(person.home)
     typed = []
     end = time.monotonic() + dice.uniform(0.9, 3.5)
     while time.monotonic() < end:
-        line = f"v{len(typed)}={dice.randrange(1000)}"
-        before = ran(window)
-        window.enter(line)
-        wait_until("the answer", lambda before=before: ran(window) > before and is_waiting(window))
-        typed.append((line, time.monotonic()))
+        typed.append((define(window, f"v{len(typed)}={dice.randrange(1000)}"), time.monotonic()))
     time.sleep(dice.uniform(0, 0.05))
     window.process.send_signal(signal.SIGKILL)
     killed = time.monotonic()
@@ -183,6 +188,31 @@ def kills(count):
     failures = repeat(count, run_once)
     print(f"{count} kills, {due} definitions due, {failures} files torn or without one of them", flush=True)
     return failures == 0
+
+
+def changes(count):
+    """As with a prompt (faults.with_change)."""
+    passed = True
+    for change in (take_folder_away, link_folder, refuse_folder, put_folder_in_place, jump_clock):
+
+        def run_once(person, dice, change=change):
+            window = CalculatorWindow(person.home)
+            person.due = {define(window, f"a={dice.randrange(1000)}")}
+            wait_until("the definition", lambda: person.due <= set(person.lines()))
+            undo = change(person, dice)
+            person.due.add(define(window, f"b={dice.randrange(1000)}"))
+            if undo:
+                time.sleep(1.5)
+                undo()
+            person.due.add(define(window, f"c={dice.randrange(1000)}"))
+            window.process.send_signal(signal.SIGTERM)
+            wait_until("the end", lambda: window.process.poll() is not None)
+            window.kill()
+
+        failures = repeat(count, run_once)
+        print(f"{change.__name__}: {count} runs, {failures} files torn or without a definition", flush=True)
+        passed = passed and failures == 0
+    return passed
 
 
 def lose_memory_once(person, dice):
@@ -225,11 +255,13 @@ def memory(count):
 
 
 def main():
-    measures = {"previews": previews, "use": use, "entries": entries, "kills": kills, "memory": memory}
+    measures = {"previews": previews, "use": use, "entries": entries, "kills": kills, "changes": changes, "memory": memory}
     passed = True
     for argument in sys.argv[1:]:
         name, amount = argument.split("=")
-        passed = measures[name](int(amount)) and passed
+        if not measures[name](int(amount)):
+            passed = False
+            print(f"{argument}: does not hold", flush=True)
     return 0 if passed else 1
 
 
