@@ -224,6 +224,17 @@ TEST_F(Engine, AVariableWithABadNameIsDeletedAndReported) {
     EXPECT_EQ("ans = 1\n", Answer("1"));
 }
 
+// A program that embeds the engine owns the list.
+TEST_F(Engine, AVariableWithoutANameIsReportedAndDeletedByAnEntry) {
+    calc.vars.Push(static_cast<char*>(nullptr))->SetValue(qone);
+    EXPECT_EQ(STATUS_ERROR, Preview("1"));
+    EXPECT_STREQ("** ERROR: invalid variable name:  **\n", calc.message);
+    EXPECT_EQ(3, calc.vars.count) << "a preview deletes nothing";
+    EXPECT_EQ("** ERROR: invalid variable name:  **\n", Answer("1"));
+    EXPECT_EQ(2, calc.vars.count);
+    EXPECT_EQ("ans = 1\n", Answer("1"));
+}
+
 TEST_F(Engine, APrintedInfinityIsAnOverflow) {
     EXPECT_EQ(STATUS_ERROR, calc.Calculate("1.#INF"));
     EXPECT_STREQ("** ERROR: + overflow **\n", calc.message);

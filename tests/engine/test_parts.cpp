@@ -87,7 +87,10 @@ TEST_F(Parts, ACopyOfAnOutcomeHasAllThatIsInIt) {
     outcome.errorRange = {3, 4};
     outcome.interrupted = outcome.overflowed = true;
 
-    const Outcome copy(outcome);
+    const Outcome copied(outcome);
+    Outcome copy(copied);
+    const Outcome& itself = copy;
+    copy = itself; // which changes nothing
 
     EXPECT_EQ(copy.status, STATUS_MESSAGE);
     EXPECT_EQ(copy.message, std::string(TEXT_SIZE - 1, 'm'));
@@ -100,6 +103,17 @@ TEST_F(Parts, ACopyOfAnOutcomeHasAllThatIsInIt) {
     EXPECT_EQ(copy.errorRange.start, 3);
     EXPECT_EQ(copy.errorRange.length, 4);
     EXPECT_TRUE(copy.interrupted && copy.overflowed);
+}
+
+TEST_F(Parts, AnErrorTakesAsManyTextsAsItHas) {
+    EXPECT_EQ(outcome.Fail("'%s' takes %i", {"f", "2"}), STATUS_ERROR);
+    EXPECT_STREQ(outcome.message, "'f' takes 2");
+    outcome.Fail("%s and %s", {"one"});
+    EXPECT_STREQ(outcome.message, "one and %s");
+    outcome.Fail("%s is 100 %", {"all"});
+    EXPECT_STREQ(outcome.message, "all is 100 %");
+    outcome.Fail("100 %", {"unused"});
+    EXPECT_STREQ(outcome.message, "100 %");
 }
 
 TEST_F(Parts, LevelsAreDepthsAndARaisedMinusStandsOneHigher) {
