@@ -108,7 +108,7 @@ private:
     KeyEffect WalkHistory(bool isUp) const;
     KeyEffect Type(KeyAction action, const KeyPress& key, bool minusIsSign) const;
     void ApplyAnsRules(KeyEffect& effect, KeyAction action, bool minusIsSign) const;
-    size_t Start() const { return g_linestart > 0 ? static_cast<size_t>(g_linestart) : 0; }
+    size_t Start() const { return static_cast<size_t>(g_linestart); } // never below 0
     size_t end() const { return Start() + entry.size(); }
 
     std::u16string entry;

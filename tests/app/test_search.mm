@@ -83,6 +83,30 @@ TEST_F(Finding, WhatIsNotFoundChangesNothing) {
     Expect("4+5");
 }
 
+TEST_F(Finding, ATextThatIsNotThereLeavesTheSelection) {
+    SelectEntry(1);
+    Find();
+    Type("q");
+    EXPECT_EQ("Find: q  (not found)", StatusLine());
+    EXPECT_EQ("", Selected());
+    EXPECT_EQ(CursorInEntry(), 1U);
+    Press(KEY_BACKSPACE);
+    EXPECT_EQ("Find: ", StatusLine());
+    Expect("4+5");
+}
+
+TEST_F(Finding, EscapeBringsAnEmptyEntryBack) {
+    [console clearPrompt];
+    FindEarlier();
+    Type("+2");
+    EXPECT_EQ("1+2", Entry());
+    Press(KEY_ESCAPE);
+    Expect("");
+    EXPECT_EQ(CursorInEntry(), 0U);
+    Type("7");
+    Expect("7");
+}
+
 TEST_F(Finding, AnyOtherKeyEndsItAndDoesWhatItDoes) {
     FindEarlier();
     Type("+2");
