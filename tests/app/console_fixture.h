@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -54,6 +55,13 @@ protected:
 
     // A press of a button of the mouse, or its end, at a place of the window.
     NSEvent* Mouse(NSEventType type, NSPoint where) const;
+
+    // Has this done again and again while a menu or a control follows the mouse, until it returns true or the
+    // timer is invalidated.
+    static NSTimer* WhileTracking(const std::function<bool()>& act);
+
+    static NSMenuView* MenuIn(NSView* view); // the view itself or one in it, or nil
+    NSMenuView* OpenMenu() const;            // a menu with a window of its own, or nil
 
     void Type(const char* text);  // a key press for each character
     void Enter(const char* line); // types a line and presses Return

@@ -64,6 +64,18 @@ static void recordSheetsAndAlerts() {
 }
 @end
 
+@interface Attempt : NSObject {
+@public
+    std::function<bool()> act;
+}
+@end
+
+@implementation Attempt
+- (void)act:(NSTimer*)timer {
+    if (act()) [timer invalidate];
+}
+@end
+
 ConsoleTest::ConsoleTest() : sheets(recordedSheets), alerts(recordedAlerts) {}
 
 void ConsoleTest::SetUp() {
@@ -196,6 +208,34 @@ NSEvent* ConsoleTest::Mouse(NSEventType type, NSPoint where) const {
                            eventNumber:0
                             clickCount:1
                               pressure:0];
+}
+
+NSTimer* ConsoleTest::WhileTracking(const std::function<bool()>& act) {
+    Attempt* const attempt = [[[Attempt alloc] init] autorelease];
+    attempt->act = act;
+    NSTimer* const timer = [NSTimer timerWithTimeInterval:0.02
+                                                   target:attempt
+                                                 selector:@selector(act:)
+                                                 userInfo:nil
+                                                  repeats:YES];
+    [[NSRunLoop currentRunLoop] addTimer:timer forMode:NSEventTrackingRunLoopMode];
+    return timer;
+}
+
+NSMenuView* ConsoleTest::MenuIn(NSView* view) {
+    if ([view isKindOfClass:[NSMenuView class]]) return static_cast<NSMenuView*>(view);
+    for (NSView* const one in [view subviews]) {
+        if (NSMenuView* const found = MenuIn(one)) return found;
+    }
+    return nil;
+}
+
+NSMenuView* ConsoleTest::OpenMenu() const {
+    for (NSWindow* const one in [NSApp windows]) {
+        NSMenuView* const found = one == window || ![one isVisible] ? nil : MenuIn([one contentView]);
+        if (found) return found;
+    }
+    return nil;
 }
 
 void ConsoleTest::Type(const char* text) {

@@ -2,24 +2,29 @@
 //
 // The menu of a right click into the text.
 #import "console_fixture.h"
+#import "replacement.h"
 
 #include <functional>
 
-static std::function<void()> duringMenu;
-
-@interface MenuDriver : NSObject
-@end
-
-@implementation MenuDriver
-- (void)act {
-    duringMenu();
-}
-@end
-
 namespace {
+
+NSPoint pointer; // on the screen
+
+NSPoint placeOnScreen(id, SEL) {
+    return pointer;
+}
+
+NSPoint placeInWindow(NSWindow* window, SEL) {
+    return [window convertScreenToBase:pointer];
+}
 
 class TextMenu : public ConsoleTest {
 protected:
+    void SetUp() override {
+        ConsoleTest::SetUp();
+        pointer = [window convertBaseToScreen:[RightClick() locationInWindow]];
+    }
+
     NSEvent* RightClick(NSEventType type = NSRightMouseDown) {
         return Mouse(type, [console convertPoint:NSMakePoint(30, 10) toView:nil]);
     }
@@ -37,28 +42,50 @@ protected:
         [NSApp sendAction:[chosen action] to:[chosen target] from:chosen];
     }
 
+    // That of the click that opens the menu.
+    static bool IsReleaseWaiting() {
+        return [NSApp nextEventMatchingMask:NSRightMouseUpMask
+                                  untilDate:[NSDate distantPast]
+                                     inMode:NSEventTrackingRunLoopMode
+                                    dequeue:NO] != nil;
+    }
+
     // Opens the menu with a click, as the mouse does, and has this done while it is open. Clicks that come
     // seconds later close it in any case. Returns whether it closed before them.
-    bool OpenMenuAnd(std::function<void()> act) {
+    bool OpenMenuAnd(const std::function<void()>& act) {
+        NSTimer* const first = WhileTracking([&] {
+            if (!OpenMenu() || IsReleaseWaiting()) return false;
+            act();
+            return true;
+        });
+        NSDate* const end = [NSDate dateWithTimeIntervalSinceNow:5];
         bool isForced = false;
-        int calls = 0;
-        MenuDriver* const driver = [[[MenuDriver alloc] init] autorelease];
-        duringMenu = [&] {
-            if (calls++ == 0) return act();
+        NSTimer* const second = WhileTracking([&] {
+            if ([end timeIntervalSinceNow] > 0) return false;
             isForced = true;
-            [NSApp postEvent:RightClick(NSRightMouseUp) atStart:NO];
             [NSApp postEvent:RightClick(NSLeftMouseDown) atStart:NO];
             [NSApp postEvent:RightClick(NSLeftMouseUp) atStart:NO];
-        };
-        NSArray* const modes = [NSArray arrayWithObject:NSEventTrackingRunLoopMode];
-        for (const double delay : {0.3, 5.0, 6.0, 7.0}) {
-            [driver performSelector:@selector(act) withObject:nil afterDelay:delay inModes:modes];
-        }
+            return false;
+        });
         [NSApp postEvent:RightClick(NSRightMouseUp) atStart:NO];
         [console rightMouseDown:RightClick()];
-        [NSObject cancelPreviousPerformRequestsWithTarget:driver];
+        [first invalidate];
+        [second invalidate];
         return !isForced;
     }
+
+    // With the menu open.
+    void PointAt(NSInteger item) const {
+        NSMenuView* const menu = OpenMenu();
+        ASSERT_NE(menu, nil);
+        const NSRect row = [menu convertRect:[menu rectOfItemAtIndex:item] toView:nil];
+        pointer = [[menu window] convertBaseToScreen:NSMakePoint(NSMidX(row), NSMidY(row))];
+    }
+
+    static constexpr NSInteger COPY_ANSWER = 2;
+
+    const Replaced onScreen { metaclassOf([NSEvent class]), @selector(mouseLocation), placeOnScreen };
+    const Replaced inWindow { [NSWindow class], @selector(mouseLocationOutsideOfEventStream), placeInWindow };
 
     // What waits in the queue reaches the window.
     void DeliverEvents() {
@@ -113,6 +140,55 @@ TEST_F(TextMenu, EscapeClosesItAndNothingElse) {
     DeliverEvents();
     EXPECT_EQ(Entry(), "1+2");
     EXPECT_EQ(HideRequests(), 0);
+}
+
+// --- The mouse in it ---
+
+TEST_F(TextMenu, AnItemIsChosenByLettingGoOnIt) {
+    Enter("6*7");
+    EXPECT_TRUE(OpenMenuAnd([this] {
+        PointAt(COPY_ANSWER);
+        [NSApp postEvent:RightClick(NSRightMouseUp) atStart:NO];
+    }));
+    EXPECT_EQ(Pasteboard(), "42");
+}
+
+TEST_F(TextMenu, AClickLeavesItOpenForASecondOne) {
+    Enter("6*8");
+    EXPECT_TRUE(OpenMenuAnd([this] {
+        PointAt(COPY_ANSWER);
+        [NSApp postEvent:RightClick(NSLeftMouseDown) atStart:NO];
+        [NSApp postEvent:RightClick(NSLeftMouseUp) atStart:NO];
+    }));
+    EXPECT_EQ(Pasteboard(), "48");
+}
+
+TEST_F(TextMenu, NothingIsChosenBesideIt) {
+    Enter("6*9");
+    SetPasteboard("before");
+    for (const bool isDrag : {true, false}) {
+        EXPECT_TRUE(OpenMenuAnd([this, isDrag] {
+            PointAt(COPY_ANSWER);
+            pointer.x -= 1000;
+            [NSApp postEvent:RightClick(isDrag ? NSRightMouseUp : NSLeftMouseDown) atStart:NO];
+        })) << isDrag;
+        EXPECT_EQ(Pasteboard(), "before");
+    }
+}
+
+BOOL isNever(id, SEL, NSMenuItem*) {
+    return NO;
+}
+
+TEST_F(TextMenu, WhatIsGrayIsNoChoice) {
+    Enter("6*7");
+    SetPasteboard("before");
+    const Replaced items([MainConsole class], @selector(validateMenuItem:), isNever);
+    EXPECT_TRUE(OpenMenuAnd([this] {
+        PointAt(COPY_ANSWER);
+        [NSApp postEvent:RightClick(NSRightMouseUp) atStart:NO];
+    }));
+    EXPECT_EQ(Pasteboard(), "before");
 }
 
 } // namespace
