@@ -120,14 +120,18 @@ static NSMenuView* barIn(NSView* view) {
     return nil;
 }
 
+static bool canBeChosen(NSMenu* menu, NSInteger row) {
+    NSMenuItem* const item = row >= 0 ? (NSMenuItem*)[menu itemAtIndex:row] : nil;
+    return item && ![item isSeparatorItem] && [item isEnabled];
+}
+
 // Highlights the next item in that direction that can be chosen, and behind the last one the first.
 static void step(NSMenuView* view, NSInteger direction, NSInteger place) {
     NSMenu* const menu = [view menu];
     const NSInteger count = [menu numberOfItems];
     for (NSInteger i = 0; i < count; ++i) {
         place = (place + direction + count) % count;
-        NSMenuItem* const item = (NSMenuItem*)[menu itemAtIndex:place];
-        if ([item isSeparatorItem] || ![item isEnabled]) continue;
+        if (!canBeChosen(menu, place)) continue;
         [view setHighlightedItemIndex:place];
         return;
     }
@@ -144,10 +148,40 @@ static NSMenuView* openMenu(NSMenuView* bar, NSInteger place) {
     return opened;
 }
 
+// The item of a menu or of the bar at which the mouse was when the event came, or -1.
+static NSInteger itemAt(NSEvent* event, NSMenuView* view) {
+    const NSPoint onScreen = [[event window] convertBaseToScreen:[event locationInWindow]];
+    const NSPoint inMenu = [[view window] convertScreenToBase:onScreen];
+    return [view indexOfItemAtPoint:[view convertPoint:inMenu fromView:nil]];
+}
+
+// Return, or a button of the mouse that is let go on an item, which is highlighted then.
+static bool isChoice(NSEvent* event, NSMenuView* menu) {
+    const NSEventType type = [event type];
+    if (type == NSKeyDown) return platformKeyCode(event) == KEY_RETURN || platformKeyCode(event) == KEY_ENTER;
+    if (type != NSLeftMouseUp && type != NSRightMouseUp) return false;
+    const NSInteger row = itemAt(event, menu);
+    if (!canBeChosen([menu menu], row)) return false;
+    [menu setHighlightedItemIndex:row];
+    return true;
+}
+
+// What a press of the mouse does: on an item it shows which one that is, on the title of another menu it
+// opens that, and elsewhere it closes them.
+static NSInteger afterPress(NSEvent* event, NSMenuView* bar, NSMenuView* menu, NSInteger place) {
+    const NSInteger row = itemAt(event, menu);
+    if (canBeChosen([menu menu], row)) [menu setHighlightedItemIndex:row];
+    if (row >= 0) return place;
+    const NSInteger title = itemAt(event, bar);
+    return title == place ? -1 : title;
+}
+
 // What the event does with the menu at `place` of the bar: where it goes, -1 for the end.
-static NSInteger afterEvent(NSEvent* event, NSMenuView* menu, NSInteger place, NSInteger count) {
+static NSInteger afterEvent(NSEvent* event, NSMenuView* bar, NSMenuView* menu, NSInteger place) {
+    const NSInteger count = [[bar menu] numberOfItems];
     const bool isPress = [event type] == NSLeftMouseDown || [event type] == NSRightMouseDown;
-    if ([event type] != NSKeyDown) return isPress ? -1 : place;
+    if (isPress) return afterPress(event, bar, menu, place);
+    if ([event type] != NSKeyDown) return place;
     switch (platformKeyCode(event)) {
     case KEY_LEFT: return (place + count - 1) % count;
     case KEY_RIGHT: return (place + 1) % count;
@@ -178,15 +212,14 @@ void platformOpenMenuBar(NSWindow* window) {
                                                      inMode:NSEventTrackingRunLoopMode
                                                     dequeue:YES];
         if (!event) continue;
-        place = afterEvent(event, menu, place, [[bar menu] numberOfItems]);
-        if (place >= 0 || [event type] != NSKeyDown) continue;
-        const uint32_t key = platformKeyCode(event);
-        if (key == KEY_RETURN || key == KEY_ENTER) {
+        if (isChoice(event, menu)) {
             chosen = [menu menu];
             row = [menu highlightedItemIndex];
-        } else if (isForWindow(key)) {
-            [NSApp postEvent:event atStart:YES];
+            break;
         }
+        place = afterEvent(event, bar, menu, place);
+        const bool isKey = [event type] == NSKeyDown;
+        if (place < 0 && isKey && isForWindow(platformKeyCode(event))) [NSApp postEvent:event atStart:YES];
     }
     openMenu(bar, -1);
     if (row >= 0) [chosen performActionForItemAtIndex:row];

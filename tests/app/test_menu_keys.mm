@@ -5,7 +5,42 @@
 
 namespace {
 
-class MenusByKeyboard : public KeyboardReach {};
+class MenusByKeyboard : public KeyboardReach {
+protected:
+    void TearDown() override {
+        [NSApp discardEventsMatchingMask:NSAnyEventMask beforeEvent:nil];
+        KeyboardReach::TearDown();
+    }
+
+    NSMenuView* Bar() const { return MenuIn([[window contentView] superview]); }
+    NSMenuView* MenuOf(NSString* title) const {
+        NSMenuView* const menu = OpenMenu();
+        return [[[menu menu] title] isEqualToString:title] ? menu : nil;
+    }
+
+    void PostMouse(NSEventType type, NSWindow* where, NSPoint place) const {
+        [NSApp postEvent:[NSEvent mouseEventWithType:type
+                                            location:place
+                                       modifierFlags:0
+                                           timestamp:0
+                                        windowNumber:[where windowNumber]
+                                             context:nil
+                                         eventNumber:0
+                                          clickCount:1
+                                            pressure:0]
+                 atStart:NO];
+    }
+
+    // On the item of a menu or of the bar.
+    void Click(NSMenuView* menu, NSString* title) const {
+        const NSInteger item = [[menu menu] indexOfItemWithTitle:title];
+        ASSERT_GE(item, 0) << [title UTF8String];
+        const NSRect row = [menu convertRect:[menu rectOfItemAtIndex:item] toView:nil];
+        const NSPoint middle = NSMakePoint(NSMidX(row), NSMidY(row));
+        for (const NSEventType type : {NSLeftMouseDown, NSLeftMouseUp})
+            PostMouse(type, [menu window], middle);
+    }
+};
 
 TEST_F(MenusByKeyboard, F10OpensTheMenusInWhichTheArrowsChoose) {
     Enter("5");
@@ -72,6 +107,64 @@ TEST_F(MenusByKeyboard, WhatIsTypedInTheMenusIsForTheEntry) {
         [NSApp sendEvent:next];
     }
     EXPECT_EQ(Entry(), "42");
+}
+
+TEST_F(MenusByKeyboard, TheMouseChoosesInAMenuThatTheKeyboardOpened) {
+    WhileTracking([this] {
+        if (!OpenMenu()) return false;
+        Click(Bar(), @"Display");
+        return true;
+    });
+    WhileTracking([this] {
+        if (!MenuOf(@"Display")) return false;
+        Click(MenuOf(@"Display"), @"Hexadecimal");
+        return true;
+    });
+    const NSUInteger windows = VisibleWindows();
+    Press(KEY_F10);
+    EXPECT_EQ(SettingOf("dispbase"), 16);
+    EXPECT_EQ(VisibleWindows(), windows);
+}
+
+TEST_F(MenusByKeyboard, AClickOnWhatCannotBeChosenLeavesTheMenuOpen) {
+    WhileTracking([this] {
+        if (!OpenMenu()) return false;
+        Click(Bar(), @"Edit");
+        return true;
+    });
+    WhileTracking([this] {
+        if (!MenuOf(@"Edit")) return false;
+        Click(MenuOf(@"Edit"), @"Redo"); // there is nothing to be done again
+        Wait(NSRightArrowFunctionKey);
+        return true;
+    });
+    bool isOpen = false;
+    WhileTracking([&] {
+        isOpen = OpenMenu() && !MenuOf(@"Edit") && !MenuOf([[[NSApp mainMenu] itemAtIndex:0] title]);
+        if (isOpen) Wait(27);
+        return isOpen;
+    });
+    Press(KEY_F10);
+    EXPECT_TRUE(isOpen) << "the next one";
+}
+
+TEST_F(MenusByKeyboard, AClickBesideTheMenusOrOnTheTitleOfTheOpenOneClosesThem) {
+    const NSUInteger windows = VisibleWindows();
+    Type("1+2");
+    for (const bool isOnTitle : {true, false}) {
+        WhileTracking([&] {
+            NSMenuView* const menu = OpenMenu();
+            if (!menu) return false;
+            if (isOnTitle)
+                Click(Bar(), [[menu menu] title]);
+            else
+                PostMouse(NSRightMouseDown, window, NSMakePoint(300, 5));
+            return true;
+        });
+        Press(KEY_F10);
+        EXPECT_EQ(VisibleWindows(), windows) << isOnTitle;
+        EXPECT_EQ(Entry(), "1+2");
+    }
 }
 
 TEST_F(MenusByKeyboard, TheMenusShowControl) {
