@@ -37,7 +37,7 @@ public:
     static constexpr std::chrono::seconds ANSWERING_TIME{1};
 
 private:
-    int Call() const;
+    bool Reach(int caller) const;
     void Listen();
 
     std::string path;

@@ -90,17 +90,12 @@ OneWindow::~OneWindow() {
     if (listener >= 0) close(listener);
 }
 
-// A socket to the window that listens, or -1.
-int OneWindow::Call() const {
+// Whether a window listens, to which the socket then leads.
+bool OneWindow::Reach(int caller) const {
     const sockaddr_un address = addressOf(path);
-    const int caller = newSocket();
-    if (caller < 0) return -1;
     setPatience(caller, ANSWER_SECONDS);
-    if (connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-        isOfThisPerson(caller))
-        return caller;
-    close(caller);
-    return -1;
+    return connect(caller, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+           isOfThisPerson(caller);
 }
 
 void OneWindow::Listen() {
@@ -119,8 +114,10 @@ void OneWindow::Listen() {
 bool OneWindow::HandOver(const std::vector<std::string>& paths, bool isWanted) {
     if (path.empty()) return false;
     const FileLock lock(path); // of two starts at the same moment one is the first
-    const int caller = Call();
-    if (caller < 0) {
+    const int caller = newSocket();
+    if (caller < 0) return false; // a window may listen
+    if (!Reach(caller)) {
+        close(caller);
         if (!lock.IsTaken()) Listen();
         return false;
     }

@@ -6,9 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <fstream>
 #include <future>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -44,7 +46,7 @@ protected:
 
     // A program that calls the window by itself.
     int Call() const {
-        const int caller = socket(AF_UNIX, SOCK_STREAM, 0);
+        const int caller = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         place.copy(address.sun_path, sizeof address.sun_path - 1);
@@ -152,6 +154,90 @@ TEST_F(OneWindowTest, NobodyElseIsServedOrAsked) {
     OneWindow ours(place);
     EXPECT_FALSE(ours.HandOver({"/a"}, false));
     EXPECT_GE(ours.Listener(), 0) << "it does without the other one";
+}
+
+TEST_F(OneWindowTest, WhoSaysNothingOrGoesOnForEverIsNotServed) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    Paths taken;
+    const int silent = Call();
+    shutdown(silent, SHUT_WR);
+    EXPECT_FALSE(first.Answer(taken));
+    close(silent);
+    const std::string much(2000000, 'y');
+    const int endless = Call();
+    std::future<ssize_t> sent =
+        std::async(std::launch::async, [&] { return send(endless, much.data(), much.size(), MSG_NOSIGNAL); });
+    EXPECT_FALSE(first.Answer(taken));
+    EXPECT_LT(sent.get(), static_cast<ssize_t>(much.size())) << "nobody takes the rest";
+    close(endless);
+}
+
+// The first window is gone in the middle: the second one opens the files itself.
+TEST_F(OneWindowTest, WhereTheFirstHangsUpTheSecondIsOnItsOwn) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    const Paths much = {std::string(2000000, 'x')};
+    std::future<bool> second =
+        std::async(std::launch::async, [&] { return OneWindow(place).HandOver(much, false); });
+    const int caller = accept(first.Listener(), nullptr, nullptr);
+    close(caller);
+    EXPECT_FALSE(second.get());
+}
+
+// So many files more than now can be opened as long as this lives.
+class FewFiles {
+public:
+    explicit FewFiles(int count) {
+        EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &before), 0);
+        const int lowest = open("/dev/null", O_RDONLY | O_CLOEXEC);
+        close(lowest);
+        rlimit few = before;
+        few.rlim_cur = static_cast<rlim_t>(lowest + count);
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    }
+    ~FewFiles() { setrlimit(RLIMIT_NOFILE, &before); }
+    FewFiles(const FewFiles&) = delete;
+    FewFiles& operator=(const FewFiles&) = delete;
+
+private:
+    rlimit before = {};
+};
+
+TEST_F(OneWindowTest, InASystemOutOfSocketsEveryWindowIsOnItsOwn) {
+    for (const int count : {0, 1}) { // the first one would be the lock's
+        const FewFiles left(count);
+        OneWindow window(place);
+        EXPECT_FALSE(window.HandOver({}, false)) << count;
+        EXPECT_LT(window.Listener(), 0) << count;
+    }
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    ASSERT_GE(first.Listener(), 0);
+    for (const int count : {0, 1}) {
+        const FewFiles left(count);
+        OneWindow window(place);
+        EXPECT_FALSE(window.HandOver({"/a"}, false)) << count;
+        EXPECT_LT(window.Listener(), 0) << count;
+    }
+    Paths taken;
+    EXPECT_TRUE(Start(first, {"/b"}, taken)) << "it listens still";
+}
+
+TEST_F(OneWindowTest, WhoCallsASystemOutOfSocketsIsServedLater) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    const int caller = Call();
+    ASSERT_EQ(send(caller, "y/a", 3, 0), 3);
+    ASSERT_EQ(shutdown(caller, SHUT_WR), 0);
+    Paths taken;
+    {
+        const FewFiles none(0);
+        EXPECT_FALSE(first.Answer(taken));
+    }
+    EXPECT_TRUE(first.Answer(taken));
+    EXPECT_EQ(taken, Paths({"/a"}));
+    close(caller);
 }
 
 TEST_F(OneWindowTest, WhereNothingCanBeMadeEveryWindowIsOnItsOwn) {
