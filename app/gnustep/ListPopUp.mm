@@ -250,7 +250,9 @@ static NSFont* listFont() {
     case NSKeyDown: [self takeKey:event]; break;
     case NSKeyUp:
     case NSRightMouseDown:
-    case NSRightMouseUp: break;
+    case NSRightMouseUp:
+    case NSOtherMouseDown:
+    case NSOtherMouseUp: break;
     case NSMouseMoved:
     case NSLeftMouseDragged: [self followPointer:event]; break;
     case NSLeftMouseDown:

@@ -4,6 +4,8 @@
 #import "../console_fixture.h"
 #import "../replacement.h"
 
+#import <GNUstepGUI/GSDisplayServer.h>
+
 @interface ListTarget : NSObject {
 @public
     std::string chosen;
@@ -231,6 +233,73 @@ TEST_F(ListPopUpTest, TheWheelScrollsByThreeRows) {
     }
     PostRelease(where);
     EXPECT_EQ(Choose(), "row8\t64");
+}
+
+// Pulled on below its end, the list scrolls, and at its sides it does not.
+TEST_F(ListPopUpTest, APullBelowTheListScrolls) {
+    AddRows(2000);
+    const int inSight = RowsInSight();
+    const NSPoint below = Below(EDGE + inSight * ROW + 4);
+    PostMouse(NSLeftMouseDragged, Below(HeightOfRow(2)));
+    PostMouse(NSLeftMouseDragged, below);
+    for (int i = 0; i < 3; ++i) PostTick();
+    for (const CGFloat beside : {-500.0, 500.0}) {
+        PostMouse(NSLeftMouseDragged, NSMakePoint(below.x + beside, below.y));
+        for (int i = 0; i < 100; ++i) PostTick();
+    }
+    PostRelease(Below(HeightOfRow(2)));
+    EXPECT_EQ(Choose(), "row5\t25");
+}
+
+TEST_F(ListPopUpTest, APointerBesideTheListScrollsNothing) {
+    AddRows(2000);
+    const NSPoint low = Below(EDGE + RowsInSight() * ROW - 2);
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, NSMakePoint(low.x + 500, low.y));
+    for (int i = 0; i < 100; ++i) PostTick();
+    PostRelease(Below(HeightOfRow(0)));
+    EXPECT_EQ(Choose(), "row0\t0");
+}
+
+int otherPresses = 0;
+
+void countOtherPress(id, SEL, NSEvent*) {
+    ++otherPresses;
+}
+
+TEST_F(ListPopUpTest, OtherButtonsOfTheMouseDoNothingWhileItIsOpen) {
+    AddRows(5);
+    const Replaced press([MainConsole class], @selector(otherMouseDown:), countOtherPress);
+    const NSPoint inText = [console convertPoint:NSMakePoint(30, 10) toView:nil];
+    otherPresses = 0;
+    PostRelease(MiddleOfButton());
+    PostMouse(NSMouseMoved, Below(HeightOfRow(2)));
+    for (const NSEventType type : {NSRightMouseDown, NSRightMouseUp, NSOtherMouseDown, NSOtherMouseUp})
+        PostMouse(type, inText);
+    PostKey(@"\r");
+    EXPECT_EQ(Choose(), "row2\t4");
+    EXPECT_EQ(otherPresses, 0) << "the middle one would paste";
+}
+
+TEST_F(ListPopUpTest, AWindowThatClosesClosesItsListFirst) {
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostEvent([NSEvent otherEventWithType:NSAppKitDefined
+                                 location:NSZeroPoint
+                            modifierFlags:0
+                                timestamp:0
+                             windowNumber:[window windowNumber]
+                                  context:nil
+                                  subtype:GSAppKitWindowClose
+                                    data1:0
+                                    data2:0]);
+    EXPECT_EQ(Choose(), "");
+    NSEvent* const left = [NSApp nextEventMatchingMask:NSAppKitDefinedMask
+                                             untilDate:[NSDate date]
+                                                inMode:NSDefaultRunLoopMode
+                                               dequeue:YES];
+    EXPECT_EQ([left subtype], GSAppKitWindowClose) << "it is closed when the list is gone";
+    EXPECT_EQ([left window], window);
 }
 
 TEST_F(ListPopUpTest, OnADenseScreenTheRowsAreTwiceAsHigh) {
