@@ -51,10 +51,10 @@ protected:
                                                  keyCode:0]];
     }
 
-    // The system's panel that the space bar opens for a control of the preferences.
-    NSWindow* Opened(NSView* control, NSWindow* expected) const {
+    // The system's panel that a key opens for a control of the preferences.
+    NSWindow* Opened(NSView* control, NSWindow* expected, unichar key = ' ') const {
         [panel makeFirstResponder:control];
-        Send(panel, ' ');
+        Send(panel, key);
         EXPECT_TRUE([expected isVisible]);
         EXPECT_TRUE([expected isKeyWindow]);
         return expected;
@@ -116,6 +116,15 @@ TEST_F(PanelsByKeyboard, TheArrowsChangeAColorAndEscapeGoesBack) {
     EXPECT_FALSE([controls.prefBGColor isActive]);
     Close();
     ExpectColor([[console settings] objectForKey:@"bgcolor"], 0.15, 0.15, 0.15);
+}
+
+TEST_F(PanelsByKeyboard, ReturnOpensTheColorsAsTheSpaceBarDoes) {
+    NSColorPanel* const colors = [NSColorPanel sharedColorPanel];
+    [panel makeFirstResponder:controls.prefBGColor];
+    Send(panel, 'x');
+    EXPECT_FALSE([colors isVisible]);
+    Send(Opened(controls.prefBGColor, colors, '\r'), 27);
+    ExpectBackAt(controls.prefBGColor, colors);
 }
 
 TEST_F(PanelsByKeyboard, TabGoesThroughThePickerThatWasChosen) {

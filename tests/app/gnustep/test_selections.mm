@@ -152,6 +152,18 @@ TEST_F(Selections, TheMiddleButtonPastesWhatIsSelectedElsewhere) {
     EXPECT_EQ(Entry(), "3*5 * 2") << "with the sign of multiplication as it is typed";
 }
 
+// GNUstep's own pastes at the release what was selected here.
+TEST_F(Selections, TheReleaseOfTheMiddleButtonPastesNothingMore) {
+    Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
+        Put(display, request, "5");
+        Answer(display, request, request.property);
+    });
+    Type("3*");
+    ClickMiddleButton();
+    [console otherMouseUp:Mouse(NSOtherMouseUp, NSMakePoint(20, 60))];
+    EXPECT_EQ(Entry(), "3*5");
+}
+
 TEST_F(Selections, NothingSelectedPastesNothing) {
     Own("PRIMARY", [](Display* display, Window, const XSelectionRequestEvent& request, int) {
         Answer(display, request, None);

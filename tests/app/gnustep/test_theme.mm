@@ -98,6 +98,24 @@ TEST_F(Theme, TheRowsOfPanelsHaveTheColorOfTheirList) {
     }
 }
 
+// A block is all of the text's color.
+TEST_F(Theme, ARowThatCannotBeChosenIsGray) {
+    for (const bool isEnabled : {true, false}) {
+        NSBrowserCell* const cell = [[[NSBrowserCell alloc] initTextCell:@"\u2588\u2588"] autorelease];
+        [cell setLeaf:YES];
+        [cell setEnabled:isEnabled];
+        NSView* const view = [window contentView];
+        const NSRect row = NSMakeRect(0, 0, 120, 18);
+        [view lockFocus];
+        [cell drawInteriorWithFrame:row inView:view];
+        NSBitmapImageRep* const bits = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:row] autorelease];
+        [view unlockFocus];
+        NSColor* const expected = [isEnabled ? [NSColor controlTextColor] : [NSColor disabledControlTextColor]
+            colorUsingColorSpaceName:NSCalibratedRGBColorSpace];
+        EXPECT_NEAR([[bits colorAtX:8 y:9] redComponent], [expected redComponent], 0.02) << isEnabled;
+    }
+}
+
 NSArray* browsersIn(NSView* view) {
     NSMutableArray* const found = [NSMutableArray array];
     for (NSView* const one in [view subviews])
@@ -315,6 +333,51 @@ TEST_F(Theme, TheTwoButtonsOfAStepperShareItsFrame) {
     EXPECT_TRUE(NSContainsRect(frame, up));
     EXPECT_TRUE(NSContainsRect(frame, down));
     EXPECT_FALSE(NSIntersectsRect(up, down));
+}
+
+// As the theme draws it. The picture counts from above.
+NSBitmapImageRep* drawnStep(NSView* view, bool isUp, bool isPressed) {
+    const NSRect frame = NSMakeRect(0, 0, 18, 12);
+    GSTheme* const theme = [GSTheme theme];
+    [view lockFocus];
+    if (isUp && isPressed)
+        [theme drawStepperHighlightUpButton:frame];
+    else if (isUp)
+        [theme drawStepperUpButton:frame];
+    else if (isPressed)
+        [theme drawStepperHighlightDownButton:frame];
+    else
+        [theme drawStepperDownButton:frame];
+    NSBitmapImageRep* const bits = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:frame] autorelease];
+    [view unlockFocus];
+    return bits;
+}
+
+TEST_F(Theme, AnArrowThatIsHeldDownLooksPressed) {
+    for (const bool isUp : {true, false}) {
+        for (const bool isPressed : {true, false}) {
+            NSBitmapImageRep* const bits = drawnStep([window contentView], isUp, isPressed);
+            const double field = shadeOf([bits colorAtX:4 y:6]).red;
+            NSColor* const expected = isPressed ? [NSColor controlHighlightColor] : [NSColor headerColor];
+            EXPECT_NEAR(field, shadeOf(expected).red, 0.02) << isUp << isPressed;
+            // The arrow is widest at the end from which it points away.
+            const double upper = shadeOf([bits colorAtX:7 y:4]).red;
+            const double lower = shadeOf([bits colorAtX:7 y:7]).red;
+            EXPECT_GT((isUp ? lower : upper), (isUp ? upper : lower) + 0.1) << isUp << isPressed;
+        }
+    }
+}
+
+NSString* nameOfTheme(id, SEL, NSString* key) {
+    return [key isEqualToString:@"GSTheme"] ? @"Mine" : nil;
+}
+
+TEST_F(Theme, APersonsOwnStays) {
+    [GSTheme setTheme:nil];
+    GSTheme* const before = [GSTheme theme];
+    const Replaced defaults([NSUserDefaults class], @selector(stringForKey:), nameOfTheme);
+    useFlatTheme();
+    EXPECT_EQ([GSTheme theme], before);
 }
 
 // GNUstep reads it once, when the first scroll view is made.
