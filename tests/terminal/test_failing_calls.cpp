@@ -10,6 +10,7 @@
 #include "TerminalModes.h"
 #include "failing_system.h"
 #include "temporary_folder.h"
+#include "typed_keys.h"
 
 #include <atomic>
 #include <chrono>
@@ -426,5 +427,60 @@ TEST_P(FailingCallsAtATerminal, OfAWholeRunAreToldOrCostNoAnswer) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, FailingCallsAtATerminal, testing::Bool());
+
+// --- Between a line and its answer ---
+
+// What the prompt says to these keys, and how it ends. Without an editor, whose screen is another descriptor.
+class KeysOfThePrompt : public FailingCallsOfThePrompt {
+protected:
+    PromptEnd Type(System& keys) {
+        Session session(STDOUT_FILENO, STDOUT_FILENO, Session::Style(), keys);
+        session.Calculator().traced = false;
+        PromptFiles files(session.Calculator()); // not open
+        PromptOptions options;
+        options.isPlain = true;
+        const std::string path = folder.File("said");
+        PromptEnd end = PromptEnd::Ended;
+        {
+            const Redirection out(STDOUT_FILENO, path, O_WRONLY | O_CREAT | O_TRUNC);
+            end = runPrompt(session, files, STDOUT_FILENO, options, keys);
+        }
+        said = contentOf(path);
+        return end;
+    }
+
+    std::string said;
+};
+
+TEST_F(KeysOfThePrompt, ControlCBetweenALineAndItsAnswerInterruptsIt) {
+    TypedKeys keys({{"6*7\n", 0, {}, SIGINT}, {"6*8\n"}});
+    EXPECT_EQ(PromptEnd::Ended, Type(keys));
+    EXPECT_EQ(std::string::npos, said.find("42")) << said;
+    EXPECT_NE(std::string::npos, said.find("** ERROR: interrupted **\n")) << said;
+    EXPECT_NE(std::string::npos, said.find("ans = 48\n")) << "the next one is answered: " << said;
+}
+
+// Gone behind the answer, before the hint below it.
+class TerminalThatGoes : public TypedKeys {
+public:
+    using TypedKeys::TypedKeys;
+    ssize_t Write(int file, const void* bytes, size_t size) override {
+        const std::string text(static_cast<const char*>(bytes), size);
+        isGone = isGone || text.find("powers are taken") != std::string::npos;
+        if (!isGone) return System::Write(file, bytes, size);
+        errno = EIO;
+        return -1;
+    }
+
+private:
+    bool isGone = false;
+};
+
+TEST_F(KeysOfThePrompt, ATerminalThatGoesBehindAnAnswerIsTheEnd) {
+    TerminalThatGoes keys({{"2^3^2\n"}, {"never=1\n"}});
+    EXPECT_EQ(PromptEnd::OutputLost, Type(keys));
+    EXPECT_NE(std::string::npos, said.find("ans = 64\n")) << said;
+    EXPECT_EQ(std::string::npos, said.find("never")) << said;
+}
 
 } // namespace

@@ -3,10 +3,15 @@
 // What stays in Readline, which belongs to the process, from one editor to the next.
 #include "ReadlineEditor.h"
 
+#include "Interrupt.h"
 #include "ShownText.h"
+#include "typed_keys.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -127,6 +132,84 @@ TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
 TEST(ReadlineEditor, TakesAPastedTextToItsEnd) {
     const std::string nul(1, '\0');
     expectLine("\x1b[200~1" + nul + "2\xE4\x1b[201~", "1?2" + MARK);
+}
+
+// --- In the middle of a key ---
+
+using Status = LineSource::Status;
+
+// What becomes of these pieces, in a process of its own, as above: the signals are caught there.
+void expectStatus(const std::deque<Piece>& pieces, Status expected, const std::string& line = "",
+                  int error = 0) {
+    const auto inChild = [&] {
+        alarm(10);
+        setenv("INPUTRC", "/dev/null", 1);
+        setenv("TERM", "xterm", 1);
+        const InterruptCatcher interrupts;
+        const EndCatcher ends;
+        TypedKeys keys(pieces);
+        QuietHost host;
+        ReadlineEditor editor(host, STDIN_FILENO, open("/dev/null", O_WRONLY | O_CLOEXEC), keys);
+        std::string text;
+        errno = 0;
+        const Status status = editor.Next(text);
+        const bool isRight = status == expected && text == line && (error == 0 || errno == error);
+        if (!isRight) std::fprintf(stderr, "%d %s %d", static_cast<int>(status), text.c_str(), errno);
+        std::_Exit(isRight ? 0 : 1);
+    };
+    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
+}
+
+const std::string PASTE = "\x1b[200~";
+
+TEST(ReadlineEditor, APasteThatComesInPiecesIsWhole) {
+    expectStatus({{PASTE + "1+"}, {"2\x1b[20"}, {"1~*3\r"}}, Status::Line, "1+2*3");
+}
+
+TEST(ReadlineEditor, SignalsInTheMiddleOfAPasteTakeNothingFromIt) {
+    for (const int signal : {SIGWINCH, SIGCONT})
+        expectStatus({{PASTE + "1+"}, during(signal), {"2\x1b[201~\r"}}, Status::Line, "1+2");
+}
+
+// Another process lets it go on. In a group that no shell looks after the system does not stop it.
+void stopAndGoOn() {
+    const pid_t stopped = getpid();
+    const pid_t other = fork();
+    if (other == 0) {
+        while (getppid() == stopped) {
+            kill(stopped, SIGCONT);
+            usleep(10000);
+        }
+        std::_Exit(0);
+    }
+    raise(SIGTSTP);
+}
+
+TEST(ReadlineEditor, AStopInTheMiddleOfAPasteTakesNothingFromIt) {
+    expectStatus({{PASTE + "1+"}, {"", 0, stopAndGoOn}, {"2\x1b[201~\r"}}, Status::Line, "1+2");
+}
+
+TEST(ReadlineEditor, ControlCInTheMiddleOfAPasteDropsTheLine) {
+    expectStatus({{"7"}, {PASTE + "1+"}, during(SIGINT), {"2\x1b[201~\r"}}, Status::Canceled);
+}
+
+TEST(ReadlineEditor, TheEndInTheMiddleOfAPasteRunsNothing) {
+    expectStatus({{PASTE + "1+1\n2+2"}}, Status::End);
+    expectStatus({{PASTE + "1+1\n2+2"}, during(SIGTERM)}, Status::End);
+}
+
+TEST(ReadlineEditor, AFailureInTheMiddleOfAPasteIsTold) {
+    expectStatus({{PASTE + "1+1\n2+2"}, {"", EBADF}}, Status::Failed, "", EBADF);
+    expectStatus({{PASTE + "1+"}, {"", EAGAIN}, {"2\x1b[201~\r"}}, Status::Line, "1+2");
+}
+
+// An Escape may begin a sequence, which is waited for a moment.
+TEST(ReadlineEditor, SignalsBehindAnEscapeTakeNoKey) {
+    for (const int signal : {SIGWINCH, SIGCONT})
+        expectStatus({{"2+3\x1b"}, during(signal), {"b4\r"}}, Status::Line, "2+43");
+    expectStatus({{"2+3\x1b"}, {"", 0, stopAndGoOn}, {"b4\r"}}, Status::Line, "2+43");
+    expectStatus({{"2+3\x1b"}, during(SIGINT), {"b4\r"}}, Status::Canceled);
+    expectStatus({{"2+3\x1b"}, {"", EBADF}}, Status::Failed, "", EBADF);
 }
 
 } // namespace
