@@ -75,11 +75,12 @@ protected:
     }
 
     // With the menu open.
-    void PointAt(NSInteger item) const {
+    void PointAt(NSInteger item) {
         NSMenuView* const menu = OpenMenu();
         ASSERT_NE(menu, nil);
         const NSRect row = [menu convertRect:[menu rectOfItemAtIndex:item] toView:nil];
         pointer = [[menu window] convertBaseToScreen:NSMakePoint(NSMidX(row), NSMidY(row))];
+        [NSApp postEvent:RightClick(NSRightMouseDragged) atStart:NO]; // which has the place looked at
     }
 
     static constexpr NSInteger COPY_ANSWER = 2;
