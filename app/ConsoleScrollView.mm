@@ -72,7 +72,7 @@ static CGFloat lineHeight(NSTextView* text) {
     const NSRect seen = [self documentVisibleRect];
     const NSUInteger length = [[text string] length];
     // The half of the last line is as good as all of it.
-    if (!text || length == 0 || NSMaxY(seen) + [[text font] pointSize] / 2 >= NSMaxY([text frame])) return {};
+    if (length == 0 || NSMaxY(seen) + [[text font] pointSize] / 2 >= NSMaxY([text frame])) return {};
     Place place;
     place.isEnd = false;
     place.character = characterAt(text, NSMakePoint(1, NSMinY(seen) + 1)).character;

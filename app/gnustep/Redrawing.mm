@@ -30,14 +30,13 @@
 // The lines above the change are as they were. A character that goes can let the line in front of it end
 // elsewhere.
 - (void)setNeedsDisplay:(BOOL)needs {
-    const NSUInteger length = [[self string] length];
-    const bool isPart = needs && isUpdating && changedFrom > 0 && changedFrom != NSNotFound && length > 0;
+    const bool isPart = needs && isUpdating && changedFrom > 0 && changedFrom != NSNotFound;
     if (!isPart) {
         [super setNeedsDisplay:needs];
         return;
     }
     NSRect below = [self visibleRect];
-    const CGFloat top = topOfLine(self, std::min(changedFrom, length) - 1);
+    const CGFloat top = topOfLine(self, changedFrom - 1);
     below.size.height = NSMaxY(below) - top;
     below.origin.y = top;
     if (NSHeight(below) > 0) [self setNeedsDisplayInRect:below];

@@ -50,6 +50,31 @@ TEST_F(About, TellsNameVersionPurposeAndLicense) {
     EXPECT_TRUE(hasIcon);
 }
 
+NSDictionary* informationOfBundles(id, SEL) {
+    return [NSDictionary dictionaryWithObject:@"4.5.6" forKey:@"CFBundleShortVersionString"];
+}
+
+NSDictionary* noInformation(id, SEL) {
+    return nil;
+}
+
+bool hasLine(NSWindow* panel, NSString* start) {
+    for (NSView* const view in [[panel contentView] subviews]) {
+        const bool isText = [view isKindOfClass:[NSTextField class]];
+        if (isText && [[(NSTextField*)view stringValue] hasPrefix:start]) return true;
+    }
+    return false;
+}
+
+TEST_F(About, TakesTheVersionFromWhereTheSystemKeepsIt) {
+    {
+        const Replaced about([NSBundle class], @selector(infoDictionary), informationOfBundles);
+        EXPECT_TRUE(hasLine(buildAboutPanel(), @"Version 4.5.6"));
+    }
+    const Replaced about([NSBundle class], @selector(infoDictionary), noInformation);
+    EXPECT_FALSE(hasLine(buildAboutPanel(), @"Version"));
+}
+
 TEST_F(About, TakesTheKeysAndEscapeClosesIt) {
     EXPECT_TRUE([panel isVisible]);
     EXPECT_TRUE([panel isKeyWindow]);

@@ -237,6 +237,37 @@ TEST_F(Scroller, TheTrackHasTheColorOfTheConsole) {
     EXPECT_LT(track.green, 0.2);
 }
 
+TEST_F(Scroller, WithoutAScrollViewItPaintsItsOwnColor) {
+    ZqScroller* const alone = [[[ZqScroller alloc] initWithFrame:NSMakeRect(40, 40, 15, 80)] autorelease];
+    EXPECT_TRUE([alone isOpaque]);
+    [[window contentView] addSubview:alone];
+    [alone setEnabled:YES];
+    [alone setDoubleValue:0];
+    [alone setKnobProportion:0.5];
+    scroller = alone;
+    const NSRect knob = [alone rectForPart:NSScrollerKnob];
+    ASSERT_GT(NSHeight(knob), 6);
+    const Pixel track = Seen(1, 70);
+    EXPECT_LT(track.red, 0.3);
+    EXPECT_GT(Seen(7, static_cast<NSInteger>(NSMidY(knob))).red, track.red + 0.1) << "its knob";
+    [alone removeFromSuperview];
+}
+
+TEST_F(Scroller, ItsKnobIsAsWideAsItselfAndOtherPartsAreWhereTheyWere) {
+    FillConsole();
+    [console gotoEnd];
+    NSScroller* const plain = [[[NSScroller alloc] initWithFrame:[scroller frame]] autorelease];
+    [plain setArrowsPosition:NSScrollerArrowsNone];
+    [plain setEnabled:YES];
+    [plain setDoubleValue:[scroller doubleValue]];
+    [plain setKnobProportion:[scroller knobProportion]];
+    EXPECT_EQ(NSWidth([scroller rectForPart:NSScrollerKnob]), NSWidth([scroller bounds]));
+    EXPECT_TRUE(NSEqualRects([scroller rectForPart:NSScrollerDecrementPage],
+                             [plain rectForPart:NSScrollerDecrementPage]));
+    [scroller setFrame:NSZeroRect];
+    EXPECT_TRUE(NSIsEmptyRect([scroller rectForPart:NSScrollerKnob]));
+}
+
 TEST_F(Scroller, ANotchOfTheWheelIsAboutThreeLines) {
     const CGFloat line = [[console font] defaultLineHeightForFont];
     EXPECT_GT([[console enclosingScrollView] verticalLineScroll], 2.5 * line);
@@ -336,6 +367,25 @@ protected:
 
     TextFormatter* formatter = nil;
 };
+
+// What a field shall show instead of so long a text.
+std::string insteadOf(TextFormatter* formatter, NSString* text) {
+    NSString* shown = nil;
+    EXPECT_FALSE([formatter isPartialStringValid:text newEditingString:&shown errorDescription:NULL]);
+    EXPECT_FALSE([formatter isPartialStringValid:text newEditingString:NULL errorDescription:NULL]);
+    return shown ? [shown UTF8String] : "nil";
+}
+
+TEST_F(Formatter, BringsBackTheLastTextThatFits) {
+    [formatter setMaximumLength:3];
+    EXPECT_EQ(insteadOf(formatter, @"WXYZ"), "") << "there was none";
+    [formatter stringForObjectValue:@"ABC"];
+    [formatter stringForObjectValue:[NSNumber numberWithInt:5]]; // no text
+    EXPECT_EQ(insteadOf(formatter, @"WXYZ"), "ABC");
+    EXPECT_EQ(insteadOf(formatter, @"de"), "DE");
+    [formatter setMaximumLength:1];
+    EXPECT_EQ(insteadOf(formatter, @"WXYZ"), "") << "it fits no more";
+}
 
 TEST_F(Formatter, BeginsWithoutALimit) {
     EXPECT_EQ([formatter maximumLength], 2147483647);

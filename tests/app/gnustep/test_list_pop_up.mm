@@ -386,6 +386,42 @@ TEST_F(ListPopUpTest, ReturnWithoutAChoiceLeavesItOpen) {
     EXPECT_EQ(ChooseByKeys(), "row0\t0");
 }
 
+TEST_F(ListPopUpTest, KeysThatBeginNoRowMoveNothing) {
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(@"");
+    PostKey(@" ");
+    PostKey(NSF5FunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row0\t0");
+}
+
+TEST_F(ListPopUpTest, ASeparatorAtAnEndStopsTheArrows) {
+    AddRows(2);
+    [[button menu] addItem:[NSMenuItem separatorItem]];
+    for (int i = 0; i < 5; ++i) PostKey(NSDownArrowFunctionKey);
+    EXPECT_EQ(ChooseByKeys(), "row1\t1");
+}
+
+TEST_F(ListPopUpTest, WhereThereIsMoreRoomAboveItOpensThere) {
+    [window setFrameOrigin:NSMakePoint(100, 0)];
+    AddRows(20);
+    const CGFloat top = NSHeight([button frame]) + EDGE + 20 * ROW;
+    PostRelease(Below(-(top - 3.5 * ROW)));
+    EXPECT_EQ(Choose(), "row3\t9");
+}
+
+TEST_F(ListPopUpTest, AKeyOfAMenuClosesItAndIsLeftForTheMenu) {
+    AddRows(5);
+    PostKey(NSDownArrowFunctionKey);
+    PostKey(@"s", 0, NSControlKeyMask);
+    EXPECT_EQ(Choose(), "");
+    NSEvent* const left = [NSApp nextEventMatchingMask:NSKeyDownMask
+                                             untilDate:[NSDate date]
+                                                inMode:NSDefaultRunLoopMode
+                                               dequeue:YES];
+    EXPECT_EQ(std::string([[left characters] UTF8String]), "s");
+}
+
 TEST_F(ListPopUpTest, AKeyWithCommandClosesItAndIsLeftForTheMenu) {
     AddRows(5);
     PostKey(NSDownArrowFunctionKey);

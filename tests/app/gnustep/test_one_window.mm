@@ -185,6 +185,24 @@ TEST_F(OneWindowTest, WhereTheFirstHangsUpTheSecondIsOnItsOwn) {
     EXPECT_FALSE(second.get());
 }
 
+// Another program that listens there, say.
+TEST_F(OneWindowTest, WhatDoesNotAnswerAsAWindowTakesNothing) {
+    OneWindow first(place);
+    EXPECT_FALSE(first.HandOver({}, false));
+    for (const std::string answer : {"", "n"}) {
+        std::future<bool> second =
+            std::async(std::launch::async, [&] { return OneWindow(place).HandOver({"/a"}, false); });
+        const int caller = accept(first.Listener(), nullptr, nullptr);
+        char bytes[100];
+        while (recv(caller, bytes, sizeof bytes, 0) > 0) {
+        }
+        EXPECT_EQ(send(caller, answer.data(), answer.size(), MSG_NOSIGNAL),
+                  static_cast<ssize_t>(answer.size()));
+        close(caller);
+        EXPECT_FALSE(second.get()) << answer;
+    }
+}
+
 // So many files more than now can be opened as long as this lives.
 class FewFiles {
 public:

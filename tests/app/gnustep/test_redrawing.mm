@@ -92,6 +92,10 @@ TEST_F(Redrawing, NothingIsMissing) {
             SelectEntry(3);
             Type("*");
         });
+        ExpectAllIsDrawn("below what is seen", [this] {
+            [console scrollPoint:NSZeroPoint];
+            [console replaceCharactersInRange:NSMakeRange([[console string] length], 0) withString:@"+1"];
+        });
         ExpectAllIsDrawn("one character less", [this] { Press(KEY_BACKSPACE); });
         ExpectAllIsDrawn("none any more", [this] { [console clearPrompt]; });
         ExpectAllIsDrawn("two changes", [this] {

@@ -368,6 +368,33 @@ TEST_F(Theme, AnArrowThatIsHeldDownLooksPressed) {
     }
 }
 
+// Whatever GNUstep would have raised or sunk.
+TEST_F(Theme, BordersAreFlatLinesOfOnePoint) {
+    const NSRect frame = NSMakeRect(0, 0, 30, 20);
+    for (const SEL border : {
+             @selector(drawGrayBezel:withClip:), @selector(drawWhiteBezel:withClip:),
+                 @selector(drawDarkBezel:withClip:), @selector(drawLightBezel:withClip:),
+                 @selector(drawGroove:withClip:), @selector(drawButton:withClip:)
+         }) {
+        [window display];
+        NSView* const view = [window contentView];
+        [view lockFocus];
+        [[NSColor blackColor] set];
+        NSRectFill(frame);
+        const IMP draw = [[GSTheme theme] methodForSelector:border];
+        const NSRect inside = reinterpret_cast<NSRect (*)(id, SEL, NSRect, NSRect)>(draw)(
+            [GSTheme theme], border, frame, frame);
+        NSBitmapImageRep* const bits = [[[NSBitmapImageRep alloc] initWithFocusedViewRect:frame] autorelease];
+        [view unlockFocus];
+        EXPECT_TRUE(NSEqualRects(inside, NSInsetRect(frame, 1, 1))) << sel_getName(border);
+        const double edge = shadeOf([NSColor gridColor]).red;
+        const NSInteger places[][2] = {{0, 10}, {29, 10}, {15, 0}, {15, 19}};
+        for (const auto& place : places)
+            EXPECT_NEAR(shadeOf([bits colorAtX:place[0] y:place[1]]).red, edge, 0.02) << sel_getName(border);
+        EXPECT_NEAR(shadeOf([bits colorAtX:15 y:10]).red, 0, 0.02) << sel_getName(border);
+    }
+}
+
 NSString* nameOfTheme(id, SEL, NSString* key) {
     return [key isEqualToString:@"GSTheme"] ? @"Mine" : nil;
 }
