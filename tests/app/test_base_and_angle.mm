@@ -297,6 +297,9 @@ TEST_F(BaseAndAngle, AClickSelectsTheSegmentUnderTheMouse) {
     EXPECT_EQ(click(60, 10), 1);
     EXPECT_EQ(click(100, 10), 2);
     EXPECT_EQ(click(60, 200), 2) << "let go outside";
+    EXPECT_EQ(click(NSWidth([control bounds]) - 0.5, 10), 2) << "behind the last one";
+    [[control cell] stopTracking:NSMakePoint(10, 10) at:NSMakePoint(10, 10) inView:control mouseIsUp:NO];
+    EXPECT_EQ(BaseSegment(), 2) << "it is not let go";
 }
 
 } // namespace

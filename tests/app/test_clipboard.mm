@@ -342,6 +342,15 @@ TEST_F(Clipboard, ADoubleClickTakesAWholeNumberInTheMarksOfNow) {
     EXPECT_EQ("7.654.321,5", [[[console string] substringWithRange:european] UTF8String] + std::string());
 }
 
+TEST_F(Clipboard, ADoubleClickKnowsAnyGroupingMark) {
+    [console setSetting:@"separator" to:1];
+    [console setSetting:@"schar" to:'\''];
+    Enter("1234567.5");
+    const NSRange number = [console selectionRangeForProposedRange:NSMakeRange(Text().find("1'234"), 0)
+                                                       granularity:NSSelectByWord];
+    EXPECT_EQ("1'234'567.5", [[[console string] substringWithRange:number] UTF8String] + std::string());
+}
+
 TEST_F(Clipboard, ADragOfADoubleClickGoesOnInWholeWords) {
     Type("12.5+width");
     const NSRange both =

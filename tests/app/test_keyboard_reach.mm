@@ -37,21 +37,26 @@ TEST_F(KeyboardReach, LeftAndRightChooseASegment) {
     Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
     Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
     EXPECT_EQ(SettingOf("dispbase"), 16);
+    Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
+    EXPECT_EQ(SettingOf("dispbase"), 16) << "there is none to its right";
     Send('\t');
     Send(NSRightArrowFunctionKey, NSFunctionKeyMask);
     EXPECT_EQ(SettingOf("degmode"), 0);
 }
 
-TEST_F(KeyboardReach, SpaceOpensAListOfWhichOneIsTyped) {
+TEST_F(KeyboardReach, SpaceReturnOrDownOpenAListOfWhichOneIsTyped) {
     Enter("width=7");
-    Press(KEY_F6);
-    Send('\t');
-    Send('\t');
-    Wait('w');
-    Wait('\r');
-    Send(' ');
-    EXPECT_EQ(Entry(), "width");
-    EXPECT_TRUE(ConsoleHasFocus());
+    for (const unichar key : {u' ', u'\r', static_cast<char16_t>(NSDownArrowFunctionKey)}) {
+        [console clearPrompt];
+        Press(KEY_F6);
+        Send('\t');
+        Send('\t');
+        Wait('w');
+        Wait('\r');
+        Send(key);
+        EXPECT_EQ(Entry(), "width") << key;
+        EXPECT_TRUE(ConsoleHasFocus());
+    }
 }
 
 TEST_F(KeyboardReach, WhatIsTypedAtAControlIsForTheEntry) {

@@ -97,6 +97,25 @@ TEST_F(MouseInText, AClickThatMovesALittleDragsNothing) {
     EXPECT_EQ(CursorInEntry(), 5u);
 }
 
+int drags = 0;
+
+void countDrag(id, SEL, NSEvent*, NSSize, BOOL) {
+    ++drags;
+}
+
+TEST_F(MouseInText, APullOfWhatIsSelectedDragsIt) {
+    Type("1234+567");
+    SelectEntry(0, 8);
+    const Replaced drag([NSTextView class], @selector(dragSelectionWithEvent:offset:slideBack:), countDrag);
+    drags = 0;
+    NSPoint far = Before(5);
+    far.x += 10;
+    following = {Event(NSLeftMouseDragged, far), Event(NSLeftMouseUp, far)};
+    PressOnSelection(Before(5));
+    EXPECT_EQ(drags, 1);
+    EXPECT_EQ(Selected(), "1234+567");
+}
+
 TEST_F(MouseInText, APressBesideTheLinesIsOneIntoTheText) {
     Type("1234+567");
     NSScrollView* const scroll = [console enclosingScrollView];

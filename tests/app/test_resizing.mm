@@ -3,6 +3,8 @@
 // What is in sight when the window changes its size.
 #import "console_fixture.h"
 
+#import "ConsoleScrollView.h"
+
 namespace {
 
 class Resizing : public ConsoleTest {
@@ -82,6 +84,19 @@ TEST_F(Resizing, WhatWasScrolledToStaysWhereItIs) {
         [scroll setFrameSize:NSMakeSize(size[0], size[1])];
         EXPECT_EQ(place, FirstLineInSight()) << size[0] << " x " << size[1];
     }
+}
+
+TEST_F(Resizing, WithoutATextThereIsNothingToKeepInSight) {
+    ConsoleScrollView* const alone =
+        [[[ConsoleScrollView alloc] initWithFrame:NSMakeRect(0, 0, 100, 80)] autorelease];
+    [alone setFrame:NSMakeRect(0, 0, 200, 160)];
+    EXPECT_TRUE(NSEqualSizes([alone contentSize], NSMakeSize(200, 160)));
+    [console setString:@""];
+    Resize(500, 300);
+    EXPECT_EQ(NSWidth([console frame]), [[console enclosingScrollView] contentSize].width);
+    [console clearConsole];
+    Type("7");
+    ExpectEntryInSight();
 }
 
 } // namespace

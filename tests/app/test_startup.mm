@@ -221,6 +221,22 @@ TEST_F(Startup, LeavesAnEmptyEntryInAVisibleWindowOfItsOwnPaint) {
     EXPECT_TRUE(alerts.empty());
 }
 
+NSFont* noFont(id, SEL, CGFloat) {
+    return nil;
+}
+
+TEST_F(Startup, ASystemWithoutAFontOfEqualWidthsHasAnotherOne) {
+    const Replaced fonts(metaclassOf([NSFont class]), @selector(userFixedPitchFontOfSize:), noFont);
+    PelmoAppDelegate* const another = [[[PelmoAppDelegate alloc] init] autorelease];
+    NSWindow* const built = buildMainWindow(another);
+    MainConsole* const text = [another mainConsole];
+    EXPECT_GT([[text font] pointSize], 0);
+    [text setString:@"> 7"];
+    [built display];
+    EXPECT_GT(NSHeight([[text layoutManager] lineFragmentRectForGlyphAtIndex:0 effectiveRange:NULL]), 0);
+    [built close];
+}
+
 TEST_F(Startup, TheSavedPlaceComesBackWithoutSnapping) {
     SetSetting("snaptoscreen", 1);
     [[Application() windowDelegate]
