@@ -129,6 +129,15 @@ TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
     expectLine("\x1b\xC3\xA9\x02\x06\x1f\x1f\x32", MARK + "2"); // Ctrl-_ brings the byte not back
 }
 
+// Readline would look for quotation marks from the start, for a minute.
+TEST(ReadlineEditor, CompletesAtOnceAtTheEndOfAVeryLongLine) {
+    std::string keys;
+    for (int i = 0; i < 30; i++)
+        keys += "\033"
+                "9999x"; // Alt with 9999
+    expectLine(keys + "\t", std::string(199980, 'x'));
+}
+
 TEST(ReadlineEditor, TakesAPastedTextToItsEnd) {
     const std::string nul(1, '\0');
     expectLine("\x1b[200~1" + nul + "2\xE4\x1b[201~", "1?2" + MARK);
