@@ -132,10 +132,8 @@ TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
 // Readline would look for quotation marks from the start, for a minute.
 TEST(ReadlineEditor, CompletesAtOnceAtTheEndOfAVeryLongLine) {
     std::string keys;
-    for (int i = 0; i < 30; i++)
-        keys += "\033"
-                "9999x"; // Alt with 9999
-    expectLine(keys + "\t", std::string(199980, 'x'));
+    for (int i = 0; i < 20; i++) keys.append("\x1b").append("9999x"); // Alt with 9999
+    expectLine(keys + "\t", std::string(20 * size_t{9999}, 'x'));
 }
 
 TEST(ReadlineEditor, TakesAPastedTextToItsEnd) {
