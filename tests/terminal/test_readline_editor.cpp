@@ -162,7 +162,7 @@ void expectStatus(const std::deque<Piece>& pieces, Status expected, const std::s
         const Status status = editor.Next(text);
         const bool isRight = status == expected && text == line && (error == 0 || errno == error);
         if (!isRight) std::fprintf(stderr, "%d %s %d", static_cast<int>(status), text.c_str(), errno);
-        std::_Exit(isRight ? 0 : 1);
+        std::exit(isRight ? 0 : 1);
     };
     EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
 }
