@@ -281,14 +281,16 @@ void ReadlineEditor::RunKeys() {
     if (!isDone) DrawPreview();
 }
 
-// Readline's keys of vi that go to the next word never end in a line that is no UTF-8. It gets none, but
-// keeps the rest of a character behind a key that wants another one. Undoing does not bring it back.
+// Readline's keys of vi never end in a line that is no UTF-8 or has a NUL. It gets no such text, but keeps
+// the rest of a character behind a key that wants another one, and a repeated command may leave a NUL. Undoing
+// does not bring it back.
 void ReadlineEditor::KeepText() {
     const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
-    if (isUtf8(line)) return;
+    if (isUtf8(line) && line.find('\0') == std::string_view::npos) return;
     const std::string before = asUtf8(line.substr(0, static_cast<size_t>(rl_point)));
-    const std::string behind = asUtf8(line.substr(static_cast<size_t>(rl_point)));
-    rl_replace_line((before + behind).c_str(), 1);
+    std::string text = before + asUtf8(line.substr(static_cast<size_t>(rl_point)));
+    std::replace(text.begin(), text.end(), '\0', '?');
+    rl_replace_line(text.c_str(), 1);
     rl_point = rl_mark = static_cast<int>(before.size());
     rl_redisplay();
 }
