@@ -58,6 +58,15 @@ bool isUtf8(std::string_view text) {
     return true;
 }
 
+bool hasControls(std::string_view text) {
+    for (size_t i = 0, length = 0; i < text.size(); i += length) {
+        uint32_t code = 0;
+        length = std::max<size_t>(readUtf8(text, i, code), 1);
+        if (isControlCharacter(code) && code != '\t') return true;
+    }
+    return false;
+}
+
 std::string shownText(std::string_view text) {
     const auto end = std::find_if_not(text.begin(), text.end(), isPrintableAscii);
     std::string shown(text.begin(), end);

@@ -23,6 +23,9 @@ size_t utf8Length(std::string_view text, size_t start);
 // Whether all of the text is well-formed UTF-8.
 bool isUtf8(std::string_view text);
 
+// Whether well-formed UTF-8 has a control character. A tab is none.
+bool hasControls(std::string_view text);
+
 // The UTF-8 text without control characters but line feeds: a tab becomes a blank, every other one a '?', and
 // so does each byte that belongs to no well-formed sequence, and each character that reorders or breaks a
 // line: U+061C, U+200E, U+200F, U+2028 to U+202E, U+2066 to U+2069.

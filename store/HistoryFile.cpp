@@ -3,7 +3,6 @@
 
 #include "FileKeeping.h"
 #include "Folder.h"
-#include "Helpers_String.h"
 #include "ShownText.h"
 
 #include <algorithm>
@@ -16,8 +15,7 @@ std::vector<std::string> HistoryFile::Read(std::error_code* reason) {
     for (size_t start = startOfNewest(text, LINES); start < text.size();) {
         const size_t end = std::min(text.find('\n', start), text.size());
         const std::string line = text.substr(start, end - start);
-        const bool isText = isUtf8(line) && std::none_of(line.begin(), line.end(), isControl);
-        if (!line.empty() && isText) lines.push_back(line);
+        if (!line.empty() && isUtf8(line) && !hasControls(line)) lines.push_back(line);
         start = end + 1;
     }
     return lines;

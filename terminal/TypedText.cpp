@@ -10,7 +10,8 @@ std::string asUtf8(std::string_view bytes) {
     std::string text;
     for (size_t i = 0; i < bytes.size();) {
         const size_t length = utf8Length(bytes, i);
-        text += length == 0 ? "\xEF\xBF\xBD" : bytes.substr(i, length);
+        const std::string_view character = bytes.substr(i, length);
+        text += length == 0 || (length == 2 && hasControls(character)) ? "\xEF\xBF\xBD" : character;
         i += std::max<size_t>(length, 1);
     }
     return text;

@@ -58,6 +58,14 @@ TEST(ShownText, KnowsWhatIsUtf8) {
     EXPECT_FALSE(isUtf8("8 km\xC2"));
 }
 
+TEST(ShownText, KnowsControlCharacters) {
+    for (const char* const text : {"", "1+1", "a\tb", "\u00a0\u00d7\u201c\U0001f600"})
+        EXPECT_FALSE(hasControls(text)) << text;
+    for (const char* const text : {"\n", "a\x1b[2J", "a\x7f", "a\u0080", "\u00d7\u009f"})
+        EXPECT_TRUE(hasControls(text)) << text;
+    EXPECT_TRUE(hasControls(std::string_view("a\0", 2)));
+}
+
 TEST(ShownLatin1, ShowsNoControlCharacter) {
     EXPECT_EQ(shownLatin1("a\x1B[2J\n\tb\x7F\x80\x9F\xA0\xFF"), "a?[2J\n b???\xA0\xFF");
 }

@@ -39,7 +39,7 @@ TEST_F(HistoryFileTest, AMissingFileIsEmptyAndIsMadeForTheFirstLine) {
 }
 
 TEST_F(HistoryFileTest, WhatCannotBeAnEntryIsLeftOut) {
-    Put("1+1\n\n\x1b[2J\n2\t+2\n3+3\r\n4+\xE4\xB8\n");
+    Put("1+1\n\n\x1b[2J\n2\t+2\n3+3\r\n4+\xE4\xB8\n\u009b2J\n5\u0080\n");
     EXPECT_EQ(HistoryFile(path).Read(), (Lines{"1+1", "2\t+2"}));
 }
 

@@ -1,66 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// Texts that want to do something to the terminal or the system, from everywhere a text can come from.
+// Hostile texts from everywhere a text can come from, but the prompt.
+#include "../hostile.h"
 #include "program.h"
 #include "temporary_folder.h"
 
-#include <algorithm>
-#include <cctype>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 namespace {
 
-// A title, a clipboard, a color, an answer-back, an 8-bit sequence, an erased line, a bell, a backspace.
-const std::vector<std::string> SEQUENCES = {"\x1b]0;owned\x07",
-                                            "\x1b]52;c;b3duZWQ=\x07",
-                                            "\x1b[31m",
-                                            "\x1b[6n",
-                                            "\u009b31m",
-                                            "\x1b[2K\r",
-                                            "a\x07",
-                                            "a\x08"
-                                            "b",
-                                            "\x7f",
-                                            "\x0e\x9b"
-                                            "2J"};
-
-// What a shell or an opener of addresses would act on.
-const std::vector<std::string> COMMANDS = {"$(trap)",
-                                           "`trap`",
-                                           "; trap",
-                                           "| trap",
-                                           "!trap",
-                                           "&& trap &",
-                                           "'; trap; '",
-                                           "system(trap)",
-                                           "exec trap",
-                                           "<(trap)",
-                                           "http://example.org/",
-                                           "file:///etc/passwd",
-                                           "web",
-                                           "convert \"$(trap)\" to km",
-                                           "-f|trap",
-                                           "--each=$(trap)"};
-
-bool hasControlCharacter(const std::string& text) {
-    return std::any_of(text.begin(), text.end(),
-                       [](char c) {
-                           return std::iscntrl(static_cast<unsigned char>(c)) != 0 && c != '\n' && c != '\t';
-                       }) ||
-           text.find("\xc2\x9b") != std::string::npos;
-}
-
 class Hostile : public testing::Test {
 protected:
     Hostile() {
-        std::filesystem::create_directory(bin);
-        for (const char* const name : {"trap", "sh", "curl", "xdg-open", "open", "less", "stty"}) {
-            putContent(bin + "/" + name, "#!/bin/sh\necho \"$0\" >> " + folder.File("sprung") + "\n");
-            chmod((bin + "/" + name).c_str(), 0700);
-        }
         for (const char* const name : {"Tallyquill", "tallyquill"})
             std::filesystem::create_directory(folder.File(name));
     }
@@ -70,7 +23,7 @@ protected:
         Invocation invocation;
         invocation.arguments = arguments;
         invocation.input = input;
-        invocation.environment = {"PATH=" + bin, "XDG_DATA_HOME=" + folder.Path(),
+        invocation.environment = {traps.Path(), "XDG_DATA_HOME=" + folder.Path(),
                                   "XDG_CONFIG_HOME=" + folder.Path(), variable};
         return runProgram(invocation);
     }
@@ -110,7 +63,7 @@ protected:
     }
 
     TemporaryFolder folder;
-    const std::string bin = folder.File("bin");
+    const Traps traps{folder.Path()};
 };
 
 TEST_F(Hostile, SequencesReachNoTerminalWhereverTheyComeFrom) {
@@ -118,14 +71,42 @@ TEST_F(Hostile, SequencesReachNoTerminalWhereverTheyComeFrom) {
 }
 
 TEST_F(Hostile, NoTextStartsAProgramWhereverItComesFrom) {
-    for (const std::string& command : COMMANDS) ExpectHarmless(command);
-    EXPECT_EQ("", contentOf(folder.File("sprung")));
+    for (const HostileCommand& command : COMMANDS) {
+        ExpectHarmless(command.text);
+        EXPECT_EQ("", traps.Sprung()) << command.text;
+    }
 }
 
-// The trap works: an address that the person has set is asked, and it is the program curl that does it.
+// The traps work: a shell that gets such a text starts one of them.
+TEST_F(Hostile, EveryCommandSpringsATrapInAShell) {
+    for (const HostileCommand& command : COMMANDS) {
+        Invocation shell;
+        shell.program = "/bin/sh";
+        shell.environment = {traps.Path()};
+        shell.arguments = {"-c", std::string(command.line).replace(command.line.find('%'), 1, command.text)};
+        const Result result = runProgram(shell);
+        EXPECT_NE("", traps.Sprung()) << shell.arguments[1] << "\n" << result.err;
+    }
+}
+
+// So does curl's: an address that the person has set is asked, and it is the program curl that does it.
 TEST_F(Hostile, OnlyAServiceThatThePersonHasSetIsAsked) {
     RunWith({"--", "convert 5 miles to km"}, "", "TALLYQUILL_QUERY_URL=http://127.0.0.1:9");
-    EXPECT_EQ(bin + "/curl\n", contentOf(folder.File("sprung")));
+    EXPECT_EQ("curl\n", traps.Sprung());
+}
+
+// What tells of control characters finds them, and in nothing else.
+TEST_F(Hostile, ControlCharactersAreFoundInEveryCode) {
+    for (const std::string& sequence : SEQUENCES) EXPECT_TRUE(hasControlCharacter(sequence)) << sequence;
+    for (unsigned byte = 0x80; byte <= 0x9f; ++byte) {
+        const char raw = static_cast<char>(byte);
+        for (const char* const before : {"", "a", "\xc3\xa9", "\xe2\x80\x9c", "\xe2", "\xf0\x9f"})
+            EXPECT_TRUE(hasControlCharacter(std::string(before) + raw + "a")) << byte << before;
+        EXPECT_TRUE(hasControlCharacter(std::string("a\xc2") + raw)) << byte;
+    }
+    for (const char* const text :
+         {"", "1+1 = 2\n\t", "\u00a0\u00e9\u00d7\u03c0\u201c\u2248\U0001f600", "\xe9", "\xff"})
+        EXPECT_FALSE(hasControlCharacter(text)) << text;
 }
 
 } // namespace

@@ -19,6 +19,12 @@ TEST(TypedText, AMarkStandsForEachByteThatIsNoUtf8) {
     EXPECT_EQ("", asUtf8(""));
 }
 
+TEST(TypedText, AMarkStandsForAControlCharacterThatIsNoKey) {
+    const std::string mark = "\xEF\xBF\xBD";
+    EXPECT_EQ("1" + mark + mark + "\u00a0\u00d7", asUtf8("1\u0080\u009f\u00a0\u00d7"));
+    EXPECT_EQ("\x1b[A\x07\x7f\t", asUtf8("\x1b[A\x07\x7f\t"));
+}
+
 TEST(TypedText, APastedTextIsDividedAtEveryKindOfLineEnd) {
     const std::vector<std::string> three = {"1", "", "2"};
     EXPECT_EQ(three, pastedLines("1\n\n2"));
