@@ -91,9 +91,7 @@ void expOfProduct(Extended& product, bool negative, uint32_t units, const qfloat
                   qfloat z) {
     const int64_t word = elem::isZero(product) ? 0 : exponentWord(product);
     if (word > OVERFLOW_EXPONENT) merror = 3; // the product's own overflow, also where e^x is then 0
-    if (word < 1) {
-        qmov(qone, z);
-    } else if (word < HUGE_EXPONENT) {
+    if (word < HUGE_EXPONENT) {
         elem::exp(product, negative, product);
         settlePower(product, units, x, y);
         elem::store(product, 0, z);

@@ -190,6 +190,17 @@ TEST(Power, OfOneIsOne) {
     }
 }
 
+// e^(y ln x) for |y ln x| from 2^-32770 to 2^-32764: about the smallest exponent that a number has, and
+// below.
+TEST(Power, WithAProductNextToZeroOrBelowTheRangeIsOne) {
+    for (int exponent = -32768; exponent <= -32762; ++exponent) {
+        for (const Number& x : {number(1.25), number(0.75)}) { // |ln x| is 0.22 and 0.29
+            EXPECT_EQ(run(qpow, x, scaled("1", exponent)), (Outcome{ONE, 0})) << exponent;
+            EXPECT_EQ(run(qpow, x, scaled("-1", exponent)), (Outcome{ONE, 0})) << exponent;
+        }
+    }
+}
+
 TEST(Power, OfExactRootsIsExact) {
     EXPECT_EQ(run(qpow, number(4), HALF), (Outcome{TWO, 0}));
     EXPECT_EQ(run(qpow, number(625), number(0.25)), (Outcome{number(5), 0}));
