@@ -83,17 +83,17 @@ void reciprocalRoot(const uint64_t* m, uint64_t* root) {
     addLow<4, 3>(root, step);
 }
 
-// s = the square root of m in [1/4, 1), less at most ROOT_ERROR units: the rest m - s^2 (below 2^-192) is cut
-// below 2^-384, R to three limbs, their product by three units, each an error to the same side.
+// s = the square root of m in [1/4, 1), less at most ROOT_ERROR units: the rest m - s^2 (2^-205 .. 2^-192) is
+// cut by up to 2^-384, R to three limbs, their product by three units, each an error to the same side.
 void root(const uint64_t* m, uint64_t* s) {
-    uint64_t r[4], first[4], square[8], rest[5], step[3];
+    uint64_t r[4], first[4], square[8], rest[3], step[3];
     reciprocalRoot(m, r);
     limb::product<4, 4, 3, 4>(m + 2, r, first);
     twice<4>(first);
     limb::product<4, 4, 0, 0>(first, first, square);
-    uint64_t borrow = 0;
-    for (int i = 0; i < 5; ++i) rest[i] = limb::subtractBorrow(i < 2 ? 0 : m[i - 2], square[i], borrow);
-    limb::product<3, 3, 2, 3>(r + 1, rest + 2, step);
+    uint64_t borrow = 1; // for the square's limbs below m's
+    for (int i = 0; i < 3; ++i) rest[i] = limb::subtractBorrow(m[i], square[i + 2], borrow);
+    limb::product<3, 3, 2, 3>(r + 1, rest, step);
     s[0] = s[1] = 0;
     std::memcpy(s + 2, first, sizeof first);
     addLow<COUNT, 3>(s, step);

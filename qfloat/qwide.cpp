@@ -192,7 +192,7 @@ Wide operator/(const Wide& x, const Wide& y) {
 Wide sqrt(const Wide& x) {
     // r <- r + r (1 - x r^2) / 2 for the reciprocal root: an error e becomes 1.5 e^2.
     const Wide one(1, x.Width());
-    const int64_t half = x.exponent >= 0 ? x.exponent / 2 : -((1 - x.exponent) / 2);
+    const int64_t half = x.exponent / 2;
     const double reduced = std::ldexp(x.MantissaAsDouble(), static_cast<int>(x.exponent - 2 * half));
     Wide r = Wide::OfDouble(1 / std::sqrt(reduced), x.Width());
     r.exponent -= half;

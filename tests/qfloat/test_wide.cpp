@@ -60,6 +60,15 @@ TEST_F(WideFunctions, KeepTheirError) {
     }
 }
 
+TEST_F(WideFunctions, KeepTheErrorOfRootsUpToTheLimits) {
+    for (int i = 0; i < CASES && !HasFailure(); ++i) {
+        for (const size_t width : WIDTHS) {
+            const Number x = randomWithin(random, -32700, 32700, true);
+            expectFunction(wide::sqrt(Wide::Of(x.data(), width)), mpfr_sqrt, x, "root");
+        }
+    }
+}
+
 TEST_F(WideFunctions, KeepTheErrorOfAnglesNextToMultiplesOfARightAngle) {
     Number x; // comes within 2^-340 of pi
     qmov(qpi, x.data());
