@@ -14,7 +14,7 @@ namespace {
 
 constexpr size_t MAX_MESSAGE_PARTS = 254; // format and texts together
 
-int error_status = 0;
+int error_status;
 char error_message[256];
 
 std::string reducedText; // what units_reduce returned last

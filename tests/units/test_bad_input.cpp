@@ -203,6 +203,37 @@ TEST_F(UnitsTest, WorkIsAskedForBeforeItIsDone) {
     EXPECT_EQ(messageOf("x"), "invalid unit name 'x' in 'x'");
 }
 
+// Whichever charge is refused, the first, the second and so on, with all that follow. A source without
+// dimension converts to anything, so that only what was given up keeps it from a result.
+TEST_F(UnitsTest, AnOperationThatIsGivenUpAnywhereHasNoResult) {
+    const auto takesAllCharges = [](int accepted, const auto& operation) {
+        bool isGivenUp = false;
+        operation([&](uint64_t) {
+            isGivenUp = isGivenUp || accepted-- == 0;
+            return !isGivenUp;
+        });
+        return !isGivenUp;
+    };
+    const auto converts = [](const UnitsCharge& charge) {
+        const double factor = units_convert("2 radian", "m^2 kg", charge);
+        EXPECT_EQ(units_check_exception() == nullptr, factor != 0.0);
+    };
+    const auto defines = [](const UnitsCharge& charge) { units_new("x", "2 radian m kg", charge); };
+    int accepted = 0;
+    for (; !takesAllCharges(accepted, converts); ++accepted) {
+        EXPECT_EQ(takeMessage().substr(0, 11), "unit string") << accepted;
+    }
+    EXPECT_GT(accepted, 5); // two texts, three names, what they are made of
+    EXPECT_EQ(takeMessage(), "");
+    for (accepted = 0; !takesAllCharges(accepted, defines); ++accepted) {
+        EXPECT_EQ(takeMessage(), "'2 radian m kg' cannot be reduced to primitive units") << accepted;
+        EXPECT_EQ(unitTable.Find("x"), nullptr) << accepted;
+    }
+    EXPECT_GT(accepted, 5);
+    EXPECT_EQ(takeMessage(), "");
+    EXPECT_NE(unitTable.Find("x"), nullptr);
+}
+
 TEST_F(UnitsTest, AChainThatDoublesEndsWithOneMessage) {
     ASSERT_EQ(unitInitialize(), 0);
     std::string last = "meter";

@@ -173,6 +173,13 @@ uint64_t comparedFor(size_t count) {
     return unitTable.compared;
 }
 
+TEST_F(UnitsTest, ALookUpOfAnExactNameComparesNoOther) {
+    ASSERT_EQ(unitInitialize(), 0);
+    unitTable.compared = 0;
+    EXPECT_EQ(reduced("hour"), "3600.0 second");
+    EXPECT_EQ(unitTable.compared, 1U);
+}
+
 // At most 41 prefixes, each with a name behind it, for the name as it stands and without its ending.
 TEST_F(UnitsTest, ALookUpComparesNoMoreNamesInALongList) {
     EXPECT_LE(comparedFor(4000), 4000U * 200);
