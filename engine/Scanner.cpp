@@ -102,7 +102,7 @@ std::string_view lastOperand(std::string_view text) {
 size_t findSign(const std::string& text, size_t from) {
     for (size_t pos = from; pos < text.size(); pos++) {
         if (text[pos] == CVSstr[0]) pos = std::min(text.find(')', pos), text.size());
-        if (pos < text.size() && (text[pos] == '+' || text[pos] == '-')) return pos;
+        if (text[pos] == '+' || text[pos] == '-') return pos; // the text ends with a NUL
     }
     return std::string::npos;
 }

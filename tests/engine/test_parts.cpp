@@ -116,6 +116,21 @@ TEST_F(Parts, AnErrorTakesAsManyTextsAsItHas) {
     EXPECT_STREQ(outcome.message, "100 %");
 }
 
+TEST_F(Parts, TextsTooLongForAnErrorShareTheRoomThatItsFormatLeaves) {
+    const std::string_view one = "** ERROR: %s **\n";
+    outcome.Fail(one, {std::string(TEXT_SIZE, 'x')});
+    EXPECT_EQ(outcome.message, "** ERROR: " + std::string(TEXT_SIZE - 1 - one.size(), 'x') + " **\n");
+    const std::string_view two = "** %s: %s **\n"; // 13 characters
+    outcome.Fail(two, {std::string(TEXT_SIZE, 'x'), std::string(TEXT_SIZE, 'y')});
+    EXPECT_EQ(outcome.message, "** " + std::string((TEXT_SIZE - 14) / 2, 'x') + ": " +
+                                   std::string((TEXT_SIZE - 14) / 2, 'y') + " **\n");
+}
+
+TEST_F(Parts, AnErrorEndsWithItsFormatWhateverStandsBehindThatInMemory) {
+    outcome.Fail(std::string_view("too long a word").substr(0, 8));
+    EXPECT_STREQ(outcome.message, "too long");
+}
+
 TEST_F(Parts, LevelsAreDepthsAndARaisedMinusStandsOneHigher) {
     ASSERT_EQ(0, Read("(1+2)*3"));
     EXPECT_EQ((Numbers{1, 1, 1, 1, 1, 0, 0}), Levels());

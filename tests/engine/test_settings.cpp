@@ -195,6 +195,30 @@ TEST_F(SettingsTable, OfAWordSoManyLettersCountAsTheCommandsHaveAlwaysTaken) {
     EXPECT_FALSE(calc.european);
 }
 
+TEST_F(SettingsTable, AGroupingMarkIsNothingThatAnEntryReadsOtherwise) {
+    for (int c = 0; c <= 0x100; c++) {
+        const std::string sign(1, static_cast<char>(c));
+        std::string fault;
+        if (c < ' ' || (c >= 0x7f && c < 0xa0) || c > 0xff)
+            fault = "This character cannot be shown.";
+        else if (strchr("+-*/%^!<>&|@", c))
+            fault = sign + " is an operator.";
+        else if (strchr("()[]{}", c))
+            fault = sign + " is a bracket.";
+        else if (c >= '0' && c <= '9')
+            fault = sign + " is a digit.";
+        else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))
+            fault = sign + " is a letter.";
+        else if (c == '=')
+            fault = "= assigns and compares.";
+        else if (c == '#')
+            fault = "# begins a comment.";
+        else if (c == '_')
+            fault = "_ is part of names.";
+        EXPECT_EQ(groupingMarkFault(c), fault) << c;
+    }
+}
+
 TEST_F(SettingsTable, ColorsAndFontsAreTextsWithinTheirRanges) {
     double parts[4] = {};
     EXPECT_TRUE(readColor("0.5 0.25 1 0", parts));
