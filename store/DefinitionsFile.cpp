@@ -110,7 +110,9 @@ public:
     std::vector<Reading> Take(const std::vector<DefinitionRecord>& records) {
         // A person may have any number of definitions: the limit is for evaluations and for long lines.
         uint64_t limit = WorkLimit::READ_FILE;
-        for (const DefinitionRecord& record : records) limit += IsLong(record) ? 0 : CostOf(record);
+        for (const DefinitionRecord& record : records) {
+            if (!IsLong(record)) limit += CostOf(record);
+        }
         budget.Begin(limit);
         std::vector<Reading> readings(records.size(), Reading::Refused);
         for (const size_t position : orderOfReading(records)) readings[position] = TakeOne(records[position]);

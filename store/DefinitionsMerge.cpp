@@ -214,17 +214,14 @@ bool DefinitionsMerge::Write(const std::string& path, const std::string& ours, s
 
 // A line of another program that counts is still to be told of.
 void DefinitionsMerge::Wrote(Merged&& written, DefinitionLines&& now) {
-    size_t count = now.size();
     for (const auto& [key, line] : now) {
         if (written.others.count(key) == 0) file[key] = line;
     }
     for (auto i = file.begin(); i != file.end();)
         i = now.count(i->first) || !lineOf(written.others, i->first).empty() ? ++i : file.erase(i);
-    bool isSettled = true;
-    for (const auto& [key, line] : written.others) {
-        isSettled = isSettled && lineOf(file, key) == line;
-        count += (line.empty() ? 0 : 1) - now.count(key);
-    }
-    settled = isSettled && count == file.size() ? std::move(written.text) : "";
+    const bool isSettled =
+        std::all_of(written.others.begin(), written.others.end(),
+                    [this](const auto& other) { return lineOf(file, other.first) == other.second; });
+    settled = isSettled ? std::move(written.text) : "";
     present = std::move(now);
 }

@@ -411,12 +411,15 @@ TEST_F(FileKeeping, WorksWithTheDescriptorZero) {
 
 TEST_F(FileKeeping, ALockOnTheDescriptorZeroIsOne) {
     const WithoutStandardInput closed;
-    const FileLock lock(path, System::Real());
-    EXPECT_FALSE(lock.IsTaken());
-    const int other = open((folder.Path() + "/.file.lock").c_str(), O_RDWR | O_CLOEXEC);
-    ASSERT_GT(other, 0);
-    EXPECT_NE(0, flock(other, LOCK_EX | LOCK_NB));
-    close(other);
+    {
+        const FileLock lock(path, System::Real());
+        EXPECT_FALSE(lock.IsTaken());
+        const int other = open((folder.Path() + "/.file.lock").c_str(), O_RDWR | O_CLOEXEC);
+        ASSERT_GT(other, 0);
+        EXPECT_NE(0, flock(other, LOCK_EX | LOCK_NB));
+        close(other);
+    }
+    EXPECT_EQ(-1, fcntl(STDIN_FILENO, F_GETFD)) << "it is closed, and so is free for others";
 }
 
 TEST_F(FileKeeping, AFileThatCannotBeOpenedIsNotAppendedTo) {
