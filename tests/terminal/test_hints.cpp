@@ -110,8 +110,10 @@ TEST_F(HintAfterError, WritesOperatorsThatAreWordsElsewhere) {
     EXPECT_EQ(Hint("10 MOD 3"), "a remainder is written with %: write 10 % 3\n");
     EXPECT_EQ(Hint("12 and 10"), "an and of bits is written with &: write 12 & 10\n");
     EXPECT_EQ(Hint("12 or 10"), "an or of bits is written with |: write 12 | 10\n");
-    EXPECT_EQ(Hint("255 in hex"), "display hex shows answers so; at the prompt, :base hex the last one\n");
-    EXPECT_EQ(Hint("xor 3"), "");
+    for (const char* const base : {"hex", "BIN", "dec"})
+        EXPECT_EQ(Hint(std::string("255 in ") + base),
+                  "display hex shows answers so; at the prompt, :base hex the last one\n");
+    for (const char* const half : {"xor 3", " xor 3", "3 xor "}) EXPECT_EQ(Hint(half), "") << half;
 }
 
 TEST_F(HintAfterError, SaysHowOtherFunctionsAreWritten) {

@@ -56,19 +56,26 @@ TEST(ReadlineEditor, BeginsWithoutTheSearchInWhichTheInputOfAnotherOneEnded) {
     EXPECT_EQ("2+3", line);
 }
 
-// The line that Readline leaves of these keys, in a process of its own, which ends when they do not: Readline
-// would keep the keys of vi, to which Alt with Ctrl-J turns.
-void expectLine(const std::string& keys, const std::string& expected) {
+// That a process of its own, which ends when the keys do not, finds it so: Readline would keep the keys of
+// vi, to which Alt with Ctrl-J turns.
+template <class Run> void expectInChild(const std::string& keys, Run run) {
     const auto inChild = [&] {
         alarm(10);
         setenv("INPUTRC", "/dev/null", 1);
         setenv("TERM", "xterm", 1);
+        std::exit(run() ? 0 : 1); // with the counts of what it ran
+    };
+    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "") << shownText(keys);
+}
+
+// The line that Readline leaves of these keys.
+void expectLine(const std::string& keys, const std::string& expected) {
+    expectInChild(keys, [&] {
         std::string line;
         firstLine(keys + "\r", line);
         if (line != expected) std::fputs(shownText(line).c_str(), stderr);
-        std::_Exit(line == expected ? 0 : 1);
-    };
-    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "") << shownText(keys);
+        return line == expected;
+    });
 }
 
 const std::string MARK = "\xEF\xBF\xBD"; // for a byte that is no text
@@ -132,10 +139,7 @@ using Status = LineSource::Status;
 // What becomes of these pieces, in a process of its own, as above: the signals are caught there.
 void expectStatus(const std::deque<Piece>& pieces, Status expected, const std::string& line = "",
                   int error = 0) {
-    const auto inChild = [&] {
-        alarm(10);
-        setenv("INPUTRC", "/dev/null", 1);
-        setenv("TERM", "xterm", 1);
+    expectInChild(pieces.front().bytes, [&] {
         const InterruptCatcher interrupts;
         const EndCatcher ends;
         TypedKeys keys(pieces);
@@ -146,9 +150,8 @@ void expectStatus(const std::deque<Piece>& pieces, Status expected, const std::s
         const Status status = editor.Next(text);
         const bool isRight = status == expected && text == line && (error == 0 || errno == error);
         if (!isRight) std::fprintf(stderr, "%d %s %d", static_cast<int>(status), text.c_str(), errno);
-        std::exit(isRight ? 0 : 1);
-    };
-    EXPECT_EXIT(inChild(), testing::ExitedWithCode(0), "");
+        return isRight;
+    });
 }
 
 const std::string PASTE = "\x1b[200~";
@@ -194,13 +197,37 @@ TEST(ReadlineEditor, AFailureInTheMiddleOfAPasteIsTold) {
     expectStatus({{PASTE + "1+"}, {"", EAGAIN}, {"2\x1b[201~\r"}}, Status::Line, "1+2");
 }
 
+TEST(ReadlineEditor, SignalsBetweenPastedLinesDropThoseThatWait) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        expectInChild("", [signal] {
+            const InterruptCatcher interrupts;
+            const EndCatcher ends;
+            TypedKeys keys({{PASTE + "1\n2\n3\x1b[201~"}});
+            QuietHost host;
+            ReadlineEditor editor(host, STDIN_FILENO, open("/dev/null", O_WRONLY | O_CLOEXEC), keys);
+            std::string line;
+            const bool isFirst = editor.Next(line) == Status::Pasted && line == "1";
+            raise(signal);
+            const Status expected = signal == SIGTERM ? Status::End : Status::Canceled;
+            return isFirst && editor.Next(line) == expected && line == "1";
+        });
+    }
+}
+
 // An Escape may begin a sequence, which is waited for a moment.
 TEST(ReadlineEditor, SignalsBehindAnEscapeTakeNoKey) {
     for (const int signal : {SIGWINCH, SIGCONT})
         expectStatus({{"2+3\x1b"}, during(signal), {"b4\r"}}, Status::Line, "2+43");
     expectStatus({{"2+3\x1b"}, {"", 0, stopAndGoOn}, {"b4\r"}}, Status::Line, "2+43");
+    expectStatus({{"2+3\x1b"}, {"b4\r"}}, Status::Line, "2+43");
     expectStatus({{"2+3\x1b"}, during(SIGINT), {"b4\r"}}, Status::Canceled);
     expectStatus({{"2+3\x1b"}, {"", EBADF}}, Status::Failed, "", EBADF);
+}
+
+TEST(ReadlineEditor, BehindTheNewestEntryThereIsNone) {
+    expectLine("\x1b[B7", "7");
+    expectLine("7\x1b[B\x1b[A\x1b[B", "7");
+    expectLine("s\x1b[A\x1b[A\x1b[A\x1b[B\x1b[B\x1b[B", "s");
 }
 
 } // namespace

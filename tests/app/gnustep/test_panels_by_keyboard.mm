@@ -10,6 +10,7 @@
 #import <GNUstepGUI/GSTheme.h>
 
 #include <set>
+#include <vector>
 
 namespace {
 
@@ -140,6 +141,19 @@ TEST_F(PanelsByKeyboard, TabGoesThroughThePickerThatWasChosen) {
         [colors makeFirstResponder:nil];
         [colors selectNextKeyView:nil];
     }
+}
+
+TEST_F(PanelsByKeyboard, ShiftTabGoesBackThroughThePickerThatWasChosen) {
+    NSWindow* const colors = Colors();
+    Send(colors, NSRightArrowFunctionKey, NSFunctionKeyMask);
+    std::vector<id> forth, back;
+    for (int i = 0; i < 3; ++i, Send(colors, '\t')) forth.push_back([colors firstResponder]);
+    EXPECT_EQ(std::set<id>(forth.begin(), forth.end()).size(), 3U) << "pickers, and two sliders";
+    for (int i = 0; i < 3; ++i) {
+        Send(colors, i == 1 ? '\t' : NSBackTabCharacter, NSShiftKeyMask);
+        back.push_back([colors firstResponder]);
+    }
+    EXPECT_EQ(back, (std::vector<id>{forth[2], forth[1], forth[0]}));
 }
 
 // The magnifier would wait for a click, and nothing but a click ends that.
