@@ -51,7 +51,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     qfloat number;
     std::memset(number, 0xA5, sizeof number);
     merror = 0;
-    if (asctoq(text.c_str(), number) != 0) {
+    qfloat quiet;
+    std::memset(quiet, 0x5A, sizeof quiet);
+    const int status = qparse(text.c_str(), quiet);
+    const int code = merror;
+    merror = 0;
+    require(asctoq(text.c_str(), number) == status && merror == code, "both ways of reading say the same",
+            text);
+    require(std::memcmp(quiet, number, sizeof quiet) == 0, "both ways of reading give the same number", text);
+    if (status != 0) {
         require(number[1] == 0, "a text that is no number gives 0", text);
         return 0;
     }

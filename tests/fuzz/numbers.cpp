@@ -75,7 +75,31 @@ void checkBinary(size_t index, const qfloat x, const qfloat y, Kind kind) {
     if (first[1] < 0x10000U) require(isSame(first, second), "the order of operands does not matter");
 }
 
+// A sign is all that these change, or all that they leave.
+void checkSigns(const qfloat x) {
+    qfloat to;
+    const auto isMagnitudeOfX = [&] { return std::memcmp(to + 1, x + 1, sizeof to - sizeof *to) == 0; };
+    const int sign = qisneg(x);
+    require(sign == (x[0] != 0 ? 1 : 0), "a sign word that is not zero is a minus");
+    qmov(x, to);
+    qneg(to);
+    require(qisneg(to) == 1 - sign && isMagnitudeOfX(), "a negative has the other sign, and nothing else");
+    qneg(to);
+    require(qisneg(to) == sign && isMagnitudeOfX(), "the negative of the negative is the number");
+    qabs(to);
+    require(qisneg(to) == 0 && isMagnitudeOfX(), "a magnitude has no sign, and nothing else is lost");
+    qmov(x, to);
+    qinfin(to);
+    require(qisneg(to) == sign && to[0] == x[0] && to[1] >= 0x10000U,
+            "what is beyond the range keeps its sign");
+    uint32_t wide[15];
+    std::memset(wide, 0xA5, sizeof wide);
+    qmovz(x, wide);
+    require(std::memcmp(wide, x, sizeof(qfloat)) == 0 && wide[14] == 0, "a register has a guard word of 0");
+}
+
 void checkConversions(const qfloat x, const qfloat y, int64_t n) {
+    checkSigns(x);
     char text[RADIX_TEXT_SIZE];
     qfloat to = {};
     int64_t whole = 0;
