@@ -51,6 +51,8 @@ TEST(EntryText, MalformedUtf8IsRefused) {
         "\xF0\x9F\x98",     //
         "\xC3+1",           // cut short by another character
         "\xE2\x82+1",       //
+        "\xC3\xB6+\x01",    // behind a character of two bytes
+        "1\xC3\xB6\xFF",    //
     };
     for (const std::string& text : wrong) EXPECT_EQ(checkEntry(text), EntryFault::NotText) << text;
 }

@@ -28,6 +28,16 @@ TEST(TypedSigns, WhatPagesWriteBecomesWhatTheEngineReads) {
     for (const auto& row : rows) EXPECT_EQ(TypedSigns().Read(row.typed), row.read) << row.typed;
 }
 
+TEST(TypedSigns, NeighborsOfWhatIsReplacedStay) {
+    for (const char* const neighbor :
+         {"\u00a1", "\u00b1", "\u00b4", "\u00b6", "\u00b8", "\u00ba", "\u00d6", "\u00d8", "\u00f6",
+          "\u00f8", "\u03bf", "\u03c1", "\u1fff", "\u200c", "\u200f", "\u2014", "\u202e", "\u2030",
+          "\u2043", "\u2045", "\u205e", "\u2060", "\u206f", "\u2071", "\u2073", "\u207c", "\u2191",
+          "\u2193", "\u2211", "\u2213", "\u2214", "\u2216", "\u2218", "\u221a", "\u22c4", "\u22c6",
+          "\u2fff", "\u3001", "\ufefe", "\uff00", "\uff5f"})
+        EXPECT_EQ(TypedSigns().Read(neighbor), neighbor);
+}
+
 TEST(TypedSigns, BytesThatAreNoTextStay) {
     for (const char* const bytes : {"\xff", "1\xc3", "\xe2\x88", "\xc2\xc2\xb2", "\xb2"})
         EXPECT_EQ(TypedSigns().Read(bytes).find('^') == std::string::npos,
