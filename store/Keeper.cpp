@@ -180,7 +180,6 @@ void Keeper::WriteTexts() {
         }
         if (!isWritten) return file.SetFailed(reason);
         file.failure.clear();
-        file.isTold = false;
     };
     if (!settingsDue.empty())
         write(settingsFile, [this](std::error_code& reason) {
