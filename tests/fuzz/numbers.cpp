@@ -77,7 +77,7 @@ void checkBinary(size_t index, const qfloat x, const qfloat y, Kind kind) {
 
 // A sign is all that these change, or all that they leave.
 void checkSigns(const qfloat x) {
-    qfloat to;
+    qfloat to = {};
     const auto isMagnitudeOfX = [&] { return std::memcmp(to + 1, x + 1, sizeof to - sizeof *to) == 0; };
     const int sign = qisneg(x);
     require(sign == (x[0] != 0 ? 1 : 0), "a sign word that is not zero is a minus");
