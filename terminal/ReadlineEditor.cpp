@@ -282,8 +282,8 @@ void ReadlineEditor::RunKeys() {
 }
 
 // Readline's keys of vi never end in a line that is no UTF-8 or has a NUL. It gets no such text, but keeps
-// the rest of a character behind a key that wants another one, and a repeated command may leave a NUL. Undoing
-// does not bring it back.
+// the rest of a character behind a key that wants another one, and a repeated command may leave a NUL.
+// Undoing does not bring it back.
 void ReadlineEditor::KeepText() {
     const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
     if (isUtf8(line) && line.find('\0') == std::string_view::npos) return;
