@@ -43,6 +43,14 @@ std::string modeText() {
     return text ? withoutMarkedParts(text) : "";
 }
 
+// Readline's keys of vi never end in a line that is no UTF-8, has a NUL or ends in a character that the
+// locale does not know.
+std::string workable(std::string_view line) {
+    std::string text = asUtf8(line);
+    std::replace(text.begin(), text.end(), '\0', '?');
+    return rl_editing_mode == 0 ? knownCharacters(text) : text;
+}
+
 // In one step for undo.
 void replaceLine(const std::string& text) {
     rl_begin_undo_group();
@@ -96,10 +104,7 @@ void ReadlineEditor::BindKeys() {
         rl_bind_keyseq_in_map(PASTE_END, DoNothing, map); // the end of one that was given up
         for (const char* const up : {"\x1b[A", "\x1bOA"}) rl_bind_keyseq_in_map(up, RecallOlder, map);
         for (const char* const down : {"\x1b[B", "\x1bOB"}) rl_bind_keyseq_in_map(down, RecallNewer, map);
-        if (std::strcmp(name, "vi-move") == 0) {
-            rl_bind_key_in_map('%', MatchBracket, map);
-            break;
-        }
+        if (std::strcmp(name, "vi-move") == 0) break;
         for (const char operation : {'+', '-', '*', '/'}) rl_bind_key_in_map(operation, TypeOperator, map);
     }
 }
@@ -281,28 +286,16 @@ void ReadlineEditor::RunKeys() {
     if (!isDone) DrawPreview();
 }
 
-// Readline's keys of vi never end in a line that is no UTF-8 or has a NUL. It gets no such text, but keeps
-// the rest of a character behind a key that wants another one, and a repeated command may leave a NUL.
-// Undoing does not bring it back.
+// It gets no other text, but keeps the rest of a character behind a key that wants another one, and a
+// repeated command of vi may leave a NUL. Undoing does not bring it back.
 void ReadlineEditor::KeepText() {
     const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
-    if (isUtf8(line) && line.find('\0') == std::string_view::npos) return;
-    const std::string before = asUtf8(line.substr(0, static_cast<size_t>(rl_point)));
-    std::string text = before + asUtf8(line.substr(static_cast<size_t>(rl_point)));
-    std::replace(text.begin(), text.end(), '\0', '?');
+    const std::string text = workable(line);
+    if (text == line) return;
+    const std::string before = workable(line.substr(0, static_cast<size_t>(rl_point)));
     rl_replace_line(text.c_str(), 1);
     rl_point = rl_mark = static_cast<int>(before.size());
     rl_redisplay();
-}
-
-// Readline looks for the next bracket without end where the line ends in a character that Unicode has not.
-int ReadlineEditor::MatchBracket(int count, int key) {
-    const int cursor = rl_point;
-    rl_point += static_cast<int>(std::strcspn(rl_line_buffer + cursor, "()[]{}"));
-    if (rl_point < rl_end) return rl_vi_match(count, key);
-    rl_point = cursor;
-    rl_ding();
-    return 1;
 }
 
 int ReadlineEditor::TypeOperator(int count, int key) {

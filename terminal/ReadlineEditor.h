@@ -39,7 +39,6 @@ private:
     static int RecallOlder(int, int);
     static int RecallNewer(int, int);
     static int TypeOperator(int count, int key);
-    static int MatchBracket(int count, int key);
     static int TakePaste(int, int);
     static int DoNothing(int, int);
 

@@ -19,13 +19,18 @@ size_t lengthAt(std::string_view text, size_t start) {
     return std::max<size_t>(utf8Length(text, start), 1);
 }
 
-int widthOf(std::string_view character) {
+// That of the locale, which is -1 for a character of several bytes that it does not know.
+int knownWidth(std::string_view character) {
     if (character.size() == 1)
         return static_cast<unsigned char>(character[0]) < 0x20 || character[0] == 0x7F ? 2 : 1;
     wchar_t wide = 0;
     std::mbstate_t state = {};
     const size_t read = std::mbrtowc(&wide, character.data(), character.size(), &state);
-    return read == character.size() ? std::max(wcwidth(wide), 0) : 1;
+    return read == character.size() ? wcwidth(wide) : 1;
+}
+
+int widthOf(std::string_view character) {
+    return std::max(knownWidth(character), 0);
 }
 
 } // namespace
@@ -49,6 +54,16 @@ ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width) {
         i += character.size();
     }
     return place;
+}
+
+std::string knownCharacters(std::string_view text) {
+    std::string known;
+    for (size_t i = 0; i < text.size();) {
+        const std::string_view character = text.substr(i, lengthAt(text, i));
+        known += knownWidth(character) < 0 ? "\xEF\xBF\xBD" : character;
+        i += character.size();
+    }
+    return known;
 }
 
 size_t columnsOf(std::string_view text) {

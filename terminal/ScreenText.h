@@ -22,6 +22,9 @@ struct ScreenPlace {
 // go to the next multiple of eight, and a wide character that does not fit begins the next row.
 ScreenPlace placeBehind(std::string_view text, ScreenPlace from, int width);
 
+// The UTF-8 text with U+FFFD for each character that the locale does not know, as one that Unicode got later.
+std::string knownCharacters(std::string_view text);
+
 // The columns of one line of text, and those of the last line of several.
 size_t columnsOf(std::string_view text);
 size_t columnBehind(const std::string& text);

@@ -101,17 +101,14 @@ TEST(ReadlineEditor, AnUnfinishedCommandOfViThatIsRepeatedLeavesNoNul) {
                "?2");
 }
 
-TEST(ReadlineEditor, GoesToTheOtherBracketWithKeysOfVi) {
-    const std::string toVi = "\x1b\n";
-    expectLine(toVi + "2*(3+x)\x1b%x", "2*3+x)");
-    expectLine(toVi + "2*(3+x)\x1b"
-                      "0%x",
-               "2*(3+x");
-    expectLine(toVi + "2*\xCF\x80*(x)\x1b"
-                      "0d%", // a letter of two bytes
-               "");
-    for (const char* const last : {"\xCE\x82", "a\xCC\x81"}) // not assigned; without a width
-        expectLine(toVi + "2*x+" + last + "\x1b%cc3", "3");
+// U+0382 is not assigned; the accent has no width.
+TEST(ReadlineEditor, KeysOfViEndBehindACharacterThatTheSystemDoesNotKnow) {
+    for (const char* const command : {"%", "e", "E", "w", "W", "=", "*"}) {
+        const std::string keys = std::string("\x1b") + command + "\x1b$a";
+        expectLine("\x1b\n2*x\xCE\x82" + keys, "2*x" + MARK);
+        expectLine("\x1b\n2*xa\xCC\x81" + keys, "2*xa\xCC\x81");
+    }
+    expectLine("2*x\xCE\x82", "2*x\xCE\x82"); // as it is with other keys
 }
 
 TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
