@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
 // Any bytes as what is typed at the prompt: the first one tells which of the two editors gets them, from a
-// pipe.
+// pipe, and whether Readline has the keys of vi.
 #include "Completion.h"
 #include "EntryText.h"
 #include "Keyboard.h"
 #include "ReadlineEditor.h"
 #include "calculators.h"
-#include "kill_ring.h"
+#include "readline_state.h"
 
 #include <algorithm>
 #include <fcntl.h>
@@ -47,8 +47,8 @@ int pipeOf(const std::string& bytes) {
 }
 
 // Whether keys are typed a thousand times or more: Alt with a digit or a minus begins a count, as an Escape
-// in front or in the eighth bit.
-bool hasLargeCount(const std::string& keys) {
+// in front or in the eighth bit; with the keys of vi any digit does, and ten times are enough.
+bool hasLargeCount(const std::string& keys, bool areOfVi) {
     size_t digits = 0;
     bool isCount = false;
     for (size_t i = 0; i < keys.size(); i++) {
@@ -56,19 +56,21 @@ bool hasLargeCount(const std::string& keys) {
         const char key = static_cast<char>(keys[i] & 0x7F);
         const bool isDigit = key >= '0' && key <= '9';
         if (isDigit || key == '-')
-            isCount = isCount || isAlt || (i > 0 && keys[i - 1] == '\x1b');
+            isCount = isCount || isAlt || areOfVi || (i > 0 && keys[i - 1] == '\x1b');
         else
             isCount = isCount && key == '\x1b';
         digits = isCount ? digits + (isDigit ? 1 : 0) : 0;
-        if (digits > 3) return true;
+        if (digits > (areOfVi ? 1 : 3)) return true;
     }
     return false;
 }
 
-// Whether a killed text (Ctrl-Y puts it back) may double so often that it fills the memory: by itself, or
-// with a macro (Ctrl-X e).
-bool hasManyYanks(const std::string& keys) {
-    const auto yanks = std::count(keys.begin(), keys.end(), '\x19');
+// Whether a killed text may double so often that it fills the memory: put back (by Ctrl-Y, with the keys of
+// vi by p and P) or repeated (by a dot) by itself, or with a macro (Ctrl-X e).
+bool hasManyYanks(const std::string& keys, bool areOfVi) {
+    const auto yanks = std::count_if(keys.begin(), keys.end(), [&](char key) {
+        return key == '\x19' || (areOfVi && (key == 'p' || key == 'P' || key == '.'));
+    });
     return yanks > 8 || (yanks > 0 && keys.find("\x18\x65") != std::string::npos);
 }
 
@@ -89,10 +91,12 @@ void readLines(LineSource& source, bool isPlain, ZqCalculator& calc) {
 // What a terminal without escape sequences gets has none.
 void checkPlain(int screen) {
     char block[1 << 16];
-    const auto count = pread(screen, block, sizeof block, 0);
-    require(count >= 0, "the screen can be read");
-    for (ssize_t i = 0; i < count; i++)
-        require(block[i] != '\x1b' && block[i] != '\a', "no escape sequence is shown");
+    ssize_t count = 0;
+    for (off_t start = 0; (count = pread(screen, block, sizeof block, start)) > 0; start += count) {
+        for (ssize_t i = 0; i < count; i++)
+            require(block[i] != '\x1b' && block[i] != '\a', "no escape sequence is shown");
+    }
+    require(count == 0, "the screen can be read");
 }
 
 } // namespace
@@ -109,13 +113,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     setenv("INPUTRC", "/dev/null", 1);
     setenv("TERM", "xterm", 1);
     Input input(data, size);
-    const bool isPlain = input.Byte() % 2 == 0;
+    const int kind = input.Byte() % 4;
+    const bool isPlain = kind % 2 == 0;
+    const bool areOfVi = kind == 3;
     const std::string bytes = input.Rest();
-    // Alt with Return turns to the keys of vi, which would stay for all later runs.
+    if (hasLargeCount(bytes, areOfVi) || hasManyYanks(bytes, areOfVi)) return 0;
+    // Alt with Return turns to the keys of vi.
     for (const char* const toVi : {"\x1b\n", "\x1b\r", "\x8a", "\x8d"}) {
-        if (bytes.find(toVi) != std::string::npos) return 0;
+        if (!areOfVi && bytes.find(toVi) != std::string::npos) return 0;
     }
-    if (hasLargeCount(bytes) || hasManyYanks(bytes)) return 0;
     const auto calc = newCalculator();
     Host host(*calc);
     const int keys = pipeOf(bytes);
@@ -128,7 +134,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } else {
         static const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
         ReadlineEditor editor(host, keys, nowhere);
-        if (bytes.find('\x19') != std::string::npos) emptyKillRing();
+        useKeys(areOfVi);
+        if (areOfVi || bytes.find('\x19') != std::string::npos) emptyKillRing();
         readLines(editor, false, *calc);
     }
     close(keys);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // By itself, since Readline has a name of the engine's for something else.
-#include "kill_ring.h"
+#include "readline_state.h"
 
 #include <cstdio>
 
@@ -18,4 +18,8 @@ void emptyKillRing() {
         _rl_last_command_was_kill = 0;
     }
     rl_free_undo_list();
+}
+
+void useKeys(bool areOfVi) {
+    rl_variable_bind("editing-mode", areOfVi ? "vi" : "emacs");
 }
