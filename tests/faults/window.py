@@ -155,19 +155,29 @@ def is_waiting(window):
         return file.read().rsplit(")", 1)[1].split()[0] == "S"
 
 
+def is_at_rest(window):
+    """Not only between two keys."""
+    before = ran(window)
+    for _ in range(5):
+        time.sleep(0.02)
+        if not is_waiting(window) or ran(window) != before:
+            return False
+    return True
+
+
 def define(window, line):
     """Returns when it is answered."""
     before = ran(window)
     window.enter(line)
-    wait_until("the answer", lambda: ran(window) > before and is_waiting(window))
+    wait_until("the answer", lambda: ran(window) > before and is_at_rest(window))
     return line
 
 
 def kill_once(person, dice):
-    """Definitions without a rest; the end comes around the first saves."""
+    """Definitions without a rest; the end comes around the second save or a later one."""
     window = CalculatorWindow(person.home)
     typed = []
-    end = time.monotonic() + dice.uniform(0.9, 3.5)
+    end = time.monotonic() + KEPT_AFTER + dice.uniform(0, 2.5)
     while time.monotonic() < end:
         typed.append((define(window, f"v{len(typed)}={dice.randrange(1000)}"), time.monotonic()))
     time.sleep(dice.uniform(0, 0.05))
