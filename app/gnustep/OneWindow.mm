@@ -61,18 +61,17 @@ static bool isOfThisPerson(int caller) {
 // What a caller that does not block says up to its end. False when it is not at its end in ANSWERING_TIME, or
 // says too much: the window waits meanwhile.
 static bool receiveAll(int caller, std::string& text) {
-    using Clock = std::chrono::steady_clock;
-    const Clock::time_point end = Clock::now() + OneWindow::ANSWERING_TIME;
+    const auto end = std::chrono::steady_clock::now() + OneWindow::ANSWERING_TIME;
     char bytes[4096];
     while (text.size() < MOST_BYTES) {
         const ssize_t count = recv(caller, bytes, sizeof bytes, 0);
         if (count == 0) return true;
         if (count > 0) text.append(bytes, static_cast<size_t>(count));
         if (count < 0 && errno != EAGAIN && errno != EINTR) return false;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (left <= 0) return false;
+        const std::chrono::duration<double, std::milli> left = end - std::chrono::steady_clock::now();
+        if (left.count() <= 0) return false;
         pollfd waiting = {caller, POLLIN, 0};
-        poll(&waiting, 1, static_cast<int>(left));
+        poll(&waiting, 1, static_cast<int>(left.count()) + 1);
     }
     return false;
 }
