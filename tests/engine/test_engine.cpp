@@ -62,6 +62,11 @@ TEST(NewEngine, WorksWithoutInitialization) {
     EXPECT_EQ(STATUS_MESSAGE, calc.ProcessEntry(nullptr, false));
 }
 
+TEST_F(Engine, AnEmptyLineRepeatsTheVeryFirstEntry) {
+    EXPECT_EQ("ans = 7\n", Answer("ans+7"));
+    EXPECT_EQ("ans = 14\n", Answer(""));
+}
+
 TEST_F(Engine, StartsWithAnsAndPi) {
     EXPECT_TRUE(calc.initialized);
     ASSERT_EQ(2, calc.vars.count);

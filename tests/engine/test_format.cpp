@@ -203,6 +203,17 @@ TEST(Format, AllDigitsAreThoseOfTheNumberLibrary) {
     }
 }
 
+// 64 bits: a fraction whose first digit the low half of the product decides, and none at all.
+TEST(Format, AllDigitsOfTheLongestShortNumbers) {
+    const qfloat tenth = {0, 0x8001, 0, 0x8CCCCCCC, 0xCCCCCCCD};
+    char out[FORMAT_SIZE];
+    qtoascii(tenth, out, 100, SCI_NEVER, '\0');
+    EXPECT_STREQ("1.100000000000000000021684043449710088680149056017398834228515625", out);
+    const qfloat whole = {0, 0x8040, 0, 0x80000000, 1}; // 2^63 + 1
+    qtoascii(whole, out, 100, SCI_NEVER, '\0');
+    EXPECT_STREQ("9223372036854775809", out);
+}
+
 TEST(Format, FormatResultWritesNothingInOtherBases) {
     ZqCalculator calc;
     qmov(qten, calc.result);

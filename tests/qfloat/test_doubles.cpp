@@ -155,6 +155,11 @@ TEST_F(Doubles, QtoeIsTheNearestDoubleWhereNoTieIsNear) {
     }
 }
 
+TEST(Qtoe, TakesAMantissaThatBeginsWithZerosForWhatItIs) {
+    EXPECT_EQ(toBits(Number{0, 0x8001, 0, 0x40000000}), bitsOf(0.5));
+    EXPECT_EQ(toBits(Number{NEGATIVE_SIGN, 0x8005, 0, 0x0C000000}), bitsOf(-1.5));
+}
+
 TEST(QtoeTieRule, AnExactTieIsCutAfterAnEvenAndAfterAnOddLastBit) {
     const uint64_t even = (uint64_t{1} << 52) + 2;
     EXPECT_EQ(toBits(withTail(even, 0x8001, power2(298))), bitsOf(1) + 2);

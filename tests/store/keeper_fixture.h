@@ -20,6 +20,7 @@ public:
     int Rename(const char* from, const char* to) override {
         return Fails(renamingError) ? -1 : System::Rename(from, to);
     }
+    int Remove(const char* path) override { return Fails(removingError) ? -1 : System::Remove(path); }
     time_t WallTime() override { return wallTime; }
     int Open(const char* path, int flags, mode_t mode) override {
         const std::string name = path;
@@ -44,6 +45,7 @@ public:
 
     int writingError = 0;
     int renamingError = 0;
+    int removingError = 0;
     int readings = 0; // of the definitions file
     time_t wallTime = time(nullptr);
     bool isInOneTick = false; // all files were changed just now

@@ -38,6 +38,12 @@ private:
     uid_t user;
 };
 
+// One that takes nothing and has no reason.
+class FullSystem : public System {
+public:
+    ssize_t Write(int, const void*, size_t) override { return 0; }
+};
+
 // No file grows beyond so many bytes: like a disk that is full.
 class FileSizeLimit {
 public:
@@ -60,6 +66,12 @@ private:
 };
 
 // --- Reading ---
+
+TEST_F(FileKeeping, AWriteThatTakesNothingIsNotTriedForEver) {
+    FullSystem system;
+    std::error_code reason;
+    EXPECT_FALSE(writeFileAtomically(path, "text", &reason, system));
+}
 
 TEST_F(FileKeeping, EveryByteIsRead) {
     std::string bytes;

@@ -303,6 +303,20 @@ TEST_F(Kept, AnEmptyTranscriptHasNoFile) {
     EXPECT_EQ("", keeper.TakeNews());
 }
 
+TEST_F(Kept, ATranscriptThatCouldNotBeRemovedIsToldOfAndRemovedLater) {
+    putContent(File("transcript.txt"), "x\n");
+    EXPECT_EQ("x\n", keeper.ReadTranscript());
+    system.removingError = EACCES;
+    keeper.SetTranscript("");
+    SaveBoth();
+    EXPECT_NE("", keeper.TakeNews());
+    system.removingError = 0;
+    keeper.SetTranscript("");
+    SaveBoth();
+    struct stat info = {};
+    EXPECT_NE(0, stat(File("transcript.txt").c_str(), &info));
+}
+
 TEST_F(Kept, ATranscriptComesBackBehindAnEmptyOne) {
     putContent(File("transcript.txt"), "x\n");
     EXPECT_EQ("x\n", keeper.ReadTranscript());

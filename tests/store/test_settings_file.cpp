@@ -186,6 +186,13 @@ TEST(SettingsFile, WhatIsNoWholeXmlListOfADictionaryIsDamaged) {
     }
 }
 
+TEST(SettingsFile, MoreListsThanDictionariesAreNoDamage) {
+    KeptSettings kept;
+    const std::string lists = "<key>later</key><array><array/><array/></array>";
+    ASSERT_TRUE(readSettings(HEAD + lists + "<key>sigfigs</key><integer>3</integer>" + END, kept));
+    EXPECT_EQ(3, kept.numbers["sigfigs"]);
+}
+
 // The library goes down into lists by calling itself.
 TEST(SettingsFile, TenThousandListsInsideEachOtherAreDamage) {
     for (const char* const list : {"<array>", "<dict><key>a</key>"}) {
