@@ -199,6 +199,14 @@ TEST(Qtoasc, ACarryReachesTheLeadingDigitAndTheExponent) {
     EXPECT_EQ(print("1.1999", 3), " 1.200E0");
 }
 
+// For which the exponent may first be taken for one less.
+TEST(Qtoasc, NumbersJustAbovePowersOfTenBeginWithOne) {
+    for (int exponent = -4900; exponent <= 4900; ++exponent) {
+        const std::string number = "1.0000000000000000000000001E" + std::to_string(exponent);
+        EXPECT_EQ(print(number.c_str(), 25), " " + number);
+    }
+}
+
 TEST(Qtoasc, AnExactTieIsRoundedToTheEvenDigit) {
     EXPECT_EQ(print("0.125", 1), " 1.2E-1");
     EXPECT_EQ(print("0.375", 1), " 3.8E-1");
