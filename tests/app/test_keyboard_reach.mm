@@ -44,20 +44,22 @@ TEST_F(KeyboardReach, LeftAndRightChooseASegment) {
     EXPECT_EQ(SettingOf("degmode"), 0);
 }
 
-TEST_F(KeyboardReach, SpaceReturnOrDownOpenAListOfWhichOneIsTyped) {
+class ListByKey : public KeyboardReach, public testing::WithParamInterface<char16_t> {};
+
+TEST_P(ListByKey, OfWhichOneIsTyped) {
     Enter("width=7");
-    for (const unichar key : {u' ', u'\r', static_cast<char16_t>(NSDownArrowFunctionKey)}) {
-        [console clearPrompt];
-        Press(KEY_F6);
-        Send('\t');
-        Send('\t');
-        Wait('w');
-        Wait('\r');
-        Send(key);
-        EXPECT_EQ(Entry(), "width") << key;
-        EXPECT_TRUE(ConsoleHasFocus());
-    }
+    Press(KEY_F6);
+    Send('\t');
+    Send('\t');
+    Wait('w');
+    Wait('\r');
+    Send(GetParam());
+    EXPECT_EQ(Entry(), "width");
+    EXPECT_TRUE(ConsoleHasFocus());
 }
+
+INSTANTIATE_TEST_SUITE_P(SpaceReturnAndDown, ListByKey,
+                         testing::Values(u' ', u'\r', char16_t{NSDownArrowFunctionKey}));
 
 TEST_F(KeyboardReach, WhatIsTypedAtAControlIsForTheEntry) {
     Press(KEY_F6);

@@ -227,14 +227,11 @@ NSFont* noFont(id, SEL, CGFloat) {
 
 TEST_F(Startup, ASystemWithoutAFontOfEqualWidthsHasAnotherOne) {
     const Replaced fonts(metaclassOf([NSFont class]), @selector(userFixedPitchFontOfSize:), noFont);
-    PelmoAppDelegate* const another = [[[PelmoAppDelegate alloc] init] autorelease];
-    NSWindow* const built = buildMainWindow(another);
-    MainConsole* const text = [another mainConsole];
-    EXPECT_GT([[text font] pointSize], 0);
-    [text setString:@"> 7"];
-    [built display];
-    EXPECT_GT(NSHeight([[text layoutManager] lineFragmentRectForGlyphAtIndex:0 effectiveRange:NULL]), 0);
-    [built close];
+    Restart();
+    EXPECT_GT([[console font] pointSize], 0);
+    [console setString:@"> 7"];
+    [window display];
+    EXPECT_GT(NSHeight([[console layoutManager] lineFragmentRectForGlyphAtIndex:0 effectiveRange:NULL]), 0);
 }
 
 TEST_F(Startup, TheSavedPlaceComesBackWithoutSnapping) {

@@ -61,6 +61,16 @@ int evaluateByRule(ZqCalculator& calc, const std::string& line) {
     return calc.Node2Num(calc.terms.first, calc.result);
 }
 
+TEST_F(Functions, ProcParenthRemovesNoPairAroundSeveralTerms) {
+    ASSERT_EQ(0, calc.ProcessStr("(2+3)"));
+    ASSERT_EQ(0, calc.VerifyTermsSyntax());
+    EXPECT_EQ(0, calc.ProcParenth(calc.terms.first));
+    EXPECT_EQ(5, calc.terms.count);
+    ASSERT_TRUE(calc.ProcPair(calc.terms.first->next->next, OP_ADD));
+    EXPECT_EQ(1, calc.ProcParenth(calc.terms.first));
+    EXPECT_EQ(1, calc.terms.count);
+}
+
 std::string randomTerm(std::mt19937& random, const std::vector<std::string>& names, int depth) {
     static const char* const operators[] = {"+", "-", "*", "^", "*-", "^-", "-", "<", "&&", "=="};
     switch (depth == 0 ? random() % 2 : random() % 9) {
