@@ -289,6 +289,7 @@ void ReadlineEditor::RunKeys() {
 // It gets no other text, but keeps the rest of a character behind a key that wants another one, and a
 // repeated command of vi may leave a NUL. Undoing does not bring it back.
 void ReadlineEditor::KeepText() {
+    rl_point = std::min(rl_point, rl_end); // a search may have left it behind the end
     const std::string_view line(rl_line_buffer, static_cast<size_t>(rl_end));
     const std::string text = workable(line);
     if (text == line) return;
@@ -404,8 +405,9 @@ int ReadlineEditor::Recall(bool isOlder) {
 char** ReadlineEditor::Complete(const char* word, int, int) {
     rl_attempted_completion_over = 1; // no names of files
     rl_completion_suppress_append = 1;
-    const std::vector<std::string> found =
-        editing->host.CompletionsAt(rl_line_buffer, static_cast<size_t>(rl_point)).candidates;
+    const std::string entry = rl_line_buffer;
+    const size_t cursor = std::min(static_cast<size_t>(rl_point), entry.size()); // as in KeepText
+    const std::vector<std::string> found = editing->host.CompletionsAt(entry, cursor).candidates;
     if (found.empty()) return nullptr;
     std::string common = found.front();
     for (const std::string& one : found) {

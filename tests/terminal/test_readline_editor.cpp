@@ -24,7 +24,10 @@ public:
     std::string PromptText(bool) const override { return "> "; }
     long DoDue() override { return -1; }
     std::string PreviewOf(const std::string&) override { return ""; }
-    Completion CompletionsAt(const std::string&, size_t) override { return {}; }
+    Completion CompletionsAt(const std::string& entry, size_t cursor) override {
+        EXPECT_LE(cursor, entry.size());
+        return {};
+    }
     bool MinusIsSign() const override { return true; }
 };
 
@@ -109,6 +112,15 @@ TEST(ReadlineEditor, KeysOfViEndBehindACharacterThatTheSystemDoesNotKnow) {
         expectLine("\x1b\n2*xa\xCC\x81" + keys, "2*xa\xCC\x81");
     }
     expectLine("2*x\xCE\x82", "2*x\xCE\x82"); // as it is with other keys
+}
+
+// Readline's cursor may then be behind the end of the line.
+TEST(ReadlineEditor, CompletesBehindASearchInALineThatHadBytesThatAreNoText) {
+    setenv("INPUTRC", "/dev/null", 1);
+    setenv("TERM", "xterm", 1);
+    std::string line;
+    // Alt with a letter that is no key, Ctrl-R, Ctrl-S
+    EXPECT_EQ(LineSource::Status::End, firstLine("2\x1b\xFF\xFF\xFB\x12\xCF\x13\x13\t\t", line));
 }
 
 TEST(ReadlineEditor, ShowsAMarkForBytesThatAreNoText) {
